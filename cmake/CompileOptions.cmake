@@ -1,0 +1,28 @@
+# Warnings, sanitizers and the run-time libraries that programs need beside them.
+
+function(vel_use_project_options target)
+  target_compile_options(${target} PRIVATE
+    -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wcast-align -Wformat=2
+    -Wnull-dereference $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast;-Wnon-virtual-dtor;-Woverloaded-virtual>)
+  target_compile_definitions(${target} PRIVATE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+  if(VEL_SANITIZE)
+    target_compile_options(${target} PRIVATE
+      -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(${target} PRIVATE -fsanitize=address,undefined)
+  endif()
+endfunction()
+
+# The C++ runtime is shared, so that exceptions and streams cross the DLL
+# boundary; on Windows its DLLs have to lie beside the programs.
+if(MINGW)
+  set(VEL_RUNTIME_DLLS)
+  foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll}
+                    OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
+    if(NOT EXISTS "${path}")
+      message(FATAL_ERROR "run-time library ${dll} of ${CMAKE_CXX_COMPILER} not found")
+    endif()
+    file(COPY ${path} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY} FOLLOW_SYMLINK_CHAIN)
+    list(APPEND VEL_RUNTIME_DLLS ${path})
+  endforeach()
+endif()

@@ -1,0 +1,43 @@
+# Message catalogs: resource-only Windows DLLs, compiled from a message source with the
+# same tools on every system, since the library reads the same file on all of them.
+
+foreach(tool windmc windres)
+  string(TOUPPER VEL_${tool} variable)
+  find_program(${variable} x86_64-w64-mingw32-${tool})
+  if(NOT ${variable})
+    message(FATAL_ERROR "x86_64-w64-mingw32-${tool} not found: run ./dev setup")
+  endif()
+endforeach()
+find_program(VEL_CATALOG_LINKER NAMES x86_64-w64-mingw32-gcc-posix x86_64-w64-mingw32-gcc)
+if(NOT VEL_CATALOG_LINKER)
+  message(FATAL_ERROR "x86_64-w64-mingw32-gcc not found: run ./dev setup")
+endif()
+
+# vel_add_message_catalog(<target> MC <file.mc> OUTPUT_NAME <name> [ANSI]): a target, part
+# of every build, that makes <name>.DLL beside the programs. The message source is UTF-8;
+# its texts are stored as UTF-16, with ANSI as bytes of code page 1252. MC may be the
+# output of a custom command of the same folder.
+function(vel_add_message_catalog target)
+  cmake_parse_arguments(ARG "ANSI" "MC;OUTPUT_NAME" "" ${ARGN})
+  get_filename_component(source ${ARG_MC} ABSOLUTE)
+  get_filename_component(base ${ARG_MC} NAME_WLE)
+  # The message compiler names the files of a language alike for every source.
+  set(work ${CMAKE_CURRENT_BINARY_DIR}/${target}.catalog)
+  set(library ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${ARG_OUTPUT_NAME}.DLL)
+  set(entries --unicode_out)
+  if(ARG_ANSI)
+    set(entries --ascii_out --codepage_out=1252)
+  endif()
+  file(MAKE_DIRECTORY ${work})
+  add_custom_command(
+    OUTPUT ${library}
+    COMMAND ${VEL_WINDMC} --codepage_in=65001 ${entries} --nullterminate ${source}
+    COMMAND ${VEL_WINDRES} ${base}.rc ${base}.o
+    COMMAND ${VEL_CATALOG_LINKER} -shared -s -nostdlib -nostartfiles
+            -Wl,--entry,0,--no-insert-timestamp,--image-base,0x180000000 ${base}.o -o ${library}
+    WORKING_DIRECTORY ${work}
+    DEPENDS ${source}
+    COMMENT "Compiling message catalog ${ARG_OUTPUT_NAME}.DLL"
+    VERBATIM)
+  add_custom_target(${target} ALL DEPENDS ${library})
+endfunction()

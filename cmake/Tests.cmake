@@ -1,0 +1,35 @@
+# GoogleTest from Debian's sources, so that the cross build gets it too, and the
+# function that adds one test program for a folder.
+
+set(VEL_GOOGLETEST_DIR /usr/src/googletest CACHE PATH "GoogleTest sources")
+if(NOT EXISTS ${VEL_GOOGLETEST_DIR}/CMakeLists.txt)
+  message(FATAL_ERROR "GoogleTest sources not found in ${VEL_GOOGLETEST_DIR}: run ./dev setup")
+endif()
+set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+set(BUILD_GMOCK ON CACHE BOOL "" FORCE)
+set(CMAKE_WARN_DEPRECATED OFF CACHE BOOL "" FORCE)
+add_subdirectory(${VEL_GOOGLETEST_DIR} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+unset(CMAKE_WARN_DEPRECATED CACHE)
+
+if(CMAKE_CROSSCOMPILING)
+  add_test(NAME wine_server COMMAND ${CMAKE_COMMAND} -E env ${PROJECT_SOURCE_DIR}/cmake/wine-warm-up hostname.exe)
+  set_tests_properties(wine_server PROPERTIES FIXTURES_SETUP wine)
+endif()
+
+# vel_add_tests(NAME SOURCES <files>... [LIBRARIES <targets>...]): one program, one
+# ctest entry; under Wine starting a process costs more than most tests.
+function(vel_add_tests name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES;DEPENDS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  vel_use_project_options(${name})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE qamc5032 test_support GTest::gmock_main ${ARG_LIBRARIES})
+  add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+  if(ARG_DEPENDS)
+    add_dependencies(${name} ${ARG_DEPENDS})
+  endif()
+  if(CMAKE_CROSSCOMPILING)
+    set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED wine)
+  endif()
+endfunction()

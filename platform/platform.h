@@ -1,0 +1,122 @@
+// The seam to the operating system: free functions on plain types, implemented once per system
+// in windows/ and posix/. Each does one system thing, retries interrupted calls, and reports the
+// system's own number. Classes, error identifiers and messages stand above the seam; so do all
+// rules of names, quoting and wildcards.
+//
+// File names arrive in either style. On POSIX systems back-slash names are translated: see
+// posix/native_path.h.
+#ifndef PLATFORM_PLATFORM_H_
+#define PLATFORM_PLATFORM_H_
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vel::platform {
+
+// ---- Files and attributes (files.cpp) --------------------------------------------------------
+
+/// The runtime's errno after a failure, 0 after success.
+using SystemError = int;
+
+inline constexpr std::uint32_t kAttributeReadOnly = 0x1;
+inline constexpr std::uint32_t kAttributeHidden = 0x2;
+inline constexpr std::uint32_t kAttributeDirectory = 0x10;
+/// What a missing entry has: all bits.
+inline constexpr std::uint32_t kAttributesUnreadable = 0xFFFFFFFF;
+
+struct EntryStatus {
+  std::uint64_t sizeInBytes;
+  std::int64_t changed;   ///< creation on Windows, status change on POSIX; seconds since 1970
+  std::int64_t accessed;  ///< seconds since 1970
+  std::int64_t modified;  ///< seconds since 1970
+};
+
+bool entryExists(const char* name) noexcept;
+bool isWritable(const char* name) noexcept;
+std::uint32_t attributesOf(const char* name) noexcept;
+bool statusOf(const char* name, EntryStatus& status) noexcept;
+/// Copies contents and permissions over an existing target. A failed copy leaves no partial
+/// target behind if the target did not exist before.
+SystemError copyFile(const char* from, const char* to) noexcept;
+/// Sets or clears write permission and nothing else; clearing read-only gives it to the owner.
+SystemError setReadOnly(const char* name, bool readOnly) noexcept;
+/// Never removes a directory.
+SystemError removeFile(const char* name) noexcept;
+/// Refuses an existing target with EEXIST, also when it appears at the last moment.
+SystemError renameFile(const char* from, const char* to) noexcept;
+/// The current directory in back-slash style with its drive, without a final separator unless it
+/// is the root. False when it does not fit or cannot be had.
+bool currentDirectory(char* out, std::size_t capacity) noexcept;
+/// The directory for scratch files that the system knows beyond TMP and TEMP; never null.
+const char* fallbackTmpDirectory() noexcept;
+
+// ---- Descriptors (descriptors.cpp) -----------------------------------------------------------
+
+enum class DescriptorMode { NotOpen, Text, Binary, Other };
+
+/// Sets the translation mode and returns the one before.
+DescriptorMode setDescriptorMode(int descriptor, DescriptorMode mode) noexcept;
+bool isTerminal(int descriptor) noexcept;
+
+// ---- Environment (environment.cpp) -----------------------------------------------------------
+
+/// Null when the variable is not set.
+const char* environmentValue(const char* name) noexcept;
+/// `assignment` is "NAME=value", where an empty value removes the variable; it is copied.
+bool putEnvironment(char* assignment) noexcept;
+
+// ---- Processes (processes.cpp) ---------------------------------------------------------------
+
+std::uint32_t currentProcessId() noexcept;
+std::uint32_t currentThreadId() noexcept;
+
+// ---- Clocks and sleeping (clocks.cpp) --------------------------------------------------------
+
+/// Milliseconds since the system started, wrapping at 32 bits.
+std::uint32_t tickCount() noexcept;
+/// Counts per second of performanceCounter; 0 without a counter.
+std::int64_t performanceFrequency() noexcept;
+bool performanceCounter(std::int64_t& value) noexcept;
+/// Sleeps the whole time, also when signals arrive.
+void sleepMilliseconds(std::uint32_t milliseconds) noexcept;
+
+// ---- System (system.cpp) ---------------------------------------------------------------------
+
+/// The Windows platform identifier: 2 for the NT family, 1 for consumer Windows, 0 for a 16-bit host;
+/// -1 on any other system or when the query fails.
+int windowsPlatformId() noexcept;
+/// The function itself behind an import thunk; everything else unchanged.
+const void* resolveImportThunk(const void* function) noexcept;
+/// Shows a stop message with an OK button and waits for it, where the system has message boxes.
+void showStopMessage(const char* title, const char* text) noexcept;
+
+// ---- Message catalogs (catalogs.cpp) ---------------------------------------------------------
+
+/// A catalog library as the system's loader finds it, with its file mapped for reading.
+struct CatalogImage {
+  void* module;  ///< the loader's handle, null on systems that only map
+  const std::uint8_t* data;
+  std::size_t sizeInBytes;
+};
+
+/// Windows: the loader's search. POSIX: a name without directory is looked for beside the program,
+/// in the current directory, along PATH, and beside this library. False when there is no such
+/// file, or the system's loader does not take it.
+bool openCatalog(const char* fileName, CatalogImage& image) noexcept;
+void closeCatalog(CatalogImage& image) noexcept;
+
+// ---- Languages and code pages (languages.cpp) ------------------------------------------------
+
+/// Windows language numbers; on POSIX from LC_ALL, LC_MESSAGES, LANG (user) or LANG (system),
+/// 1033 when they say nothing.
+std::uint32_t userLanguage() noexcept;
+std::uint32_t systemLanguage() noexcept;
+/// Whether single-byte texts of this process are in fact UTF-8.
+bool ansiIsUtf8() noexcept;
+/// Converts to the process's single-byte code page, "?" for what it lacks. Returns the bytes
+/// written, at most `capacity`, never part of a character; no terminator. Not for UTF-8.
+std::size_t utf16ToAnsi(const char16_t* text, std::size_t length, char* out, std::size_t capacity) noexcept;
+
+}  // namespace vel::platform
+
+#endif

@@ -1,0 +1,37 @@
+// Starts a program as a child, waits for it and keeps what it printed: for tests of exit codes,
+// abnormal ends and printed bytes.
+#ifndef PLATFORM_TEST_CHILD_PROCESS_H_
+#define PLATFORM_TEST_CHILD_PROCESS_H_
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace vel::test {
+
+struct ChildResult {
+  bool started = false;
+  bool endedAbnormally = false;  ///< abort() or a crash
+  int exitCode = -1;             ///< when it ended by itself
+  std::string output;            ///< standard output, CR LF as LF
+  std::string errors;            ///< standard error, CR LF as LF
+};
+
+struct ChildOptions {
+  /// Variables to set for the child; an empty value removes one.
+  std::vector<std::pair<std::string, std::string>> environment;
+  std::string input;         ///< bytes for standard input
+  bool rawOutput = false;    ///< leave line breaks as the child wrote them
+};
+
+/// `program` is a name beside the running program, without extension, or a path. Waits at most
+/// 60 seconds, then ends the child and reports an abnormal end.
+ChildResult runChild(const std::string& program, const std::vector<std::string>& arguments,
+                     const ChildOptions& options = {});
+
+/// The path of the running program.
+std::string ownProgram();
+
+}  // namespace vel::test
+
+#endif

@@ -1,0 +1,15 @@
+// All C++ headers of the library.
+#ifndef VEL_H_
+#define VEL_H_
+
+#include "vel_consoleui.h"
+#include "vel_cursor.h"
+#include "vel_error.h"
+#include "vel_filesys.h"
+#include "vel_helpers.h"
+#include "vel_memmgr.h"
+#include "vel_messages.h"
+#include "vel_process.h"
+#include "vel_util.h"
+
+#endif

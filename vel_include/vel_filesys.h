@@ -1,0 +1,313 @@
+// Names of files and directories, and files. Back-slash names work on every system: on Linux the
+// drive is dropped, "\\" becomes "/", and a component that does not exist as written is looked
+// for ignoring ASCII letter case. Names in slash style pass to the system as they are.
+#ifndef VEL_FILESYS_H_
+#define VEL_FILESYS_H_
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include "vel_error.h"
+#include "vel_export.h"
+
+/// The longest name of a file or directory, in characters; longer texts are cut. Buffers that
+/// functions below write to hold one character more.
+#define VEL_MAX_PATH_LENGTH 260
+
+/// The directory for scratch files: the value of TMP when set (even when empty), else of TEMP, else
+/// "C:\\" on Windows; on Linux TMPDIR and "/tmp" follow TEMP. The text belongs to the environment.
+VEL_C_API const char* velGetTmpDirectory(void);
+
+/// Whether a runtime file descriptor translates line breaks (text mode) or not (binary mode). On
+/// Windows both set the mode for a moment, and a descriptor in any other mode, such as a
+/// Unicode one, ends up in text mode. On Linux every open descriptor is in binary mode. A
+/// descriptor that is not open counts as in text mode.
+VEL_C_API bool velFileIsOpenedInBinaryMode(int fd);
+VEL_C_API bool velFileIsOpenedInTextMode(int fd);
+/// Chooses the mode; programs whose output must be the same bytes on every system set
+/// descriptor 1 to binary before they write. False for a descriptor that is not open.
+VEL_C_API bool velFileSetBinaryMode(int fd, bool binary);
+
+#if defined(VEL_HAS_CLASSES)
+
+class VelClFilename;
+class VelClLocation;
+
+/// Decides from a name's text alone which style it has, whether it begins with a network server and
+/// share, and whether it is absolute. The text is not copied: its owner keeps it alive.
+class VEL_API VelClPathProperty {
+ public:
+  enum VelEnPathStyle : int32_t {
+    MSDOS = 0,  ///< separated by "\\", letter case does not count
+    UNIX = 1    ///< separated by "/", letter case counts
+  };
+
+  /// Null counts as "".
+  explicit VelClPathProperty(const char* text);
+
+  /// The whole text.
+  const char* getAsCString() const { return text_; }
+  /// The path proper, behind the server and share of a network name.
+  const char* getPtrToPath() const { return path_; }
+
+  bool isStyleMSDOS() const { return style_ == MSDOS; }
+  bool isStyleUNIX() const { return style_ == UNIX; }
+  bool isCaseSensitive() const { return style_ == UNIX; }
+  /// '/' in the slash style, else '\\'.
+  char getPathSep() const { return style_ == UNIX ? '/' : '\\'; }
+
+  /// Whether the name begins with "\\\\server\\share".
+  bool isUNC() const { return path_ != text_; }
+  /// Whether the second character of the path proper is ":", whatever the first is.
+  bool hasDrive() const;
+  /// True for network names, for "/..." in the slash style and for "X:\\...". Neither "\\dir" nor
+  /// "C:/dir" is absolute.
+  bool isAbsolute() const;
+  bool isRelative() const { return !isAbsolute(); }
+  /// Whether the path proper holds no "/".
+  bool isNormalized() const;
+
+  /// Replaces every "/" by "\\" in place.
+  static void normalizePath(char* text);
+
+ protected:
+  VelClPathProperty();
+  void init(const char* text);
+  void copyStyle(const VelClPathProperty& other) { style_ = other.style_; }
+  char* getNonConstPtrToPath() { return const_cast<char*>(path_); }
+  /// Equality of whole texts under this object's case rule.
+  bool matches(const char* a, const char* b) const;
+  /// Takes over what `other` found in its text, for `text`, a copy of it.
+  void rebase(const VelClPathProperty& other, const char* text);
+
+ private:
+  const char* text_;
+  const char* path_;
+  VelEnPathStyle style_;
+};
+
+/// A file name of at most 260 characters in a buffer of its own, split into directory, base name and
+/// extension. Comparisons follow the style of the object that is asked: in the back-slash
+/// style ASCII letter case does not count.
+class VEL_API VelClFilenameABase : public VelClPathProperty {
+ public:
+  VelClFilenameABase(const VelClFilenameABase& other);
+  VelClFilenameABase& operator=(const VelClFilenameABase& other);
+
+  /// The last component: base name with extension.
+  const char* getName() const { return base_; }
+  /// From the last "." of the last component on, that dot included; "" without one.
+  const char* getExtension() const { return extension_; }
+  /// In characters.
+  size_t getLength() const { return static_cast<size_t>(length_); }
+  bool hasExtension() const { return *extension_ != '\0'; }
+  /// Whether a directory stands before the last component. The server and share of a network name
+  /// alone don't count.
+  bool hasPath() const { return getPtrToPath() != base_; }
+
+  bool operator==(const VelClFilenameABase& other) const;
+  /// Compares this directory with as many characters of the other's: the other may lie deeper.
+  bool matchesPath(const VelClFilenameABase& other) const;
+  /// Compares the base names without extension, over the length of the longer one.
+  bool matchesBase(const VelClFilenameABase& other) const;
+  /// "txt" and ".txt" both match "a.txt".
+  bool matchesExtension(const char* extension) const;
+  /// The last component against "*" and "?", see velMatchesWildcardPattern.
+  bool matchesWildcardPattern(const char* pattern) const;
+
+  /// Copy one part into a buffer of 261 characters: the directory (with server and share), the base
+  /// name without extension, and "\\\\server\\share". A part that is missing gives "".
+  void extractPath(char* out, bool withSeparator) const;
+  void extractBaseName(char* out) const;
+  void extractServer(char* out) const;
+
+  /// Whether every component has the form of at most 8 characters and the extension of at most 3,
+  /// in the back-slash style. The extension's own characters are not looked at.
+  bool isStyleFAT_8_3() const;
+  /// Whether the file system has an entry of this name, a file or a directory.
+  bool isExistent() const;
+
+ protected:
+  VelClFilenameABase();
+  explicit VelClFilenameABase(const char* text);
+  VelClFilenameABase(const char* text, size_t length);
+  VelClFilenameABase(const char* path, const char* name, const char* extension);
+
+  void init(const char* text);
+  void init(const char* text, size_t length);
+  /// Joins directory, name and, unless null, extension; whatever does not fit is cut.
+  void init(const char* path, const char* name, const char* extension);
+
+ private:
+  friend class VelClFilename;
+  void copyFrom(const VelClFilenameABase& other);
+  void append(const char* text);
+  void determineParts();
+
+  char name_[VEL_MAX_PATH_LENGTH + 1];
+  char* base_;
+  char* extension_;
+  uint64_t length_;
+};
+
+/// A file name that can be changed.
+class VEL_API VelClFilename : public VelClFilenameABase {
+ public:
+  /// The empty name.
+  VelClFilename();
+  // Not explicit: a text stands for a file name wherever one is asked for.
+  VelClFilename(const char* text);  // NOLINT(google-explicit-constructor)
+  VelClFilename(const VelClFilenameABase& other);  // NOLINT(google-explicit-constructor)
+  /// Joins a directory, a name and, unless null, an extension. An extension of "" leaves a dot at
+  /// the end.
+  VelClFilename(const VelClLocation& location, const char* name, const char* extension);
+  VelClFilename(const VelClFilename& other) = default;
+
+  VelClFilename& operator=(const char* text);
+  VelClFilename& operator=(const VelClFilename& other) = default;
+
+  /// Directory and name, joined.
+  void setNew(const char* path, const char* name);
+  void setNew(const VelClLocation& location, const char* name);
+  /// Keep the directory; setNewBaseName keeps the extension too.
+  void setNewName(const char* name);
+  void setNewBaseName(const char* base);
+  /// With or without its dot; "" removes the extension.
+  void setNewExtension(const char* extension);
+  /// Keep base name and extension.
+  void setNewPath(const char* path);
+  void setNewPath(const VelClLocation& location);
+  /// Leaves the base name with extension.
+  void removePath();
+};
+
+/// A directory's name of at most 260 characters. It ends with a separator unless it is empty.
+class VEL_API VelClLocation : public VelClPathProperty {
+ public:
+  /// `normalize` turns "/" into "\\" behind the server part.
+  VelClLocation(const char* text, bool normalize);
+  VelClLocation(const void* text, size_t length, bool normalize);
+  /// The directory of a file name.
+  VelClLocation(const VelClFilenameABase& file, bool normalize);
+  VelClLocation(const VelClLocation& other);
+  VelClLocation& operator=(const char* text);
+  VelClLocation& operator=(const VelClLocation& other);
+
+  /// In characters.
+  size_t getLength() const { return length_; }
+  void normalize();
+  /// Whether the name is the root of a drive, of a network share or of a slash-style name.
+  bool isRoot() const;
+  /// Whether the file system has an entry of this name.
+  bool isExistent() const;
+
+ protected:
+  void init(bool normalize);
+
+ private:
+  void copyText(const char* text, size_t length);
+
+  char directory_[VEL_MAX_PATH_LENGTH + 1];
+  uint32_t length_;
+};
+
+/// What stands for an entry of the file system: a file or a directory.
+class VEL_API VelClFileABase {
+ public:
+  VelClFileABase(const VelClFileABase&) = default;
+  VelClFileABase& operator=(const VelClFileABase&) = default;
+  virtual ~VelClFileABase();
+
+  /// The entry's name; owned by the object.
+  virtual operator const char*() const = 0;
+  virtual const char* getAsCString() const = 0;
+  virtual bool isExistent() const = 0;
+  virtual bool isDirectory() const = 0;
+  virtual bool isFile() const = 0;
+  virtual bool remove() = 0;
+  /// Seconds since 1970-01-01 00:00 UTC, or 0 when the entry cannot be examined.
+  virtual int64_t getDateTimeOfCreation() const = 0;
+  virtual int64_t getDateTimeOfLastAccess() const = 0;
+  virtual int64_t getDateTimeOfLastModification() const = 0;
+
+  /// Whether a directory's path is not absolute, or holds ".\\" and so needs expansion.
+  static bool isRelativePath(const char* path);
+  /// Makes a directory's path absolute and resolves its "." and ".." components, in the caller's
+  /// buffer of 261 characters. `path` is in the back-slash style and ends with "\\"; text behind
+  /// the last "\\" is dropped. Any component that ends in ".." goes one level up, any other that
+  /// ends in "." is left out. False, with "" in the buffer, when ".." leads above the root (or above
+  /// the drive or share), or the result is too long.
+  static bool expandRelativePath(char* path);
+
+ protected:
+  VelClFileABase();
+  /// The times of any entry by its name.
+  int64_t getDateTimeOfCreation(const char* name) const;
+  int64_t getDateTimeOfLastAccess(const char* name) const;
+  int64_t getDateTimeOfLastModification(const char* name) const;
+};
+
+/// A file. Operations that fail return false and leave the reason in getLastError; one that succeeds
+/// clears it. Nothing throws.
+class VEL_API VelClFile : public VelClFileABase {
+ public:
+  /// `defaultType`, unless null, becomes the extension of a name without one.
+  VelClFile(const VelClFilenameABase& name, const char* defaultType);
+  VelClFile(const VelClFile&) = default;
+  VelClFile& operator=(const VelClFile&) = default;
+  ~VelClFile() override;
+
+  operator const char*() const override;
+  const char* getAsCString() const override;
+  bool isExistent() const override;
+  /// Always false.
+  bool isDirectory() const override;
+  /// Always true.
+  bool isFile() const override;
+  /// Removes the file, also a read-only one; never a directory. FILE_COULD_NOT_REMOVE with class
+  /// IO_NOT_EXISTENT or IO_PERMISSION_DENIED.
+  bool remove() override;
+  int64_t getDateTimeOfCreation() const override;
+  int64_t getDateTimeOfLastAccess() const override;
+  int64_t getDateTimeOfLastModification() const override;
+
+  const VelClFilename& getFilename() const { return filename_; }
+  const _VelStError& getLastError() const { return lastError_; }
+  /// The extension without its dot, or "".
+  const char* getFileType() const;
+  void setFileType(const char* type);
+  /// True for a missing file as well. On Linux a leading dot hides a file.
+  bool isHidden() const;
+  /// Whether the file cannot be written; true for a missing file as well.
+  bool isReadOnly() const;
+  /// On Linux only the write permissions change.
+  void setReadOnly(bool readOnly);
+  /// In bytes, 32 bits (a larger size wraps); 0 when the file cannot be examined.
+  unsigned long getFileSize() const;
+
+  /// Copies the file over an existing target. Without `keepAttributes` the copy can be written even
+  /// when this file is read-only. FILE_COULD_NOT_COPY with IO_PROBLEM, or FILE_COULD_NOT_COPY_SELF
+  /// with INCONSISTENT_SITUATION when the target has this file's name.
+  bool copyTo(const VelClFilenameABase& target, bool keepAttributes);
+  /// Into a directory, under the same name.
+  bool copyTo(const VelClLocation& directory, bool keepAttributes);
+  /// Renames the file and takes over the new name. An existing target is refused:
+  /// FILE_COULD_NOT_RENAME with IO_ALREADY_IN_USE, otherwise IO_PERMISSION_DENIED.
+  bool renameAs(const VelClFilenameABase& newName);
+
+ protected:
+  /// Looks for `file` as it is, then in each directory of the ";"-separated variable. On failure the
+  /// name is left in the last directory tried.
+  bool determineFileInEnvVarPath(VelClFilename& file, const char* variableName) const;
+
+ private:
+  bool fail(unsigned long id, VelEnErrorClass errorClass);
+  bool succeed();
+
+  VelClFilename filename_;
+  _VelStError lastError_;
+};
+
+#endif
+
+#endif

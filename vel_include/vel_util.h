@@ -1,0 +1,84 @@
+// Searching a text for a pattern, and matching names against wildcards.
+#ifndef VEL_UTIL_H_
+#define VEL_UTIL_H_
+
+#include <stdint.h>
+
+#include "vel_export.h"
+
+/// Whether the whole of `text` matches `pattern`, in which "*" stands for any run of bytes, also none,
+/// and "?" for exactly one byte. There is no escape character. Without `caseSensitive` bytes are
+/// compared by their toupper values in the process's locale. Takes time in proportion to the
+/// product of both lengths at the worst.
+VEL_C_API bool velMatchesWildcardPattern(const char* pattern, const char* text, bool caseSensitive);
+
+#if defined(VEL_HAS_CLASSES)
+
+/// A pattern that finds itself in texts. The pattern is not copied: the caller keeps it alive.
+class VEL_API VelClStringMatchABase {
+ public:
+  /// What `flag` means is the derived class's matter.
+  VelClStringMatchABase(const char* pattern, bool flag);
+  virtual ~VelClStringMatchABase();
+
+  /// A pointer into `text` to where the pattern was found, or null.
+  virtual const char* getPattern(const char* text) const = 0;
+
+ protected:
+  const char* pattern_;
+  bool flag_;
+};
+
+/// Finds the first occurrence of a plain text, by a bad-character shift table built once per
+/// pattern (after R. N. Horspool, Practical fast searching in strings, 1980). An empty
+/// pattern is found at the start of every text.
+class VEL_API VelClStringSearch : public VelClStringMatchABase {
+ public:
+  /// Ignoring case, a folded copy of the pattern is kept (allocated by the memory manager), and
+  /// bytes are compared by their toupper values in the process's locale of this moment.
+  VelClStringSearch(const char* pattern, bool ignoreCase);
+  VelClStringSearch(const VelClStringSearch&) = delete;
+  VelClStringSearch& operator=(const VelClStringSearch&) = delete;
+  ~VelClStringSearch() override;
+
+  const char* getPattern(const char* text) const override;
+  /// Searches the first `length` bytes, which need not be terminated.
+  const char* getPattern(const char* text, unsigned int length) const;
+
+ private:
+  /// How far the search may move on when a byte lies under the pattern's last one; the entry of
+  /// byte 0 is the pattern's length.
+  uint32_t shift_[256];
+};
+
+/// Matches whole texts against a wildcard pattern.
+class VEL_API VelClStringMatchWildcards : public VelClStringMatchABase {
+ public:
+  // The flag has the opposite sense of VelClStringSearch's. Keep.
+  VelClStringMatchWildcards(const char* pattern, bool caseSensitive);
+  ~VelClStringMatchWildcards() override;
+
+  /// `text` itself when all of it matches, else null.
+  const char* getPattern(const char* text) const override;
+};
+
+/// The place of a regular expression search, which this library does not have: it never finds
+/// anything.
+class VEL_API VelClGrep : public VelClStringMatchABase {
+ public:
+  VelClGrep(const char* pattern, bool flag);
+  VelClGrep(int options, const char* pattern);
+  ~VelClGrep() override;
+
+  const char* getPattern(const char* text) const override;
+  const char* getPattern(const char* text, int options) const;
+
+ private:
+  void init(const char* pattern, int options);
+
+  int32_t state_;
+};
+
+#endif
+
+#endif
