@@ -6,10 +6,18 @@
 
 namespace vel {
 
-constexpr bool isAsciiDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-constexpr bool isAsciiLetter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-constexpr bool isAsciiAlnum(char c) noexcept { return isAsciiDigit(c) || isAsciiLetter(c); }
-constexpr char toAsciiUpper(char c) noexcept { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+constexpr bool isAsciiDigit(char c) noexcept {
+  return c >= '0' && c <= '9';
+}
+constexpr bool isAsciiLetter(char c) noexcept {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+constexpr bool isAsciiAlnum(char c) noexcept {
+  return isAsciiDigit(c) || isAsciiLetter(c);
+}
+constexpr char toAsciiUpper(char c) noexcept {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
 
 constexpr bool equalsIgnoringAsciiCase(const char* a, const char* b) noexcept {
   while (*a != '\0' && toAsciiUpper(*a) == toAsciiUpper(*b)) {

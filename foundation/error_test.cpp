@@ -1,0 +1,107 @@
+// Compares the look-ups with the imported facts, and follows exceptions across the library's boundary.
+#include "vel_include/vel_error.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "vel_include/vel_memmgr.h"
+
+namespace {
+
+std::vector<std::vector<std::string>> readTable(const std::string& name) {
+  std::ifstream file(std::string(VEL_ERROR_DATA_DIR) + "/" + name);
+  std::vector<std::vector<std::string>> rows;
+  std::string line;
+  std::getline(file, line);  // the header
+  while (std::getline(file, line)) {
+    std::istringstream fields(line);
+    rows.emplace_back();
+    for (std::string field; std::getline(fields, field, '\t');) rows.back().push_back(field);
+  }
+  return rows;
+}
+
+unsigned int messageOf(const std::string& kind, int value) {
+  if (kind == "identifier") return velErrorGetIdAsMessageId(static_cast<unsigned long>(value));
+  if (kind == "class") return velErrorGetClassAsMessageId(static_cast<VelEnErrorClass>(value));
+  if (kind == "severity") return velErrorGetSeverityAsMessageId(static_cast<VelEnErrorSeverity>(value));
+  return velErrorGetActionAsMessageId(static_cast<VelEnErrorAction>(value));
+}
+
+TEST(ErrorMessages, AgreeWithTheFactsForEveryValueAndItsNeighbours) {
+  std::map<std::string, std::map<int, unsigned int>> facts;
+  for (const auto& row : readTable("errors.tsv"))
+    facts[row.at(0)][std::stoi(row.at(2))] = static_cast<unsigned int>(std::stoul(row.at(3)));
+  ASSERT_EQ(facts.size(), 4U);
+  ASSERT_EQ(facts["identifier"].size(), 59U);
+  for (const auto& [kind, known] : facts) {
+    for (const auto& entry : known) {
+      for (const int value : {entry.first - 1, entry.first, entry.first + 1}) {
+        const auto found = known.find(value);
+        EXPECT_EQ(messageOf(kind, value), found != known.end() ? found->second : 0U) << kind << ' ' << value;
+      }
+    }
+  }
+  // The two messages of the actions that stand in the opposite order to their values.
+  EXPECT_EQ(velErrorGetActionAsMessageId(VelEnErrorAction::RETRYDELAY), 146U);
+  EXPECT_EQ(velErrorGetActionAsMessageId(VelEnErrorAction::USER), 145U);
+}
+
+TEST(PlatformErrors, AgreeWithTheFactsAndHaveNoOthers) {
+  std::map<std::int32_t, std::string> facts;
+  for (const auto& row : readTable("platform_errors.tsv")) facts[std::stoi(row.at(0))] = row.at(1);
+  ASSERT_EQ(facts.size(), 576U);
+  for (std::int32_t code = -10; code < 6200; ++code) {
+    const char* name = velWinGetErrorAsString(static_cast<std::uint32_t>(code));
+    const auto found = facts.find(code);
+    if (found == facts.end())
+      EXPECT_EQ(name, nullptr) << code;
+    else
+      EXPECT_EQ(std::string(name != nullptr ? name : "(null)"), found->second) << code;
+  }
+  EXPECT_EQ(velWinGetErrorAsString(0x80000000UL), nullptr);
+  EXPECT_EQ(velWinGetErrorAsString(0x7FFFFFFFUL), nullptr);
+}
+
+TEST(Exception, KeepsItsFieldsThroughCopiesAndIsCaughtByEveryBase) {
+  VelClExceptionFatal thrown(FILE_COULD_NOT_COPY, VelEnErrorClass::IO_PROBLEM, VelEnErrorAction::ABORT,
+                             nullptr);
+  EXPECT_EQ(thrown.getOrigin(), nullptr);
+  EXPECT_EQ(thrown.getLine(), 0U);
+  thrown.setOrigin("here, line 7", 7);
+  thrown.setNewId(FILE_COULD_NOT_RENAME);
+  try {
+    throw thrown;
+  } catch (const VelClExceptionABase& caught) {
+    EXPECT_TRUE(caught.isVelException());
+    EXPECT_STREQ(caught.getCause(), "");
+    EXPECT_STREQ(caught.getOrigin(), "here, line 7");
+    EXPECT_EQ(caught.getLine(), 7U);
+    const auto* full = dynamic_cast<const VelClException*>(&caught);
+    ASSERT_NE(full, nullptr);
+    EXPECT_EQ(full->getId(), static_cast<unsigned long>(FILE_COULD_NOT_RENAME));
+    EXPECT_EQ(full->getClass(), VelEnErrorClass::IO_PROBLEM);
+    EXPECT_EQ(full->getSeverity(), VelEnErrorSeverity::FATAL);
+    EXPECT_EQ(full->getAction(), VelEnErrorAction::ABORT);
+  }
+}
+
+TEST(ErrorRecords, TakeTheirFieldsInOrder) {
+  const _VelStUserError record(1, VelEnErrorClass::LOGIC, VelEnErrorSeverity::PANIC, VelEnErrorAction::PANIC);
+  const VelClException exception(record, "why");
+  EXPECT_EQ(exception.getClass(), VelEnErrorClass::LOGIC);
+  EXPECT_EQ(exception.getSeverity(), VelEnErrorSeverity::PANIC);
+  EXPECT_EQ(exception.getAction(), VelEnErrorAction::PANIC);
+  _VelStError error(FILE_COULD_NOT_COPY, VelEnErrorClass::IO_PROBLEM);
+  error.reset();
+  EXPECT_EQ(error.getErrorId(), 0UL);
+  EXPECT_EQ(error.errorClass, VelEnErrorClass::UNKNOWN);
+}
+
+}  // namespace

@@ -1,0 +1,56 @@
+// The exception classes: they keep pointers and numbers, nothing that could fail.
+#include "vel_include/vel_error.h"
+
+VelClExceptionABase::VelClExceptionABase() noexcept : VelClExceptionABase(nullptr) {}
+
+VelClExceptionABase::VelClExceptionABase(const char* cause) noexcept
+    : cause_(cause != nullptr ? cause : ""), origin_(nullptr), line_(0) {}
+
+VelClExceptionABase::VelClExceptionABase(const VelClExceptionABase& other) noexcept = default;
+VelClExceptionABase& VelClExceptionABase::operator=(const VelClExceptionABase& other) noexcept = default;
+VelClExceptionABase::~VelClExceptionABase() = default;
+
+const char* VelClExceptionABase::getCause() const noexcept {
+  return cause_;
+}
+
+void VelClExceptionABase::setOrigin(const char* origin, unsigned int line) noexcept {
+  origin_ = origin;
+  line_ = line;
+}
+
+VelClException::VelClException(unsigned long id, VelEnErrorClass errorClass, VelEnErrorSeverity severity,
+                               VelEnErrorAction action, const char* cause) noexcept
+    : VelClExceptionABase(cause),
+      errorId_(static_cast<std::uint32_t>(id)),
+      errorClass_(errorClass),
+      severity_(severity),
+      action_(action) {}
+
+VelClException::VelClException(const _VelStUserError& error, const char* cause) noexcept
+    : VelClException(error.errorId, error.errorClass, error.severity, error.action, cause) {}
+
+VelClException::VelClException(const VelClException& other) noexcept = default;
+VelClException& VelClException::operator=(const VelClException& other) noexcept = default;
+VelClException::~VelClException() = default;
+
+bool VelClException::isVelException() const noexcept {
+  return true;
+}
+const char* VelClException::getCause() const noexcept {
+  return VelClExceptionABase::getCause();
+}
+
+VelClExceptionFatal::VelClExceptionFatal(unsigned long id, VelEnErrorClass errorClass,
+                                         VelEnErrorAction action, const char* cause) noexcept
+    : VelClException(id, errorClass, VelEnErrorSeverity::FATAL, action, cause) {}
+
+VelClExceptionFatal::VelClExceptionFatal(const VelClExceptionFatal& other) noexcept = default;
+VelClExceptionFatal::~VelClExceptionFatal() = default;
+
+bool VelClExceptionFatal::isVelException() const noexcept {
+  return true;
+}
+const char* VelClExceptionFatal::getCause() const noexcept {
+  return VelClException::getCause();
+}

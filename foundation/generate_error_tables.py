@@ -1,0 +1,71 @@
+#!/usr/bin/env python3
+"""Makes the error tables' C++ rows from errors.tsv and platform_errors.tsv.
+
+generate_error_tables.py --errors errors.tsv --platform platform_errors.tsv --out DIRECTORY
+
+Writes error_messages.inc (a sorted table of {value, message number} for each kind, with a
+compile-time check of every enumerator's value) and platform_errors.inc ({code, name}, sorted
+by the signed code). Stops when the data break an assumption of the look-ups.
+"""
+import argparse
+import csv
+import pathlib
+import sys
+
+ENUMERATIONS = {
+    "identifier": ("Identifier", "VelEnErrorId", False),
+    "class": ("Class", "VelEnErrorClass", True),
+    "severity": ("Severity", "VelEnErrorSeverity", True),
+    "action": ("Action", "VelEnErrorAction", True),
+}
+
+
+def read(path):
+    with open(path, newline="", encoding="ascii") as file:
+        return list(csv.DictReader(file, delimiter="\t"))
+
+
+def require(condition, message):
+    if not condition:
+        sys.exit(f"generate_error_tables.py: {message}")
+
+
+def require_ascending(values, what):
+    require(all(a < b for a, b in zip(values, values[1:])), f"{what} are not in ascending order")
+
+
+def message_tables(rows):
+    lines = []
+    for kind, (title, enumeration, scoped) in ENUMERATIONS.items():
+        members = [row for row in rows if row["kind"] == kind]
+        require(members, f"no rows of kind {kind}")
+        require_ascending([int(row["value"]) for row in members], f"values of kind {kind}")
+        prefix = f"{enumeration}::" if scoped else ""
+        lines.append(f"constexpr MessageRow k{title}Messages[] = {{")
+        lines += [f"    {{{row['value']}, {row['message_id']}}},  // {row['name']}" for row in members]
+        lines.append("};")
+        lines += [f"static_assert(static_cast<int>({prefix}{row['name']}) == {row['value']});" for row in members]
+    return lines
+
+
+def platform_table(rows):
+    require(len(rows) == 576, f"{len(rows)} platform errors instead of 576")
+    require_ascending([int(row["code"]) for row in rows], "platform error codes")
+    return [f'{{{row["code"]}, "{row["name"]}"}},' for row in rows]
+
+
+def write(path, lines):
+    path.write_text("// Made by generate_error_tables.py.\n" + "\n".join(lines) + "\n", encoding="ascii")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--errors", required=True)
+    parser.add_argument("--platform", required=True)
+    parser.add_argument("--out", required=True, type=pathlib.Path)
+    arguments = parser.parse_args()
+    write(arguments.out / "error_messages.inc", message_tables(read(arguments.errors)))
+    write(arguments.out / "platform_errors.inc", platform_table(read(arguments.platform)))
+
+
+main()
