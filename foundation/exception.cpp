@@ -1,4 +1,6 @@
 // The exception classes: they keep pointers and numbers, nothing that could fail.
+#include <cstdint>
+
 #include "vel_include/vel_error.h"
 
 VelClExceptionABase::VelClExceptionABase() noexcept : VelClExceptionABase(nullptr) {}
