@@ -11,21 +11,24 @@ namespace vel::test {
 
 struct ChildResult {
   bool started = false;
-  bool endedAbnormally = false;  ///< abort() or a crash
-  int exitCode = -1;             ///< when it ended by itself
-  std::string output;            ///< standard output, CR LF as LF
-  std::string errors;            ///< standard error, CR LF as LF
+  /// abort(), a crash or the time limit. On Windows abort() is exit code 3, so a child must not use
+  /// that code for anything else.
+  bool endedAbnormally = false;
+  int exitCode = -1;   ///< when it ended by itself
+  std::string output;  ///< standard output, CR LF as LF
+  std::string errors;  ///< standard error, CR LF as LF
 };
 
 struct ChildOptions {
   /// Variables to set for the child; an empty value removes one.
   std::vector<std::pair<std::string, std::string>> environment;
-  std::string input;         ///< bytes for standard input
-  bool rawOutput = false;    ///< leave line breaks as the child wrote them
+  std::string input;       ///< bytes for standard input
+  bool rawOutput = false;  ///< leave line breaks as the child wrote them
 };
 
 /// `program` is a name beside the running program, without extension, or a path. Waits at most
-/// 60 seconds, then ends the child and reports an abnormal end.
+/// 60 seconds, then ends the child and reports an abnormal end. The child's standard streams are
+/// files: it can never block on them.
 ChildResult runChild(const std::string& program, const std::vector<std::string>& arguments,
                      const ChildOptions& options = {});
 
