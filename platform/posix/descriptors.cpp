@@ -1,0 +1,17 @@
+// Descriptors: there is no translation of line breaks, so every open one is in binary mode.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "platform/platform.h"
+
+namespace vel::platform {
+
+DescriptorMode setDescriptorMode(int descriptor, DescriptorMode) noexcept {
+  return fcntl(descriptor, F_GETFD) == -1 ? DescriptorMode::NotOpen : DescriptorMode::Binary;
+}
+
+bool isTerminal(int descriptor) noexcept {
+  return isatty(descriptor) == 1;
+}
+
+}  // namespace vel::platform

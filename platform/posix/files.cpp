@@ -1,0 +1,117 @@
+// Files and attributes. Copying is file_copy.cpp's work.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/platform.h"
+#include "platform/posix/native_path.h"
+#include "platform/posix/rename.h"
+
+namespace vel::platform {
+
+namespace {
+
+constexpr mode_t kWriteBits = 0222;
+
+bool readStatus(const NativePath& path, struct stat& status) noexcept {
+  return path.fits() && stat(path.get(), &status) == 0;
+}
+
+/// Whether the last component, a final separator aside, begins with a dot; "." and ".." do not count.
+bool isHiddenName(const char* path) noexcept {
+  const char* end = path + std::strlen(path);
+  while (end != path && end[-1] == '/') --end;
+  const char* start = end;
+  while (start != path && start[-1] != '/') --start;
+  const auto length = end - start;
+  if (length < 2 || start[0] != '.') return false;
+  return length > 2 || start[1] != '.';
+}
+
+}  // namespace
+
+bool entryExists(const char* name) noexcept {
+  const NativePath path(name);
+  return path.fits() && access(path.get(), F_OK) == 0;
+}
+
+bool isWritable(const char* name) noexcept {
+  const NativePath path(name);
+  struct stat status;
+  // The superuser may write to everything, so the bits are asked too.
+  return readStatus(path, status) && (status.st_mode & kWriteBits) != 0 && access(path.get(), W_OK) == 0;
+}
+
+std::uint32_t attributesOf(const char* name) noexcept {
+  const NativePath path(name);
+  struct stat status;
+  if (!readStatus(path, status)) return kAttributesUnreadable;
+  std::uint32_t attributes = 0;
+  if ((status.st_mode & kWriteBits) == 0) attributes |= kAttributeReadOnly;
+  if (isHiddenName(path.get())) attributes |= kAttributeHidden;
+  if (S_ISDIR(status.st_mode)) attributes |= kAttributeDirectory;
+  return attributes;
+}
+
+bool statusOf(const char* name, EntryStatus& out) noexcept {
+  const NativePath path(name);
+  struct stat status;
+  if (!readStatus(path, status)) return false;
+  out.sizeInBytes = static_cast<std::uint64_t>(status.st_size);
+  out.changed = status.st_ctime;
+  out.accessed = status.st_atime;
+  out.modified = status.st_mtime;
+  return true;
+}
+
+SystemError setReadOnly(const char* name, bool readOnly) noexcept {
+  const NativePath path(name);
+  if (!path.fits()) return ENAMETOOLONG;
+  struct stat status;
+  if (stat(path.get(), &status) != 0) return errno;
+  const mode_t old = status.st_mode & 07777;
+  const mode_t wanted = readOnly ? old & ~kWriteBits : old | S_IWUSR;
+  return wanted == old || chmod(path.get(), wanted) == 0 ? 0 : errno;
+}
+
+SystemError removeFile(const char* name) noexcept {
+  const NativePath path(name);
+  if (!path.fits()) return ENAMETOOLONG;
+  return unlink(path.get()) == 0 ? 0 : errno;
+}
+
+SystemError renameFile(const char* from, const char* to) noexcept {
+  const NativePath source(from);
+  const NativePath target(to);
+  if (!source.fits() || !target.fits()) return ENAMETOOLONG;
+  if (std::strcmp(source.get(), target.get()) != 0) return renameWithoutReplacing(source.get(), target.get());
+  // A file found under its new name may get other letter case.
+  const NativePath typed(to, NativePath::Match::AllButLast);
+  return renameWithoutReplacing(source.get(), typed.get());
+}
+
+bool currentDirectory(char* out, std::size_t capacity) noexcept {
+  std::array<char, PATH_MAX> path;
+  if (getcwd(path.data(), path.size()) == nullptr || path[0] != '/') return false;
+  // A back-slash inside a component cannot be told from a separator.
+  if (std::strchr(path.data(), '\\') != nullptr) return false;
+  const std::size_t length = std::strlen(path.data());
+  if (length + 3 > capacity) return false;
+  out[0] = 'C';
+  out[1] = ':';
+  *std::replace_copy(path.data(), path.data() + length, out + 2, '/', '\\') = '\0';
+  return true;
+}
+
+const char* fallbackTmpDirectory() noexcept {
+  const char* const directory = std::getenv("TMPDIR");
+  return directory != nullptr && *directory != '\0' ? directory : "/tmp";
+}
+
+}  // namespace vel::platform

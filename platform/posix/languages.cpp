@@ -1,0 +1,88 @@
+// The user's language and code page, from the environment and the locale.
+#include <langinfo.h>
+#include <strings.h>
+
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+#include <initializer_list>
+
+#include "platform/platform.h"
+#include "messages/language_names.h"
+
+namespace vel::platform {
+
+namespace {
+
+constexpr std::uint32_t kEnglishUnitedStates = 1033;
+
+/// The value of the first of three variables that is set and not empty, else "".
+const char* firstValue(const char* first, const char* second, const char* third) noexcept {
+  for (const char* name : {first, second, third}) {
+    const char* const value = std::getenv(name);
+    if (value != nullptr && *value != '\0') return value;
+  }
+  return "";
+}
+
+std::uint32_t languageOrDefault(const char* localeName) noexcept {
+  const std::uint32_t language = messages::languageIdOfLocaleName(localeName);
+  return language == 0 ? kEnglishUnitedStates : language;
+}
+
+/// A code set's name; what follows an "@" does not matter.
+bool isUtf8Name(const char* codeSet) noexcept {
+  const std::size_t length = std::strcspn(codeSet, "@");
+  return (length == 5 && strncasecmp(codeSet, "UTF-8", length) == 0) ||
+         (length == 4 && strncasecmp(codeSet, "UTF8", length) == 0);
+}
+
+/// A surrogate pair or a single unit, which is removed from the text.
+wchar_t takeCharacter(const char16_t*& text, const char16_t* end) noexcept {
+  const char16_t first = *text++;
+  const bool isPair = first >= 0xD800 && first < 0xDC00 && text != end && *text >= 0xDC00 && *text < 0xE000;
+  if (!isPair) return first;
+  return static_cast<wchar_t>(0x10000 + ((first - 0xD800) << 10) + (*text++ - 0xDC00));
+}
+
+/// The bytes of one character; "?" when the code page lacks it.
+std::size_t encode(wchar_t character, char* out) noexcept {
+  std::mbstate_t state{};
+  const std::size_t count = std::wcrtomb(out, character, &state);
+  if (count != static_cast<std::size_t>(-1)) return count;
+  *out = '?';
+  return 1;
+}
+
+}  // namespace
+
+std::uint32_t userLanguage() noexcept {
+  return languageOrDefault(firstValue("LC_ALL", "LC_MESSAGES", "LANG"));
+}
+
+std::uint32_t systemLanguage() noexcept {
+  return languageOrDefault(std::getenv("LANG"));
+}
+
+bool ansiIsUtf8() noexcept {
+  if (isUtf8Name(nl_langinfo(CODESET))) return true;
+  // A locale that is not installed cannot be set, but the terminal is of that kind all the same.
+  const char* const codeSet = std::strchr(firstValue("LC_ALL", "LC_CTYPE", "LANG"), '.');
+  return codeSet != nullptr && isUtf8Name(codeSet + 1);
+}
+
+std::size_t utf16ToAnsi(const char16_t* text, std::size_t length, char* out, std::size_t capacity) noexcept {
+  const char16_t* const end = text + length;
+  std::size_t written = 0;
+  while (text != end) {
+    char bytes[MB_LEN_MAX];
+    const std::size_t count = encode(takeCharacter(text, end), bytes);
+    if (count > capacity - written) break;
+    std::memcpy(out + written, bytes, count);
+    written += count;
+  }
+  return written;
+}
+
+}  // namespace vel::platform

@@ -1,0 +1,18 @@
+// Renaming that never replaces an entry, in the two ways that the file systems know.
+#ifndef PLATFORM_POSIX_RENAME_H_
+#define PLATFORM_POSIX_RENAME_H_
+
+#include "platform/platform.h"
+
+namespace vel::platform {
+
+/// Both paths are the system's own. EEXIST when `to` exists.
+SystemError renameWithoutReplacing(const char* from, const char* to) noexcept;
+
+/// The same for file systems that cannot refuse an existing target themselves: by a second link where
+/// there are links, else (directories, too) by asking first.
+SystemError renameByLink(const char* from, const char* to) noexcept;
+
+}  // namespace vel::platform
+
+#endif

@@ -1,0 +1,16 @@
+// What only Windows has: platform identifiers, import thunks and message boxes.
+#include "platform/platform.h"
+
+namespace vel::platform {
+
+int windowsPlatformId() noexcept {
+  return -1;
+}
+
+const void* resolveImportThunk(const void* function) noexcept {
+  return function;
+}
+
+void showStopMessage(const char*, const char*) noexcept {}
+
+}  // namespace vel::platform

@@ -1,0 +1,54 @@
+// Translation modes of the C runtime's descriptors.
+#include <fcntl.h>
+#include <io.h>
+
+#include <cstdint>
+#include <cstdlib>
+
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+#include "platform/platform.h"
+
+namespace vel::platform {
+
+namespace {
+
+void ignoreParameter(const wchar_t*, const wchar_t*, const wchar_t*, unsigned int, std::uintptr_t) {}
+
+/// Keeps the runtime from ending the process when it is asked about a descriptor that is not open.
+class ToleratedParameters {
+ public:
+  ToleratedParameters() noexcept : previous_(_set_invalid_parameter_handler(ignoreParameter)) {}
+  ToleratedParameters(const ToleratedParameters&) = delete;
+  ToleratedParameters& operator=(const ToleratedParameters&) = delete;
+  ~ToleratedParameters() { _set_invalid_parameter_handler(previous_); }
+
+ private:
+  _invalid_parameter_handler previous_;
+};
+
+}  // namespace
+
+DescriptorMode setDescriptorMode(int descriptor, DescriptorMode mode) noexcept {
+  const ToleratedParameters tolerated;
+  switch (_setmode(descriptor, mode == DescriptorMode::Binary ? _O_BINARY : _O_TEXT)) {
+    case -1:
+      return DescriptorMode::NotOpen;
+    case _O_TEXT:
+      return DescriptorMode::Text;
+    case _O_BINARY:
+      return DescriptorMode::Binary;
+    default:
+      return DescriptorMode::Other;
+  }
+}
+
+bool isTerminal(int descriptor) noexcept {
+  const ToleratedParameters tolerated;
+  // The runtime's own test also takes the null device for a terminal.
+  DWORD mode = 0;
+  return GetConsoleMode(reinterpret_cast<HANDLE>(_get_osfhandle(descriptor)), &mode) != FALSE;
+}
+
+}  // namespace vel::platform

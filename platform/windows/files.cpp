@@ -1,0 +1,114 @@
+// Files and attributes.
+#include <direct.h>
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+#include "platform/platform.h"
+
+namespace vel::platform {
+
+namespace {
+
+constexpr std::uint32_t kKnownAttributes = kAttributeReadOnly | kAttributeHidden | kAttributeDirectory;
+constexpr int kTestForWriting = 2;
+
+SystemError errnoOf(DWORD error) noexcept {
+  switch (error) {
+    case ERROR_SUCCESS:
+      return 0;
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_INVALID_NAME:
+    case ERROR_BAD_PATHNAME:
+      return ENOENT;
+    case ERROR_FILE_EXISTS:
+    case ERROR_ALREADY_EXISTS:
+      return EEXIST;
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+      return ENOSPC;
+    case ERROR_FILENAME_EXCED_RANGE:
+      return ENAMETOOLONG;
+    default:
+      return EACCES;
+  }
+}
+
+std::uint64_t joined(DWORD high, DWORD low) noexcept {
+  return (static_cast<std::uint64_t>(high) << 32) | low;
+}
+
+std::int64_t secondsSince1970(FILETIME time) noexcept {
+  constexpr std::int64_t kTicksPerSecond = 10'000'000;
+  constexpr std::int64_t kSecondsFrom1601 = 11'644'473'600;
+  return static_cast<std::int64_t>(joined(time.dwHighDateTime, time.dwLowDateTime)) / kTicksPerSecond -
+         kSecondsFrom1601;
+}
+
+/// Some file systems keep the time of the last modification only; the others are 0 there.
+std::int64_t secondsOr(FILETIME time, FILETIME modified) noexcept {
+  const bool isKept = time.dwHighDateTime != 0 || time.dwLowDateTime != 0;
+  return secondsSince1970(isKept ? time : modified);
+}
+
+}  // namespace
+
+bool entryExists(const char* name) noexcept {
+  return _access(name, 0) == 0;
+}
+
+bool isWritable(const char* name) noexcept {
+  return _access(name, kTestForWriting) == 0;
+}
+
+std::uint32_t attributesOf(const char* name) noexcept {
+  const DWORD attributes = GetFileAttributesA(name);
+  return attributes == INVALID_FILE_ATTRIBUTES ? kAttributesUnreadable : attributes & kKnownAttributes;
+}
+
+bool statusOf(const char* name, EntryStatus& out) noexcept {
+  WIN32_FILE_ATTRIBUTE_DATA data;
+  if (GetFileAttributesExA(name, GetFileExInfoStandard, &data) == FALSE) return false;
+  out.sizeInBytes = joined(data.nFileSizeHigh, data.nFileSizeLow);
+  out.changed = secondsOr(data.ftCreationTime, data.ftLastWriteTime);
+  out.accessed = secondsOr(data.ftLastAccessTime, data.ftLastWriteTime);
+  out.modified = secondsSince1970(data.ftLastWriteTime);
+  return true;
+}
+
+SystemError copyFile(const char* from, const char* to) noexcept {
+  return CopyFileA(from, to, FALSE) != FALSE ? 0 : errnoOf(GetLastError());
+}
+
+SystemError setReadOnly(const char* name, bool readOnly) noexcept {
+  return _chmod(name, readOnly ? _S_IREAD : _S_IREAD | _S_IWRITE) == 0 ? 0 : errno;
+}
+
+SystemError removeFile(const char* name) noexcept {
+  return _unlink(name) == 0 ? 0 : errno;
+}
+
+SystemError renameFile(const char* from, const char* to) noexcept {
+  // The runtime takes a rename to the very same name for done.
+  if (std::strcmp(from, to) == 0 && entryExists(to)) return EEXIST;
+  return std::rename(from, to) == 0 ? 0 : errno;
+}
+
+bool currentDirectory(char* out, std::size_t capacity) noexcept {
+  const DWORD length = GetCurrentDirectoryA(static_cast<DWORD>(capacity), out);
+  return length != 0 && length < capacity;
+}
+
+const char* fallbackTmpDirectory() noexcept {
+  return "C:\\";
+}
+
+}  // namespace vel::platform

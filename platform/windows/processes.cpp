@@ -1,0 +1,17 @@
+// Identifiers of processes and threads.
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+#include "platform/platform.h"
+
+namespace vel::platform {
+
+std::uint32_t currentProcessId() noexcept {
+  return GetCurrentProcessId();
+}
+
+std::uint32_t currentThreadId() noexcept {
+  return GetCurrentThreadId();
+}
+
+}  // namespace vel::platform
