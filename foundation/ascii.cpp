@@ -1,0 +1,46 @@
+// Decimal numbers at the start of a text, with the same answers on every system.
+#include "foundation/ascii.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+namespace vel {
+
+namespace {
+
+struct Decimal {
+  bool isNegative;
+  std::uint64_t magnitude;  ///< beyond 32 bits when the number is
+  const char* end;          ///< null when there are no digits
+};
+
+Decimal readDecimal(const char* text) noexcept {
+  constexpr std::uint64_t kBeyond32Bits = std::uint64_t{1} << 32;
+  text += std::strspn(text, " \t\n\v\f\r");
+  Decimal number{*text == '-', 0, nullptr};
+  if (*text == '-' || *text == '+') ++text;
+  for (; isAsciiDigit(*text); number.end = ++text)
+    number.magnitude =
+        std::min(number.magnitude * 10 + static_cast<std::uint64_t>(*text - '0'), kBeyond32Bits);
+  return number;
+}
+
+}  // namespace
+
+std::int32_t vel_atol32(const char* text) noexcept {
+  using Limits = std::numeric_limits<std::int32_t>;
+  const Decimal number = readDecimal(text);
+  const auto value = static_cast<std::int64_t>(number.magnitude);
+  return static_cast<std::int32_t>(
+      std::clamp<std::int64_t>(number.isNegative ? -value : value, Limits::min(), Limits::max()));
+}
+
+std::uint32_t vel_strtoul32(const char* text, const char** end) noexcept {
+  constexpr std::uint64_t kHighest = std::numeric_limits<std::uint32_t>::max();
+  const Decimal number = readDecimal(text);
+  if (end != nullptr) *end = number.end == nullptr ? text : number.end;
+  return number.isNegative ? 0 : static_cast<std::uint32_t>(std::min(number.magnitude, kHighest));
+}
+
+}  // namespace vel

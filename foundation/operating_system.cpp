@@ -1,0 +1,16 @@
+// The family of the operating system.
+#include "platform/platform.h"
+#include "vel_include/vel_helpers.h"
+
+unsigned int velGetOperatingSystemId(void) {
+  switch (vel::platform::windowsPlatformId()) {
+    case 2:
+      return 512;
+    case 1:
+      return 513;
+    case 0:
+      return 514;
+    default:
+      return 0;
+  }
+}

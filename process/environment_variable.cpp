@@ -1,0 +1,76 @@
+// Environment variables of this process.
+#include <algorithm>
+#include <cstring>
+
+#include "foundation/allocator.h"
+#include "foundation/enabled_rule.h"
+#include "platform/platform.h"
+#include "vel_include/vel_process.h"
+
+namespace {
+
+/// Sets a variable; an empty value removes it. The systems' own calls disagree about odd names.
+bool assign(const char* name, const char* value, const char* appended) {
+  if (*name == '\0' || std::strchr(name, '=') != nullptr) return false;
+  vel::String assignment(name);
+  assignment.append("=").append(value).append(appended);
+  return vel::platform::putEnvironment(assignment.data());
+}
+
+const char* orEmpty(const char* text) noexcept {
+  return text == nullptr ? "" : text;
+}
+
+}  // namespace
+
+VelClEnvironmentVariableABase::VelClEnvironmentVariableABase(const char* name) {
+  initName(name);
+}
+
+void VelClEnvironmentVariableABase::initName(const char* name) {
+  const size_t length = std::min(std::strlen(orEmpty(name)), kMaxNameLength);
+  std::memmove(name_, orEmpty(name), length);
+  name_[length] = '\0';
+}
+
+const char* VelClEnvironmentVariableABase::getValue() const {
+  return vel::platform::environmentValue(name_);
+}
+
+bool VelClEnvironmentVariableABase::hasValue() const {
+  return getValue() != nullptr;
+}
+
+bool VelClEnvironmentVariableABase::hasValueEnabled() const {
+  return vel::isEnabledValue(getValue());
+}
+
+VelClEnvironmentVariableQueryOnly::VelClEnvironmentVariableQueryOnly() : VelClEnvironmentVariableABase("?") {}
+
+VelClEnvironmentVariableQueryOnly::VelClEnvironmentVariableQueryOnly(const char* name)
+    : VelClEnvironmentVariableABase(name) {}
+
+VelClEnvironmentVariableQueryOnly::VelClEnvironmentVariableQueryOnly(
+    const VelClEnvironmentVariableABase& other)
+    : VelClEnvironmentVariableABase(other.getName()) {}
+
+void VelClEnvironmentVariableQueryOnly::setNewName(const char* name) {
+  initName(name);
+}
+
+VelClEnvironmentVariable::VelClEnvironmentVariable(const char* name, const char* value)
+    : VelClEnvironmentVariableABase(name) {
+  setNewValue(value);
+}
+
+bool VelClEnvironmentVariable::setNewValue(const char* value) {
+  return assign(getName(), orEmpty(value), "");
+}
+
+bool VelClEnvironmentVariable::appendValue(const char* text) {
+  return assign(getName(), orEmpty(getValue()), orEmpty(text));
+}
+
+void VelClEnvironmentVariable::resetValue() {
+  setNewValue(nullptr);
+}
