@@ -17,6 +17,11 @@
 
 class VelClConsoleUI;
 
+namespace vel::consoleui {
+class Words;
+struct MessageTexts;
+}  // namespace vel::consoleui
+
 /// Walks the elements of a usage string. The same text is shown to the user and tells the library which
 /// switches a tool has and which of them take values:
 ///
@@ -326,11 +331,11 @@ class VEL_API VelClConsoleUI {
 
   /// These write to standard output.
   void displayUsageHelp(const char* usage, const char* help, bool exit);
-  void displayUsage(bool exit);
-  void displayHelp(bool exit);
-  [[noreturn]] void displayCopyright(const char* toolLevel, const char* toolDate);
+  void displayUsage(bool exit) const;
+  void displayHelp(bool exit) const;
+  [[noreturn]] void displayCopyright(const char* toolLevel, const char* toolDate) const;
   /// Writes to the output stream.
-  void displayTitle(const char* title, const char* description);
+  void displayTitle(const char* title, const char* description) const;
 
   /// Whether the switch is given.
   bool hasArgSwitch(VelClSwitchName name) const;
@@ -412,6 +417,16 @@ class VEL_API VelClConsoleUI {
   VelClConsoleUIParams& getParams() const { return *params_; }
 
  private:
+  vel::consoleui::Words words() const;
+  bool attachBuiltInTable();
+  void handleHelpSwitches() const;
+  void checkCommandLine() const;
+  bool checkArgument(const VelClArgvCheckCursor& argument) const;
+  [[noreturn]] void fatalArgument(int exitCode, uint32_t word, const char* switchName) const;
+  template <typename Number>
+  bool readNumber(VelClSwitchName name, Number& value) const;
+  void drawProgress(int32_t percentage, double secondsPassed) const;
+
   VelClMessageCatalog catalog_;
   uint32_t messageBase_;
   int32_t argc_;

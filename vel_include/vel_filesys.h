@@ -141,7 +141,6 @@ class VEL_API VelClFilenameABase : public VelClPathProperty {
  private:
   friend class VelClFilename;
   void copyFrom(const VelClFilenameABase& other);
-  void append(const char* text);
   void determineParts();
 
   char name_[VEL_MAX_PATH_LENGTH + 1];
@@ -206,6 +205,7 @@ class VEL_API VelClLocation : public VelClPathProperty {
 
  private:
   void copyText(const char* text, size_t length);
+  void endWithSeparator();
 
   char directory_[VEL_MAX_PATH_LENGTH + 1];
   uint32_t length_;

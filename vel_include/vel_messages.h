@@ -51,6 +51,9 @@ VEL_C_API const char* velMsgCatGetVar(VelMsgCatHandle handle, unsigned long id, 
 VEL_C_API unsigned int velMsgCatGetLanguage(VelMsgCatHandle handle);
 /// Null is ignored.
 VEL_C_API void velMsgCatClose(VelMsgCatHandle handle);
+/// The library's own messages in English, as they are compiled in: a string table for ids below `*size`.
+/// Entry 0 is the signature line, messages start at 2. `size` may be null.
+VEL_C_API const char* const* velMsgCatGetBuiltInTable(unsigned long* size);
 
 #if defined(VEL_HAS_CLASSES)
 
@@ -76,6 +79,8 @@ class VEL_API VelClMessageCatalog : public VelClFile {
   /// The library `name` with its extension replaced by ".DLL"; a name without a directory is searched for
   /// as the system's loader does: beside the program, in the current directory, along PATH.
   explicit VelClMessageCatalog(const VelClFilename& name);
+  /// A catalog without a library: only the table's messages, and no change of the locale.
+  VelClMessageCatalog(const char* const* table, unsigned long size);
   VelClMessageCatalog(const VelClMessageCatalog&) = delete;
   VelClMessageCatalog& operator=(const VelClMessageCatalog&) = delete;
   ~VelClMessageCatalog() override;
@@ -97,10 +102,7 @@ class VEL_API VelClMessageCatalog : public VelClFile {
   friend class VelClMessage;
   friend class VelClMessageCatalogCursor;
   void open();
-  bool hasMessageInLanguage(uint32_t language);
-  /// Writes the message into `out` (VEL_MAX_MESSAGE_LENGTH + 1 bytes); false when it has no source.
-  bool expand(uint32_t id, const char* const* variables, char* out, size_t& length) const;
-
+  void chooseLanguage();
   vel::messages::CatalogLibrary* library_;
   bool loaded_;
   bool default_;
@@ -133,10 +135,12 @@ class VEL_API VelClMessageCatalogCursor : public VelClUniDirCursorABase {
 
  private:
   struct Position;
-  void takeText();
+  void listTable();
+  void listLibrary();
+  bool settleAt(size_t index);
 
   const VelClMessageCatalog& catalog_;
-  Position* positions_;
+  Position* positions_;  ///< sorted by id, then language
   size_t count_;
   size_t index_;
   char* text_;
@@ -182,12 +186,11 @@ class VEL_API VelClMessage {
  private:
   static constexpr size_t kInlineLength = 80;
 
-  const char* loadMessage(const char* const* variables);
+  const char* loadMessage(uint32_t id, const char* const* variables);
   unsigned long replaceVars(char* out, unsigned long maxLength, const char* source,
                             const char* const* variables, unsigned long variableCount) const;
-  size_t buildFailureText(char* out) const;
+  size_t buildFailureText(uint32_t id, char* out) const;
   void store(const char* text, size_t length);
-  void release();
 
   const VelClMessageCatalog& catalog_;
   char inline_[kInlineLength + 1];

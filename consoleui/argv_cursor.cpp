@@ -1,0 +1,67 @@
+// Walks the arguments of a command line.
+#include <cstring>
+
+#include "vel_include/vel_consoleui.h"
+
+VelClArgvCursor::VelClArgvCursor(int argc, const char* const* argv)
+    : count_(argv != nullptr ? argc : 0), index_(1), arguments_(argv) {}
+
+VelClArgvCursor::VelClArgvCursor(const VelClConsoleUI& ui) : VelClArgvCursor(ui.getArgc(), ui.getArgv()) {}
+
+VelClArgvCursor::~VelClArgvCursor() = default;
+
+bool VelClArgvCursor::isValid() const {
+  return argumentAt(index_) != nullptr;
+}
+
+bool VelClArgvCursor::setToFirst() {
+  index_ = 1;
+  return isValid();
+}
+
+bool VelClArgvCursor::setToLast() {
+  index_ = count_ - 1;
+  return isValid();
+}
+
+bool VelClArgvCursor::setToNext() {
+  if (index_ < count_) ++index_;
+  return isValid();
+}
+
+bool VelClArgvCursor::setToPrevious() {
+  if (index_ > 0) --index_;
+  return isValid();
+}
+
+const char* VelClArgvCursor::argumentAt(int32_t index) const {
+  return index >= 1 && index < count_ ? arguments_[index] : nullptr;
+}
+
+const char* VelClArgvCursor::getAsCString() const {
+  const char* argument = argumentAt(index_);
+  return argument != nullptr ? argument : "";
+}
+
+const char* VelClArgvCursor::getArgv0() const {
+  return count_ > 0 && arguments_[0] != nullptr ? arguments_[0] : "";
+}
+
+bool VelClArgvCursor::isSwitch() const {
+  return VelClUsageCursor::isSwitchIndicator(argumentAt(index_));
+}
+bool VelClArgvCursor::isArg() const {
+  return isValid() && !isSwitch();
+}
+
+bool VelClArgvCursor::matches(const char* name) const {
+  if (name == nullptr || !isSwitch()) return false;
+  if (VelClUsageCursor::isSwitchIndicator(name)) ++name;
+  return std::strcmp(getAsCString() + 1, name) == 0;
+}
+
+bool VelClArgvCursor::positionTo(const char* name) {
+  for (bool more = VelClArgvCursor::setToFirst(); more; more = VelClArgvCursor::setToNext())
+    if (matches(name)) return true;
+  return false;
+}

@@ -1,0 +1,35 @@
+// Walks the arguments that are neither switches nor values of switches.
+#include "vel_include/vel_consoleui.h"
+
+VelClArgvFreeCursor::VelClArgvFreeCursor(int argc, const char* const* argv, const char* usage)
+    : VelClArgvCheckCursor(argc, argv, usage) {}
+
+VelClArgvFreeCursor::VelClArgvFreeCursor(const VelClConsoleUI& ui) : VelClArgvCheckCursor(ui) {}
+
+VelClArgvFreeCursor::~VelClArgvFreeCursor() = default;
+
+bool VelClArgvFreeCursor::setToFirst() {
+  VelClArgvCheckCursor::setToFirst();
+  return settle(+1);
+}
+
+bool VelClArgvFreeCursor::setToLast() {
+  VelClArgvCheckCursor::setToLast();
+  return settle(-1);
+}
+
+bool VelClArgvFreeCursor::setToNext() {
+  VelClArgvCheckCursor::setToNext();
+  return settle(+1);
+}
+
+bool VelClArgvFreeCursor::setToPrevious() {
+  VelClArgvCheckCursor::setToPrevious();
+  return settle(-1);
+}
+
+/// Moves on by `step` to a free argument, from the current position on.
+bool VelClArgvFreeCursor::settle(int32_t step) {
+  while (isValid() && !isFree()) setIndex(getIndex() + step);
+  return isValid();
+}

@@ -1,0 +1,179 @@
+// The life of a console user interface: its start with the built-in switches, and the end of the process.
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+
+#include "consoleui/console_ui_internal.h"
+#include "foundation/allocator.h"
+#include "messages/built_in_messages.h"
+#include "vel_include/vel_helpers.h"
+
+using vel::consoleui::Word;
+
+namespace {
+
+constexpr const char* kCopyrightNotice = "qamc5032, operating-system services library";
+
+bool holdsSwitch(const VelClConsoleUI& ui, const VelClMessage& name) {
+  return VelClArgvCursor(ui).positionTo(name.getAsCString());
+}
+
+/// The text of a message, or null for message 0.
+class OptionalMessage {
+ public:
+  OptionalMessage(const VelClMessageCatalog& catalog, unsigned long id) : message_(catalog, id) {}
+  const char* text() const {
+    return VelClMessageCatalog::isValidMessageId(message_.getId()) ? message_.getAsCString() : nullptr;
+  }
+
+ private:
+  VelClMessage message_;
+};
+
+}  // namespace
+
+VelClConsoleUI::VelClConsoleUI(int argc, const char* const* argv)
+    : messageBase_(0),
+      argc_(argv != nullptr ? argc : 0),
+      argv_(argv),
+      params_(vel::create<VelClConsoleUIParams>(VelClArgvCursor(argc, argv).getArgv0())),
+      progressTotal_(0),
+      progressDone_(0),
+      progressStarted_(0),
+      progressLabel_(""),
+      progressShown_(-1),
+      progressActive_(false) {}
+
+VelClConsoleUI::VelClConsoleUI(int argc, const char* const* argv, const VelClFilename& catalogFile,
+                               unsigned long messageBase)
+    : catalog_(catalogFile),
+      messageBase_(static_cast<uint32_t>(messageBase)),
+      argc_(argv != nullptr ? argc : 0),
+      argv_(argv),
+      params_(vel::create<VelClConsoleUIParams>(VelClArgvCursor(argc, argv).getArgv0())),
+      progressTotal_(0),
+      progressDone_(0),
+      progressStarted_(0),
+      progressLabel_(""),
+      progressShown_(-1),
+      progressActive_(false) {}
+
+VelClConsoleUI::~VelClConsoleUI() {
+  vel::destroy(params_);
+}
+
+const VelClMessageCatalog& VelClConsoleUI::getMessageCatalog() const {
+  return catalog_;
+}
+
+vel::consoleui::Words VelClConsoleUI::words() const {
+  return {catalog_, messageBase_};
+}
+
+/// False when the catalog then has no source of messages at all.
+bool VelClConsoleUI::attachBuiltInTable() {
+  if (catalog_.hasDefaultVelCatalog())
+    catalog_.useStringTable(vel::messages::builtInMessages(), vel::messages::kBuiltInMessageCount);
+  return catalog_.isValid() || catalog_.hasValidStringTable();
+}
+
+void VelClConsoleUI::init(const char* title, const char* description, const char* toolLevel,
+                          const char* toolDate) {
+  if (!attachBuiltInTable()) {
+    displayTitle(title, description);
+    return;
+  }
+  if (holdsSwitch(*this, words()[Word::Quiet])) params_->setQuietMode(true);
+  displayTitle(title, description);
+  if (holdsSwitch(*this, words()[Word::Copyright])) displayCopyright(toolLevel, toolDate);
+}
+
+void VelClConsoleUI::init(unsigned long titleId, unsigned long descriptionId, const char* toolLevel,
+                          const char* toolDate) {
+  attachBuiltInTable();
+  const OptionalMessage title(getMessageCatalog(), titleId);
+  const OptionalMessage description(getMessageCatalog(), descriptionId);
+  init(title.text(), description.text(), toolLevel, toolDate);
+}
+
+void VelClConsoleUI::handleUsageHelp(const char* usage, const char* help) {
+  params_->setUsage(usage);
+  params_->setHelp(help);
+  handleHelpSwitches();
+  if (*getUsage() != '\0') checkCommandLine();
+}
+
+void VelClConsoleUI::handleUsageHelp(unsigned long usageId, unsigned long helpId) {
+  const OptionalMessage usage(getMessageCatalog(), usageId);
+  const OptionalMessage help(getMessageCatalog(), helpId);
+  handleUsageHelp(usage.text(), help.text());
+}
+
+/// The letters are tried one by one; without a source of messages they are those of the failure text.
+void VelClConsoleUI::handleHelpSwitches() const {
+  const VelClMessage letters = words()[Word::HelpLetters];
+  for (const char* letter = letters.getAsCString(); *letter != '\0'; ++letter) {
+    const char name[] = {*letter, '\0'};
+    if (!VelClArgvCursor(*this).positionTo(name)) continue;
+    displayUsage(false);
+    displayHelp(true);
+  }
+}
+
+/// Every argument is checked before the process ends, so that all faults are seen at once.
+void VelClConsoleUI::checkCommandLine() const {
+  bool legal = true;
+  VelClArgvCheckCursor argument(*this);
+  for (bool more = argument.setToFirst(); more; more = argument.setToNext())
+    if (!checkArgument(argument)) legal = false;
+  if (!legal) displayUsage(true);
+}
+
+bool VelClConsoleUI::checkArgument(const VelClArgvCheckCursor& argument) const {
+  const auto faulty = [&](Word fault) {
+    error(std::cerr, words()[fault].getAsCString(), argument.getAsCString());
+    return false;
+  };
+  bool legal = true;
+  // -quiet is exempt from this check only: its repetition is a fault. Keep.
+  if (!argument.isLegal() && !argument.matches(words()[Word::Quiet].getAsCString()))
+    legal = faulty(Word::UnknownArgument);
+  if (params_->mustDisableTaggedLines() && argument.isTagged()) legal = faulty(Word::ArgumentNotAllowed);
+  if (!argument.isSwitch()) return legal;
+  VelClArgvCheckCursor later(argument);
+  while (later.setToNext())
+    if (later.matches(argument.getAsCString())) legal = faulty(Word::IllegalRepetition);
+  return legal;
+}
+
+void VelClConsoleUI::displayTitle(const char* title, const char* description) const {
+  if (title == nullptr && description == nullptr) return;
+  std::ostream& stream = getOutputStream();
+  stream << '\n' << getProcessName();
+  if (title != nullptr) stream << " - " << title;
+  if (description != nullptr) stream << "   " << description;
+  stream << '\n';
+}
+
+void VelClConsoleUI::displayCopyright(const char* toolLevel, const char* toolDate) const {
+  using vel::consoleui::writeLine;
+  const VelClMessage level = words()[Word::Level];
+  const VelClMessage date = words()[Word::CompileDate];
+  std::cout << '\n'
+            << words()[Word::CopyrightTitle] << ":\n  " << kCopyrightNotice << "\n\n"
+            << level << ":\n";
+  writeLine(std::cout, *params_, words()[Word::LibraryLevel].getAsCString(), velLibraryGetLevel());
+  writeLine(std::cout, *params_, date.getAsCString(), velLibraryGetTod());
+  if (toolLevel != nullptr && toolDate != nullptr) {
+    std::cout << '\n' << level << ":\n";
+    writeLine(std::cout, *params_, level.getAsCString(), toolLevel);
+    writeLine(std::cout, *params_, date.getAsCString(), toolDate);
+  }
+  processExit(vel::consoleui::kExitUsage);
+}
+
+void VelClConsoleUI::processExit(int exitCode) const {
+  if (exitCode != 0) getOutputStream() << '\a';
+  getOutputStream().flush();
+  std::exit(exitCode);
+}

@@ -1,0 +1,206 @@
+// Aligned output: a label in a column of fixed width, a colon and a value; and the lines that describe an
+// exception.
+#include <algorithm>
+#include <cstring>
+#include <ostream>
+
+#include "consoleui/console_ui_internal.h"
+#include "consoleui/usage_writer.h"
+#include "vel_include/vel_helpers.h"
+
+namespace vel::consoleui {
+namespace {
+
+/// A decimal number's text.
+struct NumberText {
+  char text[24];
+  explicit NumberText(long long value) { velI64toa(value, text); }
+  explicit NumberText(unsigned long long value) { velW64toa(value, text); }
+};
+
+void writePlainLine(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
+                    const char* value) {
+  writeLabel(stream, params, label);
+  stream << value << '\n';
+}
+
+/// A symbolic name, or the number of a value that has none.
+void writeName(std::ostream& stream, const VelClConsoleUIParams& params, const Words& words, Word label,
+               unsigned int nameId, std::int32_t value) {
+  const VelClMessage labelText = words[label];
+  if (nameId == 0)
+    writePlainLine(stream, params, labelText.getAsCString(), NumberText(static_cast<long long>(value)).text);
+  else
+    writeLine(stream, params, labelText.getAsCString(), words.number(nameId).getAsCString());
+}
+
+void writeOrigin(std::ostream& stream, const VelClConsoleUIParams& params, const Words& words,
+                 const VelClException& exception) {
+  if (exception.getOrigin() == nullptr) return;
+  writeLine(stream, params, words[Word::Function].getAsCString(), exception.getOrigin());
+  writePlainLine(stream, params, words[Word::Line].getAsCString(),
+                 NumberText(static_cast<unsigned long long>(exception.getLine())).text);
+}
+
+}  // namespace
+
+void writeLabel(std::ostream& stream, const VelClConsoleUIParams& params, const char* label) {
+  const std::size_t width = params.getFormatWidth();
+  const std::size_t used = std::min(std::strlen(label), width);
+  const bool left = params.getFormatStyle() == VelEnFormatStyle::LEFT;
+  std::size_t before = 0;
+  std::size_t behind = width - used;
+  if (params.getFormatStyle() == VelEnFormatStyle::RIGHT) {
+    std::swap(before, behind);
+  } else if (params.getFormatStyle() == VelEnFormatStyle::CENTRED) {
+    before = width / 2 - used / 2;
+    // Short by the odd remainders of both, and never below 0. Keep.
+    behind = before - std::min(before, width % 2 + used % 2);
+  }
+  stream << "  ";
+  writeFill(stream, before, ' ');
+  stream << label;
+  writeFill(stream, behind, left ? params.getFormatFillChar() : ' ');
+  stream << ": ";
+}
+
+void writeLine(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
+               const char* value) {
+  const char* quote = params.mustQuoteStrings() ? "\"" : "";
+  writeLabel(stream, params, label);
+  stream << quote << value << quote << '\n';
+}
+
+void writeErrorId(std::ostream& stream, const VelClConsoleUIParams& params, const Words& words,
+                  std::uint32_t errorId) {
+  const NumberText number(static_cast<unsigned long long>(errorId));
+  const unsigned int nameId = velErrorGetIdAsMessageId(errorId);
+  writeLabel(stream, params, words[Word::ErrorId].getAsCString());
+  if (nameId == 0)
+    stream << number.text << '\n';
+  else
+    stream << words.number(nameId) << " (" << number.text << ")\n";
+}
+
+void writeException(std::ostream& stream, const VelClConsoleUIParams& params, const Words& words,
+                    const VelClException& exception, bool verbose) {
+  const auto errorClass = static_cast<std::int32_t>(exception.getClass());
+  const auto severity = static_cast<std::int32_t>(exception.getSeverity());
+  const auto action = static_cast<std::int32_t>(exception.getAction());
+  writeErrorId(stream, params, words, static_cast<std::uint32_t>(exception.getId()));
+  if (verbose || errorClass != 0)
+    writeName(stream, params, words, Word::ErrorClass, velErrorGetClassAsMessageId(exception.getClass()),
+              errorClass);
+  if (verbose || severity != 0)
+    writeName(stream, params, words, Word::ErrorSeverity,
+              velErrorGetSeverityAsMessageId(exception.getSeverity()), severity);
+  if (verbose || action != 0)
+    writeName(stream, params, words, Word::ErrorAction, velErrorGetActionAsMessageId(exception.getAction()),
+              action);
+  if (verbose && *exception.getCause() != '\0')
+    writeLine(stream, params, words[Word::Cause].getAsCString(), exception.getCause());
+  if (verbose) writeOrigin(stream, params, words, exception);
+  stream.flush();
+}
+
+}  // namespace vel::consoleui
+
+using vel::consoleui::NumberText;
+using vel::consoleui::Word;
+
+namespace {
+
+/// The label's text, whichever way it was given.
+class LabelText {
+ public:
+  LabelText(const VelClFormatLabel& label, const VelClMessageCatalog& catalog)
+      : message_(catalog, label.getMessageId()),
+        text_(label.getText() != nullptr ? label.getText() : message_.getAsCString()) {}
+  LabelText(const LabelText&) = delete;
+  LabelText& operator=(const LabelText&) = delete;
+
+  const char* get() const { return text_; }
+
+ private:
+  VelClMessage message_;
+  const char* text_;
+};
+
+/// The hexadecimal text of up to `kBytesPerLine` bytes, a blank between two.
+constexpr std::size_t kBytesPerLine = 16;
+
+void writeHexadecimal(std::ostream& stream, const unsigned char* bytes, std::size_t count) {
+  constexpr const char* kDigits = "0123456789ABCDEF";
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i > 0) stream.put(' ');
+    stream.put(kDigits[bytes[i] >> 4]);
+    stream.put(kDigits[bytes[i] & 0xF]);
+  }
+}
+
+}  // namespace
+
+void VelClConsoleUI::format(VelClFormatLabel label) const {
+  vel::consoleui::writeLabel(getOutputStream(), *params_, LabelText(label, getMessageCatalog()).get());
+}
+
+void VelClConsoleUI::format(VelClFormatLabel label, const char* value) const {
+  vel::consoleui::writeLine(getOutputStream(), *params_, LabelText(label, getMessageCatalog()).get(),
+                            value != nullptr ? value : "");
+}
+
+void VelClConsoleUI::format(VelClFormatLabel label, long long value) const {
+  format(label);
+  getOutputStream() << NumberText(value).text << '\n';
+}
+
+void VelClConsoleUI::format(VelClFormatLabel label, unsigned long long value) const {
+  format(label);
+  getOutputStream() << NumberText(value).text << '\n';
+}
+
+void VelClConsoleUI::format(VelClFormatLabel label, int value) const {
+  format(label, static_cast<long long>(value));
+}
+
+void VelClConsoleUI::format(VelClFormatLabel label, unsigned int value) const {
+  format(label, static_cast<unsigned long long>(value));
+}
+
+void VelClConsoleUI::format(VelClFormatLabel label, long value) const {
+  format(label, static_cast<long long>(value));
+}
+
+void VelClConsoleUI::format(VelClFormatLabel label, unsigned long value) const {
+  format(label, static_cast<unsigned long long>(value));
+}
+
+void VelClConsoleUI::formatBool(VelClFormatLabel label, bool value) const {
+  format(label);
+  getOutputStream() << words()[value ? Word::Yes : Word::No] << '\n';
+}
+
+void VelClConsoleUI::dump(VelClFormatLabel label, const void* data, size_t sizeInBytes) const {
+  const auto* bytes = static_cast<const unsigned char*>(data);
+  std::ostream& stream = getOutputStream();
+  const LabelText text(label, getMessageCatalog());
+  const std::size_t column =
+      2 + std::max<std::size_t>(params_->getFormatWidth(), std::strlen(text.get())) + 2;
+  vel::consoleui::writeLabel(stream, *params_, text.get());
+  for (size_t done = 0; bytes != nullptr && done < sizeInBytes; done += kBytesPerLine) {
+    if (done > 0) {
+      stream << '\n';
+      vel::consoleui::writeFill(stream, column, ' ');
+    }
+    writeHexadecimal(stream, bytes + done, std::min(kBytesPerLine, sizeInBytes - done));
+  }
+  stream << '\n';
+}
+
+void VelClConsoleUI::formatErrId(unsigned long errorId) const {
+  vel::consoleui::writeErrorId(getOutputStream(), *params_, words(), static_cast<std::uint32_t>(errorId));
+}
+
+void VelClConsoleUI::format(const VelClException& exception, bool verbose) const {
+  vel::consoleui::writeException(getOutputStream(), *params_, words(), exception, verbose);
+}

@@ -1,0 +1,92 @@
+// What the files of the console user interface share: the numbers of its words in the message catalog, and
+// the writers that work on any stream.
+#ifndef CONSOLEUI_CONSOLE_UI_INTERNAL_H_
+#define CONSOLEUI_CONSOLE_UI_INTERNAL_H_
+
+#include <iosfwd>
+
+#include "vel_include/vel_consoleui.h"
+
+namespace vel::consoleui {
+
+/// Message numbers, before the message base is added.
+enum class Word : std::uint32_t {
+  Yes = 3,
+  No = 4,
+  HelpLetters = 8,
+  Copyright = 9,
+  Quiet = 10,
+  ExceptionOccurred = 12,
+  FatalErrorOccurred = 13,
+  ErrorOccurred = 14,
+  Warning = 15,
+  Information = 16,
+  Usage = 17,
+  Help = 18,
+  HelpHint = 21,
+  NoHelp = 22,
+  UnknownArgument = 23,
+  ArgumentNotAllowed = 24,
+  IllegalRepetition = 25,
+  MissingSwitch = 26,
+  NoValue = 27,
+  NoNumericValue = 28,
+  NonNumericValue = 29,
+  CopyrightTitle = 34,
+  Level = 35,
+  LibraryLevel = 36,
+  CompileDate = 38,
+  ErrorId = 39,
+  ErrorClass = 40,
+  ErrorSeverity = 41,
+  ErrorAction = 42,
+  Cause = 43,
+  Function = 45,
+  Line = 46
+};
+
+inline constexpr int kExitUsage = CONUI_USAGE;
+inline constexpr int kExitMissingSwitch = CONUI_ARG_MISSING;
+inline constexpr int kExitMissingValue = CONUI_ARG_EXPECTING_VALUE;
+inline constexpr int kExitNonNumericValue = CONUI_ARG_VALUE_TYPE_MISMATCH;
+
+/// Up to five texts of one message; it ends at the first null.
+struct MessageTexts {
+  const char* texts[5];
+};
+
+/// The fixed layout: a separator line, the process name and the label, the indented texts.
+void writeMessage(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
+                  const MessageTexts& message);
+
+/// The label column of an aligned line.
+void writeLabel(std::ostream& stream, const VelClConsoleUIParams& params, const char* label);
+/// A whole line; the value in double quotes when the parameters say so.
+void writeLine(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
+               const char* value);
+
+/// Finds the console user interface's own words in its catalog.
+class Words {
+ public:
+  Words(const VelClMessageCatalog& catalog, std::uint32_t messageBase)
+      : catalog_(catalog), messageBase_(messageBase) {}
+
+  VelClMessage operator[](Word word) const { return number(static_cast<std::uint32_t>(word)); }
+  /// A message by its number in the library's own table.
+  VelClMessage number(std::uint32_t id) const { return {catalog_, messageBase_ + id}; }
+
+ private:
+  const VelClMessageCatalog& catalog_;
+  std::uint32_t messageBase_;
+};
+
+/// The lines that describe an exception.
+void writeException(std::ostream& stream, const VelClConsoleUIParams& params, const Words& words,
+                    const VelClException& exception, bool verbose);
+/// The line with an error identifier's name and number.
+void writeErrorId(std::ostream& stream, const VelClConsoleUIParams& params, const Words& words,
+                  std::uint32_t errorId);
+
+}  // namespace vel::consoleui
+
+#endif

@@ -1,0 +1,76 @@
+// Messages in the fixed layout:
+//
+//   --------------------------------------------------------------------------
+//   TOOL: An error occurred:
+//         Unknown command line argument: -x
+#include <iostream>
+
+#include "consoleui/console_ui_internal.h"
+#include "consoleui/usage_writer.h"
+
+namespace vel::consoleui {
+
+void writeMessage(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
+                  const MessageTexts& message) {
+  constexpr std::size_t kSeparatorLength = 74;
+  stream << '\n';
+  writeFill(stream, kSeparatorLength, '-');
+  stream << '\n' << params.getProcessName() << ": " << label << ":\n";
+  writeFill(stream, params.getIndentation(), ' ');
+  const char* separator = "  ";
+  for (const char* text : message.texts) {
+    if (text == nullptr) break;
+    stream << separator << text;
+    separator = ": ";
+  }
+  stream << std::endl;
+}
+
+}  // namespace vel::consoleui
+
+using vel::consoleui::Word;
+using vel::consoleui::writeMessage;
+
+void VelClConsoleUI::info(const char* text, const char* text2, const char* text3, const char* text4,
+                          const char* text5) const {
+  if (mustBeQuiet()) return;
+  writeMessage(getOutputStream(), *params_, words()[Word::Information].getAsCString(),
+               {{text, text2, text3, text4, text5}});
+}
+
+void VelClConsoleUI::warning(const char* text, const char* text2, const char* text3, const char* text4,
+                             const char* text5) const {
+  writeMessage(getOutputStream(), *params_, words()[Word::Warning].getAsCString(),
+               {{text, text2, text3, text4, text5}});
+}
+
+void VelClConsoleUI::error(std::ostream& stream, const char* text, const char* text2, const char* text3,
+                           const char* text4, const char* text5) const {
+  writeMessage(stream, *params_, words()[Word::ErrorOccurred].getAsCString(),
+               {{text, text2, text3, text4, text5}});
+}
+
+void VelClConsoleUI::fatal(int exitCode, const char* text, const char* text2, const char* text3,
+                           const char* text4, const char* text5) const {
+  writeMessage(params_->getErrorStream(), *params_, words()[Word::FatalErrorOccurred].getAsCString(),
+               {{text, text2, text3, text4, text5}});
+  processExit(exitCode);
+}
+
+void VelClConsoleUI::exception(const VelClException& exception, const char* text, const char* text2,
+                               const char* text3, const char* text4, const char* text5) const {
+  std::ostream& stream = params_->getErrorStream();
+  writeMessage(stream, *params_, words()[Word::ExceptionOccurred].getAsCString(),
+               {{text, text2, text3, text4, text5}});
+  vel::consoleui::writeException(stream, *params_, words(), exception, true);
+}
+
+void VelClConsoleUI::fatalMissingArg(const char* switchName) const {
+  if (*getUsage() == '\0')
+    fatalArgument(vel::consoleui::kExitMissingSwitch, static_cast<uint32_t>(Word::MissingSwitch), switchName);
+  writeMessage(std::cerr, *params_, words()[Word::FatalErrorOccurred].getAsCString(),
+               {{words()[Word::MissingSwitch].getAsCString(), switchName}});
+  vel::consoleui::writeFill(std::cerr, params_->getIndentation() + 2, ' ');
+  std::cerr << words()[Word::HelpHint] << std::endl;
+  displayUsage(true);
+}

@@ -1,0 +1,81 @@
+// The settings of a console user interface.
+#include <algorithm>
+#include <cstring>
+#include <iostream>
+
+#include "foundation/allocator.h"
+#include "foundation/ascii.h"
+#include "vel_include/vel_consoleui.h"
+#include "vel_include/vel_process.h"
+
+namespace {
+
+char* newText(const char* text) {
+  if (text == nullptr) text = "";
+  return vel::copyText(text, std::strlen(text)).release();
+}
+
+/// The copy is made first: the new text may be the old one or part of it.
+void replaceText(char*& target, const char* text) {
+  char* copy = newText(text);
+  VelClMemoryManager::free(target);
+  target = copy;
+}
+
+const char* behindLastSeparator(const char* path) {
+  const char* name = path;
+  for (const char* p = path; *p != '\0'; ++p)
+    if (*p == '\\' || *p == '/') name = p + 1;
+  return name;
+}
+
+}  // namespace
+
+VelClConsoleUIParams::VelClConsoleUIParams(const char* argv0)
+    : usage_(nullptr),
+      help_(nullptr),
+      indentation_(0),
+      quiet_(false),
+      hideTaggedLines_(false),
+      disableTaggedLines_(false),
+      quoteStrings_(VelClEnvironmentVariableQueryOnly("VEL_CONSOLEUI_QUOTE_STRINGS").hasValueEnabled()),
+      formatWidth_(36),
+      formatStyle_(VelEnFormatStyle::LEFT),
+      fillChar_('.'),
+      output_(&std::cout),
+      errors_(&std::cerr) {
+  input_[0] = '\0';
+  setProcessName(argv0 != nullptr ? argv0 : "");
+  vel::OwnedText usage(newText(""));
+  help_ = newText("");
+  usage_ = usage.release();
+}
+
+VelClConsoleUIParams::~VelClConsoleUIParams() {
+  VelClMemoryManager::free(usage_);
+  VelClMemoryManager::free(help_);
+}
+
+void VelClConsoleUIParams::setUsage(const char* usage) {
+  replaceText(usage_, usage);
+}
+void VelClConsoleUIParams::setHelp(const char* help) {
+  replaceText(help_, help);
+}
+
+void VelClConsoleUIParams::setProcessName(const char* argv0) {
+  const char* name = behindLastSeparator(argv0);
+  // Cut at the first dot, not at the extension's. Keep.
+  const std::size_t length = std::min(std::strcspn(name, "."), kMaxProcessNameLength);
+  std::transform(name, name + length, processName_, vel::toAsciiUpper);
+  processName_[length] = '\0';
+  indentation_ = static_cast<std::uint32_t>(length);
+}
+
+void VelClConsoleUIParams::setOutputStream(std::ostream& stream) {
+  if (!quiet_) output_ = &stream;
+}
+
+void VelClConsoleUIParams::flushOutputStream() {
+  output_->flush();
+}

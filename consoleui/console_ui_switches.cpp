@@ -1,0 +1,102 @@
+// Reads switches and their values from the command line.
+#include <cstdint>
+#include <optional>
+
+#include "consoleui/console_ui_internal.h"
+#include "foundation/ascii.h"
+
+using vel::consoleui::Word;
+
+namespace {
+
+/// The name of a switch as text, whichever way it was given.
+class SwitchText {
+ public:
+  SwitchText(const VelClSwitchName& name, const VelClMessageCatalog& catalog)
+      : letter_{'-', name.getLetter(), '\0'}, text_(name.getName()) {
+    if (text_ != nullptr) return;
+    if (name.getLetter() != '\0') {
+      text_ = letter_;
+    } else {
+      message_.emplace(catalog, name.getMessageId());
+      text_ = message_->getAsCString();
+    }
+  }
+  SwitchText(const SwitchText&) = delete;
+  SwitchText& operator=(const SwitchText&) = delete;
+
+  const char* get() const { return text_; }
+
+ private:
+  char letter_[3];
+  std::optional<VelClMessage> message_;
+  const char* text_;
+};
+
+}  // namespace
+
+void VelClConsoleUI::fatalArgument(int exitCode, uint32_t word, const char* switchName) const {
+  fatal(exitCode, words().number(word).getAsCString(), switchName);
+}
+
+bool VelClConsoleUI::hasArgSwitch(VelClSwitchName name) const {
+  return VelClArgvCursor(*this).positionTo(SwitchText(name, getMessageCatalog()).get());
+}
+
+bool VelClConsoleUI::hasArgString(VelClSwitchName name, const char*& value) const {
+  const SwitchText text(name, getMessageCatalog());
+  VelClArgvCursor argument(*this);
+  if (!argument.positionTo(text.get())) return false;
+  if (!argument.setToNext() || argument.isSwitch())
+    fatalArgument(vel::consoleui::kExitMissingValue, static_cast<uint32_t>(Word::NoValue), text.get());
+  value = argument.getAsCString();
+  return true;
+}
+
+template <typename Number>
+bool VelClConsoleUI::readNumber(VelClSwitchName name, Number& value) const {
+  const SwitchText text(name, getMessageCatalog());
+  VelClArgvCursor argument(*this);
+  if (!argument.positionTo(text.get())) return false;
+  // A switch behind it is taken as its value, unlike with texts. Keep.
+  if (!argument.setToNext())
+    fatalArgument(vel::consoleui::kExitMissingValue, static_cast<uint32_t>(Word::NoNumericValue), text.get());
+  const char* digits = argument.getAsCString();
+  if (*digits == '\'') ++digits;
+  if (!vel::isAsciiDigit(*digits) && *digits != '-')
+    fatalArgument(vel::consoleui::kExitNonNumericValue, static_cast<uint32_t>(Word::NonNumericValue),
+                  text.get());
+  // No range check: a short takes the low 16 bits. Keep.
+  value = static_cast<Number>(vel::vel_atol32(digits));
+  return true;
+}
+
+bool VelClConsoleUI::hasArgNumval(VelClSwitchName name, short& value) const {
+  return readNumber(name, value);
+}
+bool VelClConsoleUI::hasArgNumval(VelClSwitchName name, int& value) const {
+  return readNumber(name, value);
+}
+bool VelClConsoleUI::hasArgNumval(VelClSwitchName name, long& value) const {
+  return readNumber(name, value);
+}
+
+void VelClConsoleUI::reqArgSwitch(VelClSwitchName name) const {
+  if (!hasArgSwitch(name)) fatalMissingArg(SwitchText(name, getMessageCatalog()).get());
+}
+
+void VelClConsoleUI::reqArgString(VelClSwitchName name, const char*& value) const {
+  if (!hasArgString(name, value)) fatalMissingArg(SwitchText(name, getMessageCatalog()).get());
+}
+
+void VelClConsoleUI::reqArgNumval(VelClSwitchName name, short& value) const {
+  if (!readNumber(name, value)) fatalMissingArg(SwitchText(name, getMessageCatalog()).get());
+}
+
+void VelClConsoleUI::reqArgNumval(VelClSwitchName name, int& value) const {
+  if (!readNumber(name, value)) fatalMissingArg(SwitchText(name, getMessageCatalog()).get());
+}
+
+void VelClConsoleUI::reqArgNumval(VelClSwitchName name, long& value) const {
+  if (!readNumber(name, value)) fatalMissingArg(SwitchText(name, getMessageCatalog()).get());
+}

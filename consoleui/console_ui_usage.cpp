@@ -1,0 +1,61 @@
+// Shows usage and help, always on standard output.
+#include <cstring>
+#include <iostream>
+
+#include "consoleui/console_ui_internal.h"
+#include "consoleui/usage_writer.h"
+
+using vel::consoleui::TextKind;
+using vel::consoleui::Word;
+using vel::consoleui::Words;
+
+namespace {
+
+/// " [-h|-H|-?|-copyright] [-quiet]"
+void writeBuiltInSwitches(std::ostream& stream, const Words& words) {
+  stream << " [";
+  const VelClMessage letters = words[Word::HelpLetters];
+  for (const char* letter = letters.getAsCString(); *letter != '\0'; ++letter)
+    stream << '-' << *letter << '|';
+  stream << '-' << words[Word::Copyright] << "] [-" << words[Word::Quiet] << ']';
+}
+
+}  // namespace
+
+void VelClConsoleUI::displayUsage(bool exit) const {
+  const VelClMessage heading = words()[Word::Usage];
+  const std::size_t indentation = std::strlen(heading.getAsCString()) + params_->getIndentation() + 3;
+  std::cout << '\n' << heading << ": " << getProcessName();
+  if (catalog_.isValid() || catalog_.hasValidStringTable()) {
+    writeBuiltInSwitches(std::cout, words());
+    std::cout << '\n';
+    vel::consoleui::writeFill(std::cout, indentation, ' ');
+  } else {
+    std::cout << ' ';
+  }
+  const bool hide = params_->mustHideTaggedLines() || params_->mustDisableTaggedLines();
+  vel::consoleui::writeText(std::cout, getUsage(), hide ? TextKind::UsageWithoutTaggedLines : TextKind::Usage,
+                            indentation);
+  std::cout.flush();
+  if (!exit) return;
+  std::cout << std::endl;
+  processExit(vel::consoleui::kExitUsage);
+}
+
+void VelClConsoleUI::displayHelp(bool exit) const {
+  const VelClMessage heading = words()[Word::Help];
+  const VelClMessage none = words()[Word::NoHelp];
+  const char* help = params_->getHelp();
+  std::cout << '\n' << heading << ": ";
+  vel::consoleui::writeText(std::cout, *help != '\0' ? help : none.getAsCString(), TextKind::Help,
+                            std::strlen(heading.getAsCString()) + 2);
+  std::cout << std::endl;
+  if (exit) processExit(vel::consoleui::kExitUsage);
+}
+
+void VelClConsoleUI::displayUsageHelp(const char* usage, const char* help, bool exit) {
+  params_->setUsage(usage);
+  params_->setHelp(help);
+  displayUsage(false);
+  displayHelp(exit);
+}

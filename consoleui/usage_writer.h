@@ -1,0 +1,25 @@
+// Writes usage and help texts line by line.
+#ifndef CONSOLEUI_USAGE_WRITER_H_
+#define CONSOLEUI_USAGE_WRITER_H_
+
+#include <cstddef>
+#include <iosfwd>
+
+namespace vel::consoleui {
+
+enum class TextKind {
+  Usage,                    ///< "(", ")", double quotes and "!" are left out
+  UsageWithoutTaggedLines,  ///< the same, and so are lines with a "!"
+  Help                      ///< everything is shown
+};
+
+/// Writes `text`; every line but the first is indented by `indentation` blanks, and a line that begins with
+/// "@" is shown empty. CR LF counts as one line break. No line break is added at the end.
+void writeText(std::ostream& stream, const char* text, TextKind kind, std::size_t indentation);
+
+/// Writes `count` times the same character.
+void writeFill(std::ostream& stream, std::size_t count, char c);
+
+}  // namespace vel::consoleui
+
+#endif

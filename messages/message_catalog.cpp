@@ -1,0 +1,98 @@
+// Opens a message catalog and chooses its language. Which source serves a message is message.cpp's
+// decision.
+#include <clocale>
+#include <cstring>
+
+#include "foundation/ascii.h"
+#include "messages/catalog_library.h"
+#include "platform/platform.h"
+#include "vel_include/vel_messages.h"
+
+namespace {
+
+constexpr const char* kDefaultCatalog = "qammsg50";
+constexpr const char* kLibraryType = "DLL";
+constexpr const char* kSignature = "[VEL_MSGTAB_SIGNATURE]";
+constexpr std::uint32_t kProbeMessage = 1;
+constexpr std::uint32_t kEnglishUnitedStates = 1033;
+
+VelClFilename withLibraryType(const VelClFilename& name) {
+  VelClFilename library(name);
+  library.setNewExtension(kLibraryType);
+  return library;
+}
+
+}  // namespace
+
+VelClMessageCatalog::VelClMessageCatalog()
+    : VelClFile(VelClFilename(kDefaultCatalog), kLibraryType),
+      library_(nullptr),
+      loaded_(false),
+      default_(true),
+      stringTable_(nullptr),
+      stringTableSize_(0),
+      language_(0),
+      languageFound_(0) {
+  open();
+}
+
+VelClMessageCatalog::VelClMessageCatalog(const VelClFilename& name)
+    : VelClFile(withLibraryType(name), nullptr),
+      library_(nullptr),
+      loaded_(false),
+      default_(false),
+      stringTable_(nullptr),
+      stringTableSize_(0),
+      language_(0),
+      languageFound_(0) {
+  open();
+}
+
+VelClMessageCatalog::VelClMessageCatalog(const char* const* table, unsigned long size)
+    : VelClFile(VelClFilename(), nullptr),
+      library_(nullptr),
+      loaded_(false),
+      default_(false),
+      stringTable_(nullptr),
+      stringTableSize_(0),
+      language_(0),
+      languageFound_(0) {
+  useStringTable(table, size);
+}
+
+VelClMessageCatalog::~VelClMessageCatalog() {
+  vel::destroy(library_);
+}
+
+void VelClMessageCatalog::open() {
+  std::setlocale(LC_ALL, "");
+  auto library = vel::messages::CatalogLibrary::open(getAsCString());
+  if (library == nullptr) return;
+  library_ = library.get();
+  chooseLanguage();
+  loaded_ = true;
+  static_cast<void>(library.release());
+}
+
+/// The user's language, the system's, or US English without a further question.
+void VelClMessageCatalog::chooseLanguage() {
+  const char* const noVariables[VEL_MAX_MESSAGE_VARIABLES] = {};
+  char text[VEL_MAX_MESSAGE_LENGTH + 1];
+  size_t length = 0;
+  languageFound_ = 1;
+  for (const uint32_t language : {vel::platform::userLanguage(), vel::platform::systemLanguage()}) {
+    language_ = language;
+    if (library_->expand(language, kProbeMessage, noVariables, text, sizeof text, length)) return;
+  }
+  language_ = kEnglishUnitedStates;
+  languageFound_ = 0;
+}
+
+void VelClMessageCatalog::useStringTable(const char* const* table, unsigned long size) {
+  stringTable_ = table;
+  stringTableSize_ = table != nullptr ? static_cast<uint32_t>(size) : 0;
+  if (stringTableSize_ == 0 || table[0] == nullptr) return;
+  // The number behind the signature is read and not used: the size argument alone bounds the table. Keep.
+  const size_t skipped = std::strlen(kSignature);
+  if (std::strlen(table[0]) > skipped) static_cast<void>(vel::vel_strtoul32(table[0] + skipped, nullptr));
+}

@@ -1,0 +1,115 @@
+// A handle on a catalog with a buffer for one text; the plain catalog functions work on it.
+#include <cstdarg>
+#include <cstring>
+
+#include "foundation/allocator.h"
+#include "vel_include/vel_messages.h"
+
+namespace {
+
+using CatalogProxy = VelClMessageCatalogProxy;
+
+const char* const kNoVariables[VEL_MAX_MESSAGE_VARIABLES] = {};
+
+CatalogProxy* proxyOf(VelMsgCatHandle handle) {
+  return reinterpret_cast<CatalogProxy*>(handle);
+}
+VelMsgCatHandle handleOf(CatalogProxy* proxy) {
+  return reinterpret_cast<VelMsgCatHandle>(proxy);
+}
+
+/// Gives the proxy back as a handle, or takes it back when its catalog has no library.
+VelMsgCatHandle handleIfValid(CatalogProxy* proxy) {
+  if (proxy->isValid()) return handleOf(proxy);
+  vel::destroy(proxy);
+  return nullptr;
+}
+
+}  // namespace
+
+VelClMessageCatalogProxy::VelClMessageCatalogProxy(const VelClFilename& name)
+    : owned_(true), catalog_(vel::create<VelClMessageCatalog>(name)), text_("") {}
+
+VelClMessageCatalogProxy::VelClMessageCatalogProxy(const VelClFilename& name, const char* const* table,
+                                                   unsigned long size)
+    : owned_(true), catalog_(nullptr), text_("") {
+  auto* catalog = vel::create<VelClMessageCatalog>(name);
+  if (!catalog->isValid()) catalog->useStringTable(table, size);
+  catalog_ = catalog;
+}
+
+VelClMessageCatalogProxy::VelClMessageCatalogProxy(const VelClMessageCatalog* catalog)
+    : owned_(false), catalog_(catalog), text_("") {}
+
+VelClMessageCatalogProxy::~VelClMessageCatalogProxy() {
+  if (owned_) vel::destroy(const_cast<VelClMessageCatalog*>(catalog_));
+  catalog_ = nullptr;
+}
+
+bool VelClMessageCatalogProxy::isValid() const {
+  return catalog_ != nullptr && catalog_->isValid();
+}
+
+bool VelClMessageCatalogProxy::isValidMessageId(unsigned long id) const {
+  return catalog_ != nullptr && VelClMessage(*catalog_, id).isValid();
+}
+
+unsigned int VelClMessageCatalogProxy::getLanguage() const {
+  return catalog_ != nullptr ? catalog_->getLanguage() : 0;
+}
+
+const char* VelClMessageCatalogProxy::getMessage(unsigned long id) {
+  return getMessage(id, kNoVariables);
+}
+
+const char* VelClMessageCatalogProxy::getMessage(unsigned long id, const char* const* variables) {
+  if (catalog_ == nullptr) return "";
+  const VelClMessage message(*catalog_, id, variables);
+  const char* text = message.getAsCString();
+  // A message is never longer than the buffer.
+  std::memcpy(text_, text, std::strlen(text) + 1);
+  return text_;
+}
+
+VelMsgCatHandle velMsgCatOpen(const char* fileName) {
+  return handleIfValid(vel::create<CatalogProxy>(VelClFilename(fileName)));
+}
+
+VelMsgCatHandle velMsgCatOpenAttach(const VelClMessageCatalog* catalog) {
+  return handleIfValid(vel::create<CatalogProxy>(catalog));
+}
+
+VelMsgCatHandle velMsgCatOpenOrUseStringTable(const char* fileName, const char* const* table,
+                                              unsigned long size) {
+  return handleOf(vel::create<CatalogProxy>(VelClFilename(fileName), table, size));
+}
+
+bool velMsgCatIsValid(VelMsgCatHandle handle, unsigned long id) {
+  return proxyOf(handle)->isValidMessageId(id);
+}
+
+const char* velMsgCatGet(VelMsgCatHandle handle, unsigned long id) {
+  return proxyOf(handle)->getMessage(id);
+}
+
+const char* velMsgCatGetVar(VelMsgCatHandle handle, unsigned long id, ...) {
+  const char* variables[VEL_MAX_MESSAGE_VARIABLES] = {};
+  std::va_list arguments;
+  va_start(arguments, id);
+  // The first variable is not tested for null: the next one is read all the same. Keep.
+  variables[0] = va_arg(arguments, const char*);
+  for (int i = 1; i < VEL_MAX_MESSAGE_VARIABLES; ++i) {
+    variables[i] = va_arg(arguments, const char*);
+    if (variables[i] == nullptr) break;
+  }
+  va_end(arguments);
+  return proxyOf(handle)->getMessage(id, variables);
+}
+
+unsigned int velMsgCatGetLanguage(VelMsgCatHandle handle) {
+  return proxyOf(handle)->getLanguage();
+}
+
+void velMsgCatClose(VelMsgCatHandle handle) {
+  vel::destroy(proxyOf(handle));
+}
