@@ -1,0 +1,68 @@
+// Finding a plain text within a text. The window over the text only ever moves forward, so every
+// search ends and no byte outside the text is read.
+#include <algorithm>
+#include <cctype>
+#include <cstddef>
+#include <cstring>
+
+#include "foundation/allocator.h"
+#include "vel_include/vel_util.h"
+
+namespace {
+
+unsigned char byteOf(char c) {
+  return static_cast<unsigned char>(c);
+}
+
+unsigned char compared(char c, bool ignoreCase) {
+  return ignoreCase ? static_cast<unsigned char>(std::toupper(byteOf(c))) : byteOf(c);
+}
+
+const char* upperCasedCopy(const char* text) {
+  const std::size_t length = std::strlen(text);
+  vel::OwnedText copy = vel::copyText(text, length);
+  std::transform(copy.get(), copy.get() + length, copy.get(),
+                 [](char c) { return static_cast<char>(compared(c, true)); });
+  return copy.release();
+}
+
+bool matchesHere(const char* pattern, std::size_t patternLength, const char* text, bool ignoreCase) {
+  for (std::size_t i = patternLength; i > 0; --i)
+    if (byteOf(pattern[i - 1]) != compared(text[i - 1], ignoreCase)) return false;
+  return true;
+}
+
+const char* find(const char* pattern, const uint32_t (&shift)[256], const char* text, std::size_t length,
+                 bool ignoreCase) {
+  const std::size_t patternLength = shift[0];
+  if (patternLength == 0) return text;
+  std::size_t start = 0;
+  while (length - start >= patternLength) {
+    if (matchesHere(pattern, patternLength, text + start, ignoreCase)) return text + start;
+    start += shift[compared(text[start + patternLength - 1], ignoreCase)];
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+VelClStringSearch::VelClStringSearch(const char* pattern, bool ignoreCase)
+    : VelClStringMatchABase(pattern, ignoreCase), shift_{} {
+  if (ignoreCase) pattern_ = upperCasedCopy(pattern_);
+  const auto length = static_cast<uint32_t>(std::strlen(pattern_));
+  std::fill(std::begin(shift_), std::end(shift_), length);
+  // The last byte is left out: under itself it must not give a shift of 0.
+  for (uint32_t i = 0; i + 1 < length; ++i) shift_[byteOf(pattern_[i])] = length - 1 - i;
+}
+
+VelClStringSearch::~VelClStringSearch() {
+  if (flag_) VelClMemoryManager::free(const_cast<char*>(pattern_));
+}
+
+const char* VelClStringSearch::getPattern(const char* text) const {
+  return find(pattern_, shift_, text, text != nullptr ? std::strlen(text) : 0, flag_);
+}
+
+const char* VelClStringSearch::getPattern(const char* text, unsigned int length) const {
+  return find(pattern_, shift_, text, text != nullptr ? length : 0, flag_);
+}
