@@ -1,0 +1,122 @@
+// What files and directories share: times by name, and the expansion of relative directory paths.
+#include <cstring>
+
+#include "filesys/path_text.h"
+#include "platform/platform.h"
+#include "vel_include/vel_filesys.h"
+
+using vel::filesys::kMaxLength;
+using vel::filesys::PathText;
+using vel::filesys::textOrEmpty;
+
+namespace {
+
+// Room for the current directory and a whole path behind it, since ".." may shorten the sum again.
+using Expansion = PathText<2 * kMaxLength + 2>;
+
+// Where an expansion begins: `root` characters of `output` may never be dropped, and `kept`
+// characters of the caller's path stay in place in front of the output.
+struct ExpansionStart {
+  Expansion output;
+  std::size_t root = 0;
+  std::size_t kept = 0;
+  const char* scan = nullptr;
+};
+
+std::size_t rootLengthOf(const VelClPathProperty& directory) {
+  if (directory.isUNC()) return static_cast<std::size_t>(directory.getPtrToPath() - directory.getAsCString());
+  return directory.hasDrive() ? 2 : 0;
+}
+
+bool startInCurrentDirectory(ExpansionStart& start) {
+  char current[kMaxLength + 1];
+  if (!vel::platform::currentDirectory(current, sizeof current)) return false;
+  start.output.append(current);
+  if (start.output.last() == '\\') start.output.cutTo(start.output.length() - 1);
+  start.root = rootLengthOf(VelClPathProperty(start.output.text()));
+  return true;
+}
+
+bool determineStart(const VelClPathProperty& path, ExpansionStart& start) {
+  const char* proper = path.getPtrToPath();
+  start.scan = proper;
+  if (path.isRelative()) return startInCurrentDirectory(start);
+  if (path.hasDrive() && !path.isUNC()) {
+    start.kept = 2;
+    start.scan = proper + 3;
+    return true;
+  }
+  start.root = rootLengthOf(path);
+  start.output.append(path.getAsCString(), start.root);
+  if (*proper != '\0') start.scan = proper + 1;
+  return true;
+}
+
+bool dropLastComponent(Expansion& output, std::size_t root) {
+  if (output.length() <= root) return false;
+  std::size_t length = output.length() - 1;
+  while (length > root && output.text()[length] != '\\') --length;
+  output.cutTo(length);
+  return true;
+}
+
+// A component that merely ends in dots counts like "." or "..". Keep.
+bool takeComponent(Expansion& output, std::size_t root, const char* component, std::size_t length) {
+  const bool endsInDot = length >= 1 && component[length - 1] == '.';
+  if (endsInDot && length >= 2 && component[length - 2] == '.') return dropLastComponent(output, root);
+  if (endsInDot) return true;
+  output.append('\\');
+  output.append(component, length);
+  return true;
+}
+
+bool expand(ExpansionStart& start) {
+  const char* component = start.scan;
+  while (const char* end = std::strchr(component, '\\')) {
+    if (!takeComponent(start.output, start.root, component, static_cast<std::size_t>(end - component)))
+      return false;
+    component = end + 1;
+  }
+  start.output.append('\\');
+  return start.kept + start.output.length() <= kMaxLength;
+}
+
+std::int64_t timeOf(const char* name, std::int64_t vel::platform::EntryStatus::*time) {
+  vel::platform::EntryStatus status{};
+  return vel::platform::statusOf(textOrEmpty(name), status) ? status.*time : 0;
+}
+
+}  // namespace
+
+VelClFileABase::VelClFileABase() = default;
+
+VelClFileABase::~VelClFileABase() = default;
+
+bool VelClFileABase::isRelativePath(const char* path) {
+  const VelClPathProperty property(path);
+  // Absolute paths that still need expansion count as relative. Keep.
+  return property.isRelative() || std::strstr(property.getAsCString(), ".\\") != nullptr;
+}
+
+bool VelClFileABase::expandRelativePath(char* path) {
+  if (path == nullptr) return false;
+  ExpansionStart start;
+  if (std::strlen(path) > kMaxLength || !determineStart(VelClPathProperty(path), start) || !expand(start)) {
+    *path = '\0';
+    return false;
+  }
+  std::memcpy(path + start.kept, start.output.text(), start.output.length() + 1);
+  return true;
+}
+
+int64_t VelClFileABase::getDateTimeOfCreation(const char* name) const {
+  return timeOf(name, &vel::platform::EntryStatus::changed);
+}
+
+int64_t VelClFileABase::getDateTimeOfLastAccess(const char* name) const {
+  return timeOf(name, &vel::platform::EntryStatus::accessed);
+}
+
+int64_t VelClFileABase::getDateTimeOfLastModification(const char* name) const {
+  return timeOf(name, &vel::platform::EntryStatus::modified);
+}

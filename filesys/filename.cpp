@@ -1,0 +1,70 @@
+// Changing a file name part by part. Every text handed in may lie in the name itself.
+#include <cstring>
+
+#include "filesys/path_text.h"
+#include "vel_include/vel_filesys.h"
+
+using vel::filesys::PathText;
+using vel::filesys::textOrEmpty;
+
+VelClFilename::VelClFilename() = default;
+
+VelClFilename::VelClFilename(const char* text) : VelClFilenameABase(text) {}
+
+VelClFilename::VelClFilename(const VelClFilenameABase& other) : VelClFilenameABase(other) {}
+
+VelClFilename::VelClFilename(const VelClLocation& location, const char* name, const char* extension)
+    : VelClFilenameABase(location.getAsCString(), name, extension) {}
+
+VelClFilename& VelClFilename::operator=(const char* text) {
+  init(text);
+  return *this;
+}
+
+void VelClFilename::setNew(const char* path, const char* name) {
+  init(path, name, nullptr);
+}
+
+void VelClFilename::setNew(const VelClLocation& location, const char* name) {
+  init(location.getAsCString(), name, nullptr);
+}
+
+void VelClFilename::setNewName(const char* name) {
+  init(VelClLocation(*this, false).getAsCString(), name, nullptr);
+}
+
+void VelClFilename::setNewBaseName(const char* base) {
+  init(VelClLocation(*this, false).getAsCString(), base, hasExtension() ? extension_ : nullptr);
+}
+
+// Only the text from the old extension on changes: of "tar.gz" both dots belong to the new extension.
+void VelClFilename::setNewExtension(const char* extension) {
+  extension = textOrEmpty(extension);
+  PathText<> changed;
+  changed.append(name_, static_cast<std::size_t>(extension_ - name_));
+  if (*extension != '\0') {
+    changed.append('.');
+    changed.append(*extension == '.' ? extension + 1 : extension);
+  }
+  length_ = vel::filesys::copyBounded(name_, changed.text(), changed.length());
+}
+
+void VelClFilename::setNewPath(const char* path) {
+  init(path, base_, nullptr);
+}
+
+void VelClFilename::setNewPath(const VelClLocation& location) {
+  setNewPath(location.getAsCString());
+}
+
+// The style stays as the directory had it, and so does the place of the extension.
+void VelClFilename::removePath() {
+  if (!hasPath()) return;
+  const auto extensionOffset = extension_ - base_;
+  length_ = vel::filesys::copyBounded(name_, base_, vel::filesys::kMaxLength);
+  const VelClPathProperty style = *this;
+  VelClPathProperty::init(name_);
+  copyStyle(style);
+  base_ = name_;
+  extension_ = name_ + extensionOffset;
+}

@@ -1,0 +1,71 @@
+// What a name's text alone tells: style, network server and share, drive, absolute or not. Splitting
+// into directory, base name and extension is filename_base.cpp's work.
+#include <algorithm>
+#include <cstring>
+
+#include "filesys/path_text.h"
+#include "foundation/ascii.h"
+#include "vel_include/vel_filesys.h"
+
+namespace {
+
+bool beginsAsNetworkName(const char* text) {
+  return text[0] == '\\' && text[1] == '\\';
+}
+
+// Behind server and share, or the start of a text without them.
+const char* pathProperOf(const char* text) {
+  if (!beginsAsNetworkName(text) || text[2] == '\0') return text;
+  const char* share = std::strchr(text + 3, '\\');
+  if (share == nullptr) return text;
+  const char* path = std::strchr(share + 1, '\\');
+  return path != nullptr ? path : share + std::strlen(share);
+}
+
+bool isSlashStyle(const char* path) {
+  if (vel::isAsciiLetter(path[0]) && path[1] == ':') return false;
+  return std::strchr(path, '\\') == nullptr && std::strchr(path, '/') != nullptr;
+}
+
+}  // namespace
+
+VelClPathProperty::VelClPathProperty() : text_(nullptr), path_(nullptr), style_(MSDOS) {}
+
+VelClPathProperty::VelClPathProperty(const char* text) : VelClPathProperty() {
+  init(text);
+}
+
+void VelClPathProperty::init(const char* text) {
+  text_ = vel::filesys::textOrEmpty(text);
+  path_ = pathProperOf(text_);
+  style_ = isSlashStyle(path_) ? UNIX : MSDOS;
+}
+
+void VelClPathProperty::rebase(const VelClPathProperty& other, const char* text) {
+  path_ = text + (other.path_ - other.text_);
+  style_ = other.style_;
+  text_ = text;
+}
+
+bool VelClPathProperty::hasDrive() const {
+  return path_[0] != '\0' && path_[1] == ':';
+}
+
+bool VelClPathProperty::isAbsolute() const {
+  if (isUNC()) return true;
+  if (isStyleUNIX()) return path_[0] == '/';
+  // "\\dir" lacks the drive. Keep.
+  return hasDrive() && path_[2] == '\\';
+}
+
+bool VelClPathProperty::isNormalized() const {
+  return std::strchr(path_, '/') == nullptr;
+}
+
+void VelClPathProperty::normalizePath(char* text) {
+  if (text != nullptr) std::replace(text, text + std::strlen(text), '/', '\\');
+}
+
+bool VelClPathProperty::matches(const char* a, const char* b) const {
+  return isCaseSensitive() ? std::strcmp(a, b) == 0 : vel::equalsIgnoringAsciiCase(a, b);
+}

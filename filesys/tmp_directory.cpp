@@ -1,0 +1,12 @@
+// Where scratch files go.
+#include <initializer_list>
+
+#include "platform/platform.h"
+#include "vel_include/vel_filesys.h"
+#include "vel_include/vel_process.h"
+
+const char* velGetTmpDirectory(void) {
+  for (const char* variable : {"TMP", "TEMP"})
+    if (const char* value = VelClEnvironmentVariableQueryOnly(variable).getValue()) return value;
+  return vel::platform::fallbackTmpDirectory();
+}
