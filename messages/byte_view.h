@@ -1,0 +1,47 @@
+// A read-only view of foreign bytes: little-endian numbers, read only where all
+// their bytes exist. What the numbers mean is the business of the file parsers.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vel::messages {
+
+class ByteView {
+ public:
+  ByteView() noexcept = default;
+  ByteView(const std::uint8_t* data, std::size_t size) noexcept
+      : data_(data), size_(data == nullptr ? 0 : size) {}
+
+  std::size_t size() const noexcept { return size_; }
+
+  /// Whether `length` bytes from `offset` on lie within the view.
+  bool holds(std::uint64_t offset, std::uint64_t length) const noexcept {
+    return offset <= size_ && length <= size_ - offset;
+  }
+
+  /// The bytes from `offset` on; the caller has asked holds() before.
+  const std::uint8_t* at(std::uint64_t offset) const noexcept { return data_ + offset; }
+
+  /// Both leave `value` alone and return false when a byte is missing.
+  bool read16(std::uint64_t offset, std::uint16_t& value) const noexcept {
+    if (!holds(offset, 2)) return false;
+    const std::uint8_t* bytes = at(offset);
+    value = static_cast<std::uint16_t>(bytes[0] | bytes[1] << 8);
+    return true;
+  }
+
+  bool read32(std::uint64_t offset, std::uint32_t& value) const noexcept {
+    std::uint16_t low = 0;
+    std::uint16_t high = 0;
+    if (!holds(offset, 4) || !read16(offset, low) || !read16(offset + 2, high)) return false;
+    value = low | static_cast<std::uint32_t>(high) << 16;
+    return true;
+  }
+
+ private:
+  const std::uint8_t* data_ = nullptr;
+  std::size_t size_ = 0;
+};
+
+}  // namespace vel::messages

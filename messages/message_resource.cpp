@@ -1,0 +1,103 @@
+// Reads one message table. Every length and offset comes from a file and is checked here.
+
+#include "messages/message_resource.h"
+
+namespace vel::messages {
+namespace {
+
+constexpr std::uint64_t kCountSize = 4;
+constexpr std::uint64_t kBlockSize = 12;
+constexpr std::uint16_t kEntryHeaderSize = 4;
+constexpr std::uint16_t kUnicodeFlag = 1;
+
+constexpr std::uint32_t kLanguageMask = 0xFFFF;
+constexpr std::uint32_t kPrimaryLanguageMask = 0x3FF;
+
+/// Size of the text before its first zero character of `width` bytes.
+std::size_t textSize(const std::uint8_t* text, std::size_t size, std::size_t width) noexcept {
+  std::size_t end = 0;
+  while (end + width <= size && (text[end] != 0 || text[end + width - 1] != 0)) end += width;
+  return end;
+}
+
+}  // namespace
+
+std::array<std::uint32_t, 3> languageCandidates(std::uint32_t language) noexcept {
+  return {language & kLanguageMask, language & kPrimaryLanguageMask, 0};
+}
+
+MessageResource::MessageResource(const std::uint8_t* data, std::size_t sizeInBytes) noexcept
+    : bytes_(data, sizeInBytes) {
+  std::uint32_t count = 0;
+  if (bytes_.read32(0, count) && bytes_.holds(kCountSize, count * kBlockSize)) blockCount_ = count;
+}
+
+bool MessageResource::readBlock(std::uint32_t index, Block& block) const noexcept {
+  const std::uint64_t offset = kCountSize + index * kBlockSize;
+  return bytes_.read32(offset, block.lowId) && bytes_.read32(offset + 4, block.highId) &&
+         bytes_.read32(offset + 8, block.offset);
+}
+
+/// Length of a sound entry with its header, otherwise 0.
+std::uint16_t MessageResource::entryLength(std::uint64_t offset) const noexcept {
+  std::uint16_t length = 0;
+  if (!bytes_.read16(offset, length)) return 0;
+  return length >= kEntryHeaderSize && bytes_.holds(offset, length) ? length : std::uint16_t{0};
+}
+
+MessageResource::Entry MessageResource::entryAt(std::uint32_t id, std::uint64_t offset) const noexcept {
+  std::uint16_t flags = 0;
+  bytes_.read16(offset + 2, flags);
+  const bool unicode = (flags & kUnicodeFlag) != 0;
+  const std::uint8_t* text = bytes_.at(offset + kEntryHeaderSize);
+  const std::size_t room = entryLength(offset) - std::size_t{kEntryHeaderSize};
+  return {id, unicode, text, textSize(text, room, unicode ? 2 : 1)};
+}
+
+bool MessageResource::find(std::uint32_t id, Entry& entry) const noexcept {
+  Block block{};
+  for (std::uint32_t index = 0; index < blockCount_ && readBlock(index, block); ++index)
+    if (block.lowId <= id && id <= block.highId) return findInBlock(block, id, entry);
+  return false;
+}
+
+bool MessageResource::findInBlock(const Block& block, std::uint32_t id, Entry& entry) const noexcept {
+  std::uint64_t offset = block.offset;
+  // Ends with the bytes at the latest: every sound entry takes at least its header.
+  for (std::uint64_t current = block.lowId;; ++current) {
+    const std::uint16_t length = entryLength(offset);
+    if (length == 0) return false;
+    if (current == id) break;
+    offset += length;
+  }
+  entry = entryAt(id, offset);
+  return true;
+}
+
+bool MessageResource::next(Cursor& cursor, Entry& entry) const noexcept {
+  Block block{};
+  for (; cursor.block < blockCount_ && readBlock(cursor.block, block); ++cursor.block) {
+    if (cursor.offset == 0 && cursor.nextId <= block.lowId) {
+      cursor.nextId = block.lowId;
+      cursor.offset = block.offset;
+    }
+    if (cursor.offset != 0 && nextInBlock(cursor, block, entry)) return true;
+    cursor.offset = 0;
+  }
+  return false;
+}
+
+bool MessageResource::nextInBlock(Cursor& cursor, const Block& block, Entry& entry) const noexcept {
+  if (cursor.nextId > block.highId) return false;
+  const std::uint16_t length = entryLength(cursor.offset);
+  // Entries of a sound table never overlap. Many blocks on the same bytes would make
+  // the walk quadratic.
+  if (length == 0 || cursor.consumed + length > bytes_.size()) return false;
+  entry = entryAt(static_cast<std::uint32_t>(cursor.nextId), cursor.offset);
+  ++cursor.nextId;
+  cursor.offset += length;
+  cursor.consumed += length;
+  return true;
+}
+
+}  // namespace vel::messages

@@ -1,0 +1,187 @@
+// Walks the headers and the resource tree of a library file. The depth of the tree is fixed
+// and no directory entry is followed twice over, so that crossed links cannot catch the walk.
+
+#include "messages/portable_executable.h"
+
+#include <algorithm>
+
+#include "messages/message_resource.h"
+
+namespace vel::messages {
+namespace {
+
+constexpr std::uint16_t kDosSignature = 0x5A4D;     // "MZ"
+constexpr std::uint32_t kHeaderSignature = 0x4550;  // "PE", two zero bytes
+constexpr std::uint64_t kHeaderOffsetField = 0x3C;  // in the DOS header
+constexpr std::uint64_t kSectionCountField = 6;     // in the header, with its signature
+constexpr std::uint64_t kOptionalSizeField = 20;    // likewise
+constexpr std::uint64_t kOptionalHeaderField = 24;  // likewise
+constexpr std::uint16_t kMagic32 = 0x10B;
+constexpr std::uint16_t kMagic64 = 0x20B;
+constexpr std::uint64_t kDataDirectoryCount32 = 92;  // in the optional header
+constexpr std::uint64_t kDataDirectoryCount64 = 108;
+constexpr std::uint32_t kResourceDirectory = 2;  // index of the data directory
+constexpr std::uint64_t kDataDirectorySize = 8;
+constexpr std::uint64_t kSectionSize = 40;
+constexpr std::uint32_t kMostSections = 96;  // the Windows loader's own limit
+
+constexpr std::uint64_t kDirectoryHeaderSize = 16;
+constexpr std::uint64_t kDirectoryEntrySize = 8;
+constexpr std::uint32_t kHighBit = 0x80000000;  // of a name: text; of an offset: directory
+constexpr std::uint32_t kMessageTableType = 11;
+// Languages may share a table's bytes; this often on average, and the walk ends.
+constexpr std::uint64_t kMostSharing = 64;
+
+}  // namespace
+
+PortableExecutable::PortableExecutable(const std::uint8_t* image, std::size_t sizeInBytes) noexcept
+    : file_(image, sizeInBytes) {
+  valid_ = readHeaders();
+  if (resources_ != 0) findMessageTableType();
+}
+
+bool PortableExecutable::readHeaders() noexcept {
+  std::uint16_t dosSignature = 0;
+  std::uint32_t header = 0;
+  std::uint32_t signature = 0;
+  std::uint16_t sectionCount = 0;
+  std::uint16_t optionalSize = 0;
+  const bool complete = file_.read16(0, dosSignature) && file_.read32(kHeaderOffsetField, header) &&
+                        file_.read32(header, signature) &&
+                        file_.read16(header + kSectionCountField, sectionCount) &&
+                        file_.read16(header + kOptionalSizeField, optionalSize);
+  if (!complete || dosSignature != kDosSignature || signature != kHeaderSignature) return false;
+
+  const std::uint64_t optionalHeader = header + kOptionalHeaderField;
+  std::uint32_t resourceAddress = 0;
+  if (!readOptionalHeader(optionalHeader, resourceAddress)) return false;
+  sectionTable_ = optionalHeader + optionalSize;
+  sectionCount_ = sectionCount;
+  if (sectionCount > kMostSections || !file_.holds(sectionTable_, sectionCount * kSectionSize)) return false;
+  if (resourceAddress != 0 && !locate(resourceAddress, kDirectoryHeaderSize, resources_)) resources_ = 0;
+  return true;
+}
+
+/// The address stays 0 in a file without resources, which is no fault.
+bool PortableExecutable::readOptionalHeader(std::uint64_t offset,
+                                            std::uint32_t& resourceAddress) const noexcept {
+  std::uint16_t magic = 0;
+  if (!file_.read16(offset, magic) || (magic != kMagic32 && magic != kMagic64)) return false;
+  const std::uint64_t countField =
+      offset + (magic == kMagic32 ? kDataDirectoryCount32 : kDataDirectoryCount64);
+  std::uint32_t count = 0;
+  if (!file_.read32(countField, count)) return false;
+  if (count <= kResourceDirectory) return true;
+  return file_.read32(countField + 4 + kResourceDirectory * kDataDirectorySize, resourceAddress);
+}
+
+bool PortableExecutable::readSection(std::uint32_t index, Section& section) const noexcept {
+  const std::uint64_t offset = sectionTable_ + index * kSectionSize;
+  return file_.read32(offset + 12, section.address) && file_.read32(offset + 16, section.sizeInFile) &&
+         file_.read32(offset + 20, section.fileOffset);
+}
+
+/// Turns an address in memory into a place in the file, where `size` bytes must exist.
+bool PortableExecutable::locate(std::uint32_t address, std::uint32_t size,
+                                std::uint64_t& fileOffset) const noexcept {
+  Section section{};
+  for (std::uint32_t index = 0; index < sectionCount_ && readSection(index, section); ++index) {
+    if (address < section.address || address - section.address >= section.sizeInFile) continue;
+    const std::uint32_t distance = address - section.address;
+    fileOffset = std::uint64_t{section.fileOffset} + distance;
+    return size <= section.sizeInFile - distance && file_.holds(fileOffset, size);
+  }
+  return false;
+}
+
+/// Entries of a directory, those named by text included.
+std::uint32_t PortableExecutable::entryCount(std::uint64_t directory) const noexcept {
+  std::uint16_t named = 0;
+  std::uint16_t numbered = 0;
+  if (!file_.read16(directory + 12, named) || !file_.read16(directory + 14, numbered)) return 0;
+  return std::uint32_t{named} + numbered;
+}
+
+bool PortableExecutable::readEntry(std::uint64_t directory, std::uint32_t index,
+                                   DirectoryEntry& entry) const noexcept {
+  const std::uint64_t offset = directory + kDirectoryHeaderSize + index * kDirectoryEntrySize;
+  return file_.read32(offset, entry.name) && file_.read32(offset + 4, entry.offset);
+}
+
+bool PortableExecutable::subdirectory(const DirectoryEntry& entry, std::uint64_t& directory) const noexcept {
+  if ((entry.name & kHighBit) != 0 || (entry.offset & kHighBit) == 0) return false;
+  directory = resources_ + (entry.offset & ~kHighBit);
+  return file_.holds(directory, kDirectoryHeaderSize);
+}
+
+void PortableExecutable::findMessageTableType() noexcept {
+  const std::uint32_t count = entryCount(resources_);
+  DirectoryEntry entry{};
+  for (std::uint32_t index = 0; index < count && readEntry(resources_, index, entry); ++index)
+    if (entry.name == kMessageTableType && subdirectory(entry, messageType_)) return;
+  messageType_ = 0;
+}
+
+/// A sound file has each directory entry once, so there are no more than fit into it.
+bool PortableExecutable::mayVisit(Cursor& cursor) const noexcept {
+  return cursor.visited++ < file_.size() / kDirectoryEntrySize;
+}
+
+bool PortableExecutable::nextMessageTable(Cursor& cursor, MessageTable& table) const noexcept {
+  if (messageType_ == 0) return false;
+  const std::uint32_t count = entryCount(messageType_);
+  DirectoryEntry name{};
+  for (; cursor.name < count && readEntry(messageType_, cursor.name, name); ++cursor.name) {
+    if (!mayVisit(cursor)) return false;
+    if (nextLanguage(cursor, name, table)) return true;
+    cursor.language = 0;
+  }
+  return false;
+}
+
+bool PortableExecutable::nextLanguage(Cursor& cursor, const DirectoryEntry& name,
+                                      MessageTable& table) const noexcept {
+  std::uint64_t directory = 0;
+  if (!subdirectory(name, directory)) return false;
+  const std::uint32_t count = entryCount(directory);
+  while (cursor.language < count && mayVisit(cursor)) {
+    DirectoryEntry language{};
+    if (!readEntry(directory, cursor.language++, language)) return false;
+    table.nameId = name.name;
+    if (!readTable(language, table)) continue;
+    cursor.tableBytes += table.sizeInBytes;
+    return cursor.tableBytes <= kMostSharing * file_.size();
+  }
+  return false;
+}
+
+bool PortableExecutable::readTable(const DirectoryEntry& language, MessageTable& table) const noexcept {
+  if (((language.name | language.offset) & kHighBit) != 0) return false;
+  std::uint32_t address = 0;
+  std::uint32_t size = 0;
+  std::uint64_t data = 0;
+  const std::uint64_t entry = resources_ + language.offset;
+  if (!file_.read32(entry, address) || !file_.read32(entry + 4, size) || !locate(address, size, data))
+    return false;
+  table.language = language.name;
+  table.data = file_.at(data);
+  table.sizeInBytes = size;
+  return true;
+}
+
+bool PortableExecutable::findMessageTable(std::uint32_t language, MessageTable& table) const noexcept {
+  const auto candidates = languageCandidates(language);
+  auto best = candidates.end();
+  Cursor cursor;
+  MessageTable current{};
+  while (nextMessageTable(cursor, current)) {
+    if (current.nameId != kMessageTableName) continue;
+    const auto rank = std::find(candidates.begin(), best, current.language);
+    if (rank == best) continue;
+    best = rank;
+    table = current;
+  }
+  return best != candidates.end();
+}
+
+}  // namespace vel::messages
