@@ -1,0 +1,188 @@
+// The two substitutions. Each is a small class that reads a text from left to right
+// and writes into a fixed buffer.
+
+#include "messages/insert_formatter.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "messages/text_reader_writer.h"
+
+namespace vel::messages {
+namespace {
+
+constexpr const char* kMissing = "???";
+constexpr std::uint32_t kInsertCount = 10;
+constexpr std::size_t kUnlimited = std::numeric_limits<std::size_t>::max();
+
+/// What stands between the "!" behind an insert.
+struct Specification {
+  bool leftAligned = false;
+  bool zeroFilled = false;
+  std::size_t width = 0;
+  std::size_t precision = kUnlimited;
+};
+
+bool takeFlag(TextReader& text, Specification& specification) noexcept {
+  if (text.takeIf('-')) return specification.leftAligned = true;
+  if (text.takeIf('0')) return specification.zeroFilled = true;
+  return text.takeIf('+') || text.takeIf(' ') || text.takeIf('#');
+}
+
+/// False for everything but a text conversion.
+bool parseSpecification(TextReader text, Specification& specification) noexcept {
+  while (takeFlag(text, specification)) {
+  }
+  specification.width = text.takeNumber();
+  if (text.takeIf('.')) specification.precision = text.takeNumber();
+  text.takeIf('h');
+  return text.takeIf('s') && text.atEnd();
+}
+
+class ResourceTextExpander {
+ public:
+  ResourceTextExpander(TextReader text, const char* const* inserts, TextWriter out) noexcept
+      : text_(text), inserts_(inserts), out_(out) {}
+
+  FormatResult expand() noexcept {
+    while (!finished_ && !malformed_ && !out_.overflowed() && !text_.atEnd()) step(text_.take());
+    const bool complete = !malformed_ && !out_.overflowed();
+    return {complete, complete ? out_.length() : 0};
+  }
+
+ private:
+  void step(char c) noexcept {
+    if (c == '%') return escape();
+    if (c != '\r' && c != '\n') return out_.put(c);
+    if (c == '\r') text_.takeIf('\n');
+    out_.lineBreak();
+  }
+
+  void escape() noexcept {
+    malformed_ = text_.atEnd();
+    if (malformed_) return;
+    const char c = text_.take();
+    switch (c) {
+      case '0':
+        finished_ = true;
+        break;
+      case 'n':
+        out_.lineBreak();
+        break;
+      case 'r':
+        out_.put('\r');
+        break;
+      case 't':
+        out_.put('\t');
+        break;
+      case 'b':
+        out_.put(' ');
+        break;
+      default:
+        if (isDigit(c)) return insert(c);
+        out_.put(c);
+    }
+  }
+
+  void insert(char firstDigit) noexcept {
+    auto number = appendDigit(std::uint32_t{0}, firstDigit);
+    if (text_.atDigit()) number = appendDigit(number, text_.take());
+    const bool known = number <= kInsertCount && inserts_[number - 1] != nullptr;
+    const char* value = known ? inserts_[number - 1] : kMissing;
+
+    Specification specification;
+    if (text_.takeIf('!') && !takeSpecification(specification)) value = kMissing;
+    if (!malformed_) putFormatted(value, specification);
+  }
+
+  /// False when the insert cannot be shown as specified.
+  bool takeSpecification(Specification& specification) noexcept {
+    TextReader part = text_;
+    malformed_ = !text_.takeUntil('!', part);
+    if (!malformed_ && parseSpecification(part, specification)) return true;
+    specification = {};
+    return false;
+  }
+
+  void putFormatted(const char* value, const Specification& specification) noexcept {
+    // One more than the room is enough to see that it does not fit.
+    const std::size_t length = boundedLength(value, std::min(specification.precision, out_.room() + 1));
+    const std::size_t padding = specification.width > length ? specification.width - length : 0;
+    if (!specification.leftAligned) out_.repeat(specification.zeroFilled ? '0' : ' ', padding);
+    out_.append(value, length);
+    if (specification.leftAligned) out_.repeat(' ', padding);
+  }
+
+  TextReader text_;
+  const char* const* inserts_;
+  TextWriter out_;
+  bool finished_ = false;
+  bool malformed_ = false;
+};
+
+class TableTextExpander {
+ public:
+  TableTextExpander(const char* text, const char* const* variables, std::uint32_t variableCount,
+                    TextWriter out) noexcept
+      : text_(text), variables_(variables), variableCount_(variableCount), out_(out) {}
+
+  std::size_t expand() noexcept {
+    while (*text_ != '\0' && out_.room() > 0) {
+      if (*text_ != '%') {
+        out_.put(*text_++);
+      } else {
+        escape();
+      }
+    }
+    return out_.length();
+  }
+
+ private:
+  void escape() noexcept {
+    ++text_;
+    if (*text_ == '%') {
+      out_.put(*text_++);
+    } else {
+      putVariable(takeNumber());
+    }
+  }
+
+  /// 0 where no number stands. Blanks and signs do not belong to one.
+  std::uint32_t takeNumber() noexcept {
+    std::uint32_t number = 0;
+    while (isDigit(*text_)) number = appendDigit(number, *text_++);
+    return number;
+  }
+
+  void putVariable(std::uint32_t number) noexcept {
+    const bool known = number >= 1 && number <= variableCount_ && variables_[number - 1] != nullptr;
+    const char* value = known ? variables_[number - 1] : kMissing;
+    out_.append(value, boundedLength(value, out_.room()));
+  }
+
+  const char* text_;
+  const char* const* variables_;
+  std::uint32_t variableCount_;
+  TextWriter out_;
+};
+
+}  // namespace
+
+FormatResult expandResourceText(const char* text, std::size_t length, const char* const inserts[10],
+                                char* out, std::size_t capacity) noexcept {
+  if (capacity == 0) return {false, 0};
+  const TextReader reader(text, boundedLength(text, length));
+  const FormatResult result = ResourceTextExpander(reader, inserts, TextWriter(out, capacity - 1)).expand();
+  out[result.length] = '\0';
+  return result;
+}
+
+std::size_t expandTableText(const char* text, const char* const* variables, std::uint32_t variableCount,
+                            char* out, std::size_t maxLength) noexcept {
+  const std::size_t length =
+      TableTextExpander(text, variables, variableCount, TextWriter(out, maxLength)).expand();
+  out[length] = '\0';
+  return length;
+}
+
+}  // namespace vel::messages

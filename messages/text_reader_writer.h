@@ -1,0 +1,100 @@
+// What both substitutions of insert_formatter.cpp work with: a reader that consumes a text
+// from left to right, and a writer that never leaves its buffer.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <limits>
+
+namespace vel::messages {
+
+inline bool isDigit(char c) noexcept {
+  return c >= '0' && c <= '9';
+}
+
+/// Appends one more digit; stays at the largest number instead of overflowing.
+template <typename Number>
+Number appendDigit(Number number, char digit) noexcept {
+  constexpr Number kLargest = std::numeric_limits<Number>::max();
+  const Number value = static_cast<Number>(digit - '0');
+  return number > (kLargest - value) / 10 ? kLargest : static_cast<Number>(number * 10 + value);
+}
+
+/// Length of a text, looking at `limit` characters at most.
+inline std::size_t boundedLength(const char* text, std::size_t limit) noexcept {
+  std::size_t length = 0;
+  while (length < limit && text[length] != '\0') ++length;
+  return length;
+}
+
+/// A part of a text that is read once, from left to right.
+class TextReader {
+ public:
+  TextReader(const char* text, std::size_t length) noexcept : current_(text), end_(text + length) {}
+
+  bool atEnd() const noexcept { return current_ == end_; }
+  char take() noexcept { return *current_++; }
+  bool takeIf(char expected) noexcept {
+    if (atEnd() || *current_ != expected) return false;
+    ++current_;
+    return true;
+  }
+  bool atDigit() const noexcept { return !atEnd() && isDigit(*current_); }
+  std::size_t takeNumber() noexcept {
+    std::size_t number = 0;
+    while (atDigit()) number = appendDigit(number, take());
+    return number;
+  }
+
+  /// Splits off the text before the next `mark` and steps behind it; false without one.
+  bool takeUntil(char mark, TextReader& part) noexcept {
+    const char* found = std::find(current_, end_, mark);
+    if (found == end_) return false;
+    part = TextReader(current_, static_cast<std::size_t>(found - current_));
+    current_ = found + 1;
+    return true;
+  }
+
+ private:
+  const char* current_;
+  const char* end_;
+};
+
+/// A buffer that is either filled within its capacity or remembers that it was too small.
+class TextWriter {
+ public:
+  TextWriter(char* out, std::size_t capacity) noexcept : out_(out), room_(capacity) {}
+
+  void put(char c) noexcept { repeat(c, 1); }
+  void lineBreak() noexcept {
+    put('\r');
+    put('\n');
+  }
+  void repeat(char c, std::size_t count) noexcept {
+    if (!reserve(count)) return;
+    std::memset(out_ + length_, c, count);
+    length_ += count;
+  }
+  void append(const char* text, std::size_t count) noexcept {
+    if (!reserve(count)) return;
+    std::memcpy(out_ + length_, text, count);
+    length_ += count;
+  }
+  std::size_t room() const noexcept { return room_ - length_; }
+  bool overflowed() const noexcept { return overflowed_; }
+  std::size_t length() const noexcept { return length_; }
+
+ private:
+  bool reserve(std::size_t count) noexcept {
+    overflowed_ = overflowed_ || count > room();
+    return !overflowed_;
+  }
+
+  char* out_;
+  std::size_t room_;
+  std::size_t length_ = 0;
+  bool overflowed_ = false;
+};
+
+}  // namespace vel::messages
