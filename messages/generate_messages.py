@@ -64,7 +64,7 @@ def check_inserts(text, row_id):
 
 
 def inserts(text):
-    return sorted(re.findall(r"%(?:%|[0-9]+)", text))
+    return sorted(found for found in re.findall(r"%(?:%|[0-9]+)", text) if found != "%%")
 
 
 def outer_blanks(text):
