@@ -16,6 +16,15 @@ if(CMAKE_CROSSCOMPILING)
   set_tests_properties(wine_server PROPERTIES FIXTURES_SETUP wine)
 endif()
 
+# vel_add_test_program(NAME SOURCES <files>...): a program that tests start as a child.
+function(vel_add_test_program name)
+  cmake_parse_arguments(ARG "" "" "SOURCES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  vel_use_project_options(${name})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE qamc5032)
+endfunction()
+
 # vel_add_tests(NAME SOURCES <files>... [LIBRARIES <targets>...]): one program, one
 # ctest entry; under Wine starting a process costs more than most tests.
 function(vel_add_tests name)

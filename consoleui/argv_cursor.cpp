@@ -55,9 +55,10 @@ bool VelClArgvCursor::isArg() const {
 }
 
 bool VelClArgvCursor::matches(const char* name) const {
-  if (name == nullptr || !isSwitch()) return false;
+  const char* argument = argumentAt(index_);
+  if (name == nullptr || !VelClUsageCursor::isSwitchIndicator(argument)) return false;
   if (VelClUsageCursor::isSwitchIndicator(name)) ++name;
-  return std::strcmp(getAsCString() + 1, name) == 0;
+  return std::strcmp(argument + 1, name) == 0;
 }
 
 bool VelClArgvCursor::positionTo(const char* name) {

@@ -72,5 +72,6 @@ void VelClConsoleUI::fatalMissingArg(const char* switchName) const {
                {{words()[Word::MissingSwitch].getAsCString(), switchName}});
   vel::consoleui::writeFill(std::cerr, params_->getIndentation() + 2, ' ');
   std::cerr << words()[Word::HelpHint] << std::endl;
-  displayUsage(true);
+  displayUsage(false);
+  exitBehindUsage();
 }

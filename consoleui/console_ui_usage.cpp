@@ -37,7 +37,10 @@ void VelClConsoleUI::displayUsage(bool exit) const {
   vel::consoleui::writeText(std::cout, getUsage(), hide ? TextKind::UsageWithoutTaggedLines : TextKind::Usage,
                             indentation);
   std::cout.flush();
-  if (!exit) return;
+  if (exit) exitBehindUsage();
+}
+
+void VelClConsoleUI::exitBehindUsage() const {
   std::cout << std::endl;
   processExit(vel::consoleui::kExitUsage);
 }

@@ -3,6 +3,7 @@
 
 #include <ctime>
 #include <string>
+#include <utility>
 
 #include "platform/test/scratch_directory.h"
 #include "vel_include/vel_filesys.h"
@@ -10,7 +11,13 @@
 
 namespace {
 
+using enum VelEnErrorClass;
 using vel::test::readFile;
+using Left = std::pair<uint32_t, VelEnErrorClass>;
+
+Left left(const VelClFile& file) {
+  return {file.getLastError().errorId, file.getLastError().errorClass};
+}
 
 class Searcher : public VelClFile {
  public:
@@ -20,12 +27,11 @@ class Searcher : public VelClFile {
 
 class FileTest : public testing::Test {
  protected:
-  VelClLocation directory(const char* sub = "") const {
-    return VelClLocation((scratch_.path() + "\\" + sub).c_str(), true);
+  VelClFilename name(const char* entry) const {
+    return VelClFilename(VelClLocation(scratch_.path().c_str(), true), entry, nullptr);
   }
-  VelClFilename name(const char* entry) const { return VelClFilename(directory(), entry, nullptr); }
   VelClFile file(const char* entry) const { return VelClFile(name(entry), nullptr); }
-  VelClFile fileWith(const char* entry, const std::string& bytes) const {
+  VelClFile fileWith(const char* entry, const char* bytes) const {
     scratch_.write(entry, bytes);
     return file(entry);
   }
@@ -34,114 +40,78 @@ class FileTest : public testing::Test {
   vel::test::ScratchDirectory scratch_;
 };
 
-testing::AssertionResult leaves(const VelClFile& file, unsigned long id, VelEnErrorClass errorClass) {
-  const _VelStError& error = file.getLastError();
-  if (error.errorId == id && error.errorClass == errorClass) return testing::AssertionSuccess();
-  return testing::AssertionFailure() << error.errorId << ", class " << static_cast<int>(error.errorClass);
-}
-
-testing::AssertionResult leavesNoError(const VelClFile& file) {
-  return leaves(file, VEL_NO_ERROR, VelEnErrorClass::UNKNOWN);
-}
-
 TEST(File, TakesADefaultType) {
   const struct {
-    const char* name;
-    const char* defaultType;
-    const char* text;
-    const char* type;
+    const char *name, *defaultType, *text, *type;
   } rows[] = {{"readme", "txt", "readme.txt", "txt"},
-              {"readme", ".DLL", "readme.DLL", "DLL"},
+              {"a", ".DLL", "a.DLL", "DLL"},
               {"a.cfg", "txt", "a.cfg", "cfg"},
-              {"a.", "txt", "a.", ""},
               {"a", nullptr, "a", ""}};
   for (const auto& row : rows) {
-    VelClFile file(VelClFilename(row.name), row.defaultType);
-    EXPECT_STREQ(row.text, file) << row.name;
-    EXPECT_STREQ(row.type, file.getFileType()) << row.name;
-    file.setFileType(file.getFileType());
-    EXPECT_STREQ(row.type, file.getFileType()) << row.name;
+    const VelClFile file(VelClFilename(row.name), row.defaultType);
+    EXPECT_STREQ(row.text, file);
+    EXPECT_STREQ(row.type, file.getFileType());
   }
 }
 
-TEST_F(FileTest, AnswersForAMissingFile) {
+TEST_F(FileTest, AnswersForFilesThereAndMissing) {
   const VelClFile missing = file("missing");
-  EXPECT_TRUE(missing.isHidden() && missing.isReadOnly());
-  EXPECT_FALSE(missing.isExistent() || missing.isDirectory());
+  EXPECT_TRUE(missing.isHidden() && missing.isReadOnly() && !missing.isExistent());
   EXPECT_EQ(0U, missing.getFileSize());
-  EXPECT_EQ(0, missing.getDateTimeOfCreation());
-  EXPECT_EQ(0, missing.getDateTimeOfLastAccess());
-  EXPECT_EQ(0, missing.getDateTimeOfLastModification());
-}
-
-TEST_F(FileTest, AnswersForAFile) {
+  EXPECT_EQ(0, missing.getDateTimeOfCreation() | missing.getDateTimeOfLastAccess() |
+                   missing.getDateTimeOfLastModification());
   const VelClFile there = fileWith("there", "12345");
-  const auto now = static_cast<int64_t>(std::time(nullptr));
-  EXPECT_TRUE(there.isExistent());
-  EXPECT_FALSE(there.isHidden() || there.isReadOnly());
+  EXPECT_TRUE(there.isExistent() && !there.isHidden() && !there.isReadOnly());
   EXPECT_EQ(5U, there.getFileSize());
   for (const int64_t time : {there.getDateTimeOfCreation(), there.getDateTimeOfLastAccess(),
                              there.getDateTimeOfLastModification()})
-    EXPECT_NEAR(static_cast<double>(now), static_cast<double>(time), 60);
+    EXPECT_NEAR(static_cast<double>(std::time(nullptr)), static_cast<double>(time), 60);
 }
 
 TEST_F(FileTest, CopiesOverAnExistingTarget) {
   VelClFile source = fileWith("source", "new\r\n");
   scratch_.write("target", "a longer old text");
   EXPECT_FALSE(source.copyTo(name("no\\where"), true));
-  EXPECT_TRUE(leaves(source, FILE_COULD_NOT_COPY, VelEnErrorClass::IO_PROBLEM));
+  EXPECT_EQ(Left(FILE_COULD_NOT_COPY, IO_PROBLEM), left(source));
   EXPECT_TRUE(source.copyTo(name("target"), true));
-  EXPECT_TRUE(leavesNoError(source));
-  EXPECT_EQ("new\r\n", contents("target"));
+  EXPECT_EQ(Left(VEL_NO_ERROR, UNKNOWN), left(source));
   EXPECT_FALSE(file("missing").copyTo(name("target"), true));
   EXPECT_EQ("new\r\n", contents("target"));
 }
 
 TEST_F(FileTest, CopiesReadOnlyFilesWithOrWithoutAttributes) {
-  VelClFile source = fileWith("source.x", "text");
+  VelClFile source = fileWith("source", "text");
   source.setReadOnly(true);
-  EXPECT_TRUE(source.isReadOnly());
-  EXPECT_TRUE(source.copyTo(name("kept"), true));
-  EXPECT_TRUE(source.copyTo(name("writable"), false));
-  EXPECT_TRUE(file("kept").isReadOnly());
-  EXPECT_FALSE(file("writable").isReadOnly());
-  EXPECT_EQ("text", contents("writable"));
+  EXPECT_TRUE(source.copyTo(name("kept"), true) && source.copyTo(name("writable"), false));
+  EXPECT_TRUE(source.isReadOnly() && file("kept").isReadOnly() && !file("writable").isReadOnly());
   source.setReadOnly(false);
   EXPECT_FALSE(source.isReadOnly());
 }
 
-TEST_F(FileTest, CopiesIntoADirectoryUnderTheSameName) {
+TEST_F(FileTest, CopiesIntoADirectoryButNotOntoItself) {
   VelClFile source = fileWith("source.x", "text");
-  scratch_.write("sub.x", "");
-  EXPECT_FALSE(source.copyTo(directory(), true));
-  EXPECT_TRUE(leaves(source, FILE_COULD_NOT_COPY_SELF, VelEnErrorClass::INCONSISTENT_SITUATION));
   const vel::test::ScratchDirectory other;
   EXPECT_TRUE(source.copyTo(VelClLocation(other.path().c_str(), false), true));
   EXPECT_EQ("text", readFile(other.path("source.x")));
-}
-
-TEST_F(FileTest, DoesNotCopyOntoItself) {
-  VelClFile source = fileWith("source", "text");
-  EXPECT_FALSE(source.copyTo(name("SOURCE"), false));
-  EXPECT_TRUE(leaves(source, FILE_COULD_NOT_COPY_SELF, VelEnErrorClass::INCONSISTENT_SITUATION));
+  EXPECT_FALSE(source.copyTo(name("SOURCE.X"), false));
+  EXPECT_EQ(Left(FILE_COULD_NOT_COPY_SELF, INCONSISTENT_SITUATION), left(source));
   // The same file by a name that only the system can tell.
-  EXPECT_FALSE(source.copyTo(name(".\\source"), false));
-  EXPECT_TRUE(leaves(source, FILE_COULD_NOT_COPY, VelEnErrorClass::IO_PROBLEM));
-  EXPECT_EQ("text", contents("source"));
+  EXPECT_FALSE(source.copyTo(name(".\\source.x"), false));
+  EXPECT_EQ(Left(FILE_COULD_NOT_COPY, IO_PROBLEM), left(source));
+  EXPECT_EQ("text", contents("source.x"));
 }
 
 TEST_F(FileTest, RemovesReadOnlyFilesButNoDirectory) {
   VelClFile gone = fileWith("gone", "text");
   gone.setReadOnly(true);
-  EXPECT_TRUE(gone.remove());
-  EXPECT_TRUE(leavesNoError(gone));
-  EXPECT_FALSE(gone.isExistent());
+  EXPECT_TRUE(gone.remove() && !gone.isExistent());
+  EXPECT_EQ(Left(VEL_NO_ERROR, UNKNOWN), left(gone));
   EXPECT_FALSE(gone.remove());
-  EXPECT_TRUE(leaves(gone, FILE_COULD_NOT_REMOVE, VelEnErrorClass::IO_NOT_EXISTENT));
+  EXPECT_EQ(Left(FILE_COULD_NOT_REMOVE, IO_NOT_EXISTENT), left(gone));
   const vel::test::ScratchDirectory other;
   VelClFile notAFile(VelClFilename(other.path().c_str()), nullptr);
   EXPECT_FALSE(notAFile.remove());
-  EXPECT_TRUE(leaves(notAFile, FILE_COULD_NOT_REMOVE, VelEnErrorClass::IO_PERMISSION_DENIED));
+  EXPECT_EQ(Left(FILE_COULD_NOT_REMOVE, IO_PERMISSION_DENIED), left(notAFile));
   EXPECT_TRUE(notAFile.isExistent());
 }
 
@@ -149,56 +119,44 @@ TEST_F(FileTest, RenamesButNeverOntoAnExistingFile) {
   VelClFile renamed = fileWith("old", "old text");
   scratch_.write("taken", "taken text");
   EXPECT_FALSE(renamed.renameAs(name("taken")));
-  EXPECT_TRUE(leaves(renamed, FILE_COULD_NOT_RENAME, VelEnErrorClass::IO_ALREADY_IN_USE));
-  EXPECT_STREQ("old", renamed.getFilename().getName());
+  EXPECT_EQ(Left(FILE_COULD_NOT_RENAME, IO_ALREADY_IN_USE), left(renamed));
+  EXPECT_TRUE(renamed.getFilename() == name("old"));
   EXPECT_EQ("taken text", contents("taken"));
-  EXPECT_TRUE(renamed.renameAs(name("new.x")));
-  EXPECT_TRUE(leavesNoError(renamed));
-  EXPECT_STREQ("new.x", renamed.getFilename().getName());
-  EXPECT_EQ("old text", contents("new.x"));
+  EXPECT_TRUE(renamed.renameAs(name("new")));
+  EXPECT_EQ(Left(VEL_NO_ERROR, UNKNOWN), left(renamed));
+  EXPECT_TRUE(renamed.getFilename() == name("new"));
+  EXPECT_EQ("old text", contents("new"));
   VelClFile missing = file("old");
   EXPECT_FALSE(missing.renameAs(name("other")));
-  EXPECT_TRUE(leaves(missing, FILE_COULD_NOT_RENAME, VelEnErrorClass::IO_PERMISSION_DENIED));
+  EXPECT_EQ(Left(FILE_COULD_NOT_RENAME, IO_PERMISSION_DENIED), left(missing));
 }
 
 TEST_F(FileTest, IsFoundAlongAVariable) {
-  const vel::test::ScratchDirectory second;
-  second.write("wanted.x", "");
-  const std::string tooLong(300, 'x');
-  const std::string path = ";;" + tooLong + ";" + scratch_.path() + ";" + second.path() + ";";
-  VelClEnvironmentVariable("VEL_TEST_PATH", path.c_str());
-  const Searcher searcher;
-  VelClFilename found("sub\\wanted.x");
-  EXPECT_TRUE(searcher.determineFileInEnvVarPath(found, "VEL_TEST_PATH"));
-  EXPECT_TRUE(found == VelClFilename(VelClLocation(second.path().c_str(), false), "wanted.x", nullptr));
-  // An existing file is taken as it is, without the variable.
-  EXPECT_TRUE(searcher.determineFileInEnvVarPath(found, nullptr));
-
-  VelClFilename missing("missing");
-  EXPECT_FALSE(searcher.determineFileInEnvVarPath(missing, "VEL_TEST_UNSET"));
-  EXPECT_STREQ("missing", missing.getAsCString());
-  EXPECT_FALSE(searcher.determineFileInEnvVarPath(missing, "VEL_TEST_PATH"));
-  EXPECT_STREQ("missing", missing.getName());
-  EXPECT_TRUE(missing.matchesPath(VelClFilename(VelClLocation(second.path().c_str(), false), "x", nullptr)));
-  VelClEnvironmentVariable("VEL_TEST_PATH", ";;;");
-  EXPECT_FALSE(searcher.determineFileInEnvVarPath(missing, "VEL_TEST_PATH"));
-  VelClEnvironmentVariable("VEL_TEST_PATH", nullptr);
+  const vel::test::ScratchDirectory first;
+  scratch_.write("wanted.x", "");
+  VelClEnvironmentVariable path("VEL_TEST_PATH", (";;" + std::string(300, 'x') + ";" + first.path()).c_str());
+  VelClFilename wanted("sub\\wanted.x");
+  EXPECT_FALSE(Searcher().determineFileInEnvVarPath(wanted, "VEL_TEST_UNSET"));
+  EXPECT_FALSE(Searcher().determineFileInEnvVarPath(wanted, path.getName()));
+  // It stays in the last directory tried.
+  EXPECT_EQ(VelClFilename(VelClLocation(first.path().c_str(), false), "wanted.x", nullptr), wanted);
+  path.appendValue((";" + scratch_.path() + ";").c_str());
+  EXPECT_TRUE(Searcher().determineFileInEnvVarPath(wanted, path.getName()));
+  EXPECT_TRUE(wanted.isExistent());
+  // An existing file is taken as it is.
+  EXPECT_TRUE(Searcher().determineFileInEnvVarPath(wanted, "VEL_TEST_UNSET"));
+  path.resetValue();
 }
 
 TEST(TmpDirectory, IsTmpThenTempThenTheSystems) {
-  const std::string tmp = velGetTmpDirectory();
-  const char* before = VelClEnvironmentVariableQueryOnly("TEMP").getValue();
-  const std::string temp = before != nullptr ? before : "";
-  VelClEnvironmentVariable("TMP", "one");
-  VelClEnvironmentVariable("TEMP", "two");
+  const std::string before = velGetTmpDirectory();
+  VelClEnvironmentVariable tmp("TMP", "one"), temp("TEMP", "two");
   EXPECT_STREQ("one", velGetTmpDirectory());
-  VelClEnvironmentVariable("TMP", nullptr);
+  tmp.resetValue();
   EXPECT_STREQ("two", velGetTmpDirectory());
-  VelClEnvironmentVariable("TEMP", nullptr);
-  EXPECT_TRUE(VelClLocation(velGetTmpDirectory(), false).isRoot() ||
-              VelClLocation(velGetTmpDirectory(), false).isExistent());
-  VelClEnvironmentVariable("TMP", tmp.c_str());
-  VelClEnvironmentVariable("TEMP", temp.c_str());
+  temp.resetValue();
+  EXPECT_TRUE(VelClLocation(velGetTmpDirectory(), false).isExistent());
+  tmp.setNewValue(before.c_str());
 }
 
 }  // namespace

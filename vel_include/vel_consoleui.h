@@ -421,6 +421,7 @@ class VEL_API VelClConsoleUI {
   bool attachBuiltInTable();
   void handleHelpSwitches() const;
   void checkCommandLine() const;
+  [[noreturn]] void exitBehindUsage() const;
   bool checkArgument(const VelClArgvCheckCursor& argument) const;
   [[noreturn]] void fatalArgument(int exitCode, uint32_t word, const char* switchName) const;
   template <typename Number>

@@ -178,8 +178,7 @@ VEL_C_API void vel__assert_msg(const char* expression, const char* module, unsig
                                const char* function, const char* message);
 
 /// Ends the process through vel__assert when `expression` is false, in every build.
-#define VEL_ASSERT(expression) \
-  ((expression) ? (void)0 : vel__assert(#expression, __FILE__, (unsigned int)__LINE__))
+#define VEL_ASSERT(expression) ((expression) ? (void)0 : vel__assert(#expression, __FILE__, __LINE__))
 
 #if defined(VEL_HAS_CLASSES)
 
