@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -11,9 +12,9 @@
 
 namespace {
 
-constexpr long kNowhere = -1;
+constexpr std::ptrdiff_t kNowhere = -1;
 
-long expectedOffset(const std::string& pattern, const std::string& text, bool ignoreCase) {
+std::ptrdiff_t expectedOffset(const std::string& pattern, const std::string& text, bool ignoreCase) {
   const auto found =
       std::search(text.begin(), text.end(), pattern.begin(), pattern.end(),
                   [&](char a, char b) { return ignoreCase ? std::toupper(a) == std::toupper(b) : a == b; });
@@ -21,7 +22,7 @@ long expectedOffset(const std::string& pattern, const std::string& text, bool ig
 }
 
 // In a block of its own and without a terminator: sanitizers see a read beyond either end.
-long offset(const VelClStringSearch& search, const std::vector<char>& text) {
+std::ptrdiff_t offset(const VelClStringSearch& search, const std::vector<char>& text) {
   const char* begin = text.empty() ? "" : text.data();
   const char* found = search.getPattern(begin, static_cast<unsigned int>(text.size()));
   return found == nullptr ? kNowhere : found - begin;
