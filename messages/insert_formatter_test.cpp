@@ -80,7 +80,8 @@ TEST(ResourceText, ReadsNoFurtherThanItsLength) {
 }
 
 TEST(ResourceText, FitsWholeOrNotAtAll) {
-  for (const char* text : {"abcd", "a%3!3.2s!", "%1d", "a%n%t", "\n\n", "%1!4s!", "%1!-4s!", "%2%7%%"}) {
+  for (const char* text :
+       {"abcd", "a%3!3.2s!", "%1d", "d%1", "a%n%t", "\n\n", "%1!4s!", "%1!-4s!", "%2%7%%"}) {
     for (std::size_t capacity = 0; capacity < 8; ++capacity)
       EXPECT_EQ(expand(text, capacity) != kFailed, capacity > 4) << text << " into " << capacity;
   }

@@ -28,8 +28,7 @@ std::array<std::uint32_t, 3> languageCandidates(std::uint32_t language) noexcept
 
 MessageResource::MessageResource(const std::uint8_t* data, std::size_t sizeInBytes) noexcept
     : bytes_(data, sizeInBytes) {
-  std::uint32_t count = 0;
-  if (bytes_.read32(0, count) && bytes_.holds(kCountSize, count * kBlockSize)) blockCount_ = count;
+  bytes_.read32(0, blockCount_);
 }
 
 bool MessageResource::readBlock(std::uint32_t index, Block& block) const noexcept {

@@ -57,7 +57,7 @@ bool PortableExecutable::readHeaders() noexcept {
   if (!readOptionalHeader(optionalHeader, resourceAddress)) return false;
   sectionTable_ = optionalHeader + optionalSize;
   sectionCount_ = sectionCount;
-  if (sectionCount > kMostSections || !file_.holds(sectionTable_, sectionCount * kSectionSize)) return false;
+  if (sectionCount > kMostSections) return false;
   if (resourceAddress != 0 && !locate(resourceAddress, kDirectoryHeaderSize, resources_)) resources_ = 0;
   return true;
 }

@@ -136,7 +136,7 @@ TEST(PortableExecutable, DamagedTreesAreLeftOut) {
       {"type without a directory", kTypeEntry + 4, 24, ""},
       {"type is its own directory", kTypeEntry + 4, kDirectory, ""},
       {"type behind the end", kTypeEntry + 4, 0xFFFFFFFF, ""},
-      {"name is text", kNameEntry, kDirectory, ""},
+      {"name is text", kNameEntry, kDirectory + 1, ""},
       {"name goes back to the type", kNameEntry + 4, kDirectory + 24, ""},
       {"directory in place of a table", kLanguageEntry + 4, kDirectory + 24, "1/1034:24 "},
       {"language is text", kLanguageEntry, kDirectory + 0x409, "1/1034:24 "},
@@ -147,6 +147,7 @@ TEST(PortableExecutable, DamagedTreesAreLeftOut) {
   };
   for (const Row& row : rows) {
     ByteVector file = libraryFile({{1, 0x409, tableSaying("a")}, {1, 0x40A, tableSaying("b")}});
+    file.resize(0x4000);  // so that only the section and the number of sections set the limits
     put32(file, row.offset, row.value);
     EXPECT_EQ(listTables(file), row.tables) << row.name;
   }
