@@ -8,8 +8,8 @@
 #include <cwchar>
 #include <initializer_list>
 
-#include "platform/platform.h"
 #include "messages/language_names.h"
+#include "platform/platform.h"
 
 namespace vel::platform {
 

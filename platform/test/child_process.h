@@ -21,8 +21,8 @@ struct ChildResult {
 
 struct ChildOptions {
   /// Variables to set for the child; an empty value removes one.
-  std::vector<std::pair<std::string, std::string>> environment;
-  std::string input;       ///< bytes for standard input
+  std::vector<std::pair<std::string, std::string>> environment = {};
+  std::string input = {};  ///< bytes for standard input
   bool rawOutput = false;  ///< leave line breaks as the child wrote them
 };
 

@@ -85,6 +85,9 @@ bool statusOf(const char* name, EntryStatus& out) noexcept {
 }
 
 SystemError copyFile(const char* from, const char* to) noexcept {
+  // Windows refuses a read-only target by itself, but Wine lets the superuser write to it.
+  const std::uint32_t attributes = attributesOf(to);
+  if (attributes != kAttributesUnreadable && (attributes & kAttributeReadOnly) != 0) return EACCES;
   return CopyFileA(from, to, FALSE) != FALSE ? 0 : errnoOf(GetLastError());
 }
 

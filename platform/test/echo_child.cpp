@@ -1,0 +1,20 @@
+// A child for child_process_test.cpp: shows what it was given and ends as its first argument says.
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+int main(int argumentCount, char** arguments) {
+  for (int at = 1; at < argumentCount; ++at) std::printf("<%s>\n", arguments[at]);
+  for (int c; (c = std::getchar()) != EOF;) std::putchar(c);
+  const char* const variable = std::getenv("VEL_TEST_CHILD");
+  std::fprintf(stderr, "%s", variable == nullptr ? "unset" : variable);
+  std::fflush(stdout);
+  const char* const end = argumentCount > 1 ? arguments[1] : "";
+  if (std::strcmp(end, "abort") == 0) std::abort();
+  if (std::strcmp(end, "flood") == 0)
+    for (int line = 0; line < 20000; ++line) {
+      std::fprintf(stderr, "%9d", line);
+      std::printf("%9d", line);
+    }
+  return std::atoi(end);  // NOLINT(cert-err34-c): texts are 0
+}
