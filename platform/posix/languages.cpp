@@ -8,8 +8,8 @@
 #include <cwchar>
 #include <initializer_list>
 
-#include "messages/language_names.h"
 #include "platform/platform.h"
+#include "platform/posix/language_names.h"
 
 namespace vel::platform {
 
@@ -27,7 +27,7 @@ const char* firstValue(const char* first, const char* second, const char* third)
 }
 
 std::uint32_t languageOrDefault(const char* localeName) noexcept {
-  const std::uint32_t language = messages::languageIdOfLocaleName(localeName);
+  const std::uint32_t language = languageIdOfLocaleName(localeName);
   return language == 0 ? kEnglishUnitedStates : language;
 }
 

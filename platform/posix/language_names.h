@@ -1,10 +1,11 @@
-// Windows language numbers of POSIX locale names. Which locale is in force is the platform
-// layer's business.
-#pragma once
+// Windows language numbers of POSIX locale names. Which locale is in force is
+// languages.cpp's business.
+#ifndef PLATFORM_POSIX_LANGUAGE_NAMES_H_
+#define PLATFORM_POSIX_LANGUAGE_NAMES_H_
 
 #include <cstdint>
 
-namespace vel::messages {
+namespace vel::platform {
 
 /// The Windows language number (LANGID) of a locale name such as "de_DE.UTF-8", "pt-BR" or "de";
 /// letter case and whatever follows a "." or "@" do not matter. A language without a territory,
@@ -12,4 +13,6 @@ namespace vel::messages {
 /// "C", "POSIX" and unknown languages.
 std::uint32_t languageIdOfLocaleName(const char* localeName) noexcept;
 
-}  // namespace vel::messages
+}  // namespace vel::platform
+
+#endif

@@ -1,4 +1,4 @@
-#include "messages/language_names.h"
+#include "platform/posix/language_names.h"
 
 #include <gtest/gtest.h>
 
@@ -43,7 +43,7 @@ TEST(LanguageNames, LocaleNamesGiveLanguageNumbers) {
       {"de_AT_x", 0x407},
   };
   for (const Row& row : rows) {
-    EXPECT_EQ(vel::messages::languageIdOfLocaleName(row.locale), row.language)
+    EXPECT_EQ(vel::platform::languageIdOfLocaleName(row.locale), row.language)
         << (row.locale == nullptr ? "null" : row.locale);
   }
 }

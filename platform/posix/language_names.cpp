@@ -1,11 +1,11 @@
 // The table of locale names and the search in it.
 
-#include "messages/language_names.h"
+#include "platform/posix/language_names.h"
 
 #include <algorithm>
 #include <string_view>
 
-namespace vel::messages {
+namespace vel::platform {
 namespace {
 
 struct LocaleRow {
@@ -233,4 +233,4 @@ std::uint32_t languageIdOfLocaleName(const char* localeName) noexcept {
   return exact != 0 ? exact : languageOf(name.substr(0, name.find_first_of("_-")));
 }
 
-}  // namespace vel::messages
+}  // namespace vel::platform
