@@ -1,0 +1,208 @@
+// The cursors over a command line.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "vel_include/vel_consoleui.h"
+
+namespace {
+
+/// A command line from one text; program "tool".
+class CommandLine {
+ public:
+  explicit CommandLine(const std::string& text, const char* program = "tool") : words_{program} {
+    std::istringstream stream(text);
+    for (std::string word; stream >> word;) words_.push_back(word);
+    for (const std::string& word : words_) pointers_.push_back(word.c_str());
+    pointers_.push_back(nullptr);
+  }
+
+  int count() const { return static_cast<int>(words_.size()); }
+  const char* const* arguments() const { return pointers_.data(); }
+
+ private:
+  std::vector<std::string> words_;
+  std::vector<const char*> pointers_;
+};
+
+std::string walkForward(VelClBiDirCursorABase& cursor, const VelClArgvCursor& argument) {
+  std::string walk;
+  for (bool more = cursor.setToFirst(); more; more = cursor.setToNext())
+    walk += (walk.empty() ? "" : " ") + std::string(argument.getAsCString());
+  EXPECT_FALSE(cursor.isValid());
+  return walk;
+}
+
+std::string walkBackward(VelClBiDirCursorABase& cursor, const VelClArgvCursor& argument) {
+  std::string walk;
+  for (bool more = cursor.setToLast(); more; more = cursor.setToPrevious())
+    walk = argument.getAsCString() + (walk.empty() ? "" : " " + walk);
+  EXPECT_FALSE(cursor.isValid());
+  return walk;
+}
+
+TEST(ArgvCursor, WalksBothWaysAndNeverVisitsTheProgram) {
+  for (const char* text : {"", "a", "-a b -5 - --"}) {
+    const CommandLine line(text);
+    VelClArgvCursor cursor(line.count(), line.arguments());
+    EXPECT_EQ(cursor.isValid(), *text != '\0');
+    EXPECT_EQ(walkForward(cursor, cursor), text);
+    EXPECT_EQ(walkBackward(cursor, cursor), text);
+    EXPECT_STREQ(cursor.getArgv0(), "tool");
+  }
+}
+
+TEST(ArgvCursor, AnswersOutsideOfTheLine) {
+  const CommandLine line("-a b");
+  const CommandLine none("");
+  VelClArgvCheckCursor behind(line.count(), line.arguments(), "(-a <b>) <c>");
+  while (behind.setToNext()) continue;
+  VelClArgvCheckCursor before(line.count(), line.arguments(), "(-a <b>) <c>");
+  before.setToPrevious();
+  VelClArgvCheckCursor farBefore(before);
+  for (int i = 0; i < 5; ++i) farBefore.setToPrevious();
+  const VelClArgvCheckCursor empty(none.count(), none.arguments(), "<a>");
+  const VelClArgvCheckCursor nothing(0, nullptr, nullptr);
+  const VelClArgvCheckCursor negative(-1, none.arguments(), nullptr);
+  EXPECT_STREQ(nothing.getArgv0(), "");
+  for (const VelClArgvCheckCursor& cursor : {behind, before, farBefore, empty, nothing, negative}) {
+    EXPECT_FALSE(cursor.isValid());
+    EXPECT_STREQ(cursor.getAsCString(), "");
+    EXPECT_FALSE(cursor.isSwitch() || cursor.isArg() || cursor.matches("") || cursor.matches("a") ||
+                 cursor.isLegal() || cursor.reqArg() || cursor.hasArg() || cursor.isBound() ||
+                 cursor.isFree() || cursor.isTagged());
+  }
+}
+
+TEST(ArgvCursor, FindsSwitchesByTheirWholeName) {
+  struct Row {
+    const char* line;
+    const char* name;
+    const char* behind;  ///< the argument behind the one found, or null
+  };
+  const Row rows[] = {
+      {"verbose -verbose x -verbose y", "verbose", "x"},
+      {"verbose -verbose x -verbose y", "-verbose", "x"},
+      {"verbose", "verbose", nullptr},
+      {"-verbose", "verb", nullptr},
+      {"-verb", "verbose", nullptr},
+      {"-Verbose", "verbose", nullptr},
+      {"-a=1 -a:1 /a", "a", nullptr},
+      {"-5 x", "-5", nullptr},
+      {"-5 x", "5", nullptr},
+      {"--5 x", "-5", "x"},
+      {"--a x", "--a", "x"},
+      {"- x", "-", "x"},
+      {"- x", "", "x"},
+      {"", "a", nullptr},
+  };
+  for (const Row& row : rows) {
+    const CommandLine line(row.line);
+    VelClArgvCursor cursor(line.count(), line.arguments());
+    cursor.setToLast();  // where it stood before does not matter
+    EXPECT_EQ(cursor.positionTo(row.name), row.behind != nullptr) << row.line << " for " << row.name;
+    EXPECT_EQ(cursor.isValid(), row.behind != nullptr) << row.line << " for " << row.name;
+    if (row.behind == nullptr) continue;
+    EXPECT_TRUE(cursor.matches(row.name));
+    cursor.setToNext();
+    EXPECT_STREQ(cursor.getAsCString(), row.behind) << row.line << " for " << row.name;
+  }
+}
+
+TEST(ArgvCursor, CopiesStandWhereTheirSourceStood) {
+  const CommandLine line("a b c");
+  const CommandLine other("x");
+  VelClArgvFreeCursor cursor(line.count(), line.arguments(), "<w>");
+  cursor.setToNext();
+  VelClArgvFreeCursor copy(cursor);
+  VelClArgvFreeCursor assigned(other.count(), other.arguments(), "");
+  assigned = cursor;
+  cursor.setToNext();
+  EXPECT_STREQ(copy.getAsCString(), "b");
+  EXPECT_STREQ(assigned.getAsCString(), "b");
+  EXPECT_TRUE(assigned.isLegal());
+  EXPECT_TRUE(assigned.setToNext());
+}
+
+/// What the check cursor says of each argument: s switch, l legal, r takes a value, h has one, b bound,
+/// f free, t tagged.
+std::string questionsAnswered(const CommandLine& line, const char* usage) {
+  std::string answers;
+  VelClArgvCheckCursor cursor(line.count(), line.arguments(), usage);
+  for (bool more = cursor.setToFirst(); more; more = cursor.setToNext()) {
+    if (!answers.empty()) answers += ' ';
+    EXPECT_NE(cursor.isSwitch(), cursor.isArg());
+    if (cursor.isSwitch()) answers += 's';
+    if (cursor.isLegal()) answers += 'l';
+    if (cursor.reqArg()) answers += 'r';
+    if (cursor.hasArg()) answers += 'h';
+    if (cursor.isBound()) answers += 'b';
+    if (cursor.isFree()) answers += 'f';
+    if (cursor.isTagged()) answers += 't';
+  }
+  return answers;
+}
+
+TEST(ArgvCheckCursor, JudgesArgumentsByTheUsage) {
+  struct Row {
+    const char* usage;
+    const char* line;
+    const char* answers;
+    const char* program = "tool";
+  };
+  const Row rows[] = {
+      {"(-key <key>) [-verbose]", "-key abc -verbose xyz", "slrh lb slh f"},
+      {"(-key <key>) [-verbose]", "-keys -k -KEY", "s s s"},
+      {"(-key <key>) [-verbose]", "-key -verbose", "slr sl"},
+      {"(-key <key>) [-verbose]", "-key", "slr"},
+      {"(-key <key>) [-verbose]", "-key a b", "slrh lb f"},
+      {"(-key <key>)", "abc", "f", "-key"},  // the program's name binds nothing
+      {"(-n <n>)", "-n -5 -5", "slrh lb f"},
+      {"<n>", "-5 x -", "lf lf s"},
+      {"", "x -x", "f s"},
+      {nullptr, "x -x", "f s"},
+      {"(-f <n> ...)", "-f a b", "slrh lb f"},  // one value is bound, however many the usage admits
+      {"(-f <n> ...) ...", "-f a b", "slrh lb lf"},
+      {"[-a] /x", "b", "lf"},
+      {"[-5]", "b", "lf"},
+      {"(<a>)", "b", "f"},
+      {"(-a <v>) [-a]", "-a x", "slrh lb"},  // the first of two elements decides
+      {"[-a] (-a <v>)", "-a x", "slh f"},
+      {"[-a\n]", "-a", "s"},
+      {"\"-a <b>\"", "-a b", "sh f"},
+      {"[-a] !(-x <y>) [-z]\n[-b]", "-a -x v -z -b", "sl slrht lb slt sl"},
+      {"<w> !word\n other", "word other", "lf lf"},
+      {"! word \n other", "word other wor", "lft lf lf"},
+      {"!-5 <n>", "-5", "lft"},
+  };
+  for (const Row& row : rows)
+    EXPECT_EQ(questionsAnswered(CommandLine(row.line, row.program), row.usage), row.answers)
+        << row.line << " under " << (row.usage != nullptr ? row.usage : "null");
+}
+
+TEST(ArgvFreeCursor, VisitsFreeArgumentsOnly) {
+  struct Row {
+    const char* usage;
+    const char* line;
+    const char* visited;
+  };
+  const Row rows[] = {
+      {"(-key <key>) [-verbose]", "-key abc -verbose xyz", "xyz"},
+      {"(-key <key>) <w>", "a -key b c -5 -key d", "a c -5"},
+      {"(-key <key>)", "-key a -key b", ""},
+      {"(-key <key>)", "-key", ""},
+      {"<w>", "", ""},
+      {"<w>", "a b", "a b"},
+      {"", "-x a", "a"},
+  };
+  for (const Row& row : rows) {
+    const CommandLine line(row.line);
+    VelClArgvFreeCursor cursor(line.count(), line.arguments(), row.usage);
+    EXPECT_EQ(walkForward(cursor, cursor), row.visited) << row.line;
+    EXPECT_EQ(walkBackward(cursor, cursor), row.visited) << row.line;
+  }
+}
+
+}  // namespace
