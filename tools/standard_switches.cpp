@@ -1,0 +1,39 @@
+// --help and --version, in the manner of other systems' tools: on standard output, with exit code 0.
+#include "tools/standard_switches.h"
+
+#include <cstring>
+#include <iostream>
+
+#include "consoleui/usage_writer.h"
+#include "vel_include/vel_helpers.h"
+
+namespace vel::tools {
+namespace {
+
+void writeHelp(const ToolTexts& texts) {
+  constexpr const char* kHeading = "Usage: ";
+  std::cout << texts.name << " - " << texts.title << "\n\n" << kHeading << texts.name << ' ';
+  consoleui::writeText(std::cout, texts.usage, consoleui::TextKind::Usage,
+                       std::strlen(kHeading) + std::strlen(texts.name) + 1);
+  std::cout << "\n\n";
+  consoleui::writeText(std::cout, texts.help, consoleui::TextKind::Help, 0);
+  std::cout << std::endl;
+}
+
+}  // namespace
+
+bool answerStandardSwitches(int argc, const char* const* argv, const ToolTexts& texts) {
+  for (int i = 1; i < argc; ++i) {
+    if (std::strcmp(argv[i], "--version") == 0) {
+      std::cout << texts.name << ' ' << velLibraryGetLevel() << std::endl;
+      return true;
+    }
+    if (std::strcmp(argv[i], "--help") == 0) {
+      writeHelp(texts);
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace vel::tools

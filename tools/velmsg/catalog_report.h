@@ -1,0 +1,25 @@
+// What velmsg finds out about catalogs.
+#ifndef TOOLS_VELMSG_CATALOG_REPORT_H_
+#define TOOLS_VELMSG_CATALOG_REPORT_H_
+
+#include <iosfwd>
+
+#include "vel_include/vel_messages.h"
+
+namespace vel::velmsg {
+
+/// One line a message: id, language number, text on one line. `language` 0 lists all languages. False when
+/// there is nothing to list.
+bool listMessages(std::ostream& stream, const VelClMessageCatalog& catalog, unsigned long language);
+
+/// One line a language: its number and its number of messages.
+bool listLanguages(std::ostream& stream, const VelClMessageCatalog& catalog);
+
+/// One line a difference: "<" id only in the first, ">" id only in the second, "!" id with different
+/// inserts and what these are. True when there is none.
+bool listDifferences(std::ostream& stream, const VelClMessageCatalog& first,
+                     const VelClMessageCatalog& second);
+
+}  // namespace vel::velmsg
+
+#endif

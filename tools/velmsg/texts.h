@@ -1,0 +1,61 @@
+// What velmsg says, as a string table: ids are the indexes.
+#ifndef TOOLS_VELMSG_TEXTS_H_
+#define TOOLS_VELMSG_TEXTS_H_
+
+#include <iterator>
+
+namespace vel::velmsg {
+
+enum TextId : unsigned long {
+  kTitle = 2,
+  kDescription,
+  kUsage,
+  kHelp,
+  kCatalogNotLoaded,
+  kNumberExpected,
+  kUnknownNumber,
+  kStrayArgument,
+  kOneTask,
+  kOneSource,
+  kNoSource,
+  kTextEnd
+};
+
+inline constexpr const char* kTexts[] = {
+    "[VEL_MSGTAB_SIGNATURE] 13",
+    "[VELMSG]",
+    "Message catalog inspector",
+    "shows what a message catalog holds",
+    "[(-cat <file>)] [-builtin]\n"
+    "[-list] [(-lang <number>)] [-langs]\n"
+    "[(-id <id>) [(-var <text>) [<text> ...]]]\n"
+    "[(-diff <file>)] [(-error <number>)]",
+    "-cat <file>      message catalog; its extension is replaced by .DLL\n"
+    "-builtin         the library's built-in messages instead of a catalog\n"
+    "-list            every message: id, language number, text\n"
+    "-lang <number>   list this language only, for example 1031\n"
+    "-langs           the catalog's languages: language number, number of messages\n"
+    "-id <id>         one message in the user's language\n"
+    "-var <text> ...  its variables, up to ten; missing ones show as ???\n"
+    "-diff <file>     compare with a second catalog: ids that are only in the first (<)\n"
+    "                 or in the second (>), and ids whose inserts differ (!)\n"
+    "-error <number>  the names of an error number, and of the platform's error code\n"
+    "@\n"
+    "Data goes to standard output, everything else to standard error. Columns are\n"
+    "separated by tabs; in listed texts \\n, \\t and \\\\ stand for line break, tab and\n"
+    "back-slash. Listings of Unicode catalogs are in UTF-8 on every system.\n"
+    "Exit codes: 0 success, 1 not found or different, 2 catalog not loaded,\n"
+    "201 to 204 faults of the command line.",
+    "The message catalog could not be loaded",
+    "A number is expected",
+    "No name is known for this number",
+    "This argument belongs to no switch",
+    "Exactly one of -list, -langs, -id, -diff and -error must be given",
+    "Only one of -cat and -builtin can be given",
+    "A message catalog is needed: -cat or -builtin",
+};
+static_assert(std::size(kTexts) == kTextEnd);
+
+}  // namespace vel::velmsg
+
+#endif

@@ -1,0 +1,163 @@
+// velmsg: shows what a message catalog holds.
+#include <iostream>
+#include <memory>
+#include <vector>
+
+#include "tools/standard_switches.h"
+#include "tools/velmsg/catalog_report.h"
+#include "tools/velmsg/error_names.h"
+#include "tools/velmsg/texts.h"
+#include "vel_include/vel_consoleui.h"
+#include "vel_include/vel_filesys.h"
+
+namespace {
+
+using namespace vel::velmsg;
+
+constexpr int kExitNotFound = 1;
+constexpr int kExitNoCatalog = 2;
+constexpr int kStandardOutput = 1;
+
+/// The console user interface with the tool's own texts.
+class Tool : public VelClConsoleUI {
+ public:
+  Tool(int argc, const char* const* argv) : VelClConsoleUI(argc, argv), texts_(kTexts, kTextEnd) {}
+
+  const VelClMessageCatalog& getMessageCatalog() const override { return texts_; }
+  void run();
+
+ private:
+  using Catalog = std::unique_ptr<VelClMessageCatalog>;
+
+  [[noreturn]] void refuse(TextId text, const char* argument = nullptr) const;
+  [[noreturn]] void end(TextId text, const char* argument, int exitCode) const;
+  std::vector<const char*> takeVariables() const;
+  void checkTasks() const;
+  Catalog openSource() const;
+  Catalog open(const char* file) const;
+  bool runTask(const VelClMessageCatalog& catalog) const;
+  bool showMessage(const VelClMessageCatalog& catalog, unsigned long id) const;
+  void showErrorNames(const char* number) const;
+
+  VelClMessageCatalog texts_;
+};
+
+/// A command line that the usage string alone cannot refuse.
+void Tool::refuse(TextId text, const char* argument) const {
+  error(std::cerr, VelClMessage(texts_, text).getAsCString(), argument);
+  displayUsage(true);
+  processExit(CONUI_USAGE);
+}
+
+void Tool::end(TextId text, const char* argument, int exitCode) const {
+  std::cout.flush();
+  fatal(exitCode, VelClMessage(texts_, text).getAsCString(), argument);
+}
+
+void Tool::run() {
+  setOutputStream(std::cerr);
+  init(kTitle, kDescription, nullptr, nullptr);
+  handleUsageHelp(kUsage, kHelp);
+  checkTasks();
+  const char* number = nullptr;
+  if (hasArgString("error", number)) {
+    showErrorNames(number);
+    return;
+  }
+  if (!runTask(*openSource())) {
+    std::cout.flush();
+    processExit(kExitNotFound);
+  }
+}
+
+void Tool::checkTasks() const {
+  int tasks = 0;
+  for (const char* task : {"list", "langs", "id", "diff", "error"}) tasks += hasArgSwitch(task) ? 1 : 0;
+  if (tasks != 1) refuse(kOneTask);
+  takeVariables();
+}
+
+/// The texts behind -var; a free argument anywhere else belongs to no switch.
+std::vector<const char*> Tool::takeVariables() const {
+  std::vector<const char*> variables;
+  bool open = false;
+  VelClArgvCheckCursor argument(*this);
+  for (bool more = argument.setToFirst(); more; more = argument.setToNext()) {
+    if (argument.isSwitch())
+      open = argument.matches("var");
+    else if (open)
+      variables.push_back(argument.getAsCString());
+    else if (argument.isFree())
+      refuse(kStrayArgument, argument.getAsCString());
+  }
+  if (variables.size() > VEL_MAX_MESSAGE_VARIABLES)
+    refuse(kStrayArgument, variables[VEL_MAX_MESSAGE_VARIABLES]);
+  variables.resize(VEL_MAX_MESSAGE_VARIABLES);
+  return variables;
+}
+
+Tool::Catalog Tool::openSource() const {
+  const char* file = nullptr;
+  const bool hasFile = hasArgString("cat", file);
+  const bool builtIn = hasArgSwitch("builtin");
+  if (hasFile && builtIn) refuse(kOneSource);
+  if (!hasFile && !builtIn) refuse(kNoSource);
+  if (hasFile) return open(file);
+  unsigned long size = 0;
+  const char* const* table = velMsgCatGetBuiltInTable(&size);
+  return std::make_unique<VelClMessageCatalog>(table, size);
+}
+
+Tool::Catalog Tool::open(const char* file) const {
+  auto catalog = std::make_unique<VelClMessageCatalog>(VelClFilename(file));
+  if (!catalog->isValid()) end(kCatalogNotLoaded, catalog->getAsCString(), kExitNoCatalog);
+  return catalog;
+}
+
+/// False when what was asked for is not there, or catalogs differ.
+bool Tool::runTask(const VelClMessageCatalog& catalog) const {
+  const char* file = nullptr;
+  int number = 0;
+  if (hasArgSwitch("list")) {
+    hasArgNumval("lang", number);
+    return listMessages(std::cout, catalog, static_cast<unsigned long>(number));
+  }
+  if (hasArgSwitch("langs")) return listLanguages(std::cout, catalog);
+  if (hasArgString("diff", file)) return listDifferences(std::cout, catalog, *open(file));
+  reqArgNumval("id", number);
+  return showMessage(catalog, static_cast<unsigned int>(number));
+}
+
+bool Tool::showMessage(const VelClMessageCatalog& catalog, unsigned long id) const {
+  const VelClMessage message(catalog, id, takeVariables().data());
+  const bool found = VelClMessageCatalog::isValidMessageId(id) && message.isValid();
+  if (found)
+    std::cout << message << '\n';
+  else
+    error(std::cerr, message.getAsCString());
+  return found;
+}
+
+void Tool::showErrorNames(const char* text) const {
+  std::uint32_t number = 0;
+  if (!parseErrorNumber(text, number)) end(kNumberExpected, text, CONUI_ARG_VALUE_TYPE_MISMATCH);
+  if (!listErrorNames(std::cout, number)) end(kUnknownNumber, text, kExitNotFound);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  velFileSetBinaryMode(kStandardOutput, true);
+  if (vel::tools::answerStandardSwitches(argc, argv,
+                                         {"velmsg", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]}))
+    return 0;
+  Tool tool(argc, argv);
+  try {
+    tool.run();
+  } catch (const VelClException& exception) {
+    tool.exception(exception, kTexts[kTitle]);
+    tool.processExit(CONUI_USAGE);
+  }
+  std::cout.flush();
+  return std::cout.good() ? 0 : 1;
+}
