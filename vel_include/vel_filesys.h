@@ -86,9 +86,9 @@ class VEL_API VelClPathProperty {
   VelEnPathStyle style_;
 };
 
-/// A file name of at most 260 characters in a buffer of its own, split into directory, base name and
-/// extension. Comparisons follow the style of the object that is asked: in the back-slash
-/// style ASCII letter case does not count.
+/// A file name of at most 260 characters (the rest is cut) in a buffer of its own, split into directory, base
+/// name and extension. Comparisons follow the style of the object that is asked: in the back-slash style
+/// ASCII letter case does not count.
 class VEL_API VelClFilenameABase : public VelClPathProperty {
  public:
   VelClFilenameABase(const VelClFilenameABase& other);
@@ -149,7 +149,8 @@ class VEL_API VelClFilenameABase : public VelClPathProperty {
   uint64_t length_;
 };
 
-/// A file name that can be changed.
+/// A file name that can be changed. Texts may be part of the name itself, null counts as "", and
+/// whatever exceeds 260 characters is cut.
 class VEL_API VelClFilename : public VelClFilenameABase {
  public:
   /// The empty name.
@@ -171,16 +172,18 @@ class VEL_API VelClFilename : public VelClFilenameABase {
   /// Keep the directory; setNewBaseName keeps the extension too.
   void setNewName(const char* name);
   void setNewBaseName(const char* base);
-  /// With or without its dot; "" removes the extension.
+  /// With or without its dot; "" removes the extension. Of "tar.gz" both dots belong to the extension,
+  /// until the name is split anew.
   void setNewExtension(const char* extension);
   /// Keep base name and extension.
   void setNewPath(const char* path);
   void setNewPath(const VelClLocation& location);
-  /// Leaves the base name with extension.
+  /// Leaves the base name with extension, and keeps the style.
   void removePath();
 };
 
-/// A directory's name of at most 260 characters. It ends with a separator unless it is empty.
+/// A directory's name. It ends with a separator unless it is empty, and has at most 260 characters
+/// with it; longer texts are cut.
 class VEL_API VelClLocation : public VelClPathProperty {
  public:
   /// `normalize` turns "/" into "\\" behind the server part.
@@ -236,7 +239,8 @@ class VEL_API VelClFileABase {
   /// buffer of 261 characters. `path` is in the back-slash style and ends with "\\"; text behind
   /// the last "\\" is dropped. Any component that ends in ".." goes one level up, any other that
   /// ends in "." is left out. False, with "" in the buffer, when ".." leads above the root (or above
-  /// the drive or share), or the result is too long.
+  /// the drive or share), or the result is too long. The drive of "C:dir\\" is taken for a part of
+  /// the component.
   static bool expandRelativePath(char* path);
 
  protected:
@@ -296,8 +300,9 @@ class VEL_API VelClFile : public VelClFileABase {
   bool renameAs(const VelClFilenameABase& newName);
 
  protected:
-  /// Looks for `file` as it is, then in each directory of the ";"-separated variable. On failure the
-  /// name is left in the last directory tried.
+  /// Looks for `file` as it is, then under its last component in each directory of the ";"-separated
+  /// variable; a directory that leaves no room for it is passed over. On failure the name is left in
+  /// the last directory tried.
   bool determineFileInEnvVarPath(VelClFilename& file, const char* variableName) const;
 
  private:

@@ -7,8 +7,8 @@
 #include "vel_export.h"
 
 /// Whether the whole of `text` matches `pattern`, in which "*" stands for any run of bytes, also none,
-/// and "?" for exactly one byte. There is no escape character. Without `caseSensitive` bytes are
-/// compared by their toupper values in the process's locale. Takes time in proportion to the
+/// and "?" for exactly one byte. Null counts as "". There is no escape character. Without `caseSensitive`
+/// bytes are compared by their toupper values in the process's locale. Takes time in proportion to the
 /// product of both lengths at the worst.
 VEL_C_API bool velMatchesWildcardPattern(const char* pattern, const char* text, bool caseSensitive);
 

@@ -15,10 +15,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
+std::string pathVariable() {
+  const char* const value = std::getenv("PATH");
+  return value == nullptr ? "" : value;
+}
+
 /// A current directory and a search path of two directories.
 class CatalogSearch : public testing::Test {
  protected:
-  CatalogSearch() : directory_(fs::current_path()), path_(std::getenv("PATH")) {
+  CatalogSearch() : directory_(fs::current_path()), path_(pathVariable()) {
     fs::create_directory(scratch_.path("here"));
     fs::current_path(scratch_.path("here"));
     setenv("PATH", ("/nowhere::" + scratch_.path("first") + ":" + scratch_.path("second")).c_str(), 1);

@@ -50,6 +50,7 @@ class Descriptor {
 };
 
 SystemError statusOfRegularFile(const Descriptor& file, struct stat& status) noexcept {
+  status = {};
   if (!file.isOpen() || fstat(file.get(), &status) != 0) return errno;
   if (S_ISDIR(status.st_mode)) return EISDIR;
   return S_ISREG(status.st_mode) ? 0 : EINVAL;

@@ -11,10 +11,9 @@ int main(int argumentCount, char** arguments) {
   std::fflush(stdout);
   const char* const end = argumentCount > 1 ? arguments[1] : "";
   if (std::strcmp(end, "abort") == 0) std::abort();
-  if (std::strcmp(end, "flood") == 0)
-    for (int line = 0; line < 20000; ++line) {
-      std::fprintf(stderr, "%9d", line);
-      std::printf("%9d", line);
-    }
+  for (int line = 0; std::strcmp(end, "flood") == 0 && line < 20000; ++line) {
+    std::fprintf(stderr, "%9d", line);
+    std::printf("%9d", line);
+  }
   return std::atoi(end);  // NOLINT(cert-err34-c): texts are 0
 }

@@ -17,7 +17,7 @@ fs::path makeDirectory() {
   std::random_device random;
   const fs::path base = fs::temp_directory_path();
   for (int attempt = 0; attempt < 100; ++attempt) {
-    const fs::path candidate = base / ("veltest" + std::to_string(random()));
+    fs::path candidate = base / ("veltest" + std::to_string(random()));
     if (fs::create_directory(candidate)) return candidate;
   }
   throw std::runtime_error("no scratch directory in " + base.string());
@@ -45,7 +45,7 @@ ScratchDirectory::~ScratchDirectory() {
 }
 
 std::string ScratchDirectory::write(const std::string& entry, const std::string& bytes) const {
-  const std::string name = path(entry);
+  std::string name = path(entry);
   fs::create_directories(fs::path(name).parent_path());
   std::ofstream file(name, std::ios::binary);
   file << bytes;
