@@ -1,5 +1,6 @@
 // Reads switches and their values from the command line.
 #include <cstdint>
+#include <iostream>
 #include <optional>
 
 #include "consoleui/console_ui_internal.h"
@@ -35,8 +36,11 @@ class SwitchText {
 
 }  // namespace
 
+/// On standard error, also when the tool's own messages go elsewhere.
 void VelClConsoleUI::fatalArgument(int exitCode, uint32_t word, const char* switchName) const {
-  fatal(exitCode, words().number(word).getAsCString(), switchName);
+  vel::consoleui::writeMessage(std::cerr, *params_, words()[Word::FatalErrorOccurred].getAsCString(),
+                               {{words().number(word).getAsCString(), switchName}});
+  processExit(exitCode);
 }
 
 bool VelClConsoleUI::hasArgSwitch(VelClSwitchName name) const {

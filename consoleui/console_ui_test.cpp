@@ -104,6 +104,13 @@ TEST(ConsoleUI, MessagesHaveOneLayout) {
       {{"-quiets"}, action("speak"), 0, block("Informational message", "one") + kWarning + "0", kError},
       {{}, action("report"), 0, "", kException},
       {{}, action("fatal"), 7, "\a", fatal("four: last")},
+      // What the library itself finds fatal goes to standard error, wherever the error stream leads.
+      {{}, action("redirectErrors", "a"), 7, "absent untouched\n" + fatal("redirected"), ""},
+      {{"-a"},
+       action("redirectErrors", "a"),
+       203,
+       "",
+       fatal("No value specified for command line switch: a")},
   });
 }
 

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <sstream>
 #include <thread>
 
 #include "vel_include/vel_consoleui.h"
@@ -73,6 +74,15 @@ void report(VelClConsoleUI& ui) {
   ui.exception(exception, "no copy", "file");
 }
 
+/// The library writes its own fatal messages to standard error, the tool's to the error stream.
+void redirectErrors(VelClConsoleUI& ui) {
+  static std::ostringstream bells;
+  ui.setOutputStream(bells);
+  ui.getParams().setErrorStream(std::cout);
+  tellString(ui, false);
+  ui.fatal(7, "redirected");
+}
+
 void progress(VelClConsoleUI& ui, int delayMs) {
   ui.progressStart(4, "Working");
   for (int step = 0; step < 4; ++step) {
@@ -104,6 +114,7 @@ constexpr Action kActions[] = {
     {"fatal", [](VelClConsoleUI& ui) { ui.fatal(7, "four", "last"); }},
     {"exit", [](VelClConsoleUI& ui) { ui.processExit(static_cast<int>(number(variable("UI_PARAM")))); }},
     {"usageHelp", [](VelClConsoleUI& ui) { ui.displayUsageHelp("-later", "later help", false); }},
+    {"redirectErrors", redirectErrors},
     {"source", [](VelClConsoleUI& ui) { tell(ui.getMessageCatalog().isValid(), "library"); }},
     {"bool", [](VelClConsoleUI& ui) { ui.formatBool(15UL, true); }},
     {"fastProgress", [](VelClConsoleUI& ui) { progress(ui, 1); }},
