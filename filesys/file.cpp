@@ -9,6 +9,14 @@
 
 namespace platform = vel::platform;
 
+namespace {
+
+VelEnErrorClass classOfFailedRename(const VelClFilenameABase& newName) {
+  return newName.isExistent() ? VelEnErrorClass::IO_ALREADY_IN_USE : VelEnErrorClass::IO_PERMISSION_DENIED;
+}
+
+}  // namespace
+
 VelClFile::VelClFile(const VelClFilenameABase& name, const char* defaultType) : filename_(name) {
   if (defaultType != nullptr && !filename_.hasExtension()) setFileType(defaultType);
 }
@@ -105,8 +113,7 @@ bool VelClFile::remove() {
 
 bool VelClFile::renameAs(const VelClFilenameABase& newName) {
   if (platform::renameFile(getAsCString(), newName.getAsCString()) != 0)
-    return fail(FILE_COULD_NOT_RENAME, newName.isExistent() ? VelEnErrorClass::IO_ALREADY_IN_USE
-                                                            : VelEnErrorClass::IO_PERMISSION_DENIED);
+    return fail(FILE_COULD_NOT_RENAME, classOfFailedRename(newName));
   filename_ = newName;
   return succeed();
 }

@@ -26,7 +26,6 @@ bool matchesBeginning(const char* a, const char* b, std::size_t length, bool cas
   for (std::size_t i = 0; i < length; ++i) {
     const bool equal = caseSensitive ? a[i] == b[i] : vel::toAsciiUpper(a[i]) == vel::toAsciiUpper(b[i]);
     if (!equal) return false;
-    if (a[i] == '\0') return true;
   }
   return true;
 }
@@ -61,7 +60,7 @@ VelClFilenameABase::VelClFilenameABase(const char* path, const char* name, const
   init(path, name, extension);
 }
 
-VelClFilenameABase::VelClFilenameABase(const VelClFilenameABase& other) : VelClPathProperty(), name_{} {
+VelClFilenameABase::VelClFilenameABase(const VelClFilenameABase& other) : VelClPathProperty(other), name_{} {
   copyFrom(other);
 }
 

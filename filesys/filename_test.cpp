@@ -44,9 +44,10 @@ TEST(Filename, JoinsDirectoryNameAndExtension) {
   } rows[] = {{"C:\\a", "x", "txt", "C:\\a\\x.txt"}, {"C:", "x", ".txt", "C:\\x.txt"},
               {"/usr", "x", nullptr, "/usr/x"},      {"", "x", "", "x."},
               {"usr", "x.a", "b", "usr\\x.a.b"},     {nullptr, nullptr, nullptr, ""}};
-  for (const auto& row : rows)
-    EXPECT_STREQ(row.joined,
-                 VelClFilename(VelClLocation(row.path, false), row.name, row.extension).getAsCString());
+  for (const auto& row : rows) {
+    const VelClFilename name(VelClLocation(row.path, false), row.name, row.extension);
+    EXPECT_STREQ(row.joined, name.getAsCString());
+  }
 }
 
 // Whether the other is equal (=), in this directory or deeper (d), and of the same base name (b), where
@@ -108,6 +109,7 @@ TEST(Filename, ChangesParts) {
               {"a.txt", [](Name& f) { f.setNewExtension("tar.gz"); }, "||a|.tar.gz"},
               {"d\\a.txt", [](Name& f) { f.setNewName("b"); }, "|d|b|"},
               {"/d/a.txt", [](Name& f) { f.setNewBaseName("b"); }, "|/d|b|.txt"},
+              {"d\\a", [](Name& f) { f.setNewBaseName("b"); }, "|d|b|"},
               {"\\\\s\\h", [](Name& f) { f.setNewName("b"); }, "\\\\s\\h|\\\\s\\h|b|"},
               {"d\\a.txt", [](Name& f) { f.setNewPath("/x"); }, "|/x|a|.txt"},
               {"d\\a.txt", [](Name& f) { f.setNewPath(VelClLocation("", false)); }, "||a|.txt"},
@@ -129,10 +131,16 @@ TEST(Filename, ChangesParts) {
   }
 }
 
+TEST(Filename, KeepsItsStyleWithoutPath) {
+  VelClFilename name("/d/A");
+  name.removePath();
+  EXPECT_FALSE(name.hasPath() || name == VelClFilename("a"));
+}
+
 // Around the limit nothing is written beyond it, and what fits stays.
 TEST(Filename, IsCutAtTheLimit) {
   for (size_t length = kLimit - 6; length <= kLimit + 40; ++length) {
-    const std::string text = "d\\" + std::string(length - 2, 'x');
+    std::string text = "d\\" + std::string(length - 2, 'x');
     const std::string cut = text.substr(0, kLimit);
     VelClFilename name(text.c_str());
     EXPECT_EQ(cut, name.getAsCString());
@@ -142,7 +150,7 @@ TEST(Filename, IsCutAtTheLimit) {
     name.setNew(text.c_str(), "name");
     EXPECT_EQ((cut + "\\name").substr(0, kLimit), name.getAsCString());
     const VelClFilename joined(VelClLocation("d", false), text.c_str() + 2, text.c_str());
-    EXPECT_EQ((text + "." + text).substr(0, kLimit), joined.getAsCString());
+    EXPECT_EQ(text.append(".").append(text).substr(0, kLimit), joined.getAsCString());
   }
 }
 

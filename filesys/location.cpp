@@ -18,7 +18,8 @@ VelClLocation::VelClLocation(const VelClFilenameABase& file, bool normalize)
     : VelClLocation(file.getAsCString(), static_cast<size_t>(file.getName() - file.getAsCString()),
                     normalize) {}
 
-VelClLocation::VelClLocation(const VelClLocation& other) : VelClPathProperty(), directory_{}, length_(0) {
+VelClLocation::VelClLocation(const VelClLocation& other)
+    : VelClPathProperty(other), directory_{}, length_(0) {
   *this = other;
 }
 

@@ -14,28 +14,28 @@ constexpr size_t kLimit = VEL_MAX_PATH_LENGTH;
 // The separator is chosen before normalizing, which leaves a server part alone and makes none.
 TEST(Location, EndsWithItsStylesSeparator) {
   const struct {
-    const char* text;
-    bool normalize;
-    const char* location;
-    bool isRoot;
-  } rows[] = {{"", true, "", false},
-              {nullptr, false, "", false},
-              {"a", false, "a\\", false},
-              {"/", false, "/", true},
-              {"/usr", false, "/usr/", false},
-              {"C:", false, "C:\\", true},
-              {"\\", false, "\\", false},
-              {"\\\\srv\\share", false, "\\\\srv\\share\\", true},
-              {"\\\\srv\\share\\d", false, "\\\\srv\\share\\d\\", false},
-              {"a/b", true, "a\\b\\", false},
-              {"C:/a/", true, "C:\\a\\\\", false},
-              {"\\\\s/r\\h\\a/b", true, "\\\\s/r\\h\\a\\b\\", false},
-              {"//srv/share", true, "\\\\srv\\share\\", false}};
+    const char *text, *location;
+    bool normalize, isRoot;
+  } rows[] = {{"", "", true, false},
+              {nullptr, "", false, false},
+              {"a", "a\\", false, false},
+              {"/", "/", false, true},
+              {"/usr", "/usr/", false, false},
+              {"C:", "C:\\", false, true},
+              {"\\", "\\", false, false},
+              {"\\\\srv\\share", "\\\\srv\\share\\", false, true},
+              {"\\\\srv\\share\\d", "\\\\srv\\share\\d\\", false, false},
+              {"a/b", "a\\b\\", true, false},
+              {"C:/a/", "C:\\a\\\\", true, false},
+              {"\\\\s/r\\h\\a/b", "\\\\s/r\\h\\a\\b\\", true, false},
+              {"//srv/share", "\\\\srv\\share\\", true, false}};
   for (const auto& row : rows) {
     const VelClLocation location(row.text, row.normalize);
-    const VelClLocation copy(location);
+    VelClLocation copy("", false);
+    copy = location;
     EXPECT_STREQ(row.location, copy.getAsCString());
     EXPECT_EQ(std::string(row.location).size(), copy.getLength());
+    EXPECT_EQ(VelClPathProperty(row.location).getPathSep(), copy.getPathSep()) << row.location;
     EXPECT_EQ(row.isRoot, location.isRoot() && copy.isRoot()) << row.location;
     EXPECT_EQ(location.isUNC(), copy.isUNC()) << row.location;
   }

@@ -1,6 +1,5 @@
 // Texts of names under the length limit: the one owner of cutting them.
-#ifndef FILESYS_PATH_TEXT_H_
-#define FILESYS_PATH_TEXT_H_
+#pragma once
 
 #include <algorithm>
 #include <cstddef>
@@ -58,5 +57,3 @@ class PathText {
 };
 
 }  // namespace vel::filesys
-
-#endif

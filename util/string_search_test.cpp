@@ -37,9 +37,10 @@ TEST(StringSearch, FindsTheFirstOccurrenceInAllShortTexts) {
     const auto texts = vel::test::allTexts(row.textLetters, 6);
     for (const std::string& pattern : vel::test::allTexts(row.patternLetters, 4)) {
       const VelClStringSearch search(pattern.c_str(), row.ignoreCase);
-      for (const std::string& text : texts)
+      for (const std::string& text : texts) {
         ASSERT_EQ(expectedOffset(pattern, text, row.ignoreCase), offset(search, {text.begin(), text.end()}))
             << pattern << " in " << text;
+      }
     }
   }
 }

@@ -1,6 +1,5 @@
 // All short texts over a few letters: for tests that compare with a slow, obvious answer.
-#ifndef UTIL_TEST_TEXTS_H_
-#define UTIL_TEST_TEXTS_H_
+#pragma once
 
 #include <cstddef>
 #include <string>
@@ -21,5 +20,3 @@ inline std::vector<std::string> allTexts(const std::string& letters, std::size_t
 }
 
 }  // namespace vel::test
-
-#endif

@@ -23,11 +23,13 @@ bool matchesRecursively(const char* pattern, const char* text) {
 
 TEST(WildcardPattern, AgreesWithTheRecursionOnAllShortTexts) {
   const auto texts = vel::test::allTexts("ab*", 5);
-  for (const std::string& pattern : vel::test::allTexts("ab*?", 5))
-    for (const std::string& text : texts)
+  for (const std::string& pattern : vel::test::allTexts("ab*?", 5)) {
+    for (const std::string& text : texts) {
       ASSERT_EQ(matchesRecursively(pattern.c_str(), text.c_str()),
                 velMatchesWildcardPattern(pattern.c_str(), text.c_str(), true))
           << pattern << " on " << text;
+    }
+  }
 }
 
 TEST(WildcardPattern, ManyStarsTakeTimeOfTheProductOnly) {
@@ -49,10 +51,11 @@ TEST(StringMatchWildcards, GivesTheWholeTextByItsCaseRule) {
               {"\xE9?", "\xE9\xE9", false, true},
               {nullptr, "", true, true},
               {"[a]", "a", true, false}};
-  for (const auto& row : rows)
+  for (const auto& row : rows) {
     EXPECT_EQ(row.matches ? row.text : nullptr,
               VelClStringMatchWildcards(row.pattern, row.caseSensitive).getPattern(row.text))
         << row.text;
+  }
   EXPECT_TRUE(velMatchesWildcardPattern("*", nullptr, true));
 }
 
