@@ -36,13 +36,7 @@ VelClConsoleUI::VelClConsoleUI(int argc, const char* const* argv)
     : messageBase_(0),
       argc_(argv != nullptr ? argc : 0),
       argv_(argv),
-      params_(vel::create<VelClConsoleUIParams>(VelClArgvCursor(argc, argv).getArgv0())),
-      progressTotal_(0),
-      progressDone_(0),
-      progressStarted_(0),
-      progressLabel_(""),
-      progressShown_(-1),
-      progressActive_(false) {}
+      params_(vel::create<VelClConsoleUIParams>(VelClArgvCursor(argc, argv).getArgv0())) {}
 
 VelClConsoleUI::VelClConsoleUI(int argc, const char* const* argv, const VelClFilename& catalogFile,
                                unsigned long messageBase)
@@ -50,13 +44,7 @@ VelClConsoleUI::VelClConsoleUI(int argc, const char* const* argv, const VelClFil
       messageBase_(static_cast<uint32_t>(messageBase)),
       argc_(argv != nullptr ? argc : 0),
       argv_(argv),
-      params_(vel::create<VelClConsoleUIParams>(VelClArgvCursor(argc, argv).getArgv0())),
-      progressTotal_(0),
-      progressDone_(0),
-      progressStarted_(0),
-      progressLabel_(""),
-      progressShown_(-1),
-      progressActive_(false) {}
+      params_(vel::create<VelClConsoleUIParams>(VelClArgvCursor(argc, argv).getArgv0())) {}
 
 VelClConsoleUI::~VelClConsoleUI() {
   vel::destroy(params_);

@@ -1,7 +1,6 @@
 // What the files of the console user interface share: the numbers of its words in the message catalog, and
 // the writers that work on any stream.
-#ifndef CONSOLEUI_CONSOLE_UI_INTERNAL_H_
-#define CONSOLEUI_CONSOLE_UI_INTERNAL_H_
+#pragma once
 
 #include <iosfwd>
 
@@ -88,5 +87,3 @@ void writeErrorId(std::ostream& stream, const VelClConsoleUIParams& params, cons
                   std::uint32_t errorId);
 
 }  // namespace vel::consoleui
-
-#endif

@@ -1,6 +1,5 @@
 // Writes usage and help texts line by line.
-#ifndef CONSOLEUI_USAGE_WRITER_H_
-#define CONSOLEUI_USAGE_WRITER_H_
+#pragma once
 
 #include <cstddef>
 #include <iosfwd>
@@ -21,5 +20,3 @@ void writeText(std::ostream& stream, const char* text, TextKind kind, std::size_
 void writeFill(std::ostream& stream, std::size_t count, char c);
 
 }  // namespace vel::consoleui
-
-#endif

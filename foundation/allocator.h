@@ -1,7 +1,6 @@
 // The memory manager in the forms that the rest of the library allocates through: a standard
 // allocator, owning pointers, and objects made in managed memory.
-#ifndef FOUNDATION_ALLOCATOR_H_
-#define FOUNDATION_ALLOCATOR_H_
+#pragma once
 
 #include <cstddef>
 #include <cstring>
@@ -74,5 +73,3 @@ void destroy(T* object) noexcept {
 }
 
 }  // namespace vel
-
-#endif

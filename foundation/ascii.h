@@ -1,6 +1,5 @@
 // Characters and numbers of single-byte texts, independent of the locale and of the width of long.
-#ifndef FOUNDATION_ASCII_H_
-#define FOUNDATION_ASCII_H_
+#pragma once
 
 #include <cstdint>
 
@@ -35,5 +34,3 @@ std::int32_t vel_atol32(const char* text) noexcept;
 std::uint32_t vel_strtoul32(const char* text, const char** end) noexcept;
 
 }  // namespace vel
-
-#endif

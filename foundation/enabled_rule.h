@@ -1,6 +1,5 @@
 // The one rule for a setting that switches something on.
-#ifndef FOUNDATION_ENABLED_RULE_H_
-#define FOUNDATION_ENABLED_RULE_H_
+#pragma once
 
 #include "foundation/ascii.h"
 
@@ -15,5 +14,3 @@ constexpr bool isEnabledValue(const char* value) noexcept {
 }
 
 }  // namespace vel
-
-#endif

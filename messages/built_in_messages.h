@@ -1,6 +1,5 @@
 // The library's own messages in English, compiled in: they serve where its catalog is not installed.
-#ifndef MESSAGES_BUILT_IN_MESSAGES_H_
-#define MESSAGES_BUILT_IN_MESSAGES_H_
+#pragma once
 
 #include <cstdint>
 
@@ -12,5 +11,3 @@ inline constexpr std::uint32_t kBuiltInMessageCount = 221;
 const char* const* builtInMessages() noexcept;
 
 }  // namespace vel::messages
-
-#endif

@@ -1,6 +1,5 @@
 // A loaded catalog library: its file's bytes, and the messages in them.
-#ifndef MESSAGES_CATALOG_LIBRARY_H_
-#define MESSAGES_CATALOG_LIBRARY_H_
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -41,5 +40,3 @@ class CatalogLibrary {
 };
 
 }  // namespace vel::messages
-
-#endif

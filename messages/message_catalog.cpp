@@ -25,38 +25,17 @@ VelClFilename withLibraryType(const VelClFilename& name) {
 }  // namespace
 
 VelClMessageCatalog::VelClMessageCatalog()
-    : VelClFile(VelClFilename(kDefaultCatalog), kLibraryType),
-      library_(nullptr),
-      loaded_(false),
-      default_(true),
-      stringTable_(nullptr),
-      stringTableSize_(0),
-      language_(0),
-      languageFound_(0) {
+    : VelClFile(VelClFilename(kDefaultCatalog), kLibraryType), default_(true) {
   open();
 }
 
 VelClMessageCatalog::VelClMessageCatalog(const VelClFilename& name)
-    : VelClFile(withLibraryType(name), nullptr),
-      library_(nullptr),
-      loaded_(false),
-      default_(false),
-      stringTable_(nullptr),
-      stringTableSize_(0),
-      language_(0),
-      languageFound_(0) {
+    : VelClFile(withLibraryType(name), nullptr) {
   open();
 }
 
 VelClMessageCatalog::VelClMessageCatalog(const char* const* table, unsigned long size)
-    : VelClFile(VelClFilename(), nullptr),
-      library_(nullptr),
-      loaded_(false),
-      default_(false),
-      stringTable_(nullptr),
-      stringTableSize_(0),
-      language_(0),
-      languageFound_(0) {
+    : VelClFile(VelClFilename(), nullptr) {
   useStringTable(table, size);
 }
 

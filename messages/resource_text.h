@@ -1,6 +1,5 @@
 // Texts of message resources as single-byte texts.
-#ifndef MESSAGES_RESOURCE_TEXT_H_
-#define MESSAGES_RESOURCE_TEXT_H_
+#pragma once
 
 #include "foundation/allocator.h"
 #include "messages/message_resource.h"
@@ -13,5 +12,3 @@ String ansiTextOf(const MessageResource::Entry& entry);
 String utf8TextOf(const MessageResource::Entry& entry);
 
 }  // namespace vel::messages
-
-#endif

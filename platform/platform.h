@@ -5,8 +5,7 @@
 //
 // File names arrive in either style. On POSIX systems back-slash names are translated: see
 // posix/native_path.h.
-#ifndef PLATFORM_PLATFORM_H_
-#define PLATFORM_PLATFORM_H_
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -118,5 +117,3 @@ bool ansiIsUtf8() noexcept;
 std::size_t utf16ToAnsi(const char16_t* text, std::size_t length, char* out, std::size_t capacity) noexcept;
 
 }  // namespace vel::platform
-
-#endif

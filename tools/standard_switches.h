@@ -1,6 +1,5 @@
 // --help and --version, which every tool answers before it starts anything else.
-#ifndef TOOLS_STANDARD_SWITCHES_H_
-#define TOOLS_STANDARD_SWITCHES_H_
+#pragma once
 
 namespace vel::tools {
 
@@ -16,5 +15,3 @@ struct ToolTexts {
 bool answerStandardSwitches(int argc, const char* const* argv, const ToolTexts& texts);
 
 }  // namespace vel::tools
-
-#endif

@@ -433,12 +433,12 @@ class VEL_API VelClConsoleUI {
   int32_t argc_;
   const char* const* argv_;
   VelClConsoleUIParams* params_;
-  uint64_t progressTotal_;
-  uint64_t progressDone_;
-  double progressStarted_;
-  const char* progressLabel_;
-  int32_t progressShown_;  ///< percentage on the screen, -1 for none
-  bool progressActive_;
+  uint64_t progressTotal_ = 0;
+  uint64_t progressDone_ = 0;
+  double progressStarted_ = 0;
+  const char* progressLabel_ = "";
+  int32_t progressShown_ = -1;  ///< percentage on the screen, -1 for none
+  bool progressActive_ = false;
 };
 
 #endif

@@ -103,13 +103,13 @@ class VEL_API VelClMessageCatalog : public VelClFile {
   friend class VelClMessageCatalogCursor;
   void open();
   void chooseLanguage();
-  vel::messages::CatalogLibrary* library_;
-  bool loaded_;
-  bool default_;
-  const char* const* stringTable_;
-  uint32_t stringTableSize_;
-  uint32_t language_;
-  uint32_t languageFound_;
+  vel::messages::CatalogLibrary* library_ = nullptr;
+  bool loaded_ = false;
+  bool default_ = false;
+  const char* const* stringTable_ = nullptr;
+  uint32_t stringTableSize_ = 0;
+  uint32_t language_ = 0;
+  uint32_t languageFound_ = 0;
 };
 
 /// Walks every message that a catalog's library or, without one, its string table holds, by id and within

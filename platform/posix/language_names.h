@@ -1,7 +1,6 @@
 // Windows language numbers of POSIX locale names. Which locale is in force is
 // languages.cpp's business.
-#ifndef PLATFORM_POSIX_LANGUAGE_NAMES_H_
-#define PLATFORM_POSIX_LANGUAGE_NAMES_H_
+#pragma once
 
 #include <cstdint>
 
@@ -14,5 +13,3 @@ namespace vel::platform {
 std::uint32_t languageIdOfLocaleName(const char* localeName) noexcept;
 
 }  // namespace vel::platform
-
-#endif

@@ -3,8 +3,7 @@
 // at all; any other name with a "/" is in slash style and passes untouched. A back-slash name loses its
 // drive, and "\\" becomes "/". When there is no entry of exactly that name, each component
 // that does not exist as written is looked for in its directory ignoring ASCII letter case.
-#ifndef PLATFORM_POSIX_NATIVE_PATH_H_
-#define PLATFORM_POSIX_NATIVE_PATH_H_
+#pragma once
 
 #include <array>
 #include <cstddef>
@@ -41,5 +40,3 @@ bool hasDirectory(const char* name) noexcept;
 void matchSpelling(char* path) noexcept;
 
 }  // namespace vel::platform
-
-#endif

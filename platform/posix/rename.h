@@ -1,6 +1,5 @@
 // Renaming that never replaces an entry, in the two ways that the file systems know.
-#ifndef PLATFORM_POSIX_RENAME_H_
-#define PLATFORM_POSIX_RENAME_H_
+#pragma once
 
 #include "platform/platform.h"
 
@@ -14,5 +13,3 @@ SystemError renameWithoutReplacing(const char* from, const char* to) noexcept;
 SystemError renameByLink(const char* from, const char* to) noexcept;
 
 }  // namespace vel::platform
-
-#endif

@@ -1,7 +1,6 @@
 // Starts a program as a child, waits for it and keeps what it printed: for tests of exit codes,
 // abnormal ends and printed bytes.
-#ifndef PLATFORM_TEST_CHILD_PROCESS_H_
-#define PLATFORM_TEST_CHILD_PROCESS_H_
+#pragma once
 
 #include <string>
 #include <utility>
@@ -36,5 +35,3 @@ ChildResult runChild(const std::string& program, const std::vector<std::string>&
 std::string ownProgram();
 
 }  // namespace vel::test
-
-#endif

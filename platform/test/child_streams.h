@@ -1,6 +1,5 @@
 // What the child processes of every system share: the files behind their standard streams.
-#ifndef PLATFORM_TEST_CHILD_STREAMS_H_
-#define PLATFORM_TEST_CHILD_STREAMS_H_
+#pragma once
 
 #include <string>
 
@@ -34,5 +33,3 @@ std::string programPath(const std::string& program, const std::string& extension
 inline constexpr int kChildTimeLimitSeconds = 60;
 
 }  // namespace vel::test
-
-#endif

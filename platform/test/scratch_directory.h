@@ -1,6 +1,5 @@
 // A directory for one test, removed with its contents at the end.
-#ifndef PLATFORM_TEST_SCRATCH_DIRECTORY_H_
-#define PLATFORM_TEST_SCRATCH_DIRECTORY_H_
+#pragma once
 
 #include <string>
 
@@ -28,5 +27,3 @@ class ScratchDirectory {
 std::string readFile(const std::string& path);
 
 }  // namespace vel::test
-
-#endif

@@ -1,6 +1,5 @@
 // What velmsg finds out about catalogs.
-#ifndef TOOLS_VELMSG_CATALOG_REPORT_H_
-#define TOOLS_VELMSG_CATALOG_REPORT_H_
+#pragma once
 
 #include <iosfwd>
 
@@ -21,5 +20,3 @@ bool listDifferences(std::ostream& stream, const VelClMessageCatalog& first,
                      const VelClMessageCatalog& second);
 
 }  // namespace vel::velmsg
-
-#endif

@@ -1,6 +1,5 @@
 // The names that an error number has.
-#ifndef TOOLS_VELMSG_ERROR_NAMES_H_
-#define TOOLS_VELMSG_ERROR_NAMES_H_
+#pragma once
 
 #include <cstdint>
 #include <iosfwd>
@@ -16,5 +15,3 @@ bool parseErrorNumber(const char* text, std::uint32_t& number);
 bool listErrorNames(std::ostream& stream, std::uint32_t number);
 
 }  // namespace vel::velmsg
-
-#endif

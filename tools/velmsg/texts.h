@@ -1,6 +1,5 @@
 // What velmsg says, as a string table: ids are the indexes.
-#ifndef TOOLS_VELMSG_TEXTS_H_
-#define TOOLS_VELMSG_TEXTS_H_
+#pragma once
 
 #include <iterator>
 
@@ -57,5 +56,3 @@ inline constexpr const char* kTexts[] = {
 static_assert(std::size(kTexts) == kTextEnd);
 
 }  // namespace vel::velmsg
-
-#endif
