@@ -21,7 +21,7 @@ struct Allocator {
 
   Allocator() noexcept = default;
   template <typename U>
-  Allocator(const Allocator<U>&) noexcept {}  // NOLINT(google-explicit-constructor)
+  Allocator(const Allocator<U>&) noexcept {}
 
   T* allocate(std::size_t count) {
     if (count > static_cast<std::size_t>(-1) / sizeof(T)) throw std::bad_array_new_length();

@@ -115,6 +115,7 @@ void VelClMessage::store(const char* text, size_t length) {
     text_ = block.release();
     return;
   }
+  // NOLINTNEXTLINE(bugprone-not-null-terminated-result): terminated below
   std::memcpy(inline_, text, length);
   inline_[length] = '\0';
 }

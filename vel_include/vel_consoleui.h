@@ -259,9 +259,9 @@ class VEL_API VelClConsoleUIParams {
 /// number of the message that holds its name. Write numbers as `10UL`.
 class VelClSwitchName {
  public:
-  VelClSwitchName(const char* name) : name_(name), letter_('\0'), messageId_(0) {}  // NOLINT
-  VelClSwitchName(char letter) : name_(nullptr), letter_(letter), messageId_(0) {}  // NOLINT
-  VelClSwitchName(unsigned long messageId)                                          // NOLINT
+  VelClSwitchName(const char* name) : name_(name), letter_('\0'), messageId_(0) {}
+  VelClSwitchName(char letter) : name_(nullptr), letter_(letter), messageId_(0) {}
+  VelClSwitchName(unsigned long messageId)
       : name_(nullptr), letter_('\0'), messageId_(static_cast<uint32_t>(messageId)) {}
 
   const char* getName() const { return name_; }
@@ -277,9 +277,8 @@ class VelClSwitchName {
 /// The label of an aligned line: a text, or the number of a message.
 class VelClFormatLabel {
  public:
-  VelClFormatLabel(const char* text) : text_(text), messageId_(0) {}  // NOLINT
-  VelClFormatLabel(unsigned long messageId)                           // NOLINT
-      : text_(nullptr), messageId_(static_cast<uint32_t>(messageId)) {}
+  VelClFormatLabel(const char* text) : text_(text), messageId_(0) {}
+  VelClFormatLabel(unsigned long messageId) : text_(nullptr), messageId_(static_cast<uint32_t>(messageId)) {}
 
   /// Null for a label by number.
   const char* getText() const { return text_; }

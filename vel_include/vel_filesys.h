@@ -156,8 +156,8 @@ class VEL_API VelClFilename : public VelClFilenameABase {
   /// The empty name.
   VelClFilename();
   // Not explicit: a text stands for a file name wherever one is asked for.
-  VelClFilename(const char* text);                 // NOLINT(google-explicit-constructor)
-  VelClFilename(const VelClFilenameABase& other);  // NOLINT(google-explicit-constructor)
+  VelClFilename(const char* text);
+  VelClFilename(const VelClFilenameABase& other);
   /// Joins a directory, a name and, unless null, an extension. An extension of "" leaves a dot at
   /// the end.
   VelClFilename(const VelClLocation& location, const char* name, const char* extension);
