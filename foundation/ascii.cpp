@@ -20,9 +20,10 @@ Decimal readDecimal(const char* text) noexcept {
   text += std::strspn(text, " \t\n\v\f\r");
   Decimal number{*text == '-', 0, nullptr};
   if (*text == '-' || *text == '+') ++text;
-  for (; isAsciiDigit(*text); number.end = ++text)
-    number.magnitude =
-        std::min(number.magnitude * 10 + static_cast<std::uint64_t>(*text - '0'), kBeyond32Bits);
+  for (; isAsciiDigit(*text); number.end = ++text) {
+    const auto digit = static_cast<std::uint64_t>(*text - '0');
+    number.magnitude = std::min(number.magnitude * 10 + digit, kBeyond32Bits);
+  }
   return number;
 }
 

@@ -47,7 +47,7 @@ TEST(Files, StatusOfAFile) {
   fs::last_write_time(name, fs::last_write_time(name) - std::chrono::hours(1000));
   EntryStatus older{};
   ASSERT_TRUE(statusOf(name.c_str(), older));
-  EXPECT_LE(std::abs(status.modified - std::int64_t{3600 * 1000} - older.modified), 2);
+  EXPECT_LE(std::abs(status.modified - std::int64_t{3600} * 1000 - older.modified), 2);
 }
 
 TEST(Files, ReadOnlyIsAnAttributeThatComesAndGoes) {
