@@ -1,0 +1,236 @@
+// Messages, their texts' memory, and the plain catalog functions.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <sstream>
+#include <string>
+
+#include "vel_include/vel_messages.h"
+
+namespace {
+
+constexpr const char* kAlphabet[10] = {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"};
+
+constexpr const char* kTable[] = {"[VEL_MSGTAB_SIGNATURE] 6", "[TABLE]", "<%1>", "plain", "%1%1", nullptr};
+constexpr const char* kOtherTable[] = {"", "[OTHER]", "{%1}", "other"};
+
+class Message : public testing::Test {
+ protected:
+  const VelClMessageCatalog catalog_{kTable, std::size(kTable)};
+  const VelClMessageCatalog other_{kOtherTable, std::size(kOtherTable)};
+  const std::string longText_ = std::string(100, 'x');
+};
+
+TEST_F(Message, SubstitutesItsVariables) {
+  unsigned long size = 0;
+  const char* const* table = velMsgCatGetBuiltInTable(&size);
+  const VelClMessageCatalog catalog(table, size);
+  const char* const whole =
+      "Percent:% Arg1:a Arg2:b Arg3:c Arg4:d Arg5:e Arg6:f Arg7:g Arg8:h Arg9:i Arg10:j";
+  const char* const partial =
+      "Percent:% Arg1:a Arg2:??? Arg3:c Arg4:??? Arg5:??? Arg6:??? Arg7:??? Arg8:??? Arg9:??? Arg10:???";
+  const char* const none =
+      "Percent:% Arg1:??? Arg2:??? Arg3:??? Arg4:??? Arg5:??? Arg6:??? Arg7:??? Arg8:??? Arg9:??? Arg10:???";
+  EXPECT_STREQ(VelClMessage(catalog, 2, kAlphabet).getAsCString(), whole);
+  EXPECT_STREQ(VelClMessage(catalog, 2, "a", "b", "c", "d", "e", "f", "g", "h", "i", "j").getAsCString(),
+               whole);
+  EXPECT_STREQ(VelClMessage(catalog, 2, "a", nullptr, "c").getAsCString(), partial);
+  VelClMessage message(catalog, 2);
+  EXPECT_STREQ(message.getAsCString(), none);
+  EXPECT_STREQ(message.setNewMessageId(2, "a", nullptr, "c"), partial);
+  EXPECT_STREQ(message.setNewMessageId(2), none);
+  std::ostringstream stream;
+  stream << VelClMessage(catalog_, 2, "%1 %2");
+  EXPECT_EQ(stream.str(), "<%1 %2>");
+}
+
+TEST_F(Message, KeepsUpTo80CharactersInside) {
+  VelClMessage message(catalog_, 3);
+  // "%1%1" doubles, "<%1>" adds two; each length follows a shorter and a longer one.
+  for (const std::size_t length : {79U, 80U, 81U, 80U, 82U, 4096U, 79U, 81U, 100U}) {
+    const std::string inner(length - 2, 'x');
+    EXPECT_EQ(message.setNewMessageId(2, inner.c_str()), "<" + inner + ">");
+    EXPECT_EQ(message.hasAllocatedMemory(), length > 80) << length;
+    EXPECT_EQ(VelClMessage(catalog_, 2, inner.c_str()).hasAllocatedMemory(), length > 80) << length;
+  }
+}
+
+TEST_F(Message, IsCutAt4096Characters) {
+  const std::string variable(2100, 'v');
+  EXPECT_EQ(VelClMessage(catalog_, 4, variable.c_str()).getAsCString(), std::string(4096, 'v'));
+  const std::string text(5000, 't');
+  const char* const table[] = {"", text.c_str()};
+  const VelClMessageCatalog catalog(table, 2);
+  EXPECT_EQ(VelClMessage(catalog, 1).getAsCString(), text.substr(0, 4096));
+}
+
+TEST_F(Message, SaysWhyItCouldNotBeLoaded) {
+  const VelClMessageCatalog absent(VelClFilename("absent.txt"));
+  const VelClMessageCatalog library(VelClFilename("small_catalog"));
+  struct Row {
+    const VelClMessageCatalog& catalog;
+    unsigned long id;
+    bool loaded;
+    const char* text;
+  };
+  const Row rows[] = {
+      {catalog_, 6, false, "UNABLE TO LOAD MESSAGE CATALOG: "},
+      {catalog_, 3, true, "plain"},
+      {catalog_, 5, true, ""},
+      {catalog_, 4294967295UL, false, "UNABLE TO LOAD MESSAGE CATALOG: "},
+      {absent, 1, false, "UNABLE TO LOAD MESSAGE CATALOG: absent.DLL"},
+      {library, 1, true, "[SMALL]"},
+      {library, 3, false, "UNABLE TO LOAD MESSAGE #3 FROM CATALOG: small_catalog.DLL"},
+      {library, 0, false, "UNABLE TO LOAD MESSAGE #0 FROM CATALOG: small_catalog.DLL"},
+      {library, 4294967295UL, false, "UNABLE TO LOAD MESSAGE #4294967295 FROM CATALOG: small_catalog.DLL"},
+      // Never a valid number, and yet there is the signature line.
+      {catalog_, 0, true, "[VEL_MSGTAB_SIGNATURE] 6"},
+  };
+  for (const Row& row : rows) {
+    const VelClMessage message(row.catalog, row.id);
+    EXPECT_EQ(message.isValid(), row.loaded) << row.text;
+    EXPECT_EQ(message.getId(), row.id);
+    EXPECT_STREQ(message.getAsCString(), row.text);
+  }
+  EXPECT_FALSE(VelClMessageCatalog::isValidMessageId(0));
+  EXPECT_TRUE(VelClMessageCatalog::isValidMessageId(1));
+  EXPECT_TRUE(VelClMessageCatalog::isValidMessageId(4294967295UL));
+}
+
+TEST_F(Message, FailsWhenALibraryTextDoesNotFit) {
+  const VelClMessageCatalog library(VelClFilename("small_catalog"));
+  const std::size_t frame = std::string(VelClMessage(library, 2, "").getAsCString()).size();
+  const std::string most(4096 - frame, 'v');
+  EXPECT_TRUE(VelClMessage(library, 2, most.c_str()).isValid());
+  const VelClMessage tooLong(library, 2, (most + "v").c_str());
+  EXPECT_FALSE(tooLong.isValid());
+  EXPECT_STREQ(tooLong.getAsCString(), "UNABLE TO LOAD MESSAGE #2 FROM CATALOG: small_catalog.DLL");
+}
+
+TEST_F(Message, AssignmentKeepsItsOwnCatalog) {
+  const std::string& text = longText_;
+  for (const char* from : {"short", text.c_str()}) {
+    for (const char* to : {"brief", text.c_str()}) {
+      const auto source = std::make_unique<VelClMessage>(other_, 2, from);
+      VelClMessage target(catalog_, 2, to);
+      target = *source;
+      const VelClMessage copy(*source);
+      for (const VelClMessage* message : {&static_cast<const VelClMessage&>(target), &copy}) {
+        EXPECT_EQ(message->getAsCString(), "{" + std::string(from) + "}");
+        EXPECT_EQ(message->getId(), 2U);
+        EXPECT_TRUE(message->isValid());
+        EXPECT_NE(message->getAsCString(), source->getAsCString());
+        EXPECT_EQ(message->hasAllocatedMemory(), source->hasAllocatedMemory());
+      }
+      EXPECT_STREQ(target.setNewMessageId(3), "plain");
+    }
+  }
+  VelClMessage failed(catalog_, 2, "x");
+  failed = VelClMessage(other_, 77);
+  EXPECT_FALSE(failed.isValid());
+  EXPECT_EQ(failed.getId(), 77U);
+}
+
+TEST_F(Message, MayBeAssignedToItselfAndUseItsOwnText) {
+  for (const char* text : {"short", longText_.c_str()}) {
+    VelClMessage message(catalog_, 2, text);
+    const std::string before = message.getAsCString();
+    const VelClMessage& itself = message;
+    message = itself;
+    EXPECT_EQ(message.getAsCString(), before);
+    message.setNewMessageId(4, message.getAsCString());
+    EXPECT_EQ(message.getAsCString(), before + before);
+    message.setNewMessageId(2, message.getAsCString() + 1);
+    EXPECT_EQ(message.getAsCString(), "<" + (before + before).substr(1) + ">");
+  }
+}
+
+class CatalogFunctions : public testing::Test {
+ protected:
+  static constexpr const char* kNull = nullptr;
+};
+
+TEST_F(CatalogFunctions, CollectVariablesUpToANull) {
+  unsigned long size = 0;
+  const char* const* table = velMsgCatGetBuiltInTable(&size);
+  const VelMsgCatHandle handle = velMsgCatOpenOrUseStringTable("absent", table, size);
+  ASSERT_NE(handle, nullptr);
+  const auto expected = [&](std::initializer_list<const char*> variables) {
+    const char* all[10] = {};
+    std::copy(variables.begin(), variables.end(), all);
+    return std::string(VelClMessage(VelClMessageCatalog(table, size), 2, all).getAsCString());
+  };
+  EXPECT_EQ(velMsgCatGetVar(handle, 2, kNull, kNull), expected({}));
+  EXPECT_EQ(velMsgCatGetVar(handle, 2, "a", kNull), expected({"a"}));
+  EXPECT_EQ(velMsgCatGetVar(handle, 2, "a", "b", kNull, "c", kNull), expected({"a", "b"}));
+  // The first one is not tested.
+  EXPECT_EQ(velMsgCatGetVar(handle, 2, kNull, "b", kNull), expected({nullptr, "b"}));
+  const std::string ten = expected({"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"});
+  EXPECT_EQ(velMsgCatGetVar(handle, 2, "a", "b", "c", "d", "e", "f", "g", "h", "i", "j"), ten);
+  EXPECT_EQ(velMsgCatGetVar(handle, 2, "a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l"), ten);
+  velMsgCatClose(handle);
+}
+
+TEST_F(CatalogFunctions, OpenLibrariesAndTables) {
+  EXPECT_EQ(velMsgCatOpen("absent.DLL"), nullptr);
+  const VelMsgCatHandle library = velMsgCatOpen("small_catalog.txt");
+  // A loaded library never gets the table.
+  const VelMsgCatHandle both = velMsgCatOpenOrUseStringTable("small_catalog", kTable, std::size(kTable));
+  for (const VelMsgCatHandle handle : {library, both}) {
+    ASSERT_NE(handle, nullptr);
+    EXPECT_NE(velMsgCatGetLanguage(handle), 0U);
+    EXPECT_TRUE(velMsgCatIsValid(handle, 1));
+    EXPECT_FALSE(velMsgCatIsValid(handle, 3));
+    EXPECT_STREQ(velMsgCatGet(handle, 1), "[SMALL]");
+    EXPECT_STREQ(velMsgCatGet(handle, 3), "UNABLE TO LOAD MESSAGE #3 FROM CATALOG: small_catalog.DLL");
+    velMsgCatClose(handle);
+  }
+  const VelMsgCatHandle table = velMsgCatOpenOrUseStringTable("absent", kTable, std::size(kTable));
+  EXPECT_EQ(velMsgCatGetLanguage(table), 0U);
+  EXPECT_TRUE(velMsgCatIsValid(table, 3));
+  EXPECT_FALSE(velMsgCatIsValid(table, 6));
+  const char* first = velMsgCatGet(table, 3);
+  EXPECT_STREQ(first, "plain");
+  EXPECT_EQ(velMsgCatGet(table, 6), first);  // the handle's one buffer
+  EXPECT_STREQ(first, "UNABLE TO LOAD MESSAGE CATALOG: absent.DLL");
+  velMsgCatClose(table);
+  velMsgCatClose(nullptr);
+}
+
+TEST_F(CatalogFunctions, AttachToCatalogsWithALibraryOnly) {
+  const VelClMessageCatalog catalog(VelClFilename("small_catalog"));
+  const VelClMessageCatalog table(kTable, std::size(kTable));
+  EXPECT_EQ(velMsgCatOpenAttach(&table), nullptr);
+  EXPECT_EQ(velMsgCatOpenAttach(nullptr), nullptr);
+  const VelMsgCatHandle handle = velMsgCatOpenAttach(&catalog);
+  ASSERT_NE(handle, nullptr);
+  EXPECT_EQ(velMsgCatGetLanguage(handle), catalog.getLanguage());
+  velMsgCatClose(handle);
+  EXPECT_STREQ(VelClMessage(catalog, 1).getAsCString(), "[SMALL]");
+}
+
+TEST_F(CatalogFunctions, OfferTheBuiltInTable) {
+  unsigned long size = 0;
+  const char* const* table = velMsgCatGetBuiltInTable(&size);
+  EXPECT_EQ(size, 221U);
+  EXPECT_EQ(velMsgCatGetBuiltInTable(nullptr), table);
+  EXPECT_STREQ(table[0], "[VEL_MSGTAB_SIGNATURE] 221");
+  EXPECT_STREQ(table[23], "Unknown command line argument");
+  EXPECT_STREQ(table[220], "[VEL-LIBRARY]");
+}
+
+TEST_F(CatalogFunctions, HaveAProxyAsTheirClass) {
+  const char* const variables[10] = {"x"};
+  VelClMessageCatalogProxy owner(VelClFilename("absent"), kTable, std::size(kTable));
+  EXPECT_FALSE(owner.isValid());
+  EXPECT_TRUE(owner.isValidMessageId(0));  // it loads, unlike the static question
+  EXPECT_STREQ(owner.getMessage(2, variables), "<x>");
+  const VelClMessageCatalogProxy library(VelClFilename("small_catalog"));
+  EXPECT_TRUE(library.isValid() && library.isValidMessageId(5) && !library.isValidMessageId(3));
+  const VelClMessageCatalog table(kOtherTable, std::size(kOtherTable));
+  VelClMessageCatalogProxy guest(&table);
+  EXPECT_FALSE(guest.isValid());
+  EXPECT_STREQ(guest.getMessage(3), "other");
+}
+
+}  // namespace
