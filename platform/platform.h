@@ -34,7 +34,8 @@ bool entryExists(const char* name) noexcept;
 bool isWritable(const char* name) noexcept;
 std::uint32_t attributesOf(const char* name) noexcept;
 bool statusOf(const char* name, EntryStatus& status) noexcept;
-/// Copies contents and permissions over an existing target. A failed copy leaves no partial
+/// Copies contents and permissions, also over an existing target unless that is read-only (EACCES,
+/// for every user) or the source itself under another name. A failed copy leaves no partial
 /// target behind if the target did not exist before.
 SystemError copyFile(const char* from, const char* to) noexcept;
 /// Sets or clears write permission and nothing else; clearing read-only gives it to the owner.
@@ -99,7 +100,8 @@ struct CatalogImage {
 };
 
 /// Windows: the loader's search. POSIX: a name without directory is looked for beside the program,
-/// in the current directory, along PATH, and beside this library. False when there is no such
+/// in the current directory, along PATH, and beside this library, first as it is spelled and then in
+/// any letter case. False when there is no such
 /// file, or the system's loader does not take it.
 bool openCatalog(const char* fileName, CatalogImage& image) noexcept;
 void closeCatalog(CatalogImage& image) noexcept;
