@@ -1,4 +1,4 @@
-// Searching a text for a pattern, and matching names against wildcards.
+// Searching a text for a pattern, matching names against wildcards, and random numbers.
 #ifndef VEL_UTIL_H_
 #define VEL_UTIL_H_
 
@@ -77,6 +77,58 @@ class VEL_API VelClGrep : public VelClStringMatchABase {
   void init(const char* pattern, int options);
 
   int32_t state_;
+};
+
+/// Pseudo-random 32-bit numbers, fast and well spread, but not for secrets: who knows the state knows all
+/// numbers. The generator is IBAA (indirection, barrel shift, accumulate and add) by Robert J. Jenkins Jr.,
+/// ISAAC, 1996, filled by the multiplicative congruential generator of S. K. Park and K. W. Miller, 1988, in
+/// 32-bit arithmetic that wraps. An object takes about 2 KB, allocates nothing and must not be used by two
+/// threads at once. A copy goes on with the same numbers as its original.
+class VEL_API VelClRandomNumberGenerator {
+ public:
+  /// Seeds with the system's milliseconds: two objects of the same tick give the same numbers.
+  VelClRandomNumberGenerator();
+  /// Equal seeds give equal numbers, on every system. The lowest bit does not count: 6 and 7 are the same
+  /// seed.
+  explicit VelClRandomNumberGenerator(unsigned long seed);
+
+  /// The next number, from 0 to 4294967295.
+  unsigned long getRandomNumber() const;
+  /// The next number scaled to 0 to `max`, both included. Scaling truncates: `max` itself comes only from
+  /// 4294967295, once in 2^32 numbers. For evenly spread ranges use VelClRandomBitGenerator with <random>.
+  unsigned long getRandomNumber(unsigned long max) const;
+
+ private:
+  void init(unsigned long seed) const;
+  void ibaa() const;
+  uint32_t next() const;
+
+  mutable uint32_t memory_[256];
+  mutable uint32_t results_[256];  ///< handed out from the last to the first
+  mutable uint32_t accumulator_;
+  mutable uint32_t previous_;
+  mutable uint32_t unused_;
+};
+
+/// A random number generator in the form that the standard library's distributions and algorithms take: a
+/// UniformRandomBitGenerator. It draws from `source`, which must live longer.
+///
+///   VelClRandomNumberGenerator numbers(4711);
+///   VelClRandomBitGenerator bits(numbers);
+///   const int dots = std::uniform_int_distribution<int>(1, 6)(bits);
+class VelClRandomBitGenerator {
+ public:
+  using result_type = uint32_t;
+
+  explicit VelClRandomBitGenerator(const VelClRandomNumberGenerator& source) : source_(&source) {}
+
+  // In parentheses, because windows.h may have made macros of both names.
+  static constexpr result_type(min)() { return 0; }
+  static constexpr result_type(max)() { return 0xFFFFFFFF; }
+  result_type operator()() { return static_cast<result_type>(source_->getRandomNumber()); }
+
+ private:
+  const VelClRandomNumberGenerator* source_;
 };
 
 #endif
