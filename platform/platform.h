@@ -40,6 +40,9 @@ bool statusOf(const char* name, EntryStatus& status) noexcept;
 SystemError copyFile(const char* from, const char* to) noexcept;
 /// Sets or clears write permission and nothing else; clearing read-only gives it to the owner.
 SystemError setReadOnly(const char* name, bool readOnly) noexcept;
+/// Clears read-only where it would keep the entry from being removed. A link itself is never read-only, and
+/// what it leads to is left alone.
+SystemError makeRemovable(const char* name) noexcept;
 /// Never removes a directory.
 SystemError removeFile(const char* name) noexcept;
 /// Refuses an existing target with EEXIST, also when it appears at the last moment.

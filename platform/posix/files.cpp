@@ -80,6 +80,14 @@ SystemError setReadOnly(const char* name, bool readOnly) noexcept {
   return wanted == old || chmod(path.get(), wanted) == 0 ? 0 : errno;
 }
 
+SystemError makeRemovable(const char* name) noexcept {
+  const NativePath path(name);
+  if (!path.fits()) return ENAMETOOLONG;
+  struct stat status;
+  if (lstat(path.get(), &status) != 0) return errno;
+  return S_ISLNK(status.st_mode) ? 0 : setReadOnly(name, false);
+}
+
 SystemError removeFile(const char* name) noexcept {
   const NativePath path(name);
   if (!path.fits()) return ENAMETOOLONG;

@@ -156,6 +156,17 @@ TEST(PosixFiles, RemovingALinkKeepsItsTarget) {
   EXPECT_TRUE(fs::exists(scratch.path("directory/file")));
 }
 
+TEST(PosixFiles, MakingALinkRemovableLeavesItsTargetReadOnly) {
+  const ScratchDirectory scratch;
+  const std::string target = scratch.write("target", "x");
+  fs::create_symlink("target", scratch.path("link"));
+  ASSERT_EQ(chmod(target.c_str(), 0444), 0);
+  EXPECT_EQ(makeRemovable(scratch.path("link").c_str()), 0);
+  EXPECT_EQ(modeOf(target), mode_t{0444});
+  EXPECT_EQ(makeRemovable(target.c_str()), 0);
+  EXPECT_EQ(modeOf(target), mode_t{0644});
+}
+
 TEST(PosixFiles, RenamingWithoutTheFileSystemsHelp) {
   const ScratchDirectory scratch;
   const std::string file = scratch.write("file", "x");
