@@ -304,11 +304,13 @@ class VEL_API VelClFile : public VelClFileABase {
   /// variable; a directory that leaves no room for it is passed over. On failure the name is left in
   /// the last directory tried.
   bool determineFileInEnvVarPath(VelClFilename& file, const char* variableName) const;
-
- private:
+  /// For classes that find their file elsewhere than under the name they were given.
+  void setFilename(const VelClFilenameABase& name) { filename_ = name; }
+  /// Keep a failure, or clear the last one; they return false and true.
   bool fail(unsigned long id, VelEnErrorClass errorClass);
   bool succeed();
 
+ private:
   VelClFilename filename_;
   _VelStError lastError_;
 };
