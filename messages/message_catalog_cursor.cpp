@@ -87,15 +87,17 @@ bool VelClMessageCatalogCursor::setToNext() {
   return settleAt(isValid() ? index_ + 1 : count_);
 }
 
-/// Moves, and keeps a terminated copy of a library's text.
+/// Moves, and keeps a terminated copy of a library's text. When memory runs out the cursor stays where it
+/// was.
 bool VelClMessageCatalogCursor::settleAt(size_t index) {
-  index_ = index;
-  VelClMemoryManager::free(text_);
-  text_ = nullptr;
-  if (isValid() && positions_[index_].tableText == nullptr) {
-    const vel::String text = vel::messages::utf8TextOf(positions_[index_].entry);
-    text_ = vel::copyText(text.data(), text.size()).release();
+  vel::OwnedText copy;
+  if (index < count_ && positions_[index].tableText == nullptr) {
+    const vel::String text = vel::messages::utf8TextOf(positions_[index].entry);
+    copy = vel::copyText(text.data(), text.size());
   }
+  VelClMemoryManager::free(text_);
+  text_ = copy.release();
+  index_ = index;
   return isValid();
 }
 
