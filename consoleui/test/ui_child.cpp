@@ -99,7 +99,6 @@ struct Action {
 };
 
 constexpr Action kActions[] = {
-    {"switch", [](VelClConsoleUI& ui) { tell(ui.hasArgSwitch(param()), ""); }},
     {"reqSwitch", [](VelClConsoleUI& ui) { ui.reqArgSwitch(param()); }},
     {"string", [](VelClConsoleUI& ui) { tellString(ui, false); }},
     {"reqString", [](VelClConsoleUI& ui) { tellString(ui, true); }},
