@@ -1,10 +1,16 @@
-// Searching a text for a pattern, matching names against wildcards, and random numbers.
+// Searching a text for a pattern, matching names against wildcards, dumps, and random numbers.
 #ifndef VEL_UTIL_H_
 #define VEL_UTIL_H_
 
+#include <stddef.h>
 #include <stdint.h>
 
 #include "vel_export.h"
+
+#if defined(VEL_HAS_CLASSES)
+#include <concepts>
+#include <iosfwd>
+#endif
 
 /// Whether the whole of `text` matches `pattern`, in which "*" stands for any run of bytes, also none,
 /// and "?" for exactly one byte. Null counts as "". There is no escape character. Without `caseSensitive`
@@ -78,6 +84,136 @@ class VEL_API VelClGrep : public VelClStringMatchABase {
 
   int32_t state_;
 };
+
+/// A piece of memory as one line of text, made at construction; nothing is allocated.
+class VEL_API VelClStringRepresentationABase {
+ public:
+  virtual ~VelClStringRepresentationABase();
+
+  /// The line, terminated and without a line break; valid as long as this object.
+  virtual const char* getAsCString() const = 0;
+
+ protected:
+  VelClStringRepresentationABase() = default;
+  VelClStringRepresentationABase(const VelClStringRepresentationABase&) = default;
+  VelClStringRepresentationABase& operator=(const VelClStringRepresentationABase&) = default;
+};
+
+/// A line of a hexadecimal dump, 16 bytes at most; whatever is behind them is left out:
+///
+///   00000010: 41 42 43 44 45 46 47 48  49 4A __ __ __ __ __ __ | ABCDEFGHIJ______
+///
+/// The address has 8 to 16 digits. Underscores stand where bytes are missing; on the right a "." stands for
+/// every byte that is no printable ASCII character, whatever the locale.
+class VEL_API VelClStrepHexDump : public VelClStringRepresentationABase {
+ public:
+  /// Without an address. `data` may be null when `count` is 0.
+  VelClStrepHexDump(const void* data, size_t count);
+  VelClStrepHexDump(size_t offset, const void* data, size_t count);
+  VelClStrepHexDump(const VelClStrepHexDump&) = default;
+  VelClStrepHexDump& operator=(const VelClStrepHexDump&) = default;
+  ~VelClStrepHexDump() override;
+
+  const char* getAsCString() const override;
+
+ private:
+  char text_[86];
+};
+
+/// A line of a binary dump, 8 bytes at most, highest bit first:
+///
+///   00000008: 01000001 00001010 ________ ________  ________ ________ ________ ________ | A.______
+class VEL_API VelClStrepBinDump : public VelClStringRepresentationABase {
+ public:
+  VelClStrepBinDump(const void* data, size_t count);
+  VelClStrepBinDump(size_t offset, const void* data, size_t count);
+  VelClStrepBinDump(const VelClStrepBinDump&) = default;
+  VelClStrepBinDump& operator=(const VelClStrepBinDump&) = default;
+  ~VelClStrepBinDump() override;
+
+  const char* getAsCString() const override;
+
+ private:
+  char text_[102];
+};
+
+/// An address as a stream prints it: "0x1ab", and "0" for null.
+class VEL_API VelClStrepAddress final {
+ public:
+  explicit VelClStrepAddress(const void* address);
+
+  virtual const char* getAsCString() const;
+
+ private:
+  char text_[19];
+};
+
+/// Print `count` bytes in the lines above, each with its offset from `data`, to standard output or to
+/// `stream`; nothing for 0 bytes. velDump and velDumpHex are the same: hexadecimal. Many lines are
+/// written at once.
+VEL_API void velDump(const char* data, size_t count);
+VEL_API void velDump(std::ostream& stream, const char* data, size_t count);
+VEL_API void velDumpHex(const char* data, size_t count);
+VEL_API void velDumpHex(std::ostream& stream, const char* data, size_t count);
+VEL_API void velDumpBin(const char* data, size_t count);
+VEL_API void velDumpBin(std::ostream& stream, const char* data, size_t count);
+
+/// What can be dumped beside characters: unsigned numbers of 16, 32 and 64 bits. `unsigned long` counts with
+/// the size that it has.
+template <typename Element>
+concept VelDumpElement = std::same_as<Element, unsigned short> || std::same_as<Element, unsigned int> ||
+    std::same_as<Element, unsigned long> || std::same_as<Element, unsigned long long>;
+
+/// The same for `count` elements. Their bytes are shown as they lie in memory.
+template <VelDumpElement Element>
+void velDump(const Element* data, size_t count) {
+  velDump(reinterpret_cast<const char*>(data), count * sizeof(Element));
+}
+template <VelDumpElement Element>
+void velDump(std::ostream& stream, const Element* data, size_t count) {
+  velDump(stream, reinterpret_cast<const char*>(data), count * sizeof(Element));
+}
+template <VelDumpElement Element>
+void velDumpHex(const Element* data, size_t count) {
+  velDump(data, count);
+}
+template <VelDumpElement Element>
+void velDumpHex(std::ostream& stream, const Element* data, size_t count) {
+  velDump(stream, data, count);
+}
+template <VelDumpElement Element>
+void velDumpBin(const Element* data, size_t count) {
+  velDumpBin(reinterpret_cast<const char*>(data), count * sizeof(Element));
+}
+template <VelDumpElement Element>
+void velDumpBin(std::ostream& stream, const Element* data, size_t count) {
+  velDumpBin(stream, reinterpret_cast<const char*>(data), count * sizeof(Element));
+}
+
+/// The places of dumps for debugging; in this library they take the arguments of the functions above and do
+/// nothing.
+inline void velDebugImpDump(const char*, size_t) {}
+inline void velDebugImpDump(std::ostream&, const char*, size_t) {}
+template <VelDumpElement Element>
+void velDebugImpDump(const Element*, size_t) {}
+template <VelDumpElement Element>
+void velDebugImpDump(std::ostream&, const Element*, size_t) {}
+
+template <typename... Arguments>
+requires requires(Arguments&&... arguments) {
+  velDebugImpDump(arguments...);
+}
+void velDebugDump(Arguments&&...) {}
+template <typename... Arguments>
+requires requires(Arguments&&... arguments) {
+  velDebugImpDump(arguments...);
+}
+void velDebugDumpHex(Arguments&&...) {}
+template <typename... Arguments>
+requires requires(Arguments&&... arguments) {
+  velDebugImpDump(arguments...);
+}
+void velDebugDumpBin(Arguments&&...) {}
 
 /// Pseudo-random 32-bit numbers, fast and well spread, but not for secrets: who knows the state knows all
 /// numbers. The generator is IBAA (indirection, barrel shift, accumulate and add) by Robert J. Jenkins Jr.,

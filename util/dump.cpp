@@ -1,0 +1,55 @@
+// Dumps of whole memory areas: lines are gathered and written many at once.
+#include <algorithm>
+#include <iostream>
+
+#include "util/dump_line.h"
+#include "vel_include/vel_util.h"
+
+namespace {
+
+using vel::util::BinaryForm;
+using vel::util::HexForm;
+using vel::util::LineLayout;
+
+constexpr std::size_t kLinesAtOnce = 64;
+
+template <typename Form>
+void dump(std::ostream& stream, const char* data, size_t count) {
+  const auto* bytes = reinterpret_cast<const std::uint8_t*>(data);
+  char text[kLinesAtOnce * (LineLayout<Form>::kLongest + 1)];
+  for (size_t offset = 0; offset < count && stream.good();) {
+    char* out = text;
+    for (std::size_t line = 0; line < kLinesAtOnce && offset < count; ++line) {
+      const size_t size = std::min(count - offset, Form::kBytes);
+      out = vel::util::writeLine<Form>(out, offset, bytes + offset, size);
+      offset += size;
+    }
+    stream.write(text, out - text);
+  }
+}
+
+}  // namespace
+
+void velDump(const char* data, size_t count) {
+  velDump(std::cout, data, count);
+}
+
+void velDump(std::ostream& stream, const char* data, size_t count) {
+  dump<HexForm>(stream, data, count);
+}
+
+void velDumpHex(const char* data, size_t count) {
+  velDump(std::cout, data, count);
+}
+
+void velDumpHex(std::ostream& stream, const char* data, size_t count) {
+  velDump(stream, data, count);
+}
+
+void velDumpBin(const char* data, size_t count) {
+  velDumpBin(std::cout, data, count);
+}
+
+void velDumpBin(std::ostream& stream, const char* data, size_t count) {
+  dump<BinaryForm>(stream, data, count);
+}

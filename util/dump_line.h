@@ -1,0 +1,115 @@
+// The one place that knows how a line of a dump looks. Lines are written into the caller's memory from
+// tables, group by group, so that whole areas can be rendered at the speed of memory.
+//
+//   00000010: 41 42 43 44 45 46 47 48  49 4A __ __ __ __ __ __ | ABCDEFGHIJ______
+//   00000008: 01000001 00001010 ________ ________  ________ ________ ________ ________ | A.______
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace vel::util {
+
+template <std::size_t size>
+using GroupTable = std::array<std::array<char, size>, 256>;
+
+/// Two digits and a blank for every byte, and one more blank, so that a group is one store.
+constexpr GroupTable<4> makeHexGroups() {
+  constexpr const char* kDigits = "0123456789ABCDEF";
+  GroupTable<4> table{};
+  for (std::size_t byte = 0; byte < table.size(); ++byte)
+    table[byte] = {kDigits[byte / 16], kDigits[byte % 16], ' ', ' '};
+  return table;
+}
+
+constexpr GroupTable<8> makeBinaryGroups() {
+  GroupTable<8> table{};
+  for (std::size_t byte = 0; byte < table.size(); ++byte)
+    for (std::size_t bit = 0; bit < 8; ++bit) table[byte][bit] = (byte >> (7 - bit) & 1) != 0 ? '1' : '0';
+  return table;
+}
+
+inline constexpr GroupTable<4> kHexGroups = makeHexGroups();
+inline constexpr GroupTable<8> kBinaryGroups = makeBinaryGroups();
+inline constexpr char kMissing = '_';
+
+/// How bytes are shown: two hexadecimal or eight binary digits each.
+struct HexForm {
+  static constexpr std::size_t kBytes = 16;
+  static constexpr std::size_t kDigits = 2;
+  static constexpr int kBase = 16;
+  /// Writes one byte more than the group has.
+  static void writeGroup(char* out, std::uint8_t byte) { std::memcpy(out, kHexGroups[byte].data(), 4); }
+};
+struct BinaryForm {
+  static constexpr std::size_t kBytes = 8;
+  static constexpr std::size_t kDigits = 8;
+  static constexpr int kBase = 2;
+  static void writeGroup(char* out, std::uint8_t byte) {
+    std::memcpy(out, kBinaryGroups[byte].data(), kDigits);
+    out[kDigits] = ' ';
+  }
+};
+
+/// Sizes and places within a line, behind its address.
+template <typename Form>
+struct LineLayout {
+  static constexpr std::size_t kGroup = Form::kDigits + 1;
+  static constexpr std::size_t kMark = Form::kBytes * kGroup + 1;
+  static constexpr std::size_t kCharacters = kMark + 2;
+  static constexpr std::size_t kLength = kCharacters + Form::kBytes;
+  /// With an address of 16 digits.
+  static constexpr std::size_t kLongest = 16 + 2 + kLength;
+
+  /// One more blank stands in the middle.
+  static constexpr std::size_t groupAt(std::size_t index) {
+    return index * kGroup + (index < Form::kBytes / 2 ? 0 : 1);
+  }
+};
+
+/// Writes "0000001F: ", with more digits where 8 don't suffice, and returns where it ends.
+inline char* writeAddress(char* out, std::uint64_t offset) {
+  int bytes = 4;
+  while (bytes < 8 && offset >> (8 * bytes) != 0) ++bytes;
+  char* const start = out;
+  for (int byte = bytes - 1; byte >= 0; --byte, out += 2)
+    std::memcpy(out, kHexGroups[offset >> (8 * byte) & 0xFF].data(), 2);
+  // More than 8 digits have no leading zero.
+  if (bytes > 4 && *start == '0') std::memmove(start, start + 1, static_cast<std::size_t>(--out - start));
+  std::memcpy(out, ": ", 2);
+  return out + 2;
+}
+
+constexpr char shownCharacter(std::uint8_t byte) {
+  return byte >= 0x20 && byte < 0x7F ? static_cast<char>(byte) : '.';
+}
+
+/// Writes a line's data part for at most Form::kBytes bytes and returns where it ends.
+template <typename Form>
+char* writeData(char* out, const std::uint8_t* data, std::size_t count) {
+  using Layout = LineLayout<Form>;
+  for (std::size_t i = 0; i < count; ++i) Form::writeGroup(out + Layout::groupAt(i), data[i]);
+  for (std::size_t i = count; i < Form::kBytes; ++i) {
+    std::memset(out + Layout::groupAt(i), kMissing, Form::kDigits);
+    out[Layout::groupAt(i) + Form::kDigits] = ' ';
+  }
+  out[Layout::groupAt(Form::kBytes / 2) - 1] = ' ';
+  std::memcpy(out + Layout::kMark, "| ", 2);
+  for (std::size_t i = 0; i < count; ++i) out[Layout::kCharacters + i] = shownCharacter(data[i]);
+  std::memset(out + Layout::kCharacters + count, kMissing, Form::kBytes - count);
+  return out + Layout::kLength;
+}
+
+/// A whole line of a dump with its line break; Layout::kLongest + 1 characters suffice.
+template <typename Form>
+char* writeLine(char* out, std::uint64_t offset, const std::uint8_t* data, std::size_t count) {
+  out = writeAddress(out, offset);
+  // A full line is by far the most frequent: its length known, its loops are unrolled.
+  out = count == Form::kBytes ? writeData<Form>(out, data, Form::kBytes) : writeData<Form>(out, data, count);
+  *out = '\n';
+  return out + 1;
+}
+
+}  // namespace vel::util

@@ -1,0 +1,66 @@
+// Pieces of memory and addresses as lines of text. How the lines look is dump_line.h's matter.
+#include <algorithm>
+#include <charconv>
+
+#include "util/dump_line.h"
+#include "vel_include/vel_util.h"
+
+namespace {
+
+using vel::util::BinaryForm;
+using vel::util::HexForm;
+using vel::util::LineLayout;
+
+/// Ends the line that `out` is in with the data part.
+template <typename Form>
+void endLine(char* out, const void* data, size_t count) {
+  const auto* bytes = static_cast<const std::uint8_t*>(data);
+  *vel::util::writeData<Form>(out, bytes, std::min(count, Form::kBytes)) = '\0';
+}
+
+}  // namespace
+
+VelClStringRepresentationABase::~VelClStringRepresentationABase() = default;
+
+VelClStrepHexDump::VelClStrepHexDump(const void* data, size_t count) : text_{} {
+  static_assert(sizeof text_ == LineLayout<HexForm>::kLongest + 1);
+  endLine<HexForm>(text_, data, count);
+}
+
+VelClStrepHexDump::VelClStrepHexDump(size_t offset, const void* data, size_t count) : text_{} {
+  endLine<HexForm>(vel::util::writeAddress(text_, offset), data, count);
+}
+
+VelClStrepHexDump::~VelClStrepHexDump() = default;
+
+const char* VelClStrepHexDump::getAsCString() const {
+  return text_;
+}
+
+VelClStrepBinDump::VelClStrepBinDump(const void* data, size_t count) : text_{} {
+  static_assert(sizeof text_ == LineLayout<BinaryForm>::kLongest + 1);
+  endLine<BinaryForm>(text_, data, count);
+}
+
+VelClStrepBinDump::VelClStrepBinDump(size_t offset, const void* data, size_t count) : text_{} {
+  endLine<BinaryForm>(vel::util::writeAddress(text_, offset), data, count);
+}
+
+VelClStrepBinDump::~VelClStrepBinDump() = default;
+
+const char* VelClStrepBinDump::getAsCString() const {
+  return text_;
+}
+
+VelClStrepAddress::VelClStrepAddress(const void* address) : text_{} {
+  char* out = text_;
+  if (address != nullptr) {
+    *out++ = '0';
+    *out++ = 'x';
+  }
+  std::to_chars(out, text_ + sizeof text_ - 1, reinterpret_cast<std::uintptr_t>(address), 16);
+}
+
+const char* VelClStrepAddress::getAsCString() const {
+  return text_;
+}
