@@ -39,12 +39,14 @@ VelClConsoleUI::VelClConsoleUI(int argc, const char* const* argv)
       params_(vel::create<VelClConsoleUIParams>(VelClArgvCursor(argc, argv).getArgv0())) {}
 
 VelClConsoleUI::VelClConsoleUI(int argc, const char* const* argv, const VelClFilename& catalogFile,
-                               unsigned long messageBase)
+                               unsigned long messageBase, const char* const* table, unsigned long size)
     : catalog_(catalogFile),
       messageBase_(static_cast<uint32_t>(messageBase)),
       argc_(argv != nullptr ? argc : 0),
       argv_(argv),
-      params_(vel::create<VelClConsoleUIParams>(VelClArgvCursor(argc, argv).getArgv0())) {}
+      params_(vel::create<VelClConsoleUIParams>(VelClArgvCursor(argc, argv).getArgv0())) {
+  if (!catalog_.isValid()) catalog_.useStringTable(table, size);
+}
 
 VelClConsoleUI::~VelClConsoleUI() {
   vel::destroy(params_);
@@ -85,8 +87,7 @@ void VelClConsoleUI::init(unsigned long titleId, unsigned long descriptionId, co
 }
 
 void VelClConsoleUI::handleUsageHelp(const char* usage, const char* help) {
-  params_->setUsage(usage);
-  params_->setHelp(help);
+  params_->setUsageHelp(usage, help);
   handleHelpSwitches();
   if (*getUsage() != '\0') checkCommandLine();
 }

@@ -6,17 +6,10 @@
 
 #include "consoleui/console_ui_internal.h"
 #include "consoleui/usage_writer.h"
-#include "vel_include/vel_helpers.h"
+#include "platform/platform.h"
 
 namespace vel::consoleui {
 namespace {
-
-/// A decimal number's text.
-struct NumberText {
-  char text[24];
-  explicit NumberText(long long value) { velI64toa(value, text); }
-  explicit NumberText(unsigned long long value) { velW64toa(value, text); }
-};
 
 void writePlainLine(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
                     const char* value) {
@@ -44,9 +37,17 @@ void writeOrigin(std::ostream& stream, const VelClConsoleUIParams& params, const
 
 }  // namespace
 
+std::size_t widthOf(const char* text) {
+  if (!platform::ansiIsUtf8()) return std::strlen(text);
+  std::size_t width = 0;
+  for (; *text != '\0'; ++text)
+    if ((static_cast<unsigned char>(*text) & 0xC0) != 0x80) ++width;
+  return width;
+}
+
 void writeLabel(std::ostream& stream, const VelClConsoleUIParams& params, const char* label) {
   const std::size_t width = params.getFormatWidth();
-  const std::size_t used = std::min(std::strlen(label), width);
+  const std::size_t used = std::min(widthOf(label), width);
   const bool left = params.getFormatStyle() == VelEnFormatStyle::LEFT;
   std::size_t before = 0;
   std::size_t behind = width - used;
@@ -105,26 +106,11 @@ void writeException(std::ostream& stream, const VelClConsoleUIParams& params, co
 
 }  // namespace vel::consoleui
 
+using vel::consoleui::GivenText;
 using vel::consoleui::NumberText;
 using vel::consoleui::Word;
 
 namespace {
-
-/// The label's text, whichever way it was given.
-class LabelText {
- public:
-  LabelText(const VelClFormatLabel& label, const VelClMessageCatalog& catalog)
-      : message_(catalog, label.getMessageId()),
-        text_(label.getText() != nullptr ? label.getText() : message_.getAsCString()) {}
-  LabelText(const LabelText&) = delete;
-  LabelText& operator=(const LabelText&) = delete;
-
-  const char* get() const { return text_; }
-
- private:
-  VelClMessage message_;
-  const char* text_;
-};
 
 /// The hexadecimal text of up to `kBytesPerLine` bytes, a blank between two.
 constexpr std::size_t kBytesPerLine = 16;
@@ -140,52 +126,52 @@ void writeHexadecimal(std::ostream& stream, const unsigned char* bytes, std::siz
 
 }  // namespace
 
-void VelClConsoleUI::format(VelClFormatLabel label) const {
-  vel::consoleui::writeLabel(getOutputStream(), *params_, LabelText(label, getMessageCatalog()).get());
+void VelClConsoleUI::format(VelClUIText label) const {
+  vel::consoleui::writeLabel(getOutputStream(), *params_, GivenText(label, getMessageCatalog()).get());
 }
 
-void VelClConsoleUI::format(VelClFormatLabel label, const char* value) const {
-  vel::consoleui::writeLine(getOutputStream(), *params_, LabelText(label, getMessageCatalog()).get(),
+void VelClConsoleUI::format(VelClUIText label, const char* value) const {
+  vel::consoleui::writeLine(getOutputStream(), *params_, GivenText(label, getMessageCatalog()).get(),
                             value != nullptr ? value : "");
 }
 
-void VelClConsoleUI::format(VelClFormatLabel label, long long value) const {
+void VelClConsoleUI::format(VelClUIText label, long long value) const {
   format(label);
   getOutputStream() << NumberText(value).text << '\n';
 }
 
-void VelClConsoleUI::format(VelClFormatLabel label, unsigned long long value) const {
+void VelClConsoleUI::format(VelClUIText label, unsigned long long value) const {
   format(label);
   getOutputStream() << NumberText(value).text << '\n';
 }
 
-void VelClConsoleUI::format(VelClFormatLabel label, int value) const {
+void VelClConsoleUI::format(VelClUIText label, int value) const {
   format(label, static_cast<long long>(value));
 }
 
-void VelClConsoleUI::format(VelClFormatLabel label, unsigned int value) const {
+void VelClConsoleUI::format(VelClUIText label, unsigned int value) const {
   format(label, static_cast<unsigned long long>(value));
 }
 
-void VelClConsoleUI::format(VelClFormatLabel label, long value) const {
+void VelClConsoleUI::format(VelClUIText label, long value) const {
   format(label, static_cast<long long>(value));
 }
 
-void VelClConsoleUI::format(VelClFormatLabel label, unsigned long value) const {
+void VelClConsoleUI::format(VelClUIText label, unsigned long value) const {
   format(label, static_cast<unsigned long long>(value));
 }
 
-void VelClConsoleUI::formatBool(VelClFormatLabel label, bool value) const {
+void VelClConsoleUI::formatBool(VelClUIText label, bool value) const {
   format(label);
   getOutputStream() << words()[value ? Word::Yes : Word::No] << '\n';
 }
 
-void VelClConsoleUI::dump(VelClFormatLabel label, const void* data, size_t sizeInBytes) const {
+void VelClConsoleUI::dump(VelClUIText label, const void* data, size_t sizeInBytes) const {
   const auto* bytes = static_cast<const unsigned char*>(data);
   std::ostream& stream = getOutputStream();
-  const LabelText text(label, getMessageCatalog());
+  const GivenText text(label, getMessageCatalog());
   const std::size_t column =
-      2 + std::max<std::size_t>(params_->getFormatWidth(), std::strlen(text.get())) + 2;
+      2 + std::max<std::size_t>(params_->getFormatWidth(), vel::consoleui::widthOf(text.get())) + 2;
   vel::consoleui::writeLabel(stream, *params_, text.get());
   for (size_t done = 0; bytes != nullptr && done < sizeInBytes; done += kBytesPerLine) {
     if (done > 0) {

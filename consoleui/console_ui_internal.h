@@ -1,10 +1,11 @@
-// What the files of the console user interface share: the numbers of its words in the message catalog, and
-// the writers that work on any stream.
+// What the files of the console user interface share: the numbers of its words in the message catalog, the
+// texts that a tool hands over, and the writers that work on any stream.
 #pragma once
 
 #include <iosfwd>
 
 #include "vel_include/vel_consoleui.h"
+#include "vel_include/vel_helpers.h"
 
 namespace vel::consoleui {
 
@@ -12,9 +13,13 @@ namespace vel::consoleui {
 enum class Word : std::uint32_t {
   Yes = 3,
   No = 4,
+  YesOrNo = 5,
+  Minimum = 6,
+  Maximum = 7,
   HelpLetters = 8,
   Copyright = 9,
   Quiet = 10,
+  Default = 11,
   ExceptionOccurred = 12,
   FatalErrorOccurred = 13,
   ErrorOccurred = 14,
@@ -22,6 +27,8 @@ enum class Word : std::uint32_t {
   Information = 16,
   Usage = 17,
   Help = 18,
+  PressAnyKey = 19,
+  PressEnter = 20,
   HelpHint = 21,
   NoHelp = 22,
   UnknownArgument = 23,
@@ -31,6 +38,10 @@ enum class Word : std::uint32_t {
   NoValue = 27,
   NoNumericValue = 28,
   NonNumericValue = 29,
+  InvalidValue = 30,
+  EnterNumber = 31,
+  EnterWithinLimits = 32,
+  PleaseUse = 33,
   CopyrightTitle = 34,
   Level = 35,
   LibraryLevel = 36,
@@ -49,20 +60,49 @@ inline constexpr int kExitMissingSwitch = CONUI_ARG_MISSING;
 inline constexpr int kExitMissingValue = CONUI_ARG_EXPECTING_VALUE;
 inline constexpr int kExitNonNumericValue = CONUI_ARG_VALUE_TYPE_MISMATCH;
 
-/// Up to five texts of one message; it ends at the first null.
+/// Up to five texts of one message; null ones are left out.
 struct MessageTexts {
   const char* texts[5];
 };
 
+/// How many columns a text takes: its characters in the process's code page.
+std::size_t widthOf(const char* text);
+
 /// The fixed layout: a separator line, the process name and the label, the indented texts.
 void writeMessage(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
                   const MessageTexts& message);
+
+/// The line between one dialogue and the next.
+void writeSeparatorLine(std::ostream& stream);
 
 /// The label column of an aligned line.
 void writeLabel(std::ostream& stream, const VelClConsoleUIParams& params, const char* label);
 /// A whole line; the value in double quotes when the parameters say so.
 void writeLine(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
                const char* value);
+
+/// A decimal number's text.
+struct NumberText {
+  char text[24];
+  explicit NumberText(long long value) { velI64toa(value, text); }
+  explicit NumberText(unsigned long long value) { velW64toa(value, text); }
+};
+
+/// The text itself, whichever way it was given.
+class GivenText {
+ public:
+  GivenText(const VelClUIText& given, const VelClMessageCatalog& catalog)
+      : message_(catalog, given.getMessageId()),
+        text_(given.getText() != nullptr ? given.getText() : message_.getAsCString()) {}
+  GivenText(const GivenText&) = delete;
+  GivenText& operator=(const GivenText&) = delete;
+
+  const char* get() const { return text_; }
+
+ private:
+  VelClMessage message_;
+  const char* text_;
+};
 
 /// Finds the console user interface's own words in its catalog.
 class Words {

@@ -10,16 +10,21 @@
 
 namespace vel::consoleui {
 
+void writeSeparatorLine(std::ostream& stream) {
+  constexpr std::size_t kSeparatorLength = 74;
+  writeFill(stream, kSeparatorLength, '-');
+  stream << '\n';
+}
+
 void writeMessage(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
                   const MessageTexts& message) {
-  constexpr std::size_t kSeparatorLength = 74;
   stream << '\n';
-  writeFill(stream, kSeparatorLength, '-');
-  stream << '\n' << params.getProcessName() << ": " << label << ":\n";
+  writeSeparatorLine(stream);
+  stream << params.getProcessName() << ": " << label << ":\n";
   writeFill(stream, params.getIndentation(), ' ');
   const char* separator = "  ";
   for (const char* text : message.texts) {
-    if (text == nullptr) break;
+    if (text == nullptr) continue;
     stream << separator << text;
     separator = ": ";
   }

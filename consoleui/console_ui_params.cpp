@@ -63,6 +63,13 @@ void VelClConsoleUIParams::setHelp(const char* help) {
   replaceText(help_, help);
 }
 
+void VelClConsoleUIParams::setUsageHelp(const char* usage, const char* help) {
+  vel::OwnedText newHelp(newText(help));
+  setUsage(usage);
+  VelClMemoryManager::free(help_);
+  help_ = newHelp.release();
+}
+
 void VelClConsoleUIParams::setProcessName(const char* argv0) {
   const char* name = behindLastSeparator(argv0);
   // Cut at the first dot, not at the extension's. Keep.
@@ -78,4 +85,11 @@ void VelClConsoleUIParams::setOutputStream(std::ostream& stream) {
 
 void VelClConsoleUIParams::flushOutputStream() {
   output_->flush();
+}
+
+void VelClConsoleUIParams::setInput(const char* text) {
+  if (text == nullptr) text = "";
+  const std::size_t length = std::min(std::strlen(text), kMaxInputLength);
+  std::memmove(input_, text, length);
+  input_[length] = '\0';
 }

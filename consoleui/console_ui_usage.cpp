@@ -1,5 +1,4 @@
 // Shows usage and help, always on standard output.
-#include <cstring>
 #include <iostream>
 
 #include "consoleui/console_ui_internal.h"
@@ -24,7 +23,8 @@ void writeBuiltInSwitches(std::ostream& stream, const Words& words) {
 
 void VelClConsoleUI::displayUsage(bool exit) const {
   const VelClMessage heading = words()[Word::Usage];
-  const std::size_t indentation = std::strlen(heading.getAsCString()) + params_->getIndentation() + 3;
+  const std::size_t indentation =
+      vel::consoleui::widthOf(heading.getAsCString()) + params_->getIndentation() + 3;
   std::cout << '\n' << heading << ": " << getProcessName();
   if (catalog_.isValid() || catalog_.hasValidStringTable()) {
     writeBuiltInSwitches(std::cout, words());
@@ -51,14 +51,13 @@ void VelClConsoleUI::displayHelp(bool exit) const {
   const char* help = params_->getHelp();
   std::cout << '\n' << heading << ": ";
   vel::consoleui::writeText(std::cout, *help != '\0' ? help : none.getAsCString(), TextKind::Help,
-                            std::strlen(heading.getAsCString()) + 2);
+                            vel::consoleui::widthOf(heading.getAsCString()) + 2);
   std::cout << std::endl;
   if (exit) processExit(vel::consoleui::kExitUsage);
 }
 
 void VelClConsoleUI::displayUsageHelp(const char* usage, const char* help, bool exit) {
-  params_->setUsage(usage);
-  params_->setHelp(help);
+  params_->setUsageHelp(usage, help);
   displayUsage(false);
   displayHelp(exit);
 }

@@ -199,6 +199,8 @@ class VEL_API VelClConsoleUIParams {
   const char* getHelp() const { return help_; }
   void setUsage(const char* usage);
   void setHelp(const char* help);
+  /// Both at once; each may be (part of) one of the old texts.
+  void setUsageHelp(const char* usage, const char* help);
   /// Argument 0 behind its last separator, cut at its first ".", at most 25 characters, in upper case.
   const char* getProcessName() const { return processName_; }
   /// In characters: the length of the process name.
@@ -233,9 +235,14 @@ class VEL_API VelClConsoleUIParams {
   void setErrorStream(std::ostream& stream) { errors_ = &stream; }
   void flushOutputStream();
 
+  /// The answer to the last prompt, "" before the first; valid until the next.
+  const char* getInput() const { return input_; }
+  /// Copied, cut to what the buffer holds: 80 characters. Null counts as "".
+  void setInput(const char* text);
+  static constexpr size_t kMaxInputLength = 80;
+
  private:
   static constexpr size_t kMaxProcessNameLength = 25;
-  static constexpr size_t kInputBufferSize = 81;
 
   void setProcessName(const char* argv0);
 
@@ -243,7 +250,7 @@ class VEL_API VelClConsoleUIParams {
   char* help_;
   char processName_[kMaxProcessNameLength + 1];
   uint32_t indentation_;
-  char input_[kInputBufferSize];
+  char input_[kMaxInputLength + 1];
   bool quiet_;
   bool hideTaggedLines_;
   bool disableTaggedLines_;
@@ -274,13 +281,14 @@ class VelClSwitchName {
   uint32_t messageId_;
 };
 
-/// The label of an aligned line: a text, or the number of a message.
-class VelClFormatLabel {
+/// A text for the user, such as the label of an aligned line or a question: itself, or the number of the
+/// message that holds it. Write numbers as `10UL`.
+class VelClUIText {
  public:
-  VelClFormatLabel(const char* text) : text_(text), messageId_(0) {}
-  VelClFormatLabel(unsigned long messageId) : text_(nullptr), messageId_(static_cast<uint32_t>(messageId)) {}
+  VelClUIText(const char* text) : text_(text), messageId_(0) {}
+  VelClUIText(unsigned long messageId) : text_(nullptr), messageId_(static_cast<uint32_t>(messageId)) {}
 
-  /// Null for a label by number.
+  /// Null for a text by number.
   const char* getText() const { return text_; }
   unsigned long getMessageId() const { return messageId_; }
 
@@ -310,9 +318,10 @@ class VEL_API VelClConsoleUI {
  public:
   /// With the library's own catalog. The vector is not copied.
   VelClConsoleUI(int argc, const char* const* argv);
-  /// With a catalog of the tool's, which holds the library's messages from `messageBase` on.
+  /// With a catalog of the tool's, which holds the library's messages from `messageBase` on. When its library
+  /// cannot be loaded, a string table of `size` entries serves instead, unless it is null; it is not copied.
   VelClConsoleUI(int argc, const char* const* argv, const VelClFilename& catalogFile,
-                 unsigned long messageBase);
+                 unsigned long messageBase, const char* const* table = nullptr, unsigned long size = 0);
   VelClConsoleUI(const VelClConsoleUI&) = delete;
   VelClConsoleUI& operator=(const VelClConsoleUI&) = delete;
   virtual ~VelClConsoleUI();
@@ -328,7 +337,8 @@ class VEL_API VelClConsoleUI {
   void handleUsageHelp(const char* usage, const char* help);
   void handleUsageHelp(unsigned long usageId, unsigned long helpId);
 
-  /// These write to standard output.
+  /// These write to standard output. In the usage "(", ")", double quotes and "!" are left out, in both texts
+  /// a line that begins with "@" is shown empty, and further lines are indented to the first.
   void displayUsageHelp(const char* usage, const char* help, bool exit);
   void displayUsage(bool exit) const;
   void displayHelp(bool exit) const;
@@ -354,8 +364,8 @@ class VEL_API VelClConsoleUI {
   void reqArgNumval(VelClSwitchName name, int& value) const;
   void reqArgNumval(VelClSwitchName name, long& value) const;
 
-  /// Write a message: the first text, and each further one behind ": ". info says nothing in quiet mode;
-  /// info and warning go to the output stream, fatal and exception to the error stream.
+  /// Write a message: the first text, and each further one that is not null behind ": ". info says nothing in
+  /// quiet mode; info and warning go to the output stream, fatal and exception to the error stream.
   void info(const char* text, const char* text2 = nullptr, const char* text3 = nullptr,
             const char* text4 = nullptr, const char* text5 = nullptr) const;
   void warning(const char* text, const char* text2 = nullptr, const char* text3 = nullptr,
@@ -375,22 +385,44 @@ class VEL_API VelClConsoleUI {
 
   /// Aligned output, to the output stream. The first writes the label column only: two blanks, the label
   /// in its width, and ": ". The others write a whole line.
-  void format(VelClFormatLabel label) const;
-  void format(VelClFormatLabel label, const char* value) const;
-  void format(VelClFormatLabel label, int value) const;
-  void format(VelClFormatLabel label, unsigned int value) const;
-  void format(VelClFormatLabel label, long value) const;
-  void format(VelClFormatLabel label, unsigned long value) const;
-  void format(VelClFormatLabel label, long long value) const;
-  void format(VelClFormatLabel label, unsigned long long value) const;
+  void format(VelClUIText label) const;
+  void format(VelClUIText label, const char* value) const;
+  void format(VelClUIText label, int value) const;
+  void format(VelClUIText label, unsigned int value) const;
+  void format(VelClUIText label, long value) const;
+  void format(VelClUIText label, unsigned long value) const;
+  void format(VelClUIText label, long long value) const;
+  void format(VelClUIText label, unsigned long long value) const;
   /// "YES" or "NO", in the catalog's language.
-  void formatBool(VelClFormatLabel label, bool value) const;
+  void formatBool(VelClUIText label, bool value) const;
   /// Bytes in hexadecimal, 16 a line, each line with the label column or blanks of its width.
-  void dump(VelClFormatLabel label, const void* data, size_t sizeInBytes) const;
+  void dump(VelClUIText label, const void* data, size_t sizeInBytes) const;
   /// The name of an error identifier and its number; only the number when it has no name.
   void formatErrId(unsigned long errorId) const;
   /// What an exception tells; without `verbose` only the identifier and what is not 0.
   void format(const VelClException& exception, bool verbose) const;
+
+  /// Ask the user, on standard output and from standard input, also in quiet mode. An empty answer takes
+  /// the default. A line is cut to 80 characters and its rest dropped; NUL bytes are left out. At the end
+  /// of input every prompt takes its default as it is, unchecked, so none asks for ever. The answer is
+  /// left in the input buffer, see VelClConsoleUIParams::getInput; texts may point into it.
+  ///
+  /// Asks once. Null leaves out the hint or the default.
+  void prompt(const char* question, const char* hint, const char* defaultAnswer) const;
+  /// Asks once and returns the answer, valid until the next prompt; "" at the end of input without default.
+  const char* promptString(VelClUIText question, const char* defaultAnswer = nullptr) const;
+  /// Asks until the answer begins with a number, both limits included. Numbers saturate at 32 bits; "+5" is
+  /// none, "5x" is 5.
+  int32_t promptNumval(VelClUIText question, int32_t minimum, int32_t maximum, int32_t defaultValue) const;
+  /// Asks until the answer begins with the catalog's letter for yes or no, which are the first ones of its
+  /// messages 3 and 4 and must be capitals there; the answer's may be small.
+  bool promptYesNo(VelClUIText question, bool defaultAnswer) const;
+  /// Waits for one key, without echo and without Enter, and leaves the terminal as it was, also when a
+  /// signal ends or stops the process meanwhile. Returns at once when there is no console to wait at; where
+  /// keys come from standard input only and that is redirected, one character of it is taken.
+  void promptForKey() const;
+  /// Waits for a whole line and drops it; the last answer stays.
+  void promptForEnter() const;
 
   /// A progress bar on standard error, with percentage and remaining time. It appears only on a terminal,
   /// not in quiet mode, and only after a second. `label` is not copied and may be null.

@@ -77,7 +77,8 @@ class VEL_API VelClMessageCatalog : public VelClFile {
   /// The library's own catalog, "qammsg50.DLL".
   VelClMessageCatalog();
   /// The library `name` with its extension replaced by ".DLL"; a name without a directory is searched for
-  /// as the system's loader does: beside the program, in the current directory, along PATH.
+  /// as the system's loader does: beside the program, in the current directory, along PATH; on Linux
+  /// at last beside this library too. It is read as data, none of its code runs.
   explicit VelClMessageCatalog(const VelClFilename& name);
   /// A catalog without a library: only the table's messages, and no change of the locale.
   VelClMessageCatalog(const char* const* table, unsigned long size);

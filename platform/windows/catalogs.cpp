@@ -1,6 +1,4 @@
-// Message catalog libraries: the loader finds and checks them, and their file is mapped for reading.
-#include <array>
-
+// Message catalog libraries: the loader finds them and maps their file for reading.
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
@@ -10,37 +8,31 @@ namespace vel::platform {
 
 namespace {
 
-/// The library, or null; nobody is asked about a file that is no library.
+/// The library, or null; nobody is asked about a file that is no library. It is loaded as data: none of its
+/// code runs, so that a damaged or foreign catalog does no harm.
 HMODULE loadQuietly(const char* fileName) noexcept {
   DWORD previous = 0;
   SetThreadErrorMode(SEM_FAILCRITICALERRORS, &previous);
-  const HMODULE module = LoadLibraryA(fileName);
+  const HMODULE module = LoadLibraryExA(fileName, nullptr, LOAD_LIBRARY_AS_DATAFILE);
   SetThreadErrorMode(previous, nullptr);
   return module;
 }
 
-/// The whole file, which stays mapped without its handles.
-const std::uint8_t* mapFile(HANDLE file) noexcept {
-  const HANDLE mapping = CreateFileMappingA(file, nullptr, PAGE_READONLY, 0, 0, nullptr);
-  if (mapping == nullptr) return nullptr;
-  const void* const data = MapViewOfFile(mapping, FILE_MAP_READ, 0, 0, 0);
-  CloseHandle(mapping);
-  return static_cast<const std::uint8_t*>(data);
-}
+/// The two lowest bits of a data module's handle tell how it is mapped; the rest is its address.
+constexpr std::uintptr_t kHandleBits = 3;
+constexpr std::uintptr_t kMappedAsFile = 1;
 
-void mapFileOf(HMODULE module, CatalogImage& image) noexcept {
-  std::array<char, 1024> path;
-  const DWORD length = GetModuleFileNameA(module, path.data(), static_cast<DWORD>(path.size()));
-  if (length == 0 || length == path.size()) return;
-  const HANDLE file = CreateFileA(path.data(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
-                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return;
-  LARGE_INTEGER size;
-  if (GetFileSizeEx(file, &size) != FALSE) {
-    image.data = mapFile(file);
-    image.sizeInBytes = static_cast<std::size_t>(size.QuadPart);
-  }
-  CloseHandle(file);
+/// The bytes of the module's file, up to the end of the last page. A module that is mapped as a program, as
+/// happens when the system already has it in that form, is not readable as a file.
+bool fileBytesOf(HMODULE module, CatalogImage& image) noexcept {
+  const auto handle = reinterpret_cast<std::uintptr_t>(module);
+  if ((handle & kHandleBits) != kMappedAsFile) return false;
+  const void* data = reinterpret_cast<const void*>(handle & ~kHandleBits);
+  MEMORY_BASIC_INFORMATION region;
+  if (VirtualQuery(data, &region, sizeof region) == 0) return false;
+  image.data = static_cast<const std::uint8_t*>(data);
+  image.sizeInBytes = region.RegionSize;
+  return true;
 }
 
 }  // namespace
@@ -50,14 +42,12 @@ bool openCatalog(const char* fileName, CatalogImage& image) noexcept {
   const HMODULE module = loadQuietly(fileName);
   if (module == nullptr) return false;
   image.module = module;
-  mapFileOf(module, image);
-  if (image.data != nullptr) return true;
+  if (fileBytesOf(module, image)) return true;
   closeCatalog(image);
   return false;
 }
 
 void closeCatalog(CatalogImage& image) noexcept {
-  if (image.data != nullptr) UnmapViewOfFile(image.data);
   if (image.module != nullptr) FreeLibrary(static_cast<HMODULE>(image.module));
   image = {};
 }

@@ -109,10 +109,11 @@ const Inserts* differing(const InsertsByLanguage& first, const InsertsByLanguage
 
 }  // namespace
 
-bool listMessages(std::ostream& stream, const VelClMessageCatalog& catalog, unsigned long language) {
+bool listMessages(std::ostream& stream, const VelClMessageCatalog& catalog,
+                  std::optional<std::uint32_t> language) {
   bool found = false;
   forEachMessage(catalog, [&](const VelClMessageCatalogCursor& message) {
-    if (language != 0 && language != message.getLanguage()) return;
+    if (language && *language != message.getLanguage()) return;
     found = true;
     stream << message.getId() << '\t' << message.getLanguage() << '\t';
     writeEscaped(stream, withoutEndMark(message.getAsCString()));

@@ -21,7 +21,7 @@ const char* builtInMessage(unsigned int id) {
 
 }  // namespace
 
-bool parseErrorNumber(const char* text, std::uint32_t& number) {
+bool parseNumber(const char* text, std::uint32_t& number) {
   std::string_view digits(text);
   const bool negative = digits.starts_with('-');
   if (negative) digits.remove_prefix(1);

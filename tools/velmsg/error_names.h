@@ -8,7 +8,7 @@ namespace vel::velmsg {
 
 /// Reads a decimal or, behind "0x", hexadecimal number of 32 bits, signed or unsigned. False for anything
 /// else.
-bool parseErrorNumber(const char* text, std::uint32_t& number);
+bool parseNumber(const char* text, std::uint32_t& number);
 
 /// One line a name: what it is a name of (identifier, class, severity, action, platform), and the name.
 /// False when there is none.

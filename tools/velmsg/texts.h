@@ -17,11 +17,12 @@ enum TextId : unsigned long {
   kOneTask,
   kOneSource,
   kNoSource,
+  kLanguageOfList,
   kTextEnd
 };
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 13",
+    "[VEL_MSGTAB_SIGNATURE] 14",
     "[VELMSG]",
     "Message catalog inspector",
     "shows what a message catalog holds",
@@ -42,9 +43,11 @@ inline constexpr const char* kTexts[] = {
     "@\n"
     "Data goes to standard output, everything else to standard error. Columns are\n"
     "separated by tabs; in listed texts \\n, \\t and \\\\ stand for line break, tab and\n"
-    "back-slash. Listings of Unicode catalogs are in UTF-8 on every system.\n"
-    "Exit codes: 0 success, 1 not found or different, 2 catalog not loaded,\n"
-    "201 to 204 faults of the command line.",
+    "back-slash. Listings of Unicode catalogs are in UTF-8 on every system, a message\n"
+    "by -id is in the process's code page, as programs see it. A number is decimal or,\n"
+    "behind 0x, hexadecimal. --help and --version are answered before anything else.\n"
+    "Exit codes: 0 success, 1 not found or different, 2 catalog not loaded, 3 output not\n"
+    "written, 201 to 204 faults of the command line.",
     "The message catalog could not be loaded",
     "A number is expected",
     "No name is known for this number",
@@ -52,6 +55,7 @@ inline constexpr const char* kTexts[] = {
     "Exactly one of -list, -langs, -id, -diff and -error must be given",
     "Only one of -cat and -builtin can be given",
     "A message catalog is needed: -cat or -builtin",
+    "-lang goes with -list only",
 };
 static_assert(std::size(kTexts) == kTextEnd);
 

@@ -16,6 +16,7 @@ using namespace vel::velmsg;
 
 constexpr int kExitNotFound = 1;
 constexpr int kExitNoCatalog = 2;
+constexpr int kExitNotWritten = 3;
 constexpr int kStandardOutput = 1;
 
 /// The console user interface with the tool's own texts.
@@ -36,6 +37,7 @@ class Tool : public VelClConsoleUI {
   Catalog openSource() const;
   Catalog open(const char* file) const;
   bool runTask(const VelClMessageCatalog& catalog) const;
+  std::uint32_t takeNumber(const char* text) const;
   bool showMessage(const VelClMessageCatalog& catalog, unsigned long id) const;
   void showErrorNames(const char* number) const;
 
@@ -74,6 +76,7 @@ void Tool::checkTasks() const {
   int tasks = 0;
   for (const char* task : {"list", "langs", "id", "diff", "error"}) tasks += hasArgSwitch(task) ? 1 : 0;
   if (tasks != 1) refuse(kOneTask);
+  if (hasArgSwitch("lang") && !hasArgSwitch("list")) refuse(kLanguageOfList);
   takeVariables();
 }
 
@@ -116,16 +119,20 @@ Tool::Catalog Tool::open(const char* file) const {
 
 /// False when what was asked for is not there, or catalogs differ.
 bool Tool::runTask(const VelClMessageCatalog& catalog) const {
-  const char* file = nullptr;
-  int number = 0;
-  if (hasArgSwitch("list")) {
-    hasArgNumval("lang", number);
-    return listMessages(std::cout, catalog, static_cast<unsigned long>(number));
-  }
+  const char* value = nullptr;
+  if (hasArgSwitch("list"))
+    return hasArgString("lang", value) ? listMessages(std::cout, catalog, takeNumber(value))
+                                       : listMessages(std::cout, catalog);
   if (hasArgSwitch("langs")) return listLanguages(std::cout, catalog);
-  if (hasArgString("diff", file)) return listDifferences(std::cout, catalog, *open(file));
-  reqArgNumval("id", number);
-  return showMessage(catalog, static_cast<unsigned int>(number));
+  if (hasArgString("diff", value)) return listDifferences(std::cout, catalog, *open(value));
+  reqArgString("id", value);
+  return showMessage(catalog, takeNumber(value));
+}
+
+std::uint32_t Tool::takeNumber(const char* text) const {
+  std::uint32_t number = 0;
+  if (!parseNumber(text, number)) end(kNumberExpected, text, CONUI_ARG_VALUE_TYPE_MISMATCH);
+  return number;
 }
 
 bool Tool::showMessage(const VelClMessageCatalog& catalog, unsigned long id) const {
@@ -139,18 +146,15 @@ bool Tool::showMessage(const VelClMessageCatalog& catalog, unsigned long id) con
 }
 
 void Tool::showErrorNames(const char* text) const {
-  std::uint32_t number = 0;
-  if (!parseErrorNumber(text, number)) end(kNumberExpected, text, CONUI_ARG_VALUE_TYPE_MISMATCH);
-  if (!listErrorNames(std::cout, number)) end(kUnknownNumber, text, kExitNotFound);
+  if (!listErrorNames(std::cout, takeNumber(text))) end(kUnknownNumber, text, kExitNotFound);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   velFileSetBinaryMode(kStandardOutput, true);
-  if (vel::tools::answerStandardSwitches(argc, argv,
-                                         {"velmsg", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]}))
-    return 0;
+  const vel::tools::ToolTexts texts{"velmsg", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
+  if (vel::tools::answerStandardSwitches(argc, argv, texts)) return std::cout.good() ? 0 : kExitNotWritten;
   Tool tool(argc, argv);
   try {
     tool.run();
@@ -159,5 +163,5 @@ int main(int argc, char** argv) {
     tool.processExit(CONUI_USAGE);
   }
   std::cout.flush();
-  return std::cout.good() ? 0 : 1;
+  return std::cout.good() ? 0 : kExitNotWritten;
 }

@@ -67,6 +67,9 @@ TEST(Velmsg, AnswersOnStandardOutputOnly) {
       {{"-builtin", "-id", "0"}, "", 1},
       {{"-builtin", "-id", "221"}, "", 1},
       {{"-cat", "qammsg50.DLL", "-id", "4000"}, "", 1},
+      {{"-builtin", "-list", "-lang", "1033"}, "", 1},
+      {{"-cat", "velmsg_first", "-id", "3221291007"}, "the last one\n", 0},
+      {{"-builtin", "-id", "4294967296"}, "", 204},
       {{"-error", "1000401"}, "identifier\tFILE_COULD_NOT_COPY\n", 0},
       {{"-error", "5"}, "severity\tNORMAL\naction\tUSER\nplatform\tERROR_ACCESS_DENIED\n", 0},
       {{"-error", "-8"}, "platform\tLZERROR_UNKNOWNALG\n", 0},
@@ -88,7 +91,7 @@ TEST(Velmsg, AnswersOnStandardOutputOnly) {
 
 TEST(Velmsg, ShowsEveryKindOfDifference) {
   const auto result = velmsg({"-cat", "velmsg_first", "-diff", "velmsg_second"});
-  EXPECT_EQ(result.output, "<\t2\n>\t3\n!\t4\t%1 %2\t%1\n!\t5\t%1!8s!\t%1\n");
+  EXPECT_EQ(result.output, "<\t2\n>\t3\n!\t4\t%1 %2\t%1\n!\t5\t%1!8s!\t%1\n<\t3221291007\n");
   EXPECT_EQ(result.exitCode, 1);
 }
 
@@ -102,6 +105,7 @@ TEST(Velmsg, RefusesCommandLinesThatMakeNoSense) {
       {{"-builtin", "-list", "-langs"}, "Exactly one of -list"},
       {{"-list"}, "A message catalog is needed"},
       {{"-cat", "a", "-builtin", "-list"}, "Only one of -cat and -builtin"},
+      {{"-builtin", "-id", "1", "-lang", "1031"}, "-lang goes with -list only"},
       {{"-builtin", "-list", "stray"}, "This argument belongs to no switch: stray"},
       {{"-builtin", "-id", "2", "-var", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11"},
        "This argument belongs to no switch: 11"},
