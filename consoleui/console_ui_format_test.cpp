@@ -4,7 +4,6 @@
 #include <climits>
 #include <sstream>
 #include <string>
-#include <type_traits>
 
 #include "vel_include/vel_consoleui.h"
 #include "vel_include/vel_process.h"
@@ -198,17 +197,6 @@ TEST_F(Format, KeepsItsStreamInQuietMode) {
   EXPECT_EQ(other.str(), "\nTRCCTL - Tool   again\n");
 }
 
-TEST_F(Format, LeadsToCursorsOverItsCommandLine) {
-  Tool tool;
-  tool->handleUsageHelp("(-a <b>)", "help");
-  VelClArgvCursor all(*tool.operator->());
-  VelClArgvCheckCursor checked(*tool.operator->());
-  VelClArgvFreeCursor free(*tool.operator->());
-  EXPECT_STREQ(all.getAsCString(), "-a");
-  EXPECT_TRUE(checked.setToLast() && checked.isBound());
-  EXPECT_FALSE(free.setToFirst());
-}
-
 TEST(ConsoleUIParams, NamesTheProcess) {
   struct Row {
     const char* argv0;
@@ -240,8 +228,27 @@ TEST(ConsoleUIParams, CopiesItsTexts) {
   text = "overwritten";
   params.setUsage(params.getUsage() + 5);
   EXPECT_STREQ(params.getUsage(), "usage");
+  params.setUsageHelp("new", params.getUsage());
+  EXPECT_STREQ(params.getUsage(), "new");
+  EXPECT_STREQ(params.getHelp(), "usage");
   params.setUsage(nullptr);
   EXPECT_STREQ(params.getUsage(), "");
+}
+
+TEST(ConsoleUI, LeavesOutMissingTexts) {
+  Tool tool;
+  tool->info("one", nullptr, "three");
+  EXPECT_NE(tool.take().find("  one: three\n"), std::string::npos);
+}
+
+TEST(ConsoleUI, FallsBackToATableOfTheTools) {
+  unsigned long size = 0;
+  const char* const* table = velMsgCatGetBuiltInTable(&size);
+  std::ostringstream stream;
+  VelClConsoleUI ui(0, nullptr, VelClFilename("absent"), 0, table, size);
+  ui.setOutputStream(stream);
+  ui.formatBool("", true);
+  EXPECT_EQ(stream.str(), "  " + std::string(36, '.') + ": YES\n");
 }
 
 }  // namespace

@@ -273,13 +273,13 @@ TEST(ConsoleUI, RefusesWhatIsNoNumber) {
   const std::string wrong = "Non-numeric value specified for numeric command line switch: ";
   expectRuns({
       {{"-n"}, action("int", "n"), 203, "\a", fatal(missing + "n")},
-      {{"-n"}, action("reqLong", "'n"), 203, "\a", fatal(missing + "-n")},
-      {{"-quiet"}, action("short", "#10"), 203, "\a", fatal(missing + "quiet")},
-      {{"-n", "x"}, action("short", "n"), 204, "\a", fatal(wrong + "n")},
+      {{"-n"}, action("reqInt", "'n"), 203, "\a", fatal(missing + "-n")},
+      {{"-quiet"}, action("int", "#10"), 203, "\a", fatal(missing + "quiet")},
+      {{"-n", "x"}, action("int", "n"), 204, "\a", fatal(wrong + "n")},
       {{"-n", "+1"}, action("int", "n"), 204, "\a", fatal(wrong + "n")},
       {{"-n", " 1"}, action("int", "n"), 204, "\a", fatal(wrong + "n")},
       {{"-n", "''1"}, action("int", "n"), 204, "\a", fatal(wrong + "n")},
-      {{"-n", ""}, action("long", "n"), 204, "\a", fatal(wrong + "n")},
+      {{"-n", ""}, action("int", "n"), 204, "\a", fatal(wrong + "n")},
   });
 }
 
@@ -295,7 +295,7 @@ TEST(ConsoleUI, MissesSwitches) {
       {{}, action("reqInt", "#10"), 202, "\a", fatal(missing + "quiet")},
       {{"-n"}, action("reqSwitch", "n"), 0, "", ""},
       {{"-a"}, with(hasUsage, action("reqString", "n")), 201, usage, fatal(missing + "n") + hint},
-      {{"-a"}, with(hasUsage, action("reqShort", "'n")), 201, usage, fatal(missing + "-n") + hint},
+      {{"-a"}, with(hasUsage, action("reqInt", "'n")), 201, usage, fatal(missing + "-n") + hint},
   });
 }
 
@@ -332,16 +332,6 @@ TEST(ConsoleUI, TakesItsWordsFromTheToolsCatalog) {
        with(kOwnCatalog, action("bool")),
        0,
        title + "  Lines read" + std::string(26, '.') + ": AYE\n",
-       ""},
-      // Without its usage the tool has no title either.
-      {{"-notice"},
-       {{"UI_CATALOG", "ui_tool"}, {"UI_BASE", "100"}},
-       201,
-       "\nUNABLE TO LOAD MESSAGE #134 FROM CATALOG: ui_tool.DLL:\n"
-       "  qamc5032, operating-system services library\n"
-       "\nUNABLE TO LOAD MESSAGE #135 FROM CATALOG: ui_tool.DLL:\n"
-       "  UNABLE TO LOAD MESSAGE #136 FROM CATALOG: ui_tool.DLL: VELLibR5-24\n"
-       "  UNABLE TO LOAD MESSAGE #138 FROM CATALOG: ui_tool.DLL: Jan 14 2009\n\a",
        ""},
   });
 }

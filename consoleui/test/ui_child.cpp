@@ -39,9 +39,8 @@ void tell(bool found, const char* value) {
   std::cout << (found ? "= " : "absent ") << value << '\n';
 }
 
-template <typename Number>
 void tellNumber(const VelClConsoleUI& ui, bool required) {
-  Number value = 77;
+  int value = 77;
   bool found = true;
   if (required)
     ui.reqArgNumval(param(), value);
@@ -102,12 +101,8 @@ constexpr Action kActions[] = {
     {"reqSwitch", [](VelClConsoleUI& ui) { ui.reqArgSwitch(param()); }},
     {"string", [](VelClConsoleUI& ui) { tellString(ui, false); }},
     {"reqString", [](VelClConsoleUI& ui) { tellString(ui, true); }},
-    {"short", [](VelClConsoleUI& ui) { tellNumber<short>(ui, false); }},
-    {"int", [](VelClConsoleUI& ui) { tellNumber<int>(ui, false); }},
-    {"long", [](VelClConsoleUI& ui) { tellNumber<long>(ui, false); }},
-    {"reqShort", [](VelClConsoleUI& ui) { tellNumber<short>(ui, true); }},
-    {"reqInt", [](VelClConsoleUI& ui) { tellNumber<int>(ui, true); }},
-    {"reqLong", [](VelClConsoleUI& ui) { tellNumber<long>(ui, true); }},
+    {"int", [](VelClConsoleUI& ui) { tellNumber(ui, false); }},
+    {"reqInt", [](VelClConsoleUI& ui) { tellNumber(ui, true); }},
     {"speak", speak},
     {"report", report},
     {"fatal", [](VelClConsoleUI& ui) { ui.fatal(7, "four", "last"); }},
