@@ -9,9 +9,14 @@
 
 namespace {
 
-/// Sets a variable; an empty value removes it. The systems' own calls disagree about odd names.
+/// The systems' own calls disagree about odd names.
+bool isPossibleName(const char* name) noexcept {
+  return *name != '\0' && std::strchr(name, '=') == nullptr;
+}
+
+/// Sets a variable; an empty value removes it.
 bool assign(const char* name, const char* value, const char* appended) {
-  if (*name == '\0' || std::strchr(name, '=') != nullptr) return false;
+  if (!isPossibleName(name)) return false;
   vel::String assignment(name);
   assignment.append("=").append(value).append(appended);
   return vel::platform::putEnvironment(assignment.data());
@@ -34,7 +39,7 @@ void VelClEnvironmentVariableABase::initName(const char* name) {
 }
 
 const char* VelClEnvironmentVariableABase::getValue() const {
-  return vel::platform::environmentValue(name_);
+  return isPossibleName(name_) ? vel::platform::environmentValue(name_) : nullptr;
 }
 
 bool VelClEnvironmentVariableABase::hasValue() const {

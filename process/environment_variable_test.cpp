@@ -78,6 +78,18 @@ TEST(EnvironmentVariable, NamesAreCutAt40Characters) {
   variable.resetValue();
 }
 
+TEST(EnvironmentVariable, ARefusedValueLeavesTheOldOne) {
+  VelClEnvironmentVariable variable(kName, "old");
+  const std::string longest(32766, 'q');
+  // Beyond that systems differ; what matters is that nothing is lost.
+  const bool accepted = variable.setNewValue((longest + "q").c_str());
+  EXPECT_EQ(std::string(variable.getValue()), accepted ? longest + "q" : "old");
+  EXPECT_TRUE(variable.setNewValue(longest.c_str()));
+  EXPECT_EQ(std::string(variable.getValue()), longest);
+  EXPECT_EQ(VelClEnvironmentVariableQueryOnly((std::string(kName) + "=q").c_str()).getValue(), nullptr);
+  variable.resetValue();
+}
+
 TEST(EnvironmentVariable, QueryFollowsItsName) {
   VelClEnvironmentVariableQueryOnly query;
   EXPECT_STREQ(query.getName(), "?");

@@ -168,11 +168,10 @@ VEL_C_API const char* velWinGetErrorAsString(unsigned long code);
 
 /// Report a failed assertion on standard error, show the report in a message box where
 /// the system has one, and end the process abnormally. They never return.
-/// `module` is the source file, `line` its line. `function` is printed only together with
-/// `message`; both may be null.
-/// If the environment variable VEL_NO_ASSERT_POPUP is ON, YES, TRUE or 1 (in any letter
-/// case) at the first assertion of the process, that assertion shows no message box. A
-/// second assertion, raised while the first one is being reported, always shows it.
+/// `module` is the source file, `line` its line. Of each text 2000 characters are shown at most. `function`
+/// is printed only together with `message`; both may be null. If the environment variable VEL_NO_ASSERT_POPUP
+/// is ON, YES, TRUE or 1 (in any letter case) at the first assertion of the process, that assertion shows no
+/// message box. A second assertion, raised while the first one is being reported, always shows it.
 VEL_C_API void vel__assert(const char* expression, const char* module, unsigned int line);
 VEL_C_API void vel__assert_msg(const char* expression, const char* module, unsigned int line,
                                const char* function, const char* message);

@@ -1,4 +1,5 @@
-// Searching a text for a pattern, matching names against wildcards, dumps, and random numbers.
+// Searching a text for a pattern, matching names against wildcards, dumps, random numbers, and arrays of
+// bits.
 #ifndef VEL_UTIL_H_
 #define VEL_UTIL_H_
 
@@ -41,7 +42,8 @@ class VEL_API VelClStringMatchABase {
 class VEL_API VelClStringSearch : public VelClStringMatchABase {
  public:
   /// Ignoring case, a folded copy of the pattern is kept (allocated by the memory manager), and
-  /// bytes are compared by their toupper values in the process's locale of this moment.
+  /// bytes are compared by their toupper values: the pattern's in the process's locale of this moment, the
+  /// text's in that of the search. Only bytes above 0x7F can differ between the two.
   VelClStringSearch(const char* pattern, bool ignoreCase);
   VelClStringSearch(const VelClStringSearch&) = delete;
   VelClStringSearch& operator=(const VelClStringSearch&) = delete;
@@ -265,6 +267,73 @@ class VelClRandomBitGenerator {
 
  private:
   const VelClRandomNumberGenerator* source_;
+};
+
+/// What can be written to a stream of bytes and read from it again. Open streams in binary mode.
+class VEL_API VelClPersistencyABase {
+ public:
+  virtual ~VelClPersistencyABase();
+
+  /// Both report failures through the stream's state.
+  virtual void write(std::ostream& stream) const = 0;
+  virtual void read(std::istream& stream) = 0;
+
+ protected:
+  VelClPersistencyABase() = default;
+  VelClPersistencyABase(const VelClPersistencyABase&) = default;
+  VelClPersistencyABase& operator=(const VelClPersistencyABase&) = default;
+};
+
+/// An array of bits, all 0 at first. Its size is fixed; it takes size / 8 + 1 bytes from the memory manager,
+/// bit 0 being the lowest bit of the first byte.
+///
+/// Persistent form: the number of bits in 8 bytes, low byte first, and the size / 8 + 1 bytes. Arrays above
+/// 17179869175 bits cannot be persisted: the stream fails.
+class VEL_API VelClBitArray : public VelClPersistencyABase {
+ public:
+  /// Allocation failures throw and, in an assignment, leave the array as it was.
+  explicit VelClBitArray(size_t bitCount);
+  VelClBitArray(const VelClBitArray& other);
+  /// Takes over the other's size, too.
+  VelClBitArray& operator=(const VelClBitArray& other);
+  ~VelClBitArray() override;
+
+  void write(std::ostream& stream) const override;
+  // The bytes are never allocated anew and as many are read as this array had. Keep.
+  /// Reads an array of the same size. From another one's stream it takes over the number of bits, but no more
+  /// bytes than it has; bits without a byte are 0. Without a complete number of bits nothing changes.
+  void read(std::istream& stream) override;
+
+  // Only bytes count, as many as this array has: 8 bits can equal 15, and 8 bits can equal the start of 64.
+  bool operator==(const VelClBitArray& other) const;
+
+  size_t getNumOfBits() const { return static_cast<size_t>(bitCount_); }
+  /// How many bits are 1.
+  size_t getNumOfSetBits() const;
+  void resetAll();
+
+  /// Indexes from 0; where there is no bit, nothing changes and test is false.
+  bool test(size_t index) const { return hasBit(index) && (bits_[index / 8] & maskOf(index)) != 0; }
+  void set(size_t index) {
+    if (hasBit(index)) bits_[index / 8] = static_cast<unsigned char>(bits_[index / 8] | maskOf(index));
+  }
+  void reset(size_t index) {
+    if (hasBit(index)) bits_[index / 8] = static_cast<unsigned char>(bits_[index / 8] & ~maskOf(index));
+  }
+  void flip(size_t index) {
+    if (hasBit(index)) bits_[index / 8] = static_cast<unsigned char>(bits_[index / 8] ^ maskOf(index));
+  }
+
+ private:
+  static unsigned int maskOf(size_t index) { return 1U << index % 8; }
+  /// A number of bits from a stream can promise more than there are bytes.
+  bool hasBit(size_t index) const { return index < bitCount_ && index / 8 < allocated_; }
+  uint64_t getNumOfBytes() const { return bitCount_ / 8 + 1; }
+  uint64_t usableBytes() const;
+
+  uint64_t bitCount_;
+  unsigned char* bits_;
+  uint64_t allocated_;  ///< in bytes
 };
 
 #endif

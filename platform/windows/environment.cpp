@@ -11,8 +11,11 @@ const char* environmentValue(const char* name) noexcept {
 }
 
 bool putEnvironment(char* assignment) noexcept {
-  // The runtime takes a bare name without complaint or effect.
-  return std::strchr(assignment, '=') != nullptr && _putenv(assignment) == 0;
+  // The runtime takes a bare name without complaint or effect, and destroys a variable whose new value is
+  // longer than the system's limit.
+  constexpr std::size_t kLongestValue = 32766;
+  const char* const value = std::strchr(assignment, '=');
+  return value != nullptr && std::strlen(value + 1) <= kLongestValue && _putenv(assignment) == 0;
 }
 
 }  // namespace vel::platform
