@@ -1,0 +1,143 @@
+// Bits, their persistent form, and streams that belong to another array.
+#include <gtest/gtest.h>
+
+#include <bitset>
+#include <sstream>
+#include <string>
+
+#include "vel_include/vel_util.h"
+
+namespace {
+
+std::string written(const VelClBitArray& array) {
+  std::ostringstream stream;
+  array.write(stream);
+  return stream.str();
+}
+
+/// The form of an array with these bytes.
+std::string form(char bitCount, const std::string& bytes) {
+  return std::string(1, bitCount) + std::string(7, '\0') + bytes;
+}
+
+bool reads(VelClBitArray& array, const std::string& bytes, std::size_t* left = nullptr) {
+  std::istringstream stream(bytes);
+  array.read(stream);
+  const bool good = stream.good();
+  stream.clear();
+  if (left != nullptr) *left = bytes.size() - static_cast<std::size_t>(stream.tellg());
+  return good;
+}
+
+TEST(BitArray, AgreesWithABitset) {
+  constexpr std::size_t kBits = 21;
+  VelClBitArray array(kBits);
+  std::bitset<kBits> model;
+  for (std::size_t step = 0; step < 2000; ++step) {
+    const std::size_t index = step * 7919 % 31;  // also beyond the end
+    const std::size_t inside = index % kBits;
+    switch (step * 31 % 7 % 3) {
+      case 0:
+        array.set(index);
+        if (index < kBits) model.set(index);
+        break;
+      case 1:
+        array.reset(index);
+        if (index < kBits) model.reset(index);
+        break;
+      default:
+        array.flip(index);
+        if (index < kBits) model.flip(index);
+        break;
+    }
+    ASSERT_EQ(array.test(inside), model.test(inside)) << step;
+    ASSERT_EQ(array.test(index), index < kBits && model.test(index)) << step;
+    ASSERT_EQ(array.getNumOfSetBits(), model.count()) << step;
+  }
+  const unsigned long bits = model.to_ulong();
+  EXPECT_EQ(written(array), form(21, {static_cast<char>(bits & 0xFF), static_cast<char>(bits >> 8 & 0xFF),
+                                      static_cast<char>(bits >> 16 & 0xFF)}));
+  array.resetAll();
+  EXPECT_EQ(written(array), form(21, std::string(3, '\0')));
+}
+
+TEST(BitArray, TakesOneByteMoreForWholeBytes) {
+  struct Row {
+    std::size_t bits;
+    std::size_t bytes;
+  };
+  for (const Row& row : {Row{0, 1}, Row{7, 1}, Row{8, 2}, Row{15, 2}, Row{16, 3}, Row{800, 101}})
+    EXPECT_EQ(written(VelClBitArray(row.bits)).size(), 8 + row.bytes) << row.bits;
+  EXPECT_EQ(written(VelClBitArray(0)), std::string(9, '\0'));
+}
+
+TEST(BitArray, ComparesBytesAndNotSizes) {
+  VelClBitArray eight(8);
+  VelClBitArray fifteen(15);
+  const VelClBitArray sixtyFour(64);
+  EXPECT_TRUE(eight == fifteen);
+  EXPECT_TRUE(eight == sixtyFour);
+  // The other way round there are bytes to compare that the smaller array does not have.
+  EXPECT_FALSE(sixtyFour == eight);
+  fifteen.set(14);
+  EXPECT_FALSE(eight == fifteen);
+  EXPECT_FALSE(fifteen == eight);
+  eight.set(0);
+  EXPECT_FALSE(eight == sixtyFour);
+}
+
+TEST(BitArray, CopiesBitsAndSize) {
+  VelClBitArray source(100);
+  source.set(99);
+  const VelClBitArray copy(source);
+  VelClBitArray target(3);
+  target = source;
+  source.resetAll();
+  for (const VelClBitArray* array : {&copy, static_cast<const VelClBitArray*>(&target)}) {
+    EXPECT_EQ(array->getNumOfBits(), 100U);
+    EXPECT_TRUE(array->test(99));
+  }
+  const VelClBitArray& same = target;
+  target = same;
+  EXPECT_TRUE(target == copy);
+}
+
+TEST(BitArray, KeepsItsBytesWhenItReadsAnotherSize) {
+  VelClBitArray small(8);
+  std::size_t left = 0;
+  EXPECT_TRUE(reads(small, form(16, "\x81\x02\x03"), &left));
+  EXPECT_EQ(left, 1U);
+  EXPECT_EQ(small.getNumOfBits(), 16U);
+  EXPECT_TRUE(small.test(9));
+  EXPECT_EQ(small.getNumOfSetBits(), 3U);
+  EXPECT_EQ(written(small), form(16, "\x81\x02"));
+
+  // Whatever number of bits a stream brings, no byte beyond the two is touched.
+  EXPECT_TRUE(reads(small, std::string(8, '\xFF') + "ab"));
+  EXPECT_EQ(written(small), std::string(8, '\xFF') + "ab");
+  EXPECT_EQ(small.getNumOfSetBits(), 6U);
+  EXPECT_FALSE(small.test(16));
+  small.set(100'000'000);
+  const VelClBitArray copy(small);
+  EXPECT_TRUE(copy == small);
+  EXPECT_FALSE(small == VelClBitArray(0));
+  small.resetAll();
+  EXPECT_EQ(written(small), std::string(8, '\xFF') + std::string(2, '\0'));
+  EXPECT_TRUE(reads(small, form(3, "\xFF\xFF")));
+  EXPECT_EQ(small.getNumOfSetBits(), 3U);
+  // Now only the one byte that 3 bits take is written and read.
+  EXPECT_TRUE(reads(small, form(8, "Z?"), &left));
+  EXPECT_EQ(left, 1U);
+  EXPECT_EQ(written(small), form(8, "Z\xFF"));
+}
+
+TEST(BitArray, SaysThroughTheStreamThatItIsTooShort) {
+  VelClBitArray array(16);
+  array.set(3);
+  EXPECT_FALSE(reads(array, "\x08"));
+  EXPECT_EQ(written(array), form(16, {8, 0, 0}));
+  EXPECT_FALSE(reads(array, form(16, "a")));
+  EXPECT_EQ(written(array), form(16, {'a', 0, 0}));
+}
+
+}  // namespace
