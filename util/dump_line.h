@@ -78,8 +78,9 @@ inline char* writeAddress(char* out, std::uint64_t offset) {
     std::memcpy(out, kHexGroups[offset >> (8 * byte) & 0xFF].data(), 2);
   // More than 8 digits have no leading zero.
   if (bytes > 4 && *start == '0') std::memmove(start, start + 1, static_cast<std::size_t>(--out - start));
-  std::memcpy(out, ": ", 2);
-  return out + 2;
+  *out++ = ':';
+  *out++ = ' ';
+  return out;
 }
 
 constexpr char shownCharacter(std::uint8_t byte) {
@@ -96,7 +97,8 @@ char* writeData(char* out, const std::uint8_t* data, std::size_t count) {
     out[Layout::groupAt(i) + Form::kDigits] = ' ';
   }
   out[Layout::groupAt(Form::kBytes / 2) - 1] = ' ';
-  std::memcpy(out + Layout::kMark, "| ", 2);
+  out[Layout::kMark] = '|';
+  out[Layout::kMark + 1] = ' ';
   for (std::size_t i = 0; i < count; ++i) out[Layout::kCharacters + i] = shownCharacter(data[i]);
   std::memset(out + Layout::kCharacters + count, kMissing, Form::kBytes - count);
   return out + Layout::kLength;

@@ -1,0 +1,60 @@
+// Bytes of files and standard streams.
+#include "platform/byte_files.h"
+
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace vel::platform {
+
+namespace {
+
+/// The runtime takes 32-bit counts, and pipes refuse very large ones.
+constexpr std::size_t kLargestStep = std::size_t{1} << 20;
+
+unsigned int stepOf(std::size_t size) noexcept {
+  return static_cast<unsigned int>(std::min(size, kLargestStep));
+}
+
+}  // namespace
+
+int openForReading(const char* name) noexcept {
+  return _open(name, _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+}
+
+void closeDescriptor(int descriptor) noexcept {
+  _close(descriptor);
+}
+
+std::int64_t readBytes(int descriptor, void* buffer, std::size_t capacity) noexcept {
+  return _read(descriptor, buffer, stepOf(capacity));
+}
+
+bool writeBytes(int descriptor, const void* data, std::size_t size) noexcept {
+  const char* bytes = static_cast<const char*>(data);
+  while (size > 0) {
+    const int count = _write(descriptor, bytes, stepOf(size));
+    if (count <= 0) return false;
+    bytes += count;
+    size -= static_cast<std::size_t>(count);
+  }
+  return true;
+}
+
+std::uint64_t bytesLeft(int descriptor) noexcept {
+  struct _stat64 status {};
+  if (_fstat64(descriptor, &status) != 0 || (status.st_mode & _S_IFMT) != _S_IFREG) return 0;
+  const std::int64_t position = _telli64(descriptor);
+  return position < 0 || position >= status.st_size ? 0
+                                                    : static_cast<std::uint64_t>(status.st_size - position);
+}
+
+bool skipBytes(int descriptor, std::uint64_t count) noexcept {
+  const auto step = static_cast<std::int64_t>(std::min(count, bytesLeft(descriptor)));
+  return step > 0 && _lseeki64(descriptor, step, SEEK_CUR) != -1;
+}
+
+}  // namespace vel::platform

@@ -1,0 +1,47 @@
+// The bytes of one file or of standard input.
+#include "tools/veldump/byte_source.h"
+
+#include <algorithm>
+
+#include "platform/byte_files.h"
+
+namespace vel::veldump {
+
+ByteSource::ByteSource(const char* name)
+    : descriptor_(name == nullptr ? platform::kStandardInput : platform::openForReading(name)) {}
+
+ByteSource::~ByteSource() {
+  if (descriptor_ > platform::kStandardInput) platform::closeDescriptor(descriptor_);
+}
+
+bool ByteSource::narrow(const Range& range) {
+  std::uint64_t toSkip = range.offset;
+  const std::uint64_t known = platform::bytesLeft(descriptor_);
+  if (toSkip > 0 && platform::skipBytes(descriptor_, toSkip)) toSkip -= std::min(toSkip, known);
+  // What cannot be skipped is read.
+  char dropped[4096];
+  while (toSkip > 0) {
+    const std::size_t count =
+        read(dropped, static_cast<std::size_t>(std::min<std::uint64_t>(toSkip, sizeof dropped)));
+    if (count == 0) return false;
+    toSkip -= count;
+  }
+  left_ = range.length;
+  return true;
+}
+
+std::uint64_t ByteSource::expectedBytes() const {
+  return std::min(left_, platform::bytesLeft(descriptor_));
+}
+
+std::size_t ByteSource::read(void* buffer, std::size_t capacity) {
+  const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(left_, capacity));
+  if (wanted == 0 || failed_) return 0;
+  const std::int64_t count = platform::readBytes(descriptor_, buffer, wanted);
+  failed_ = count < 0;
+  if (failed_) return 0;
+  left_ -= static_cast<std::uint64_t>(count);
+  return static_cast<std::size_t>(count);
+}
+
+}  // namespace vel::veldump

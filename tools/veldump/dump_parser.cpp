@@ -1,0 +1,88 @@
+// Turns the lines of a dump back into bytes. Address and digits count; the characters on the right don't,
+// since whoever edits a dump by hand will not keep them up.
+#include "tools/veldump/dump_parser.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "util/dump_line.h"
+
+namespace vel::veldump {
+
+namespace {
+
+using util::BinaryForm;
+using util::HexForm;
+using util::LineLayout;
+
+template <typename Number>
+bool parseNumber(std::string_view digits, int base, Number& number) {
+  const char* const end = digits.data() + digits.size();
+  const auto [stop, error] = std::from_chars(digits.data(), end, number, base);
+  return error == std::errc() && stop == end;
+}
+
+bool isMissing(std::string_view group) {
+  return group.find_first_not_of(util::kMissing) == std::string_view::npos;
+}
+
+}  // namespace
+
+template <typename Form>
+bool DumpParser::parseGroups(std::string_view text, Line& line) {
+  using Layout = LineLayout<Form>;
+  static_assert(Form::kBytes <= kMostBytes);
+  if (text.size() <= Layout::kMark || text[Layout::kMark] != '|') return false;
+  line.capacity = Form::kBytes;
+  bool missing = false;
+  for (std::size_t i = 0; i < Form::kBytes; ++i) {
+    const std::string_view group = text.substr(Layout::groupAt(i), Form::kDigits);
+    missing = missing || isMissing(group);
+    if (missing ? !isMissing(group) : !parseNumber(group, Form::kBase, line.bytes[i])) return false;
+    if (text[Layout::groupAt(i) + Form::kDigits] != ' ') return false;
+    line.count += missing ? 0 : 1;
+  }
+  return line.count > 0;
+}
+
+bool DumpParser::parse(std::string_view text, Line& line) {
+  constexpr std::size_t kLeastDigits = 8;
+  const std::size_t digits = text.find(": ");
+  if (digits == std::string_view::npos || digits < kLeastDigits) return false;
+  if (!parseNumber(text.substr(0, digits), 16, line.address)) return false;
+  const std::string_view groups = text.substr(digits + 2);
+  return groups.find(' ') == HexForm::kDigits ? parseGroups<HexForm>(groups, line)
+                                              : parseGroups<BinaryForm>(groups, line);
+}
+
+/// A squeezed run consists of whole lines.
+bool DumpParser::follows(const Line& line) const {
+  if (!started_) return true;
+  const std::uint64_t end = previous_.address + previous_.count;
+  if (!squeezed_) return line.address == end;
+  return line.address >= end && (line.address - end) % previous_.count == 0;
+}
+
+void DumpParser::repeatUpTo(std::uint64_t address) {
+  for (; previous_.address + previous_.count < address; previous_.address += previous_.count)
+    output_.append(reinterpret_cast<const char*>(previous_.bytes), previous_.count);
+}
+
+bool DumpParser::takeLine(std::string_view text) {
+  if (text.ends_with('\r')) text.remove_suffix(1);
+  if (text == "*") {
+    if (!started_ || squeezed_ || previous_.count != previous_.capacity) return false;
+    squeezed_ = true;
+    return true;
+  }
+  Line line;
+  if (!parse(text, line) || !follows(line)) return false;
+  if (squeezed_) repeatUpTo(line.address);
+  output_.append(reinterpret_cast<const char*>(line.bytes), line.count);
+  previous_ = line;
+  started_ = true;
+  squeezed_ = false;
+  return true;
+}
+
+}  // namespace vel::veldump

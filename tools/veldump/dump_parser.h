@@ -1,0 +1,44 @@
+// Turns the lines of a dump, hexadecimal or binary, back into bytes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "tools/veldump/output_buffer.h"
+
+namespace vel::veldump {
+
+class DumpParser {
+ public:
+  explicit DumpParser(OutputBuffer& output) : output_(output) {}
+
+  /// Takes one line without its line break. False when it is none, or its address is not where the line
+  /// before ended; nothing of it is written then.
+  bool takeLine(std::string_view line);
+  /// Whether the dump can end here: not behind a "*".
+  bool canEnd() const { return !squeezed_; }
+
+ private:
+  static constexpr std::size_t kMostBytes = 16;
+
+  struct Line {
+    std::uint64_t address = 0;
+    std::size_t capacity = 0;  ///< of a line of this form
+    std::size_t count = 0;
+    std::uint8_t bytes[kMostBytes] = {};
+  };
+
+  template <typename Form>
+  static bool parseGroups(std::string_view text, Line& line);
+  static bool parse(std::string_view text, Line& line);
+  bool follows(const Line& line) const;
+  void repeatUpTo(std::uint64_t address);
+
+  OutputBuffer& output_;
+  Line previous_;
+  bool started_ = false;
+  bool squeezed_ = false;
+};
+
+}  // namespace vel::veldump

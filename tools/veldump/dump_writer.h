@@ -1,0 +1,85 @@
+// Turns bytes into the lines of a dump, many at once, and squeezes lines that repeat.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+#include "tools/veldump/output_buffer.h"
+#include "util/dump_line.h"
+
+namespace vel::veldump {
+
+/// `Form` is util::HexForm or util::BinaryForm.
+template <typename Form>
+class DumpWriter {
+ public:
+  /// The first byte has the address `offset`.
+  DumpWriter(OutputBuffer& output, std::uint64_t offset, bool squeeze)
+      : output_(output), offset_(offset), squeeze_(squeeze) {}
+
+  /// Takes all whole lines and returns how many bytes these are.
+  std::size_t write(const std::uint8_t* data, std::size_t size) {
+    const std::size_t whole = size - size % Form::kBytes;
+    for (std::size_t done = 0; done < whole;)
+      done += squeeze_ ? writeUnlessRepeated(data + done) : writeMany(data + done, whole - done);
+    return whole;
+  }
+
+  /// Takes the rest, which is less than a line. Behind a squeezed run the last line is shown, so that the
+  /// dump tells how long the bytes are.
+  void finish(const std::uint8_t* rest, std::size_t size) {
+    if (size > 0) {
+      endRun();
+      writeLine(offset_, rest, size);
+    } else if (repeated_ > 0) {
+      --repeated_;
+      endRun();
+      writeLine(offset_ - Form::kBytes, previous_, Form::kBytes);
+    }
+  }
+
+ private:
+  static constexpr std::size_t kLongest = util::LineLayout<Form>::kLongest + 1;
+  static constexpr std::size_t kMostLines = OutputBuffer::kCapacity / kLongest;
+
+  std::size_t writeMany(const std::uint8_t* data, std::size_t size) {
+    const std::size_t lines = std::min(size / Form::kBytes, kMostLines);
+    char* out = output_.reserve(lines * kLongest);
+    for (std::size_t line = 0; line < lines; ++line, offset_ += Form::kBytes)
+      out = util::writeLine<Form>(out, offset_, data + line * Form::kBytes, Form::kBytes);
+    output_.commit(out);
+    return lines * Form::kBytes;
+  }
+
+  std::size_t writeUnlessRepeated(const std::uint8_t* data) {
+    if (hasPrevious_ && std::memcmp(previous_, data, Form::kBytes) == 0) {
+      ++repeated_;
+    } else {
+      endRun();
+      writeLine(offset_, data, Form::kBytes);
+      std::memcpy(previous_, data, Form::kBytes);
+      hasPrevious_ = true;
+    }
+    offset_ += Form::kBytes;
+    return Form::kBytes;
+  }
+
+  void endRun() {
+    if (repeated_ > 0) output_.append("*\n", 2);
+    repeated_ = 0;
+  }
+
+  void writeLine(std::uint64_t offset, const std::uint8_t* data, std::size_t size) {
+    output_.commit(util::writeLine<Form>(output_.reserve(kLongest), offset, data, size));
+  }
+
+  OutputBuffer& output_;
+  std::uint64_t offset_;
+  bool squeeze_;
+  bool hasPrevious_ = false;
+  std::uint64_t repeated_ = 0;  ///< lines since the last one that was written
+  std::uint8_t previous_[Form::kBytes] = {};
+};
+
+}  // namespace vel::veldump

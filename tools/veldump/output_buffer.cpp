@@ -1,0 +1,35 @@
+// Gathers output for standard output.
+#include "tools/veldump/output_buffer.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "platform/byte_files.h"
+
+namespace vel::veldump {
+
+OutputBuffer::OutputBuffer() : buffer_(std::make_unique<char[]>(kCapacity)) {}
+
+char* OutputBuffer::reserve(std::size_t size) {
+  if (kCapacity - used_ < size) flush();
+  return buffer_.get() + used_;
+}
+
+void OutputBuffer::append(const char* text, std::size_t size) {
+  while (size > 0) {
+    const std::size_t part = std::min(size, kCapacity);
+    char* const out = reserve(part);
+    std::memcpy(out, text, part);
+    commit(out + part);
+    text += part;
+    size -= part;
+  }
+}
+
+void OutputBuffer::flush() {
+  const std::size_t size = used_;
+  used_ = 0;
+  if (!platform::writeBytes(platform::kStandardOutput, buffer_.get(), size)) throw OutputFailure();
+}
+
+}  // namespace vel::veldump

@@ -1,0 +1,61 @@
+// What veldump says, as a string table: ids are the indexes.
+#pragma once
+
+#include <iterator>
+
+namespace vel::veldump {
+
+enum TextId : unsigned long {
+  kTitle = 2,
+  kDescription,
+  kUsage,
+  kHelp,
+  kNotOpened,
+  kNotRead,
+  kNotWritten,
+  kNumberExpected,
+  kWidthExpected,
+  kReverseAlone,
+  kNoDumpLine,
+  kStandardInputName,
+  kTextEnd
+};
+
+inline constexpr const char* kUsageText =
+    "[-bin] [(-offset <number>)] [(-length <number>)]\n"
+    "[(-width <bytes>)] [-squeeze] [-reverse] [<file> ...]";
+
+inline constexpr const char* kTexts[] = {
+    "[VEL_MSGTAB_SIGNATURE] 13",
+    "[VELDUMP]",
+    "Hexadecimal and binary dump",
+    "shows the bytes of files, and turns dumps back into bytes",
+    kUsageText,
+    "-bin              binary digits, 8 bytes a line, instead of hexadecimal, 16 a line\n"
+    "-offset <number>  begin there; decimal, or hexadecimal with 0x\n"
+    "-length <number>  show at most as many\n"
+    "-width <bytes>    size of an element, 1, 2, 4 or 8: offset and length count elements.\n"
+    "                  The lines look the same: bytes in the order of the file\n"
+    "-squeeze          a line \"*\" stands for all lines that repeat the one before;\n"
+    "                  the last line is always shown\n"
+    "-reverse          write the bytes that a dump shows; of its lines address and digits\n"
+    "                  count. The first address is where the bytes begin\n"
+    "<file> ...        standard input without one; several get headings\n"
+    "@\n"
+    "Addresses are the bytes' offsets in their file. \"__\" stands where a line has no byte,\n"
+    "\".\" for a byte without a printable ASCII character.\n"
+    "Dumps go to standard output, everything else to standard error.\n"
+    "Exit codes: 0 success, 1 a file could not be read or is no dump, 2 output could not\n"
+    "be written, 201 to 204 faults of the command line.",
+    "The file could not be opened",
+    "The file could not be read to its end",
+    "The output could not be written",
+    "A number is expected",
+    "The width must be 1, 2, 4 or 8",
+    "Beside -reverse only file names can be given",
+    "This is no line of a dump, or does not follow the line before it",
+    "standard input",
+};
+static_assert(std::size(kTexts) == kTextEnd);
+
+}  // namespace vel::veldump

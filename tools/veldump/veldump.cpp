@@ -1,0 +1,235 @@
+// veldump: shows the bytes of files, and turns dumps back into bytes.
+#include <charconv>
+#include <cstring>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "platform/byte_files.h"
+#include "platform/platform.h"
+#include "tools/standard_switches.h"
+#include "tools/veldump/byte_source.h"
+#include "tools/veldump/dump_parser.h"
+#include "tools/veldump/dump_writer.h"
+#include "tools/veldump/texts.h"
+#include "vel_include/vel_consoleui.h"
+#include "vel_include/vel_filesys.h"
+
+namespace {
+
+using namespace vel::veldump;
+using vel::util::BinaryForm;
+using vel::util::HexForm;
+
+constexpr int kExitNotRead = 1;
+constexpr int kExitNotWritten = 2;
+constexpr std::size_t kChunkSize = std::size_t{64} * 1024;
+
+/// The console user interface with the tool's own texts.
+class Tool : public VelClConsoleUI {
+ public:
+  Tool(int argc, const char* const* argv)
+      : VelClConsoleUI(argc, argv), texts_(kTexts, kTextEnd), chunk_(kChunkSize) {}
+
+  const VelClMessageCatalog& getMessageCatalog() const override { return texts_; }
+  /// The exit code.
+  int run();
+  void reportOutputFailure() const { report(kNotWritten, nullptr); }
+
+ private:
+  void report(TextId text, const char* argument) const;
+  void readSwitches();
+  [[noreturn]] void refuseReverse() const;
+  std::uint64_t countOf(const char* switchName, std::uint64_t otherwise) const;
+  std::uint64_t widthOfElements() const;
+  std::vector<const char*> files() const;
+  void writeHeading(const char* file);
+  bool handle(const char* file);
+  template <typename Form>
+  bool dump(ByteSource& source);
+  bool reverse(ByteSource& source, const char* file);
+  bool takeLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineNumber);
+  bool fillChunk(ByteSource& source, std::size_t& size);
+
+  VelClMessageCatalog texts_;
+  std::vector<std::uint8_t> chunk_;
+  OutputBuffer output_;
+  Range range_;
+  bool binary_ = false;
+  bool squeeze_ = false;
+  bool reverse_ = false;
+  bool hasHeading_ = false;
+};
+
+void Tool::report(TextId text, const char* argument) const {
+  error(std::cerr, VelClMessage(texts_, text).getAsCString(), argument);
+}
+
+/// A number of elements in bytes, as large as it can be when that is too large.
+std::uint64_t scaled(std::uint64_t count, std::uint64_t width) {
+  constexpr std::uint64_t kMost = Range().length;
+  return count > kMost / width ? kMost : count * width;
+}
+
+bool parseCount(const char* text, std::uint64_t& count) {
+  const bool hexadecimal = std::strncmp(text, "0x", 2) == 0 || std::strncmp(text, "0X", 2) == 0;
+  const char* const digits = text + (hexadecimal ? 2 : 0);
+  const char* const end = digits + std::strlen(digits);
+  const auto [stop, error] = std::from_chars(digits, end, count, hexadecimal ? 16 : 10);
+  return error == std::errc() && stop == end;
+}
+
+std::uint64_t Tool::countOf(const char* switchName, std::uint64_t otherwise) const {
+  const char* text = nullptr;
+  std::uint64_t count = otherwise;
+  if (hasArgString(switchName, text) && !parseCount(text, count))
+    fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, VelClMessage(texts_, kNumberExpected).getAsCString(), text);
+  return count;
+}
+
+std::uint64_t Tool::widthOfElements() const {
+  const std::uint64_t width = countOf("width", 1);
+  if (width == 1 || width == 2 || width == 4 || width == 8) return width;
+  fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, VelClMessage(texts_, kWidthExpected).getAsCString());
+}
+
+void Tool::refuseReverse() const {
+  report(kReverseAlone, nullptr);
+  displayUsage(true);
+  processExit(CONUI_USAGE);
+}
+
+void Tool::readSwitches() {
+  binary_ = hasArgSwitch("bin");
+  squeeze_ = hasArgSwitch("squeeze");
+  reverse_ = hasArgSwitch("reverse");
+  if (reverse_)
+    for (const char* other : {"bin", "squeeze", "offset", "length", "width"})
+      if (hasArgSwitch(other)) refuseReverse();
+  const std::uint64_t width = widthOfElements();
+  range_.offset = scaled(countOf("offset", 0), width);
+  range_.length = scaled(countOf("length", Range().length), width);
+}
+
+std::vector<const char*> Tool::files() const {
+  std::vector<const char*> names;
+  VelClArgvFreeCursor argument(*this);
+  for (bool more = argument.setToFirst(); more; more = argument.setToNext())
+    names.push_back(argument.getAsCString());
+  if (names.empty()) names.push_back(nullptr);
+  return names;
+}
+
+int Tool::run() {
+  setOutputStream(std::cerr);
+  init(kTitle, kDescription, nullptr, nullptr);
+  handleUsageHelp(kUsage, kHelp);
+  readSwitches();
+  const std::vector<const char*> names = files();
+  hasHeading_ = names.size() > 1 && !reverse_;
+  bool complete = true;
+  for (const char* name : names) complete = handle(name) && complete;
+  output_.flush();
+  return complete ? 0 : kExitNotRead;
+}
+
+void Tool::writeHeading(const char* file) {
+  const std::string heading = std::string("==> ") + file + " <==\n";
+  output_.append(heading.data(), heading.size());
+}
+
+/// Null is standard input. False when the file could not be read to its end, or is no dump.
+bool Tool::handle(const char* file) {
+  ByteSource source(file);
+  if (file == nullptr) file = kTexts[kStandardInputName];
+  if (!source.isOpen()) {
+    report(kNotOpened, file);
+    return false;
+  }
+  if (hasHeading_) writeHeading(file);
+  if (reverse_) return reverse(source, file) && !source.hasFailed();
+  // A terminal that shows the dump has no place for a progress bar.
+  const bool isLong = source.narrow(range_) && !vel::platform::isTerminal(vel::platform::kStandardOutput);
+  const std::uint64_t expected = isLong ? source.expectedBytes() : 0;
+  if (expected > 0) progressStart(expected, file);
+  const bool complete = binary_ ? dump<BinaryForm>(source) : dump<HexForm>(source);
+  if (expected > 0) progressStop();
+  if (!complete) report(kNotRead, file);
+  return complete;
+}
+
+/// Reads behind the `size` bytes that are left in the chunk. False at the end.
+bool Tool::fillChunk(ByteSource& source, std::size_t& size) {
+  const std::size_t count = source.read(chunk_.data() + size, chunk_.size() - size);
+  size += count;
+  progressStep(count);
+  return count > 0;
+}
+
+template <typename Form>
+bool Tool::dump(ByteSource& source) {
+  DumpWriter<Form> writer(output_, range_.offset, squeeze_);
+  std::size_t size = 0;
+  while (fillChunk(source, size)) {
+    const std::size_t written = writer.write(chunk_.data(), size);
+    size -= written;
+    std::memmove(chunk_.data(), chunk_.data() + written, size);
+  }
+  writer.finish(chunk_.data(), size);
+  return !source.hasFailed();
+}
+
+bool Tool::reverse(ByteSource& source, const char* file) {
+  DumpParser parser(output_);
+  std::size_t size = 0;
+  std::uint64_t lineNumber = 0;
+  bool good = true;
+  while (good && size < chunk_.size() && fillChunk(source, size)) good = takeLines(parser, size, lineNumber);
+  const std::string_view last(reinterpret_cast<const char*>(chunk_.data()), size);
+  if (good && !last.empty()) {
+    ++lineNumber;
+    good = parser.takeLine(last);
+  }
+  if (source.hasFailed()) {
+    report(kNotRead, file);
+  } else if (!good || !parser.canEnd()) {
+    output_.flush();
+    error(std::cerr, VelClMessage(texts_, kNoDumpLine).getAsCString(), file,
+          std::to_string(lineNumber).c_str());
+    return false;
+  }
+  return true;
+}
+
+/// Hands over the whole lines of the chunk and leaves the rest at its start.
+bool Tool::takeLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineNumber) {
+  std::string_view text(reinterpret_cast<const char*>(chunk_.data()), size);
+  for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
+    ++lineNumber;
+    if (!parser.takeLine(text.substr(0, end))) return false;
+    text.remove_prefix(end + 1);
+  }
+  size = text.size();
+  std::memmove(chunk_.data(), text.data(), size);
+  return true;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  velFileSetBinaryMode(vel::platform::kStandardInput, true);
+  velFileSetBinaryMode(vel::platform::kStandardOutput, true);
+  if (vel::tools::answerStandardSwitches(argc, argv,
+                                         {"veldump", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]}))
+    return std::cout.good() ? 0 : kExitNotWritten;
+  Tool tool(argc, argv);
+  try {
+    return tool.run();
+  } catch (const OutputFailure&) {
+    tool.reportOutputFailure();
+    return kExitNotWritten;
+  } catch (const VelClException& exception) {
+    tool.exception(exception, kTexts[kTitle]);
+    tool.processExit(CONUI_USAGE);
+  }
+}
