@@ -21,6 +21,10 @@ VelClFilename& VelClFilename::operator=(const char* text) {
   return *this;
 }
 
+VelClFilename& VelClFilename::operator=(const VelClTmpFilename& other) {
+  return *this = static_cast<const VelClFilename&>(other);
+}
+
 void VelClFilename::setNew(const char* path, const char* name) {
   init(path, name, nullptr);
 }
@@ -67,4 +71,11 @@ void VelClFilename::removePath() {
   copyStyle(style);
   base_ = name_;
   extension_ = name_ + extensionOffset;
+}
+
+void VelClFilename::appendBehindExtension(const char* text) {
+  PathText<> appended;
+  appended.append(name_);
+  appended.append(text);
+  length_ = vel::filesys::copyBounded(name_, appended.text(), appended.length());
 }

@@ -52,6 +52,50 @@ SystemError renameFile(const char* from, const char* to) noexcept;
 bool currentDirectory(char* out, std::size_t capacity) noexcept;
 /// The directory for scratch files that the system knows beyond TMP and TEMP; never null.
 const char* fallbackTmpDirectory() noexcept;
+/// The drive of absolute names in slash style: "C:" where they are the system's own, else "".
+const char* driveOfSlashNames() noexcept;
+/// Creates a file that did not exist, for this user alone, and opens it for reading and writing bytes.
+/// Children do not inherit the descriptor. -1 with the reason in `error`: EEXIST for any entry of that
+/// name, also a link that leads nowhere.
+int createExclusively(const char* name, SystemError& error) noexcept;
+
+// ---- Directories (directories.cpp) -----------------------------------------------------------
+
+enum class WalkStep { Entry, End, Failed };
+
+/// What to do about a link (on Windows a junction, too) in the place of a directory.
+enum class DirectoryLink { Follow, Refuse };
+
+/// An open directory: its listing, and the place where operations on its entries start from,
+/// whatever its path leads to by then.
+struct DirectoryHandle {
+  void* system = nullptr;    ///< null when nothing is open
+  std::uint32_t listed = 0;  ///< how many of "." and ".." were listed, where the system need not list them
+};
+
+/// One directory entry, described alike on every system. A link is never a directory.
+struct DirectoryEntry {
+  std::uint32_t attributes;
+  char name[261];  ///< cut to 260 characters, terminated
+  /// The system's own spelling, terminated, for openEntry and removeEntry.
+  alignas(2) unsigned char systemName[522];
+};
+
+/// ENOTDIR for everything but a directory, a refused link included.
+SystemError openDirectory(const char* name, DirectoryLink link, DirectoryHandle& directory) noexcept;
+void closeDirectory(DirectoryHandle& directory) noexcept;
+/// Moves to the next entry. The end of the list is not an error; after Failed, errno (on Windows the
+/// last error) has the reason.
+WalkStep nextEntry(DirectoryHandle& directory, DirectoryEntry& entry) noexcept;
+/// Opens a directory in a directory; never follows a link. ENOTDIR as above.
+SystemError openEntry(const DirectoryHandle& directory, const DirectoryEntry& entry,
+                      DirectoryHandle& opened) noexcept;
+/// Removes a file, a link itself, or, if the entry's attributes say so, an empty directory.
+SystemError removeEntry(const DirectoryHandle& directory, const DirectoryEntry& entry) noexcept;
+SystemError makeDirectory(const char* name) noexcept;
+/// Removes an empty directory or the link in its place.
+SystemError removeDirectory(const char* name) noexcept;
+SystemError changeDirectory(const char* name) noexcept;
 
 // ---- Descriptors (descriptors.cpp) -----------------------------------------------------------
 

@@ -1,6 +1,7 @@
-// Names of files and directories, and files. Back-slash names work on every system: on Linux the
-// drive is dropped, "\\" becomes "/", and a component that does not exist as written is looked
-// for ignoring ASCII letter case. Names in slash style pass to the system as they are.
+// Names of files and directories, files, directories and walks over them. Back-slash names work on every
+// system: on Linux the drive is dropped, "\\" becomes "/", and a component that does not exist as written is
+// looked for ignoring ASCII letter case; the server and share of a network name become directories. Names in slash
+// style pass to the system as they are.
 #ifndef VEL_FILESYS_H_
 #define VEL_FILESYS_H_
 
@@ -13,6 +14,17 @@
 /// The longest name of a file or directory, in characters; longer texts are cut. Buffers that
 /// functions below write to hold one character more.
 #define VEL_MAX_PATH_LENGTH 260
+
+/// Makes a new file for reading and writing bytes and returns its descriptor, which the caller closes with
+/// the runtime's close (on Windows _close). The file is made only if its name is free, in one step of the
+/// system: however many threads and processes ask at once, each gets a file of its own. Children do not
+/// inherit the descriptor; on Linux only the user can open the file. The caller removes the file.
+/// `directory` may be null: velGetTmpDirectory then. `prefix` may be null: "TMP" then; otherwise its first 5
+/// characters begin the file's name, which is made like that of a VelClTmpFilename. `name` is a buffer of
+/// VEL_MAX_PATH_LENGTH + 1 characters and receives directory and name.
+/// On failure -1 is returned, and `name` is "": the directory is missing, cannot be written to, or
+/// leaves no room for a name of twelve characters, or the names are used up.
+VEL_C_API int velTmpFileCreate(const char* directory, const char* prefix, char* name);
 
 /// The directory for scratch files: the value of TMP when set (even when empty), else of TEMP, else
 /// "C:\\" on Windows; on Linux TMPDIR and "/tmp" follow TEMP. The text belongs to the environment.
@@ -32,6 +44,7 @@ VEL_C_API bool velFileSetBinaryMode(int fd, bool binary);
 
 class VelClFilename;
 class VelClLocation;
+class VelClTmpFilename;
 
 /// Decides from a name's text alone which style it has, whether it begins with a network server and
 /// share, and whether it is absolute. The text is not copied: its owner keeps it alive.
@@ -165,6 +178,7 @@ class VEL_API VelClFilename : public VelClFilenameABase {
 
   VelClFilename& operator=(const char* text);
   VelClFilename& operator=(const VelClFilename& other) = default;
+  VelClFilename& operator=(const VelClTmpFilename& other);
 
   /// Directory and name, joined.
   void setNew(const char* path, const char* name);
@@ -180,6 +194,10 @@ class VEL_API VelClFilename : public VelClFilenameABase {
   void setNewPath(const VelClLocation& location);
   /// Leaves the base name with extension, and keeps the style.
   void removePath();
+
+ protected:
+  /// Puts `text` behind the whole name; the extension still begins where it did.
+  void appendBehindExtension(const char* text);
 };
 
 /// A directory's name. It ends with a separator unless it is empty, and has at most 260 characters
@@ -257,6 +275,7 @@ class VEL_API VelClFile : public VelClFileABase {
  public:
   /// `defaultType`, unless null, becomes the extension of a name without one.
   VelClFile(const VelClFilenameABase& name, const char* defaultType);
+  VelClFile(const char* name, const char* defaultType) : VelClFile(VelClFilename(name), defaultType) {}
   VelClFile(const VelClFile&) = default;
   VelClFile& operator=(const VelClFile&) = default;
   ~VelClFile() override;
@@ -293,11 +312,13 @@ class VEL_API VelClFile : public VelClFileABase {
   /// when this file is read-only. FILE_COULD_NOT_COPY with IO_PROBLEM, or FILE_COULD_NOT_COPY_SELF
   /// with INCONSISTENT_SITUATION when the target has this file's name.
   bool copyTo(const VelClFilenameABase& target, bool keepAttributes);
+  bool copyTo(const char* target, bool keepAttributes) { return copyTo(VelClFilename(target), keepAttributes); }
   /// Into a directory, under the same name.
   bool copyTo(const VelClLocation& directory, bool keepAttributes);
   /// Renames the file and takes over the new name. An existing target is refused:
   /// FILE_COULD_NOT_RENAME with IO_ALREADY_IN_USE, otherwise IO_PERMISSION_DENIED.
   bool renameAs(const VelClFilenameABase& newName);
+  bool renameAs(const char* newName) { return renameAs(VelClFilename(newName)); }
 
  protected:
   /// Looks for `file` as it is, then under its last component in each directory of the ";"-separated
@@ -313,6 +334,191 @@ class VEL_API VelClFile : public VelClFileABase {
  private:
   VelClFilename filename_;
   _VelStError lastError_;
+};
+
+/// A file name that was free when the object was built: up to 5 characters of a prefix, random ones up to
+/// 8, a dot, and the last three digits of the process identifier, units first. Nothing is created, and
+/// objects built in the same millisecond get the same name; velTmpFileCreate has neither weakness.
+/// The search tries names until one is free. When the directory leaves no room for the random characters,
+/// or all names are taken, it gives up after some repetitions: the name then exists, or is cut.
+class VEL_API VelClTmpFilename : public VelClFilename {
+ public:
+  /// In velGetTmpDirectory, with the prefix "TMP".
+  VelClTmpFilename();
+  /// Null counts as "", which makes all 8 characters random.
+  explicit VelClTmpFilename(const char* prefix);
+  explicit VelClTmpFilename(const VelClLocation& directory);
+  VelClTmpFilename(const VelClLocation& directory, const char* prefix);
+  VelClTmpFilename(const char* directory, const char* prefix);
+  /// In the directory of `model`.
+  VelClTmpFilename(const VelClFilename& model, const char* prefix);
+
+ private:
+  void initPrefix(const char* prefix);
+};
+
+/// The name of a file's backup copy: ".BAK" behind the whole name. The extension of "a.txt.BAK" is
+/// ".txt.BAK", that of "a.BAK" is ".BAK". What exceeds 260 characters is cut, so that a name of 260
+/// characters stays as it is.
+class VEL_API VelClBakFilename : public VelClFilename {
+ public:
+  explicit VelClBakFilename(const VelClFilenameABase& name);
+};
+
+/// A directory, by an absolute name in back-slash style that ends with "\\". Operations that fail return
+/// false and leave the reason in getLastError; one that succeeds clears it. Nothing throws.
+/// A name that cannot be made absolute, or would exceed 260 characters with its separator, is refused:
+/// the object is built with the name "" and DIRECTORY_EXPANSION_FAILED with class IO_INVALID_NAME.
+class VEL_API VelClDirectory : public VelClFileABase {
+ public:
+  /// The current directory.
+  VelClDirectory();
+  /// "/" becomes "\\", and a relative name is expanded as expandRelativePath says, from the current
+  /// directory. On Linux "/dir" becomes "C:\\dir\\". "" is the current directory.
+  explicit VelClDirectory(const char* name);
+  explicit VelClDirectory(const VelClLocation& name);
+  VelClDirectory(const VelClDirectory&) = default;
+  VelClDirectory& operator=(const VelClDirectory&) = default;
+  ~VelClDirectory() override;
+
+  operator const char*() const override;
+  const char* getAsCString() const override;
+  /// Whether the file system has an entry of this name.
+  bool isExistent() const override;
+  /// Always true.
+  bool isDirectory() const override;
+  /// Always false.
+  bool isFile() const override;
+  /// removeAll(false).
+  bool remove() override;
+  int64_t getDateTimeOfCreation() const override;
+  int64_t getDateTimeOfLastAccess() const override;
+  int64_t getDateTimeOfLastModification() const override;
+
+  const VelClLocation& getName() const { return name_; }
+  const _VelStError& getLastError() const { return lastError_; }
+  /// The number of "\\" less one: "C:\\a\\b\\" has 2. Those of a server and share count too. 0 for "".
+  unsigned int getNumOfSubDirs() const;
+
+  /// Makes every directory of the name that does not exist; what was made stays when a later one fails.
+  /// DIRECTORY_COULD_NOT_CREATE with class IO_NOT_EXISTENT.
+  bool create();
+  /// Makes this the process's current directory, for all threads. DIRECTORY_COULD_NOT_CHANGE with
+  /// class IO_NOT_EXISTENT.
+  bool setAsCurrent();
+  /// Goes into `sub`, whose "..\\" components lead up again; its server and share are left out. Leading
+  /// above the root, or a name that is too long, leaves the name "" and DIRECTORY_EXPANSION_FAILED.
+  void attachSubDir(const VelClLocation& sub);
+  /// Go up one level, or `count` levels. DIRECTORY_COULD_NOT_DETACH with class LOGIC at the root;
+  /// levels already left stay left.
+  bool detachLastSubDir();
+  bool detachSubDirs(unsigned int count);
+
+  /// Removes the directory, which must be empty, or with its contents. DIRECTORY_COULD_NOT_REMOVE with class
+  /// IO_STILL_IN_USE when access is denied, otherwise IO_INVALID_NAME.
+  /// Contents go one by one until the first that cannot be removed; what is gone then is gone. On
+  /// Windows that is so for a read-only file. A directory below whose name has a "." as its first or
+  /// second character is kept with its contents, and so is what lies more than 256 levels below; either
+  /// makes the removal fail. A root keeps its contents, as it cannot be removed.
+  /// Links and junctions are never followed: they are removed themselves, also when they take a
+  /// directory's place while the removal runs, or have this directory's name. Names may have any length.
+  bool removeAll(bool withContents);
+
+  /// The same as isRelativePath and expandRelativePath.
+  static bool isRelativeDirectory(const char* path);
+  static bool expandRelativeDirectory(char* path);
+
+ private:
+  bool fail(unsigned long id, VelEnErrorClass errorClass);
+  bool succeed();
+  void setNewName(const char* begin, const char* rest);
+
+  VelClLocation name_;
+  _VelStError lastError_;
+};
+
+/// Lists the entries of one directory, "." and ".." among them, in the system's order. Failures go to the
+/// caller's record, which outlives the walker; nothing throws.
+/// A link or junction is listed as what it is, not as what it leads to: it is no directory. A name above 260
+/// characters is cut.
+class VEL_API VelClOSSDirectoryWalker {
+ public:
+  /// Stands at the first entry, or is not valid after DIRWALK_COULD_NOT_INIT with class IO_PROBLEM.
+  /// The empty name stands for the current directory.
+  VelClOSSDirectoryWalker(const VelClLocation& directory, _VelStError& error);
+  VelClOSSDirectoryWalker(const VelClOSSDirectoryWalker&) = delete;
+  VelClOSSDirectoryWalker& operator=(const VelClOSSDirectoryWalker&) = delete;
+  ~VelClOSSDirectoryWalker();
+
+  /// Whether the walker stands at an entry. When it does not, the answers below are false and the entry's
+  /// name is "".
+  bool isValid() const { return valid_; }
+  /// False behind the last entry, which is no error, and when the listing breaks off:
+  /// DIRWALK_NO_CONTINUATION with class IO_PROBLEM.
+  bool setToNext();
+
+  bool isDirectory() const;
+  bool isHidden() const;
+  bool isReadOnly() const;
+  /// A directory named ".".
+  bool isCurrentDirectory() const;
+  /// A directory whose name begins with "..".
+  bool isParentDirectory() const;
+  /// A directory whose name has no "." as its first or second character: neither ".cache" nor "a.b".
+  bool isSubDirectory() const;
+  /// The entry's name, and the same behind the directory's. Both belong to the walker and change
+  /// with the next step.
+  const char* getBaseName() const { return name_; }
+  const char* getFullName() const { return buffer_; }
+
+ private:
+  bool takeNext();
+  void close();
+
+  char buffer_[2 * VEL_MAX_PATH_LENGTH + 1];
+  char* name_;
+  bool valid_;
+  _VelStError& error_;
+  void* search_;
+  uint32_t listed_;
+  uint32_t attributes_;
+};
+
+/// A walk over a directory's entries:
+///
+///   for (VelClDirectoryWalk walk(directory); walk.isValid(); walk.setToNext())
+///     if (walk.isFile()) std::puts(walk.getNameWithPath());
+///
+/// Everything said about VelClOSSDirectoryWalker holds here.
+class VEL_API VelClDirectoryWalk {
+ public:
+  explicit VelClDirectoryWalk(const VelClDirectory& directory);
+  explicit VelClDirectoryWalk(const VelClLocation& directory);
+  VelClDirectoryWalk(const VelClDirectoryWalk&) = delete;
+  VelClDirectoryWalk& operator=(const VelClDirectoryWalk&) = delete;
+  ~VelClDirectoryWalk();
+
+  bool isValid() const { return walker_.isValid(); }
+  bool setToNext() { return walker_.setToNext(); }
+  bool isDirectory() const { return walker_.isDirectory(); }
+  /// Whether the entry is anything but a directory.
+  bool isFile() const { return walker_.isValid() && !walker_.isDirectory(); }
+  bool isHidden() const { return walker_.isHidden(); }
+  bool isReadOnly() const { return walker_.isReadOnly(); }
+  bool isCurrentDirectory() const { return walker_.isCurrentDirectory(); }
+  bool isParentDirectory() const { return walker_.isParentDirectory(); }
+  bool isSubDirectory() const { return walker_.isSubDirectory(); }
+  const char* getNameWithPath() const { return walker_.getFullName(); }
+  const char* getNameWithoutPath() const { return walker_.getBaseName(); }
+  /// The entry's name against "*" and "?", see velMatchesWildcardPattern. Letter case counts if the
+  /// directory's name is in the slash style.
+  bool matchesWildcardPattern(const char* pattern) const;
+  const _VelStError& getLastError() const { return error_; }
+
+ private:
+  _VelStError error_;
+  VelClOSSDirectoryWalker walker_;
+  bool caseSensitive_;
 };
 
 #endif

@@ -1,4 +1,5 @@
 // Files and attributes. Copying is file_copy.cpp's work.
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -63,7 +64,8 @@ bool statusOf(const char* name, EntryStatus& out) noexcept {
   const NativePath path(name);
   struct stat status;
   if (!readStatus(path, status)) return false;
-  out.sizeInBytes = static_cast<std::uint64_t>(status.st_size);
+  // A directory has no size of its own, on any system.
+  out.sizeInBytes = S_ISDIR(status.st_mode) ? 0 : static_cast<std::uint64_t>(status.st_size);
   out.changed = status.st_ctime;
   out.accessed = status.st_atime;
   out.modified = status.st_mtime;
@@ -85,13 +87,15 @@ SystemError makeRemovable(const char* name) noexcept {
   if (!path.fits()) return ENAMETOOLONG;
   struct stat status;
   if (lstat(path.get(), &status) != 0) return errno;
-  return S_ISLNK(status.st_mode) ? 0 : setReadOnly(name, false);
+  return S_ISREG(status.st_mode) ? setReadOnly(name, false) : 0;
 }
 
 SystemError removeFile(const char* name) noexcept {
   const NativePath path(name);
-  if (!path.fits()) return ENAMETOOLONG;
-  return unlink(path.get()) == 0 ? 0 : errno;
+  if (!path.fits()) return ENOENT;
+  if (unlink(path.get()) == 0) return 0;
+  // A name that no file can have is not there, as on Windows.
+  return errno == ENOTDIR || errno == ENAMETOOLONG ? ENOENT : errno;
 }
 
 SystemError renameFile(const char* from, const char* to) noexcept {
@@ -120,6 +124,22 @@ bool currentDirectory(char* out, std::size_t capacity) noexcept {
 const char* fallbackTmpDirectory() noexcept {
   const char* const directory = std::getenv("TMPDIR");
   return directory != nullptr && *directory != '\0' ? directory : "/tmp";
+}
+
+const char* driveOfSlashNames() noexcept {
+  return "C:";
+}
+
+int createExclusively(const char* name, SystemError& error) noexcept {
+  const NativePath path(name);
+  error = ENAMETOOLONG;
+  if (!path.fits()) return -1;
+  int descriptor = -1;
+  do {
+    descriptor = open(path.get(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+  } while (descriptor < 0 && errno == EINTR);
+  error = descriptor < 0 ? errno : 0;
+  return descriptor;
 }
 
 }  // namespace vel::platform

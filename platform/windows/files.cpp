@@ -116,4 +116,15 @@ const char* fallbackTmpDirectory() noexcept {
   return "C:\\";
 }
 
+const char* driveOfSlashNames() noexcept {
+  return "";
+}
+
+int createExclusively(const char* name, SystemError& error) noexcept {
+  const int descriptor =
+      _open(name, _O_RDWR | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
+  error = descriptor < 0 ? errno : 0;
+  return descriptor;
+}
+
 }  // namespace vel::platform

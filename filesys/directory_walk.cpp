@@ -1,0 +1,15 @@
+// The public walk: a walker with the error record that it reports to.
+#include "vel_include/vel_filesys.h"
+#include "vel_include/vel_util.h"
+
+VelClDirectoryWalk::VelClDirectoryWalk(const VelClDirectory& directory)
+    : VelClDirectoryWalk(directory.getName()) {}
+
+VelClDirectoryWalk::VelClDirectoryWalk(const VelClLocation& directory)
+    : walker_(directory, error_), caseSensitive_(directory.isCaseSensitive()) {}
+
+VelClDirectoryWalk::~VelClDirectoryWalk() = default;
+
+bool VelClDirectoryWalk::matchesWildcardPattern(const char* pattern) const {
+  return isValid() && velMatchesWildcardPattern(pattern, getNameWithoutPath(), caseSensitive_);
+}

@@ -1,0 +1,81 @@
+// One directory's entries, with what their names and attributes tell.
+#include <cstring>
+
+#include "filesys/directory_entry.h"
+#include "filesys/path_text.h"
+#include "platform/platform.h"
+#include "vel_include/vel_filesys.h"
+
+namespace platform = vel::platform;
+
+VelClOSSDirectoryWalker::VelClOSSDirectoryWalker(const VelClLocation& directory, _VelStError& error)
+    : buffer_{},
+      name_(buffer_ + directory.getLength()),
+      valid_(false),
+      error_(error),
+      search_(nullptr),
+      listed_(0),
+      attributes_(0) {
+  vel::filesys::copyBounded(buffer_, directory.getAsCString(), directory.getLength());
+  platform::DirectoryHandle opened;
+  const char* const place = directory.getLength() != 0 ? directory.getAsCString() : ".";
+  if (platform::openDirectory(place, platform::DirectoryLink::Follow, opened) == 0) search_ = opened.system;
+  if (search_ == nullptr || !takeNext()) error_ = {DIRWALK_COULD_NOT_INIT, VelEnErrorClass::IO_PROBLEM};
+}
+
+VelClOSSDirectoryWalker::~VelClOSSDirectoryWalker() {
+  close();
+}
+
+void VelClOSSDirectoryWalker::close() {
+  platform::DirectoryHandle handle{search_, listed_};
+  platform::closeDirectory(handle);
+  search_ = nullptr;
+  valid_ = false;
+  attributes_ = 0;
+  *name_ = '\0';
+}
+
+bool VelClOSSDirectoryWalker::takeNext() {
+  platform::DirectoryHandle handle{search_, listed_};
+  platform::DirectoryEntry entry;
+  const platform::WalkStep step = platform::nextEntry(handle, entry);
+  if (step == platform::WalkStep::Entry) {
+    listed_ = handle.listed;
+    attributes_ = entry.attributes;
+    vel::filesys::copyBounded(name_, entry.name, vel::filesys::kMaxLength);
+    return valid_ = true;
+  }
+  if (step == platform::WalkStep::Failed) error_ = {DIRWALK_NO_CONTINUATION, VelEnErrorClass::IO_PROBLEM};
+  close();
+  return false;
+}
+
+bool VelClOSSDirectoryWalker::setToNext() {
+  return isValid() && takeNext();
+}
+
+bool VelClOSSDirectoryWalker::isDirectory() const {
+  return (attributes_ & platform::kAttributeDirectory) != 0;
+}
+
+bool VelClOSSDirectoryWalker::isHidden() const {
+  return (attributes_ & platform::kAttributeHidden) != 0;
+}
+
+bool VelClOSSDirectoryWalker::isReadOnly() const {
+  return (attributes_ & platform::kAttributeReadOnly) != 0;
+}
+
+bool VelClOSSDirectoryWalker::isCurrentDirectory() const {
+  return isDirectory() && std::strcmp(name_, ".") == 0;
+}
+
+bool VelClOSSDirectoryWalker::isParentDirectory() const {
+  // "..x" counts, too. Keep.
+  return isDirectory() && name_[0] == '.' && name_[1] == '.';
+}
+
+bool VelClOSSDirectoryWalker::isSubDirectory() const {
+  return isDirectory() && vel::filesys::isSubDirectoryName(name_);
+}

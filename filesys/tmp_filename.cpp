@@ -1,0 +1,64 @@
+// Names of temporary files, temporary files themselves, and names of backup copies.
+#include <cerrno>
+#include <cstring>
+
+#include "filesys/path_text.h"
+#include "filesys/tmp_name.h"
+#include "platform/platform.h"
+#include "vel_include/vel_filesys.h"
+
+using vel::filesys::Repetitions;
+using vel::filesys::TmpName;
+
+namespace {
+
+constexpr char kPrefix[] = "TMP";
+
+}  // namespace
+
+VelClTmpFilename::VelClTmpFilename() : VelClTmpFilename(kPrefix) {}
+
+VelClTmpFilename::VelClTmpFilename(const char* prefix) : VelClTmpFilename(velGetTmpDirectory(), prefix) {}
+
+VelClTmpFilename::VelClTmpFilename(const VelClLocation& directory) : VelClTmpFilename(directory, kPrefix) {}
+
+VelClTmpFilename::VelClTmpFilename(const VelClLocation& directory, const char* prefix)
+    : VelClTmpFilename(directory.getAsCString(), prefix) {}
+
+VelClTmpFilename::VelClTmpFilename(const char* directory, const char* prefix) {
+  setNew(directory, prefix);
+  initPrefix(prefix);
+}
+
+VelClTmpFilename::VelClTmpFilename(const VelClFilename& model, const char* prefix) : VelClFilename(model) {
+  initPrefix(prefix);
+}
+
+void VelClTmpFilename::initPrefix(const char* prefix) {
+  const VelClLocation directory(*this, false);
+  TmpName names(prefix);
+  Repetitions repetitions;
+  do setNew(directory, names.draw());
+  while (isExistent() && repetitions.mayGoOn(getAsCString()));
+}
+
+int velTmpFileCreate(const char* directory, const char* prefix, char* name) {
+  *name = '\0';
+  TmpName names(prefix != nullptr ? prefix : kPrefix);
+  Repetitions repetitions;
+  for (;;) {
+    vel::platform::SystemError error = 0;
+    const char* const drawn = names.draw();
+    const VelClFilename file(VelClLocation(directory != nullptr ? directory : velGetTmpDirectory(), false),
+                             drawn, nullptr);
+    // A name that was cut may be anybody's.
+    if (std::strcmp(file.getName(), drawn) != 0) return -1;
+    const int descriptor = vel::platform::createExclusively(file.getAsCString(), error);
+    if (descriptor >= 0) vel::filesys::copyBounded(name, file.getAsCString(), file.getLength());
+    if (descriptor >= 0 || error != EEXIST || !repetitions.mayGoOn(drawn)) return descriptor;
+  }
+}
+
+VelClBakFilename::VelClBakFilename(const VelClFilenameABase& name) : VelClFilename(name) {
+  appendBehindExtension(".BAK");
+}

@@ -1,0 +1,158 @@
+// Directories: their entries, and making, entering and removing them. Operations on entries go
+// through the open directory, so that nothing put into the place of a path's component diverts them.
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+
+#include "platform/platform.h"
+#include "platform/posix/native_path.h"
+
+namespace vel::platform {
+
+namespace {
+
+constexpr mode_t kWriteBits = 0222;
+
+/// A path that ends in its last component: with separators behind it, the system would follow a link.
+class PathWithoutEnd {
+ public:
+  explicit PathWithoutEnd(const char* name) noexcept : fits_(false), text_{} {
+    const NativePath path(name);
+    if (!path.fits()) return;
+    std::size_t length = std::strlen(path.get());
+    while (length > 1 && path.get()[length - 1] == '/') --length;
+    fits_ = length < text_.size();
+    if (fits_) std::memcpy(text_.data(), path.get(), length);
+  }
+  bool fits() const noexcept { return fits_; }
+  const char* get() const noexcept { return text_.data(); }
+
+ private:
+  bool fits_;
+  std::array<char, PATH_MAX> text_;
+};
+
+DIR* streamOf(const DirectoryHandle& directory) noexcept {
+  return static_cast<DIR*>(directory.system);
+}
+
+const char* nameOf(const DirectoryEntry& entry) noexcept {
+  return reinterpret_cast<const char*>(entry.systemName);
+}
+
+bool isDotName(const char* name) noexcept {
+  return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+}
+
+void setName(DirectoryEntry& entry, const char* name) noexcept {
+  const std::size_t length = std::strlen(name);
+  const std::size_t shown = std::min(length, sizeof entry.name - 1);
+  std::memcpy(entry.name, name, shown);
+  entry.name[shown] = '\0';
+  std::memcpy(entry.systemName, name, length + 1);
+}
+
+std::uint32_t attributesFrom(const struct stat& status, const char* name) noexcept {
+  std::uint32_t attributes = 0;
+  if ((status.st_mode & kWriteBits) == 0) attributes |= kAttributeReadOnly;
+  if (name[0] == '.' && !isDotName(name)) attributes |= kAttributeHidden;
+  if (S_ISDIR(status.st_mode)) attributes |= kAttributeDirectory;
+  return attributes;
+}
+
+/// False for an entry that has gone since it was listed.
+bool describe(const DirectoryHandle& directory, const char* name, DirectoryEntry& entry) noexcept {
+  struct stat status;
+  if (std::strlen(name) >= sizeof entry.systemName) return false;
+  if (fstatat(dirfd(streamOf(directory)), name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (errno == ENOENT) return false;
+    status = {};
+  }
+  setName(entry, name);
+  entry.attributes = attributesFrom(status, name);
+  return true;
+}
+
+SystemError openAt(int place, const char* path, int flags, DirectoryHandle& directory) noexcept {
+  directory = {};
+  int descriptor = -1;
+  do {
+    descriptor = openat(place, path, O_RDONLY | O_DIRECTORY | O_CLOEXEC | flags);
+  } while (descriptor < 0 && errno == EINTR);
+  if (descriptor < 0) return errno == ELOOP ? ENOTDIR : errno;
+  directory.system = fdopendir(descriptor);
+  if (directory.system != nullptr) return 0;
+  const SystemError error = errno;
+  close(descriptor);
+  return error;
+}
+
+}  // namespace
+
+SystemError openDirectory(const char* name, DirectoryLink link, DirectoryHandle& directory) noexcept {
+  directory = {};
+  const PathWithoutEnd path(name);
+  if (!path.fits()) return ENAMETOOLONG;
+  return openAt(AT_FDCWD, path.get(), link == DirectoryLink::Refuse ? O_NOFOLLOW : 0, directory);
+}
+
+void closeDirectory(DirectoryHandle& directory) noexcept {
+  if (directory.system != nullptr) closedir(streamOf(directory));
+  directory = {};
+}
+
+WalkStep nextEntry(DirectoryHandle& directory, DirectoryEntry& entry) noexcept {
+  constexpr std::array<const char*, 2> kDots = {".", ".."};
+  while (directory.listed < kDots.size())
+    if (describe(directory, kDots[directory.listed++], entry)) return WalkStep::Entry;
+  for (;;) {
+    errno = 0;
+    const dirent* const found = readdir(streamOf(directory));
+    if (found == nullptr) return errno == 0 ? WalkStep::End : WalkStep::Failed;
+    if (!isDotName(found->d_name) && describe(directory, found->d_name, entry)) return WalkStep::Entry;
+  }
+}
+
+SystemError openEntry(const DirectoryHandle& directory, const DirectoryEntry& entry,
+                      DirectoryHandle& opened) noexcept {
+  return openAt(dirfd(streamOf(directory)), nameOf(entry), O_NOFOLLOW, opened);
+}
+
+SystemError removeEntry(const DirectoryHandle& directory, const DirectoryEntry& entry) noexcept {
+  const int flags = (entry.attributes & kAttributeDirectory) != 0 ? AT_REMOVEDIR : 0;
+  return unlinkat(dirfd(streamOf(directory)), nameOf(entry), flags) == 0 ? 0 : errno;
+}
+
+SystemError makeDirectory(const char* name) noexcept {
+  const NativePath path(name);
+  if (!path.fits()) return ENAMETOOLONG;
+  return mkdir(path.get(), 0777) == 0 ? 0 : errno;
+}
+
+SystemError removeDirectory(const char* name) noexcept {
+  const PathWithoutEnd path(name);
+  if (!path.fits()) return ENAMETOOLONG;
+  if (rmdir(path.get()) == 0) return 0;
+  if (errno != ENOTDIR) return errno;
+  struct stat link;
+  struct stat target;
+  const bool isLinkToDirectory = lstat(path.get(), &link) == 0 && S_ISLNK(link.st_mode) &&
+                                 stat(path.get(), &target) == 0 && S_ISDIR(target.st_mode);
+  if (!isLinkToDirectory) return ENOTDIR;
+  return unlink(path.get()) == 0 ? 0 : errno;
+}
+
+SystemError changeDirectory(const char* name) noexcept {
+  const NativePath path(name);
+  if (!path.fits()) return ENAMETOOLONG;
+  return chdir(path.get()) == 0 ? 0 : errno;
+}
+
+}  // namespace vel::platform

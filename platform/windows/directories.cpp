@@ -1,0 +1,201 @@
+// Directories: their entries, and making, entering and removing them. Operations on entries go
+// through the open directory, so that nothing put into the place of a path's component diverts them;
+// only the system's native calls can do that.
+#include <direct.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+#include <cwchar>
+
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#include <winternl.h>
+
+#include "platform/platform.h"
+
+// The compiler's headers for programs lack this one.
+extern "C" NTSTATUS NTAPI NtQueryDirectoryFile(HANDLE directory, HANDLE event, PIO_APC_ROUTINE routine,
+                                               PVOID context, PIO_STATUS_BLOCK status, PVOID buffer,
+                                               ULONG length, FILE_INFORMATION_CLASS informationClass,
+                                               BOOLEAN returnSingleEntry, PUNICODE_STRING pattern,
+                                               BOOLEAN restart);
+
+namespace vel::platform {
+
+namespace {
+
+constexpr std::uint32_t kKnownAttributes = kAttributeReadOnly | kAttributeHidden | kAttributeDirectory;
+constexpr ULONG kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr ULONG kListing = FILE_LIST_DIRECTORY | FILE_READ_ATTRIBUTES | SYNCHRONIZE;
+constexpr ULONG kLinkItself = FILE_OPEN_REPARSE_POINT | FILE_OPEN_FOR_BACKUP_INTENT;
+
+/// One entry with a name of up to 260 characters.
+union EntryBuffer {
+  FILE_FULL_DIR_INFORMATION entry;
+  std::array<char, sizeof(FILE_FULL_DIR_INFORMATION) + 260 * sizeof(WCHAR)> bytes;
+};
+
+SystemError errnoOf(DWORD error) noexcept {
+  switch (error) {
+    case ERROR_SUCCESS:
+      return 0;
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_INVALID_NAME:
+    case ERROR_BAD_PATHNAME:
+      return ENOENT;
+    case ERROR_DIRECTORY:
+      return ENOTDIR;
+    case ERROR_DIR_NOT_EMPTY:
+      return ENOTEMPTY;
+    case ERROR_TOO_MANY_OPEN_FILES:
+      return EMFILE;
+    default:
+      return EACCES;
+  }
+}
+
+/// Some file systems put a directory's contents elsewhere without making it a link: only tags that stand
+/// for another name do. A tag of 0 is an unknown one.
+bool isLink(DWORD attributes, DWORD tag) noexcept {
+  return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 && (tag == 0 || IsReparseTagNameSurrogate(tag));
+}
+
+bool isDirectory(HANDLE file, DirectoryLink link) noexcept {
+  FILE_ATTRIBUTE_TAG_INFO info{};
+  if (GetFileInformationByHandleEx(file, FileAttributeTagInfo, &info, sizeof info) == FALSE) return false;
+  if ((info.FileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return false;
+  return link == DirectoryLink::Follow || !isLink(info.FileAttributes, info.ReparseTag);
+}
+
+/// The name without the separator behind a directory that is no root: it could lead through a link.
+class PathWithoutEnd {
+ public:
+  explicit PathWithoutEnd(const char* name) noexcept : fits_(false), text_{} {
+    std::size_t length = std::strlen(name);
+    const auto isSeparator = [](char c) { return c == '\\' || c == '/'; };
+    while (length > 3 && isSeparator(name[length - 1])) --length;
+    fits_ = length < text_.size();
+    if (fits_) std::memcpy(text_.data(), name, length);
+  }
+  bool fits() const noexcept { return fits_; }
+  const char* get() const noexcept { return text_.data(); }
+
+ private:
+  bool fits_;
+  std::array<char, 1024> text_;
+};
+
+DWORD openAt(HANDLE place, const DirectoryEntry& entry, ACCESS_MASK access, ULONG options,
+             HANDLE& opened) noexcept {
+  std::array<WCHAR, sizeof entry.systemName / sizeof(WCHAR)> text;
+  std::memcpy(text.data(), entry.systemName, sizeof entry.systemName);
+  const auto length = static_cast<USHORT>(std::wcslen(text.data()) * sizeof(WCHAR));
+  UNICODE_STRING name{length, length, text.data()};
+  OBJECT_ATTRIBUTES attributes;
+  InitializeObjectAttributes(&attributes, &name, 0, place, nullptr);
+  IO_STATUS_BLOCK status{};
+  return RtlNtStatusToDosError(NtCreateFile(&opened, access, &attributes, &status, nullptr, 0, kShareAll,
+                                            FILE_OPEN, options | kLinkItself, nullptr, 0));
+}
+
+SystemError keepIfDirectory(HANDLE opened, DirectoryLink link, DirectoryHandle& directory) noexcept {
+  if (!isDirectory(opened, link)) {
+    CloseHandle(opened);
+    return ENOTDIR;
+  }
+  directory.system = opened;
+  return 0;
+}
+
+/// In the code page that file names are given in; cut to what fits.
+void setShownName(DirectoryEntry& entry, const WCHAR* name, int length) noexcept {
+  const UINT codePage = AreFileApisANSI() != FALSE ? CP_ACP : CP_OEMCP;
+  int shown = 0;
+  for (; length > 0 && shown == 0; --length)
+    shown =
+        WideCharToMultiByte(codePage, 0, name, length, entry.name, sizeof entry.name - 1, nullptr, nullptr);
+  entry.name[shown] = '\0';
+}
+
+void takeEntry(const FILE_FULL_DIR_INFORMATION& found, DirectoryEntry& entry) noexcept {
+  std::array<WCHAR, sizeof entry.systemName / sizeof(WCHAR)> name{};
+  const std::size_t length = std::min(found.FileNameLength / sizeof(WCHAR), name.size() - 1);
+  std::memcpy(name.data(), &found.FileName[0], length * sizeof(WCHAR));
+  std::memcpy(entry.systemName, name.data(), sizeof entry.systemName);
+  setShownName(entry, name.data(), static_cast<int>(length));
+  entry.attributes = found.FileAttributes & kKnownAttributes;
+  // Of a link, this field holds the tag.
+  if (isLink(found.FileAttributes, found.EaSize)) entry.attributes &= ~kAttributeDirectory;
+}
+
+}  // namespace
+
+SystemError openDirectory(const char* name, DirectoryLink link, DirectoryHandle& directory) noexcept {
+  directory = {};
+  const PathWithoutEnd path(name);
+  if (!path.fits()) return ENAMETOOLONG;
+  const DWORD flags = link == DirectoryLink::Refuse ? FILE_FLAG_OPEN_REPARSE_POINT : 0;
+  const HANDLE opened = CreateFileA(path.get(), kListing, kShareAll, nullptr, OPEN_EXISTING,
+                                    FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr);
+  if (opened == INVALID_HANDLE_VALUE) return errnoOf(GetLastError());
+  return keepIfDirectory(opened, link, directory);
+}
+
+void closeDirectory(DirectoryHandle& directory) noexcept {
+  if (directory.system != nullptr) CloseHandle(directory.system);
+  directory = {};
+}
+
+WalkStep nextEntry(DirectoryHandle& directory, DirectoryEntry& entry) noexcept {
+  EntryBuffer buffer;
+  IO_STATUS_BLOCK status{};
+  const NTSTATUS result =
+      NtQueryDirectoryFile(directory.system, nullptr, nullptr, nullptr, &status, buffer.bytes.data(),
+                           sizeof buffer, FileFullDirectoryInformation, TRUE, nullptr, FALSE);
+  if (result == 0) {
+    takeEntry(buffer.entry, entry);
+    return WalkStep::Entry;
+  }
+  const DWORD error = RtlNtStatusToDosError(result);
+  SetLastError(error);
+  return error == ERROR_NO_MORE_FILES ? WalkStep::End : WalkStep::Failed;
+}
+
+SystemError openEntry(const DirectoryHandle& directory, const DirectoryEntry& entry,
+                      DirectoryHandle& opened) noexcept {
+  opened = {};
+  HANDLE file = nullptr;
+  const DWORD error =
+      openAt(directory.system, entry, kListing, FILE_DIRECTORY_FILE | FILE_SYNCHRONOUS_IO_NONALERT, file);
+  return error == 0 ? keepIfDirectory(file, DirectoryLink::Refuse, opened) : errnoOf(error);
+}
+
+SystemError removeEntry(const DirectoryHandle& directory, const DirectoryEntry& entry) noexcept {
+  const ULONG options = (entry.attributes & kAttributeDirectory) != 0 ? FILE_DIRECTORY_FILE : 0;
+  HANDLE file = nullptr;
+  if (const DWORD error = openAt(directory.system, entry, DELETE, options, file); error != 0)
+    return errnoOf(error);
+  FILE_DISPOSITION_INFO disposition{TRUE};
+  const BOOL done = SetFileInformationByHandle(file, FileDispositionInfo, &disposition, sizeof disposition);
+  const DWORD error = done != FALSE ? 0 : GetLastError();
+  CloseHandle(file);
+  return errnoOf(error);
+}
+
+SystemError makeDirectory(const char* name) noexcept {
+  return _mkdir(name) == 0 ? 0 : errno;
+}
+
+SystemError removeDirectory(const char* name) noexcept {
+  return _rmdir(name) == 0 ? 0 : errno;
+}
+
+SystemError changeDirectory(const char* name) noexcept {
+  return _chdir(name) == 0 ? 0 : errno;
+}
+
+}  // namespace vel::platform
