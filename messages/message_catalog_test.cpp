@@ -29,15 +29,17 @@ std::string textOf(const VelClMessageCatalog& catalog, unsigned long id) {
   return VelClMessage(catalog, id, "1").getAsCString();
 }
 
-/// The German catalog with its language number taken away; the message compiler makes no such catalog.
-void writeNeutralCatalog(const std::string& path) {
+/// The German catalog under another language's number, below 0x10000. The message compiler makes no catalog
+/// without a language.
+void writeCatalogOf(unsigned int language, const std::string& path) {
   const auto bin = std::filesystem::path(vel::test::ownProgram()).parent_path();
   std::string bytes = vel::test::readFile((bin / "german_catalog.DLL").string());
   const std::string number("\x07\x04\0\0", 4);
   const std::size_t at = bytes.find(number);
   ASSERT_NE(at, std::string::npos);
   ASSERT_EQ(bytes.find(number, at + 1), std::string::npos);
-  bytes.replace(at, 4, 4, '\0');
+  bytes[at] = static_cast<char>(language & 0xFF);
+  bytes[at + 1] = static_cast<char>(language >> 8);
   std::ofstream(path, std::ios::binary) << bytes;
 }
 
@@ -68,27 +70,28 @@ TEST(MessageCatalog, LoadsFromADirectory) {
 
 TEST(MessageCatalog, ChoosesItsLanguage) {
   const unsigned int user = userIsGerman() ? kGerman : kEnglish;
-  const std::string failed = "UNABLE TO LOAD MESSAGE #2 FROM CATALOG: german_catalog.DLL";
+  constexpr unsigned int kNeutral = 0;
+  constexpr unsigned int kFrench = 1036;
   struct Row {
-    const char* name;
-    unsigned int language;
-    std::string text2;
+    unsigned int only;  ///< the catalog's language
+    unsigned int chosen;
+    bool speaks;
   };
   const Row rows[] = {
-      {"german_catalog", user, userIsGerman() ? "nur 1" : failed},
-      {"absent", 0, "UNABLE TO LOAD MESSAGE CATALOG: absent.DLL"},
+      {kGerman, user, userIsGerman()},
+      {kEnglish, kEnglish, true},
+      {kFrench, kEnglish, false},
+      {kNeutral, user, true},
   };
   for (const Row& row : rows) {
-    const VelClMessageCatalog catalog{VelClFilename(row.name)};
-    EXPECT_EQ(catalog.getLanguage(), row.language) << row.name;
-    EXPECT_EQ(textOf(catalog, 2), row.text2);
+    const vel::test::ScratchDirectory directory;
+    const std::string path = directory.path("one.DLL");
+    writeCatalogOf(row.only, path);
+    const VelClMessageCatalog catalog(VelClFilename(path.c_str()));
+    EXPECT_TRUE(catalog.isValid());
+    EXPECT_EQ(catalog.getLanguage(), row.chosen) << row.only;
+    EXPECT_EQ(textOf(catalog, 2), row.speaks ? "nur 1" : "UNABLE TO LOAD MESSAGE #2 FROM CATALOG: " + path);
   }
-  const vel::test::ScratchDirectory directory;
-  const std::string neutral = directory.path("neutral.DLL");
-  writeNeutralCatalog(neutral);
-  const VelClMessageCatalog catalogOfAll(VelClFilename(neutral.c_str()));
-  EXPECT_EQ(catalogOfAll.getLanguage(), user);
-  EXPECT_EQ(textOf(catalogOfAll, 2), "nur 1");
   for (const char* name : {"small_catalog", "small_ansi_catalog"}) {
     const VelClMessageCatalog catalog{VelClFilename(name)};
     EXPECT_EQ(catalog.getLanguage(), user);
