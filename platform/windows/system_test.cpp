@@ -89,8 +89,10 @@ TEST(WindowsCatalogs, AreLoadedAndMapped) {
   CatalogImage image{};
   ASSERT_TRUE(openCatalog(program.c_str(), image));
   EXPECT_NE(image.module, nullptr);
-  EXPECT_EQ(std::string(reinterpret_cast<const char*>(image.data), image.sizeInBytes),
-            test::readFile(program));
+  const std::string bytes = test::readFile(program);
+  // Up to the end of the last page.
+  ASSERT_GE(image.sizeInBytes, bytes.size());
+  EXPECT_EQ(std::memcmp(image.data, bytes.data(), bytes.size()), 0);
   closeCatalog(image);
   EXPECT_EQ(image.module, nullptr);
   EXPECT_EQ(image.data, nullptr);
