@@ -105,6 +105,14 @@ enum class DescriptorMode { NotOpen, Text, Binary, Other };
 DescriptorMode setDescriptorMode(int descriptor, DescriptorMode mode) noexcept;
 bool isTerminal(int descriptor) noexcept;
 
+// ---- Console (console.cpp) -------------------------------------------------------------------
+
+/// Waits for one key at the console, without echo and without Enter, and drops it, with all that one key
+/// may send. The terminal is restored afterwards, also when a signal ends or stops the process meanwhile.
+/// Windows: true at once when the process has no console. POSIX: the console is standard input; false, with
+/// nothing read, when that is no terminal.
+bool waitForConsoleKey() noexcept;
+
 // ---- Environment (environment.cpp) -----------------------------------------------------------
 
 /// Null when the variable is not set.

@@ -3,7 +3,6 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -14,42 +13,19 @@
 #include <thread>
 
 #include "platform/test/child_streams.h"
+#include "platform/test/posix/spawn.h"
 
 namespace vel::test {
 
 namespace {
 
-/// This process's environment with the options' changes.
-std::vector<std::string> childEnvironment(const ChildOptions& options) {
-  std::vector<std::string> result;
-  for (char** entry = environ; *entry != nullptr; ++entry) result.emplace_back(*entry);
-  for (const auto& [name, value] : options.environment) {
-    const std::string start = name + "=";
-    std::erase_if(result, [&start](const std::string& entry) { return entry.starts_with(start); });
-    if (!value.empty()) result.push_back(start + value);
-  }
-  return result;
-}
-
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (std::string& text : texts) pointers.push_back(text.data());
-  pointers.push_back(nullptr);
-  return pointers;
-}
-
-bool spawn(pid_t& child, std::vector<std::string> command, const ChildStreams& streams,
-           std::vector<std::string> environment) {
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, streams.input().c_str(), O_RDONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, streams.output().c_str(), O_WRONLY | O_APPEND, 0);
-  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, streams.errors().c_str(), O_WRONLY | O_APPEND, 0);
-  const int error = posix_spawn(&child, command.front().c_str(), &actions, nullptr,
-                                pointersTo(command).data(), pointersTo(environment).data());
-  posix_spawn_file_actions_destroy(&actions);
-  return error == 0;
+bool start(pid_t& child, const std::vector<std::string>& command, const ChildStreams& streams,
+           const ChildOptions& options) {
+  SpawnActions actions;
+  actions.open(STDIN_FILENO, streams.input(), O_RDONLY);
+  actions.open(STDOUT_FILENO, streams.output(), O_WRONLY | O_APPEND);
+  actions.open(STDERR_FILENO, streams.errors(), O_WRONLY | O_APPEND);
+  return spawn(child, command, options.environment, actions);
 }
 
 /// The child's wait status; it is killed at the time limit.
@@ -73,7 +49,7 @@ ChildResult runChild(const std::string& program, const std::vector<std::string>&
   command.insert(command.end(), arguments.begin(), arguments.end());
   ChildResult result;
   pid_t child = 0;
-  result.started = spawn(child, command, streams, childEnvironment(options));
+  result.started = start(child, command, streams, options);
   if (!result.started) return result;
   const int status = waitFor(child);
   result.endedAbnormally = !WIFEXITED(status);

@@ -89,10 +89,12 @@ bool start(const std::string& program, const std::vector<std::string>& arguments
   startUp.hStdError = errors.get();
   std::string line = commandLine(program, arguments);
   std::string environment = environmentBlock(options);
+  // Without a console a child cannot wait for the tester's keys.
+  constexpr DWORD kFlags = DETACHED_PROCESS;
   // The child inherits the mode: no window asks somebody to confirm a crash.
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
-  return CreateProcessA(program.c_str(), line.data(), nullptr, nullptr, TRUE, 0, environment.data(), nullptr,
-                        &startUp, &process) != FALSE;
+  return CreateProcessA(program.c_str(), line.data(), nullptr, nullptr, TRUE, kFlags, environment.data(),
+                        nullptr, &startUp, &process) != FALSE;
 }
 
 void waitFor(HANDLE process, ChildResult& result) {

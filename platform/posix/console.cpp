@@ -1,0 +1,144 @@
+// One key from the terminal on standard input. While it waits, the terminal hands over every key at once
+// and shows none. Signals that end or stop the process arrive in a pipe meanwhile; the terminal is restored
+// first, then they take their course, and the wait goes on if the process does.
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <mutex>
+
+#include "platform/platform.h"
+
+namespace vel::platform {
+
+namespace {
+
+constexpr int kSignals[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGTSTP};
+constexpr int kSignalCount = sizeof kSignals / sizeof kSignals[0];
+
+volatile sig_atomic_t signalPipe = -1;
+
+extern "C" void passSignalOn(int number) {
+  const int savedError = errno;
+  const auto byte = static_cast<unsigned char>(number);
+  // A full pipe holds enough signals already.
+  [[maybe_unused]] const ssize_t written = write(signalPipe, &byte, 1);
+  errno = savedError;
+}
+
+/// Holds the signals back in a pipe for as long as it lives, then lets them take their course; ignored ones
+/// stay ignored.
+class SignalWatch {
+ public:
+  SignalWatch() noexcept {
+    if (pipe2(pipe_, O_CLOEXEC | O_NONBLOCK) != 0) return;
+    signalPipe = pipe_[1];
+    struct sigaction action {};
+    action.sa_handler = passSignalOn;
+    action.sa_flags = SA_RESTART;
+    sigfillset(&action.sa_mask);
+    for (int i = 0; i < kSignalCount; ++i) {
+      sigaction(kSignals[i], nullptr, &previous_[i]);
+      if (previous_[i].sa_handler != SIG_IGN) sigaction(kSignals[i], &action, nullptr);
+    }
+  }
+  SignalWatch(const SignalWatch&) = delete;
+  SignalWatch& operator=(const SignalWatch&) = delete;
+  ~SignalWatch() {
+    if (!isValid()) return;
+    for (int i = 0; i < kSignalCount; ++i) sigaction(kSignals[i], &previous_[i], nullptr);
+    signalPipe = -1;
+    for (unsigned char number = 0; read(pipe_[0], &number, 1) == 1;) raise(number);
+    close(pipe_[0]);
+    close(pipe_[1]);
+  }
+
+  bool isValid() const noexcept { return pipe_[0] >= 0; }
+  /// Readable when a signal has arrived.
+  int descriptor() const noexcept { return pipe_[0]; }
+
+ private:
+  int pipe_[2] = {-1, -1};
+  struct sigaction previous_[kSignalCount];
+};
+
+void setAttributes(const termios& attributes) noexcept {
+  while (tcsetattr(STDIN_FILENO, TCSANOW, &attributes) != 0 && errno == EINTR) {
+  }
+}
+
+/// Keys arrive at once and unseen for as long as it lives; those that send signals still do.
+class KeyMode {
+ public:
+  KeyMode() noexcept : valid_(tcgetattr(STDIN_FILENO, &previous_) == 0) {
+    if (!valid_) return;
+    termios attributes = previous_;
+    attributes.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
+    attributes.c_cc[VMIN] = 1;
+    attributes.c_cc[VTIME] = 0;
+    setAttributes(attributes);
+  }
+  KeyMode(const KeyMode&) = delete;
+  KeyMode& operator=(const KeyMode&) = delete;
+  ~KeyMode() {
+    if (valid_) setAttributes(previous_);
+  }
+
+  bool isValid() const noexcept { return valid_; }
+
+ private:
+  termios previous_{};
+  bool valid_;
+};
+
+bool hasInput() noexcept {
+  pollfd input{STDIN_FILENO, POLLIN, 0};
+  return poll(&input, 1, 0) == 1 && (input.revents & POLLIN) != 0;
+}
+
+/// Function keys and characters beyond ASCII send several bytes, which arrive together.
+void readKey() noexcept {
+  constexpr int kLongestKey = 16;
+  constexpr unsigned char kEscape = 0x1B;
+  unsigned char first = 0;
+  if (read(STDIN_FILENO, &first, 1) != 1 || (first != kEscape && first < 0x80)) return;
+  unsigned char next = 0;
+  for (int length = 1; length < kLongestKey && hasInput(); ++length)
+    if (read(STDIN_FILENO, &next, 1) != 1) return;
+}
+
+enum class Wait { Done, Interrupted, NoTerminal };
+
+/// Waits for a key and takes it, unless a signal comes first.
+Wait readKeyUnlessSignal(const SignalWatch& signals) noexcept {
+  pollfd sources[] = {{STDIN_FILENO, POLLIN, 0}, {signals.descriptor(), POLLIN, 0}};
+  while (poll(sources, 2, -1) < 0)
+    if (errno != EINTR) return Wait::NoTerminal;
+  if (sources[1].revents != 0) return Wait::Interrupted;
+  readKey();
+  return Wait::Done;
+}
+
+/// One wait until a key or a signal; when it returns, the signal has taken its course.
+Wait waitOnce() noexcept {
+  // In this order: signals take their course when the terminal is restored.
+  const SignalWatch signals;
+  if (!signals.isValid()) return Wait::NoTerminal;
+  const KeyMode keys;
+  return keys.isValid() ? readKeyUnlessSignal(signals) : Wait::NoTerminal;
+}
+
+}  // namespace
+
+bool waitForConsoleKey() noexcept {
+  static std::mutex oneAtATime;
+  const std::lock_guard<std::mutex> lock(oneAtATime);
+  Wait result = Wait::Interrupted;
+  while (result == Wait::Interrupted) result = waitOnce();
+  return result == Wait::Done;
+}
+
+}  // namespace vel::platform
