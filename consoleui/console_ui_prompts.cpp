@@ -1,0 +1,166 @@
+// Questions to the user in one layout, and the answers as text, number, yes or no:
+//
+//   --------------------------------------------------------------------------
+//    How many (min.: 1, max.: 9):
+//    (default: 5): 7
+#include <algorithm>
+#include <cstring>
+#include <iostream>
+
+#include "consoleui/console_ui_internal.h"
+#include "foundation/allocator.h"
+#include "foundation/ascii.h"
+#include "platform/platform.h"
+
+namespace vel::consoleui {
+namespace {
+
+/// Null leaves out the hint or the default.
+struct Question {
+  const char* text;
+  const char* hint;
+  const char* defaultAnswer;
+};
+
+/// What one prompt was told. It is apart from the tool's input buffer, into which the question and the
+/// default may point.
+class Answer {
+ public:
+  const char* text() const { return text_; }
+  bool isEmpty() const { return text_[0] == '\0'; }
+  char firstLetter() const { return toAsciiUpper(text_[0]); }
+  /// Digits at the start, behind no sign but "-".
+  bool isNumeric() const { return isAsciiDigit(text_[text_[0] == '-' ? 1 : 0]); }
+  std::int32_t number() const { return vel_atol32(text_); }
+
+  /// Cut to the room there is.
+  void take(const char* text) { end(text, std::strlen(text)); }
+
+  /// A line of standard input without its end, be that LF or CR LF. False at the end of input.
+  bool readLine() {
+    using Traits = std::istream::traits_type;
+    // What the tool read last may have failed.
+    std::cin.clear();
+    bool found = false;
+    std::size_t length = 0;
+    char last = '\0';
+    for (auto c = std::cin.get(); c != Traits::eof(); c = std::cin.get()) {
+      found = true;
+      if (c == '\n') break;
+      if (c == '\0') continue;
+      last = Traits::to_char_type(c);
+      if (length < kRoom) text_[length] = last;
+      ++length;
+    }
+    if (last == '\r' && !std::cin.eof()) --length;
+    end(text_, length);
+    return found;
+  }
+
+ private:
+  static constexpr std::size_t kRoom = VelClConsoleUIParams::kMaxInputLength;
+
+  void end(const char* text, std::size_t length) {
+    length = std::min(length, kRoom);
+    std::memmove(text_, text, length);
+    text_[length] = '\0';
+  }
+
+  char text_[kRoom + 1] = "";
+};
+
+void writeQuestion(const Question& question, const Words& words) {
+  writeSeparatorLine(std::cout);
+  std::cout << ' ' << (question.text != nullptr ? question.text : "");
+  if (question.hint != nullptr) std::cout << " (" << question.hint << ')';
+  std::cout << ":\n ";
+  if (question.defaultAnswer != nullptr)
+    std::cout << '(' << words[Word::Default] << ": " << question.defaultAnswer << "): ";
+  std::cout.flush();
+}
+
+/// False at the end of input, with the default as the answer.
+bool ask(const Question& question, const Words& words, Answer& answer) {
+  writeQuestion(question, words);
+  const bool answered = answer.readLine();
+  if (answer.isEmpty() && question.defaultAnswer != nullptr) answer.take(question.defaultAnswer);
+  return answered;
+}
+
+String limitsHint(std::int32_t minimum, std::int32_t maximum, const Words& words) {
+  String hint = words[Word::Minimum].getAsCString();
+  hint.append(": ").append(NumberText(static_cast<long long>(minimum)).text);
+  hint.append(", ").append(words[Word::Maximum].getAsCString());
+  return hint.append(": ").append(NumberText(static_cast<long long>(maximum)).text);
+}
+
+/// An invitation to do something before the tool goes on.
+void writeInvitation(const VelClMessage& invitation) {
+  std::cout << ' ' << invitation << std::endl;
+  std::cerr.flush();
+}
+
+}  // namespace
+}  // namespace vel::consoleui
+
+using vel::consoleui::Answer;
+using vel::consoleui::ask;
+using vel::consoleui::GivenText;
+using vel::consoleui::NumberText;
+using vel::consoleui::Word;
+
+void VelClConsoleUI::prompt(const char* question, const char* hint, const char* defaultAnswer) const {
+  Answer answer;
+  ask({question, hint, defaultAnswer}, words(), answer);
+  params_->setInput(answer.text());
+}
+
+const char* VelClConsoleUI::promptString(VelClUIText question, const char* defaultAnswer) const {
+  prompt(GivenText(question, getMessageCatalog()).get(), nullptr, defaultAnswer);
+  return params_->getInput();
+}
+
+int32_t VelClConsoleUI::promptNumval(VelClUIText question, int32_t minimum, int32_t maximum,
+                                     int32_t defaultValue) const {
+  const GivenText text(question, getMessageCatalog());
+  const vel::String hint = vel::consoleui::limitsHint(minimum, maximum, words());
+  const NumberText defaultText(static_cast<long long>(defaultValue));
+  Answer answer;
+  while (ask({text.get(), hint.c_str(), defaultText.text}, words(), answer)) {
+    const bool numeric = answer.isNumeric();
+    if (numeric && answer.number() >= minimum && answer.number() <= maximum) break;
+    error(std::cout, words()[Word::InvalidValue].getAsCString(),
+          words()[numeric ? Word::EnterWithinLimits : Word::EnterNumber].getAsCString());
+  }
+  params_->setInput(answer.text());
+  return answer.number();
+}
+
+bool VelClConsoleUI::promptYesNo(VelClUIText question, bool defaultAnswer) const {
+  const GivenText text(question, getMessageCatalog());
+  const VelClMessage hint = words()[Word::YesOrNo];
+  const char yes = *words()[Word::Yes].getAsCString();
+  const char no = *words()[Word::No].getAsCString();
+  const char defaultText[] = {defaultAnswer ? yes : no, '\0'};
+  Answer answer;
+  bool answered;
+  while ((answered = ask({text.get(), hint.getAsCString(), defaultText}, words(), answer))) {
+    if (answer.firstLetter() == yes || answer.firstLetter() == no) break;
+    error(std::cout, words()[Word::InvalidValue].getAsCString(), words()[Word::PleaseUse].getAsCString(),
+          hint.getAsCString());
+  }
+  params_->setInput(answer.text());
+  return answered ? answer.firstLetter() == yes : defaultAnswer;
+}
+
+void VelClConsoleUI::promptForKey() const {
+  vel::consoleui::writeInvitation(words()[Word::PressAnyKey]);
+  if (vel::platform::waitForConsoleKey()) return;
+  std::cin.clear();
+  std::cin.get();
+}
+
+void VelClConsoleUI::promptForEnter() const {
+  vel::consoleui::writeInvitation(words()[Word::PressEnter]);
+  Answer().readLine();
+}
