@@ -1,0 +1,63 @@
+// Many small allocations that end together: the memory pool beside the runtime's allocator.
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <vector>
+
+#include "vel_include/vel_memmgr.h"
+
+namespace {
+
+constexpr std::size_t kPieces = 10'000;
+constexpr std::size_t kBlockSize = std::size_t{64} * 1024;
+
+/// Sizes from 16 to 64 bytes, as nodes of trees and short texts have them.
+const std::vector<std::size_t>& sizes() {
+  static const std::vector<std::size_t> all = [] {
+    std::vector<std::size_t> made;
+    for (std::size_t i = 0; i < kPieces; ++i) made.push_back(16 + i * 7919 % 49);
+    return made;
+  }();
+  return all;
+}
+
+void countPieces(benchmark::State& state) {
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kPieces));
+}
+
+void runtimeAllocator(benchmark::State& state) {
+  std::vector<void*> pieces(kPieces);
+  for ([[maybe_unused]] auto round : state) {
+    std::size_t i = 0;
+    for (const std::size_t size : sizes()) {
+      auto* const piece = static_cast<char*>(std::malloc(size));
+      *piece = 'x';
+      pieces[i++] = piece;
+    }
+    benchmark::ClobberMemory();
+    for (void* const piece : pieces) std::free(piece);
+  }
+  countPieces(state);
+}
+BENCHMARK(runtimeAllocator);
+
+void memoryPool(benchmark::State& state) {
+  VelClMemoryPool pool(kBlockSize);
+  std::vector<void*> pieces(kPieces);
+  for ([[maybe_unused]] auto round : state) {
+    std::size_t i = 0;
+    for (const std::size_t size : sizes()) {
+      auto* const piece = static_cast<char*>(pool.allocate(size));
+      *piece = 'x';
+      pieces[i++] = piece;
+    }
+    benchmark::ClobberMemory();
+    pool.reset();
+  }
+  countPieces(state);
+}
+BENCHMARK(memoryPool);
+
+}  // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,170 @@
+// Pools: where pieces lie, what reset and clear do with the blocks, and what is refused.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <utility>
+#include <vector>
+
+#include "vel_include/vel_error.h"
+#include "vel_include/vel_memmgr.h"
+
+namespace {
+
+long liveBlocks = 0;
+int allocationsLeft = -1;  ///< -1: no limit
+
+/// Gives addresses that are aligned for any object, but seldom for more.
+void* limitedMalloc(size_t size) {
+  if (allocationsLeft == 0 || size > (size_t{1} << 40)) return nullptr;
+  if (allocationsLeft > 0) --allocationsLeft;
+  ++liveBlocks;
+  return static_cast<char*>(std::malloc(size + 16)) + 16;
+}
+void limitedFree(void* block) {
+  --liveBlocks;
+  std::free(static_cast<char*>(block) - 16);
+}
+
+class MemoryPool : public testing::Test {
+ protected:
+  void SetUp() override {
+    liveBlocks = 0;
+    allocationsLeft = -1;
+    velSetNewMemoryManager(limitedMalloc, nullptr, limitedFree);
+  }
+  void TearDown() override {
+    EXPECT_EQ(liveBlocks, 0);
+    velSetNewMemoryManager(std::malloc, nullptr, std::free);
+  }
+};
+
+template <typename Call>
+std::pair<unsigned long, VelEnErrorClass> failureOf(Call call) {
+  try {
+    call();
+  } catch (const VelClException& exception) {
+    EXPECT_NE(exception.getOrigin(), nullptr);
+    return {exception.getId(), exception.getClass()};
+  }
+  return {NO_ERROR, VelEnErrorClass::UNKNOWN};
+}
+
+const std::pair<unsigned long, VelEnErrorClass> kTooBig{MEMORYPOOL_CHUNK_TOO_BIG,
+                                                        VelEnErrorClass::DATA_OUT_OF_BOUNDS};
+const std::pair<unsigned long, VelEnErrorClass> kCouldNotGrow{MEMORYPOOL_COULD_NOT_GROW,
+                                                              VelEnErrorClass::OUT_OF_MEMORY};
+
+std::uintptr_t addressOf(const void* piece) {
+  return reinterpret_cast<std::uintptr_t>(piece);
+}
+
+TEST_F(MemoryPool, GivesAlignedPiecesThatDoNotOverlap) {
+  for (const size_t alignment : {1U, 2U, 16U, 64U, 4096U}) {
+    VelClMemoryPool pool(5000, alignment);
+    std::vector<std::pair<unsigned char*, size_t>> pieces;
+    for (size_t i = 0; i < 600; ++i) {
+      const size_t size = i * i % 97;
+      const size_t own = std::min<size_t>(alignment, size_t{1} << i % 5);
+      void* const piece = i % 2 == 0 ? pool.allocate(size) : pool.allocate(size, own);
+      EXPECT_EQ(addressOf(piece) % (i % 2 == 0 ? alignment : own), 0U);
+      std::memset(piece, static_cast<int>(i % 251), size);
+      pieces.emplace_back(static_cast<unsigned char*>(piece), size);
+    }
+    for (size_t i = 0; i < pieces.size(); ++i)
+      EXPECT_TRUE(std::all_of(pieces[i].first, pieces[i].first + pieces[i].second,
+                              [i](unsigned char byte) { return byte == i % 251; }))
+          << alignment << " piece " << i;
+    std::sort(pieces.begin(), pieces.end());
+    EXPECT_EQ(std::adjacent_find(pieces.begin(), pieces.end(),
+                                 [](const auto& a, const auto& b) { return a.first == b.first; }),
+              pieces.end());
+  }
+}
+
+TEST_F(MemoryPool, FillsABlockToItsLastByte) {
+  VelClMemoryPool pool(64, 16);
+  EXPECT_EQ(pool.getNumOfBlocks(), 0U);
+  const char* const first = static_cast<char*>(pool.allocate(30));
+  EXPECT_EQ(static_cast<char*>(pool.allocate(16)), first + 32);
+  EXPECT_EQ(static_cast<char*>(pool.allocate(15, 1)), first + 48);
+  EXPECT_EQ(static_cast<char*>(pool.allocate(0, 1)), first + 63);
+  EXPECT_EQ(pool.getNumOfBlocks(), 1U);
+  pool.allocate(1, 1);
+  EXPECT_EQ(pool.getNumOfBlocks(), 2U);
+  pool.allocate(64);
+  EXPECT_EQ(pool.getNumOfBlocks(), 3U);
+}
+
+TEST_F(MemoryPool, ResetKeepsTheBlocksAndClearGivesThemBack) {
+  VelClMemoryPool pool(1000, 8);
+  std::vector<void*> first;
+  for (int i = 0; i < 10; ++i) first.push_back(pool.allocate(400));
+  const long blocks = liveBlocks;
+  EXPECT_EQ(pool.getNumOfBlocks(), 5U);
+  for (int round = 0; round < 3; ++round) {
+    pool.reset();
+    std::vector<void*> again;
+    for (int i = 0; i < 10; ++i) again.push_back(pool.allocate(400));
+    EXPECT_EQ(again, first) << round;
+    EXPECT_EQ(liveBlocks, blocks);
+  }
+  pool.clear();
+  EXPECT_EQ(liveBlocks, 0);
+  EXPECT_EQ(pool.getNumOfBlocks(), 0U);
+  EXPECT_NE(pool.allocate(1), nullptr);
+}
+
+TEST_F(MemoryPool, RefusesWhatNoBlockHolds) {
+  VelClMemoryPool pool(100, 8);
+  const auto* const before = static_cast<char*>(pool.allocate(8));
+  constexpr size_t kMost = std::numeric_limits<size_t>::max();
+  for (const size_t size : {size_t{101}, kMost - 7, kMost})
+    EXPECT_EQ(failureOf([&] { pool.allocate(size); }), kTooBig) << size;
+  EXPECT_EQ(failureOf([&] { pool.allocate(8, 16); }), kTooBig);
+  EXPECT_EQ(static_cast<char*>(pool.allocate(92, 4)), before + 8);
+  EXPECT_EQ(pool.getNumOfBlocks(), 1U);
+  VelClMemoryPool none(0);
+  EXPECT_EQ(failureOf([&] { none.allocate(0); }), kTooBig);
+  for (const size_t alignment : {size_t{0}, size_t{3}, size_t{24}, size_t{8192}, kMost})
+    EXPECT_EQ(failureOf([&] { const VelClMemoryPool odd(100, alignment); }).second,
+              VelEnErrorClass::INVALID_DATA)
+        << alignment;
+}
+
+TEST_F(MemoryPool, StaysAsItWasWhenItCannotGrow) {
+  VelClMemoryPool pool(64);
+  char* const first = static_cast<char*>(pool.allocate(16));
+  // A block takes two allocations: each of them fails once.
+  for (int left = 0; left < 2; ++left) {
+    allocationsLeft = left;
+    const long before = liveBlocks;
+    EXPECT_EQ(failureOf([&] { pool.allocate(64); }), kCouldNotGrow);
+    EXPECT_EQ(liveBlocks, before);
+    EXPECT_EQ(pool.getNumOfBlocks(), 1U);
+  }
+  // The current block goes on from where it was.
+  EXPECT_EQ(static_cast<char*>(pool.allocate(16)), first + 16);
+  allocationsLeft = -1;
+  EXPECT_NE(pool.allocate(64), nullptr);
+  VelClMemoryPool endless(std::numeric_limits<size_t>::max());
+  EXPECT_EQ(failureOf([&] { endless.allocate(1); }), kCouldNotGrow);
+}
+
+TEST_F(MemoryPool, BlocksTellHowFullTheyAre) {
+  VelClMemoryPoolBlock block(10, 4);
+  EXPECT_NE(block.allocate(3, 4), nullptr);
+  EXPECT_NE(block.allocate(2, 4), nullptr);
+  EXPECT_EQ(block.getUsed(), 6U);
+  EXPECT_EQ(block.allocate(3, 4), nullptr);
+  EXPECT_NE(block.allocate(2, 2), nullptr);
+  EXPECT_EQ(block.getUsed(), 8U);
+  EXPECT_EQ(block.allocate(std::numeric_limits<size_t>::max(), 1), nullptr);
+  block.reset();
+  EXPECT_NE(block.allocate(10, 4), nullptr);
+}
+
+}  // namespace
