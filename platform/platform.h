@@ -125,6 +125,44 @@ bool putEnvironment(char* assignment) noexcept;
 std::uint32_t currentProcessId() noexcept;
 std::uint32_t currentThreadId() noexcept;
 
+// ---- Launching and ending processes (launching.cpp) ------------------------------------------
+
+struct Launch {
+  char* commandLine;       ///< the text that Windows takes
+  char* const* arguments;  ///< the same text split, which POSIX takes: at least the program, null at the end
+  bool newConsole;         ///< Windows: a console window of its own
+};
+
+enum class EndResult { Ended, CannotOpen, Failed };
+
+/// Both return the system's own number, 0 on success and 2 for a program that is not found. The program
+/// inherits environment, current directory and, when it is waited for, the standard streams; no other
+/// descriptor. A process that a POSIX signal ended has the exit code 128 plus the signal's number.
+std::uint32_t launchAndWait(const Launch& launch, std::uint32_t& exitCode) noexcept;
+/// Without console; on POSIX in a new session, with null streams, and never a zombie of this process.
+std::uint32_t launchDetached(const Launch& launch, std::uint32_t& processId) noexcept;
+/// Unconditionally and without waiting. Numbers that name no single process cannot be opened.
+EndResult endProcess(std::uint32_t id) noexcept;
+/// Whether a launch would find this name, which has a directory.
+bool programExists(const char* name) noexcept;
+/// The full path of a program without directory. Windows: the system's search. POSIX: the current directory,
+/// then PATH; "x.EXE" is looked for as given, then as "x". False when the path does not fit.
+bool searchProgram(const char* name, char* out, std::size_t capacity) noexcept;
+
+// ---- Dynamic libraries (dynamic_libraries.cpp) -----------------------------------------------
+
+using Procedure = int (*)();
+
+/// The full path of a library without directory. Windows: the system's search. POSIX: the program's
+/// directory, the current directory, then PATH; "x.DLL" is looked for as given, then as "x.so" and
+/// "libx.so". False when the path does not fit.
+bool searchLibrary(const char* name, char* out, std::size_t capacity) noexcept;
+/// Null with the system's own number when there is no such library, or the loader refuses it. POSIX
+/// tries the same three names. Nobody is asked about a file that is no library.
+void* loadLibrary(const char* name, std::uint32_t& error) noexcept;
+Procedure findProcedure(void* library, const char* name) noexcept;
+void freeLibrary(void* library) noexcept;
+
 // ---- Clocks and sleeping (clocks.cpp) --------------------------------------------------------
 
 /// Milliseconds since the system started, wrapping at 32 bits.

@@ -1,0 +1,61 @@
+// Finding, loading and using dynamic libraries.
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "platform/platform.h"
+#include "platform/posix/file_search.h"
+#include "platform/posix/native_path.h"
+
+namespace vel::platform {
+
+namespace {
+
+struct Loading {
+  void* library = nullptr;
+  int error = ENOENT;
+};
+
+bool loadFile(const char* path, void* context) noexcept {
+  auto& loading = *static_cast<Loading*>(context);
+  loading.library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+  if (loading.library != nullptr) return true;
+  // The loader tells no number. A file that is there but refused ends the search.
+  if (!isRegularFile(path)) return false;
+  loading.error = access(path, R_OK) == 0 ? ENOEXEC : errno;
+  return true;
+}
+
+}  // namespace
+
+bool searchLibrary(const char* name, char* out, std::size_t capacity) noexcept {
+  FoundPath found{out, capacity};
+  const TakeFile take = [](const char* path, void* context) noexcept {
+    return isRegularFile(path) && static_cast<FoundPath*>(context)->set(path);
+  };
+  return searchFile(NameForms::ofLibrary(name), kBesideProgram | kInCurrentDirectory | kAlongPath, take,
+                    &found);
+}
+
+void* loadLibrary(const char* name, std::uint32_t& error) noexcept {
+  Loading loading;
+  const NameForms forms = NameForms::ofLibrary(name);
+  // The loader takes "" for the program itself.
+  if (hasDirectory(name))
+    tryPaths(forms, loadFile, &loading);
+  else if (*name != '\0')
+    tryNames(forms, loadFile, &loading);
+  error = loading.library != nullptr ? 0 : static_cast<std::uint32_t>(loading.error);
+  return loading.library;
+}
+
+Procedure findProcedure(void* library, const char* name) noexcept {
+  return reinterpret_cast<Procedure>(dlsym(library, name));
+}
+
+void freeLibrary(void* library) noexcept {
+  dlclose(library);
+}
+
+}  // namespace vel::platform

@@ -1,0 +1,273 @@
+// Starting, finding and ending programs. Between fork and exec only async-signal-safe calls are made. The
+// child reports through a pipe that closes by itself when its program begins.
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+
+#include "platform/platform.h"
+#include "platform/posix/file_search.h"
+#include "platform/posix/inheritance.h"
+#include "platform/posix/native_path.h"
+
+namespace vel::platform {
+
+namespace {
+
+/// Where the child keeps its end of the pipe: the first descriptor behind the standard streams.
+constexpr int kReportDescriptor = 3;
+constexpr int kExitCodeWithoutProgram = 127;
+
+enum class Kind : std::int32_t { Error, Process };
+
+struct Report {
+  Kind kind;
+  std::int32_t value;
+};
+
+enum class Style { Waited, Detached };
+
+struct Plan {
+  const char* program;
+  char* const* arguments;
+  Style style;
+  sigset_t signalMask;  ///< the program's
+};
+
+/// Both ends close when the object goes, and in every program that starts meanwhile.
+class ReportPipe {
+ public:
+  ReportPipe() noexcept : ends_{-1, -1} { open_ = pipe2(ends_, O_CLOEXEC) == 0; }
+  ReportPipe(const ReportPipe&) = delete;
+  ReportPipe& operator=(const ReportPipe&) = delete;
+  ~ReportPipe() {
+    closeEnd(0);
+    closeEnd(1);
+  }
+
+  bool isOpen() const noexcept { return open_; }
+  int writeEnd() const noexcept { return ends_[1]; }
+  void closeWriteEnd() noexcept { closeEnd(1); }
+
+  bool read(Report& report) const noexcept {
+    ssize_t length = 0;
+    do length = ::read(ends_[0], &report, sizeof report);
+    while (length < 0 && errno == EINTR);
+    return length == static_cast<ssize_t>(sizeof report);
+  }
+
+ private:
+  void closeEnd(int end) noexcept {
+    if (ends_[end] >= 0) close(ends_[end]);
+    ends_[end] = -1;
+  }
+
+  int ends_[2];
+  bool open_;
+};
+
+/// Keeps this process's signal handlers from running in the child, and its treatment of SIGCHLD from taking
+/// the exit code away.
+class SignalsDuringLaunch {
+ public:
+  SignalsDuringLaunch() noexcept {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before_);
+    sigaction(SIGCHLD, nullptr, &childAction_);
+    replaced_ = childAction_.sa_handler == SIG_IGN || (childAction_.sa_flags & SA_NOCLDWAIT) != 0;
+    if (!replaced_) return;
+    struct sigaction standard {};
+    standard.sa_handler = SIG_DFL;
+    sigaction(SIGCHLD, &standard, nullptr);
+  }
+  SignalsDuringLaunch(const SignalsDuringLaunch&) = delete;
+  SignalsDuringLaunch& operator=(const SignalsDuringLaunch&) = delete;
+  ~SignalsDuringLaunch() {
+    if (replaced_) sigaction(SIGCHLD, &childAction_, nullptr);
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+  }
+
+  const sigset_t& before() const noexcept { return before_; }
+  /// A handler of SIGCHLD that reaps every child must wait for the end of this one.
+  void blockChildSignalOnly() const noexcept {
+    sigset_t mask = before_;
+    sigaddset(&mask, SIGCHLD);
+    pthread_sigmask(SIG_SETMASK, &mask, nullptr);
+  }
+
+ private:
+  sigset_t before_;
+  struct sigaction childAction_ {};
+  bool replaced_;
+};
+
+// ---- In the child ----
+
+void tell(Kind kind, int value) noexcept {
+  const Report report{kind, value};
+  while (write(kReportDescriptor, &report, sizeof report) < 0 && errno == EINTR) {
+  }
+}
+
+void keepReportDescriptor(int writeEnd) noexcept {
+  if (writeEnd != kReportDescriptor) dup3(writeEnd, kReportDescriptor, O_CLOEXEC);
+  closeDescriptorsFrom(kReportDescriptor + 1);
+}
+
+/// Handlers would be gone after exec anyway, but must not run before.
+void resetHandlers() noexcept {
+  for (int number = 1; number < NSIG; ++number) {
+    struct sigaction action {};
+    if (sigaction(number, nullptr, &action) != 0) continue;
+    if (action.sa_handler == SIG_DFL || action.sa_handler == SIG_IGN) continue;
+    action = {};
+    action.sa_handler = SIG_DFL;
+    sigaction(number, &action, nullptr);
+  }
+}
+
+void useNullStreams() noexcept {
+  const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+    if (null < 0)
+      close(stream);
+    else if (null == stream)
+      fcntl(null, F_SETFD, 0);
+    else
+      dup2(null, stream);
+  }
+}
+
+[[noreturn]] void runProgram(const Plan& plan) noexcept {
+  resetHandlers();
+  pthread_sigmask(SIG_SETMASK, &plan.signalMask, nullptr);
+  execve(plan.program, plan.arguments, environ);
+  tell(Kind::Error, errno);
+  _exit(kExitCodeWithoutProgram);
+}
+
+/// Its parent ends at once, so that the system's first process takes care of the program's end.
+[[noreturn]] void runDetached(const Plan& plan) noexcept {
+  setsid();
+  const pid_t program = _Fork();
+  if (program == 0) {
+    useNullStreams();
+    runProgram(plan);
+  }
+  if (program < 0)
+    tell(Kind::Error, errno);
+  else
+    tell(Kind::Process, program);
+  _exit(0);
+}
+
+// ---- In this process ----
+
+/// The wait status of a child; false when the system does not give it.
+bool waitFor(pid_t child, int& status) noexcept {
+  pid_t ended = 0;
+  do ended = waitpid(child, &status, 0);
+  while (ended < 0 && errno == EINTR);
+  return ended == child;
+}
+
+std::uint32_t exitCodeOf(int status) noexcept {
+  constexpr int kFirstCodeOfSignals = 128;
+  return static_cast<std::uint32_t>(WIFSIGNALED(status) ? kFirstCodeOfSignals + WTERMSIG(status)
+                                                        : WEXITSTATUS(status));
+}
+
+bool isRunnable(const char* path) noexcept {
+  return isRegularFile(path) && faccessat(AT_FDCWD, path, X_OK, AT_EACCESS) == 0;
+}
+
+bool takeExisting(const char* path, void* found) noexcept {
+  return isRegularFile(path) && static_cast<FoundPath*>(found)->set(path);
+}
+
+bool takeRunnable(const char* path, void* found) noexcept {
+  return isRunnable(path) && static_cast<FoundPath*>(found)->set(path);
+}
+
+bool findProgram(const char* name, FoundPath found) noexcept {
+  // With a directory the file need not be runnable: exec tells what is wrong with it.
+  if (hasDirectory(name)) return tryPaths(NameForms::ofProgram(name), takeExisting, &found);
+  return searchProgram(name, found.out, found.capacity);
+}
+
+/// What the children told until the program began, or all of them were gone.
+struct Outcome {
+  int error = 0;
+  pid_t program = 0;
+
+  void readFrom(const ReportPipe& pipe) noexcept {
+    for (Report report{}; pipe.read(report);) {
+      if (report.kind == Kind::Error) error = report.value;
+      if (report.kind == Kind::Process) program = report.value;
+    }
+  }
+};
+
+/// Starts a program and waits for the first child's end.
+int run(const Launch& launch, Style style, Outcome& outcome, int& status) noexcept {
+  PathBuffer program;
+  if (!findProgram(launch.arguments[0], {program.data(), program.size()})) return ENOENT;
+  ReportPipe pipe;
+  if (!pipe.isOpen()) return errno;
+  const SignalsDuringLaunch signals;
+  const Plan plan{program.data(), launch.arguments, style, signals.before()};
+  const pid_t child = _Fork();
+  if (child == 0) {
+    keepReportDescriptor(pipe.writeEnd());
+    style == Style::Detached ? runDetached(plan) : runProgram(plan);
+  }
+  if (child < 0) return errno;
+  pipe.closeWriteEnd();
+  signals.blockChildSignalOnly();
+  outcome.readFrom(pipe);
+  const bool known = waitFor(child, status);
+  if (outcome.error != 0) return outcome.error;
+  // A detached program is known from its report.
+  return known || style == Style::Detached ? 0 : ECHILD;
+}
+
+}  // namespace
+
+std::uint32_t launchAndWait(const Launch& launch, std::uint32_t& exitCode) noexcept {
+  Outcome outcome;
+  int status = 0;
+  const int error = run(launch, Style::Waited, outcome, status);
+  exitCode = exitCodeOf(status);
+  return static_cast<std::uint32_t>(error);
+}
+
+std::uint32_t launchDetached(const Launch& launch, std::uint32_t& processId) noexcept {
+  Outcome outcome;
+  int status = 0;
+  const int error = run(launch, Style::Detached, outcome, status);
+  processId = static_cast<std::uint32_t>(outcome.program);
+  return static_cast<std::uint32_t>(error);
+}
+
+EndResult endProcess(std::uint32_t id) noexcept {
+  // As a signed number, 0 and everything above would address whole groups of processes.
+  if (id == 0 || id > INT_MAX) return EndResult::CannotOpen;
+  if (kill(static_cast<pid_t>(id), SIGKILL) == 0) return EndResult::Ended;
+  return errno == ESRCH || errno == EPERM ? EndResult::CannotOpen : EndResult::Failed;
+}
+
+bool programExists(const char* name) noexcept {
+  PathBuffer path;
+  return findProgram(name, {path.data(), path.size()});
+}
+
+bool searchProgram(const char* name, char* out, std::size_t capacity) noexcept {
+  FoundPath found{out, capacity};
+  return searchFile(NameForms::ofProgram(name), kInCurrentDirectory | kAlongPath, takeRunnable, &found);
+}
+
+}  // namespace vel::platform

@@ -1,0 +1,71 @@
+// Starting, finding and ending programs.
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+#include "platform/platform.h"
+
+namespace vel::platform {
+
+namespace {
+
+DWORD createProcess(const Launch& launch, DWORD otherwise, PROCESS_INFORMATION& process) noexcept {
+  STARTUPINFOA startUp{};
+  startUp.cb = sizeof startUp;
+  // For a new console's buffer.
+  startUp.dwFlags = STARTF_USECOUNTCHARS;
+  startUp.dwXCountChars = 80;
+  startUp.dwYCountChars = 256;
+  const DWORD flags = CREATE_DEFAULT_ERROR_MODE | NORMAL_PRIORITY_CLASS |
+                      (launch.newConsole ? DWORD{CREATE_NEW_CONSOLE} : otherwise);
+  const BOOL created = CreateProcessA(nullptr, launch.commandLine, nullptr, nullptr, FALSE, flags, nullptr,
+                                      nullptr, &startUp, &process);
+  return created != FALSE ? DWORD{ERROR_SUCCESS} : GetLastError();
+}
+
+void closeHandles(const PROCESS_INFORMATION& process) noexcept {
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+}
+
+}  // namespace
+
+std::uint32_t launchAndWait(const Launch& launch, std::uint32_t& exitCode) noexcept {
+  PROCESS_INFORMATION process{};
+  DWORD error = createProcess(launch, 0, process);
+  if (error != ERROR_SUCCESS) return error;
+  DWORD code = 0;
+  const bool ended = WaitForSingleObject(process.hProcess, INFINITE) == WAIT_OBJECT_0 &&
+                     GetExitCodeProcess(process.hProcess, &code) != FALSE;
+  if (!ended) error = GetLastError();
+  closeHandles(process);
+  exitCode = code;
+  return error;
+}
+
+std::uint32_t launchDetached(const Launch& launch, std::uint32_t& processId) noexcept {
+  PROCESS_INFORMATION process{};
+  const DWORD error = createProcess(launch, DETACHED_PROCESS, process);
+  if (error != ERROR_SUCCESS) return error;
+  closeHandles(process);
+  processId = process.dwProcessId;
+  return 0;
+}
+
+EndResult endProcess(std::uint32_t id) noexcept {
+  const HANDLE process = OpenProcess(PROCESS_TERMINATE, FALSE, id);
+  if (process == nullptr) return EndResult::CannotOpen;
+  const bool ended = TerminateProcess(process, 0) != FALSE;
+  CloseHandle(process);
+  return ended ? EndResult::Ended : EndResult::Failed;
+}
+
+bool programExists(const char* name) noexcept {
+  return entryExists(name);
+}
+
+bool searchProgram(const char* name, char* out, std::size_t capacity) noexcept {
+  const DWORD length = SearchPathA(nullptr, name, nullptr, static_cast<DWORD>(capacity), out, nullptr);
+  return length != 0 && length < capacity;
+}
+
+}  // namespace vel::platform
