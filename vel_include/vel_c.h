@@ -12,6 +12,7 @@
 #include "vel_helpers.h"
 #include "vel_memmgr.h"
 #include "vel_messages.h"
+#include "vel_process.h"
 #include "vel_util.h"
 
 #endif

@@ -1,0 +1,57 @@
+// Dynamic libraries, their procedures, and the same for callers of plain functions.
+#include "foundation/allocator.h"
+#include "platform/platform.h"
+#include "vel_include/vel_process.h"
+
+namespace platform = vel::platform;
+
+VelClDllFile::VelClDllFile(const VelClFilename& name)
+    : VelClExeFile(name, getDefaultFileType(), LIBRARY), handle_(nullptr) {
+  load();
+}
+
+VelClDllFile::~VelClDllFile() {
+  if (handle_ != nullptr) platform::freeLibrary(handle_);
+  handle_ = nullptr;
+}
+
+void VelClDllFile::load() {
+  std::uint32_t error = 0;
+  handle_ = platform::loadLibrary(getAsCString(), error);
+  // The system's own code, none of the library's identifiers. Keep.
+  if (handle_ == nullptr) fail(error, VelEnErrorClass::RESOURCE_MISSING);
+}
+
+// Unlike a program's type it has its dot. Keep.
+const char* VelClDllFile::getDefaultFileType() {
+  return ".DLL";
+}
+
+const char* VelClDllFile::getSystemPathEnvironmentVariable() {
+  return "PATH";
+}
+
+VelClDllProcLoaderFile::VelClDllProcLoaderFile(const VelClFilename& name) : VelClDllFile(name) {}
+
+VelClDllProcLoaderFile::~VelClDllProcLoaderFile() = default;
+
+VelProcedure VelClDllProcLoaderFile::getProcedure(const char* name) const {
+  if (!isValid() || name == nullptr) return nullptr;
+  return platform::findProcedure(getHandle(), name);
+}
+
+void* velDllProcLoaderOpen(const char* fileName) {
+  auto* const loader = vel::create<VelClDllProcLoaderFile>(VelClFilename(fileName));
+  if (loader->isValid()) return loader;
+  vel::destroy(loader);
+  return nullptr;
+}
+
+VelProcedure velDllProcLoaderGetProcedure(void* handle, const char* procedureName) {
+  if (handle == nullptr) return nullptr;
+  return static_cast<const VelClDllProcLoaderFile*>(handle)->getProcedure(procedureName);
+}
+
+void velDllProcLoaderClose(void* handle) {
+  vel::destroy(static_cast<VelClDllProcLoaderFile*>(handle));
+}

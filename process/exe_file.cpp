@@ -1,0 +1,39 @@
+// A program's file name, completed along the system's search path.
+#include "platform/platform.h"
+#include "vel_include/vel_process.h"
+
+namespace platform = vel::platform;
+
+VelClExeFile::VelClExeFile(const VelClFilename& name)
+    : VelClFile(name, getDefaultFileType()), foundInSystemPath_(false) {
+  if (getFilename().hasPath()) {
+    const VelClEnvironmentVariableQueryOnly usePath("VEL_NEWPROCESS_USEPATH");
+    if (platform::programExists(getAsCString()) || !usePath.hasValueEnabled()) return;
+    VelClFilename withoutPath(getFilename());
+    withoutPath.removePath();
+    setFilename(withoutPath);
+  }
+  search(PROGRAM);
+}
+
+VelClExeFile::VelClExeFile(const VelClFilename& name, const char* defaultType, VelEnKind kind)
+    : VelClFile(name, defaultType), foundInSystemPath_(false) {
+  if (!getFilename().hasPath()) search(kind);
+}
+
+VelClExeFile::~VelClExeFile() = default;
+
+void VelClExeFile::search(VelEnKind kind) {
+  char found[VEL_MAX_PATH_LENGTH + 1];
+  foundInSystemPath_ = kind == PROGRAM ? platform::searchProgram(getAsCString(), found, sizeof found)
+                                       : platform::searchLibrary(getAsCString(), found, sizeof found);
+  if (foundInSystemPath_) setFilename(VelClFilename(found));
+}
+
+const char* VelClExeFile::getDefaultFileType() {
+  return "EXE";
+}
+
+const char* VelClExeFile::getSystemPathEnvironmentVariable() {
+  return "PATH";
+}

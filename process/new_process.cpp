@@ -1,0 +1,121 @@
+// Starting programs: the command line under construction, and the two ways to launch it.
+#include <algorithm>
+#include <cstring>
+
+#include "foundation/allocator.h"
+#include "platform/platform.h"
+#include "process/command_line.h"
+#include "vel_include/vel_helpers.h"
+#include "vel_include/vel_process.h"
+
+namespace platform = vel::platform;
+
+namespace {
+
+/// Sign, 20 digits of 64 bits, terminator.
+constexpr std::size_t kMostDigits = 22;
+
+}  // namespace
+
+VelClNewProcessABase::VelClNewProcessABase(const VelClExeFile& exe)
+    : newConsole_(false),
+      exe_(exe),
+      commandLine_(nullptr),
+      length_(0),
+      capacity_(0),
+      argumentCount_(0),
+      result_(0) {
+  addArgument(exe.getAsCString());
+}
+
+VelClNewProcessABase::~VelClNewProcessABase() {
+  VelClMemoryManager::free(commandLine_);
+}
+
+void VelClNewProcessABase::addArgument(const char* text) {
+  if (text == nullptr) return;
+  // Only a blank triggers quoting, and one back-slash at the end is doubled, however many there are. Keep.
+  if (std::strchr(text, ' ') == nullptr)
+    appendArgument("", text, "");
+  else
+    appendArgument("\"", text, text[std::strlen(text) - 1] == '\\' ? "\\\"" : "\"");
+}
+
+void VelClNewProcessABase::addArgument(long value) {
+  char digits[kMostDigits];
+  velI64toa(value, digits);
+  addArgument(digits);
+}
+
+void VelClNewProcessABase::addArgument(unsigned long value) {
+  char digits[kMostDigits];
+  velW64toa(value, digits);
+  addArgument(digits);
+}
+
+void VelClNewProcessABase::appendArgument(const char* before, const char* text, const char* after) {
+  const char* const pieces[] = {argumentCount_ != 0 ? " " : "", before, text, after};
+  size_t length = length_;
+  for (const char* piece : pieces) length += std::strlen(piece);
+  reserve(length);
+  for (const char* piece : pieces) {
+    const size_t pieceLength = std::strlen(piece);
+    std::memcpy(commandLine_ + length_, piece, pieceLength);
+    length_ += pieceLength;
+  }
+  commandLine_[length_] = '\0';
+  ++argumentCount_;
+}
+
+/// Makes room for so many characters and a terminator.
+void VelClNewProcessABase::reserve(size_t length) {
+  if (length < capacity_) return;
+  const size_t capacity = std::max<size_t>(length + 1, capacity_ * 2);
+  vel::OwnedText grown(static_cast<char*>(VelClMemoryManager::malloc(capacity)));
+  if (length_ != 0) std::memcpy(grown.get(), commandLine_, length_);
+  VelClMemoryManager::free(commandLine_);
+  commandLine_ = grown.release();
+  capacity_ = capacity;
+}
+
+void VelClNewProcessABase::prepareLaunch() {
+  lastError_ = {PROCESS_COULD_NOT_LAUNCH, VelEnErrorClass::UNKNOWN_PROCESS};
+  commandLine_[length_] = '\0';
+}
+
+bool VelClNewProcessABase::fail(unsigned long systemError) {
+  result_ = static_cast<uint32_t>(systemError);
+  return false;
+}
+
+bool VelClNewProcessABase::succeed(unsigned long result) {
+  result_ = static_cast<uint32_t>(result);
+  lastError_.reset();
+  return true;
+}
+
+VelClNewSyncProcess::VelClNewSyncProcess(const VelClExeFile& exe) : VelClNewProcessABase(exe) {}
+
+VelClNewSyncProcess::~VelClNewSyncProcess() = default;
+
+bool VelClNewSyncProcess::launch() {
+  prepareLaunch();
+  const vel::process::Arguments arguments(getArgs());
+  std::uint32_t exitCode = 0;
+  const std::uint32_t error =
+      platform::launchAndWait({getArgs(), arguments.get(), hasNewConsole()}, exitCode);
+  return error != 0 ? fail(error) : succeed(exitCode);
+}
+
+VelClNewAsyncProcess::VelClNewAsyncProcess(const VelClExeFile& exe) : VelClNewProcessABase(exe) {}
+
+VelClNewAsyncProcess::~VelClNewAsyncProcess() = default;
+
+bool VelClNewAsyncProcess::launch() {
+  prepareLaunch();
+  const vel::process::Arguments arguments(getArgs());
+  std::uint32_t processId = 0;
+  const std::uint32_t error =
+      platform::launchDetached({getArgs(), arguments.get(), hasNewConsole()}, processId);
+  return error != 0 ? fail(error) : succeed(processId);
+}
