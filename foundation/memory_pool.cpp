@@ -27,22 +27,27 @@ constexpr const char* kAllocate = "VelClMemoryPool::allocate";
   throw exception;
 }
 
+constexpr size_t kMost = std::numeric_limits<size_t>::max();
+
 /// With what it takes to begin at a multiple of the alignment; a size that cannot be had when there is none.
 size_t sizeToOwn(size_t size, size_t alignment) {
-  constexpr size_t kMost = std::numeric_limits<size_t>::max();
   return size > kMost - alignment ? kMost : size + alignment;
+}
+
+/// The nearest multiple, which is below only when there is none above.
+size_t roundedUp(size_t size, size_t alignment) {
+  return (size > kMost - alignment ? size : size + alignment - 1) & ~(alignment - 1);
 }
 
 }  // namespace
 
 VelClMemoryPoolBlock::VelClMemoryPoolBlock(size_t size, size_t alignment)
-    : size_(size),
-      used_(0),
-      owned_(VelClMemoryManager::malloc(sizeToOwn(size, alignment))),
-      memory_(static_cast<char*>(owned_)),
+    : owned_(VelClMemoryManager::malloc(sizeToOwn(size, alignment))),
+      begin_(static_cast<char*>(owned_)),
+      size_(size),
       next_(nullptr) {
   const size_t beyond = reinterpret_cast<std::uintptr_t>(owned_) % alignment;
-  if (beyond != 0) memory_ += alignment - beyond;
+  if (beyond != 0) begin_ += alignment - beyond;
 }
 
 VelClMemoryPoolBlock::~VelClMemoryPoolBlock() {
@@ -50,24 +55,25 @@ VelClMemoryPoolBlock::~VelClMemoryPoolBlock() {
 }
 
 VelClMemoryPool::VelClMemoryPool(size_t blockSize, size_t alignment)
-    : blockSize_(blockSize), alignment_(alignment), first_(nullptr), current_(nullptr), blockCount_(0) {
+    : blockSize_(blockSize),
+      alignment_(alignment),
+      free_(nullptr),
+      end_(nullptr),
+      first_(nullptr),
+      current_(nullptr),
+      blockCount_(0) {
   if (!std::has_single_bit(alignment) || alignment > kMaxAlignment)
     throwTooBig(VelEnErrorClass::INVALID_DATA, kConstructor, __LINE__);
+  blockSize_ = roundedUp(blockSize, alignment);
 }
 
 VelClMemoryPool::~VelClMemoryPool() {
   clear();
 }
 
-void* VelClMemoryPool::allocateElsewhere(size_t size, size_t alignment) {
-  if (size > blockSize_ || alignment > alignment_)
-    throwTooBig(VelEnErrorClass::DATA_OUT_OF_BOUNDS, kAllocate, __LINE__);
-  grow();
-  return current_->allocate(size, alignment);
-}
-
 /// Moves on to a block that reset kept, or takes a new one.
-void VelClMemoryPool::grow() {
+void VelClMemoryPool::openBlockFor(size_t size) {
+  if (size > blockSize_) throwTooBig(VelEnErrorClass::DATA_OUT_OF_BOUNDS, kAllocate, __LINE__);
   VelClMemoryPoolBlock*& next = current_ == nullptr ? first_ : current_->next_;
   if (next == nullptr) {
     try {
@@ -77,20 +83,23 @@ void VelClMemoryPool::grow() {
     }
     ++blockCount_;
   }
-  next->reset();
   current_ = next;
+  free_ = current_->getBegin();
+  end_ = current_->getEnd();
 }
 
 void VelClMemoryPool::reset() {
   current_ = nullptr;
+  free_ = nullptr;
+  end_ = nullptr;
 }
 
 void VelClMemoryPool::clear() {
+  reset();
   while (first_ != nullptr) {
     VelClMemoryPoolBlock* const next = first_->next_;
     vel::destroy(first_);
     first_ = next;
   }
-  current_ = nullptr;
   blockCount_ = 0;
 }

@@ -64,7 +64,7 @@ class VEL_API VelClMemoryManager {
   static VelDeallocatorCallback cv_pfuDeallocatorCallback;
 };
 
-/// One block of a memory pool: memory from the manager, handed out from its start to its end.
+/// One block of a memory pool: memory from the manager with an alignment of its own.
 class VEL_API VelClMemoryPoolBlock {
  public:
   /// `size` bytes that begin at a multiple of `alignment`, a power of two. Throws as the manager does.
@@ -73,31 +73,19 @@ class VEL_API VelClMemoryPoolBlock {
   VelClMemoryPoolBlock& operator=(const VelClMemoryPoolBlock&) = delete;
   ~VelClMemoryPoolBlock();
 
-  /// The next `size` bytes whose distance from the block's start is a multiple of `alignment`, a power of
-  /// two; null, changing nothing, when they don't fit.
-  void* allocate(size_t size, size_t alignment) {
-    const size_t start = (used_ + alignment - 1) & ~(alignment - 1);
-    if (start > size_ || size > size_ - start) return nullptr;
-    used_ = start + size;
-    return memory_ + start;
-  }
-  /// Everything handed out is free again.
-  void reset() { used_ = 0; }
-  size_t getSize() const { return size_; }
-  /// In bytes, the gaps that alignment left included.
-  size_t getUsed() const { return used_; }
+  char* getBegin() const { return begin_; }
+  char* getEnd() const { return begin_ + size_; }
 
  private:
   friend class VelClMemoryPool;
 
-  size_t size_;
-  size_t used_;
   void* owned_;
-  char* memory_;  ///< the first aligned byte of `owned_`
+  char* begin_;  ///< the first aligned byte of `owned_`
+  size_t size_;
   VelClMemoryPoolBlock* next_;
 };
 
-/// Memory for many small objects that die together. An allocation moves an index within the current block: a
+/// Memory for many small objects that die together. An allocation moves a pointer within the current block: a
 /// handful of instructions, no header, and no gap beyond the alignment. Single pieces cannot be given back,
 /// and destructors are not run. What is left of a block when a request does not fit stays unused until
 /// reset. There is no lock.
@@ -110,9 +98,10 @@ class VEL_API VelClMemoryPool {
   static constexpr size_t kDefaultAlignment = 16;
   static constexpr size_t kMaxAlignment = 4096;
 
-  /// Takes no memory yet. `blockSize` is in bytes and the most that one request can ask for; a block costs
-  /// about `alignment` + 40 bytes besides. An alignment that is no power of two, or above kMaxAlignment,
-  /// throws MEMORYPOOL_CHUNK_TOO_BIG with class INVALID_DATA.
+  /// Takes no memory yet. `blockSize` is in bytes, rounded up to a multiple of `alignment`, and the most that
+  /// one request can ask for; a block costs about `alignment` + 32 bytes besides. An alignment that is no
+  /// power of two, or above kMaxAlignment, throws MEMORYPOOL_CHUNK_TOO_BIG with class INVALID_DATA. For texts
+  /// take 1.
   explicit VelClMemoryPool(size_t blockSize, size_t alignment = kDefaultAlignment);
   VelClMemoryPool(const VelClMemoryPool&) = delete;
   VelClMemoryPool& operator=(const VelClMemoryPool&) = delete;
@@ -123,14 +112,12 @@ class VEL_API VelClMemoryPool {
   /// MEMORYPOOL_CHUNK_TOO_BIG with class DATA_OUT_OF_BOUNDS (VelClException) for more than a block holds;
   /// MEMORYPOOL_COULD_NOT_GROW with class OUT_OF_MEMORY (VelClExceptionFatal) when there is no memory for
   /// another block.
-  void* allocate(size_t size) { return allocate(size, alignment_); }
-  /// At a multiple of a smaller alignment, such as 1 for texts. It is a power of two; one above the pool's
-  /// is MEMORYPOOL_CHUNK_TOO_BIG.
-  void* allocate(size_t size, size_t alignment) {
+  void* allocate(size_t size) {
     const size_t wanted = size == 0 ? 1 : size;
-    if (current_ != nullptr && alignment <= alignment_)
-      if (void* piece = current_->allocate(wanted, alignment)) return piece;
-    return allocateElsewhere(wanted, alignment);
+    if (wanted > static_cast<size_t>(end_ - free_)) openBlockFor(wanted);
+    char* const piece = free_;
+    free_ += (wanted + alignment_ - 1) & ~(alignment_ - 1);
+    return piece;
   }
 
   /// All pieces are free again, in a constant time; the blocks stay for what is asked for next.
@@ -138,19 +125,21 @@ class VEL_API VelClMemoryPool {
   /// All pieces are free again, and the blocks go back to the memory manager.
   void clear();
 
+  /// In bytes, rounded up.
   size_t getBlockSize() const { return blockSize_; }
   size_t getAlignment() const { return alignment_; }
   /// How many blocks the pool holds, those kept by reset included.
   size_t getNumOfBlocks() const { return blockCount_; }
 
  private:
-  void* allocateElsewhere(size_t size, size_t alignment);
-  void grow();
+  void openBlockFor(size_t size);
 
   size_t blockSize_;
   size_t alignment_;
+  char* free_;  ///< both in the current block, and their distance a multiple of the alignment
+  char* end_;
   VelClMemoryPoolBlock* first_;
-  VelClMemoryPoolBlock* current_;  ///< those behind it are empty, whatever they say
+  VelClMemoryPoolBlock* current_;  ///< those behind it are unused
   size_t blockCount_;
 };
 
