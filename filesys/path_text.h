@@ -53,7 +53,7 @@ class PathText {
 
  private:
   std::size_t length_ = 0;
-  char text_[kCapacity + 1] = "";
+  char text_[kCapacity + 1] = {};
 };
 
 }  // namespace vel::filesys

@@ -125,6 +125,7 @@ TEST_F(TmpFilenameTest, FilesOfManyProcessesAreDistinct) {
   constexpr int kChildren = 6;
   std::vector<std::vector<std::string>> lists(kChildren);
   std::vector<std::thread> threads;
+  threads.reserve(lists.size());
   for (auto& list : lists)
     threads.emplace_back([&list, this] { list = namesCreatedByAChild(scratch_.path()); });
   for (std::thread& thread : threads) thread.join();
@@ -147,7 +148,8 @@ TEST(BakFilename, StandsBehindTheWholeName) {
               {full, full, ""}};
   for (const auto& row : rows) {
     const VelClBakFilename backup(VelClFilename(row.name.c_str()));
-    const VelClFilename copy = backup;
+    VelClFilename copy;
+    copy = backup;
     EXPECT_EQ(row.backup, backup.getAsCString());
     EXPECT_EQ(row.extension, backup.getExtension());
     EXPECT_EQ(row.backup.size(), backup.getLength());
