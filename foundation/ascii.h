@@ -18,6 +18,10 @@ constexpr char toAsciiUpper(char c) noexcept {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
+constexpr char toAsciiLower(char c) noexcept {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
 constexpr bool equalsIgnoringAsciiCase(const char* a, const char* b) noexcept {
   while (*a != '\0' && toAsciiUpper(*a) == toAsciiUpper(*b)) {
     ++a;

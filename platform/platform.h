@@ -205,6 +205,9 @@ void closeCatalog(CatalogImage& image) noexcept;
 /// 1033 when they say nothing.
 std::uint32_t userLanguage() noexcept;
 std::uint32_t systemLanguage() noexcept;
+/// The user's language by ISO codes, "de-DE" or "de_DE", the territory only where the settings name one. False when
+/// they say nothing, or the tag does not fit.
+bool userLanguageTag(char* out, std::size_t capacity) noexcept;
 /// Whether single-byte texts of this process are in fact UTF-8.
 bool ansiIsUtf8() noexcept;
 /// Converts to the process's single-byte code page, "?" for what it lacks. Returns the bytes

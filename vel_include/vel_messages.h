@@ -1,4 +1,5 @@
-// Numbered messages: catalogs that hold their texts per language, and messages with variables.
+// Numbered messages: catalogs that hold their texts per language, and messages with variables; and the names
+// of languages and territories.
 #ifndef VEL_MESSAGES_H_
 #define VEL_MESSAGES_H_
 
@@ -231,6 +232,68 @@ class VEL_API VelClMessageCatalogProxy {
   const VelClMessageCatalog* catalog_;
   char text_[VEL_MAX_MESSAGE_LENGTH + 1];
 };
+
+/// A language together with a territory: a country or region. Both are rows of fixed tables, of 143 languages
+/// (ISO 639 codes) and 242 territories (ISO 3166 codes), as the codes were in 1997; there is no connection to
+/// the system's language numbers. All texts are literals, and codes are in lower case.
+class VEL_API VelClLanguage {
+ public:
+  /// Row numbers, in the order of the two-letter codes.
+  enum VelEnLanguage : uint32_t { LANGUAGE_UNSPECIFIED = 0, LANGUAGE_UNKNOWN = 143 };
+  enum VelEnTerritory : uint32_t { TERRITORY_UNSPECIFIED = 0, TERRITORY_UNKNOWN = 242 };
+
+  /// "-", which stands between the two codes; tags may use "_" instead.
+  static const char* const cv_cpszCombiningCharString;
+  static char getCombiningChar() { return '-'; }
+  static const char* getCombiningCharAsCString() { return cv_cpszCombiningCharString; }
+
+  /// The language's number in the high 16 bits, the territory's in the low ones. Write 0 as `0U`.
+  explicit VelClLanguage(unsigned int number);
+  /// A tag of two-letter codes in any letter case, such as "en-US", "en_us" or "en"; "x-all" and
+  /// "x-unspecified" leave both unspecified. A code that is not in its table is unknown, three-letter codes
+  /// included. "_" separates only where the tag holds no "-". Null counts as "".
+  explicit VelClLanguage(const char* tag);
+
+  /// What the current user's settings say: on Windows the regional settings, on Linux the first of LC_ALL,
+  /// LC_MESSAGES and LANG that is set; en-US when these say nothing.
+  static VelClLanguage getUserLanguage();
+
+  unsigned int asNumber() const;
+  VelEnLanguage getLanguage() const { return language_; }
+  VelEnTerritory getTerritory() const { return territory_; }
+
+  /// "??" when unknown, here and below.
+  const char* getLanguageCode() const { return getLanguageCode(language_); }
+  const char* getTerritoryCodeShort() const { return getTerritoryCodeShort(territory_); }
+  const char* getTerritoryCodeLong() const { return getTerritoryCodeLong(territory_); }
+  static const char* getLanguageCode(unsigned int language);
+  static const char* getTerritoryCodeShort(unsigned int territory);
+  static const char* getTerritoryCodeLong(unsigned int territory);
+  /// In English.
+  static const char* getLanguageName(unsigned int language);
+  static const char* getTerritoryName(unsigned int territory);
+  /// The number of ISO 3166, 0 for territories without one; -1 when unknown.
+  static int getTerritoryIdNumber(unsigned int territory);
+  static unsigned int getNumberOfLanguagesSupported();
+  static unsigned int getNumberOfTerritoriesSupported();
+
+  /// Write "en-us", or "en-usa", into a buffer of 7 or 8 characters.
+  void extractShortCode(char* out) const;
+  void extractLongCode(char* out) const;
+  /// The same, but the language's code alone when the territory is unspecified or unknown.
+  void extractISOShortCode(char* out) const;
+  void extractISOLongCode(char* out) const;
+
+ private:
+  void parse(const char* tag);
+  bool namesTerritory() const;
+
+  VelEnLanguage language_;
+  VelEnTerritory territory_;
+};
+
+/// Writes "en-us", "en" when the territory is unspecified, or "??" when either is unknown.
+VEL_API std::ostream& operator<<(std::ostream& stream, const VelClLanguage& language);
 
 #endif
 

@@ -65,6 +65,17 @@ std::uint32_t systemLanguage() noexcept {
   return languageOrDefault(std::getenv("LANG"));
 }
 
+bool userLanguageTag(char* out, std::size_t capacity) noexcept {
+  const char* const name = firstValue("LC_ALL", "LC_MESSAGES", "LANG");
+  const std::size_t length = std::strcspn(name, ".@");
+  // "C" and "POSIX" are no languages.
+  const std::size_t languageLength = std::strcspn(name, "_-.@");
+  if (languageLength < 2 || languageLength > 3 || length >= capacity) return false;
+  std::memcpy(out, name, length);
+  out[length] = '\0';
+  return true;
+}
+
 bool ansiIsUtf8() noexcept {
   if (isUtf8Name(nl_langinfo(CODESET))) return true;
   // A locale that is not installed cannot be set, but the terminal is of that kind all the same.

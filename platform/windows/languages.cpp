@@ -38,6 +38,20 @@ std::uint32_t systemLanguage() noexcept {
   return GetSystemDefaultLangID();
 }
 
+bool userLanguageTag(char* out, std::size_t capacity) noexcept {
+  char territory[16];
+  const int language =
+      GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SISO639LANGNAME, out, static_cast<int>(capacity));
+  if (language == 0) return false;
+  const auto end = static_cast<std::size_t>(language) - 1;
+  if (GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SISO3166CTRYNAME, territory, sizeof territory) == 0)
+    return true;
+  if (end + 1 + std::strlen(territory) >= capacity) return false;
+  out[end] = '-';
+  std::strcpy(out + end + 1, territory);
+  return true;
+}
+
 bool ansiIsUtf8() noexcept {
   return GetACP() == CP_UTF8;
 }

@@ -1,0 +1,51 @@
+#!/usr/bin/env python3
+"""Makes the C++ rows of the language and territory tables from languages.tsv and territories.tsv.
+
+generate_languages.py --languages languages.tsv --territories territories.tsv --out FILE
+
+A row's place in its file is its number. Stops when the rows are not sorted by their two-letter code, which the
+search relies on, or when their number, which is part of the interface, has changed.
+"""
+import argparse
+import csv
+import pathlib
+import sys
+
+TABLES = {
+    "languages": ("LanguageRow kLanguages", 143, lambda row: f'{{"{row["code"]}", "{row["name"]}"}}'),
+    "territories": (
+        "TerritoryRow kTerritories",
+        242,
+        lambda row: f'{{"{row["code2"]}", "{row["code3"]}", {int(row["numeric"])}, "{row["name"]}"}}',
+    ),
+}
+
+
+def rows_of(path, name, count):
+    with open(path, newline="", encoding="ascii") as file:
+        rows = list(csv.DictReader(file, delimiter="\t", quoting=csv.QUOTE_NONE))
+    codes = [next(iter(row.values())) for row in rows]
+    if len(rows) != count:
+        sys.exit(f"{path}: {len(rows)} {name} instead of {count}")
+    if any(a >= b for a, b in zip(codes, codes[1:])) or any(len(code) != 2 for code in codes):
+        sys.exit(f"{path}: the two-letter codes are not in ascending order")
+    if any('"' in value or "\\" in value for row in rows for value in row.values()):
+        sys.exit(f"{path}: quotes and back-slashes are not expected")
+    return rows
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--languages", required=True, type=pathlib.Path)
+    parser.add_argument("--territories", required=True, type=pathlib.Path)
+    parser.add_argument("--out", required=True, type=pathlib.Path)
+    options = parser.parse_args()
+    lines = ["// Made by generate_languages.py."]
+    for name, (declaration, count, row_text) in TABLES.items():
+        lines.append(f"constexpr {declaration}[] = {{")
+        lines += [f"    {row_text(row)}," for row in rows_of(getattr(options, name), name, count)]
+        lines.append("};")
+    options.out.write_text("\n".join(lines) + "\n", encoding="ascii")
+
+
+main()
