@@ -38,7 +38,7 @@ std::string walkForward(VelClBiDirCursorABase& cursor, const VelClArgvCursor& ar
 std::string walkBackward(VelClBiDirCursorABase& cursor, const VelClArgvCursor& argument) {
   std::string walk;
   for (bool more = cursor.setToLast(); more; more = cursor.setToPrevious())
-    walk = argument.getAsCString() + (walk.empty() ? "" : " " + walk);
+    walk.insert(0, std::string(argument.getAsCString()) + (walk.empty() ? "" : " "));
   EXPECT_FALSE(cursor.isValid());
   return walk;
 }

@@ -62,8 +62,9 @@ void expectRuns(const std::vector<Row>& rows) {
   for (const Row& row : rows) {
     const ChildResult result = runTool(row.arguments, row.variables);
     std::string inputs;
-    for (const std::string& argument : row.arguments) inputs += argument + " ";
-    for (const auto& [name, value] : row.variables) inputs += "\n  " + name + "=" + value;
+    for (const std::string& argument : row.arguments) inputs.append(argument).append(" ");
+    for (const auto& [name, value] : row.variables)
+      inputs.append("\n").append(name).append("=").append(value);
     EXPECT_EQ(result.exitCode, row.exitCode) << inputs;
     EXPECT_EQ(result.output, row.output) << inputs;
     EXPECT_EQ(result.errors, row.errors) << inputs;

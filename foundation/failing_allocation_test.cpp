@@ -196,7 +196,7 @@ TEST_F(FailingAllocation, OfMessages) {
                          EXPECT_EQ(target.getAsCString() == kLong + kLong, !assigned);
                          EXPECT_EQ(target.getId(), assigned ? 7U : 2U);
                          EXPECT_EQ(target.isValid(), !assigned);
-                         shortage.attempt([&] { const VelClMessage copy(source); });
+                         shortage.attempt([&] { VelClMessage(source).setNewMessageId(7); });
                        }),
             0);
 }
@@ -225,7 +225,7 @@ TEST_F(FailingAllocation, OfProxiesAndCatalogFunctions) {
                              [] { velMsgCatClose(velMsgCatOpenOrUseStringTable("absent", kTable, 4)); });
                          const VelClMessageCatalog library;
                          shortage.attempt([&] { velMsgCatClose(velMsgCatOpenAttach(&library)); });
-                         const VelMsgCatHandle handle = velMsgCatOpen("qammsg50");
+                         VelMsgCatHandle handle = velMsgCatOpen("qammsg50");
                          const char* const noVariable = nullptr;
                          shortage.attempt([&] { EXPECT_TRUE(velMsgCatIsValid(handle, 2)); });
                          shortage.attempt([&] { velMsgCatGet(handle, 2); });

@@ -20,9 +20,18 @@ namespace {
 constexpr unsigned int kEnglish = 1033;
 constexpr unsigned int kGerman = 1031;
 
-bool userIsGerman() {
+std::string userLocale() {
   const char* name = std::getenv("LC_ALL");
-  return name != nullptr && std::string(name).starts_with("de");
+  return name != nullptr ? name : "";
+}
+
+bool userIsGerman() {
+  return userLocale().starts_with("de");
+}
+
+std::string processLocale() {
+  const char* name = std::setlocale(LC_ALL, nullptr);
+  return name != nullptr ? name : "";
 }
 
 std::string textOf(const VelClMessageCatalog& catalog, unsigned long id) {
@@ -148,17 +157,18 @@ TEST(MessageCatalog, BelievesTheSizeAndNotTheSignature) {
 }
 
 TEST(MessageCatalog, OpeningSetsTheLocale) {
-  const std::string before = std::setlocale(LC_ALL, nullptr);
-  const std::string variable = std::getenv("LC_ALL") != nullptr ? std::getenv("LC_ALL") : "";
+  const std::string before = processLocale();
+  const std::string variable = userLocale();
   VelClEnvironmentVariable("LC_ALL", "C.UTF-8");
-  const std::string user = std::setlocale(LC_ALL, "");
+  std::setlocale(LC_ALL, "");
+  const std::string user = processLocale();
   ASSERT_NE(user, "C");
   std::setlocale(LC_ALL, "C");
   const char* const table[] = {"", "name"};
   const VelClMessageCatalog withoutLibrary(table, 2);
-  EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
+  EXPECT_EQ(processLocale(), "C");
   const VelClMessageCatalog absent(VelClFilename("absent"));
-  EXPECT_EQ(std::setlocale(LC_ALL, nullptr), user);
+  EXPECT_EQ(processLocale(), user);
   VelClEnvironmentVariable("LC_ALL", variable.c_str());
   std::setlocale(LC_ALL, before.c_str());
 }

@@ -151,7 +151,7 @@ TEST(CatalogFunctions, CollectVariablesUpToANull) {
   unsigned long size = 0;
   const char* const* table = velMsgCatGetBuiltInTable(&size);
   EXPECT_EQ(velMsgCatGetBuiltInTable(nullptr), table);
-  const VelMsgCatHandle handle = velMsgCatOpenOrUseStringTable("absent", table, size);
+  VelMsgCatHandle handle = velMsgCatOpenOrUseStringTable("absent", table, size);
   ASSERT_NE(handle, nullptr);
   const auto expected = [&](std::initializer_list<const char*> variables) {
     const char* all[10] = {};
@@ -171,10 +171,10 @@ TEST(CatalogFunctions, CollectVariablesUpToANull) {
 
 TEST(CatalogFunctions, OpenLibrariesAndTables) {
   EXPECT_EQ(velMsgCatOpen("absent.DLL"), nullptr);
-  const VelMsgCatHandle library = velMsgCatOpen("small_catalog.txt");
+  VelMsgCatHandle library = velMsgCatOpen("small_catalog.txt");
   // A loaded library never gets the table.
-  const VelMsgCatHandle both = velMsgCatOpenOrUseStringTable("small_catalog", kTable, std::size(kTable));
-  for (const VelMsgCatHandle handle : {library, both}) {
+  VelMsgCatHandle both = velMsgCatOpenOrUseStringTable("small_catalog", kTable, std::size(kTable));
+  for (VelMsgCatHandle handle : {library, both}) {
     ASSERT_NE(handle, nullptr);
     EXPECT_NE(velMsgCatGetLanguage(handle), 0U);
     EXPECT_TRUE(velMsgCatIsValid(handle, 1));
@@ -183,7 +183,7 @@ TEST(CatalogFunctions, OpenLibrariesAndTables) {
     EXPECT_STREQ(velMsgCatGet(handle, 3), "UNABLE TO LOAD MESSAGE #3 FROM CATALOG: small_catalog.DLL");
     velMsgCatClose(handle);
   }
-  const VelMsgCatHandle table = velMsgCatOpenOrUseStringTable("absent", kTable, std::size(kTable));
+  VelMsgCatHandle table = velMsgCatOpenOrUseStringTable("absent", kTable, std::size(kTable));
   EXPECT_EQ(velMsgCatGetLanguage(table), 0U);
   EXPECT_TRUE(velMsgCatIsValid(table, 3));
   EXPECT_FALSE(velMsgCatIsValid(table, 6));
@@ -200,7 +200,7 @@ TEST(CatalogFunctions, AttachToCatalogsWithALibraryOnly) {
   const VelClMessageCatalog table(kTable, std::size(kTable));
   EXPECT_EQ(velMsgCatOpenAttach(&table), nullptr);
   EXPECT_EQ(velMsgCatOpenAttach(nullptr), nullptr);
-  const VelMsgCatHandle handle = velMsgCatOpenAttach(&catalog);
+  VelMsgCatHandle handle = velMsgCatOpenAttach(&catalog);
   ASSERT_NE(handle, nullptr);
   EXPECT_EQ(velMsgCatGetLanguage(handle), catalog.getLanguage());
   velMsgCatClose(handle);
