@@ -14,6 +14,7 @@
 
 namespace {
 
+constexpr size_t kShift = 16;
 long liveBlocks = 0;
 int allocationsLeft = -1;  ///< -1: no limit
 
@@ -22,11 +23,12 @@ void* limitedMalloc(size_t size) {
   if (allocationsLeft == 0 || size > (size_t{1} << 40)) return nullptr;
   if (allocationsLeft > 0) --allocationsLeft;
   ++liveBlocks;
-  return static_cast<char*>(std::malloc(size + 16)) + 16;
+  auto* const block = static_cast<char*>(std::malloc(size + kShift));
+  return block + kShift;
 }
 void limitedFree(void* block) {
   --liveBlocks;
-  std::free(static_cast<char*>(block) - 16);
+  std::free(static_cast<char*>(block) - kShift);
 }
 
 class MemoryPool : public testing::Test {
@@ -105,15 +107,17 @@ TEST_F(MemoryPool, FillsABlockToItsLastByte) {
 
 TEST_F(MemoryPool, ResetKeepsTheBlocksAndClearGivesThemBack) {
   VelClMemoryPool pool(1000, 8);
-  std::vector<void*> first;
-  for (int i = 0; i < 10; ++i) first.push_back(pool.allocate(400));
+  const auto fill = [&pool] {
+    std::vector<void*> pieces(10);
+    for (void*& piece : pieces) piece = pool.allocate(400);
+    return pieces;
+  };
+  const std::vector<void*> first = fill();
   const long blocks = liveBlocks;
   EXPECT_EQ(pool.getNumOfBlocks(), 5U);
   for (int round = 0; round < 3; ++round) {
     pool.reset();
-    std::vector<void*> again;
-    for (int i = 0; i < 10; ++i) again.push_back(pool.allocate(400));
-    EXPECT_EQ(again, first) << round;
+    EXPECT_EQ(fill(), first) << round;
     EXPECT_EQ(liveBlocks, blocks);
   }
   pool.clear();

@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <bitset>
+#include <cstdlib>
 #include <sstream>
 #include <string>
 
+#include "vel_include/vel_error.h"
+#include "vel_include/vel_memmgr.h"
 #include "vel_include/vel_util.h"
 
 namespace {
@@ -138,6 +141,32 @@ TEST(BitArray, SaysThroughTheStreamThatItIsTooShort) {
   EXPECT_EQ(written(array), form(16, {8, 0, 0}));
   EXPECT_FALSE(reads(array, form(16, "a")));
   EXPECT_EQ(written(array), form(16, {'a', 0, 0}));
+}
+
+void* refusingMalloc(size_t) {
+  return nullptr;
+}
+
+TEST(BitArray, StaysAsItWasWithoutMemory) {
+  VelClBitArray array(9);
+  array.set(8);
+  const VelClBitArray other(100);
+  int failures = 0;
+  const auto expectFailure = [&failures](auto operation) {
+    try {
+      operation();
+    } catch (const VelClExceptionFatal& exception) {
+      failures += exception.getId() == MEMMGR_USER_OUT_OF_MEMORY ? 1 : 0;
+    }
+  };
+  velSetNewMemoryManager(refusingMalloc, nullptr, std::free);
+  expectFailure([] { const VelClBitArray none(5); });
+  expectFailure([&] { const VelClBitArray copy(other); });
+  expectFailure([&] { array = other; });
+  velSetNewMemoryManager(std::malloc, nullptr, std::free);
+  EXPECT_EQ(failures, 3);
+  EXPECT_EQ(array.getNumOfBits(), 9U);
+  EXPECT_TRUE(array.test(8));
 }
 
 }  // namespace

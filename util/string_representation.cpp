@@ -1,6 +1,5 @@
 // Pieces of memory and addresses as lines of text. How the lines look is dump_line.h's matter.
 #include <algorithm>
-#include <charconv>
 
 #include "util/dump_line.h"
 #include "vel_include/vel_util.h"
@@ -53,12 +52,15 @@ const char* VelClStrepBinDump::getAsCString() const {
 }
 
 VelClStrepAddress::VelClStrepAddress(const void* address) : text_{} {
+  const auto number = reinterpret_cast<std::uintptr_t>(address);
   char* out = text_;
-  if (address != nullptr) {
+  if (number != 0) {
     *out++ = '0';
     *out++ = 'x';
   }
-  std::to_chars(out, text_ + sizeof text_ - 1, reinterpret_cast<std::uintptr_t>(address), 16);
+  int digits = 1;
+  while (digits < 16 && number >> (4 * digits) != 0) ++digits;
+  while (digits-- > 0) *out++ = "0123456789abcdef"[number >> (4 * digits) & 15];
 }
 
 const char* VelClStrepAddress::getAsCString() const {
