@@ -126,6 +126,29 @@ TEST_F(FailingAllocation, OfSearchesAndVariables) {
   VelClEnvironmentVariable("VEL_TEST_SHORTAGE", nullptr);
 }
 
+TEST_F(FailingAllocation, OfProgramsAndLibraries) {
+  EXPECT_GT(failuresOf("arguments",
+                       [](Shortage& shortage) {
+                         const VelClExeFile exe("vel_no_such_program");
+                         shortage.attempt([&] { const VelClNewAsyncProcess process(exe); });
+                         VelClNewSyncProcess process(exe);
+                         const bool added = shortage.attempt([&] { process.addArgument(kLong.c_str()); });
+                         EXPECT_EQ(process.getArgumentCount(), added ? 2U : 1U);
+                         const bool tried = shortage.attempt([&] { EXPECT_FALSE(process.launch()); });
+                         EXPECT_EQ(process.getResult(), tried ? 2U : 0U);
+                         EXPECT_EQ(process.getLastError().getErrorId(),
+                                   static_cast<unsigned long>(PROCESS_COULD_NOT_LAUNCH));
+                       }),
+            2);
+  for (const char* name : {"qamc5032", "absent"})
+    EXPECT_GT(failuresOf(name,
+                         [&](Shortage& shortage) {
+                           shortage.attempt([&] { velDllProcLoaderClose(velDllProcLoaderOpen(name)); });
+                         }),
+              0)
+        << name;
+}
+
 TEST_F(FailingAllocation, OfCatalogs) {
   for (const char* name : {"small_catalog", "small_ansi_catalog", "absent"}) {
     const VelClFilename file(name);
