@@ -21,15 +21,6 @@ std::string expanded(const std::string& path) {
   return kFailed;
 }
 
-class InDirectory {
- public:
-  explicit InDirectory(const std::filesystem::path& path) { std::filesystem::current_path(path); }
-  ~InDirectory() { std::filesystem::current_path(before_); }
-
- private:
-  std::filesystem::path before_ = std::filesystem::current_path();
-};
-
 TEST(RelativePath, IncludesAbsoluteOnesThatNeedExpansion) {
   for (const char* path : {"a\\", "", "\\a\\", "C:/a", "C:\\a\\..\\b", "C:\\a.\\b"})
     EXPECT_TRUE(VelClFileABase::isRelativePath(path)) << path;
@@ -42,44 +33,41 @@ TEST(ExpandRelativePath, ResolvesAbsolutePaths) {
   const std::string full = "\\\\s\\" + std::string(kLimit - 5, 'x');
   const struct {
     std::string path, result;
-  } rows[] = {{"C:\\a\\b\\..\\c\\", "C:\\a\\c\\"},
-              {"C:\\a\\..\\", "C:\\"},
+  } rows[] = {{"\\\\s\\h\\a\\..\\b\\", "\\\\s\\h\\b\\"},
               {"C:\\a\\..\\..\\", kFailed},
-              {"C:\\a\\.\\b\\", "C:\\a\\b\\"},
-              {"C:\\a\\b.txt", "C:\\a\\"},
-              {"C:\\a\\abc..\\", "C:\\"},
               {"C:\\a\\abc.\\..b\\", "C:\\a\\..b\\"},
-              {"\\\\s\\h\\a\\..\\b\\", "\\\\s\\h\\b\\"},
-              {"\\\\s\\h\\a\\..\\..\\", kFailed},
+              {"C:\\a\\abc..\\", "C:\\"},
+              {"C:\\a\\b\\..\\c\\", "C:\\a\\c\\"},
               {"\\\\s\\h", "\\\\s\\h\\"},
+              {"\\\\s\\h\\a\\..\\..\\", kFailed},
+              {"C:\\a\\..\\", "C:\\"},
+              {"C:\\a\\.\\b\\", "C:\\a\\b\\"},
+              {full + "x", kFailed},
               {"\\\\s\\h\\:", "\\\\s\\h\\"},
-              {full, full + "\\"},
-              {full + "x", kFailed}};
+              {full, full + "\\"}};
   for (const auto& row : rows) EXPECT_EQ(row.result, expanded(row.path)) << row.path;
 }
 
 // Whether it fits is asked of the result, not of what it passes through.
 TEST(ExpandRelativePath, StartsInTheCurrentDirectory) {
   const vel::test::ScratchDirectory scratch;
-  const InDirectory in(scratch.path());
-  std::string current = std::filesystem::current_path().string() + "\\";
-  std::replace(current.begin(), current.end(), '/', '\\');
-  if (current.starts_with('\\')) current.insert(0, "C:");
+  const vel::test::CurrentDirectory in(scratch.path());
+  const std::string current = vel::test::backSlashed(std::filesystem::current_path().string()) + "\\";
   const std::string root = current.substr(0, 3);
   std::string up;
   for (auto i = std::count(current.begin(), current.end(), '\\'); i > 1; --i) up += "..\\";
   const std::string fitting(kLimit - current.size() - 1, 'x');
   const struct {
     std::string path, result;
-  } rows[] = {{"", current},
-              {"a\\.\\x\\..\\b\\c", current + "a\\b\\"},
+  } rows[] = {{fitting + "\\", current + fitting + "\\"},
               {up + "a\\", root + "a\\"},
-              {up + "..\\", kFailed},
-              {fitting + "\\", current + fitting + "\\"},
+              {"", current},
+              {"a\\.\\x\\..\\b\\c", current + "a\\b\\"},
               {fitting + "x\\", kFailed},
-              {fitting + "xx\\..\\", current}};
+              {fitting + "xx\\..\\", current},
+              {up + "..\\", kFailed}};
   for (const auto& row : rows) EXPECT_EQ(row.result, expanded(row.path)) << row.path;
-  std::filesystem::current_path(std::filesystem::current_path().root_path());
+  const vel::test::CurrentDirectory inRoot(std::filesystem::current_path().root_path());
   EXPECT_EQ(root + "a\\", expanded("a\\"));
   EXPECT_EQ(kFailed, expanded("..\\"));
 }

@@ -1,6 +1,7 @@
 // Operations on real files, by back-slash names on every system, and the last error of each.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <ctime>
 #include <string>
 #include <utility>
@@ -11,6 +12,7 @@
 
 namespace {
 
+namespace fs = std::filesystem;
 using enum VelEnErrorClass;
 using vel::test::readFile;
 using Left = std::pair<uint32_t, VelEnErrorClass>;
@@ -57,15 +59,16 @@ TEST(File, TakesADefaultType) {
 TEST_F(FileTest, AnswersForFilesThereAndMissing) {
   const VelClFile missing = file("missing");
   EXPECT_TRUE(missing.isHidden() && missing.isReadOnly() && !missing.isExistent());
-  EXPECT_EQ(0U, missing.getFileSize());
   EXPECT_EQ(0, missing.getDateTimeOfCreation() | missing.getDateTimeOfLastAccess() |
-                   missing.getDateTimeOfLastModification());
+                   missing.getDateTimeOfLastModification() | static_cast<int64_t>(missing.getFileSize()));
   const VelClFile there = fileWith("there", "12345");
   EXPECT_TRUE(there.isExistent() && !there.isHidden() && !there.isReadOnly());
   EXPECT_EQ(5U, there.getFileSize());
-  for (const int64_t time : {there.getDateTimeOfCreation(), there.getDateTimeOfLastAccess(),
-                             there.getDateTimeOfLastModification()})
-    EXPECT_NEAR(static_cast<double>(std::time(nullptr)), static_cast<double>(time), 60);
+  const auto now = static_cast<double>(std::time(nullptr));
+  EXPECT_NEAR(now, static_cast<double>(there.getDateTimeOfCreation()), 60);
+  EXPECT_NEAR(now, static_cast<double>(there.getDateTimeOfLastAccess()), 60);
+  fs::last_write_time(scratch_.path("there"), fs::file_time_type::clock::now() - std::chrono::hours(1000));
+  EXPECT_NEAR(now - 3'600'000, static_cast<double>(there.getDateTimeOfLastModification()), 60);
 }
 
 TEST_F(FileTest, CopiesOverAnExistingTarget) {
@@ -84,8 +87,6 @@ TEST_F(FileTest, CopiesReadOnlyFilesWithOrWithoutAttributes) {
   source.setReadOnly(true);
   EXPECT_TRUE(source.copyTo(name("kept"), true) && source.copyTo(name("writable"), false));
   EXPECT_TRUE(source.isReadOnly() && file("kept").isReadOnly() && !file("writable").isReadOnly());
-  source.setReadOnly(false);
-  EXPECT_FALSE(source.isReadOnly());
 }
 
 TEST_F(FileTest, CopiesIntoADirectoryButNotOntoItself) {
@@ -120,7 +121,6 @@ TEST_F(FileTest, RenamesButNeverOntoAnExistingFile) {
   scratch_.write("taken", "taken text");
   EXPECT_FALSE(renamed.renameAs(name("taken")));
   EXPECT_EQ(Left(FILE_COULD_NOT_RENAME, IO_ALREADY_IN_USE), left(renamed));
-  EXPECT_TRUE(renamed.getFilename() == name("old"));
   EXPECT_EQ("taken text", contents("taken"));
   EXPECT_TRUE(renamed.renameAs(name("new")));
   EXPECT_EQ(Left(VEL_NO_ERROR, UNKNOWN), left(renamed));

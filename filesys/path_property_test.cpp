@@ -20,21 +20,21 @@ TEST(PathProperty, AnalysesText) {
   const struct {
     const char *text, *analysis;
   } rows[] = {{"C:\\dir\\x.txt", "\\DA C:\\dir\\x.txt"},
-              {"/usr/x", "/A /usr/x"},
-              {"\\usr\\x", "\\ \\usr\\x"},
               {"C:/dir", "\\D C:/dir"},
-              {"1:\\x", "\\DA 1:\\x"},
-              {"1:/x", "/D 1:/x"},
-              {"a/b\\c", "\\ a/b\\c"},
-              {"C:", "\\D C:"},
-              {":", "\\ :"},
-              {nullptr, "\\ "},
+              {"\\\\", "\\ \\\\"},
               {"\\\\srv\\share\\dir", "\\AU \\dir"},
+              {"/usr/x", "/A /usr/x"},
+              {"C:", "\\D C:"},
+              {"\\usr\\x", "\\ \\usr\\x"},
+              {"1:\\x", "\\DA 1:\\x"},
+              {nullptr, "\\ "},
               {"\\\\srv\\share", "\\AU "},
-              {"\\\\srv\\", "\\AU "},
+              {"a/b\\c", "\\ a/b\\c"},
+              {":", "\\ :"},
               {"\\\\srv", "\\ \\\\srv"},
+              {"\\\\srv\\", "\\AU "},
               {"\\\\\\a", "\\ \\\\\\a"},
-              {"\\\\", "\\ \\\\"}};
+              {"1:/x", "/D 1:/x"}};
   for (const auto& row : rows) EXPECT_EQ(row.analysis, analysed(row.text));
 }
 

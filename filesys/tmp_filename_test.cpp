@@ -1,5 +1,4 @@
 // Names of temporary files and backup copies, and temporary files made by many processes at once.
-#include <cstdio>
 #include <iterator>
 #include <set>
 #include <sstream>
@@ -76,64 +75,37 @@ TEST_F(TmpFilenameTest, AvoidsNamesThatAreTaken) {
 }
 
 // Of a directory with the full length nothing but the directory itself is left.
-TEST_F(TmpFilenameTest, GivesUpWithoutRoomForTheRandomCharacters) {
+TEST_F(TmpFilenameTest, GivesUpWithoutRoomForTheRandomCharactersAndCreatesNothing) {
   std::string full = location().getAsCString();
   while (full.size() < kLimit) full += full.size() + 2 <= kLimit ? ".\\" : "\\";
-  const VelClTmpFilename name(full.c_str(), "TMP");
-  EXPECT_EQ(full.substr(0, kLimit), name.getAsCString());
-  char buffer[kLimit + 1] = "old";
-  EXPECT_EQ(-1, velTmpFileCreate(full.c_str(), "TMP", buffer));
-  EXPECT_STREQ("", buffer);
-}
-
-TEST_F(TmpFilenameTest, FileIsCreatedOnlyInADirectoryThatExists) {
-  char buffer[kLimit + 1] = "old";
-  EXPECT_EQ(-1, velTmpFileCreate(scratch_.path("missing").c_str(), nullptr, buffer));
-  EXPECT_STREQ("", buffer);
-  EXPECT_EQ(-1, velTmpFileCreate(std::string(1000, 'x').c_str(), std::string(1000, 'y').c_str(), buffer));
-  EXPECT_STREQ("", buffer);
-}
-
-constexpr int kFilesOfAChild = 40;
-
-// Run in a child, whose directory for temporary files is the test's.
-TEST(TmpFile, DISABLED_CreatesFiles) {
-  for (int i = 0; i < kFilesOfAChild; ++i) {
-    char name[kLimit + 1];
-    const int descriptor = velTmpFileCreate(nullptr, "FIVES", name);
-    ASSERT_GE(descriptor, 0);
-    EXPECT_TRUE(velFileIsOpenedInBinaryMode(descriptor));
-    std::printf("created %s\n", name);
+  EXPECT_EQ(full.substr(0, kLimit), VelClTmpFilename(full.c_str(), "TMP").getAsCString());
+  for (const std::string& path : {full, scratch_.path("missing"), std::string(1000, 'x')}) {
+    char buffer[kLimit + 1] = "old";
+    EXPECT_EQ(-1, velTmpFileCreate(path.c_str(), path.c_str(), buffer));
+    EXPECT_STREQ("", buffer);
   }
 }
 
-std::vector<std::string> namesCreatedByAChild(const std::string& directory) {
-  vel::test::ChildOptions options;
-  options.environment = {{"TMP", directory}};
-  const auto child =
-      vel::test::runChild(vel::test::ownProgram(),
-                          {"--gtest_also_run_disabled_tests", "--gtest_filter=TmpFile.DISABLED_*"}, options);
-  EXPECT_EQ(0, child.exitCode) << child.output;
-  std::vector<std::string> names;
-  std::istringstream lines(child.output);
-  for (std::string line; std::getline(lines, line);)
-    if (line.starts_with("created ")) names.push_back(line.substr(8));
-  return names;
-}
-
 TEST_F(TmpFilenameTest, FilesOfManyProcessesAreDistinct) {
-  constexpr int kChildren = 6;
-  std::vector<std::vector<std::string>> lists(kChildren);
+  std::string outputs[6];
   std::vector<std::thread> threads;
-  threads.reserve(lists.size());
-  for (auto& list : lists)
-    threads.emplace_back([&list, this] { list = namesCreatedByAChild(scratch_.path()); });
+  threads.reserve(std::size(outputs));
+  for (std::string& output : outputs)
+    threads.emplace_back([&output, this] {
+      const auto child = vel::test::runChild("file_child", {},
+                                             {.environment = {{"TMP", scratch_.path()}}, .rawOutput = true});
+      EXPECT_EQ(0, child.exitCode);
+      output = child.output;
+    });
   for (std::thread& thread : threads) thread.join();
   std::set<std::string> names;
-  for (const auto& list : lists) names.insert(list.begin(), list.end());
-  EXPECT_EQ(static_cast<size_t>(kChildren * kFilesOfAChild), names.size());
+  for (const std::string& output : outputs) {
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);) names.insert(line);
+  }
+  EXPECT_EQ(240U, names.size());
   for (const std::string& name : names) EXPECT_TRUE(VelClFilename(name.c_str()).isExistent()) << name;
-  EXPECT_EQ(kChildren * kFilesOfAChild, std::distance(fs::directory_iterator(scratch_.path()), {}));
+  EXPECT_EQ(240, std::distance(fs::directory_iterator(scratch_.path()), {}));
 }
 
 // The extension still begins where it did, in copies as well.

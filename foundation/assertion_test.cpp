@@ -13,9 +13,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 vel::test::ChildResult assertIn(const std::string& kind, const std::string& noPopup = "yes") {
-  vel::test::ChildOptions options;
-  options.environment = {{"VEL_NO_ASSERT_POPUP", noPopup}};
-  return vel::test::runChild("assertion_child", {kind}, options);
+  return vel::test::runChild("assertion_child", {kind}, {.environment = {{"VEL_NO_ASSERT_POPUP", noPopup}}});
 }
 
 std::string withoutProcessId(const std::string& report) {
@@ -23,11 +21,7 @@ std::string withoutProcessId(const std::string& report) {
 }
 
 TEST(Assertion, ReportsInTheFixedLayoutAndEndsAbnormally) {
-  struct Row {
-    const char* kind;
-    const char* report;
-  };
-  const Row rows[] = {
+  const char* const rows[][2] = {
       {"plain",
        "\n*** INTERNAL ERROR OCCURED ***\n"
        "*** ASSERTION FAILED: a == b\n"
@@ -43,16 +37,13 @@ TEST(Assertion, ReportsInTheFixedLayoutAndEndsAbnormally) {
        "***           MODULE: file.cpp\n"
        "***       PROCESS ID: N\n\n\n"},
   };
-  for (const Row& row : rows) {
-    const auto result = assertIn(row.kind);
-    ASSERT_TRUE(result.started);
-    EXPECT_TRUE(result.endedAbnormally) << row.kind;
-    EXPECT_EQ(withoutProcessId(result.errors).find(row.report), 0U) << result.errors;
+  for (const auto& [kind, report] : rows) {
+    const auto result = assertIn(kind);
+    EXPECT_TRUE(result.endedAbnormally) << kind;
+    EXPECT_EQ(withoutProcessId(result.errors).find(report), 0U) << result.errors;
     EXPECT_EQ(result.output, "");
   }
-}
-
-TEST(Assertion, PrintsTheFunctionOnlyWithAMessage) {
+  // The function only with a message.
   EXPECT_THAT(assertIn("function-only").errors, Not(HasSubstr("FUNCTION")));
 }
 
@@ -62,15 +53,11 @@ TEST(Assertion, MacroNamesItsExpressionAndFile) {
   EXPECT_THAT(result.errors, HasSubstr("assertion_child.cpp"));
 }
 
-TEST(Assertion, EndsAlsoWhenTheWindowIsWantedOrAnAssertionFailsInsideAnother) {
+TEST(Assertion, EndsAlsoWhenTheWindowIsWantedInsideAnotherAndByAnExceptionThatNobodyCatches) {
   EXPECT_TRUE(assertIn("plain", "no").endedAbnormally);
   const auto nested = assertIn("nested");
-  EXPECT_TRUE(nested.endedAbnormally);
+  EXPECT_TRUE(nested.endedAbnormally && assertIn("throw").endedAbnormally);
   EXPECT_THAT(nested.errors, HasSubstr("ASSERTION FAILED: second"));
-}
-
-TEST(Exception, EndsTheProcessWhenNobodyCatchesIt) {
-  EXPECT_TRUE(assertIn("throw").endedAbnormally);
 }
 
 }  // namespace

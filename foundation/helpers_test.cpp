@@ -33,31 +33,19 @@ TEST(DecimalText, Limits) {
   EXPECT_EQ(formatted(velULtoa, static_cast<unsigned long>(-1L)), "4294967295");
 }
 
+// Ignoring case, the second "a" of "aab" mismatches "B" and is not tried as a start.
 TEST(StringHelpers, FindsTheFirstOccurrence) {
   constexpr std::ptrdiff_t kNowhere = -1;
-  struct Row {
-    const char* text;
-    const char* pattern;
+  const struct {
+    const char *text, *pattern;
     bool ignoreCase;
     std::ptrdiff_t offset;
-  };
-  const Row rows[] = {
-      {"xAbc", "ab", true, 1},
-      {"xAbc", "ab", false, kNowhere},
-      {"xabab", "ab", false, 1},
-      {"xabAb", "aB", true, 1},
-      {"aab", "ab", false, 1},
-      // The second "a" mismatches "b" and is not tried as a start.
-      {"aab", "AB", true, kNowhere},
-      {"aaab", "AB", true, 2},
-      {"abx", "abxy", true, kNowhere},
-      {"x\xE9", "\xE9", true, 1},
-      {"", "a", true, kNowhere},
-      {"", "", true, 0},
-      {"abc", "", true, 0},
-      {"abc", "", false, 0},
-  };
-  for (const Row& row : rows) {
+  } rows[] = {{"xAbc", "ab", false, kNowhere}, {"", "a", true, kNowhere}, {"abc", "", false, 0},
+              {"abx", "abxy", true, kNowhere}, {"xabAb", "aB", true, 1},  {"abc", "", true, 0},
+              {"aab", "AB", true, kNowhere},   {"xAbc", "ab", true, 1},   {"", "", true, 0},
+              {"x\xE9", "\xE9", true, 1},      {"aab", "ab", false, 1},   {"xabab", "ab", false, 1},
+              {"aaab", "AB", true, 2}};
+  for (const auto& row : rows) {
     const char* const found = velStrFind(row.text, row.pattern, row.ignoreCase);
     EXPECT_EQ(found == nullptr ? kNowhere : found - row.text, row.offset)
         << row.pattern << " in " << row.text;
@@ -67,53 +55,39 @@ TEST(StringHelpers, FindsTheFirstOccurrence) {
 TEST(StringHelpers, CountsAndCopies) {
   EXPECT_EQ(velStrCount("C:\\a\\b\\", '\\'), 3u);
   EXPECT_EQ(velStrCount("abc", '\0'), 0u);
-  struct Row {
-    const char* text;
-    char stop;
-    const char* copied;
-  };
-  for (const Row& row : {Row{"key=value", '=', "key"}, {"", '=', ""}, {"=x", '=', ""}, {"abc", '=', "abc"}}) {
-    char out[16];
-    std::memset(out, '#', sizeof out);
-    EXPECT_EQ(velStrCopyUntil(out, row.text, row.stop), std::strlen(row.copied)) << row.text;
-    EXPECT_STREQ(out, row.copied);
-    EXPECT_EQ(out[std::strlen(row.copied) + 1], '#') << row.text;
+  const char* const rows[][2] = {{"key=value", "key"}, {"abc", "abc"}, {"=x", ""}, {"", ""}};
+  for (const auto& [text, copied] : rows) {
+    std::string out(16, '#');
+    EXPECT_EQ(velStrCopyUntil(out.data(), text, '='), std::strlen(copied)) << text;
+    EXPECT_EQ(out, (copied + std::string(1, '\0')).append(15 - std::strlen(copied), '#'));
   }
 }
 
 TEST(ByteOrder, SwapsWholeUnitsInPlace) {
-  struct Row {
+  const struct {
     void (*convert)(void*, size_t);
     bool swaps;
-  };
-  const Row rows[] = {
-      {velEndianConvertW16LittleToBig, true},   {velEndianConvertW16BigToLittle, true},
-      {velEndianConvertW16HostToBig, true},     {velEndianConvertW16BigToHost, true},
-      {velEndianConvertW16HostToLittle, false}, {velEndianConvertW16LittleToHost, false},
-  };
-  for (const Row& row : rows) {
+  } rows[] = {{velEndianConvertW16HostToLittle, false}, {velEndianConvertW16BigToLittle, true},
+              {velEndianConvertW16LittleToHost, false}, {velEndianConvertW16HostToBig, true},
+              {velEndianConvertW16LittleToBig, true},   {velEndianConvertW16BigToHost, true}};
+  const char* const swapped[] = {"abcdef", "abcdef", "bacdef", "bacdef", "badcef", "badcef"};
+  for (const auto& row : rows)
     for (size_t count = 0; count <= 5; ++count) {
       std::string bytes = "abcdef";
-      std::string expected = bytes;
-      for (size_t at = 0; row.swaps && at + 1 < count; at += 2) std::swap(expected[at], expected[at + 1]);
       row.convert(bytes.data(), count);
-      EXPECT_EQ(bytes, expected) << "row " << &row - rows << ", bytes " << count;
+      EXPECT_EQ(bytes, row.swaps ? swapped[count] : "abcdef") << "row " << &row - rows << ", bytes " << count;
     }
-  }
 }
 
 TEST(Timing, SleepCountsWrapIn32Bits) {
-  struct Row {
+  const struct {
     void (*sleep)(unsigned long);
     unsigned long count;  ///< years, if it did not wrap
     double seconds;
-  };
-  const Row rows[] = {
-      {velSleepSeconds, 115964117, 0.008},
-      {velSleepMinutes, 106157275, 0.032},
-      {velSleepHours, 29446773, 0.128},
-  };
-  for (const Row& row : rows) {
+  } rows[] = {{velSleepSeconds, 115964117, 0.008},
+              {velSleepHours, 29446773, 0.128},
+              {velSleepMinutes, 106157275, 0.032}};
+  for (const auto& row : rows) {
     VelClTiming timing;
     row.sleep(row.count);
     // Some systems' ticks are as long as the shortest of these times.
@@ -123,8 +97,7 @@ TEST(Timing, SleepCountsWrapIn32Bits) {
 }
 
 TEST(Timing, LapsJoinWithoutGap) {
-  VelClTiming whole;
-  VelClTiming laps;
+  VelClTiming whole, laps;
   const double before = whole.elapsed();
   double sum = 0;
   for (int lap = 0; lap < 1000; ++lap) sum += laps.restart();

@@ -40,7 +40,7 @@ bool statusOf(const char* name, EntryStatus& status) noexcept;
 SystemError copyFile(const char* from, const char* to) noexcept;
 /// Sets or clears write permission and nothing else; clearing read-only gives it to the owner.
 SystemError setReadOnly(const char* name, bool readOnly) noexcept;
-/// Clears read-only where it would keep the entry from being removed. A link itself is never read-only, and
+/// Clears read-only where it would keep a file from being removed. A link itself is never read-only, and
 /// what it leads to is left alone.
 SystemError makeRemovable(const char* name) noexcept;
 /// Never removes a directory.
@@ -205,8 +205,8 @@ void closeCatalog(CatalogImage& image) noexcept;
 /// 1033 when they say nothing.
 std::uint32_t userLanguage() noexcept;
 std::uint32_t systemLanguage() noexcept;
-/// The user's language by ISO codes, "de-DE" or "de_DE", the territory only where the settings name one. False when
-/// they say nothing, or the tag does not fit.
+/// The user's language by ISO codes, "de-DE" or "de_DE", the territory only where the settings name one.
+/// False when they say nothing, or the tag does not fit.
 bool userLanguageTag(char* out, std::size_t capacity) noexcept;
 /// Whether single-byte texts of this process are in fact UTF-8.
 bool ansiIsUtf8() noexcept;

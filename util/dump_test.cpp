@@ -1,11 +1,11 @@
 // Lines and dumps against a renderer that builds them character by character.
 #include <gtest/gtest.h>
 
+#include <bitset>
 #include <cctype>
 #include <cstdint>
 #include <cstring>
 #include <iostream>
-#include <limits>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -16,9 +16,7 @@ namespace {
 
 /// The slow way: streams and one byte at a time.
 std::string groupOf(unsigned char byte, bool binary) {
-  std::string group;
-  for (int bit = 7; binary && bit >= 0; --bit) group += (byte >> bit & 1) != 0 ? '1' : '0';
-  if (binary) return group;
+  if (binary) return std::bitset<8>(byte).to_string();
   std::ostringstream digits;
   digits << std::hex << std::uppercase << (byte >> 4) << (byte & 15);
   return digits.str();
@@ -83,22 +81,17 @@ TEST(StringRepresentation, RendersEveryByteAndEveryCount) {
 
 TEST(StringRepresentation, WidensTheAddressToSixteenDigits) {
   for (int bits = 0; bits < 64; ++bits) {
-    for (const std::size_t offset : {std::size_t{1} << bits, (std::size_t{1} << bits) - 1}) {
-      EXPECT_EQ(VelClStrepHexDump(offset, "a", 1).getAsCString(), expectedLine(offset, "a", false));
-      EXPECT_EQ(VelClStrepBinDump(offset, "a", 1).getAsCString(), expectedLine(offset, "a", true));
+    for (const std::size_t offset : {std::size_t{1} << bits, ~std::size_t{0} >> bits}) {
+      EXPECT_EQ(VelClStrepHexDump(offset, "0123456789ABCDEF", 16).getAsCString(),
+                expectedLine(offset, "0123456789ABCDEF", false));
+      EXPECT_EQ(VelClStrepBinDump(offset, "01234567", 8).getAsCString(),
+                expectedLine(offset, "01234567", true));
     }
   }
-  constexpr std::size_t kLast = std::numeric_limits<std::size_t>::max();
-  EXPECT_EQ(VelClStrepHexDump(kLast, "0123456789ABCDEF", 16).getAsCString(),
-            expectedLine(kLast, "0123456789ABCDEF", false));
-  EXPECT_EQ(VelClStrepBinDump(kLast, "01234567", 8).getAsCString(), expectedLine(kLast, "01234567", true));
 }
 
 TEST(StringRepresentation, PrintsAddressesAsStreamsDo) {
-  for (const std::uintptr_t number :
-       {std::uintptr_t{0}, std::uintptr_t{0x1AB}, std::numeric_limits<std::uintptr_t>::max()}) {
-    const void* address = nullptr;
-    std::memcpy(&address, &number, sizeof number);
+  for (const void* address : {static_cast<const void*>(nullptr), static_cast<const void*>("x")}) {
     std::ostringstream expected;
     expected << address;
     EXPECT_EQ(VelClStrepAddress(address).getAsCString(), expected.str());
@@ -108,9 +101,7 @@ TEST(StringRepresentation, PrintsAddressesAsStreamsDo) {
 TEST(Dump, PrintsWholeAreasLineByLine) {
   for (const std::size_t count : {0U, 1U, 7U, 8U, 9U, 15U, 16U, 17U, 512U, 1023U, 1024U, 1025U, 5000U}) {
     const std::string bytes = allBytes(count);
-    std::ostringstream hex;
-    std::ostringstream sameHex;
-    std::ostringstream binary;
+    std::ostringstream hex, sameHex, binary;
     // Neither the stream's settings nor its fill character touch a dump.
     hex.width(200);
     velDump(hex, bytes.data(), count);
@@ -127,8 +118,7 @@ void expectElements() {
   const Element elements[3] = {1, 0x4142, static_cast<Element>(-1)};
   std::string bytes(sizeof elements, '\0');
   std::memcpy(bytes.data(), elements, sizeof elements);
-  std::ostringstream hex;
-  std::ostringstream binary;
+  std::ostringstream hex, binary;
   velDump(hex, elements, 2);
   velDumpHex(hex, elements, 3);
   velDumpBin(binary, elements, 3);

@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <map>
 #include <random>
 #include <sstream>
 #include <string>
@@ -14,42 +15,27 @@ namespace {
 
 static_assert(std::uniform_random_bit_generator<VelClRandomBitGenerator>);
 
-struct Sequence {
-  unsigned long seed;
-  std::vector<unsigned long> numbers;
-};
-
-std::vector<Sequence> modelSequences() {
-  std::vector<Sequence> all;
+TEST(RandomNumberGenerator, GivesTheModelsNumbers) {
+  std::map<unsigned long, std::vector<unsigned long>> sequences;
   std::ifstream file(VEL_RANDOM_NUMBERS);
+  unsigned long seed = 0;
   for (std::string line; std::getline(file, line);) {
     std::istringstream words(line);
-    if (line.starts_with("seed ")) {
-      all.push_back({std::stoul(line.substr(5)), {}});
-    } else if (!line.starts_with("#") && !all.empty()) {
-      words >> std::hex;
-      for (unsigned long number = 0; words >> number;) all.back().numbers.push_back(number);
-    }
+    if (line.starts_with("seed ")) seed = std::stoul(line.substr(5));
+    if (line.starts_with("seed ") || line.starts_with("#")) continue;
+    words >> std::hex;
+    for (unsigned long number = 0; words >> number;) sequences[seed].push_back(number);
   }
-  return all;
-}
-
-TEST(RandomNumberGenerator, GivesTheModelsNumbers) {
-  const std::vector<Sequence> sequences = modelSequences();
   ASSERT_EQ(sequences.size(), 3U);
-  for (const Sequence& expected : sequences) {
-    ASSERT_EQ(expected.numbers.size(), 1000U);
-    const VelClRandomNumberGenerator generator(expected.seed);
-    std::vector<unsigned long> numbers;
-    for (std::size_t i = 0; i < expected.numbers.size(); ++i) numbers.push_back(generator.getRandomNumber());
-    EXPECT_EQ(numbers, expected.numbers) << expected.seed;
+  for (const auto& [number, expected] : sequences) {
+    ASSERT_EQ(expected.size(), 1000U);
+    const VelClRandomNumberGenerator generator(number);
+    for (const unsigned long value : expected) ASSERT_EQ(generator.getRandomNumber(), value) << number;
   }
 }
 
 TEST(RandomNumberGenerator, TakesEvenAndOddSeedsAlikeAndOthersNot) {
-  const VelClRandomNumberGenerator even(6);
-  const VelClRandomNumberGenerator odd(7);
-  const VelClRandomNumberGenerator other(8);
+  const VelClRandomNumberGenerator even(6), odd(7), other(8);
   int differences = 0;
   for (int i = 0; i < 600; ++i) {
     const unsigned long number = even.getRandomNumber();
@@ -61,8 +47,7 @@ TEST(RandomNumberGenerator, TakesEvenAndOddSeedsAlikeAndOthersNot) {
 
 TEST(RandomNumberGenerator, ScalesByTruncationAndConsumesOneNumber) {
   for (const unsigned long max : {0UL, 1UL, 6UL, 1000UL, 0x80000000UL, 0xFFFFFFFFUL}) {
-    const VelClRandomNumberGenerator plain(99);
-    const VelClRandomNumberGenerator scaled(99);
+    const VelClRandomNumberGenerator plain(99), scaled(99);
     for (int i = 0; i < 300; ++i) {
       const double share = static_cast<double>(plain.getRandomNumber()) / 4294967295.0;
       EXPECT_EQ(static_cast<double>(scaled.getRandomNumber(max)),

@@ -1,7 +1,7 @@
 // Names of files and directories, files, directories and walks over them. Back-slash names work on every
 // system: on Linux the drive is dropped, "\\" becomes "/", and a component that does not exist as written is
-// looked for ignoring ASCII letter case; the server and share of a network name become directories. Names in slash
-// style pass to the system as they are.
+// looked for ignoring ASCII letter case; the server and share of a network name become directories. Names in
+// slash style pass to the system as they are.
 #ifndef VEL_FILESYS_H_
 #define VEL_FILESYS_H_
 
@@ -312,7 +312,9 @@ class VEL_API VelClFile : public VelClFileABase {
   /// when this file is read-only. FILE_COULD_NOT_COPY with IO_PROBLEM, or FILE_COULD_NOT_COPY_SELF
   /// with INCONSISTENT_SITUATION when the target has this file's name.
   bool copyTo(const VelClFilenameABase& target, bool keepAttributes);
-  bool copyTo(const char* target, bool keepAttributes) { return copyTo(VelClFilename(target), keepAttributes); }
+  bool copyTo(const char* target, bool keepAttributes) {
+    return copyTo(VelClFilename(target), keepAttributes);
+  }
   /// Into a directory, under the same name.
   bool copyTo(const VelClLocation& directory, bool keepAttributes);
   /// Renames the file and takes over the new name. An existing target is refused:

@@ -64,15 +64,15 @@ class VEL_API VelClEnvironmentVariableQueryOnly : public VelClEnvironmentVariabl
   void setNewName(const char* name);
 };
 
-/// Reads and changes a variable. The text handed to the system is built in memory from the memory manager, so that
-/// only the system bounds the length of a value.
+/// Reads and changes a variable. The text handed to the system is built in memory from the memory manager, so
+/// that only the system bounds the length of a value.
 class VEL_API VelClEnvironmentVariable : public VelClEnvironmentVariableABase {
  public:
   /// Sets the variable at once, as setNewValue does; hasValue tells whether it worked.
   VelClEnvironmentVariable(const char* name, const char* value);
 
-  /// Sets the variable; null or "" removes it. False, with the variable as it was, when the system refuses the
-  /// change, as it does for a name that is empty or holds "=", and on Windows for a value of more than
+  /// Sets the variable; null or "" removes it. False, with the variable as it was, when the system refuses
+  /// the change, as it does for a name that is empty or holds "=", and on Windows for a value of more than
   /// 32,766 characters.
   bool setNewValue(const char* value);
   /// Puts `text` behind the current value, with no separator. False as for setNewValue.

@@ -1,34 +1,14 @@
-// What tests of directories share: a scratch directory by back-slash names, and a change of the current
-// directory that ends with the test.
+// What tests of directories share: a scratch directory by back-slash names.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
 #include <string>
 
 #include "platform/test/scratch_directory.h"
 #include "vel_include/vel_filesys.h"
 
 namespace vel::test {
-
-/// An absolute path as back-slash names write it.
-inline std::string backSlashed(std::string path) {
-  std::replace(path.begin(), path.end(), '/', '\\');
-  return path.starts_with('\\') ? "C:" + path : path;
-}
-
-class CurrentDirectory {
- public:
-  explicit CurrentDirectory(const std::filesystem::path& path) { std::filesystem::current_path(path); }
-  CurrentDirectory(const CurrentDirectory&) = delete;
-  CurrentDirectory& operator=(const CurrentDirectory&) = delete;
-  ~CurrentDirectory() { std::filesystem::current_path(before_); }
-
- private:
-  std::filesystem::path before_ = std::filesystem::current_path();
-};
 
 class DirectoryFixture : public testing::Test {
  protected:
@@ -38,5 +18,10 @@ class DirectoryFixture : public testing::Test {
 
   ScratchDirectory scratch_;
 };
+
+/// A path that the system takes in any length.
+inline std::filesystem::path unlimited(const std::string& path) {
+  return (std::filesystem::path::preferred_separator == '\\' ? "\\\\?\\" : "") + path;
+}
 
 }  // namespace vel::test

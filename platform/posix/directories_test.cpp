@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstring>
@@ -25,12 +24,6 @@ using test::ScratchDirectory;
 
 VelClDirectory directoryOf(const std::string& path) {
   return VelClDirectory(path.c_str());
-}
-
-bool findEntry(DirectoryHandle& directory, const char* name, DirectoryEntry& entry) {
-  while (nextEntry(directory, entry) == WalkStep::Entry)
-    if (std::strcmp(entry.name, name) == 0) return true;
-  return false;
 }
 
 TEST(PosixDirectories, LinksAreRemovedThemselves) {
@@ -73,8 +66,8 @@ TEST(PosixDirectories, AnExchangedEntryIsNotFollowed) {
   fs::create_directories(scratch.path("tree/sub"));
   DirectoryHandle tree;
   ASSERT_EQ(openDirectory(scratch.path("tree").c_str(), DirectoryLink::Refuse, tree), 0);
-  DirectoryEntry entry;
-  ASSERT_TRUE(findEntry(tree, "sub", entry));
+  DirectoryEntry entry{};
+  while (std::strcmp(entry.name, "sub") != 0) ASSERT_EQ(nextEntry(tree, entry), WalkStep::Entry);
   EXPECT_EQ(entry.attributes, kAttributeDirectory);
   fs::remove(scratch.path("tree/sub"));
   fs::create_directory_symlink("../outside", scratch.path("tree/sub"));
@@ -128,13 +121,11 @@ TEST(PosixDirectories, RemovalNeverLeavesItsTree) {
 TEST(PosixDirectories, RemovalEndsAtABoundedDepth) {
   for (const int levels : {250, 300}) {
     const ScratchDirectory scratch;
-    const fs::path before = fs::current_path();
-    fs::current_path(scratch.path());
+    const test::CurrentDirectory in(scratch.path());
     for (int level = 0; level < levels; ++level) {
       ASSERT_TRUE(fs::create_directory("t"));
       fs::current_path("t");
     }
-    fs::current_path(before);
     EXPECT_EQ(directoryOf(scratch.path("t")).removeAll(true), levels == 250);
     EXPECT_EQ(fs::exists(scratch.path("t")), levels != 250);
   }
@@ -154,13 +145,6 @@ TEST(PosixDirectories, AListingThatBreaksOffFails) {
   EXPECT_FALSE(walk.isValid());
 }
 
-TEST(PosixDirectories, SlashNamesGetADrive) {
-  std::string expected = "C:" + std::string(fs::temp_directory_path()) + "/x/";
-  std::replace(expected.begin(), expected.end(), '/', '\\');
-  EXPECT_STREQ(expected.c_str(), directoryOf(fs::temp_directory_path() / "y/../x"));
-  EXPECT_STREQ("C:\\", directoryOf("/"));
-}
-
 TEST(PosixDirectories, ExclusiveCreationOpensOnlyWhatIsNew) {
   const ScratchDirectory scratch;
   const std::string file = scratch.write("file", "kept");
@@ -173,16 +157,14 @@ TEST(PosixDirectories, ExclusiveCreationOpensOnlyWhatIsNew) {
   char name[VEL_MAX_PATH_LENGTH + 1];
   const int descriptor = velTmpFileCreate(scratch.path().c_str(), nullptr, name);
   ASSERT_GE(descriptor, 0);
-  EXPECT_EQ(write(descriptor, "a\nb", 3), 3);
-  EXPECT_EQ(lseek(descriptor, 1, SEEK_SET), 1);
-  char read1 = 0;
-  EXPECT_EQ(read(descriptor, &read1, 1), 1);
-  EXPECT_EQ(read1, '\n');
+  char bytes[4] = "";
+  EXPECT_EQ(pwrite(descriptor, "a\nb", 3, 0), 3);
+  EXPECT_EQ(pread(descriptor, bytes, 3, 0), 3);
+  EXPECT_STREQ(bytes, "a\nb");
   struct stat status {};
   EXPECT_EQ(fstat(descriptor, &status), 0);
   EXPECT_EQ(status.st_mode & 0777, mode_t{0600});
   close(descriptor);
-  EXPECT_EQ(readFile(name), "a\nb");
   EXPECT_EQ(readFile(file), "kept");
 }
 

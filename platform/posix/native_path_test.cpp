@@ -16,80 +16,51 @@ namespace fs = std::filesystem;
 /// A current directory with entries in all spellings.
 class NativePathTest : public testing::Test {
  protected:
-  NativePathTest() : before_(fs::current_path()) {
+  NativePathTest() {
     for (const char* entry :
          {"Dir/Sub/File.txt", "twice/a", "twice/A", "twice/B.txt", "twice/b.TXT", "\xC4.txt"})
       scratch_.write(entry, "x");
     fs::create_symlink("Dir", scratch_.path("Link"));
     fs::create_symlink("nowhere", scratch_.path("Broken"));
-    fs::current_path(scratch_.path());
   }
-  ~NativePathTest() override { fs::current_path(before_); }
 
   test::ScratchDirectory scratch_;
-
- private:
-  fs::path before_;
+  test::CurrentDirectory in_{scratch_.path()};
 };
 
+// What matches nothing stays as typed, and so does all behind it. The exact name comes first, else the first
+// in byte order. Only ASCII letters are folded, and nothing in names with slashes.
 TEST_F(NativePathTest, TranslatesBackSlashNames) {
-  struct Row {
-    const char* name;
-    const char* path;
-  };
-  const Row rows[] = {
-      {"", ""},
-      {"C:", "."},
-      {"c:\\", "/"},
-      {"C:/TMP", "/tmp"},
-      {"C:DIR", "Dir"},
-      {"1:\\x", "1:/x"},
-      {"\\\\server\\share\\x", "//server/share/x"},
-      {"dir\\SUB\\file.TXT", "Dir/Sub/File.txt"},
-      {".\\dir\\..\\DIR\\sub\\", "./Dir/../Dir/Sub/"},
-      {"dir/sub\\FILE.txt", "Dir/Sub/File.txt"},
-      {"LINK\\sub\\file.txt", "Link/Sub/File.txt"},
-      {"broken", "Broken"},
-      {"dir", "Dir"},
-      // What matches nothing stays as typed, and so does all behind it.
-      {"dir\\New\\FILE", "Dir/New/FILE"},
-      {"dir\\sub\\file.txt\\X", "Dir/Sub/File.txt/X"},
-      {"dir\\sub\\file.tx", "Dir/Sub/file.tx"},
-      // The exact name first, else the first in byte order.
-      {"twice\\a", "twice/a"},
-      {"TWICE\\A", "twice/A"},
-      {"twice\\B.TXT", "twice/B.txt"},
-      // Only ASCII letters are folded.
-      {"\xC4.TXT", "\xC4.txt"},
-      {"\xE4.txt", "\xE4.txt"},
-      // Slash style.
-      {"dir/sub/file.txt", "dir/sub/file.txt"},
-      {"/TMP", "/TMP"},
-  };
-  for (const Row& row : rows) {
-    const NativePath path(row.name);
-    ASSERT_TRUE(path.fits()) << row.name;
-    EXPECT_STREQ(path.get(), row.path) << row.name;
-  }
-}
-
-TEST_F(NativePathTest, MatchesAbsoluteNames) {
-  std::string name = "C:" + scratch_.path("DIR\\sub\\FILE.txt");
-  for (char& c : name)
-    if (c == '/') c = '\\';
-  const NativePath path(name.c_str());
-  EXPECT_EQ(path.get(), scratch_.path("Dir/Sub/File.txt"));
-}
-
-TEST_F(NativePathTest, LastComponentAsTyped) {
-  struct Row {
-    const char* name;
-    const char* path;
-  };
-  for (const Row& row : {Row{"dir\\SUB\\file.TXT", "Dir/Sub/file.TXT"}, {"DIR", "DIR"}, {"\\TMP", "/TMP"}}) {
-    const NativePath path(row.name, NativePath::Match::AllButLast);
-    EXPECT_STREQ(path.get(), row.path) << row.name;
-  }
+  const struct {
+    const char *name, *path;
+  } rows[] = {{".\\dir\\..\\DIR\\sub\\", "./Dir/../Dir/Sub/"},
+              {"twice\\a", "twice/a"},
+              {"dir\\sub\\file.txt\\X", "Dir/Sub/File.txt/X"},
+              {"TWICE\\A", "twice/A"},
+              {"\\\\server\\share\\x", "//server/share/x"},
+              {"broken", "Broken"},
+              {"LINK\\sub\\file.txt", "Link/Sub/File.txt"},
+              {"C:/TMP", "/tmp"},
+              {"dir\\SUB\\file.TXT", "Dir/Sub/File.txt"},
+              {"1:\\x", "1:/x"},
+              {"dir/sub\\FILE.txt", "Dir/Sub/File.txt"},
+              {"C:DIR", "Dir"},
+              {"dir\\sub\\file.tx", "Dir/Sub/file.tx"},
+              {"/TMP", "/TMP"},
+              {"dir/sub/file.txt", "dir/sub/file.txt"},
+              {"dir", "Dir"},
+              {"dir\\New\\FILE", "Dir/New/FILE"},
+              {"c:\\", "/"},
+              {"twice\\B.TXT", "twice/B.txt"},
+              {"C:", "."},
+              {"\xC4.TXT", "\xC4.txt"},
+              {"", ""},
+              {"\xE4.txt", "\xE4.txt"}};
+  for (const auto& row : rows) EXPECT_STREQ(NativePath(row.name).get(), row.path) << row.name;
+  const NativePath absolute(test::backSlashed(scratch_.path("DIR\\sub\\FILE.txt")).c_str());
+  EXPECT_EQ(absolute.get(), scratch_.path("Dir/Sub/File.txt"));
+  EXPECT_STREQ(NativePath("dir\\SUB\\file.TXT", NativePath::Match::AllButLast).get(), "Dir/Sub/file.TXT");
+  EXPECT_STREQ(NativePath("\\TMP", NativePath::Match::AllButLast).get(), "/TMP");
 }
 
 TEST(NativePath, LongNamesAreRefusedAndNeverCut) {

@@ -17,37 +17,38 @@ using vel::test::TerminalChild;
 const std::string kInvitation = " === Press any key to continue ===\r\n";
 
 /// prompt_child on a terminal.
-class Tool {
+class Tool : public TerminalChild {
  public:
-  explicit Tool(const std::vector<std::string>& script) : terminal_("prompt_child", script) {}
+  explicit Tool(const std::vector<std::string>& script) : TerminalChild("prompt_child", script) {}
 
-  TerminalChild& terminal() { return terminal_; }
   /// Whether it now waits for a key, with the keys that send signals in force.
-  bool waitsForKey() { return terminal_.waitForKeyMode() && (terminal_.attributes().c_lflag & ISIG) != 0; }
+  bool waitsForKey() const { return waitForKeyMode() && (attributes().c_lflag & ISIG) != 0; }
   bool hasRestoredTerminal() const {
-    const termios before = terminal_.attributesAtStart();
-    const termios now = terminal_.attributes();
+    const termios before = attributesAtStart(), now = attributes();
     return now.c_lflag == before.c_lflag && now.c_iflag == before.c_iflag && now.c_oflag == before.c_oflag &&
            std::memcmp(now.c_cc, before.c_cc, sizeof now.c_cc) == 0;
   }
-
- private:
-  TerminalChild terminal_;
+  /// What it wrote until its end, which is a good one.
+  std::string finish() {
+    std::string text = readToEnd();
+    EXPECT_EQ(waitForStatus(), 0);
+    EXPECT_TRUE(hasRestoredTerminal());
+    return text;
+  }
 };
 
 TEST(PromptForKey, TakesOneKeyWithoutEnterAndWithoutEcho) {
   for (const char* key : {"x", "\n", "\x1B[A", "\xC3\xA4"}) {
     Tool tool({"key", "string", "Name", "-"});
-    EXPECT_EQ(tool.terminal().readThrough(kInvitation), kInvitation);
+    EXPECT_EQ(tool.readThrough(kInvitation), kInvitation);
     ASSERT_TRUE(tool.waitsForKey());
-    tool.terminal().type(key);
+    tool.type(key);
     // Nothing of the key is shown or left for the next prompt.
     const std::string question = std::string(74, '-') + "\r\n Name:\r\n ";
-    EXPECT_EQ(tool.terminal().readThrough("Name:\r\n "), question) << key;
+    EXPECT_EQ(tool.readThrough("Name:\r\n "), question) << key;
     EXPECT_TRUE(tool.hasRestoredTerminal());
-    tool.terminal().type("Ann\n");
-    EXPECT_EQ(tool.terminal().readToEnd(), "Ann\r\n[Ann]\r\nend\r\n") << key;
-    EXPECT_EQ(tool.terminal().waitForStatus(), 0);
+    tool.type("Ann\n");
+    EXPECT_EQ(tool.finish(), "Ann\r\n[Ann]\r\nend\r\n") << key;
   }
 }
 
@@ -55,8 +56,8 @@ TEST(PromptForKey, RestoresTheTerminalWhenASignalEndsTheTool) {
   for (const int signal : {SIGINT, SIGTERM, SIGQUIT, SIGHUP}) {
     Tool tool({"key"});
     ASSERT_TRUE(tool.waitsForKey());
-    tool.terminal().signal(signal);
-    const int status = tool.terminal().waitForStatus();
+    tool.signal(signal);
+    const int status = tool.waitForStatus();
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << signal << ": " << status;
     EXPECT_TRUE(tool.hasRestoredTerminal()) << signal;
   }
@@ -65,38 +66,34 @@ TEST(PromptForKey, RestoresTheTerminalWhenASignalEndsTheTool) {
 TEST(PromptForKey, RestoresTheTerminalWhileTheToolIsStopped) {
   Tool tool({"key"});
   ASSERT_TRUE(tool.waitsForKey());
-  tool.terminal().signal(SIGTSTP);
-  EXPECT_TRUE(WIFSTOPPED(tool.terminal().waitForStatus()));
+  tool.signal(SIGTSTP);
+  EXPECT_TRUE(WIFSTOPPED(tool.waitForStatus()));
   EXPECT_TRUE(tool.hasRestoredTerminal());
-  tool.terminal().signal(SIGCONT);
+  tool.signal(SIGCONT);
   ASSERT_TRUE(tool.waitsForKey());
-  tool.terminal().type("x");
-  EXPECT_EQ(tool.terminal().readToEnd(), kInvitation + "end\r\n");
-  EXPECT_EQ(tool.terminal().waitForStatus(), 0);
-  EXPECT_TRUE(tool.hasRestoredTerminal());
+  tool.type("x");
+  EXPECT_EQ(tool.finish(), kInvitation + "end\r\n");
 }
 
 TEST(PromptForKey, LeavesSignalsToTheToolsOwnHandler) {
   Tool tool({"catch", "key", "enter", "caught"});
   ASSERT_TRUE(tool.waitsForKey());
-  tool.terminal().signal(SIGINT);
-  tool.terminal().type("x");
+  tool.signal(SIGINT);
+  tool.type("x");
   // The handler is back when the key has come.
-  tool.terminal().readThrough("<ENTER> to continue ===\r\n");
+  tool.readThrough("<ENTER> to continue ===\r\n");
   EXPECT_TRUE(tool.hasRestoredTerminal());
-  tool.terminal().signal(SIGINT);
-  tool.terminal().type("\n");
-  EXPECT_EQ(tool.terminal().readToEnd(), "\r\n[2]\r\nend\r\n");
-  EXPECT_EQ(tool.terminal().waitForStatus(), 0);
+  tool.signal(SIGINT);
+  tool.type("\n");
+  EXPECT_EQ(tool.finish(), "\r\n[2]\r\nend\r\n");
 }
 
 TEST(PromptForKey, LeavesIgnoredSignalsIgnored) {
   Tool tool({"ignore", "key"});
   ASSERT_TRUE(tool.waitsForKey());
-  tool.terminal().signal(SIGINT);
-  tool.terminal().type("x");
-  EXPECT_EQ(tool.terminal().readToEnd(), kInvitation + "end\r\n");
-  EXPECT_EQ(tool.terminal().waitForStatus(), 0);
+  tool.signal(SIGINT);
+  tool.type("x");
+  EXPECT_EQ(tool.finish(), kInvitation + "end\r\n");
 }
 
 TEST(PromptForKey, TakesOneCharacterOfRedirectedInput) {

@@ -18,9 +18,11 @@ struct ChildResult {
   std::string errors;  ///< standard error, CR LF as LF
 };
 
+/// Variables to set for a child; an empty value removes one.
+using Variables = std::vector<std::pair<std::string, std::string>>;
+
 struct ChildOptions {
-  /// Variables to set for the child; an empty value removes one.
-  std::vector<std::pair<std::string, std::string>> environment = {};
+  Variables environment = {};
   std::string input = {};  ///< bytes for standard input
   bool rawOutput = false;  ///< leave line breaks as the child wrote them
 };

@@ -13,8 +13,7 @@ TEST(ChildProcess, TakesArgumentsInputAndVariables) {
   for (const std::string& argument : arguments) expected += "<" + argument + ">\n";
   const ChildResult result =
       runChild("echo_child", arguments, {.environment = {{"VEL_TEST_CHILD", "x=y z"}}, .input = "in\nput"});
-  EXPECT_TRUE(result.started);
-  EXPECT_FALSE(result.endedAbnormally);
+  EXPECT_TRUE(result.started && !result.endedAbnormally);
   EXPECT_EQ(result.exitCode, 7);
   EXPECT_EQ(result.output, expected + "in\nput");
   EXPECT_EQ(result.errors, "x=y z");
@@ -22,17 +21,9 @@ TEST(ChildProcess, TakesArgumentsInputAndVariables) {
 
 TEST(ChildProcess, TellsAbnormalEndsAndMissingPrograms) {
   const ChildResult aborted = runChild("echo_child", {"abort"});
-  EXPECT_TRUE(aborted.started);
-  EXPECT_TRUE(aborted.endedAbnormally);
+  EXPECT_TRUE(aborted.started && aborted.endedAbnormally);
   EXPECT_EQ(aborted.errors.substr(0, 5), "unset");
   EXPECT_FALSE(runChild("no_such_child", {}).started);
-}
-
-TEST(ChildProcess, NeverBlocksOnFullStreams) {
-  const ChildResult result = runChild("echo_child", {"flood"}, {.environment = {{"VEL_TEST_CHILD", ""}}});
-  EXPECT_FALSE(result.endedAbnormally);
-  EXPECT_EQ(result.output.size(), 20000u * 9 + 8);
-  EXPECT_EQ(result.errors.size(), 20000u * 9 + 5);
 }
 
 }  // namespace

@@ -3,36 +3,18 @@
 
 namespace vel::test {
 
-namespace {
-
-std::string withoutCarriageReturns(std::string text) {
-  for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos;) text.erase(at, 1);
-  return text;
-}
-
-}  // namespace
-
-ChildStreams::ChildStreams(const std::string& input)
-    : input_(directory_.write("input", input)),
-      output_(directory_.write("output", "")),
-      errors_(directory_.write("errors", "")) {}
-
 void ChildStreams::collect(const ChildOptions& options, ChildResult& result) const {
-  result.output = readFile(output_);
-  result.errors = readFile(errors_);
+  result.output = readFile(output);
+  result.errors = readFile(errors);
   if (options.rawOutput) return;
-  result.output = withoutCarriageReturns(result.output);
-  result.errors = withoutCarriageReturns(result.errors);
+  for (std::string* text : {&result.output, &result.errors})
+    for (std::size_t at = 0; (at = text->find("\r\n", at)) != std::string::npos;) text->erase(at, 1);
 }
 
 std::string programPath(const std::string& program, const std::string& extension) {
-  std::string path = program;
-  if (program.find_first_of("/\\") == std::string::npos) {
-    path = ownProgram();
-    path.replace(path.find_last_of("/\\") + 1, std::string::npos, program);
-  }
-  if (!path.ends_with(extension)) path += extension;
-  return path;
+  std::filesystem::path path = program;
+  if (!path.has_parent_path()) path = std::filesystem::path(ownProgram()).replace_filename(program);
+  return path.string().ends_with(extension) ? path.string() : path.string() + extension;
 }
 
 }  // namespace vel::test

@@ -8,23 +8,15 @@
 
 namespace vel::test {
 
-/// One child's standard input, output and error, as files of a directory of their own.
-class ChildStreams {
- public:
-  explicit ChildStreams(const std::string& input);
-
-  const std::string& input() const { return input_; }
-  const std::string& output() const { return output_; }
-  const std::string& errors() const { return errors_; }
+/// One child's standard streams, as files of a directory of their own.
+struct ChildStreams {
+  explicit ChildStreams(const std::string& bytes) : input(directory.write("input", bytes)) {}
 
   /// Puts what the child wrote into the result.
   void collect(const ChildOptions& options, ChildResult& result) const;
 
- private:
-  ScratchDirectory directory_;
-  std::string input_;
-  std::string output_;
-  std::string errors_;
+  ScratchDirectory directory;
+  std::string input, output = directory.write("output", ""), errors = directory.write("errors", "");
 };
 
 /// `program` as a path: a bare name stands for a program beside the running one.

@@ -95,7 +95,9 @@ SystemError setReadOnly(const char* name, bool readOnly) noexcept {
   return _chmod(name, readOnly ? _S_IREAD : _S_IREAD | _S_IWRITE) == 0 ? 0 : errno;
 }
 
-SystemError makeRemovable(const char* name) noexcept { return setReadOnly(name, false); }
+SystemError makeRemovable(const char* name) noexcept {
+  return setReadOnly(name, false);
+}
 
 SystemError removeFile(const char* name) noexcept {
   return _unlink(name) == 0 ? 0 : errno;

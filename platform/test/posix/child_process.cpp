@@ -3,14 +3,12 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
-#include <chrono>
-#include <climits>
-#include <stdexcept>
-#include <thread>
+#include <algorithm>
+#include <filesystem>
 
 #include "platform/test/child_streams.h"
 #include "platform/test/posix/spawn.h"
@@ -19,37 +17,70 @@ namespace vel::test {
 
 namespace {
 
-bool start(pid_t& child, const std::vector<std::string>& command, const ChildStreams& streams,
-           const ChildOptions& options) {
-  SpawnActions actions;
-  actions.open(STDIN_FILENO, streams.input(), O_RDONLY);
-  actions.open(STDOUT_FILENO, streams.output(), O_WRONLY | O_APPEND);
-  actions.open(STDERR_FILENO, streams.errors(), O_WRONLY | O_APPEND);
-  return spawn(child, command, options.environment, actions);
+std::vector<std::string> changedEnvironment(const Variables& changes) {
+  std::vector<std::string> result;
+  for (char** entry = environ; *entry != nullptr; ++entry) result.emplace_back(*entry);
+  for (const auto& [name, value] : changes) {
+    const std::string start = name + "=";
+    std::erase_if(result, [&start](const std::string& entry) { return entry.starts_with(start); });
+    if (!value.empty()) result.push_back(start + value);
+  }
+  return result;
+}
+
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+  std::vector<char*> pointers(texts.size() + 1);
+  std::ranges::transform(texts, pointers.begin(), [](std::string& text) { return text.data(); });
+  return pointers;
 }
 
 /// The child's wait status; it is killed at the time limit.
 int waitFor(pid_t child) {
-  using Clock = std::chrono::steady_clock;
-  const auto limit = Clock::now() + std::chrono::seconds(kChildTimeLimitSeconds);
   int status = 0;
-  while (waitpid(child, &status, WNOHANG) == 0) {
-    if (Clock::now() > limit) kill(child, SIGKILL);
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  for (int passedMs = 0; waitpid(child, &status, WNOHANG) == 0; ++passedMs) {
+    if (passedMs > kChildTimeLimitSeconds * 1000) kill(child, SIGKILL);
+    usleep(1000);
   }
   return status;
 }
 
 }  // namespace
 
+pid_t spawn(const std::string& program, const std::vector<std::string>& arguments,
+            const Variables& environment, const std::array<std::string, 3>& streams) {
+  std::vector<std::string> command = {programPath(program, "")};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  std::vector<std::string> variables = changedEnvironment(environment);
+  posix_spawn_file_actions_t files;
+  posix_spawn_file_actions_init(&files);
+  int stream = 0;
+  for (const std::string& path : streams) {
+    if (!path.empty())
+      posix_spawn_file_actions_addopen(&files, stream, path.c_str(), O_RDWR | O_APPEND | O_NOCTTY, 0);
+    ++stream;
+  }
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  sigset_t signals;
+  sigfillset(&signals);
+  posix_spawnattr_setsigdefault(&attributes, &signals);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF);
+  pid_t child = -1;
+  if (posix_spawn(&child, command.front().c_str(), &files, &attributes, pointersTo(command).data(),
+                  pointersTo(variables).data()) != 0)
+    child = -1;
+  posix_spawnattr_destroy(&attributes);
+  posix_spawn_file_actions_destroy(&files);
+  return child;
+}
+
 ChildResult runChild(const std::string& program, const std::vector<std::string>& arguments,
                      const ChildOptions& options) {
   const ChildStreams streams(options.input);
-  std::vector<std::string> command = {programPath(program, "")};
-  command.insert(command.end(), arguments.begin(), arguments.end());
   ChildResult result;
-  pid_t child = 0;
-  result.started = start(child, command, streams, options);
+  const pid_t child =
+      spawn(program, arguments, options.environment, {streams.input, streams.output, streams.errors});
+  result.started = child != -1;
   if (!result.started) return result;
   const int status = waitFor(child);
   result.endedAbnormally = !WIFEXITED(status);
@@ -59,10 +90,7 @@ ChildResult runChild(const std::string& program, const std::vector<std::string>&
 }
 
 std::string ownProgram() {
-  std::array<char, PATH_MAX> path{};
-  const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
-  if (length <= 0) throw std::runtime_error("cannot read /proc/self/exe");
-  return {path.data(), static_cast<std::size_t>(length)};
+  return std::filesystem::read_symlink("/proc/self/exe").string();
 }
 
 }  // namespace vel::test

@@ -4,16 +4,15 @@
 #include <sys/types.h>
 #include <termios.h>
 
-#include <chrono>
 #include <string>
-#include <utility>
 #include <vector>
+
+#include "platform/test/child_process.h"
 
 namespace vel::test {
 
 struct TerminalOptions {
-  /// Variables to set for the child.
-  std::vector<std::pair<std::string, std::string>> environment = {};
+  Variables environment = {};
   /// Only standard error is the terminal; the other streams are this process's.
   bool onlyErrors = false;
 };
@@ -36,7 +35,7 @@ class TerminalChild {
   /// ended before.
   std::string readThrough(const std::string& text);
   /// Reads until it has closed the terminal.
-  std::string readToEnd();
+  std::string readToEnd() { return readThrough(std::string("\0", 1)); }
   /// The wait status of its next stop or of its end, -1 at the time limit.
   int waitForStatus();
 
@@ -46,15 +45,7 @@ class TerminalChild {
   /// Whether the terminal has come into the state in which keys arrive at once and unseen.
   bool waitForKeyMode() const;
 
-  double secondsToFirstByte() const;
-
  private:
-  using Clock = std::chrono::steady_clock;
-
-  bool readSome();
-
-  Clock::time_point started_;
-  Clock::time_point firstByte_;
   int master_ = -1;
   termios attributesAtStart_{};
   pid_t child_ = -1;

@@ -4,9 +4,6 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
-#include <array>
-#include <stdexcept>
-
 #include "platform/test/child_streams.h"
 
 namespace vel::test {
@@ -19,7 +16,6 @@ constexpr DWORD kFirstExceptionCode = 0xC0000000;
 
 /// An argument as the runtime of the child splits it: back-slashes count only before a quote.
 std::string quoted(const std::string& argument) {
-  if (!argument.empty() && argument.find_first_of(" \t\n\v\"") == std::string::npos) return argument;
   std::string result = "\"";
   std::size_t backSlashes = 0;
   for (const char c : argument) {
@@ -28,12 +24,6 @@ std::string quoted(const std::string& argument) {
     result += c;
   }
   return result.append(backSlashes, '\\') + '"';
-}
-
-std::string commandLine(const std::string& program, const std::vector<std::string>& arguments) {
-  std::string line = "\"" + program + "\"";
-  for (const std::string& argument : arguments) line += " " + quoted(argument);
-  return line;
 }
 
 bool hasName(const std::string& entry, const std::string& name) {
@@ -58,50 +48,36 @@ std::string environmentBlock(const ChildOptions& options) {
 }
 
 /// A file as a standard stream of the child.
-class StreamHandle {
- public:
-  StreamHandle(const std::string& path, DWORD access) {
-    SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-    handle_ = CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                          &inheritable, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle_ == INVALID_HANDLE_VALUE) throw std::runtime_error("cannot open " + path);
-  }
-  StreamHandle(const StreamHandle&) = delete;
-  StreamHandle& operator=(const StreamHandle&) = delete;
-  ~StreamHandle() { CloseHandle(handle_); }
-
-  HANDLE get() const { return handle_; }
-
- private:
-  HANDLE handle_;
-};
+HANDLE openStream(const std::string& path, DWORD access) {
+  SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+  return CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                     &inheritable, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
 
 bool start(const std::string& program, const std::vector<std::string>& arguments, const ChildOptions& options,
            const ChildStreams& streams, PROCESS_INFORMATION& process) {
-  const StreamHandle input(streams.input(), GENERIC_READ);
-  const StreamHandle output(streams.output(), FILE_APPEND_DATA | SYNCHRONIZE);
-  const StreamHandle errors(streams.errors(), FILE_APPEND_DATA | SYNCHRONIZE);
   STARTUPINFOA startUp{};
   startUp.cb = sizeof startUp;
   startUp.dwFlags = STARTF_USESTDHANDLES;
-  startUp.hStdInput = input.get();
-  startUp.hStdOutput = output.get();
-  startUp.hStdError = errors.get();
-  std::string line = commandLine(program, arguments);
+  startUp.hStdInput = openStream(streams.input, GENERIC_READ);
+  startUp.hStdOutput = openStream(streams.output, FILE_APPEND_DATA | SYNCHRONIZE);
+  startUp.hStdError = openStream(streams.errors, FILE_APPEND_DATA | SYNCHRONIZE);
+  std::string line = quoted(program);
+  for (const std::string& argument : arguments) line += " " + quoted(argument);
   std::string environment = environmentBlock(options);
-  // Without a console a child cannot wait for the tester's keys.
-  constexpr DWORD kFlags = DETACHED_PROCESS;
   // The child inherits the mode: no window asks somebody to confirm a crash.
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
-  return CreateProcessA(program.c_str(), line.data(), nullptr, nullptr, TRUE, kFlags, environment.data(),
-                        nullptr, &startUp, &process) != FALSE;
+  // Without a console a child cannot wait for the tester's keys.
+  const BOOL started = CreateProcessA(program.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS,
+                                      environment.data(), nullptr, &startUp, &process);
+  for (HANDLE stream : {startUp.hStdInput, startUp.hStdOutput, startUp.hStdError}) CloseHandle(stream);
+  return started != FALSE;
 }
 
 void waitFor(HANDLE process, ChildResult& result) {
-  constexpr DWORD kLimit = kChildTimeLimitSeconds * 1000;
-  if (WaitForSingleObject(process, kLimit) != WAIT_OBJECT_0) {
+  if (WaitForSingleObject(process, kChildTimeLimitSeconds * 1000) != WAIT_OBJECT_0) {
     TerminateProcess(process, kFirstExceptionCode);
-    WaitForSingleObject(process, kLimit);
+    WaitForSingleObject(process, kChildTimeLimitSeconds * 1000);
   }
   DWORD code = kFirstExceptionCode;
   GetExitCodeProcess(process, &code);
@@ -126,10 +102,9 @@ ChildResult runChild(const std::string& program, const std::vector<std::string>&
 }
 
 std::string ownProgram() {
-  std::array<char, 1024> path{};
-  const DWORD length = GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));
-  if (length == 0 || length == path.size()) throw std::runtime_error("cannot tell the program's name");
-  return {path.data(), length};
+  std::string path(1024, '\0');
+  path.resize(GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size())));
+  return path;
 }
 
 }  // namespace vel::test

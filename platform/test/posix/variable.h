@@ -1,0 +1,28 @@
+// An environment variable for one test.
+#pragma once
+
+#include <cstdlib>
+#include <optional>
+#include <string>
+
+namespace vel::test {
+
+/// Has the value, or is unset for null, as long as this object lives.
+class Variable {
+ public:
+  Variable(const char* name, const char* value) : name_(name) {
+    if (const char* const before = std::getenv(name); before != nullptr) before_ = before;
+    set(value);
+  }
+  Variable(const Variable&) = delete;
+  Variable& operator=(const Variable&) = delete;
+  ~Variable() { set(before_ ? before_->c_str() : nullptr); }
+
+  void set(const char* value) const { value == nullptr ? unsetenv(name_) : setenv(name_, value, 1); }
+
+ private:
+  const char* name_;
+  std::optional<std::string> before_;
+};
+
+}  // namespace vel::test
