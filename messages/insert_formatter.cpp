@@ -16,25 +16,25 @@ constexpr std::uint32_t kInsertCount = 10;
 constexpr std::size_t kUnlimited = std::numeric_limits<std::size_t>::max();
 
 /// What stands between the "!" behind an insert.
-struct Specification {
+struct InsertStyle {
   bool leftAligned = false;
   bool zeroFilled = false;
   std::size_t width = 0;
   std::size_t precision = kUnlimited;
 };
 
-bool takeFlag(TextReader& text, Specification& specification) noexcept {
-  if (text.takeIf('-')) return specification.leftAligned = true;
-  if (text.takeIf('0')) return specification.zeroFilled = true;
+bool takeFlag(TextReader& text, InsertStyle& style) noexcept {
+  if (text.takeIf('-')) return style.leftAligned = true;
+  if (text.takeIf('0')) return style.zeroFilled = true;
   return text.takeIf('+') || text.takeIf(' ') || text.takeIf('#');
 }
 
 /// False for everything but a text conversion.
-bool parseSpecification(TextReader text, Specification& specification) noexcept {
-  while (takeFlag(text, specification)) {
+bool parseStyle(TextReader text, InsertStyle& style) noexcept {
+  while (takeFlag(text, style)) {
   }
-  specification.width = text.takeNumber();
-  if (text.takeIf('.')) specification.precision = text.takeNumber();
+  style.width = text.takeNumber();
+  if (text.takeIf('.')) style.precision = text.takeNumber();
   text.takeIf('h');
   return text.takeIf('s') && text.atEnd();
 }
@@ -90,27 +90,27 @@ class ResourceTextExpander {
     const bool known = number <= kInsertCount && inserts_[number - 1] != nullptr;
     const char* value = known ? inserts_[number - 1] : kMissing;
 
-    Specification specification;
-    if (text_.takeIf('!') && !takeSpecification(specification)) value = kMissing;
-    if (!malformed_) putFormatted(value, specification);
+    InsertStyle style;
+    if (text_.takeIf('!') && !takeStyle(style)) value = kMissing;
+    if (!malformed_) putFormatted(value, style);
   }
 
-  /// False when the insert cannot be shown as specified.
-  bool takeSpecification(Specification& specification) noexcept {
+  /// False when the insert cannot be shown as the text asks.
+  bool takeStyle(InsertStyle& style) noexcept {
     TextReader part = text_;
     malformed_ = !text_.takeUntil('!', part);
-    if (!malformed_ && parseSpecification(part, specification)) return true;
-    specification = {};
+    if (!malformed_ && parseStyle(part, style)) return true;
+    style = {};
     return false;
   }
 
-  void putFormatted(const char* value, const Specification& specification) noexcept {
+  void putFormatted(const char* value, const InsertStyle& style) noexcept {
     // One more than the room is enough to see that it does not fit.
-    const std::size_t length = boundedLength(value, std::min(specification.precision, out_.room() + 1));
-    const std::size_t padding = specification.width > length ? specification.width - length : 0;
-    if (!specification.leftAligned) out_.repeat(specification.zeroFilled ? '0' : ' ', padding);
+    const std::size_t length = boundedLength(value, std::min(style.precision, out_.room() + 1));
+    const std::size_t padding = style.width > length ? style.width - length : 0;
+    if (!style.leftAligned) out_.repeat(style.zeroFilled ? '0' : ' ', padding);
     out_.append(value, length);
-    if (specification.leftAligned) out_.repeat(' ', padding);
+    if (style.leftAligned) out_.repeat(' ', padding);
   }
 
   TextReader text_;

@@ -27,7 +27,7 @@ struct FormatResult {
 /// | % and any other character | that character: %% % %. %! |
 ///
 /// An insert has at most two digits ("%100" is insert 10 and a "0") and is copied as it is.
-/// Malformed are a single % at the end and a specification without its second "!".
+/// Malformed are a single % at the end and a print style without its second "!".
 ///
 /// `out` takes up to `capacity` bytes including the terminator. A longer result is never cut: it
 /// fails as a whole and leaves an empty text.
