@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -246,7 +247,8 @@ TEST(PosixLaunching, OnlySingleProcessesAreEnded) {
 /// A current directory "here" and a search path of "first" and "second".
 class ProgramSearch : public testing::Test {
  protected:
-  ProgramSearch() : directory_(fs::current_path()), path_(getenv("PATH")) {
+  ProgramSearch() : directory_(fs::current_path()) {
+    if (const char* const path = std::getenv("PATH"); path != nullptr) path_ = path;
     fs::create_directory(scratch_.path("here"));
     fs::current_path(scratch_.path("here"));
     setenv("PATH", ("/nowhere::../first:" + scratch_.path("second")).c_str(), 1);
