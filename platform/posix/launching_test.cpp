@@ -8,13 +8,13 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "platform/platform.h"
 #include "platform/posix/inheritance.h"
+#include "platform/test/posix/variable.h"
 #include "platform/test/process_state.h"
 #include "platform/test/scratch_directory.h"
 
@@ -56,17 +56,19 @@ bool hasNoChildren() {
   return waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD;
 }
 
+/// Whether a process has a descriptor of that kind. Those that its start opens come and go meanwhile.
+bool hasOpen(std::uint32_t process, const fs::path& target) {
+  std::error_code gone;
+  for (const auto& entry : fs::directory_iterator("/proc/" + std::to_string(process) + "/fd"))
+    if (fs::read_symlink(entry.path(), gone) == target) return true;
+  return false;
+}
+
 std::string writeProgram(const ScratchDirectory& scratch, const std::string& name, const std::string& text,
                          mode_t mode = 0700) {
   std::string path = scratch.write(name, text);
   EXPECT_EQ(chmod(path.c_str(), mode), 0);
   return path;
-}
-
-std::string backSlashes(std::string path) {
-  for (char& c : path)
-    if (c == '/') c = '\\';
-  return "C:" + path;
 }
 
 std::string found(const char* name) {
@@ -210,6 +212,8 @@ TEST(PosixLaunching, ExitCodesSurviveWhateverIsDoneAboutChildSignals) {
 
 TEST(PosixLaunching, DetachedProgramsAreOnTheirOwn) {
   const Command command({"/bin/sleep", "60"});
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
   std::uint32_t id = 0;
   ASSERT_EQ(launchDetached(command.launch(), id), 0U);
   const auto process = static_cast<pid_t>(id);
@@ -219,11 +223,13 @@ TEST(PosixLaunching, DetachedProgramsAreOnTheirOwn) {
   const std::string entry = "/proc/" + std::to_string(id);
   for (const char* stream : {"/fd/0", "/fd/1", "/fd/2"})
     EXPECT_EQ(fs::read_symlink(entry + stream), "/dev/null");
-  EXPECT_EQ(std::distance(fs::directory_iterator(entry + "/fd"), fs::directory_iterator()), 3);
+  EXPECT_FALSE(hasOpen(id, fs::read_symlink("/proc/self/fd/" + std::to_string(ends[0]))));
+  EXPECT_FALSE(hasOpen(id, fs::read_symlink("/proc/self/fd/" + std::to_string(ends[1]))));
   EXPECT_EQ(fs::read_symlink(entry + "/cwd"), fs::current_path());
   EXPECT_EQ(endProcess(id), EndResult::Ended);
   EXPECT_TRUE(test::waitForEnd(id));
   EXPECT_TRUE(hasNoChildren());
+  for (const int end : ends) close(end);
 }
 
 TEST(PosixLaunching, OnlySingleProcessesAreEnded) {
@@ -247,17 +253,6 @@ TEST(PosixLaunching, OnlySingleProcessesAreEnded) {
 /// A current directory "here" and a search path of "first" and "second".
 class ProgramSearch : public testing::Test {
  protected:
-  ProgramSearch() : directory_(fs::current_path()) {
-    if (const char* const path = std::getenv("PATH"); path != nullptr) path_ = path;
-    fs::create_directory(scratch_.path("here"));
-    fs::current_path(scratch_.path("here"));
-    setenv("PATH", ("/nowhere::../first:" + scratch_.path("second")).c_str(), 1);
-  }
-  ~ProgramSearch() override {
-    fs::current_path(directory_);
-    setenv("PATH", path_.c_str(), 1);
-  }
-
   std::string add(const std::string& name, mode_t mode = 0700) const {
     return writeProgram(scratch_, name, "#!/bin/sh\nexit 7\n", mode);
   }
@@ -265,8 +260,8 @@ class ProgramSearch : public testing::Test {
   test::ScratchDirectory scratch_;
 
  private:
-  fs::path directory_;
-  std::string path_;
+  test::CurrentDirectory here_{fs::path(scratch_.write("here/x", "")).parent_path()};
+  test::Variable path_{"PATH", ("/nowhere::../first:" + scratch_.path("second")).c_str()};
 };
 
 TEST_F(ProgramSearch, LooksInTheCurrentDirectoryThenAlongThePath) {
@@ -303,7 +298,7 @@ TEST_F(ProgramSearch, NamesWithADirectoryMayBeInBackSlashes) {
   const std::string tool = add("Dir/Tool");
   EXPECT_EQ(run({tool}), 7);
   EXPECT_EQ(run({tool + ".EXE"}), 7);
-  EXPECT_EQ(run({backSlashes(scratch_.path("DIR/TOOL.EXE"))}), 7);
+  EXPECT_EQ(run({test::backSlashed(scratch_.path("DIR/TOOL.EXE"))}), 7);
   EXPECT_EQ(run({"..\\dir\\tool"}), 7);
   EXPECT_EQ(run({"..\\dir\\absent"}), -ENOENT);
   EXPECT_TRUE(programExists("..\\dir\\tool.exe"));
