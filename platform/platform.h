@@ -59,6 +59,24 @@ const char* driveOfSlashNames() noexcept;
 /// name, also a link that leads nowhere.
 int createExclusively(const char* name, SystemError& error) noexcept;
 
+// ---- Appending to files (append.cpp) ---------------------------------------------------------
+
+struct Bytes {
+  const char* data;
+  std::size_t size;
+};
+
+/// Creates a missing file for this user alone. Children do not inherit the descriptor, and nothing is waited
+/// for. -1 with the reason in `error`.
+int openForAppending(const char* name, SystemError& error) noexcept;
+/// Appends both pieces in one call of the system, so that those of other processes stay before or behind
+/// them, and returns how many bytes were written; the reason is in `error` when these are not all. No failure
+/// raises a signal.
+std::uint64_t appendBytes(int descriptor, const Bytes& first, const Bytes& second,
+                          SystemError& error) noexcept;
+/// 0, or -1 for a failure.
+int closeAppended(int descriptor) noexcept;
+
 // ---- Directories (directories.cpp) -----------------------------------------------------------
 
 enum class WalkStep { Entry, End, Failed };

@@ -1,4 +1,5 @@
 // Identifiers of processes and threads.
+#include <pthread.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -6,12 +7,27 @@
 
 namespace vel::platform {
 
+namespace {
+
+/// Asking the system takes longer than all else that a trace entry costs.
+thread_local std::uint32_t threadId = 0;
+
+std::uint32_t askThreadId() noexcept {
+  // The child of a fork is another thread.
+  static const int registered = pthread_atfork(nullptr, nullptr, [] { threadId = 0; });
+  const auto id = static_cast<std::uint32_t>(syscall(SYS_gettid));
+  if (registered == 0) threadId = id;
+  return id;
+}
+
+}  // namespace
+
 std::uint32_t currentProcessId() noexcept {
   return static_cast<std::uint32_t>(getpid());
 }
 
 std::uint32_t currentThreadId() noexcept {
-  return static_cast<std::uint32_t>(syscall(SYS_gettid));
+  return threadId != 0 ? threadId : askThreadId();
 }
 
 }  // namespace vel::platform

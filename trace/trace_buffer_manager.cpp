@@ -1,0 +1,113 @@
+// The ring of trace bytes.
+#include <cstdint>
+#include <cstring>
+
+#include "vel_include/vel_trace.h"
+
+/// Lies at the start of the ring's memory.
+struct VelClTraceBufferManager::Header {
+  char signature[4];
+  uint32_t unused;
+  uint64_t dataSize;
+  char* dataStart;
+  char* dataEnd;  ///< the last byte, which belongs to the data
+  char* save;     ///< the first byte not handed over yet; one past the last byte after a wrap
+  char* write;    ///< where the next byte goes
+};
+
+namespace {
+
+constexpr char kSignature[] = {'V', 'E', 'L', 'T'};
+
+}  // namespace
+
+VelClTraceBufferManager::VelClTraceBufferManager(const VelClResourceKeySemaphore& key, char* buffer,
+                                                 size_t size)
+    : key_(&key),
+      header_(reinterpret_cast<Header*>(buffer)),
+      handler_(nullptr),
+      context_(nullptr),
+      dirty_(false) {
+  static_assert(sizeof(Header) == 48);
+  if (std::memcmp(header_->signature, kSignature, sizeof kSignature) == 0) return;
+  std::memcpy(header_->signature, kSignature, sizeof kSignature);
+  header_->dataSize = size - sizeof(Header);
+  header_->dataStart = buffer + sizeof(Header);
+  header_->dataEnd = buffer + size - 1;
+  header_->save = header_->dataStart;
+  header_->write = header_->dataStart;
+}
+
+VelClTraceBufferManager::~VelClTraceBufferManager() {
+  header_ = nullptr;
+  handler_ = nullptr;
+  context_ = nullptr;
+}
+
+size_t VelClTraceBufferManager::getDataBufferSize() const {
+  return static_cast<size_t>(header_->dataSize);
+}
+
+void VelClTraceBufferManager::attachOverflowHandler(VelTraceOverflowHandler handler, void* context) {
+  handler_ = handler;
+  context_ = context;
+}
+
+void VelClTraceBufferManager::write(const VelClTraceEntry& entry) {
+  const VelClTraceBufferAccessSemaphore access(*key_);
+  dirty_ = true;
+  write(entry.getEntryData(), entry.getSizeOfEntryData());
+  write(static_cast<const char*>(entry.getDumpData()), entry.getDumpDataLength());
+}
+
+void VelClTraceBufferManager::flush() {
+  const VelClTraceBufferAccessSemaphore access(*key_);
+  if (!dirty_) return;
+  handOver();
+  dirty_ = false;
+}
+
+void VelClTraceBufferManager::write(const char* data, size_t length) {
+  if (length == 0) return;
+  const auto room = static_cast<size_t>(header_->dataEnd + 1 - header_->write);
+  if (length == room)
+    fillExactly(data, length);
+  else if (length > room)
+    wrap(data, length, room);
+  else
+    append(data, length);
+}
+
+void VelClTraceBufferManager::append(const char* data, size_t length) {
+  std::memcpy(header_->write, data, length);
+  header_->write += length;
+}
+
+void VelClTraceBufferManager::fillExactly(const char* data, size_t length) {
+  append(data, length);
+  handOver();
+  header_->write = header_->dataStart;
+}
+
+/// The rest is not longer than the ring: entries are made so.
+void VelClTraceBufferManager::wrap(const char* data, size_t length, size_t room) {
+  append(data, room);
+  overflow();
+  header_->write = header_->dataStart;
+  append(data + room, length - room);
+}
+
+/// Without a handler nothing is ever handed over, and the oldest bytes are overwritten.
+void VelClTraceBufferManager::handOver() {
+  if (handler_ == nullptr) return;
+  _VelStTraceBufferCallBackInfo info{context_, header_->save, 0, nullptr, 0};
+  if (header_->save >= header_->write) {
+    info.firstLength = static_cast<uint64_t>(header_->dataEnd + 1 - header_->save);
+    info.second = header_->dataStart;
+    info.secondLength = static_cast<uint64_t>(header_->write - header_->dataStart);
+  } else {
+    info.firstLength = static_cast<uint64_t>(header_->write - header_->save);
+  }
+  handler_(info);
+  header_->save = header_->write;
+}

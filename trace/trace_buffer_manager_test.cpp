@@ -1,0 +1,129 @@
+#include <random>
+#include <string>
+#include <vector>
+
+#include "trace/test/trace_fixture.h"
+
+namespace {
+
+using vel::test::SizedEntry;
+
+constexpr std::size_t kRoom = 200;
+
+/// A small ring and what it hands over.
+class TraceBufferManager : public vel::test::TraceTest {
+ protected:
+  static void keep(const _VelStTraceBufferCallBackInfo& info) {
+    auto& calls = static_cast<TraceBufferManager*>(info.context)->calls_;
+    calls.emplace_back(std::string(info.first, info.firstLength),
+                       std::string(info.second, info.secondLength));
+  }
+  void attach() { manager_.attachOverflowHandler(&keep, this); }
+  void write(std::size_t size) {
+    const SizedEntry entry(*environment_, size, static_cast<char>('a' + count_++ % 26));
+    manager_.write(entry.get());
+    written_ += entry.bytes();
+  }
+  std::string handedOver() const {
+    std::string all;
+    for (const auto& [first, second] : calls_) all += first + second;
+    return all;
+  }
+
+  std::unique_ptr<VelClTraceEnvironment> environment_ = environment();
+  alignas(8) char memory_[48 + kRoom] = {};
+  VelClTraceBufferManager manager_{*environment_, memory_, sizeof memory_};
+  std::vector<std::pair<std::string, std::string>> calls_;
+  std::string written_;
+  int count_ = 0;
+};
+
+TEST_F(TraceBufferManager, HandsOverWhenAnEntryReachesTheEnd) {
+  attach();
+  EXPECT_EQ(manager_.getDataBufferSize(), kRoom);
+  write(kRoom - 1);
+  EXPECT_TRUE(calls_.empty());
+  manager_.flush();
+  ASSERT_EQ(calls_.size(), 1U);
+  manager_.flush();
+  EXPECT_EQ(calls_.size(), 1U) << "nothing was written since";
+  // One byte is left: the head wraps.
+  write(30);
+  ASSERT_EQ(calls_.size(), 2U);
+  EXPECT_EQ(calls_[1].first.size(), 1U);
+  EXPECT_EQ(calls_[1].second, "");
+  manager_.flush();
+  ASSERT_EQ(calls_.size(), 3U);
+  // The save position stands one past the end, so that the first piece is empty. Keep.
+  EXPECT_EQ(calls_[2].first, "");
+  EXPECT_EQ(calls_[2].second.size(), 29U);
+  // Exactly the room left: handed over inside the write, and once more, empty, by flush.
+  write(kRoom - 29);
+  ASSERT_EQ(calls_.size(), 4U);
+  manager_.flush();
+  ASSERT_EQ(calls_.size(), 5U);
+  EXPECT_EQ(calls_[4].first + calls_[4].second, "");
+  EXPECT_EQ(handedOver(), written_);
+}
+
+TEST_F(TraceBufferManager, LosesNoByteWhateverTheSizes) {
+  attach();
+  std::mt19937 random(4711);
+  for (int round = 0; round < 1000; ++round) {
+    write(20 + random() % (kRoom + 1));
+    if (random() % 7 == 0) manager_.flush();
+    ASSERT_TRUE(written_.starts_with(handedOver())) << round;
+  }
+  manager_.flush();
+  EXPECT_EQ(handedOver(), written_);
+}
+
+TEST_F(TraceBufferManager, KeepsTheNewestBytesWithoutAHandler) {
+  for (const std::size_t rounds : {3U, 10U}) {
+    for (std::size_t i = 0; i < rounds * kRoom / 50; ++i) write(50);
+    write(77);
+    attach();
+    manager_.flush();
+    // From the start of the ring, where the oldest byte need not be.
+    std::string ring = calls_.back().first + calls_.back().second;
+    EXPECT_EQ(ring.substr(0, 77), written_.substr(written_.size() - 77));
+    EXPECT_EQ(ring, written_.substr(written_.size() - 77))
+        << "the write position is behind the save position";
+    manager_.detachOverflowHandler();
+  }
+}
+
+TEST_F(TraceBufferManager, TakesOverARingThatIsInUse) {
+  write(60);
+  VelClTraceBufferManager second(*environment_, memory_, sizeof memory_);
+  second.attachOverflowHandler(&keep, this);
+  second.flush();
+  EXPECT_TRUE(calls_.empty()) << "the second manager has written nothing";
+  second.write(SizedEntry(*environment_, 40, 'z').get());
+  second.flush();
+  EXPECT_EQ(handedOver().substr(0, 60), written_);
+  EXPECT_EQ(handedOver().size(), 100U);
+}
+
+TEST(ResourceKey, MapsForeignCharacters) {
+  const struct {
+    const char* key;
+    const char* instance;
+    const char* name;
+  } rows[] = {{"trc", "VELTRACEINSTANCE0", "SEM32:trc:VELTRACEINSTANCE0"},
+              {"a\\b c:", nullptr, "SEM32:a:bGc6"},
+              {"\xFF", "", "SEM32:8:"},
+              {nullptr, nullptr, "SEM32:"}};
+  for (const auto& row : rows)
+    EXPECT_STREQ(VelClResourceKeySemaphore(row.key, row.instance).getAsCstring(), row.name);
+  const std::string tooLong(300, 'x');
+  VelClResourceKeySemaphore copy("other", "one");
+  {
+    const VelClResourceKeySemaphore original(tooLong.c_str(), "two");
+    copy = original;
+  }
+  EXPECT_EQ(std::string(copy.getAsCstring()), "SEM32:" + std::string(249, 'x'));
+  EXPECT_EQ(std::string(copy.getPart()), std::string(249, 'x'));
+}
+
+}  // namespace

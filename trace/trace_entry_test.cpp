@@ -1,0 +1,155 @@
+#include <algorithm>
+#include <cstring>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "trace/test/trace_fixture.h"
+
+namespace {
+
+const std::string kAlphabet = " ,&*:_~()<>ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+
+/// The code of texts, as a string of digits 0 and 1.
+std::string packed(const std::string& text) {
+  const auto binary = [](std::size_t value, int digits) {
+    std::string bits;
+    while (digits-- > 0) bits += (value >> digits & 1) != 0 ? '1' : '0';
+    return bits;
+  };
+  std::string bits;
+  for (const char c : text) {
+    if (bits.size() > 2032) break;
+    const std::size_t code = c == '\xFF' ? 0 : kAlphabet.find(c);
+    bits += code == std::string::npos ? "111111" + binary(static_cast<unsigned char>(c), 8) : binary(code, 6);
+  }
+  while (bits.size() % 8 != 0) bits += '1';
+  std::string bytes;
+  for (std::size_t i = 0; i < bits.size() && bytes.size() < 255; i += 8)
+    bytes += static_cast<char>(std::stoi(bits.substr(i, 8), nullptr, 2));
+  return bytes;
+}
+
+class TraceEntry : public vel::test::TraceTest {
+ protected:
+  VelClTraceEntry entry(const char* origin, const char* message, const void* data = "",
+                        std::size_t size = 0) const {
+    return {
+        *environment_, VelEnTraceDetail::HIGH, 0x1234, VelEnTraceDataType::C_STRING, origin, message, data,
+        size};
+  }
+  static std::string bytes(const VelClTraceEntry& entry) {
+    return {entry.getEntryData(), entry.getSizeOfEntryData()};
+  }
+
+  std::unique_ptr<VelClTraceEnvironment> environment_ = environment();
+};
+
+TEST_F(TraceEntry, HasThePrescribedBytes) {
+  environment_->getSettings().enableCompression(false);
+  std::string record = bytes(entry("main", "hello", "abc", 3));
+  EXPECT_EQ(record.substr(0, 4), "\xC8\x34\x05\x04");
+  EXPECT_EQ(record.substr(16), std::string("\3\0\0\0hellomain", 13));
+  std::uint32_t process = 0;
+  std::memcpy(&process, record.data() + 8, sizeof process);
+  EXPECT_EQ(process, VelClProcessProperty().getProcessId());
+  std::istringstream stream(record);
+  VelClTraceFileEntry read(*environment_);
+  ASSERT_TRUE(read.read(stream));
+  EXPECT_EQ(read.getThreadId(), VelClThreadProperty().getThreadId());
+  EXPECT_EQ(read.getSizeOfEntryData(), record.size() + 2);
+  environment_->getSettings().enableCompression(true);
+  EXPECT_EQ(bytes(entry("main", "Hello World")).substr(0, 4), "\xE8\x34\x09\x03");
+}
+
+TEST_F(TraceEntry, MarksMissingAndClippedData) {
+  EXPECT_EQ(entry("f", "m", nullptr, 5).getType(), VelEnTraceDataType::DATA_NULL);
+  EXPECT_EQ(entry("f", "m", nullptr, 5).getDumpDataLength(), 0U);
+  const std::string data(environment_->getBufferSize() + 1, 'x');
+  EXPECT_EQ(entry("f", "m", data.data(), data.size() - 1).getType(), VelEnTraceDataType::C_STRING);
+  const VelClTraceEntry clipped = entry("f", "m", data.data(), data.size());
+  EXPECT_EQ(clipped.getType(), VelEnTraceDataType::DATA_CLIPPED);
+  EXPECT_EQ(clipped.getDumpDataLength(), data.size() - 1);
+}
+
+TEST_F(TraceEntry, ChangesTypeAndDetail) {
+  VelClTraceEntry changed = entry("f", "m");
+  changed.setDetail(VelEnTraceDetail::LOW);
+  EXPECT_TRUE(changed.isCompressed());
+  changed.setType(VelEnTraceDataType::FLOAT);
+  EXPECT_FALSE(changed.isCompressed()) << "only the detail is kept";
+  changed.setCompressFlag();
+  EXPECT_EQ(changed.getEntryData()[0], '\x73');
+}
+
+TEST_F(TraceEntry, PacksTextsAsTheCodeSays) {
+  std::mt19937 random(1);
+  std::vector<std::string> texts = {"",
+                                    "H",
+                                    "Hello World",
+                                    "\xFF"
+                                    "1",
+                                    std::string(300, 'x'),
+                                    std::string(300, '1')};
+  for (int i = 0; i < 2000; ++i) {
+    std::string text;
+    const auto escapes = random() % 5;
+    for (std::size_t length = random() % 400; text.size() < length;)
+      text += random() % 40 < escapes ? static_cast<char>(1 + random() % 255) : kAlphabet[random() % 63];
+    texts.push_back(text);
+  }
+  VelClTraceFileEntry read(*environment_);
+  for (const std::string& text : texts) {
+    const std::string record = bytes(entry(text.c_str(), text.c_str()));
+    ASSERT_EQ(record.substr(20), packed(text) + packed(text));
+    std::istringstream stream(record);
+    ASSERT_TRUE(read.read(stream));
+    std::string expected = text;
+    std::replace(expected.begin(), expected.end(), '\xFF', ' ');
+    ASSERT_EQ(std::string(read.getMessage()), expected.substr(0, read.getMessageLength()));
+    ASSERT_EQ(std::string(read.getOrigin()), read.getMessage());
+    ASSERT_TRUE(packed(text).size() == 255 || read.getMessageLength() == text.size());
+  }
+  EXPECT_GT(environment_->getCompressionRate(), 0.7F);
+  EXPECT_LT(environment_->getCompressionRate(), 1.2F);
+}
+
+TEST_F(TraceEntry, CutsPlainTexts) {
+  environment_->getSettings().enableCompression(false);
+  const std::string text(300, 'x');
+  const VelClTraceEntry cut = entry(nullptr, text.c_str());
+  EXPECT_EQ(cut.getCompressedMessageLength(), 255U);
+  EXPECT_EQ(cut.getCompressedOriginLength(), 0U);
+}
+
+/// Head with compressed texts of a message and no origin.
+std::string recordOf(const std::string& stored) {
+  std::string record(20, '\0');
+  record[0] = '\x20';
+  record[2] = static_cast<char>(stored.size());
+  return record + stored;
+}
+
+TEST_F(TraceEntry, ReadsBrokenTextsAndCutRecords) {
+  const std::pair<std::string, std::string> rows[] = {
+      {recordOf("\xFC\xC4"), "1"},          // 63 and the bits of '1'; the rest is padding, 0 here
+      {recordOf("\x2F\xFF"), "A"},          // 63 with 4 bits behind it
+      {recordOf("\xFC"), ""},               // 63 with 2 bits
+      {recordOf("\x2F\xFF\xF0"), "A\xFF"},  // an escaped 255, which the encoder never makes
+  };
+  VelClTraceFileEntry read(*environment_);
+  for (const auto& [record, text] : rows) {
+    std::istringstream stream(record);
+    EXPECT_TRUE(read.read(stream));
+    EXPECT_EQ(std::string(read.getMessage()), text);
+  }
+  const std::string whole = bytes(entry("origin", "message"));
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    std::istringstream stream(whole.substr(0, length));
+    EXPECT_FALSE(read.read(stream)) << length;
+    EXPECT_EQ(read.getType() == VelEnTraceDataType::NOTHING, length < 20) << length;
+    EXPECT_TRUE(stream.eof());
+  }
+}
+
+}  // namespace

@@ -1,0 +1,170 @@
+// What belongs to one trace key, and the environment variables that set it up.
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <iostream>
+#include <memory>
+
+#include "foundation/allocator.h"
+#include "foundation/ascii.h"
+#include "vel_include/vel_helpers.h"
+#include "vel_include/vel_process.h"
+#include "vel_include/vel_trace.h"
+
+namespace {
+
+constexpr char kDefaultInstance[] = "VELTRACEINSTANCE0";
+constexpr char kDefaultFormat[] = "%f%n   P: %p, T: %s, D: %l, C: %c%n   Data: %m (%x: %d%n)";
+// One less than 64 KiB. Keep.
+constexpr std::uint32_t kDefaultBufferSize = 65535;
+constexpr std::int32_t kSmallestBuffer = 4096;
+constexpr std::int32_t kLargestBuffer = 0x1000000;
+/// With the longest suffix a name has the 40 characters of a variable's name.
+constexpr std::size_t kLongestVariableKey = 24;
+
+/// The variables of a key.
+class Variables {
+ public:
+  explicit Variables(const char* key) {
+    for (; *key != '\0' && keyLength_ < kLongestVariableKey; ++key)
+      name_[keyLength_++] = vel::toAsciiUpper(*key);
+  }
+
+  /// Null when it is not set.
+  const char* value(const char* suffix) { return select(suffix).getValue(); }
+  bool isEnabled(const char* suffix) { return select(suffix).hasValueEnabled(); }
+
+ private:
+  VelClEnvironmentVariableQueryOnly& select(const char* suffix) {
+    std::strcpy(name_ + keyLength_, suffix);
+    variable_.setNewName(name_);
+    return variable_;
+  }
+
+  VelClEnvironmentVariableQueryOnly variable_;
+  std::size_t keyLength_ = 0;
+  char name_[VelClEnvironmentVariableABase::kMaxNameLength + 1] = {};
+};
+
+/// A number of kilobytes as bytes, shifted in 32 bits and compared with its sign.
+std::uint32_t bufferSizeFrom(const char* kilobytes) {
+  const auto bytes = static_cast<std::int32_t>(static_cast<std::uint32_t>(vel::vel_atol32(kilobytes)) << 10);
+  return static_cast<std::uint32_t>(std::clamp(bytes, kSmallestBuffer, kLargestBuffer));
+}
+
+struct Destroy {
+  template <typename Object>
+  void operator()(Object* object) const noexcept {
+    vel::destroy(object);
+  }
+};
+
+template <typename Value>
+void reportLine(const char* label, const Value& value) {
+  std::cout << VelClTraceSettings::getVerbosePrefix() << label << value
+            << VelClTraceSettings::getVerboseSuffix();
+}
+
+}  // namespace
+
+VelClTraceEnvironment::VelClTraceEnvironment(const char* key, const char* instance, bool controllerMode)
+    : VelClResourceKeySemaphore(key, instance == nullptr ? kDefaultInstance : instance),
+      manager_(nullptr),
+      settings_(nullptr),
+      bufferSize_(kDefaultBufferSize),
+      processId_(VelClProcessProperty().getProcessId()),
+      format_{},
+      buffer_(nullptr),
+      active_(false),
+      sharedMemory_(false),
+      controllerMode_(controllerMode),
+      plainTotal_(0),
+      compressedTotal_(0),
+      lostBytes_(0),
+      lastSystemError_(0) {
+  // What is made before a later allocation fails goes back.
+  std::unique_ptr<VelClTraceSettings, Destroy> settings(vel::create<VelClTraceSettings>());
+  settings_ = settings.get();
+  determineSettingsFromEnvVars(key == nullptr ? "" : key);
+  vel::OwnedText buffer(static_cast<char*>(VelClMemoryManager::malloc(bufferSize_)));
+  std::memset(buffer.get(), 0, bufferSize_);
+  manager_ = vel::create<VelClTraceBufferManager>(*this, buffer.get(), bufferSize_);
+  buffer_ = buffer.release();
+  settings.release();
+  if (!settings_->usesAutosave()) return;
+  manager_->attachOverflowHandler(&save, this);
+  if (!controllerMode_ && settings_->usesAutoclear()) VelClFile(filename_, nullptr).remove();
+}
+
+VelClTraceEnvironment::~VelClTraceEnvironment() {
+  manager_->flush();
+  if (settings_->usesAutosave()) manager_->detachOverflowHandler();
+  if (!sharedMemory_) VelClMemoryManager::free(buffer_);
+  vel::destroy(manager_);
+  vel::destroy(settings_);
+}
+
+void VelClTraceEnvironment::add(const VelClTraceEntry& entry) {
+  manager_->write(entry);
+  if (settings_->usesAutoflush()) manager_->flush();
+}
+
+void VelClTraceEnvironment::flush() {
+  manager_->flush();
+}
+
+void VelClTraceEnvironment::setFormatString(const char* format) {
+  std::strncpy(format_, format == nullptr ? "" : format, sizeof format_ - 1);
+}
+
+unsigned long VelClTraceEnvironment::getTimeStamp() const {
+  return velGetTimeStamp();
+}
+
+void VelClTraceEnvironment::recordCompressionRate(size_t before, size_t after) const {
+  plainTotal_ += static_cast<std::uint32_t>(before);
+  compressedTotal_ += static_cast<std::uint32_t>(after);
+}
+
+float VelClTraceEnvironment::getCompressionRate() const {
+  if (plainTotal_ == 0 || compressedTotal_ == 0) return 0.0F;
+  return static_cast<float>(compressedTotal_) / static_cast<float>(plainTotal_);
+}
+
+/// Only ACTIVE can switch off; the other flags are on already or get set. Keep.
+void VelClTraceEnvironment::determineSettingsFromEnvVars(const char* key) {
+  Variables variables(key);
+  active_ = variables.isEnabled("_TRACE_ACTIVE");
+  if (const char* detail = variables.value("_TRACE_DETAIL")) settings_->setDetailLevel(detail);
+  if (variables.isEnabled("_TRACE_AUTOSAVE")) settings_->enableAutosave(true);
+  if (variables.isEnabled("_TRACE_AUTOFLUSH")) settings_->enableAutoflush(true);
+  if (variables.isEnabled("_TRACE_AUTOCLEAR")) settings_->enableAutoclear(true);
+  if (variables.isEnabled("_TRACE_COMPRESS")) settings_->enableCompression(true);
+  if (const char* components = variables.value("_TRACE_COMPSET")) settings_->initComponentIds(components);
+  if (const char* kilobytes = variables.value("_TRACE_BUFSIZE")) bufferSize_ = bufferSizeFrom(kilobytes);
+  if (const char* file = variables.value("_TRACE_FILE"))
+    filename_ = file;
+  else
+    filename_.setNew(velGetTmpDirectory(), vel::String(key).append("trace.trc").c_str());
+  const char* format = variables.value("_TRACE_FORMAT");
+  setFormatString(format == nullptr ? kDefaultFormat : format);
+  if (!variables.isEnabled("_TRACE_VERBOSE")) return;
+  settings_->enableVerbose(true);
+  report(key);
+}
+
+void VelClTraceEnvironment::report(const char* key) const {
+  reportLine("key: ", key);
+  reportLine("active: ", active_);
+  reportLine("resource key: ", getAsCstring());
+  reportLine("compression: ", settings_->usesCompression());
+  reportLine("autosave: ", settings_->usesAutosave());
+  reportLine("autoflush: ", settings_->usesAutoflush());
+  reportLine("autoclear: ", settings_->usesAutoclear());
+  reportLine("detail: ", static_cast<std::int32_t>(settings_->getDetailLevel()));
+  reportLine("buffersize: ", bufferSize_);
+  reportLine("process id: ", processId_);
+  reportLine("format: ", format_);
+  reportLine("file: ", filename_.getAsCString());
+  reportLine("sharedMemory: ", sharedMemory_);
+}

@@ -1,0 +1,156 @@
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <iostream>
+#include <sstream>
+#include <string>
+
+#include "trace/test/trace_fixture.h"
+
+namespace {
+
+using testing::HasSubstr;
+using vel::test::SizedEntry;
+
+class TraceEnvironment : public vel::test::TraceTest {
+ protected:
+  /// What `action` prints on standard output.
+  template <typename Action>
+  static std::string printed(Action action) {
+    std::ostringstream shown;
+    std::streambuf* const console = std::cout.rdbuf(shown.rdbuf());
+    action();
+    std::cout.rdbuf(console);
+    return shown.str();
+  }
+};
+
+TEST_F(TraceEnvironment, StartsWithTheDefaults) {
+  const VelClTraceEnvironment other("some\\Key", "one", false);
+  EXPECT_STREQ(other.getAsCstring(), "SEM32:some:Key:one");
+  EXPECT_FALSE(other.isActive());
+  EXPECT_TRUE(other.getSettings().usesCompression() && other.getSettings().usesAutosave());
+  EXPECT_FALSE(other.getSettings().usesAutoclear() || other.getSettings().usesAutoflush() ||
+               other.getSettings().isVerbose());
+  EXPECT_EQ(other.getSettings().getDetailLevel(), VelEnTraceDetail::LOW);
+  EXPECT_FALSE(other.getSettings().getFilter().usesCompIdFilter());
+  EXPECT_EQ(other.getBufferSize(), 65535U - 48U);
+  EXPECT_STREQ(other.getFormatString(), "%f%n   P: %p, T: %s, D: %l, C: %c%n   Data: %m (%x: %d%n)");
+  EXPECT_EQ(other.getCompressionRate(), 0.0F);
+  const VelClTraceEnvironment plain("Abc", nullptr, false);
+  EXPECT_STREQ(plain.getFilename().getName(), "Abctrace.trc");
+  VelClFilename expected;
+  expected.setNew(velGetTmpDirectory(), "Abctrace.trc");
+  EXPECT_STREQ(plain.getFilename().getAsCString(), expected.getAsCString());
+}
+
+TEST_F(TraceEnvironment, BoundsTheSizeOfTheRing) {
+  const std::pair<const char*, unsigned int> rows[] = {
+      {"0", 4096},    {"abc", 4096},       {"4", 4096},       {"5", 5120},       {"-1", 4096},
+      {"64x", 65536}, {"20000", 16777216}, {"3000000", 4096}, {"4194305", 4096}, {"99999999999", 4096}};
+  for (const auto& [value, size] : rows) {
+    set("BUFSIZE", value);
+    EXPECT_EQ(environment()->getBufferSize(), size - 48) << value;
+  }
+}
+
+TEST_F(TraceEnvironment, ReadsItsVariablesAndReportsThem) {
+  set("ACTIVE", "yes");
+  set("DETAIL", "high");
+  set("AUTOFLUSH", "1");
+  set("AUTOCLEAR", "on");
+  set("AUTOSAVE", "no");
+  set("COMPRESS", "off");
+  set("COMPSET", "3");
+  set("BUFSIZE", "8");
+  set("FORMAT", "%f" + std::string(600, '.'));
+  set("VERBOSE", "TRUE");
+  std::unique_ptr<VelClTraceEnvironment> made;
+  const std::string report = printed([&] { made = environment(); });
+  std::string expected;
+  const std::string process = std::to_string(VelClProcessProperty().getProcessId());
+  for (const std::string& line :
+       {std::string("key: unit"), std::string("active: 1"),
+        std::string("resource key: SEM32:unit:VELTRACEINSTANCE0"), std::string("compression: 1"),
+        std::string("autosave: 1"), std::string("autoflush: 1"), std::string("autoclear: 1"),
+        std::string("detail: 3"), std::string("buffersize: 8192"), "process id: " + process,
+        "format: %f" + std::string(510, '.'), "file: " + file_, std::string("sharedMemory: 0")})
+    expected += "[VEL: TRACE: " + line + "]\n";
+  EXPECT_EQ(report, expected);
+  EXPECT_TRUE(made->getSettings().isToBeDumped(VelEnTraceDetail::HIGH, 3));
+  EXPECT_FALSE(made->getSettings().isToBeDumped(VelEnTraceDetail::HIGH, 4));
+  EXPECT_FALSE(made->getSettings().isToBeDumped(VelEnTraceDetail::OFF, 259));
+  EXPECT_TRUE(made->getSettings().isToBeDumped(VelEnTraceDetail::OFF, 0));
+}
+
+TEST_F(TraceEnvironment, CutsLongKeysForItsVariables) {
+  const std::string key(24, 'k');
+  const std::string upper(24, 'K');
+  VelClEnvironmentVariable active((upper + "_TRACE_ACTIVE").c_str(), "yes");
+  EXPECT_TRUE(VelClTraceEnvironment((key + "tail").c_str(), nullptr, false).isActive());
+  active.resetValue();
+  const VelClTraceEnvironment longest(std::string(1000, 'k').c_str(), nullptr, false);
+  EXPECT_EQ(longest.getFilename().getLength(), 260U);
+}
+
+TEST_F(TraceEnvironment, SavesAndReportsEverySave) {
+  set("VERBOSE", "yes");
+  std::string bytes;
+  const std::string shown = printed([&] {
+    const auto writer = environment();
+    const SizedEntry entry(*writer, 50, 'x');
+    writer->add(entry.get());
+    EXPECT_EQ(saved(), "");
+    writer->flush();
+    writer->getSettings().enableAutoflush(true);
+    writer->add(entry.get());
+    bytes = entry.bytes();
+  });
+  EXPECT_EQ(saved(), bytes + bytes);
+  const std::string name = "[VEL: TRACE: writing file: " + file_ + "]\n";
+  EXPECT_THAT(shown, HasSubstr(name + "[VEL: TRACE: bytes written: 50 file status: 0]\n" + name +
+                               "[VEL: TRACE: file exists with size: 50]\n"
+                               "[VEL: TRACE: bytes written: 50 file status: 0]\n"));
+}
+
+TEST_F(TraceEnvironment, RemovesAnOldFileWhenWriting) {
+  set("AUTOCLEAR", "yes");
+  directory_.write("unit.trc", "old");
+  environment(true);
+  EXPECT_EQ(saved(), "old");
+  environment(false);
+  EXPECT_FALSE(std::filesystem::exists(file_));
+}
+
+TEST_F(TraceEnvironment, SurvivesFilesThatCannotBeWritten) {
+  set("AUTOFLUSH", "yes");
+  const auto writer = environment();
+  const SizedEntry entry(*writer, 50, 'x');
+  writer->add(entry.get());
+  std::filesystem::remove(file_);
+  writer->add(entry.get());
+  EXPECT_EQ(saved(), entry.bytes());
+  EXPECT_EQ(writer->getLostBytes(), 0U);
+  writer->setFilename(directory_.path("missing/x.trc").c_str());
+  writer->add(entry.get());
+  writer->setFilename(directory_.path().c_str());
+  writer->getSettings().enableVerbose(true);
+  const std::string shown = printed([&] { writer->add(entry.get()); });
+  EXPECT_EQ(shown, "[VEL: TRACE: could not open: " + directory_.path() +
+                       " (errno: " + std::to_string(writer->getLastSystemError()) + ")]\n");
+  EXPECT_EQ(writer->getLostBytes(), 100U);
+  EXPECT_NE(writer->getLastSystemError(), 0);
+}
+
+TEST(TraceSettings, LivesInAForeignRecord) {
+  alignas(_VelStTraceSettings) unsigned char memory[sizeof(_VelStTraceSettings)] = {};
+  VelClTraceSettings settings(memory);
+  settings.enableVerbose(true);
+  settings.enableCompression(false);
+  const auto* record = reinterpret_cast<const _VelStTraceSettings*>(memory);
+  EXPECT_EQ(record->signature, 0x5645U);
+  EXPECT_EQ(record->flags, 2U + 16U);
+  EXPECT_TRUE(record->filter.matchesCompId(255));
+}
+
+}  // namespace

@@ -1,0 +1,59 @@
+// Appends what leaves the ring to the trace file. A failure costs trace data and nothing else.
+#include <algorithm>
+#include <cstdint>
+#include <iostream>
+
+#include "platform/platform.h"
+#include "vel_include/vel_trace.h"
+
+namespace {
+
+using vel::platform::SystemError;
+
+class VerboseLine {
+ public:
+  VerboseLine() { std::cout << VelClTraceSettings::getVerbosePrefix(); }
+  VerboseLine(const VerboseLine&) = delete;
+  VerboseLine& operator=(const VerboseLine&) = delete;
+  ~VerboseLine() { std::cout << VelClTraceSettings::getVerboseSuffix(); }
+
+  template <typename Value>
+  VerboseLine& operator<<(const Value& value) {
+    std::cout << value;
+    return *this;
+  }
+};
+
+void reportOpened(const char* name) {
+  VerboseLine() << "writing file: " << name;
+  vel::platform::EntryStatus status{};
+  if (vel::platform::statusOf(name, status) && status.sizeInBytes != 0)
+    VerboseLine() << "file exists with size: " << status.sizeInBytes;
+}
+
+}  // namespace
+
+void VelClTraceEnvironment::save(const _VelStTraceBufferCallBackInfo& info) {
+  static_cast<VelClTraceEnvironment*>(info.context)->append(info);
+}
+
+void VelClTraceEnvironment::append(const _VelStTraceBufferCallBackInfo& info) {
+  const bool verbose = settings_->isVerbose();
+  const char* const name = filename_.getAsCString();
+  const std::uint64_t size = info.firstLength + info.secondLength;
+  SystemError error = 0;
+  const int descriptor = vel::platform::openForAppending(name, error);
+  std::uint64_t written = 0;
+  if (descriptor == -1) {
+    if (verbose) VerboseLine() << "could not open: " << name << " (errno: " << error << ")";
+  } else {
+    if (verbose) reportOpened(name);
+    const vel::platform::Bytes pieces[] = {{info.first, static_cast<std::size_t>(info.firstLength)},
+                                           {info.second, static_cast<std::size_t>(info.secondLength)}};
+    written = vel::platform::appendBytes(descriptor, pieces[0], pieces[1], error);
+    const int closed = vel::platform::closeAppended(descriptor);
+    if (verbose) VerboseLine() << "bytes written: " << written << " file status: " << closed;
+  }
+  lostBytes_ += size - written;
+  if (error != 0) lastSystemError_ = error;
+}

@@ -1,0 +1,51 @@
+// The plain functions of the trace facility.
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <ostream>
+
+#include "vel_include/vel_trace.h"
+
+VelClTraceInstance* velTraceCreateInstance(const char* key, const char* instance) {
+  return VelClTraceInstance::createInstance(key, instance);
+}
+
+void velTraceDeleteInstance(void) {
+  VelClTraceInstance::deleteInstance();
+}
+
+bool velTraceIsEnabled(void) {
+  return gs_pclVelTraceInstance != nullptr;
+}
+
+VelClTraceInstance* VelClTraceInstance_getInstance(void) {
+  return gs_pclVelTraceInstance;
+}
+
+void velTraceFlush(void) {
+  if (gs_pclVelTraceInstance != nullptr) gs_pclVelTraceInstance->flush();
+}
+
+void velTraceDump(VelEnTraceDetail detail, unsigned short componentId, VelEnTraceDataType type,
+                  const char* origin, const char* message, const void* data, size_t size) {
+  VelClTraceInstance* const instance = gs_pclVelTraceInstance;
+  if (instance == nullptr) return;
+  if (type == VelEnTraceDataType::FUNCTION_ENTRY || type == VelEnTraceDataType::FUNCTION_EXIT)
+    instance->dumpFunction(detail, componentId, type, origin);
+  else
+    instance->dump(detail, componentId, type, origin, message, data, size);
+}
+
+void vel_tprintf(const char* file, int line, const char* format, ...) {
+  std::printf("[%s:%d] ", file, line);
+  va_list arguments;
+  va_start(arguments, format);
+  std::vprintf(format, arguments);
+  va_end(arguments);
+  if (std::strchr(format, '\n') == nullptr) std::putchar('\n');
+  std::fflush(stdout);
+}
+
+void vel_tprint(std::ostream& stream, const char* file, int line) {
+  stream << '[' << file << ':' << line << "] ";
+}

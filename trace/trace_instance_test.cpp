@@ -1,0 +1,129 @@
+#include <gmock/gmock.h>
+
+#include <sstream>
+#include <string>
+#include <tuple>
+
+#include "trace/test/trace_fixture.h"
+
+namespace {
+
+using Detail = VelEnTraceDetail;
+using Type = VelEnTraceDataType;
+
+class TraceInstance : public vel::test::TraceTest {
+ protected:
+  /// Origin, detail, type and data of every entry in the file.
+  std::string entries() {
+    std::istringstream stream(saved());
+    const auto reader = environment(true);
+    VelClTraceFileEntry entry(*reader);
+    std::string text;
+    while (entry.read(stream)) {
+      std::string data(entry.getDumpDataLength(), '\0');
+      stream.read(data.data(), static_cast<std::streamsize>(data.size()));
+      text += std::string(entry.getOrigin()) + " D" + std::to_string(static_cast<int>(entry.getDetail())) +
+              " T" + std::to_string(static_cast<int>(entry.getType()));
+      for (const char byte : data) text += " " + std::to_string(static_cast<unsigned char>(byte));
+      text += "\n";
+    }
+    return text;
+  }
+};
+
+TEST_F(TraceInstance, IsOneForTheProcess) {
+  EXPECT_FALSE(velTraceIsEnabled());
+  velTraceFlush();
+  velTraceDump(Detail::LOW, 0, Type::NO_DATA, "f", "m", "", 0);
+  velTraceDeleteInstance();
+  VelClTraceInstance* const instance = velTraceCreateInstance("unit", nullptr);
+  EXPECT_EQ(VelClTraceInstance::createInstance("other", nullptr), instance);
+  EXPECT_FALSE(velTraceIsEnabled());
+  instance->enable();
+  EXPECT_FALSE(velTraceIsEnabled()) << "it is not active";
+  instance->activate();
+  EXPECT_FALSE(instance->isEnabled());
+  instance->enable();
+  EXPECT_EQ(VelClTraceInstance_getInstance(), instance);
+  instance->disable();
+  EXPECT_FALSE(velTraceIsEnabled());
+  velTraceDeleteInstance();
+  velTraceDeleteInstance();
+  EXPECT_EQ(VelClTraceInstance::createControllerInstance("unit", nullptr)->getEnvironment().isController(),
+            true);
+}
+
+TEST_F(TraceInstance, RecordsWhatPassesTheFilter) {
+  set("ACTIVE", "yes");
+  set("DETAIL", "MED");
+  set("COMPSET", "1.2");
+  velTraceCreateInstance("unit", nullptr);
+  const unsigned char byte = 7;
+  velTraceDump(Detail::MEDIUM, 1, Type::UINT8, "passes", nullptr, &byte, 1);
+  velTraceDump(Detail::HIGH, 1, Type::UINT8, "too detailed", nullptr, &byte, 1);
+  velTraceDump(Detail::LOW, 3, Type::UINT8, "other component", nullptr, &byte, 1);
+  velTraceDump(Detail::LOW, 257, Type::UINT8, "no component", nullptr, &byte, 1);
+  velTraceDump(Detail::LOW, 0, Type::NO_DATA, nullptr, nullptr, nullptr, 0);
+  velTraceDeleteInstance();
+  EXPECT_EQ(entries(), "passes D2 T12 7\n D1 T6\n");
+}
+
+TEST_F(TraceInstance, CountsTheNestingOfFunctions) {
+  set("ACTIVE", "yes");
+  set("DETAIL", "OFF");
+  velTraceCreateInstance("unit", nullptr);
+  {
+    const VelClTraceFunction outer(Detail::LOW, 0, "outer");
+    const VelClTraceFunction tooDetailed(Detail::MEDIUM, 0, "inner");
+  }
+  velTraceDump(Detail::LOW, 0, Type::FUNCTION_EXIT, "lost", "", nullptr, 0);
+  velTraceFlush();
+  EXPECT_EQ(entries(), "outer D0 T1 1 0 0 0\nouter D0 T2 0 0 0 0\nlost D0 T2 255 255 255 255\n");
+}
+
+TEST_F(TraceInstance, GivesValuesTheirTypes) {
+  set("ACTIVE", "yes");
+  velTraceCreateInstance("unit", nullptr);
+  const auto trace = [](const auto& value) { velTraceValue(Detail::LOW, 0, "v", "", value); };
+  trace(true);
+  trace(static_cast<signed char>(-1));
+  trace(static_cast<unsigned short>(1));
+  trace(1);
+  trace(2UL);
+  trace(3LL);
+  trace(std::tuple<>());
+  velTraceFlush();
+  const std::string ul = sizeof(long) == 8 ? "v D1 T18 2 0 0 0 0 0 0 0\n" : "v D1 T16 2 0 0 0\n";
+  EXPECT_THAT(entries(), testing::StartsWith("v D1 T10 1\nv D1 T11 255\nv D1 T14 1 0\nv D1 T15 1 0 0 0\n" +
+                                             ul + "v D1 T17 3 0 0 0 0 0 0 0\nv D1 T4"));
+  static_assert(
+      velTraceTypeOf<float>() == Type::FLOAT && velTraceTypeOf<long double>() == Type::LONG_DOUBLE &&
+      velTraceTypeOf<const char*>() == Type::ADDRESS && velTraceTypeOf<unsigned char>() == Type::UINT8);
+}
+
+TEST_F(TraceInstance, HandsEntriesToAnotherBackEnd) {
+  set("ACTIVE", "yes");
+  VelClTraceInstance* const instance = velTraceCreateInstance("unit", nullptr);
+  EXPECT_TRUE(instance->usesVelBackEnd());
+  std::string seen;
+  instance->registerUserCallback(
+      [](void* context, Detail, unsigned short component, Type, const char* origin, const char*, const void*,
+         size_t) { *static_cast<std::string*>(context) += origin + std::to_string(component); },
+      &seen);
+  velTraceDump(Detail::HIGH, 300, Type::NO_DATA, "f", "", "", 0);
+  velTraceDeleteInstance();
+  EXPECT_EQ(seen, "f300");
+  EXPECT_EQ(entries(), "");
+}
+
+TEST(TracePrint, NamesTheLine) {
+  testing::internal::CaptureStdout();
+  vel_tprintf("f", 3, "x=%d", 5);
+  vel_tprintf("f", 4, "a\nb");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "[f:3] x=5\n[f:4] a\nb");
+  std::ostringstream stream;
+  vel_tprint(stream, "f", 3);
+  EXPECT_EQ(stream.str(), "[f:3] ");
+}
+
+}  // namespace
