@@ -30,6 +30,7 @@ constexpr std::array<std::uint8_t, 256> kCodes = makeCodes();
 
 /// Characters that are coded at once.
 constexpr std::size_t kGroup = 8;
+constexpr int kGroupBytes = 6;
 
 /// No further character is taken up once more bits than these are written.
 constexpr std::size_t kLastStart = (kLongestCompressed - 1) * 8;
@@ -39,23 +40,46 @@ constexpr std::uint64_t highBitsFirst(std::uint64_t bits) {
   return std::endian::native == std::endian::little ? __builtin_bswap64(bits) : bits;
 }
 
+/// The codes of eight characters in the highest bits.
+struct Group {
+  std::uint64_t codes;
+  bool escaped;  ///< one of them has no code
+};
+
+Group codeGroup(const unsigned char* characters) {
+  const std::uint64_t code[kGroup] = {kCodes[characters[0]], kCodes[characters[1]], kCodes[characters[2]],
+                                      kCodes[characters[3]], kCodes[characters[4]], kCodes[characters[5]],
+                                      kCodes[characters[6]], kCodes[characters[7]]};
+  const std::uint64_t marks = code[0] | code[1] | code[2] | code[3] | code[4] | code[5] | code[6] | code[7];
+  const std::uint64_t codes = code[0] << 58 | code[1] << 52 | code[2] << 46 | code[3] << 40 | code[4] << 34 |
+                              code[5] << 28 | code[6] << 22 | code[7] << 16;
+  return {codes, (marks & kEscapeMark) != 0};
+}
+
 /// Collects bits, at most 8 of them pending between two calls.
 class BitWriter {
  public:
   explicit BitWriter(unsigned char* out) : start_(out), out_(out) {}
 
   std::size_t bits() const { return bytes() * 8 + static_cast<std::size_t>(pending_); }
-  bool hasRoomForGroup() const { return bytes() + sizeof bits_ <= kLongestCompressed; }
 
-  /// Stores 8 bytes, whatever the number of bits is.
-  void putGroup(std::uint64_t value, int count) {
-    bits_ |= value << (64 - pending_ - count);
-    const std::uint64_t ordered = highBitsFirst(bits_);
-    std::memcpy(out_, &ordered, sizeof ordered);
-    const int whole = (pending_ + count) / 8;
-    out_ += whole;
-    bits_ <<= 8 * whole;
-    pending_ = (pending_ + count) % 8;
+  /// Codes whole groups until one has an escaped character or could be cut; returns where it stopped.
+  const unsigned char* putGroups(const unsigned char* next, const unsigned char* end) {
+    std::uint64_t bits = bits_;
+    unsigned char* out = out_;
+    const unsigned char* const lastOut = start_ + kLongestCompressed - sizeof bits;
+    for (; static_cast<std::size_t>(end - next) >= kGroup && out <= lastOut; next += kGroup) {
+      const Group group = codeGroup(next);
+      if (group.escaped) break;
+      const std::uint64_t stored = highBitsFirst(bits | group.codes >> pending_);
+      std::memcpy(out, &stored, sizeof stored);
+      // The pending bits stay as many: a group has whole bytes.
+      bits = group.codes << (8 * kGroupBytes - pending_);
+      out += kGroupBytes;
+    }
+    bits_ = bits;
+    out_ = out;
+    return next;
   }
 
   void put(std::uint64_t value, int count) {
@@ -135,21 +159,12 @@ std::size_t compress(const char* text, std::size_t length, unsigned char* out) n
   BitWriter writer(out);
   const auto* next = reinterpret_cast<const unsigned char*>(text);
   const unsigned char* const end = next + length;
-  while (static_cast<std::size_t>(end - next) >= kGroup && writer.hasRoomForGroup()) {
-    std::uint64_t group = 0;
-    unsigned int marks = 0;
-    for (std::size_t i = 0; i < kGroup; ++i) {
-      const std::uint8_t code = kCodes[next[i]];
-      marks |= code;
-      group = group << 6 | code;
-    }
-    if ((marks & kEscapeMark) == 0)
-      writer.putGroup(group, 6 * kGroup);
-    else
-      for (std::size_t i = 0; i < kGroup && writer.bits() <= kLastStart; ++i) putCharacter(writer, next[i]);
-    next += kGroup;
+  while (next != end && writer.bits() <= kLastStart) {
+    next = writer.putGroups(next, end);
+    // The group with an escaped character, or the rest.
+    for (std::size_t i = 0; i < kGroup && next != end && writer.bits() <= kLastStart; ++i)
+      putCharacter(writer, *next++);
   }
-  for (; next != end && writer.bits() <= kLastStart; ++next) putCharacter(writer, *next);
   return writer.finish();
 }
 

@@ -56,8 +56,17 @@ void VelClTraceBufferManager::attachOverflowHandler(VelTraceOverflowHandler hand
 void VelClTraceBufferManager::write(const VelClTraceEntry& entry) {
   const VelClTraceBufferAccessSemaphore access(*key_);
   dirty_ = true;
-  write(entry.getEntryData(), entry.getSizeOfEntryData());
-  write(static_cast<const char*>(entry.getDumpData()), entry.getDumpDataLength());
+  const size_t recordLength = entry.getSizeOfEntryData();
+  const size_t dataLength = entry.getDumpDataLength();
+  const auto* const data = static_cast<const char*>(entry.getDumpData());
+  // Nearly all entries fit as a whole.
+  if (recordLength + dataLength < room()) {
+    append(entry.getEntryData(), recordLength);
+    if (dataLength != 0) append(data, dataLength);
+    return;
+  }
+  write(entry.getEntryData(), recordLength);
+  write(data, dataLength);
 }
 
 void VelClTraceBufferManager::flush() {
@@ -69,13 +78,16 @@ void VelClTraceBufferManager::flush() {
 
 void VelClTraceBufferManager::write(const char* data, size_t length) {
   if (length == 0) return;
-  const auto room = static_cast<size_t>(header_->dataEnd + 1 - header_->write);
-  if (length == room)
+  if (length == room())
     fillExactly(data, length);
-  else if (length > room)
-    wrap(data, length, room);
+  else if (length > room())
+    wrap(data, length);
   else
     append(data, length);
+}
+
+size_t VelClTraceBufferManager::room() const {
+  return static_cast<size_t>(header_->dataEnd + 1 - header_->write);
 }
 
 void VelClTraceBufferManager::append(const char* data, size_t length) {
@@ -90,11 +102,12 @@ void VelClTraceBufferManager::fillExactly(const char* data, size_t length) {
 }
 
 /// The rest is not longer than the ring: entries are made so.
-void VelClTraceBufferManager::wrap(const char* data, size_t length, size_t room) {
-  append(data, room);
+void VelClTraceBufferManager::wrap(const char* data, size_t length) {
+  const size_t first = room();
+  append(data, first);
   overflow();
   header_->write = header_->dataStart;
-  append(data + room, length - room);
+  append(data + first, length - first);
 }
 
 /// Without a handler nothing is ever handed over, and the oldest bytes are overwritten.

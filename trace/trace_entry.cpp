@@ -1,5 +1,5 @@
 // Builds the record of a trace entry.
-#include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -16,7 +16,8 @@ constexpr unsigned int kTypeAndCompressed = 0x3F;
 constexpr unsigned int kDetailBits = 0xC0;
 
 void storeNumber(unsigned char* out, std::uint32_t number) {
-  for (int shift = 0; shift < 32; shift += 8) *out++ = static_cast<unsigned char>(number >> shift);
+  static_assert(std::endian::native == std::endian::little);
+  std::memcpy(out, &number, sizeof number);
 }
 
 /// The length of a text, at most `limit`; nothing behind its terminator is read.
@@ -82,10 +83,4 @@ void VelClTraceEntry::setType(VelEnTraceDataType type) {
 void VelClTraceEntry::setDetail(VelEnTraceDetail detail) {
   record_[0] =
       static_cast<unsigned char>((record_[0] & kTypeAndCompressed) | static_cast<unsigned int>(detail) << 6);
-}
-
-uint32_t VelClTraceEntry::numberAt(size_t offset) const {
-  std::uint32_t number = 0;
-  for (int i = 3; i >= 0; --i) number = number << 8 | record_[offset + static_cast<std::size_t>(i)];
-  return number;
 }

@@ -318,7 +318,8 @@ class VEL_API VelClTraceBufferManager {
   struct Header;
   void write(const char* data, size_t length);
   void fillExactly(const char* data, size_t length);
-  void wrap(const char* data, size_t length, size_t room);
+  void wrap(const char* data, size_t length);
+  size_t room() const;
   void append(const char* data, size_t length);
   void overflow() { handOver(); }
   void handOver();
@@ -468,7 +469,11 @@ class VEL_API VelClTraceEntry {
 
   /// Empty, all bytes 0.
   explicit VelClTraceEntry(const VelClTraceEnvironment& environment);
-  uint32_t numberAt(size_t offset) const;
+  uint32_t numberAt(size_t offset) const {
+    return record_[offset] | static_cast<uint32_t>(record_[offset + 1]) << 8 |
+           static_cast<uint32_t>(record_[offset + 2]) << 16 |
+           static_cast<uint32_t>(record_[offset + 3]) << 24;
+  }
 
   const VelClTraceEnvironment* environment_;
   unsigned char record_[kHeadLength + 2 * kLongestText + 2];
