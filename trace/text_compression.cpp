@@ -1,6 +1,12 @@
-// The 6-bit code of trace texts, eight characters at a time where none of them is escaped.
+// The 6-bit code of trace texts, many characters at a time where none of them is escaped.
 #include "trace/text_compression.h"
 
+#if defined(__SSE2__) && !defined(VEL_PORTABLE_CODE)
+#define VEL_TRACE_SSE2
+#include <emmintrin.h>
+#endif
+
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -12,6 +18,9 @@ namespace {
 
 constexpr char kAlphabet[] = " ,&*:_~()<>ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 constexpr std::uint8_t kEscape = 63;
+constexpr std::int8_t kCodeOfUpperA = 11;
+constexpr std::int8_t kCodeOfLowerA = 37;
+static_assert(kAlphabet[kCodeOfUpperA] == 'A' && kAlphabet[kCodeOfLowerA] == 'a');
 /// Marks the escape in the table, so that one test finds it among many codes.
 constexpr std::uint8_t kEscapeMark = 0x80;
 static_assert(sizeof kAlphabet - 1 == kEscape);
@@ -28,85 +37,153 @@ constexpr std::array<std::uint8_t, 256> makeCodes() {
 
 constexpr std::array<std::uint8_t, 256> kCodes = makeCodes();
 
-/// Characters that are coded at once.
+/// Characters that are coded at once, and decoded at once.
+constexpr std::ptrdiff_t kBlock = 16;
+constexpr std::ptrdiff_t kBlockBytes = 12;
 constexpr std::size_t kGroup = 8;
-constexpr int kGroupBytes = 6;
 
 /// No further character is taken up once more bits than these are written.
 constexpr std::size_t kLastStart = (kLongestCompressed - 1) * 8;
+/// The last byte that a block can begin in.
+constexpr std::ptrdiff_t kLastBlockStart = kLongestCompressed - 1 - kBlockBytes - 1;
 
 /// Between a number and its bytes in memory, high byte first.
 constexpr std::uint64_t highBitsFirst(std::uint64_t bits) {
   return std::endian::native == std::endian::little ? __builtin_bswap64(bits) : bits;
 }
 
-/// The codes of eight characters in the highest bits.
-struct Group {
-  std::uint64_t codes;
-  bool escaped;  ///< one of them has no code
+/// The codes of a block of characters: of eight each, in the lowest 48 bits.
+struct Block {
+  std::uint64_t first;
+  std::uint64_t second;
 };
 
-Group codeGroup(const unsigned char* characters) {
-  const std::uint64_t code[kGroup] = {kCodes[characters[0]], kCodes[characters[1]], kCodes[characters[2]],
-                                      kCodes[characters[3]], kCodes[characters[4]], kCodes[characters[5]],
-                                      kCodes[characters[6]], kCodes[characters[7]]};
-  const std::uint64_t marks = code[0] | code[1] | code[2] | code[3] | code[4] | code[5] | code[6] | code[7];
-  const std::uint64_t codes = code[0] << 58 | code[1] << 52 | code[2] << 46 | code[3] << 40 | code[4] << 34 |
-                              code[5] << 28 | code[6] << 22 | code[7] << 16;
-  return {codes, (marks & kEscapeMark) != 0};
+#if defined(VEL_TRACE_SSE2)
+
+/// Two codes become 12 bits, two of these 24, and two of these 48; the earlier ones stand higher.
+Block join(__m128i codes) {
+  const __m128i pairs =
+      _mm_or_si128(_mm_srli_epi16(codes, 8), _mm_and_si128(_mm_slli_epi16(codes, 6), _mm_set1_epi16(0x0FC0)));
+  std::uint64_t quads[2];
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(quads),
+                   _mm_madd_epi16(pairs, _mm_set1_epi32(1 << 16 | 1 << 12)));
+  const auto joinQuads = [](std::uint64_t both) { return (both & 0xFFFFFF) << 24 | both >> 32; };
+  return {joinQuads(quads[0]), joinQuads(quads[1])};
 }
 
-/// Collects bits, at most 8 of them pending between two calls.
+/// False unless all characters are letters and blanks, as nearly all are.
+bool codeBlock(const unsigned char* characters, Block& block) {
+  const auto isUpTo = [](__m128i value, std::int8_t limit) {
+    return _mm_cmpeq_epi8(_mm_min_epu8(value, _mm_set1_epi8(limit)), value);
+  };
+  const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(characters));
+  const __m128i upper = _mm_sub_epi8(text, _mm_set1_epi8('A'));
+  const __m128i lower = _mm_sub_epi8(text, _mm_set1_epi8('a'));
+  const __m128i isUpper = isUpTo(upper, 25);
+  const __m128i isLower = isUpTo(lower, 25);
+  const __m128i isBlank = _mm_cmpeq_epi8(text, _mm_set1_epi8(' '));
+  if (_mm_movemask_epi8(_mm_or_si128(_mm_or_si128(isUpper, isLower), isBlank)) != 0xFFFF) return false;
+  block = join(_mm_or_si128(_mm_and_si128(isUpper, _mm_add_epi8(upper, _mm_set1_epi8(kCodeOfUpperA))),
+                            _mm_and_si128(isLower, _mm_add_epi8(lower, _mm_set1_epi8(kCodeOfLowerA)))));
+  return true;
+}
+
+#else
+
+bool codeBlock(const unsigned char* characters, Block& block) {
+  std::uint64_t halves[2] = {};
+  unsigned int marks = 0;
+  for (std::ptrdiff_t i = 0; i < kBlock; ++i) {
+    const std::uint8_t code = kCodes[characters[i]];
+    marks |= code;
+    halves[i / 8] = halves[i / 8] << 6 | code;
+  }
+  block = {halves[0], halves[1]};
+  return (marks & kEscapeMark) == 0;
+}
+
+#endif
+
+/// The same for a block that is not full: blanks fill it.
+bool codePart(const unsigned char* characters, std::ptrdiff_t count, Block& block) {
+  unsigned char padded[kBlock];
+  std::memset(padded, ' ', sizeof padded);
+  std::memcpy(padded, characters, static_cast<std::size_t>(count));
+  return codeBlock(padded, block);
+}
+
+/// Collects bits, fewer than 8 of them pending between two calls. Every call stores 8 bytes.
 class BitWriter {
  public:
   explicit BitWriter(unsigned char* out) : start_(out), out_(out) {}
 
-  std::size_t bits() const { return bytes() * 8 + static_cast<std::size_t>(pending_); }
+  std::size_t bits() const { return bytes() * 8 + pending_; }
+  /// Whether even the last character of a block would not be cut.
+  bool hasRoomForBlock() const { return out_ <= start_ + kLastBlockStart; }
 
-  /// Codes whole groups until one has an escaped character or could be cut; returns where it stopped.
-  const unsigned char* putGroups(const unsigned char* next, const unsigned char* end) {
+  /// The lowest `count` bits of `value`, at most 56, the others being 0.
+  void put(std::uint64_t value, std::size_t count) {
+    bits_ |= value << (64 - pending_ - count);
+    store(bits_, out_);
+    pending_ += count;
+    const std::size_t whole = pending_ / 8;
+    out_ += whole;
+    bits_ <<= 8 * whole;
+    pending_ %= 8;
+  }
+
+  /// Codes whole blocks up to the first that has an escaped character or could be cut; returns where it
+  /// stopped.
+  const unsigned char* putBlocks(const unsigned char* next, const unsigned char* end) {
+    // A block has whole bytes: the pending bits stay as many.
+    const std::size_t right = pending_;
+    const std::size_t left = 48 - pending_;
     std::uint64_t bits = bits_;
     unsigned char* out = out_;
-    const unsigned char* const lastOut = start_ + kLongestCompressed - sizeof bits;
-    for (; static_cast<std::size_t>(end - next) >= kGroup && out <= lastOut; next += kGroup) {
-      const Group group = codeGroup(next);
-      if (group.escaped) break;
-      const std::uint64_t stored = highBitsFirst(bits | group.codes >> pending_);
-      std::memcpy(out, &stored, sizeof stored);
-      // The pending bits stay as many: a group has whole bytes.
-      bits = group.codes << (8 * kGroupBytes - pending_);
-      out += kGroupBytes;
+    Block block{};
+    while (end - next >= kBlock && out <= start_ + kLastBlockStart && codeBlock(next, block)) {
+      store(bits | block.first << 16 >> right, out);
+      bits = block.first << 16 << left;
+      store(bits | block.second << 16 >> right, out + kBlockBytes / 2);
+      bits = block.second << 16 << left;
+      next += kBlock;
+      out += kBlockBytes;
     }
     bits_ = bits;
     out_ = out;
     return next;
   }
 
-  void put(std::uint64_t value, int count) {
-    bits_ |= value << (64 - pending_ - count);
-    for (pending_ += count; pending_ >= 8; pending_ -= 8) store();
+  void put(const Block& block, std::size_t count) {
+    const std::size_t first = std::min<std::size_t>(count, 8);
+    put(block.first >> (48 - 6 * first), 6 * first);
+    if (count > first) put(block.second >> (48 - 6 * (count - first)), 6 * (count - first));
+  }
+
+  void put(unsigned char character) {
+    const std::uint8_t code = kCodes[character];
+    if ((code & kEscapeMark) == 0)
+      put(std::uint64_t{code}, 6);
+    else
+      put(std::uint64_t{kEscape} << 8 | character, 14);
   }
 
   std::size_t finish() {
-    if (pending_ > 0) {
-      bits_ |= ~std::uint64_t{0} >> pending_;
-      store();
-    }
+    if (pending_ > 0) put((std::uint64_t{1} << (8 - pending_)) - 1, 8 - pending_);
     return bytes();
   }
 
  private:
   std::size_t bytes() const { return static_cast<std::size_t>(out_ - start_); }
-  /// An escaped last character can reach one byte too far; that byte is cut.
-  void store() {
-    if (bytes() < kLongestCompressed) *out_++ = static_cast<unsigned char>(bits_ >> 56);
-    bits_ <<= 8;
+  static void store(std::uint64_t bits, unsigned char* out) {
+    const std::uint64_t ordered = highBitsFirst(bits);
+    std::memcpy(out, &ordered, sizeof ordered);
   }
 
   unsigned char* start_;
   unsigned char* out_;
   std::uint64_t bits_ = 0;  ///< the pending ones on top, zeros below
-  int pending_ = 0;
+  std::size_t pending_ = 0;
 };
 
 class BitReader {
@@ -145,27 +222,26 @@ class BitReader {
   std::size_t position_ = 0;  ///< in bits
 };
 
-void putCharacter(BitWriter& writer, unsigned char c) {
-  const std::uint8_t code = kCodes[c];
-  if ((code & kEscapeMark) == 0)
-    writer.put(code, 6);
-  else
-    writer.put(std::uint64_t{kEscape} << 8 | c, 14);
-}
-
 }  // namespace
 
 std::size_t compress(const char* text, std::size_t length, unsigned char* out) noexcept {
   BitWriter writer(out);
   const auto* next = reinterpret_cast<const unsigned char*>(text);
   const unsigned char* const end = next + length;
-  while (next != end && writer.bits() <= kLastStart) {
-    next = writer.putGroups(next, end);
-    // The group with an escaped character, or the rest.
-    for (std::size_t i = 0; i < kGroup && next != end && writer.bits() <= kLastStart; ++i)
-      putCharacter(writer, *next++);
+  while (true) {
+    next = writer.putBlocks(next, end);
+    if (next == end || writer.bits() > kLastStart) break;
+    // What is left, or a block that is not simple.
+    const std::ptrdiff_t count = std::min(end - next, kBlock);
+    Block block{};
+    if (count < kBlock && writer.hasRoomForBlock() && codePart(next, count, block))
+      writer.put(block, static_cast<std::size_t>(count));
+    else
+      for (std::ptrdiff_t i = 0; i < count && writer.bits() <= kLastStart; ++i) writer.put(next[i]);
+    next += count;
   }
-  return writer.finish();
+  // An escaped last character can reach one byte too far; that byte is cut.
+  return std::min(writer.finish(), kLongestCompressed);
 }
 
 std::size_t decompress(const unsigned char* stored, std::size_t length, char* out) noexcept {

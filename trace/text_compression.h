@@ -12,8 +12,11 @@ namespace vel::trace {
 /// The most bytes that a compressed text takes, and the most characters that fit into them.
 inline constexpr std::size_t kLongestCompressed = 255;
 inline constexpr std::size_t kLongestPlain = kLongestCompressed * 8 / 6;
+/// Bits are stored by the word.
+inline constexpr std::size_t kSlack = 8;
 
-/// Writes at most kLongestCompressed bytes and returns their number; what does not fit is cut.
+/// Writes at most kLongestCompressed bytes and returns their number; what does not fit is cut. `out` has room
+/// for kSlack bytes more, which may be overwritten.
 std::size_t compress(const char* text, std::size_t length, unsigned char* out) noexcept;
 
 /// Writes at most `length` * 8 / 6 characters and a terminator, and returns how many before it. `out` has

@@ -66,6 +66,7 @@ VelClTraceEntry::VelClTraceEntry(const VelClTraceEnvironment& environment, VelEn
 VelClTraceEntry::~VelClTraceEntry() = default;
 
 void VelClTraceEntry::storeTexts(const char* message, const char* origin) {
+  static_assert(sizeof record_ >= kHeadLength + 2 * kLongestText + vel::trace::kSlack);
   const bool compressed = environment_->getSettings().usesCompression();
   if (compressed) setCompressFlag();
   unsigned char* const texts = record_ + kHeadLength;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "trace/test/trace_fixture.h"
+#include "trace/text_compression.h"
 
 namespace {
 
@@ -102,6 +103,9 @@ TEST_F(TraceEntry, PacksTextsAsTheCodeSays) {
   for (const std::string& text : texts) {
     const std::string record = bytes(entry(text.c_str(), text.c_str()));
     ASSERT_EQ(record.substr(20), packed(text) + packed(text));
+    unsigned char portable[vel::trace::kLongestCompressed + vel::trace::kSlack];
+    const std::size_t size = vel::trace::compress(text.data(), text.size(), portable);
+    ASSERT_EQ(std::string(portable, portable + size), packed(text));
     std::istringstream stream(record);
     ASSERT_TRUE(read.read(stream));
     std::string expected = text;

@@ -39,7 +39,7 @@ bool VelClTraceFileEntry::read(std::istream& stream) {
 }
 
 unsigned int VelClTraceFileEntry::decode(const char* stored, unsigned int length, char* text) const {
-  static_assert(sizeof message_ > vel::trace::kLongestPlain + 8);
+  static_assert(sizeof message_ > vel::trace::kLongestPlain + vel::trace::kSlack);
   if (!isCompressed()) {
     std::memcpy(text, stored, length);
     text[length] = '\0';

@@ -476,7 +476,7 @@ class VEL_API VelClTraceEntry {
   }
 
   const VelClTraceEnvironment* environment_;
-  unsigned char record_[kHeadLength + 2 * kLongestText + 2];
+  unsigned char record_[kHeadLength + 2 * kLongestText + 2 + 8];  ///< texts are stored by the word
   uint64_t entrySize_;
   const void* dumpData_;
 
