@@ -36,6 +36,16 @@ void velTraceDump(VelEnTraceDetail detail, unsigned short componentId, VelEnTrac
     instance->dump(detail, componentId, type, origin, message, data, size);
 }
 
+uint64_t velTraceGetLostBytes(void) {
+  const VelClTraceInstance* const instance = VelClTraceInstance::getSingletonInstance();
+  return instance == nullptr ? 0 : instance->getEnvironment().getLostBytes();
+}
+
+int velTraceGetLastSystemError(void) {
+  const VelClTraceInstance* const instance = VelClTraceInstance::getSingletonInstance();
+  return instance == nullptr ? 0 : instance->getEnvironment().getLastSystemError();
+}
+
 void vel_tprintf(const char* file, int line, const char* format, ...) {
   std::printf("[%s:%d] ", file, line);
   va_list arguments;

@@ -46,6 +46,10 @@ VelClTraceInstance* VelClTraceInstance::create(const char* key, const char* inst
   return cv_pclSingletonInstance;
 }
 
+VelClTraceInstance* VelClTraceInstance::getSingletonInstance() {
+  return cv_pclSingletonInstance;
+}
+
 void VelClTraceInstance::deleteInstance() {
   VelClTraceInstance* const instance = std::exchange(cv_pclSingletonInstance, nullptr);
   if (instance == nullptr) return;

@@ -47,8 +47,14 @@ TEST_F(TraceInstance, IsOneForTheProcess) {
   EXPECT_EQ(VelClTraceInstance_getInstance(), instance);
   instance->disable();
   EXPECT_FALSE(velTraceIsEnabled());
+  instance->getEnvironment().setFilename(directory_.path("missing/unit.trc").c_str());
+  instance->dump(Detail::LOW, 0, Type::NO_DATA, "f", "m", "", 0);
+  instance->flush();
+  EXPECT_EQ(velTraceGetLostBytes(), 22U);
+  EXPECT_NE(velTraceGetLastSystemError(), 0);
   velTraceDeleteInstance();
   velTraceDeleteInstance();
+  EXPECT_EQ(velTraceGetLostBytes() + static_cast<unsigned int>(velTraceGetLastSystemError()), 0U);
   EXPECT_EQ(VelClTraceInstance::createControllerInstance("unit", nullptr)->getEnvironment().isController(),
             true);
 }

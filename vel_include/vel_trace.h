@@ -592,6 +592,8 @@ class VEL_API VelClTraceInstance {
   static VelClTraceInstance* createControllerInstance(const char* key, const char* instance);
   /// See velTraceDeleteInstance.
   static void deleteInstance();
+  /// The instance, enabled or not, or null when there is none.
+  static VelClTraceInstance* getSingletonInstance();
   /// The enabled instance, or null.
   static VelClTraceInstance* getInstance() { return gs_pclVelTraceInstance; }
 
@@ -623,8 +625,6 @@ class VEL_API VelClTraceInstance {
                     const char* origin);
 
  private:
-  friend class VelClTraceAutomaticInstanceDestructor;
-
   VelClTraceInstance(const char* key, const char* instance, bool controllerMode);
   ~VelClTraceInstance();
   static VelClTraceInstance* create(const char* key, const char* instance, bool controllerMode);
