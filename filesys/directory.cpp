@@ -152,8 +152,11 @@ bool VelClDirectory::create() {
   if (name_.getLength() == 0) return fail(DIRECTORY_COULD_NOT_CREATE, VelEnErrorClass::IO_NOT_EXISTENT);
   char path[kMaxLength + 1];
   vel::filesys::copyBounded(path, getAsCString(), kMaxLength);
-  const std::ptrdiff_t root = (name_.getPtrToPath() - getAsCString()) + (name_.hasDrive() ? 3 : 1);
-  for (char* end = path + root; (end = std::strchr(end, '\\')) != nullptr; *end++ = '\\') {
+  const std::size_t root =
+      static_cast<std::size_t>(name_.getPtrToPath() - getAsCString()) + (name_.hasDrive() ? 3 : 1);
+  // A server without a share has no path proper to begin in.
+  for (char* end = path + std::min<std::size_t>(root, name_.getLength());
+       (end = std::strchr(end, '\\')) != nullptr; *end++ = '\\') {
     *end = '\0';
     if (!makeUnlessExistent(path)) return fail(DIRECTORY_COULD_NOT_CREATE, VelEnErrorClass::IO_NOT_EXISTENT);
   }
