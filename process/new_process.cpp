@@ -1,6 +1,8 @@
 // Starting programs: the command line under construction, and the two ways to launch it.
 #include <algorithm>
 #include <cstring>
+#include <string_view>
+#include <utility>
 
 #include "foundation/allocator.h"
 #include "platform/platform.h"
@@ -54,28 +56,28 @@ void VelClNewProcessABase::addArgument(unsigned long value) {
 }
 
 void VelClNewProcessABase::appendArgument(const char* before, const char* text, const char* after) {
-  const char* const pieces[] = {argumentCount_ != 0 ? " " : "", before, text, after};
+  // Measured first, and read before the old block goes: the text may be this command line itself.
+  const std::string_view pieces[] = {argumentCount_ != 0 ? " " : "", before, text, after};
   size_t length = length_;
-  for (const char* piece : pieces) length += std::strlen(piece);
-  reserve(length);
-  for (const char* piece : pieces) {
-    const size_t pieceLength = std::strlen(piece);
-    std::memcpy(commandLine_ + length_, piece, pieceLength);
-    length_ += pieceLength;
+  for (const std::string_view piece : pieces) length += piece.size();
+  const vel::OwnedText outgrown(reserve(length));
+  for (const std::string_view piece : pieces) {
+    std::memcpy(commandLine_ + length_, piece.data(), piece.size());
+    length_ += piece.size();
   }
   commandLine_[length_] = '\0';
   ++argumentCount_;
 }
 
-/// Makes room for so many characters and a terminator.
-void VelClNewProcessABase::reserve(size_t length) {
-  if (length < capacity_) return;
+/// Makes room for so many characters and a terminator. Returns the block that was too small, if any, which
+/// the caller gives back.
+char* VelClNewProcessABase::reserve(size_t length) {
+  if (length < capacity_) return nullptr;
   const size_t capacity = std::max<size_t>(length + 1, capacity_ * 2);
-  vel::OwnedText grown(static_cast<char*>(VelClMemoryManager::malloc(capacity)));
-  if (length_ != 0) std::memcpy(grown.get(), commandLine_, length_);
-  VelClMemoryManager::free(commandLine_);
-  commandLine_ = grown.release();
+  char* const grown = static_cast<char*>(VelClMemoryManager::malloc(capacity));
+  if (length_ != 0) std::memcpy(grown, commandLine_, length_);
   capacity_ = capacity;
+  return std::exchange(commandLine_, grown);
 }
 
 void VelClNewProcessABase::prepareLaunch() {

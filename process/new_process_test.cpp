@@ -126,7 +126,9 @@ TEST_F(NewProcess, TheCommandLineQuotesBlanksOnly) {
   EXPECT_EQ(process.line(), expected + " -5 4294967295");
   const std::string longText(5000, 'x');
   process.addArgument(longText.c_str());
-  EXPECT_EQ(process.line(), expected + " -5 4294967295 " + longText);
+  expected += " -5 4294967295 " + longText;
+  process.addArgument(process.line());
+  EXPECT_EQ(process.line(), expected + " \"" + expected + "\"");
   const VelClExeFile blank("my prog");
   EXPECT_STREQ(Unlaunched(blank).line(), "\"my prog.EXE\"");
 }

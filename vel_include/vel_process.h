@@ -211,7 +211,7 @@ class VEL_API VelClNewProcessABase {
 
  private:
   void appendArgument(const char* before, const char* text, const char* after);
-  void reserve(size_t length);
+  char* reserve(size_t length);
 
   _VelStError lastError_;
   bool newConsole_;
