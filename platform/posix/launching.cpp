@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <climits>
+#include <mutex>
 
 #include "platform/platform.h"
 #include "platform/posix/file_search.h"
@@ -69,25 +70,51 @@ class ReportPipe {
   bool open_;
 };
 
-/// Keeps this process's signal handlers from running in the child, and its treatment of SIGCHLD from taking
-/// the exit code away.
+/// What this process does about SIGCHLD must not take exit codes away. That is one setting for all threads: a
+/// launch that finds such an action puts it aside, and the last of those under way puts it back.
+class ChildAction {
+ public:
+  void putAside() noexcept {
+    const std::lock_guard lock(guard_);
+    ++launches_;
+    struct sigaction current {};
+    sigaction(SIGCHLD, nullptr, &current);
+    if (current.sa_handler != SIG_IGN && (current.sa_flags & SA_NOCLDWAIT) == 0) return;
+    kept_ = current;
+    isAside_ = true;
+    struct sigaction standard {};
+    standard.sa_handler = SIG_DFL;
+    sigaction(SIGCHLD, &standard, nullptr);
+  }
+  void putBack() noexcept {
+    const std::lock_guard lock(guard_);
+    if (--launches_ != 0 || !isAside_) return;
+    isAside_ = false;
+    sigaction(SIGCHLD, &kept_, nullptr);
+  }
+
+ private:
+  std::mutex guard_;
+  int launches_ = 0;
+  bool isAside_ = false;
+  struct sigaction kept_ {};
+};
+
+constinit ChildAction childAction;
+
+/// Keeps this process's signal handlers from running in the child.
 class SignalsDuringLaunch {
  public:
   SignalsDuringLaunch() noexcept {
     sigset_t all;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before_);
-    sigaction(SIGCHLD, nullptr, &childAction_);
-    replaced_ = childAction_.sa_handler == SIG_IGN || (childAction_.sa_flags & SA_NOCLDWAIT) != 0;
-    if (!replaced_) return;
-    struct sigaction standard {};
-    standard.sa_handler = SIG_DFL;
-    sigaction(SIGCHLD, &standard, nullptr);
+    childAction.putAside();
   }
   SignalsDuringLaunch(const SignalsDuringLaunch&) = delete;
   SignalsDuringLaunch& operator=(const SignalsDuringLaunch&) = delete;
   ~SignalsDuringLaunch() {
-    if (replaced_) sigaction(SIGCHLD, &childAction_, nullptr);
+    childAction.putBack();
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
   }
 
@@ -101,8 +128,6 @@ class SignalsDuringLaunch {
 
  private:
   sigset_t before_;
-  struct sigaction childAction_ {};
-  bool replaced_;
 };
 
 // ---- In the child ----

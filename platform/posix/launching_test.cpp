@@ -9,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <filesystem>
+#include <future>
 #include <string>
 #include <vector>
 
@@ -196,7 +197,11 @@ TEST(PosixLaunching, SignalsAreTreatedAsBefore) {
 TEST(PosixLaunching, ExitCodesSurviveWhateverIsDoneAboutChildSignals) {
   {
     const TemporaryAction ignored(SIGCHLD, SIG_IGN);
-    EXPECT_EQ(runShell("exit 3"), 3);
+    // Whoever ends first must not put the action back under the others.
+    std::vector<std::future<int>> codes;
+    for (const char* script : {"sleep 0.02; exit 3", "sleep 0.1; exit 3", "sleep 0.2; exit 3"})
+      codes.push_back(std::async(std::launch::async, runShell, script));
+    for (std::future<int>& code : codes) EXPECT_EQ(code.get(), 3);
     struct sigaction action {};
     sigaction(SIGCHLD, nullptr, &action);
     EXPECT_EQ(action.sa_handler, SIG_IGN);
