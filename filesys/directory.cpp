@@ -193,8 +193,9 @@ bool VelClDirectory::remove() {
 }
 
 bool VelClDirectory::removeAll(bool withContents) {
-  // A root cannot be removed: its contents are kept rather than lost for nothing.
-  if (withContents && !name_.isRoot()) vel::filesys::removeContents(getAsCString());
+  // A root cannot be removed: its contents are kept rather than lost for nothing. So are those of "\\\\" and
+  // "\\", which going up from "\\\\server\\" leaves, and which the system takes for a root, too.
+  if (withContents && name_.isAbsolute() && !name_.isRoot()) vel::filesys::removeContents(getAsCString());
   const platform::SystemError error = platform::removeDirectory(getAsCString());
   return error == 0 ? succeed() : fail(DIRECTORY_COULD_NOT_REMOVE, classOfFailedRemoval(error));
 }
