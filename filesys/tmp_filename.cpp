@@ -51,8 +51,8 @@ int velTmpFileCreate(const char* directory, const char* prefix, char* name) {
     const char* const drawn = names.draw();
     const VelClFilename file(VelClLocation(directory != nullptr ? directory : velGetTmpDirectory(), false),
                              drawn, nullptr);
-    // A name that was cut may be anybody's.
-    if (std::strcmp(file.getName(), drawn) != 0) return -1;
+    // A name that was cut may be anybody's, and one with a separator or colon is no name in the directory.
+    if (std::strcmp(file.getName(), drawn) != 0 || std::strpbrk(drawn, "/\\:") != nullptr) return -1;
     const int descriptor = vel::platform::createExclusively(file.getAsCString(), error);
     if (descriptor >= 0) vel::filesys::copyBounded(name, file.getAsCString(), file.getLength());
     if (descriptor >= 0 || error != EEXIST || !repetitions.mayGoOn(drawn)) return descriptor;

@@ -81,8 +81,9 @@ TEST_F(TmpFilenameTest, GivesUpWithoutRoomForTheRandomCharactersAndCreatesNothin
   EXPECT_EQ(full.substr(0, kLimit), VelClTmpFilename(full.c_str(), "TMP").getAsCString());
   for (const std::string& path : {full, scratch_.path("missing"), std::string(1000, 'x')}) {
     char buffer[kLimit + 1] = "old";
-    EXPECT_EQ(-1, velTmpFileCreate(path.c_str(), path.c_str(), buffer));
+    EXPECT_EQ(-1, velTmpFileCreate(path.c_str(), "LONGPREFIX", buffer));
     EXPECT_STREQ("", buffer);
+    EXPECT_EQ(-1, velTmpFileCreate(scratch_.path().c_str(), "../x", buffer));
   }
 }
 

@@ -23,7 +23,8 @@
 /// characters begin the file's name, which is made like that of a VelClTmpFilename. `name` is a buffer of
 /// VEL_MAX_PATH_LENGTH + 1 characters and receives directory and name.
 /// On failure -1 is returned, and `name` is "": the directory is missing, cannot be written to, or
-/// leaves no room for a name of twelve characters, or the names are used up.
+/// leaves no room for a name of twelve characters, the prefix holds a separator or a colon, or the names are
+/// used up.
 VEL_C_API int velTmpFileCreate(const char* directory, const char* prefix, char* name);
 
 /// The directory for scratch files: the value of TMP when set (even when empty), else of TEMP, else
