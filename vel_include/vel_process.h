@@ -230,7 +230,8 @@ class VEL_API VelClNewSyncProcess : public VelClNewProcessABase {
   ~VelClNewSyncProcess() override;
 
   /// True when the program was started and has ended, whatever its exit code. On Linux the exit code
-  /// of a program that a signal ended is 128 plus the signal's number.
+  /// of a program that a signal ended is 128 plus the signal's number, and a handler of SIGCHLD that waits
+  /// for every child can, when it runs in another thread, take the exit code away: false then, with ECHILD.
   bool launch() override;
 };
 

@@ -119,7 +119,8 @@ class SignalsDuringLaunch {
   }
 
   const sigset_t& before() const noexcept { return before_; }
-  /// A handler of SIGCHLD that reaps every child must wait for the end of this one.
+  /// A handler of SIGCHLD that reaps every child must wait for the end of this one. In another thread it
+  /// cannot be kept from running.
   void blockChildSignalOnly() const noexcept {
     sigset_t mask = before_;
     sigaddset(&mask, SIGCHLD);
