@@ -10,6 +10,7 @@
 
 namespace {
 
+constexpr const char* kBlockConstructor = "VelClMemoryPoolBlock::VelClMemoryPoolBlock";
 constexpr const char* kConstructor = "VelClMemoryPool::VelClMemoryPool";
 constexpr const char* kAllocate = "VelClMemoryPool::allocate";
 
@@ -29,6 +30,12 @@ constexpr const char* kAllocate = "VelClMemoryPool::allocate";
 
 constexpr size_t kMost = std::numeric_limits<size_t>::max();
 
+/// The alignment, which must be a power of two.
+size_t checked(size_t alignment, const char* origin, unsigned int line) {
+  if (!std::has_single_bit(alignment)) throwTooBig(VelEnErrorClass::INVALID_DATA, origin, line);
+  return alignment;
+}
+
 /// With what it takes to begin at a multiple of the alignment; a size that cannot be had when there is none.
 size_t sizeToOwn(size_t size, size_t alignment) {
   return size > kMost - alignment ? kMost : size + alignment;
@@ -42,7 +49,7 @@ size_t roundedUp(size_t size, size_t alignment) {
 }  // namespace
 
 VelClMemoryPoolBlock::VelClMemoryPoolBlock(size_t size, size_t alignment)
-    : owned_(VelClMemoryManager::malloc(sizeToOwn(size, alignment))),
+    : owned_(VelClMemoryManager::malloc(sizeToOwn(size, checked(alignment, kBlockConstructor, __LINE__)))),
       begin_(static_cast<char*>(owned_)),
       size_(size),
       next_(nullptr) {
@@ -62,7 +69,7 @@ VelClMemoryPool::VelClMemoryPool(size_t blockSize, size_t alignment)
       first_(nullptr),
       current_(nullptr),
       blockCount_(0) {
-  if (!std::has_single_bit(alignment) || alignment > kMaxAlignment)
+  if (checked(alignment, kConstructor, __LINE__) > kMaxAlignment)
     throwTooBig(VelEnErrorClass::INVALID_DATA, kConstructor, __LINE__);
   blockSize_ = roundedUp(blockSize, alignment);
 }

@@ -134,6 +134,7 @@ TEST_F(MemoryPool, RefusesWhatNoBlockHolds) {
     EXPECT_EQ(failureOf([&] { pool.allocate(size); }), kTooBig) << size;
   EXPECT_EQ(static_cast<char*>(pool.allocate(96)), before + 8);
   EXPECT_EQ(pool.getNumOfBlocks(), 1U);
+  EXPECT_EQ(failureOf([] { const VelClMemoryPoolBlock odd(64, 0); }).second, VelEnErrorClass::INVALID_DATA);
   VelClMemoryPool none(0);
   EXPECT_EQ(failureOf([&] { none.allocate(0); }), kTooBig);
   for (const size_t alignment : {size_t{0}, size_t{3}, size_t{24}, size_t{8192}, kMost})

@@ -67,7 +67,8 @@ class VEL_API VelClMemoryManager {
 /// One block of a memory pool: memory from the manager with an alignment of its own.
 class VEL_API VelClMemoryPoolBlock {
  public:
-  /// `size` bytes that begin at a multiple of `alignment`, a power of two. Throws as the manager does.
+  /// `size` bytes that begin at a multiple of `alignment`. Throws as the manager does, and
+  /// MEMORYPOOL_CHUNK_TOO_BIG with class INVALID_DATA for an alignment that is no power of two.
   VelClMemoryPoolBlock(size_t size, size_t alignment);
   VelClMemoryPoolBlock(const VelClMemoryPoolBlock&) = delete;
   VelClMemoryPoolBlock& operator=(const VelClMemoryPoolBlock&) = delete;
