@@ -16,7 +16,7 @@ namespace vel::platform {
 
 namespace {
 
-constexpr int kSignals[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGTSTP};
+constexpr int kSignals[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGTSTP, SIGALRM, SIGUSR1, SIGUSR2};
 constexpr int kSignalCount = sizeof kSignals / sizeof kSignals[0];
 
 volatile sig_atomic_t signalPipe = -1;

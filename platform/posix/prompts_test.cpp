@@ -53,7 +53,7 @@ TEST(PromptForKey, TakesOneKeyWithoutEnterAndWithoutEcho) {
 }
 
 TEST(PromptForKey, RestoresTheTerminalWhenASignalEndsTheTool) {
-  for (const int signal : {SIGINT, SIGTERM, SIGQUIT, SIGHUP}) {
+  for (const int signal : {SIGINT, SIGTERM, SIGQUIT, SIGHUP, SIGALRM, SIGUSR1}) {
     Tool tool({"key"});
     ASSERT_TRUE(tool.waitsForKey());
     tool.signal(signal);
