@@ -158,8 +158,7 @@ std::ostream& operator<<(std::ostream& stream, const VelClLanguage& language) {
   if (language.getLanguage() >= VelClLanguage::LANGUAGE_UNKNOWN ||
       language.getTerritory() >= VelClLanguage::TERRITORY_UNKNOWN)
     return stream << kUnknown;
-  stream << language.getLanguageCode();
-  if (language.getTerritory() != VelClLanguage::TERRITORY_UNSPECIFIED)
-    stream << VelClLanguage::cv_cpszCombiningCharString << language.getTerritoryCodeShort();
-  return stream;
+  char text[7];
+  language.extractISOShortCode(text);
+  return stream << text;
 }

@@ -113,6 +113,10 @@ TEST(Language, ReadsAndWritesTags) {
     EXPECT_EQ(printed(language), row.printed) << tag;
     EXPECT_EQ(VelClLanguage(language.asNumber()).asNumber(), language.asNumber());
   }
+  std::ostringstream column;
+  column.width(6);
+  column << VelClLanguage("en-US");
+  EXPECT_EQ(column.str(), " en-us");
   EXPECT_EQ(VelClLanguage(0x12345678U).asNumber(), 0x12345678U);
   EXPECT_EQ(printed(VelClLanguage(0U)), "**");
 }
