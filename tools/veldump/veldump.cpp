@@ -147,13 +147,13 @@ bool Tool::handle(const char* file) {
     return false;
   }
   if (hasHeading_) writeHeading(file);
-  if (reverse_) return reverse(source, file) && !source.hasFailed();
-  // A terminal that shows the dump has no place for a progress bar.
+  // A terminal that shows the output has no place for a progress bar.
   const bool isLong = source.narrow(range_) && !vel::platform::isTerminal(vel::platform::kStandardOutput);
   const std::uint64_t expected = isLong ? source.expectedBytes() : 0;
   if (expected > 0) progressStart(expected, file);
+  if (reverse_) return reverse(source, file) && !source.hasFailed();
   const bool complete = binary_ ? dump<BinaryForm>(source) : dump<HexForm>(source);
-  if (expected > 0) progressStop();
+  progressStop();
   if (!complete) report(kNotRead, file);
   return complete;
 }
@@ -190,6 +190,7 @@ bool Tool::reverse(ByteSource& source, const char* file) {
     ++lineNumber;
     good = parser.takeLine(last);
   }
+  progressStop();
   if (source.hasFailed()) {
     report(kNotRead, file);
   } else if (!good || !parser.canEnd()) {
