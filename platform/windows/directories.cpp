@@ -15,6 +15,7 @@
 #include <winternl.h>
 
 #include "platform/platform.h"
+#include "platform/windows/system_errors.h"
 
 // The compiler's headers for programs lack this one.
 extern "C" NTSTATUS NTAPI NtQueryDirectoryFile(HANDLE directory, HANDLE event, PIO_APC_ROUTINE routine,
@@ -37,26 +38,6 @@ union EntryBuffer {
   FILE_FULL_DIR_INFORMATION entry;
   std::array<char, sizeof(FILE_FULL_DIR_INFORMATION) + 260 * sizeof(WCHAR)> bytes;
 };
-
-SystemError errnoOf(DWORD error) noexcept {
-  switch (error) {
-    case ERROR_SUCCESS:
-      return 0;
-    case ERROR_FILE_NOT_FOUND:
-    case ERROR_PATH_NOT_FOUND:
-    case ERROR_INVALID_NAME:
-    case ERROR_BAD_PATHNAME:
-      return ENOENT;
-    case ERROR_DIRECTORY:
-      return ENOTDIR;
-    case ERROR_DIR_NOT_EMPTY:
-      return ENOTEMPTY;
-    case ERROR_TOO_MANY_OPEN_FILES:
-      return EMFILE;
-    default:
-      return EACCES;
-  }
-}
 
 /// Some file systems put a directory's contents elsewhere without making it a link: only tags that stand
 /// for another name do. A tag of 0 is an unknown one.

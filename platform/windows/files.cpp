@@ -12,6 +12,7 @@
 #include <windows.h>
 
 #include "platform/platform.h"
+#include "platform/windows/system_errors.h"
 
 namespace vel::platform {
 
@@ -19,28 +20,6 @@ namespace {
 
 constexpr std::uint32_t kKnownAttributes = kAttributeReadOnly | kAttributeHidden | kAttributeDirectory;
 constexpr int kTestForWriting = 2;
-
-SystemError errnoOf(DWORD error) noexcept {
-  switch (error) {
-    case ERROR_SUCCESS:
-      return 0;
-    case ERROR_FILE_NOT_FOUND:
-    case ERROR_PATH_NOT_FOUND:
-    case ERROR_INVALID_NAME:
-    case ERROR_BAD_PATHNAME:
-      return ENOENT;
-    case ERROR_FILE_EXISTS:
-    case ERROR_ALREADY_EXISTS:
-      return EEXIST;
-    case ERROR_DISK_FULL:
-    case ERROR_HANDLE_DISK_FULL:
-      return ENOSPC;
-    case ERROR_FILENAME_EXCED_RANGE:
-      return ENAMETOOLONG;
-    default:
-      return EACCES;
-  }
-}
 
 std::uint64_t joined(DWORD high, DWORD low) noexcept {
   return (static_cast<std::uint64_t>(high) << 32) | low;
