@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "util/test_texts.h"
+#include "util/test/texts.h"
 #include "vel_include/vel_util.h"
 
 namespace {

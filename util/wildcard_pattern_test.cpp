@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "util/test_texts.h"
+#include "util/test/texts.h"
 #include "vel_include/vel_util.h"
 
 namespace {
