@@ -148,7 +148,8 @@ TEST(LanguageOfUser, IsReadFromLocaleNames) {
       {"POSIX", "en", VelClLanguage("en-us").getTerritory()},
       {"de_much_too_long_for_a_tag", "en", VelClLanguage("en-us").getTerritory()},
   };
-  const std::string before = VelClEnvironmentVariableQueryOnly("LC_ALL").getValue();
+  const VelClEnvironmentVariableQueryOnly user("LC_ALL");
+  const std::string before = user.hasValue() ? user.getValue() : "";
   for (const Row& row : rows) {
     VelClEnvironmentVariable("LC_ALL", row.locale);
     const VelClLanguage language = VelClLanguage::getUserLanguage();
