@@ -4,6 +4,7 @@
 //    How many (min.: 1, max.: 9):
 //    (default: 5): 7
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <iostream>
 
@@ -22,6 +23,20 @@ struct Question {
   const char* defaultAnswer;
 };
 
+using Traits = std::istream::traits_type;
+
+/// The next character of standard input. A signal that the tool handles can break off the wait for it; that
+/// is no end of input, which would take the default.
+Traits::int_type nextCharacter() {
+  for (;;) {
+    // What the tool read last may have failed.
+    std::cin.clear();
+    errno = 0;
+    const auto c = std::cin.get();
+    if (c != Traits::eof() || errno != EINTR) return c;
+  }
+}
+
 /// What one prompt was told. It is apart from the tool's input buffer, into which the question and the
 /// default may point.
 class Answer {
@@ -38,13 +53,10 @@ class Answer {
 
   /// A line of standard input without its end, be that LF or CR LF. False at the end of input.
   bool readLine() {
-    using Traits = std::istream::traits_type;
-    // What the tool read last may have failed.
-    std::cin.clear();
     bool found = false;
     std::size_t length = 0;
     char last = '\0';
-    for (auto c = std::cin.get(); c != Traits::eof(); c = std::cin.get()) {
+    for (auto c = nextCharacter(); c != Traits::eof(); c = nextCharacter()) {
       found = true;
       if (c == '\n') break;
       if (c == '\0') continue;
@@ -156,8 +168,7 @@ bool VelClConsoleUI::promptYesNo(VelClUIText question, bool defaultAnswer) const
 void VelClConsoleUI::promptForKey() const {
   vel::consoleui::writeInvitation(words()[Word::PressAnyKey]);
   if (vel::platform::waitForConsoleKey()) return;
-  std::cin.clear();
-  std::cin.get();
+  vel::consoleui::nextCharacter();
 }
 
 void VelClConsoleUI::promptForEnter() const {
