@@ -11,6 +11,7 @@
 #include <windows.h>
 
 #include "platform/platform.h"
+#include "platform/windows/system_errors.h"
 
 namespace vel::platform {
 
@@ -27,9 +28,9 @@ std::uint64_t appendPiece(HANDLE file, const Bytes& piece, SystemError& error) n
     atEnd.OffsetHigh = 0xFFFFFFFF;
     DWORD count = 0;
     const auto step = static_cast<DWORD>(std::min(piece.size - written, kLargestWrite));
-    if (WriteFile(file, piece.data + written, step, &count, &atEnd) == FALSE || count == 0) {
-      const DWORD reason = GetLastError();
-      error = reason == ERROR_DISK_FULL || reason == ERROR_HANDLE_DISK_FULL ? ENOSPC : EIO;
+    const bool failed = WriteFile(file, piece.data + written, step, &count, &atEnd) == FALSE;
+    if (failed || count == 0) {
+      error = failed ? errnoOf(GetLastError()) : EIO;
       break;
     }
     written += count;
