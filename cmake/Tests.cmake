@@ -32,6 +32,8 @@ function(vel_add_tests name)
   add_executable(${name} ${ARG_SOURCES})
   vel_use_project_options(${name})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  # The folder of the data files that tests read.
+  target_compile_definitions(${name} PRIVATE VEL_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/")
   target_link_libraries(${name} PRIVATE qamc5032 test_support gmock_main ${ARG_LIBRARIES})
   add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300)
