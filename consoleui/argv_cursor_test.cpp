@@ -27,29 +27,25 @@ class CommandLine {
   std::vector<const char*> pointers_;
 };
 
-std::string walkForward(VelClBiDirCursorABase& cursor, const VelClArgvCursor& argument) {
-  std::string walk;
+/// The arguments from the first to the last; the way back must be the same.
+std::string walk(VelClArgvCursor& cursor) {
+  std::string forward, backward;
   for (bool more = cursor.setToFirst(); more; more = cursor.setToNext())
-    walk += (walk.empty() ? "" : " ") + std::string(argument.getAsCString());
+    forward += std::string(cursor.getAsCString()) + ' ';
   EXPECT_FALSE(cursor.isValid());
-  return walk;
-}
-
-std::string walkBackward(VelClBiDirCursorABase& cursor, const VelClArgvCursor& argument) {
-  std::string walk;
   for (bool more = cursor.setToLast(); more; more = cursor.setToPrevious())
-    walk.insert(0, std::string(argument.getAsCString()) + (walk.empty() ? "" : " "));
+    backward.insert(0, std::string(cursor.getAsCString()) + ' ');
   EXPECT_FALSE(cursor.isValid());
-  return walk;
+  EXPECT_EQ(backward, forward);
+  return forward;
 }
 
 TEST(ArgvCursor, WalksBothWaysAndNeverVisitsTheProgram) {
-  for (const char* text : {"", "a", "-a b -5 - --"}) {
+  for (const char* text : {"", "a ", "-a b -5 - -- "}) {
     const CommandLine line(text);
     VelClArgvCursor cursor(line.count(), line.arguments());
     EXPECT_EQ(cursor.isValid(), *text != '\0');
-    EXPECT_EQ(walkForward(cursor, cursor), text);
-    EXPECT_EQ(walkBackward(cursor, cursor), text);
+    EXPECT_EQ(walk(cursor), text);
     EXPECT_STREQ(cursor.getArgv0(), "tool");
   }
 }
@@ -77,37 +73,32 @@ TEST(ArgvCursor, AnswersOutsideOfTheLine) {
 }
 
 TEST(ArgvCursor, FindsSwitchesByTheirWholeName) {
-  struct Row {
-    const char* line;
-    const char* name;
+  const struct {
+    const char *line, *name;
     const char* behind;  ///< the argument behind the one found, or null
-  };
-  const Row rows[] = {
-      {"verbose -verbose x -verbose y", "verbose", "x"},
-      {"verbose -verbose x -verbose y", "-verbose", "x"},
-      {"verbose", "verbose", nullptr},
-      {"-verbose", "verb", nullptr},
-      {"-verb", "verbose", nullptr},
-      {"-Verbose", "verbose", nullptr},
-      {"-a=1 -a:1 /a", "a", nullptr},
-      {"-5 x", "-5", nullptr},
-      {"-5 x", "5", nullptr},
-      {"--5 x", "-5", "x"},
-      {"--a x", "--a", "x"},
-      {"- x", "-", "x"},
-      {"- x", "", "x"},
-      {"", "a", nullptr},
-  };
-  for (const Row& row : rows) {
+  } rows[] = {{"verbose -verbose x -verbose y", "verbose", "x"},
+              {"verbose -verbose x -verbose y", "-verbose", "x"},
+              {"verbose", "verbose", nullptr},
+              {"-verbose", "verb", nullptr},
+              {"-verb", "verbose", nullptr},
+              {"-Verbose", "verbose", nullptr},
+              {"-a=1 -a:1 /a", "a", nullptr},
+              {"-5 x", "-5", nullptr},
+              {"-5 x", "5", nullptr},
+              {"--5 x", "-5", "x"},
+              {"--a x", "--a", "x"},
+              {"- x", "-", "x"},
+              {"- x", "", "x"},
+              {"", "a", nullptr}};
+  for (const auto& row : rows) {
     const CommandLine line(row.line);
     VelClArgvCursor cursor(line.count(), line.arguments());
     cursor.setToLast();  // where it stood before does not matter
     EXPECT_EQ(cursor.positionTo(row.name), row.behind != nullptr) << row.line << " for " << row.name;
     EXPECT_EQ(cursor.isValid(), row.behind != nullptr) << row.line << " for " << row.name;
-    if (row.behind == nullptr) continue;
-    EXPECT_TRUE(cursor.matches(row.name));
+    EXPECT_EQ(cursor.matches(row.name), row.behind != nullptr) << row.line << " for " << row.name;
     cursor.setToNext();
-    EXPECT_STREQ(cursor.getAsCString(), row.behind) << row.line << " for " << row.name;
+    EXPECT_STREQ(cursor.getAsCString(), row.behind != nullptr ? row.behind : "") << row.line;
   }
 }
 
@@ -146,62 +137,50 @@ std::string questionsAnswered(const CommandLine& line, const char* usage) {
 }
 
 TEST(ArgvCheckCursor, JudgesArgumentsByTheUsage) {
-  struct Row {
-    const char* usage;
-    const char* line;
-    const char* answers;
-    const char* program = "tool";
-  };
-  const Row rows[] = {
-      {"(-key <key>) [-verbose]", "-key abc -verbose xyz", "slrh lb slh f"},
-      {"(-key <key>) [-verbose]", "-keys -k -KEY", "s s s"},
-      {"(-key <key>) [-verbose]", "-key -verbose", "slr sl"},
-      {"(-key <key>) [-verbose]", "-key", "slr"},
-      {"(-key <key>) [-verbose]", "-key a b", "slrh lb f"},
-      {"(-key <key>)", "abc", "f", "-key"},  // the program's name binds nothing
-      {"(-n <n>)", "-n -5 -5", "slrh lb f"},
-      {"<n>", "-5 x -", "lf lf s"},
-      {"", "x -x", "f s"},
-      {nullptr, "x -x", "f s"},
-      {"(-f <n> ...)", "-f a b", "slrh lb f"},  // one value is bound, however many the usage admits
-      {"(-f <n> ...) ...", "-f a b", "slrh lb lf"},
-      {"[-a] /x", "b", "lf"},
-      {"[-5]", "b", "lf"},
-      {"(<a>)", "b", "f"},
-      {"(-a <v>) [-a]", "-a x", "slrh lb"},  // the first of two elements decides
-      {"[-a] (-a <v>)", "-a x", "slh f"},
-      {"[-a\n]", "-a", "s"},
-      {"\"-a <b>\"", "-a b", "sh f"},
-      {"[-a] !(-x <y>) [-z]\n[-b]", "-a -x v -z -b", "sl slrht lb slt sl"},
-      {"<w> !word\n other", "word other", "lf lf"},
-      {"! word \n other", "word other wor", "lft lf lf"},
-      {"!-5 <n>", "-5", "lft"},
-  };
-  for (const Row& row : rows)
+  const struct {
+    const char *usage, *line, *answers, *program = "tool";
+  } rows[] = {{"(-key <key>) [-verbose]", "-key abc -verbose xyz", "slrh lb slh f"},
+              {"(-key <key>) [-verbose]", "-keys -k -KEY", "s s s"},
+              {"(-key <key>) [-verbose]", "-key -verbose", "slr sl"},
+              {"(-key <key>) [-verbose]", "-key", "slr"},
+              {"(-key <key>) [-verbose]", "-key a b", "slrh lb f"},
+              {"(-key <key>)", "abc", "f", "-key"},  // the program's name binds nothing
+              {"(-n <n>)", "-n -5 -5", "slrh lb f"},
+              {"<n>", "-5 x -", "lf lf s"},
+              {"", "x -x", "f s"},
+              {nullptr, "x -x", "f s"},
+              {"(-f <n> ...)", "-f a b", "slrh lb f"},  // one value is bound, however many the usage admits
+              {"(-f <n> ...) ...", "-f a b", "slrh lb lf"},
+              {"[-a] /x", "b", "lf"},
+              {"[-5]", "b", "lf"},
+              {"(<a>)", "b", "f"},
+              {"(-a <v>) [-a]", "-a x", "slrh lb"},  // the first of two elements decides
+              {"[-a] (-a <v>)", "-a x", "slh f"},
+              {"[-a\n]", "-a", "s"},
+              {"\"-a <b>\"", "-a b", "sh f"},
+              {"[-a] !(-x <y>) [-z]\n[-b]", "-a -x v -z -b", "sl slrht lb slt sl"},
+              {"<w> !word\n other", "word other", "lf lf"},
+              {"! word \n other", "word other wor", "lft lf lf"},
+              {"!-5 <n>", "-5", "lft"}};
+  for (const auto& row : rows)
     EXPECT_EQ(questionsAnswered(CommandLine(row.line, row.program), row.usage), row.answers)
         << row.line << " under " << (row.usage != nullptr ? row.usage : "null");
 }
 
 TEST(ArgvFreeCursor, VisitsFreeArgumentsOnly) {
-  struct Row {
-    const char* usage;
-    const char* line;
-    const char* visited;
-  };
-  const Row rows[] = {
-      {"(-key <key>) [-verbose]", "-key abc -verbose xyz", "xyz"},
-      {"(-key <key>) <w>", "a -key b c -5 -key d", "a c -5"},
-      {"(-key <key>)", "-key a -key b", ""},
-      {"(-key <key>)", "-key", ""},
-      {"<w>", "", ""},
-      {"<w>", "a b", "a b"},
-      {"", "-x a", "a"},
-  };
-  for (const Row& row : rows) {
+  const struct {
+    const char *usage, *line, *visited;
+  } rows[] = {{"(-key <key>) [-verbose]", "-key abc -verbose xyz", "xyz "},
+              {"(-key <key>) <w>", "a -key b c -5 -key d", "a c -5 "},
+              {"(-key <key>)", "-key a -key b", ""},
+              {"(-key <key>)", "-key", ""},
+              {"<w>", "", ""},
+              {"<w>", "a b", "a b "},
+              {"", "-x a", "a "}};
+  for (const auto& row : rows) {
     const CommandLine line(row.line);
     VelClArgvFreeCursor cursor(line.count(), line.arguments(), row.usage);
-    EXPECT_EQ(walkForward(cursor, cursor), row.visited) << row.line;
-    EXPECT_EQ(walkBackward(cursor, cursor), row.visited) << row.line;
+    EXPECT_EQ(walk(cursor), row.visited) << row.line;
   }
 }
 

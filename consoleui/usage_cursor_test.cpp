@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/test/table.h"
 #include "vel_include/vel_consoleui.h"
 
 namespace {
@@ -53,105 +54,18 @@ std::string walkOver(const char* usage) {
   return walkOn(cursor, usage);
 }
 
-struct Walk {
-  const char* usage;
-  const char* elements;
-};
-
-void expectWalks(const std::vector<Walk>& walks) {
-  for (const Walk& walk : walks) EXPECT_EQ(walkOver(walk.usage), walk.elements) << walk.usage;
-}
-
-TEST(UsageCursor, WalksTheTraceControllersUsage) {
-  const Walk lines[] = {
-      {"(-key <key>) [(-instance <instance>)] [(-file <filename>)]\n",
-       "-key:sr <key:a -instance:sr <instance:a -file:sr <filename:a"},
-      {"[-display]\n", " -display:s"},
-      {"[(-format <string>)] [(-findent <string>)]\n", " -format:sr <string:a -findent:sr <string:a"},
-      {"[-fnest] [-fnofhd] [-fssfhd] [-fhex] [-fbin]\n", " -fnest:s -fnofhd:s -fssfhd:s -fhex:s -fbin:s"},
-      {"[(-fdetail <detail>)] [(-fcompids <compids>)]\n", " -fdetail:sr <detail:a -fcompids:sr <compids:a"},
-      {"[(-fpid <pid>)] [(-ftid <tid>)]\n", " -fpid:sr <pid:a -ftid:sr <tid:a"},
-      {"[-verbose]", " -verbose:s"},
-  };
-  std::string usage;
-  std::string elements;
-  for (const Walk& line : lines) {
-    usage += line.usage;
-    elements += line.elements;
-  }
-  EXPECT_EQ(walkOver(usage.c_str()), elements);
-}
-
-TEST(UsageCursor, FindsElements) {
-  expectWalks({
-      {"", ""},
-      {"-5", "-5:af"},
-      {"[-5] [-x]", "-5:af -x:s"},
-      {"(-a -5)", "-a:sr -5:a"},
-      {"[-a|/b]", "-a:s /b:af"},
-      {"(-a /b)", "-a:sr /b:a"},
-      {"-a.b-c", "-a:s -c:s"},
-      {"--a", "-:s -a:s"},
-      // A blank has to stand before a word, anywhere since the element before.
-      {"word -x", "-x:s"},
-      {"-x\nword", "-x:s"},
-      {"(word)", ""},
-      {" word", "word:af"},
-      {" (word)", "word:a"},
-      {"-x [b", "-x:s b:af"},
-      {"-x[b", "-x:s"},
-      {" a|b |c", "a:af c:af"},
-      // Blanks inside a placeholder belong to it.
-      {"<a b> c", "<a:af c:af"},
-      {"<a-b> -c", "<a:af -b:s -c:s"},  // not so a "-"
-      // The character behind a single dot is not looked at.
-      {"[.-a] -b", "-b:s"},
-      {"[.(-a <b>] <c>", "-a:s <b:af <c:af"},
-      {"-a [.", "-a:s"},
-      {"<a> .. <b>", "<a:af .:afe <b:af"},
-      {"<a>.....", "<a:af .:afe"},
-      // The tag mark ends with its line.
-      {"-a !-b <c>\n-d", "-a:s -b:st <c:aft -d:s"},
-      {"! word\n word", "word:aft word:af"},
-      // Quoted text holds no elements.
-      {"-a \"-b <c>\" -d", "-a:s -d:s"},
-      {"-a \"-b <c>\n-d", "-a:s"},
-      {"\"", ""},
-  });
-}
-
-TEST(UsageCursor, TellsWhichSwitchesTakeValues) {
-  expectWalks({
-      {"-a <b>", "-a:s <b:af"},
-      {"(-level <n", "-level:sr <n:a"},
-      {"(-a word)", "-a:sr word:a"},
-      {"(-a) <b>", "-a:s <b:af"},
-      {"(-a [-b <c>])", "-a:s -b:sr <c:a"},
-      {"(-a (<b>))", "-a:s <b:a"},
-      {"((-a) <b>)", "-a:s <b:a"},
-      {"(-a \"<b>\")", "-a:s"},
-      {"(-a <b> ...)", "-a:srl <b:a .:ae"},
-      {"(-a <b> <c> d ..)", "-a:srl <b:a <c:a d:a .:ae"},
-      {"(-a ...)", "-a:srl .:ae"},
-      {"(-a <b> . <c>)", "-a:sr <b:a <c:a"},
-      {"(-a <b> -c ...)", "-a:sr <b:a -c:srl .:ae"},
-      {"(-a <b>) ...", "-a:sr <b:a .:afe"},
-      {"(-a <b> (<c>) ...)", "-a:sr <b:a <c:a .:ae"},
-      {"(-a <b> <c>", "-a:sr <b:a <c:a"},
-      {"-a <b> ...", "-a:s <b:af .:afe"},
-  });
+TEST(UsageCursor, WalksFromElementToElement) {
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/usage_walks.tsv"))
+    EXPECT_EQ(walkOver(vel::test::unescaped(row.at(0)).c_str()), row.at(1)) << row.at(0);
 }
 
 TEST(UsageCursor, KeepsDepthsAndMarksForASecondWalk) {
-  const Walk second[] = {
-      {"<a> (<b>", "<a:a <b:a"},
-      {"<a> !<b>", "<a:aft <b:aft"},
-      {"(-a <b>) <c>", "-a:sr <b:a <c:af"},
-  };
-  for (const Walk& walk : second) {
-    VelClUsageCursor cursor(walk.usage);
-    walkOn(cursor, walk.usage);
-    EXPECT_EQ(walkOn(cursor, walk.usage), walk.elements) << walk.usage;
+  const char* const rows[][2] = {
+      {"<a> (<b>", "<a:a <b:a"}, {"<a> !<b>", "<a:aft <b:aft"}, {"(-a <b>) <c>", "-a:sr <b:a <c:af"}};
+  for (const auto& [usage, elements] : rows) {
+    VelClUsageCursor cursor(usage);
+    walkOn(cursor, usage);
+    EXPECT_EQ(walkOn(cursor, usage), elements) << usage;
   }
 }
 
@@ -165,22 +79,18 @@ TEST(UsageCursor, ComparesNamesUpToADelimiter) {
     EXPECT_EQ(cursor.matchesSwitch("-ab"), delimits) << c;
     EXPECT_EQ(cursor.matches("-ab"), delimits) << c;
   }
-  struct Row {
-    const char* usage;
-    const char* argument;
+  const struct {
+    const char *usage, *argument;
     bool matches;
-  };
-  const Row rows[] = {
-      {"-fhex", "-fhex", true},   {"-fhex", "fhex", true},
-      {"-fhex]", "-fhe", false},  {"-fhex]", "-fhexa", false},
-      {"-fhex]", "-FHEX", false}, {"-a.b]", "-a.b", true},
-      {"-a.b]", "-a", false},     {"-a]", "--a", false},
-      {"--a]", "--a", true},      {"--5]", "-5", true},
-      {"-5]", "-5", false},       {"-]", "-", true},
-      {"-]", "", true},           {"-a]", "", false},
-      {"-a", "-a]", false},
-  };
-  for (const Row& row : rows) {
+  } rows[] = {{"-fhex", "-fhex", true},   {"-fhex", "fhex", true},
+              {"-fhex]", "-fhe", false},  {"-fhex]", "-fhexa", false},
+              {"-fhex]", "-FHEX", false}, {"-a.b]", "-a.b", true},
+              {"-a.b]", "-a", false},     {"-a]", "--a", false},
+              {"--a]", "--a", true},      {"--5]", "-5", true},
+              {"-5]", "-5", false},       {"-]", "-", true},
+              {"-]", "", true},           {"-a]", "", false},
+              {"-a", "-a]", false}};
+  for (const auto& row : rows) {
     VelClUsageCursor cursor(row.usage);
     EXPECT_TRUE(cursor.setToFirst());
     EXPECT_EQ(cursor.matchesSwitch(row.argument), row.matches) << row.usage << " and " << row.argument;
