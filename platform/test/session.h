@@ -2,7 +2,7 @@
 //
 //   # a comment
 //   NAME=value              a variable
-//   $ NAME=value tool a ""  a run, with variables of its own in front; words with blanks stand in double quotes
+//   $ NAME=value tool a ""  a run, with variables of its own in front; words with blanks stand in quotes
 //   < 9 apples              a line of standard input
 //   > = 9                   a line of standard output
 //   ! wrong                 a line of standard error
@@ -10,8 +10,8 @@
 //   = 201                   the exit code, when it is not 0
 //
 // Runs follow each other without an empty line when they share what stands in front of the first of them. In
-// values and lines, "\n" and the like stand for their character; a line with "\" at its end ends without a line
-// break. The language is English unless the variables tell otherwise.
+// values and lines, "\n" and the like stand for their character; a line with "\" at its end ends without a
+// line break. The language is English unless the variables tell otherwise.
 #pragma once
 
 #include <string>
