@@ -3,29 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
-#include <vector>
 
-#include "vel_include/vel_memmgr.h"
+#include "platform/test/table.h"
 
 namespace {
-
-std::vector<std::vector<std::string>> readTable(const std::string& name) {
-  std::ifstream file(std::string(VEL_ERROR_DATA_DIR) + "/" + name);
-  std::vector<std::vector<std::string>> rows;
-  std::string line;
-  std::getline(file, line);  // the header
-  while (std::getline(file, line)) {
-    std::istringstream fields(line);
-    rows.emplace_back();
-    for (std::string field; std::getline(fields, field, '\t');) rows.back().push_back(field);
-  }
-  return rows;
-}
 
 unsigned int messageOf(const std::string& kind, int value) {
   if (kind == "identifier") return velErrorGetIdAsMessageId(static_cast<unsigned long>(value));
@@ -36,7 +19,7 @@ unsigned int messageOf(const std::string& kind, int value) {
 
 TEST(ErrorMessages, AgreeWithTheFactsForEveryValueAndItsNeighbours) {
   std::map<std::string, std::map<int, unsigned int>> facts;
-  for (const auto& row : readTable("errors.tsv"))
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "errors.tsv"))
     facts[row.at(0)][std::stoi(row.at(2))] = static_cast<unsigned int>(std::stoul(row.at(3)));
   ASSERT_EQ(facts.size(), 4U);
   ASSERT_EQ(facts["identifier"].size(), 59U);
@@ -55,7 +38,8 @@ TEST(ErrorMessages, AgreeWithTheFactsForEveryValueAndItsNeighbours) {
 
 TEST(PlatformErrors, AgreeWithTheFactsAndHaveNoOthers) {
   std::map<std::int32_t, std::string> facts;
-  for (const auto& row : readTable("platform_errors.tsv")) facts[std::stoi(row.at(0))] = row.at(1);
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "platform_errors.tsv"))
+    facts[std::stoi(row.at(0))] = row.at(1);
   ASSERT_EQ(facts.size(), 576U);
   for (std::int32_t code = -10; code < 6200; ++code) {
     const char* name = velWinGetErrorAsString(static_cast<std::uint32_t>(code));
