@@ -6,10 +6,14 @@
 #include <string>
 #include <vector>
 
+#include "platform/test/table.h"
+
 namespace {
 
 using vel::messages::expandResourceText;
 using vel::messages::expandTableText;
+using vel::test::readTable;
+using vel::test::unescaped;
 
 constexpr const char* kInserts[10] = {"one", "two", "three", nullptr, "a\nb%1", "six", "", "8", "9", "ten"};
 constexpr const char* kFailed = "<failed>";
@@ -30,41 +34,8 @@ std::string substitute(const std::string& text, std::size_t maxLength = 4096, st
 }
 
 TEST(ResourceText, FollowsTheSystemsFormatter) {
-  struct Row {
-    const char* text;
-    const char* result;
-  };
-  const Row rows[] = {
-      {"", ""},
-      {"plain \xE4  text\t", "plain \xE4  text\t"},
-      {"a\nb", "a\r\nb"},
-      {"a\rb", "a\r\nb"},
-      {"a\r\nb\n", "a\r\nb\r\n"},
-      {"a\n\rb", "a\r\n\r\nb"},
-      {"a\r\r\nb", "a\r\n\r\nb"},
-      {"a%0b", "a"},
-      {"a%01", "a"},
-      {"%na%n", "\r\na\r\n"},
-      {"%ra%tb%bc", "\ra\tb c"},
-      {"%%1% %.%!%x%N", "%1 .!xN"},
-      {"%\n%\r\n", "\n\r\r\n"},
-      {"%1%2-%3", "onetwo-three"},
-      {"%5", "a\nb%1"},  // inserts are not looked into
-      {"[%7]", "[]"},
-      {"%4", "???"},
-      {"%10%1", "tenone"},
-      {"%100", "ten0"},
-      {"%11 %99 %123", "??? ??? ???3"},
-      {"%1!s!%2!hs!", "onetwo"},
-      {"%1 !s!", "one !s!"},
-      {"%1!s!!s!", "one!s!"},
-      {"%1!5s!|%1!-5s!|%1!2s!", "  one|one  |one"},
-      {"%1!.2s!|%3!8.3s!|%3!-8.3s!|%1!.s!", "on|     thr|thr     |"},
-      {"%1!06s!|%1!-06s!|%1!+ #5s!", "000one|one   |  one"},
-      {"%11!5s!%4!-5s!|", "  ??????  |"},
-      {"%1!d!%1!ls!%1!S!%1!*s!%1!!%1!%s!%1!s%s!%1!.-1s!%1!5!", "???????????????????????????"},
-  };
-  for (const Row& row : rows) EXPECT_EQ(expand(row.text), row.result) << row.text;
+  for (const auto& row : readTable(VEL_TEST_DATA "test/resource_texts.tsv"))
+    EXPECT_EQ(expand(unescaped(row[0])), unescaped(row.at(1))) << row[0];
 }
 
 TEST(ResourceText, MalformedTextFailsAsAWhole) {
@@ -92,32 +63,8 @@ TEST(ResourceText, FitsWholeOrNotAtAll) {
 }
 
 TEST(TableText, SubstitutesVariables) {
-  struct Row {
-    const char* text;
-    const char* result;
-  };
-  const Row rows[] = {
-      {"", ""},
-      {"Percent:%% 1:%1 10:%10", "Percent:% 1:one 10:ten"},
-      {"%1%2%%%3", "onetwo%three"},
-      {"%4", "???"},
-      {"%5", "a\nb%1"},
-      {"%x", "???x"},
-      {"% 5", "??? 5"},
-      {"%-1", "??\?-1"},
-      {"%0%00", "??????"},
-      {"%01", "one"},
-      {"%11 %100 %123", "??? ??? ???"},
-      {"%4294967297", "???"},
-      {"%18446744073709551617", "???"},
-      {"end%", "end???"},
-      {"%%%", "%???"},
-      {"%1!s!%n\n", "one!s!???n\n"},
-  };
-  for (const Row& row : rows) EXPECT_EQ(substitute(row.text), row.result) << row.text;
-}
-
-TEST(TableText, VariablesBeyondTheCountAreMissing) {
+  for (const auto& row : readTable(VEL_TEST_DATA "test/table_texts.tsv"))
+    EXPECT_EQ(substitute(unescaped(row[0])), unescaped(row.at(1))) << row[0];
   EXPECT_EQ(substitute("%1 %2", 100, 1), "one ???");
   EXPECT_EQ(substitute("%1", 100, 0), "???");
 }

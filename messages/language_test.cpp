@@ -2,30 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <sstream>
 #include <string>
-#include <vector>
 
+#include "platform/test/table.h"
 #include "vel_include/vel_helpers.h"
 #include "vel_include/vel_messages.h"
 #include "vel_include/vel_process.h"
 
 namespace {
-
-/// Row and column of a table's source, without its headings.
-std::vector<std::vector<std::string>> sourceRows(const char* file) {
-  std::vector<std::vector<std::string>> rows;
-  std::ifstream source(std::string(VEL_LANGUAGE_DATA_DIR "/") + file);
-  std::string line;
-  std::getline(source, line);
-  while (std::getline(source, line)) {
-    std::istringstream fields(line);
-    rows.emplace_back();
-    for (std::string field; std::getline(fields, field, '\t');) rows.back().push_back(field);
-  }
-  return rows;
-}
 
 std::string printed(const VelClLanguage& language) {
   std::ostringstream stream;
@@ -34,7 +19,7 @@ std::string printed(const VelClLanguage& language) {
 }
 
 TEST(Language, FindsEveryLanguage) {
-  const auto rows = sourceRows("languages.tsv");
+  const auto rows = vel::test::readTable(VEL_TEST_DATA "languages.tsv");
   ASSERT_EQ(rows.size(), 143U);
   EXPECT_EQ(VelClLanguage::getNumberOfLanguagesSupported(), 143U);
   for (unsigned int i = 0; i < rows.size(); ++i) {
@@ -49,7 +34,7 @@ TEST(Language, FindsEveryLanguage) {
 }
 
 TEST(Language, FindsEveryTerritory) {
-  const auto rows = sourceRows("territories.tsv");
+  const auto rows = vel::test::readTable(VEL_TEST_DATA "territories.tsv");
   ASSERT_EQ(rows.size(), 242U);
   EXPECT_EQ(VelClLanguage::getNumberOfTerritoriesSupported(), 242U);
   for (unsigned int i = 0; i < rows.size(); ++i) {
@@ -66,57 +51,25 @@ TEST(Language, FindsEveryTerritory) {
 }
 
 TEST(Language, ReadsAndWritesTags) {
-  struct Row {
-    const char* tag;
-    const char* shortCode;
-    const char* longCode;
-    const char* isoShort;
-    const char* isoLong;
-    const char* printed;
-  };
-  const Row rows[] = {
-      {"en-US", "en-us", "en-usa", "en-us", "en-usa", "en-us"},
-      {"EN_us", "en-us", "en-usa", "en-us", "en-usa", "en-us"},
-      {"en", "en-**", "en-***", "en", "en", "en"},
-      {"eng-US", "?\?-us", "?\?-usa", "?\?-us", "?\?-usa", "??"},
-      {"en-USA", "en-??", "en-??", "en", "en", "??"},
-      {"en-", "en-??", "en-??", "en", "en", "??"},
-      {"X-ALL", "**-**", "**-***", "**", "**", "**"},
-      {"x-Unspecified", "**-**", "**-***", "**", "**", "**"},
-      {"x-unspecifie", "?\?-??", "?\?-??", "??", "??", "??"},
-      {"**-de", "**-de", "**-deu", "**-de", "**-deu", "**-de"},
-      // "_" separates only where there is no "-".
-      {"en_US-x", "?\?-??", "?\?-??", "??", "??", "??"},
-      {"en-US_x", "en-??", "en-??", "en", "en", "??"},
-      {"en+US", "?\?-**", "?\?-***", "??", "??", "??"},
-      {"e-US", "?\?-us", "?\?-usa", "?\?-us", "?\?-usa", "??"},
-      {"e", "?\?-**", "?\?-***", "??", "??", "??"},
-      {"-", "?\?-??", "?\?-??", "??", "??", "??"},
-      {"", "?\?-**", "?\?-***", "??", "??", "??"},
-      {nullptr, "?\?-**", "?\?-***", "??", "??", "??"},
-      // Codes that are not as the standard has them.
-      {"en-zm", "en-zm", "en-zwb", "en-zm", "en-zwb", "en-zm"},
-      {"ar-AA", "ar-aa", "ar-ara", "ar-aa", "ar-ara", "ar-aa"},
-  };
-  for (const Row& row : rows) {
-    const VelClLanguage language(row.tag);
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/language_tags.tsv")) {
+    const VelClLanguage language(row[0].c_str());
     char text[9] = "xxxxxxxx";
-    const char* const tag = row.tag == nullptr ? "null" : row.tag;
     language.extractShortCode(text);
-    EXPECT_STREQ(text, row.shortCode) << tag;
+    EXPECT_EQ(text, row.at(1)) << row[0];
     language.extractLongCode(text);
-    EXPECT_STREQ(text, row.longCode) << tag;
+    EXPECT_EQ(text, row.at(2)) << row[0];
     language.extractISOShortCode(text);
-    EXPECT_STREQ(text, row.isoShort) << tag;
+    EXPECT_EQ(text, row.at(3)) << row[0];
     language.extractISOLongCode(text);
-    EXPECT_STREQ(text, row.isoLong) << tag;
-    EXPECT_EQ(printed(language), row.printed) << tag;
+    EXPECT_EQ(text, row.at(4)) << row[0];
+    EXPECT_EQ(printed(language), row.at(5)) << row[0];
     EXPECT_EQ(VelClLanguage(language.asNumber()).asNumber(), language.asNumber());
   }
   std::ostringstream column;
   column.width(6);
   column << VelClLanguage("en-US");
   EXPECT_EQ(column.str(), " en-us");
+  EXPECT_EQ(VelClLanguage(nullptr).asNumber(), VelClLanguage("").asNumber());
   EXPECT_EQ(VelClLanguage(0x12345678U).asNumber(), 0x12345678U);
   EXPECT_EQ(printed(VelClLanguage(0U)), "**");
 }
@@ -130,27 +83,24 @@ TEST(LanguageOfUser, IsThatOfTheSettings) {
 
 TEST(LanguageOfUser, IsReadFromLocaleNames) {
   if (velGetOperatingSystemId() != 0) GTEST_SKIP() << "Windows keeps settings of its own";
-  struct Row {
-    const char* locale;
-    const char* language;
-    unsigned int territory;
-  };
   const unsigned int austria = VelClLanguage("de-at").getTerritory();
-  const Row rows[] = {
-      {"de_AT.UTF-8@euro", "de", austria},
-      {"de_AT@euro", "de", austria},
-      {"de-at", "de", austria},
-      {"de.UTF-8", "de", VelClLanguage::TERRITORY_UNSPECIFIED},
-      {"de_X", "de", VelClLanguage::TERRITORY_UNKNOWN},
-      {"fil_AT", "??", austria},
-      {"C", "en", VelClLanguage("en-us").getTerritory()},
-      {"C.UTF-8", "en", VelClLanguage("en-us").getTerritory()},
-      {"POSIX", "en", VelClLanguage("en-us").getTerritory()},
-      {"de_much_too_long_for_a_tag", "en", VelClLanguage("en-us").getTerritory()},
-  };
+  const unsigned int us = VelClLanguage("en-us").getTerritory();
+  const struct {
+    const char *locale, *language;
+    unsigned int territory;
+  } rows[] = {{"de_AT.UTF-8@euro", "de", austria},
+              {"de_AT@euro", "de", austria},
+              {"de-at", "de", austria},
+              {"de.UTF-8", "de", VelClLanguage::TERRITORY_UNSPECIFIED},
+              {"de_X", "de", VelClLanguage::TERRITORY_UNKNOWN},
+              {"fil_AT", "??", austria},
+              {"C", "en", us},
+              {"C.UTF-8", "en", us},
+              {"POSIX", "en", us},
+              {"de_much_too_long_for_a_tag", "en", us}};
   const VelClEnvironmentVariableQueryOnly user("LC_ALL");
   const std::string before = user.hasValue() ? user.getValue() : "";
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     VelClEnvironmentVariable("LC_ALL", row.locale);
     const VelClLanguage language = VelClLanguage::getUserLanguage();
     EXPECT_STREQ(language.getLanguageCode(), row.language) << row.locale;

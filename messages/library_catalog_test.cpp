@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <iterator>
 #include <regex>
 #include <string>
@@ -11,6 +10,7 @@
 #include "messages/insert_formatter.h"
 #include "messages/message_resource.h"
 #include "messages/portable_executable.h"
+#include "platform/test/scratch_directory.h"
 
 namespace {
 
@@ -30,8 +30,7 @@ constexpr const char* kVariables[10] = {"a", "b", "c", "d", "e", "f", "g", "h", 
 
 /// The low bytes of the texts, which are UTF-16; both languages are within Latin-1.
 std::vector<std::string> catalogTexts(std::uint32_t language) {
-  std::ifstream stream("qammsg50.DLL", std::ios::binary);
-  const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  const std::string bytes = vel::test::readFile("qammsg50.DLL");
   const std::vector<std::uint8_t> file(bytes.begin(), bytes.end());
   std::vector<std::string> texts(1);
   MessageTable table{};

@@ -5,12 +5,9 @@
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
-#include <vector>
 
-#include "platform/test/child_process.h"
 #include "platform/test/scratch_directory.h"
 #include "vel_include/vel_messages.h"
 #include "vel_include/vel_process.h"
@@ -29,27 +26,19 @@ bool userIsGerman() {
   return userLocale().starts_with("de");
 }
 
-std::string processLocale() {
-  const char* name = std::setlocale(LC_ALL, nullptr);
-  return name != nullptr ? name : "";
-}
-
 std::string textOf(const VelClMessageCatalog& catalog, unsigned long id) {
   return VelClMessage(catalog, id, "1").getAsCString();
 }
 
 /// The German catalog under another language's number, below 0x10000. The message compiler makes no catalog
 /// without a language.
-void writeCatalogOf(unsigned int language, const std::string& path) {
-  const auto bin = std::filesystem::path(vel::test::ownProgram()).parent_path();
-  std::string bytes = vel::test::readFile((bin / "german_catalog.DLL").string());
-  const std::string number("\x07\x04\0\0", 4);
-  const std::size_t at = bytes.find(number);
-  ASSERT_NE(at, std::string::npos);
-  ASSERT_EQ(bytes.find(number, at + 1), std::string::npos);
-  bytes[at] = static_cast<char>(language & 0xFF);
-  bytes[at + 1] = static_cast<char>(language >> 8);
-  std::ofstream(path, std::ios::binary) << bytes;
+std::string catalogOf(unsigned int language) {
+  std::string bytes = vel::test::readFile("german_catalog.DLL");
+  const std::size_t at = bytes.find(std::string("\x07\x04\0\0", 4));
+  EXPECT_EQ(bytes.find(std::string("\x07\x04\0\0", 4), at + 1), std::string::npos);
+  bytes.at(at) = static_cast<char>(language & 0xFF);
+  bytes.at(at + 1) = static_cast<char>(language >> 8);
+  return bytes;
 }
 
 TEST(MessageCatalog, ReplacesTheExtension) {
@@ -64,8 +53,7 @@ TEST(MessageCatalog, ReplacesTheExtension) {
 
 TEST(MessageCatalog, LoadsFromADirectory) {
   const vel::test::ScratchDirectory directory;
-  const auto bin = std::filesystem::path(vel::test::ownProgram()).parent_path();
-  std::filesystem::copy_file(bin / "small_catalog.DLL", directory.path("moved.DLL"));
+  directory.write("moved.DLL", vel::test::readFile("small_catalog.DLL"));
   directory.write("garbage.DLL", std::string(1000, 'x'));
   directory.write("empty.DLL", "");
   std::filesystem::create_directory(directory.path("folder.DLL"));
@@ -79,23 +67,18 @@ TEST(MessageCatalog, LoadsFromADirectory) {
 
 TEST(MessageCatalog, ChoosesItsLanguage) {
   const unsigned int user = userIsGerman() ? kGerman : kEnglish;
-  constexpr unsigned int kNeutral = 0;
-  constexpr unsigned int kFrench = 1036;
-  struct Row {
+  constexpr unsigned int kNeutral = 0, kFrench = 1036;
+  const struct {
     unsigned int only;  ///< the catalog's language
     unsigned int chosen;
     bool speaks;
-  };
-  const Row rows[] = {
-      {kGerman, user, userIsGerman()},
-      {kEnglish, kEnglish, true},
-      {kFrench, kEnglish, false},
-      {kNeutral, user, true},
-  };
-  for (const Row& row : rows) {
+  } rows[] = {{kGerman, user, userIsGerman()},
+              {kEnglish, kEnglish, true},
+              {kFrench, kEnglish, false},
+              {kNeutral, user, true}};
+  for (const auto& row : rows) {
     const vel::test::ScratchDirectory directory;
-    const std::string path = directory.path("one.DLL");
-    writeCatalogOf(row.only, path);
+    const std::string path = directory.write("one.DLL", catalogOf(row.only));
     const VelClMessageCatalog catalog(VelClFilename(path.c_str()));
     EXPECT_TRUE(catalog.isValid());
     EXPECT_EQ(catalog.getLanguage(), row.chosen) << row.only;
@@ -110,9 +93,7 @@ TEST(MessageCatalog, ChoosesItsLanguage) {
 
 TEST(MessageCatalog, KnowsTheLibrarysOwn) {
   const VelClMessageCatalog catalog;
-  EXPECT_TRUE(catalog.isValid());
-  EXPECT_TRUE(catalog.hasDefaultVelCatalog());
-  EXPECT_FALSE(catalog.hasValidStringTable());
+  EXPECT_TRUE(catalog.isValid() && catalog.hasDefaultVelCatalog() && !catalog.hasValidStringTable());
   EXPECT_STREQ(catalog.getAsCString(), "qammsg50.DLL");
   EXPECT_EQ(textOf(catalog, 17), userIsGerman() ? "Aufruf" : "Usage");
   EXPECT_EQ(textOf(catalog, 220), "[VEL-LIBRARY]");
@@ -120,27 +101,28 @@ TEST(MessageCatalog, KnowsTheLibrarysOwn) {
 }
 
 TEST(MessageCatalog, AsksItsStringTableWithoutALibrary) {
-  unsigned long size = 0;
-  const char* const* table = velMsgCatGetBuiltInTable(&size);
+  const char* const table[] = {"", "name", "text"};
   VelClMessageCatalog catalog(VelClFilename("absent"));
   EXPECT_FALSE(catalog.hasValidStringTable());
-  catalog.useStringTable(table, size);
-  EXPECT_TRUE(catalog.hasValidStringTable());
-  EXPECT_FALSE(catalog.isValid());
+  catalog.useStringTable(table, 3);
+  EXPECT_TRUE(catalog.hasValidStringTable() && !catalog.isValid());
   EXPECT_EQ(catalog.getLanguage(), 0U);
-  EXPECT_EQ(textOf(catalog, 23), "Unknown command line argument");
-  EXPECT_EQ(textOf(catalog, 220), "[VEL-LIBRARY]");
-  EXPECT_EQ(textOf(catalog, 221), "UNABLE TO LOAD MESSAGE CATALOG: absent.DLL");
-  catalog.useStringTable(table, 23);
-  EXPECT_EQ(textOf(catalog, 22), "Sorry, no additional help available");
-  EXPECT_EQ(textOf(catalog, 23), "UNABLE TO LOAD MESSAGE CATALOG: absent.DLL");
+  EXPECT_EQ(textOf(catalog, 2), "text");
+  catalog.useStringTable(table, 2);
+  EXPECT_EQ(textOf(catalog, 2), "UNABLE TO LOAD MESSAGE CATALOG: absent.DLL");
   // A library wins, also for what only the table has.
   VelClMessageCatalog library(VelClFilename("small_catalog"));
-  library.useStringTable(table, size);
+  const char* const longer[] = {"", "name", "text", "third"};
+  library.useStringTable(longer, 4);
   EXPECT_EQ(textOf(library, 1), "[SMALL]");
-  EXPECT_EQ(textOf(library, 23), "UNABLE TO LOAD MESSAGE #23 FROM CATALOG: small_catalog.DLL");
+  EXPECT_EQ(textOf(library, 3), "UNABLE TO LOAD MESSAGE #3 FROM CATALOG: small_catalog.DLL");
   library.useStringTable(nullptr, 5);
   EXPECT_FALSE(library.hasValidStringTable());
+  unsigned long size = 0;
+  const char* const* builtIn = velMsgCatGetBuiltInTable(&size);
+  EXPECT_EQ(velMsgCatGetBuiltInTable(nullptr), builtIn);
+  EXPECT_EQ(textOf(VelClMessageCatalog(builtIn, size), 220), "[VEL-LIBRARY]");
+  EXPECT_EQ(textOf(VelClMessageCatalog(builtIn, size), 221), "UNABLE TO LOAD MESSAGE CATALOG: ");
 }
 
 TEST(MessageCatalog, BelievesTheSizeAndNotTheSignature) {
@@ -157,69 +139,53 @@ TEST(MessageCatalog, BelievesTheSizeAndNotTheSignature) {
 }
 
 TEST(MessageCatalog, OpeningSetsTheLocale) {
-  const std::string before = processLocale();
-  const std::string variable = userLocale();
+  const std::string before = std::setlocale(LC_ALL, nullptr), variable = userLocale();
   VelClEnvironmentVariable("LC_ALL", "C.UTF-8");
   std::setlocale(LC_ALL, "");
-  const std::string user = processLocale();
+  const std::string user = std::setlocale(LC_ALL, nullptr);
   ASSERT_NE(user, "C");
   std::setlocale(LC_ALL, "C");
   const char* const table[] = {"", "name"};
   const VelClMessageCatalog withoutLibrary(table, 2);
-  EXPECT_EQ(processLocale(), "C");
+  EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
   const VelClMessageCatalog absent(VelClFilename("absent"));
-  EXPECT_EQ(processLocale(), user);
+  EXPECT_EQ(std::setlocale(LC_ALL, nullptr), user);
   VelClEnvironmentVariable("LC_ALL", variable.c_str());
   std::setlocale(LC_ALL, before.c_str());
 }
 
-struct Listed {
-  unsigned long id;
-  unsigned int language;
-  std::string text;
-
-  bool operator==(const Listed&) const = default;
-};
-
-std::ostream& operator<<(std::ostream& stream, const Listed& listed) {
-  return stream << listed.id << '/' << listed.language << '/' << listed.text;
-}
-
-std::vector<Listed> listOf(const VelClMessageCatalog& catalog) {
+/// All texts as "id/language:text|", walked twice: the second time from the first message again.
+std::string listOf(const VelClMessageCatalog& catalog) {
   VelClMessageCatalogCursor cursor(catalog);
   EXPECT_FALSE(cursor.isValid());
-  std::vector<Listed> list;
-  for (int walk = 0; walk < 2; ++walk) {  // the second one from the first message again
-    list.clear();
+  std::string lists[2];
+  for (std::string& list : lists) {
     for (bool more = cursor.setToFirst(); more; more = cursor.setToNext())
-      list.push_back({cursor.getId(), cursor.getLanguage(), cursor.getAsCString()});
+      list += std::to_string(cursor.getId()) + '/' + std::to_string(cursor.getLanguage()) + ':' +
+              cursor.getAsCString() + '|';
     EXPECT_FALSE(cursor.isValid() || cursor.setToNext());
-    EXPECT_EQ(cursor.getId(), 0U);
-    EXPECT_EQ(cursor.getLanguage(), 0U);
+    EXPECT_EQ(cursor.getId() + cursor.getLanguage(), 0U);
     EXPECT_STREQ(cursor.getAsCString(), "");
   }
-  return list;
+  EXPECT_EQ(lists[0], lists[1]);
+  return lists[0];
 }
 
 TEST(MessageCatalogCursor, ListsLibrariesAndTables) {
-  const auto small = [](const char* greeting) {
-    return std::vector<Listed>{
-        {1, kGerman, "[SMALL]%0"},    {1, kEnglish, "[SMALL]%0"},   {2, kGerman, greeting},
-        {2, kEnglish, "Hello, %1%0"}, {5, kGerman, "zwei\nZeilen"}, {5, kEnglish, "two\nlines"},
-    };
+  const auto small = [](const std::string& greeting) {
+    return "1/1031:[SMALL]%0|1/1033:[SMALL]%0|2/1031:" + greeting +
+           ", %1%0|2/1033:Hello, %1%0|5/1031:zwei\nZeilen|5/1033:two\nlines|";
   };
   VelClMessageCatalog library(VelClFilename("small_catalog"));
-  EXPECT_EQ(listOf(library), small("Gr\xC3\xBC\xC3\x9F"
-                                   "e, %1%0"));
+  EXPECT_EQ(listOf(library), small("Gr\u00FC\u00DFe"));
   EXPECT_EQ(listOf(VelClMessageCatalog(VelClFilename("small_ansi_catalog"))), small("Gr\xFC\xDF"
-                                                                                    "e, %1%0"));
+                                                                                    "e"));
   const char* const table[] = {"signature", "name", "%1", nullptr, "last"};
-  const std::vector<Listed> listed = {{1, 0, "name"}, {2, 0, "%1"}, {3, 0, ""}, {4, 0, "last"}};
-  EXPECT_EQ(listOf(VelClMessageCatalog(table, 5)), listed);
+  EXPECT_EQ(listOf(VelClMessageCatalog(table, 5)), "1/0:name|2/0:%1|3/0:|4/0:last|");
   library.useStringTable(table, 5);
-  EXPECT_EQ(listOf(library).size(), 6U);
-  EXPECT_TRUE(listOf(VelClMessageCatalog(table, 1)).empty());
-  EXPECT_TRUE(listOf(VelClMessageCatalog(VelClFilename("absent"))).empty());
+  EXPECT_EQ(listOf(library), small("Gr\u00FC\u00DFe"));
+  EXPECT_EQ(listOf(VelClMessageCatalog(table, 1)), "");
+  EXPECT_EQ(listOf(VelClMessageCatalog(VelClFilename("absent"))), "");
 }
 
 }  // namespace

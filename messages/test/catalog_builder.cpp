@@ -6,22 +6,6 @@ namespace vel::test {
 namespace {
 
 constexpr std::uint32_t kSectionAddress = 0x1000;
-constexpr std::uint32_t kDirectory = 0x80000000;
-
-void append(ByteVector& bytes, const ByteVector& more) {
-  bytes.insert(bytes.end(), more.begin(), more.end());
-}
-
-void appendDirectory(ByteVector& bytes, std::size_t entryCount) {
-  bytes.resize(bytes.size() + 12);
-  append16(bytes, 0);
-  append16(bytes, static_cast<std::uint32_t>(entryCount));
-}
-
-void appendEntry(ByteVector& bytes, std::uint32_t name, std::size_t offset) {
-  append32(bytes, name);
-  append32(bytes, static_cast<std::uint32_t>(offset));
-}
 
 std::vector<std::vector<TestTable>> groupedByName(const std::vector<TestTable>& tables) {
   std::vector<std::vector<TestTable>> groups;
@@ -33,123 +17,83 @@ std::vector<std::vector<TestTable>> groupedByName(const std::vector<TestTable>& 
 }
 
 /// Directories of type, names and languages, then the tables' addresses and bytes.
-ByteVector resourceTree(const std::vector<TestTable>& tables) {
+Bytes resourceTree(const std::vector<TestTable>& tables) {
   const auto groups = groupedByName(tables);
-  const std::size_t languageDirectories = 24 + 16 + 8 * groups.size();
-  const std::size_t dataEntries = languageDirectories + 16 * groups.size() + 8 * tables.size();
-  ByteVector tree;
-  appendDirectory(tree, 1);
-  appendEntry(tree, 11, kDirectory + 24);
-  appendDirectory(tree, groups.size());
-  std::size_t directory = languageDirectories;
+  std::size_t directory = 24 + 16 + 8 * groups.size();
+  std::size_t entry = directory + 16 * groups.size() + 8 * tables.size();
+  std::size_t data = entry + 16 * tables.size();
+  Bytes names, languages, entries;
   for (const auto& group : groups) {
-    appendEntry(tree, group.front().nameId, kDirectory + directory);
+    names.add32(group.front().nameId).add32(kDirectory + directory);
+    languages.addZeros(14).add16(group.size());
     directory += 16 + 8 * group.size();
-  }
-  std::size_t entry = dataEntries;
-  for (const auto& group : groups) {
-    appendDirectory(tree, group.size());
     for (const TestTable& table : group) {
-      appendEntry(tree, table.language, entry);
+      languages.add32(table.language).add32(entry);
+      entries.add32(kSectionAddress + data).add32(table.data.size()).addZeros(8);
       entry += 16;
+      data += table.data.size();
     }
   }
-  for (const TestTable& table : tables) {
-    appendEntry(tree, static_cast<std::uint32_t>(kSectionAddress + entry), table.data.size());
-    tree.resize(tree.size() + 8);
-    entry += table.data.size();
-  }
-  for (const TestTable& table : tables) append(tree, table.data);
+  Bytes tree;
+  tree.addZeros(14).add16(1).add32(11).add32(kDirectory + 24).addZeros(14).add16(groups.size());
+  tree.add(names).add(languages).add(entries);
+  for (const TestTable& table : tables) tree.add(table.data);
   return tree;
-}
-
-ByteVector headers(std::size_t treeSize, bool wide) {
-  ByteVector file = {'M', 'Z'};
-  file.resize(0x3C);
-  append32(file, 0x40);
-  append32(file, 0x4550);
-  append16(file, wide ? 0x8664 : 0x14C);
-  append16(file, 1);  // sections
-  file.resize(file.size() + 12);
-  append16(file, wide ? 240 : 224);
-  append16(file, 0x2000);
-  append16(file, wide ? 0x20B : 0x10B);
-  file.resize(file.size() + (wide ? 106 : 90));
-  append32(file, 16);  // data directories
-  file.resize(file.size() + 16);
-  append32(file, kSectionAddress);
-  append32(file, static_cast<std::uint32_t>(treeSize));
-  file.resize(file.size() + std::size_t{13} * 8);
-  append(file, {'.', 'r', 's', 'r', 'c', 0, 0, 0});
-  append32(file, static_cast<std::uint32_t>(treeSize));
-  append32(file, kSectionAddress);
-  append32(file, static_cast<std::uint32_t>(treeSize));
-  append32(file, kTreeOffset);
-  file.resize(kTreeOffset);
-  return file;
 }
 
 }  // namespace
 
-void append16(ByteVector& bytes, std::uint32_t value) {
-  bytes.push_back(static_cast<std::uint8_t>(value));
-  bytes.push_back(static_cast<std::uint8_t>(value >> 8));
+Bytes& Bytes::add16(std::size_t value) {
+  push_back(static_cast<std::uint8_t>(value));
+  push_back(static_cast<std::uint8_t>(value >> 8));
+  return *this;
 }
 
-void append32(ByteVector& bytes, std::uint32_t value) {
-  append16(bytes, value);
-  append16(bytes, value >> 16);
+Bytes& Bytes::add(const std::vector<std::uint8_t>& more) {
+  insert(end(), more.begin(), more.end());
+  return *this;
 }
 
-void put32(ByteVector& bytes, std::size_t offset, std::uint32_t value) {
-  for (std::size_t i = 0; i < 4; ++i) bytes.at(offset + i) = static_cast<std::uint8_t>(value >> (8 * i));
+void Bytes::put32(std::size_t offset, std::uint32_t value) {
+  for (std::size_t i = 0; i < 4; ++i) at(offset + i) = static_cast<std::uint8_t>(value >> (8 * i));
 }
 
-ByteVector tableEntry(const TestMessage& message) {
-  ByteVector text;
-  for (const char c : message.text + '\0') {
-    text.push_back(static_cast<std::uint8_t>(c));
-    if (message.unicode) text.push_back(0);
-  }
-  while (text.size() % 4 != 0) text.push_back(0);
-  ByteVector entry;
-  append16(entry, static_cast<std::uint32_t>(text.size() + 4));
-  append16(entry, message.unicode ? 1 : 0);
-  append(entry, text);
-  return entry;
+Bytes tableEntry(const std::string& text, bool unicode) {
+  Bytes bytes;
+  for (const char c : text + '\0') bytes.add({static_cast<std::uint8_t>(c)}).addZeros(unicode ? 1 : 0);
+  bytes.addZeros((4 - bytes.size() % 4) % 4);
+  return Bytes().add16(bytes.size() + 4).add16(unicode ? 1 : 0).add(bytes);
 }
 
-ByteVector blockHeader(const std::vector<TestBlock>& blocks) {
-  ByteVector bytes;
-  append32(bytes, static_cast<std::uint32_t>(blocks.size()));
-  for (const TestBlock& block : blocks) {
-    append32(bytes, block.lowId);
-    append32(bytes, block.highId);
-    append32(bytes, block.offset);
-  }
-  return bytes;
-}
-
-ByteVector messageTable(const std::vector<TestMessage>& messages) {
-  std::vector<TestBlock> blocks;
-  ByteVector entries;
+Bytes messageTable(const std::vector<TestMessage>& messages) {
+  struct Block {
+    std::uint32_t low, high;
+    std::size_t offset;
+  };
+  std::vector<Block> blocks;
+  Bytes entries;
   for (const TestMessage& message : messages) {
-    if (blocks.empty() || blocks.back().highId + 1 != message.id)
-      blocks.push_back({message.id, message.id, static_cast<std::uint32_t>(entries.size())});
-    blocks.back().highId = message.id;
-    append(entries, tableEntry(message));
+    if (blocks.empty() || blocks.back().high + 1 != message.id)
+      blocks.push_back({message.id, message.id, entries.size()});
+    blocks.back().high = message.id;
+    entries.add(tableEntry(message.text, message.unicode));
   }
-  for (TestBlock& block : blocks) block.offset += static_cast<std::uint32_t>(4 + 12 * blocks.size());
-  ByteVector bytes = blockHeader(blocks);
-  append(bytes, entries);
-  return bytes;
+  Bytes bytes;
+  bytes.add32(blocks.size());
+  for (const Block& block : blocks)
+    bytes.add32(block.low).add32(block.high).add32(4 + 12 * blocks.size() + block.offset);
+  return bytes.add(entries);
 }
 
-ByteVector libraryFile(const std::vector<TestTable>& tables, bool wide) {
-  const ByteVector tree = resourceTree(tables);
-  ByteVector file = headers(tree.size(), wide);
-  append(file, tree);
-  return file;
+Bytes libraryFile(const std::vector<TestTable>& tables, bool wide) {
+  const Bytes tree = resourceTree(tables);
+  Bytes file = {'M', 'Z'};
+  file.addZeros(0x3A).add32(0x40).add32(0x4550).add16(wide ? 0x8664 : 0x14C).add16(1);
+  file.addZeros(12).add16(wide ? 240 : 224).add16(0x2000).add16(wide ? 0x20B : 0x10B);
+  file.addZeros(wide ? 106 : 90).add32(16).addZeros(16).add32(kSectionAddress).add32(tree.size());
+  file.addZeros(std::size_t{13} * 8).add({'.', 'r', 's', 'r', 'c', 0, 0, 0});
+  file.add32(tree.size()).add32(kSectionAddress).add32(tree.size()).add32(kTreeOffset);
+  return file.addZeros(kTreeOffset - file.size()).add(tree);
 }
 
 }  // namespace vel::test

@@ -8,7 +8,16 @@
 
 namespace vel::test {
 
-using ByteVector = std::vector<std::uint8_t>;
+/// Bytes that grow at their end; numbers are little-endian.
+class Bytes : public std::vector<std::uint8_t> {
+ public:
+  using vector::vector;
+  Bytes& add16(std::size_t value);
+  Bytes& add32(std::size_t value) { return add16(value).add16(value >> 16); }
+  Bytes& add(const std::vector<std::uint8_t>& more);
+  Bytes& addZeros(std::size_t count) { return add(Bytes(count)); }
+  void put32(std::size_t offset, std::uint32_t value);
+};
 
 struct TestMessage {
   std::uint32_t id;
@@ -16,37 +25,24 @@ struct TestMessage {
   bool unicode = false;
 };
 
-struct TestBlock {
-  std::uint32_t lowId;
-  std::uint32_t highId;
-  std::uint32_t offset;
-};
-
 struct TestTable {
-  std::uint32_t nameId;
-  std::uint32_t language;
-  ByteVector data;
+  std::uint32_t nameId, language;
+  Bytes data;
 };
-
-void append16(ByteVector& bytes, std::uint32_t value);
-void append32(ByteVector& bytes, std::uint32_t value);
-/// Overwrites four bytes.
-void put32(ByteVector& bytes, std::size_t offset, std::uint32_t value);
 
 /// A table entry as the message compiler writes it: terminated and filled up to four bytes.
-ByteVector tableEntry(const TestMessage& message);
-
-/// Count and blocks only, taken as given.
-ByteVector blockHeader(const std::vector<TestBlock>& blocks);
+Bytes tableEntry(const std::string& text, bool unicode = false);
 
 /// A sound table; messages in id order, neighbours share a block.
-ByteVector messageTable(const std::vector<TestMessage>& messages);
+Bytes messageTable(const std::vector<TestMessage>& messages);
 
 /// A library file whose only section holds these tables, in their order; tables of the same
 /// nameId stand next to each other.
-ByteVector libraryFile(const std::vector<TestTable>& tables, bool wide = true);
+Bytes libraryFile(const std::vector<TestTable>& tables, bool wide = true);
 
 /// Where libraryFile() puts the resource tree.
 constexpr std::uint32_t kTreeOffset = 0x200;
+
+constexpr std::uint32_t kDirectory = 0x80000000;
 
 }  // namespace vel::test
