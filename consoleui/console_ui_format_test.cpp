@@ -2,61 +2,45 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstring>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "vel_include/vel_consoleui.h"
 #include "vel_include/vel_process.h"
 
 namespace {
 
-constexpr const char* kQuoteStrings = "VEL_CONSOLEUI_QUOTE_STRINGS";
-
 /// A user interface whose output is kept.
 class Tool {
  public:
-  Tool() : ui_(3, kArguments) {
+  explicit Tool(const char* mustQuote = nullptr) : mustQuote_("VEL_CONSOLEUI_QUOTE_STRINGS", mustQuote) {
     ui_.init(nullptr, nullptr, nullptr, nullptr);
     ui_.setOutputStream(stream_);
   }
 
   VelClConsoleUI* operator->() { return &ui_; }
   /// What was written since the last call.
-  std::string take() {
-    std::string text = stream_.str();
-    stream_.str("");
-    return text;
-  }
+  std::string take() { return std::exchange(stream_, std::ostringstream()).str(); }
 
  private:
   static constexpr const char* kArguments[] = {"D:\\TOOLS\\trcctl.exe", "-a", "b", nullptr};
+  VelClEnvironmentVariable mustQuote_;
   std::ostringstream stream_;
-  VelClConsoleUI ui_;
+  VelClConsoleUI ui_{3, kArguments};
 };
 
-std::string blanks(std::size_t count) {
-  return std::string(count, ' ');
-}
-
-class Format : public testing::Test {
- protected:
-  void SetUp() override { VelClEnvironmentVariable(kQuoteStrings, nullptr).resetValue(); }
-  void TearDown() override { SetUp(); }
-};
-
-TEST_F(Format, PlacesTheLabelInItsColumn) {
-  constexpr auto kLeft = VelEnFormatStyle::LEFT;
-  constexpr auto kRight = VelEnFormatStyle::RIGHT;
-  constexpr auto kCentred = VelEnFormatStyle::CENTRED;
-  struct Row {
+TEST(Format, PlacesTheLabelInItsColumn) {
+  constexpr auto kLeft = VelEnFormatStyle::LEFT, kRight = VelEnFormatStyle::RIGHT,
+                 kCentred = VelEnFormatStyle::CENTRED;
+  const struct {
     VelEnFormatStyle style;
     unsigned int width;
     char fill;
-    const char* label;
-    std::string column;
-  };
-  const Row rows[] = {
-      {kLeft, 36, '.', "Trace file", "Trace file" + std::string(26, '.')},
+    std::string label, column;
+  } rows[] = {
+      {kLeft, 36, '.', "Trace file", "Trace file.........................."},
       {kLeft, 12, '_', "Trace file", "Trace file__"},
       {kLeft, 10, '.', "Trace file", "Trace file"},
       {kLeft, 9, '.', "Trace file", "Trace file"},
@@ -64,11 +48,11 @@ TEST_F(Format, PlacesTheLabelInItsColumn) {
       {kLeft, 3, '.', "", "..."},
       {kRight, 12, '_', "Trace file", "  Trace file"},
       {kRight, 5, '_', "Trace file", "Trace file"},
-      {kCentred, 36, '_', "Trace file", blanks(13) + "Trace file" + blanks(13)},
-      {kCentred, 36, '_', "Trace files", blanks(13) + "Trace files" + blanks(12)},
+      {kCentred, 36, '_', "Trace file", "             Trace file             "},
+      {kCentred, 36, '_', "Trace files", "             Trace files            "},
       // The right margin is short by the odd remainders of both.
-      {kCentred, 35, '_', "Trace file", blanks(12) + "Trace file" + blanks(11)},
-      {kCentred, 35, '_', "Trace files", blanks(12) + "Trace files" + blanks(10)},
+      {kCentred, 35, '_', "Trace file", "            Trace file           "},
+      {kCentred, 35, '_', "Trace files", "            Trace files          "},
       {kCentred, 5, '_', "abc", " abc"},
       {kCentred, 5, '_', "abcd", "abcd"},
       {kCentred, 5, '_', "abcde", "abcde"},
@@ -76,16 +60,16 @@ TEST_F(Format, PlacesTheLabelInItsColumn) {
       {kCentred, 0, '_', "a", "a"},
   };
   Tool tool;
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     tool->setFormatStyle(row.style);
     tool->setFormatWidth(row.width);
     tool->setFormatFillChar(row.fill);
-    tool->format(row.label);
+    tool->format(row.label.c_str());
     EXPECT_EQ(tool.take(), "  " + row.column + ": ") << row.label << " in " << row.width;
   }
 }
 
-TEST_F(Format, WritesValuesOfEveryKind) {
+TEST(Format, WritesValuesOfEveryKind) {
   Tool tool;
   tool->format(180UL, "x");
   EXPECT_EQ(tool.take(), "  Trace file..........................: x\n");
@@ -107,24 +91,17 @@ TEST_F(Format, WritesValuesOfEveryKind) {
   EXPECT_EQ(tool.take(), "  n: YES\n  Trace file: NO\n");
 }
 
-TEST_F(Format, QuotesTextsOnRequest) {
-  struct Row {
-    const char* value;
-    const char* line;
-  };
-  for (const Row& row :
-       {Row{"on", "  n: \"a b\"\n"}, Row{"1", "  n: \"a b\"\n"}, Row{"maybe", "  n: a b\n"}}) {
-    VelClEnvironmentVariable(kQuoteStrings, row.value);
-    Tool tool;
+TEST(Format, QuotesTextsOnRequest) {
+  for (const std::string request : {"on", "1", "maybe"}) {
+    Tool tool(request.c_str());
     tool->setFormatWidth(1);
     tool->format("n", "a b");
-    EXPECT_EQ(tool.take(), row.line) << row.value;
     tool->format("n", 5);
-    EXPECT_EQ(tool.take(), "  n: 5\n");
+    EXPECT_EQ(tool.take(), request == "maybe" ? "  n: a b\n  n: 5\n" : "  n: \"a b\"\n  n: 5\n") << request;
   }
 }
 
-TEST_F(Format, DumpsSixteenBytesALine) {
+TEST(Format, DumpsSixteenBytesALine) {
   unsigned char bytes[33];
   for (unsigned int i = 0; i < sizeof bytes; ++i) bytes[i] = static_cast<unsigned char>(0xF0 + i);
   const std::string first = "F0 F1 F2 F3 F4 F5 F6 F7 F8 F9 FA FB FC FD FE FF\n";
@@ -139,11 +116,11 @@ TEST_F(Format, DumpsSixteenBytesALine) {
   EXPECT_EQ(dumped("Bytes", nullptr, 5), "  Bytes.: \n");
   EXPECT_EQ(dumped("Bytes", bytes, 1), "  Bytes.: F0\n");
   EXPECT_EQ(dumped("Bytes", bytes, 16), "  Bytes.: " + first);
-  EXPECT_EQ(dumped("Bytes", bytes, 33), "  Bytes.: " + first + blanks(10) + second + blanks(10) + "10\n");
-  EXPECT_EQ(dumped("All bytes", bytes, 17), "  All bytes: " + first + blanks(13) + "00\n");
+  EXPECT_EQ(dumped("Bytes", bytes, 33), "  Bytes.: " + first + "          " + second + "          10\n");
+  EXPECT_EQ(dumped("All bytes", bytes, 17), "  All bytes: " + first + "             00\n");
 }
 
-TEST_F(Format, NamesErrorsAndTellsExceptions) {
+TEST(Format, NamesErrorsAndTellsExceptions) {
   Tool tool;
   tool->setFormatWidth(0);
   tool->formatErrId(0);
@@ -159,36 +136,37 @@ TEST_F(Format, NamesErrorsAndTellsExceptions) {
   const VelClException plain(_VelStUserError(), nullptr);
   const VelClException unknown(5, static_cast<VelEnErrorClass>(555), static_cast<VelEnErrorSeverity>(3),
                                static_cast<VelEnErrorAction>(-9), "");
-  struct Row {
+  const std::string head =
+      "  Error ID: INIFILE_INVAL_OPTION (1000002)\n  Error Class: USER_ERROR\n"
+      "  Error Severity: PANIC\n  Recommended Action: USER\n";
+  const struct {
     const VelClException& exception;
     bool verbose;
-    const char* lines;
-  };
-  const Row rows[] = {
-      {full, false,
-       "  Error ID: INIFILE_INVAL_OPTION (1000002)\n  Error Class: USER_ERROR\n"
-       "  Error Severity: PANIC\n  Recommended Action: USER\n"},
+    std::string lines;
+  } rows[] = {
+      {full, false, head},
       {full, true,
-       "  Error ID: INIFILE_INVAL_OPTION (1000002)\n  Error Class: USER_ERROR\n"
-       "  Error Severity: PANIC\n  Recommended Action: USER\n  Cause for exception: cause\n"
-       "  Exception occured in function: here\n  Exception occured in line: 4294967295\n"},
+       head + "  Cause for exception: cause\n  Exception occured in function: here\n"
+              "  Exception occured in line: 4294967295\n"},
       {plain, false, "  Error ID: NO_ERROR (0)\n"},
       {plain, true,
        "  Error ID: NO_ERROR (0)\n  Error Class: UNKNOWN\n  Error Severity: NONE\n"
        "  Recommended Action: IGNORE\n"},
       {unknown, false, "  Error ID: 5\n  Error Class: 555\n  Error Severity: 3\n  Recommended Action: -9\n"},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     tool->format(row.exception, row.verbose);
     EXPECT_EQ(tool.take(), row.lines);
   }
 }
 
-TEST_F(Format, KeepsItsStreamInQuietMode) {
+TEST(Format, KeepsItsStreamInQuietMode) {
   Tool tool;
   std::ostringstream other;
   tool->getParams().setQuietMode(true);
   tool->setOutputStream(other);
+  tool->warning("one", nullptr, "three");
+  EXPECT_NE(tool.take().find("  one: three\n"), std::string::npos);
   tool->info("unheard");
   tool->displayTitle("Tool", nullptr);
   EXPECT_EQ(tool.take(), "\nTRCCTL - Tool\n");
@@ -198,25 +176,19 @@ TEST_F(Format, KeepsItsStreamInQuietMode) {
 }
 
 TEST(ConsoleUIParams, NamesTheProcess) {
-  struct Row {
-    const char* argv0;
-    const char* name;
-  };
-  const Row rows[] = {
-      {"D:\\TOOLS\\trcctl.exe", "TRCCTL"},
-      {"a.b\\tool.exe", "TOOL"},
-      {"./tool", "TOOL"},
-      {"/usr/bin/my-tool_2.5.tar", "MY-TOOL_2"},
-      {"abcdefghijklmnopqrstuvwxyz.exe", "ABCDEFGHIJKLMNOPQRSTUVWXY"},
-      {".hidden", ""},
-      {"dir\\", ""},
-      {"", ""},
-      {nullptr, ""},
-  };
-  for (const Row& row : rows) {
-    const VelClConsoleUIParams params(row.argv0);
-    EXPECT_STREQ(params.getProcessName(), row.name);
-    EXPECT_EQ(params.getIndentation(), std::string(row.name).size());
+  const char* const rows[][2] = {{"abcdefghijklmnopqrstuvwxyz.exe", "ABCDEFGHIJKLMNOPQRSTUVWXY"},
+                                 {"./tool", "TOOL"},
+                                 {"D:\\TOOLS\\trcctl.exe", "TRCCTL"},
+                                 {"a.b\\tool.exe", "TOOL"},
+                                 {"/usr/bin/my-tool_2.5.tar", "MY-TOOL_2"},
+                                 {".hidden", ""},
+                                 {"dir\\", ""},
+                                 {"", ""},
+                                 {nullptr, ""}};
+  for (const auto& [argv0, name] : rows) {
+    const VelClConsoleUIParams params(argv0);
+    EXPECT_STREQ(params.getProcessName(), name);
+    EXPECT_EQ(params.getIndentation(), std::strlen(name));
   }
 }
 
@@ -233,12 +205,6 @@ TEST(ConsoleUIParams, CopiesItsTexts) {
   EXPECT_STREQ(params.getHelp(), "usage");
   params.setUsage(nullptr);
   EXPECT_STREQ(params.getUsage(), "");
-}
-
-TEST(ConsoleUI, LeavesOutMissingTexts) {
-  Tool tool;
-  tool->info("one", nullptr, "three");
-  EXPECT_NE(tool.take().find("  one: three\n"), std::string::npos);
 }
 
 TEST(ConsoleUI, FallsBackToATableOfTheTools) {

@@ -95,7 +95,7 @@ TEST(ConsoleUI, SpeaksFromTheBuiltInTableWithoutTheLibrarysCatalog) {
   vel::test::Variables variables = {{"UI_DIRECTORY", directory.path()},
                                     {"LD_LIBRARY_PATH", directory.path()}};
   variables.emplace_back("UI_ACTION", "source");
-  EXPECT_EQ(vel::test::runChild(program, {}, {.environment = variables}).output, "absent library\n");
+  EXPECT_EQ(vel::test::runChild(program, {}, {.environment = variables}).output, "table\n");
   variables.back() = {"UI_USAGE", "<a>"};
   const auto refused = vel::test::runChild(program, {"-x"}, {.environment = variables});
   EXPECT_EQ(refused.exitCode, 201);

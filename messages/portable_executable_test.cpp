@@ -133,6 +133,7 @@ TEST(PortableExecutable, DamagedTreesAreLeftOut) {
       {"table outside of the sections", kDataEntry, 0xFFFFFFFF, "1/1034:24 "},
       {"table before its section", kDataEntry, 0xFFF, "1/1034:24 "},
       {"table too big", kDataEntry + 4, 0x1000, "1/1034:24 "},
+      {"table one byte too long for its section", kDataEntry + 16 + 4, 25, "1/1033:24 "},
       {"table of the largest size", kDataEntry + 4, 0xFFFFFFFF, "1/1034:24 "},
   };
   for (const auto& row : rows) {

@@ -6,71 +6,15 @@
 //   catch              from here on interruptions are only counted
 //   caught             tells how many there were
 //   ignore             from here on interruptions are ignored
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
-#include <string>
 
 #include "vel_include/vel_consoleui.h"
 
 namespace {
-
-class Script {
- public:
-  explicit Script(char** arguments) : next_(arguments) {}
-  bool atEnd() const { return *next_ == nullptr; }
-  const char* text() {
-    if (atEnd()) std::exit(1);
-    return *next_++;
-  }
-  const char* optional() {
-    const char* word = text();
-    return std::strcmp(word, "-") != 0 ? word : nullptr;
-  }
-  int32_t number() { return static_cast<int32_t>(std::strtol(text(), nullptr, 10)); }
-  VelClUIText question() {
-    const char* word = text();
-    if (*word == '#') return std::strtoul(word + 1, nullptr, 10);
-    return word;
-  }
-
- private:
-  char** next_;
-};
-
-void show(const char* answer) {
-  std::cout << '[' << answer << "]\n";
-}
-
-void askText(VelClConsoleUI& ui, Script& script) {
-  const char* question = script.text();
-  const char* hint = script.optional();
-  ui.prompt(question, hint, script.optional());
-  show(ui.getParams().getInput());
-}
-
-void askString(VelClConsoleUI& ui, Script& script) {
-  const VelClUIText question = script.question();
-  show(ui.promptString(question, script.optional()));
-}
-
-void askAgain(VelClConsoleUI& ui, Script&) {
-  const char* last = ui.getParams().getInput();
-  show(ui.promptString(last, last));
-}
-
-void askNumber(VelClConsoleUI& ui, Script& script) {
-  const VelClUIText question = script.question();
-  const int32_t minimum = script.number();
-  const int32_t maximum = script.number();
-  show(std::to_string(ui.promptNumval(question, minimum, maximum, script.number())).c_str());
-}
-
-void askYesNo(VelClConsoleUI& ui, Script& script) {
-  const VelClUIText question = script.question();
-  show(ui.promptYesNo(question, *script.text() == 'y') ? "true" : "false");
-}
 
 volatile std::sig_atomic_t interruptions = 0;
 
@@ -78,37 +22,69 @@ extern "C" void countInterruption(int) {
   interruptions = interruptions + 1;
 }
 
+const char* optional(const char* word) {
+  return std::strcmp(word, "-") != 0 ? word : nullptr;
+}
+
+VelClUIText question(const char* word) {
+  if (*word == '#') return std::strtoul(word + 1, nullptr, 10);
+  return word;
+}
+
+int32_t number(const char* word) {
+  return static_cast<int32_t>(std::strtol(word, nullptr, 10));
+}
+
+template <typename Answer>
+void show(const Answer& answer) {
+  std::cout << std::boolalpha << '[' << answer << "]\n";
+}
+
 struct Prompt {
   const char* kind;
-  void (*run)(VelClConsoleUI& ui, Script& script);
+  int wordCount;
+  void (*run)(VelClConsoleUI& ui, char** words);
 };
 
 constexpr Prompt kPrompts[] = {
-    {"prompt", askText},
-    {"string", askString},
-    {"again", askAgain},
-    {"number", askNumber},
-    {"yesNo", askYesNo},
-    {"key", [](VelClConsoleUI& ui, Script&) { ui.promptForKey(); }},
-    {"enter", [](VelClConsoleUI& ui, Script&) { ui.promptForEnter(); }},
-    {"catch", [](VelClConsoleUI&, Script&) { std::signal(SIGINT, countInterruption); }},
-    {"caught", [](VelClConsoleUI&, Script&) { show(std::to_string(interruptions).c_str()); }},
-    {"ignore", [](VelClConsoleUI&, Script&) { std::signal(SIGINT, SIG_IGN); }},
+    {"prompt", 3,
+     [](VelClConsoleUI& ui, char** words) {
+       ui.prompt(words[0], optional(words[1]), optional(words[2]));
+       show(ui.getParams().getInput());
+     }},
+    {"string", 2,
+     [](VelClConsoleUI& ui, char** words) { show(ui.promptString(question(words[0]), optional(words[1]))); }},
+    {"again", 0,
+     [](VelClConsoleUI& ui, char**) {
+       const char* last = ui.getParams().getInput();
+       show(ui.promptString(last, last));
+     }},
+    {"number", 4,
+     [](VelClConsoleUI& ui, char** words) {
+       show(ui.promptNumval(question(words[0]), number(words[1]), number(words[2]), number(words[3])));
+     }},
+    {"yesNo", 2,
+     [](VelClConsoleUI& ui, char** words) { show(ui.promptYesNo(question(words[0]), *words[1] == 'y')); }},
+    {"key", 0, [](VelClConsoleUI& ui, char**) { ui.promptForKey(); }},
+    {"enter", 0, [](VelClConsoleUI& ui, char**) { ui.promptForEnter(); }},
+    {"catch", 0, [](VelClConsoleUI&, char**) { std::signal(SIGINT, countInterruption); }},
+    {"caught", 0, [](VelClConsoleUI&, char**) { show(interruptions); }},
+    {"ignore", 0, [](VelClConsoleUI&, char**) { std::signal(SIGINT, SIG_IGN); }},
 };
-
-void run(VelClConsoleUI& ui, Script& script) {
-  const char* kind = script.text();
-  for (const Prompt& prompt : kPrompts)
-    if (std::strcmp(prompt.kind, kind) == 0) return prompt.run(ui, script);
-  std::exit(1);
-}
 
 }  // namespace
 
-int main(int, char** argv) {
+int main(int argc, char** argv) {
   VelClConsoleUI ui(1, argv);
   ui.init(nullptr, nullptr, nullptr, nullptr);
-  for (Script script(argv + 1); !script.atEnd();) run(ui, script);
+  for (int at = 1; at < argc;) {
+    const char* kind = argv[at++];
+    const auto* const prompt = std::ranges::find_if(
+        kPrompts, [kind](const Prompt& row) { return std::strcmp(row.kind, kind) == 0; });
+    if (prompt == std::end(kPrompts) || at + prompt->wordCount > argc) return 1;
+    prompt->run(ui, argv + at);
+    at += prompt->wordCount;
+  }
   std::cout << "end\n";
   return 0;
 }

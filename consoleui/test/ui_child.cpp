@@ -12,7 +12,6 @@
 #include <cstring>
 #include <filesystem>
 #include <iostream>
-#include <memory>
 #include <sstream>
 #include <thread>
 
@@ -24,39 +23,21 @@ const char* variable(const char* name) {
   return std::getenv(name);
 }
 
-unsigned long number(const char* text) {
-  return text != nullptr ? std::strtoul(text, nullptr, 10) : 0;
+unsigned long number(const char* name) {
+  return std::strtoul(variable(name) != nullptr ? variable(name) : "", nullptr, 10);
 }
 
 VelClSwitchName param() {
   const char* text = variable("UI_PARAM");
   if (text != nullptr && *text == '\'') return text[1];
-  if (text != nullptr && *text == '#') return number(text + 1);
+  if (text != nullptr && *text == '#') return std::strtoul(text + 1, nullptr, 10);
   return text;
 }
 
-void tell(bool found, const char* value) {
-  std::cout << (found ? "= " : "absent ") << value << '\n';
-}
-
-void tellNumber(const VelClConsoleUI& ui, bool required) {
-  int value = 77;
-  bool found = true;
-  if (required)
-    ui.reqArgNumval(param(), value);
-  else
-    found = ui.hasArgNumval(param(), value);
-  tell(found, std::to_string(value).c_str());
-}
-
-void tellString(const VelClConsoleUI& ui, bool required) {
+void tellString(VelClConsoleUI& ui) {
   const char* value = "untouched";
-  bool found = true;
-  if (required)
-    ui.reqArgString(param(), value);
-  else
-    found = ui.hasArgString(param(), value);
-  tell(found, value);
+  const bool found = ui.hasArgString(param(), value);
+  std::cout << (found ? "= " : "absent ") << value << '\n';
 }
 
 void speak(VelClConsoleUI& ui) {
@@ -78,7 +59,7 @@ void redirectErrors(VelClConsoleUI& ui) {
   static std::ostringstream bells;
   ui.setOutputStream(bells);
   ui.getParams().setErrorStream(std::cout);
-  tellString(ui, false);
+  tellString(ui);
   ui.fatal(7, "redirected");
 }
 
@@ -92,50 +73,43 @@ void progress(VelClConsoleUI& ui, int delayMs) {
   std::cerr << "next line\n";
 }
 
-struct Action {
+const char* text = nullptr;
+int integer = 0;
+
+constexpr struct {
   const char* name;
   void (*run)(VelClConsoleUI& ui);
-};
-
-constexpr Action kActions[] = {
+} kActions[] = {
     {"reqSwitch", [](VelClConsoleUI& ui) { ui.reqArgSwitch(param()); }},
-    {"string", [](VelClConsoleUI& ui) { tellString(ui, false); }},
-    {"reqString", [](VelClConsoleUI& ui) { tellString(ui, true); }},
-    {"int", [](VelClConsoleUI& ui) { tellNumber(ui, false); }},
-    {"reqInt", [](VelClConsoleUI& ui) { tellNumber(ui, true); }},
+    {"string", tellString},
+    {"reqString", [](VelClConsoleUI& ui) { ui.reqArgString(param(), text); }},
+    {"int", [](VelClConsoleUI& ui) { ui.hasArgNumval(param(), integer); }},
+    {"reqInt", [](VelClConsoleUI& ui) { ui.reqArgNumval(param(), integer); }},
     {"speak", speak},
     {"report", report},
     {"fatal", [](VelClConsoleUI& ui) { ui.fatal(7, "four", "last"); }},
-    {"exit", [](VelClConsoleUI& ui) { ui.processExit(static_cast<int>(number(variable("UI_PARAM")))); }},
+    {"exit", [](VelClConsoleUI& ui) { ui.processExit(static_cast<int>(number("UI_PARAM"))); }},
     {"usageHelp", [](VelClConsoleUI& ui) { ui.displayUsageHelp("-later", "later help", false); }},
     {"redirectErrors", redirectErrors},
-    {"source", [](VelClConsoleUI& ui) { tell(ui.getMessageCatalog().isValid(), "library"); }},
+    {"source",
+     [](VelClConsoleUI& ui) { std::cout << (ui.getMessageCatalog().isValid() ? "library\n" : "table\n"); }},
     {"bool", [](VelClConsoleUI& ui) { ui.formatBool(15UL, true); }},
     {"fastProgress", [](VelClConsoleUI& ui) { progress(ui, 1); }},
     {"slowProgress", [](VelClConsoleUI& ui) { progress(ui, 350); }},
 };
 
-void start(VelClConsoleUI& ui) {
+/// `words` gives a variable's text, or the number of a message.
+template <typename Words>
+int run(VelClConsoleUI& ui, Words words) {
   const char* level = variable("UI_LEVEL");
-  const char* date = level != nullptr ? "Nov 21 2026" : nullptr;
-  if (variable("UI_CATALOG") != nullptr)
-    ui.init(number(variable("UI_TITLE")), number(variable("UI_DESCRIPTION")), level, date);
-  else
-    ui.init(variable("UI_TITLE"), variable("UI_DESCRIPTION"), level, date);
+  ui.init(words("UI_TITLE"), words("UI_DESCRIPTION"), level, level != nullptr ? "Nov 21 2026" : nullptr);
   const std::string tagged = variable("UI_TAGGED") != nullptr ? variable("UI_TAGGED") : "";
   if (tagged == "hide") ui.hideTaggedLines();
   if (tagged == "disable") ui.disableTaggedLines();
-  if (variable("UI_CATALOG") != nullptr)
-    ui.handleUsageHelp(number(variable("UI_USAGE")), number(variable("UI_HELP")));
-  else
-    ui.handleUsageHelp(variable("UI_USAGE"), variable("UI_HELP"));
-}
-
-int run(VelClConsoleUI& ui) {
-  start(ui);
+  ui.handleUsageHelp(words("UI_USAGE"), words("UI_HELP"));
   const char* wanted = variable("UI_ACTION");
   if (wanted == nullptr) return 0;
-  for (const Action& action : kActions) {
+  for (const auto& action : kActions) {
     if (std::strcmp(action.name, wanted) != 0) continue;
     action.run(ui);
     return 0;
@@ -147,10 +121,10 @@ int run(VelClConsoleUI& ui) {
 
 int main(int argc, char** argv) {
   if (variable("UI_DIRECTORY") != nullptr) std::filesystem::current_path(variable("UI_DIRECTORY"));
-  std::unique_ptr<VelClConsoleUI> ui;
-  if (const char* catalog = variable("UI_CATALOG"))
-    ui = std::make_unique<VelClConsoleUI>(argc, argv, VelClFilename(catalog), number(variable("UI_BASE")));
-  else
-    ui = std::make_unique<VelClConsoleUI>(argc, argv);
-  return run(*ui);
+  if (const char* catalog = variable("UI_CATALOG")) {
+    VelClConsoleUI ui(argc, argv, VelClFilename(catalog), number("UI_BASE"));
+    return run(ui, number);
+  }
+  VelClConsoleUI ui(argc, argv);
+  return run(ui, variable);
 }
