@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <regex>
 #include <string>
 
 #include "platform/test/scratch_directory.h"
@@ -96,8 +97,21 @@ TEST(MessageCatalog, KnowsTheLibrarysOwn) {
   EXPECT_TRUE(catalog.isValid() && catalog.hasDefaultVelCatalog() && !catalog.hasValidStringTable());
   EXPECT_STREQ(catalog.getAsCString(), "qammsg50.DLL");
   EXPECT_EQ(textOf(catalog, 17), userIsGerman() ? "Aufruf" : "Usage");
-  EXPECT_EQ(textOf(catalog, 220), "[VEL-LIBRARY]");
   EXPECT_EQ(textOf(catalog, 221), "UNABLE TO LOAD MESSAGE #221 FROM CATALOG: qammsg50.DLL");
+}
+
+TEST(MessageCatalog, LibraryReadsLikeTheBuiltInTable) {
+  const char* const variables[10] = {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"};
+  const VelClMessageCatalog library, table(velMsgCatGetBuiltInTable(nullptr), 221);
+  for (unsigned long id = 1; id <= 220; ++id) {
+    const bool isName = id <= 2 || (id >= 8 && id <= 10) || (id >= 47 && id <= 149) || id == 151 ||
+                        (id >= 153 && id <= 172) || id >= 200;
+    if (userIsGerman() && !isName) continue;
+    // The formatter of libraries writes line breaks as CR LF, that of tables leaves them alone.
+    EXPECT_EQ(VelClMessage(library, id, variables).getAsCString(),
+              std::regex_replace(VelClMessage(table, id, variables).getAsCString(), std::regex("\n"), "\r\n"))
+        << id;
+  }
 }
 
 TEST(MessageCatalog, AsksItsStringTableWithoutALibrary) {
@@ -121,6 +135,7 @@ TEST(MessageCatalog, AsksItsStringTableWithoutALibrary) {
   unsigned long size = 0;
   const char* const* builtIn = velMsgCatGetBuiltInTable(&size);
   EXPECT_EQ(velMsgCatGetBuiltInTable(nullptr), builtIn);
+  EXPECT_EQ(size, 221U);
   EXPECT_EQ(textOf(VelClMessageCatalog(builtIn, size), 220), "[VEL-LIBRARY]");
   EXPECT_EQ(textOf(VelClMessageCatalog(builtIn, size), 221), "UNABLE TO LOAD MESSAGE CATALOG: ");
 }
