@@ -75,20 +75,11 @@ TEST(ArgvCursor, FindsSwitchesByTheirWholeName) {
   const struct {
     const char *line, *name;
     const char* behind;  ///< the argument behind the one found, or null
-  } rows[] = {{"verbose -verbose x -verbose y", "verbose", "x"},
-              {"verbose -verbose x -verbose y", "-verbose", "x"},
-              {"verbose", "verbose", nullptr},
-              {"-verbose", "verb", nullptr},
-              {"-verb", "verbose", nullptr},
-              {"-Verbose", "verbose", nullptr},
-              {"-a=1 -a:1 /a", "a", nullptr},
-              {"-5 x", "-5", nullptr},
-              {"-5 x", "5", nullptr},
-              {"--5 x", "-5", "x"},
-              {"--a x", "--a", "x"},
-              {"- x", "-", "x"},
-              {"- x", "", "x"},
-              {"", "a", nullptr}};
+  } rows[] = {{"v -v x -v y", "v", "x"},      {"--5 x", "-5", "x"},  {"-5 x", "-5", nullptr},
+              {"v -v x -v y", "-v", "x"},     {"--a x", "--a", "x"}, {"-5 x", "5", nullptr},
+              {"-verbose", "verb", nullptr},  {"- x", "-", "x"},     {"-V", "v", nullptr},
+              {"-verb", "verbose", nullptr},  {"- x", "", "x"},      {"v", "v", nullptr},
+              {"-a=1 -a:1 /a", "a", nullptr}, {"-v x y", "v", "x"},  {"", "a", nullptr}};
   for (const auto& row : rows) {
     const CommandLine line(row.line);
     VelClArgvCursor cursor(line.count(), line.arguments());

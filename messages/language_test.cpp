@@ -85,19 +85,20 @@ TEST(LanguageOfUser, IsReadFromLocaleNames) {
   if (velGetOperatingSystemId() != 0) GTEST_SKIP() << "Windows keeps settings of its own";
   const unsigned int austria = VelClLanguage("de-at").getTerritory();
   const unsigned int us = VelClLanguage("en-us").getTerritory();
+  constexpr unsigned int kNone = VelClLanguage::TERRITORY_UNSPECIFIED;
   const struct {
     const char *locale, *language;
     unsigned int territory;
   } rows[] = {{"de_AT.UTF-8@euro", "de", austria},
+              {"fil_AT", "??", austria},
+              {"C.UTF-8", "en", us},
               {"de_AT@euro", "de", austria},
               {"de-at", "de", austria},
-              {"de.UTF-8", "de", VelClLanguage::TERRITORY_UNSPECIFIED},
-              {"de_X", "de", VelClLanguage::TERRITORY_UNKNOWN},
-              {"fil_AT", "??", austria},
-              {"C", "en", us},
-              {"C.UTF-8", "en", us},
               {"POSIX", "en", us},
-              {"de_much_too_long_for_a_tag", "en", us}};
+              {"de_much_too_long_for_a_tag", "en", us},
+              {"de.UTF-8", "de", kNone},
+              {"C", "en", us},
+              {"de_X", "de", VelClLanguage::TERRITORY_UNKNOWN}};
   const VelClEnvironmentVariableQueryOnly user("LC_ALL");
   const std::string before = user.hasValue() ? user.getValue() : "";
   for (const auto& row : rows) {

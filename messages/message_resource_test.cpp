@@ -38,8 +38,12 @@ Bytes blocks(const std::vector<std::vector<std::uint32_t>>& all) {
 }
 
 TEST(MessageResource, FindsMessagesInEveryBlock) {
-  const Bytes table =
-      messageTable({{1, "one"}, {2, ""}, {3, "three", true}, {9, "n%0\n", true}, {0xFFFFFFFF, "last"}});
+  const Bytes table = blocks({{1, 3, 40}, {9, 9, 72}, {0xFFFFFFFF, 0xFFFFFFFF, 88}})
+                          .add(tableEntry("one"))
+                          .add(tableEntry(""))
+                          .add(tableEntry("three", true))
+                          .add(tableEntry("n%0\n", true))
+                          .add(tableEntry("last"));
   const std::pair<std::uint32_t, std::string> rows[] = {{0, "-"},     {1, "one"}, {2, ""},
                                                         {3, "three"}, {4, "-"},   {8, "-"},
                                                         {9, "n%0\n"}, {10, "-"},  {0xFFFFFFFF, "last"}};

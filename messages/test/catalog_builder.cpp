@@ -66,23 +66,13 @@ Bytes tableEntry(const std::string& text, bool unicode) {
 }
 
 Bytes messageTable(const std::vector<TestMessage>& messages) {
-  struct Block {
-    std::uint32_t low, high;
-    std::size_t offset;
-  };
-  std::vector<Block> blocks;
-  Bytes entries;
-  for (const TestMessage& message : messages) {
-    if (blocks.empty() || blocks.back().high + 1 != message.id)
-      blocks.push_back({message.id, message.id, entries.size()});
-    blocks.back().high = message.id;
-    entries.add(tableEntry(message.text, message.unicode));
+  Bytes blocks, entries;
+  blocks.add32(messages.size());
+  for (const auto& [id, text, unicode] : messages) {
+    blocks.add32(id).add32(id).add32(4 + 12 * messages.size() + entries.size());
+    entries.add(tableEntry(text, unicode));
   }
-  Bytes bytes;
-  bytes.add32(blocks.size());
-  for (const Block& block : blocks)
-    bytes.add32(block.low).add32(block.high).add32(4 + 12 * blocks.size() + block.offset);
-  return bytes.add(entries);
+  return blocks.add(entries);
 }
 
 Bytes libraryFile(const std::vector<TestTable>& tables, bool wide) {

@@ -33,7 +33,7 @@ struct TestTable {
 /// A table entry as the message compiler writes it: terminated and filled up to four bytes.
 Bytes tableEntry(const std::string& text, bool unicode = false);
 
-/// A sound table; messages in id order, neighbours share a block.
+/// A sound table; messages in id order, a block each.
 Bytes messageTable(const std::vector<TestMessage>& messages);
 
 /// A library file whose only section holds these tables, in their order; tables of the same
