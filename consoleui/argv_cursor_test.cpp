@@ -92,20 +92,6 @@ TEST(ArgvCursor, FindsSwitchesByTheirWholeName) {
   }
 }
 
-TEST(ArgvCursor, CopiesStandWhereTheirSourceStood) {
-  const CommandLine line("a b c"), other("x");
-  VelClArgvFreeCursor cursor(line.count(), line.arguments(), "<w>");
-  cursor.setToNext();
-  VelClArgvFreeCursor copy(cursor);
-  VelClArgvFreeCursor assigned(other.count(), other.arguments(), "");
-  assigned = cursor;
-  cursor.setToNext();
-  EXPECT_STREQ(copy.getAsCString(), "b");
-  EXPECT_STREQ(assigned.getAsCString(), "b");
-  EXPECT_TRUE(assigned.isLegal());
-  EXPECT_TRUE(assigned.setToNext());
-}
-
 /// What the check cursor says of each argument: s switch, l legal, r takes a value, h has one, b bound,
 /// f free, t tagged.
 std::string questionsAnswered(const CommandLine& line, const char* usage) {

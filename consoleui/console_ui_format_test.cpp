@@ -33,37 +33,33 @@ class Tool {
 
 TEST(Format, PlacesTheLabelInItsColumn) {
   constexpr auto kLeft = VelEnFormatStyle::LEFT, kRight = VelEnFormatStyle::RIGHT,
-                 kCentred = VelEnFormatStyle::CENTRED;
+                 kMid = VelEnFormatStyle::CENTRED;
+  // Of a centred label the right margin is short by the odd remainders of both.
   const struct {
     VelEnFormatStyle style;
     unsigned int width;
-    char fill;
     std::string label, column;
-  } rows[] = {
-      {kLeft, 36, '.', "Trace file", "Trace file.........................."},
-      {kLeft, 12, '_', "Trace file", "Trace file__"},
-      {kLeft, 10, '.', "Trace file", "Trace file"},
-      {kLeft, 9, '.', "Trace file", "Trace file"},
-      {kLeft, 0, '.', "x", "x"},
-      {kLeft, 3, '.', "", "..."},
-      {kRight, 12, '_', "Trace file", "  Trace file"},
-      {kRight, 5, '_', "Trace file", "Trace file"},
-      {kCentred, 36, '_', "Trace file", "             Trace file             "},
-      {kCentred, 36, '_', "Trace files", "             Trace files            "},
-      // The right margin is short by the odd remainders of both.
-      {kCentred, 35, '_', "Trace file", "            Trace file           "},
-      {kCentred, 35, '_', "Trace files", "            Trace files          "},
-      {kCentred, 5, '_', "abc", " abc"},
-      {kCentred, 5, '_', "abcd", "abcd"},
-      {kCentred, 5, '_', "abcde", "abcde"},
-      {kCentred, 5, '_', "abcdefgh", "abcdefgh"},
-      {kCentred, 0, '_', "a", "a"},
-  };
+  } rows[] = {{kLeft, 12, "Trace file", "Trace file__"},
+              {kMid, 8, "ab", "   ab   "},
+              {kMid, 5, "abc", " abc"},
+              {kLeft, 10, "Trace file", "Trace file"},
+              {kMid, 8, "abc", "   abc  "},
+              {kMid, 5, "abcd", "abcd"},
+              {kLeft, 9, "Trace file", "Trace file"},
+              {kMid, 9, "ab", "   ab  "},
+              {kMid, 5, "abcde", "abcde"},
+              {kRight, 12, "Trace file", "  Trace file"},
+              {kMid, 9, "abc", "   abc "},
+              {kMid, 5, "abcdef", "abcdef"},
+              {kRight, 5, "Trace file", "Trace file"},
+              {kLeft, 3, "", "___"},
+              {kLeft, 0, "x", "x"},
+              {kMid, 0, "a", "a"}};
   Tool tool;
+  tool->setFormatFillChar('_');
   for (const auto& row : rows) {
     tool->setFormatStyle(row.style);
     tool->setFormatWidth(row.width);
-    tool->setFormatFillChar(row.fill);
     tool->format(row.label.c_str());
     EXPECT_EQ(tool.take(), "  " + row.column + ": ") << row.label << " in " << row.width;
   }

@@ -17,16 +17,11 @@ TEST(Prompts, FollowTheSession) {
 }
 
 TEST(Prompts, CutLinesAndStartTheNextPromptClean) {
-  const std::string eighty(80, 'x');
-  const std::pair<std::string, std::string> rows[] = {{eighty + "\n", eighty},
-                                                      {eighty + "\r\n", eighty},
-                                                      {eighty + "y\n", eighty},
-                                                      {eighty.substr(1) + "\r\n", eighty.substr(1)},
-                                                      {std::string(100000, 'x') + "\n", eighty},
-                                                      {"\r\n", "Bob"},
-                                                      {"a\rb\n", "a\rb"},
-                                                      {"a\0b\r\0\n"s, "ab"},
-                                                      {"\0\n"s, "Bob"}};
+  const std::string eighty(80, 'x'), most(79, 'x'), huge(100000, 'x');
+  const std::pair<std::string, std::string> rows[] = {
+      {eighty + "\r\n", eighty}, {eighty + "\n", eighty}, {"a\rb\n", "a\rb"},
+      {eighty + "y\n", eighty},  {huge + "\n", eighty},   {"\0\n"s, "Bob"},
+      {most + "\r\n", most},     {"a\0b\r\0\n"s, "ab"},   {"\r\n", "Bob"}};
   const std::string question = std::string(74, '-') + "\n Name:\n (default: Bob): ";
   for (const auto& [line, answer] : rows) {
     const auto result =

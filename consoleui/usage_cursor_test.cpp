@@ -1,12 +1,10 @@
 // Usage strings, element by element.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cctype>
 #include <cstring>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "platform/test/table.h"
 #include "vel_include/vel_consoleui.h"
@@ -124,18 +122,14 @@ bool walkAdvances(const char* usage) {
 
 TEST(UsageCursor, EveryShortWalkEndsInsideItsText) {
   const std::string alphabet = "-/<>.()[]!\"a5 \n";
-  constexpr std::size_t kLongest = 5;
-  std::vector<std::size_t> digits;
-  while (digits.size() <= kLongest) {
-    // Exactly as large as the text, so that a sanitizer sees one byte too many.
-    const auto usage = std::make_unique<char[]>(digits.size() + 1);
-    std::transform(digits.begin(), digits.end(), usage.get(), [&](std::size_t d) { return alphabet[d]; });
-    ASSERT_TRUE(walkAdvances(usage.get())) << usage.get();
-    // The next text: count up, and start one longer after the last.
-    std::size_t at = 0;
-    while (at < digits.size() && ++digits[at] == alphabet.size()) digits[at++] = 0;
-    if (at == digits.size()) digits.push_back(0);
-  }
+  for (std::size_t length = 0, texts = 1; length <= 5; ++length, texts *= alphabet.size())
+    for (std::size_t text = 0; text < texts; ++text) {
+      // Exactly as large as the text, so that a sanitizer sees one byte too many.
+      const auto usage = std::make_unique<char[]>(length + 1);
+      for (std::size_t at = 0, rest = text; at < length; ++at, rest /= alphabet.size())
+        usage[at] = alphabet[rest % alphabet.size()];
+      ASSERT_TRUE(walkAdvances(usage.get())) << usage.get();
+    }
 }
 
 }  // namespace

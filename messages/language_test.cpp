@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "platform/test/table.h"
 #include "vel_include/vel_helpers.h"
@@ -28,7 +29,6 @@ TEST(Language, FindsEveryLanguage) {
     EXPECT_EQ(printed(language), rows[i][0]);
     EXPECT_EQ(VelClLanguage::getLanguageName(i), rows[i][1]);
   }
-  EXPECT_STREQ(VelClLanguage::getLanguageName(54), "Hebrew");
   EXPECT_STREQ(VelClLanguage::getLanguageName(VelClLanguage::LANGUAGE_UNKNOWN), "??");
   EXPECT_STREQ(VelClLanguage::getLanguageCode(0xFFFFFFFF), "??");
 }
@@ -53,16 +53,13 @@ TEST(Language, FindsEveryTerritory) {
 TEST(Language, ReadsAndWritesTags) {
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/language_tags.tsv")) {
     const VelClLanguage language(row[0].c_str());
-    char text[9] = "xxxxxxxx";
-    language.extractShortCode(text);
-    EXPECT_EQ(text, row.at(1)) << row[0];
-    language.extractLongCode(text);
-    EXPECT_EQ(text, row.at(2)) << row[0];
-    language.extractISOShortCode(text);
-    EXPECT_EQ(text, row.at(3)) << row[0];
-    language.extractISOLongCode(text);
-    EXPECT_EQ(text, row.at(4)) << row[0];
-    EXPECT_EQ(printed(language), row.at(5)) << row[0];
+    char shorter[9], longer[9], isoShort[9], isoLong[9];
+    language.extractShortCode(shorter);
+    language.extractLongCode(longer);
+    language.extractISOShortCode(isoShort);
+    language.extractISOLongCode(isoLong);
+    const std::vector<std::string> written = {row[0], shorter, longer, isoShort, isoLong, printed(language)};
+    EXPECT_EQ(written, row);
     EXPECT_EQ(VelClLanguage(language.asNumber()).asNumber(), language.asNumber());
   }
   std::ostringstream column;

@@ -174,8 +174,7 @@ TEST(CatalogFunctions, OpenLibrariesAndTables) {
 }
 
 TEST(CatalogFunctions, AttachToCatalogsWithALibraryOnly) {
-  const VelClMessageCatalog catalog(VelClFilename("small_catalog"));
-  const VelClMessageCatalog table(kTable, std::size(kTable));
+  const VelClMessageCatalog catalog(VelClFilename("small_catalog")), table(kTable, std::size(kTable));
   EXPECT_EQ(velMsgCatOpenAttach(&table), nullptr);
   EXPECT_EQ(velMsgCatOpenAttach(nullptr), nullptr);
   VelMsgCatHandle handle = velMsgCatOpenAttach(&catalog);
@@ -188,13 +187,11 @@ TEST(CatalogFunctions, AttachToCatalogsWithALibraryOnly) {
 TEST(CatalogFunctions, HaveAProxyAsTheirClass) {
   const char* const variables[10] = {"x"};
   VelClMessageCatalogProxy owner(VelClFilename("absent"), kTable, std::size(kTable));
-  EXPECT_FALSE(owner.isValid());
-  EXPECT_TRUE(owner.isValidMessageId(0));  // it loads, unlike the static question
+  // It loads, unlike the static question.
+  EXPECT_TRUE(!owner.isValid() && owner.isValidMessageId(0));
   EXPECT_STREQ(owner.getMessage(2, variables), "<x>");
   const VelClMessageCatalog table(kOtherTable, std::size(kOtherTable));
-  VelClMessageCatalogProxy guest(&table);
-  EXPECT_FALSE(guest.isValid());
-  EXPECT_STREQ(guest.getMessage(3), "other");
+  EXPECT_STREQ(VelClMessageCatalogProxy(&table).getMessage(3), "other");
 }
 
 }  // namespace

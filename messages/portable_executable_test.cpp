@@ -189,28 +189,23 @@ TEST(PortableExecutable, ReadsTheMessageCompilersCatalogs) {
   }
 }
 
-TEST(PortableExecutable, SurvivesEveryDamagedByteOfARealCatalog) {
-  Bytes file = readFile("small_catalog.DLL");
-  for (std::uint8_t& byte : file) {
-    const std::uint8_t sound = byte;
-    for (const std::uint32_t damaged : {0U, 0xFFU, 0x80U, sound ^ 1U, sound + 4U}) {
-      byte = static_cast<std::uint8_t>(damaged);
-      EXPECT_LE(readEverything(file), file.size() / 4) << &byte - file.data();
-    }
-    byte = sound;
-  }
-}
-
-TEST(PortableExecutable, SurvivesRandomDamage) {
+TEST(PortableExecutable, SurvivesAnyDamage) {
   const Bytes sound = libraryFile({{1, 0x407, messageTable({{1, "eins"}, {2, "zwei", true}, {9, "neun"}})},
                                    {1, 0x409, messageTable({{1, "one"}, {2, "two"}})}});
+  Bytes file = sound;
+  for (std::uint8_t& byte : file) {
+    for (int damaged = 0; damaged < 256; ++damaged) {
+      byte = static_cast<std::uint8_t>(damaged);
+      EXPECT_LE(readEverything(file), 64 * file.size() / 4) << &byte - file.data();
+    }
+    byte = sound[static_cast<std::size_t>(&byte - file.data())];
+  }
   std::mt19937 random(2024);
   for (int round = 0; round < 20000; ++round) {
-    Bytes file = sound;
+    file = sound;
     for (auto changes = 1 + random() % 8; changes > 0; --changes) {
-      const std::size_t offset =
-          random() % 4 == 0 ? random() % file.size() : kTreeOffset + random() % (file.size() - kTreeOffset);
-      file[offset] = static_cast<std::uint8_t>(random());
+      const std::size_t start = random() % 4 == 0 ? 0 : kTreeOffset;
+      file[start + random() % (file.size() - start)] = static_cast<std::uint8_t>(random());
     }
     EXPECT_LE(readEverything(file), 64 * file.size() / 4) << round;
   }

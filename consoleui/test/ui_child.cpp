@@ -38,6 +38,18 @@ void tellString(VelClConsoleUI& ui) {
   const char* value = "untouched";
   const bool found = ui.hasArgString(param(), value);
   std::cout << (found ? "= " : "absent ") << value << '\n';
+  const char* again = value;
+  if (ui.hasArgSwitch(param())) ui.reqArgString(param(), again);
+  if (again != value || found != ui.hasArgSwitch(param())) std::cout << "contradiction\n";
+}
+
+void tellNumbers(VelClConsoleUI& ui) {
+  short shortest = 77;
+  int middle = 77;
+  long longest = 77;
+  const bool found = ui.hasArgNumval(param(), shortest) && ui.hasArgNumval(param(), middle) &&
+                     ui.hasArgNumval(param(), longest);
+  std::cout << (found ? "= " : "absent ") << shortest << ' ' << middle << ' ' << longest << '\n';
 }
 
 void speak(VelClConsoleUI& ui) {
@@ -83,6 +95,7 @@ constexpr struct {
     {"reqSwitch", [](VelClConsoleUI& ui) { ui.reqArgSwitch(param()); }},
     {"string", tellString},
     {"reqString", [](VelClConsoleUI& ui) { ui.reqArgString(param(), text); }},
+    {"numbers", tellNumbers},
     {"int", [](VelClConsoleUI& ui) { ui.hasArgNumval(param(), integer); }},
     {"reqInt", [](VelClConsoleUI& ui) { ui.reqArgNumval(param(), integer); }},
     {"speak", speak},
