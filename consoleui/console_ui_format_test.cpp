@@ -135,25 +135,20 @@ TEST(Format, NamesErrorsAndTellsExceptions) {
   const std::string head =
       "  Error ID: INIFILE_INVAL_OPTION (1000002)\n  Error Class: USER_ERROR\n"
       "  Error Severity: PANIC\n  Recommended Action: USER\n";
-  const struct {
-    const VelClException& exception;
-    bool verbose;
-    std::string lines;
-  } rows[] = {
-      {full, false, head},
-      {full, true,
-       head + "  Cause for exception: cause\n  Exception occured in function: here\n"
-              "  Exception occured in line: 4294967295\n"},
-      {plain, false, "  Error ID: NO_ERROR (0)\n"},
-      {plain, true,
-       "  Error ID: NO_ERROR (0)\n  Error Class: UNKNOWN\n  Error Severity: NONE\n"
-       "  Recommended Action: IGNORE\n"},
-      {unknown, false, "  Error ID: 5\n  Error Class: 555\n  Error Severity: 3\n  Recommended Action: -9\n"},
-  };
-  for (const auto& row : rows) {
-    tool->format(row.exception, row.verbose);
-    EXPECT_EQ(tool.take(), row.lines);
-  }
+  tool->format(full, false);
+  EXPECT_EQ(tool.take(), head);
+  tool->format(full, true);
+  EXPECT_EQ(tool.take(), head +
+                             "  Cause for exception: cause\n  Exception occured in function: here\n"
+                             "  Exception occured in line: 4294967295\n");
+  tool->format(plain, false);
+  EXPECT_EQ(tool.take(), "  Error ID: NO_ERROR (0)\n");
+  tool->format(plain, true);
+  tool->format(unknown, false);
+  EXPECT_EQ(tool.take(),
+            "  Error ID: NO_ERROR (0)\n  Error Class: UNKNOWN\n  Error Severity: NONE\n  Recommended Action: "
+            "IGNORE\n"
+            "  Error ID: 5\n  Error Class: 555\n  Error Severity: 3\n  Recommended Action: -9\n");
 }
 
 TEST(Format, KeepsItsStreamInQuietMode) {

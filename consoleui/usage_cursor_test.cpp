@@ -11,18 +11,12 @@
 
 namespace {
 
-/// Where the cursor stands: the suffix of the usage string that it matches up to the end.
-std::size_t positionOf(const VelClUsageCursor& cursor, const char* usage) {
-  const std::size_t length = std::strlen(usage);
-  for (std::size_t at = 0; at < length; ++at)
-    if (cursor.matches(usage + at)) return at;
-  return length;
-}
-
 /// An element's first characters and its answers: s switch, a argument, f free, t tagged, e ellipsis,
 /// r takes a value, l takes a list.
 std::string describe(const VelClUsageCursor& cursor, const char* usage) {
-  const std::size_t start = positionOf(cursor, usage);
+  // It stands where it matches all that follows.
+  std::size_t start = 0;
+  while (usage[start] != '\0' && !cursor.matches(usage + start)) ++start;
   std::size_t end = start + 1;
   while (std::isalnum(static_cast<unsigned char>(usage[end])) != 0) ++end;
   std::string text(usage + start, end - start);

@@ -23,14 +23,12 @@ TEST(ErrorMessages, AgreeWithTheFactsForEveryValueAndItsNeighbours) {
     facts[row.at(0)][std::stoi(row.at(2))] = static_cast<unsigned int>(std::stoul(row.at(3)));
   ASSERT_EQ(facts.size(), 4U);
   ASSERT_EQ(facts["identifier"].size(), 59U);
-  for (const auto& [kind, known] : facts) {
-    for (const auto& entry : known) {
+  for (const auto& [kind, known] : facts)
+    for (const auto& entry : known)
       for (const int value : {entry.first - 1, entry.first, entry.first + 1}) {
         const auto found = known.find(value);
         EXPECT_EQ(messageOf(kind, value), found != known.end() ? found->second : 0U) << kind << ' ' << value;
       }
-    }
-  }
   // The two messages of the actions that stand in the opposite order to their values.
   EXPECT_EQ(velErrorGetActionAsMessageId(VelEnErrorAction::RETRYDELAY), 146U);
   EXPECT_EQ(velErrorGetActionAsMessageId(VelEnErrorAction::USER), 145U);
@@ -46,8 +44,8 @@ TEST(PlatformErrors, AgreeWithTheFactsAndHaveNoOthers) {
     const auto found = facts.find(code);
     EXPECT_EQ(name != nullptr ? name : "", found != facts.end() ? found->second : "") << code;
   }
-  EXPECT_EQ(velWinGetErrorAsString(0x80000000UL), nullptr);
-  EXPECT_EQ(velWinGetErrorAsString(0x7FFFFFFFUL), nullptr);
+  for (const unsigned long code : {0x80000000UL, 0x7FFFFFFFUL})
+    EXPECT_EQ(velWinGetErrorAsString(code), nullptr);
 }
 
 TEST(Exception, IsCaughtByItsBaseWithAllThatWasSet) {

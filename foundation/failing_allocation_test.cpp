@@ -80,14 +80,6 @@ const char* const kTable[] = {"", "name", "%1", "plain"};
 const char* const kArguments[] = {"tool", "-a", "b", "-quiet"};
 constexpr const char* kNull = nullptr;
 
-/// Asks the library's catalog through a handle.
-template <typename Question>
-void askHandle(Question question) {
-  VelMsgCatHandle handle = velMsgCatOpen("qammsg50");
-  attempt([&] { question(handle); });
-  velMsgCatClose(handle);
-}
-
 TEST_F(FailingAllocation, OfSingleOperations) {
   const struct {
     const char* name;
@@ -162,11 +154,16 @@ TEST_F(FailingAllocation, OfCatalogs) {
     EXPECT_EQ(std::string(text), got ? kLong : "plain");
     attempt([&] { EXPECT_TRUE(proxy.isValidMessageId(2)); });
   });
-  exhaust("validity", [] { askHandle([](VelMsgCatHandle handle) { velMsgCatIsValid(handle, 2); }); });
-  exhaust("text", [] { askHandle([](VelMsgCatHandle handle) { velMsgCatGet(handle, 2); }); });
-  exhaust("text with variables", [] {
-    askHandle([](VelMsgCatHandle handle) { velMsgCatGetVar(handle, 2, kLong.c_str(), kNull); });
-  });
+  void (*const questions[])(VelMsgCatHandle) = {
+      [](VelMsgCatHandle handle) { velMsgCatIsValid(handle, 2); },
+      [](VelMsgCatHandle handle) { velMsgCatGet(handle, 2); },
+      [](VelMsgCatHandle handle) { velMsgCatGetVar(handle, 2, kLong.c_str(), kNull); }};
+  for (const auto question : questions)
+    exhaust("handle", [question] {
+      VelMsgCatHandle handle = velMsgCatOpen("qammsg50");
+      attempt([&] { question(handle); });
+      velMsgCatClose(handle);
+    });
 }
 
 TEST_F(FailingAllocation, OfMessages) {

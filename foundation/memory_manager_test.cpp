@@ -60,9 +60,7 @@ TEST_F(MemoryManager, StartsWithTheRuntimeAndReturnsToIt) {
   // The program's own address of malloc must be recognised, whatever thunk it is called through.
   velSetNewMemoryManager(std::malloc, nullptr, std::free);
   EXPECT_FALSE(VelClMemoryManager::hasUserDefinedMgr());
-  void* block = velRealloc(velMalloc(1), 100);
-  EXPECT_NE(block, nullptr);
-  velFree(block);
+  velFree(velRealloc(velMalloc(1), 100));
 }
 
 TEST_F(MemoryManager, CallocAsksTheAllocatorForTheProductAndZeroesIt) {

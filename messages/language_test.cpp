@@ -1,7 +1,6 @@
 // Tags, codes and names, against the tables' source files.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -73,9 +72,8 @@ TEST(Language, ReadsAndWritesTags) {
 
 // The test program runs for an English and for a German user; LC_ALL tells which.
 TEST(LanguageOfUser, IsThatOfTheSettings) {
-  const char* const user = std::getenv("LC_ALL");
-  const bool isGerman = user != nullptr && std::string(user).starts_with("de");
-  EXPECT_EQ(printed(VelClLanguage::getUserLanguage()), isGerman ? "de-de" : "en-us");
+  const std::string user = VelClEnvironmentVariableQueryOnly("LC_ALL").getValue();
+  EXPECT_EQ(printed(VelClLanguage::getUserLanguage()), user.starts_with("de") ? "de-de" : "en-us");
 }
 
 TEST(LanguageOfUser, IsReadFromLocaleNames) {

@@ -155,16 +155,14 @@ TEST(CatalogFunctions, OpenLibrariesAndTables) {
   for (VelMsgCatHandle handle : {library, both}) {
     ASSERT_NE(handle, nullptr);
     EXPECT_NE(velMsgCatGetLanguage(handle), 0U);
-    EXPECT_TRUE(velMsgCatIsValid(handle, 1));
-    EXPECT_FALSE(velMsgCatIsValid(handle, 3));
+    EXPECT_TRUE(velMsgCatIsValid(handle, 1) && !velMsgCatIsValid(handle, 3));
     EXPECT_STREQ(velMsgCatGet(handle, 1), "[SMALL]");
     EXPECT_STREQ(velMsgCatGet(handle, 3), "UNABLE TO LOAD MESSAGE #3 FROM CATALOG: small_catalog.DLL");
     velMsgCatClose(handle);
   }
   VelMsgCatHandle table = velMsgCatOpenOrUseStringTable("absent", kTable, std::size(kTable));
   EXPECT_EQ(velMsgCatGetLanguage(table), 0U);
-  EXPECT_TRUE(velMsgCatIsValid(table, 3));
-  EXPECT_FALSE(velMsgCatIsValid(table, 7));
+  EXPECT_TRUE(velMsgCatIsValid(table, 3) && !velMsgCatIsValid(table, 7));
   const char* first = velMsgCatGet(table, 3);
   EXPECT_STREQ(first, "plain");
   EXPECT_EQ(velMsgCatGet(table, 7), first);  // the handle's one buffer

@@ -68,19 +68,20 @@ std::size_t readEverything(const Bytes& bytes) {
 }
 
 TEST(PortableExecutable, WalksTheTablesOfBothFormats) {
-  const std::vector<vel::test::TestTable> tables = {
-      {1, 0x407, tableSaying("eins")}, {1, 0x409, tableSaying("one one one")}, {2, 0, tableSaying("")}};
+  const vel::test::TestTables tables = {
+      {1, {{0x407, tableSaying("eins")}, {0x409, tableSaying("one one one")}}}, {2, {{0, tableSaying("")}}}};
   for (const bool wide : {false, true})
     EXPECT_EQ(listTables(libraryFile(tables, wide)), "1/1031:28 1/1033:32 2/0:24 ") << wide;
   EXPECT_EQ(listTables(libraryFile({})), "");
 }
 
 TEST(PortableExecutable, LanguageChoosesOneTable) {
-  const Bytes german = libraryFile({{1, 0x407, tableSaying("de")}});
-  const Bytes several = libraryFile({{1, 0x07, tableSaying("neutral de")},
-                                     {1, 0x407, messageTable({{2, "de"}})},
-                                     {1, 0x809, tableSaying("uk")}});
-  const Bytes neutral = libraryFile({{1, 0, tableSaying("none")}, {1, 0x409, tableSaying("us")}});
+  const Bytes german = libraryFile({{1, {{0x407, tableSaying("de")}}}});
+  const Bytes several = libraryFile({{1,
+                                      {{0x07, tableSaying("neutral de")},
+                                       {0x407, messageTable({{2, "de"}})},
+                                       {0x809, tableSaying("uk")}}}});
+  const Bytes neutral = libraryFile({{1, {{0, tableSaying("none")}, {0x409, tableSaying("us")}}}});
   const struct {
     const Bytes& file;
     std::uint32_t language;
@@ -97,7 +98,7 @@ TEST(PortableExecutable, LanguageChoosesOneTable) {
       {neutral, 0x409, "us"},
       {neutral, 0x809, "none"},
       {neutral, 0x407, "none"},
-      {libraryFile({{2, 0x409, tableSaying("two")}}), 0x409, "no table"},
+      {libraryFile({{2, {{0x409, tableSaying("two")}}}}), 0x409, "no table"},
   };
   for (const auto& row : rows)
     EXPECT_EQ(messageIn(row.file, row.language, 1), row.message) << std::hex << row.language;
@@ -137,7 +138,7 @@ TEST(PortableExecutable, DamagedTreesAreLeftOut) {
       {"table of the largest size", kDataEntry + 4, 0xFFFFFFFF, "1/1034:24 "},
   };
   for (const auto& row : rows) {
-    Bytes file = libraryFile({{1, 0x409, tableSaying("a")}, {1, 0x40A, tableSaying("b")}});
+    Bytes file = libraryFile({{1, {{0x409, tableSaying("a")}, {0x40A, tableSaying("b")}}}});
     file.resize(0x4000);  // so that only the section and the number of sections set the limits
     file.put32(row.offset, row.value);
     EXPECT_EQ(listTables(file), row.tables) << row.name;
@@ -148,7 +149,7 @@ TEST(PortableExecutable, DamagedTreesAreLeftOut) {
 Bytes libraryOfSharedBranches(std::size_t tableSize) {
   constexpr std::uint32_t kCount = 1000;
   constexpr std::uint32_t kDataEntry = 72;
-  Bytes file = libraryFile({{1, 0x409, Bytes(tableSize)}});
+  Bytes file = libraryFile({{1, {{0x409, Bytes(tableSize)}}}});
   const auto names = static_cast<std::uint32_t>(file.size()) - kTreeOffset;
   const std::uint32_t languages = names + 16 + 8 * kCount;
   file.put32(kTreeOffset + 20, kDirectory + names);
@@ -190,8 +191,8 @@ TEST(PortableExecutable, ReadsTheMessageCompilersCatalogs) {
 }
 
 TEST(PortableExecutable, SurvivesAnyDamage) {
-  const Bytes sound = libraryFile({{1, 0x407, messageTable({{1, "eins"}, {2, "zwei", true}, {9, "neun"}})},
-                                   {1, 0x409, messageTable({{1, "one"}, {2, "two"}})}});
+  const Bytes german = messageTable({{1, "eins"}, {2, "zwei", true}, {9, "neun"}});
+  const Bytes sound = libraryFile({{1, {{0x407, german}, {0x409, messageTable({{1, "one"}, {2, "two"}})}}}});
   Bytes file = sound;
   for (std::uint8_t& byte : file) {
     for (int damaged = 0; damaged < 256; ++damaged) {

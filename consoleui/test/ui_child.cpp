@@ -49,6 +49,7 @@ void tellNumbers(VelClConsoleUI& ui) {
   long longest = 77;
   const bool found = ui.hasArgNumval(param(), shortest) && ui.hasArgNumval(param(), middle) &&
                      ui.hasArgNumval(param(), longest);
+  if (found) ui.reqArgNumval(param(), shortest);
   std::cout << (found ? "= " : "absent ") << shortest << ' ' << middle << ' ' << longest << '\n';
 }
 

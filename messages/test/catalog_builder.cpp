@@ -7,38 +7,28 @@ namespace {
 
 constexpr std::uint32_t kSectionAddress = 0x1000;
 
-std::vector<std::vector<TestTable>> groupedByName(const std::vector<TestTable>& tables) {
-  std::vector<std::vector<TestTable>> groups;
-  for (const TestTable& table : tables) {
-    if (groups.empty() || groups.back().front().nameId != table.nameId) groups.emplace_back();
-    groups.back().push_back(table);
-  }
-  return groups;
-}
-
 /// Directories of type, names and languages, then the tables' addresses and bytes.
-Bytes resourceTree(const std::vector<TestTable>& tables) {
-  const auto groups = groupedByName(tables);
-  std::size_t directory = 24 + 16 + 8 * groups.size();
-  std::size_t entry = directory + 16 * groups.size() + 8 * tables.size();
-  std::size_t data = entry + 16 * tables.size();
-  Bytes names, languages, entries;
-  for (const auto& group : groups) {
-    names.add32(group.front().nameId).add32(kDirectory + directory);
-    languages.addZeros(14).add16(group.size());
-    directory += 16 + 8 * group.size();
-    for (const TestTable& table : group) {
-      languages.add32(table.language).add32(entry);
-      entries.add32(kSectionAddress + data).add32(table.data.size()).addZeros(8);
+Bytes resourceTree(const TestTables& tables) {
+  std::size_t count = 0;
+  for (const auto& [name, languages] : tables) count += languages.size();
+  std::size_t directory = 24 + 16 + 8 * tables.size();
+  std::size_t entry = directory + 16 * tables.size() + 8 * count;
+  const std::size_t data = entry + 16 * count;
+  Bytes names, directories, entries, texts;
+  for (const auto& [name, languages] : tables) {
+    names.add32(name).add32(kDirectory + directory);
+    directories.addZeros(14).add16(languages.size());
+    directory += 16 + 8 * languages.size();
+    for (const auto& [language, table] : languages) {
+      directories.add32(language).add32(entry);
+      entries.add32(kSectionAddress + data + texts.size()).add32(table.size()).addZeros(8);
+      texts.add(table);
       entry += 16;
-      data += table.data.size();
     }
   }
   Bytes tree;
-  tree.addZeros(14).add16(1).add32(11).add32(kDirectory + 24).addZeros(14).add16(groups.size());
-  tree.add(names).add(languages).add(entries);
-  for (const TestTable& table : tables) tree.add(table.data);
-  return tree;
+  tree.addZeros(14).add16(1).add32(11).add32(kDirectory + 24).addZeros(14).add16(tables.size());
+  return tree.add(names).add(directories).add(entries).add(texts);
 }
 
 }  // namespace
@@ -75,7 +65,7 @@ Bytes messageTable(const std::vector<TestMessage>& messages) {
   return blocks.add(entries);
 }
 
-Bytes libraryFile(const std::vector<TestTable>& tables, bool wide) {
+Bytes libraryFile(const TestTables& tables, bool wide) {
   const Bytes tree = resourceTree(tables);
   Bytes file = {'M', 'Z'};
   file.addZeros(0x3A).add32(0x40).add32(0x4550).add16(wide ? 0x8664 : 0x14C).add16(1);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -25,10 +26,8 @@ struct TestMessage {
   bool unicode = false;
 };
 
-struct TestTable {
-  std::uint32_t nameId, language;
-  Bytes data;
-};
+/// Message tables by name and language.
+using TestTables = std::map<std::uint32_t, std::map<std::uint32_t, Bytes>>;
 
 /// A table entry as the message compiler writes it: terminated and filled up to four bytes.
 Bytes tableEntry(const std::string& text, bool unicode = false);
@@ -36,9 +35,8 @@ Bytes tableEntry(const std::string& text, bool unicode = false);
 /// A sound table; messages in id order, a block each.
 Bytes messageTable(const std::vector<TestMessage>& messages);
 
-/// A library file whose only section holds these tables, in their order; tables of the same
-/// nameId stand next to each other.
-Bytes libraryFile(const std::vector<TestTable>& tables, bool wide = true);
+/// A library file whose only section holds these tables.
+Bytes libraryFile(const TestTables& tables, bool wide = true);
 
 /// Where libraryFile() puts the resource tree.
 constexpr std::uint32_t kTreeOffset = 0x200;
