@@ -6,7 +6,7 @@
 #include <string>
 
 #include "platform/platform.h"
-#include "platform/test/posix/variable.h"
+#include "platform/test/variable.h"
 #include "platform/test/scratch_directory.h"
 
 namespace vel::platform {

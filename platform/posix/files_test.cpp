@@ -8,7 +8,7 @@
 
 #include "platform/platform.h"
 #include "platform/posix/rename.h"
-#include "platform/test/posix/variable.h"
+#include "platform/test/variable.h"
 #include "platform/test/scratch_directory.h"
 
 namespace vel::platform {

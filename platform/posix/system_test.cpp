@@ -7,7 +7,7 @@
 #include <string>
 
 #include "platform/platform.h"
-#include "platform/test/posix/variable.h"
+#include "platform/test/variable.h"
 
 namespace vel::platform {
 

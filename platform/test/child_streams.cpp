@@ -1,5 +1,7 @@
-// The files behind a child's standard streams, and where its program is found.
 #include "platform/test/child_streams.h"
+
+#include <chrono>
+#include <thread>
 
 namespace vel::test {
 
@@ -15,6 +17,25 @@ std::string programPath(const std::string& program, const std::string& extension
   std::filesystem::path path = program;
   if (!path.has_parent_path()) path = std::filesystem::path(ownProgram()).replace_filename(program);
   return path.string().ends_with(extension) ? path.string() : path.string() + extension;
+}
+
+std::vector<std::string> changedEnvironment(char** environment, const Variables& changes) {
+  std::vector<std::string> result;
+  for (; *environment != nullptr; ++environment) result.emplace_back(*environment);
+  for (const auto& [name, value] : changes) {
+    const std::string start = name + "=";
+    std::erase_if(result, [&start](const std::string& entry) { return entry.starts_with(start); });
+    if (!value.empty()) result.push_back(start + value);
+  }
+  return result;
+}
+
+bool waitUntil(const std::function<bool()>& question) {
+  for (int passedMs = 0; passedMs < kTimeLimitMs; ++passedMs) {
+    if (question()) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return question();
 }
 
 }  // namespace vel::test

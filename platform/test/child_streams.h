@@ -1,7 +1,9 @@
-// What the child processes of every system share: the files behind their standard streams.
+// What the child processes of every system share: the files behind their standard streams, their
+// environment, and where their programs are found.
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "platform/test/child_process.h"
 #include "platform/test/scratch_directory.h"
@@ -22,6 +24,7 @@ struct ChildStreams {
 /// `program` as a path: a bare name stands for a program beside the running one.
 std::string programPath(const std::string& program, const std::string& extension);
 
-inline constexpr int kChildTimeLimitSeconds = 60;
+/// An environment, null at its end, with the changes.
+std::vector<std::string> changedEnvironment(char** environment, const Variables& changes);
 
 }  // namespace vel::test

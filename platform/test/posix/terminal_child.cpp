@@ -2,44 +2,25 @@
 #include "platform/test/posix/terminal_child.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <stdexcept>
-
-#include "platform/test/child_streams.h"
-#include "platform/test/posix/spawn.h"
+#include <cstring>
 
 namespace vel::test {
 
-namespace {
-
-/// Asks once a millisecond until the answer is yes or the time is over.
-template <typename Question>
-bool waitUntil(Question question) {
-  bool answer = question();
-  for (int passedMs = 0; !answer && passedMs < kChildTimeLimitSeconds * 1000; ++passedMs) {
-    usleep(1000);
-    answer = question();
-  }
-  return answer;
-}
-
-}  // namespace
-
 TerminalChild::TerminalChild(const std::string& program, const std::vector<std::string>& arguments,
-                             const TerminalOptions& options)
+                             const Variables& environment, bool onlyErrors)
     : master_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-  if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0)
-    throw std::runtime_error("no pseudo-terminal");
+  EXPECT_TRUE(grantpt(master_) == 0 && unlockpt(master_) == 0);
   attributesAtStart_ = attributes();
   const std::string terminal = ptsname(master_);
-  const std::string others = options.onlyErrors ? "" : terminal;
-  child_ = spawn(program, arguments, options.environment, {others, others, terminal});
-  if (child_ == -1) throw std::runtime_error("cannot start " + program);
+  const std::string others = onlyErrors ? "" : terminal;
+  child_ = spawn(program, arguments, environment, {others, others, terminal});
 }
 
 TerminalChild::~TerminalChild() {
@@ -51,8 +32,7 @@ TerminalChild::~TerminalChild() {
 }
 
 void TerminalChild::type(const std::string& keys) const {
-  if (write(master_, keys.data(), keys.size()) != static_cast<ssize_t>(keys.size()))
-    throw std::runtime_error("cannot type");
+  EXPECT_EQ(write(master_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
 }
 
 void TerminalChild::signal(int number) const {
@@ -62,7 +42,7 @@ void TerminalChild::signal(int number) const {
 std::string TerminalChild::readThrough(const std::string& text) {
   pollfd terminal{master_, POLLIN, 0};
   char buffer[512];
-  while (unread_.find(text) == std::string::npos && poll(&terminal, 1, kChildTimeLimitSeconds * 1000) == 1) {
+  while (unread_.find(text) == std::string::npos && poll(&terminal, 1, kTimeLimitMs) == 1) {
     const ssize_t count = read(master_, buffer, sizeof buffer);
     if (count <= 0) break;
     unread_.append(buffer, static_cast<std::size_t>(count));
@@ -73,21 +53,33 @@ std::string TerminalChild::readThrough(const std::string& text) {
   return result;
 }
 
+std::string TerminalChild::finish() {
+  std::string text = readThrough(std::string("\0", 1));
+  EXPECT_EQ(waitForStatus(), 0);
+  EXPECT_TRUE(hasRestoredTerminal());
+  return text;
+}
+
 int TerminalChild::waitForStatus() {
   int status = -1;
-  if (!waitUntil([&] { return waitpid(child_, &status, WNOHANG | WUNTRACED) == child_; })) return -1;
-  ended_ = !WIFSTOPPED(status);
+  waitUntil([&] { return waitpid(child_, &status, WNOHANG | WUNTRACED) == child_; });
+  ended_ = status != -1 && !WIFSTOPPED(status);
   return status;
 }
 
 termios TerminalChild::attributes() const {
   termios result{};
-  if (tcgetattr(master_, &result) != 0) throw std::runtime_error("cannot ask the terminal");
+  EXPECT_EQ(tcgetattr(master_, &result), 0);
   return result;
 }
 
-bool TerminalChild::waitForKeyMode() const {
-  return waitUntil([this] { return (attributes().c_lflag & (ICANON | ECHO)) == 0; });
+bool TerminalChild::waitsForKey() const {
+  return waitUntil([this] { return (attributes().c_lflag & (ICANON | ECHO | ISIG)) == ISIG; });
+}
+
+bool TerminalChild::hasRestoredTerminal() const {
+  const termios now = attributes();
+  return std::memcmp(&now, &attributesAtStart_, sizeof now) == 0;
 }
 
 }  // namespace vel::test

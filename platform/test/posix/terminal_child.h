@@ -4,6 +4,7 @@
 #include <sys/types.h>
 #include <termios.h>
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -11,19 +12,17 @@
 
 namespace vel::test {
 
-struct TerminalOptions {
-  Variables environment = {};
-  /// Only standard error is the terminal; the other streams are this process's.
-  bool onlyErrors = false;
-};
+/// The three standard streams as files or terminals; an empty one is this process's. The child has a process
+/// group of its own and ignores no signal.
+pid_t spawn(const std::string& program, const std::vector<std::string>& arguments,
+            const Variables& environment, const std::array<std::string, 3>& streams);
 
-/// No wait is longer than a child may run. The terminal does not control the child: signals are sent with
-/// `signal`, not typed.
+/// The terminal does not control the child: signals are sent with `signal`, not typed.
 class TerminalChild {
  public:
-  /// `program` as in runChild.
+  /// `program` as in runChild. The streams that are not the terminal are this process's.
   TerminalChild(const std::string& program, const std::vector<std::string>& arguments,
-                const TerminalOptions& options = {});
+                const Variables& environment = {}, bool onlyErrors = false);
   TerminalChild(const TerminalChild&) = delete;
   TerminalChild& operator=(const TerminalChild&) = delete;
   /// Ends the child if it is still there.
@@ -34,21 +33,23 @@ class TerminalChild {
   /// All that it wrote since the last call, with the terminal's CR LF, up to and with `text`; less when it
   /// ended before.
   std::string readThrough(const std::string& text);
-  /// Reads until it has closed the terminal.
-  std::string readToEnd() { return readThrough(std::string("\0", 1)); }
+  /// What it wrote until its end, which must be a good one and leave the terminal as it was.
+  std::string finish();
   /// The wait status of its next stop or of its end, -1 at the time limit.
   int waitForStatus();
 
+  /// Whether the terminal comes into the state in which keys arrive at once and unseen, but those that send
+  /// signals still do.
+  bool waitsForKey() const;
   /// Also behind the child's end.
-  termios attributes() const;
-  const termios& attributesAtStart() const { return attributesAtStart_; }
-  /// Whether the terminal has come into the state in which keys arrive at once and unseen.
-  bool waitForKeyMode() const;
+  bool hasRestoredTerminal() const;
 
  private:
-  int master_ = -1;
+  termios attributes() const;
+
+  int master_;
   termios attributesAtStart_{};
-  pid_t child_ = -1;
+  pid_t child_;
   bool ended_ = false;
   std::string unread_;
 };

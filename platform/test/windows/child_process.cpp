@@ -1,8 +1,10 @@
-// Child processes by CreateProcess.
+// Child processes by CreateProcess, and other processes by their handles.
 #include "platform/test/child_process.h"
 
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
+
+#include <cstdlib>
 
 #include "platform/test/child_streams.h"
 
@@ -26,27 +28,6 @@ std::string quoted(const std::string& argument) {
   return result.append(backSlashes, '\\') + '"';
 }
 
-bool hasName(const std::string& entry, const std::string& name) {
-  return entry.size() > name.size() && entry[name.size()] == '=' &&
-         _strnicmp(entry.c_str(), name.c_str(), name.size()) == 0;
-}
-
-/// This process's environment with the options' changes, as the block that CreateProcess takes.
-std::string environmentBlock(const ChildOptions& options) {
-  std::vector<std::string> entries;
-  char* const own = GetEnvironmentStringsA();
-  for (const char* entry = own; *entry != '\0'; entry += entries.back().size() + 1)
-    entries.emplace_back(entry);
-  FreeEnvironmentStringsA(own);
-  for (const auto& [name, value] : options.environment) {
-    std::erase_if(entries, [&name = name](const std::string& entry) { return hasName(entry, name); });
-    if (!value.empty()) entries.push_back(name + "=" + value);
-  }
-  std::string block;
-  for (const std::string& entry : entries) block += entry + '\0';
-  return block + '\0';
-}
-
 /// A file as a standard stream of the child.
 HANDLE openStream(const std::string& path, DWORD access) {
   SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
@@ -64,7 +45,9 @@ bool start(const std::string& program, const std::vector<std::string>& arguments
   startUp.hStdError = openStream(streams.errors, FILE_APPEND_DATA | SYNCHRONIZE);
   std::string line = quoted(program);
   for (const std::string& argument : arguments) line += " " + quoted(argument);
-  std::string environment = environmentBlock(options);
+  std::string environment;
+  for (const std::string& entry : changedEnvironment(_environ, options.environment))
+    environment += entry + '\0';
   // The child inherits the mode: no window asks somebody to confirm a crash.
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
   // Without a console a child cannot wait for the tester's keys.
@@ -72,17 +55,6 @@ bool start(const std::string& program, const std::vector<std::string>& arguments
                                       environment.data(), nullptr, &startUp, &process);
   for (HANDLE stream : {startUp.hStdInput, startUp.hStdOutput, startUp.hStdError}) CloseHandle(stream);
   return started != FALSE;
-}
-
-void waitFor(HANDLE process, ChildResult& result) {
-  if (WaitForSingleObject(process, kChildTimeLimitSeconds * 1000) != WAIT_OBJECT_0) {
-    TerminateProcess(process, kFirstExceptionCode);
-    WaitForSingleObject(process, kChildTimeLimitSeconds * 1000);
-  }
-  DWORD code = kFirstExceptionCode;
-  GetExitCodeProcess(process, &code);
-  result.endedAbnormally = code == kAbortExitCode || code >= kFirstExceptionCode;
-  if (code < kFirstExceptionCode) result.exitCode = static_cast<int>(code);
 }
 
 }  // namespace
@@ -94,7 +66,12 @@ ChildResult runChild(const std::string& program, const std::vector<std::string>&
   PROCESS_INFORMATION process{};
   result.started = start(programPath(program, ".exe"), arguments, options, streams, process);
   if (!result.started) return result;
-  waitFor(process.hProcess, result);
+  if (!endsWithin(process.dwProcessId, kTimeLimitMs)) TerminateProcess(process.hProcess, kFirstExceptionCode);
+  WaitForSingleObject(process.hProcess, INFINITE);
+  DWORD code = kFirstExceptionCode;
+  GetExitCodeProcess(process.hProcess, &code);
+  result.endedAbnormally = code == kAbortExitCode || code >= kFirstExceptionCode;
+  if (code < kFirstExceptionCode) result.exitCode = static_cast<int>(code);
   CloseHandle(process.hThread);
   CloseHandle(process.hProcess);
   streams.collect(options, result);
@@ -105,6 +82,18 @@ std::string ownProgram() {
   std::string path(1024, '\0');
   path.resize(GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size())));
   return path;
+}
+
+bool endsWithin(unsigned int processId, int milliseconds) {
+  const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, processId);
+  if (process == nullptr) return true;
+  const bool ended = WaitForSingleObject(process, static_cast<DWORD>(milliseconds)) == WAIT_OBJECT_0;
+  CloseHandle(process);
+  return ended;
+}
+
+void setVariable(const char* name, const char* value) {
+  _putenv_s(name, value == nullptr ? "" : value);
 }
 
 }  // namespace vel::test

@@ -1,14 +1,18 @@
-// Waiting for a key on a pseudo-terminal. The texts are consoleui/prompts_test.cpp's matter.
+// The user interface of tools on a pseudo-terminal: keys and the progress display. The texts are the matter
+// of consoleui's own tests.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
 
-#include <cstring>
+#include <algorithm>
+#include <chrono>
+#include <sstream>
 #include <string>
 #include <vector>
 
-#include "platform/test/child_process.h"
 #include "platform/test/posix/terminal_child.h"
+#include "platform/test/variable.h"
+#include "vel_include/vel_consoleui.h"
 
 namespace {
 
@@ -16,24 +20,10 @@ using vel::test::TerminalChild;
 
 const std::string kInvitation = " === Press any key to continue ===\r\n";
 
-/// prompt_child on a terminal.
-class Tool : public TerminalChild {
- public:
-  explicit Tool(const std::vector<std::string>& script) : TerminalChild("prompt_child", script) {}
-
-  /// Whether it now waits for a key, with the keys that send signals in force.
-  bool waitsForKey() const { return waitForKeyMode() && (attributes().c_lflag & ISIG) != 0; }
-  bool hasRestoredTerminal() const {
-    const termios before = attributesAtStart(), now = attributes();
-    return now.c_lflag == before.c_lflag && now.c_iflag == before.c_iflag && now.c_oflag == before.c_oflag &&
-           std::memcmp(now.c_cc, before.c_cc, sizeof now.c_cc) == 0;
-  }
-  /// What it wrote until its end, which is a good one.
-  std::string finish() {
-    std::string text = readToEnd();
-    EXPECT_EQ(waitForStatus(), 0);
-    EXPECT_TRUE(hasRestoredTerminal());
-    return text;
+/// prompt_child, waiting for a key.
+struct Tool : TerminalChild {
+  explicit Tool(const std::vector<std::string>& script) : TerminalChild("prompt_child", script) {
+    EXPECT_TRUE(waitsForKey());
   }
 };
 
@@ -41,7 +31,6 @@ TEST(PromptForKey, TakesOneKeyWithoutEnterAndWithoutEcho) {
   for (const char* key : {"x", "\n", "\x1B[A", "\xC3\xA4"}) {
     Tool tool({"key", "string", "Name", "-"});
     EXPECT_EQ(tool.readThrough(kInvitation), kInvitation);
-    ASSERT_TRUE(tool.waitsForKey());
     tool.type(key);
     // Nothing of the key is shown or left for the next prompt.
     const std::string question = std::string(74, '-') + "\r\n Name:\r\n ";
@@ -55,7 +44,6 @@ TEST(PromptForKey, TakesOneKeyWithoutEnterAndWithoutEcho) {
 TEST(PromptForKey, RestoresTheTerminalWhenASignalEndsTheTool) {
   for (const int signal : {SIGINT, SIGTERM, SIGQUIT, SIGHUP}) {
     Tool tool({"key"});
-    ASSERT_TRUE(tool.waitsForKey());
     tool.signal(signal);
     const int status = tool.waitForStatus();
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << signal << ": " << status;
@@ -65,35 +53,27 @@ TEST(PromptForKey, RestoresTheTerminalWhenASignalEndsTheTool) {
 
 TEST(PromptForKey, RestoresTheTerminalWhileTheToolIsStopped) {
   Tool tool({"key"});
-  ASSERT_TRUE(tool.waitsForKey());
   tool.signal(SIGTSTP);
-  EXPECT_TRUE(WIFSTOPPED(tool.waitForStatus()));
-  EXPECT_TRUE(tool.hasRestoredTerminal());
+  EXPECT_TRUE(WIFSTOPPED(tool.waitForStatus()) && tool.hasRestoredTerminal());
   tool.signal(SIGCONT);
   ASSERT_TRUE(tool.waitsForKey());
   tool.type("x");
   EXPECT_EQ(tool.finish(), kInvitation + "end\r\n");
 }
 
-TEST(PromptForKey, LeavesSignalsToTheToolsOwnHandler) {
+TEST(PromptForKey, LeavesSignalsToTheToolsOwnHandlerOrIgnored) {
   Tool tool({"catch", "key", "enter", "caught"});
-  ASSERT_TRUE(tool.waitsForKey());
   tool.signal(SIGINT);
   tool.type("x");
   // The handler is back when the key has come.
   tool.readThrough("<ENTER> to continue ===\r\n");
-  EXPECT_TRUE(tool.hasRestoredTerminal());
   tool.signal(SIGINT);
   tool.type("\n");
   EXPECT_EQ(tool.finish(), "\r\n[2]\r\nend\r\n");
-}
-
-TEST(PromptForKey, LeavesIgnoredSignalsIgnored) {
-  Tool tool({"ignore", "key"});
-  ASSERT_TRUE(tool.waitsForKey());
-  tool.signal(SIGINT);
-  tool.type("x");
-  EXPECT_EQ(tool.finish(), kInvitation + "end\r\n");
+  Tool ignoring({"ignore", "key"});
+  ignoring.signal(SIGINT);
+  ignoring.type("x");
+  EXPECT_EQ(ignoring.finish(), kInvitation + "end\r\n");
 }
 
 TEST(PromptForKey, TakesOneCharacterOfRedirectedInput) {
@@ -101,6 +81,35 @@ TEST(PromptForKey, TakesOneCharacterOfRedirectedInput) {
                                           {.input = "one\nxtwo\n"});
   EXPECT_NE(result.output.find("[one]\n"), std::string::npos) << result.output;
   EXPECT_NE(result.output.find("[two]\n"), std::string::npos) << result.output;
+}
+
+TEST(ProgressDisplay, AppearsOnlyOnATerminalAndOnlyAfterASecond) {
+  const auto start = [](const char* action, const std::vector<std::string>& arguments) {
+    return TerminalChild("ui_child", arguments, {{"UI_ACTION", action}}, true);
+  };
+  const auto before = std::chrono::steady_clock::now();
+  TerminalChild slow = start("slowProgress", {}), quiet = start("slowProgress", {"-quiet"});
+  TerminalChild fast = start("fastProgress", {});
+  EXPECT_EQ(fast.finish(), "next line\r\n");
+  std::string drawn = slow.readThrough("%");
+  EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::seconds(1));
+  drawn += slow.finish();
+  EXPECT_TRUE(drawn.ends_with("\rWorking [##############################] 100%   0:00 left\r\nnext line\r\n"))
+      << drawn;
+  EXPECT_GE(std::count(drawn.begin(), drawn.end(), '%'), 2) << drawn;
+  EXPECT_EQ(quiet.finish(), "next line\r\n");
+  const auto toFile = vel::test::runChild("ui_child", {}, {.environment = {{"UI_ACTION", "slowProgress"}}});
+  EXPECT_EQ(toFile.errors, "next line\n");
+}
+
+TEST(LabelColumn, CountsCharactersOfUtf8Texts) {
+  std::ostringstream stream;
+  const vel::test::Variable locale("LC_ALL", "de_DE.UTF-8");
+  VelClConsoleUI ui(0, nullptr);
+  ui.setOutputStream(stream);
+  ui.setFormatWidth(8);
+  ui.format("Gr\u00F6\u00DFe", "5");
+  EXPECT_EQ(stream.str(), "  Gr\u00F6\u00DFe...: 5\n");
 }
 
 }  // namespace
