@@ -1,4 +1,4 @@
-// What children inherit from this process and leave behind in it, and where programs are found.
+// What children inherit from this process and leave behind in it.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -6,7 +6,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <functional>
@@ -17,7 +16,6 @@
 #include "platform/posix/inheritance.h"
 #include "platform/test/child_process.h"
 #include "platform/test/scratch_directory.h"
-#include "platform/test/variable.h"
 
 namespace vel::platform {
 
@@ -66,18 +64,6 @@ bool hasOpen(std::uint32_t process, const fs::path& target) {
   return false;
 }
 
-std::string writeProgram(const test::ScratchDirectory& scratch, const std::string& name,
-                         const std::string& text, mode_t mode = 0700) {
-  std::string path = scratch.write(name, text);
-  EXPECT_EQ(chmod(path.c_str(), mode), 0);
-  return path;
-}
-
-std::string found(const char* name) {
-  std::array<char, 261> path{};
-  return searchProgram(name, path.data(), path.size()) ? path.data() : "-";
-}
-
 void reapEverything(int) {
   const int error = errno;
   while (waitpid(-1, nullptr, WNOHANG) > 0) {
@@ -87,12 +73,14 @@ void reapEverything(int) {
 
 TEST(PosixLaunching, FailedStartsTellTheSystemsNumber) {
   const test::ScratchDirectory scratch;
+  const std::string text = scratch.write("text", "no program"), plain = scratch.write("plain", "#!/bin/sh\n");
+  const std::string script = scratch.write("script", "#!/nowhere/shell\n");
+  for (const std::string& runnable : {text, script}) ASSERT_EQ(chmod(runnable.c_str(), 0700), 0);
   EXPECT_EQ(run({scratch.path("absent/program")}), -ENOENT);
   EXPECT_EQ(run({scratch.path()}), -ENOENT);
-  const std::string text = writeProgram(scratch, "text", "no program");
   EXPECT_EQ(run({text}), -ENOEXEC);
-  EXPECT_EQ(run({writeProgram(scratch, "plain", "#!/bin/sh\n", 0600)}), -EACCES);
-  EXPECT_EQ(run({writeProgram(scratch, "script", "#!/nowhere/shell\n")}), -ENOENT);
+  EXPECT_EQ(run({plain}), -EACCES);
+  EXPECT_EQ(run({script}), -ENOENT);
   std::uint32_t id = 0;
   EXPECT_EQ(launch(launchDetached, {text}, id), ENOEXEC);
   EXPECT_TRUE(hasNoChildren());
@@ -202,56 +190,6 @@ TEST(PosixLaunching, OnlySingleProcessesAreEnded) {
   EXPECT_EQ(waitpid(child, &status, 0), child);
   EXPECT_EQ(WTERMSIG(status), SIGKILL);
   EXPECT_EQ(endProcess(id), EndResult::CannotOpen);
-}
-
-/// A current directory "here" and a search path of "first" and "second".
-class ProgramSearch : public testing::Test {
- protected:
-  std::string add(const std::string& name, mode_t mode = 0700) const {
-    return writeProgram(scratch_, name, "#!/bin/sh\nexit 7\n", mode);
-  }
-
-  test::ScratchDirectory scratch_;
-
- private:
-  test::CurrentDirectory here_{fs::path(scratch_.write("here/x", "")).parent_path()};
-  test::Variable path_{"PATH", ("/nowhere::../first:" + scratch_.path("second")).c_str()};
-};
-
-TEST_F(ProgramSearch, LooksInTheCurrentDirectoryThenAlongThePath) {
-  EXPECT_EQ(found(""), "-");
-  EXPECT_EQ(found(std::string(5000, 'x').c_str()), "-");
-  const std::string anyCase = add("second/Tool");
-  EXPECT_EQ(found("tool.EXE"), anyCase);
-  const std::string second = add("second/tool");
-  EXPECT_EQ(found("tool.EXE"), second);
-  EXPECT_EQ(found("tool.exe"), second);
-  EXPECT_EQ(found("tool.bin"), "-");
-  for (const std::size_t capacity : {std::size_t{1}, second.size(), second.size() + 1}) {
-    std::vector<char> out(capacity);
-    EXPECT_EQ(searchProgram("tool", out.data(), out.size()), capacity > second.size());
-  }
-  add("first/tool", 0600);
-  fs::create_directory(scratch_.path("here/tool"));
-  EXPECT_EQ(found("tool.EXE"), second);
-  chmod(scratch_.path("first/tool").c_str(), 0700);
-  EXPECT_EQ(found("tool.EXE"), fs::current_path().string() + "/../first/tool");
-  for (const char* exact : {"second/tool.EXE", "here/tool.EXE"}) {
-    const std::string given = add(exact);
-    EXPECT_EQ(found("tool.EXE"), given);
-  }
-  EXPECT_EQ(run({"tool.EXE"}), 7);
-}
-
-TEST_F(ProgramSearch, NamesWithADirectoryMayBeInBackSlashes) {
-  const std::string tool = add("Dir/Tool");
-  add("here/tool");
-  for (const std::string& name : {tool, tool + ".EXE", test::backSlashed(scratch_.path("DIR/TOOL.EXE")),
-                                  std::string("..\\dir\\tool"), std::string("C:tool.EXE")}) {
-    EXPECT_EQ(run({name}), 7) << name;
-    EXPECT_TRUE(programExists(name.c_str())) << name;
-  }
-  EXPECT_FALSE(programExists("..\\dir\\absent.exe"));
 }
 
 }  // namespace
