@@ -14,11 +14,9 @@ TEST(EnvironmentVariable, EnabledValues) {
   const struct {
     const char* value;
     bool enabled;
-  } rows[] = {
-      {"ON", true}, {"on", true},  {"Yes", true},  {"TRUE", true},  {"tRuE", true},
-      {"1", true},  {"ok", false}, {"0", false},   {"yes ", false}, {" yes", false},
-      {"2", false}, {"11", false}, {"ONE", false}, {"O", false},    {"", false},
-  };
+  } rows[] = {{"1", true},    {"ok", false},   {"", false},    {"11", false},   {"ON", true},
+              {"TRUE", true}, {"on", true},    {"tRuE", true}, {"0", false},    {"ONE", false},
+              {"2", false},   {"yes ", false}, {"O", false},   {" yes", false}, {"Yes", true}};
   for (const auto& row : rows) {
     VelClEnvironmentVariable variable(kName, row.value);
     EXPECT_EQ(variable.hasValueEnabled(), row.enabled) << '"' << row.value << '"';

@@ -60,16 +60,9 @@ TEST(CommandLine, QuotesBlanksOnly) {
   // Of back-slashes at the end one is doubled, however many there are.
   const struct {
     const char *text, *written;
-  } rows[] = {{"a b", R"( "a b")"},
-              {"c", " c"},
-              {R"(d e\)", R"( "d e\\")"},
-              {R"(d e\\)", R"( "d e\\\")"},
-              {R"(f\)", R"( f\)"},
-              {"g\th", " g\th"},
-              {R"(i"j)", R"( i"j)"},
-              {R"(k "l)", R"( "k "l")"},
-              {"", " "},
-              {" ", R"( " ")"}};
+  } rows[] = {{"", " "},           {"a b", R"( "a b")"},        {"c", " c"},       {R"(i"j)", R"( i"j)"},
+              {" ", R"( " ")"},    {R"(k "l)", R"( "k "l")"},   {"g\th", " g\th"}, {R"(d e\)", R"( "d e\\")"},
+              {R"(f\)", R"( f\)"}, {R"(d e\\)", R"( "d e\\\")"}};
   for (const auto& row : rows) {
     process.addArgument(row.text);
     EXPECT_EQ(process.line(), expected += row.written);

@@ -1,35 +1,30 @@
 // Lines and dumps against a renderer that builds them character by character.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bitset>
 #include <cctype>
 #include <cstdint>
-#include <cstring>
+#include <cstdio>
 #include <iostream>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "vel_include/vel_util.h"
 
 namespace {
 
-/// The slow way: streams and one byte at a time.
-std::string groupOf(unsigned char byte, bool binary) {
-  if (binary) return std::bitset<8>(byte).to_string();
-  std::ostringstream digits;
-  digits << std::hex << std::uppercase << (byte >> 4) << (byte & 15);
-  return digits.str();
-}
-
+/// The slow way: one byte at a time.
 std::string expectedData(const std::string& bytes, bool binary) {
   const std::size_t perLine = binary ? 8 : 16;
-  std::string line;
-  std::string characters;
+  std::string line, characters;
   for (std::size_t i = 0; i < perLine; ++i) {
     const bool missing = i >= bytes.size();
     const auto byte = static_cast<unsigned char>(missing ? 0 : bytes[i]);
-    line += missing ? std::string(binary ? 8 : 2, '_') : groupOf(byte, binary);
+    char digits[3];
+    std::snprintf(digits, sizeof digits, "%02X", byte);
+    const std::string group = binary ? std::bitset<8>(byte).to_string() : digits;
+    line += missing ? std::string(group.size(), '_') : group;
     line += i + 1 == perLine / 2 ? "  " : " ";
     characters += missing ? '_' : byte < 0x80 && std::isprint(byte) != 0 ? bytes[i] : '.';
   }
@@ -37,11 +32,9 @@ std::string expectedData(const std::string& bytes, bool binary) {
 }
 
 std::string expectedLine(std::size_t offset, const std::string& bytes, bool binary) {
-  std::ostringstream address;
-  address.width(8);
-  address.fill('0');
-  address << std::hex << std::uppercase << std::right << offset << ": ";
-  return address.str() + expectedData(bytes, binary);
+  char address[24];
+  std::snprintf(address, sizeof address, "%08llX: ", static_cast<unsigned long long>(offset));
+  return address + expectedData(bytes, binary);
 }
 
 std::string expectedDump(const std::string& bytes, bool binary) {
@@ -80,14 +73,12 @@ TEST(StringRepresentation, RendersEveryByteAndEveryCount) {
 }
 
 TEST(StringRepresentation, WidensTheAddressToSixteenDigits) {
-  for (int bits = 0; bits < 64; ++bits) {
+  const char* const text = "0123456789ABCDEF";
+  for (int bits = 0; bits < 64; ++bits)
     for (const std::size_t offset : {std::size_t{1} << bits, ~std::size_t{0} >> bits}) {
-      EXPECT_EQ(VelClStrepHexDump(offset, "0123456789ABCDEF", 16).getAsCString(),
-                expectedLine(offset, "0123456789ABCDEF", false));
-      EXPECT_EQ(VelClStrepBinDump(offset, "01234567", 8).getAsCString(),
-                expectedLine(offset, "01234567", true));
+      EXPECT_EQ(VelClStrepHexDump(offset, text, 16).getAsCString(), expectedLine(offset, text, false));
+      EXPECT_EQ(VelClStrepBinDump(offset, text, 8).getAsCString(), expectedLine(offset, "01234567", true));
     }
-  }
 }
 
 TEST(StringRepresentation, PrintsAddressesAsStreamsDo) {
@@ -113,31 +104,25 @@ TEST(Dump, PrintsWholeAreasLineByLine) {
   }
 }
 
-template <typename Element>
-void expectElements() {
-  const Element elements[3] = {1, 0x4142, static_cast<Element>(-1)};
-  std::string bytes(sizeof elements, '\0');
-  std::memcpy(bytes.data(), elements, sizeof elements);
-  std::ostringstream hex, binary;
-  velDump(hex, elements, 2);
-  velDumpHex(hex, elements, 3);
-  velDumpBin(binary, elements, 3);
-  EXPECT_EQ(hex.str(),
-            expectedDump(bytes.substr(0, 2 * sizeof(Element)), false) + expectedDump(bytes, false));
-  EXPECT_EQ(binary.str(), expectedDump(bytes, true));
-}
-
 TEST(Dump, CountsElementsOfEverySizeInMemoryOrder) {
-  expectElements<unsigned short>();
-  expectElements<unsigned int>();
-  expectElements<unsigned long>();
-  expectElements<unsigned long long>();
+  const auto expectElements = [](auto last) {
+    const decltype(last) elements[3] = {1, 0x4142, last};
+    const std::string bytes(reinterpret_cast<const char*>(elements), sizeof elements);
+    std::ostringstream hex, binary;
+    velDump(hex, elements, 2);
+    velDumpHex(hex, elements, 3);
+    velDumpBin(binary, elements, 3);
+    EXPECT_EQ(hex.str(), expectedDump(bytes.substr(0, 2 * sizeof last), false) + expectedDump(bytes, false));
+    EXPECT_EQ(binary.str(), expectedDump(bytes, true));
+  };
+  expectElements(std::uint16_t{0xFFFE});
+  expectElements(std::uint32_t{0xFFFE});
+  expectElements(std::uint64_t{0xFFFE});
 }
 
 TEST(Dump, GoesToStandardOutputUnlessTheFormIsForDebugging) {
   const std::uint16_t words[2] = {0x3130, 0x3332};
-  std::ostringstream shown;
-  std::streambuf* const console = std::cout.rdbuf(shown.rdbuf());
+  testing::internal::CaptureStdout();
   velDump("ab", 2);
   velDumpHex("ab", 2);
   velDumpBin("ab", 2);
@@ -148,11 +133,11 @@ TEST(Dump, GoesToStandardOutputUnlessTheFormIsForDebugging) {
   velDebugDump(std::cout, words, 2);
   velDebugDumpHex(words, 2);
   velDebugDumpBin(std::cout, "ab", 2);
-  std::cout.rdbuf(console);
+  std::cout.flush();
   std::string expected;
   for (const char* text : {"ab", "0123"})
     expected += expectedDump(text, false) + expectedDump(text, false) + expectedDump(text, true);
-  EXPECT_EQ(shown.str(), expected);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), expected);
 }
 
 }  // namespace
