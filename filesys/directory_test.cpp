@@ -51,23 +51,13 @@ TEST(RelativePath, IsExpandedFromItsRootOrTheCurrentDirectory) {
       full = "\\\\s\\" + std::string(kLimit - 5, 'x');
   const struct {
     std::string path, result;
-  } rows[] = {{"\\\\s\\h\\a\\..\\b\\", "\\\\s\\h\\b\\"},
-              {"C:\\a\\..\\..\\", kFailed},
-              {"C:\\a\\abc.\\..b\\", "C:\\a\\..b\\"},
-              {"C:\\a\\abc..\\", "C:\\"},
-              {"C:\\a\\b\\..\\.\\c\\", "C:\\a\\c\\"},
-              {"\\\\s\\h", "\\\\s\\h\\"},
-              {"\\\\s\\h\\a\\..\\..\\", kFailed},
-              {full + "x", kFailed},
-              {"\\\\s\\h\\:", "\\\\s\\h\\"},
-              {full, full + "\\"},
-              {fitting + "\\", current + fitting + "\\"},
-              {up + "a\\", root + "a\\"},
-              {"", current},
-              {"a\\.\\x\\..\\b\\c", current + "a\\b\\"},
-              {fitting + "x\\", kFailed},
-              {fitting + "xx\\..\\", current},
-              {up + "..\\", kFailed}};
+  } rows[] = {
+      {full, full + "\\"},        {"\\\\s\\h\\a\\..\\..\\", kFailed},        {"", current},
+      {full + "x", kFailed},      {"C:\\a\\abc.\\..b\\", "C:\\a\\..b\\"},    {fitting + "x\\", kFailed},
+      {up + "..\\", kFailed},     {"C:\\a\\b\\..\\.\\c\\", "C:\\a\\c\\"},    {"C:\\a\\..\\..\\", kFailed},
+      {"C:\\a\\abc..\\", "C:\\"}, {"\\\\s\\h\\a\\..\\b\\", "\\\\s\\h\\b\\"}, {"\\\\s\\h\\:", "\\\\s\\h\\"},
+      {"\\\\s\\h", "\\\\s\\h\\"}, {"a\\.\\x\\..\\b\\c", current + "a\\b\\"}, {fitting + "xx\\..\\", current},
+      {up + "a\\", root + "a\\"}, {fitting + "\\", current + fitting + "\\"}};
   for (const auto& row : rows) EXPECT_EQ(row.result, expanded(row.path)) << row.path;
   const vel::test::CurrentDirectory inRoot(fs::current_path().root_path());
   EXPECT_EQ(root + "a\\", expanded("a\\"));
@@ -79,13 +69,10 @@ TEST(Directory, NameIsAbsoluteAndNormalized) {
   const struct {
     std::string name, absolute;
     unsigned int subDirs;
-  } rows[] = {{"C:\\.cache\\a.b", "C:\\.cache\\a.b\\", 2},
-              {"\\\\s\\h", "\\\\s\\h\\", 3},
-              {"\\\\s\\h\\a/b", "\\\\s\\h\\a\\b\\", 5},
-              {long258, long258 + "\\", 1},
-              {long258 + "\\", long258 + "\\", 1},
-              {"C:", "C:\\", 0},
-              {"C:/x/./y/", "C:\\x\\y\\", 2}};
+  } rows[] = {{long258, long258 + "\\", 1},       {"C:", "C:\\", 0},
+              {"\\\\s\\h", "\\\\s\\h\\", 3},      {"\\\\s\\h\\a/b", "\\\\s\\h\\a\\b\\", 5},
+              {"C:/x/./y/", "C:\\x\\y\\", 2},     {"C:\\.cache\\a.b", "C:\\.cache\\a.b\\", 2},
+              {long258 + "\\", long258 + "\\", 1}};
   for (const auto& row : rows) {
     const VelClDirectory directory(row.name.c_str());
     EXPECT_STREQ(row.absolute.c_str(), directory) << row.name;

@@ -58,30 +58,43 @@ TEST_F(FileTest, AnswersForFilesThereAndMissing) {
   EXPECT_NEAR(now - 3'600'000, static_cast<double>(there.getDateTimeOfLastModification()), 60);
 }
 
-TEST_F(FileTest, CopiesOverAnExistingTargetWithOrWithoutAttributes) {
-  VelClFile source = fileWith("source.x", "new\r\n");
-  scratch_.write("target", "a longer old text");
-  EXPECT_FALSE(source.copyTo(name("no\\where"), true));
-  EXPECT_EQ(Left(FILE_COULD_NOT_COPY, IO_PROBLEM), left(source));
+TEST_F(FileTest, CopiesWholeContentsWithOrWithoutAttributes) {
+  std::string large;
+  for (int line = 0; line < 30000; ++line) large += std::to_string(line) + '\n';
+  // New target, longer target before, shorter one before.
+  for (const std::string& bytes : {large, std::string("short\r\n\0\x1A.", 10), std::string(), large}) {
+    scratch_.write("source.x", bytes);
+    EXPECT_TRUE(file("source.x").copyTo(name("target"), true));
+    EXPECT_EQ(bytes, contents("target"));
+  }
+  VelClFile source = file("source.x");
   source.setReadOnly(true);
   EXPECT_TRUE(source.copyTo(name("target"), true) && source.copyTo(name("writable"), false));
   EXPECT_EQ(kNone, left(source));
   EXPECT_TRUE(source.isReadOnly() && file("target").isReadOnly() && !file("writable").isReadOnly());
-  EXPECT_FALSE(file("missing").copyTo(name("target"), true));
-  EXPECT_EQ("new\r\n", contents("target"));
   fs::create_directory(scratch_.path("sub"));
   EXPECT_TRUE(source.copyTo(directory("sub").getName(), true));
-  EXPECT_EQ("new\r\n", contents("sub/source.x"));
+  EXPECT_EQ(large, contents("sub/source.x"));
 }
 
-TEST_F(FileTest, IsNotCopiedOntoItself) {
-  VelClFile source = fileWith("source.x", "text");
-  EXPECT_FALSE(source.copyTo(name("SOURCE.X"), false));
+TEST_F(FileTest, FailedCopiesLeaveAllAsItWas) {
+  fileWith("readOnly", "kept").setReadOnly(true);
+  scratch_.write("source", "kept");
+  fs::create_hard_link(scratch_.path("source"), scratch_.path("link"));
+  fs::create_directory(scratch_.path("sub"));
+  const char* const rows[][2] = {{"source", "no\\where"}, {"source", "readOnly"},  {"source", "link"},
+                                 {"source", "sub"},       {"source", ".\\source"}, {"missing", "source"},
+                                 {"sub", "new"},          {"missing", "new"},      {"", "new"}};
+  for (const auto& [from, to] : rows) {
+    VelClFile source = file(from);
+    EXPECT_FALSE(source.copyTo(name(to), false)) << to;
+    EXPECT_EQ(Left(FILE_COULD_NOT_COPY, IO_PROBLEM), left(source));
+  }
+  VelClFile source = file("source");
+  EXPECT_FALSE(source.copyTo(name("SOURCE"), false));
   EXPECT_EQ(Left(FILE_COULD_NOT_COPY_SELF, INCONSISTENT_SITUATION), left(source));
-  // The same file by a name that only the system can tell.
-  EXPECT_FALSE(source.copyTo(name(".\\source.x"), false));
-  EXPECT_EQ(Left(FILE_COULD_NOT_COPY, IO_PROBLEM), left(source));
-  EXPECT_EQ("text", contents("source.x"));
+  EXPECT_EQ("keptkept", contents("source") + contents("readOnly"));
+  EXPECT_TRUE(!file("new").isExistent() && fs::is_empty(scratch_.path("sub")));
 }
 
 TEST_F(FileTest, RemovesReadOnlyFilesButNoDirectory) {
@@ -95,16 +108,22 @@ TEST_F(FileTest, RemovesReadOnlyFilesButNoDirectory) {
   EXPECT_TRUE(notAFile.isExistent());
 }
 
-TEST_F(FileTest, RenamesButNeverOntoAnExistingFile) {
+TEST_F(FileTest, RenamesButNeverOntoAnExistingEntry) {
   VelClFile renamed = fileWith("old", "old text"), missing = file("missing");
   scratch_.write("taken", "taken text");
-  EXPECT_FALSE(renamed.renameAs(name("taken")) || missing.renameAs(name("other")));
-  EXPECT_EQ(Left(FILE_COULD_NOT_RENAME, IO_ALREADY_IN_USE), left(renamed));
+  fs::create_directory(scratch_.path("empty"));
+  for (const char* taken : {"taken", "old", "empty"}) {
+    EXPECT_FALSE(renamed.renameAs(name(taken)));
+    EXPECT_EQ(Left(FILE_COULD_NOT_RENAME, IO_ALREADY_IN_USE), left(renamed));
+  }
+  EXPECT_FALSE(missing.renameAs(name("other")));
   EXPECT_EQ(Left(FILE_COULD_NOT_RENAME, IO_PERMISSION_DENIED), left(missing));
-  EXPECT_TRUE(renamed.renameAs(name("new")));
-  EXPECT_EQ(kNone, left(renamed));
-  EXPECT_TRUE(renamed.getFilename() == name("new"));
-  EXPECT_EQ("taken textold text", contents("taken") + contents("new"));
+  for (const char* free : {"new", "NEW"}) {
+    EXPECT_TRUE(renamed.renameAs(name(free)));
+    EXPECT_EQ(kNone, left(renamed));
+    EXPECT_STREQ(free, renamed.getFilename().getName());
+    EXPECT_EQ("taken textold text", contents("taken") + contents(free));
+  }
 }
 
 class Searcher : public VelClFile {

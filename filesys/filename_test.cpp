@@ -85,6 +85,7 @@ TEST(Filename, RecognisesFat83Names) {
     EXPECT_FALSE(VelClFilename(name).isStyleFAT_8_3()) << name;
 }
 
+// All that was set is the extension, whatever dots it has. Texts may be those of the name itself.
 TEST(Filename, ChangesParts) {
   using Name = VelClFilename;
   const struct {
@@ -94,7 +95,6 @@ TEST(Filename, ChangesParts) {
   } rows[] = {{"d\\a.txt", [](Name& f) { f.setNewExtension("doc"); }, "|d|a|.doc"},
               {"d\\a.txt", [](Name& f) { f.setNewExtension(nullptr); }, "|d|a|"},
               {"d.d\\a", [](Name& f) { f.setNewExtension(".x"); }, "|d.d|a|.x"},
-              // All that was set is the extension, whatever dots it has.
               {"a.txt", [](Name& f) { f.setNewExtension("tar.gz"); }, "||a|.tar.gz"},
               {"d\\a.txt", [](Name& f) { f.setNewName("b"); }, "|d|b|"},
               {"/d/a.txt", [](Name& f) { f.setNewBaseName("b"); }, "|/d|b|.txt"},
@@ -104,7 +104,6 @@ TEST(Filename, ChangesParts) {
               {"d\\a.txt", [](Name& f) { f.setNewPath(VelClLocation("", false)); }, "||a|.txt"},
               {"a/b\\c/d.e", [](Name& f) { f.removePath(); }, "||c/d|.e"},
               {"\\\\s\\h\\d\\a.txt", [](Name& f) { f.removePath(); }, "||a|.txt"},
-              // Texts of the name itself.
               {"dir\\a.txt", [](Name& f) { f = f.getName(); }, "||a|.txt"},
               {"dir\\a.txt", [](Name& f) { f.setNewName(f.getName()); }, "|dir|a|.txt"},
               {"dir\\a.txt", [](Name& f) { f.setNewBaseName(f.getName()); }, "|dir|a.txt|.txt"},
@@ -112,18 +111,16 @@ TEST(Filename, ChangesParts) {
               {"dir\\a.txt", [](Name& f) { f.setNewPath(f.getName()); }, "|a.txt|a|.txt"},
               {"dir\\a.txt", [](Name& f) { f.setNew(f.getName(), f.getAsCString()); }, "|a.txt\\dir|a|.txt"}};
   for (const auto& row : rows) {
-    Name name(row.before), copy;
+    Name name(row.before);
     row.change(name);
-    copy = name;  // keeps the parts where they are
+    const Name copy = name;  // keeps the parts where they are
     EXPECT_EQ(row.parts, partsOf(name)) << row.before;
     EXPECT_EQ(row.parts, partsOf(copy)) << row.before;
   }
-}
-
-TEST(Filename, KeepsItsStyleWithoutPath) {
-  VelClFilename name("/d/A");
+  // Without its path the name keeps its style.
+  Name name("/d/A");
   name.removePath();
-  EXPECT_FALSE(name.hasPath() || name == VelClFilename("a"));
+  EXPECT_FALSE(name.hasPath() || name == Name("a"));
 }
 
 // Around the limit nothing is written beyond it, and what fits stays.

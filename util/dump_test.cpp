@@ -45,31 +45,16 @@ std::string expectedDump(const std::string& bytes, bool binary) {
   return dump;
 }
 
-std::string allBytes(std::size_t count) {
-  std::string bytes;
-  for (std::size_t i = 0; i < count; ++i) bytes += static_cast<char>(i * 7 + i / 256);
-  return bytes;
-}
-
 TEST(StringRepresentation, HasTheDocumentedLines) {
   EXPECT_STREQ(VelClStrepHexDump(16, "ABCDEFGHIJKLMNOPxyz", 19).getAsCString(),
                "00000010: 41 42 43 44 45 46 47 48  49 4A 4B 4C 4D 4E 4F 50 | ABCDEFGHIJKLMNOP");
+  EXPECT_EQ(VelClStrepHexDump(nullptr, 0).getAsCString(), expectedData("", false));
+  EXPECT_EQ(VelClStrepBinDump("123456789", 9).getAsCString(), expectedData("12345678", true));
   EXPECT_STREQ(VelClStrepHexDump("\n", 1).getAsCString(),
                "0A __ __ __ __ __ __ __  __ __ __ __ __ __ __ __ | ._______________");
   EXPECT_STREQ(
       VelClStrepBinDump(8, "A\n", 2).getAsCString(),
       "00000008: 01000001 00001010 ________ ________  ________ ________ ________ ________ | A.______");
-}
-
-TEST(StringRepresentation, RendersEveryByteAndEveryCount) {
-  const std::string bytes = allBytes(256);
-  for (std::size_t start = 0; start < bytes.size(); ++start)
-    for (std::size_t count = 0; count <= 18; ++count) {
-      const std::string part = bytes.substr(start, count);
-      EXPECT_EQ(VelClStrepHexDump(part.data(), part.size()).getAsCString(), expectedData(part, false));
-      EXPECT_EQ(VelClStrepBinDump(part.data(), part.size()).getAsCString(), expectedData(part, true));
-    }
-  EXPECT_EQ(VelClStrepHexDump(nullptr, 0).getAsCString(), expectedData("", false));
 }
 
 TEST(StringRepresentation, WidensTheAddressToSixteenDigits) {
@@ -90,8 +75,9 @@ TEST(StringRepresentation, PrintsAddressesAsStreamsDo) {
 }
 
 TEST(Dump, PrintsWholeAreasLineByLine) {
-  for (const std::size_t count : {0U, 1U, 7U, 8U, 9U, 15U, 16U, 17U, 512U, 1023U, 1024U, 1025U, 5000U}) {
-    const std::string bytes = allBytes(count);
+  for (const unsigned count : {0U, 1U, 2U, 7U, 8U, 9U, 15U, 16U, 17U, 512U, 1023U, 1024U, 1025U, 5000U}) {
+    std::string bytes;
+    for (std::size_t i = 0; i < count; ++i) bytes += static_cast<char>(i * 7 + i / 256);
     std::ostringstream hex, sameHex, binary;
     // Neither the stream's settings nor its fill character touch a dump.
     hex.width(200);
@@ -104,20 +90,15 @@ TEST(Dump, PrintsWholeAreasLineByLine) {
   }
 }
 
-TEST(Dump, CountsElementsOfEverySizeInMemoryOrder) {
-  const auto expectElements = [](auto last) {
-    const decltype(last) elements[3] = {1, 0x4142, last};
-    const std::string bytes(reinterpret_cast<const char*>(elements), sizeof elements);
-    std::ostringstream hex, binary;
-    velDump(hex, elements, 2);
-    velDumpHex(hex, elements, 3);
-    velDumpBin(binary, elements, 3);
-    EXPECT_EQ(hex.str(), expectedDump(bytes.substr(0, 2 * sizeof last), false) + expectedDump(bytes, false));
-    EXPECT_EQ(binary.str(), expectedDump(bytes, true));
-  };
-  expectElements(std::uint16_t{0xFFFE});
-  expectElements(std::uint32_t{0xFFFE});
-  expectElements(std::uint64_t{0xFFFE});
+TEST(Dump, CountsElementsInMemoryOrder) {
+  const std::uint64_t numbers[] = {0x4142434445464748, 1};
+  const std::string bytes(reinterpret_cast<const char*>(numbers), sizeof numbers);
+  std::ostringstream dump;
+  velDump(dump, numbers, 1);
+  velDumpHex(dump, numbers, 2);
+  velDumpBin(dump, numbers, 2);
+  EXPECT_EQ(dump.str(),
+            expectedDump(bytes.substr(0, 8), false) + expectedDump(bytes, false) + expectedDump(bytes, true));
 }
 
 TEST(Dump, GoesToStandardOutputUnlessTheFormIsForDebugging) {

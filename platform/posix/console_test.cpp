@@ -1,35 +1,133 @@
 // The user interface of tools on a pseudo-terminal: keys and the progress display. The texts are the matter
 // of consoleui's own tests.
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <pty.h>
 #include <signal.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstring>
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "platform/test/posix/terminal_child.h"
+#include "platform/test/child_process.h"
 #include "platform/test/variable.h"
 #include "vel_include/vel_consoleui.h"
 
 namespace {
 
-using vel::test::TerminalChild;
+namespace fs = std::filesystem;
+
+/// A program on a pseudo-terminal of its own, and the user in front of it. The terminal does not control the
+/// program: signals are sent with `signal`, not typed.
+class Tool {
+ public:
+  /// With onlyErrors the terminal is standard error alone.
+  Tool(const char* program, std::vector<std::string> arguments, bool onlyErrors = false) {
+    const std::string path = fs::path(vel::test::ownProgram()).replace_filename(program).string();
+    arguments.insert(arguments.begin(), path);
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    int terminal = -1;
+    EXPECT_EQ(openpty(&master_, &terminal, nullptr, nullptr, nullptr), 0);
+    atStart_ = attributes();
+    child_ = fork();
+    if (child_ == 0) {
+      setpgid(0, 0);
+      for (int stream = onlyErrors ? 2 : 0; stream < 3; ++stream) dup2(terminal, stream);
+      close(terminal);
+      close(master_);
+      execv(pointers[0], pointers.data());
+      _exit(127);
+    }
+    close(terminal);
+  }
+  Tool(const Tool&) = delete;
+  ~Tool() {
+    if (!ended_) kill(child_, SIGKILL);
+    if (!ended_) waitpid(child_, nullptr, 0);
+    close(master_);
+  }
+
+  void type(const std::string& keys) const {
+    EXPECT_EQ(write(master_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+  }
+  void signal(int number) const { kill(child_, number); }
+
+  /// All that it wrote since the last call, with the terminal's CR LF, up to and with `text`; less when it
+  /// ended before.
+  std::string readThrough(const std::string& text) {
+    pollfd terminal{master_, POLLIN, 0};
+    std::size_t at = 0;
+    while ((at = unread_.find(text)) == std::string::npos &&
+           poll(&terminal, 1, vel::test::kTimeLimitMs) == 1) {
+      char buffer[512];
+      const ssize_t count = read(master_, buffer, sizeof buffer);
+      if (count <= 0) break;
+      unread_.append(buffer, static_cast<std::size_t>(count));
+    }
+    std::string result = unread_.substr(0, at == std::string::npos ? at : at + text.size());
+    unread_.erase(0, result.size());
+    return result;
+  }
+  /// The wait status of its next stop or of its end.
+  int waitForStatus() {
+    int status = -1;
+    EXPECT_TRUE(
+        vel::test::waitUntil([&] { return waitpid(child_, &status, WNOHANG | WUNTRACED) == child_; }));
+    ended_ = !WIFSTOPPED(status);
+    return status;
+  }
+  /// What it wrote until its end, which must be a good one and leave the terminal as it was.
+  std::string finish() {
+    std::string text = readThrough(std::string("\0", 1));
+    EXPECT_EQ(waitForStatus(), 0);
+    EXPECT_TRUE(hasRestoredTerminal());
+    return text;
+  }
+
+  /// Whether keys come to arrive at once and unseen, while those that send signals still do.
+  bool waitsForKey() const {
+    return vel::test::waitUntil([this] { return (attributes().c_lflag & (ICANON | ECHO | ISIG)) == ISIG; });
+  }
+  /// Also behind the program's end.
+  bool hasRestoredTerminal() const {
+    const termios now = attributes();
+    return std::memcmp(&now, &atStart_, sizeof now) == 0;
+  }
+
+ private:
+  termios attributes() const {
+    termios result{};
+    EXPECT_EQ(tcgetattr(master_, &result), 0);
+    return result;
+  }
+
+  int master_ = -1;
+  termios atStart_{};
+  pid_t child_ = -1;
+  bool ended_ = false;
+  std::string unread_;
+};
 
 const std::string kInvitation = " === Press any key to continue ===\r\n";
 
 /// prompt_child, waiting for a key.
-struct Tool : TerminalChild {
-  explicit Tool(const std::vector<std::string>& script) : TerminalChild("prompt_child", script) {
+struct Prompting : Tool {
+  explicit Prompting(const std::vector<std::string>& script) : Tool("prompt_child", script) {
     EXPECT_TRUE(waitsForKey());
   }
 };
 
 TEST(PromptForKey, TakesOneKeyWithoutEnterAndWithoutEcho) {
   for (const char* key : {"x", "\n", "\x1B[A", "\xC3\xA4"}) {
-    Tool tool({"key", "string", "Name", "-"});
+    Prompting tool({"key", "string", "Name", "-"});
     EXPECT_EQ(tool.readThrough(kInvitation), kInvitation);
     tool.type(key);
     // Nothing of the key is shown or left for the next prompt.
@@ -43,7 +141,7 @@ TEST(PromptForKey, TakesOneKeyWithoutEnterAndWithoutEcho) {
 
 TEST(PromptForKey, RestoresTheTerminalWhenASignalEndsTheTool) {
   for (const int signal : {SIGINT, SIGTERM, SIGQUIT, SIGHUP}) {
-    Tool tool({"key"});
+    Prompting tool({"key"});
     tool.signal(signal);
     const int status = tool.waitForStatus();
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << signal << ": " << status;
@@ -52,7 +150,7 @@ TEST(PromptForKey, RestoresTheTerminalWhenASignalEndsTheTool) {
 }
 
 TEST(PromptForKey, RestoresTheTerminalWhileTheToolIsStopped) {
-  Tool tool({"key"});
+  Prompting tool({"key"});
   tool.signal(SIGTSTP);
   EXPECT_TRUE(WIFSTOPPED(tool.waitForStatus()) && tool.hasRestoredTerminal());
   tool.signal(SIGCONT);
@@ -62,7 +160,7 @@ TEST(PromptForKey, RestoresTheTerminalWhileTheToolIsStopped) {
 }
 
 TEST(PromptForKey, LeavesSignalsToTheToolsOwnHandlerOrIgnored) {
-  Tool tool({"catch", "key", "enter", "caught"});
+  Prompting tool({"catch", "key", "enter", "caught"});
   tool.signal(SIGINT);
   tool.type("x");
   // The handler is back when the key has come.
@@ -70,7 +168,7 @@ TEST(PromptForKey, LeavesSignalsToTheToolsOwnHandlerOrIgnored) {
   tool.signal(SIGINT);
   tool.type("\n");
   EXPECT_EQ(tool.finish(), "\r\n[2]\r\nend\r\n");
-  Tool ignoring({"ignore", "key"});
+  Prompting ignoring({"ignore", "key"});
   ignoring.signal(SIGINT);
   ignoring.type("x");
   EXPECT_EQ(ignoring.finish(), kInvitation + "end\r\n");
@@ -84,12 +182,11 @@ TEST(PromptForKey, TakesOneCharacterOfRedirectedInput) {
 }
 
 TEST(ProgressDisplay, AppearsOnlyOnATerminalAndOnlyAfterASecond) {
-  const auto start = [](const char* action, const std::vector<std::string>& arguments) {
-    return TerminalChild("ui_child", arguments, {{"UI_ACTION", action}}, true);
-  };
   const auto before = std::chrono::steady_clock::now();
-  TerminalChild slow = start("slowProgress", {}), quiet = start("slowProgress", {"-quiet"});
-  TerminalChild fast = start("fastProgress", {});
+  const vel::test::Variable action("UI_ACTION", "fastProgress");
+  Tool fast("ui_child", {}, true);
+  action.set("slowProgress");
+  Tool slow("ui_child", {}, true), quiet("ui_child", {"-quiet"}, true);
   EXPECT_EQ(fast.finish(), "next line\r\n");
   std::string drawn = slow.readThrough("%");
   EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::seconds(1));
@@ -98,7 +195,7 @@ TEST(ProgressDisplay, AppearsOnlyOnATerminalAndOnlyAfterASecond) {
       << drawn;
   EXPECT_GE(std::count(drawn.begin(), drawn.end(), '%'), 2) << drawn;
   EXPECT_EQ(quiet.finish(), "next line\r\n");
-  const auto toFile = vel::test::runChild("ui_child", {}, {.environment = {{"UI_ACTION", "slowProgress"}}});
+  const auto toFile = vel::test::runChild("ui_child", {});
   EXPECT_EQ(toFile.errors, "next line\n");
 }
 

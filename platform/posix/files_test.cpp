@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/platform.h"
+#include "platform/posix/native_path.h"
 #include "platform/posix/rename.h"
 #include "platform/test/scratch_directory.h"
 #include "platform/test/variable.h"
@@ -35,21 +36,66 @@ class PosixFiles : public testing::Test {
   const std::string file_ = scratch_.write("file", "kept");
 };
 
+// What matches nothing stays as typed, and so does all behind it. The exact name comes first, else the first
+// in byte order. Only ASCII letters are folded, and nothing in names with slashes.
+TEST_F(PosixFiles, BackSlashNamesTakeTheSpellingOfTheirEntries) {
+  for (const char* entry :
+       {"Dir/Sub/File.txt", "twice/a", "twice/A", "twice/B.txt", "twice/b.TXT", "\xC4.txt"})
+    scratch_.write(entry, "");
+  fs::create_symlink("nowhere", path("Broken"));
+  const test::CurrentDirectory in(path(""));
+  const struct {
+    const char *name, *path;
+  } rows[] = {{".\\dir\\..\\DIR\\sub\\", "./Dir/../Dir/Sub/"},
+              {"\\\\server\\share\\x", "//server/share/x"},
+              {"dir/sub\\FILE.txt", "Dir/Sub/File.txt"},
+              {"dir\\sub\\file.tx", "Dir/Sub/file.tx"},
+              {"dir/sub/file.txt", "dir/sub/file.txt"},
+              {"dir\\New\\FILE", "Dir/New/FILE"},
+              {"twice\\B.TXT", "twice/B.txt"},
+              {"twice\\a", "twice/a"},
+              {"broken", "Broken"},
+              {"C:/TMP", "/tmp"},
+              {"1:\\x", "1:/x"},
+              {"C:DIR", "Dir"},
+              {"/TMP", "/TMP"},
+              {"dir", "Dir"},
+              {"c:\\", "/"},
+              {"C:", "."},
+              {"\xC4.TXT", "\xC4.txt"},
+              {"", ""},
+              {"\xE4.txt", "\xE4.txt"}};
+  for (const auto& row : rows) EXPECT_STREQ(NativePath(row.name).get(), row.path) << row.name;
+  EXPECT_EQ(NativePath(typed("DIR\\sub\\FILE.txt").c_str()).get(), path("Dir/Sub/File.txt"));
+  EXPECT_STREQ(NativePath("dir\\SUB\\file.TXT", NativePath::Match::AllButLast).get(), "Dir/Sub/file.TXT");
+  EXPECT_STREQ(NativePath("\\TMP", NativePath::Match::AllButLast).get(), "/TMP");
+}
+
 TEST_F(PosixFiles, BackSlashNamesReachExistingFiles) {
   EntryStatus status;
   EXPECT_TRUE(entryExists(typed("FILE").c_str()) && statusOf(typed("FILE").c_str(), status));
   EXPECT_NE(copyFile(file_.c_str(), typed("FILE").c_str()), 0);
-  EXPECT_EQ(renameFile(file_.c_str(), typed("New").c_str()), 0);
-  EXPECT_EQ(renameFile(path("New").c_str(), typed("NEW").c_str()), 0);
-  EXPECT_EQ(readFile(path("NEW")), "kept");
   scratch_.write("third", "third");
-  EXPECT_EQ(renameFile(path("NEW").c_str(), typed("THIRD").c_str()), EEXIST);
-  EXPECT_EQ(removeFile(typed("new").c_str()), 0);
-  EXPECT_FALSE(fs::exists(path("NEW")));
+  EXPECT_EQ(renameFile(file_.c_str(), typed("THIRD").c_str()), EEXIST);
+  EXPECT_EQ(removeFile(typed("FILE").c_str()), 0);
+  EXPECT_FALSE(fs::exists(file_));
 }
 
-TEST_F(PosixFiles, LongNamesFail) {
-  const std::string name = typed(std::string(260, 'x'));
+TEST_F(PosixFiles, CurrentDirectoryFitsExactlyOrNotAtAll) {
+  const test::CurrentDirectory in(path(""));
+  const std::string directory = test::backSlashed(fs::current_path().string());
+  char out[261];
+  EXPECT_TRUE(currentDirectory(out, directory.size() + 1));
+  EXPECT_EQ(out, directory);
+  for (std::size_t capacity = 0; capacity <= directory.size(); ++capacity)
+    EXPECT_FALSE(currentDirectory(out, capacity)) << capacity;
+}
+
+TEST_F(PosixFiles, LongNamesFailAndAreNeverCut) {
+  EXPECT_TRUE(NativePath(std::string(260, '\\').c_str()).fits());
+  EXPECT_FALSE(NativePath(std::string(261, '\\').c_str()).fits());
+  const std::string slashName(1000, '/'), name = typed(std::string(260, 'x'));
+  EXPECT_EQ(NativePath(slashName.c_str()).get(), slashName.c_str());
   EXPECT_FALSE(entryExists(name.c_str()) || isWritable(name.c_str()));
   EXPECT_EQ(copyFile(file_.c_str(), name.c_str()), ENAMETOOLONG);
   EXPECT_EQ(renameFile(file_.c_str(), name.c_str()), ENAMETOOLONG);
@@ -117,18 +163,24 @@ TEST_F(PosixFiles, RemovingALinkLeavesItsTargetAlone) {
   EXPECT_EQ(modeOf("file"), mode_t{0644});
 }
 
-TEST_F(PosixFiles, RenamingWithoutTheFileSystemsHelp) {
-  const auto rename = [this](const char* from, const char* to) {
-    return renameByLink(path(from).c_str(), path(to).c_str());
-  };
-  scratch_.write("directory/other", "other");
-  fs::create_directory(path("empty"));
-  for (const char* target : {"file", "directory/other", "directory"})
-    EXPECT_EQ(rename("file", target), EEXIST);
-  EXPECT_EQ(rename("directory", "empty"), EEXIST);
-  EXPECT_EQ(rename("missing", "new"), ENOENT);
-  EXPECT_EQ(rename("file", "new") | rename("directory", "moved"), 0);
-  EXPECT_EQ(readFile(path("new")) + readFile(path("moved/other")) + readFile(file_), "keptother");
+TEST_F(PosixFiles, RenamingNeverReplaces) {
+  // With and without the file system's help.
+  for (const auto way : {renameFile, renameByLink}) {
+    const test::ScratchDirectory scratch;
+    const auto rename = [&](const char* from, const char* to) {
+      return way(scratch.path(from).c_str(), scratch.path(to).c_str());
+    };
+    scratch.write("file", "kept");
+    scratch.write("directory/other", "other");
+    fs::create_directory(scratch.path("empty"));
+    for (const char* target : {"file", "directory/other", "directory"})
+      EXPECT_EQ(rename("file", target), EEXIST);
+    EXPECT_EQ(rename("directory", "empty"), EEXIST);
+    EXPECT_EQ(rename("missing", "new"), ENOENT);
+    EXPECT_EQ(rename("file", "new") | rename("directory", "moved"), 0);
+    EXPECT_EQ(readFile(scratch.path("new")) + readFile(scratch.path("moved/other")), "keptother");
+    EXPECT_FALSE(fs::exists(scratch.path("file")));
+  }
 }
 
 TEST(PosixTmpDirectory, IsTmpdirOrTmp) {

@@ -51,15 +51,9 @@ TEST(WindowsSystem, ThunksLeadToTheFunctionOfAnNtSystem) {
   EXPECT_EQ(windowsPlatformId(), 2);
 }
 
-TEST(WindowsSystem, DescriptorsTellTheModeBefore) {
-  const test::ScratchDirectory scratch;
-  const int file = _open(scratch.write("file", "").c_str(), _O_RDWR | _O_BINARY);
-  EXPECT_EQ(setDescriptorMode(file, DescriptorMode::Text), DescriptorMode::Binary);
-  EXPECT_EQ(setDescriptorMode(file, DescriptorMode::Binary), DescriptorMode::Text);
-  EXPECT_EQ(setDescriptorMode(file, DescriptorMode::Binary), DescriptorMode::Binary);
+TEST(WindowsSystem, TheNullDeviceIsNoTerminal) {
   const int null = _open("NUL", _O_WRONLY);
-  EXPECT_FALSE(isTerminal(file) || isTerminal(null));
-  _close(file);
+  EXPECT_TRUE(null >= 0 && !isTerminal(null));
   _close(null);
 }
 
@@ -77,22 +71,6 @@ TEST(WindowsSystem, TextsAreCutBetweenCharacters) {
     EXPECT_EQ(out.substr(0, count), row.bytes) << &row - rows;
     EXPECT_EQ(out[row.capacity], '#') << &row - rows;
   }
-}
-
-TEST(WindowsSystem, CatalogsAreLoadedAndMapped) {
-  // A copy, since the program itself is already there in another form.
-  const test::ScratchDirectory scratch;
-  const std::string bytes = test::readFile(test::ownProgram());
-  CatalogImage image{};
-  ASSERT_TRUE(openCatalog(scratch.write("copy.DLL", bytes).c_str(), image));
-  // Up to the end of the last page.
-  ASSERT_GE(image.sizeInBytes, bytes.size());
-  EXPECT_EQ(std::memcmp(image.data, bytes.data(), bytes.size()), 0);
-  closeCatalog(image);
-  EXPECT_TRUE(image.module == nullptr && image.data == nullptr);
-  for (const std::string& name :
-       {scratch.path("missing.DLL"), scratch.write("text.DLL", "no library"), scratch.write("empty.DLL", "")})
-    EXPECT_FALSE(openCatalog(name.c_str(), image)) << name;
 }
 
 }  // namespace

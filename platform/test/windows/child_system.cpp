@@ -1,12 +1,10 @@
 // Child processes by CreateProcess, and other processes by their handles.
-#include "platform/test/child_process.h"
+#include "platform/test/child_system.h"
 
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
 #include <cstdlib>
-
-#include "platform/test/child_streams.h"
 
 namespace vel::test {
 
@@ -35,38 +33,29 @@ HANDLE openStream(const std::string& path, DWORD access) {
                      &inheritable, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
-bool start(const std::string& program, const std::vector<std::string>& arguments, const ChildOptions& options,
-           const ChildStreams& streams, PROCESS_INFORMATION& process) {
+}  // namespace
+
+void runPlan(ChildPlan plan, ChildResult& result) {
   STARTUPINFOA startUp{};
   startUp.cb = sizeof startUp;
   startUp.dwFlags = STARTF_USESTDHANDLES;
-  startUp.hStdInput = openStream(streams.input, GENERIC_READ);
-  startUp.hStdOutput = openStream(streams.output, FILE_APPEND_DATA | SYNCHRONIZE);
-  startUp.hStdError = openStream(streams.errors, FILE_APPEND_DATA | SYNCHRONIZE);
-  std::string line = quoted(program);
-  for (const std::string& argument : arguments) line += " " + quoted(argument);
-  std::string environment;
-  for (const std::string& entry : changedEnvironment(_environ, options.environment))
-    environment += entry + '\0';
+  startUp.hStdInput = openStream(plan.streams[0], GENERIC_READ);
+  startUp.hStdOutput = openStream(plan.streams[1], FILE_APPEND_DATA | SYNCHRONIZE);
+  startUp.hStdError = openStream(plan.streams[2], FILE_APPEND_DATA | SYNCHRONIZE);
+  const std::string program = plan.program + (plan.program.ends_with(".exe") ? "" : ".exe");
+  std::string line = quoted(program), environment;
+  for (const std::string& argument : plan.arguments) line += " " + quoted(argument);
+  for (const std::string& entry : plan.environment) environment += entry + '\0';
   // The child inherits the mode: no window asks somebody to confirm a crash.
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
-  // Without a console a child cannot wait for the tester's keys.
-  const BOOL started = CreateProcessA(program.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS,
-                                      environment.data(), nullptr, &startUp, &process);
-  for (HANDLE stream : {startUp.hStdInput, startUp.hStdOutput, startUp.hStdError}) CloseHandle(stream);
-  return started != FALSE;
-}
-
-}  // namespace
-
-ChildResult runChild(const std::string& program, const std::vector<std::string>& arguments,
-                     const ChildOptions& options) {
-  const ChildStreams streams(options.input);
-  ChildResult result;
   PROCESS_INFORMATION process{};
-  result.started = start(programPath(program, ".exe"), arguments, options, streams, process);
-  if (!result.started) return result;
-  if (!endsWithin(process.dwProcessId, kTimeLimitMs)) TerminateProcess(process.hProcess, kFirstExceptionCode);
+  // Without a console a child cannot wait for the tester's keys.
+  result.started = CreateProcessA(program.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS,
+                                  environment.data(), nullptr, &startUp, &process);
+  for (HANDLE stream : {startUp.hStdInput, startUp.hStdOutput, startUp.hStdError}) CloseHandle(stream);
+  if (!result.started) return;
+  if (WaitForSingleObject(process.hProcess, kTimeLimitMs) != WAIT_OBJECT_0)
+    TerminateProcess(process.hProcess, kFirstExceptionCode);
   WaitForSingleObject(process.hProcess, INFINITE);
   DWORD code = kFirstExceptionCode;
   GetExitCodeProcess(process.hProcess, &code);
@@ -74,8 +63,6 @@ ChildResult runChild(const std::string& program, const std::vector<std::string>&
   if (code < kFirstExceptionCode) result.exitCode = static_cast<int>(code);
   CloseHandle(process.hThread);
   CloseHandle(process.hProcess);
-  streams.collect(options, result);
-  return result;
 }
 
 std::string ownProgram() {
