@@ -28,17 +28,10 @@ class FileTest : public vel::test::DirectoryFixture {
 };
 
 TEST(File, TakesADefaultType) {
-  const struct {
-    const char *name, *defaultType, *text, *type;
-  } rows[] = {{"readme", "txt", "readme.txt", "txt"},
-              {"a", ".DLL", "a.DLL", "DLL"},
-              {"a.cfg", "txt", "a.cfg", "cfg"},
-              {"a", nullptr, "a", ""}};
-  for (const auto& row : rows) {
-    const VelClFile file(VelClFilename(row.name), row.defaultType);
-    EXPECT_STREQ(row.text, file);
-    EXPECT_STREQ(row.type, file.getFileType());
-  }
+  EXPECT_STREQ("readme.txt", VelClFile(VelClFilename("readme"), "txt"));
+  EXPECT_STREQ("a.DLL", VelClFile(VelClFilename("a"), ".DLL"));
+  EXPECT_STREQ("cfg", VelClFile(VelClFilename("a.cfg"), "txt").getFileType());
+  EXPECT_STREQ("", VelClFile(VelClFilename("a"), nullptr).getFileType());
 }
 
 TEST_F(FileTest, AnswersForFilesThereAndMissing) {
@@ -69,9 +62,9 @@ TEST_F(FileTest, CopiesWholeContentsWithOrWithoutAttributes) {
   }
   VelClFile source = file("source.x");
   source.setReadOnly(true);
-  EXPECT_TRUE(source.copyTo(name("target"), true) && source.copyTo(name("writable"), false));
+  EXPECT_TRUE(source.copyTo(name("kept"), true) && source.copyTo(name("writable"), false));
   EXPECT_EQ(kNone, left(source));
-  EXPECT_TRUE(source.isReadOnly() && file("target").isReadOnly() && !file("writable").isReadOnly());
+  EXPECT_TRUE(source.isReadOnly() && file("kept").isReadOnly() && !file("writable").isReadOnly());
   fs::create_directory(scratch_.path("sub"));
   EXPECT_TRUE(source.copyTo(directory("sub").getName(), true));
   EXPECT_EQ(large, contents("sub/source.x"));

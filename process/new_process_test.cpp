@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 using Texts = std::vector<std::string>;
 using vel::test::Variable;
 
-constexpr unsigned long kFileNotFound = 2;
+constexpr unsigned long kFileNotFound = 2, kNotLaunched = PROCESS_COULD_NOT_LAUNCH;
 
 class NewProcess : public testing::Test {
  protected:
@@ -107,26 +107,25 @@ TEST_F(NewProcess, ArgumentsAreSplitAsTheWindowsRuntimeDoes) {
   const struct {
     const char* line;
     Texts arguments;
-  } rows[] = {
-      {R"(a b  c)", {"a", "b", "c"}},
-      {"a\tb \t c ", {"a", "b", "c"}},
-      {R"("a b" c)", {"a b", "c"}},
-      {"\"a\tb\"", {"a\tb"}},
-      {R"(a" b "c d)", {"a b c", "d"}},
-      {R"("" x "")", {"", "x", ""}},
-      {R"("open to the end)", {"open to the end"}},
-      {R"(")", {""}},
-      {"* $HOME %PATH% a;b 'c'", {"*", "$HOME", "%PATH%", "a;b", "'c'"}},
-      {R"(a\b \\server\share c\)", {R"(a\b)", R"(\\server\share)", R"(c\)"}},
-      {R"("a\\b" "\ ")", {R"(a\\b)", R"(\ )"}},
-      {R"(\" a\"b c)", {"\"", "a\"b", "c"}},
-      {R"(\\"a b" c)", {R"(\a b)", "c"}},
-      {R"(\\\"a b)", {R"(\"a)", "b"}},
-      {R"("a b\\" c)", {R"(a b\)", "c"}},
-      {R"("a b\" c)", {R"(a b" c)"}},
-      {R"("a b\\\" c" d)", {R"(a b\" c)", "d"}},
-      {R"("a b\\\\" c)", {R"(a b\\)", "c"}},
-      {R"(\\\\"x" \\\\y)", {R"(\\x)", R"(\\\\y)"}}};
+  } rows[] = {{R"(a b  c)", {"a", "b", "c"}},
+              {"a\tb \t c ", {"a", "b", "c"}},
+              {R"("a b" c)", {"a b", "c"}},
+              {"\"a\tb\"", {"a\tb"}},
+              {R"(a" b "c d)", {"a b c", "d"}},
+              {R"("" x "")", {"", "x", ""}},
+              {R"("open to the end)", {"open to the end"}},
+              {R"(")", {""}},
+              {"* $HOME %PATH% a;b 'c'", {"*", "$HOME", "%PATH%", "a;b", "'c'"}},
+              {R"(a\b \\server\share c\)", {R"(a\b)", R"(\\server\share)", R"(c\)"}},
+              {R"("a\\b" "\ ")", {R"(a\\b)", R"(\ )"}},
+              {R"(\" a\"b c)", {"\"", "a\"b", "c"}},
+              {R"(\\"a b" c)", {R"(\a b)", "c"}},
+              {R"(\\\"a b)", {R"(\"a)", "b"}},
+              {R"("a b\\" c)", {R"(a b\)", "c"}},
+              {R"("a b\" c)", {R"(a b" c)"}},
+              {R"("a b\\\" c" d)", {R"(a b\" c)", "d"}},
+              {R"("a b\\\\" c)", {R"(a b\\)", "c"}},
+              {R"(\\\\"x" \\\\y)", {R"(\\x)", R"(\\\\y)"}}};
   long code = 256;
   for (const auto& [line, expected] : rows) {
     VelClNewSyncProcess process(child_);
@@ -143,18 +142,6 @@ TEST_F(NewProcess, ArgumentsAreSplitAsTheWindowsRuntimeDoes) {
     }
     EXPECT_EQ(arguments(), arrived) << line;
     EXPECT_EQ(split(std::string("prog ") + line), texts) << line;
-  }
-}
-
-TEST_F(NewProcess, MissingProgramsAreNotFound) {
-  const VelClExeFile exe("vel_no_such_program");
-  VelClNewSyncProcess waited(exe);
-  VelClNewAsyncProcess detached(exe);
-  for (VelClNewProcessABase* process : std::initializer_list<VelClNewProcessABase*>{&waited, &detached}) {
-    EXPECT_FALSE(process->launch());
-    EXPECT_EQ(process->getResult(), kFileNotFound);
-    EXPECT_EQ(process->getLastError().getErrorId(), static_cast<unsigned long>(PROCESS_COULD_NOT_LAUNCH));
-    EXPECT_EQ(process->getLastError().errorClass, VelEnErrorClass::UNKNOWN_PROCESS);
   }
 }
 
@@ -205,7 +192,14 @@ TEST_F(NewProcess, ProgramsAreSearchedAlongPath) {
     VelClNewSyncProcess process(exe);
     process.addArgument(4L);
     EXPECT_EQ(process.launch(), row.launches) << row.name;
-    EXPECT_EQ(process.getResult() == 4, row.launches) << process.getResult();
+    EXPECT_EQ(process.getResult(), row.launches ? 4 : kFileNotFound);
+    EXPECT_EQ(process.getLastError().getErrorId(), row.launches ? 0UL : kNotLaunched);
+    EXPECT_EQ(process.getLastError().errorClass,
+              row.launches ? VelEnErrorClass::UNKNOWN : VelEnErrorClass::UNKNOWN_PROCESS);
+    if (row.launches) continue;
+    VelClNewAsyncProcess detached(exe);
+    EXPECT_FALSE(detached.launch());
+    EXPECT_EQ(detached.getLastError().getErrorId(), kNotLaunched);
   }
 }
 

@@ -128,7 +128,7 @@ TEST_F(PosixDirectories, AListingThatBreaksOffFails) {
   const int next = dup(0);
   close(next);
   VelClDirectoryWalk walk(directory("outside"));
-  close(next);
+  close(next);  // which is the walk's
   while (walk.setToNext()) {
   }
   EXPECT_EQ(walk.getLastError().errorId, DIRWALK_NO_CONTINUATION);
@@ -138,14 +138,13 @@ TEST_F(PosixDirectories, AListingThatBreaksOffFails) {
 
 TEST_F(PosixDirectories, ExclusiveCreationOpensOnlyWhatIsNew) {
   link("nowhere", "broken");
+  SystemError error = 0;
   for (const char* taken : {"outside/deep/file", "broken"}) {
-    SystemError error = 0;
     EXPECT_EQ(createExclusively(scratch_.path(taken).c_str(), error), -1);
     EXPECT_EQ(error, EEXIST) << taken;
   }
-  char name[VEL_MAX_PATH_LENGTH + 1], bytes[4] = "";
-  const int descriptor = velTmpFileCreate(scratch_.path().c_str(), nullptr, name);
-  ASSERT_GE(descriptor, 0);
+  const int descriptor = createExclusively(scratch_.path("new").c_str(), error);
+  char bytes[4] = "";
   EXPECT_TRUE(pwrite(descriptor, "a\nb", 3, 0) == 3 && pread(descriptor, bytes, 3, 0) == 3);
   EXPECT_STREQ(bytes, "a\nb");
   struct stat status {};
