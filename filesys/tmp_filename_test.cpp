@@ -76,7 +76,7 @@ TEST_F(TmpFilenameTest, GivesUpWithoutRoomForTheRandomCharactersAndCreatesNothin
   while (full.size() < kLimit) full += full.size() + 2 <= kLimit ? ".\\" : "\\";
   EXPECT_EQ(full.substr(0, kLimit), VelClTmpFilename(full.c_str(), "TMP").getAsCString());
   for (const std::string& path :
-       {full, full.substr(0, kLimit - 5), scratch_.path("missing"), std::string(1000, 'x')}) {
+       {full.substr(0, kLimit - 5), full, scratch_.path("missing"), std::string(1000, 'x')}) {
     char buffer[kLimit + 1] = "old";
     EXPECT_EQ(-1, velTmpFileCreate(path.c_str(), nullptr, buffer));
     EXPECT_STREQ("", buffer);

@@ -1,4 +1,4 @@
-// Import thunks, platform identifiers, descriptors' modes, code pages and catalog libraries; and the public
+// Import thunks, platform identifiers, terminals, code pages and catalog libraries; and the public
 // headers beside windows.h, which defines some of their names as macros.
 #include <windows.h>
 
@@ -71,6 +71,14 @@ TEST(WindowsSystem, TextsAreCutBetweenCharacters) {
     EXPECT_EQ(out.substr(0, count), row.bytes) << &row - rows;
     EXPECT_EQ(out[row.capacity], '#') << &row - rows;
   }
+}
+
+TEST(WindowsSystem, WhatIsNoLibraryIsNoCatalog) {
+  const test::ScratchDirectory scratch;
+  CatalogImage image{};
+  for (const std::string& name :
+       {scratch.path("missing.DLL"), scratch.write("text.DLL", "no library"), scratch.write("empty.DLL", "")})
+    EXPECT_FALSE(openCatalog(name.c_str(), image)) << name;
 }
 
 }  // namespace
