@@ -15,7 +15,6 @@
 #include <string>
 
 #include "platform/platform.h"
-#include "platform/test/child_process.h"
 #include "platform/test/scratch_directory.h"
 
 // Both macros are as they were.
