@@ -1,5 +1,5 @@
 // Whole dialogues with redirected input: prompt_child asks, and its bytes are compared. A terminal is
-// platform/posix/prompts_test.cpp's matter.
+// platform/posix/console_test.cpp's matter.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,45 +1,77 @@
 // Directories by name and on disk, by back-slash names on every system, and the last error of each operation.
 #include "filesys/test/directory_fixture.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <ctime>
 #include <fstream>
 #include <string>
-#include <utility>
 
 namespace {
 
 namespace fs = std::filesystem;
 using enum VelEnErrorClass;
-using vel::test::backSlashed;
-using Left = std::pair<uint32_t, VelEnErrorClass>;
+using vel::test::kNone;
+using vel::test::Left;
+using vel::test::left;
 
 constexpr size_t kLimit = VEL_MAX_PATH_LENGTH;
+constexpr char kFailed[] = "(failed)";
 
-Left left(const VelClDirectory& directory) {
-  return {directory.getLastError().errorId, directory.getLastError().errorClass};
-}
-
-const Left kNone(VEL_NO_ERROR, UNKNOWN);
 const Left kNotExpanded(DIRECTORY_EXPANSION_FAILED, IO_INVALID_NAME);
 const Left kNotDetached(DIRECTORY_COULD_NOT_DETACH, LOGIC);
 const Left kNotCreated(DIRECTORY_COULD_NOT_CREATE, IO_NOT_EXISTENT);
 const Left kNotRemoved(DIRECTORY_COULD_NOT_REMOVE, IO_INVALID_NAME);
+
+std::string expanded(const std::string& path) {
+  char buffer[kLimit + 1];
+  buffer[path.copy(buffer, kLimit)] = '\0';
+  if (VelClFileABase::expandRelativePath(buffer)) return buffer;
+  EXPECT_STREQ("", buffer) << path;
+  return kFailed;
+}
+
+TEST(RelativePath, IncludesAbsoluteOnesThatNeedExpansion) {
+  for (const char* path : {"a\\", "", "\\a\\", "C:/a", "C:\\a\\..\\b", "C:\\a.\\b"})
+    EXPECT_TRUE(VelClFileABase::isRelativePath(path)) << path;
+  for (const char* path : {"C:\\a\\", "C:\\.a\\", "/a/./b", "\\\\s\\h\\a"})
+    EXPECT_FALSE(VelClFileABase::isRelativePath(path)) << path;
+}
+
+// Only the end of a component counts, and what is behind the last separator is dropped. Whether it fits is
+// asked of the result, not of what it passes through.
+TEST(RelativePath, IsExpandedFromItsRootOrTheCurrentDirectory) {
+  const vel::test::ScratchDirectory scratch;
+  const vel::test::CurrentDirectory in(scratch.path());
+  const std::string current = vel::test::backSlashed(fs::current_path().string()) + "\\";
+  const std::string root = current.substr(0, 3);
+  std::string up;
+  for (auto i = std::count(current.begin(), current.end(), '\\'); i > 1; --i) up += "..\\";
+  const std::string fitting(kLimit - current.size() - 1, 'x'),
+      full = "\\\\s\\" + std::string(kLimit - 5, 'x');
+  const struct {
+    std::string path, result;
+  } rows[] = {
+      {full, full + "\\"},        {"\\\\s\\h\\a\\..\\..\\", kFailed},        {"", current},
+      {full + "x", kFailed},      {"C:\\a\\abc.\\..b\\", "C:\\a\\..b\\"},    {fitting + "x\\", kFailed},
+      {up + "..\\", kFailed},     {"C:\\a\\b\\..\\.\\c\\", "C:\\a\\c\\"},    {"C:\\a\\..\\..\\", kFailed},
+      {"C:\\a\\abc..\\", "C:\\"}, {"\\\\s\\h\\a\\..\\b\\", "\\\\s\\h\\b\\"}, {"\\\\s\\h\\:", "\\\\s\\h\\"},
+      {"\\\\s\\h", "\\\\s\\h\\"}, {"a\\.\\x\\..\\b\\c", current + "a\\b\\"}, {fitting + "xx\\..\\", current},
+      {up + "a\\", root + "a\\"}, {fitting + "\\", current + fitting + "\\"}};
+  for (const auto& row : rows) EXPECT_EQ(row.result, expanded(row.path)) << row.path;
+  const vel::test::CurrentDirectory inRoot(fs::current_path().root_path());
+  EXPECT_EQ(root + "a\\", expanded("a\\"));
+}
 
 TEST(Directory, NameIsAbsoluteAndNormalized) {
   const std::string long258 = "C:\\" + std::string(kLimit - 4, 'x');
   const struct {
     std::string name, absolute;
     unsigned int subDirs;
-  } rows[] = {{"C:\\.cache\\a.b", "C:\\.cache\\a.b\\", 2},
-              {"\\\\s\\h", "\\\\s\\h\\", 3},
-              {"\\\\s\\h\\a/b", "\\\\s\\h\\a\\b\\", 5},
-              {long258, long258 + "\\", 1},
-              {"C:\\x\\y\\..\\z", "C:\\x\\z\\", 2},
-              {"C:\\", "C:\\", 0},
-              {long258 + "\\", long258 + "\\", 1},
-              {"C:", "C:\\", 0},
-              {"C:/x/./y/", "C:\\x\\y\\", 2}};
+  } rows[] = {{long258, long258 + "\\", 1},       {"C:", "C:\\", 0},
+              {"\\\\s\\h", "\\\\s\\h\\", 3},      {"\\\\s\\h\\a/b", "\\\\s\\h\\a\\b\\", 5},
+              {"C:/x/./y/", "C:\\x\\y\\", 2},     {"C:\\.cache\\a.b", "C:\\.cache\\a.b\\", 2},
+              {long258 + "\\", long258 + "\\", 1}};
   for (const auto& row : rows) {
     const VelClDirectory directory(row.name.c_str());
     EXPECT_STREQ(row.absolute.c_str(), directory) << row.name;
@@ -51,35 +83,16 @@ TEST(Directory, NameIsAbsoluteAndNormalized) {
 
 // Cut to the limit, a name could be that of another directory.
 TEST(Directory, WithoutAbsoluteNameDoesNothing) {
-  for (const std::string& name :
-       {std::string("C:\\a\\..\\..\\"), std::string("\\\\s\\h\\..\\"), "C:\\" + std::string(kLimit - 3, 'x'),
-        std::string(1000, 'x'), "C:\\" + std::string(100, 'x') + "\\..\\" + std::string(160, 'y')}) {
+  for (const std::string& name : {std::string("C:\\a\\..\\..\\"), "C:\\" + std::string(kLimit - 3, 'x'),
+                                  "C:\\" + std::string(100, 'x') + "\\..\\" + std::string(160, 'y')}) {
     VelClDirectory directory(name.c_str());
     EXPECT_STREQ("", directory);
     EXPECT_EQ(kNotExpanded, left(directory)) << name;
-    EXPECT_EQ(0U, directory.getNumOfSubDirs());
-    EXPECT_FALSE(directory.detachLastSubDir() || directory.detachSubDirs(2));
-    EXPECT_EQ(kNotDetached, left(directory));
-    EXPECT_FALSE(directory.create());
+    EXPECT_FALSE(directory.detachLastSubDir() || directory.detachSubDirs(2) || directory.setAsCurrent() ||
+                 directory.removeAll(true) || directory.isExistent() || directory.create());
     EXPECT_EQ(kNotCreated, left(directory));
-    EXPECT_FALSE(directory.setAsCurrent() || directory.removeAll(true) || directory.isExistent());
-    EXPECT_EQ(0, directory.getDateTimeOfCreation() | directory.getDateTimeOfLastModification());
+    EXPECT_EQ(0, directory.getDateTimeOfCreation() | directory.getNumOfSubDirs());
   }
-}
-
-TEST(Directory, StartsInTheCurrentDirectory) {
-  const vel::test::ScratchDirectory scratch;
-  const vel::test::CurrentDirectory in(scratch.path());
-  const std::string current = backSlashed(fs::current_path().string()) + "\\";
-  for (const char* name : {"", "x\\..\\.\\", static_cast<const char*>(nullptr)})
-    EXPECT_EQ(current, VelClDirectory(name).getAsCString());
-  VelClDirectory sub("sub");
-  EXPECT_FALSE(sub.setAsCurrent());
-  EXPECT_EQ(Left(DIRECTORY_COULD_NOT_CHANGE, IO_NOT_EXISTENT), left(sub));
-  EXPECT_TRUE(sub.create() && sub.setAsCurrent());
-  EXPECT_EQ(kNone, left(sub));
-  EXPECT_STREQ(sub, VelClDirectory());
-  fs::current_path(scratch.path());
 }
 
 TEST(Directory, GoesDownAndUp) {
@@ -90,27 +103,25 @@ TEST(Directory, GoesDownAndUp) {
               {"..\\d/e", "C:\\a\\b\\d\\e\\"},
               {"..\\..\\..\\", "C:\\a\\"},
               {"\\\\server\\share\\x", "C:\\a\\\\x\\"},
-              {"..\\..\\..\\", "C:\\"}};
+              {"..\\..\\..\\a\\b\\c", "C:\\a\\b\\c\\"}};
   for (const auto& row : rows) {
     directory.attachSubDir(VelClLocation(row.sub, false));
     EXPECT_STREQ(row.result, directory) << row.sub;
     EXPECT_EQ(kNone, left(directory));
   }
-  directory.attachSubDir(VelClLocation("a\\b\\c", false));
-  EXPECT_TRUE(directory.detachSubDirs(0) && directory.detachLastSubDir());
-  EXPECT_STREQ("C:\\a\\b\\", directory);
-  EXPECT_FALSE(directory.detachSubDirs(3));
-  EXPECT_EQ(kNotDetached, left(directory));
-  EXPECT_STREQ("C:\\", directory);
-  EXPECT_TRUE(directory.detachSubDirs(0));
-  EXPECT_EQ(kNone, left(directory));
-  directory.attachSubDir(VelClLocation("..\\", false));
+  directory.attachSubDir(VelClLocation("..\\..\\..\\..\\", false));
   EXPECT_STREQ("", directory);
   EXPECT_EQ(kNotExpanded, left(directory));
-  VelClDirectory share("\\\\s\\h\\a\\");
-  EXPECT_TRUE(share.detachLastSubDir());
-  EXPECT_STREQ("\\\\s\\h\\", share);
-  EXPECT_FALSE(share.detachLastSubDir());
+  for (const std::string root : {"C:\\", "\\\\s\\h\\"}) {
+    VelClDirectory deep((root + "a\\b").c_str());
+    EXPECT_TRUE(deep.detachLastSubDir());
+    EXPECT_EQ(root + "a\\", deep.getAsCString());
+    EXPECT_FALSE(deep.detachSubDirs(2));
+    EXPECT_EQ(kNotDetached, left(deep));
+    EXPECT_EQ(root, deep.getAsCString());
+    EXPECT_TRUE(deep.detachSubDirs(0));
+    EXPECT_EQ(kNone, left(deep));
+  }
   VelClDirectory longest(("C:\\" + std::string(kLimit - 6, 'x')).c_str());
   longest.attachSubDir(VelClLocation("y", false));
   EXPECT_EQ(kLimit, longest.getName().getLength());
@@ -120,72 +131,62 @@ TEST(Directory, GoesDownAndUp) {
 
 using DirectoryTest = vel::test::DirectoryFixture;
 
-TEST_F(DirectoryTest, IsCreatedWithItsParents) {
-  VelClDirectory created = directory("new1\\new2\\");
-  EXPECT_TRUE(created.create());
-  EXPECT_TRUE(fs::is_directory(scratch_.path("new1/new2")));
-  EXPECT_TRUE(created.create() && VelClDirectory("\\\\server").create());
+TEST_F(DirectoryTest, StartsInTheCurrentDirectory) {
+  const vel::test::CurrentDirectory in(scratch_.path());
+  const std::string current = vel::test::backSlashed(fs::current_path().string()) + "\\";
+  for (const char* name : {"", "x\\..\\.\\", static_cast<const char*>(nullptr)})
+    EXPECT_EQ(current, VelClDirectory(name).getAsCString());
+  VelClDirectory sub("sub");
+  EXPECT_FALSE(sub.setAsCurrent());
+  EXPECT_EQ(Left(DIRECTORY_COULD_NOT_CHANGE, IO_NOT_EXISTENT), left(sub));
+  EXPECT_TRUE(sub.create() && sub.setAsCurrent());
+  EXPECT_EQ(kNone, left(sub));
+  EXPECT_STREQ(sub, VelClDirectory());
+}
+
+TEST_F(DirectoryTest, IsCreatedWithItsParentsAndRemovedWhenEmpty) {
+  VelClDirectory created = directory("a\\b"), parent = directory("a");
+  EXPECT_FALSE(created.remove());
+  EXPECT_EQ(kNotRemoved, left(created));
+  EXPECT_TRUE(created.create() && created.create() && VelClDirectory("\\\\server").create());
   EXPECT_EQ(kNone, left(created));
-  EXPECT_TRUE(created.isExistent() && created.isDirectory() && !created.isFile());
+  EXPECT_TRUE(fs::is_directory(scratch_.path("a/b")) && created.isExistent());
   EXPECT_NEAR(static_cast<double>(std::time(nullptr)),
               static_cast<double>(created.getDateTimeOfLastModification()), 60);
   EXPECT_NE(0, VelClDirectory("C:\\").getDateTimeOfLastAccess());
-  scratch_.write("new1/file", "text");
-  VelClDirectory below = directory("new1\\file\\below");
-  EXPECT_FALSE(below.create());
-  EXPECT_EQ(kNotCreated, left(below));
-}
-
-TEST_F(DirectoryTest, IsRemovedWhenEmpty) {
-  VelClDirectory removed = directory("a\\b");
-  EXPECT_FALSE(removed.remove());
-  EXPECT_EQ(kNotRemoved, left(removed));
-  EXPECT_TRUE(removed.create());
-  VelClDirectory parent = directory("a");
   EXPECT_FALSE(parent.remove());
   EXPECT_EQ(kNotRemoved, left(parent));
-  EXPECT_TRUE(removed.remove() && parent.removeAll(true));
-  EXPECT_EQ(kNone, left(removed));
+  EXPECT_TRUE(created.remove() && parent.removeAll(true));
+  EXPECT_EQ(kNone, left(created));
   scratch_.write("file", "text");
-  VelClDirectory file = directory("file");
-  EXPECT_FALSE(file.removeAll(true));
+  VelClDirectory file = directory("file"), below = directory("file\\below");
+  EXPECT_FALSE(below.create() || file.removeAll(true));
+  EXPECT_EQ(kNotCreated, left(below));
   EXPECT_EQ(kNotRemoved, left(file));
   EXPECT_TRUE(fs::exists(scratch_.path("file")));
 }
 
-TEST_F(DirectoryTest, IsRemovedWithItsContents) {
-  for (const char* entry :
-       {"tree/file", "tree/.hidden", "tree/a.b", "tree/sub/sub/file", "tree/sub/x.y", "beside/file"})
-    scratch_.write(entry, "text");
-  fs::create_directory(scratch_.path("tree/empty"));
-  VelClDirectory tree = directory("tree");
-  EXPECT_FALSE(tree.removeAll(false));
-  EXPECT_TRUE(tree.removeAll(true));
-  EXPECT_EQ(kNone, left(tree));
-  EXPECT_FALSE(fs::exists(scratch_.path("tree")));
-  EXPECT_TRUE(fs::exists(scratch_.path("beside/file")));
-}
-
-// A dot as first or second character makes it no sub-directory.
-TEST_F(DirectoryTest, KeepsDirectoriesWithEarlyDots) {
-  for (const char* kept : {".cache", "a.b", "..x"}) {
-    scratch_.write(std::string("tree/") + kept + "/file", "text");
-    scratch_.write("tree/other/file", "text");
+// A dot as first or second character makes it no sub-directory, and its contents are kept.
+TEST_F(DirectoryTest, IsRemovedWithItsContentsUnlessThereAreDirectoriesWithEarlyDots) {
+  for (const std::string kept : {"", ".cache", "a.b", "..x"}) {
+    for (const char* entry : {"tree/file", "tree/.hidden", "tree/a.c", "tree/sub/sub/file", "tree/sub/x.y"})
+      scratch_.write(entry, "text");
+    fs::create_directory(scratch_.path("tree/empty"));
+    if (!kept.empty()) scratch_.write("tree/" + kept + "/file", "text");
     VelClDirectory tree = directory("tree");
-    EXPECT_FALSE(tree.removeAll(true)) << kept;
-    EXPECT_EQ(kNotRemoved, left(tree));
-    EXPECT_TRUE(fs::exists(scratch_.path("tree") + "/" + kept + "/file"));
-    EXPECT_FALSE(fs::exists(scratch_.path("tree/other")));
+    EXPECT_FALSE(tree.removeAll(false));
+    EXPECT_EQ(kept.empty(), tree.removeAll(true)) << kept;
+    EXPECT_EQ(kept.empty() ? kNone : kNotRemoved, left(tree));
+    EXPECT_EQ(kept.empty(), !fs::exists(scratch_.path("tree/" + kept + "/file")) && !tree.isExistent());
+    EXPECT_FALSE(fs::exists(scratch_.path("tree/sub")));
     fs::remove_all(scratch_.path("tree"));
   }
 }
 
 // Whether a read-only file can be removed as it is, is the system's answer.
 TEST_F(DirectoryTest, DoesNotMakeFilesWritable) {
-  const std::string probe = scratch_.write("probe", "text");
-  const std::string file = scratch_.write("tree/sub/file", "text");
-  for (const std::string& name : {probe, file})
-    VelClFile(VelClFilename(name.c_str()), nullptr).setReadOnly(true);
+  const std::string probe = scratch_.write("probe", "text"), file = scratch_.write("tree/sub/file", "text");
+  for (const char* entry : {"probe", "tree\\sub\\file"}) VelClFile(name(entry), nullptr).setReadOnly(true);
   const bool removable = std::remove(probe.c_str()) == 0;
   EXPECT_EQ(removable, directory("tree").removeAll(true));
   EXPECT_EQ(!removable, fs::exists(file));
@@ -195,8 +196,7 @@ TEST_F(DirectoryTest, RemovesNamesOfAnyLength) {
   fs::path path = vel::test::unlimited(scratch_.path("tree"));
   for (int level = 0; level < 5; ++level, path /= std::string(200, 'd')) {
     ASSERT_TRUE(fs::create_directory(path));
-    std::ofstream(path / std::string(255, 'f')) << "text";
-    ASSERT_TRUE(fs::exists(path / std::string(255, 'f')));
+    ASSERT_TRUE((std::ofstream(path / std::string(255, 'f')) << "text").flush());
   }
   EXPECT_TRUE(directory("tree").removeAll(true));
   EXPECT_FALSE(fs::exists(scratch_.path("tree")));

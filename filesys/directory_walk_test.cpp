@@ -9,7 +9,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-using vel::test::backSlashed;
 
 using DirectoryWalkTest = vel::test::DirectoryFixture;
 
@@ -23,7 +22,7 @@ TEST_F(DirectoryWalkTest, TellsWhatEntriesAre) {
       fs::create_directory(scratch_.path(name));
     else
       scratch_.write(name, "text");
-  VelClFile(VelClFilename(scratch_.path("only").c_str()), nullptr).setReadOnly(true);
+  VelClFile(name("only"), nullptr).setReadOnly(true);
   std::map<std::string, std::string> found;
   VelClDirectoryWalk walk(directory(""));
   for (; walk.isValid(); walk.setToNext()) {
@@ -32,47 +31,41 @@ TEST_F(DirectoryWalkTest, TellsWhatEntriesAre) {
                              (walk.isSubDirectory() ? "s" : "") + (walk.isReadOnly() ? "r" : "");
     EXPECT_TRUE(found.emplace(walk.getNameWithoutPath(), bits).second) << walk.getNameWithoutPath();
     EXPECT_NE(walk.isDirectory(), walk.isFile());
-    EXPECT_EQ(backSlashed(scratch_.path()) + "\\" + walk.getNameWithoutPath(), walk.getNameWithPath());
+    EXPECT_EQ(typed(walk.getNameWithoutPath()), walk.getNameWithPath());
     const VelClFile file(VelClFilename(walk.getNameWithPath()), nullptr);
-    EXPECT_EQ(walk.isFile() && walk.isHidden(), walk.isFile() && file.isHidden());
+    EXPECT_TRUE(walk.isDirectory() || walk.isHidden() == file.isHidden());
     EXPECT_EQ(found.size() == 1, walk.isCurrentDirectory());
   }
   EXPECT_EQ(expected, found);
   EXPECT_EQ(0U, walk.getLastError().errorId);
-}
-
-TEST_F(DirectoryWalkTest, AnswersNothingBehindTheEnd) {
-  const std::string missing = scratch_.path("missing");
-  const std::string file = scratch_.write("file", "text");
-  for (const std::string& name : {missing, file, missing + "/" + std::string(300, 'x')}) {
-    VelClDirectoryWalk walk(VelClLocation(name.c_str(), false));
-    EXPECT_FALSE(walk.isValid() || walk.setToNext());
-    EXPECT_EQ(DIRWALK_COULD_NOT_INIT, walk.getLastError().errorId) << name;
-    EXPECT_EQ(VelEnErrorClass::IO_PROBLEM, walk.getLastError().errorClass);
-  }
-  VelClDirectoryWalk walk(directory(""));
-  while (walk.setToNext()) {
-  }
-  EXPECT_FALSE(walk.isValid() || walk.setToNext() || walk.isDirectory() || walk.isFile() || walk.isHidden() ||
+  EXPECT_FALSE(walk.setToNext() || walk.isDirectory() || walk.isFile() || walk.isHidden() ||
                walk.isReadOnly() || walk.isCurrentDirectory() || walk.isParentDirectory() ||
                walk.isSubDirectory() || walk.matchesWildcardPattern("*"));
   EXPECT_STREQ("", walk.getNameWithoutPath());
   EXPECT_EQ(0U, walk.getLastError().errorId);
 }
 
+TEST_F(DirectoryWalkTest, FailsForWhatIsNoDirectory) {
+  const std::string missing = scratch_.path("missing"), file = scratch_.write("file", "text");
+  for (const std::string& name : {missing, file, missing + "/" + std::string(300, 'x')}) {
+    VelClDirectoryWalk walk(VelClLocation(name.c_str(), false));
+    EXPECT_FALSE(walk.isValid() || walk.setToNext());
+    EXPECT_EQ(vel::test::Left(DIRWALK_COULD_NOT_INIT, VelEnErrorClass::IO_PROBLEM), vel::test::left(walk))
+        << name;
+  }
+}
+
 TEST_F(DirectoryWalkTest, MatchesPatternsByTheStyleOfTheDirectory) {
   scratch_.write("Tool.INI", "");
-  const auto matched = [](const VelClLocation& location, const char* pattern) {
+  const auto matches = [](const VelClLocation& location, const char* pattern) {
     VelClDirectoryWalk walk(location);
     while (walk.isValid() && !walk.isFile()) walk.setToNext();
     return walk.matchesWildcardPattern(pattern);
   };
-  EXPECT_TRUE(matched(directory("").getName(), "*.ini"));
-  EXPECT_FALSE(matched(directory("").getName(), "*.in"));
+  EXPECT_TRUE(matches(directory("").getName(), "*.ini") && !matches(directory("").getName(), "*.in"));
   const vel::test::CurrentDirectory in(fs::path(scratch_.path()).parent_path());
   const VelClLocation slashed(("./" + fs::path(scratch_.path()).filename().string()).c_str(), false);
-  EXPECT_FALSE(matched(slashed, "*.ini"));
-  EXPECT_TRUE(matched(slashed, "*.INI"));
+  EXPECT_TRUE(matches(slashed, "*.INI") && !matches(slashed, "*.ini"));
 }
 
 // Directory and entry together exceed a name's length.
@@ -83,7 +76,6 @@ TEST_F(DirectoryWalkTest, ShowsWholeNamesOfAnyLength) {
   std::ofstream(path / longest) << "text";
   VelClDirectoryWalk walk(directory(parent));
   while (walk.isValid() && !walk.isFile()) walk.setToNext();
-  EXPECT_EQ(longest, walk.getNameWithoutPath());
   EXPECT_EQ(directory(parent).getAsCString() + longest, walk.getNameWithPath());
 }
 

@@ -1,67 +1,47 @@
-// Operations on real files, by back-slash names on every system, and the last error of each.
-#include <gtest/gtest.h>
-
+// Operations on real files, by back-slash names on every system, and the last error of each; and the
+// translation mode of descriptors. Binary output is seen in tmp_filename_test.cpp.
 #include <chrono>
 #include <ctime>
 #include <string>
-#include <utility>
 
-#include "platform/test/scratch_directory.h"
-#include "vel_include/vel_filesys.h"
+#include "filesys/test/directory_fixture.h"
+#include "platform/test/variable.h"
 #include "vel_include/vel_process.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using enum VelEnErrorClass;
+using vel::test::kNone;
+using vel::test::Left;
+using vel::test::left;
 using vel::test::readFile;
-using Left = std::pair<uint32_t, VelEnErrorClass>;
 
-Left left(const VelClFile& file) {
-  return {file.getLastError().errorId, file.getLastError().errorClass};
-}
-
-class Searcher : public VelClFile {
- public:
-  Searcher() : VelClFile(VelClFilename("unused"), nullptr) {}
-  using VelClFile::determineFileInEnvVarPath;
-};
-
-class FileTest : public testing::Test {
+class FileTest : public vel::test::DirectoryFixture {
  protected:
-  VelClFilename name(const char* entry) const {
-    return VelClFilename(VelClLocation(scratch_.path().c_str(), true), entry, nullptr);
-  }
   VelClFile file(const char* entry) const { return VelClFile(name(entry), nullptr); }
   VelClFile fileWith(const char* entry, const char* bytes) const {
     scratch_.write(entry, bytes);
     return file(entry);
   }
   std::string contents(const char* entry) const { return readFile(scratch_.path(entry)); }
-
-  vel::test::ScratchDirectory scratch_;
 };
 
 TEST(File, TakesADefaultType) {
-  const struct {
-    const char *name, *defaultType, *text, *type;
-  } rows[] = {{"readme", "txt", "readme.txt", "txt"},
-              {"a", ".DLL", "a.DLL", "DLL"},
-              {"a.cfg", "txt", "a.cfg", "cfg"},
-              {"a", nullptr, "a", ""}};
-  for (const auto& row : rows) {
-    const VelClFile file(VelClFilename(row.name), row.defaultType);
-    EXPECT_STREQ(row.text, file);
-    EXPECT_STREQ(row.type, file.getFileType());
-  }
+  EXPECT_STREQ("readme.txt", VelClFile(VelClFilename("readme"), "txt"));
+  EXPECT_STREQ("a.DLL", VelClFile(VelClFilename("a"), ".DLL"));
+  EXPECT_STREQ("cfg", VelClFile(VelClFilename("a.cfg"), "txt").getFileType());
+  EXPECT_STREQ("", VelClFile(VelClFilename("a"), nullptr).getFileType());
 }
 
 TEST_F(FileTest, AnswersForFilesThereAndMissing) {
-  const VelClFile missing = file("missing");
-  EXPECT_TRUE(missing.isHidden() && missing.isReadOnly() && !missing.isExistent());
-  EXPECT_EQ(0, missing.getDateTimeOfCreation() | missing.getDateTimeOfLastAccess() |
-                   missing.getDateTimeOfLastModification() | static_cast<int64_t>(missing.getFileSize()));
   const VelClFile there = fileWith("there", "12345");
+  for (const VelClFile& missing :
+       {file("missing"), file("missing\\x"), VelClFile(VelClFilename(""), nullptr)}) {
+    EXPECT_TRUE(missing.isHidden() && missing.isReadOnly() && !missing.isExistent());
+    EXPECT_EQ(0, missing.getDateTimeOfCreation() | missing.getDateTimeOfLastAccess() |
+                     missing.getDateTimeOfLastModification() | static_cast<int64_t>(missing.getFileSize()));
+  }
   EXPECT_TRUE(there.isExistent() && !there.isHidden() && !there.isReadOnly());
   EXPECT_EQ(5U, there.getFileSize());
   const auto now = static_cast<double>(std::time(nullptr));
@@ -71,65 +51,79 @@ TEST_F(FileTest, AnswersForFilesThereAndMissing) {
   EXPECT_NEAR(now - 3'600'000, static_cast<double>(there.getDateTimeOfLastModification()), 60);
 }
 
-TEST_F(FileTest, CopiesOverAnExistingTarget) {
-  VelClFile source = fileWith("source", "new\r\n");
-  scratch_.write("target", "a longer old text");
-  EXPECT_FALSE(source.copyTo(name("no\\where"), true));
-  EXPECT_EQ(Left(FILE_COULD_NOT_COPY, IO_PROBLEM), left(source));
-  EXPECT_TRUE(source.copyTo(name("target"), true));
-  EXPECT_EQ(Left(VEL_NO_ERROR, UNKNOWN), left(source));
-  EXPECT_FALSE(file("missing").copyTo(name("target"), true));
-  EXPECT_EQ("new\r\n", contents("target"));
-}
-
-TEST_F(FileTest, CopiesReadOnlyFilesWithOrWithoutAttributes) {
-  VelClFile source = fileWith("source", "text");
+TEST_F(FileTest, CopiesWholeContentsWithOrWithoutAttributes) {
+  std::string large;
+  for (int line = 0; line < 30000; ++line) large += std::to_string(line) + '\n';
+  // New target, longer target before, shorter one before.
+  for (const std::string& bytes : {large, std::string("short\r\n\0\x1A.", 10), std::string(), large}) {
+    scratch_.write("source.x", bytes);
+    EXPECT_TRUE(file("source.x").copyTo(name("target"), true));
+    EXPECT_EQ(bytes, contents("target"));
+  }
+  VelClFile source = file("source.x");
   source.setReadOnly(true);
   EXPECT_TRUE(source.copyTo(name("kept"), true) && source.copyTo(name("writable"), false));
+  EXPECT_EQ(kNone, left(source));
   EXPECT_TRUE(source.isReadOnly() && file("kept").isReadOnly() && !file("writable").isReadOnly());
+  fs::create_directory(scratch_.path("sub"));
+  EXPECT_TRUE(source.copyTo(directory("sub").getName(), true));
+  EXPECT_EQ(large, contents("sub/source.x"));
 }
 
-TEST_F(FileTest, CopiesIntoADirectoryButNotOntoItself) {
-  VelClFile source = fileWith("source.x", "text");
-  const vel::test::ScratchDirectory other;
-  EXPECT_TRUE(source.copyTo(VelClLocation(other.path().c_str(), false), true));
-  EXPECT_EQ("text", readFile(other.path("source.x")));
-  EXPECT_FALSE(source.copyTo(name("SOURCE.X"), false));
+TEST_F(FileTest, FailedCopiesLeaveAllAsItWas) {
+  fileWith("readOnly", "kept").setReadOnly(true);
+  scratch_.write("source", "kept");
+  fs::create_hard_link(scratch_.path("source"), scratch_.path("link"));
+  fs::create_directory(scratch_.path("sub"));
+  const char* const rows[][2] = {{"source", "no\\where"}, {"source", "readOnly"},  {"source", "link"},
+                                 {"source", "sub"},       {"source", ".\\source"}, {"missing", "source"},
+                                 {"sub", "new"},          {"missing", "new"},      {"", "new"}};
+  for (const auto& [from, to] : rows) {
+    VelClFile source = file(from);
+    EXPECT_FALSE(source.copyTo(name(to), false)) << to;
+    EXPECT_EQ(Left(FILE_COULD_NOT_COPY, IO_PROBLEM), left(source));
+  }
+  VelClFile source = file("source");
+  EXPECT_FALSE(source.copyTo(name("SOURCE"), false));
   EXPECT_EQ(Left(FILE_COULD_NOT_COPY_SELF, INCONSISTENT_SITUATION), left(source));
-  // The same file by a name that only the system can tell.
-  EXPECT_FALSE(source.copyTo(name(".\\source.x"), false));
-  EXPECT_EQ(Left(FILE_COULD_NOT_COPY, IO_PROBLEM), left(source));
-  EXPECT_EQ("text", contents("source.x"));
+  EXPECT_EQ("keptkept", contents("source") + contents("readOnly"));
+  EXPECT_TRUE(!file("new").isExistent() && fs::is_empty(scratch_.path("sub")));
 }
 
 TEST_F(FileTest, RemovesReadOnlyFilesButNoDirectory) {
-  VelClFile gone = fileWith("gone", "text");
+  VelClFile gone = fileWith("gone", "text"), notAFile(VelClFilename(scratch_.path().c_str()), nullptr);
   gone.setReadOnly(true);
   EXPECT_TRUE(gone.remove() && !gone.isExistent());
-  EXPECT_EQ(Left(VEL_NO_ERROR, UNKNOWN), left(gone));
-  EXPECT_FALSE(gone.remove());
+  EXPECT_EQ(kNone, left(gone));
+  EXPECT_FALSE(gone.remove() || notAFile.remove());
   EXPECT_EQ(Left(FILE_COULD_NOT_REMOVE, IO_NOT_EXISTENT), left(gone));
-  const vel::test::ScratchDirectory other;
-  VelClFile notAFile(VelClFilename(other.path().c_str()), nullptr);
-  EXPECT_FALSE(notAFile.remove());
   EXPECT_EQ(Left(FILE_COULD_NOT_REMOVE, IO_PERMISSION_DENIED), left(notAFile));
   EXPECT_TRUE(notAFile.isExistent());
 }
 
-TEST_F(FileTest, RenamesButNeverOntoAnExistingFile) {
-  VelClFile renamed = fileWith("old", "old text");
+TEST_F(FileTest, RenamesButNeverOntoAnExistingEntry) {
+  VelClFile renamed = fileWith("old", "old text"), missing = file("missing");
   scratch_.write("taken", "taken text");
-  EXPECT_FALSE(renamed.renameAs(name("taken")));
-  EXPECT_EQ(Left(FILE_COULD_NOT_RENAME, IO_ALREADY_IN_USE), left(renamed));
-  EXPECT_EQ("taken text", contents("taken"));
-  EXPECT_TRUE(renamed.renameAs(name("new")));
-  EXPECT_EQ(Left(VEL_NO_ERROR, UNKNOWN), left(renamed));
-  EXPECT_TRUE(renamed.getFilename() == name("new"));
-  EXPECT_EQ("old text", contents("new"));
-  VelClFile missing = file("old");
+  fs::create_directory(scratch_.path("empty"));
+  for (const char* taken : {"taken", "old", "empty"}) {
+    EXPECT_FALSE(renamed.renameAs(name(taken)));
+    EXPECT_EQ(Left(FILE_COULD_NOT_RENAME, IO_ALREADY_IN_USE), left(renamed));
+  }
   EXPECT_FALSE(missing.renameAs(name("other")));
   EXPECT_EQ(Left(FILE_COULD_NOT_RENAME, IO_PERMISSION_DENIED), left(missing));
+  for (const char* free : {"new", "NEW"}) {
+    EXPECT_TRUE(renamed.renameAs(name(free)));
+    EXPECT_EQ(kNone, left(renamed));
+    EXPECT_STREQ(free, renamed.getFilename().getName());
+    EXPECT_EQ("taken textold text", contents("taken") + contents(free));
+  }
 }
+
+class Searcher : public VelClFile {
+ public:
+  Searcher() : VelClFile(VelClFilename("unused"), nullptr) {}
+  using VelClFile::determineFileInEnvVarPath;
+};
 
 TEST_F(FileTest, IsFoundAlongAVariable) {
   const vel::test::ScratchDirectory first;
@@ -152,14 +146,27 @@ TEST_F(FileTest, IsFoundAlongAVariable) {
 }
 
 TEST(TmpDirectory, IsTmpThenTempThenTheSystems) {
-  const std::string before = velGetTmpDirectory();
-  VelClEnvironmentVariable tmp("TMP", "one"), temp("TEMP", "two");
+  const vel::test::Variable tmp("TMP", "one"), temp("TEMP", "two");
   EXPECT_STREQ("one", velGetTmpDirectory());
-  tmp.resetValue();
+  tmp.set(nullptr);
   EXPECT_STREQ("two", velGetTmpDirectory());
-  temp.resetValue();
+  temp.set(nullptr);
   EXPECT_TRUE(VelClLocation(velGetTmpDirectory(), false).isExistent());
-  tmp.setNewValue(before.c_str());
+}
+
+TEST(OpenMode, AsksWithoutLeavingAnotherMode) {
+  for (const bool binary : {false, true}) {
+    ASSERT_TRUE(velFileSetBinaryMode(0, binary));
+    const bool isBinary = velFileIsOpenedInBinaryMode(0);
+    EXPECT_TRUE(isBinary || !binary);
+    EXPECT_NE(isBinary, velFileIsOpenedInTextMode(0));
+    EXPECT_EQ(isBinary, velFileIsOpenedInBinaryMode(0));
+  }
+  // Closed descriptors count as text.
+  for (const int notOpen : {-1, 4711, 1 << 30}) {
+    EXPECT_TRUE(velFileIsOpenedInTextMode(notOpen) && !velFileIsOpenedInBinaryMode(notOpen)) << notOpen;
+    EXPECT_FALSE(velFileSetBinaryMode(notOpen, true)) << notOpen;
+  }
 }
 
 }  // namespace

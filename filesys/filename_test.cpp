@@ -25,16 +25,11 @@ std::string partsOf(const VelClFilename& name) {
 TEST(Filename, SplitsIntoParts) {
   const struct {
     const char *text, *parts;
-  } rows[] = {{"\\\\srv\\s\\d\\x.c", "\\\\srv\\s|\\\\srv\\s\\d|x|.c"},
-              {"a/b\\c/d", "|a/b|c/d|"},
-              {"C:\\dir\\x.tar.gz", "|C:\\dir|x.tar|.gz"},
-              {"dir.d\\x", "|dir.d|x|"},
-              {"\\\\srv\\share", "\\\\srv\\share|||"},
-              {"\\\\srv", "|\\|srv|"},
-              {"/usr/.profile", "|/usr||.profile"},
-              {"C:\\x", "|C:|x|"},
-              {"C:x.txt", "||C:x|.txt"},
-              {"dir\\", "|dir||"}};
+  } rows[] = {{"C:\\x", "|C:|x|"},       {"C:x.txt", "||C:x|.txt"},
+              {"dir\\", "|dir||"},       {"/usr/.profile", "|/usr||.profile"},
+              {"\\\\srv", "|\\|srv|"},   {"\\\\srv\\share", "\\\\srv\\share|||"},
+              {"a/b\\c/d", "|a/b|c/d|"}, {"C:\\dir\\x.tar.gz", "|C:\\dir|x.tar|.gz"},
+              {"dir.d\\x", "|dir.d|x|"}, {"\\\\srv\\s\\d\\x.c", "\\\\srv\\s|\\\\srv\\s\\d|x|.c"}};
   for (const auto& row : rows) EXPECT_EQ(row.parts, partsOf(row.text));
 }
 
@@ -55,16 +50,10 @@ TEST(Filename, JoinsDirectoryNameAndExtension) {
 TEST(Filename, ComparesInItsOwnStyle) {
   const struct {
     const char *name, *other, *result;
-  } rows[] = {{"C:\\D\\A.txt", "c:\\d\\a.TXT", "=db"},
-              {"C:\\D\\A", "c:\\A.x", "b"},
-              {"a.b", "a.b.c", "db"},
-              {"C:\\D\\A.txt", "c:\\d\\a.tx", "db"},
-              {"a.txt", "ab.txt", "d"},
-              {"\xE4", "\xC4", "d"},
-              {"C:\\D\\A", "c:\\d\\deeper\\b", "d"},
-              {"ab.txt", "a.txt", "d"},
-              {"/D/A.txt", "/d/a.txt", ""},
-              {"C:\\D\\A", "C:", ""}};
+  } rows[] = {{"ab.txt", "a.txt", "d"},     {"\xE4", "\xC4", "d"},  {"C:\\D\\A", "c:\\d\\deeper\\b", "d"},
+              {"C:\\D\\A", "c:\\A.x", "b"}, {"a.b", "a.b.c", "db"}, {"C:\\D\\A.txt", "c:\\d\\a.TXT", "=db"},
+              {"/D/A.txt", "/d/a.txt", ""}, {"C:\\D\\A", "C:", ""}, {"C:\\D\\A.txt", "c:\\d\\a.tx", "db"},
+              {"a.txt", "ab.txt", "d"}};
   for (const auto& row : rows) {
     const VelClFilename name(row.name), other(row.other);
     EXPECT_EQ(row.result, std::string(name == other ? "=" : "") + (name.matchesPath(other) ? "d" : "") +
@@ -96,6 +85,7 @@ TEST(Filename, RecognisesFat83Names) {
     EXPECT_FALSE(VelClFilename(name).isStyleFAT_8_3()) << name;
 }
 
+// All that was set is the extension, whatever dots it has. Texts may be those of the name itself.
 TEST(Filename, ChangesParts) {
   using Name = VelClFilename;
   const struct {
@@ -105,7 +95,6 @@ TEST(Filename, ChangesParts) {
   } rows[] = {{"d\\a.txt", [](Name& f) { f.setNewExtension("doc"); }, "|d|a|.doc"},
               {"d\\a.txt", [](Name& f) { f.setNewExtension(nullptr); }, "|d|a|"},
               {"d.d\\a", [](Name& f) { f.setNewExtension(".x"); }, "|d.d|a|.x"},
-              // All that was set is the extension, whatever dots it has.
               {"a.txt", [](Name& f) { f.setNewExtension("tar.gz"); }, "||a|.tar.gz"},
               {"d\\a.txt", [](Name& f) { f.setNewName("b"); }, "|d|b|"},
               {"/d/a.txt", [](Name& f) { f.setNewBaseName("b"); }, "|/d|b|.txt"},
@@ -115,7 +104,6 @@ TEST(Filename, ChangesParts) {
               {"d\\a.txt", [](Name& f) { f.setNewPath(VelClLocation("", false)); }, "||a|.txt"},
               {"a/b\\c/d.e", [](Name& f) { f.removePath(); }, "||c/d|.e"},
               {"\\\\s\\h\\d\\a.txt", [](Name& f) { f.removePath(); }, "||a|.txt"},
-              // Texts of the name itself.
               {"dir\\a.txt", [](Name& f) { f = f.getName(); }, "||a|.txt"},
               {"dir\\a.txt", [](Name& f) { f.setNewName(f.getName()); }, "|dir|a|.txt"},
               {"dir\\a.txt", [](Name& f) { f.setNewBaseName(f.getName()); }, "|dir|a.txt|.txt"},
@@ -123,18 +111,16 @@ TEST(Filename, ChangesParts) {
               {"dir\\a.txt", [](Name& f) { f.setNewPath(f.getName()); }, "|a.txt|a|.txt"},
               {"dir\\a.txt", [](Name& f) { f.setNew(f.getName(), f.getAsCString()); }, "|a.txt\\dir|a|.txt"}};
   for (const auto& row : rows) {
-    Name name(row.before), copy;
+    Name name(row.before);
     row.change(name);
-    copy = name;  // keeps the parts where they are
+    const Name copy = name;  // keeps the parts where they are
     EXPECT_EQ(row.parts, partsOf(name)) << row.before;
     EXPECT_EQ(row.parts, partsOf(copy)) << row.before;
   }
-}
-
-TEST(Filename, KeepsItsStyleWithoutPath) {
-  VelClFilename name("/d/A");
+  // Without its path the name keeps its style.
+  Name name("/d/A");
   name.removePath();
-  EXPECT_FALSE(name.hasPath() || name == VelClFilename("a"));
+  EXPECT_FALSE(name.hasPath() || name == Name("a"));
 }
 
 // Around the limit nothing is written beyond it, and what fits stays.

@@ -7,59 +7,108 @@
 #include <string>
 
 #include "platform/platform.h"
+#include "platform/posix/native_path.h"
 #include "platform/posix/rename.h"
-#include "platform/test/posix/variable.h"
 #include "platform/test/scratch_directory.h"
+#include "platform/test/variable.h"
 
 namespace vel::platform {
 
 namespace {
 
 namespace fs = std::filesystem;
-using test::backSlashed;
 using test::readFile;
-using test::ScratchDirectory;
 
-mode_t modeOf(const std::string& path) {
-  struct stat status {};
-  EXPECT_EQ(stat(path.c_str(), &status), 0);
-  return status.st_mode & 07777;
+class PosixFiles : public testing::Test {
+ protected:
+  std::string path(const std::string& entry) const { return scratch_.path(entry); }
+  std::string typed(const std::string& entry) const { return test::backSlashed(path(entry)); }
+  SystemError copy(const char* from, const char* to) const {
+    return copyFile(path(from).c_str(), path(to).c_str());
+  }
+  mode_t modeOf(const char* entry) const {
+    struct stat status {};
+    EXPECT_EQ(stat(path(entry).c_str(), &status), 0);
+    return status.st_mode & 07777;
+  }
+
+  test::ScratchDirectory scratch_;
+  const std::string file_ = scratch_.write("file", "kept");
+};
+
+// What matches nothing stays as typed, and so does all behind it. The exact name comes first, else the first
+// in byte order. Only ASCII letters are folded, and nothing in names with slashes.
+TEST_F(PosixFiles, BackSlashNamesTakeTheSpellingOfTheirEntries) {
+  for (const char* entry :
+       {"Dir/Sub/File.txt", "twice/a", "twice/A", "twice/B.txt", "twice/b.TXT", "\xC4.txt"})
+    scratch_.write(entry, "");
+  fs::create_symlink("nowhere", path("Broken"));
+  const test::CurrentDirectory in(path(""));
+  const struct {
+    const char *name, *path;
+  } rows[] = {{".\\dir\\..\\DIR\\sub\\", "./Dir/../Dir/Sub/"},
+              {"\\\\server\\share\\x", "//server/share/x"},
+              {"dir/sub\\FILE.txt", "Dir/Sub/File.txt"},
+              {"dir\\sub\\file.tx", "Dir/Sub/file.tx"},
+              {"dir/sub/file.txt", "dir/sub/file.txt"},
+              {"dir\\New\\FILE", "Dir/New/FILE"},
+              {"twice\\B.TXT", "twice/B.txt"},
+              {"twice\\a", "twice/a"},
+              {"broken", "Broken"},
+              {"C:/TMP", "/tmp"},
+              {"1:\\x", "1:/x"},
+              {"C:DIR", "Dir"},
+              {"/TMP", "/TMP"},
+              {"dir", "Dir"},
+              {"c:\\", "/"},
+              {"C:", "."},
+              {"\xC4.TXT", "\xC4.txt"},
+              {"", ""},
+              {"\xE4.txt", "\xE4.txt"}};
+  for (const auto& row : rows) EXPECT_STREQ(NativePath(row.name).get(), row.path) << row.name;
+  EXPECT_EQ(NativePath(typed("DIR\\sub\\FILE.txt").c_str()).get(), path("Dir/Sub/File.txt"));
+  EXPECT_STREQ(NativePath("dir\\SUB\\file.TXT", NativePath::Match::AllButLast).get(), "Dir/Sub/file.TXT");
+  EXPECT_STREQ(NativePath("\\TMP", NativePath::Match::AllButLast).get(), "/TMP");
 }
 
-TEST(PosixFiles, BackSlashNamesReachExistingFiles) {
-  const ScratchDirectory scratch;
-  const auto typed = [&scratch](const char* entry) { return backSlashed(scratch.path(entry)); };
-  const std::string file = scratch.write("File.txt", "x");
+TEST_F(PosixFiles, BackSlashNamesReachExistingFiles) {
   EntryStatus status;
-  EXPECT_TRUE(entryExists(typed("FILE.TXT").c_str()) && statusOf(typed("FILE.TXT").c_str(), status));
-  EXPECT_NE(copyFile(file.c_str(), typed("FILE.TXT").c_str()), 0);
-  EXPECT_EQ(renameFile(file.c_str(), typed("New").c_str()), 0);
-  EXPECT_EQ(renameFile(scratch.path("New").c_str(), typed("NEW").c_str()), 0);
-  EXPECT_EQ(readFile(scratch.path("NEW")), "x");
-  scratch.write("third", "third");
-  EXPECT_EQ(renameFile(scratch.path("NEW").c_str(), typed("THIRD").c_str()), EEXIST);
-  EXPECT_EQ(removeFile(typed("new").c_str()), 0);
-  EXPECT_FALSE(fs::exists(scratch.path("NEW")));
+  EXPECT_TRUE(entryExists(typed("FILE").c_str()) && statusOf(typed("FILE").c_str(), status));
+  EXPECT_NE(copyFile(file_.c_str(), typed("FILE").c_str()), 0);
+  scratch_.write("third", "third");
+  EXPECT_EQ(renameFile(file_.c_str(), typed("THIRD").c_str()), EEXIST);
+  EXPECT_EQ(removeFile(typed("FILE").c_str()), 0);
+  EXPECT_FALSE(fs::exists(file_));
 }
 
-TEST(PosixFiles, LongNamesFail) {
-  const ScratchDirectory scratch;
-  const std::string file = scratch.write("file", "x");
-  const std::string name = backSlashed(scratch.path(std::string(260, 'x')));
+TEST_F(PosixFiles, CurrentDirectoryFitsExactlyOrNotAtAll) {
+  const test::CurrentDirectory in(path(""));
+  const std::string directory = test::backSlashed(fs::current_path().string());
+  char out[261];
+  EXPECT_TRUE(currentDirectory(out, directory.size() + 1));
+  EXPECT_EQ(out, directory);
+  for (std::size_t capacity = 0; capacity <= directory.size(); ++capacity)
+    EXPECT_FALSE(currentDirectory(out, capacity)) << capacity;
+}
+
+TEST_F(PosixFiles, LongNamesFailAndAreNeverCut) {
+  EXPECT_TRUE(NativePath(std::string(260, '\\').c_str()).fits());
+  EXPECT_FALSE(NativePath(std::string(261, '\\').c_str()).fits());
+  const std::string slashName(1000, '/'), name = typed(std::string(260, 'x'));
+  EXPECT_EQ(NativePath(slashName.c_str()).get(), slashName.c_str());
   EXPECT_FALSE(entryExists(name.c_str()) || isWritable(name.c_str()));
-  EXPECT_EQ(copyFile(file.c_str(), name.c_str()), ENAMETOOLONG);
-  EXPECT_EQ(renameFile(file.c_str(), name.c_str()), ENAMETOOLONG);
-  EXPECT_EQ(removeFile(name.c_str()), ENOENT);
-  EXPECT_EQ(removeFile((file + "/x").c_str()), ENOENT);
+  EXPECT_EQ(copyFile(file_.c_str(), name.c_str()), ENAMETOOLONG);
+  EXPECT_EQ(renameFile(file_.c_str(), name.c_str()), ENAMETOOLONG);
   EXPECT_EQ(setReadOnly(name.c_str(), true), ENAMETOOLONG);
-  EXPECT_EQ(std::distance(fs::directory_iterator(scratch.path()), {}), 1);
+  for (const std::string& missing : {name, file_ + "/x", std::string()})
+    EXPECT_EQ(removeFile(missing.c_str()), ENOENT);
+  EXPECT_EQ(std::distance(fs::directory_iterator(path("")), {}), 1);
 }
 
-TEST(PosixFiles, NamesWithALeadingDotAreHidden) {
-  const ScratchDirectory scratch;
-  for (const char* entry : {".hidden", "..two", ".dir/plain"}) scratch.write(entry, "");
-  const auto isHidden = [&scratch](const char* name) {
-    return (attributesOf(scratch.path(name).c_str()) & kAttributeHidden) != 0;
+TEST_F(PosixFiles, NamesWithALeadingDotAreHidden) {
+  for (const char* entry : {".hidden", "..two", ".dir/plain"}) scratch_.write(entry, "");
+  const auto isHidden = [this](const char* name) {
+    return (attributesOf(path(name).c_str()) & kAttributeHidden) != 0;
   };
   for (const char* name : {".hidden", "..two", ".dir", ".dir/"}) EXPECT_TRUE(isHidden(name)) << name;
   for (const char* name : {".dir/plain", ".", "..", ".dir/..", ".dir/./"})
@@ -67,9 +116,7 @@ TEST(PosixFiles, NamesWithALeadingDotAreHidden) {
   EXPECT_EQ(attributesOf("/"), kAttributeDirectory);
 }
 
-TEST(PosixFiles, OnlyWriteBitsChange) {
-  const ScratchDirectory scratch;
-  const std::string file = scratch.write("file", "x");
+TEST_F(PosixFiles, OnlyWriteBitsChange) {
   const struct {
     mode_t before;
     bool readOnly;
@@ -77,82 +124,66 @@ TEST(PosixFiles, OnlyWriteBitsChange) {
   } rows[] = {
       {04755, true, 04555}, {0020, false, 0220}, {0462, true, 0440}, {0555, false, 0755}, {0755, true, 0555}};
   for (const auto& row : rows) {
-    ASSERT_EQ(chmod(file.c_str(), row.before), 0);
-    EXPECT_EQ(setReadOnly(file.c_str(), row.readOnly), 0);
-    EXPECT_EQ(modeOf(file), row.after) << std::oct << row.before;
+    ASSERT_EQ(chmod(file_.c_str(), row.before), 0);
+    EXPECT_EQ(setReadOnly(file_.c_str(), row.readOnly), 0);
+    EXPECT_EQ(modeOf("file"), row.after) << std::oct << row.before;
   }
 }
 
-TEST(PosixFiles, CopyKeepsPermissionBits) {
-  const ScratchDirectory scratch;
-  const std::string source = scratch.write("source", "x");
-  ASSERT_EQ(chmod(source.c_str(), 04751), 0);
-  for (const std::string& target : {scratch.write("target", "y"), scratch.path("new")}) {
-    EXPECT_EQ(copyFile(source.c_str(), target.c_str()), 0);
+TEST_F(PosixFiles, CopiesKeepPermissionBitsAndFollowLinks) {
+  ASSERT_EQ(chmod(file_.c_str(), 04751), 0);
+  fs::create_symlink("file", path("link"));
+  scratch_.write("existing", "old");
+  for (const char* target : {"existing", "new"}) {
+    EXPECT_EQ(copy("link", target), 0);
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(path(target))));
     EXPECT_EQ(modeOf(target), mode_t{0751});
   }
+  EXPECT_EQ(copy("file", "link"), EACCES);
+  EXPECT_EQ(copy("link", "file"), EACCES);
+  EXPECT_EQ(readFile(file_), "kept");
 }
 
-TEST(PosixFiles, CopyFollowsLinksButNotOntoItself) {
-  const ScratchDirectory scratch;
-  const std::string file = scratch.write("file", "kept");
-  fs::create_symlink("file", scratch.path("link"));
-  EXPECT_EQ(copyFile(file.c_str(), scratch.path("link").c_str()), EACCES);
-  EXPECT_EQ(copyFile(scratch.path("link").c_str(), file.c_str()), EACCES);
-  EXPECT_EQ(readFile(file), "kept");
-  EXPECT_EQ(copyFile(scratch.path("link").c_str(), scratch.path("copy").c_str()), 0);
-  EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(scratch.path("copy"))));
-}
-
-TEST(PosixFiles, CopyNeverWaitsForAPipeAndLeavesNothingOfAFailure) {
-  const ScratchDirectory scratch;
-  const std::string file = scratch.write("file", "x"), pipe = scratch.path("pipe");
-  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-  EXPECT_NE(copyFile(pipe.c_str(), scratch.path("new").c_str()), 0);
-  EXPECT_NE(copyFile(file.c_str(), pipe.c_str()), 0);
+TEST_F(PosixFiles, CopyNeverWaitsForAPipeAndLeavesNothingOfAFailure) {
+  ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
+  EXPECT_NE(copy("pipe", "new"), 0);
+  EXPECT_NE(copy("file", "pipe"), 0);
   // Reading its first page fails: nothing is mapped there.
-  EXPECT_EQ(copyFile("/proc/self/mem", scratch.path("new").c_str()), EIO);
-  EXPECT_FALSE(fs::exists(scratch.path("new")));
+  EXPECT_EQ(copyFile("/proc/self/mem", path("new").c_str()), EIO);
+  EXPECT_FALSE(fs::exists(path("new")));
 }
 
-TEST(PosixFiles, RemovingALinkKeepsItsTarget) {
-  const ScratchDirectory scratch;
-  scratch.write("directory/file", "x");
-  fs::create_directory_symlink("directory", scratch.path("link"));
-  EXPECT_EQ(removeFile(scratch.path("link").c_str()), 0);
-  EXPECT_TRUE(fs::exists(scratch.path("directory/file")));
+TEST_F(PosixFiles, RemovingALinkLeavesItsTargetAlone) {
+  ASSERT_EQ(chmod(file_.c_str(), 0444), 0);
+  fs::create_symlink("file", path("link"));
+  EXPECT_EQ(makeRemovable(path("link").c_str()), 0);
+  EXPECT_EQ(modeOf("file"), mode_t{0444});
+  EXPECT_EQ(removeFile(path("link").c_str()), 0);
+  EXPECT_EQ(makeRemovable(file_.c_str()), 0);
+  EXPECT_EQ(modeOf("file"), mode_t{0644});
 }
 
-TEST(PosixFiles, MakingALinkRemovableLeavesItsTargetReadOnly) {
-  const ScratchDirectory scratch;
-  const std::string target = scratch.write("target", "x");
-  fs::create_symlink("target", scratch.path("link"));
-  ASSERT_EQ(chmod(target.c_str(), 0444), 0);
-  EXPECT_EQ(makeRemovable(scratch.path("link").c_str()), 0);
-  EXPECT_EQ(modeOf(target), mode_t{0444});
-  EXPECT_EQ(makeRemovable(target.c_str()), 0);
-  EXPECT_EQ(modeOf(target), mode_t{0644});
+TEST_F(PosixFiles, RenamingNeverReplaces) {
+  // With and without the file system's help.
+  for (const auto way : {renameFile, renameByLink}) {
+    const test::ScratchDirectory scratch;
+    const auto rename = [&](const char* from, const char* to) {
+      return way(scratch.path(from).c_str(), scratch.path(to).c_str());
+    };
+    scratch.write("file", "kept");
+    scratch.write("directory/other", "other");
+    fs::create_directory(scratch.path("empty"));
+    for (const char* target : {"file", "directory/other", "directory"})
+      EXPECT_EQ(rename("file", target), EEXIST);
+    EXPECT_EQ(rename("directory", "empty"), EEXIST);
+    EXPECT_EQ(rename("missing", "new"), ENOENT);
+    EXPECT_EQ(rename("file", "new") | rename("directory", "moved"), 0);
+    EXPECT_EQ(readFile(scratch.path("new")) + readFile(scratch.path("moved/other")), "keptother");
+    EXPECT_FALSE(fs::exists(scratch.path("file")));
+  }
 }
 
-TEST(PosixFiles, RenamingWithoutTheFileSystemsHelp) {
-  const ScratchDirectory scratch;
-  const auto rename = [&scratch](const char* from, const char* to) {
-    return renameByLink(scratch.path(from).c_str(), scratch.path(to).c_str());
-  };
-  scratch.write("file", "x");
-  scratch.write("directory/other", "other");
-  fs::create_directory(scratch.path("empty"));
-  for (const char* target : {"file", "directory/other", "directory"})
-    EXPECT_EQ(rename("file", target), EEXIST);
-  EXPECT_EQ(rename("directory", "empty"), EEXIST);
-  EXPECT_EQ(rename("missing", "new"), ENOENT);
-  EXPECT_EQ(rename("file", "new"), 0);
-  EXPECT_FALSE(fs::exists(scratch.path("file")));
-  EXPECT_EQ(rename("directory", "moved"), 0);
-  EXPECT_EQ(readFile(scratch.path("new")) + readFile(scratch.path("moved/other")), "xother");
-}
-
-TEST(PosixFiles, TmpDirectoryOfLastResort) {
+TEST(PosixTmpDirectory, IsTmpdirOrTmp) {
   const test::Variable variable("TMPDIR", "/var/tmp");
   EXPECT_STREQ(fallbackTmpDirectory(), "/var/tmp");
   for (const char* none : {"", static_cast<const char*>(nullptr)}) {

@@ -1,17 +1,21 @@
 // Starts a program as a child, waits for it and keeps what it printed: for tests of exit codes,
-// abnormal ends and printed bytes.
+// abnormal ends and printed bytes. And what tests want to know of other processes.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace vel::test {
 
+/// No test waits longer for anything.
+inline constexpr int kTimeLimitMs = 60 * 1000;
+
 struct ChildResult {
   bool started = false;
   /// abort(), a crash or the time limit. On Windows abort() is exit code 3, so a child must not use
-  /// that code for anything else.
+  /// that code for anything else; on POSIX systems 127 is that of a child without program.
   bool endedAbnormally = false;
   int exitCode = -1;   ///< when it ended by itself
   std::string output;  ///< standard output, CR LF as LF
@@ -27,13 +31,22 @@ struct ChildOptions {
   bool rawOutput = false;  ///< leave line breaks as the child wrote them
 };
 
-/// `program` is a name beside the running program, without extension, or a path. Waits at most
-/// 60 seconds, then ends the child and reports an abnormal end. The child's standard streams are
-/// files: it can never block on them.
+/// `program` is a name beside the running program, without extension, or a path. A child that reaches the
+/// time limit is ended and reported as an abnormal end. The child's standard streams are files: it can
+/// never block on them.
 ChildResult runChild(const std::string& program, const std::vector<std::string>& arguments,
                      const ChildOptions& options = {});
 
 /// The path of the running program.
 std::string ownProgram();
+
+/// Whether a process ends in this time, or is no more. It may still wait to be noticed by its parent.
+bool endsWithin(unsigned int processId, int milliseconds);
+
+/// Asks every millisecond until the answer is yes; false at the time limit.
+bool waitUntil(const std::function<bool()>& question);
+
+/// Null removes the variable.
+void setVariable(const char* name, const char* value);
 
 }  // namespace vel::test

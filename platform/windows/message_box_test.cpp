@@ -1,124 +1,85 @@
 // The window of a failed assertion, on a desktop of its own that no display shows: its title, its text, and
 // the button that ends the wait.
-#include <gtest/gtest.h>
+//
+// The public headers stand before windows.h here, and behind it in system_test.cpp.
+#include "vel_include/vel.h"
 
-#define WIN32_LEAN_AND_MEAN
+// windows.h comes last.
 #include <windows.h>
 
-#include <functional>
+#include <gtest/gtest.h>
+
 #include <string>
 #include <thread>
 
 #include "platform/test/child_process.h"
 
+static_assert(static_cast<int>(VelEnErrorAction::NO_ACTION) == IGNORE);
+
 namespace {
 
-constexpr const char* kTitle = "Internal error occured: Assertion failed!";
-constexpr DWORD kTimeLimitMs = 60 * 1000;
-
-/// Asks every few milliseconds until the answer is yes or the time is over.
-bool waitUntil(const std::function<bool()>& question) {
-  for (DWORD passedMs = 0; passedMs < kTimeLimitMs; passedMs += 10) {
-    if (question()) return true;
-    Sleep(10);
-  }
-  return false;
-}
-
 /// A process that ends with this object at the latest.
-class Process {
- public:
-  Process(std::string commandLine, const char* desktop) {
-    std::string desktopName = desktop;
+struct Process {
+  explicit Process(std::string commandLine, std::string desktop = "") {
     STARTUPINFOA startUp{};
     startUp.cb = sizeof startUp;
     startUp.dwFlags = STARTF_USESTDHANDLES;
-    if (!desktopName.empty()) startUp.lpDesktop = desktopName.data();
-    started_ = CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS, nullptr,
-                              nullptr, &startUp, &process_) != FALSE;
+    if (!desktop.empty()) startUp.lpDesktop = desktop.data();
+    EXPECT_TRUE(CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS,
+                               nullptr, nullptr, &startUp, &started));
   }
   Process(const Process&) = delete;
-  Process& operator=(const Process&) = delete;
   ~Process() {
-    if (!started_) return;
-    TerminateProcess(process_.hProcess, 1);
-    CloseHandle(process_.hThread);
-    CloseHandle(process_.hProcess);
+    TerminateProcess(started.hProcess, 1);
+    CloseHandle(started.hThread);
+    CloseHandle(started.hProcess);
   }
 
-  bool isStarted() const { return started_; }
-  DWORD id() const { return process_.dwProcessId; }
-  bool hasEnded() const { return WaitForSingleObject(process_.hProcess, 0) == WAIT_OBJECT_0; }
-  DWORD exitCode() const {
-    DWORD code = STILL_ACTIVE;
-    GetExitCodeProcess(process_.hProcess, &code);
-    return code;
-  }
-
- private:
-  PROCESS_INFORMATION process_{};
-  bool started_;
+  PROCESS_INFORMATION started{};
 };
 
 /// The longest of a window's texts that is not a button's.
 std::string textIn(HWND box) {
   std::string text;
   for (HWND part = nullptr; (part = FindWindowExA(box, part, "Static", nullptr)) != nullptr;) {
-    std::string found(10000, '\0');
-    found.resize(static_cast<std::size_t>(
-        SendMessageA(part, WM_GETTEXT, found.size(), reinterpret_cast<LPARAM>(found.data()))));
-    if (found.size() > text.size()) text = found;
+    char found[10000] = "";
+    SendMessageA(part, WM_GETTEXT, sizeof found, reinterpret_cast<LPARAM>(found));
+    if (std::string(found).size() > text.size()) text = found;
   }
   return text;
 }
 
-/// An invisible desktop. Wine runs the windows of a desktop without graphics driver, but shows them nowhere.
-class HiddenDesktop {
- public:
-  HiddenDesktop()
-      : name_("vel_test_" + std::to_string(GetCurrentProcessId())),
-        owner_("explorer.exe /desktop=" + name_ + ",640x480,null", "") {}
-
-  /// Whether the desktop is there; if so, it becomes this thread's.
-  bool enter() const {
-    HDESK desktop = nullptr;
-    const bool opened = waitUntil([this, &desktop] {
-      return (desktop = OpenDesktopA(name_.c_str(), 0, FALSE, GENERIC_ALL)) != nullptr;
-    });
-    // The property tells that the owner has chosen the driver; before, any other process would.
-    return opened && SetThreadDesktop(desktop) != FALSE &&
-           waitUntil([] { return GetPropA(GetDesktopWindow(), "__wine_display_device_guid") != nullptr; });
-  }
-  const char* name() const { return name_.c_str(); }
-
- private:
-  std::string name_;
-  Process owner_;
-};
-
-std::string reportOf(const Process& child) {
-  return "\n*** INTERNAL ERROR OCCURED ***\n*** broken state ***\n***         FUNCTION: run\n"
-         "*** ASSERTION FAILED: p != 0\n***             LINE: 4294967295\n***           MODULE: file.cpp\n"
-         "***       PROCESS ID: " +
-         std::to_string(child.id()) + "\n\n";
-}
-
 void answerBox() {
-  const HiddenDesktop desktop;
-  ASSERT_TRUE(desktop.enter());
+  // Wine runs the windows of a desktop without graphics driver, but shows them nowhere.
+  const std::string name = "vel_test_" + std::to_string(GetCurrentProcessId());
+  const Process owner("explorer.exe /desktop=" + name + ",640x480,null");
+  HDESK desktop = nullptr;
+  ASSERT_TRUE(vel::test::waitUntil(
+      [&] { return (desktop = OpenDesktopA(name.c_str(), 0, FALSE, GENERIC_ALL)) != nullptr; }));
+  ASSERT_TRUE(SetThreadDesktop(desktop));
+  // The property tells that the owner has chosen the driver; before, any other process would.
+  ASSERT_TRUE(vel::test::waitUntil(
+      [] { return GetPropA(GetDesktopWindow(), "__wine_display_device_guid") != nullptr; }));
   const std::string own = vel::test::ownProgram();
   SetEnvironmentVariableA("VEL_NO_ASSERT_POPUP", nullptr);
   const Process child("\"" + own.substr(0, own.find_last_of('\\') + 1) + "assertion_child.exe\" message",
-                      desktop.name());
-  ASSERT_TRUE(child.isStarted());
+                      name);
   HWND box = nullptr;
-  ASSERT_TRUE(waitUntil(
-      [&box] { return (box = FindWindowA(nullptr, kTitle)) != nullptr && IsWindowVisible(box) != FALSE; }));
-  EXPECT_EQ(textIn(box), reportOf(child));
-  EXPECT_FALSE(child.hasEnded());
+  ASSERT_TRUE(vel::test::waitUntil([&box] {
+    box = FindWindowA(nullptr, "Internal error occured: Assertion failed!");
+    return box != nullptr && IsWindowVisible(box) != FALSE;
+  }));
+  const DWORD id = child.started.dwProcessId;
+  EXPECT_EQ(textIn(box),
+            "\n*** INTERNAL ERROR OCCURED ***\n*** broken state ***\n***         FUNCTION: run\n"
+            "*** ASSERTION FAILED: p != 0\n***             LINE: 4294967295\n***           MODULE: file.cpp\n"
+            "***       PROCESS ID: " +
+                std::to_string(id) + "\n\n");
+  EXPECT_FALSE(vel::test::endsWithin(id, 0));
   PostMessageA(box, WM_COMMAND, IDOK, 0);
-  EXPECT_TRUE(waitUntil([&child] { return child.hasEnded(); }));
-  EXPECT_EQ(child.exitCode(), 3U);
+  DWORD exitCode = 0;
+  EXPECT_TRUE(vel::test::endsWithin(id, vel::test::kTimeLimitMs));
+  EXPECT_TRUE(GetExitCodeProcess(child.started.hProcess, &exitCode) && exitCode == 3);
 }
 
 TEST(StopMessage, ShowsTheReportOfAnAssertionAndWaits) {

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "platform/test/child_process.h"
+
 namespace vel::test {
 
 /// Has the value, or is unset for null, as long as this object lives.
@@ -18,7 +20,7 @@ class Variable {
   Variable& operator=(const Variable&) = delete;
   ~Variable() { set(before_ ? before_->c_str() : nullptr); }
 
-  void set(const char* value) const { value == nullptr ? unsetenv(name_) : setenv(name_, value, 1); }
+  void set(const char* value) const { setVariable(name_, value); }
 
  private:
   const char* name_;

@@ -1,36 +1,32 @@
-// Sleeping through signals, and languages and code pages from the environment.
+// Languages and code pages from the environment, and sleeping through signals.
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/time.h>
+#include <unistd.h>
 
 #include <clocale>
 #include <string>
 
 #include "platform/platform.h"
-#include "platform/test/posix/variable.h"
+#include "platform/posix/language_names.h"
+#include "platform/test/variable.h"
 
 namespace vel::platform {
 
 namespace {
 
-volatile sig_atomic_t signalCount = 0;
-
-TEST(PosixClocks, SignalsDoNotShortenSleep) {
-  struct sigaction action {
-  }, oldAction{};
-  action.sa_handler = [](int) { signalCount = signalCount + 1; };
-  sigaction(SIGALRM, &action, &oldAction);
-  const itimerval every3ms{{0, 3000}, {0, 3000}};
-  setitimer(ITIMER_REAL, &every3ms, nullptr);
-  std::int64_t start = 0, end = 0;
-  ASSERT_TRUE(performanceCounter(start));
-  sleepMilliseconds(60);
-  ASSERT_TRUE(performanceCounter(end));
-  const itimerval never{};
-  setitimer(ITIMER_REAL, &never, nullptr);
-  sigaction(SIGALRM, &oldAction, nullptr);
-  EXPECT_GT(signalCount, 1);
-  EXPECT_GE(end - start, performanceFrequency() * 60 / 1000);
+TEST(PosixLanguages, LocaleNamesGiveLanguageNumbers) {
+  const struct {
+    const char* locale;
+    std::uint32_t language;
+  } rows[] = {{"de_DE.UTF-8", 0x407}, {"fil_PH", 0x464}, {"nb_NO", 0x414}, {"af", 0x436}, {"_DE", 0},
+              {"en_US.UTF-8", 0x409}, {"DE_ch", 0x807},  {"zu_ZA", 0x435}, {"deu_DE", 0}, {"C", 0},
+              {"de_AT@euro", 0xC07},  {"de_XX", 0x407},  {"C.UTF-8", 0},   {"german", 0}, {"d", 0},
+              {"zh_TW.Big5", 0x404},  {"en-GB", 0x809},  {"de_", 0x407},   {"POSIX", 0},  {"", 0},
+              {"de_AT_x", 0x407},     {"pt_PT", 0x816},  {"de", 0x407},    {"xx_DE", 0},  {"en_IN", 0x4009},
+              {"es_ES", 0xC0A},       {"pt", 0x416},     {nullptr, 0}};
+  for (const auto& row : rows)
+    EXPECT_EQ(languageIdOfLocaleName(row.locale), row.language)
+        << (row.locale == nullptr ? "null" : row.locale);
 }
 
 TEST(PosixLanguages, FollowTheLocaleVariables) {
@@ -73,6 +69,21 @@ TEST(PosixLanguages, TextsAreCutBetweenCharacters) {
     EXPECT_EQ(out[row.capacity], '#') << &row - rows;
   }
   std::setlocale(LC_CTYPE, "C");
+}
+
+volatile sig_atomic_t signalCount = 0;
+
+TEST(PosixClocks, SignalsDoNotShortenSleep) {
+  signal(SIGALRM, [](int) { signalCount = signalCount + 1; });
+  std::int64_t start = 0, end = 0;
+  ASSERT_TRUE(performanceCounter(start));
+  ualarm(3000, 3000);
+  sleepMilliseconds(60);
+  ualarm(0, 0);
+  ASSERT_TRUE(performanceCounter(end));
+  signal(SIGALRM, SIG_DFL);
+  EXPECT_GT(signalCount, 1);
+  EXPECT_GE(end - start, performanceFrequency() * 60 / 1000);
 }
 
 }  // namespace

@@ -1,0 +1,212 @@
+// The user interface of tools on a pseudo-terminal: keys and the progress display. The texts are the matter
+// of consoleui's own tests.
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <pty.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "platform/test/child_process.h"
+#include "platform/test/variable.h"
+#include "vel_include/vel_consoleui.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A program on a pseudo-terminal of its own, and the user in front of it. The terminal does not control the
+/// program: signals are sent with `signal`, not typed.
+class Tool {
+ public:
+  /// With onlyErrors the terminal is standard error alone.
+  Tool(const char* program, std::vector<std::string> arguments, bool onlyErrors = false) {
+    const std::string path = fs::path(vel::test::ownProgram()).replace_filename(program).string();
+    arguments.insert(arguments.begin(), path);
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    int terminal = -1;
+    EXPECT_EQ(openpty(&master_, &terminal, nullptr, nullptr, nullptr), 0);
+    atStart_ = attributes();
+    child_ = fork();
+    if (child_ == 0) {
+      setpgid(0, 0);
+      for (int stream = onlyErrors ? 2 : 0; stream < 3; ++stream) dup2(terminal, stream);
+      close(terminal);
+      close(master_);
+      execv(pointers[0], pointers.data());
+      _exit(127);
+    }
+    close(terminal);
+  }
+  Tool(const Tool&) = delete;
+  ~Tool() {
+    if (!ended_) kill(child_, SIGKILL);
+    if (!ended_) waitpid(child_, nullptr, 0);
+    close(master_);
+  }
+
+  void type(const std::string& keys) const {
+    EXPECT_EQ(write(master_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+  }
+  void signal(int number) const { kill(child_, number); }
+
+  /// All that it wrote since the last call, with the terminal's CR LF, up to and with `text`; less when it
+  /// ended before.
+  std::string readThrough(const std::string& text) {
+    pollfd terminal{master_, POLLIN, 0};
+    std::size_t at = 0;
+    while ((at = unread_.find(text)) == std::string::npos &&
+           poll(&terminal, 1, vel::test::kTimeLimitMs) == 1) {
+      char buffer[512];
+      const ssize_t count = read(master_, buffer, sizeof buffer);
+      if (count <= 0) break;
+      unread_.append(buffer, static_cast<std::size_t>(count));
+    }
+    std::string result = unread_.substr(0, at == std::string::npos ? at : at + text.size());
+    unread_.erase(0, result.size());
+    return result;
+  }
+  /// The wait status of its next stop or of its end.
+  int waitForStatus() {
+    int status = -1;
+    EXPECT_TRUE(
+        vel::test::waitUntil([&] { return waitpid(child_, &status, WNOHANG | WUNTRACED) == child_; }));
+    ended_ = !WIFSTOPPED(status);
+    return status;
+  }
+  /// What it wrote until its end, which must be a good one and leave the terminal as it was.
+  std::string finish() {
+    std::string text = readThrough(std::string("\0", 1));
+    EXPECT_EQ(waitForStatus(), 0);
+    EXPECT_TRUE(hasRestoredTerminal());
+    return text;
+  }
+
+  /// Whether keys come to arrive at once and unseen, while those that send signals still do.
+  bool waitsForKey() const {
+    return vel::test::waitUntil([this] { return (attributes().c_lflag & (ICANON | ECHO | ISIG)) == ISIG; });
+  }
+  /// Also behind the program's end.
+  bool hasRestoredTerminal() const {
+    const termios now = attributes();
+    return std::memcmp(&now, &atStart_, sizeof now) == 0;
+  }
+
+ private:
+  termios attributes() const {
+    termios result{};
+    EXPECT_EQ(tcgetattr(master_, &result), 0);
+    return result;
+  }
+
+  int master_ = -1;
+  termios atStart_{};
+  pid_t child_ = -1;
+  bool ended_ = false;
+  std::string unread_;
+};
+
+const std::string kInvitation = " === Press any key to continue ===\r\n";
+
+/// prompt_child, waiting for a key.
+struct Prompting : Tool {
+  explicit Prompting(const std::vector<std::string>& script) : Tool("prompt_child", script) {
+    EXPECT_TRUE(waitsForKey());
+  }
+};
+
+TEST(PromptForKey, TakesOneKeyWithoutEnterAndWithoutEcho) {
+  for (const char* key : {"x", "\n", "\x1B[A", "\xC3\xA4"}) {
+    Prompting tool({"key", "string", "Name", "-"});
+    EXPECT_EQ(tool.readThrough(kInvitation), kInvitation);
+    tool.type(key);
+    // Nothing of the key is shown or left for the next prompt.
+    const std::string question = std::string(74, '-') + "\r\n Name:\r\n ";
+    EXPECT_EQ(tool.readThrough("Name:\r\n "), question) << key;
+    EXPECT_TRUE(tool.hasRestoredTerminal());
+    tool.type("Ann\n");
+    EXPECT_EQ(tool.finish(), "Ann\r\n[Ann]\r\nend\r\n") << key;
+  }
+}
+
+TEST(PromptForKey, RestoresTheTerminalWhenASignalEndsTheTool) {
+  for (const int signal : {SIGINT, SIGTERM, SIGQUIT, SIGHUP, SIGALRM, SIGUSR1}) {
+    Prompting tool({"key"});
+    tool.signal(signal);
+    const int status = tool.waitForStatus();
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << signal << ": " << status;
+    EXPECT_TRUE(tool.hasRestoredTerminal()) << signal;
+  }
+}
+
+TEST(PromptForKey, RestoresTheTerminalWhileTheToolIsStopped) {
+  Prompting tool({"key"});
+  tool.signal(SIGTSTP);
+  EXPECT_TRUE(WIFSTOPPED(tool.waitForStatus()) && tool.hasRestoredTerminal());
+  tool.signal(SIGCONT);
+  ASSERT_TRUE(tool.waitsForKey());
+  tool.type("x");
+  EXPECT_EQ(tool.finish(), kInvitation + "end\r\n");
+}
+
+TEST(PromptForKey, LeavesSignalsToTheToolsOwnHandlerOrIgnored) {
+  Prompting tool({"catch", "key", "enter", "caught"});
+  tool.signal(SIGINT);
+  tool.type("x");
+  // The handler is back when the key has come.
+  tool.readThrough("<ENTER> to continue ===\r\n");
+  tool.signal(SIGINT);
+  tool.type("\n");
+  EXPECT_EQ(tool.finish(), "\r\n[2]\r\nend\r\n");
+  Prompting ignoring({"ignore", "key"});
+  ignoring.signal(SIGINT);
+  ignoring.type("x");
+  EXPECT_EQ(ignoring.finish(), kInvitation + "end\r\n");
+}
+
+TEST(PromptForKey, TakesOneCharacterOfRedirectedInput) {
+  const auto result = vel::test::runChild("prompt_child", {"string", "A", "-", "key", "string", "B", "-"},
+                                          {.input = "one\nxtwo\n"});
+  EXPECT_NE(result.output.find("[one]\n"), std::string::npos) << result.output;
+  EXPECT_NE(result.output.find("[two]\n"), std::string::npos) << result.output;
+}
+
+TEST(ProgressDisplay, AppearsOnlyOnATerminalAndOnlyAfterASecond) {
+  const auto before = std::chrono::steady_clock::now();
+  const vel::test::Variable action("UI_ACTION", "fastProgress");
+  Tool fast("ui_child", {}, true);
+  action.set("slowProgress");
+  Tool slow("ui_child", {}, true), quiet("ui_child", {"-quiet"}, true);
+  EXPECT_EQ(fast.finish(), "next line\r\n");
+  std::string drawn = slow.readThrough("%");
+  EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::seconds(1));
+  drawn += slow.finish();
+  EXPECT_TRUE(drawn.ends_with("\rWorking [##############################] 100%   0:00 left\r\nnext line\r\n"))
+      << drawn;
+  EXPECT_GE(std::count(drawn.begin(), drawn.end(), '%'), 2) << drawn;
+  EXPECT_EQ(quiet.finish(), "next line\r\n");
+  const auto toFile = vel::test::runChild("ui_child", {});
+  EXPECT_EQ(toFile.errors, "next line\n");
+}
+
+TEST(LabelColumn, CountsCharactersOfUtf8Texts) {
+  std::ostringstream stream;
+  const vel::test::Variable locale("LC_ALL", "de_DE.UTF-8");
+  VelClConsoleUI ui(0, nullptr);
+  ui.setOutputStream(stream);
+  ui.setFormatWidth(8);
+  ui.format("Gr\u00F6\u00DFe", "5");
+  EXPECT_EQ(stream.str(), "  Gr\u00F6\u00DFe...: 5\n");
+}
+
+}  // namespace

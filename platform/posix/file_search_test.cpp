@@ -1,0 +1,163 @@
+// Where programs, libraries and message catalogs are found, and by which names.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <string>
+
+#include "platform/platform.h"
+#include "platform/test/child_process.h"
+#include "platform/test/scratch_directory.h"
+#include "platform/test/variable.h"
+
+namespace vel::platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A current directory "here" and a search path of "first" and "second".
+class FileSearch : public testing::Test {
+ protected:
+  std::string path(const std::string& entry) const { return scratch_.path(entry); }
+  std::string add(const std::string& name, mode_t mode = 0700) const {
+    EXPECT_EQ(chmod(scratch_.write(name, "#!/bin/sh\nexit 7\n").c_str(), mode), 0);
+    return path(name);
+  }
+  void addLibrary(const std::string& name) const {
+    fs::copy_file(fs::path(test::ownProgram()).replace_filename("libsample_library.so"), path(name));
+  }
+
+  test::ScratchDirectory scratch_;
+
+ private:
+  test::CurrentDirectory here_{fs::path(scratch_.write("here/x", "")).parent_path()};
+  test::Variable path_{"PATH", ("/nowhere::../first:" + path("second")).c_str()};
+};
+
+std::string program(const char* name, std::size_t capacity = 261) {
+  std::string out(capacity, '#');
+  return searchProgram(name, out.data(), capacity) ? out.c_str() : "-";
+}
+
+/// The exit code of the program of that name, which has a directory.
+int run(std::string name) {
+  EXPECT_TRUE(programExists(name.c_str())) << name;
+  char* const arguments[] = {name.data(), nullptr};
+  std::uint32_t exitCode = 0;
+  EXPECT_EQ(launchAndWait({nullptr, arguments, false}, exitCode), 0U) << name;
+  return static_cast<int>(exitCode);
+}
+
+TEST_F(FileSearch, ProgramsAreInTheCurrentDirectoryThenAlongThePath) {
+  EXPECT_EQ(program(""), "-");
+  EXPECT_EQ(program(std::string(5000, 'x').c_str()), "-");
+  const std::string anyCase = add("second/Tool");
+  EXPECT_EQ(program("tool.EXE"), anyCase);
+  const std::string second = add("second/tool");
+  EXPECT_EQ(program("tool.exe"), second);
+  EXPECT_EQ(program("tool.bin"), "-");
+  EXPECT_EQ(program("tool", second.size() + 1), second);
+  for (const std::size_t capacity : {std::size_t{1}, second.size()})
+    EXPECT_EQ(program("tool", capacity), "-");
+  add("first/tool", 0600);
+  fs::create_directory(path("here/tool"));
+  EXPECT_EQ(program("tool.EXE"), second);
+  chmod(path("first/tool").c_str(), 0700);
+  EXPECT_EQ(program("tool.EXE"), fs::current_path().string() + "/../first/tool");
+  for (const char* exact : {"second/tool.EXE", "here/tool.EXE"}) {
+    const std::string given = add(exact);
+    EXPECT_EQ(program("tool.EXE"), given);
+  }
+}
+
+TEST_F(FileSearch, ProgramsWithADirectoryMayBeInBackSlashes) {
+  const std::string tool = add("Dir/Tool");
+  add("here/tool");
+  for (const std::string& name : {tool, tool + ".EXE", test::backSlashed(path("DIR/TOOL.EXE")),
+                                  std::string("..\\dir\\tool"), std::string("C:tool.EXE")})
+    EXPECT_EQ(run(name), 7) << name;
+  EXPECT_FALSE(programExists("..\\dir\\absent.exe"));
+}
+
+/// 0 when the library is loaded and its procedure is there.
+std::uint32_t loading(const std::string& name) {
+  std::uint32_t error = 0;
+  void* const library = loadLibrary(name.c_str(), error);
+  EXPECT_EQ(library == nullptr, error != 0) << name;
+  if (library == nullptr) return error;
+  const Procedure procedure = findProcedure(library, "velSampleAnswer");
+  EXPECT_TRUE(procedure != nullptr && procedure() == 42) << name;
+  freeLibrary(library);
+  return error;
+}
+
+TEST_F(FileSearch, OneLibraryNameStandsForThreeFiles) {
+  for (const char* name : {"given.DLL", "plain.so", "libusual.so", "bad.so"}) addLibrary(name);
+  scratch_.write("bad.DLL", "no library");
+  const struct {
+    const char* name;
+    std::uint32_t error;
+  } rows[] = {{"given.DLL", 0},       {"plain.DLL", 0},     {"usual.DLL", 0},     {"plain.so", 0},
+              {"plain.dll", 0},       {".DLL", ENOENT},     {"usual.so", ENOENT}, {"plain.xyz", ENOENT},
+              {"absent.DLL", ENOENT}, {"bad.DLL", ENOEXEC}, {"", ENOENT}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(loading(path(row.name)), row.error) << row.name;
+    EXPECT_EQ(loading(test::backSlashed(path(row.name))), row.error) << row.name;
+  }
+  EXPECT_EQ(loading("C:" + path("GIVEN.dll")), 0U);
+  EXPECT_EQ(loading(""), std::uint32_t{ENOENT});
+}
+
+TEST_F(FileSearch, TheLoadersOwnPlacesComeLast) {
+  char path[261];
+  EXPECT_FALSE(searchLibrary("libc.so.6", path, sizeof path));
+  std::uint32_t error = 0;
+  void* const library = loadLibrary("libc.so.6", error);
+  ASSERT_NE(library, nullptr);
+  EXPECT_NE(findProcedure(library, "getpid"), nullptr);
+  freeLibrary(library);
+}
+
+/// The contents of the catalog found, "-" when there is none.
+std::string catalog(const std::string& name) {
+  CatalogImage image{};
+  if (!openCatalog(name.c_str(), image)) return "-";
+  std::string contents(reinterpret_cast<const char*>(image.data), image.sizeInBytes);
+  closeCatalog(image);
+  EXPECT_EQ(image.data, nullptr);
+  return contents;
+}
+
+TEST_F(FileSearch, CatalogsAreFilesWithContentsAtTheFirstPlace) {
+  scratch_.write("here/MSGS.dll", "other case");
+  EXPECT_EQ(catalog("msgs.DLL"), "other case");
+  fs::create_directory(path("here/msgs.DLL"));
+  scratch_.write("first/msgs.DLL", "");
+  EXPECT_EQ(catalog("msgs.DLL"), "-");
+  scratch_.write("second/msgs.DLL", "second");
+  EXPECT_EQ(catalog("msgs.DLL"), "second");
+  fs::remove(path("here/msgs.DLL"));
+  for (const std::string directory : {"first", "here"}) {
+    scratch_.write(directory + "/msgs.DLL", directory);
+    EXPECT_EQ(catalog("msgs.DLL"), directory);
+  }
+  ASSERT_EQ(mkfifo(path("here/pipe.DLL").c_str(), 0600), 0);
+  EXPECT_EQ(catalog("pipe.DLL"), "-");
+}
+
+TEST_F(FileSearch, ADirectoryIsTheOnlyPlaceOfACatalog) {
+  scratch_.write("first/msgs.DLL", "first");
+  scratch_.write("here/Sub/Msgs.DLL", "sub");
+  EXPECT_EQ(catalog("sub\\msgs.dll"), "sub");
+  EXPECT_EQ(catalog(path("first/msgs.DLL")), "first");
+  for (const std::string& name :
+       {std::string(), std::string("./msgs.DLL"), std::string("C:msgs.DLL"), std::string("sub/msgs.dll"),
+        std::string(300, 'x') + "\\msgs.DLL", std::string(5000, 'x')})
+    EXPECT_EQ(catalog(name), "-") << name;
+}
+
+}  // namespace
+
+}  // namespace vel::platform

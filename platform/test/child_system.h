@@ -1,0 +1,23 @@
+// How each system runs a child. What all have in common is child_process.cpp's work.
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "platform/test/child_process.h"
+
+namespace vel::test {
+
+/// Everything that a system needs to start a child.
+struct ChildPlan {
+  std::string program;  ///< its path, without extension
+  std::vector<std::string> arguments;
+  std::vector<std::string> environment;
+  std::array<std::string, 3> streams;  ///< files
+};
+
+/// Runs it, at most until the time limit, and fills in everything but the output.
+void runPlan(ChildPlan plan, ChildResult& result);
+
+}  // namespace vel::test

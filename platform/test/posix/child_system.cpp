@@ -1,0 +1,65 @@
+// Child processes by fork, and other processes by their descriptors.
+#include "platform/test/child_system.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+namespace vel::test {
+
+namespace {
+
+constexpr int kExitCodeWithoutProgram = 127;
+
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  for (std::string& text : texts) pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+}  // namespace
+
+void runPlan(ChildPlan plan, ChildResult& result) {
+  plan.arguments.insert(plan.arguments.begin(), plan.program);
+  const std::vector<char*> arguments = pointersTo(plan.arguments), variables = pointersTo(plan.environment);
+  const pid_t child = fork();
+  if (child == 0) {
+    for (int number = 1; number < NSIG; ++number) signal(number, SIG_DFL);
+    int stream = 0;
+    for (const std::string& path : plan.streams)
+      dup2(open(path.c_str(), O_RDWR | O_APPEND | O_CLOEXEC), stream++);
+    execve(arguments[0], arguments.data(), variables.data());
+    _exit(kExitCodeWithoutProgram);
+  }
+  if (!endsWithin(static_cast<unsigned int>(child), kTimeLimitMs)) kill(child, SIGKILL);
+  int status = 0;
+  waitpid(child, &status, 0);
+  result.endedAbnormally = !WIFEXITED(status);
+  if (WIFEXITED(status)) result.exitCode = WEXITSTATUS(status);
+  result.started = result.exitCode != kExitCodeWithoutProgram;
+}
+
+std::string ownProgram() {
+  return std::filesystem::read_symlink("/proc/self/exe").string();
+}
+
+bool endsWithin(unsigned int processId, int milliseconds) {
+  pollfd process{static_cast<int>(syscall(SYS_pidfd_open, processId, 0)), POLLIN, 0};
+  if (process.fd < 0) return true;
+  const bool ended = poll(&process, 1, milliseconds) == 1;
+  close(process.fd);
+  return ended;
+}
+
+void setVariable(const char* name, const char* value) {
+  value == nullptr ? unsetenv(name) : setenv(name, value, 1);
+}
+
+}  // namespace vel::test

@@ -1,0 +1,86 @@
+// Child processes by CreateProcess, and other processes by their handles.
+#include "platform/test/child_system.h"
+
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+#include <cstdlib>
+
+namespace vel::test {
+
+namespace {
+
+constexpr DWORD kAbortExitCode = 3;
+/// Exit codes from here on are the system's own: exceptions that nobody handled.
+constexpr DWORD kFirstExceptionCode = 0xC0000000;
+
+/// An argument as the runtime of the child splits it: back-slashes count only before a quote.
+std::string quoted(const std::string& argument) {
+  std::string result = "\"";
+  std::size_t backSlashes = 0;
+  for (const char c : argument) {
+    if (c == '"') result.append(backSlashes + 1, '\\');
+    backSlashes = c == '\\' ? backSlashes + 1 : 0;
+    result += c;
+  }
+  return result.append(backSlashes, '\\') + '"';
+}
+
+/// A file as a standard stream of the child.
+HANDLE openStream(const std::string& path, DWORD access) {
+  SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+  return CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                     &inheritable, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+}  // namespace
+
+void runPlan(ChildPlan plan, ChildResult& result) {
+  STARTUPINFOA startUp{};
+  startUp.cb = sizeof startUp;
+  startUp.dwFlags = STARTF_USESTDHANDLES;
+  startUp.hStdInput = openStream(plan.streams[0], GENERIC_READ);
+  startUp.hStdOutput = openStream(plan.streams[1], FILE_APPEND_DATA | SYNCHRONIZE);
+  startUp.hStdError = openStream(plan.streams[2], FILE_APPEND_DATA | SYNCHRONIZE);
+  const std::string program = plan.program + (plan.program.ends_with(".exe") ? "" : ".exe");
+  std::string line = quoted(program), environment;
+  for (const std::string& argument : plan.arguments) line += " " + quoted(argument);
+  for (const std::string& entry : plan.environment) environment += entry + '\0';
+  // The child inherits the mode: no window asks somebody to confirm a crash.
+  SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+  PROCESS_INFORMATION process{};
+  // Without a console a child cannot wait for the tester's keys.
+  result.started = CreateProcessA(program.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS,
+                                  environment.data(), nullptr, &startUp, &process);
+  for (HANDLE stream : {startUp.hStdInput, startUp.hStdOutput, startUp.hStdError}) CloseHandle(stream);
+  if (!result.started) return;
+  if (WaitForSingleObject(process.hProcess, kTimeLimitMs) != WAIT_OBJECT_0)
+    TerminateProcess(process.hProcess, kFirstExceptionCode);
+  WaitForSingleObject(process.hProcess, INFINITE);
+  DWORD code = kFirstExceptionCode;
+  GetExitCodeProcess(process.hProcess, &code);
+  result.endedAbnormally = code == kAbortExitCode || code >= kFirstExceptionCode;
+  if (code < kFirstExceptionCode) result.exitCode = static_cast<int>(code);
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+}
+
+std::string ownProgram() {
+  std::string path(1024, '\0');
+  path.resize(GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size())));
+  return path;
+}
+
+bool endsWithin(unsigned int processId, int milliseconds) {
+  const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, processId);
+  if (process == nullptr) return true;
+  const bool ended = WaitForSingleObject(process, static_cast<DWORD>(milliseconds)) == WAIT_OBJECT_0;
+  CloseHandle(process);
+  return ended;
+}
+
+void setVariable(const char* name, const char* value) {
+  _putenv_s(name, value == nullptr ? "" : value);
+}
+
+}  // namespace vel::test
