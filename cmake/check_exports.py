@@ -21,6 +21,8 @@ def declared(directory):
     plain = set(re.findall(r"^VEL_C_API\b[^;(]*?\b(\w+)\s*\(", text, re.MULTILINE))
     classes = set(re.findall(r"\b(?:class|struct) VEL_API (\w+)", text))
     functions = {name.replace(" ", "") for name in re.findall(r"^VEL_API\b[^;(]*?(operator\S+|\b\w+)\s*\(", text, re.MULTILINE)}
+    # Data is told apart by its leading word.
+    functions |= set(re.findall(r"^extern VEL_API\b[^;(]*?(\w+);", text, re.MULTILINE))
     return plain, classes, functions
 
 
