@@ -1,5 +1,5 @@
-// The seam's part for tools that pass bytes through, of files of any size and of the standard streams. It is
-// compiled into those tools; the library has no need of it.
+// The seam's part for passing bytes through, of files of any size and of the standard streams. Tools that need
+// it compile it once more.
 #pragma once
 
 #include <cstddef>

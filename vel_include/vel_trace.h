@@ -517,7 +517,9 @@ class VEL_API VelClTraceFileEntry : public VelClTraceEntry {
 ///   %p process    %t thread      %s time stamp             %l detail    %c component
 ///   %n and \n line break with indentation, \t tab, \\ back-slash, %% percent sign
 ///
-/// Every format string must have "%d" exactly once: it alone moves behind the data of the entry.
+/// Every format string must have "%d" exactly once: it alone moves behind the data of the entry. "%" or "\"
+/// before any other character is shown as "%" or as that character; at the very end it is ignored.
+/// Of a nesting level 1,024 levels are shown as indentation at most, and none of one above 2147483647.
 /// Faults of the file are thrown as VelClException with severity FATAL and action TERMINATE; what was
 /// formatted before stays written: TRACEFORMAT_COULD_NOT_OPEN with class IO_PERMISSION_DENIED,
 /// TRACEFORMAT_UNEXPECTED_EOF with IO_READ_PROBLEM for data that is cut off, TRACEFORMAT_FILE_CORRUPTED with
@@ -541,15 +543,17 @@ class VEL_API VelClTraceFormatter {
   void setShowFunctionRecords(bool show) { showFunctionRecords_ = show; }
   /// Shows a function's name also in records that follow one of the same function; on at first.
   void setShowRepeatedFunctionNames(bool show) { showRepeatedNames_ = show; }
-  /// Shows numbers also as a line "HEX: " or "BIN: " with their bytes; off at first.
+  /// Shows numbers and booleans also as a line "HEX: ", or as lines "BIN: ", with their bytes; off at first.
   void setShowHex(bool show) { showHex_ = show; }
   void setShowBinary(bool show) { showBinary_ = show; }
   /// Takes the formatter's own words (messages 189 to 192) from a catalog, which must live longer.
   void attachVelMessageCatalog(VelClMessageCatalog& catalog);
 
-  /// Formats the whole file.
+  /// Formats the whole file. Characters that count as printable are those of ASCII, and numbers have no
+  /// locale: the same file gives the same text on every system.
   void format(std::ostream& stream);
-  /// Entries of the last format, without those that the filter kept out.
+  // Entries that are kept out count, too. Keep.
+  /// The entries that the last format read, whether shown or not.
   unsigned int getNumOfEntries() const { return entryCount_; }
 
  private:

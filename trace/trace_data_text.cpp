@@ -1,0 +1,124 @@
+// Values as text: "0xFB/-5" for integers, "0x41/65/'A'" for those of one byte, "1.5" for floating point.
+#include "trace/trace_data_text.h"
+
+#include <cstring>
+#include <iterator>
+#include <limits>
+
+#include "util/dump_line.h"
+#include "vel_include/vel_trace.h"
+
+namespace vel::trace {
+namespace {
+
+struct ValueType {
+  std::size_t size;  ///< at least
+  void (*write)(TextBuffer& out, const std::uint8_t* bytes, std::size_t count);
+};
+
+std::uint64_t littleEndian(const std::uint8_t* bytes, std::size_t count) {
+  std::uint64_t number = 0;
+  while (count > 0) number = number << 8 | bytes[--count];
+  return number;
+}
+
+template <typename Float, typename Bits>
+Float floatOf(Bits bits) {
+  static_assert(sizeof(Float) == sizeof(Bits) && std::numeric_limits<Float>::is_iec559);
+  Float number = 0;
+  std::memcpy(&number, &bits, sizeof number);
+  return number;
+}
+
+void writeHexadecimal(TextBuffer& out, std::uint64_t number) {
+  int digits = 1;
+  while (digits < 16 && number >> (4 * digits) != 0) ++digits;
+  out.append("0x");
+  while (digits-- > 0) out.put("0123456789ABCDEF"[number >> (4 * digits) & 15]);
+}
+
+template <std::size_t size, bool isSigned>
+void writeInteger(TextBuffer& out, const std::uint8_t* bytes, std::size_t) {
+  const std::uint64_t number = littleEndian(bytes, size);
+  constexpr int kUnused = 64 - 8 * static_cast<int>(size);
+  writeHexadecimal(out, number);
+  out.put('/');
+  if (isSigned)
+    out.decimal(static_cast<std::int64_t>(number << kUnused) >> kUnused);
+  else
+    out.decimal(number);
+  if (size > 1) return;
+  const char quoted[] = {'/', '\'', static_cast<char>(bytes[0]), '\''};
+  if (vel::util::shownCharacter(bytes[0]) == quoted[2]) out.append({quoted, sizeof quoted});
+}
+
+void writeBoolean(TextBuffer& out, const std::uint8_t* bytes, std::size_t) {
+  out.append(bytes[0] == 0 ? "FALSE" : "TRUE");
+}
+
+void writeFloat(TextBuffer& out, const std::uint8_t* bytes, std::size_t) {
+  out.decimalFloat(floatOf<float>(static_cast<std::uint32_t>(littleEndian(bytes, 4))));
+}
+
+void writeDouble(TextBuffer& out, const std::uint8_t* bytes, std::size_t) {
+  out.decimalFloat(floatOf<double>(littleEndian(bytes, 8)));
+}
+
+/// The x87's 80 bits. Those that are no number to it since the 387 count as not a number: run-time libraries
+/// have stumbled over them.
+long double extendedOf(const std::uint8_t* bytes) {
+  static_assert(std::numeric_limits<long double>::digits == 64, "long double is not the x87's");
+  const std::uint64_t significand = littleEndian(bytes, 8);
+  const bool leadingBit = significand >> 63 != 0;
+  const bool smallest = (littleEndian(bytes + 8, 2) & 0x7FFF) == 0;
+  if (leadingBit == smallest) return std::numeric_limits<long double>::quiet_NaN();
+  long double number = 0;
+  std::memcpy(&number, bytes, 10);
+  return number;
+}
+
+void writeLongDouble(TextBuffer& out, const std::uint8_t* bytes, std::size_t count) {
+  if (count == sizeof(double))
+    writeDouble(out, bytes, count);
+  else
+    out.decimalFloat(extendedOf(bytes));
+}
+
+constexpr auto kFirst = static_cast<unsigned int>(VelEnTraceDataType::BOOLEAN);
+constexpr ValueType kValueTypes[] = {
+    {1, &writeBoolean},
+    {1, &writeInteger<1, true>},
+    {1, &writeInteger<1, false>},
+    {2, &writeInteger<2, true>},
+    {2, &writeInteger<2, false>},
+    {4, &writeInteger<4, true>},
+    {4, &writeInteger<4, false>},
+    {8, &writeInteger<8, true>},
+    {8, &writeInteger<8, false>},
+    {4, &writeFloat},
+    {8, &writeDouble},
+    {8, &writeLongDouble},
+};
+constexpr unsigned int kLast = kFirst + std::size(kValueTypes) - 1;
+static_assert(kLast == static_cast<unsigned int>(VelEnTraceDataType::LONG_DOUBLE));
+
+}  // namespace
+
+bool isValueType(unsigned int type) {
+  return type >= kFirst && type <= kLast;
+}
+
+bool fitsValue(unsigned int type, std::size_t count) {
+  if (type == kLast) return count == 8 || count == 10 || count == 12 || count == 16;
+  return count >= kValueTypes[type - kFirst].size;
+}
+
+void writeValue(TextBuffer& out, unsigned int type, const std::uint8_t* bytes, std::size_t count) {
+  kValueTypes[type - kFirst].write(out, bytes, count);
+}
+
+std::uint32_t littleEndian32(const std::uint8_t* bytes) {
+  return static_cast<std::uint32_t>(littleEndian(bytes, 4));
+}
+
+}  // namespace vel::trace

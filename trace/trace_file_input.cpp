@@ -1,0 +1,40 @@
+// Reads a trace file in large pieces.
+#include "trace/trace_file_input.h"
+
+#include "platform/byte_files.h"
+#include "platform/platform.h"
+
+namespace vel::trace {
+
+TraceFileInput::~TraceFileInput() {
+  if (descriptor_ != -1) platform::closeDescriptor(descriptor_);
+}
+
+bool TraceFileInput::open(const char* name) {
+  buffer_.reset(static_cast<char*>(VelClMemoryManager::malloc(kCapacity)));
+  // Some systems open directories, too.
+  const std::uint32_t attributes = platform::attributesOf(name);
+  if (attributes != platform::kAttributesUnreadable && (attributes & platform::kAttributeDirectory) != 0)
+    return false;
+  descriptor_ = platform::openForReading(name);
+  return descriptor_ != -1;
+}
+
+bool TraceFileInput::skip(std::uint64_t count) {
+  while (count > 0) {
+    if (gptr() == egptr() && underflow() == traits_type::eof()) return false;
+    const auto step = std::min(count, static_cast<std::uint64_t>(egptr() - gptr()));
+    gbump(static_cast<int>(step));
+    count -= step;
+  }
+  return true;
+}
+
+TraceFileInput::int_type TraceFileInput::underflow() {
+  const std::int64_t count = platform::readBytes(descriptor_, buffer_.get(), kCapacity);
+  char* const start = buffer_.get();
+  setg(start, start, start + std::max<std::int64_t>(count, 0));
+  return count > 0 ? traits_type::to_int_type(*start) : traits_type::eof();
+}
+
+}  // namespace vel::trace

@@ -1,0 +1,338 @@
+// One pass of the formatter: entries are read, filtered and rendered. How values look is
+// trace_data_text.cpp's matter, how lines of dumps look that of util/dump_line.h.
+#include "trace/trace_formatter_run.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <iterator>
+
+#include "trace/trace_data_text.h"
+#include "util/dump_line.h"
+#include "vel_include/vel_messages.h"
+#include "vel_include/vel_util.h"
+
+using vel::trace::FormatStep;
+using vel::trace::TextBuffer;
+using vel::trace::TraceTypeNames;
+using vel::util::BinaryForm;
+using vel::util::HexForm;
+using vel::util::LineLayout;
+
+namespace {
+
+/// What all faults of a file are thrown as; the lines are fixed numbers.
+[[noreturn]] void fault(VelEnErrorId id, VelEnErrorClass errorClass, const char* origin, unsigned int line) {
+  VelClException exception(id, errorClass, VelEnErrorSeverity::FATAL, VelEnErrorAction::TERMINATE, "");
+  exception.setOrigin(origin, line);
+  throw exception;
+}
+
+[[noreturn]] void unexpectedEnd(const char* origin, unsigned int line) {
+  fault(TRACEFORMAT_UNEXPECTED_EOF, VelEnErrorClass::IO_READ_PROBLEM, origin, line);
+}
+
+[[noreturn]] void corrupted(const char* origin, unsigned int line) {
+  fault(TRACEFORMAT_FILE_CORRUPTED, VelEnErrorClass::INVALID_DATA, origin, line);
+}
+
+constexpr unsigned int numberOf(VelEnTraceDataType type) {
+  return static_cast<unsigned int>(type);
+}
+
+/// Longer data is always shown as a dump or as text.
+constexpr std::size_t kLongestShortData = 127;
+constexpr std::uint32_t kNestingLevelSize = 4;
+constexpr std::size_t kLargestValue = 16;
+/// Shorter texts are copied in blocks.
+constexpr std::size_t kShortText = 64;
+/// What a hostile file can make a line's indentation cost.
+constexpr std::uint32_t kDeepestShown = 1024;
+
+std::uint32_t shownLevels(std::uint32_t nestingLevel) {
+  // A function's exit without its entry leaves "minus one".
+  return nestingLevel >> 31 != 0 ? 0 : std::min(nestingLevel, kDeepestShown);
+}
+
+std::string_view builtInText(unsigned long id) {
+  return velMsgCatGetBuiltInTable(nullptr)[id];
+}
+
+void checkShortData(unsigned int type, std::uint32_t length) {
+  if (type == numberOf(VelEnTraceDataType::FUNCTION_ENTRY) ||
+      type == numberOf(VelEnTraceDataType::FUNCTION_EXIT)) {
+    if (length != kNestingLevelSize) corrupted("VelClTraceFormatter::formatData, line 405", 405);
+  } else if (type == numberOf(VelEnTraceDataType::NO_DATA)) {
+    if (length != 0) corrupted("VelClTraceFormatter::formatData, line 433", 433);
+  } else if (vel::trace::isValueType(type)) {
+    if (!vel::trace::fitsValue(type, length)) corrupted("VelClTraceFormatter::formatData, line 502", 502);
+  } else if (type != numberOf(VelEnTraceDataType::DATA_NULL)) {
+    corrupted("VelClTraceFormatter::formatData, line 541", 541);
+  }
+}
+
+}  // namespace
+
+VelClTraceFormatter::Run::Run(VelClTraceFormatter& formatter, std::ostream& stream)
+    : formatter_(formatter),
+      out_(stream),
+      stream_(&input_),
+      program_(formatter.format_, directiveLetters(), formatter.indentation_ != nullptr),
+      entry_(*formatter.environment_),
+      indentation_(formatter.indentation_ != nullptr ? formatter.indentation_ : "") {
+  formatter.stream_ = &stream;
+  formatter.entryCount_ = 0;
+  loadTexts();
+  if (!input_.open(formatter.environment_->getFilename().getAsCString()))
+    fault(TRACEFORMAT_COULD_NOT_OPEN, VelEnErrorClass::IO_PERMISSION_DENIED,
+          "VelClTraceFormatter::format, line 837", 837);
+}
+
+void VelClTraceFormatter::Run::loadTexts() {
+  if (formatter_.message_ == nullptr) return;
+  for (unsigned long id = kBytes; id < kTextEnd; ++id) {
+    const char* const text = formatter_.message_->setNewMessageId(id);
+    texts_[id - kBytes] = vel::copyText(text, std::strlen(text));
+  }
+}
+
+std::string_view VelClTraceFormatter::Run::getMessage(TextId id) const {
+  const vel::OwnedText& text = texts_[id - kBytes];
+  return text != nullptr ? text.get() : builtInText(id);
+}
+
+void VelClTraceFormatter::Run::formatAll() {
+  try {
+    while (formatEntry()) ++formatter_.entryCount_;
+  } catch (...) {
+    out_.flush();
+    throw;
+  }
+  out_.flush();
+}
+
+/// False when there is no further entry.
+bool VelClTraceFormatter::Run::formatEntry() {
+  if (!entry_.read(stream_)) return false;
+  if (isShown()) {
+    hideFunction_ = repeatsFunction();
+    walkFormat();
+  } else {
+    skipEntry(entry_.getDumpDataLength());
+  }
+  return true;
+}
+
+bool VelClTraceFormatter::Run::isShown() const {
+  const bool isFunction = entry_.getType() == VelEnTraceDataType::FUNCTION_ENTRY ||
+                          entry_.getType() == VelEnTraceDataType::FUNCTION_EXIT;
+  const VelClTraceFilter& filter = *formatter_.filter_;
+  return (formatter_.showFunctionRecords_ || !isFunction) && filter.matchesDetail(entry_.getDetail()) &&
+         filter.matchesCompId(entry_.getComponentId()) && filter.matchesProcessId(entry_.getProcessId()) &&
+         filter.matchesThreadId(entry_.getThreadId());
+}
+
+/// A function's entry always shows its name and is not remembered itself.
+bool VelClTraceFormatter::Run::repeatsFunction() {
+  if (formatter_.showRepeatedNames_ || entry_.getType() == VelEnTraceDataType::FUNCTION_ENTRY) return false;
+  const std::string_view origin(entry_.getOrigin(), entry_.getOriginLength());
+  if (origin == std::string_view(remembered_, rememberedLength_)) return true;
+  rememberedLength_ = origin.copy(remembered_, sizeof remembered_);
+  return false;
+}
+
+struct VelClTraceFormatter::Run::Directive {
+  char letter;
+  void (Run::*show)();
+};
+
+constexpr VelClTraceFormatter::Run::Directive VelClTraceFormatter::Run::kDirectives[] = {
+    {'c', &Run::showComponent}, {'d', &Run::formatData},    {'f', &Run::showFunction},
+    {'l', &Run::showDetail},    {'m', &Run::showMessage},   {'n', &Run::showLineBreak},
+    {'p', &Run::showProcess},   {'s', &Run::showTimeStamp}, {'t', &Run::showThread},
+    {'x', &Run::showShortType}, {'X', &Run::showLongType},
+};
+
+std::string_view VelClTraceFormatter::Run::directiveLetters() {
+  static constexpr auto kLetters = [] {
+    std::array<char, std::size(kDirectives)> letters{};
+    for (std::size_t i = 0; i < letters.size(); ++i) letters[i] = kDirectives[i].letter;
+    return letters;
+  }();
+  return {kLetters.data(), kLetters.size()};
+}
+
+void VelClTraceFormatter::Run::walkFormat() {
+  for (const FormatStep& step : program_) {
+    if (step.length <= kShortText)
+      out_.appendBlocks(program_.textOf(step), step.length);
+    else
+      out_.append({program_.textOf(step), step.length});
+    if (step.directive != FormatStep::kNone) (this->*kDirectives[step.directive].show)();
+  }
+}
+
+void VelClTraceFormatter::Run::showComponent() {
+  out_.decimal(entry_.getComponentId());
+}
+
+void VelClTraceFormatter::Run::showProcess() {
+  out_.decimal(entry_.getProcessId());
+}
+
+void VelClTraceFormatter::Run::showThread() {
+  out_.decimal(entry_.getThreadId());
+}
+
+void VelClTraceFormatter::Run::showTimeStamp() {
+  out_.decimal(entry_.getTimeStamp());
+}
+
+void VelClTraceFormatter::Run::showFunction() {
+  if (!hideFunction_) out_.append({entry_.getOrigin(), entry_.getOriginLength()});
+}
+
+void VelClTraceFormatter::Run::showMessage() {
+  out_.append({entry_.getMessage(), entry_.getMessageLength()});
+}
+
+void VelClTraceFormatter::Run::showDetail() {
+  out_.append(VelClTraceFilter::getDetailAsCString(entry_.getDetail()));
+}
+
+void VelClTraceFormatter::Run::showLineBreak() {
+  out_.put('\n');
+  displayIndent();
+}
+
+void VelClTraceFormatter::Run::showShortType() {
+  showType(&TraceTypeNames::shortName);
+}
+
+void VelClTraceFormatter::Run::showLongType() {
+  showType(&TraceTypeNames::longName);
+}
+
+void VelClTraceFormatter::Run::showType(std::string_view TraceTypeNames::*name) {
+  const TraceTypeNames* const names = vel::trace::typeNamesOf(numberOf(entry_.getType()));
+  if (names == nullptr)
+    fault(TRACEFORMAT_FILE_CORRUPTED, VelEnErrorClass::DATA_OUT_OF_BOUNDS,
+          "VelClTraceFormatter::getTypeAsCString, line 602", 602);
+  out_.append(names->*name);
+  const bool clipped = entry_.getType() == VelEnTraceDataType::DATA_CLIPPED;
+  if (!clipped && entry_.getType() != VelEnTraceDataType::DATA) return;
+  out_.append(" (");
+  out_.decimal(entry_.getDumpDataLength());
+  out_.put(' ');
+  out_.append(getMessage(kBytes));
+  out_.put(')');
+  if (clipped) out_.append(getMessage(kClipped));
+}
+
+void VelClTraceFormatter::Run::displayIndent() {
+  for (std::uint32_t level = shownLevels(formatter_.nestingLevel_); level > 0; --level)
+    out_.append(indentation_);
+}
+
+void VelClTraceFormatter::Run::skipEntry(std::uint32_t length) {
+  if (!input_.skip(length)) unexpectedEnd("VelClTraceFormatter::skipEntry, line 186", 186);
+}
+
+void VelClTraceFormatter::Run::formatData() {
+  const std::uint32_t length = entry_.getDumpDataLength();
+  switch (entry_.getType()) {
+    case VelEnTraceDataType::DATA:
+    case VelEnTraceDataType::DATA_CLIPPED:
+    case VelEnTraceDataType::UTF16_STRING:
+      return formatHexDump(length);
+    case VelEnTraceDataType::C_STRING:
+      return formatCString(length);
+    case VelEnTraceDataType::ADDRESS:
+      if (length != sizeof(std::uint64_t)) corrupted("VelClTraceFormatter::formatData, line 364", 364);
+      return formatAdrs();
+    default:
+      if (length > kLongestShortData) corrupted("VelClTraceFormatter::formatData, line 377", 377);
+      return formatShortData(length);
+  }
+}
+
+/// A type that its data does not fit is reported before data that is cut off.
+void VelClTraceFormatter::Run::formatShortData(std::uint32_t length) {
+  std::uint8_t bytes[kLongestShortData];
+  const bool complete = input_.read(bytes, length) == length;
+  checkShortData(numberOf(entry_.getType()), length);
+  if (!complete) unexpectedEnd("VelClTraceFormatter::formatEntry, line 644", 644);
+  switch (entry_.getType()) {
+    case VelEnTraceDataType::FUNCTION_ENTRY:
+    case VelEnTraceDataType::FUNCTION_EXIT:
+      return showNestingLevel(bytes);
+    case VelEnTraceDataType::NO_DATA:
+      return;
+    case VelEnTraceDataType::DATA_NULL:
+      return out_.append(getMessage(kNullPointer));
+    default:
+      return showValue(bytes, length);
+  }
+}
+
+void VelClTraceFormatter::Run::showNestingLevel(const std::uint8_t* bytes) {
+  formatter_.nestingLevel_ = vel::trace::littleEndian32(bytes);
+  if (!formatter_.showNestingLevel_) return;
+  // A function's exit never takes the word from the catalog. Keep.
+  const bool isEntry = entry_.getType() == VelEnTraceDataType::FUNCTION_ENTRY;
+  out_.append(isEntry ? getMessage(kNestingLevel) : builtInText(kNestingLevel));
+  out_.decimal(formatter_.nestingLevel_);
+}
+
+void VelClTraceFormatter::Run::showValue(const std::uint8_t* bytes, std::size_t count) {
+  vel::trace::writeValue(out_, numberOf(entry_.getType()), bytes, count);
+  if (formatter_.showHex_) showBytes<HexForm>("HEX: ", bytes, count);
+  if (formatter_.showBinary_) showBytes<BinaryForm>("BIN: ", bytes, count);
+}
+
+/// A line for as many bytes as one can show, and then the next, up to the largest value's.
+template <typename Form>
+void VelClTraceFormatter::Run::showBytes(std::string_view label, const std::uint8_t* bytes,
+                                         std::size_t count) {
+  count = std::min(count, kLargestValue);
+  for (std::size_t done = 0; done < count; done += Form::kBytes) {
+    showLineBreak();
+    out_.append(label);
+    char* const out = out_.reserve(LineLayout<Form>::kLongest);
+    out_.commit(vel::util::writeData<Form>(out, bytes + done, std::min(Form::kBytes, count - done)));
+  }
+}
+
+/// Full lines end with a line break, the last one only if it is full.
+void VelClTraceFormatter::Run::formatHexDump(std::uint32_t length) {
+  out_.put('\n');
+  for (std::uint32_t offset = 0; offset < length; offset += HexForm::kBytes) {
+    std::uint8_t bytes[HexForm::kBytes];
+    const std::size_t count = std::min<std::size_t>(length - offset, sizeof bytes);
+    if (input_.read(bytes, count) < count) unexpectedEnd("VelClTraceFormatter::formatHexDump, line 277", 277);
+    displayIndent();
+    char* const end =
+        vel::util::writeLine<HexForm>(out_.reserve(LineLayout<HexForm>::kLongest + 1), offset, bytes, count);
+    out_.commit(count == sizeof bytes ? end : end - 1);
+  }
+}
+
+void VelClTraceFormatter::Run::formatAdrs() {
+  std::uintptr_t address = 0;
+  if (input_.read(&address, sizeof address) < sizeof address)
+    unexpectedEnd("VelClTraceFormatter::formatAdrs, line 247", 247);
+  out_.append(VelClStrepAddress(reinterpret_cast<const void*>(address)).getAsCString());
+}
+
+void VelClTraceFormatter::Run::formatCString(std::uint32_t length) {
+  out_.put('"');
+  while (length > 0) {
+    const auto part = std::min<std::uint32_t>(length, TextBuffer::kCapacity);
+    char* const out = out_.reserve(part);
+    const std::size_t count = input_.read(out, part);
+    out_.commit(out + count);
+    if (count < part) unexpectedEnd("VelClTraceFormatter::formatCString, line 323", 323);
+    length -= part;
+  }
+  out_.put('"');
+}

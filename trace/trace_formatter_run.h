@@ -1,0 +1,71 @@
+// One pass of the formatter through a file: reading, filtering, and rendering by the steps of the format.
+#pragma once
+
+#include <istream>
+#include <string_view>
+
+#include "trace/trace_file_input.h"
+#include "trace/trace_format_program.h"
+#include "trace/trace_text_buffer.h"
+#include "trace/trace_type_names.h"
+#include "vel_include/vel_error.h"
+#include "vel_include/vel_trace.h"
+
+class VelClTraceFormatter::Run {
+ public:
+  /// Opens the file, or throws.
+  Run(VelClTraceFormatter& formatter, std::ostream& stream);
+
+  void formatAll();
+
+ private:
+  enum TextId : unsigned long { kBytes = 189, kClipped, kNullPointer, kNestingLevel, kTextEnd };
+  struct Directive;
+
+  static const Directive kDirectives[];
+  static std::string_view directiveLetters();
+  void loadTexts();
+  std::string_view getMessage(TextId id) const;
+
+  bool formatEntry();
+  bool isShown() const;
+  bool repeatsFunction();
+  void walkFormat();
+
+  void showComponent();
+  void showData();
+  void showDetail();
+  void showFunction();
+  void showLineBreak();
+  void showLongType();
+  void showMessage();
+  void showProcess();
+  void showShortType();
+  void showThread();
+  void showTimeStamp();
+  void showType(std::string_view vel::trace::TraceTypeNames::*name);
+
+  void skipEntry(std::uint32_t length);
+  void formatData();
+  void formatShortData(std::uint32_t length);
+  void showNestingLevel(const std::uint8_t* bytes);
+  void showValue(const std::uint8_t* bytes, std::size_t count);
+  template <typename Form>
+  void showBytes(std::string_view label, const std::uint8_t* bytes, std::size_t count);
+  void formatHexDump(std::uint32_t length);
+  void formatAdrs();
+  void formatCString(std::uint32_t length);
+  void displayIndent();
+
+  VelClTraceFormatter& formatter_;
+  vel::trace::TextBuffer out_;
+  vel::trace::TraceFileInput input_;
+  std::istream stream_;
+  vel::trace::FormatProgram program_;
+  vel::OwnedText texts_[kTextEnd - kBytes];
+  VelClTraceFileEntry entry_;
+  std::string_view indentation_;
+  std::size_t rememberedLength_ = 0;
+  char remembered_[512];
+  bool hideFunction_ = false;
+};

@@ -1,0 +1,76 @@
+// Gathers the formatter's text, so that the stream is called once for many entries.
+#pragma once
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <cstring>
+#include <ostream>
+#include <string_view>
+
+namespace vel::trace {
+
+class TextBuffer {
+ public:
+  explicit TextBuffer(std::ostream& stream) : stream_(&stream) {}
+  TextBuffer(const TextBuffer&) = delete;
+  TextBuffer& operator=(const TextBuffer&) = delete;
+
+  static constexpr std::size_t kCapacity = 16 * 1024;
+
+  /// Room for `size` characters, at most kCapacity; what is used of it is taken by `commit`.
+  char* reserve(std::size_t size) {
+    if (kCapacity - used_ < size) flush();
+    return text_ + used_;
+  }
+  void commit(const char* end) { used_ = static_cast<std::size_t>(end - text_); }
+
+  void put(char c) {
+    *reserve(1) = c;
+    ++used_;
+  }
+  void append(std::string_view text) {
+    while (!text.empty()) {
+      const std::size_t part = std::min(text.size(), kCapacity);
+      std::memcpy(reserve(part), text.data(), part);
+      used_ += part;
+      text.remove_prefix(part);
+    }
+  }
+  /// Copies whole blocks of kBlock, for short texts that have so many readable bytes.
+  void appendBlocks(const char* text, std::size_t length) {
+    char* const out = reserve(length + kBlock);
+    std::size_t done = 0;
+    do std::memcpy(out + done, text + done, kBlock);
+    while ((done += kBlock) < length);
+    used_ += length;
+  }
+  static constexpr std::size_t kBlock = 16;
+
+  template <typename Number>
+  void decimal(Number number) {
+    char* const out = reserve(kLongestNumber);
+    commit(std::to_chars(out, out + kLongestNumber, number).ptr);
+  }
+  /// As a stream prints it at first: six digits.
+  template <typename Float>
+  void decimalFloat(Float number) {
+    char* const out = reserve(kLongestNumber);
+    commit(std::to_chars(out, out + kLongestNumber, number, std::chars_format::general, 6).ptr);
+  }
+
+  void flush() {
+    const std::size_t size = used_;
+    used_ = 0;
+    stream_->write(text_, static_cast<std::streamsize>(size));
+  }
+
+ private:
+  static constexpr std::size_t kLongestNumber = 32;
+
+  std::ostream* stream_;
+  std::size_t used_ = 0;
+  char text_[kCapacity];
+};
+
+}  // namespace vel::trace
