@@ -1,0 +1,179 @@
+// trcctl: shows the settings of a trace, or what its file holds.
+#include <algorithm>
+#include <iostream>
+#include <string>
+
+#include "tools/standard_switches.h"
+#include "tools/trcctl/texts.h"
+#include "tools/trcctl/trace_status.h"
+#include "vel_include/vel_consoleui.h"
+#include "vel_include/vel_filesys.h"
+#include "vel_include/vel_process.h"
+#include "vel_include/vel_trace.h"
+
+namespace {
+
+using namespace vel::trcctl;
+
+constexpr int kExitNoFile = 1;
+constexpr int kExitCorrupted = 2;
+constexpr int kExitNotWritten = 3;
+constexpr int kExitNoTrace = 4;
+constexpr int kStandardOutput = 1;
+
+/// The library's own catalog, or what is built in where that is not installed.
+void attachTexts(VelClMessageCatalog& catalog) {
+  unsigned long size = 0;
+  const char* const* const table = velMsgCatGetBuiltInTable(&size);
+  if (!catalog.isValid()) catalog.useStringTable(table, size);
+}
+
+struct Fault {
+  TextId text;
+  int exitCode;
+};
+
+Fault faultOf(const VelClException& exception) {
+  switch (exception.getId()) {
+    case TRACEFORMAT_COULD_NOT_OPEN:
+      return {kFileNotReadable, kExitNoFile};
+    case TRACEFORMAT_UNEXPECTED_EOF:
+      return {kUnexpectedEnd, kExitCorrupted};
+    case TRACEFORMAT_FILE_CORRUPTED:
+      return {kInvalidData, kExitCorrupted};
+    default:
+      return {kNotInitialized, kExitNoTrace};
+  }
+}
+
+class Tool {
+ public:
+  Tool(int argc, const char* const* argv) : ui_(argc, argv) {}
+
+  void run();
+  [[noreturn]] void end(TextId text, const char* argument, int exitCode) const;
+
+ private:
+  const char* optional(TextId name, const char* otherwise) const;
+  VelClTraceInstance& createTrace() const;
+  static void reportInitialization(std::string key);
+  void takeFile(VelClTraceEnvironment& environment) const;
+  void takeFilter(VelClTraceSettings& settings) const;
+  void display(const VelClTraceEnvironment& environment) const;
+
+  VelClConsoleUI ui_;
+};
+
+void Tool::end(TextId text, const char* argument, int exitCode) const {
+  std::cout.flush();
+  ui_.fatal(exitCode, VelClMessage(ui_.getMessageCatalog(), text).getAsCString(), argument);
+}
+
+/// The value of a switch that need not be given.
+const char* Tool::optional(TextId name, const char* otherwise) const {
+  ui_.hasArgString(name, otherwise);
+  return otherwise;
+}
+
+void Tool::run() {
+  ui_.setOutputStream(std::cerr);
+  ui_.init(kTitle, 0UL, nullptr, nullptr);
+  ui_.handleUsageHelp(kUsage, kHelp);
+  VelClTraceInstance& trace = createTrace();
+  VelClTraceEnvironment& environment = trace.getEnvironment();
+  takeFile(environment);
+  takeFilter(environment.getSettings());
+  if (ui_.hasArgSwitch(kSwitchDisplay)) {
+    display(environment);
+    return;
+  }
+  // The page is what was asked for, in quiet mode, too.
+  ui_.getParams().forceOutputStream(std::cout);
+  showStatus(ui_, trace);
+}
+
+VelClTraceInstance& Tool::createTrace() const {
+  const char* key = nullptr;
+  ui_.reqArgString(kSwitchKey, key);
+  if (*key == '\0') end(kFileNotIdentified, nullptr, kExitNoFile);
+  const char* const instance = optional(kSwitchInstance, nullptr);
+  if (instance != nullptr && *instance == '\0') end(kInvalidInstance, nullptr, kExitNoTrace);
+  const bool verbose = ui_.hasArgSwitch(kSwitchVerbose);
+  if (verbose) reportInitialization(key);
+  VelClTraceInstance* const trace = VelClTraceInstance::createControllerInstance(key, instance);
+  if (trace == nullptr) end(kNotInitialized, key, kExitNoTrace);
+  if (verbose) trace->getEnvironment().getSettings().enableVerbose(true);
+  return *trace;
+}
+
+/// The trace reports how it is set up only if its variable says so.
+void Tool::reportInitialization(std::string name) {
+  constexpr std::size_t kLongestVariableKey = 24;
+  name.resize(std::min(name.size(), kLongestVariableKey));
+  for (char& c : name)
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  VelClEnvironmentVariable((name + "_TRACE_VERBOSE").c_str(), "yes");
+}
+
+void Tool::takeFile(VelClTraceEnvironment& environment) const {
+  const char* const file = optional(kSwitchFile, nullptr);
+  if (file != nullptr) environment.setFilename(file);
+  const VelClFilename& name = environment.getFilename();
+  if (name.getLength() == 0) end(kFileNotIdentified, nullptr, kExitNoFile);
+  if (name.isExistent()) return;
+  if (file != nullptr) end(kFileNotFound, file, kExitNoFile);
+  // A trace without a file yet has a status all the same.
+  if (ui_.hasArgSwitch(kSwitchDisplay)) end(kFileNotIdentified, name.getAsCString(), kExitNoFile);
+}
+
+void Tool::takeFilter(VelClTraceSettings& settings) const {
+  const char* value = nullptr;
+  if (ui_.hasArgString(kSwitchDetail, value)) settings.setDetailLevel(value);
+  if (ui_.hasArgString(kSwitchComponents, value)) settings.initComponentIds(value);
+  if (ui_.hasArgString(kSwitchProcess, value)) settings.getFilter().setProcessId(value);
+  if (ui_.hasArgString(kSwitchThread, value)) settings.getFilter().setThreadId(value);
+}
+
+void Tool::display(const VelClTraceEnvironment& environment) const {
+  VelClTraceFormatter formatter(environment, nullptr);
+  VelClMessageCatalog texts;
+  attachTexts(texts);
+  formatter.attachVelMessageCatalog(texts);
+  formatter.setFormatString(optional(kSwitchFormat, nullptr));
+  formatter.setDisplayIndentation(optional(kSwitchIndentation, nullptr));
+  formatter.setShowNestingLevel(ui_.hasArgSwitch(kSwitchNesting));
+  formatter.setShowFunctionRecords(!ui_.hasArgSwitch(kSwitchHideFunctions));
+  formatter.setShowRepeatedFunctionNames(!ui_.hasArgSwitch(kSwitchHideRepeated));
+  formatter.setShowHex(ui_.hasArgSwitch(kSwitchHex));
+  formatter.setShowBinary(ui_.hasArgSwitch(kSwitchBinary));
+  try {
+    formatter.format(std::cout);
+  } catch (const VelClException& exception) {
+    const Fault fault = faultOf(exception);
+    end(fault.text, environment.getFilename().getAsCString(), fault.exitCode);
+  }
+  showResult(ui_, environment, formatter);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  velFileSetBinaryMode(kStandardOutput, true);
+  VelClMessageCatalog texts;
+  attachTexts(texts);
+  const VelClMessage title(texts, kTitle);
+  const VelClMessage usage(texts, kUsage);
+  const VelClMessage help(texts, kHelp);
+  if (!vel::tools::answerStandardSwitches(
+          argc, argv, {"trcctl", title.getAsCString(), usage.getAsCString(), help.getAsCString()})) {
+    Tool tool(argc, argv);
+    try {
+      tool.run();
+    } catch (const VelClException&) {
+      // Only memory is missing where no file is read.
+      tool.end(kNotInitialized, nullptr, kExitNoTrace);
+    }
+  }
+  std::cout.flush();
+  return std::cout.good() ? 0 : kExitNotWritten;
+}
