@@ -35,11 +35,15 @@ class TraceFileInput final : public std::streambuf {
  protected:
   /// A failure to read counts as the end of the file.
   int_type underflow() override;
+  std::streamsize xsgetn(char* out, std::streamsize count) override {
+    return static_cast<std::streamsize>(read(out, static_cast<std::size_t>(count)));
+  }
 
  private:
   static constexpr std::size_t kCapacity = 64 * 1024;
   std::size_t readSlowly(void* out, std::size_t count) {
-    return static_cast<std::size_t>(sgetn(static_cast<char*>(out), static_cast<std::streamsize>(count)));
+    return static_cast<std::size_t>(
+        std::streambuf::xsgetn(static_cast<char*>(out), static_cast<std::streamsize>(count)));
   }
 
   int descriptor_ = -1;

@@ -24,8 +24,8 @@ class VelClTraceFormatter::Run {
 
   static const Directive kDirectives[];
   static std::string_view directiveLetters();
-  void loadTexts();
-  std::string_view getMessage(TextId id) const;
+  std::string_view loadText(TextId id);
+  std::string_view getMessage(TextId id) const { return messages_[id - kBytes]; }
 
   bool formatEntry();
   bool isShown() const;
@@ -62,7 +62,8 @@ class VelClTraceFormatter::Run {
   vel::trace::TraceFileInput input_;
   std::istream stream_;
   vel::trace::FormatProgram program_;
-  vel::OwnedText texts_[kTextEnd - kBytes];
+  vel::OwnedText texts_[kTextEnd - kBytes];  ///< those that come from a catalog
+  std::string_view messages_[kTextEnd - kBytes];
   VelClTraceFileEntry entry_;
   std::string_view indentation_;
   std::size_t rememberedLength_ = 0;

@@ -30,6 +30,11 @@ class TextBuffer {
     ++used_;
   }
   void append(std::string_view text) {
+    if (text.size() <= kBlock) {
+      copyShort(reserve(kBlock), text.data(), text.size());
+      used_ += text.size();
+      return;
+    }
     while (!text.empty()) {
       const std::size_t part = std::min(text.size(), kCapacity);
       std::memcpy(reserve(part), text.data(), part);
@@ -67,6 +72,25 @@ class TextBuffer {
 
  private:
   static constexpr std::size_t kLongestNumber = 32;
+
+  /// At most kBlock characters, without a call of the run-time library: most names are so short.
+  static void copyShort(char* out, const char* text, std::size_t length) {
+    if (length >= 8) {
+      copyEnds<8>(out, text, length);
+    } else if (length >= 4) {
+      copyEnds<4>(out, text, length);
+    } else {
+      for (std::size_t i = 0; i < length; ++i) out[i] = text[i];
+    }
+  }
+  /// The first and the last `size` characters, which may overlap.
+  template <std::size_t size>
+  static void copyEnds(char* out, const char* text, std::size_t length) {
+    char last[size];
+    std::memcpy(last, text + length - size, size);
+    std::memcpy(out, text, size);
+    std::memcpy(out + length - size, last, size);
+  }
 
   std::ostream* stream_;
   std::size_t used_ = 0;
