@@ -1,0 +1,87 @@
+// What it costs to make text of an entry of a trace file, beside a formatting library that has the entry's
+// fields at hand: function, message of 40 characters, 16 bytes of data, in the default format.
+#include <benchmark/benchmark.h>
+#include <spdlog/fmt/fmt.h>
+
+#include <iterator>
+#include <memory>
+#include <ostream>
+#include <streambuf>
+
+#include "vel_include/vel_filesys.h"
+#include "vel_include/vel_process.h"
+#include "vel_include/vel_trace.h"
+#include "vel_include/vel_util.h"
+
+namespace {
+
+constexpr int kEntries = 10000;
+constexpr const char* kMessage = "connection accepted from the other party";
+constexpr const char* kOrigin = "acceptConnection";
+constexpr char kData[] = "sixteen bytes...";
+constexpr std::size_t kDataSize = 16;
+
+/// Takes what is written and keeps nothing.
+class Sink : public std::streambuf {
+ protected:
+  std::streamsize xsputn(const char* text, std::streamsize size) override {
+    benchmark::DoNotOptimize(text);
+    return size;
+  }
+  int_type overflow(int_type c) override { return traits_type::not_eof(c); }
+};
+
+class TraceFile {
+ public:
+  explicit TraceFile(bool compress) : file_(nullptr, "bench") {
+    const VelClEnvironmentVariable name("BENCH_TRACE_FILE", file_.getAsCString());
+    environment_ = std::make_unique<VelClTraceEnvironment>("bench", nullptr, false);
+    environment_->getSettings().enableCompression(compress);
+    for (int i = 0; i < kEntries; ++i)
+      environment_->add({*environment_, VelEnTraceDetail::LOW, 7, VelEnTraceDataType::DATA, kOrigin, kMessage,
+                         kData, kDataSize});
+    environment_->flush();
+  }
+  ~TraceFile() { VelClFile(file_, nullptr).remove(); }
+
+  const VelClTraceEnvironment& environment() const { return *environment_; }
+
+ private:
+  VelClTmpFilename file_;
+  std::unique_ptr<VelClTraceEnvironment> environment_;
+};
+
+void formatFile(benchmark::State& state) {
+  const TraceFile file(state.range(0) != 0);
+  VelClTraceFormatter formatter(file.environment(), nullptr);
+  Sink sink;
+  std::ostream stream(&sink);
+  for ([[maybe_unused]] auto round : state) formatter.format(stream);
+  state.SetItemsProcessed(state.iterations() * formatter.getNumOfEntries());
+}
+BENCHMARK(formatFile)->ArgName("compressed")->Arg(0)->Arg(1);
+
+/// No file is read here.
+void formatWithLibrary(benchmark::State& state) {
+  fmt::memory_buffer text;
+  unsigned int process = 4711;
+  unsigned int time = 123456789;
+  for ([[maybe_unused]] auto round : state) {
+    for (int i = 0; i < kEntries; ++i) {
+      benchmark::DoNotOptimize(process);
+      benchmark::DoNotOptimize(time);
+      const VelClStrepHexDump line(0, kData, kDataSize);
+      text.clear();
+      fmt::format_to(std::back_inserter(text),
+                     "{}\n   P: {}, T: {}, D: {}, C: {}\n   Data: {} ({} ({} {}): \n{}\n\n)", kOrigin,
+                     process, time, "LOW", 7, kMessage, "DA", kDataSize, "Bytes", line.getAsCString());
+      benchmark::DoNotOptimize(text.data());
+    }
+  }
+  state.SetItemsProcessed(state.iterations() * kEntries);
+}
+BENCHMARK(formatWithLibrary);
+
+}  // namespace
+
+BENCHMARK_MAIN();
