@@ -10,6 +10,10 @@ function(vel_use_project_options target)
       -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(${target} PRIVATE -fsanitize=address,undefined)
   endif()
+  if(VEL_BUILD_FUZZERS)
+    # The fuzzer sees which code an input reaches, within the library too.
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
 endfunction()
 
 # The C++ runtime is shared, so that exceptions and streams cross the DLL
