@@ -46,7 +46,7 @@ int velTraceGetLastSystemError(void) {
   return instance == nullptr ? 0 : instance->getEnvironment().getLastSystemError();
 }
 
-void vel_tprintf(const char* file, int line, const char* format, ...) {
+[[gnu::format(printf, 3, 4)]] void vel_tprintf(const char* file, int line, const char* format, ...) {
   std::printf("[%s:%d] ", file, line);
   va_list arguments;
   va_start(arguments, format);

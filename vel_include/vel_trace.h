@@ -638,7 +638,7 @@ class VEL_API VelClTraceInstance {
 
   static VelClTraceInstance* cv_pclSingletonInstance;
 
-  uint32_t unused_[2];
+  [[maybe_unused]] uint32_t unused_[2];
   VelClTraceEnvironment* environment_;
   VelTraceCallback callback_;
   void* context_;
