@@ -44,7 +44,7 @@ void writeInteger(TextBuffer& out, const std::uint8_t* bytes, std::size_t) {
   writeHexadecimal(out, number);
   out.put('/');
   if (isSigned)
-    out.decimal(static_cast<std::int64_t>(number << kUnused) >> kUnused);
+    out.decimalSigned(static_cast<std::int64_t>(number << kUnused) >> kUnused);
   else
     out.decimal(number);
   if (size > 1) return;

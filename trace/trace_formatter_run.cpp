@@ -187,7 +187,7 @@ void VelClTraceFormatter::Run::showThread() {
 }
 
 void VelClTraceFormatter::Run::showTimeStamp() {
-  out_.decimal(static_cast<std::uint32_t>(entry_.getTimeStamp()));
+  out_.decimal(entry_.getTimeStamp());
 }
 
 void VelClTraceFormatter::Run::showFunction() {

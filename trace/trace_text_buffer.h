@@ -2,13 +2,26 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <ostream>
 #include <string_view>
 
 namespace vel::trace {
+
+using DigitPairs = std::array<std::array<char, 2>, 100>;
+
+constexpr DigitPairs makeDigitPairs() {
+  DigitPairs pairs{};
+  for (std::size_t i = 0; i < pairs.size(); ++i)
+    pairs[i] = {static_cast<char>('0' + i / 10), static_cast<char>('0' + i % 10)};
+  return pairs;
+}
+
+inline constexpr DigitPairs kDigitPairs = makeDigitPairs();
 
 class TextBuffer {
  public:
@@ -52,10 +65,20 @@ class TextBuffer {
   }
   static constexpr std::size_t kBlock = 16;
 
-  template <typename Number>
-  void decimal(Number number) {
-    char* const out = reserve(kLongestNumber);
-    commit(std::to_chars(out, out + kLongestNumber, number).ptr);
+  // The run-time library's own digits would become names that this library exports.
+  void decimal(std::uint64_t number) {
+    char digits[kLongestNumber];
+    char* const end = digits + sizeof digits;
+    char* start = end;
+    for (; number >= 100; number /= 100) std::memcpy(start -= 2, kDigitPairs[number % 100].data(), 2);
+    std::memcpy(start -= 2, kDigitPairs[number].data(), 2);
+    if (number < 10) ++start;
+    append({start, static_cast<std::size_t>(end - start)});
+  }
+  void decimalSigned(std::int64_t number) {
+    if (number < 0) put('-');
+    const auto magnitude = static_cast<std::uint64_t>(number);
+    decimal(number < 0 ? 0 - magnitude : magnitude);
   }
   /// As a stream prints it at first: six digits.
   template <typename Float>
