@@ -44,8 +44,10 @@ constexpr unsigned int numberOf(VelEnTraceDataType type) {
 constexpr std::size_t kLongestShortData = 127;
 constexpr std::uint32_t kNestingLevelSize = 4;
 constexpr std::size_t kLargestValue = 16;
-/// Shorter texts are copied in blocks.
+/// Shorter texts of a format are copied in blocks.
 constexpr std::size_t kShortText = 64;
+/// More than such a text and an entry's function name or message, of 511 characters at most, can take.
+constexpr std::size_t kStepRoom = 1024;
 /// What a hostile file can make a line's indentation cost.
 constexpr std::uint32_t kDeepestShown = 1024;
 
@@ -145,14 +147,21 @@ bool VelClTraceFormatter::Run::repeatsFunction() {
 
 struct VelClTraceFormatter::Run::Directive {
   char letter;
-  void (Run::*show)();
+  char* (Run::*show)(char* out);
 };
 
 constexpr VelClTraceFormatter::Run::Directive VelClTraceFormatter::Run::kDirectives[] = {
-    {'c', &Run::showComponent}, {'d', &Run::formatData},    {'f', &Run::showFunction},
-    {'l', &Run::showDetail},    {'m', &Run::showMessage},   {'n', &Run::showLineBreak},
-    {'p', &Run::showProcess},   {'s', &Run::showTimeStamp}, {'t', &Run::showThread},
-    {'x', &Run::showShortType}, {'X', &Run::showLongType},
+    {'c', &Run::showComponent},
+    {'d', &Run::throughBuffer<&Run::formatData>},
+    {'f', &Run::showFunction},
+    {'l', &Run::showDetail},
+    {'m', &Run::showMessage},
+    {'n', &Run::throughBuffer<&Run::showLineBreak>},
+    {'p', &Run::showProcess},
+    {'s', &Run::showTimeStamp},
+    {'t', &Run::showThread},
+    {'x', &Run::throughBuffer<&Run::showShortType>},
+    {'X', &Run::throughBuffer<&Run::showLongType>},
 };
 
 std::string_view VelClTraceFormatter::Run::directiveLetters() {
@@ -165,41 +174,56 @@ std::string_view VelClTraceFormatter::Run::directiveLetters() {
 }
 
 void VelClTraceFormatter::Run::walkFormat() {
+  char* out = out_.reserve(kStepRoom);
   for (const FormatStep& step : program_) {
-    if (step.length <= kShortText)
-      out_.appendBlocks(program_.textOf(step), step.length);
-    else
+    if (step.length <= kShortText) {
+      out = TextBuffer::writeBlocks(out, program_.textOf(step), step.length);
+    } else {
+      out_.commit(out);
       out_.append({program_.textOf(step), step.length});
-    if (step.directive != FormatStep::kNone) (this->*kDirectives[step.directive].show)();
+      out = out_.reserve(kStepRoom);
+    }
+    if (step.directive != FormatStep::kNone) out = (this->*kDirectives[step.directive].show)(out);
+    if (out_.hasRoom(out, kStepRoom)) continue;
+    out_.commit(out);
+    out = out_.reserve(kStepRoom);
   }
+  out_.commit(out);
 }
 
-void VelClTraceFormatter::Run::showComponent() {
-  out_.decimal(entry_.getComponentId());
+template <void (VelClTraceFormatter::Run::*show)()>
+char* VelClTraceFormatter::Run::throughBuffer(char* out) {
+  out_.commit(out);
+  (this->*show)();
+  return out_.reserve(kStepRoom);
 }
 
-void VelClTraceFormatter::Run::showProcess() {
-  out_.decimal(entry_.getProcessId());
+char* VelClTraceFormatter::Run::showComponent(char* out) {
+  return TextBuffer::writeDecimal(out, entry_.getComponentId());
 }
 
-void VelClTraceFormatter::Run::showThread() {
-  out_.decimal(entry_.getThreadId());
+char* VelClTraceFormatter::Run::showProcess(char* out) {
+  return TextBuffer::writeDecimal(out, entry_.getProcessId());
 }
 
-void VelClTraceFormatter::Run::showTimeStamp() {
-  out_.decimal(entry_.getTimeStamp());
+char* VelClTraceFormatter::Run::showThread(char* out) {
+  return TextBuffer::writeDecimal(out, entry_.getThreadId());
 }
 
-void VelClTraceFormatter::Run::showFunction() {
-  if (!hideFunction_) out_.append({entry_.getOrigin(), entry_.getOriginLength()});
+char* VelClTraceFormatter::Run::showTimeStamp(char* out) {
+  return TextBuffer::writeDecimal(out, entry_.getTimeStamp());
 }
 
-void VelClTraceFormatter::Run::showMessage() {
-  out_.append({entry_.getMessage(), entry_.getMessageLength()});
+char* VelClTraceFormatter::Run::showFunction(char* out) {
+  return hideFunction_ ? out : TextBuffer::write(out, {entry_.getOrigin(), entry_.getOriginLength()});
 }
 
-void VelClTraceFormatter::Run::showDetail() {
-  out_.append(VelClTraceFilter::getDetailAsCString(entry_.getDetail()));
+char* VelClTraceFormatter::Run::showMessage(char* out) {
+  return TextBuffer::write(out, {entry_.getMessage(), entry_.getMessageLength()});
+}
+
+char* VelClTraceFormatter::Run::showDetail(char* out) {
+  return TextBuffer::write(out, VelClTraceFilter::getDetailAsCString(entry_.getDetail()));
 }
 
 void VelClTraceFormatter::Run::showLineBreak() {

@@ -31,18 +31,21 @@ class VelClTraceFormatter::Run {
   bool isShown() const;
   bool repeatsFunction();
   void walkFormat();
+  /// For directives whose text has no bound.
+  template <void (Run::*show)()>
+  char* throughBuffer(char* out);
 
-  void showComponent();
+  char* showComponent(char* out);
   void showData();
-  void showDetail();
-  void showFunction();
+  char* showDetail(char* out);
+  char* showFunction(char* out);
   void showLineBreak();
   void showLongType();
-  void showMessage();
-  void showProcess();
+  char* showMessage(char* out);
+  char* showProcess(char* out);
   void showShortType();
-  void showThread();
-  void showTimeStamp();
+  char* showThread(char* out);
+  char* showTimeStamp(char* out);
   void showType(std::string_view vel::trace::TraceTypeNames::*name);
 
   void skipEntry(std::uint32_t length);
