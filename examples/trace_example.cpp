@@ -37,14 +37,16 @@ void store(const char* name) {
   const VelClTraceFunction function(VelEnTraceDetail::LOW, kStoring, here);
   const char16_t title[] = u"Übersicht";
   const char block[] = "sixteen bytes... and two more";
-  const auto place = reinterpret_cast<const void*>(static_cast<uintptr_t>(0x12AB34));
+  // Stands for a pointer: those of variables differ from run to run.
+  const uint64_t place = 0x12AB34;
   velTraceDump(VelEnTraceDetail::LOW, kStoring, VelEnTraceDataType::C_STRING, here, "name", name,
                std::strlen(name));
   velTraceDump(VelEnTraceDetail::LOW, kStoring, VelEnTraceDataType::UTF16_STRING, here, "title", title,
                sizeof title - sizeof *title);
   velTraceDump(VelEnTraceDetail::HIGH, kStoring, VelEnTraceDataType::DATA, here, "block", block, 16);
   velTraceDump(VelEnTraceDetail::HIGH, kStoring, VelEnTraceDataType::DATA, here, "block and rest", block, 18);
-  velTraceValue(VelEnTraceDetail::HIGH, kStoring, here, "place", place);
+  velTraceDump(VelEnTraceDetail::HIGH, kStoring, VelEnTraceDataType::ADDRESS, here, "place", &place,
+               sizeof place);
   measure();
   velTraceDump(VelEnTraceDetail::LOW, kStoring, VelEnTraceDataType::DATA, here, "nothing", nullptr, 4);
 }

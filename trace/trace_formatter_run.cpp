@@ -346,10 +346,11 @@ void VelClTraceFormatter::Run::formatHexDump(std::uint32_t length) {
 }
 
 void VelClTraceFormatter::Run::formatAdrs() {
-  std::uintptr_t address = 0;
+  static_assert(sizeof(void*) == sizeof(std::uint64_t));
+  const void* address = nullptr;
   if (input_.read(&address, sizeof address) < sizeof address)
     unexpectedEnd("VelClTraceFormatter::formatAdrs, line 247", 247);
-  out_.append(VelClStrepAddress(reinterpret_cast<const void*>(address)).getAsCString());
+  out_.append(VelClStrepAddress(address).getAsCString());
 }
 
 void VelClTraceFormatter::Run::formatCString(std::uint32_t length) {
