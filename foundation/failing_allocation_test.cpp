@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 
+#include "platform/test/scratch_directory.h"
 #include "vel_include/vel.h"
 
 namespace {
@@ -103,6 +104,11 @@ TEST_F(FailingAllocation, OfSingleOperations) {
          const VelClMessageCatalog library;
          velMsgCatClose(velMsgCatOpenAttach(&library));
        }},
+      {"trace",
+       [] {
+         velTraceCreateInstance("shortage", nullptr);
+         velTraceDeleteInstance();
+       }},
       {"settings", [] { const VelClConsoleUIParams params("tool"); }},
       {"interface", [] { const VelClConsoleUI ui(4, kArguments); }},
       {"interface without words", [] { const VelClConsoleUI ui(4, kArguments, VelClFilename("absent"), 0); }},
@@ -153,6 +159,17 @@ TEST_F(FailingAllocation, OfCatalogs) {
     const bool got = attempt([&] { proxy.getMessage(2, variables); });
     EXPECT_EQ(std::string(text), got ? kLong : "plain");
     attempt([&] { EXPECT_TRUE(proxy.isValidMessageId(2)); });
+  });
+  const vel::test::ScratchDirectory directory;
+  const std::string file = directory.write("empty.trc", "");
+  exhaust("formatter", [&file] {
+    VelClMessageCatalog words;
+    VelClTraceEnvironment environment("shortage", nullptr, true);
+    environment.setFilename(file.c_str());
+    VelClTraceFormatter formatter(environment, nullptr);
+    attempt([&] { formatter.attachVelMessageCatalog(words); });
+    std::ostringstream text;
+    attempt([&] { formatter.format(text); });
   });
   void (*const questions[])(VelMsgCatHandle) = {
       [](VelMsgCatHandle handle) { velMsgCatIsValid(handle, 2); },
