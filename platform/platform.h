@@ -232,4 +232,15 @@ bool ansiIsUtf8() noexcept;
 /// written, at most `capacity`, never part of a character; no terminator. Not for UTF-8.
 std::size_t utf16ToAnsi(const char16_t* text, std::size_t length, char* out, std::size_t capacity) noexcept;
 
+// ---- Code pages (code_pages.cpp) -------------------------------------------------------------
+
+/// The process's ANSI and OEM code page. POSIX: the locale's code set by its CCSID, 1208 for UTF-8, for both;
+/// 0 for one that has none. Where the program sets no locale, the environment's counts.
+std::uint32_t ansiCodePage() noexcept;
+std::uint32_t oemCodePage() noexcept;
+/// Converts to one of these code pages, "?" for what it lacks. Returns the bytes written, without terminator;
+/// 0 when the text is empty, the target too small or the code page unknown.
+std::size_t utf16ToCodePage(std::uint32_t codePage, const char16_t* text, std::size_t length, char* out,
+                            std::size_t capacity) noexcept;
+
 }  // namespace vel::platform

@@ -1,0 +1,30 @@
+// The process's code pages, and conversion to them.
+#include <algorithm>
+#include <climits>
+
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+#include "platform/platform.h"
+
+namespace vel::platform {
+
+std::uint32_t ansiCodePage() noexcept {
+  return GetACP();
+}
+
+std::uint32_t oemCodePage() noexcept {
+  return GetOEMCP();
+}
+
+std::size_t utf16ToCodePage(std::uint32_t codePage, const char16_t* text, std::size_t length, char* out,
+                            std::size_t capacity) noexcept {
+  // A capacity of 0 would ask for the size that is needed.
+  if (length > INT_MAX || capacity == 0) return 0;
+  const auto room = static_cast<int>(std::min<std::size_t>(capacity, INT_MAX));
+  const int count = WideCharToMultiByte(codePage, 0, reinterpret_cast<const wchar_t*>(text),
+                                        static_cast<int>(length), out, room, nullptr, nullptr);
+  return static_cast<std::size_t>(count);
+}
+
+}  // namespace vel::platform
