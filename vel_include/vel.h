@@ -2,6 +2,7 @@
 #ifndef VEL_H_
 #define VEL_H_
 
+#include "vel_codepage.h"
 #include "vel_consoleui.h"
 #include "vel_cursor.h"
 #include "vel_error.h"

@@ -7,6 +7,7 @@
 #define VEL_PLAIN_FUNCTIONS_ONLY
 #endif
 
+#include "vel_codepage.h"
 #include "vel_error.h"
 #include "vel_filesys.h"
 #include "vel_helpers.h"

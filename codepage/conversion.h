@@ -1,0 +1,56 @@
+// What the conversion functions share.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "vel_include/vel_codepage.h"
+
+namespace vel::codepage {
+
+using Call = VelClConverterABase::_VelStConverter;
+
+/// The source ends in the middle of a character.
+inline constexpr _VelStError kIncomplete{CPCONVERTER_INCOMPLETE, VelEnErrorClass::USER_DATA_ERROR};
+/// The target cannot take the next character.
+inline constexpr _VelStError kTooBig{CPCONVERTER_TOO_BIG, VelEnErrorClass::DATA_OUT_OF_BOUNDS};
+/// There is no way between two CCSIDs.
+inline constexpr _VelStError kUnsupported{CPCONVERTER_UNSUPPORTED, VelEnErrorClass::INCONSISTENT_SITUATION};
+
+inline constexpr std::size_t kUnitSize = 2;
+inline constexpr std::uint16_t kNextLine = 0x0085;
+inline constexpr std::uint16_t kLineFeed = 0x000A;
+
+/// Units lie in memory low byte first, at any address.
+inline std::uint16_t readUnit(const char* from) noexcept {
+  std::uint16_t unit;
+  std::memcpy(&unit, from, kUnitSize);
+  return unit;
+}
+inline void writeUnit(char* to, std::uint16_t unit) noexcept {
+  std::memcpy(to, &unit, kUnitSize);
+}
+
+constexpr bool isHighSurrogate(std::uint32_t unit) noexcept {
+  return (unit & 0xFC00) == 0xD800;
+}
+constexpr bool isLowSurrogate(std::uint32_t unit) noexcept {
+  return (unit & 0xFC00) == 0xDC00;
+}
+
+/// How many whole units the source has. An odd size is reported.
+inline std::size_t takeWholeUnits(const Call& call) noexcept {
+  if (call.sourceSize % kUnitSize != 0) call.setError(kIncomplete);
+  return call.sourceSize / kUnitSize;
+}
+
+/// The target bytes that a call takes whose function does not check the target's size; 0 for the others.
+std::size_t requiredTargetSize(VelClConverterABase::VelConversionFunction function,
+                               const Call& call) noexcept;
+
+/// The same for the double-byte functions, by a walk over the source.
+std::size_t sizeOfMixedAscii(const Call& call) noexcept;
+std::size_t sizeOfMixedEbcdic(const Call& call) noexcept;
+
+}  // namespace vel::codepage

@@ -1,0 +1,64 @@
+#!/usr/bin/env python3
+"""Makes the C++ rows of the tables of CCSIDs and of ICU's errors from ccsids.tsv and icu_errors.tsv.
+
+generate_ccsid_tables.py --ccsids ccsids.tsv --icu icu_errors.tsv --out DIRECTORY
+
+Writes ccsids.inc (sorted by number, which the search relies on) and icu_errors.inc (in the file's order, the
+first row with a status wins). Stops when the data break an assumption of the code.
+"""
+import argparse
+import csv
+import pathlib
+import sys
+
+FLAGS = {0, 0x01, 0x02, 0x05, 0x06, 0x08, 0x09, 0x0A, 0x40}
+
+
+def read(path):
+    with open(path, newline="", encoding="ascii") as file:
+        return list(csv.DictReader(file, delimiter="\t", quoting=csv.QUOTE_NONE))
+
+
+def require(condition, message):
+    if not condition:
+        sys.exit(f"generate_ccsid_tables.py: {message}")
+
+
+def ccsid_rows(rows):
+    numbers = [int(row["ccsid"]) for row in rows]
+    require(len(rows) == 430, f"{len(rows)} CCSIDs instead of 430")
+    require(numbers[0] == 0 and rows[0]["name"] == "???", "row 0 is not the unknown CCSID")
+    require(all(a < b for a, b in zip(numbers, numbers[1:])), "the CCSIDs are not in ascending order")
+    for row in rows:
+        require(int(row["flags"], 16) in FLAGS, f"unexpected flags of {row['ccsid']}")
+        require(row["name"] and '"' not in row["name"], f"unexpected name of {row['ccsid']}")
+    # "?\?" keeps the compiler from seeing a trigraph.
+    return [f'{{{row["ccsid"]}, "{row["name"].replace("??", "?" + chr(92) + "?")}", {row["flags"]}}},' for row in rows]
+
+
+def icu_rows(rows):
+    require(len(rows) == 22, f"{len(rows)} errors of ICU instead of 22")
+    return [
+        f'{{{row["value"]}, {row["error_identifier"].replace("NO_ERROR", "VEL_NO_ERROR")}, '
+        f'VelEnErrorClass::{row["class"]}, '
+        f'VelEnErrorAction::{row["action"].replace("IGNORE", "NO_ACTION")}, '
+        f'VelEnErrorSeverity::{row["severity"]}}},  // {row["icu_status"]}'
+        for row in rows
+    ]
+
+
+def write(path, lines):
+    path.write_text("\n".join(["// Made by generate_ccsid_tables.py.", *lines]) + "\n", encoding="ascii")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--ccsids", required=True, type=pathlib.Path)
+    parser.add_argument("--icu", required=True, type=pathlib.Path)
+    parser.add_argument("--out", required=True, type=pathlib.Path)
+    options = parser.parse_args()
+    write(options.out / "ccsids.inc", ccsid_rows(read(options.ccsids)))
+    write(options.out / "icu_errors.inc", icu_rows(read(options.icu)))
+
+
+main()

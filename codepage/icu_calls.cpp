@@ -1,0 +1,100 @@
+#include "codepage/icu_calls.h"
+
+namespace vel::codepage {
+
+namespace {
+
+constexpr IcuStatus kSuccess = 0;
+constexpr IcuStatus kBufferOverflow = 15;
+
+/// Converters that are opened by name. The first two names are in data made for this library only; the next
+/// ones are the same converters in any ICU, which finds another edition for the number 943.
+struct NamedConverter {
+  std::uint32_t ccsid;
+  const char* name;
+};
+constexpr NamedConverter kNamedConverters[] = {
+    {942, "zan-942_VSUB_VPUA"}, {942, "sjis78"}, {932, "zan-942_VSUB_VPUA"}, {932, "sjis78"},
+    {943, "zan-943_VSUB_VPUA"}, {943, "cp943c"}, {1392, "gb18030"},          {65502, "LMBCS"},
+};
+
+IcuConverter* openByName(const IcuFunctions& icu, std::uint32_t ccsid, bool& hasName, IcuStatus& status) {
+  hasName = false;
+  for (const NamedConverter& named : kNamedConverters) {
+    if (named.ccsid != ccsid) continue;
+    hasName = true;
+    status = kSuccess;
+    IcuConverter* const converter = icu.open(named.name, &status);
+    if (status <= kSuccess) return converter;
+  }
+  return nullptr;
+}
+
+/// Converters keep output that did not fit, and input that is incomplete, for the next call. With an empty
+/// source and "flush" they give it out and begin anew.
+template <typename Drop>
+void dropPending(Drop drop) {
+  // More than a few rounds are never needed; a converter that never ends is left alone.
+  constexpr int kRounds = 64;
+  IcuStatus status = kBufferOverflow;
+  for (int round = 0; round < kRounds && status == kBufferOverflow; ++round) {
+    status = kSuccess;
+    drop(status);
+  }
+}
+
+}  // namespace
+
+const IcuConverter* openIcuConverter(const IcuFunctions& icu, std::uint32_t ccsid, IcuStatus& status) {
+  bool hasName = false;
+  IcuConverter* converter = openByName(icu, ccsid, hasName, status);
+  if (!hasName) {
+    status = kSuccess;
+    converter = icu.openCcsid(static_cast<std::int32_t>(ccsid), 0, &status);
+  }
+  // A negative status is a warning, such as for an ambiguous name.
+  if (status > kSuccess || converter == nullptr) return nullptr;
+  icu.setFallback(converter, 1);
+  return converter;
+}
+
+std::size_t convertToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text) {
+  auto* const handle = const_cast<IcuConverter*>(converter);
+  auto* const begin = reinterpret_cast<char16_t*>(text.target);
+  // ICU refuses a target with half a unit.
+  const char16_t* const limit = begin + text.targetSize / sizeof(char16_t);
+  char16_t* position = begin;
+  text.status = kSuccess;
+  icu.toUnicode(handle, &position, limit, &text.source, text.source + text.sourceSize, nullptr, 1,
+                &text.status);
+  if (text.status != kSuccess) {
+    dropPending([&icu, handle](IcuStatus& status) {
+      char16_t scrap[64];
+      char16_t* out = scrap;
+      const char* in = "";
+      icu.toUnicode(handle, &out, scrap + 64, &in, in, nullptr, 1, &status);
+    });
+  }
+  return static_cast<std::size_t>(position - begin) * sizeof(char16_t);
+}
+
+std::size_t convertFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text) {
+  auto* const handle = const_cast<IcuConverter*>(converter);
+  char* position = text.target;
+  const auto* source = reinterpret_cast<const char16_t*>(text.source);
+  const auto* const limit = reinterpret_cast<const char16_t*>(text.source + text.sourceSize);
+  text.status = kSuccess;
+  icu.fromUnicode(handle, &position, text.target + text.targetSize, &source, limit, nullptr, 1, &text.status);
+  text.source = reinterpret_cast<const char*>(source);
+  if (text.status != kSuccess) {
+    dropPending([&icu, handle](IcuStatus& status) {
+      char scrap[64];
+      char* out = scrap;
+      const char16_t* in = u"";
+      icu.fromUnicode(handle, &out, scrap + 64, &in, in, nullptr, 1, &status);
+    });
+  }
+  return static_cast<std::size_t>(position - text.target);
+}
+
+}  // namespace vel::codepage

@@ -1,0 +1,66 @@
+// Converters and conversions of the ICU that this process found.
+#include "codepage/conversion.h"
+#include "codepage/icu_calls.h"
+
+namespace {
+
+using vel::codepage::Call;
+using vel::codepage::IcuConverter;
+using vel::codepage::IcuFunctions;
+using vel::codepage::IcuStatus;
+using vel::codepage::IcuText;
+
+/// ICU's own status for what it does not have; here for all of it.
+constexpr IcuStatus kUnsupported = 16;
+
+void* loadLibrary(const char* name) {
+  std::uint32_t error;
+  return vel::platform::loadLibrary(name, error);
+}
+
+/// Null when there is no ICU. It is looked for once in a process.
+const IcuFunctions* installedIcu() {
+  struct Installed {
+    IcuFunctions functions{};
+    bool isThere = vel::codepage::bindIcu(
+        {&loadLibrary, &vel::platform::findProcedure, &vel::platform::freeLibrary}, functions);
+  };
+  static const Installed installed;
+  return installed.isThere ? &installed.functions : nullptr;
+}
+
+using Conversion = std::size_t (*)(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text);
+
+std::size_t convert(Call& call, Conversion conversion) {
+  IcuText text{call.target, call.targetSize, *call.source, call.sourceSize, 0};
+  const std::size_t written = conversion(*installedIcu(), call.getConversionData(), text);
+  *call.source = text.source;
+  _VelStError error;
+  // It throws for warnings, too. Keep.
+  VelClIcuInterface::mapIcuError(error, text.status);
+  call.setError(error);
+  return written;
+}
+
+}  // namespace
+
+const void* velGetICUConverter(unsigned int ccsid, _VelStError& error) {
+  IcuStatus status = kUnsupported;
+  const IcuFunctions* const icu = installedIcu();
+  const IcuConverter* const converter =
+      icu != nullptr ? vel::codepage::openIcuConverter(*icu, ccsid, status) : nullptr;
+  if (converter == nullptr) VelClIcuInterface::mapIcuError(error, status);
+  return converter;
+}
+
+void velDeleteICUConverter(const void* converter) {
+  if (converter != nullptr) installedIcu()->close(const_cast<IcuConverter*>(converter));
+}
+
+size_t velConvertByAlgorithmIcuToUnicode(VelClConverterABase::_VelStConverter& call) {
+  return convert(call, &vel::codepage::convertToUnicode);
+}
+
+size_t velConvertByAlgorithmIcuFromUnicode(VelClConverterABase::_VelStConverter& call) {
+  return convert(call, &vel::codepage::convertFromUnicode);
+}

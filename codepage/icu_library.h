@@ -1,0 +1,40 @@
+// ICU at run time: its six functions that the library uses, bound by name from whatever version is installed.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/platform.h"
+
+namespace vel::codepage {
+
+/// ICU's own types, as far as they are known here.
+using IcuConverter = void;
+using IcuStatus = std::int32_t;
+using IcuBool = std::int8_t;
+
+struct IcuFunctions {
+  IcuConverter* (*open)(const char* name, IcuStatus* status);
+  /// By number; `platform` is always 0.
+  IcuConverter* (*openCcsid)(std::int32_t ccsid, int platform, IcuStatus* status);
+  void (*close)(IcuConverter* converter);
+  void (*setFallback)(IcuConverter* converter, IcuBool usesFallback);
+  void (*toUnicode)(IcuConverter* converter, char16_t** target, const char16_t* targetLimit,
+                    const char** source, const char* sourceLimit, std::int32_t* offsets, IcuBool flush,
+                    IcuStatus* status);
+  void (*fromUnicode)(IcuConverter* converter, char** target, const char* targetLimit,
+                      const char16_t** source, const char16_t* sourceLimit, std::int32_t* offsets,
+                      IcuBool flush, IcuStatus* status);
+};
+
+/// How libraries are loaded.
+struct LibraryLoader {
+  void* (*load)(const char* name);
+  platform::Procedure (*find)(void* library, const char* name);
+  void (*free)(void* library);
+};
+
+/// Looks for ICU under the names that it has on any system, newest version first. False when there is none
+/// with all six functions. The library stays loaded.
+bool bindIcu(const LibraryLoader& loader, IcuFunctions& functions) noexcept;
+
+}  // namespace vel::codepage

@@ -1,0 +1,18 @@
+// The system's conversion to its own code pages, and the function of converters that have no way.
+#include "codepage/conversion.h"
+#include "platform/platform.h"
+
+size_t velConvertByWindowsCallUCS2ToWinCP(VelClConverterABase::_VelStConverter& call) {
+  const auto ccsid = static_cast<std::uint32_t>(call.converter.getTargetCCSID().getCCSID());
+  const std::size_t written = vel::platform::utf16ToCodePage(
+      ccsid, reinterpret_cast<const char16_t*>(*call.source), call.sourceSize / vel::codepage::kUnitSize,
+      call.target, call.targetSize);
+  // An empty source counts as a failure, too. Keep.
+  if (written == 0) call.setError(vel::codepage::kTooBig);
+  return written;
+}
+
+size_t velConvertError(VelClConverterABase::_VelStConverter& call) {
+  call.setError(vel::codepage::kUnsupported);
+  return 0;
+}

@@ -1,0 +1,7 @@
+// Slow UTF-8 conversions, written from their rules one character at a time.
+#pragma once
+
+#include "codepage/test/conversion_outcome.h"
+
+Outcome referenceUtf8ToUcs2(std::string_view source, std::size_t targetSize);
+Outcome referenceUcs2ToUtf8(std::string_view source, std::size_t targetSize);
