@@ -4,7 +4,6 @@
 
 #include <random>
 #include <string>
-#include <vector>
 
 #include "codepage/test/conversion_outcome.h"
 #include "codepage/test/reference_utf8.h"
@@ -99,32 +98,9 @@ TEST(Conversion, HasItsOddities) {
     EXPECT_EQ(convert(row.converter, row.source, row.targetSize), row.expected) << row.what;
 }
 
-/// Texts of one kind, mixed texts and noise, of up to some 200 bytes.
-std::vector<std::string> sampleTexts() {
-  const std::u16string kinds[] = {u"plain ASCII text, long enough for blocks. ",
-                                  u"Gr\u00FC\u00DFe \u00E0 l'\u00E9t\u00E9 ",
-                                  u"\u041F\u0440\u0438\u0432\u0435\u0442 ",
-                                  u"\u65E5\u672C\u8A9E\u306E\u6587",
-                                  u"\xD83D\xDE00\xD83D\xDC4D",
-                                  u"\xFDD0\xFFFE\xDC00\xD800 ",
-                                  u"a\u00E9\u20AC\xD83D\xDE00"};
-  std::mt19937 random(4711);
-  std::vector<std::string> texts;
-  for (int i = 0; i < 60; ++i) {
-    std::u16string text;
-    while (text.size() < 20 + random() % 60) {
-      const std::u16string& kind = kinds[i % 8 == 7 ? random() % 7 : static_cast<unsigned int>(i) % 8];
-      const std::size_t start = random() % kind.size();
-      text += kind.substr(start, 1 + random() % (i % 3 == 0 ? 3 : 40));
-    }
-    texts.push_back(unitBytes(text));
-  }
-  return texts;
-}
-
 TEST(Utf8, EveryTargetSizeGivesTheReference) {
   std::mt19937 random(7);
-  for (const std::string& units : sampleTexts()) {
+  for (const std::string& units : sampleTexts(60, 20, 60)) {
     const Outcome whole = referenceUcs2ToUtf8(units, units.size() * 2);
     for (std::size_t size = 0; size <= whole.bytes.size() + 1; ++size)
       ASSERT_EQ(convert(kToUtf8, units, size), referenceUcs2ToUtf8(units, size)) << hex(units);
@@ -140,7 +116,7 @@ TEST(Utf8, EveryTargetSizeGivesTheReference) {
 }
 
 TEST(Utf8, EverySplitOfTheSourceContinues) {
-  for (const std::string& units : sampleTexts()) {
+  for (const std::string& units : sampleTexts(60, 20, 60)) {
     const std::string text = referenceUcs2ToUtf8(units, units.size() * 2).bytes;
     const std::string expected = referenceUtf8ToUcs2(text, text.size() * 2).bytes;
     for (std::size_t cut = 0; cut <= text.size(); ++cut) {

@@ -64,12 +64,12 @@ WalkEnd walkEbcdic(const Call& call, Single single, Pair pair) {
 template <bool foldsNextLine>
 class Writer {
  public:
-  Writer(const DoubleByteTable& table, char* target) : table_(table), target_(target) {}
+  // Members instead of the table: what is written could change the table, as far as the compiler knows.
+  Writer(const DoubleByteTable& table, char* target)
+      : pages_(table.pages), pageNumbers_(table.pageNumbers), target_(target) {}
 
-  void single(unsigned char byte) { write(table_.pages[kSingleBytesPage][byte]); }
-  void pair(unsigned char lead, unsigned char trail) {
-    write(table_.pages[table_.pageNumbers[lead] - 1U][trail]);
-  }
+  void single(unsigned char byte) { write(pages_[kSingleBytesPage][byte]); }
+  void pair(unsigned char lead, unsigned char trail) { write(pages_[pageNumbers_[lead] - 1U][trail]); }
   char* end() const { return target_; }
 
  private:
@@ -80,7 +80,8 @@ class Writer {
     target_ += kUnitSize;
   }
 
-  const DoubleByteTable& table_;
+  const std::uint16_t (*pages_)[256];
+  const std::uint8_t* pageNumbers_;
   char* target_;
 };
 

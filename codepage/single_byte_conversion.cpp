@@ -2,38 +2,24 @@
 #include <cassert>
 
 #include "codepage/conversion.h"
-#include "codepage/conversion_tables.h"
+#include "codepage/kernels.h"
 
 namespace {
 
-using vel::codepage::Call;
-using vel::codepage::kUnitSize;
-
-template <bool foldsNextLine>
-void lookUpBytes(char* __restrict target, const char* __restrict source, std::size_t size,
-                 const std::uint16_t* __restrict table) {
-  for (std::size_t i = 0; i < size; ++i) {
-    std::uint16_t unit = vel::codepage::toHostOrder(table[static_cast<unsigned char>(source[i])]);
-    if (foldsNextLine && unit == vel::codepage::kNextLine) unit = vel::codepage::kLineFeed;
-    vel::codepage::writeUnit(target + i * kUnitSize, unit);
-  }
-}
-
-template <bool foldsNextLine>
-std::size_t convert(Call& call) {
-  assert(call.sourceSize <= call.targetSize / kUnitSize);
+std::size_t convert(vel::codepage::Call& call, bool foldsNextLine) {
+  assert(call.sourceSize <= call.targetSize / vel::codepage::kUnitSize);
   const auto* const table = static_cast<const std::uint16_t*>(call.getConversionData());
-  lookUpBytes<foldsNextLine>(call.target, *call.source, call.sourceSize, table);
+  vel::codepage::kernels().lookUpBytes(call.target, *call.source, call.sourceSize, table, foldsNextLine);
   *call.source += call.sourceSize;
-  return call.sourceSize * kUnitSize;
+  return call.sourceSize * vel::codepage::kUnitSize;
 }
 
 }  // namespace
 
 size_t velConvertByTablesSBCS_ASCIItoUCS2(VelClConverterABase::_VelStConverter& call) {
-  return convert<false>(call);
+  return convert(call, false);
 }
 
 size_t velConvertByTablesSBCS_EBCDICtoUCS2(VelClConverterABase::_VelStConverter& call) {
-  return convert<true>(call);
+  return convert(call, true);
 }

@@ -3,11 +3,13 @@
 #include <bit>
 
 #include "codepage/conversion.h"
+#include "codepage/kernels.h"
 
 namespace {
 
 using vel::codepage::Call;
 using vel::codepage::kUnitSize;
+using vel::codepage::Progress;
 
 constexpr std::uint32_t kOffsets[] = {0x00000000, 0x00003080, 0x000E2080, 0x03C82080, 0xFA082080, 0x82082080};
 constexpr std::uint32_t kFirstSupplementary = 0x10000;
@@ -28,55 +30,57 @@ std::uint32_t decode(const unsigned char* text, unsigned int trailing) {
   return value + text[trailing] - kOffsets[trailing];
 }
 
-/// Where a conversion stands in its target.
-struct Target {
-  char* position;
-  std::size_t room;  ///< in bytes
-
-  bool hasRoomFor(std::size_t units) const { return room >= units * kUnitSize; }
-  void write(std::uint32_t unit) {
-    vel::codepage::writeUnit(position, static_cast<std::uint16_t>(unit));
-    position += kUnitSize;
-    room -= kUnitSize;
-  }
-};
-
 /// False when the target has no room.
-bool writeValue(Target& target, std::uint32_t value) {
+bool writeValue(Progress& progress, std::uint32_t value) {
   const bool isPair = value >= kFirstSupplementary && value <= kMaxValue;
-  if (!target.hasRoomFor(isPair ? 2 : 1)) return false;
+  if (progress.targetSize() < (isPair ? 2 : 1) * kUnitSize) return false;
   if (!isPair) {
-    target.write(value > kMaxValue ? kReplacement : value);
+    vel::codepage::writeUnit(progress.target,
+                             value > kMaxValue ? kReplacement : static_cast<std::uint16_t>(value));
+    progress.target += kUnitSize;
     return true;
   }
   // Values above 0x10FFFF are not rejected; the high surrogate's place then holds some other unit. Keep.
-  target.write(0xD800 + ((value - kFirstSupplementary) >> 10));
-  target.write(0xDC00 + (value & 0x3FF));
+  const std::uint32_t high = 0xD800 + ((value - kFirstSupplementary) >> 10);
+  vel::codepage::writeUnit(progress.target, static_cast<std::uint16_t>(high));
+  vel::codepage::writeUnit(progress.target + kUnitSize, static_cast<std::uint16_t>(0xDC00 + (value & 0x3FF)));
+  progress.target += 2 * kUnitSize;
+  return true;
+}
+
+/// One character; false when the conversion ends with an error.
+bool decodeCharacter(const Call& call, Progress& progress) {
+  const auto* const text = reinterpret_cast<const unsigned char*>(progress.source);
+  const unsigned int trailing = trailingBytes(*text);
+  if (progress.sourceSize() <= trailing) {
+    call.setError(vel::codepage::kIncomplete);
+    return false;
+  }
+  // The character counts as consumed even when it does not fit. Keep.
+  progress.source += trailing + 1;
+  if (writeValue(progress, decode(text, trailing))) return true;
+  call.setError(vel::codepage::kTooBig);
+  return false;
+}
+
+/// Some characters, before larger pieces are tried again.
+bool decodeCharacters(const Call& call, Progress& progress) {
+  constexpr std::size_t kSome = 32;
+  for (std::size_t i = 0; i < kSome && progress.source != progress.sourceEnd; ++i)
+    if (!decodeCharacter(call, progress)) return false;
   return true;
 }
 
 }  // namespace
 
 size_t velConvertByAlgorithmUTF8toUCS2(VelClConverterABase::_VelStConverter& call) {
-  const auto* position = reinterpret_cast<const unsigned char*>(*call.source);
-  const unsigned char* const end = position + call.sourceSize;
-  Target target{call.target, call.targetSize};
-  while (position != end) {
-    const unsigned int trailing = trailingBytes(*position);
-    if (static_cast<std::size_t>(end - position) <= trailing) {
-      call.setError(vel::codepage::kIncomplete);
-      break;
-    }
-    const std::uint32_t value = decode(position, trailing);
-    // The character counts as consumed even when it does not fit. Keep.
-    position += trailing + 1;
-    if (!writeValue(target, value)) {
-      call.setError(vel::codepage::kTooBig);
-      break;
-    }
-  }
-  *call.source = reinterpret_cast<const char*>(position);
-  return static_cast<std::size_t>(target.position - call.target);
+  Progress progress{*call.source, *call.source + call.sourceSize, call.target, call.target + call.targetSize};
+  const vel::codepage::Kernels& kernels = vel::codepage::kernels();
+  do {
+    kernels.decodeUtf8(progress);
+  } while (progress.source != progress.sourceEnd && decodeCharacters(call, progress));
+  *call.source = progress.source;
+  return static_cast<std::size_t>(progress.target - call.target);
 }
 
 uint32_t VelClConverterABase::convertUtf8CharToUtf32(const char* text) {

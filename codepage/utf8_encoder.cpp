@@ -1,10 +1,12 @@
 // UCS-2 with surrogate pairs to UTF-8.
 #include "codepage/conversion.h"
+#include "codepage/kernels.h"
 
 namespace {
 
 using vel::codepage::Call;
 using vel::codepage::kUnitSize;
+using vel::codepage::Progress;
 
 // U+FFFF stands for what is invalid, not U+FFFD. Keep.
 constexpr std::uint32_t kInvalid = 0xFFFF;
@@ -44,23 +46,39 @@ void encode(char* target, std::uint32_t value, std::size_t size) {
   target[0] = static_cast<char>(kLeads[size] | value);
 }
 
+/// One character; false when it does not fit.
+bool encodeCharacter(Progress& progress) {
+  const Character character = characterAt(progress.source, progress.sourceSize() / kUnitSize);
+  // The character counts as consumed even when it does not fit. Keep.
+  progress.source += character.units * kUnitSize;
+  const std::size_t size = encodedSize(character.value);
+  if (size > progress.targetSize()) return false;
+  encode(progress.target, character.value, size);
+  progress.target += size;
+  return true;
+}
+
+/// Some characters, before larger pieces are tried again.
+bool encodeCharacters(Progress& progress) {
+  constexpr std::size_t kSome = 32;
+  for (std::size_t i = 0; i < kSome && progress.source != progress.sourceEnd; ++i)
+    if (!encodeCharacter(progress)) return false;
+  return true;
+}
+
 }  // namespace
 
 size_t velConvertByAlgorithmUCS2toUTF8(VelClConverterABase::_VelStConverter& call) {
-  std::size_t units = vel::codepage::takeWholeUnits(call);
-  std::size_t written = 0;
-  while (units != 0) {
-    const Character character = characterAt(*call.source, units);
-    // The character counts as consumed even when it does not fit. Keep.
-    *call.source += character.units * kUnitSize;
-    units -= character.units;
-    const std::size_t size = encodedSize(character.value);
-    if (size > call.targetSize - written) {
-      call.setError(vel::codepage::kTooBig);
-      break;
-    }
-    encode(call.target + written, character.value, size);
-    written += size;
-  }
-  return written;
+  const std::size_t size = vel::codepage::takeWholeUnits(call) * kUnitSize;
+  Progress progress{*call.source, *call.source + size, call.target, call.target + call.targetSize};
+  const vel::codepage::Kernels& kernels = vel::codepage::kernels();
+  bool fits = true;
+  do {
+    kernels.encodeUtf8(progress);
+    if (progress.source == progress.sourceEnd) break;
+    fits = encodeCharacters(progress);
+  } while (fits);
+  if (!fits) call.setError(vel::codepage::kTooBig);
+  *call.source = progress.source;
+  return static_cast<std::size_t>(progress.target - call.target);
 }

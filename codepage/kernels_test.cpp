@@ -1,0 +1,103 @@
+// Every table of inner loops, whichever this processor would choose, against the slow conversions.
+#include "codepage/kernels.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "codepage/test/reference_utf8.h"
+
+namespace {
+
+using vel::codepage::Kernels;
+using vel::codepage::Progress;
+
+std::vector<const Kernels*> kernelTables() {
+  std::vector<const Kernels*> tables{&vel::codepage::kPortableKernels};
+  if (vel::codepage::vectorKernels() != nullptr) tables.push_back(vel::codepage::vectorKernels());
+  return tables;
+}
+
+TEST(Kernels, LookUpEveryByteInEverySize) {
+  std::mt19937 random(3);
+  std::uint16_t table[256];
+  for (std::uint16_t& value : table) value = static_cast<std::uint16_t>(random());
+  table[77] = table[200] = 0x8500;
+  for (const Kernels* const kernels : kernelTables())
+    for (const bool folds : {false, true})
+      for (std::size_t size = 0; size < 1200; size += size < 200 ? 1 : 37) {
+        std::string source;
+        std::string expected;
+        for (std::size_t i = 0; i < size; ++i) {
+          const auto byte = static_cast<unsigned char>(i < 256 ? i : random());
+          const bool isFolded = folds && table[byte] == 0x8500;
+          source += static_cast<char>(byte);
+          expected += isFolded ? '\n' : static_cast<char>(table[byte] >> 8);
+          expected += isFolded ? '\0' : static_cast<char>(table[byte] & 0xFF);
+        }
+        std::string target(2 * size + 64, 'Z');
+        kernels->lookUpBytes(target.data(), source.data(), size, table, folds);
+        ASSERT_EQ(target, expected + std::string(64, 'Z')) << size;
+      }
+}
+
+using Loop = void (*)(Progress& progress) noexcept;
+using Reference = Outcome (*)(std::string_view source, std::size_t targetSize);
+
+/// What a loop did must be what the reference makes of the same part of the source. Returns the size of that
+/// part.
+std::size_t check(Loop loop, Reference reference, const std::string& source, std::size_t room) {
+  const std::unique_ptr<char[]> in(new char[source.size()]);
+  std::memcpy(in.get(), source.data(), source.size());
+  std::string target(room + 64, 'Z');
+  Progress progress{in.get(), in.get() + source.size(), target.data(), target.data() + room};
+  loop(progress);
+  const auto consumed = static_cast<std::size_t>(progress.source - in.get());
+  const auto written = static_cast<std::size_t>(progress.target - target.data());
+  const Outcome expected = reference(std::string_view(source).substr(0, consumed), room);
+  EXPECT_EQ(target.substr(room), std::string(64, 'Z'));
+  EXPECT_EQ(target.substr(0, written), expected.bytes) << hex(source);
+  EXPECT_EQ(expected.errorId, static_cast<std::uint32_t>(VEL_NO_ERROR)) << hex(source);
+  return consumed;
+}
+
+TEST(Kernels, ConvertUtf8LikeTheReference) {
+  std::mt19937 random(11);
+  for (const Kernels* const kernels : kernelTables()) {
+    const bool isVector = kernels != &vel::codepage::kPortableKernels;
+    for (const std::string& units : sampleTexts(48, 200, 300)) {
+      std::string text = referenceUcs2ToUtf8(units, units.size() * 2).bytes;
+      const std::size_t encoded = check(kernels->encodeUtf8, &referenceUcs2ToUtf8, units, text.size() + 64);
+      const std::size_t decoded = check(kernels->decodeUtf8, &referenceUtf8ToUcs2, text, units.size() + 128);
+      if (isVector) {
+        // A cut pair is not one for the loop, so all but the ends are done.
+        EXPECT_GT(encoded + 64, units.size());
+        EXPECT_GT(decoded + 67, text.size());
+      }
+      for (int damage = 0; damage < 40; ++damage) {
+        const std::size_t room = random() % (units.size() + 200);
+        check(kernels->encodeUtf8, &referenceUcs2ToUtf8, units.substr(2 * (random() % 60)), room);
+        check(kernels->decodeUtf8, &referenceUtf8ToUcs2, text, room);
+        text[random() % text.size()] = static_cast<char>(random());
+      }
+    }
+  }
+}
+
+// Every way in which characters can lie across the ends of a block.
+TEST(Kernels, DecodeBlocksThatEndAnywhere) {
+  const std::string characters[] = {"a", "\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"};
+  const std::string broken[] = {
+      "\x80", "\xC3",         "\xE2\x82",         "\xF0\x9F\x98", "\xF0\x8F\xBF\xBF", "\xF8\x88\x80\x80\x80",
+      "\xFF", "\xED\xA0\x80", "\xF7\xBF\xBF\xBF", "\xC0\x80",     "\xE0\x80\x80"};
+  for (const Kernels* const kernels : kernelTables())
+    for (std::size_t start = 50; start < 70; ++start)
+      for (const std::string& character : characters) {
+        const std::string text = std::string(start, 'x') + character + character + character;
+        check(kernels->decodeUtf8, &referenceUtf8ToUcs2, text + std::string(100, 'y'), 1000);
+        for (const std::string& piece : broken)
+          check(kernels->decodeUtf8, &referenceUtf8ToUcs2, text + piece + std::string(100, 'y'), 1000);
+      }
+}
+
+}  // namespace
