@@ -12,7 +12,8 @@ using vel::codepage::kUnitSize;
 
 constexpr unsigned char kShiftOut = 0x0E;  ///< to double bytes
 constexpr unsigned char kShiftIn = 0x0F;   ///< to single bytes
-constexpr unsigned int kSingleBytesPage = 1;
+constexpr std::size_t kSingleBytesPage = 1;
+constexpr std::size_t kPageSize = 256;
 
 const DoubleByteTable& tableOf(const Call& call) {
   return *static_cast<const DoubleByteTable*>(call.getConversionData());
@@ -53,7 +54,8 @@ WalkEnd walkEbcdic(const Call& call, Single single, Pair pair) {
     if (position == end) return {position, true};
     ++position;
     // Only the lead byte's place is looked at: a trail byte can have the value of shift-in.
-    for (; end - position >= 2 && *position != kShiftIn; position += 2) pair(position[0], position[1]);
+    const unsigned char* const lastPair = position + static_cast<std::size_t>(end - position) / 2 * 2;
+    for (; position != lastPair && *position != kShiftIn; position += 2) pair(position[0], position[1]);
     if (position == end || *position != kShiftIn) return {position, false};
     ++position;
   }
@@ -66,21 +68,25 @@ class Writer {
  public:
   // Members instead of the table: what is written could change the table, as far as the compiler knows.
   Writer(const DoubleByteTable& table, char* target)
-      : pages_(table.pages), pageNumbers_(table.pageNumbers), target_(target) {}
+      : units_(table.pages[0]), pageNumbers_(table.pageNumbers), target_(target) {}
 
-  void single(unsigned char byte) { write(pages_[kSingleBytesPage][byte]); }
-  void pair(unsigned char lead, unsigned char trail) { write(pages_[pageNumbers_[lead] - 1U][trail]); }
+  void single(unsigned char byte) {
+    const std::uint16_t unit = vel::codepage::toHostOrder(units_[kSingleBytesPage * kPageSize + byte]);
+    write(foldsNextLine && unit == vel::codepage::kNextLine ? vel::codepage::kLineFeed : unit);
+  }
+  // No table has a double-byte next line: the generator sees to it.
+  void pair(unsigned char lead, unsigned char trail) {
+    write(vel::codepage::toHostOrder(units_[pageNumbers_[lead] * kPageSize + trail - kPageSize]));
+  }
   char* end() const { return target_; }
 
  private:
-  void write(std::uint16_t stored) {
-    std::uint16_t unit = vel::codepage::toHostOrder(stored);
-    if (foldsNextLine && unit == vel::codepage::kNextLine) unit = vel::codepage::kLineFeed;
+  void write(std::uint16_t unit) {
     vel::codepage::writeUnit(target_, unit);
     target_ += kUnitSize;
   }
 
-  const std::uint16_t (*pages_)[256];
+  const std::uint16_t* units_;
   const std::uint8_t* pageNumbers_;
   char* target_;
 };

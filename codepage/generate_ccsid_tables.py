@@ -33,7 +33,7 @@ def ccsid_rows(rows):
         require(int(row["flags"], 16) in FLAGS, f"unexpected flags of {row['ccsid']}")
         require(row["name"] and '"' not in row["name"], f"unexpected name of {row['ccsid']}")
     # "?\?" keeps the compiler from seeing a trigraph.
-    return [f'{{{row["ccsid"]}, "{row["name"].replace("??", "?" + chr(92) + "?")}", {row["flags"]}}},' for row in rows]
+    return [f'{{{row["ccsid"]}, {row["flags"]}, "{row["name"].replace("??", "?" + chr(92) + "?")}"}},' for row in rows]
 
 
 def icu_rows(rows):

@@ -19,6 +19,7 @@ REPLACEMENT = 0xFFFD
 UNMAPPED_PAGE_NUMBER = 1
 SINGLE_BYTES_PAGE = 1
 FIRST_ROW_PAGE_NUMBER = 3
+NEXT_LINE = 0x0085
 ROUND_TRIP, TO_UNICODE, FROM_UNICODE, SUBSTITUTED = "[round-trip]", "[to-unicode]", "[from-unicode]", "[substituted]"
 
 
@@ -116,6 +117,7 @@ def double_byte_tables(mappings):
     for mapping in mappings:
         name, leads = mapping.ccsid, mapping.leads_with_rows()
         pages = [[REPLACEMENT] * 256, mapping.single_bytes(), *(mapping.row(lead) for lead in leads)]
+        require(all(NEXT_LINE not in page for page in pages[2:]), f"{name}: a double-byte next line")
         require(FIRST_ROW_PAGE_NUMBER + len(leads) <= 256, f"too many rows in {name}")
         page_numbers = [UNMAPPED_PAGE_NUMBER] * 256
         for index, lead in enumerate(leads):

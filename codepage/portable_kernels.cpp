@@ -1,6 +1,4 @@
 // The inner loops in plain C++, written so that the compiler can use the vectors that every processor has.
-#include <algorithm>
-
 #include "codepage/conversion.h"
 #include "codepage/conversion_tables.h"
 #include "codepage/kernels.h"
@@ -9,34 +7,41 @@ namespace vel::codepage {
 
 namespace {
 
-/// So many units stay in the processor's first cache between two loops.
-constexpr std::size_t kLookUpBlock = 512;
 constexpr std::size_t kAsciiBlock = 16;
 
-void lookUpStored(char* __restrict target, const unsigned char* __restrict source, std::size_t size,
-                  const std::uint16_t* __restrict table) {
-  for (std::size_t i = 0; i < size; ++i) writeUnit(target + i * kUnitSize, table[source[i]]);
+/// Units as the tables have them.
+constexpr std::uint16_t kStoredNextLine = toHostOrder(kNextLine);
+constexpr std::uint16_t kStoredLineFeed = toHostOrder(kLineFeed);
+
+std::uint16_t foldNextLine(std::uint16_t stored) {
+  return stored == kStoredNextLine ? kStoredLineFeed : stored;
 }
 
+/// Two units at a time change their byte order, and are written, as one number.
 template <bool foldsNextLine>
-void toHostOrder(char* target, std::size_t units) {
-  for (std::size_t i = 0; i < units; ++i) {
-    std::uint16_t unit = vel::codepage::toHostOrder(readUnit(target + i * kUnitSize));
-    if (foldsNextLine) unit = unit == kNextLine ? kLineFeed : unit;
-    writeUnit(target + i * kUnitSize, unit);
+void lookUp(char* __restrict target, const unsigned char* __restrict source, std::size_t size,
+            const std::uint16_t* __restrict table) {
+  std::size_t i = 0;
+  for (; i + 2 <= size; i += 2) {
+    std::uint16_t first = table[source[i]];
+    std::uint16_t second = table[source[i + 1]];
+    // A jump: a selection would cost every unit something.
+    if (foldsNextLine && (first == kStoredNextLine || second == kStoredNextLine)) [[unlikely]] {
+      first = foldNextLine(first);
+      second = foldNextLine(second);
+    }
+    const std::uint32_t both = __builtin_bswap32(std::uint32_t{first} << 16 | second);
+    std::memcpy(target + i * kUnitSize, &both, sizeof both);
   }
+  if (i == size) return;
+  const std::uint16_t last = table[source[i]];
+  writeUnit(target + i * kUnitSize, toHostOrder(foldsNextLine ? foldNextLine(last) : last));
 }
 
 void lookUpBytes(char* target, const char* source, std::size_t size, const std::uint16_t* table,
                  bool foldsNextLine) noexcept {
-  while (size != 0) {
-    const std::size_t units = std::min(size, kLookUpBlock);
-    lookUpStored(target, reinterpret_cast<const unsigned char*>(source), units, table);
-    foldsNextLine ? toHostOrder<true>(target, units) : toHostOrder<false>(target, units);
-    source += units;
-    target += units * kUnitSize;
-    size -= units;
-  }
+  const auto* const bytes = reinterpret_cast<const unsigned char*>(source);
+  foldsNextLine ? lookUp<true>(target, bytes, size, table) : lookUp<false>(target, bytes, size, table);
 }
 
 bool isAsciiBlock(const char* source) {

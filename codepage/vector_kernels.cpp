@@ -52,7 +52,7 @@ VEL_VECTOR inline __m512i everySecond(__m512i a, __m512i b, int first) {
 }
 
 VEL_VECTOR inline void split(const std::uint16_t* table, bool foldsNextLine, Planes& planes) {
-  for (int i = 0; i < 4; ++i) {
+  for (std::size_t i = 0; i < 4; ++i) {
     const __m512i a = load(table + i * 64);
     const __m512i b = load(table + i * 64 + 32);
     planes.high[i] = everySecond(a, b, 0);
