@@ -45,6 +45,14 @@ bool VelClConverterABase::requiresExternalICUData() const {
   return function_ == &velConvertByAlgorithmIcuToUnicode || function_ == &velConvertByAlgorithmIcuFromUnicode;
 }
 
+VelClConverterABase::VelEnRoute VelClConverterABase::getRoute() const {
+  if (function_ == &velConvertError) return VelEnRoute::NONE;
+  if (VelClConverterABase::requiresExternalICUData()) return VelEnRoute::ICU;
+  if (function_ == &velConvertByWindowsCallUCS2ToWinCP) return VelEnRoute::SYSTEM;
+  // Only tables and ICU's converters are data.
+  return conversionData_ != nullptr ? VelEnRoute::TABLE : VelEnRoute::ALGORITHM;
+}
+
 size_t VelClConverterABase::convertBytes(char* target, size_t targetSize, const char** source,
                                          size_t sourceSize) const {
   return runConversion(target, targetSize, source, sourceSize);

@@ -110,6 +110,24 @@ TEST(Converter, TakesAPlainSource) {
   EXPECT_EQ(std::string(target), "ABCx");
 }
 
+/// How many of all CCSIDs take a way, which does not depend on the system.
+TEST(Converter, HasItsOwnWaysFirst) {
+  using Route = VelClConverterABase::VelEnRoute;
+  int toUnicode[5] = {};
+  int fromUnicode[5] = {};
+  for (int number = 0; number < 0x10000; ++number) {
+    if (!ccsid(number).isValid()) continue;
+    ++toUnicode[static_cast<int>(VelClCodePage2UnicodeConverter(ccsid(number)).getRoute())];
+    ++fromUnicode[static_cast<int>(VelClUnicode2CodePageConverter(ccsid(number)).getRoute())];
+  }
+  EXPECT_EQ(toUnicode[static_cast<int>(Route::TABLE)], 49 + 11 + 3);
+  EXPECT_EQ(toUnicode[static_cast<int>(Route::ALGORITHM)], 7);
+  EXPECT_EQ(toUnicode[static_cast<int>(Route::SYSTEM)], 0);
+  EXPECT_EQ(fromUnicode[static_cast<int>(Route::TABLE)], 2);
+  EXPECT_EQ(fromUnicode[static_cast<int>(Route::ALGORITHM)], 8);
+  EXPECT_EQ(VelClUnicode2CodePageConverter(ccsid(4)).getRoute(), Route::NONE);
+}
+
 // 5026, 5035 and 938 go to other tables, 932 and 942 have none of their own.
 TEST(Converter, FollowsAliases) {
   const struct {

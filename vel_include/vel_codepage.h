@@ -202,6 +202,15 @@ class VEL_API VelClCCSID {
 /// converter must not be used by two threads at once.
 class VEL_API VelClConverterABase {
  public:
+  /// The kinds of ways that conversions take.
+  enum class VelEnRoute : int32_t {
+    NONE = 0,
+    ALGORITHM = 1,  ///< also between the forms of UCS-2
+    TABLE = 2,
+    ICU = 3,
+    SYSTEM = 4  ///< the system's own conversion to its code pages
+  };
+
   struct _VelStConverter;
   /// Converts what the call describes; returns the bytes written.
   using VelConversionFunction = size_t (*)(_VelStConverter& call);
@@ -246,6 +255,8 @@ class VEL_API VelClConverterABase {
   virtual size_t convertBytes(char* target, size_t targetSize, const char* source, size_t sourceSize) const;
 
   const VelClCCSID& getSourceCCSID() const { return source_; }
+  /// The way of the conversion; between two code pages that of the first stage, to UCS-2.
+  VelEnRoute getRoute() const;
   /// Of the last conversion; of the set-up when there was none yet.
   const _VelStError& getLastError() const { return lastError_; }
 
