@@ -103,8 +103,8 @@ std::size_t utf16ToCodePage(std::uint32_t codePage, const char16_t* text, std::s
                             std::size_t capacity) noexcept {
   const char* const name = nameOfCcsid(codePage);
   if (name == nullptr || length == 0) return 0;
-  iconv_t const converter = iconv_open(name, "UTF-16LE");
-  if (converter == reinterpret_cast<iconv_t>(-1)) return 0;
+  auto* const converter = iconv_open(name, "UTF-16LE");
+  if (reinterpret_cast<std::intptr_t>(converter) == -1) return 0;
   char* const source = const_cast<char*>(reinterpret_cast<const char*>(text));
   Conversion todo{converter, source, length * sizeof(char16_t), out, capacity};
   bool fits = true;
