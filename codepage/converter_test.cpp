@@ -195,6 +195,14 @@ TEST(Converter, KeepsItsBufferAndGivesItBack) {
     EXPECT_EQ(blocks, 1);
   }
   EXPECT_EQ(blocks, 0);
+  {
+    // One byte more than the need makes the buffer grow, whatever the size.
+    const CodePageConverter converter(ccsid(65500), ccsid(1208));
+    convert(converter, "a", 1);
+    EXPECT_EQ(lastSize, 1U + 32769);
+    convert(converter, std::string(32770, 'a'), 0);
+    EXPECT_EQ(lastSize, 32770U + 32769);
+  }
   VelClMemoryManager::setNewMemoryManager(&std::malloc, &std::realloc, &std::free);
 }
 

@@ -291,6 +291,25 @@ TEST_F(InstalledIcu, ConvertsWithIcusErrors) {
   }
 }
 
+TEST_F(InstalledIcu, KnowsAliases) {
+  const struct {
+    int alias;
+    int meant;
+  } toUnicode[] = {{18030, 1392}, {5488, 1392}, {936, 1386}, {954, 33722}};
+  // Only 954 itself has the three bytes.
+  std::string text = "\x8F\xA2\xAF";
+  for (int lead = 0xA1; lead < 0xFF; ++lead)
+    for (int trail = 0xA1; trail < 0xFF; ++trail) text += {static_cast<char>(lead), static_cast<char>(trail)};
+  for (const auto& row : toUnicode) {
+    const VelClCodePage2UnicodeConverter alias{ccsid(row.alias)};
+    const VelClCodePage2UnicodeConverter meant{ccsid(row.meant)};
+    EXPECT_TRUE(alias.requiresExternalICUData());
+    EXPECT_EQ(convert(alias, text, text.size() * 2), convert(meant, text, text.size() * 2)) << row.alias;
+  }
+  // On the way back it is 954 itself.
+  EXPECT_EQ(convert(VelClUnicode2CodePageConverter{ccsid(954)}, unitBytes(u"\xA1"), 3).bytes, "\x8F\xA2\xC2");
+}
+
 TEST_F(InstalledIcu, IsTheSecondStageToo) {
   const VelClCodePage2CodePageConverter converter(ccsid(500), ccsid(37));
   EXPECT_TRUE(converter.requiresExternalICUData());
