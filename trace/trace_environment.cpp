@@ -2,16 +2,18 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <iostream>
 #include <memory>
 
 #include "foundation/allocator.h"
 #include "foundation/ascii.h"
+#include "trace/verbose_line.h"
 #include "vel_include/vel_helpers.h"
 #include "vel_include/vel_process.h"
 #include "vel_include/vel_trace.h"
 
 namespace {
+
+using vel::trace::VerboseLine;
 
 constexpr char kDefaultInstance[] = "VELTRACEINSTANCE0";
 constexpr char kDefaultFormat[] = "%f%n   P: %p, T: %s, D: %l, C: %c%n   Data: %m (%x: %d%n)";
@@ -58,12 +60,6 @@ struct Destroy {
     vel::destroy(object);
   }
 };
-
-template <typename Value>
-void reportLine(const char* label, const Value& value) {
-  std::cout << VelClTraceSettings::getVerbosePrefix() << label << value
-            << VelClTraceSettings::getVerboseSuffix();
-}
 
 }  // namespace
 
@@ -154,17 +150,17 @@ void VelClTraceEnvironment::determineSettingsFromEnvVars(const char* key) {
 }
 
 void VelClTraceEnvironment::report(const char* key) const {
-  reportLine("key: ", key);
-  reportLine("active: ", active_);
-  reportLine("resource key: ", getAsCstring());
-  reportLine("compression: ", settings_->usesCompression());
-  reportLine("autosave: ", settings_->usesAutosave());
-  reportLine("autoflush: ", settings_->usesAutoflush());
-  reportLine("autoclear: ", settings_->usesAutoclear());
-  reportLine("detail: ", static_cast<std::int32_t>(settings_->getDetailLevel()));
-  reportLine("buffersize: ", bufferSize_);
-  reportLine("process id: ", processId_);
-  reportLine("format: ", format_);
-  reportLine("file: ", filename_.getAsCString());
-  reportLine("sharedMemory: ", sharedMemory_);
+  VerboseLine() << "key: " << key;
+  VerboseLine() << "active: " << active_;
+  VerboseLine() << "resource key: " << getAsCstring();
+  VerboseLine() << "compression: " << settings_->usesCompression();
+  VerboseLine() << "autosave: " << settings_->usesAutosave();
+  VerboseLine() << "autoflush: " << settings_->usesAutoflush();
+  VerboseLine() << "autoclear: " << settings_->usesAutoclear();
+  VerboseLine() << "detail: " << static_cast<std::int32_t>(settings_->getDetailLevel());
+  VerboseLine() << "buffersize: " << bufferSize_;
+  VerboseLine() << "process id: " << processId_;
+  VerboseLine() << "format: " << format_;
+  VerboseLine() << "file: " << filename_.getAsCString();
+  VerboseLine() << "sharedMemory: " << sharedMemory_;
 }

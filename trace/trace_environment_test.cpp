@@ -14,12 +14,15 @@ using vel::test::SizedEntry;
 
 class TraceEnvironment : public vel::test::TraceTest {
  protected:
-  /// What `action` prints on standard output.
+  /// What `action` prints on standard output, which the program uses in a manner of its own.
   template <typename Action>
   static std::string printed(Action action) {
     std::ostringstream shown;
     std::streambuf* const console = std::cout.rdbuf(shown.rdbuf());
+    const std::ios::fmtflags flags = std::cout.setf(std::ios::boolalpha);
+    std::cout << std::hex;
     action();
+    std::cout.flags(flags);
     std::cout.rdbuf(console);
     return shown.str();
   }

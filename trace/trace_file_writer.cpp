@@ -1,28 +1,14 @@
 // Appends what leaves the ring to the trace file. A failure costs trace data and nothing else.
-#include <algorithm>
 #include <cstdint>
-#include <iostream>
 
 #include "platform/platform.h"
+#include "trace/verbose_line.h"
 #include "vel_include/vel_trace.h"
 
 namespace {
 
 using vel::platform::SystemError;
-
-class VerboseLine {
- public:
-  VerboseLine() { std::cout << VelClTraceSettings::getVerbosePrefix(); }
-  VerboseLine(const VerboseLine&) = delete;
-  VerboseLine& operator=(const VerboseLine&) = delete;
-  ~VerboseLine() { std::cout << VelClTraceSettings::getVerboseSuffix(); }
-
-  template <typename Value>
-  VerboseLine& operator<<(const Value& value) {
-    std::cout << value;
-    return *this;
-  }
-};
+using vel::trace::VerboseLine;
 
 void reportOpened(const char* name) {
   VerboseLine() << "writing file: " << name;
