@@ -147,12 +147,17 @@ TEST_F(TraceEntry, ReadsBrokenTextsAndCutRecords) {
     EXPECT_TRUE(read.read(stream));
     EXPECT_EQ(std::string(read.getMessage()), text);
   }
+  environment_->getSettings().enableCompression(false);
   const std::string whole = bytes(entry("origin", "message"));
   for (std::size_t length = 0; length < whole.size(); ++length) {
+    std::istringstream longer(bytes(entry("origin of another record", "its message")));
+    EXPECT_TRUE(read.read(longer));
     std::istringstream stream(whole.substr(0, length));
     EXPECT_FALSE(read.read(stream)) << length;
     EXPECT_EQ(read.getType() == VelEnTraceDataType::NOTHING, length < 20) << length;
     EXPECT_TRUE(stream.eof());
+    const std::size_t arrived = std::min<std::size_t>(length < 20 ? 0 : length - 20, 7);
+    EXPECT_EQ(std::string(read.getCompressedMessage(), 7).c_str(), whole.substr(20, arrived)) << length;
   }
 }
 

@@ -10,10 +10,13 @@ namespace {
 // Two more than the record has; nothing relies on it. Keep.
 constexpr std::uint64_t kReadHeadLength = 22;
 
-/// Reads past the stream's formatting layer, which would cost more than the read itself.
+/// Reads past the stream's formatting layer, which would cost more than the read itself. What is missing at
+/// the end of the file is filled with 0.
 bool readBytes(std::istream& stream, void* out, std::size_t length) {
   const auto wanted = static_cast<std::streamsize>(length);
-  if (stream.rdbuf()->sgetn(static_cast<char*>(out), wanted) == wanted) return true;
+  const std::streamsize count = stream.rdbuf()->sgetn(static_cast<char*>(out), wanted);
+  if (count == wanted) return true;
+  std::memset(static_cast<char*>(out) + count, 0, static_cast<std::size_t>(wanted - count));
   stream.setstate(std::ios::eofbit | std::ios::failbit);
   return false;
 }
