@@ -57,5 +57,8 @@ int velTraceGetLastSystemError(void) {
 }
 
 void vel_tprint(std::ostream& stream, const char* file, int line) {
-  stream << '[' << file << ':' << line << "] ";
+  // Whatever base the stream shows numbers in.
+  char number[sizeof "-2147483648"] = {};
+  std::snprintf(number, sizeof number, "%d", line);
+  stream << '[' << file << ':' << number << "] ";
 }

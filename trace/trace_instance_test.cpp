@@ -128,8 +128,8 @@ TEST(TracePrint, NamesTheLine) {
   vel_tprintf("f", 4, "a\nb");
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "[f:3] x=5\n[f:4] a\nb");
   std::ostringstream stream;
-  vel_tprint(stream, "f", 3);
-  EXPECT_EQ(stream.str(), "[f:3] ");
+  vel_tprint(stream << std::hex, "f", 30);
+  EXPECT_EQ(stream.str(), "[f:30] ");
 }
 
 }  // namespace
