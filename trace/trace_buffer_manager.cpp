@@ -77,13 +77,13 @@ void VelClTraceBufferManager::flush() {
 }
 
 void VelClTraceBufferManager::write(const char* data, size_t length) {
-  if (length == 0) return;
-  if (length == room())
-    fillExactly(data, length);
-  else if (length > room())
-    wrap(data, length);
-  else
-    append(data, length);
+  // Once around the ring is the rule; more than once only what is longer than the ring.
+  for (size_t rest = room(); length >= rest; rest = room()) {
+    fill(data, rest);
+    data += rest;
+    length -= rest;
+  }
+  if (length != 0) append(data, length);
 }
 
 size_t VelClTraceBufferManager::room() const {
@@ -95,19 +95,10 @@ void VelClTraceBufferManager::append(const char* data, size_t length) {
   header_->write += length;
 }
 
-void VelClTraceBufferManager::fillExactly(const char* data, size_t length) {
+void VelClTraceBufferManager::fill(const char* data, size_t length) {
   append(data, length);
-  handOver();
-  header_->write = header_->dataStart;
-}
-
-/// The rest is not longer than the ring: entries are made so.
-void VelClTraceBufferManager::wrap(const char* data, size_t length) {
-  const size_t first = room();
-  append(data, first);
   overflow();
   header_->write = header_->dataStart;
-  append(data + first, length - first);
 }
 
 /// Without a handler nothing is ever handed over, and the oldest bytes are overwritten.

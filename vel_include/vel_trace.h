@@ -245,7 +245,7 @@ class VEL_API VelClResourceKeyABase {
   const char* getPart() const { return part_; }
 
  protected:
-  /// Null texts are left out.
+  /// Null texts are left out; a key of null counts as "".
   VelClResourceKeyABase(const char* type, const char* key, const char* instance);
 
  private:
@@ -309,7 +309,8 @@ class VEL_API VelClTraceBufferManager {
   void attachOverflowHandler(VelTraceOverflowHandler handler, void* context);
   void detachOverflowHandler() { handler_ = nullptr; }
 
-  /// Appends an entry: its record and its data, which is at most as long as the ring.
+  /// Appends an entry: its record and its data. One that is longer than the ring goes around it more than
+  /// once.
   void write(const VelClTraceEntry& entry);
   /// Hands over what has not been saved yet, if anything was written since the last flush.
   void flush();
@@ -317,8 +318,7 @@ class VEL_API VelClTraceBufferManager {
  private:
   struct Header;
   void write(const char* data, size_t length);
-  void fillExactly(const char* data, size_t length);
-  void wrap(const char* data, size_t length);
+  void fill(const char* data, size_t length);
   size_t room() const;
   void append(const char* data, size_t length);
   void overflow() { handOver(); }
