@@ -1,4 +1,5 @@
 // Names of resources.
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -20,8 +21,9 @@ char mapped(char c) {
 
 VelClResourceKeyABase::VelClResourceKeyABase(const char* type, const char* key, const char* instance)
     : length_(0), name_{}, part_(name_) {
-  add(type);
-  part_ = name_ + length_ + 1;
+  add(type == nullptr ? "" : type);
+  // Behind the separator, unless there is no type or no room.
+  if (length_ != 0) part_ = name_ + std::min(static_cast<std::size_t>(length_) + 1, sizeof name_ - 1);
   add(key == nullptr ? "" : key);
   if (instance != nullptr) add(instance);
 }

@@ -70,7 +70,7 @@ TEST_F(TraceBufferManager, LosesNoByteWhateverTheSizes) {
   attach();
   std::mt19937 random(4711);
   for (int round = 0; round < 1000; ++round) {
-    write(20 + random() % (kRoom + 1));
+    write(20 + random() % (round % 10 == 0 ? 3 * kRoom : kRoom + 1));
     if (random() % 7 == 0) manager_.flush();
     ASSERT_TRUE(written_.starts_with(handedOver())) << round;
   }
@@ -103,6 +103,15 @@ TEST_F(TraceBufferManager, TakesOverARingThatIsInUse) {
   second.flush();
   EXPECT_EQ(handedOver().substr(0, 60), written_);
   EXPECT_EQ(handedOver().size(), 100U);
+}
+
+struct AnyKey : VelClResourceKeyABase {
+  explicit AnyKey(const char* type) : VelClResourceKeyABase(type, "key", nullptr) {}
+};
+
+TEST(ResourceKey, FindsTheNameBehindAnyType) {
+  EXPECT_STREQ(AnyKey(nullptr).getPart(), "key");
+  EXPECT_STREQ(AnyKey(std::string(300, 't').c_str()).getPart(), "");
 }
 
 TEST(ResourceKey, MapsForeignCharacters) {
