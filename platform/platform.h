@@ -61,6 +61,14 @@ int createExclusively(const char* name, SystemError& error) noexcept;
 
 // ---- Appending to files (append.cpp) ---------------------------------------------------------
 
+/// The thread's last errors of the runtime and of the system, where they are not the same.
+struct LastErrors {
+  int runtime;
+  std::uint32_t system;
+};
+LastErrors lastErrors() noexcept;
+void setLastErrors(const LastErrors& errors) noexcept;
+
 struct Bytes {
   const char* data;
   std::size_t size;

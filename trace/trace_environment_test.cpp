@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <iostream>
 #include <sstream>
@@ -135,7 +136,9 @@ TEST_F(TraceEnvironment, SurvivesFilesThatCannotBeWritten) {
   EXPECT_EQ(saved(), entry.bytes());
   EXPECT_EQ(writer->getLostBytes(), 0U);
   writer->setFilename(directory_.path("missing/x.trc").c_str());
+  errno = EDOM;
   writer->add(entry.get());
+  EXPECT_EQ(errno, EDOM);
   writer->setFilename(directory_.path().c_str());
   writer->getSettings().enableVerbose(true);
   const std::string shown = printed([&] { writer->add(entry.get()); });

@@ -24,6 +24,8 @@ void VelClTraceEnvironment::save(const _VelStTraceBufferCallBackInfo& info) {
 }
 
 void VelClTraceEnvironment::append(const _VelStTraceBufferCallBackInfo& info) {
+  // A program may trace before it looks at an error of its own.
+  const vel::platform::LastErrors errorsOfProgram = vel::platform::lastErrors();
   const bool verbose = settings_->isVerbose();
   const char* const name = filename_.getAsCString();
   const std::uint64_t size = info.firstLength + info.secondLength;
@@ -42,4 +44,5 @@ void VelClTraceEnvironment::append(const _VelStTraceBufferCallBackInfo& info) {
   }
   lostBytes_ += size - written;
   if (error != 0) lastSystemError_ = error;
+  vel::platform::setLastErrors(errorsOfProgram);
 }

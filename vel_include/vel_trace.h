@@ -9,7 +9,7 @@
 //     strlen(name));
 //
 // Trace calls come from one thread, or from threads that take turns; nothing here locks. Tracing never
-// harms the program: what cannot be saved is lost and counted.
+// harms the program: what cannot be saved is lost and counted, and saving leaves errno as it was.
 #ifndef VEL_TRACE_H_
 #define VEL_TRACE_H_
 

@@ -55,6 +55,14 @@ void moveOn(iovec& piece, std::size_t count) noexcept {
 
 }  // namespace
 
+LastErrors lastErrors() noexcept {
+  return {errno, 0};
+}
+
+void setLastErrors(const LastErrors& errors) noexcept {
+  errno = errors.runtime;
+}
+
 int openForAppending(const char* name, SystemError& error) noexcept {
   const NativePath path(name);
   error = ENAMETOOLONG;

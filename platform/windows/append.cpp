@@ -51,6 +51,15 @@ Bytes joined(const Bytes& first, const Bytes& second) noexcept {
 
 }  // namespace
 
+LastErrors lastErrors() noexcept {
+  return {errno, GetLastError()};
+}
+
+void setLastErrors(const LastErrors& errors) noexcept {
+  errno = errors.runtime;
+  SetLastError(errors.system);
+}
+
 int openForAppending(const char* name, SystemError& error) noexcept {
   const int descriptor =
       _open(name, _O_WRONLY | _O_APPEND | _O_CREAT | _O_BINARY | _O_SEQUENTIAL | _O_NOINHERIT,
