@@ -8,6 +8,7 @@
 #include "vel_error.h"
 #include "vel_filesys.h"
 #include "vel_helpers.h"
+#include "vel_inifile.h"
 #include "vel_memmgr.h"
 #include "vel_messages.h"
 #include "vel_process.h"

@@ -1,0 +1,91 @@
+// Reads headers, options and continuation lines.
+#include "inifile/ini_parser.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "inifile/option_text.h"
+
+namespace vel::inifile {
+
+LineKind kindOf(Span line) noexcept {
+  Span text = line;
+  text.skipSpace();
+  if (text.isEmpty() || text.first() == ';') return LineKind::Empty;
+  if (line.first() == '[') return LineKind::Header;
+  return text.begin != line.begin ? LineKind::Indented : LineKind::Option;
+}
+
+Span nameInHeader(Span line) noexcept {
+  const char* const end = line.find(']');
+  return end != nullptr ? Span{line.begin + 1, end} : Span{nullptr, nullptr};
+}
+
+bool Parser::parse(LineSource& lines) {
+  while (!lines.isAtEnd()) {
+    const Span line = lines.next();
+    ++file_.lineCount_;
+    if (!take(line)) return false;
+  }
+  return true;
+}
+
+bool Parser::take(Span line) {
+  switch (kindOf(line)) {
+    case LineKind::Empty:
+      return true;
+    case LineKind::Header:
+      return takeHeader(line);
+    case LineKind::Indented:
+      return file_.currentSection_ == nullptr || takeContinuation(line);
+    case LineKind::Option:
+      break;
+  }
+  return file_.currentSection_ == nullptr || takeOption(line);
+}
+
+bool Parser::takeHeader(Span line) {
+  const Span name = nameInHeader(line);
+  if (name.begin == nullptr) return report(INIFILE_INVAL_SECTION);
+  VelClIniFileSection* section = nullptr;
+  if (!keepDuplicateSections_) {
+    char cut[VelClIniFileSection::kMaxNameLength + 1] = {};
+    std::copy(name.begin, name.begin + std::min(name.length(), sizeof cut - 1), cut);
+    section = model_.findSection(cut);
+  }
+  model_.openOption = nullptr;
+  file_.currentSection_ = section != nullptr ? section : model_.appendSection(name);
+  return true;
+}
+
+bool Parser::takeOption(Span line) {
+  const char* const equalSign = line.find('=');
+  // The option before stays the one that continuation lines add to. Keep.
+  if (equalSign == nullptr) return report(INIFILE_INVAL_OPTION);
+  OptionText text = OptionText::named({line.begin, equalSign});
+  parseValue({equalSign + 1, line.end}, text);
+  model_.openOption = model_.appendOption(*file_.currentSection_, text);
+  return true;
+}
+
+bool Parser::takeContinuation(Span line) {
+  VelClIniFileOption* const option = model_.openOption;
+  if (!allowContinuation_ || option == nullptr) {
+    model_.openOption = nullptr;
+    return report(INIFILE_INVAL_WHITESPACE);
+  }
+  OptionText text({option->getName(), option->getName() + std::strlen(option->getName())});
+  text.addToValue(option->getValue(), std::strlen(option->getValue()));
+  // Sets the comment, too: a continuation line without one leaves none. Keep.
+  parseValue(line, text);
+  model_.replaceText(*option, text);
+  return true;
+}
+
+bool Parser::report(VelEnErrorId error) const {
+  if (file_.errorHandler_ == nullptr) return true;
+  const _VelStError reported(error, VelEnErrorClass::USER_DATA_ERROR);
+  return file_.errorHandler_(reported, file_.lineCount_, file_.errorHandlerData_);
+}
+
+}  // namespace vel::inifile

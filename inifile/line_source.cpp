@@ -1,0 +1,77 @@
+// Lines of a file or of bytes in memory.
+#include "inifile/line_source.h"
+
+#include <algorithm>
+
+#include "platform/byte_files.h"
+#include "platform/platform.h"
+
+namespace vel::inifile {
+
+namespace {
+
+constexpr std::size_t kBufferSize = std::size_t{64} * 1024;
+
+bool isDirectory(const char* name) noexcept {
+  const std::uint32_t attributes = platform::attributesOf(name);
+  return attributes != platform::kAttributesUnreadable && (attributes & platform::kAttributeDirectory) != 0;
+}
+
+}  // namespace
+
+LineSource::LineSource(const char* fileName) : isText_(true), isOpen_(false), buffer_(kBufferSize) {
+  at_ = end_ = buffer_.data();
+  if (!isDirectory(fileName)) descriptor_ = platform::openForReading(fileName);
+  isOpen_ = descriptor_ >= 0;
+}
+
+LineSource::~LineSource() {
+  if (descriptor_ >= 0) platform::closeDescriptor(descriptor_);
+}
+
+/// Within as many bytes as the longest line has, its "\r" included.
+const char* LineSource::findDelimiter() const noexcept {
+  const std::size_t longest = kMaxLineLength + (isText_ ? 2 : 1);
+  return Span{at_, at_ + std::min(longest, static_cast<std::size_t>(end_ - at_))}.find(delimiter_);
+}
+
+/// Moves what is left to the front and reads on; false at the end.
+bool LineSource::refill() noexcept {
+  if (descriptor_ < 0) return false;
+  const auto left = static_cast<std::size_t>(end_ - at_);
+  std::copy(at_, end_, buffer_.data());
+  at_ = buffer_.data();
+  end_ = at_ + left;
+  const std::int64_t count = platform::readBytes(descriptor_, buffer_.data() + left, buffer_.size() - left);
+  if (count > 0) end_ += count;
+  return count > 0;
+}
+
+Span LineSource::next() {
+  const char* delimiter = findDelimiter();
+  while (delimiter == nullptr && static_cast<std::size_t>(end_ - at_) <= kMaxLineLength + 1 && refill())
+    delimiter = findDelimiter();
+  if (delimiter == nullptr) {
+    isAtEnd_ = true;
+    return take(end_);
+  }
+  const char* const begin = at_;
+  const bool hasReturn = isText_ && delimiter != begin && delimiter[-1] == '\r';
+  const Span line = take(hasReturn ? delimiter - 1 : delimiter);
+  at_ = delimiter + 1;
+  return line;
+}
+
+/// A line that is too long is read up to there, and nothing behind it.
+Span LineSource::take(const char* lineEnd) noexcept {
+  Span line{at_, lineEnd};
+  at_ = lineEnd;
+  if (line.length() > kMaxLineLength) {
+    line.end = line.begin + kMaxLineLength;
+    isAtEnd_ = true;
+  }
+  if (const char* const nul = line.find('\0'); nul != nullptr) line.end = nul;
+  return line;
+}
+
+}  // namespace vel::inifile

@@ -1,0 +1,173 @@
+// Records of sections and options, and their lists.
+#include "inifile/model.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "foundation/allocator.h"
+#include "foundation/ascii.h"
+
+namespace vel::inifile {
+
+namespace {
+
+/// Shorter lists are searched as they are.
+constexpr std::size_t kIndexedLength = 8;
+
+/// A text stands right behind its record's last member.
+constexpr std::size_t kRecordSize = 2 * sizeof(void*) + 2 * sizeof(std::uint16_t) + 2;
+
+template <typename Record>
+Record* findInList(Record* record, const char* name) noexcept {
+  while (record != nullptr && !equalsIgnoringAsciiCase(record->getName(), name)) record = record->getNext();
+  return record;
+}
+
+}  // namespace
+
+Model::~Model() {
+  for (; places_ != nullptr; places_ = places_->next_) {
+    places_->file_ = nullptr;
+    places_->section_ = nullptr;
+    places_->option_ = nullptr;
+  }
+  for (Section* section = file_.firstSection_; section != nullptr; section = section->next_)
+    destroy(indexOf(*section));
+  destroy(sectionIndex_);
+}
+
+Model::Section* Model::findSection(const char* name) {
+  if (sectionCount_ < kIndexedLength) return findInList(file_.firstSection_, name);
+  if (sectionIndex_ == nullptr) sectionIndex_ = create<SectionIndex>(file_.firstSection_, sectionCount_);
+  return sectionIndex_->find(name);
+}
+
+Model::Option* Model::findOption(const Section& section, const char* name) {
+  if (section.optionCount_ < kIndexedLength) return findInList(section.firstOption_, name);
+  // An index is no part of what the section holds.
+  auto& indexed = const_cast<Section&>(section);
+  if (section.index_ == nullptr)
+    indexed.index_ = create<OptionIndex>(section.firstOption_, section.optionCount_);
+  return indexOf(section)->find(name);
+}
+
+Model::Section* Model::appendSection(Span name) {
+  constexpr std::size_t kUnits = RecordMemory::unitsFor(sizeof(Section));
+  auto* const section = ::new (memory_.take(kUnits)) Section{};
+  const std::size_t length = std::min(name.length(), Section::kMaxNameLength);
+  if (length != 0) std::memcpy(section->name_, name.begin, length);
+  try {
+    if (sectionIndex_ != nullptr) sectionIndex_->add(section);
+  } catch (...) {
+    memory_.giveBack(section, kUnits);
+    throw;
+  }
+  (file_.lastSection_ != nullptr ? file_.lastSection_->next_ : file_.firstSection_) = section;
+  file_.lastSection_ = section;
+  ++sectionCount_;
+  return section;
+}
+
+Model::Option* Model::makeOption(const OptionText& text) {
+  static_assert(kRecordSize <= sizeof(Option));
+  const std::size_t units = RecordMemory::unitsFor(std::max(kRecordSize + text.size(), sizeof(Option)));
+  auto* const option = ::new (memory_.take(units)) Option();
+  option->next_ = nullptr;
+  option->text_ = reinterpret_cast<char*>(option) + kRecordSize;
+  option->recordUnits_ = static_cast<std::uint8_t>(units);
+  option->textUnits_ = 0;
+  std::memcpy(option->text_, text.data(), text.size());
+  option->value_ = static_cast<std::uint16_t>(text.valueOffset());
+  option->comment_ = static_cast<std::uint16_t>(text.commentOffset());
+  return option;
+}
+
+Model::Option* Model::appendOption(Section& section, const OptionText& text) {
+  Option* const option = makeOption(text);
+  try {
+    if (section.index_ != nullptr) indexOf(section)->add(option);
+  } catch (...) {
+    memory_.giveBack(option, option->recordUnits_);
+    throw;
+  }
+  (section.lastOption_ != nullptr ? section.lastOption_->next_ : section.firstOption_) = option;
+  section.lastOption_ = option;
+  ++section.optionCount_;
+  return option;
+}
+
+void Model::giveBackText(Option& option) noexcept {
+  if (option.textUnits_ != 0) memory_.giveBack(option.text_, option.textUnits_);
+}
+
+/// The record stays where it is. A text that grows takes twice the room, so that many small continuation
+/// lines do not leave many texts behind.
+void Model::replaceText(Option& option, const OptionText& text) {
+  constexpr std::size_t kMostUnits = RecordMemory::unitsFor(kOptionTextSize);
+  const std::size_t unitSize = RecordMemory::kUnit;
+  const std::size_t room =
+      option.textUnits_ != 0 ? option.textUnits_ * unitSize : option.recordUnits_ * unitSize - kRecordSize;
+  if (text.size() > room) {
+    const std::size_t units = std::min(RecordMemory::unitsFor(text.size()) * 2, kMostUnits);
+    auto* const moved = static_cast<char*>(memory_.take(units));
+    giveBackText(option);
+    option.text_ = moved;
+    option.textUnits_ = static_cast<std::uint8_t>(units);
+  }
+  std::memcpy(option.text_, text.data(), text.size());
+  option.value_ = static_cast<std::uint16_t>(text.valueOffset());
+  option.comment_ = static_cast<std::uint16_t>(text.commentOffset());
+}
+
+void Model::deleteOption(Section& section, Option& option) noexcept {
+  Option* before = nullptr;
+  for (Option* at = section.firstOption_; at != &option; at = at->next_) before = at;
+  if (section.index_ != nullptr) indexOf(section)->remove(&option);
+  (before != nullptr ? before->next_ : section.firstOption_) = option.next_;
+  if (section.lastOption_ == &option) section.lastOption_ = before;
+  --section.optionCount_;
+  if (openOption == &option) openOption = nullptr;
+  for (CursorPlace* place = places_; place != nullptr; place = place->next_)
+    if (place->option_ == &option) place->option_ = nullptr;
+  giveBackText(option);
+  memory_.giveBack(&option, option.recordUnits_);
+}
+
+void Model::freeOptions(Section& section) noexcept {
+  while (Option* const option = section.firstOption_) {
+    section.firstOption_ = option->next_;
+    giveBackText(*option);
+    memory_.giveBack(option, option->recordUnits_);
+  }
+}
+
+void Model::deleteSection(Section& section) noexcept {
+  Section* before = nullptr;
+  for (Section* at = file_.firstSection_; at != &section; at = at->next_) before = at;
+  if (sectionIndex_ != nullptr) sectionIndex_->remove(&section);
+  (before != nullptr ? before->next_ : file_.firstSection_) = section.next_;
+  if (file_.lastSection_ == &section) file_.lastSection_ = before;
+  --sectionCount_;
+  if (file_.currentSection_ == &section) file_.currentSection_ = nullptr;
+  // Only while a file is loaded is there one, and it may be this section's.
+  openOption = nullptr;
+  for (CursorPlace* place = places_; place != nullptr; place = place->next_)
+    if (place->section_ == &section) place->section_ = nullptr, place->option_ = nullptr;  // with its options
+  destroy(indexOf(section));
+  freeOptions(section);
+  memory_.giveBack(&section, RecordMemory::unitsFor(sizeof(Section)));
+}
+
+void Model::add(CursorPlace& place) noexcept {
+  place.previous_ = nullptr;
+  place.next_ = places_;
+  if (places_ != nullptr) places_->previous_ = &place;
+  places_ = &place;
+}
+
+void Model::remove(CursorPlace& place) noexcept {
+  (place.previous_ != nullptr ? place.previous_->next_ : places_) = place.next_;
+  if (place.next_ != nullptr) place.next_->previous_ = place.previous_;
+}
+
+}  // namespace vel::inifile

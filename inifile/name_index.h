@@ -1,0 +1,101 @@
+// Finds the first record of a name in a list that keeps the file's order. Names are compared without regard
+// to the case of ASCII letters. The index stands beside the list, and is made when a long list is first
+// asked.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "foundation/allocator.h"
+#include "foundation/ascii.h"
+
+namespace vel::inifile {
+
+/// Depends on a number drawn once per process, so that no file can be made to fill one place of an index.
+std::uint32_t hashOf(const char* name) noexcept;
+
+/// `Record` has getName and getNext.
+template <typename Record>
+class NameIndex {
+ public:
+  /// Takes over the whole list.
+  NameIndex(Record* first, std::size_t count) : slots_(sizeFor(count)) {
+    for (; first != nullptr; first = first->getNext()) add(first);
+  }
+
+  Record* find(const char* name) const noexcept { return slots_[place(name, hashOf(name))].record; }
+
+  /// A record that was appended to the list, or is about to be.
+  void add(Record* record) {
+    if (used_ * 4 >= slots_.size() * 3) grow();
+    const std::uint32_t hash = hashOf(record->getName());
+    Slot& slot = slots_[place(record->getName(), hash)];
+    if (slot.record != nullptr) {
+      slot.isRepeated = true;
+      return;
+    }
+    slot = {record, hash, false};
+    ++used_;
+  }
+
+  /// A record that is about to be taken from the list. Another one of the same name takes its place.
+  void remove(const Record* record) noexcept {
+    const std::size_t at = place(record->getName(), hashOf(record->getName()));
+    if (slots_[at].record != record) return;
+    Record* next = slots_[at].isRepeated ? record->getNext() : nullptr;
+    while (next != nullptr && !equalsIgnoringAsciiCase(next->getName(), record->getName()))
+      next = next->getNext();
+    slots_[at].record = next;
+    if (next == nullptr) closeGap(at);
+  }
+
+ private:
+  struct Slot {
+    Record* record;
+    std::uint32_t hash;
+    bool isRepeated;
+  };
+
+  static std::size_t sizeFor(std::size_t count) noexcept {
+    std::size_t size = 16;
+    while (count * 4 >= size * 3) size *= 2;
+    return size;
+  }
+
+  std::size_t next(std::size_t at) const noexcept { return (at + 1) & (slots_.size() - 1); }
+
+  /// Where the name is, or would be.
+  std::size_t place(const char* name, std::uint32_t hash) const noexcept {
+    std::size_t at = hash & (slots_.size() - 1);
+    while (slots_[at].record != nullptr &&
+           (slots_[at].hash != hash || !equalsIgnoringAsciiCase(slots_[at].record->getName(), name)))
+      at = next(at);
+    return at;
+  }
+
+  void grow() {
+    Vector<Slot> old(slots_.size() * 2);
+    old.swap(slots_);
+    for (const Slot& slot : old)
+      if (slot.record != nullptr) slots_[place(slot.record->getName(), slot.hash)] = slot;
+  }
+
+  /// Moves those behind an emptied slot up, so that every search still passes no empty one.
+  void closeGap(std::size_t gap) noexcept {
+    --used_;
+    for (std::size_t at = next(gap); slots_[at].record != nullptr; at = next(at)) {
+      const std::size_t home = slots_[at].hash & (slots_.size() - 1);
+      const std::size_t mask = slots_.size() - 1;
+      if (((at - home) & mask) < ((at - gap) & mask)) continue;
+      slots_[gap] = slots_[at];
+      slots_[at].record = nullptr;
+      gap = at;
+    }
+  }
+
+  Vector<Slot> slots_;
+  std::size_t used_ = 0;
+};
+
+}  // namespace vel::inifile

@@ -1,0 +1,57 @@
+// The texts of one option.
+#include "inifile/option_text.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace vel::inifile {
+
+OptionText::OptionText(Span name) noexcept {
+  const std::size_t length = std::min(name.length(), kMaxNameLength);
+  if (length != 0) std::memcpy(text_, name.begin, length);
+  startValue(length);
+}
+
+OptionText OptionText::named(Span line) noexcept {
+  OptionText option;
+  std::size_t length = 0;
+  for (; !line.isEmpty() && length < kMaxNameLength; ++line.begin)
+    if (!isSpace(*line.begin)) option.text_[length++] = *line.begin;
+  option.startValue(length);
+  return option;
+}
+
+void OptionText::startValue(std::size_t nameLength) noexcept {
+  text_[nameLength] = '\0';
+  value_ = nameLength + 1;
+  end_ = value_;
+  setComment({});
+}
+
+void OptionText::addToValue(const char* text, std::size_t length) noexcept {
+  if (isEnded_) return;
+  const Span added{text, text + std::min(length, kOptionTextSize - 1 - end_)};
+  const char* const nul = added.find('\0');
+  isEnded_ = nul != nullptr;
+  const std::size_t taken = isEnded_ ? static_cast<std::size_t>(nul - text) : added.length();
+  if (taken != 0) std::memcpy(text_ + end_, text, taken);
+  end_ += taken;
+}
+
+void OptionText::trimValue(std::size_t shortest) noexcept {
+  while (valueLength() > shortest && isSpace(text_[end_ - 1])) --end_;
+}
+
+void OptionText::setComment(Span comment) noexcept {
+  text_[end_] = '\0';
+  comment_ = end_;
+  size_ = end_ + 1;
+  if (comment.isEmpty() || size_ + 1 >= kOptionTextSize) return;
+  const std::size_t length = std::min(comment.length(), kOptionTextSize - size_ - 1);
+  comment_ = size_;
+  std::memcpy(text_ + comment_, comment.begin, length);
+  text_[comment_ + length] = '\0';
+  size_ = comment_ + length + 1;
+}
+
+}  // namespace vel::inifile

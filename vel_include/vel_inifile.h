@@ -1,0 +1,279 @@
+// INI files: a model of sections and options that a lenient parser builds, typed questions to it, cursors
+// over it, changes, saving, and an editor that keeps the rest of a file as it is.
+//
+//   [Section]                           a header begins in column 1
+//   name = value                        ; comment
+//   path = "a;b\tc" 'x' $(HOME)/bin     ; quoted string, character, environment variable
+//     goes on here                      ; a continuation line begins with white space
+//
+// Names are compared without regard to the case of ASCII letters; white space and control characters are
+// those of ASCII, whatever the locale.
+#ifndef VEL_INIFILE_H_
+#define VEL_INIFILE_H_
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include "vel_cursor.h"
+#include "vel_error.h"
+#include "vel_export.h"
+#include "vel_filesys.h"
+
+#if defined(VEL_HAS_CLASSES)
+
+class VelClIniFile;
+
+namespace vel::inifile {
+class CursorPlace;
+class LineSource;
+class Model;
+class Parser;
+}  // namespace vel::inifile
+
+/// The character that an escape in a value stands for. `cursor`, on the character behind the back-slash of a
+/// terminated text, moves behind the escape and never beyond the terminator: a b f n r t v are control
+/// characters, x with any hexadecimal digits and any octal digits give a number (cut to a character, NUL
+/// without digits), and every other character stands for itself. 8 and 9 give NUL and leave the cursor.
+VEL_API char velIniFileGetEscCharacter(const char*& cursor);
+/// The character between single quotes, which may be an escape. `cursor`, on the opening quote, moves behind
+/// the closing one, or what stands there, and never beyond the terminator.
+VEL_API char velIniFileGetQuotedCharacter(const char*& cursor);
+
+/// An option. Texts are valid until the option is changed or deleted.
+class VelClIniFileOption {
+ public:
+  VelClIniFileOption(const VelClIniFileOption&) = delete;
+  VelClIniFileOption& operator=(const VelClIniFileOption&) = delete;
+
+  const char* getName() const { return text_; }
+  const char* getValue() const { return text_ + value_; }
+  /// "" when there is none.
+  const char* getComment() const { return text_ + comment_; }
+  /// The next option of the section, or null.
+  VelClIniFileOption* getNext() const { return next_; }
+
+ private:
+  friend class vel::inifile::Model;
+  VelClIniFileOption() = default;
+
+  VelClIniFileOption* next_;
+  char* text_;  ///< name, value and comment, each terminated: 1,024 characters at most, and no more than it
+                ///< takes
+  uint16_t value_;
+  uint16_t comment_;
+  uint8_t textUnits_;  ///< the memory of a text that has left the record, 0 for one behind it
+  uint8_t recordUnits_;
+};
+
+/// A section. The name is valid until the section is deleted.
+class VelClIniFileSection {
+ public:
+  /// Names are cut to this many characters.
+  static constexpr size_t kMaxNameLength = 80;
+
+  VelClIniFileSection(const VelClIniFileSection&) = delete;
+  VelClIniFileSection& operator=(const VelClIniFileSection&) = delete;
+
+  const char* getName() const { return name_; }
+  /// The next section of the file, or null.
+  VelClIniFileSection* getNext() const { return next_; }
+  /// The first option, or null.
+  VelClIniFileOption* getFirstOption() const { return firstOption_; }
+
+ private:
+  friend class vel::inifile::Model;
+  VelClIniFileSection() = default;
+
+  VelClIniFileSection* next_;
+  VelClIniFileOption* firstOption_;
+  char name_[kMaxNameLength + 1];
+  uint32_t optionCount_;
+  VelClIniFileOption* lastOption_;
+  void* index_;  ///< finds options by name; null as long as nobody asked a long section
+};
+
+/// Decides about a syntax error in `line`: false ends the load.
+typedef bool (*VelIniFileErrorHandler)(const _VelStError& error, unsigned int line, void* userData);
+
+namespace vel::inifile {
+
+/// Where a cursor stands, known to the file so that what is deleted can be taken from under it.
+class CursorPlace {
+ public:
+  CursorPlace(const VelClIniFile& file, VelClIniFileSection* section);
+  CursorPlace(const CursorPlace& other);
+  CursorPlace& operator=(const CursorPlace& other);
+  ~CursorPlace();
+
+  /// Null when the file is gone.
+  const VelClIniFile* file() const { return file_; }
+  VelClIniFileSection* section() const { return section_; }
+  VelClIniFileOption* option() const { return option_; }
+  void setSection(VelClIniFileSection* section) { section_ = section; }
+  void setOption(VelClIniFileOption* option) { option_ = option; }
+
+ private:
+  friend class Model;
+
+  void attach();
+  void detach();
+
+  const VelClIniFile* file_;
+  VelClIniFileSection* section_;
+  VelClIniFileOption* option_;
+  CursorPlace* previous_;
+  CursorPlace* next_;
+};
+
+}  // namespace vel::inifile
+
+/// A file of sections and options in memory. Objects must not be used by two threads at once, questions
+/// included. Memory comes from the memory manager, whose failure throws; a load or change that fails so
+/// leaves the model with what was built before.
+///
+/// Name, value and comment of an option share 1,024 characters with their terminators: value, then comment,
+/// are cut to the room left.
+class VEL_API VelClIniFile : public VelClFile {
+ public:
+  /// A name without extension gets ".INI". Nothing is read.
+  explicit VelClIniFile(const VelClFilenameABase& name);
+  explicit VelClIniFile(const char* name) : VelClIniFile(VelClFilename(name)) {}
+  VelClIniFile(const VelClIniFile&) = delete;
+  VelClIniFile& operator=(const VelClIniFile&) = delete;
+  ~VelClIniFile() override;
+
+  /// `handler` is asked about every syntax error with class USER_DATA_ERROR: INIFILE_INVAL_SECTION for a
+  /// header without "]", INIFILE_INVAL_OPTION for an option without "=", INIFILE_INVAL_WHITESPACE for a line
+  /// that begins with white space where nothing can be continued. Null, as at first, ignores them all.
+  void setErrorHandler(VelIniFileErrorHandler handler, void* userData);
+
+  /// Adds what the file holds to the model; every header begins a section of its own. False when the file
+  /// cannot be opened, or the handler ended the load; what was built before stays. A line of more than 1,023
+  /// characters ends the load behind them, without an error. Afterwards there is no current section.
+  bool load(bool allowContinuation);
+  /// The same for bytes in memory, which are not copied. Lines end in `delimiter`; line numbers go on from
+  /// the last load. Without `keepDuplicateSections` options of a section that exists are added to it.
+  bool loadFromBuffer(const char* buffer, size_t size, char delimiter, bool keepDuplicateSections,
+                      bool allowContinuation);
+  /// How many lines were read, from the first of the last load(bool) on. The end of the bytes behind the last
+  /// delimiter counts as a line, even when it is empty: 3 for "a\nb\n".
+  unsigned int getLineCount() const { return lineCount_; }
+
+  /// Makes the first section of this name the current one. False, with no current section, when there is
+  /// none.
+  bool getSection(const char* name) const;
+
+  /// Ask the current section for the first option of a name. False, with the outputs untouched, when there is
+  /// no current section or no such option. Texts are valid until the option is changed or deleted.
+  bool getOption(const char* name, const char*& value) const;
+  bool getOption(const char* name, const char*& value, const char*& comment) const;
+  /// Decimal numbers at the start of the value, behind blanks and a sign; 0 when there is none. 32 bits on
+  /// every system, saturated; unsigned, -1 is 4294967295.
+  bool getOption(const char* name, int& value) const;
+  bool getOption(const char* name, int& value, const char*& comment) const;
+  bool getOption(const char* name, long& value) const;
+  bool getOption(const char* name, long& value, const char*& comment) const;
+  bool getOption(const char* name, unsigned int& value) const;
+  bool getOption(const char* name, unsigned int& value, const char*& comment) const;
+  bool getOption(const char* name, unsigned long& value) const;
+  bool getOption(const char* name, unsigned long& value, const char*& comment) const;
+  /// The first character, or the one between single quotes; NUL for an empty value.
+  bool getOption(const char* name, char& value) const;
+  bool getOption(const char* name, char& value, const char*& comment) const;
+  /// Whether the value is found within getStringAllTrueTokens by velStrFind, ignoring case. This has
+  /// surprises:
+  /// "", "E", "n", "t" and "|" are true. So are "on", "Yes" and "1"; "OFF", "0", "no" and "false" are false.
+  bool getOptionBool(const char* name, bool& value) const;
+  bool getOption(const char* name, bool& value, const char*& comment) const;
+
+  /// Whole records: the first of a name, or null. The current section stays.
+  const VelClIniFileSection* getFirstSection() const { return firstSection_; }
+  VelClIniFileSection* getExistingSection(const char* name) const;
+  const VelClIniFileOption* getExistingOption(const VelClIniFileSection& section, const char* name) const;
+
+  static const char* getStringTrue() { return "ON"; }
+  static const char* getStringFalse() { return "OFF"; }
+  static const char* getStringAllTrueTokens() { return "|ON|TRUE|YES|1|OK|"; }
+
+ private:
+  friend class vel::inifile::Model;
+  friend class vel::inifile::Parser;
+
+  bool parse(vel::inifile::LineSource& lines, bool keepDuplicateSections, bool allowContinuation);
+  template <typename Value>
+  bool ask(const char* name, Value& value, const char** comment) const;
+
+  VelClIniFileSection* firstSection_;
+  VelClIniFileSection* lastSection_;
+  uint32_t lineCount_;
+  mutable VelClIniFileSection* currentSection_;
+  VelIniFileErrorHandler errorHandler_;
+  void* errorHandlerData_;
+  vel::inifile::Model* model_;
+};
+
+/// Walks over the sections of a file in their order. Sections may be added and deleted meanwhile: a cursor
+/// whose section is deleted, or whose file is gone, is invalid. An invalid cursor answers "" and false.
+class VEL_API VelClIniFileSectionCursor : public VelClUniDirCursorABase {
+ public:
+  /// Stands before the first section: invalid.
+  explicit VelClIniFileSectionCursor(const VelClIniFile& file);
+  VelClIniFileSectionCursor(const VelClIniFileSectionCursor& other);
+  VelClIniFileSectionCursor& operator=(const VelClIniFileSectionCursor& other);
+  ~VelClIniFileSectionCursor() override;
+
+  bool isValid() const override;
+  bool setToFirst() override;
+  /// Stays invalid when it is.
+  bool setToNext() override;
+  /// Stays where the name is this, otherwise moves to the first section of the name.
+  virtual bool setTo(const char* name);
+
+  bool matches(const char* name) const;
+  const char* getSection() const;
+
+ private:
+  friend class VelClIniFileOptionCursor;
+
+  vel::inifile::CursorPlace place_;
+};
+
+/// Walks over the options of a section, in the same way.
+class VEL_API VelClIniFileOptionCursor : public VelClUniDirCursorABase {
+ public:
+  VelClIniFileOptionCursor(const VelClIniFile& file, const VelClIniFileSection& section);
+  /// The first section of this name; without one the cursor never becomes valid.
+  VelClIniFileOptionCursor(const VelClIniFile& file, const char* section);
+  /// The section that a cursor stands on.
+  explicit VelClIniFileOptionCursor(const VelClIniFileSectionCursor& section);
+  VelClIniFileOptionCursor(const VelClIniFileOptionCursor& other);
+  VelClIniFileOptionCursor& operator=(const VelClIniFileOptionCursor& other);
+  ~VelClIniFileOptionCursor() override;
+
+  bool isValid() const override;
+  bool setToFirst() override;
+  bool setToNext() override;
+  virtual bool setTo(const char* name);
+
+  bool matches(const char* name) const;
+  const char* getOption() const;
+  const char* getValue() const;
+  /// Convert as VelClIniFile::getOption does, and leave the output alone when the cursor is invalid.
+  bool getValue(const char*& value) const;
+  bool getValue(int& value) const;
+  bool getValue(long& value) const;
+  bool getValue(unsigned int& value) const;
+  bool getValue(unsigned long& value) const;
+  bool getValue(char& value) const;
+  /// As VelClIniFile::getOptionBool; false when the cursor is invalid.
+  bool getValueBool() const;
+  /// "" when there is none.
+  const char* getComment() const;
+
+ private:
+  vel::inifile::CursorPlace place_;
+};
+
+#endif
+
+#endif
