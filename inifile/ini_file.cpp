@@ -40,17 +40,6 @@ bool VelClIniFile::loadFromBuffer(const char* buffer, size_t size, char delimite
 }
 
 bool VelClIniFile::parse(LineSource& lines, bool keepDuplicateSections, bool allowContinuation) {
-  struct LoadEnd {
-    VelClIniFile& file;
-    Model& model;
-    void clear() const {
-      file.currentSection_ = nullptr;
-      model.openOption = nullptr;
-    }
-    ~LoadEnd() { clear(); }
-  };
-  const LoadEnd end{*this, *model_};
-  end.clear();
   return vel::inifile::Parser(*this, keepDuplicateSections, allowContinuation).parse(lines);
 }
 

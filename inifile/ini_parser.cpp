@@ -22,12 +22,23 @@ Span nameInHeader(Span line) noexcept {
 }
 
 bool Parser::parse(LineSource& lines) {
+  struct WithoutPlace {
+    Parser& parser;
+    explicit WithoutPlace(Parser& user) noexcept : parser(user) { parser.leavePlace(); }
+    ~WithoutPlace() { parser.leavePlace(); }
+  };
+  const WithoutPlace atStartAndEnd(*this);
   while (!lines.isAtEnd()) {
     const Span line = lines.next();
     ++file_.lineCount_;
     if (!take(line)) return false;
   }
   return true;
+}
+
+void Parser::leavePlace() noexcept {
+  file_.currentSection_ = nullptr;
+  model_.openOption = nullptr;
 }
 
 bool Parser::take(Span line) {

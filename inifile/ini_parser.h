@@ -22,10 +22,11 @@ class Parser {
         keepDuplicateSections_(keepDuplicateSections),
         allowContinuation_(allowContinuation) {}
 
-  /// False when the error handler has ended it.
+  /// False when the error handler has ended it. No section is current afterwards.
   bool parse(LineSource& lines);
 
  private:
+  void leavePlace() noexcept;
   bool take(Span line);
   bool takeHeader(Span line);
   bool takeOption(Span line);

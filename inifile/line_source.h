@@ -12,10 +12,13 @@ namespace vel::inifile {
 
 class LineSource {
  public:
+  /// Whether a "\r" before a delimiter is dropped.
+  enum class Bytes { Plain, Text };
+
   /// Bytes of the caller's, not copied.
-  LineSource(const char* bytes, std::size_t size, char delimiter) noexcept
-      : at_(bytes), end_(bytes + size), delimiter_(delimiter) {}
-  /// A file's bytes as text: lines end in "\n", and a "\r" before it is dropped.
+  LineSource(const char* bytes, std::size_t size, char delimiter, Bytes kind = Bytes::Plain) noexcept
+      : at_(bytes), end_(bytes + size), delimiter_(delimiter), isText_(kind == Bytes::Text) {}
+  /// A file's bytes as text, in lines that end in "\n".
   explicit LineSource(const char* fileName);
   LineSource(const LineSource&) = delete;
   LineSource& operator=(const LineSource&) = delete;

@@ -85,6 +85,25 @@ std::uint64_t appendBytes(int descriptor, const Bytes& first, const Bytes& secon
 /// 0, or -1 for a failure.
 int closeAppended(int descriptor) noexcept;
 
+// ---- Replacing files (replacing.cpp) ---------------------------------------------------------
+
+/// A file that is written beside the one whose place it takes.
+struct Replacement {
+  int descriptor = -1;  ///< for writing bytes
+  char
+      temporary[4200];  ///< the system's own spelling; "" when the target is no file and is written to itself
+  char target[4100];
+};
+
+/// Begins to replace a file, or to create one. It keeps permissions and, where the system allows it, the
+/// owner; a link stays and leads to the new contents. EACCES for a read-only file. Children do not inherit
+/// the descriptor.
+SystemError startReplacement(const char* name, Replacement& replacement) noexcept;
+/// Puts what was written into place, in one step and when it is safely stored. After a failure the old file
+/// is there as before and the new one is gone.
+SystemError finishReplacement(Replacement& replacement) noexcept;
+void dropReplacement(Replacement& replacement) noexcept;
+
 // ---- Directories (directories.cpp) -----------------------------------------------------------
 
 enum class WalkStep { Entry, End, Failed };

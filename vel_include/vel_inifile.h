@@ -20,11 +20,14 @@
 #include "vel_filesys.h"
 
 #if defined(VEL_HAS_CLASSES)
+#include <iosfwd>
 
 class VelClIniFile;
 
 namespace vel::inifile {
 class CursorPlace;
+class EditedText;
+class FileOutput;
 class LineSource;
 class Model;
 class Parser;
@@ -191,6 +194,24 @@ class VEL_API VelClIniFile : public VelClFile {
   VelClIniFileSection* getExistingSection(const char* name) const;
   const VelClIniFileOption* getExistingOption(const VelClIniFileSection& section, const char* name) const;
 
+  /// Change the model. False, with nothing changed, for what could not be read back as a line of a file:
+  /// names that are empty, hold white space or "=", or begin with "[" or ";", and comments with line breaks;
+  /// and for texts that exceed an option's room. A null value or comment counts as "".
+  ///
+  /// Makes the section the current one. It is appended, and true returned, when there was none of this name.
+  /// False as well for names that hold "]" or a line break, with the current section as it was. Names are cut
+  /// to 80 characters.
+  bool addSection(const char* name);
+  /// Removes the first section of a name with its options; false without one. Cursors in it become invalid.
+  bool deleteSection(const char* name);
+  /// These three work on the current section, and are false without one. An option is appended if there is
+  /// none of its name.
+  bool addOption(const char* name, const char* value, const char* comment = nullptr);
+  /// Gives the first option of a name another value. The comment stays, cut to the room left.
+  bool setNewValue(const char* name, const char* value);
+  /// Removes the first option of a name. Cursors on it become invalid.
+  bool deleteOption(const char* name);
+
   static const char* getStringTrue() { return "ON"; }
   static const char* getStringFalse() { return "OFF"; }
   static const char* getStringAllTrueTokens() { return "|ON|TRUE|YES|1|OK|"; }
@@ -272,6 +293,98 @@ class VEL_API VelClIniFileOptionCursor : public VelClUniDirCursorABase {
 
  private:
   vel::inifile::CursorPlace place_;
+};
+
+/// An INI file that can write itself. Order, names, values and comments of options are kept; comment lines,
+/// blank lines, spacing, continuation lines, needless quotes, and options with empty values or names are not.
+/// Values come back as they were, but for white space around one without ";" or control character, quotes and
+/// "$(" in a value (which are not escaped), and a hexadecimal digit behind a control character without a
+/// letter.
+class VEL_API VelClIniFileSave : public VelClIniFile {
+ public:
+  explicit VelClIniFileSave(const VelClFilenameABase& name);
+  explicit VelClIniFileSave(const char* name) : VelClIniFileSave(VelClFilename(name)) {}
+  ~VelClIniFileSave() override;
+
+  /// Writes the file. False when it cannot be written; nothing throws for that. A new file is written beside
+  /// the old one, "~" and hexadecimal digits ".tmp", and takes its place, with its permissions, when all of
+  /// it is safely stored: whatever happens meanwhile, there is the old file or the new one. A read-only file,
+  /// and one in a directory that takes no new files, cannot be written. May be called again. After
+  /// save(stream) it returns false.
+  bool save();
+  /// Writes the model to a stream and flushes it; true when that reports no error. Afterwards this object
+  /// counts as opened, so that it does not open its own file: save() fails from then on.
+  bool save(std::ostream& stream);
+
+ protected:
+  /// Write single lines, for derived classes with output of their own. True when the stream reports no error.
+  /// A comment may be null or "".
+  bool saveSection(std::ostream& stream, const char* name, const char* comment) const;
+  /// Writes nothing for an empty value.
+  bool saveOption(std::ostream& stream, const char* name, const char* value, const char* comment) const;
+  /// Decimal numbers of 32 bits.
+  bool saveOption(std::ostream& stream, const char* name, int value, const char* comment) const;
+  bool saveOption(std::ostream& stream, const char* name, unsigned int value, const char* comment) const;
+  bool saveOption(std::ostream& stream, const char* name, long value, const char* comment) const;
+  bool saveOption(std::ostream& stream, const char* name, unsigned long value, const char* comment) const;
+  /// Between single quotes.
+  bool saveOption(std::ostream& stream, const char* name, char value, const char* comment) const;
+  bool saveOptionBool(std::ostream& stream, const char* name, bool value, const char* comment) const;
+  bool saveComment(std::ostream& stream, const char* comment) const;
+  /// One character of a quoted value.
+  bool saveChar(std::ostream& stream, char c) const;
+
+ private:
+  bool saveNumber(std::ostream& stream, const char* name, const char* digits, const char* comment) const;
+
+  vel::inifile::FileOutput* output_;
+  bool opened_;
+};
+
+/// Changes single options and sections of a file and leaves every other byte of it: comments, blank lines,
+/// spacing, order and line ends. Names find what VelClIniFile's questions find: the first of a name.
+///
+/// Every change is read back with the parser before it counts, and refused (false, with nothing changed)
+/// unless exactly the model comes back that was asked for: values that are too long or hold "\0", names that
+/// a file cannot hold, and changes behind the place where reading ends. A change takes time in proportion to
+/// the file.
+class VEL_API VelClIniFileEditor : public VelClFile {
+ public:
+  /// A name without extension gets ".INI". Nothing is read.
+  explicit VelClIniFileEditor(const VelClFilenameABase& name);
+  explicit VelClIniFileEditor(const char* name) : VelClIniFileEditor(VelClFilename(name)) {}
+  VelClIniFileEditor(const VelClIniFileEditor&) = delete;
+  VelClIniFileEditor& operator=(const VelClIniFileEditor&) = delete;
+  ~VelClIniFileEditor() override;
+
+  /// Reads the file in place of what was edited before; false, with that unchanged, when it cannot be read.
+  /// `allowContinuation` is as for VelClIniFile::load.
+  bool load(bool allowContinuation);
+  /// Takes a copy of bytes instead.
+  void loadFromBuffer(const char* buffer, size_t size, bool allowContinuation);
+
+  /// Gives the option this value, quoted as it has to be, or as it was. A missing option comes behind the
+  /// last line of its section, a missing section at the end. Continuation lines of the old value go; the
+  /// comment on one stays as a comment line.
+  bool setValue(const char* section, const char* option, const char* value);
+  /// Adds an empty section at the end; false when there is one of this name.
+  bool addSection(const char* name);
+  /// Removes the option's line, and those that continue it.
+  bool deleteOption(const char* section, const char* option);
+  /// Removes the lines from the header to the last one that is neither blank nor a comment.
+  bool deleteSection(const char* name);
+
+  /// The text as it is now, terminated, and its length in bytes; valid until the next change.
+  const char* getText() const;
+  size_t getLength() const;
+  /// What the parser reads there; valid until the next change.
+  const VelClIniFile& getIniFile() const;
+
+  /// Writes the file as VelClIniFileSave::save does: the old file or the new one, whatever happens.
+  bool save();
+
+ private:
+  vel::inifile::EditedText* text_;
 };
 
 #endif

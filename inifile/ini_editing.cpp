@@ -1,0 +1,91 @@
+// Changes to a model.
+#include <algorithm>
+#include <cstring>
+
+#include "inifile/model.h"
+#include "inifile/option_text.h"
+#include "vel_include/vel_inifile.h"
+
+using vel::inifile::isSpace;
+using vel::inifile::kMaxNameLength;
+using vel::inifile::Model;
+using vel::inifile::OptionText;
+using vel::inifile::Span;
+
+namespace {
+
+Span spanOf(const char* text) {
+  return text != nullptr ? Span{text, text + std::strlen(text)} : Span{"", ""};
+}
+
+bool isLine(Span text) {
+  return text.find('\n') == nullptr;
+}
+
+bool isSectionName(Span name) {
+  return !name.isEmpty() && name.find(']') == nullptr && isLine(name);
+}
+
+bool isOptionName(Span name) {
+  const char first = name.first();
+  return first != '\0' && first != '[' && first != ';' && name.length() <= kMaxNameLength &&
+         std::none_of(name.begin, name.end, [](char c) { return c == '=' || isSpace(c); });
+}
+
+/// Whether nothing had to be cut.
+bool takesValue(OptionText& text, Span value) {
+  text.addToValue(value.begin, value.length());
+  return text.valueLength() == value.length();
+}
+
+}  // namespace
+
+bool VelClIniFile::addSection(const char* name) {
+  const Span whole = spanOf(name);
+  if (!isSectionName(whole)) return false;
+  char cut[VelClIniFileSection::kMaxNameLength + 1] = {};
+  const std::size_t length = std::min(whole.length(), sizeof cut - 1);
+  std::memcpy(cut, whole.begin, length);
+  VelClIniFileSection* const existing = model_->findSection(cut);
+  currentSection_ = existing != nullptr ? existing : model_->appendSection({cut, cut + length});
+  return existing == nullptr;
+}
+
+bool VelClIniFile::deleteSection(const char* name) {
+  VelClIniFileSection* const section = model_->findSection(name);
+  if (section == nullptr) return false;
+  model_->deleteSection(*section);
+  return true;
+}
+
+bool VelClIniFile::addOption(const char* name, const char* value, const char* comment) {
+  const Span nameSpan = spanOf(name);
+  const Span commentSpan = spanOf(comment);
+  if (currentSection_ == nullptr || !isOptionName(nameSpan) || !isLine(commentSpan)) return false;
+  if (model_->findOption(*currentSection_, name) != nullptr) return false;
+  OptionText text(nameSpan);
+  if (!takesValue(text, spanOf(value))) return false;
+  text.setComment(commentSpan);
+  if (std::strlen(text.data() + text.commentOffset()) != commentSpan.length()) return false;
+  model_->appendOption(*currentSection_, text);
+  return true;
+}
+
+bool VelClIniFile::setNewValue(const char* name, const char* value) {
+  VelClIniFileOption* const option =
+      currentSection_ != nullptr ? model_->findOption(*currentSection_, name) : nullptr;
+  if (option == nullptr) return false;
+  OptionText text(spanOf(option->getName()));
+  if (!takesValue(text, spanOf(value))) return false;
+  text.setComment(spanOf(option->getComment()));
+  model_->replaceText(*option, text);
+  return true;
+}
+
+bool VelClIniFile::deleteOption(const char* name) {
+  VelClIniFileOption* const option =
+      currentSection_ != nullptr ? model_->findOption(*currentSection_, name) : nullptr;
+  if (option == nullptr) return false;
+  model_->deleteOption(*currentSection_, *option);
+  return true;
+}

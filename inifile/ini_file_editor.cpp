@@ -1,0 +1,90 @@
+// An INI file under edit: reading and writing it. Changes are edited_text.cpp's work.
+#include "foundation/allocator.h"
+#include "inifile/edited_text.h"
+#include "inifile/file_output.h"
+#include "platform/byte_files.h"
+#include "vel_include/vel_inifile.h"
+
+#include <utility>
+
+using vel::String;
+using vel::inifile::EditedText;
+
+namespace {
+
+const char* textOrEmpty(const char* text) {
+  return text != nullptr ? text : "";
+}
+
+bool readAll(int descriptor, String& bytes) {
+  constexpr std::size_t kStep = std::size_t{256} * 1024;
+  for (;;) {
+    const std::size_t size = bytes.size();
+    bytes.resize(size + kStep);
+    const std::int64_t count = vel::platform::readBytes(descriptor, bytes.data() + size, kStep);
+    bytes.resize(size + (count > 0 ? static_cast<std::size_t>(count) : 0));
+    if (count <= 0) return count == 0;
+  }
+}
+
+}  // namespace
+
+VelClIniFileEditor::VelClIniFileEditor(const VelClFilenameABase& name)
+    : VelClFile(name, ".INI"), text_(vel::create<EditedText>()) {}
+
+VelClIniFileEditor::~VelClIniFileEditor() {
+  vel::destroy(text_);
+}
+
+bool VelClIniFileEditor::load(bool allowContinuation) {
+  struct OpenFile {
+    int descriptor;
+    ~OpenFile() {
+      if (descriptor >= 0) vel::platform::closeDescriptor(descriptor);
+    }
+  };
+  const OpenFile file{vel::platform::openForReading(getAsCString())};
+  String bytes;
+  if (file.descriptor < 0 || !readAll(file.descriptor, bytes)) return false;
+  text_->take(std::move(bytes), allowContinuation);
+  return true;
+}
+
+void VelClIniFileEditor::loadFromBuffer(const char* buffer, size_t size, bool allowContinuation) {
+  text_->take(String(buffer, size), allowContinuation);
+}
+
+bool VelClIniFileEditor::setValue(const char* section, const char* option, const char* value) {
+  return text_->setValue(textOrEmpty(section), textOrEmpty(option), textOrEmpty(value));
+}
+
+bool VelClIniFileEditor::addSection(const char* name) {
+  return text_->addSection(textOrEmpty(name));
+}
+
+bool VelClIniFileEditor::deleteOption(const char* section, const char* option) {
+  return text_->deleteOption(textOrEmpty(section), textOrEmpty(option));
+}
+
+bool VelClIniFileEditor::deleteSection(const char* name) {
+  return text_->deleteSection(textOrEmpty(name));
+}
+
+const char* VelClIniFileEditor::getText() const {
+  return text_->text().c_str();
+}
+
+size_t VelClIniFileEditor::getLength() const {
+  return text_->text().size();
+}
+
+const VelClIniFile& VelClIniFileEditor::getIniFile() const {
+  return text_->model();
+}
+
+bool VelClIniFileEditor::save() {
+  vel::inifile::FileOutput output;
+  if (!output.open(getAsCString())) return false;
+  output.write(getText(), static_cast<std::streamsize>(getLength()));
+  return output.close();
+}

@@ -1,0 +1,276 @@
+// Cursors, changes to the model, and what saving writes.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "inifile/test/ini_fixture.h"
+#include "platform/test/scratch_directory.h"
+#include "vel_include/vel.h"
+
+using namespace std::string_literals;
+using vel::test::loadText;
+using vel::test::readFile;
+using vel::test::ScratchDirectory;
+using vel::test::shown;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string saved(VelClIniFileSave& file) {
+  std::ostringstream stream;
+  EXPECT_TRUE(file.save(stream));
+  return stream.str();
+}
+
+TEST(IniSave, WritesTheModel) {
+  struct Row {
+    const char* text;
+    const char* saved;
+  };
+  const Row rows[] = {
+      {"", ""},
+      {"; c\n[A]\nx=1;c \n\n[B]\n", "\n[A]\nx\t= 1\t; c \n\n[B]\n"},
+      {"[]\nx=1\n[A]\n=1\ny=\nz='\\x00'", "\n[A]\n"},
+      {"[A]\nx=\"a;b\"\ny=\" q \"", "\n[A]\nx\t= \"a;b\"\ny\t=  q \n"},
+      {R"([A]
+x="\a\b\t\n\v\f\r\\;\x1b\x7f\"")",
+       "\n[A]\nx\t= \"\\a\\b\\t\\n\\v\\f\\r\\\\;\\x1b\\x7f\"\"\n"},
+      {"[A]\nx=D:\\a \"\\\\\" ;c", "\n[A]\nx\t= D:\\a \\\t; c\n"},
+      {"[A]\nx=a\n b ;d", "\n[A]\nx\t= ab\t; d\n"},
+  };
+  for (const Row& row : rows) {
+    VelClIniFileSave file("unused");
+    loadText(file, row.text);
+    EXPECT_EQ(saved(file), row.saved) << row.text;
+  }
+}
+
+/// Lines of a derived class.
+class Lines : public VelClIniFileSave {
+ public:
+  Lines() : VelClIniFileSave("unused") {}
+  std::string write() const {
+    std::ostringstream stream;
+    stream.width(9);
+    stream << std::hex;
+    EXPECT_TRUE(saveSection(stream, "S", "c") && saveComment(stream, nullptr) && saveComment(stream, "d"));
+    EXPECT_TRUE(saveOption(stream, "i", -5, "c") && saveOption(stream, "u", 4294967295U, ""));
+    EXPECT_TRUE(saveOption(stream, "l", -2147483647L, nullptr) && saveOption(stream, "m", 255UL, "c"));
+    EXPECT_TRUE(saveOption(stream, "c", ';', "c") && saveOption(stream, "n", '\n', nullptr));
+    EXPECT_TRUE(saveOption(stream, "e", "", "c") && saveOption(stream, "e", nullptr, "c"));
+    EXPECT_TRUE(saveOptionBool(stream, "t", true, nullptr) && saveOptionBool(stream, "f", false, "c"));
+    return stream.str();
+  }
+};
+
+TEST(IniSave, WritesSingleLines) {
+  EXPECT_EQ(Lines().write(),
+            "\n[S]\t; c\n\n\t; d\ni\t= -5\t; c\nu\t= 4294967295\nl\t= -2147483647\nm\t= 255\t; c\n"
+            "c\t= ';'\t; c\nn\t= '\\n'\nt\t= ON\nf\t= OFF\t; c\n");
+}
+
+TEST(IniSave, KeepsWhatItPromises) {
+  // Without quotes, "$(" and white space at the ends; a letter follows every control character.
+  constexpr const char* kPieces[] = {"a",   "Z",  "\\",    "=",        "]",   "\x1Bg",
+                                     "\tx", ";y", "\x7Fz", "\xC3\xA4", "b  c"};
+  std::mt19937 numbers(4711);
+  const auto text = [&] {
+    std::string made = "v";
+    for (auto count = numbers() % 12; count > 0; --count) made += kPieces[numbers() % std::size(kPieces)];
+    return made;
+  };
+  for (int round = 0; round < 300; ++round) {
+    VelClIniFileSave file("unused");
+    for (auto sections = numbers() % 5; sections > 0; --sections) {
+      file.addSection(("s" + std::to_string(sections)).c_str());
+      for (auto options = numbers() % 12; options > 0; --options)
+        EXPECT_TRUE(file.addOption(("o" + std::to_string(options)).c_str(), text().c_str(), "c"));
+    }
+    VelClIniFileSave again("unused");
+    loadText(again, saved(file));
+    EXPECT_EQ(shown(again), shown(file));
+    EXPECT_EQ(saved(again), saved(file));
+  }
+}
+
+TEST(IniSave, ReplacesTheWholeFile) {
+  const ScratchDirectory directory;
+  const std::string path = directory.write("a.INI", "[A]\nx=1 ; old\n");
+  VelClIniFileSave file(VelClFilename(directory.path("a").c_str()));
+  ASSERT_TRUE(file.load(true));
+  EXPECT_TRUE(file.save());
+  EXPECT_EQ(readFile(path), "\n[A]\nx\t= 1\t; old\n");
+  EXPECT_TRUE(file.getSection("A") && file.setNewValue("x", std::string(1000, 'v').c_str()));
+  for (int i = 0; i < 200; ++i)
+    EXPECT_TRUE(file.addOption(("o" + std::to_string(i)).c_str(), std::string(1000, 'w').c_str()));
+  EXPECT_TRUE(file.save());
+  VelClIniFileSave again(path.c_str());
+  EXPECT_TRUE(again.load(false));
+  EXPECT_EQ(shown(again), shown(file));
+  // What cannot be written stays as it is.
+  file.setReadOnly(true);
+  EXPECT_TRUE(again.deleteSection("A"));
+  EXPECT_FALSE(again.save());
+  file.setReadOnly(false);
+  EXPECT_GT(fs::file_size(path), 200'000U);
+  EXPECT_FALSE(VelClIniFileSave(directory.path("none/a.ini").c_str()).save());
+  fs::create_directory(directory.path("d.ini"));
+  EXPECT_FALSE(VelClIniFileSave(directory.path("d.ini").c_str()).save());
+  // Behind a save to a stream there is no file of its own.
+  saved(again);
+  EXPECT_FALSE(again.save());
+  EXPECT_EQ(std::distance(fs::directory_iterator(directory.path()), fs::directory_iterator()), 2);
+  std::ostringstream failed;
+  failed.setstate(std::ios::badbit);
+  EXPECT_FALSE(again.save(failed));
+}
+
+TEST(IniEditing, KeepsTheModel) {
+  VelClIniFile file("unused");
+  EXPECT_FALSE(file.addOption("x", "1") || file.setNewValue("x", "1") || file.deleteOption("x"));
+  EXPECT_TRUE(file.addSection("A"));
+  EXPECT_TRUE(file.addOption("x", "1", "c") && file.addOption("y", nullptr));
+  EXPECT_TRUE(file.addSection("B") && file.addOption("z", "3"));
+  EXPECT_FALSE(file.addSection("a"));
+  EXPECT_FALSE(file.addOption("X", "2"));
+  EXPECT_TRUE(file.setNewValue("X", std::string(1000, 'v').c_str()));
+  EXPECT_FALSE(file.setNewValue("x", std::string(1022, 'v').c_str()));
+  EXPECT_TRUE(file.setNewValue("x", "2"));
+  EXPECT_EQ(shown(file), "[A]x=2;c|y=|[B]z=3|");
+  for (const char* name : {"", "a b", "a=", "[a", ";a", "a\n"})
+    EXPECT_FALSE(file.addOption(name, "1")) << name;
+  for (const char* name : {"", "a]", "a\nb"}) EXPECT_FALSE(file.addSection(name)) << name;
+  EXPECT_FALSE(file.addOption("n", "1", "a\nb") || file.addOption(std::string(1023, 'n').c_str(), ""));
+  EXPECT_TRUE(file.deleteOption("Y"));
+  EXPECT_FALSE(file.deleteOption("Y"));
+  EXPECT_TRUE(file.addOption("last", "4"));
+  EXPECT_TRUE(file.deleteSection("b"));
+  EXPECT_TRUE(file.addSection("C"));
+  EXPECT_EQ(shown(file), "[A]x=2;c|last=4|[C]");
+  EXPECT_NE(file.getExistingSection("a"), nullptr);
+  EXPECT_TRUE(file.deleteSection("C"));
+  EXPECT_FALSE(file.addOption("x", "1"));
+  EXPECT_EQ(file.getExistingSection("c"), nullptr);
+}
+
+/// Long lists of names that repeat, changed at random, against plain lists.
+TEST(IniEditing, FindsTheFirstOfANameAfterEveryChange) {
+  std::mt19937 numbers(4711);
+  std::string text = "[A]\n";
+  std::vector<std::pair<std::string, int>> options;
+  for (int i = 0; i < 400; ++i) {
+    const std::string name = "n" + std::to_string(numbers() % 150);
+    options.emplace_back(name, i);
+    text += name + "=" + std::to_string(i) + "\n";
+  }
+  VelClIniFile file("unused");
+  loadText(file, text);
+  ASSERT_TRUE(file.getSection("A"));
+  for (int i = 400; i < 3000; ++i) {
+    const std::string name = "n" + std::to_string(numbers() % 150);
+    const auto found = std::find_if(options.begin(), options.end(), [&](auto& o) { return o.first == name; });
+    int value = -1;
+    EXPECT_EQ(file.getOption(name.c_str(), value), found != options.end());
+    EXPECT_EQ(value, found != options.end() ? found->second : -1);
+    const bool adds = numbers() % 3 == 0;
+    EXPECT_EQ(
+        adds ? file.addOption(name.c_str(), std::to_string(i).c_str()) : file.deleteOption(name.c_str()),
+        adds == (found == options.end()));
+    if (adds && found == options.end()) options.emplace_back(name, i);
+    if (!adds && found != options.end()) options.erase(found);
+  }
+}
+
+TEST(IniCursors, StandOnlyOnWhatExists) {
+  auto file = std::make_unique<VelClIniFile>("unused");
+  loadText(*file, "[A]\nx=1\n[B]\ny=on ;c\nz='q'\n[b]\n");
+  VelClIniFileSectionCursor section(*file);
+  EXPECT_FALSE(section.isValid() || section.setToNext() || section.matches(""));
+  EXPECT_STREQ(section.getSection(), "");
+  EXPECT_TRUE(section.setTo("b") && section.matches("b"));
+  EXPECT_STREQ(section.getSection(), "B");
+  EXPECT_TRUE(section.setToNext() && section.setTo("B"));
+  // It stays where it is: the second of the name.
+  EXPECT_STREQ(section.getSection(), "b");
+  EXPECT_FALSE(section.setToNext());
+  EXPECT_FALSE(section.setTo("c"));
+  EXPECT_TRUE(section.setTo("B"));
+  VelClIniFileOptionCursor option(section);
+  EXPECT_FALSE(option.isValid() || option.getValueBool());
+  EXPECT_TRUE(option.setTo("Z"));
+  char c = 0;
+  EXPECT_TRUE(option.getValue(c));
+  EXPECT_EQ(c, 'q');
+  EXPECT_TRUE(option.setToFirst() && option.getValueBool());
+  EXPECT_STREQ(option.getComment(), "c");
+  VelClIniFileOptionCursor copy(option);
+  VelClIniFileOptionCursor other(*file, "A");
+  EXPECT_TRUE(other.setToFirst());
+  EXPECT_FALSE(VelClIniFileOptionCursor(*file, "none").setToFirst());
+  // What a cursor stands on is deleted: first an option, then a section, then the file.
+  EXPECT_TRUE(file->getSection("B") && file->deleteOption("y"));
+  EXPECT_FALSE(option.isValid() || copy.isValid() || option.setToNext());
+  EXPECT_STREQ(option.getValue(), "");
+  EXPECT_TRUE(option.setToFirst() && option.matches("z"));
+  EXPECT_TRUE(file->deleteSection("B"));
+  EXPECT_FALSE(option.isValid() || option.setToFirst() || option.setTo("z") || section.isValid());
+  copy = other;
+  EXPECT_TRUE(copy.isValid() && section.setToFirst());
+  file.reset();
+  EXPECT_FALSE(copy.isValid() || other.setToFirst() || section.setToFirst() || section.setTo("A"));
+}
+
+long liveBlocks = 0;
+int untilFailure = 0;
+
+void* countingMalloc(size_t size) {
+  if (untilFailure > 0 && --untilFailure == 0) return nullptr;
+  ++liveBlocks;
+  return std::malloc(size);
+}
+void countingFree(void* block) {
+  if (block != nullptr) --liveBlocks;
+  std::free(block);
+}
+
+TEST(IniEditing, BearsMissingMemory) {
+  std::string text;
+  for (int i = 0; i < 300; ++i)
+    text += "[s" + std::to_string(i) + "]\nx=" + std::string(200, 'v') + "\n " + std::string(300, 'w') + "\n";
+  for (int i = 0; i < 40; ++i) text += "o" + std::to_string(i) + "=1\n";
+  velSetNewMemoryManager(countingMalloc, nullptr, countingFree);
+  int failures = 0;
+  for (bool failed = true; failed; ++failures) {
+    untilFailure = failures + 1;
+    failed = false;
+    try {
+      VelClIniFileSave file("unused");
+      try {
+        loadText(file, text, false);
+        EXPECT_TRUE(file.getSection("s299") && file.addOption("o40", "1") && file.addSection("new"));
+      } catch (const VelClExceptionFatal& exception) {
+        EXPECT_EQ(exception.getId(), static_cast<unsigned long>(MEMMGR_USER_OUT_OF_MEMORY));
+        failed = true;
+      }
+      // The model is whole, and the same work can be done.
+      EXPECT_TRUE(!failed || text.starts_with("[s0]"));
+      loadText(file, text, false);
+      EXPECT_TRUE(file.getSection("s299"));
+      EXPECT_NE(file.getExistingOption(*file.getExistingSection("s299"), "o39"), nullptr);
+    } catch (const VelClExceptionFatal&) {
+      failed = true;
+    }
+    EXPECT_EQ(liveBlocks, 0);
+  }
+  untilFailure = 0;
+  velSetNewMemoryManager(std::malloc, nullptr, std::free);
+  EXPECT_GT(failures, 10);
+}
+
+}  // namespace

@@ -1,0 +1,61 @@
+// Values in the form of a file's lines, with every character that means something escaped.
+#include "inifile/value_writer.h"
+
+#include <cstring>
+
+#include "foundation/ascii.h"
+#include "inifile/text_rules.h"
+
+namespace vel::inifile {
+
+namespace {
+
+bool needsQuotes(const char* value) noexcept {
+  const std::size_t length = std::strlen(value);
+  if (length == 0) return false;
+  if (isSpace(value[0]) || isSpace(value[length - 1])) return true;
+  for (const char* c = value; *c != '\0'; ++c)
+    if (isControl(*c) || std::strchr(";\"'", *c) != nullptr || (c[0] == '$' && c[1] == '(')) return true;
+  return false;
+}
+
+bool isHexDigit(char c) noexcept {
+  return isAsciiDigit(c) || (toAsciiUpper(c) >= 'A' && toAsciiUpper(c) <= 'F');
+}
+
+/// A digit behind the number would belong to it, so the string is begun anew.
+void writeNumber(String& out, char c, char next) {
+  constexpr const char* kDigits = "0123456789abcdef";
+  const auto byte = static_cast<unsigned char>(c);
+  out += "\\x";
+  out += kDigits[byte / 16];
+  out += kDigits[byte % 16];
+  if (isHexDigit(next)) out += "\"\"";
+}
+
+void writeQuoted(String& out, char c, char next) {
+  constexpr const char* kNamed = "\a\b\t\n\v\f\r\\\"";
+  constexpr const char* kNames = "abtnvfr\\\"";
+  if (const char* const named = std::strchr(kNamed, c); named != nullptr) {
+    out += '\\';
+    out += kNames[named - kNamed];
+  } else if (isControl(c)) {
+    writeNumber(out, c, next);
+  } else {
+    out += c;
+  }
+}
+
+}  // namespace
+
+void writeValue(String& out, const char* value, bool quoted) {
+  if (!quoted && !needsQuotes(value)) {
+    out += value;
+    return;
+  }
+  out += '"';
+  for (; *value != '\0'; ++value) writeQuoted(out, value[0], value[1]);
+  out += '"';
+}
+
+}  // namespace vel::inifile

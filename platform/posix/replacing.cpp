@@ -1,0 +1,108 @@
+// Replacing a file by another one written beside it.
+#include <fcntl.h>
+#include <limits.h>
+#include <stdio.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/platform.h"
+#include "platform/posix/native_path.h"
+
+namespace vel::platform {
+
+namespace {
+
+constexpr mode_t kPermissionBits = 07777;
+constexpr mode_t kWriteBits = 0222;
+constexpr int kMostNames = 100;
+
+static_assert(sizeof(Replacement::target) > PATH_MAX);
+
+int openRetrying(const char* path, int flags, mode_t mode) noexcept {
+  int descriptor = -1;
+  do descriptor = open(path, flags | O_CLOEXEC | O_NOCTTY, mode);
+  while (descriptor < 0 && errno == EINTR);
+  return descriptor;
+}
+
+/// A name of no more than 20 characters in the target's directory.
+bool drawName(Replacement& replacement, int attempt) noexcept {
+  const char* const separator = std::strrchr(replacement.target, '/');
+  const int directory = separator != nullptr ? static_cast<int>(separator - replacement.target) + 1 : 0;
+  const int length =
+      snprintf(replacement.temporary, sizeof replacement.temporary, "%.*s~%08x%02x.tmp", directory,
+               replacement.target, static_cast<unsigned int>(getpid()), static_cast<unsigned int>(attempt));
+  return length > 0 && static_cast<std::size_t>(length) < sizeof replacement.temporary;
+}
+
+SystemError openBeside(Replacement& replacement, mode_t mode) noexcept {
+  for (int attempt = 0; attempt < kMostNames; ++attempt) {
+    if (!drawName(replacement, attempt)) return ENAMETOOLONG;
+    replacement.descriptor = openRetrying(replacement.temporary, O_WRONLY | O_CREAT | O_EXCL, mode);
+    if (replacement.descriptor >= 0) return 0;
+    if (errno != EEXIST) return errno;
+  }
+  return EEXIST;
+}
+
+/// Devices and pipes cannot be replaced; a pipe without reader is a failure and nothing to wait for.
+SystemError openItself(Replacement& replacement) noexcept {
+  replacement.temporary[0] = '\0';
+  replacement.descriptor = openRetrying(replacement.target, O_WRONLY | O_NONBLOCK, 0);
+  if (replacement.descriptor < 0) return errno;
+  const int flags = fcntl(replacement.descriptor, F_GETFL);
+  return fcntl(replacement.descriptor, F_SETFL, flags & ~O_NONBLOCK) == 0 ? 0 : errno;
+}
+
+SystemError startBesideExisting(Replacement& replacement, const struct stat& old) noexcept {
+  // The superuser may write to everything, but must not do so by mistake.
+  if ((old.st_mode & kWriteBits) == 0 || access(replacement.target, W_OK) != 0) return EACCES;
+  if (const SystemError error = openBeside(replacement, S_IRUSR | S_IWUSR); error != 0) return error;
+  // Only the superuser can give files away. The group counts more than nothing.
+  if (fchown(replacement.descriptor, old.st_uid, old.st_gid) != 0)
+    static_cast<void>(fchown(replacement.descriptor, static_cast<uid_t>(-1), old.st_gid) == 0);
+  static_cast<void>(fchmod(replacement.descriptor, old.st_mode & kPermissionBits));
+  return 0;
+}
+
+}  // namespace
+
+SystemError startReplacement(const char* name, Replacement& replacement) noexcept {
+  const NativePath path(name);
+  if (!path.fits() || std::strlen(path.get()) >= sizeof replacement.target) return ENAMETOOLONG;
+  replacement.descriptor = -1;
+  char resolved[PATH_MAX];
+  const bool exists = realpath(path.get(), resolved) != nullptr;
+  if (!exists && errno != ENOENT) return errno;
+  std::strcpy(replacement.target, exists ? resolved : path.get());
+  struct stat old;
+  if (!exists || stat(resolved, &old) != 0)
+    return openBeside(replacement, S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH);
+  if (S_ISDIR(old.st_mode)) return EISDIR;
+  return S_ISREG(old.st_mode) ? startBesideExisting(replacement, old) : openItself(replacement);
+}
+
+SystemError finishReplacement(Replacement& replacement) noexcept {
+  const bool isBeside = replacement.temporary[0] != '\0';
+  // Not every file system can promise that it is stored.
+  const bool isStored = !isBeside || fsync(replacement.descriptor) == 0 || errno == EINVAL || errno == ENOSYS;
+  SystemError error = isStored ? 0 : errno;
+  if (close(replacement.descriptor) != 0 && error == 0 && errno != EINTR) error = errno;
+  replacement.descriptor = -1;
+  if (!isBeside) return error;
+  if (error == 0 && rename(replacement.temporary, replacement.target) != 0) error = errno;
+  if (error != 0) unlink(replacement.temporary);
+  return error;
+}
+
+void dropReplacement(Replacement& replacement) noexcept {
+  close(replacement.descriptor);
+  replacement.descriptor = -1;
+  if (replacement.temporary[0] != '\0') unlink(replacement.temporary);
+}
+
+}  // namespace vel::platform

@@ -1,0 +1,77 @@
+// Replaced files as this system shows them: permissions, links, devices, and what a failure leaves.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <string>
+
+#include "platform/byte_files.h"
+#include "platform/platform.h"
+#include "platform/test/scratch_directory.h"
+
+namespace vel::platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+using test::readFile;
+using test::ScratchDirectory;
+
+SystemError replaceWith(const std::string& name, const std::string& bytes) {
+  Replacement replacement;
+  if (const SystemError error = startReplacement(name.c_str(), replacement); error != 0) return error;
+  if (writeBytes(replacement.descriptor, bytes.data(), bytes.size())) return finishReplacement(replacement);
+  const SystemError error = errno;
+  dropReplacement(replacement);
+  return error;
+}
+
+std::size_t entriesIn(const std::string& directory) {
+  return static_cast<std::size_t>(std::distance(fs::directory_iterator(directory), fs::directory_iterator()));
+}
+
+TEST(Replacing, KeepsPermissionsAndLinks) {
+  const ScratchDirectory scratch;
+  const std::string file = scratch.write("deep/file", "old");
+  fs::permissions(file, fs::perms(0640));
+  fs::create_symlink("deep/file", scratch.path("link"));
+  EXPECT_EQ(replaceWith(scratch.path("link"), "new"), 0);
+  EXPECT_EQ(readFile(file), "new");
+  EXPECT_TRUE(fs::is_symlink(scratch.path("link")));
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms(0640));
+  EXPECT_EQ(entriesIn(scratch.path("deep")), 1U);
+  const mode_t before = umask(027);
+  EXPECT_EQ(replaceWith(scratch.path("created"), "x"), 0);
+  umask(before);
+  EXPECT_EQ(fs::status(scratch.path("created")).permissions(), fs::perms(0640));
+  fs::permissions(file, fs::perms(0440));
+  EXPECT_EQ(replaceWith(file, "x"), EACCES);
+  EXPECT_EQ(replaceWith(scratch.path(), "x"), EISDIR);
+  EXPECT_EQ(replaceWith(scratch.path("none/x"), "x"), ENOENT);
+}
+
+TEST(Replacing, LeavesTheOldFileWhenThereIsNoRoom) {
+  const ScratchDirectory scratch;
+  const std::string file = scratch.write("file", "old");
+  rlimit limit{};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  const rlimit small{1000, limit.rlim_max};
+  const auto before = signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &small);
+  const SystemError error = replaceWith(file, std::string(5000, 'x'));
+  setrlimit(RLIMIT_FSIZE, &limit);
+  signal(SIGXFSZ, before);
+  EXPECT_EQ(error, EFBIG);
+  EXPECT_EQ(readFile(file), "old");
+  EXPECT_EQ(entriesIn(scratch.path()), 1U);
+  EXPECT_EQ(replaceWith("/dev/full", "x"), ENOSPC);
+  EXPECT_EQ(replaceWith("/dev/null", "x"), 0);
+}
+
+}  // namespace
+
+}  // namespace vel::platform

@@ -1,0 +1,83 @@
+// Replacing a file by another one written beside it.
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+#include "platform/platform.h"
+#include "platform/windows/system_errors.h"
+
+namespace vel::platform {
+
+namespace {
+
+constexpr int kMostNames = 100;
+
+/// A name of no more than 20 characters in the target's directory.
+bool drawName(Replacement& replacement, int attempt) noexcept {
+  const char* const separator = std::strrchr(replacement.target, '\\');
+  const int directory = separator != nullptr ? static_cast<int>(separator - replacement.target) + 1 : 0;
+  const int length =
+      std::snprintf(replacement.temporary, sizeof replacement.temporary, "%.*s~%08lx%02x.tmp", directory,
+                    replacement.target, GetCurrentProcessId(), static_cast<unsigned int>(attempt));
+  return length > 0 && static_cast<std::size_t>(length) < sizeof replacement.temporary;
+}
+
+SystemError openBeside(Replacement& replacement) noexcept {
+  for (int attempt = 0; attempt < kMostNames; ++attempt) {
+    if (!drawName(replacement, attempt)) return ENAMETOOLONG;
+    replacement.descriptor =
+        _open(replacement.temporary, _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT,
+              _S_IREAD | _S_IWRITE);
+    if (replacement.descriptor >= 0) return 0;
+    if (errno != EEXIST) return errno;
+  }
+  return EEXIST;
+}
+
+/// The first way keeps attributes and access rights; the second takes a target that appeared or went
+/// meanwhile.
+SystemError moveIntoPlace(const Replacement& replacement) noexcept {
+  if (ReplaceFileA(replacement.target, replacement.temporary, nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
+                   nullptr, nullptr) != FALSE)
+    return 0;
+  constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+  return MoveFileExA(replacement.temporary, replacement.target, kFlags) != FALSE ? 0
+                                                                                 : errnoOf(GetLastError());
+}
+
+}  // namespace
+
+SystemError startReplacement(const char* name, Replacement& replacement) noexcept {
+  replacement.descriptor = -1;
+  const DWORD length = GetFullPathNameA(name, sizeof replacement.target, replacement.target, nullptr);
+  if (length == 0) return errnoOf(GetLastError());
+  if (length >= sizeof replacement.target) return ENAMETOOLONG;
+  const DWORD attributes = GetFileAttributesA(replacement.target);
+  constexpr DWORD kUnwritable = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY;
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & kUnwritable) != 0) return EACCES;
+  return openBeside(replacement);
+}
+
+SystemError finishReplacement(Replacement& replacement) noexcept {
+  SystemError error = _commit(replacement.descriptor) == 0 ? 0 : errno;
+  if (_close(replacement.descriptor) != 0 && error == 0) error = errno;
+  replacement.descriptor = -1;
+  if (error == 0) error = moveIntoPlace(replacement);
+  if (error != 0) _unlink(replacement.temporary);
+  return error;
+}
+
+void dropReplacement(Replacement& replacement) noexcept {
+  _close(replacement.descriptor);
+  replacement.descriptor = -1;
+  _unlink(replacement.temporary);
+}
+
+}  // namespace vel::platform
