@@ -1,0 +1,212 @@
+// Plain text, INI lines, shell assignments and JSON.
+#include "tools/velini/forms.h"
+
+#include <cstdint>
+#include <cstring>
+#include <iterator>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+namespace vel::velini {
+
+namespace {
+
+using Section = VelClIniFileSection;
+using Option = VelClIniFileOption;
+
+/// Lends the lines of a saved file.
+class Lines : public VelClIniFileSave {
+ public:
+  Lines() : VelClIniFileSave("") {}
+  using VelClIniFileSave::saveOption;
+  using VelClIniFileSave::saveSection;
+};
+
+/// Whether a question by name finds this one.
+bool isFirst(const VelClIniFile& file, const Section& section) {
+  return file.getExistingSection(section.getName()) == &section;
+}
+bool isFirst(const VelClIniFile& file, const Section& section, const Option& option) {
+  return file.getExistingOption(section, option.getName()) == &option;
+}
+
+std::string escaped(const char* text) {
+  constexpr std::string_view kSpecial = "\n\t\r\\";
+  constexpr std::string_view kNames = "ntr\\";
+  std::string result;
+  for (; *text != '\0'; ++text) {
+    const std::size_t found = kSpecial.find(*text);
+    if (found != std::string_view::npos) result += '\\';
+    result += found != std::string_view::npos ? kNames[found] : *text;
+  }
+  return result;
+}
+
+std::string shellName(const std::string& text) {
+  std::string name;
+  for (const char c : text) {
+    const bool isPlain = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    name += isPlain ? c : '_';
+  }
+  return name.empty() || (name[0] >= '0' && name[0] <= '9') ? "_" + name : name;
+}
+
+std::string shellQuoted(const char* text) {
+  std::string quoted = "'";
+  for (; *text != '\0'; ++text) quoted += *text == '\'' ? std::string("'\\''") : std::string(1, *text);
+  return quoted + "'";
+}
+
+/// How many bytes the UTF-8 character at the start has, 0 when there is none.
+std::size_t utf8Length(std::string_view text) {
+  const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned char lead = byte(0);
+  if (lead < 0x80) return 1;
+  const std::size_t length = lead >= 0xF0 ? 4U : lead >= 0xE0 ? 3U : 2U;
+  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return 0;
+  for (std::size_t i = 1; i < length; ++i)
+    if ((byte(i) & 0xC0) != 0x80) return 0;
+  // Neither a longer form than needed, nor half a pair, nor beyond the last character.
+  const bool isWrong = (lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xED && byte(1) > 0x9F) ||
+                       (lead == 0xF0 && byte(1) < 0x90) || (lead == 0xF4 && byte(1) > 0x8F);
+  return isWrong ? 0 : length;
+}
+
+void addUnit(std::string& json, unsigned char byte) {
+  constexpr const char* kDigits = "0123456789abcdef";
+  json += "\\u00";
+  json += kDigits[byte / 16];
+  json += kDigits[byte % 16];
+}
+
+/// A byte that belongs to no UTF-8 character stands for the character of its number.
+std::string jsonText(std::string_view text) {
+  std::string json = "\"";
+  while (!text.empty()) {
+    const std::size_t length = utf8Length(text);
+    const char c = text[0];
+    if (c == '"' || c == '\\') json += '\\';
+    if (length == 0 || static_cast<unsigned char>(c) < 0x20)
+      addUnit(json, static_cast<unsigned char>(c));
+    else
+      json += text.substr(0, length);
+    text.remove_prefix(length == 0 ? 1 : length);
+  }
+  return json + "\"";
+}
+
+void writeShell(std::ostream& out, const std::string& prefix, const Option& option) {
+  out << shellName(prefix + option.getName()) << '=' << shellQuoted(option.getValue()) << '\n';
+}
+
+void writeJsonOptions(std::ostream& out, const VelClIniFile& file, const Section& section) {
+  const char* separator = "";
+  out << '{';
+  for (const Option* option = section.getFirstOption(); option != nullptr; option = option->getNext()) {
+    if (!isFirst(file, section, *option)) continue;
+    out << separator << jsonText(option->getName()) << ": " << jsonText(option->getValue());
+    separator = ", ";
+  }
+  out << '}';
+}
+
+void writeJson(std::ostream& out, const VelClIniFile& file) {
+  const char* separator = "\n";
+  out << '{';
+  for (const Section* section = file.getFirstSection(); section != nullptr; section = section->getNext()) {
+    if (!isFirst(file, *section)) continue;
+    out << separator << jsonText(section->getName()) << ": ";
+    writeJsonOptions(out, file, *section);
+    separator = ",\n";
+  }
+  out << "\n}\n";
+}
+
+void writeSection(std::ostream& out, Form form, const VelClIniFile& file, const Section& section,
+                  const std::string& prefix) {
+  const Lines lines;
+  if (form == Form::Ini) lines.saveSection(out, section.getName(), nullptr);
+  for (const Option* option = section.getFirstOption(); option != nullptr; option = option->getNext()) {
+    if (form == Form::Ini)
+      lines.saveOption(out, option->getName(), option->getValue(), option->getComment());
+    else if (form == Form::Plain)
+      out << escaped(section.getName()) << '\t' << escaped(option->getName()) << '\t'
+          << escaped(option->getValue()) << '\n';
+    else if (isFirst(file, section, *option))
+      writeShell(out, prefix, *option);
+  }
+}
+
+void writeName(std::ostream& out, Form form, const char* name) {
+  switch (form) {
+    case Form::Plain:
+      out << escaped(name) << '\n';
+      break;
+    case Form::Ini:
+      out << '[' << name << "]\n";
+      break;
+    case Form::Shell:
+      out << shellQuoted(name) << '\n';
+      break;
+    case Form::Json:
+      out << jsonText(name);
+      break;
+  }
+}
+
+}  // namespace
+
+bool parseForm(const char* name, Form& form) {
+  constexpr const char* kNames[] = {"plain", "ini", "shell", "json"};
+  for (std::size_t i = 0; i < std::size(kNames); ++i) {
+    if (std::strcmp(name, kNames[i]) != 0) continue;
+    form = static_cast<Form>(i);
+    return true;
+  }
+  return false;
+}
+
+void writeValue(std::ostream& out, Form form, const Option& option) {
+  switch (form) {
+    case Form::Plain:
+      out << option.getValue() << '\n';
+      break;
+    case Form::Ini:
+      Lines().saveOption(out, option.getName(), option.getValue(), option.getComment());
+      break;
+    case Form::Shell:
+      writeShell(out, "", option);
+      break;
+    case Form::Json:
+      out << jsonText(option.getValue()) << '\n';
+      break;
+  }
+}
+
+void writeSections(std::ostream& out, Form form, const VelClIniFile& file) {
+  const bool isJson = form == Form::Json;
+  const char* separator = isJson ? "[" : "";
+  for (const Section* section = file.getFirstSection(); section != nullptr; section = section->getNext()) {
+    if (form != Form::Ini && form != Form::Plain && !isFirst(file, *section)) continue;
+    out << separator;
+    writeName(out, form, section->getName());
+    separator = isJson ? ", " : "";
+  }
+  if (isJson) out << (file.getFirstSection() == nullptr ? "[]\n" : "]\n");
+}
+
+void writeOptions(std::ostream& out, Form form, const VelClIniFile& file, const Section* only) {
+  if (form == Form::Json) {
+    if (only == nullptr) return writeJson(out, file);
+    writeJsonOptions(out, file, *only);
+    out << '\n';
+    return;
+  }
+  if (only != nullptr) return writeSection(out, form, file, *only, "");
+  for (const Section* section = file.getFirstSection(); section != nullptr; section = section->getNext())
+    if (form != Form::Shell || isFirst(file, *section))
+      writeSection(out, form, file, *section, std::string(section->getName()) + "_");
+}
+
+}  // namespace vel::velini

@@ -1,0 +1,234 @@
+// velini: reads, edits and checks INI files.
+#include <algorithm>
+#include <cstring>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "tools/standard_switches.h"
+#include "tools/velini/forms.h"
+#include "tools/velini/texts.h"
+#include "vel_include/vel_consoleui.h"
+#include "vel_include/vel_filesys.h"
+#include "vel_include/vel_inifile.h"
+
+namespace {
+
+using namespace vel::velini;
+
+constexpr int kExitNotFound = 1;
+constexpr int kExitNotRead = 2;
+constexpr int kExitNotWritten = 3;
+constexpr int kExitRefused = 4;
+constexpr int kStandardInput = 0;
+constexpr int kStandardOutput = 1;
+
+/// Stands for "-", which the switches' grammar takes for a switch without a name.
+constexpr const char* kStandardInputName = "standard input";
+
+/// The console user interface with the tool's own texts.
+class Tool : public VelClConsoleUI {
+ public:
+  Tool(int argc, const char* const* argv) : VelClConsoleUI(argc, argv), texts_(kTexts, kTextEnd) {}
+
+  const VelClMessageCatalog& getMessageCatalog() const override { return texts_; }
+  /// The exit code.
+  int run();
+
+ private:
+  std::string text(TextId id) const { return VelClMessage(texts_, id).getAsCString(); }
+  int report(int exitCode, TextId id, const char* argument = nullptr) const;
+  [[noreturn]] void refuse(TextId id) const;
+  void readSwitches();
+  bool read(VelClIniFileEditor& editor, const char* name) const;
+  int runTask(VelClIniFileEditor& editor);
+  int get(const VelClIniFile& file, const char* option) const;
+  int list(const VelClIniFile& file) const;
+  int edit(VelClIniFileEditor& editor) const;
+  int set(VelClIniFileEditor& editor, const char* assignment) const;
+  int merge(VelClIniFileEditor& editor, const char* name) const;
+  int check(const VelClIniFileEditor& editor) const;
+  int write(VelClIniFileEditor& editor) const;
+
+  VelClMessageCatalog texts_;
+  const char* file_ = nullptr;
+  const char* section_ = nullptr;
+  Form form_ = Form::Plain;
+  bool allowContinuation_ = true;
+};
+
+int Tool::report(int exitCode, TextId id, const char* argument) const {
+  error(std::cerr, text(id).c_str(), argument);
+  return exitCode;
+}
+
+/// A command line that the usage string alone cannot refuse.
+void Tool::refuse(TextId id) const {
+  report(0, id);
+  displayUsage(true);
+  processExit(CONUI_USAGE);
+}
+
+int Tool::run() {
+  setOutputStream(std::cerr);
+  init(kTitle, kDescription, nullptr, nullptr);
+  handleUsageHelp(kUsage, kHelp);
+  readSwitches();
+  VelClIniFileEditor editor(file_);
+  return read(editor, file_) ? runTask(editor) : report(kExitNotRead, kNotRead, file_);
+}
+
+void Tool::readSwitches() {
+  reqArgString("file", file_);
+  hasArgString("section", section_);
+  allowContinuation_ = !hasArgSwitch("nocontinue");
+  int tasks = 0;
+  for (const char* task : {"get", "set", "delete", "delsection", "list", "sections", "merge", "check"})
+    tasks += hasArgSwitch(task) ? 1 : 0;
+  if (tasks != 1) refuse(kOneTask);
+  for (const char* task : {"get", "set", "delete", "delsection"})
+    if (hasArgSwitch(task) && section_ == nullptr) refuse(kSectionNeeded);
+  const char* form = nullptr;
+  if (hasArgString("format", form) && !parseForm(form, form_)) refuse(kUnknownFormat);
+}
+
+bool Tool::read(VelClIniFileEditor& editor, const char* name) const {
+  if (name != kStandardInputName) {
+    if (editor.load(allowContinuation_)) return true;
+    // What is set or merged into a missing file makes it.
+    return name == file_ && (hasArgSwitch("set") || hasArgSwitch("merge")) && !editor.isExistent();
+  }
+  velFileSetBinaryMode(kStandardInput, true);
+  std::string bytes;
+  char buffer[4096];
+  while (std::cin.read(buffer, sizeof buffer), std::cin.gcount() > 0)
+    bytes.append(buffer, static_cast<std::size_t>(std::cin.gcount()));
+  editor.loadFromBuffer(bytes.data(), bytes.size(), allowContinuation_);
+  return !std::cin.bad();
+}
+
+int Tool::runTask(VelClIniFileEditor& editor) {
+  const char* option = nullptr;
+  if (hasArgString("get", option)) return get(editor.getIniFile(), option);
+  if (hasArgSwitch("list")) return list(editor.getIniFile());
+  if (hasArgSwitch("check")) return check(editor);
+  if (!hasArgSwitch("sections")) return edit(editor);
+  writeSections(std::cout, form_, editor.getIniFile());
+  return 0;
+}
+
+int Tool::get(const VelClIniFile& file, const char* option) const {
+  const VelClIniFileSection* const section = file.getExistingSection(section_);
+  const VelClIniFileOption* const found =
+      section != nullptr ? file.getExistingOption(*section, option) : nullptr;
+  if (found == nullptr) return report(kExitNotFound, kNotFound, option);
+  writeValue(std::cout, form_, *found);
+  return 0;
+}
+
+int Tool::list(const VelClIniFile& file) const {
+  const VelClIniFileSection* const only = section_ != nullptr ? file.getExistingSection(section_) : nullptr;
+  if (section_ != nullptr && only == nullptr) return report(kExitNotFound, kNotFound, section_);
+  writeOptions(std::cout, form_, file, only);
+  return 0;
+}
+
+int Tool::edit(VelClIniFileEditor& editor) const {
+  const char* value = nullptr;
+  if (hasArgString("set", value)) return set(editor, value);
+  if (hasArgString("merge", value)) return merge(editor, value);
+  const bool isOption = hasArgString("delete", value);
+  const VelClIniFileSection* const section = editor.getIniFile().getExistingSection(section_);
+  if (section == nullptr) return report(kExitNotFound, kNotFound, section_);
+  if (isOption && editor.getIniFile().getExistingOption(*section, value) == nullptr)
+    return report(kExitNotFound, kNotFound, value);
+  const bool isDone = isOption ? editor.deleteOption(section_, value) : editor.deleteSection(section_);
+  return isDone ? write(editor) : report(kExitRefused, kRefused, isOption ? value : section_);
+}
+
+int Tool::set(VelClIniFileEditor& editor, const char* assignment) const {
+  const char* const equalSign = std::strchr(assignment, '=');
+  if (equalSign == nullptr) refuse(kAssignmentExpected);
+  const std::string option(assignment, equalSign);
+  return editor.setValue(section_, option.c_str(), equalSign + 1)
+             ? write(editor)
+             : report(kExitRefused, kRefused, assignment);
+}
+
+int Tool::merge(VelClIniFileEditor& editor, const char* name) const {
+  VelClIniFileEditor other(name);
+  if (!read(other, name)) return report(kExitNotRead, kNotRead, name);
+  const VelClIniFile& file = other.getIniFile();
+  for (const auto* section = file.getFirstSection(); section != nullptr; section = section->getNext())
+    for (const auto* option = section->getFirstOption(); option != nullptr; option = option->getNext()) {
+      // Those that no question finds are left out.
+      if (file.getExistingSection(section->getName()) != section ||
+          file.getExistingOption(*section, option->getName()) != option)
+        continue;
+      if (!editor.setValue(section->getName(), option->getName(), option->getValue()))
+        return report(kExitRefused, kRefused, option->getName());
+    }
+  return write(editor);
+}
+
+struct SyntaxError {
+  unsigned long id;
+  unsigned int line;
+};
+
+bool keepError(const _VelStError& error, unsigned int line, void* errors) {
+  static_cast<std::vector<SyntaxError>*>(errors)->push_back({error.getErrorId(), line});
+  return true;
+}
+
+TextId textOf(const SyntaxError& error) {
+  if (error.id == INIFILE_INVAL_SECTION) return kNoClosingBracket;
+  return error.id == INIFILE_INVAL_OPTION ? kNoEqualSign : kNothingContinued;
+}
+
+int Tool::check(const VelClIniFileEditor& editor) const {
+  std::string lines;
+  for (const char* c = editor.getText(); c != editor.getText() + editor.getLength(); ++c)
+    if (c[0] != '\r' || c[1] != '\n') lines += *c;
+  std::vector<SyntaxError> errors;
+  VelClIniFile file(file_);
+  file.setErrorHandler(keepError, &errors);
+  file.loadFromBuffer(lines.data(), lines.size(), '\n', true, allowContinuation_);
+  for (const SyntaxError& error : errors)
+    std::cout << file_ << ':' << error.line << ": " << text(textOf(error)) << '\n';
+  const auto breaks = static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
+  const std::size_t lastBreak = lines.rfind('\n');
+  const std::size_t lastLength = lines.size() - (lastBreak == std::string::npos ? 0 : lastBreak + 1);
+  const bool isCut = file.getLineCount() <= breaks || lastLength > 1023;
+  if (isCut) std::cout << file_ << ':' << file.getLineCount() << ": " << text(kLineTooLong) << '\n';
+  return errors.empty() && !isCut ? 0 : kExitNotFound;
+}
+
+int Tool::write(VelClIniFileEditor& editor) const {
+  if (file_ == kStandardInputName)
+    std::cout.write(editor.getText(), static_cast<std::streamsize>(editor.getLength()));
+  else if (!editor.save())
+    return report(kExitNotWritten, kNotWritten, file_);
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  velFileSetBinaryMode(kStandardOutput, true);
+  const vel::tools::ToolTexts texts{"velini", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
+  if (vel::tools::answerStandardSwitches(argc, argv, texts)) return std::cout.good() ? 0 : kExitNotWritten;
+  std::vector<const char*> arguments(argv, argv + argc);
+  for (const char*& argument : arguments)
+    if (std::strcmp(argument, "-") == 0) argument = kStandardInputName;
+  Tool tool(argc, arguments.data());
+  int exitCode = 0;
+  try {
+    exitCode = tool.run();
+  } catch (const VelClException& exception) {
+    tool.exception(exception, kTexts[kTitle]);
+    tool.processExit(CONUI_USAGE);
+  }
+  std::cout.flush();
+  return std::cout.good() ? exitCode : kExitNotWritten;
+}
