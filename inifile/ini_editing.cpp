@@ -8,7 +8,6 @@
 
 using vel::inifile::isSpace;
 using vel::inifile::kMaxNameLength;
-using vel::inifile::Model;
 using vel::inifile::OptionText;
 using vel::inifile::Span;
 

@@ -1,6 +1,5 @@
 // Escapes and character literals in values, and values as numbers, characters and truth.
-#include <cctype>
-#include <charconv>
+#include <algorithm>
 #include <cstring>
 #include <limits>
 
@@ -21,26 +20,39 @@ char namedEscape(char c) noexcept {
   return found != nullptr ? kMeanings[found - kLetters] : '\0';
 }
 
-/// As many digits as follow, saturating at 31 bits, cut to a character; NUL when there is none.
-char readNumber(Span& text, int base) noexcept {
-  std::int32_t number = 0;
-  const auto [stop, error] = std::from_chars(text.begin, text.end, number, base);
-  // A sign is no digit.
-  if (text.first() == '-') return '\0';
-  text.begin = stop;
-  if (error == std::errc::result_out_of_range) number = std::numeric_limits<std::int32_t>::max();
-  return static_cast<char>(static_cast<unsigned char>(number));
+/// The value of a hexadecimal digit, or one that is too large for any base.
+constexpr unsigned int digitOf(char c) noexcept {
+  if (isAsciiDigit(c)) return static_cast<unsigned int>(c - '0');
+  const char upper = toAsciiUpper(c);
+  return upper >= 'A' && upper <= 'F' ? static_cast<unsigned int>(upper - 'A') + 10 : 16;
+}
+
+/// As many digits as follow; beyond 32 bits when the number is.
+std::uint64_t takeDigits(Span& text, unsigned int base) noexcept {
+  constexpr std::uint64_t kBeyond32Bits = std::uint64_t{1} << 32;
+  std::uint64_t number = 0;
+  for (; !text.isEmpty() && digitOf(*text.begin) < base; ++text.begin)
+    number = std::min(number * base + digitOf(*text.begin), kBeyond32Bits);
+  return number;
+}
+
+/// Saturates at 31 bits and is then cut to a character; NUL when there is no digit.
+char takeCharacterNumber(Span& text, unsigned int base) noexcept {
+  constexpr std::uint64_t kMost = std::numeric_limits<std::int32_t>::max();
+  return static_cast<char>(static_cast<unsigned char>(std::min(takeDigits(text, base), kMost)));
 }
 
 /// As strtoul with base 10, in 32 bits.
 std::uint32_t unsignedOf(const char* value) noexcept {
-  while (isSpace(*value)) ++value;
-  const bool isNegative = *value == '-';
-  if (isNegative || *value == '+') ++value;
-  std::uint32_t magnitude = 0;
-  const auto [stop, error] = std::from_chars(value, value + std::strlen(value), magnitude);
-  if (error == std::errc::result_out_of_range) return std::numeric_limits<std::uint32_t>::max();
-  return isNegative ? 0 - magnitude : magnitude;
+  constexpr std::uint64_t kMost = std::numeric_limits<std::uint32_t>::max();
+  Span text{value, value + std::strlen(value)};
+  text.skipSpace();
+  const bool isNegative = text.first() == '-';
+  if (isNegative || text.first() == '+') text.skip(1);
+  const std::uint64_t magnitude = takeDigits(text, 10);
+  if (magnitude > kMost) return kMost;
+  const auto number = static_cast<std::uint32_t>(magnitude);
+  return isNegative ? 0 - number : number;
 }
 
 }  // namespace
@@ -48,9 +60,9 @@ std::uint32_t unsignedOf(const char* value) noexcept {
 char readEscape(Span& text) noexcept {
   const char c = text.first();
   // "\8" and "\9" are no octal digits: NUL, with nothing consumed. Keep.
-  if (isAsciiDigit(c)) return readNumber(text, 8);
+  if (isAsciiDigit(c)) return takeCharacterNumber(text, 8);
   text.skip(1);
-  if (c == 'x') return readNumber(text, 16);
+  if (c == 'x') return takeCharacterNumber(text, 16);
   const char named = namedEscape(c);
   return named != '\0' ? named : c;
 }
