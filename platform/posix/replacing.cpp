@@ -78,7 +78,8 @@ SystemError startReplacement(const char* name, Replacement& replacement) noexcep
   char resolved[PATH_MAX];
   const bool exists = realpath(path.get(), resolved) != nullptr;
   if (!exists && errno != ENOENT) return errno;
-  std::strcpy(replacement.target, exists ? resolved : path.get());
+  const char* const target = exists ? resolved : path.get();
+  std::memcpy(replacement.target, target, std::strlen(target) + 1);
   struct stat old;
   if (!exists || stat(resolved, &old) != 0)
     return openBeside(replacement, S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH);

@@ -31,9 +31,12 @@ inline constexpr const char* kTexts[] = {
     "INI file tool",
     "reads, edits and checks INI files",
     "(-file <file>) [(-section <name>)]\n"
-    "[(-get <option>)] [(-set <assignment>)] [(-delete <option>)] [-delsection]\n"
-    "[-list] [-sections] [(-merge <file>)] [-check]\n"
-    "[(-format <form>)] [-nocontinue] ",
+    "[(-get <option>)]\n"
+    "[(-set <assignment>)]\n"
+    "[(-delete <option>)] [-delsection]\n"
+    "[-list] [-sections] [-check]\n"
+    "[(-merge <file>)]\n"
+    "[(-format <form>)] [-nocontinue]",
     "-file <file>        the INI file; without extension .INI is added; - is standard\n"
     "                    input, and what is edited goes to standard output then\n"
     "-section <name>     the section for -get, -set, -delete, -delsection and -list\n"
