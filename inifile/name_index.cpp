@@ -11,6 +11,20 @@ namespace vel::inifile {
 
 namespace {
 
+constexpr std::size_t kWord = sizeof(std::uint64_t);
+
+std::uint64_t wordAt(const char* text) noexcept {
+  std::uint64_t word = 0;
+  std::memcpy(&word, text, kWord);
+  return word;
+}
+
+std::uint64_t bytesAt(const char* text, std::size_t count) noexcept {
+  std::uint64_t bytes = 0;
+  for (std::size_t i = count; i > 0; --i) bytes = bytes << 8 | static_cast<unsigned char>(text[i - 1]);
+  return bytes;
+}
+
 /// Eight bytes with small ASCII letters.
 std::uint64_t lowerCased(std::uint64_t bytes) noexcept {
   constexpr std::uint64_t kEach = 0x0101010101010101;
@@ -43,9 +57,8 @@ std::uint32_t hashOf(const char* name) noexcept {
   std::uint64_t sum = seed + left;
   std::uint64_t key = seed;
   while (left != 0) {
-    const std::size_t step = std::min<std::size_t>(left, 8);
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, name, step);
+    const std::size_t step = std::min(left, kWord);
+    const std::uint64_t bytes = step == kWord ? wordAt(name) : bytesAt(name, step);
     key = key * 0xD1342543DE82EF95 + 0x2545F4914F6CDD1D;
     sum = std::rotl(sum, 29) + product(lowerCased(bytes), key);
     name += step;

@@ -57,6 +57,11 @@ class NameIndex {
     bool isRepeated;
   };
 
+  /// Most names are asked for as they are written.
+  static bool isSameName(const char* a, const char* b) noexcept {
+    return std::strcmp(a, b) == 0 || equalsIgnoringAsciiCase(a, b);
+  }
+
   static std::size_t sizeFor(std::size_t count) noexcept {
     std::size_t size = 16;
     while (count * 4 >= size * 3) size *= 2;
@@ -69,7 +74,7 @@ class NameIndex {
   std::size_t place(const char* name, std::uint32_t hash) const noexcept {
     std::size_t at = hash & (slots_.size() - 1);
     while (slots_[at].record != nullptr &&
-           (slots_[at].hash != hash || !equalsIgnoringAsciiCase(slots_[at].record->getName(), name)))
+           (slots_[at].hash != hash || !isSameName(slots_[at].record->getName(), name)))
       at = next(at);
     return at;
   }
