@@ -55,7 +55,10 @@ SystemError openItself(Replacement& replacement) noexcept {
   replacement.descriptor = openRetrying(replacement.target, O_WRONLY | O_NONBLOCK, 0);
   if (replacement.descriptor < 0) return errno;
   const int flags = fcntl(replacement.descriptor, F_GETFL);
-  return fcntl(replacement.descriptor, F_SETFL, flags & ~O_NONBLOCK) == 0 ? 0 : errno;
+  if (fcntl(replacement.descriptor, F_SETFL, flags & ~O_NONBLOCK) == 0) return 0;
+  const SystemError error = errno;
+  dropReplacement(replacement);
+  return error;
 }
 
 SystemError startBesideExisting(Replacement& replacement, const struct stat& old) noexcept {
