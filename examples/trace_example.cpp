@@ -55,8 +55,8 @@ void run() {
   const char* const here = "run";
   const VelClTraceFunction function(VelEnTraceDetail::LOW, kGeneral, here);
   static const char large[5000] = "longer than the smallest ring";
-  velTraceDump(VelEnTraceDetail::OFF, kGeneral, VelEnTraceDataType::NO_DATA, here, "started, 100% of 2 files",
-               "", 0);
+  velTraceDump(VelEnTraceDetail::OFF, kGeneral, VelEnTraceDataType::DATA_NONE, here,
+               "started, 100% of 2 files", "", 0);
   store("C:\\data\\first.dat");
   velTraceDump(VelEnTraceDetail::HIGH, kGeneral, VelEnTraceDataType::DATA, here, "all", large, sizeof large);
 }

@@ -84,7 +84,7 @@ void writeLongDouble(TextBuffer& out, const std::uint8_t* bytes, std::size_t cou
     out.decimalFloat(extendedOf(bytes));
 }
 
-constexpr auto kFirst = static_cast<unsigned int>(VelEnTraceDataType::BOOLEAN);
+constexpr auto kFirst = static_cast<unsigned int>(VelEnTraceDataType::BOOLEAN_VALUE);
 constexpr ValueType kValueTypes[] = {
     {1, &writeBoolean},
     {1, &writeInteger<1, true>},

@@ -77,7 +77,7 @@ TEST_F(TraceEntry, ChangesTypeAndDetail) {
   VelClTraceEntry changed = entry("f", "m");
   changed.setDetail(VelEnTraceDetail::LOW);
   EXPECT_TRUE(changed.isCompressed());
-  changed.setType(VelEnTraceDataType::FLOAT);
+  changed.setType(VelEnTraceDataType::FLOAT_32);
   EXPECT_FALSE(changed.isCompressed()) << "only the detail is kept";
   changed.setCompressFlag();
   EXPECT_EQ(changed.getEntryData()[0], '\x73');

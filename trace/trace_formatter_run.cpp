@@ -69,7 +69,7 @@ void checkShortData(unsigned int type, std::uint32_t length) {
   if (type == numberOf(VelEnTraceDataType::FUNCTION_ENTRY) ||
       type == numberOf(VelEnTraceDataType::FUNCTION_EXIT)) {
     if (length != kNestingLevelSize) corrupted("VelClTraceFormatter::formatData, line 405", 405);
-  } else if (type == numberOf(VelEnTraceDataType::NO_DATA)) {
+  } else if (type == numberOf(VelEnTraceDataType::DATA_NONE)) {
     if (length != 0) corrupted("VelClTraceFormatter::formatData, line 433", 433);
   } else if (vel::trace::isValueType(type)) {
     if (!vel::trace::fitsValue(type, length)) corrupted("VelClTraceFormatter::formatData, line 502", 502);
@@ -292,7 +292,7 @@ void VelClTraceFormatter::Run::formatShortData(std::uint32_t length) {
     case VelEnTraceDataType::FUNCTION_ENTRY:
     case VelEnTraceDataType::FUNCTION_EXIT:
       return showNestingLevel(bytes);
-    case VelEnTraceDataType::NO_DATA:
+    case VelEnTraceDataType::DATA_NONE:
       return;
     case VelEnTraceDataType::DATA_NULL:
       return out_.append(getMessage(kNullPointer));

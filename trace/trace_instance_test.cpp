@@ -34,7 +34,7 @@ class TraceInstance : public vel::test::TraceTest {
 TEST_F(TraceInstance, IsOneForTheProcess) {
   EXPECT_FALSE(velTraceIsEnabled());
   velTraceFlush();
-  velTraceDump(Detail::LOW, 0, Type::NO_DATA, "f", "m", "", 0);
+  velTraceDump(Detail::LOW, 0, Type::DATA_NONE, "f", "m", "", 0);
   velTraceDeleteInstance();
   VelClTraceInstance* const instance = velTraceCreateInstance("unit", nullptr);
   EXPECT_EQ(VelClTraceInstance::createInstance("other", nullptr), instance);
@@ -48,7 +48,7 @@ TEST_F(TraceInstance, IsOneForTheProcess) {
   instance->disable();
   EXPECT_FALSE(velTraceIsEnabled());
   instance->getEnvironment().setFilename(directory_.path("missing/unit.trc").c_str());
-  instance->dump(Detail::LOW, 0, Type::NO_DATA, "f", "m", "", 0);
+  instance->dump(Detail::LOW, 0, Type::DATA_NONE, "f", "m", "", 0);
   instance->flush();
   EXPECT_EQ(velTraceGetLostBytes(), 22U);
   EXPECT_NE(velTraceGetLastSystemError(), 0);
@@ -65,11 +65,11 @@ TEST_F(TraceInstance, RecordsWhatPassesTheFilter) {
   set("COMPSET", "1.2");
   velTraceCreateInstance("unit", nullptr);
   const unsigned char byte = 7;
-  velTraceDump(Detail::MEDIUM, 1, Type::UINT8, "passes", nullptr, &byte, 1);
-  velTraceDump(Detail::HIGH, 1, Type::UINT8, "too detailed", nullptr, &byte, 1);
-  velTraceDump(Detail::LOW, 3, Type::UINT8, "other component", nullptr, &byte, 1);
-  velTraceDump(Detail::LOW, 257, Type::UINT8, "no component", nullptr, &byte, 1);
-  velTraceDump(Detail::LOW, 0, Type::NO_DATA, nullptr, nullptr, nullptr, 0);
+  velTraceDump(Detail::MEDIUM, 1, Type::UNSIGNED_8, "passes", nullptr, &byte, 1);
+  velTraceDump(Detail::HIGH, 1, Type::UNSIGNED_8, "too detailed", nullptr, &byte, 1);
+  velTraceDump(Detail::LOW, 3, Type::UNSIGNED_8, "other component", nullptr, &byte, 1);
+  velTraceDump(Detail::LOW, 257, Type::UNSIGNED_8, "no component", nullptr, &byte, 1);
+  velTraceDump(Detail::LOW, 0, Type::DATA_NONE, nullptr, nullptr, nullptr, 0);
   velTraceDeleteInstance();
   EXPECT_EQ(entries(), "passes D2 T12 7\n D1 T6\n");
 }
@@ -103,8 +103,8 @@ TEST_F(TraceInstance, GivesValuesTheirTypes) {
   EXPECT_THAT(entries(), testing::StartsWith("v D1 T10 1\nv D1 T11 255\nv D1 T14 1 0\nv D1 T15 1 0 0 0\n" +
                                              ul + "v D1 T17 3 0 0 0 0 0 0 0\nv D1 T4"));
   static_assert(
-      velTraceTypeOf<float>() == Type::FLOAT && velTraceTypeOf<long double>() == Type::LONG_DOUBLE &&
-      velTraceTypeOf<const char*>() == Type::ADDRESS && velTraceTypeOf<unsigned char>() == Type::UINT8);
+      velTraceTypeOf<float>() == Type::FLOAT_32 && velTraceTypeOf<long double>() == Type::LONG_DOUBLE &&
+      velTraceTypeOf<const char*>() == Type::ADDRESS && velTraceTypeOf<unsigned char>() == Type::UNSIGNED_8);
 }
 
 TEST_F(TraceInstance, HandsEntriesToAnotherBackEnd) {
@@ -116,7 +116,7 @@ TEST_F(TraceInstance, HandsEntriesToAnotherBackEnd) {
       [](void* context, Detail, unsigned short component, Type, const char* origin, const char*, const void*,
          size_t) { *static_cast<std::string*>(context) += origin + std::to_string(component); },
       &seen);
-  velTraceDump(Detail::HIGH, 300, Type::NO_DATA, "f", "", "", 0);
+  velTraceDump(Detail::HIGH, 300, Type::DATA_NONE, "f", "", "", 0);
   velTraceDeleteInstance();
   EXPECT_EQ(seen, "f300");
   EXPECT_EQ(entries(), "");

@@ -35,24 +35,24 @@ enum class VelEnTraceDataType : int32_t {
   NOTHING = 0,
   FUNCTION_ENTRY = 1,  ///< with the nesting level, 4 bytes, as data
   FUNCTION_EXIT = 2,   ///< likewise
-  NO_DATA = 3,         ///< a message only; its data pointer must not be null, its size must be 0
+  DATA_NONE = 3,       ///< a message only; its data pointer must not be null, its size must be 0
   DATA = 4,            ///< any bytes, shown as a dump
   DATA_CLIPPED = 5,    ///< made from every type whose data is longer than the ring
   DATA_NULL = 6,       ///< made from every type whose data pointer is null
   ADDRESS = 7,         ///< the 8 bytes of a pointer
   C_STRING = 8,        ///< characters without their terminator
   UTF16_STRING = 9,    ///< shown as a dump
-  BOOLEAN = 10,
-  INT8 = 11,
-  UINT8 = 12,
-  INT16 = 13,
-  UINT16 = 14,
-  INT32 = 15,
-  UINT32 = 16,
-  INT64 = 17,
-  UINT64 = 18,
-  FLOAT = 19,
-  DOUBLE = 20,
+  BOOLEAN_VALUE = 10,
+  SIGNED_8 = 11,
+  UNSIGNED_8 = 12,
+  SIGNED_16 = 13,
+  UNSIGNED_16 = 14,
+  SIGNED_32 = 15,
+  UNSIGNED_32 = 16,
+  SIGNED_64 = 17,
+  UNSIGNED_64 = 18,
+  FLOAT_32 = 19,
+  FLOAT_64 = 20,
   LONG_DOUBLE = 21
 };
 
@@ -677,14 +677,14 @@ class VelClTraceFunction {
 template <typename Value>
 constexpr VelEnTraceDataType velTraceTypeOf() {
   if constexpr (std::is_pointer_v<Value>) return VelEnTraceDataType::ADDRESS;
-  if constexpr (std::is_same_v<Value, bool>) return VelEnTraceDataType::BOOLEAN;
-  if constexpr (std::is_same_v<Value, float>) return VelEnTraceDataType::FLOAT;
-  if constexpr (std::is_same_v<Value, double>) return VelEnTraceDataType::DOUBLE;
+  if constexpr (std::is_same_v<Value, bool>) return VelEnTraceDataType::BOOLEAN_VALUE;
+  if constexpr (std::is_same_v<Value, float>) return VelEnTraceDataType::FLOAT_32;
+  if constexpr (std::is_same_v<Value, double>) return VelEnTraceDataType::FLOAT_64;
   if constexpr (std::is_same_v<Value, long double>) return VelEnTraceDataType::LONG_DOUBLE;
   if constexpr (!std::is_integral_v<Value> || sizeof(Value) > 8) return VelEnTraceDataType::DATA;
-  // INT8, UINT8, INT16 and so on follow one another.
+  // SIGNED_8, UNSIGNED_8, SIGNED_16 and so on follow one another.
   const int bytesAsPower = sizeof(Value) == 1 ? 0 : sizeof(Value) == 2 ? 1 : sizeof(Value) == 4 ? 2 : 3;
-  return static_cast<VelEnTraceDataType>(static_cast<int>(VelEnTraceDataType::INT8) + 2 * bytesAsPower +
+  return static_cast<VelEnTraceDataType>(static_cast<int>(VelEnTraceDataType::SIGNED_8) + 2 * bytesAsPower +
                                          (std::is_signed_v<Value> ? 0 : 1));
 }
 

@@ -8,7 +8,7 @@ int main(int argc, char** argv) {
   if (argc != 2) return 1;
   velTraceCreateInstance(argv[1], nullptr);
   for (std::uint32_t number = 0; number < 10'000; ++number)
-    velTraceDump(VelEnTraceDetail::LOW, 7, VelEnTraceDataType::UINT32, argv[1],
+    velTraceDump(VelEnTraceDetail::LOW, 7, VelEnTraceDataType::UNSIGNED_32, argv[1],
                  std::string(number % 300, 'x').c_str(), &number, sizeof number);
   return velTraceGetLostBytes() == 0 ? 0 : 2;
 }
