@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <ctime>
 #include <fstream>
-#include <string>
 
+#include "platform/test/table.h"
 namespace {
 
 namespace fs = std::filesystem;
@@ -14,6 +14,7 @@ using enum VelEnErrorClass;
 using vel::test::kNone;
 using vel::test::Left;
 using vel::test::left;
+using vel::test::readTable;
 
 constexpr size_t kLimit = VEL_MAX_PATH_LENGTH;
 constexpr char kFailed[] = "(failed)";
@@ -49,35 +50,32 @@ TEST(RelativePath, IsExpandedFromItsRootOrTheCurrentDirectory) {
   for (auto i = std::count(current.begin(), current.end(), '\\'); i > 1; --i) up += "..\\";
   const std::string fitting(kLimit - current.size() - 1, 'x'),
       full = "\\\\s\\" + std::string(kLimit - 5, 'x');
-  const struct {
-    std::string path, result;
-  } rows[] = {
-      {full, full + "\\"},        {"\\\\s\\h\\a\\..\\..\\", kFailed},        {"", current},
-      {full + "x", kFailed},      {"C:\\a\\abc.\\..b\\", "C:\\a\\..b\\"},    {fitting + "x\\", kFailed},
-      {up + "..\\", kFailed},     {"C:\\a\\b\\..\\.\\c\\", "C:\\a\\c\\"},    {"C:\\a\\..\\..\\", kFailed},
-      {"C:\\a\\abc..\\", "C:\\"}, {"\\\\s\\h\\a\\..\\b\\", "\\\\s\\h\\b\\"}, {"\\\\s\\h\\:", "\\\\s\\h\\"},
-      {"\\\\s\\h", "\\\\s\\h\\"}, {"a\\.\\x\\..\\b\\c", current + "a\\b\\"}, {fitting + "xx\\..\\", current},
-      {up + "a\\", root + "a\\"}, {fitting + "\\", current + fitting + "\\"}};
-  for (const auto& row : rows) EXPECT_EQ(row.result, expanded(row.path)) << row.path;
+  const std::vector<std::string> rows[] = {{full, full + "\\"},
+                                           {full + "x", kFailed},
+                                           {"", current},
+                                           {fitting + "x\\", kFailed},
+                                           {up + "..\\", kFailed},
+                                           {fitting + "xx\\..\\", current},
+                                           {"a\\.\\x\\..\\b\\c", current + "a\\b\\"},
+                                           {up + "a\\", root + "a\\"},
+                                           {fitting + "\\", current + fitting + "\\"}};
+  for (const auto& row : rows) EXPECT_EQ(row[1], expanded(row[0])) << row[0];
+  for (const auto& row : readTable(VEL_TEST_DATA "test/relative_paths.tsv"))
+    EXPECT_EQ(row.at(1), expanded(row[0])) << row[0];
   const vel::test::CurrentDirectory inRoot(fs::current_path().root_path());
   EXPECT_EQ(root + "a\\", expanded("a\\"));
 }
 
 TEST(Directory, NameIsAbsoluteAndNormalized) {
-  const std::string long258 = "C:\\" + std::string(kLimit - 4, 'x');
-  const struct {
-    std::string name, absolute;
-    unsigned int subDirs;
-  } rows[] = {{long258, long258 + "\\", 1},       {"C:", "C:\\", 0},
-              {"\\\\s\\h", "\\\\s\\h\\", 3},      {"\\\\s\\h\\a/b", "\\\\s\\h\\a\\b\\", 5},
-              {"C:/x/./y/", "C:\\x\\y\\", 2},     {"C:\\.cache\\a.b", "C:\\.cache\\a.b\\", 2},
-              {long258 + "\\", long258 + "\\", 1}};
+  const std::string longest = "C:\\" + std::string(kLimit - 4, 'x');
+  auto rows = readTable(VEL_TEST_DATA "test/directory_names.tsv");
+  for (const std::string& name : {longest, longest + "\\"}) rows.push_back({name, longest + "\\", "1"});
   for (const auto& row : rows) {
-    const VelClDirectory directory(row.name.c_str());
-    EXPECT_STREQ(row.absolute.c_str(), directory) << row.name;
-    EXPECT_EQ(row.subDirs, directory.getNumOfSubDirs()) << row.name;
-    EXPECT_EQ(kNone, left(directory)) << row.name;
-    EXPECT_EQ(row.absolute, VelClDirectory(VelClLocation(row.name.c_str(), false)).getAsCString());
+    const VelClDirectory directory(row[0].c_str());
+    EXPECT_EQ(row.at(1), directory.getAsCString()) << row[0];
+    EXPECT_EQ(row.at(2), std::to_string(directory.getNumOfSubDirs())) << row[0];
+    EXPECT_EQ(kNone, left(directory)) << row[0];
+    EXPECT_EQ(row[1], VelClDirectory(VelClLocation(row[0].c_str(), false)).getAsCString());
   }
 }
 
@@ -97,16 +95,9 @@ TEST(Directory, WithoutAbsoluteNameDoesNothing) {
 
 TEST(Directory, GoesDownAndUp) {
   VelClDirectory directory("C:\\a");
-  const struct {
-    const char *sub, *result;
-  } rows[] = {{"b\\c", "C:\\a\\b\\c\\"},
-              {"..\\d/e", "C:\\a\\b\\d\\e\\"},
-              {"..\\..\\..\\", "C:\\a\\"},
-              {"\\\\server\\share\\x", "C:\\a\\\\x\\"},
-              {"..\\..\\..\\a\\b\\c", "C:\\a\\b\\c\\"}};
-  for (const auto& row : rows) {
-    directory.attachSubDir(VelClLocation(row.sub, false));
-    EXPECT_STREQ(row.result, directory) << row.sub;
+  for (const auto& row : readTable(VEL_TEST_DATA "test/directory_steps.tsv")) {
+    directory.attachSubDir(VelClLocation(row[0].c_str(), false));
+    EXPECT_EQ(row.at(1), directory.getAsCString()) << row[0];
     EXPECT_EQ(kNone, left(directory));
   }
   directory.attachSubDir(VelClLocation("..\\..\\..\\..\\", false));
@@ -192,12 +183,17 @@ TEST_F(DirectoryTest, DoesNotMakeFilesWritable) {
   EXPECT_EQ(!removable, fs::exists(file));
 }
 
-TEST_F(DirectoryTest, RemovesNamesOfAnyLength) {
+// Directory and entry together exceed a name's length.
+TEST_F(DirectoryTest, ShowsAndRemovesNamesOfAnyLength) {
+  const std::string longest(255, 'f');
   fs::path path = vel::test::unlimited(scratch_.path("tree"));
   for (int level = 0; level < 5; ++level, path /= std::string(200, 'd')) {
     ASSERT_TRUE(fs::create_directory(path));
-    ASSERT_TRUE((std::ofstream(path / std::string(255, 'f')) << "text").flush());
+    ASSERT_TRUE((std::ofstream(path / longest) << "text").flush());
   }
+  VelClDirectoryWalk walk(directory("tree"));
+  while (walk.isValid() && !walk.isFile()) walk.setToNext();
+  EXPECT_EQ(typed("tree\\") + longest, walk.getNameWithPath());
   EXPECT_TRUE(directory("tree").removeAll(true));
   EXPECT_FALSE(fs::exists(scratch_.path("tree")));
 }

@@ -2,7 +2,6 @@
 #include <fstream>
 #include <map>
 #include <set>
-#include <string>
 
 #include "filesys/test/directory_fixture.h"
 
@@ -66,17 +65,6 @@ TEST_F(DirectoryWalkTest, MatchesPatternsByTheStyleOfTheDirectory) {
   const vel::test::CurrentDirectory in(fs::path(scratch_.path()).parent_path());
   const VelClLocation slashed(("./" + fs::path(scratch_.path()).filename().string()).c_str(), false);
   EXPECT_TRUE(matches(slashed, "*.INI") && !matches(slashed, "*.ini"));
-}
-
-// Directory and entry together exceed a name's length.
-TEST_F(DirectoryWalkTest, ShowsWholeNamesOfAnyLength) {
-  const std::string longest(255, 'f'), parent(200, 'd');
-  const fs::path path = vel::test::unlimited(scratch_.path(parent));
-  ASSERT_TRUE(fs::create_directory(path));
-  std::ofstream(path / longest) << "text";
-  VelClDirectoryWalk walk(directory(parent));
-  while (walk.isValid() && !walk.isFile()) walk.setToNext();
-  EXPECT_EQ(directory(parent).getAsCString() + longest, walk.getNameWithPath());
 }
 
 TEST_F(DirectoryWalkTest, ListsEveryEntryOfALargeDirectoryOnce) {

@@ -2,7 +2,6 @@
 // translation mode of descriptors. Binary output is seen in tmp_filename_test.cpp.
 #include <chrono>
 #include <ctime>
-#include <string>
 
 #include "filesys/test/directory_fixture.h"
 #include "platform/test/variable.h"

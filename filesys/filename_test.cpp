@@ -2,16 +2,20 @@
 // are part of the name itself.
 #include <gtest/gtest.h>
 
-#include <string>
+#include <map>
 
+#include "platform/test/table.h"
 #include "vel_include/vel_filesys.h"
 
 namespace {
 
+using vel::test::readTable;
+using Name = VelClFilename;
+
 constexpr size_t kLimit = VEL_MAX_PATH_LENGTH;
 
 // Server, directory, base name and extension.
-std::string partsOf(const VelClFilename& name) {
+std::string partsOf(const Name& name) {
   char server[kLimit + 1], path[kLimit + 1], base[kLimit + 1];
   name.extractServer(server);
   name.extractPath(path, true);
@@ -23,104 +27,66 @@ std::string partsOf(const VelClFilename& name) {
 }
 
 TEST(Filename, SplitsIntoParts) {
-  const struct {
-    const char *text, *parts;
-  } rows[] = {{"C:\\x", "|C:|x|"},       {"C:x.txt", "||C:x|.txt"},
-              {"dir\\", "|dir||"},       {"/usr/.profile", "|/usr||.profile"},
-              {"\\\\srv", "|\\|srv|"},   {"\\\\srv\\share", "\\\\srv\\share|||"},
-              {"a/b\\c/d", "|a/b|c/d|"}, {"C:\\dir\\x.tar.gz", "|C:\\dir|x.tar|.gz"},
-              {"dir.d\\x", "|dir.d|x|"}, {"\\\\srv\\s\\d\\x.c", "\\\\srv\\s|\\\\srv\\s\\d|x|.c"}};
-  for (const auto& row : rows) EXPECT_EQ(row.parts, partsOf(row.text));
+  for (const auto& row : readTable(VEL_TEST_DATA "test/filename_parts.tsv"))
+    EXPECT_EQ(row.at(1), partsOf(row[0].c_str()));
 }
 
 TEST(Filename, JoinsDirectoryNameAndExtension) {
-  const struct {
-    const char *path, *name, *extension, *joined;
-  } rows[] = {{"C:\\a", "x", "txt", "C:\\a\\x.txt"}, {"/usr", "x", nullptr, "/usr/x"},
-              {"usr", "x.a", "b", "usr\\x.a.b"},     {nullptr, nullptr, nullptr, ""},
-              {"C:", "x", ".txt", "C:\\x.txt"},      {"", "x", "", "x."}};
-  for (const auto& row : rows) {
-    EXPECT_STREQ(row.joined,
-                 VelClFilename(VelClLocation(row.path, false), row.name, row.extension).getAsCString());
-  }
+  for (const auto& row : readTable(VEL_TEST_DATA "test/filename_joined.tsv"))
+    EXPECT_EQ(row.at(3),
+              Name(VelClLocation(row[0].c_str(), false), row[1].c_str(), row[2].c_str()).getAsCString());
+  EXPECT_STREQ("/usr/x", Name(VelClLocation("/usr", false), "x", nullptr).getAsCString());
+  EXPECT_STREQ("", Name(VelClLocation(nullptr, false), nullptr, nullptr).getAsCString());
 }
 
 // Whether the other is equal (=), in this directory or deeper (d), and of the same base name (b), where
 // the longer one decides how much is compared, extensions included.
 TEST(Filename, ComparesInItsOwnStyle) {
-  const struct {
-    const char *name, *other, *result;
-  } rows[] = {{"ab.txt", "a.txt", "d"},     {"\xE4", "\xC4", "d"},  {"C:\\D\\A", "c:\\d\\deeper\\b", "d"},
-              {"C:\\D\\A", "c:\\A.x", "b"}, {"a.b", "a.b.c", "db"}, {"C:\\D\\A.txt", "c:\\d\\a.TXT", "=db"},
-              {"/D/A.txt", "/d/a.txt", ""}, {"C:\\D\\A", "C:", ""}, {"C:\\D\\A.txt", "c:\\d\\a.tx", "db"},
-              {"a.txt", "ab.txt", "d"}};
-  for (const auto& row : rows) {
-    const VelClFilename name(row.name), other(row.other);
-    EXPECT_EQ(row.result, std::string(name == other ? "=" : "") + (name.matchesPath(other) ? "d" : "") +
-                              (name.matchesBase(other) ? "b" : ""))
-        << row.name << ", " << row.other;
-  }
+  const auto compared = [](const Name& name, const Name& other) {
+    return std::string(name == other ? "=" : "") + (name.matchesPath(other) ? "d" : "") +
+           (name.matchesBase(other) ? "b" : "");
+  };
+  for (const auto& row : readTable(VEL_TEST_DATA "test/filename_compared.tsv"))
+    EXPECT_EQ(row.at(2), compared(row[0].c_str(), row[1].c_str())) << row[0] << ", " << row[1];
+  EXPECT_EQ("d", compared("\xE4", "\xC4"));
 }
 
 TEST(Filename, MatchesExtensionsAndPatterns) {
-  const struct {
-    const char *name, *text;
-    bool isExtension, isPattern;
-  } rows[] = {
-      {"d\\a.txt", ".txt", true, false}, {"/d/a.txt", "A*", false, false},  {"/d/a.txt", "TXT", false, false},
-      {"d\\a.txt", "", false, false},    {"d\\a.txt", "A.T*", false, true}, {"d\\a", "d*", false, false},
-      {"d\\a.txt", "TXT", true, false},  {"a", nullptr, true, false},       {"d\\a.txt", "tx", false, false}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(row.isExtension, VelClFilename(row.name).matchesExtension(row.text)) << row.name;
-    EXPECT_EQ(row.isPattern, VelClFilename(row.name).matchesWildcardPattern(row.text)) << row.name;
+  for (const auto& row : readTable(VEL_TEST_DATA "test/filename_matches.tsv")) {
+    const Name name(row[0].c_str());
+    EXPECT_EQ(row.at(2) == "extension", name.matchesExtension(row[1].c_str())) << row[0];
+    EXPECT_EQ(row[2] == "pattern", name.matchesWildcardPattern(row[1].c_str())) << row[0];
   }
+  EXPECT_TRUE(Name("a").matchesExtension(nullptr) && !Name("a").matchesWildcardPattern(nullptr));
 }
 
 TEST(Filename, RecognisesFat83Names) {
-  for (const char* name : {"ABCDEFGH.TXT", "C:\\DOS\\ABC.EXE", "C:\\EIGHTCHR\\A.B", "A B-_~?.TX", "A.B;C", "",
-                           "\\\\longserver\\s\\D\\A"})
-    EXPECT_TRUE(VelClFilename(name).isStyleFAT_8_3()) << name;
-  for (const char* name :
-       {"ABCDEFGHI.TXT", "A.HTML", "C:\\NINECHARS\\A.B", "A;B.TXT", "/usr/a", "A.B\\C", "1:\\A.B", "A\\B/C"})
-    EXPECT_FALSE(VelClFilename(name).isStyleFAT_8_3()) << name;
+  for (const auto& row : readTable(VEL_TEST_DATA "test/filename_fat.tsv"))
+    EXPECT_EQ(row[0] == "8.3", Name(row.at(1).c_str()).isStyleFAT_8_3()) << row[1];
 }
 
-// All that was set is the extension, whatever dots it has. Texts may be those of the name itself.
+// All that was set is the extension, whatever dots it has.
 TEST(Filename, ChangesParts) {
-  using Name = VelClFilename;
-  const struct {
-    const char* before;
-    void (*change)(Name&);
-    const char* parts;
-  } rows[] = {{"d\\a.txt", [](Name& f) { f.setNewExtension("doc"); }, "|d|a|.doc"},
-              {"d\\a.txt", [](Name& f) { f.setNewExtension(nullptr); }, "|d|a|"},
-              {"d.d\\a", [](Name& f) { f.setNewExtension(".x"); }, "|d.d|a|.x"},
-              {"a.txt", [](Name& f) { f.setNewExtension("tar.gz"); }, "||a|.tar.gz"},
-              {"d\\a.txt", [](Name& f) { f.setNewName("b"); }, "|d|b|"},
-              {"/d/a.txt", [](Name& f) { f.setNewBaseName("b"); }, "|/d|b|.txt"},
-              {"d\\a", [](Name& f) { f.setNewBaseName("b"); }, "|d|b|"},
-              {"\\\\s\\h", [](Name& f) { f.setNewName("b"); }, "\\\\s\\h|\\\\s\\h|b|"},
-              {"d\\a.txt", [](Name& f) { f.setNewPath("/x"); }, "|/x|a|.txt"},
-              {"d\\a.txt", [](Name& f) { f.setNewPath(VelClLocation("", false)); }, "||a|.txt"},
-              {"a/b\\c/d.e", [](Name& f) { f.removePath(); }, "||c/d|.e"},
-              {"\\\\s\\h\\d\\a.txt", [](Name& f) { f.removePath(); }, "||a|.txt"},
-              {"dir\\a.txt", [](Name& f) { f = f.getName(); }, "||a|.txt"},
-              {"dir\\a.txt", [](Name& f) { f.setNewName(f.getName()); }, "|dir|a|.txt"},
-              {"dir\\a.txt", [](Name& f) { f.setNewBaseName(f.getName()); }, "|dir|a.txt|.txt"},
-              {"d\\a.txt", [](Name& f) { f.setNewExtension(f.getName()); }, "|d|a|.a.txt"},
-              {"dir\\a.txt", [](Name& f) { f.setNewPath(f.getName()); }, "|a.txt|a|.txt"},
-              {"dir\\a.txt", [](Name& f) { f.setNew(f.getName(), f.getAsCString()); }, "|a.txt\\dir|a|.txt"}};
-  for (const auto& row : rows) {
-    Name name(row.before);
-    row.change(name);
+  const std::map<std::string, void (*)(Name&, const char*)> changes = {
+      {"all", [](Name& f, const char* text) { f = text; }},
+      {"path and name", [](Name& f, const char* text) { f.setNew(text, f.getAsCString()); }},
+      {"path", [](Name& f, const char* text) { f.setNewPath(text); }},
+      {"no path", [](Name& f, const char*) { f.removePath(); }},
+      {"name", [](Name& f, const char* text) { f.setNewName(text); }},
+      {"base name", [](Name& f, const char* text) { f.setNewBaseName(text); }},
+      {"extension", [](Name& f, const char* text) { f.setNewExtension(text); }}};
+  for (const auto& row : readTable(VEL_TEST_DATA "test/filename_changes.tsv")) {
+    Name name(row[0].c_str());
+    changes.at(row[1])(name, row[2] == "(name)" ? name.getName() : row[2].c_str());
     const Name copy = name;  // keeps the parts where they are
-    EXPECT_EQ(row.parts, partsOf(name)) << row.before;
-    EXPECT_EQ(row.parts, partsOf(copy)) << row.before;
+    for (const Name& changed : {name, copy}) EXPECT_EQ(row.at(3), partsOf(changed)) << row[0];
   }
   // Without its path the name keeps its style.
   Name name("/d/A");
   name.removePath();
   EXPECT_FALSE(name.hasPath() || name == Name("a"));
+  name.setNewExtension(nullptr);
+  EXPECT_EQ("||A|", partsOf(name));
 }
 
 // Around the limit nothing is written beyond it, and what fits stays.

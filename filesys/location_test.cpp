@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <string>
 
+#include "platform/test/table.h"
 #include "vel_include/vel_filesys.h"
 
 namespace {
+
+using vel::test::readTable;
 
 constexpr size_t kLimit = VEL_MAX_PATH_LENGTH;
 
@@ -21,15 +23,9 @@ std::string analysed(const char* text) {
 
 // "\\usr" and "C:/dir" are not absolute. A drive needs no letter, but its style does.
 TEST(PathProperty, AnalysesText) {
-  const struct {
-    const char *text, *analysis;
-  } rows[] = {{"/usr/x", "/A /usr/x"},   {":", "\\ :"},       {"\\usr\\x", "\\ \\usr\\x"},
-              {"1:\\x", "\\DA 1:\\x"},   {"C:", "\\D C:"},    {"\\\\srv\\share", "\\AU "},
-              {"a/b\\c", "\\ a/b\\c"},   {nullptr, "\\ "},    {"\\\\srv\\share\\dir", "\\AU \\dir"},
-              {"C:/dir", "\\D C:/dir"},  {"\\\\", "\\ \\\\"}, {"C:\\dir\\x.txt", "\\DA C:\\dir\\x.txt"},
-              {"\\\\srv", "\\ \\\\srv"}, {"1:/x", "/D 1:/x"}, {"\\\\\\a", "\\ \\\\\\a"},
-              {"\\\\srv\\", "\\AU "}};
-  for (const auto& row : rows) EXPECT_EQ(row.analysis, analysed(row.text));
+  for (const auto& row : readTable(VEL_TEST_DATA "test/path_properties.tsv"))
+    EXPECT_EQ(row.at(1), analysed(row[0].c_str()));
+  EXPECT_EQ("\\ ", analysed(nullptr));
 }
 
 TEST(PathProperty, NormalizesInPlace) {
@@ -43,24 +39,15 @@ TEST(PathProperty, NormalizesInPlace) {
 
 // The separator is chosen before normalizing, which leaves a server part alone and makes none.
 TEST(Location, EndsWithItsStylesSeparator) {
-  const struct {
-    const char *text, *location;
-    bool normalize, isRoot;
-  } rows[] = {{"", "", true, false},         {"/usr", "/usr/", false, false},
-              {"/", "/", false, true},       {"C:/a/", "C:\\a\\\\", true, false},
-              {"a", "a\\", false, false},    {"//srv/share", "\\\\srv\\share\\", true, false},
-              {"\\", "\\", false, false},    {"\\\\srv\\share", "\\\\srv\\share\\", false, true},
-              {nullptr, "", false, false},   {"\\\\s/r\\h\\a/b", "\\\\s/r\\h\\a\\b\\", true, false},
-              {"C:", "C:\\", false, true},   {"\\\\srv\\share\\d", "\\\\srv\\share\\d\\", false, false},
-              {"a/b", "a\\b\\", true, false}};
-  for (const auto& row : rows) {
-    const VelClLocation location(row.text, row.normalize);
+  for (const auto& row : readTable(VEL_TEST_DATA "test/locations.tsv")) {
+    const VelClLocation location(row[0].c_str(), row.at(2) == "yes");
     VelClLocation copy("", false);
     copy = location;
-    EXPECT_STREQ(row.location, copy.getAsCString());
-    EXPECT_EQ(VelClPathProperty(row.location).getPathSep(), copy.getPathSep()) << row.location;
-    EXPECT_EQ(row.isRoot, location.isRoot() && copy.isRoot()) << row.location;
+    EXPECT_EQ(row[1], copy.getAsCString());
+    EXPECT_EQ(VelClPathProperty(row[1].c_str()).getPathSep(), copy.getPathSep()) << row[1];
+    EXPECT_EQ(row.at(3) == "yes", location.isRoot() && copy.isRoot()) << row[1];
   }
+  EXPECT_STREQ("", VelClLocation(nullptr, false).getAsCString());
 }
 
 TEST(Location, IsTakenFromTextsAndFileNames) {

@@ -2,8 +2,6 @@
 #include <future>
 #include <set>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "filesys/test/directory_fixture.h"
 #include "platform/test/child_process.h"
@@ -27,18 +25,17 @@ class TmpFilenameTest : public vel::test::DirectoryFixture {
 };
 
 TEST_F(TmpFilenameTest, HasPrefixRandomCharactersAndReversedDigits) {
-  const struct {
-    const char *prefix, *kept;
-  } rows[] = {{"TMP", "TMP"}, {"longprefix", "longp"}, {"", ""}, {"a", "a"}, {nullptr, ""}};
-  for (const auto& row : rows) {
-    const VelClTmpFilename name(here_, row.prefix);
-    const std::string text = name.getName(), prefix = row.kept;
-    EXPECT_EQ(prefix, text.substr(0, prefix.size()));
-    EXPECT_EQ(8U, text.find_first_not_of(kAlphabet, prefix.size())) << text;
+  const char* const rows[][2] = {
+      {"TMP", "TMP"}, {"longprefix", "longp"}, {"", ""}, {"a", "a"}, {nullptr, ""}};
+  for (const auto& [given, prefix] : rows) {
+    const VelClTmpFilename name(here_, given);
+    const std::string text = name.getName();
+    EXPECT_TRUE(text.starts_with(prefix)) << text;
+    EXPECT_EQ(8U, text.find_first_not_of(kAlphabet, std::string(prefix).size())) << text;
     EXPECT_EQ("." + digitsOfProcess(), text.substr(8));
     EXPECT_EQ("." + digitsOfProcess(), name.getExtension());
     EXPECT_EQ(here_.getAsCString() + text, name.getAsCString());
-    EXPECT_TRUE(VelClTmpFilename(VelClLocation("C:\\dir", false), row.prefix).isStyleFAT_8_3());
+    EXPECT_TRUE(VelClTmpFilename(VelClLocation("C:\\dir", false), given).isStyleFAT_8_3());
   }
 }
 
@@ -51,19 +48,15 @@ TEST_F(TmpFilenameTest, LiesInTheDirectoryAskedForUnderAFreeName) {
   const std::string here = here_.getAsCString();
   const vel::test::Variable tmp("TMP", here.c_str());
   const VelClFilename model(here_, "old.name.txt", nullptr);
-  const struct {
-    VelClTmpFilename name;
-    const char* prefix;
-  } rows[] = {{VelClTmpFilename(here.c_str(), "x"), "x"},
-              {VelClTmpFilename(model, "x"), "x"},
-              {VelClTmpFilename(here_), "TMP"},
-              {VelClTmpFilename(), "TMP"},
-              {VelClTmpFilename("abc"), "abc"}};
-  for (const auto& row : rows) {
+  const std::pair<VelClTmpFilename, const char*> rows[] = {{VelClTmpFilename(here.c_str(), "x"), "x"},
+                                                           {VelClTmpFilename(model, "x"), "x"},
+                                                           {VelClTmpFilename(here_), "TMP"},
+                                                           {VelClTmpFilename(), "TMP"},
+                                                           {VelClTmpFilename("abc"), "abc"}};
+  for (const auto& [name, prefix] : rows) {
     VelClFilename assigned;
-    assigned = row.name;
-    EXPECT_TRUE(std::string(assigned.getAsCString()).starts_with(here + row.prefix))
-        << assigned.getAsCString();
+    assigned = name;
+    EXPECT_TRUE(std::string(assigned.getAsCString()).starts_with(here + prefix)) << assigned.getAsCString();
     EXPECT_EQ(here.size() + 12, assigned.getLength());
     EXPECT_EQ("." + digitsOfProcess(), assigned.getExtension());
   }
@@ -107,21 +100,19 @@ TEST_F(TmpFilenameTest, FilesOfManyProcessesAreDistinct) {
 // The extension still begins where it did, in copies as well.
 TEST(BakFilename, StandsBehindTheWholeName) {
   const std::string full(kLimit, 'x');
-  const struct {
-    std::string name, backup, extension;
-  } rows[] = {{"report.txt", "report.txt.BAK", ".txt.BAK"},
-              {"C:\\d.e\\a", "C:\\d.e\\a.BAK", ".BAK"},
-              {"", ".BAK", ".BAK"},
-              {full.substr(2), full.substr(2) + ".B", ".B"},
-              {full, full, ""}};
-  for (const auto& row : rows) {
-    const VelClBakFilename backup(VelClFilename(row.name.c_str()));
+  const std::string rows[][3] = {{"report.txt", "report.txt.BAK", ".txt.BAK"},
+                                 {"C:\\d.e\\a", "C:\\d.e\\a.BAK", ".BAK"},
+                                 {"", ".BAK", ".BAK"},
+                                 {full.substr(2), full.substr(2) + ".B", ".B"},
+                                 {full, full, ""}};
+  for (const auto& [name, result, extension] : rows) {
+    const VelClBakFilename backup(VelClFilename(name.c_str()));
     VelClFilename copy;
     copy = backup;
-    EXPECT_EQ(row.backup, backup.getAsCString());
-    EXPECT_EQ(row.extension, backup.getExtension());
-    EXPECT_EQ(row.backup.size(), backup.getLength());
-    EXPECT_EQ(row.extension, copy.getExtension());
+    EXPECT_EQ(result, backup.getAsCString());
+    EXPECT_EQ(extension, backup.getExtension());
+    EXPECT_EQ(result.size(), backup.getLength());
+    EXPECT_EQ(extension, copy.getExtension());
   }
 }
 
