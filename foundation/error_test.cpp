@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <string>
 
 #include "platform/test/table.h"
 

@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <iostream>
 #include <sstream>
-#include <string>
 
 #include "platform/test/scratch_directory.h"
 #include "vel_include/vel.h"
@@ -82,10 +81,7 @@ const char* const kArguments[] = {"tool", "-a", "b", "-quiet"};
 constexpr const char* kNull = nullptr;
 
 TEST_F(FailingAllocation, OfSingleOperations) {
-  const struct {
-    const char* name;
-    void (*run)();
-  } operations[] = {
+  const std::pair<const char*, void (*)()> operations[] = {
       {"search", [] { const VelClStringSearch search(kLong.c_str(), true); }},
       {"library", [] { velDllProcLoaderClose(velDllProcLoaderOpen("qamc5032")); }},
       {"absent library", [] { velDllProcLoaderClose(velDllProcLoaderOpen("absent")); }},
@@ -113,7 +109,7 @@ TEST_F(FailingAllocation, OfSingleOperations) {
       {"interface", [] { const VelClConsoleUI ui(4, kArguments); }},
       {"interface without words", [] { const VelClConsoleUI ui(4, kArguments, VelClFilename("absent"), 0); }},
   };
-  for (const auto& operation : operations) exhaust(operation.name, [&operation] { attempt(operation.run); });
+  for (const auto& [name, run] : operations) exhaust(name, [run = run] { attempt(run); });
 }
 
 TEST_F(FailingAllocation, OfVariablesAndPrograms) {
@@ -224,10 +220,7 @@ TEST_F(FailingAllocation, OfUserInterfaces) {
   static const char* textValue = nullptr;
   static int intValue = 0;
   static const VelClException kException(_VelStUserError(), "cause");
-  const struct {
-    const char* name;
-    void (*run)(VelClConsoleUI& ui);
-  } operations[] = {
+  const std::pair<const char*, void (*)(VelClConsoleUI&)> operations[] = {
       {"init", [](VelClConsoleUI& ui) { ui.init("title", "description", nullptr, nullptr); }},
       {"init by number", [](VelClConsoleUI& ui) { ui.init(150UL, 2UL, nullptr, nullptr); }},
       {"usage", [](VelClConsoleUI& ui) { ui.handleUsageHelp("(-a <b>) [-quiet]", kLong.c_str()); }},
@@ -244,16 +237,16 @@ TEST_F(FailingAllocation, OfUserInterfaces) {
       {"dump", [](VelClConsoleUI& ui) { ui.dump(180UL, "bytes", 5); }},
       {"format exception", [](VelClConsoleUI& ui) { ui.format(kException, true); }},
   };
-  for (const auto& operation : operations)
-    exhaust(operation.name, [&operation] {
+  for (const auto& [name, run] : operations)
+    exhaust(name, [run = run] {
       std::ostringstream stream;
       VelClConsoleUI ui(4, kArguments);
       ui.setOutputStream(stream);
       ui.getParams().setErrorStream(stream);
-      const bool done = attempt([&] { operation.run(ui); });
+      const bool done = attempt([&] { run(ui); });
       ui.getParams().setQuietMode(false);
       // After a failure the same object does the same work.
-      if (!done) operation.run(ui);
+      if (!done) run(ui);
     });
 }
 

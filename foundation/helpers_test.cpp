@@ -4,7 +4,8 @@
 
 #include <climits>
 #include <cstring>
-#include <string>
+
+#include "platform/test/table.h"
 
 namespace {
 
@@ -35,20 +36,10 @@ TEST(DecimalText, Limits) {
 
 // Ignoring case, the second "a" of "aab" mismatches "B" and is not tried as a start.
 TEST(StringHelpers, FindsTheFirstOccurrence) {
-  constexpr std::ptrdiff_t kNowhere = -1;
-  const struct {
-    const char *text, *pattern;
-    bool ignoreCase;
-    std::ptrdiff_t offset;
-  } rows[] = {{"xAbc", "ab", false, kNowhere}, {"", "a", true, kNowhere}, {"abc", "", false, 0},
-              {"abx", "abxy", true, kNowhere}, {"xabAb", "aB", true, 1},  {"abc", "", true, 0},
-              {"aab", "AB", true, kNowhere},   {"xAbc", "ab", true, 1},   {"", "", true, 0},
-              {"x\xE9", "\xE9", true, 1},      {"aab", "ab", false, 1},   {"xabab", "ab", false, 1},
-              {"aaab", "AB", true, 2}};
-  for (const auto& row : rows) {
-    const char* const found = velStrFind(row.text, row.pattern, row.ignoreCase);
-    EXPECT_EQ(found == nullptr ? kNowhere : found - row.text, row.offset)
-        << row.pattern << " in " << row.text;
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/searches.tsv")) {
+    const char* const found = velStrFind(row[0].c_str(), row[1].c_str(), row.at(2) == "yes");
+    EXPECT_EQ(found == nullptr ? "-" : std::to_string(found - row[0].c_str()), row.at(3))
+        << row[1] << " in " << row[0];
   }
 }
 

@@ -20,12 +20,6 @@ void* countingMalloc(size_t size) {
   std::memset(block, 0xAA, size + 1);
   return block;
 }
-void* refusingMalloc(size_t) {
-  return nullptr;
-}
-void* refusingRealloc(void*, size_t) {
-  return nullptr;
-}
 void countingFree(void* block) {
   ++freed;
   std::free(block);
@@ -76,6 +70,8 @@ TEST_F(MemoryManager, CallocAsksTheAllocatorForTheProductAndZeroesIt) {
 }
 
 TEST_F(MemoryManager, ReportsFailuresWithTheirOrigin) {
+  const auto refusingMalloc = [](size_t) -> void* { return nullptr; };
+  const auto refusingRealloc = [](void*, size_t) -> void* { return nullptr; };
   const struct {
     VelAllocatorCallback allocator;
     VelReallocatorCallback reallocator;
