@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <string>
 
 #include "platform/platform.h"
 #include "platform/test/scratch_directory.h"

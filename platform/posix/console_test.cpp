@@ -12,8 +12,6 @@
 #include <cstring>
 #include <filesystem>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "platform/test/child_process.h"
 #include "platform/test/variable.h"

@@ -6,8 +6,6 @@
 #include <atomic>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
-#include <string>
 #include <thread>
 
 #include "platform/platform.h"

@@ -3,12 +3,11 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <filesystem>
-#include <string>
 
 #include "platform/platform.h"
 #include "platform/test/child_process.h"
 #include "platform/test/scratch_directory.h"
+#include "platform/test/table.h"
 #include "platform/test/variable.h"
 
 namespace vel::platform {
@@ -96,16 +95,11 @@ std::uint32_t loading(const std::string& name) {
 TEST_F(FileSearch, OneLibraryNameStandsForThreeFiles) {
   for (const char* name : {"given.DLL", "plain.so", "libusual.so", "bad.so"}) addLibrary(name);
   scratch_.write("bad.DLL", "no library");
-  const struct {
-    const char* name;
-    std::uint32_t error;
-  } rows[] = {{"given.DLL", 0},       {"plain.DLL", 0},     {"usual.DLL", 0},     {"plain.so", 0},
-              {"plain.dll", 0},       {".DLL", ENOENT},     {"usual.so", ENOENT}, {"plain.xyz", ENOENT},
-              {"absent.DLL", ENOENT}, {"bad.DLL", ENOEXEC}, {"", ENOENT}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(loading(path(row.name)), row.error) << row.name;
-    EXPECT_EQ(loading(test::backSlashed(path(row.name))), row.error) << row.name;
-  }
+  for (const auto& row : test::readTable(VEL_TEST_DATA "test/posix/library_names.tsv"))
+    for (const std::string& name : {path(row[0]), test::backSlashed(path(row[0]))})
+      EXPECT_EQ(loading(name), row.at(1) == "yes" ? 0U : std::uint32_t{ENOENT}) << name;
+  EXPECT_EQ(loading(path("bad.DLL")), std::uint32_t{ENOEXEC});
+  EXPECT_EQ(loading(test::backSlashed(path("bad.DLL"))), std::uint32_t{ENOEXEC});
   EXPECT_EQ(loading("C:" + path("GIVEN.dll")), 0U);
   EXPECT_EQ(loading(""), std::uint32_t{ENOENT});
 }

@@ -3,11 +3,12 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <clocale>
-#include <string>
 
 #include "platform/platform.h"
 #include "platform/posix/language_names.h"
+#include "platform/test/table.h"
 #include "platform/test/variable.h"
 
 namespace vel::platform {
@@ -15,39 +16,23 @@ namespace vel::platform {
 namespace {
 
 TEST(PosixLanguages, LocaleNamesGiveLanguageNumbers) {
-  const struct {
-    const char* locale;
-    std::uint32_t language;
-  } rows[] = {{"de_DE.UTF-8", 0x407}, {"fil_PH", 0x464}, {"nb_NO", 0x414}, {"af", 0x436}, {"_DE", 0},
-              {"en_US.UTF-8", 0x409}, {"DE_ch", 0x807},  {"zu_ZA", 0x435}, {"deu_DE", 0}, {"C", 0},
-              {"de_AT@euro", 0xC07},  {"de_XX", 0x407},  {"C.UTF-8", 0},   {"german", 0}, {"d", 0},
-              {"zh_TW.Big5", 0x404},  {"en-GB", 0x809},  {"de_", 0x407},   {"POSIX", 0},  {"", 0},
-              {"de_AT_x", 0x407},     {"pt_PT", 0x816},  {"de", 0x407},    {"xx_DE", 0},  {"en_IN", 0x4009},
-              {"es_ES", 0xC0A},       {"pt", 0x416},     {nullptr, 0}};
-  for (const auto& row : rows)
-    EXPECT_EQ(languageIdOfLocaleName(row.locale), row.language)
-        << (row.locale == nullptr ? "null" : row.locale);
+  for (const auto& row : test::readTable(VEL_TEST_DATA "test/posix/locale_languages.tsv"))
+    EXPECT_EQ(languageIdOfLocaleName(row[0].c_str()), std::stoul(row.at(1), nullptr, 0)) << row[0];
+  EXPECT_EQ(languageIdOfLocaleName(nullptr), 0U);
 }
 
 TEST(PosixLanguages, FollowTheLocaleVariables) {
-  const struct {
-    const char *all, *messages, *characters, *lang;
-    std::uint32_t user, system;
-    bool utf8;
-  } rows[] = {{nullptr, nullptr, nullptr, nullptr, 1033, 1033, false},
-              {nullptr, nullptr, nullptr, "de_DE.UTF-8", 1031, 1031, true},
-              {nullptr, "fr_FR", nullptr, "de_DE.UTF-8", 1036, 1031, true},
-              {"C.utf8@x", "fr_FR", nullptr, "de_DE", 1033, 1031, true},
-              {"", nullptr, "de_DE.utf8", "xx", 1033, 1033, true},
-              {nullptr, nullptr, "de_DE.ISO-8859-15", "de_DE.UTF-8", 1031, 1031, false},
-              {nullptr, nullptr, nullptr, "de_DE.UTF-16", 1031, 1031, false}};
   ASSERT_STREQ(std::setlocale(LC_CTYPE, nullptr), "C");
-  for (const auto& row : rows) {
-    const test::Variable all("LC_ALL", row.all), messages("LC_MESSAGES", row.messages);
-    const test::Variable characters("LC_CTYPE", row.characters), lang("LANG", row.lang);
-    EXPECT_EQ(userLanguage(), row.user) << &row - rows;
-    EXPECT_EQ(systemLanguage(), row.system) << &row - rows;
-    EXPECT_EQ(ansiIsUtf8(), row.utf8) << &row - rows;
+  for (const auto& row : test::readTable(VEL_TEST_DATA "test/posix/locale_variables.tsv")) {
+    const auto value = [&row](std::size_t column) {
+      return row[column] == "-" ? nullptr : row[column].c_str();
+    };
+    const test::Variable all("LC_ALL", value(0)), messages("LC_MESSAGES", value(1));
+    const test::Variable characters("LC_CTYPE", value(2)), lang("LANG", value(3));
+    const std::vector<std::string> found = {std::to_string(userLanguage()), std::to_string(systemLanguage()),
+                                            ansiIsUtf8() ? "yes" : "no"};
+    EXPECT_TRUE(std::equal(found.begin(), found.end(), row.begin() + 4, row.end()))
+        << testing::PrintToString(row);
   }
 }
 

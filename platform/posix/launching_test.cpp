@@ -7,11 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <filesystem>
-#include <functional>
 #include <future>
-#include <string>
-#include <vector>
 
 #include "platform/platform.h"
 #include "platform/posix/inheritance.h"

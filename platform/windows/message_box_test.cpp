@@ -9,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <thread>
 
 #include "platform/test/child_process.h"

@@ -12,7 +12,6 @@
 
 #include <array>
 #include <cstring>
-#include <string>
 
 #include "platform/platform.h"
 #include "platform/test/scratch_directory.h"
