@@ -2,10 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "platform/test/table.h"
+#include "platform/test/variable.h"
 #include "vel_include/vel_helpers.h"
 #include "vel_include/vel_messages.h"
 #include "vel_include/vel_process.h"
@@ -78,31 +77,12 @@ TEST(LanguageOfUser, IsThatOfTheSettings) {
 
 TEST(LanguageOfUser, IsReadFromLocaleNames) {
   if (velGetOperatingSystemId() != 0) GTEST_SKIP() << "Windows keeps settings of its own";
-  const unsigned int austria = VelClLanguage("de-at").getTerritory();
-  const unsigned int us = VelClLanguage("en-us").getTerritory();
-  constexpr unsigned int kNone = VelClLanguage::TERRITORY_UNSPECIFIED;
-  const struct {
-    const char *locale, *language;
-    unsigned int territory;
-  } rows[] = {{"de_AT.UTF-8@euro", "de", austria},
-              {"fil_AT", "??", austria},
-              {"C.UTF-8", "en", us},
-              {"de_AT@euro", "de", austria},
-              {"de-at", "de", austria},
-              {"POSIX", "en", us},
-              {"de_much_too_long_for_a_tag", "en", us},
-              {"de.UTF-8", "de", kNone},
-              {"C", "en", us},
-              {"de_X", "de", VelClLanguage::TERRITORY_UNKNOWN}};
-  const VelClEnvironmentVariableQueryOnly user("LC_ALL");
-  const std::string before = user.hasValue() ? user.getValue() : "";
-  for (const auto& row : rows) {
-    VelClEnvironmentVariable("LC_ALL", row.locale);
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/user_locales.tsv")) {
+    const vel::test::Variable locale("LC_ALL", row[0].c_str());
     const VelClLanguage language = VelClLanguage::getUserLanguage();
-    EXPECT_STREQ(language.getLanguageCode(), row.language) << row.locale;
-    EXPECT_EQ(language.getTerritory(), row.territory) << row.locale;
+    EXPECT_EQ(language.getLanguageCode(), row.at(1)) << row[0];
+    EXPECT_EQ(language.getTerritoryCodeShort(), row.at(2)) << row[0];
   }
-  VelClEnvironmentVariable("LC_ALL", before.c_str());
 }
 
 }  // namespace

@@ -64,11 +64,7 @@ TEST(MessageResource, TextEndsAtItsFirstZeroCharacter) {
 TEST(MessageResource, DamagedPartsAreLeftOut) {
   const Bytes a = tableEntry("aaa"), b = tableEntry("bbb");
   const Bytes bad = {3, 0, 0, 0, 'x', 0, 0, 0}, tooLong = {0xFF, 0xFF, 0, 0, 'x', 0, 0, 0};
-  const struct {
-    const char* name;
-    Bytes bytes;
-    const char* entries;
-  } rows[] = {
+  const std::tuple<const char*, Bytes, const char*> rows[] = {
       {"empty", {}, ""},
       {"half a count", {1, 0, 0}, ""},
       {"more blocks than bytes", Bytes().add32(2).addZeros(12), ""},
@@ -80,7 +76,7 @@ TEST(MessageResource, DamagedPartsAreLeftOut) {
       {"ids backwards in a block", blocks({{2, 1, 28}, {5, 5, 28}}).add(a), "5:aaa "},
       {"blocks backwards", blocks({{5, 5, 28}, {1, 1, 36}}).add(a).add(b), "5:aaa "},
   };
-  for (const auto& row : rows) EXPECT_EQ(walk(row.bytes), row.entries) << row.name;
+  for (const auto& [name, bytes, entries] : rows) EXPECT_EQ(walk(bytes), entries) << name;
 }
 
 TEST(MessageResource, WalkIsBoundedWhenBlocksShareTheirEntries) {

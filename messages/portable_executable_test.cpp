@@ -8,6 +8,7 @@
 #include "messages/message_resource.h"
 #include "messages/test/catalog_builder.h"
 #include "platform/test/scratch_directory.h"
+#include "platform/test/table.h"
 
 namespace {
 
@@ -76,72 +77,27 @@ TEST(PortableExecutable, WalksTheTablesOfBothFormats) {
 }
 
 TEST(PortableExecutable, LanguageChoosesOneTable) {
-  const Bytes german = libraryFile({{1, {{0x407, tableSaying("de")}}}});
-  const Bytes several = libraryFile({{1,
-                                      {{0x07, tableSaying("neutral de")},
-                                       {0x407, messageTable({{2, "de"}})},
-                                       {0x809, tableSaying("uk")}}}});
-  const Bytes neutral = libraryFile({{1, {{0, tableSaying("none")}, {0x409, tableSaying("us")}}}});
-  const struct {
-    const Bytes& file;
-    std::uint32_t language;
-    const char* message;
-  } rows[] = {
-      {german, 0x407, "de"},
-      {german, 0x409, "no table"},
-      {german, 0xC07, "no table"},
-      {german, 0, "no table"},
-      {german, 0x10407, "de"},
-      {several, 0xC07, "neutral de"},
-      {several, 0x407, "no message"},  // the table that was chosen is the only one asked
-      {several, 0x409, "no table"},
-      {neutral, 0x409, "us"},
-      {neutral, 0x809, "none"},
-      {neutral, 0x407, "none"},
-      {libraryFile({{2, {{0x409, tableSaying("two")}}}}), 0x409, "no table"},
-  };
-  for (const auto& row : rows)
-    EXPECT_EQ(messageIn(row.file, row.language, 1), row.message) << std::hex << row.language;
+  const std::map<std::string, Bytes> files = {
+      {"german", libraryFile({{1, {{0x407, tableSaying("de")}}}})},
+      {"several", libraryFile({{1,
+                                {{0x07, tableSaying("neutral de")},
+                                 {0x407, messageTable({{2, "de"}})},
+                                 {0x809, tableSaying("uk")}}}})},
+      {"neutral", libraryFile({{1, {{0, tableSaying("none")}, {0x409, tableSaying("us")}}}})},
+      {"other name", libraryFile({{2, {{0x409, tableSaying("two")}}}})}};
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/chosen_tables.tsv"))
+    EXPECT_EQ(messageIn(files.at(row[0]), static_cast<std::uint32_t>(std::stoul(row[1], nullptr, 0)), 1),
+              row.at(2))
+        << row[0] << row[1];
 }
 
 TEST(PortableExecutable, DamagedTreesAreLeftOut) {
-  constexpr std::size_t kTypeEntry = kTreeOffset + 16;
-  constexpr std::size_t kNameEntry = kTypeEntry + 8 + 16;
-  constexpr std::size_t kLanguageEntry = kNameEntry + 8 + 16;
-  constexpr std::size_t kDataEntry = kLanguageEntry + 16;
-  const struct {
-    const char* name;
-    std::size_t offset;
-    std::uint32_t value;
-    const char* tables;
-  } rows[] = {
-      {"intact", kTypeEntry, 11, "1/1033:24 1/1034:24 "},
-      {"no library", 0, 0, ""},
-      {"header behind the end", 0x3C, 0xFFFFFFFF, ""},
-      {"no signature", 0x40, 0x454E, ""},
-      {"unknown format", 0x58, 0x30B, ""},
-      {"two data directories", 0x58 + 108, 2, ""},
-      {"tree outside of the sections", 0x58 + 112 + 16, 0x900, ""},
-      {"97 sections", 0x44, 0x00618664, ""},
-      {"other type", kTypeEntry, 10, ""},
-      {"type without a directory", kTypeEntry + 4, 24, ""},
-      {"type is its own directory", kTypeEntry + 4, kDirectory, ""},
-      {"type behind the end", kTypeEntry + 4, 0xFFFFFFFF, ""},
-      {"name is text", kNameEntry, kDirectory + 1, ""},
-      {"name goes back to the type", kNameEntry + 4, kDirectory + 24, ""},
-      {"directory in place of a table", kLanguageEntry + 4, kDirectory + 24, "1/1034:24 "},
-      {"language is text", kLanguageEntry, kDirectory + 0x409, "1/1034:24 "},
-      {"table outside of the sections", kDataEntry, 0xFFFFFFFF, "1/1034:24 "},
-      {"table before its section", kDataEntry, 0xFFF, "1/1034:24 "},
-      {"table too big", kDataEntry + 4, 0x1000, "1/1034:24 "},
-      {"table one byte too long for its section", kDataEntry + 16 + 4, 25, "1/1033:24 "},
-      {"table of the largest size", kDataEntry + 4, 0xFFFFFFFF, "1/1034:24 "},
-  };
-  for (const auto& row : rows) {
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/damaged_trees.tsv")) {
     Bytes file = libraryFile({{1, {{0x409, tableSaying("a")}, {0x40A, tableSaying("b")}}}});
     file.resize(0x4000);  // so that only the section and the number of sections set the limits
-    file.put32(row.offset, row.value);
-    EXPECT_EQ(listTables(file), row.tables) << row.name;
+    file.put32(std::stoul(row[1], nullptr, 16),
+               static_cast<std::uint32_t>(std::stoul(row.at(2), nullptr, 16)));
+    EXPECT_EQ(listTables(file), row.at(3)) << row[0];
   }
 }
 
