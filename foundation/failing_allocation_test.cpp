@@ -167,16 +167,13 @@ TEST_F(FailingAllocation, OfCatalogs) {
     std::ostringstream text;
     attempt([&] { formatter.format(text); });
   });
-  void (*const questions[])(VelMsgCatHandle) = {
-      [](VelMsgCatHandle handle) { velMsgCatIsValid(handle, 2); },
-      [](VelMsgCatHandle handle) { velMsgCatGet(handle, 2); },
-      [](VelMsgCatHandle handle) { velMsgCatGetVar(handle, 2, kLong.c_str(), kNull); }};
-  for (const auto question : questions)
-    exhaust("handle", [question] {
-      VelMsgCatHandle handle = velMsgCatOpen("qammsg50");
-      attempt([&] { question(handle); });
-      velMsgCatClose(handle);
-    });
+  exhaust("handle's texts", [] {
+    VelMsgCatHandle handle = velMsgCatOpen("qammsg50");
+    attempt([&] { velMsgCatGetVar(handle, 2, kLong.c_str(), kNull); });
+    attempt([&] { velMsgCatGet(handle, 2); });
+    attempt([&] { velMsgCatIsValid(handle, 2); });
+    velMsgCatClose(handle);
+  });
 }
 
 TEST_F(FailingAllocation, OfMessages) {

@@ -55,34 +55,30 @@ TEST(StringHelpers, CountsAndCopies) {
 }
 
 TEST(ByteOrder, SwapsWholeUnitsInPlace) {
-  const struct {
-    void (*convert)(void*, size_t);
-    bool swaps;
-  } rows[] = {{velEndianConvertW16HostToLittle, false}, {velEndianConvertW16BigToLittle, true},
-              {velEndianConvertW16LittleToHost, false}, {velEndianConvertW16HostToBig, true},
-              {velEndianConvertW16LittleToBig, true},   {velEndianConvertW16BigToHost, true}};
+  const std::pair<void (*)(void*, size_t), bool> rows[] = {
+      {velEndianConvertW16HostToLittle, false}, {velEndianConvertW16BigToLittle, true},
+      {velEndianConvertW16LittleToHost, false}, {velEndianConvertW16HostToBig, true},
+      {velEndianConvertW16LittleToBig, true},   {velEndianConvertW16BigToHost, true}};
   const char* const swapped[] = {"abcdef", "abcdef", "bacdef", "bacdef", "badcef", "badcef"};
-  for (const auto& row : rows)
+  for (const auto& [convert, swaps] : rows)
     for (size_t count = 0; count <= 5; ++count) {
       std::string bytes = "abcdef";
-      row.convert(bytes.data(), count);
-      EXPECT_EQ(bytes, row.swaps ? swapped[count] : "abcdef") << "row " << &row - rows << ", bytes " << count;
+      convert(bytes.data(), count);
+      EXPECT_EQ(bytes, swaps ? swapped[count] : "abcdef") << "bytes " << count;
     }
 }
 
 TEST(Timing, SleepCountsWrapIn32Bits) {
-  const struct {
-    void (*sleep)(unsigned long);
-    unsigned long count;  ///< years, if it did not wrap
-    double seconds;
-  } rows[] = {{velSleepSeconds, 115964117, 0.008},
-              {velSleepHours, 29446773, 0.128},
-              {velSleepMinutes, 106157275, 0.032}};
-  for (const auto& row : rows) {
+  // The counts would be years, if they did not wrap.
+  const std::tuple<void (*)(unsigned long), unsigned long, double> rows[] = {
+      {velSleepSeconds, 115964117, 0.008},
+      {velSleepHours, 29446773, 0.128},
+      {velSleepMinutes, 106157275, 0.032}};
+  for (const auto& [sleep, count, seconds] : rows) {
     VelClTiming timing;
-    row.sleep(row.count);
+    sleep(count);
     // Some systems' ticks are as long as the shortest of these times.
-    EXPECT_GE(timing.elapsed(), row.seconds / 2);
+    EXPECT_GE(timing.elapsed(), seconds / 2);
     EXPECT_LT(timing.elapsed(), 60);
   }
 }
