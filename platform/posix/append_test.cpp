@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -62,16 +61,6 @@ TEST_F(PosixAppend, RefusesWithoutWaiting) {
   EXPECT_EQ(error_, EPIPE);
   EXPECT_EQ(append(directory_.path("missing/file"), "a", "b"), -1);
   EXPECT_EQ(error_, ENOENT);
-}
-
-TEST(PosixThreads, ForkedChildrenAreOtherThreads) {
-  const std::uint32_t parent = currentThreadId();
-  const pid_t child = fork();
-  if (child == 0) _exit(currentThreadId() == static_cast<std::uint32_t>(getpid()) ? 0 : 1);
-  int status = -1;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(currentThreadId(), parent);
 }
 
 }  // namespace

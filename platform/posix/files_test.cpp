@@ -87,16 +87,12 @@ TEST_F(PosixFiles, NamesWithALeadingDotAreHidden) {
 }
 
 TEST_F(PosixFiles, OnlyWriteBitsChange) {
-  const struct {
-    mode_t before;
-    bool readOnly;
-    mode_t after;
-  } rows[] = {
+  const std::tuple<mode_t, bool, mode_t> rows[] = {
       {04755, true, 04555}, {0020, false, 0220}, {0462, true, 0440}, {0555, false, 0755}, {0755, true, 0555}};
-  for (const auto& row : rows) {
-    ASSERT_EQ(chmod(file_.c_str(), row.before), 0);
-    EXPECT_EQ(setReadOnly(file_.c_str(), row.readOnly), 0);
-    EXPECT_EQ(modeOf("file"), row.after) << std::oct << row.before;
+  for (const auto& [before, readOnly, after] : rows) {
+    ASSERT_EQ(chmod(file_.c_str(), before), 0);
+    EXPECT_EQ(setReadOnly(file_.c_str(), readOnly), 0);
+    EXPECT_EQ(modeOf("file"), after) << std::oct << before;
   }
 }
 

@@ -117,6 +117,12 @@ TEST(PosixLaunching, WorksWithoutStandardStreams) {
             0);
 }
 
+TEST(PosixThreads, ForkedChildrenAreOtherThreads) {
+  const std::uint32_t parent = currentThreadId();
+  EXPECT_EQ(statusOfCopy([] { return currentThreadId() == static_cast<std::uint32_t>(getpid()); }), 0);
+  EXPECT_EQ(currentThreadId(), parent);
+}
+
 TEST(PosixLaunching, SignalsAreTreatedAsBeforeAndBecomeExitCodes) {
   sigset_t blocked, before, after;
   sigemptyset(&blocked);

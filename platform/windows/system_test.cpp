@@ -1,4 +1,4 @@
-// Import thunks, platform identifiers, terminals, code pages and catalog libraries; and the public
+// Import thunks, platform identifiers, terminals and code pages; and the public
 // headers beside windows.h, which defines some of their names as macros.
 #include <windows.h>
 
@@ -14,7 +14,6 @@
 #include <cstring>
 
 #include "platform/platform.h"
-#include "platform/test/scratch_directory.h"
 
 // Both macros are as they were.
 static_assert(static_cast<int>(VelEnErrorAction::NO_ACTION) == IGNORE && VEL_NO_ERROR == NO_ERROR);
@@ -57,26 +56,15 @@ TEST(WindowsSystem, TheNullDeviceIsNoTerminal) {
 
 TEST(WindowsSystem, TextsAreCutBetweenCharacters) {
   if (ansiIsUtf8()) GTEST_SKIP() << "no single-byte code page";
-  const struct {
-    std::u16string text;
-    std::size_t capacity;
-    std::string bytes;
-  } rows[] = {{u"a\U0001F600b", 9, "a?b"}, {u"x\uFFFF", 9, "x?"}, {u"ab", 1, "a"},
-              {{0xDE00, u'x'}, 9, "?x"},   {u"ab", 9, "ab"},      {u"ab", 0, ""}};
-  for (const auto& row : rows) {
+  const std::tuple<std::u16string, std::size_t, std::string> rows[] = {
+      {u"a\U0001F600b", 9, "a?b"}, {u"x\uFFFF", 9, "x?"}, {u"ab", 1, "a"},
+      {{0xDE00, u'x'}, 9, "?x"},   {u"ab", 9, "ab"},      {u"ab", 0, ""}};
+  for (const auto& [text, capacity, bytes] : rows) {
     std::string out(16, '#');
-    const std::size_t count = utf16ToAnsi(row.text.data(), row.text.size(), out.data(), row.capacity);
-    EXPECT_EQ(out.substr(0, count), row.bytes) << &row - rows;
-    EXPECT_EQ(out[row.capacity], '#') << &row - rows;
+    const std::size_t count = utf16ToAnsi(text.data(), text.size(), out.data(), capacity);
+    EXPECT_EQ(out.substr(0, count), bytes) << bytes;
+    EXPECT_EQ(out[capacity], '#') << bytes;
   }
-}
-
-TEST(WindowsSystem, WhatIsNoLibraryIsNoCatalog) {
-  const test::ScratchDirectory scratch;
-  CatalogImage image{};
-  for (const std::string& name :
-       {scratch.path("missing.DLL"), scratch.write("text.DLL", "no library"), scratch.write("empty.DLL", "")})
-    EXPECT_FALSE(openCatalog(name.c_str(), image)) << name;
 }
 
 }  // namespace
