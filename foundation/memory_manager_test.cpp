@@ -72,12 +72,7 @@ TEST_F(MemoryManager, CallocAsksTheAllocatorForTheProductAndZeroesIt) {
 TEST_F(MemoryManager, ReportsFailuresWithTheirOrigin) {
   const auto refusingMalloc = [](size_t) -> void* { return nullptr; };
   const auto refusingRealloc = [](void*, size_t) -> void* { return nullptr; };
-  const struct {
-    VelAllocatorCallback allocator;
-    VelReallocatorCallback reallocator;
-    void (*call)();
-    const char* failure;
-  } rows[] = {
+  const std::tuple<VelAllocatorCallback, VelReallocatorCallback, void (*)(), const char*> rows[] = {
       {refusingMalloc, nullptr, [] { velMalloc(8); }, "1001001 200 359"},
       {refusingMalloc, nullptr, [] { velCalloc(2, 4); }, "1001001 200 359"},
       {refusingMalloc, nullptr, [] { velMalloc(0); }, "1001004 202 359"},
@@ -91,9 +86,9 @@ TEST_F(MemoryManager, ReportsFailuresWithTheirOrigin) {
       // Size 0 frees the block and returns null in both runtimes.
       {std::malloc, nullptr, [] { velRealloc(velMalloc(4), 0); }, "1001004 202 277"},
   };
-  for (const auto& row : rows) {
-    velSetNewMemoryManager(row.allocator, row.reallocator, std::free);
-    EXPECT_EQ(failureOf(row.call), row.failure) << "row " << &row - rows;
+  for (const auto& [allocator, reallocator, call, failure] : rows) {
+    velSetNewMemoryManager(allocator, reallocator, std::free);
+    EXPECT_EQ(failureOf(call), failure);
   }
 }
 

@@ -61,21 +61,18 @@ TEST(MessageCatalog, LoadsFromADirectory) {
 TEST(MessageCatalog, ChoosesItsLanguage) {
   const unsigned int user = userIsGerman() ? kGerman : kEnglish;
   constexpr unsigned int kNeutral = 0, kFrench = 1036;
-  const struct {
-    unsigned int only;  ///< the catalog's language
-    unsigned int chosen;
-    bool speaks;
-  } rows[] = {{kGerman, user, userIsGerman()},
-              {kEnglish, kEnglish, true},
-              {kFrench, kEnglish, false},
-              {kNeutral, user, true}};
-  for (const auto& row : rows) {
+  // The catalog's only language, the one chosen, and whether its texts are found.
+  const std::tuple<unsigned int, unsigned int, bool> rows[] = {{kGerman, user, userIsGerman()},
+                                                               {kEnglish, kEnglish, true},
+                                                               {kFrench, kEnglish, false},
+                                                               {kNeutral, user, true}};
+  for (const auto& [only, chosen, speaks] : rows) {
     const vel::test::ScratchDirectory directory;
-    const std::string path = directory.write("one.DLL", catalogOf(row.only));
+    const std::string path = directory.write("one.DLL", catalogOf(only));
     const VelClMessageCatalog catalog(VelClFilename(path.c_str()));
     EXPECT_TRUE(catalog.isValid());
-    EXPECT_EQ(catalog.getLanguage(), row.chosen) << row.only;
-    EXPECT_EQ(textOf(catalog, 2), row.speaks ? "nur 1" : "UNABLE TO LOAD MESSAGE #2 FROM CATALOG: " + path);
+    EXPECT_EQ(catalog.getLanguage(), chosen) << only;
+    EXPECT_EQ(textOf(catalog, 2), speaks ? "nur 1" : "UNABLE TO LOAD MESSAGE #2 FROM CATALOG: " + path);
   }
   for (const char* name : {"small_catalog", "small_ansi_catalog"}) {
     const VelClMessageCatalog catalog{VelClFilename(name)};
