@@ -191,9 +191,11 @@ TEST_F(DirectoryTest, ShowsAndRemovesNamesOfAnyLength) {
     ASSERT_TRUE(fs::create_directory(path));
     ASSERT_TRUE((std::ofstream(path / longest) << "text").flush());
   }
-  VelClDirectoryWalk walk(directory("tree"));
-  while (walk.isValid() && !walk.isFile()) walk.setToNext();
-  EXPECT_EQ(typed("tree\\") + longest, walk.getNameWithPath());
+  {
+    VelClDirectoryWalk walk(directory("tree"));
+    while (walk.isValid() && !walk.isFile()) walk.setToNext();
+    EXPECT_EQ(typed("tree\\") + longest, walk.getNameWithPath());
+  }
   EXPECT_TRUE(directory("tree").removeAll(true));
   EXPECT_FALSE(fs::exists(scratch_.path("tree")));
 }
