@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "platform/test/table.h"
 #include "vel_include/vel_trace.h"
 
 namespace {
@@ -19,36 +20,16 @@ std::string enabled(const VelClTraceFilter& filter) {
 }
 
 TEST(TraceFilter, ReadsComponentLists) {
-  const struct {
-    const char* list;
-    const char* fromNone;
-    const char* fromAll;
-  } rows[] = {
-      {"", "", "1-255"},
-      {"0", "", "1-255"},
-      {"300", "", "1-255"},
-      {"4294967297", "", "1-255"},
-      {"7", "7", "1-255"},
-      {"10.12,20..21", "10-12 20-21", "1-255"},
-      {"250.300", "250-255", "1-255"},
-      {"12.10", "", "1-255"},
-      {"-3,4", "4", "1-2 4-255"},
-      {"10-20", "", "1-19 21-255"},
-      {"-*", "", ""},
-      {"*,-7.9", "1-6 10-255", "1-6 10-255"},
-      {"-+5 x,,6", "5-6", "1-255"},
-      {".5,9", "9", "1-255"},
-  };
-  for (const auto& row : rows) {
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/component_lists.tsv")) {
     VelClTraceFilter none;
     none.disableAllComponentIds();
-    none.enableComponentIds(row.list);
-    EXPECT_EQ(enabled(none), row.fromNone) << row.list;
-    EXPECT_TRUE(none.matchesCompId(0)) << row.list;
+    none.enableComponentIds(row[0].c_str());
+    EXPECT_EQ(enabled(none), row[1]) << row[0];
+    EXPECT_TRUE(none.matchesCompId(0)) << row[0];
     VelClTraceFilter all;
-    all.enableComponentIds(row.list);
-    EXPECT_EQ(enabled(all), row.fromAll) << row.list;
-    EXPECT_EQ(all.usesCompIdFilter(), enabled(all) != "1-255") << row.list;
+    all.enableComponentIds(row[0].c_str());
+    EXPECT_EQ(enabled(all), row[2]) << row[0];
+    EXPECT_EQ(all.usesCompIdFilter(), enabled(all) != "1-255") << row[0];
   }
 }
 

@@ -2,14 +2,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <sstream>
-#include <streambuf>
 #include <string>
 
+#include "platform/test/table.h"
 #include "trace/test/trace_fixture.h"
 #include "vel_include/vel_error.h"
 #include "vel_include/vel_messages.h"
@@ -17,44 +18,48 @@
 namespace {
 
 using Bytes = std::string;
+using testing::StartsWith;
 
-Bytes zeros(std::size_t count) {
-  return Bytes(count, '\0');
+/// "4D*3" as three bytes 4D, "4D00" as two bytes.
+Bytes bytesOf(const std::string& text) {
+  const std::size_t star = std::min(text.find('*'), text.size());
+  Bytes bytes;
+  for (std::size_t i = 0; i + 1 < star; i += 2)
+    bytes += static_cast<char>(std::stoi(text.substr(i, 2), nullptr, 16));
+  return star == text.size() ? bytes : Bytes(std::stoul(text.substr(star + 1)), bytes.front());
 }
 
-Bytes number32(std::uint32_t number) {
+Bytes number32(unsigned long number) {
   Bytes bytes;
   for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(number >> shift);
   return bytes;
 }
 
-/// What a record has unless a test says otherwise.
-struct Fields {
-  unsigned int type = 0;
-  Bytes data = {};
-  std::string origin = "f";
-  std::string message = "m";
-  unsigned int detail = 1;
-  unsigned int component = 0;
-  std::uint32_t thread = 30;
-  int missing = 0;  ///< how many bytes of data the file lacks
-};
-
-Bytes record(const Fields& fields) {
-  Bytes bytes = {static_cast<char>(fields.type | fields.detail << 6), static_cast<char>(fields.component),
-                 static_cast<char>(fields.message.size()), static_cast<char>(fields.origin.size())};
-  bytes += number32(10) + number32(20) + number32(fields.thread);
-  bytes +=
-      number32(static_cast<std::uint32_t>(fields.data.size()) + static_cast<std::uint32_t>(fields.missing));
-  return bytes + fields.message + fields.origin + fields.data;
+/// A record from "type/data/component/origin/detail/thread/how many bytes of data the file lacks". What is
+/// empty has a default; the ends of functions have no message.
+Bytes recordOf(const std::string& text) {
+  std::string fields[7] = {"", "", "0", "f", "1", "30", "0"};
+  std::istringstream stream(text);
+  std::string field;
+  for (int i = 0; std::getline(stream, field, '/'); ++i)
+    if (!field.empty()) fields[i] = field;
+  const int type = std::stoi(fields[0]);
+  const Bytes data = bytesOf(fields[1]);
+  const Bytes message = type == 1 || type == 2 ? "" : "m";
+  const Bytes head = {static_cast<char>(type | std::stoi(fields[4]) << 6),
+                      static_cast<char>(std::stoi(fields[2])), static_cast<char>(message.size()),
+                      static_cast<char>(fields[3].size())};
+  return head + number32(10) + number32(20) + number32(std::stoul(fields[5])) +
+         number32(data.size() + static_cast<unsigned long>(std::stol(fields[6]))) + message + fields[3] +
+         data;
 }
 
-Bytes entryOf(std::uint32_t nestingLevel, const std::string& origin = "f") {
-  return record({.type = 1, .data = number32(nestingLevel), .origin = origin, .message = ""});
-}
-
-Bytes exitOf(std::uint32_t nestingLevel, const std::string& origin = "f") {
-  return record({.type = 2, .data = number32(nestingLevel), .origin = origin, .message = ""});
+/// Records with blanks between them.
+Bytes fileOf(const std::string& text) {
+  std::istringstream words(text);
+  Bytes file;
+  for (std::string word; words >> word;) file += recordOf(word);
+  return file;
 }
 
 /// What an exception tells, "1000703 202 VelClTraceFormatter::formatData, line 541".
@@ -71,7 +76,7 @@ std::string describe(const VelClException& exception) {
 class TraceFormatter : public vel::test::TraceTest {
  protected:
   TraceFormatter() : environment_(environment()), formatter_(*environment_, nullptr) {
-    environment_->getSettings().setDetailLevel("HIGH");
+    environment_->getSettings().setDetailLevel("MED");
   }
 
   /// The text, and the fault that ended it in brackets.
@@ -84,9 +89,9 @@ class TraceFormatter : public vel::test::TraceTest {
     }
     return text.str();
   }
-  std::string format(const Bytes& file, const char* formatString) {
+  std::string format(const Bytes& file, const std::string& formatString) {
     std::ofstream(file_, std::ios::binary | std::ios::trunc) << file;
-    formatter_.setFormatString(formatString);
+    formatter_.setFormatString(formatString.c_str());
     return format();
   }
 
@@ -94,124 +99,19 @@ class TraceFormatter : public vel::test::TraceTest {
   VelClTraceFormatter formatter_;
 };
 
-TEST_F(TraceFormatter, ShowsEveryTypeOfData) {
-  const Bytes x87One = zeros(7) + "\x80\xFF\x3F";
-  struct Row {
-    unsigned int type;
-    Bytes data;
-    std::string text;
-  };
-  const Row rows[] = {
-      {3, "", ""},
-      {4, "", "\n"},
-      {4, "A\x7F", "\n00000000: 41 7F __ __ __ __ __ __  __ __ __ __ __ __ __ __ | A.______________"},
-      {5, Bytes(17, 'B'),
-       "\n00000000: 42 42 42 42 42 42 42 42  42 42 42 42 42 42 42 42 | BBBBBBBBBBBBBBBB\n"
-       "00000010: 42 __ __ __ __ __ __ __  __ __ __ __ __ __ __ __ | B_______________"},
-      {6, "", "*** Illegal NULL pointer ***"},
-      {7, "\x10\x2A" + zeros(6), "0x2a10"},
-      {7, zeros(8), "0"},
-      {8, "", "\"\""},
-      {8, Bytes(20000, 'x'), '"' + Bytes(20000, 'x') + '"'},
-      {9, "a", "\n00000000: 61 __ __ __ __ __ __ __  __ __ __ __ __ __ __ __ | a_______________"},
-      {10, zeros(1), "FALSE"},
-      {10, "\x80", "TRUE"},
-      {11, "'", "0x27/39/'''"},
-      {11, ".", "0x2E/46/'.'"},
-      {11, "\x7F", "0x7F/127"},
-      {11, "\x80", "0x80/-128"},
-      {12, "\xFF", "0xFF/255"},
-      {13, zeros(2), "0x0/0"},
-      {14, "\x01\x80", "0x8001/32769"},
-      {15, Bytes(4, '\xFF'), "0xFFFFFFFF/-1"},
-      {16, Bytes(4, '\xFF'), "0xFFFFFFFF/4294967295"},
-      {17, Bytes(8, '\xFF'), "0xFFFFFFFFFFFFFFFF/-1"},
-      {18, Bytes(8, '\xFF'), "0xFFFFFFFFFFFFFFFF/18446744073709551615"},
-      {18, "\x01" + zeros(7) + "more", "0x1/1"},
-      {19, Bytes("\xDB\x0F\x49\x40"), "3.14159"},
-      {19, zeros(2) + "\x80\x7F", "inf"},
-      {20, "\x11\x2D\x44\x54\xFB\x21\x09\x40", "3.14159"},
-      {20, zeros(6) + "\x59\x40", "100"},
-      {21, zeros(6) + "\x59\x40", "100"},
-      {21, x87One, "1"},
-      {21, x87One + "??", "1"},
-      {21, x87One + "??????", "1"},
-      {21, zeros(10), "0"},
-      {21, zeros(7) + "\x80\xFF\x7F", "inf"},
-      // Not what the x87 calls a number: no leading bit, or one where none may be.
-      {21, zeros(8) + "\xFF\x3F", "nan"},
-      {21, zeros(7) + "\x80" + zeros(2), "nan"},
-  };
-  for (const Row& row : rows)
-    EXPECT_EQ(format(record({.type = row.type, .data = row.data}), "%d"), row.text) << row.type;
+// Every type of data, every directive of formats, every fault of records.
+TEST_F(TraceFormatter, MakesTextOfRecords) {
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/formatted.tsv"))
+    EXPECT_EQ(format(fileOf(row[0]), row[1]), vel::test::unescaped(row[2])) << row[0];
+  const std::string dashes(20000, '-');
+  EXPECT_EQ(format(fileOf("8/78*20000"), dashes + "%d" + dashes),
+            dashes + '"' + std::string(20000, 'x') + '"' + dashes);
 }
 
-TEST_F(TraceFormatter, WalksTheFormat) {
-  const Bytes entry = record({.type = 8, .data = "d", .component = 7});
-  const Bytes clipped = record({.type = 5, .data = "A"});
-  const std::string line = "\n00000000: 41 __ __ __ __ __ __ __  __ __ __ __ __ __ __ __ | A_______________";
-  const std::string longText(20000, '-');
-  struct Row {
-    Bytes file;
-    std::string format;
-    std::string text;
-  };
-  const Row rows[] = {
-      {entry, "%f,%m,%x,%X,%c,%p,%s,%t,%l,%d", "f,m,cpsz,C string,7,20,10,30,LOW,\"d\""},
-      {entry, "%d%n\\n\\t\\\\\\q%%%q.", "\"d\"\n\n\t\\q%%."},
-      {entry, "%d%", "\"d\""},
-      {entry, "%d\\", "\"d\""},
-      {entry, longText + "%d" + longText, longText + "\"d\"" + longText},
-      {clipped, "%x%d", "DA (1 Bytes) *** Clipped ***" + line},
-      {clipped, "%X%d", "DATA (1 Bytes) *** Clipped ***" + line},
-      {record({.type = 22}), "%x%X.%d", ".[1000703 202 formatData, line 541]"},
-      {record({.type = 23}), "<%X%d", "<[1000703 203 getTypeAsCString, line 602]"},
-      // Without "%d" the data is taken for a record, here for the head of one that is cut off.
-      {entry + entry, "%m", "m"},
-      {entry, "%d%d", "\"d\"\"[1000702 502 formatCString, line 323]"},
-      {entryOf(3, "g"), "%f%n   P: %p, T: %s, D: %l, C: %c%n   Data: %m (%x: %d%n)",
-       "g\n   P: 20, T: 10, D: LOW, C: 0\n   Data:  (FE: \n)"},
-      {"", "%d", ""},
-  };
-  for (const Row& row : rows) EXPECT_EQ(format(row.file, row.format.c_str()), row.text) << row.format;
-}
-
-TEST_F(TraceFormatter, ReportsDamage) {
-  const Bytes before = record({.type = 12, .data = "A"});
-  struct Row {
-    Bytes file;
-    const char* fault;
-  };
-  const Row rows[] = {
-      {record({.type = 0}), "1000703 202 formatData, line 541"},
-      {record({.type = 31, .data = "x"}), "1000703 202 formatData, line 541"},
-      {record({.type = 1, .data = "abc"}), "1000703 202 formatData, line 405"},
-      {record({.type = 2, .data = "abcde"}), "1000703 202 formatData, line 405"},
-      {record({.type = 3, .data = "x"}), "1000703 202 formatData, line 433"},
-      {record({.type = 7, .data = "abcd"}), "1000703 202 formatData, line 364"},
-      {record({.type = 6, .data = Bytes(128, 'x')}), "1000703 202 formatData, line 377"},
-      {record({.type = 12, .data = Bytes(128, 'x')}), "1000703 202 formatData, line 377"},
-      {record({.type = 10}), "1000703 202 formatData, line 502"},
-      {record({.type = 18, .data = "1234567"}), "1000703 202 formatData, line 502"},
-      {record({.type = 21, .data = "12345678901"}), "1000703 202 formatData, line 502"},
-      {record({.type = 12, .data = Bytes(126, 'x'), .missing = 1}), "1000702 502 formatEntry, line 644"},
-      {record({.type = 1, .data = "abc", .missing = 1}), "1000702 502 formatEntry, line 644"},
-      {record({.type = 7, .data = "1234567", .missing = 1}), "1000702 502 formatAdrs, line 247"},
-      {record({.type = 4, .data = "", .missing = -1}), "1000702 502 formatHexDump, line 277"},
-      {record({.type = 9, .data = Bytes(15, 'x'), .missing = 1}), "1000702 502 formatHexDump, line 277"},
-      {record({.type = 8, .data = "abc", .missing = -4}), "1000702 502 formatCString, line 323"},
-      {record({.type = 8, .data = "abc", .detail = 3, .missing = -4}), "1000702 502 skipEntry, line 186"},
-  };
-  environment_->getSettings().setDetailLevel("MED");
-  for (const Row& row : rows) {
-    const std::string text = format(before + row.file, "%d;");
-    EXPECT_THAT(text, testing::StartsWith("0x41/65/'A';")) << row.fault;
-    EXPECT_THAT(text, testing::EndsWith(std::string("[") + row.fault + ']'));
-  }
-  // A record whose head or texts are cut off is none.
-  const Bytes whole = before + before;
-  for (std::size_t size = before.size(); size < whole.size() - 1; ++size)
-    EXPECT_EQ(format(whole.substr(0, size), "%d;"), "0x41/65/'A';") << size;
+TEST_F(TraceFormatter, EndsBeforeARecordWhoseHeadOrTextsAreCutOff) {
+  const Bytes one = fileOf("12/41");
+  for (std::size_t size = 0; size < one.size() - 1; ++size)
+    EXPECT_EQ(format(one + one.substr(0, size), "%d;"), "0x41/65/'A';") << size;
 }
 
 TEST_F(TraceFormatter, OpensFilesOnly) {
@@ -224,8 +124,7 @@ TEST_F(TraceFormatter, OpensFilesOnly) {
 TEST_F(TraceFormatter, IndentsByTheLevelBehindTheData) {
   formatter_.setDisplayIndentation(". ");
   formatter_.setShowNestingLevel(true);
-  const Bytes file = entryOf(1) + entryOf(2) + record({.type = 4, .data = "A"}) + exitOf(1) +
-                     exitOf(0xFFFFFFFF) + entryOf(0x80000000);
+  const Bytes file = fileOf("1/01000000 1/02000000 4/41 2/01000000 2/FFFFFFFF 1/00000080");
   EXPECT_EQ(format(file, "%x%n%d%n"),
             "FE\nNesting level: 1\n. "
             "FE\n. Nesting level: 2\n. . "
@@ -235,16 +134,14 @@ TEST_F(TraceFormatter, IndentsByTheLevelBehindTheData) {
             "FX\n. Nesting level: 4294967295\n"
             "FE\nNesting level: 2147483648\n");
   formatter_.setShowNestingLevel(false);
-  EXPECT_EQ(format(entryOf(0x7FFFFFFF), "%d%n").size(), 1 + 2 * 1024);
+  EXPECT_EQ(format(fileOf("1/FFFFFF7F"), "%d%n").size(), 1 + 2 * 1024);
 }
 
 TEST_F(TraceFormatter, ShowsTheBytesOfValues) {
   formatter_.setShowHex(true);
   formatter_.setShowBinary(true);
   formatter_.setDisplayIndentation("> ");
-  const Bytes file = entryOf(1) + record({.type = 13, .data = "AB"}) + record({.type = 6}) +
-                     record({.type = 21, .data = zeros(7) + "\x80\xFF\x3F"});
-  EXPECT_EQ(format(file, "%d;"),
+  EXPECT_EQ(format(fileOf("1/01000000 13/4142 6 21/0000000000000080FF3F"), "%d;"),
             ";0x4241/16961"
             "\n> HEX: 41 42 __ __ __ __ __ __  __ __ __ __ __ __ __ __ | AB______________"
             "\n> BIN: 01000001 01000010 ________ ________  ________ ________ ________ ________ | AB______"
@@ -255,31 +152,23 @@ TEST_F(TraceFormatter, ShowsTheBytesOfValues) {
 }
 
 TEST_F(TraceFormatter, HidesWhatIsNotWanted) {
-  const auto note = [](const char* origin, unsigned int detail, unsigned int component,
-                       std::uint32_t thread) {
-    return record({.type = 10,
-                   .data = Bytes(100, 'x'),
-                   .origin = origin,
-                   .detail = detail,
-                   .component = component,
-                   .thread = thread});
-  };
-  std::ofstream(file_, std::ios::binary) << entryOf(1, "a") + note("a", 1, 0, 30) + note("a", 2, 7, 31) +
-                                                entryOf(2, "b") + note("b", 3, 8, 30) + exitOf(1, "b") +
-                                                note("a", 1, 8, 31) + exitOf(0, "a");
+  std::ofstream(file_, std::ios::binary) << fileOf(
+      "1/01000000//a 10/78*100//a 10/78*100/7/a/2/31 1/02000000//b "
+      "10/78*100/8/b/3 2/01000000//b 10/78*100/8/a//31 2/00000000//a");
   struct Row {
     void (*choose)(VelClTraceFormatter&, VelClTraceFilter&);
     const char* text;
   };
   const Row rows[] = {
-      {[](auto&, auto&) {}, "aFE ab ab bFE bb bFX ab aFX "},
-      {[](auto& formatter, auto&) { formatter.setShowFunctionRecords(false); }, "ab ab bb ab "},
+      {[](auto&, auto&) {}, "aFE abTRUE abTRUE bFE bbTRUE bFX abTRUE aFX "},
+      {[](auto& formatter, auto&) { formatter.setShowFunctionRecords(false); },
+       "abTRUE abTRUE bbTRUE abTRUE "},
       // The name of an entry is always shown, and does not count as the last one.
       {[](auto& formatter, auto&) { formatter.setShowRepeatedFunctionNames(false); },
-       "aFE ab b bFE bb FX ab FX "},
-      {[](auto&, auto& filter) { filter.setDetail("MED"); }, "aFE ab ab bFE bFX ab aFX "},
-      {[](auto&, auto& filter) { filter.disableComponentId(8); }, "aFE ab ab bFE bFX aFX "},
-      {[](auto&, auto& filter) { filter.setThreadId(31U); }, "ab ab "},
+       "aFE abTRUE bTRUE bFE bbTRUE FX abTRUE FX "},
+      {[](auto&, auto& filter) { filter.setDetail("MED"); }, "aFE abTRUE abTRUE bFE bFX abTRUE aFX "},
+      {[](auto&, auto& filter) { filter.disableComponentId(8); }, "aFE abTRUE abTRUE bFE bFX aFX "},
+      {[](auto&, auto& filter) { filter.setThreadId(31U); }, "abTRUE abTRUE "},
       {[](auto&, auto& filter) { filter.setProcessId(21U); }, ""},
   };
   for (const Row& row : rows) {
@@ -287,19 +176,15 @@ TEST_F(TraceFormatter, HidesWhatIsNotWanted) {
     filter.setDetail(VelEnTraceDetail::HIGH);
     VelClTraceFormatter formatter(*environment_, &filter);
     row.choose(formatter, filter);
-    // The values of the notes are of no interest here, but the format must show them.
-    formatter.setFormatString("%f%x %d");
+    formatter.setFormatString("%f%x%d ");
     std::ostringstream stream;
     formatter.format(stream);
-    std::string text = stream.str();
-    for (std::size_t at = 0; (at = text.find("TRUE", at)) != std::string::npos;) text.erase(at, 4);
-    EXPECT_EQ(text, row.text);
+    EXPECT_EQ(stream.str(), row.text);
     EXPECT_EQ(formatter.getNumOfEntries(), 8U);
   }
 }
 
 TEST_F(TraceFormatter, TakesItsWordsFromACatalog) {
-  const Bytes file = entryOf(1) + record({.type = 6}) + record({.type = 5}) + exitOf(0);
   const char* texts[193] = {"[VEL_MSGTAB_SIGNATURE] 193", "[TEST]"};
   texts[189] = "octets";
   texts[190] = " cut";
@@ -311,24 +196,9 @@ TEST_F(TraceFormatter, TakesItsWordsFromACatalog) {
   formatter_.attachVelMessageCatalog(catalog);
   formatter_.setShowNestingLevel(true);
   // An exit's level keeps the built-in word.
-  EXPECT_EQ(format(file, "%x%d;"), "FEdepth 1;DAnull!;DA (0 octets) cut\n;FXNesting level: 0;");
+  EXPECT_EQ(format(fileOf("1/01000000 6 5 2/00000000"), "%x%d;"),
+            "FEdepth 1;DAnull!;DA (0 octets) cut\n;FXNesting level: 0;");
 }
-
-/// Counts what is formatted and keeps nothing.
-class CountingBuffer : public std::streambuf {
- public:
-  std::streamsize count = 0;
-
- protected:
-  std::streamsize xsputn(const char*, std::streamsize size) override {
-    count += size;
-    return size;
-  }
-  int_type overflow(int_type c) override {
-    ++count;
-    return traits_type::not_eof(c);
-  }
-};
 
 /// A trace of every data type, in a file whose bytes can be changed.
 class DamagedTrace : public TraceFormatter {
@@ -343,18 +213,15 @@ class DamagedTrace : public TraceFormatter {
 
   /// Fails for everything but an end by text or by one of the file's errors.
   void expectAnEnd(const std::string& where) {
-    CountingBuffer buffer;
-    std::ostream stream(&buffer);
+    std::ostringstream stream;
     try {
       formatter_.format(stream);
     } catch (const VelClException& exception) {
-      EXPECT_TRUE(exception.getId() == TRACEFORMAT_UNEXPECTED_EOF ||
-                  exception.getId() == TRACEFORMAT_FILE_CORRUPTED)
+      EXPECT_THAT(describe(exception), testing::AnyOf(StartsWith("1000702 "), StartsWith("1000703 ")))
           << where;
-      describe(exception);
     }
     EXPECT_LE(formatter_.getNumOfEntries(), whole_.size() / 20) << where;
-    EXPECT_LT(buffer.count, 1000000) << where;
+    EXPECT_LT(stream.tellp(), 1000000) << where;
   }
 
   const Bytes whole_;
