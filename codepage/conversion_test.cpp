@@ -1,101 +1,77 @@
-// The conversion functions through converters: their oddities, every target size, every split of the source,
+// The conversions through converters: their oddities and sizes, every target size, every split of the source,
 // and UTF-8 against a slow reference.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <random>
 #include <string>
 
 #include "codepage/test/conversion_outcome.h"
 #include "codepage/test/reference_utf8.h"
+#include "platform/test/table.h"
 
 namespace {
-
-using namespace std::string_literals;
 
 const VelClCodePage2UnicodeConverter kFromUtf8{ccsid(1208)};
 const VelClUnicode2CodePageConverter kToUtf8{ccsid(1208)};
 
+VelClCCSID ccsidOf(const std::string& text) {
+  const bool isNumber = text.find_first_not_of("0123456789") == std::string::npos;
+  return isNumber ? ccsid(std::stoi(text)) : VelClCCSID(text.c_str());
+}
+
+/// The converter from one CCSID to the other, "U" being the class for Unicode and "UTF-8" the one for that.
+std::unique_ptr<VelClConverterABase> converterOf(const std::string& from, const std::string& to) {
+  if (from == "U") return std::make_unique<VelClUnicode2CodePageConverter>(ccsidOf(to));
+  if (to == "U") return std::make_unique<VelClCodePage2UnicodeConverter>(ccsidOf(from));
+  if (to == "UTF-8") return std::make_unique<VelClCodePage2UTF8Converter>(ccsidOf(from));
+  return std::make_unique<VelClCodePage2CodePageConverter>(ccsidOf(from), ccsidOf(to));
+}
+
+std::string bytesOf(const std::string& digits) {
+  std::string bytes;
+  for (std::size_t i = 0; i < digits.size(); i += 2)
+    bytes += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
+  return bytes;
+}
+
+Outcome outcomeOf(const std::string& bytes, const std::string& consumed, const std::string& error) {
+  using Class = VelEnErrorClass;
+  static const std::map<std::string, std::pair<std::uint32_t, Class>> kErrors = {
+      {"none", {VEL_NO_ERROR, Class::UNKNOWN}},
+      {"incomplete", {CPCONVERTER_INCOMPLETE, Class::USER_DATA_ERROR}},
+      {"too big", {CPCONVERTER_TOO_BIG, Class::DATA_OUT_OF_BOUNDS}},
+      {"unsupported", {CPCONVERTER_UNSUPPORTED, Class::INCONSISTENT_SITUATION}},
+      {"ICU: too big", {CPCONVERTER_TOO_BIG, Class::USER_DATA_ERROR}},
+      {"ICU: illegal argument", {ICU_ILLEGAL_ARGUMENT_ERROR, Class::USER_ERROR}}};
+  const auto& [id, errorClass] = kErrors.at(error);
+  return {bytesOf(bytes), std::stoul(consumed), id, errorClass};
+}
+
+// Rows of one way share its converter: nothing must stay from one call to the next.
 TEST(Conversion, HasItsOddities) {
-  const VelClCodePage2UnicodeConverter copying{ccsid(1200)};
-  const VelClCodePage2UnicodeConverter swapping{ccsid(65500)};
-  const VelClCodePage2UnicodeConverter from37{ccsid(37)};
-  const VelClCodePage2UnicodeConverter from37ByName{VelClCCSID("CP37")};
-  const VelClCodePage2UnicodeConverter from838{ccsid(838)};
-  const VelClCodePage2UnicodeConverter from930{ccsid(930)};
-  const VelClCodePage2UnicodeConverter from948{ccsid(948)};
-  const VelClUnicode2CodePageConverter to500{ccsid(500)};
-  const VelClUnicode2CodePageConverter to819{ccsid(819)};
-  const struct {
-    const char* what;
-    const VelClConverterABase& converter;
-    std::string source;
-    std::size_t targetSize;
-    Outcome expected;
-  } rows[] = {
-      {"odd source", copying, "abcde", 10, incomplete("abcd", 4)},
-      {"odd target", copying, "abcdefghij", 5, incomplete("abcd", 4)},
-      {"both sides even", copying, "abcdef", 4, {"abcd", 4}},
-      {"one byte", copying, "a", 10, incomplete("", 0)},
-      {"swapped", swapping, "abcde", 4, {"badc", 4}},
-      {"swapped, odd target", swapping, "abcdef", 3, incomplete("ba", 2)},
-      {"NEL and LF", from37, "\x15\x25", 4, {unitBytes(u"\n\n"), 2}},
-      {"no property, so NEL stays", from37ByName, "\x15\x25", 4, {unitBytes(u"\x85\n"), 2}},
-      {"838 is no EBCDIC", from838, "\x15\x25", 4, {unitBytes(u"\x85\n"), 2}},
-      {"target too small", from37, "\x15\x25", 3, tooBig("", 0)},
-      {"shifted pair", from930, "\x0E\x42\xC1\x0F", 8, {unitBytes(u"\xFF21"), 4}},
-      {"no shift-in", from930, "\x0E\x42\xC1", 8, incomplete(unitBytes(u"\xFF21"), 3)},
-      {"shift-out alone", from930, "\x0E", 8, incomplete("", 1)},
-      {"half a pair", from930, "\x0E\x42\xC1\x42", 8, incomplete(unitBytes(u"\xFF21"), 3)},
-      {"shift-in among single bytes", from930, "\x0F\xC1", 8, {unitBytes(u"\x1A\x41"), 2}},
-      {"shift-in as trail", from930, "\x0E\x42\x0F\x0F\xC1", 8, {unitBytes(u"\xFFFD\x41"), 5}},
-      {"shift-out as trail", from930, "\x0E\x42\x0E\x0F", 8, {unitBytes(u"\xFFFD"), 4}},
-      {"shift-out among pairs", from930, "\x0E\x0E\x42\x0F", 8, {unitBytes(u"\xFFFD"), 4}},
-      {"shifted NEL and LF", from930, "\x15\x25", 4, {unitBytes(u"\n\n"), 2}},
-      {"no state between calls", from930, "\xC1", 2, {unitBytes(u"A"), 1}},
-      {"lead byte at the end", from948, "A\x81", 8, incomplete(unitBytes(u"A"), 1)},
-      {"lead byte of an empty row", from948, "\x85\x41"s, 4, {unitBytes(u"\xFFFD"), 2}},
-      {"odd UCS-2", to500, "A\0B\0C"s, 5, incomplete("\xC1\xC2", 4)},
-      {"what 500 lacks", to500, unitBytes(u"\x4E00\xD83D\xDE00"), 3, {"\x3F\x3F\x3F", 6}},
-      {"truncation", to819, unitBytes(u"\x20AC\x41"), 2, {"\xAC\x41", 4}},
-      {"truncation, odd", to819, "\xAC\x20\x41", 2, incomplete("\xAC", 2)},
-      {"truncation, target too small", to819, unitBytes(u"AB"), 1, tooBig("", 0)},
-      {"emoji", kFromUtf8, "\xF0\x9F\x98\x80", 4, {unitBytes(u"\xD83D\xDE00"), 4}},
-      {"half a pair's room", kFromUtf8, "\xF0\x9F\x98\x80", 3, tooBig("", 4)},
-      {"room for one", kFromUtf8, "\xC3\xA4\xC3\xB6", 3, tooBig(unitBytes(u"\xE4"), 4)},
-      {"last byte lacks", kFromUtf8, "A\xE2\x82", 8, incomplete(unitBytes(u"A"), 1)},
-      {"incomplete before too big", kFromUtf8, "\xE2\x82", 0, incomplete("", 0)},
-      {"trail bytes as leads", kFromUtf8, "\x80\xBF", 4, {unitBytes(u"\x80\xBF"), 2}},
-      {"unchecked trails", kFromUtf8, "\xC3(", 4, {unitBytes(u"\x68"), 2}},
-      {"overlong", kFromUtf8, "\xC0\x80", 4, {unitBytes(u"\0"s), 2}},
-      {"surrogate", kFromUtf8, "\xED\xA0\x80", 4, {unitBytes(u"\xD800"), 3}},
-      {"above U+10FFFF", kFromUtf8, "\xF4\x90\x80\x80", 4, {unitBytes(u"\xDC00\xDC00"), 4}},
-      {"31 bits", kFromUtf8, "\xFD\xBF\xBF\xBF\xBF\xBF", 4, {unitBytes(u"\xD7BF\xDFFF"), 6}},
-      {"wrapped", kFromUtf8, "\xFE\x80\x80\x80\x80\x80", 4, {unitBytes(u"\xFFFD"), 6}},
-      {"lone high surrogate", kToUtf8, unitBytes(u"\xD800"), 4, {"\xEF\xBF\xBF", 2}},
-      {"two high surrogates",
-       kToUtf8,
-       unitBytes(u"\xD83D\xD83D\xDE00"),
-       8,
-       {"\xEF\xBF\xBF\xF0\x9F\x98\x80", 6}},
-      {"lone low surrogate", kToUtf8, unitBytes(u"\xDC00\x41"), 4, {"\xEF\xBF\xBF\x41", 4}},
-      {"noncharacters",
-       kToUtf8,
-       unitBytes(u"\xFDCF\xFDD0\xFDEF\xFDF0"),
-       12,
-       {"\xEF\xB7\x8F\xEF\xBF\xBF\xEF\xBF\xBF\xEF\xB7\xB0", 8}},
-      {"U+FFFE, U+FFFF, not U+1FFFE",
-       kToUtf8,
-       unitBytes(u"\xFFFE\xFFFF\xD83F\xDFFE"),
-       10,
-       {"\xEF\xBF\xBF\xEF\xBF\xBF\xF0\x9F\xBF\xBE", 8}},
-      {"emoji does not fit", kToUtf8, unitBytes(u"\xD83D\xDE00"), 3, tooBig("", 4)},
-      {"odd and cut within a pair", kToUtf8, unitBytes(u"A\xD83D") + "\x00"s, 8,
-       incomplete("A\xEF\xBF\xBF", 4)},
-      {"odd, then too big", kToUtf8, unitBytes(u"AB") + "\x00"s, 1, tooBig("A", 4)},
-      {"nothing", kFromUtf8, "", 0, {"", 0}},
-  };
-  for (const auto& row : rows)
-    EXPECT_EQ(convert(row.converter, row.source, row.targetSize), row.expected) << row.what;
+  const bool hasIcu = VelClCodePage2UnicodeConverter(ccsid(943)).isSupported();
+  std::map<std::string, std::unique_ptr<VelClConverterABase>> converters;
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/conversions.tsv")) {
+    SCOPED_TRACE(row[1] + " to " + row[2] + ": " + row[0]);
+    const bool needsIcu = row[8] == "ICU";
+    if (needsIcu && !hasIcu) continue;
+    auto& converter = converters[row[1] + " " + row[2]];
+    if (converter == nullptr) converter = converterOf(row[1], row[2]);
+    EXPECT_EQ(converter->isSupported(), row[8] != "none");
+    EXPECT_EQ(converter->requiresExternalICUData(), needsIcu);
+    EXPECT_EQ(converter->requiresExternalICONVRoutine(), row[8] == "none");
+    EXPECT_EQ(convert(*converter, bytesOf(row[3]), std::stoul(row[4])), outcomeOf(row[5], row[6], row[7]));
+  }
+}
+
+TEST(Conversion, TellsMaximumSizes) {
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/maximum_sizes.tsv")) {
+    const auto converter = converterOf(row[0], row[1]);
+    const std::size_t size = std::stoul(row[2]);
+    EXPECT_EQ(std::to_string(converter->getMaximumSizeForSize(size)), row[3]) << row[0] << " " << row[1];
+    EXPECT_EQ(std::to_string(converter->getMaximumSizeForLength(size)), row[4]) << row[0] << " " << row[1];
+  }
 }
 
 TEST(Utf8, EveryTargetSizeGivesTheReference) {
@@ -115,18 +91,22 @@ TEST(Utf8, EveryTargetSizeGivesTheReference) {
   }
 }
 
-TEST(Utf8, EverySplitOfTheSourceContinues) {
-  for (const std::string& units : sampleTexts(60, 20, 60)) {
-    const std::string text = referenceUcs2ToUtf8(units, units.size() * 2).bytes;
-    const std::string expected = referenceUtf8ToUcs2(text, text.size() * 2).bytes;
-    for (std::size_t cut = 0; cut <= text.size(); ++cut) {
-      const Outcome first = convert(kFromUtf8, std::string_view(text).substr(0, cut), cut * 2);
-      ASSERT_EQ(first.errorId == VEL_NO_ERROR, first.consumed == cut);
-      const Outcome second =
-          convert(kFromUtf8, std::string_view(text).substr(first.consumed), text.size() * 2);
-      ASSERT_EQ(first.bytes + second.bytes, expected) << cut;
-    }
+void expectThatEverySplitContinues(const VelClConverterABase& converter, std::string_view text) {
+  const Outcome whole = convert(converter, text, text.size() * 2);
+  ASSERT_EQ(whole.consumed, text.size());
+  for (std::size_t cut = 0; cut <= text.size(); ++cut) {
+    const Outcome first = convert(converter, text.substr(0, cut), cut * 2);
+    ASSERT_EQ(first.errorId == VEL_NO_ERROR, first.consumed == cut);
+    const Outcome second = convert(converter, text.substr(first.consumed), text.size() * 2);
+    ASSERT_EQ(first.bytes + second.bytes, whole.bytes) << cut;
   }
+}
+
+TEST(Conversion, EverySplitOfTheSourceContinues) {
+  for (const std::string& units : sampleTexts(60, 20, 60))
+    expectThatEverySplitContinues(kFromUtf8, convert(kToUtf8, units, units.size() * 2).bytes);
+  expectThatEverySplitContinues(VelClCodePage2UnicodeConverter{ccsid(948)},
+                                "ab\xA4\x40xy\xA4\x41\xA4\x42z\xFE\x7F");
 }
 
 TEST(Utf8, NoiseGivesTheReference) {
@@ -161,26 +141,11 @@ TEST(Utf8, EveryScalarValueGoesRound) {
   EXPECT_EQ(VelClConverterABase::convertUtf8CharToUtf32("\xF0\x9F\x98\x80"), 0x1F600U);
 }
 
-TEST(Conversion, DoubleBytesSplitAnywhereContinue) {
-  const VelClCodePage2UnicodeConverter from948{ccsid(948)};
-  const std::string text = "ab\xA4\x40xy\xA4\x41\xA4\x42z\xFE\x7F";
-  const std::string expected = convert(from948, text, text.size() * 2).bytes;
-  for (std::size_t cut = 0; cut <= text.size(); ++cut) {
-    const Outcome first = convert(from948, std::string_view(text).substr(0, cut), cut * 2);
-    const Outcome second = convert(from948, std::string_view(text).substr(first.consumed), text.size() * 2);
-    EXPECT_EQ(first.bytes + second.bytes, expected) << cut;
-  }
-}
-
 TEST(Conversion, EveryTargetSizeIsSafe) {
-  const VelClCodePage2UnicodeConverter from37{ccsid(37)};
-  const VelClCodePage2UnicodeConverter from930{ccsid(930)};
-  const VelClCodePage2UnicodeConverter from948{ccsid(948)};
-  const VelClUnicode2CodePageConverter to850{ccsid(850)};
-  const VelClUnicode2CodePageConverter to819{ccsid(819)};
   std::mt19937 random(5);
-  for (const VelClConverterABase* const converter :
-       std::initializer_list<const VelClConverterABase*>{&from37, &from930, &from948, &to850, &to819}) {
+  for (const auto& [from, to] : std::initializer_list<std::pair<const char*, const char*>>{
+           {"37", "U"}, {"930", "U"}, {"948", "U"}, {"U", "850"}, {"U", "819"}}) {
+    const auto converter = converterOf(from, to);
     for (std::size_t length = 0; length < 140; ++length) {
       std::string noise;
       while (noise.size() < length) noise += static_cast<char>(random());
