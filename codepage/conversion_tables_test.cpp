@@ -14,114 +14,99 @@ unsigned int unitAt(const uint16_t* values, unsigned int index) {
   return bytes[0] * 256U + bytes[1];
 }
 
+char16_t unitFor(unsigned int unit, bool foldsNextLine) {
+  return static_cast<char16_t>(foldsNextLine && unit == 0x85 ? 0x0A : unit);
+}
+
 TEST(SingleByteTables, HoldThePublishedMappings) {
   std::set<int> numbers;
-  for (const int number : MappingFile::singleByte()) {
-    numbers.insert(number);
-    const MappingFile mapping(number);
-    const uint16_t* const table = velGetSBCStoUCS2Table(static_cast<unsigned int>(number));
-    ASSERT_NE(table, nullptr) << number;
-    uint32_t ccsidBefore = 0;
+  for (const MappingFile& mapping : MappingFile::all("sbcs")) {
+    SCOPED_TRACE(mapping.ccsid);
+    numbers.insert(mapping.ccsid);
+    const uint16_t* const table = velGetSBCStoUCS2Table(static_cast<unsigned int>(mapping.ccsid));
+    ASSERT_NE(table, nullptr);
+    int ccsidBefore = 0;
     std::memcpy(&ccsidBefore, reinterpret_cast<const char*>(table) - 4, 4);
-    EXPECT_EQ(ccsidBefore, static_cast<unsigned int>(number));
+    EXPECT_EQ(ccsidBefore, mapping.ccsid);
     for (unsigned int byte = 0; byte < 256; ++byte)
-      EXPECT_EQ(unitAt(table, byte), mapping.unitOfByte(byte)) << number << " " << byte;
+      EXPECT_EQ(unitAt(table, byte), mapping.bytes[byte]) << byte;
+    const VelClCodePage2UnicodeConverter converter{ccsid(mapping.ccsid)};
+    // 838 is not EBCDIC by its properties: its NEL stays.
+    const bool foldsNextLine = mapping.isEbcdic && mapping.ccsid != 838;
+    // Every byte at every place of a block.
+    for (unsigned int shift = 0; shift < 67; shift += 11) {
+      std::string source;
+      std::u16string expected;
+      for (unsigned int i = 0; i < 256 + shift; ++i) {
+        const unsigned int byte = (i * 3 + shift) % 256;
+        source += static_cast<char>(byte);
+        expected += unitFor(mapping.bytes[byte], foldsNextLine);
+      }
+      EXPECT_EQ(convert(converter, source, source.size() * 2), (Outcome{unitBytes(expected), source.size()}));
+    }
   }
   EXPECT_EQ(numbers.size(), 49U);
   for (int number = 0; number < 0x10000; ++number)
     EXPECT_EQ(velGetSBCStoUCS2Table(static_cast<unsigned int>(number)) != nullptr, numbers.contains(number));
 }
 
-TEST(SingleByteTables, ConvertEveryByteAtEveryPlace) {
-  for (const int number : MappingFile::singleByte()) {
-    const MappingFile mapping(number);
-    const VelClCodePage2UnicodeConverter converter{ccsid(number)};
-    // 838 is not EBCDIC by its properties: its NEL stays.
-    const bool foldsNextLine = mapping.isEbcdic() && number != 838;
-    for (unsigned int shift = 0; shift < 67; shift += 11) {
-      std::string source;
-      std::u16string expected;
-      for (unsigned int i = 0; i < 256 + shift; ++i) {
-        const unsigned int unit = mapping.unitOfByte((i * 3 + shift) % 256);
-        source += static_cast<char>((i * 3 + shift) % 256);
-        expected += static_cast<char16_t>(foldsNextLine && unit == 0x85 ? 0x0A : unit);
-      }
-      EXPECT_EQ(convert(converter, source, source.size() * 2), (Outcome{unitBytes(expected), source.size()}))
-          << number;
-    }
+void expectTable(const MappingFile& mapping) {
+  bool isEbcdic = !mapping.isEbcdic;
+  const VelStDoubleByteTable* const table =
+      velGetDBCStoUCS2Table(static_cast<unsigned int>(mapping.ccsid), isEbcdic);
+  ASSERT_NE(table, nullptr);
+  EXPECT_EQ(isEbcdic, mapping.isEbcdic);
+  EXPECT_EQ(table->ccsid, static_cast<unsigned int>(mapping.ccsid));
+  EXPECT_EQ(table->isEbcdic, mapping.isEbcdic ? 1 : 0);
+  EXPECT_EQ(table->leadBytes == nullptr, mapping.isEbcdic);
+  int faults = 0;
+  for (unsigned int lead = 0; lead < 256; ++lead) {
+    EXPECT_EQ(unitAt(table->pages[1], lead), mapping.bytes[lead]) << lead;
+    EXPECT_EQ(!isEbcdic && table->leadBytes[lead] != 0, mapping.isLead[lead]) << lead;
+    ASSERT_GT(table->pageNumbers[lead], 0);
+    ASSERT_NE(table->pageNumbers[lead], 2) << "the page of the single bytes";
+    const uint16_t* const page = table->pages[table->pageNumbers[lead] - 1];
+    for (unsigned int trail = 0; trail < 256; ++trail)
+      faults += unitAt(page, trail) != mapping.pairs[lead * 256 + trail];
   }
+  EXPECT_EQ(faults, 0);
+}
+
+/// Every character of a mixed page in one text, and what it becomes.
+void expectConversion(const MappingFile& mapping) {
+  std::string source = mapping.isEbcdic ? "\x0E" : "";
+  std::u16string units;
+  for (unsigned int pair = 0; pair < 0x10000; ++pair) {
+    if (mapping.isEbcdic ? pair >> 8 == 0x0F : !mapping.isLead[pair >> 8]) continue;
+    source += {static_cast<char>(pair >> 8), static_cast<char>(pair & 0xFF)};
+    units += unitFor(mapping.pairs[pair], mapping.isEbcdic);
+  }
+  if (mapping.isEbcdic) source += '\x0F';
+  for (unsigned int byte = 0; byte < 256; ++byte) {
+    if (mapping.isEbcdic ? byte == 0x0E : mapping.isLead[byte]) continue;
+    source += static_cast<char>(byte);
+    units += unitFor(mapping.bytes[byte], mapping.isEbcdic);
+  }
+  const VelClCodePage2UnicodeConverter converter{ccsid(mapping.ccsid)};
+  const Outcome expected{unitBytes(units), source.size()};
+  EXPECT_EQ(convert(converter, source, source.size() * 2), expected);
+  // The need is less than two bytes for each of the source's: exactly enough, and one less.
+  EXPECT_EQ(convert(converter, source, expected.bytes.size()), expected);
+  EXPECT_EQ(convert(converter, source, expected.bytes.size() - 1), tooBig("", 0));
 }
 
 TEST(DoubleByteTables, HoldThePublishedMappings) {
-  for (const int number : MappingFile::doubleByte()) {
-    SCOPED_TRACE(number);
-    const MappingFile mapping(number);
-    bool isEbcdic = !mapping.isEbcdic();
-    const VelStDoubleByteTable* const table =
-        velGetDBCStoUCS2Table(static_cast<unsigned int>(number), isEbcdic);
-    ASSERT_NE(table, nullptr);
-    EXPECT_EQ(isEbcdic, mapping.isEbcdic());
-    EXPECT_EQ(table->ccsid, static_cast<unsigned int>(number));
-    EXPECT_EQ(table->isEbcdic, mapping.isEbcdic() ? 1 : 0);
-    EXPECT_EQ(table->leadBytes == nullptr, mapping.isEbcdic());
-    int faults = 0;
-    for (unsigned int lead = 0; lead < 256; ++lead) {
-      EXPECT_EQ(unitAt(table->pages[1], lead), mapping.unitOfByte(lead)) << lead;
-      if (!isEbcdic) {
-        EXPECT_EQ(table->leadBytes[lead] != 0, mapping.isLead(lead)) << lead;
-      }
-      ASSERT_GT(table->pageNumbers[lead], 0);
-      ASSERT_NE(table->pageNumbers[lead], 2) << "the page of the single bytes";
-      const uint16_t* const page = table->pages[table->pageNumbers[lead] - 1];
-      for (unsigned int trail = 0; trail < 256; ++trail)
-        faults += unitAt(page, trail) != mapping.unitOfPair(lead * 256 + trail);
-    }
-    EXPECT_EQ(faults, 0);
+  const std::vector<MappingFile> mappings = MappingFile::all("dbcs");
+  EXPECT_EQ(mappings.size(), 11U);
+  for (const MappingFile& mapping : mappings) {
+    SCOPED_TRACE(mapping.ccsid);
+    expectTable(mapping);
+    expectConversion(mapping);
   }
   bool untouched = true;
   EXPECT_EQ(velGetDBCStoUCS2Table(932, untouched), nullptr);
   EXPECT_TRUE(untouched);
   EXPECT_EQ(velGetEUCtoUCS2Table(954), nullptr);
-}
-
-/// Every character of a mixed page in one text, and what it becomes.
-struct WholePage {
-  std::string source;
-  std::u16string expected;
-
-  explicit WholePage(const MappingFile& mapping) {
-    if (mapping.isEbcdic()) source += '\x0E';
-    for (unsigned int pair = 0; pair < 0x10000; ++pair)
-      if (mapping.isEbcdic() ? pair >> 8 != 0x0F : mapping.isLead(pair >> 8)) add(mapping, pair);
-    if (mapping.isEbcdic()) source += '\x0F';
-    for (unsigned int byte = 0; byte < 256; ++byte)
-      if (mapping.isEbcdic() ? byte != 0x0E : !mapping.isLead(byte)) {
-        source += static_cast<char>(byte);
-        addUnit(mapping, mapping.unitOfByte(byte));
-      }
-  }
-
- private:
-  void add(const MappingFile& mapping, unsigned int pair) {
-    source += static_cast<char>(pair >> 8);
-    source += static_cast<char>(pair & 0xFF);
-    addUnit(mapping, mapping.unitOfPair(pair));
-  }
-  void addUnit(const MappingFile& mapping, unsigned int unit) {
-    expected += static_cast<char16_t>(mapping.isEbcdic() && unit == 0x85 ? 0x0A : unit);
-  }
-};
-
-TEST(DoubleByteTables, ConvertEveryCharacter) {
-  for (const int number : MappingFile::doubleByte()) {
-    const WholePage page{MappingFile(number)};
-    const VelClCodePage2UnicodeConverter converter{ccsid(number)};
-    const Outcome expected{unitBytes(page.expected), page.source.size()};
-    EXPECT_EQ(convert(converter, page.source, page.source.size() * 2), expected) << number;
-    // The need is less than two bytes for each of the source's: exactly enough, and one less.
-    EXPECT_EQ(convert(converter, page.source, expected.bytes.size()), expected) << number;
-    EXPECT_EQ(convert(converter, page.source, expected.bytes.size() - 1), tooBig("", 0)) << number;
-  }
 }
 
 TEST(ReverseTables, HoldThePublishedMappings) {
@@ -133,9 +118,8 @@ TEST(ReverseTables, HoldThePublishedMappings) {
     std::string expected;
     for (unsigned int unit = 0; unit < 0x10000; ++unit) {
       source += static_cast<char16_t>(unit);
-      expected += static_cast<char>(mapping.byteOfUnit(unit));
-      ASSERT_EQ(table[table[unit >> 8] * 256U + unit % 256], mapping.byteOfUnit(unit))
-          << number << " " << unit;
+      expected += static_cast<char>(mapping.units[unit]);
+      ASSERT_EQ(table[table[unit >> 8] * 256U + unit % 256], mapping.units[unit]) << number << " " << unit;
     }
     const VelClUnicode2CodePageConverter converter{ccsid(number)};
     EXPECT_EQ(convert(converter, unitBytes(source), expected.size()), (Outcome{expected, 0x20000})) << number;

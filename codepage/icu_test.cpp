@@ -11,8 +11,6 @@
 
 namespace {
 
-using namespace std::string_literals;
-
 using vel::codepage::IcuConverter;
 using vel::codepage::IcuFunctions;
 using vel::codepage::IcuStatus;
