@@ -2,6 +2,8 @@
 // is installed, conversions with it.
 #include <gtest/gtest.h>
 
+#include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -127,30 +129,18 @@ void fakeToUnicode(IcuConverter*, char16_t** target, const char16_t* targetLimit
 const IcuFunctions kFakes{&fakeOpen, &fakeOpenCcsid, nullptr, &fakeSetFallback, &fakeToUnicode, nullptr};
 
 TEST(IcuCalls, OpenByNameOrNumber) {
-  using Texts = std::vector<std::string>;
-  const struct {
-    unsigned int ccsid;
-    std::vector<IcuStatus> statuses;
-    Texts asked;
-    IcuStatus status;
-  } rows[] = {
-      {37, {0}, {"37/0", "fallback"}, 0},
-      {37, {-122}, {"37/0", "fallback"}, -122},
-      {37, {4}, {"37/0"}, 4},
-      {942, {0}, {"zan-942_VSUB_VPUA", "fallback"}, 0},
-      {932, {4, 0}, {"zan-942_VSUB_VPUA", "sjis78", "fallback"}, 0},
-      {943, {4, 0}, {"zan-943_VSUB_VPUA", "cp943c", "fallback"}, 0},
-      {943, {4, 7}, {"zan-943_VSUB_VPUA", "cp943c"}, 7},
-      {1392, {0}, {"gb18030", "fallback"}, 0},
-      {65502, {-122}, {"LMBCS", "fallback"}, -122},
-  };
-  for (const auto& row : rows) {
-    script = {{}, row.statuses};
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/icu_openings.tsv")) {
+    SCOPED_TRACE(row[0] + ": " + row[1]);
+    std::istringstream answers(row[1]);
+    script = {{}, {std::istream_iterator<IcuStatus>(answers), {}}};
     IcuStatus status = 99;
-    EXPECT_EQ(vel::codepage::openIcuConverter(kFakes, row.ccsid, status) != nullptr, row.status <= 0)
-        << row.ccsid;
-    EXPECT_EQ(status, row.status);
-    EXPECT_EQ(script.asked, row.asked);
+    const auto* const converter =
+        vel::codepage::openIcuConverter(kFakes, static_cast<unsigned int>(std::stoi(row[0])), status);
+    EXPECT_EQ(std::to_string(status), row[3]);
+    EXPECT_EQ(converter != nullptr, status <= 0);
+    std::string asked;
+    for (const std::string& one : script.asked) asked += (asked.empty() ? "" : " ") + one;
+    EXPECT_EQ(asked, row[2]);
   }
 }
 
