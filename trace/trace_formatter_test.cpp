@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
@@ -29,7 +30,7 @@ Bytes bytesOf(const std::string& text) {
   return star == text.size() ? bytes : Bytes(std::stoul(text.substr(star + 1)), bytes.front());
 }
 
-Bytes number32(unsigned long number) {
+Bytes number32(std::uint64_t number) {
   Bytes bytes;
   for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(number >> shift);
   return bytes;
@@ -50,8 +51,7 @@ Bytes recordOf(const std::string& text) {
                       static_cast<char>(std::stoi(fields[2])), static_cast<char>(message.size()),
                       static_cast<char>(fields[3].size())};
   return head + number32(10) + number32(20) + number32(std::stoul(fields[5])) +
-         number32(data.size() + static_cast<unsigned long>(std::stol(fields[6]))) + message + fields[3] +
-         data;
+         number32(data.size() + static_cast<std::size_t>(std::stoll(fields[6]))) + message + fields[3] + data;
 }
 
 /// Records with blanks between them.
