@@ -1,5 +1,5 @@
-// The seam's part for passing bytes through, of files of any size and of the standard streams. Tools that need
-// it compile it once more.
+// The seam's part for passing bytes through, of files of any size and of the standard streams. Tools that
+// need it compile it once more.
 #pragma once
 
 #include <cstddef>
