@@ -172,6 +172,14 @@ TEST(PromptForKey, LeavesSignalsToTheToolsOwnHandlerOrIgnored) {
   EXPECT_EQ(ignoring.finish(), kInvitation + "end\r\n");
 }
 
+// Windows asks the console whatever standard input is.
+TEST(PromptForKey, TakesOneCharacterOfRedirectedInput) {
+  const auto result = vel::test::runChild("prompt_child", {"string", "A", "-", "key", "string", "B", "-"},
+                                          {.input = "one\nxtwo\n"});
+  EXPECT_NE(result.output.find("[one]\n"), std::string::npos) << result.output;
+  EXPECT_NE(result.output.find("[two]\n"), std::string::npos) << result.output;
+}
+
 TEST(ProgressDisplay, AppearsOnlyOnATerminalAndOnlyAfterASecond) {
   const auto before = std::chrono::steady_clock::now();
   const vel::test::Variable action("UI_ACTION", "fastProgress");
