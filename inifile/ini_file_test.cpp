@@ -1,7 +1,6 @@
 // What the parser makes of lines, and what questions answer.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdint>
 #include <random>
 #include <string>
@@ -333,14 +332,14 @@ void askForAll(const VelClIniFile& file, int count) {
   }
 }
 
-TEST(IniFile, AnswersFastHoweverLongTheLists) {
+// Searching the lists instead of an index would take minutes, and run into the time limit of all tests.
+TEST(IniFile, AnswersForEveryNameOfLongLists) {
   constexpr int kCount = 100'000;
   std::string options = "[first]\n";
   std::string sections;
   for (int i = 0; i < kCount; ++i) options += "Name" + std::to_string(i) + "=" + std::to_string(i) + "\n";
   options += options.substr(8) + "name5=9\n";
   for (int i = 0; i < kCount; ++i) sections += "[S" + std::to_string(i) + "]\nx=1\n";
-  const auto start = std::chrono::steady_clock::now();
   VelClIniFile file("unused");
   loadText(file, options);
   loadText(file, sections, false);
@@ -348,8 +347,6 @@ TEST(IniFile, AnswersFastHoweverLongTheLists) {
   ASSERT_TRUE(file.getSection("First"));
   askForAll(file, kCount);
   for (int i = 0; i < kCount; ++i) ASSERT_TRUE(file.getSection(("s" + std::to_string(i)).c_str()));
-  // Searching the lists would take minutes.
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 }
 
 /// Bytes that mean something to the parser, in any order: nothing but a model may come of them.
