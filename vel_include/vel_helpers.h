@@ -40,7 +40,8 @@ VEL_C_API void velSleepSeconds(unsigned long count);
 VEL_C_API void velSleepMinutes(unsigned long count);
 VEL_C_API void velSleepHours(unsigned long count);
 
-/// Milliseconds since the system started, 32 bits: wraps after about 49.7 days.
+/// Milliseconds since the system started, 32 bits: wraps after about 49.7 days. It advances with the system's
+/// tick, by 1 to 16 at a time; VelClTiming measures finer.
 VEL_C_API unsigned long velGetTimeStamp(void);
 
 /// The family of the operating system: 512 for Windows NT and its successors, 513 for consumer
