@@ -1,10 +1,7 @@
 // The 6-bit code of trace texts, many characters at a time where none of them is escaped.
 #include "trace/text_compression.h"
 
-#if defined(__SSE2__) && !defined(VEL_PORTABLE_CODE)
-#define VEL_TRACE_SSE2
-#include <emmintrin.h>
-#endif
+#include "trace/short_text.h"
 
 #include <algorithm>
 #include <array>
@@ -38,9 +35,11 @@ constexpr std::array<std::uint8_t, 256> makeCodes() {
 constexpr std::array<std::uint8_t, 256> kCodes = makeCodes();
 
 /// Characters that are coded at once, and decoded at once.
-constexpr std::ptrdiff_t kBlock = 16;
+constexpr std::size_t kBlock = 16;
 constexpr std::ptrdiff_t kBlockBytes = 12;
 constexpr std::size_t kGroup = 8;
+/// A bit for each character of a block.
+constexpr unsigned int kAll = 0xFFFF;
 
 /// No further character is taken up once more bits than these are written.
 constexpr std::size_t kLastStart = (kLongestCompressed - 1) * 8;
@@ -52,65 +51,97 @@ constexpr std::uint64_t highBitsFirst(std::uint64_t bits) {
   return std::endian::native == std::endian::little ? __builtin_bswap64(bits) : bits;
 }
 
-/// The codes of a block of characters: of eight each, in the lowest 48 bits.
+/// The codes of a block of characters: of eight each, in the highest 48 bits, with 0 below.
 struct Block {
   std::uint64_t first;
   std::uint64_t second;
 };
 
+/// 16 characters, the earlier ones in the lower bytes.
+struct Characters {
+  std::uint64_t low;
+  std::uint64_t high;
+};
+
+inline Characters loadCharacters(const unsigned char* text) {
+  Characters characters{};
+  std::memcpy(&characters, text, sizeof characters);
+  return characters;
+}
+
+/// The `count` characters before `end`, fewer than 8, as the last ones; 0 stands before them.
+inline std::uint64_t loadFew(const unsigned char* end, std::size_t count) {
+  const std::size_t padding = 8 * (8 - count);
+  if (count >= 4) {
+    std::uint32_t first = 0;
+    std::uint32_t last = 0;
+    std::memcpy(&first, end - count, sizeof first);
+    std::memcpy(&last, end - sizeof last, sizeof last);
+    return std::uint64_t{last} << 32 | static_cast<std::uint32_t>(std::uint64_t{first} << padding);
+  }
+  if (count == 0) return 0;
+  const std::uint64_t first = *(end - count);
+  const std::uint64_t middle = *(end - count + count / 2);
+  const std::uint64_t last = *(end - 1);
+  return first << padding | middle << (padding + 8 * (count / 2)) | last << 56;
+}
+
+/// The same for up to 15 characters.
+inline Characters loadLast(const unsigned char* end, std::size_t count) {
+  static_assert(std::endian::native == std::endian::little);
+  if (count < 8) return {0, loadFew(end, count)};
+  Characters characters{};
+  std::memcpy(&characters.high, end - 8, 8);
+  characters.low = loadFew(end - 8, count - 8);
+  return characters;
+}
+
 #if defined(VEL_TRACE_SSE2)
 
 /// Two codes become 12 bits, two of these 24, and two of these 48; the earlier ones stand higher.
-Block join(__m128i codes) {
+inline Block join(__m128i codes) {
   const __m128i pairs =
       _mm_or_si128(_mm_srli_epi16(codes, 8), _mm_and_si128(_mm_slli_epi16(codes, 6), _mm_set1_epi16(0x0FC0)));
-  std::uint64_t quads[2];
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(quads),
-                   _mm_madd_epi16(pairs, _mm_set1_epi32(1 << 16 | 1 << 12)));
-  const auto joinQuads = [](std::uint64_t both) { return (both & 0xFFFFFF) << 24 | both >> 32; };
-  return {joinQuads(quads[0]), joinQuads(quads[1])};
+  const __m128i quads = _mm_madd_epi16(pairs, _mm_set1_epi32(1 << 16 | 1 << 12));
+  const __m128i halves =
+      _mm_slli_epi64(_mm_or_si128(_mm_slli_epi64(quads, 24), _mm_srli_epi64(quads, 32)), 16);
+  return {static_cast<std::uint64_t>(_mm_cvtsi128_si64(halves)),
+          static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(halves, halves)))};
 }
 
-/// False unless all characters are letters and blanks, as nearly all are.
-bool codeBlock(const unsigned char* characters, Block& block) {
-  const auto isUpTo = [](__m128i value, std::int8_t limit) {
-    return _mm_cmpeq_epi8(_mm_min_epu8(value, _mm_set1_epi8(limit)), value);
-  };
-  const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(characters));
-  const __m128i upper = _mm_sub_epi8(text, _mm_set1_epi8('A'));
-  const __m128i lower = _mm_sub_epi8(text, _mm_set1_epi8('a'));
-  const __m128i isUpper = isUpTo(upper, 25);
-  const __m128i isLower = isUpTo(lower, 25);
+/// False unless the `wanted` characters, a bit each, are letters and blanks, as nearly all are.
+inline bool codeBlock(const Characters& characters, unsigned int wanted, Block& block) {
+  const __m128i text =
+      _mm_set_epi64x(static_cast<long long>(characters.high), static_cast<long long>(characters.low));
+  const __m128i place = _mm_sub_epi8(_mm_or_si128(text, _mm_set1_epi8(' ')), _mm_set1_epi8('a'));
+  const __m128i isLetter = _mm_cmpeq_epi8(_mm_min_epu8(place, _mm_set1_epi8(25)), place);
   const __m128i isBlank = _mm_cmpeq_epi8(text, _mm_set1_epi8(' '));
-  if (_mm_movemask_epi8(_mm_or_si128(_mm_or_si128(isUpper, isLower), isBlank)) != 0xFFFF) return false;
-  block = join(_mm_or_si128(_mm_and_si128(isUpper, _mm_add_epi8(upper, _mm_set1_epi8(kCodeOfUpperA))),
-                            _mm_and_si128(isLower, _mm_add_epi8(lower, _mm_set1_epi8(kCodeOfLowerA)))));
+  const auto simple = static_cast<unsigned int>(_mm_movemask_epi8(_mm_or_si128(isLetter, isBlank)));
+  if ((simple & wanted) != wanted) return false;
+  const __m128i ofLower =
+      _mm_and_si128(_mm_cmpgt_epi8(text, _mm_set1_epi8('Z')), _mm_set1_epi8(kCodeOfLowerA - kCodeOfUpperA));
+  const __m128i codes = _mm_add_epi8(_mm_add_epi8(place, _mm_set1_epi8(kCodeOfUpperA)), ofLower);
+  block = join(_mm_and_si128(codes, isLetter));
   return true;
 }
 
 #else
 
-bool codeBlock(const unsigned char* characters, Block& block) {
+inline bool codeBlock(const Characters& characters, unsigned int wanted, Block& block) {
+  unsigned char text[kBlock];
+  std::memcpy(text, &characters, sizeof text);
   std::uint64_t halves[2] = {};
-  unsigned int marks = 0;
-  for (std::ptrdiff_t i = 0; i < kBlock; ++i) {
-    const std::uint8_t code = kCodes[characters[i]];
-    marks |= code;
-    halves[i / 8] = halves[i / 8] << 6 | code;
+  unsigned int simple = 0;
+  for (std::size_t i = 0; i < kBlock; ++i) {
+    const std::uint8_t code = kCodes[text[i]];
+    simple |= ((code & kEscapeMark) == 0 ? 1U : 0U) << i;
+    halves[i / 8] = halves[i / 8] << 6 | (code & kEscape);
   }
-  block = {halves[0], halves[1]};
-  return (marks & kEscapeMark) == 0;
+  block = {halves[0] << 16, halves[1] << 16};
+  return (simple & wanted) == wanted;
 }
 
 #endif
-
-/// The same for a block that is not full: blanks fill it.
-bool codePart(const unsigned char* characters, std::ptrdiff_t count, Block& block) {
-  unsigned char padded[kBlock];
-  std::memset(padded, ' ', sizeof padded);
-  std::memcpy(padded, characters, static_cast<std::size_t>(count));
-  return codeBlock(padded, block);
-}
 
 /// Collects bits, fewer than 8 of them pending between two calls. Every call stores 8 bytes.
 class BitWriter {
@@ -121,9 +152,9 @@ class BitWriter {
   /// Whether even the last character of a block would not be cut.
   bool hasRoomForBlock() const { return out_ <= start_ + kLastBlockStart; }
 
-  /// The lowest `count` bits of `value`, at most 56, the others being 0.
+  /// The highest `count` bits of `value`, at most 56, the others being 0.
   void put(std::uint64_t value, std::size_t count) {
-    bits_ |= value << (64 - pending_ - count);
+    bits_ |= value >> pending_;
     store(bits_, out_);
     pending_ += count;
     const std::size_t whole = pending_ / 8;
@@ -140,12 +171,13 @@ class BitWriter {
     const std::size_t left = 48 - pending_;
     std::uint64_t bits = bits_;
     unsigned char* out = out_;
-    Block block{};
-    while (end - next >= kBlock && out <= start_ + kLastBlockStart && codeBlock(next, block)) {
-      store(bits | block.first << 16 >> right, out);
-      bits = block.first << 16 << left;
-      store(bits | block.second << 16 >> right, out + kBlockBytes / 2);
-      bits = block.second << 16 << left;
+    Block block;
+    while (end - next >= std::ptrdiff_t{kBlock} && out <= start_ + kLastBlockStart &&
+           codeBlock(loadCharacters(next), kAll, block)) {
+      store(bits | block.first >> right, out);
+      bits = block.first << left;
+      store(bits | block.second >> right, out + kBlockBytes / 2);
+      bits = block.second << left;
       next += kBlock;
       out += kBlockBytes;
     }
@@ -154,22 +186,23 @@ class BitWriter {
     return next;
   }
 
-  void put(const Block& block, std::size_t count) {
-    const std::size_t first = std::min<std::size_t>(count, 8);
-    put(block.first >> (48 - 6 * first), 6 * first);
-    if (count > first) put(block.second >> (48 - 6 * (count - first)), 6 * (count - first));
+  /// The last `count` codes of a block, of which there is one at least.
+  void putLast(const Block& block, std::size_t count) {
+    if (count > 8) put(block.first << (96 - 6 * count), 6 * count - 48);
+    const std::size_t bits = std::min<std::size_t>(6 * count, 48);
+    put(block.second << (48 - bits), bits);
   }
 
   void put(unsigned char character) {
-    const std::uint8_t code = kCodes[character];
+    const std::uint64_t code = kCodes[character];
     if ((code & kEscapeMark) == 0)
-      put(std::uint64_t{code}, 6);
+      put(code << 58, 6);
     else
-      put(std::uint64_t{kEscape} << 8 | character, 14);
+      put(std::uint64_t{kEscape} << 58 | std::uint64_t{character} << 50, 14);
   }
 
   std::size_t finish() {
-    if (pending_ > 0) put((std::uint64_t{1} << (8 - pending_)) - 1, 8 - pending_);
+    if (pending_ > 0) put(~std::uint64_t{0} << (56 + pending_), 8 - pending_);
     return bytes();
   }
 
@@ -232,12 +265,13 @@ std::size_t compress(const char* text, std::size_t length, unsigned char* out) n
     next = writer.putBlocks(next, end);
     if (next == end || writer.bits() > kLastStart) break;
     // What is left, or a block that is not simple.
-    const std::ptrdiff_t count = std::min(end - next, kBlock);
-    Block block{};
-    if (count < kBlock && writer.hasRoomForBlock() && codePart(next, count, block))
-      writer.put(block, static_cast<std::size_t>(count));
+    const auto count = std::min(static_cast<std::size_t>(end - next), kBlock);
+    Block block;
+    if (count < kBlock && writer.hasRoomForBlock() &&
+        codeBlock(loadLast(next + count, count), kAll & kAll << (kBlock - count), block))
+      writer.putLast(block, count);
     else
-      for (std::ptrdiff_t i = 0; i < count && writer.bits() <= kLastStart; ++i) writer.put(next[i]);
+      for (std::size_t i = 0; i < count && writer.bits() <= kLastStart; ++i) writer.put(next[i]);
     next += count;
   }
   // An escaped last character can reach one byte too far; that byte is cut.

@@ -56,17 +56,22 @@ void VelClTraceBufferManager::attachOverflowHandler(VelTraceOverflowHandler hand
 void VelClTraceBufferManager::write(const VelClTraceEntry& entry) {
   const VelClTraceBufferAccessSemaphore access(*key_);
   dirty_ = true;
-  const size_t recordLength = entry.getSizeOfEntryData();
-  const size_t dataLength = entry.getDumpDataLength();
-  const auto* const data = static_cast<const char*>(entry.getDumpData());
-  // Nearly all entries fit as a whole.
-  if (recordLength + dataLength < room()) {
-    append(entry.getEntryData(), recordLength);
-    if (dataLength != 0) append(data, dataLength);
-    return;
-  }
-  write(entry.getEntryData(), recordLength);
-  write(data, dataLength);
+  write(entry.getEntryData(), entry.getSizeOfEntryData());
+  write(static_cast<const char*>(entry.getDumpData()), entry.getDumpDataLength());
+}
+
+// What stands behind the write position has been handed over, unless there was no handler for a while: then
+// the save position can be there, too.
+unsigned char* VelClTraceBufferManager::reserve(size_t size) {
+  const bool free =
+      handler_ != nullptr && (header_->save < header_->write || header_->save > header_->dataEnd);
+  return free && size < room() ? reinterpret_cast<unsigned char*>(header_->write) : nullptr;
+}
+
+void VelClTraceBufferManager::commit(size_t size) {
+  const VelClTraceBufferAccessSemaphore access(*key_);
+  dirty_ = true;
+  header_->write += size;
 }
 
 void VelClTraceBufferManager::flush() {

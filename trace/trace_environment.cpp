@@ -6,6 +6,7 @@
 
 #include "foundation/allocator.h"
 #include "foundation/ascii.h"
+#include "trace/record.h"
 #include "trace/verbose_line.h"
 #include "vel_include/vel_helpers.h"
 #include "vel_include/vel_process.h"
@@ -102,6 +103,22 @@ VelClTraceEnvironment::~VelClTraceEnvironment() {
 
 void VelClTraceEnvironment::add(const VelClTraceEntry& entry) {
   manager_->write(entry);
+  if (settings_->usesAutoflush()) manager_->flush();
+}
+
+void VelClTraceEnvironment::add(VelEnTraceDetail detail, unsigned short componentId, VelEnTraceDataType type,
+                                const char* origin, const char* message, const void* data, size_t size) {
+  vel::trace::Event event{detail, componentId, type, origin, message, data, size};
+  fitData(event, getBufferSize());
+  unsigned char* const place =
+      manager_->reserve(vel::trace::kLongestRecord + vel::trace::kSlack + event.size);
+  if (place == nullptr) {
+    add(VelClTraceEntry(*this, detail, componentId, type, origin, message, data, size));
+    return;
+  }
+  const std::size_t length = buildRecord(*this, event, place);
+  vel::trace::copyData(place + length, event);
+  manager_->commit(length + event.size);
   if (settings_->usesAutoflush()) manager_->flush();
 }
 

@@ -1,8 +1,10 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <iostream>
+#include <random>
 #include <sstream>
 #include <string>
 
@@ -117,6 +119,50 @@ TEST_F(TraceEnvironment, SavesAndReportsEverySave) {
                                "[VEL: TRACE: bytes written: 50 file status: 0]\n"));
 }
 
+/// Sets the time stamps of a file's records to 0.
+std::string timeless(std::string file) {
+  for (std::size_t at = 0; at + 20 <= file.size();) {
+    std::memset(&file[at + 4], 0, 4);
+    std::uint32_t data = 0;
+    std::memcpy(&data, &file[at + 16], sizeof data);
+    at += 20U + static_cast<unsigned char>(file[at + 2]) + static_cast<unsigned char>(file[at + 3]) + data;
+  }
+  return file;
+}
+
+TEST_F(TraceEnvironment, BuildsRecordsInTheRingAsInEntries) {
+  std::string files[2];
+  set("BUFSIZE", "4");
+  for (const bool built : {false, true}) {
+    std::mt19937 random(12);
+    const auto text = [&random](std::size_t longest) {
+      return std::string(random() % longest, static_cast<char>(' ' + random() % 64));
+    };
+    VelClFile(file_.c_str(), nullptr).remove();
+    const auto environment = this->environment();
+    for (int i = 0; i < 3000; ++i) {
+      environment->getSettings().enableCompression(i % 3 != 0);
+      const std::string origin = text(i % 5 == 0 ? 400 : 40);
+      const std::string message = text(60);
+      const std::string data = text(i % 100 == 0 ? 5000 : 80);
+      const auto detail = static_cast<VelEnTraceDetail>(i % 4);
+      const auto component = static_cast<unsigned short>(i);
+      const void* const start = i % 7 == 0 ? nullptr : data.data();
+      if (built)
+        environment->add(VelClTraceEntry(*environment, detail, component, VelEnTraceDataType::DATA,
+                                         origin.c_str(), message.c_str(), start, data.size()));
+      else
+        environment->add(detail, component, VelEnTraceDataType::DATA, origin.c_str(), message.c_str(), start,
+                         data.size());
+      if (i % 50 == 0) environment->flush();
+    }
+    environment->flush();
+    files[built ? 1 : 0] = timeless(saved());
+  }
+  EXPECT_GT(files[0].size(), 3000U * 20);
+  EXPECT_TRUE(files[0] == files[1]);
+}
+
 TEST_F(TraceEnvironment, RemovesAnOldFileWhenWriting) {
   set("AUTOCLEAR", "yes");
   directory_.write("unit.trc", "old");
@@ -134,7 +180,16 @@ TEST_F(TraceEnvironment, SurvivesFilesThatCannotBeWritten) {
   std::filesystem::remove(file_);
   writer->add(entry.get());
   EXPECT_EQ(saved(), entry.bytes());
+  std::filesystem::rename(directory_.write("other", "another file"), file_);
+  writer->add(entry.get());
+  EXPECT_EQ(saved(), "another file" + entry.bytes());
   EXPECT_EQ(writer->getLostBytes(), 0U);
+  // Some users may write what is read-only.
+  std::filesystem::permissions(file_, std::filesystem::perms::owner_read);
+  writer->add(entry.get());
+  std::filesystem::permissions(file_, std::filesystem::perms::owner_all);
+  const std::uint64_t refused = writer->getLostBytes();
+  EXPECT_EQ(saved().size() + refused, 12U + 50 + 50);
   writer->setFilename(directory_.path("missing/x.trc").c_str());
   errno = EDOM;
   writer->add(entry.get());
@@ -144,7 +199,7 @@ TEST_F(TraceEnvironment, SurvivesFilesThatCannotBeWritten) {
   const std::string shown = printed([&] { writer->add(entry.get()); });
   EXPECT_EQ(shown, "[VEL: TRACE: could not open: " + directory_.path() +
                        " (errno: " + std::to_string(writer->getLastSystemError()) + ")]\n");
-  EXPECT_EQ(writer->getLostBytes(), 100U);
+  EXPECT_EQ(writer->getLostBytes(), refused + 100);
   EXPECT_NE(writer->getLastSystemError(), 0);
 }
 

@@ -97,7 +97,7 @@ void VelClTraceInstance::dumpImp(void* context, VelEnTraceDetail detail, unsigne
                                  const void* data, size_t size) {
   VelClTraceEnvironment& environment = *static_cast<VelClTraceInstance*>(context)->environment_;
   if (!environment.getSettings().isToBeDumped(detail, componentId)) return;
-  environment.add(VelClTraceEntry(environment, detail, componentId, type, origin, message, data, size));
+  environment.add(detail, componentId, type, origin, message, data, size);
 }
 
 VelClTraceAutomaticInstanceDestructor::~VelClTraceAutomaticInstanceDestructor() {

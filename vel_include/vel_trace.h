@@ -312,6 +312,11 @@ class VEL_API VelClTraceBufferManager {
   /// Appends an entry: its record and its data. One that is longer than the ring goes around it more than
   /// once.
   void write(const VelClTraceEntry& entry);
+  /// Where the next entry goes, if more than `size` bytes may be overwritten there that nobody waits for;
+  /// otherwise null. Nothing is written yet.
+  unsigned char* reserve(size_t size);
+  /// Appends what was put there.
+  void commit(size_t size);
   /// Hands over what has not been saved yet, if anything was written since the last flush.
   void flush();
 
@@ -367,6 +372,9 @@ class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
   bool isActive() const { return active_; }
   /// Puts an entry into the ring.
   void add(const VelClTraceEntry& entry);
+  /// The same for an entry that is made of these; it is built where it will stand, if there is room.
+  void add(VelEnTraceDetail detail, unsigned short componentId, VelEnTraceDataType type, const char* origin,
+           const char* message, const void* data, size_t size);
   /// Saves what is not saved yet; without autosave it stays in the ring, too.
   void flush();
 
@@ -479,10 +487,6 @@ class VEL_API VelClTraceEntry {
   unsigned char record_[kHeadLength + 2 * kLongestText + 2 + 8];  ///< texts are stored by the word
   uint64_t entrySize_;
   const void* dumpData_;
-
- private:
-  void fillHead(VelEnTraceDetail detail, unsigned short componentId, VelEnTraceDataType type, size_t size);
-  void storeTexts(const char* message, const char* origin);
 };
 
 /// An entry read back from a trace file.
