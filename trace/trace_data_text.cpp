@@ -64,16 +64,18 @@ void writeDouble(TextBuffer& out, const std::uint8_t* bytes, std::size_t) {
   out.decimalFloat(floatOf<double>(littleEndian(bytes, 8)));
 }
 
-/// The x87's 80 bits. Those that are no number to it since the 387 count as not a number: run-time libraries
-/// have stumbled over them.
+/// The x87's 80 bits. Those that are no number to it since the 387 count as not a number, and a leading bit
+/// in the smallest exponent as the next exponent: run-time libraries have stumbled over both.
 long double extendedOf(const std::uint8_t* bytes) {
   static_assert(std::numeric_limits<long double>::digits == 64, "long double is not the x87's");
-  const std::uint64_t significand = littleEndian(bytes, 8);
-  const bool leadingBit = significand >> 63 != 0;
+  const bool leadingBit = littleEndian(bytes, 8) >> 63 != 0;
   const bool smallest = (littleEndian(bytes + 8, 2) & 0x7FFF) == 0;
-  if (leadingBit == smallest) return std::numeric_limits<long double>::quiet_NaN();
+  if (!leadingBit && !smallest) return std::numeric_limits<long double>::quiet_NaN();
+  std::uint8_t normal[10];
+  std::memcpy(normal, bytes, sizeof normal);
+  if (leadingBit && smallest) normal[8] = 1;
   long double number = 0;
-  std::memcpy(&number, bytes, 10);
+  std::memcpy(&number, normal, sizeof normal);
   return number;
 }
 

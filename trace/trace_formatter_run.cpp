@@ -232,18 +232,16 @@ void VelClTraceFormatter::Run::showLineBreak() {
 }
 
 void VelClTraceFormatter::Run::showShortType() {
-  showType(&TraceTypeNames::shortName);
+  showType(&TraceTypeNames::shortName, "VelClTraceFormatter::getTypeAsShortCString, line 602");
 }
 
 void VelClTraceFormatter::Run::showLongType() {
-  showType(&TraceTypeNames::longName);
+  showType(&TraceTypeNames::longName, "VelClTraceFormatter::getTypeAsLongCString, line 602");
 }
 
-void VelClTraceFormatter::Run::showType(std::string_view TraceTypeNames::*name) {
+void VelClTraceFormatter::Run::showType(std::string_view TraceTypeNames::*name, const char* origin) {
   const TraceTypeNames* const names = vel::trace::typeNamesOf(numberOf(entry_.getType()));
-  if (names == nullptr)
-    fault(TRACEFORMAT_FILE_CORRUPTED, VelEnErrorClass::DATA_OUT_OF_BOUNDS,
-          "VelClTraceFormatter::getTypeAsCString, line 602", 602);
+  if (names == nullptr) fault(TRACEFORMAT_FILE_CORRUPTED, VelEnErrorClass::DATA_OUT_OF_BOUNDS, origin, 602);
   out_.append(names->*name);
   const bool clipped = entry_.getType() == VelEnTraceDataType::DATA_CLIPPED;
   if (!clipped && entry_.getType() != VelEnTraceDataType::DATA) return;

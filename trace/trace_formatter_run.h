@@ -46,7 +46,7 @@ class VelClTraceFormatter::Run {
   void showShortType();
   char* showThread(char* out);
   char* showTimeStamp(char* out);
-  void showType(std::string_view vel::trace::TraceTypeNames::*name);
+  void showType(std::string_view vel::trace::TraceTypeNames::*name, const char* origin);
 
   void skipEntry(std::uint32_t length);
   void formatData();

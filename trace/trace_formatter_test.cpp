@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <fstream>
+#include <iomanip>
 #include <iterator>
 #include <memory>
 #include <sstream>
@@ -106,6 +107,21 @@ TEST_F(TraceFormatter, MakesTextOfRecords) {
   const std::string dashes(20000, '-');
   EXPECT_EQ(format(fileOf("8/78*20000"), dashes + "%d" + dashes),
             dashes + '"' + std::string(20000, 'x') + '"' + dashes);
+}
+
+TEST_F(TraceFormatter, PrintsNumbersInTheFormOfTheStream) {
+  const Bytes records = fileOf("20/000000000000F83F 19/0000C03F");
+  std::ofstream(file_, std::ios::binary) << records;
+  formatter_.setFormatString("%d;");
+  std::ostringstream text;
+  text << std::fixed << std::setprecision(2);
+  formatter_.format(text);
+  text << std::scientific << std::setprecision(1);
+  formatter_.format(text);
+  text << std::setprecision(1'000'000);
+  formatter_.format(text);
+  const std::string zeros(7999, '0');
+  EXPECT_EQ(text.str(), "1.50;1.50;1.5e+00;1.5e+00;1.5" + zeros + "e+00;1.5" + zeros + "e+00;");
 }
 
 TEST_F(TraceFormatter, EndsBeforeARecordWhoseHeadOrTextsAreCutOff) {

@@ -25,7 +25,11 @@ inline constexpr DigitPairs kDigitPairs = makeDigitPairs();
 
 class TextBuffer {
  public:
-  explicit TextBuffer(std::ostream& stream) : stream_(&stream) {}
+  explicit TextBuffer(std::ostream& stream)
+      : stream_(&stream),
+        floatFormat_(formatOf(stream.flags() & std::ios::floatfield)),
+        precision_(static_cast<int>(
+            std::clamp(stream.precision(), std::streamsize{0}, std::streamsize{kMostPrecision}))) {}
   TextBuffer(const TextBuffer&) = delete;
   TextBuffer& operator=(const TextBuffer&) = delete;
 
@@ -55,11 +59,13 @@ class TextBuffer {
     const auto magnitude = static_cast<std::uint64_t>(number);
     decimal(number < 0 ? 0 - magnitude : magnitude);
   }
-  /// As a stream prints it at first: six digits.
+  /// With the stream's precision, in its general, fixed or scientific form.
   template <typename Float>
   void decimalFloat(Float number) {
-    char* const out = reserve(kLongestNumber);
-    commit(std::to_chars(out, out + kLongestNumber, number, std::chars_format::general, 6).ptr);
+    const std::size_t digits = floatFormat_ == std::chars_format::fixed ? kMostDigits : kLongestNumber;
+    const std::size_t room = digits + static_cast<std::size_t>(precision_);
+    char* const out = reserve(room);
+    commit(std::to_chars(out, out + room, number, floatFormat_, precision_).ptr);
   }
 
   void flush() {
@@ -125,7 +131,16 @@ class TextBuffer {
     std::memcpy(out + length - size, last, size);
   }
 
+  static constexpr std::chars_format formatOf(std::ios::fmtflags flags) {
+    if (flags == std::ios::fixed) return std::chars_format::fixed;
+    return flags == std::ios::scientific ? std::chars_format::scientific : std::chars_format::general;
+  }
+  static constexpr int kMostPrecision = 8000;
+  static constexpr std::size_t kMostDigits = 5000;  ///< of a long double before its point
+
   std::ostream* stream_;
+  std::chars_format floatFormat_;
+  int precision_;
   std::size_t used_ = 0;
   char text_[kCapacity];
 };

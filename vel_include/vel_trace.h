@@ -554,7 +554,8 @@ class VEL_API VelClTraceFormatter {
   void attachVelMessageCatalog(VelClMessageCatalog& catalog);
 
   /// Formats the whole file. Characters that count as printable are those of ASCII, and numbers have no
-  /// locale: the same file gives the same text on every system.
+  /// locale: the same file gives the same text on every system. Floating-point numbers have the stream's
+  /// precision, up to 8,000, and its general, fixed or scientific form.
   void format(std::ostream& stream);
   // Entries that are kept out count, too. Keep.
   /// The entries that the last format read, whether shown or not.

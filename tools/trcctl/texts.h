@@ -49,4 +49,7 @@ enum TextId : unsigned long {
   kInvalidData = 199
 };
 
+/// Not in the catalog: every tool says this alike.
+inline constexpr char kNotWritten[] = "The output could not be written";
+
 }  // namespace vel::trcctl

@@ -1,5 +1,6 @@
 // trcctl: shows the settings of a trace, or what its file holds.
 #include <algorithm>
+#include <cstring>
 #include <iostream>
 #include <string>
 
@@ -51,6 +52,7 @@ class Tool {
   Tool(int argc, const char* const* argv) : ui_(argc, argv) {}
 
   void run();
+  void reportOutputFailure() const { ui_.error(std::cerr, kNotWritten); }
   [[noreturn]] void end(TextId text, const char* argument, int exitCode) const;
 
  private:
@@ -62,6 +64,8 @@ class Tool {
   void display(const VelClTraceEnvironment& environment) const;
 
   VelClConsoleUI ui_;
+  const char* format_ = nullptr;
+  const char* indentation_ = nullptr;
 };
 
 void Tool::end(TextId text, const char* argument, int exitCode) const {
@@ -81,8 +85,10 @@ void Tool::run() {
   ui_.handleUsageHelp(kUsage, kHelp);
   VelClTraceInstance& trace = createTrace();
   VelClTraceEnvironment& environment = trace.getEnvironment();
-  takeFile(environment);
   takeFilter(environment.getSettings());
+  ui_.hasArgString(kSwitchFormat, format_);
+  ui_.hasArgString(kSwitchIndentation, indentation_);
+  takeFile(environment);
   if (ui_.hasArgSwitch(kSwitchDisplay)) {
     display(environment);
     return;
@@ -117,6 +123,8 @@ void Tool::reportInitialization(std::string name) {
 
 void Tool::takeFile(VelClTraceEnvironment& environment) const {
   const char* const file = optional(kSwitchFile, nullptr);
+  // A name that is cut could be that of another file.
+  if (file != nullptr && std::strlen(file) > VEL_MAX_PATH_LENGTH) end(kFileNotReadable, file, kExitNoFile);
   if (file != nullptr) environment.setFilename(file);
   const VelClFilename& name = environment.getFilename();
   if (name.getLength() == 0) end(kFileNotIdentified, nullptr, kExitNoFile);
@@ -139,8 +147,8 @@ void Tool::display(const VelClTraceEnvironment& environment) const {
   VelClMessageCatalog texts;
   attachTexts(texts);
   formatter.attachVelMessageCatalog(texts);
-  formatter.setFormatString(optional(kSwitchFormat, nullptr));
-  formatter.setDisplayIndentation(optional(kSwitchIndentation, nullptr));
+  formatter.setFormatString(format_);
+  formatter.setDisplayIndentation(indentation_);
   formatter.setShowNestingLevel(ui_.hasArgSwitch(kSwitchNesting));
   formatter.setShowFunctionRecords(!ui_.hasArgSwitch(kSwitchHideFunctions));
   formatter.setShowRepeatedFunctionNames(!ui_.hasArgSwitch(kSwitchHideRepeated));
@@ -152,7 +160,7 @@ void Tool::display(const VelClTraceEnvironment& environment) const {
     const Fault fault = faultOf(exception);
     end(fault.text, environment.getFilename().getAsCString(), fault.exitCode);
   }
-  showResult(ui_, environment, formatter);
+  if (std::cout.flush()) showResult(ui_, environment, formatter);
 }
 
 }  // namespace
@@ -164,16 +172,17 @@ int main(int argc, char** argv) {
   const VelClMessage title(texts, kTitle);
   const VelClMessage usage(texts, kUsage);
   const VelClMessage help(texts, kHelp);
-  if (!vel::tools::answerStandardSwitches(
-          argc, argv, {"trcctl", title.getAsCString(), usage.getAsCString(), help.getAsCString()})) {
-    Tool tool(argc, argv);
-    try {
-      tool.run();
-    } catch (const VelClException&) {
-      // Only memory is missing where no file is read.
-      tool.end(kNotInitialized, nullptr, kExitNoTrace);
-    }
+  if (vel::tools::answerStandardSwitches(
+          argc, argv, {"trcctl", title.getAsCString(), usage.getAsCString(), help.getAsCString()}))
+    return std::cout.flush() ? 0 : kExitNotWritten;
+  Tool tool(argc, argv);
+  try {
+    tool.run();
+  } catch (const VelClException&) {
+    // Only memory is missing where no file is read.
+    tool.end(kNotInitialized, nullptr, kExitNoTrace);
   }
-  std::cout.flush();
-  return std::cout.good() ? 0 : kExitNotWritten;
+  if (std::cout.flush()) return 0;
+  tool.reportOutputFailure();
+  return kExitNotWritten;
 }

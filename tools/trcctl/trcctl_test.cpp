@@ -173,7 +173,9 @@ TEST(Trcctl, EndsWithTheFaultsOfTheFile) {
        1},
       {{"-key", "tour", "-file", cut, "-display"}, "Trace file corrupted: unexpected end-of-file", 2},
       {{"-key", "tour", "-file", bad, "-display"}, "Trace file corrupted: invalid data found", 2},
+      {{"-key", "tour", "-file", std::string(261, 'x')}, "Could not open trace file for read access", 1},
       {{"-key", "tour", "-instance", ""}, "Invalid instance", 4},
+      {{"-key", "tour", "-format"}, "No value specified for command line switch: format", 203},
       {{"-display"}, "Missing command line switch: key", 201},
       {{"-key", "tour", "-dump"}, "Unknown command line argument: -dump", 201},
   };
