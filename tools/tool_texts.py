@@ -1,0 +1,96 @@
+"""Reads what the tools say about themselves where they keep it: title, usage string and help text from a tool's
+texts.h, or from the library's message table for a tool that speaks through that one."""
+import ast
+import pathlib
+import re
+import sys
+from dataclasses import dataclass, field
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+TOKEN = re.compile(r'//[^\n]*|"(?:\\.|[^"\\])*"|\w+|\S')
+ELEMENT = re.compile(r'"[^"]*"|-(?!\d)[A-Za-z0-9.]+|<[^>]*>|[()]')
+# Never typed in, but answered by tools/standard_switches.cpp for every tool.
+STANDARD_SWITCHES = {"--help": "this text", "--version": "the library's version"}
+
+
+@dataclass
+class Usage:
+    """The switches of a usage string, each with the name of its value or None, and its free arguments."""
+    switches: dict = field(default_factory=dict)
+    free: list = field(default_factory=list)
+
+
+@dataclass
+class Texts:
+    name: str
+    title: str
+    description: str
+    usage: str
+    help: str
+
+    def shown_usage(self, tagged=False):
+        """As the usage writer shows it, with or without the lines that are tagged as internal."""
+        return [re.sub(r'[()"!]', "", line) for line in self.usage.split("\n") if tagged or "!" not in line]
+
+
+def parse_usage(usage):
+    result, depth, switch = Usage(), 0, None
+    for element in ELEMENT.findall("\n".join(line for line in usage.split("\n") if "!" not in line)):
+        if element in "()":
+            depth += 1 if element == "(" else -1
+            switch = None
+        elif element.startswith("-"):
+            switch = element if depth else None
+            result.switches[element] = None
+        elif element.startswith("<") and switch:
+            result.switches[switch] = result.switches[switch] or element[1:-1]
+        elif element.startswith("<") and not depth:
+            result.free.append(element[1:-1])
+    return result
+
+
+def string_of(tokens, constants):
+    """Neighbouring literals are one text; a name stands for its constant."""
+    return "".join(ast.literal_eval(t) if t.startswith('"') else constants[t] for t in tokens)
+
+
+def header_texts(path):
+    """The enumeration's names with their numbers, and the constants and table entries by name or number."""
+    tokens = [t for t in TOKEN.findall(path.read_text(encoding="utf-8")) if not t.startswith("//")]
+    numbers, constants, following = {}, {}, 0
+    start = tokens.index("{", tokens.index("enum"))
+    for entry in " ".join(tokens[start + 1:tokens.index("}", start)]).split(","):
+        name, _, value = (part.strip() for part in entry.partition("="))
+        following = int(value) if value else following
+        numbers[name] = following
+        following += 1
+    for at in [i for i, t in enumerate(tokens) if t == "constexpr"]:
+        end = tokens.index(";", at)
+        equals = tokens.index("=", at)
+        if "[" not in tokens[at:equals]:
+            constants[tokens[equals - 1]] = string_of(tokens[equals + 1:end], constants)
+            continue
+        entry, index = [], 0
+        for token in tokens[equals + 2:end]:
+            if token in ",}":
+                if entry:
+                    constants[index] = string_of(entry, constants)
+                entry, index = [], index + 1
+            else:
+                entry.append(token)
+    return numbers, constants
+
+
+def table_texts():
+    sys.path.insert(0, str(ROOT / "messages"))
+    sys.dont_write_bytecode = True
+    from generate_messages import read_table
+    return [english.replace("%%", "%") for english, _ in read_table(ROOT / "messages/messages.tsv")]
+
+
+def tool_texts(name):
+    numbers, texts = header_texts(ROOT / "tools" / name / "texts.h")
+    if not texts:
+        texts = dict(enumerate(table_texts()))
+    title, usage, help_text = (texts[numbers[key]] for key in ("kTitle", "kUsage", "kHelp"))
+    return Texts(name, title, texts[numbers["kDescription"]] if "kDescription" in numbers else "", usage, help_text)
