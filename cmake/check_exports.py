@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
-"""Compares what the built library exports with what the public headers declare.
+"""Compares what the built library exports with what the public headers declare and with the list of what programs
+were linked to: a name that is gone, or a virtual function in another slot, breaks them.
 
-check_exports.py --headers DIRECTORY --cxxfilt PROGRAM (--nm PROGRAM --library FILE | --def FILE)
+check_exports.py --headers DIRECTORY --library FILE [--def FILE] --list FILE [--renew]
+                 --nm PROGRAM --objdump PROGRAM --cxxfilt PROGRAM
 
 Every exported name must be a plain function marked VEL_C_API, or belong to a class or function
 marked VEL_API; and every plain function must be exported under its own name.
@@ -12,18 +14,14 @@ import re
 import subprocess
 import sys
 
+from public_names import declared
+from vtables import slots
+
 CLASS_DATA = re.compile(r"^(?:typeinfo for|typeinfo name for|vtable for|guard variable for|VTT for) (\w+)$")
-
-
-def declared(directory):
-    text = "\n".join(path.read_text(encoding="utf-8") for path in sorted(directory.glob("*.h")))
-    text = re.sub(r"//[^\n]*", "", text)
-    plain = set(re.findall(r"^VEL_C_API\b[^;(]*?\b(\w+)\s*\(", text, re.MULTILINE))
-    classes = set(re.findall(r"\b(?:class|struct) VEL_API (\w+)", text))
-    functions = {name.replace(" ", "") for name in re.findall(r"^VEL_API\b[^;(]*?(operator\S+|\b\w+)\s*\(", text, re.MULTILINE)}
-    # Data is told apart by its leading word.
-    functions |= set(re.findall(r"^extern VEL_API\b[^;(]*?(\w+);", text, re.MULTILINE))
-    return plain, classes, functions
+RENEW = """\
+The exported names or virtual functions differ from {list}.
+If that is meant, build the target renew_exported_names for both systems and commit the lists with the change;
+what programs were linked to and is gone or has moved needs a new SOVERSION."""
 
 
 def names_of_library(nm, library):
@@ -49,21 +47,8 @@ def is_declared(name, plain, classes, functions):
     return owner in classes or name.split("(")[0] in functions
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--headers", required=True, type=pathlib.Path)
-    parser.add_argument("--cxxfilt", default="c++filt")
-    parser.add_argument("--nm", default="nm")
-    parser.add_argument("--library", type=pathlib.Path)
-    parser.add_argument("--def", dest="definitions", type=pathlib.Path)
-    arguments = parser.parse_args()
-
+def check_declarations(arguments, mangled, exported):
     plain, classes, functions = declared(arguments.headers)
-    if arguments.definitions:
-        mangled = names_of_def(arguments.definitions)
-    else:
-        mangled = names_of_library(arguments.nm, arguments.library)
-    exported = demangled(arguments.cxxfilt, mangled)
     undeclared = sorted({name for name in exported if not is_declared(name, plain, classes, functions)})
     missing = sorted(plain - set(mangled))
     for name in undeclared:
@@ -71,7 +56,50 @@ def main():
     for name in missing:
         print(f"declared but not exported: {name}")
     print(f"{len(plain)} plain functions and {len(classes)} classes declared, {len(exported)} names exported")
-    sys.exit(1 if undeclared or missing or not plain or not exported else 0)
+    return not undeclared and not missing and bool(plain) and bool(exported)
+
+
+def slot_lines(arguments, classes):
+    for table, words in sorted(slots(arguments.library, arguments.nm, arguments.objdump).items()):
+        name, *entries = demangled(arguments.cxxfilt, [table, *map(str, words)])
+        if name.removeprefix("vtable for ") in classes:
+            yield from (f"{name} [{slot:02}] {entry}" for slot, entry in enumerate(entries))
+
+
+def check_list(arguments, exported):
+    tables = list(slot_lines(arguments, declared(arguments.headers)[1]))
+    current = sorted(set(exported)) + tables
+    if arguments.renew:
+        arguments.list.write_text("\n".join([*current, ""]), encoding="ascii")
+    listed = arguments.list.read_text(encoding="ascii").splitlines()
+    for sign, some, others in (("-", listed, set(current)), ("+", current, set(listed))):
+        for line in some:
+            if line not in others:
+                print(sign, line)
+    print(f"{len(tables)} slots of virtual functions")
+    if listed != current:
+        print(RENEW.format(list=arguments.list.name))
+    return listed == current and bool(tables)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--headers", required=True, type=pathlib.Path)
+    parser.add_argument("--library", required=True, type=pathlib.Path)
+    parser.add_argument("--def", dest="definitions", type=pathlib.Path)
+    parser.add_argument("--list", required=True, type=pathlib.Path)
+    parser.add_argument("--renew", action="store_true")
+    for program in ("nm", "objdump", "cxxfilt"):
+        parser.add_argument(f"--{program}", required=True)
+    arguments = parser.parse_args()
+
+    if arguments.definitions:
+        mangled = names_of_def(arguments.definitions)
+    else:
+        mangled = names_of_library(arguments.nm, arguments.library)
+    exported = demangled(arguments.cxxfilt, mangled)
+    agrees = check_declarations(arguments, mangled, exported)
+    sys.exit(0 if check_list(arguments, exported) and agrees else 1)
 
 
 main()

@@ -1,0 +1,34 @@
+#!/usr/bin/env python3
+"""The names that the public headers declare for export.
+
+    public_names.py --headers DIRECTORY --def FILE   module definitions of the plain functions, to make an import
+                                                     library of for compilers with another C++ ABI
+"""
+import argparse
+import pathlib
+import re
+
+
+def declared(directory):
+    """The plain functions, the classes, and the other functions and data."""
+    text = "\n".join(path.read_text(encoding="utf-8") for path in sorted(directory.glob("*.h")))
+    text = re.sub(r"//[^\n]*", "", text)
+    plain = set(re.findall(r"^VEL_C_API\b[^;(]*?\b(\w+)\s*\(", text, re.MULTILINE))
+    classes = set(re.findall(r"\b(?:class|struct) VEL_API (\w+)", text))
+    functions = {name.replace(" ", "") for name in re.findall(r"^VEL_API\b[^;(]*?(operator\S+|\b\w+)\s*\(", text, re.MULTILINE)}
+    # Data is told apart by its leading word.
+    functions |= set(re.findall(r"^extern VEL_API\b[^;(]*?(\w+);", text, re.MULTILINE))
+    return plain, classes, functions
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--headers", required=True, type=pathlib.Path)
+    parser.add_argument("--def", dest="definitions", required=True, type=pathlib.Path)
+    arguments = parser.parse_args()
+    names = sorted(declared(arguments.headers)[0])
+    arguments.definitions.write_text("\n".join(["LIBRARY qamc5032.dll", "EXPORTS", *names, ""]), encoding="ascii")
+
+
+if __name__ == "__main__":
+    main()
