@@ -1,12 +1,69 @@
-#!/bin/sh
-# Installs a build and lets a separate CMake project find and link it, as a user would:
-# check_install.sh BUILD_FOLDER CONSUMER_SOURCE_FOLDER CMAKE [CMAKE_ARGUMENT...]
-set -eu
-build=$1 consumer=$2 cmake=$3
-shift 3
-work=$build/install-check
+#!/usr/bin/env bash
+# Installs a build, moves it to another folder and uses it there as strangers would: through CMake, through
+# pkg-config, with another compiler's linker, from the command line and from a shell's completion.
+# check_install.sh BUILD_FOLDER EXAMPLES_FOLDER COMPILER EMULATOR|"" CMAKE [CMAKE_ARGUMENT...]
+set -euo pipefail
+build=$1 examples=$2 compiler=$3 emulator=$4 cmake=$5
+shift 5
+work=$build/install-check prefix=$build/install-check/moved
+
+# expect TEXT COMMAND...: the command's output holds the text.
+expect() {
+  local text=$1 output
+  shift
+  output=$("$@") || { echo "$* ended with $?: $output" >&2; exit 1; }
+  [[ $output == *"$text"* ]] || { echo "$*: no '$text' in: $output" >&2; exit 1; }
+  echo "$text"
+}
+
+run() { if [ -n "$emulator" ]; then "$emulator" "$1.exe" "${@:2}"; else "$@"; fi; }
+
+through_cmake() {
+  "$cmake" -S "$examples/consumer" -B "$work/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" "$@" >/dev/null
+  "$cmake" --build "$work/cmake" >/dev/null
+  "$cmake" --build "$work/cmake" --target run_consumer
+}
+
+through_pkg_config() {
+  local flags
+  PKG_CONFIG_LIBDIR=$(dirname "$(find "$prefix" -name qamc5032.pc)")
+  export PKG_CONFIG_LIBDIR
+  read -ra flags < <(pkg-config --cflags --libs qamc5032)
+  mkdir "$work/pkg-config"
+  "$compiler" -std=c++20 "$examples/greet.cpp" "${flags[@]}" -o "$work/pkg-config/greet"
+  # Windows finds a DLL beside the program.
+  if [ -n "$emulator" ]; then cp "$(pkg-config --variable=bindir qamc5032)"/*.[dD][lL][lL] "$work/pkg-config"; fi
+  LD_LIBRARY_PATH=$(pkg-config --variable=libdir qamc5032) run "$work/pkg-config/greet" -name pkg-config
+}
+
+# Without any C runtime: the headers and the import library are all that such a compiler takes from here.
+through_other_linker() {
+  local program=$work/pkg-config/plain
+  printf '#include <vel_c.h>\nint start(void) { return velMatchesWildcardPattern("*.INI", "tool.ini", false) ? 0 : 9; }\n' \
+    >"$program.c"
+  clang --target=x86_64-pc-windows-msvc -ffreestanding -I"$prefix/include/qamc5032" -c "$program.c" -o "$program.obj"
+  lld-link -nologo -nodefaultlib -entry:start -subsystem:console "$program.obj" "$prefix/lib/qamc5032.lib" -out:"$program.exe"
+  run "$program" && echo "linked and ran"
+}
+
+# complete_line WORD...: what the shell offers for the last word.
+complete_line() {
+  local COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)) COMPREPLY
+  source "$prefix/share/bash-completion/completions/$1"
+  "_$1"
+  echo "<${COMPREPLY[*]}>"
+}
+
+man_page_warnings() { echo "<$(groff -man -ww -z -Tutf8 "$prefix"/share/man/man1/*.1 2>&1)>"; }
+
 rm -rf "$work"
 "$cmake" --install "$build" --prefix "$work/prefix" >/dev/null
-"$cmake" -S "$consumer" -B "$work/build" -G Ninja -DCMAKE_PREFIX_PATH="$work/prefix" "$@" >/dev/null
-"$cmake" --build "$work/build" >/dev/null
-"$cmake" --build "$work/build" --target run_consumer
+mv "$work/prefix" "$prefix"
+expect "Hello, installed!" through_cmake "$@"
+expect "Hello, pkg-config!" through_pkg_config
+expect "1033" run "$prefix/bin/velmsg" -cat qammsg50.DLL -langs
+expect "<-delete -delsection>" complete_line velini -section one -del
+expect "<>" complete_line velini -section d
+expect "<$prefix/include>" complete_line veldump "$prefix/inc"
+expect "<>" man_page_warnings
+if [ -n "$emulator" ]; then expect "linked and ran" through_other_linker; fi

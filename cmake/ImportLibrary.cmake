@@ -1,0 +1,16 @@
+# qamc5032.lib: what linkers for the other C++ ABI of Windows take, with the plain functions alone. Classes stay out:
+# their names and layouts are those of this library's own compiler.
+find_program(VEL_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14)
+if(NOT VEL_DLLTOOL)
+  message(FATAL_ERROR "llvm-dlltool not found: run ./dev setup")
+endif()
+file(GLOB public_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/vel_include/*.h)
+set(plain_def ${CMAKE_BINARY_DIR}/plain_functions.def)
+set(plain_lib ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/qamc5032.lib)
+add_custom_command(OUTPUT ${plain_lib}
+  COMMAND Python3::Interpreter -B ${PROJECT_SOURCE_DIR}/cmake/public_names.py
+          --headers ${PROJECT_SOURCE_DIR}/vel_include --def ${plain_def}
+  COMMAND ${VEL_DLLTOOL} -m i386:x86-64 -d ${plain_def} -l ${plain_lib}
+  DEPENDS ${PROJECT_SOURCE_DIR}/cmake/public_names.py ${public_headers}
+  VERBATIM)
+add_custom_target(plain_import_library ALL DEPENDS ${plain_lib})
