@@ -20,6 +20,8 @@ endfunction()
 # The C++ runtime is shared, so that exceptions and streams cross the DLL
 # boundary; on Windows its DLLs have to lie beside the programs.
 if(MINGW)
+  # The same sources make the same files.
+  add_link_options(LINKER:--no-insert-timestamp)
   set(VEL_RUNTIME_DLLS)
   foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll}
