@@ -14,15 +14,21 @@ import subprocess
 import time
 import zipfile
 
+ROOT = pathlib.Path(__file__).resolve().parent.parent
 EPOCH = int(os.environ["SOURCE_DATE_EPOCH"])
 LIBRARY = "libqamc5032-5"
 LIBRARY_SHLIBS = "libqamc5032 5 libqamc5032-5 (>= {version})\n"
-# Package name: component, section, dependencies beside those of its programs, what it is.
+# Package name: component, section, dependencies beside those of its programs, what it is in a line and in full.
 PACKAGES = {
-    LIBRARY: ("runtime", "libs", "", "operating-system services library"),
+    LIBRARY: ("runtime", "libs", "", "operating-system services library",
+              "Files, processes, messages, console front ends, tracing, INI files and code\n"
+              " pages, with the same behaviour on Linux and Windows."),
     "libqamc5032-dev": ("development", "libdevel", LIBRARY + " (= {version})",
-                        "operating-system services library, headers"),
-    "qamc5032-tools": ("tools", "utils", "", "tools for traces, message catalogs, INI files and dumps"),
+                        "operating-system services library, headers",
+                        "What programs need to be built with the library: headers, CMake package,\n pkg-config file."),
+    "qamc5032-tools": ("tools", "utils", "", "tools for traces, message catalogs, INI files and dumps",
+                       "Programs of the operating-system services library, with manual pages and\n"
+                       " completion of their command lines."),
 }
 CONTROL = """\
 Package: {name}
@@ -33,6 +39,7 @@ Priority: optional
 Maintainer: The developers of qamc5032 <packages@qamc5032.invalid>
 Installed-Size: {size}
 {depends}Description: {description}
+ {text}
 """
 
 
@@ -72,12 +79,22 @@ def program_dependencies(work, root):
     return answer.strip().partition("=")[2]
 
 
+def add_notices(root, name):
+    """All notices in the one file where this system looks for them; the licence as soon as there is one."""
+    documents = root / "usr/share/doc"
+    shutil.rmtree(documents, ignore_errors=True)
+    (documents / name).mkdir(parents=True)
+    notices = [path for path in (ROOT / "LICENSE", ROOT / "THIRD_PARTY_NOTICES.md") if path.exists()]
+    (documents / name / "copyright").write_bytes(b"\n".join(path.read_bytes() for path in notices))
+
+
 def deb(build, work, out, version, name):
-    component, section, depends, description = PACKAGES[name]
+    component, section, depends, description, text = PACKAGES[name]
     root = work / name
     install(build, root, "--component", component, DESTDIR=str(root))
     for page in root.glob("usr/share/man/*/*"):
         compress(page)
+    add_notices(root, name)
     control = root / "DEBIAN"
     control.mkdir()
     if name == LIBRARY:
@@ -91,7 +108,7 @@ def deb(build, work, out, version, name):
     architecture = run("dpkg", "--print-architecture", stdout=subprocess.PIPE).stdout.strip()
     size = sum(-(-path.lstat().st_size // 1024) for path in installed)
     (control / "control").write_text(CONTROL.format(
-        name=name, version=version, architecture=architecture, section=section, size=size, description=description,
+        name=name, version=version, architecture=architecture, section=section, size=size, description=description, text=text,
         depends=f"Depends: {depends}\n" if depends else ""), encoding="utf-8")
     normalize(root)
     run("dpkg-deb", "--root-owner-group", "-Zxz", "--threads-max=1", "--build", root,
