@@ -14,8 +14,10 @@ namespace {
 /// Shorter lists are searched as they are.
 constexpr std::size_t kIndexedLength = 8;
 
-/// A text stands right behind its record's last member.
-constexpr std::size_t kRecordSize = 2 * sizeof(void*) + 2 * sizeof(std::uint16_t) + 2;
+/// Where a text begins in its record.
+constexpr std::size_t kTextOffset = sizeof(void*) + 2 * sizeof(std::uint16_t) + 2;
+/// Room for the pointer to a text that leaves the record.
+constexpr std::size_t kSmallestRecord = kTextOffset + sizeof(char*);
 
 template <typename Record>
 Record* findInList(Record* record, const char* name) noexcept {
@@ -68,17 +70,25 @@ Model::Section* Model::appendSection(Span name) {
   return section;
 }
 
+char* Model::textInRecord(Option& option) noexcept {
+  return reinterpret_cast<char*>(&option) + kTextOffset;
+}
+
+/// `place` is where the option's text stands from now on.
+void Model::fill(Option& option, char* place, const OptionText& text) noexcept {
+  std::memcpy(place, text.data(), text.size());
+  option.value_ = static_cast<std::uint16_t>(text.valueOffset());
+  option.comment_ = static_cast<std::uint16_t>(text.commentOffset());
+}
+
 Model::Option* Model::makeOption(const OptionText& text) {
-  static_assert(kRecordSize <= sizeof(Option));
-  const std::size_t units = RecordMemory::unitsFor(std::max(kRecordSize + text.size(), sizeof(Option)));
+  static_assert(offsetof(Option, text_) == kTextOffset);
+  const std::size_t units = RecordMemory::unitsFor(std::max(kTextOffset + text.size(), kSmallestRecord));
   auto* const option = ::new (memory_.take(units)) Option();
   option->next_ = nullptr;
-  option->text_ = reinterpret_cast<char*>(option) + kRecordSize;
   option->recordUnits_ = static_cast<std::uint8_t>(units);
   option->textUnits_ = 0;
-  std::memcpy(option->text_, text.data(), text.size());
-  option->value_ = static_cast<std::uint16_t>(text.valueOffset());
-  option->comment_ = static_cast<std::uint16_t>(text.commentOffset());
+  fill(*option, textInRecord(*option), text);
   return option;
 }
 
@@ -97,26 +107,26 @@ Model::Option* Model::appendOption(Section& section, const OptionText& text) {
 }
 
 void Model::giveBackText(Option& option) noexcept {
-  if (option.textUnits_ != 0) memory_.giveBack(option.text_, option.textUnits_);
+  if (option.textUnits_ != 0) memory_.giveBack(const_cast<char*>(option.movedText()), option.textUnits_);
 }
 
 /// The record stays where it is. A text that grows takes twice the room, so that many small continuation
 /// lines do not leave many texts behind.
 void Model::replaceText(Option& option, const OptionText& text) {
   constexpr std::size_t kMostUnits = RecordMemory::unitsFor(kOptionTextSize);
-  const std::size_t unitSize = RecordMemory::kUnit;
+  constexpr std::size_t kUnitSize = RecordMemory::kUnit;
+  const bool isInRecord = option.textUnits_ == 0;
   const std::size_t room =
-      option.textUnits_ != 0 ? option.textUnits_ * unitSize : option.recordUnits_ * unitSize - kRecordSize;
+      isInRecord ? option.recordUnits_ * kUnitSize - kTextOffset : option.textUnits_ * kUnitSize;
+  char* place = isInRecord ? textInRecord(option) : const_cast<char*>(option.movedText());
   if (text.size() > room) {
     const std::size_t units = std::min(RecordMemory::unitsFor(text.size()) * 2, kMostUnits);
-    auto* const moved = static_cast<char*>(memory_.take(units));
+    place = static_cast<char*>(memory_.take(units));
     giveBackText(option);
-    option.text_ = moved;
+    std::memcpy(textInRecord(option), &place, sizeof place);
     option.textUnits_ = static_cast<std::uint8_t>(units);
   }
-  std::memcpy(option.text_, text.data(), text.size());
-  option.value_ = static_cast<std::uint16_t>(text.valueOffset());
-  option.comment_ = static_cast<std::uint16_t>(text.commentOffset());
+  fill(option, place, text);
 }
 
 void Model::deleteOption(Section& section, Option& option) noexcept {
@@ -171,3 +181,9 @@ void Model::remove(CursorPlace& place) noexcept {
 }
 
 }  // namespace vel::inifile
+
+const char* VelClIniFileOption::movedText() const {
+  const char* text = nullptr;
+  std::memcpy(&text, reinterpret_cast<const char*>(this) + vel::inifile::kTextOffset, sizeof text);
+  return text;
+}

@@ -51,6 +51,8 @@ class Model {
   static OptionIndex* indexOf(const Section& section) noexcept {
     return static_cast<OptionIndex*>(section.index_);
   }
+  static char* textInRecord(Option& option) noexcept;
+  static void fill(Option& option, char* place, const OptionText& text) noexcept;
   Option* makeOption(const OptionText& text);
   void giveBackText(Option& option) noexcept;
   void freeOptions(Section& section) noexcept;

@@ -48,24 +48,25 @@ class VelClIniFileOption {
   VelClIniFileOption(const VelClIniFileOption&) = delete;
   VelClIniFileOption& operator=(const VelClIniFileOption&) = delete;
 
-  const char* getName() const { return text_; }
-  const char* getValue() const { return text_ + value_; }
+  const char* getName() const { return textUnits_ == 0 ? text_ : movedText(); }
+  const char* getValue() const { return getName() + value_; }
   /// "" when there is none.
-  const char* getComment() const { return text_ + comment_; }
+  const char* getComment() const { return getName() + comment_; }
   /// The next option of the section, or null.
   VelClIniFileOption* getNext() const { return next_; }
 
  private:
   friend class vel::inifile::Model;
   VelClIniFileOption() = default;
+  VEL_API const char* movedText() const;
 
   VelClIniFileOption* next_;
-  char* text_;  ///< name, value and comment, each terminated: 1,024 characters at most, and no more than it
-                ///< takes
   uint16_t value_;
   uint16_t comment_;
-  uint8_t textUnits_;  ///< the memory of a text that has left the record, 0 for one behind it
+  uint8_t textUnits_;  ///< the memory of a text that has left the record, 0 for one in it
   uint8_t recordUnits_;
+  char text_[2];  ///< name, value and comment, each terminated: 1,024 characters at most, and no more than it
+                  ///< takes, beyond this member; or a pointer to a text that has left the record
 };
 
 /// A section. The name is valid until the section is deleted.
