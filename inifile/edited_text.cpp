@@ -139,7 +139,9 @@ bool EditedText::setValue(const char* section, const char* option, const char* v
   return false;
 }
 
+/// A name that is cut when it is read could not be found again.
 bool EditedText::addSection(const char* name) {
+  if (std::strlen(name) > VelClIniFileSection::kMaxNameLength) return false;
   String line = "[";
   line += name;
   line += "]";

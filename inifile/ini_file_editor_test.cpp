@@ -67,6 +67,8 @@ const Row kRows[] = {
     {"[A]\n", "B", nullptr, "", "[A]\n\n[B]\n"},
     {"[A]\n", "a", nullptr, "", ""},
     {"[A]\n", "B]", nullptr, "", ""},
+    {"[A]\n", kLong.c_str(), nullptr, "", ""},
+    {"[A]\n", kLong.c_str(), "x", "1", ""},
     {"[A]\nx=" + kLong + "\n", "A", "y", "2", ""},
     {"[A]\nx=" + kLong + "\n", "B", "y", "2", ""},
     // Removals.
