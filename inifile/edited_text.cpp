@@ -5,43 +5,69 @@
 #include <utility>
 
 #include "inifile/ini_parser.h"
-#include "inifile/value_writer.h"
+#include "inifile/text_changes.h"
+#include "inifile/text_merger.h"
 
 namespace vel::inifile {
 
 namespace {
 
-bool sameOption(const VelClIniFileOption& a, const VelClIniFileOption& b, bool withComment) noexcept {
-  return std::strcmp(a.getName(), b.getName()) == 0 && std::strcmp(a.getValue(), b.getValue()) == 0 &&
-         (!withComment || std::strcmp(a.getComment(), b.getComment()) == 0);
+using Section = VelClIniFileSection;
+using Option = VelClIniFileOption;
+
+/// The comment of an option that was merged does not count: it may have stood on a line that is gone.
+bool isMerged(const VelClIniFile* merged, const Section& section, const Option& option) {
+  const Section* const found = merged != nullptr ? merged->getExistingSection(section.getName()) : nullptr;
+  return found != nullptr && merged->getExistingOption(*found, option.getName()) != nullptr;
 }
 
-bool sameSection(const VelClIniFileSection& a, const VelClIniFileSection& b,
-                 const VelClIniFileOption* changed) noexcept {
+bool sameSection(const Section& a, const Section& b, const VelClIniFile* merged) {
   if (std::strcmp(a.getName(), b.getName()) != 0) return false;
-  const VelClIniFileOption* left = a.getFirstOption();
-  const VelClIniFileOption* right = b.getFirstOption();
-  for (; left != nullptr && right != nullptr; left = left->getNext(), right = right->getNext())
-    if (!sameOption(*left, *right, left != changed)) return false;
+  const Option* left = a.getFirstOption();
+  const Option* right = b.getFirstOption();
+  for (; left != nullptr && right != nullptr; left = left->getNext(), right = right->getNext()) {
+    if (std::strcmp(left->getName(), right->getName()) != 0) return false;
+    if (std::strcmp(left->getValue(), right->getValue()) != 0) return false;
+    if (std::strcmp(left->getComment(), right->getComment()) != 0 && !isMerged(merged, a, *left))
+      return false;
+  }
   return left == right;
 }
 
-/// The comment of `changed`, an option of `a`, does not count: it may have stood on a line that is gone.
-bool sameModel(const VelClIniFile& a, const VelClIniFile& b, const VelClIniFileOption* changed) noexcept {
-  const VelClIniFileSection* left = a.getFirstSection();
-  const VelClIniFileSection* right = b.getFirstSection();
+bool sameModel(const VelClIniFile& a, const VelClIniFile& b, const VelClIniFile* merged) {
+  const Section* left = a.getFirstSection();
+  const Section* right = b.getFirstSection();
   for (; left != nullptr && right != nullptr; left = left->getNext(), right = right->getNext())
-    if (!sameSection(*left, *right, changed)) return false;
+    if (!sameSection(*left, *right, merged)) return false;
   return left == right;
 }
 
-bool isQuoted(Span raw) noexcept {
-  return raw.length() > 1 && raw.first() == '"' && raw.end[-1] == '"';
+/// A file of this option alone; null when the names or the value are none that a file can hold.
+OwnedIniFile fileOf(const char* section, const char* option, const char* value) {
+  String text = "[";
+  text.append(section).append("]\n").append(option).append("=");
+  OwnedIniFile file(create<VelClIniFile>(""));
+  file->loadFromBuffer(text.data(), text.size(), '\n', true, false);
+  const Section* const made = file->getExistingSection(section);
+  const Option* const only = made != nullptr ? made->getFirstOption() : nullptr;
+  const bool isMade = only != nullptr && std::strcmp(only->getName(), option) == 0 &&
+                      std::strcmp(made->getName(), section) == 0;
+  return isMade && file->getSection(section) && file->setNewValue(option, value) ? std::move(file) : nullptr;
 }
 
-const VelClIniFileOption* optionOf(const VelClIniFile& file, const char* section, const char* option) {
-  const VelClIniFileSection* const found = file.getExistingSection(section);
-  return found != nullptr ? file.getExistingOption(*found, option) : nullptr;
+bool mergeSection(VelClIniFile& file, const VelClIniFile& source, const Section& section) {
+  if (!file.getSection(section.getName()) && !file.addSection(section.getName())) return false;
+  for (const Option* option = section.getFirstOption(); option != nullptr; option = option->getNext())
+    if (isFirst(source, section, *option) && !file.setNewValue(option->getName(), option->getValue()) &&
+        !file.addOption(option->getName(), option->getValue()))
+      return false;
+  return true;
+}
+
+bool mergeModel(VelClIniFile& file, const VelClIniFile& source) {
+  for (const Section* section = source.getFirstSection(); section != nullptr; section = section->getNext())
+    if (hasOptions(source, *section) && !mergeSection(file, source, *section)) return false;
+  return true;
 }
 
 }  // namespace
@@ -61,116 +87,66 @@ OwnedIniFile EditedText::read(const String& text) const {
   return file;
 }
 
-/// The first line's, or "\n".
-const char* EditedText::lineEnd() const noexcept {
-  const std::size_t end = text_.find('\n');
-  return end != String::npos && end > 0 && text_[end - 1] == '\r' ? "\r\n" : "\n";
+SectionLayout EditedText::layoutOf(const Section& wanted) const {
+  SectionScanner scanner(span(), allowContinuation_);
+  const Section* section = model_->getFirstSection();
+  while (scanner.next() && section != &wanted) section = section->getNext();
+  return scanner.layout();
 }
 
-bool EditedText::isLineStart(const char* at) const noexcept {
-  return at == text_.data() || at[-1] == '\n';
-}
-
-/// A last line without end gets one only when another follows.
-String EditedText::withLine(const char* at, const String& line, bool blankBefore) const {
-  const bool isAtLineStart = isLineStart(at);
-  String changed(span().begin, at);
-  if (!isAtLineStart) changed += lineEnd();
-  if (blankBefore) changed += lineEnd();
-  changed += line;
-  if (isAtLineStart) changed += lineEnd();
-  return changed.append(at, span().end);
-}
-
-/// The first line gets the value. Others go, but for their comments.
-String EditedText::withValue(const SectionLayout& layout, const char* value) const {
-  String changed;
-  const char* kept = span().begin;
-  for (const ValueLine& line : layout.option) {
-    const bool isFirst = &line == &layout.option.front();
-    const Span replaced = isFirst || line.hasComment ? line.value : line.whole;
-    changed.append(kept, replaced.begin);
-    if (isFirst) writeValue(changed, value, isQuoted(line.value));
-    kept = replaced.end;
-  }
-  return changed.append(kept, span().end);
-}
-
-String EditedText::withOption(const SectionLayout& layout, const char* option, const char* value) const {
-  String line(option);
-  if (layout.separator.begin != nullptr)
-    line.append(layout.separator.begin, layout.separator.end);
-  else
-    line += " = ";
-  writeValue(line, value, false);
-  return withLine(layout.contentEnd, line, false);
-}
-
-/// `change` makes the wanted model of the present one; where it is false, or the parser reads another model,
-/// the present one is read again.
+/// `change` makes the wanted model of the present one; where it is false, or the parser reads another model
+/// in the changed text, everything stays.
 template <typename Change>
-bool EditedText::replaceIf(String changed, Change change) {
-  OwnedIniFile wanted = read(text_);
-  const VelClIniFileOption* option = nullptr;
-  if (!change(*wanted, option)) return false;
+bool EditedText::replaceIf(String changed, const VelClIniFile* merged, Change change) {
+  const OwnedIniFile wanted = read(text_);
+  if (!change(*wanted)) return false;
   OwnedIniFile read = this->read(changed);
-  if (!sameModel(*wanted, *read, option)) return false;
+  if (!sameModel(*wanted, *read, merged)) return false;
   text_ = std::move(changed);
   model_ = std::move(read);
   return true;
 }
 
 bool EditedText::setValue(const char* section, const char* option, const char* value) {
-  SectionLayout layout = layoutOf(section, option);
-  if (!layout.option.empty())
-    return replaceIf(withValue(layout, value), [&](VelClIniFile& file, const VelClIniFileOption*& changed) {
-      changed = optionOf(file, section, option);
-      return file.getSection(section) && file.setNewValue(option, value);
-    });
-  const auto add = [&](VelClIniFile& file, const VelClIniFileOption*&) {
-    return file.getSection(section) && file.addOption(option, value);
-  };
-  if (layout.isFound()) return replaceIf(withOption(layout, option, value), add);
-  // A refused option takes its new section with it.
-  const String before = text_;
-  if (!addSection(section)) return false;
-  if (replaceIf(withOption(layoutOf(section, option), option, value), add)) return true;
-  take(before, allowContinuation_);
-  return false;
+  const OwnedIniFile source = fileOf(section, option, value);
+  return source != nullptr && merge(*source);
+}
+
+bool EditedText::merge(const VelClIniFile& source) {
+  return replaceIf(mergedText(span(), allowContinuation_, *model_, source), &source,
+                   [&source](VelClIniFile& file) { return mergeModel(file, source); });
 }
 
 /// A name that is cut when it is read could not be found again.
 bool EditedText::addSection(const char* name) {
-  if (std::strlen(name) > VelClIniFileSection::kMaxNameLength) return false;
-  String line = "[";
-  line += name;
-  line += "]";
-  return replaceIf(withLine(span().end, line, !text_.empty()),
-                   [name](VelClIniFile& file, const VelClIniFileOption*&) { return file.addSection(name); });
+  if (std::strlen(name) > Section::kMaxNameLength) return false;
+  TextChanges changes(span());
+  changes.addHeader(name);
+  return replaceIf(changes.finish(), nullptr, [name](VelClIniFile& file) { return file.addSection(name); });
 }
 
 bool EditedText::deleteOption(const char* section, const char* option) {
-  const SectionLayout layout = layoutOf(section, option);
-  String changed;
-  const char* kept = span().begin;
-  for (const ValueLine& line : layout.option) {
-    changed.append(kept, line.whole.begin);
-    kept = line.whole.end;
-  }
-  changed.append(kept, span().end);
-  return replaceIf(std::move(changed), [&](VelClIniFile& file, const VelClIniFileOption*&) {
-    return file.getSection(section) && file.deleteOption(option);
-  });
+  const Section* const found = model_->getExistingSection(section);
+  const Option* const wanted = found != nullptr ? model_->getExistingOption(*found, option) : nullptr;
+  if (wanted == nullptr) return false;
+  const SectionLayout layout = layoutOf(*found);
+  std::span<const ValueLine> lines(layout.lines);
+  for (const Option* before = found->getFirstOption(); before != wanted; before = before->getNext())
+    takeOptionLines(lines);
+  TextChanges changes(span());
+  for (const ValueLine& line : takeOptionLines(lines)) changes.remove(line.whole);
+  return replaceIf(changes.finish(), nullptr,
+                   [&](VelClIniFile& file) { return file.getSection(section) && file.deleteOption(option); });
 }
 
 bool EditedText::deleteSection(const char* name) {
-  const SectionLayout layout = layoutOf(name, nullptr);
-  if (!layout.isFound()) return false;
-  String changed(span().begin, layout.header.begin);
-  changed.append(layout.contentEnd, span().end);
-  return replaceIf(std::move(changed), [name](VelClIniFile& file, const VelClIniFileOption*&) {
-    return file.deleteSection(name);
-  });
+  const Section* const found = model_->getExistingSection(name);
+  if (found == nullptr) return false;
+  const SectionLayout layout = layoutOf(*found);
+  TextChanges changes(span());
+  changes.remove({layout.header.begin, layout.contentEnd});
+  return replaceIf(changes.finish(), nullptr,
+                   [name](VelClIniFile& file) { return file.deleteSection(name); });
 }
 
 }  // namespace vel::inifile

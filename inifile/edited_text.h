@@ -25,23 +25,19 @@ class EditedText {
   const VelClIniFile& model() const noexcept { return *model_; }
 
   bool setValue(const char* section, const char* option, const char* value);
+  /// Sets all that questions by name find in another file, or nothing.
+  bool merge(const VelClIniFile& source);
   bool addSection(const char* name);
   bool deleteOption(const char* section, const char* option);
   bool deleteSection(const char* name);
 
  private:
   Span span() const noexcept { return {text_.data(), text_.data() + text_.size()}; }
-  SectionLayout layoutOf(const char* section, const char* option) const {
-    return findLayout(span(), section, option, allowContinuation_);
-  }
   OwnedIniFile read(const String& text) const;
-  const char* lineEnd() const noexcept;
-  bool isLineStart(const char* at) const noexcept;
-  String withLine(const char* at, const String& line, bool blankBefore) const;
-  String withValue(const SectionLayout& layout, const char* value) const;
-  String withOption(const SectionLayout& layout, const char* option, const char* value) const;
+  /// Of a section of the model.
+  SectionLayout layoutOf(const VelClIniFileSection& wanted) const;
   template <typename Change>
-  bool replaceIf(String changed, Change change);
+  bool replaceIf(String changed, const VelClIniFile* merged, Change change);
 
   String text_;
   bool allowContinuation_ = false;

@@ -58,6 +58,10 @@ bool VelClIniFileEditor::setValue(const char* section, const char* option, const
   return text_->setValue(textOrEmpty(section), textOrEmpty(option), textOrEmpty(value));
 }
 
+bool VelClIniFileEditor::merge(const VelClIniFile& source) {
+  return text_->merge(source);
+}
+
 bool VelClIniFileEditor::addSection(const char* name) {
   return text_->addSection(textOrEmpty(name));
 }

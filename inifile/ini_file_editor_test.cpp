@@ -134,6 +134,33 @@ TEST(IniEditor, SetsAnyValueInAnyText) {
   EXPECT_GT(changes, 3900);
 }
 
+struct MergeRow {
+  std::string before;
+  std::string source;
+  std::string after;  ///< "" for a refusal
+};
+
+const MergeRow kMergeRows[] = {
+    {"; c\r\n[B]\r\nx = 1 ; c\r\nx=2\r\n\r\n[A]\r\n[b]\r\nx=3",
+     "[a]\ny=4\nY=5\n[b]\nz=;\nx=' '\n[B]\nx=9\n[C]\nw=1\n[D]\n",
+     "; c\r\n[B]\r\nx = \" \" ; c\r\nx=2\r\nz=\r\n\r\n[A]\r\ny = 4\r\n[b]\r\nx=3\r\n\r\n[C]\r\nw = 1"},
+    {"[A]\nx=a\n b ;c\n d\ny=\"q\"\n", "[a]\nx=1\ny=2", "[A]\nx=1\n  ;c\ny=\"2\"\n"},
+    {"", "[A]\nx=1\n[B]\ny=\n", "[A]\nx = 1\n\n[B]\ny = \n"},
+    {"[A]\n", "[A]\nx=1\n[B]\n=1", ""},
+    {"[A]\nx=" + kLong + "\n", "[A]\nx=1\n[B]\ny=1", ""},
+};
+
+TEST(IniEditor, MergesAllOrNothing) {
+  for (const MergeRow& row : kMergeRows) {
+    VelClIniFileEditor editor("unused");
+    editor.loadFromBuffer(row.before.data(), row.before.size(), true);
+    VelClIniFile source("unused");
+    vel::test::loadText(source, row.source);
+    EXPECT_EQ(editor.merge(source), !row.after.empty()) << row.before;
+    EXPECT_EQ(textOf(editor), row.after.empty() ? row.before : row.after);
+  }
+}
+
 TEST(IniEditor, SavesTheTextAsItIs) {
   const vel::test::ScratchDirectory directory;
   const std::string path = directory.write("a.ini", "[A]\r\nx=1\r\n");

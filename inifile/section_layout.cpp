@@ -1,85 +1,70 @@
-// Finds the places of a section and an option.
+// Finds the places of sections and options.
 #include "inifile/section_layout.h"
 
-#include <algorithm>
-
-#include "foundation/ascii.h"
 #include "inifile/ini_parser.h"
 
 namespace vel::inifile {
 
-namespace {
+std::span<const ValueLine> takeOptionLines(std::span<const ValueLine>& lines) noexcept {
+  std::size_t count = 1;
+  while (count < lines.size() && lines[count].continues) ++count;
+  const auto taken = lines.first(count);
+  lines = lines.subspan(count);
+  return taken;
+}
 
-class LayoutScanner {
- public:
-  LayoutScanner(const char* section, const char* option, bool allowContinuation)
-      : section_(section), option_(option), allowContinuation_(allowContinuation) {}
+bool SectionScanner::next() {
+  if (nextHeader_.begin == nullptr) return false;
+  layout_.header = nextHeader_;
+  layout_.contentEnd = nextHeader_.end;
+  layout_.separator = {nullptr, nullptr};
+  layout_.lines.clear();
+  isOpen_ = false;
+  readToHeader();
+  return true;
+}
 
-  SectionLayout scan(Span text) {
-    LineSource lines(text.begin, text.length(), '\n', LineSource::Bytes::Text);
-    while (!lines.isAtEnd()) {
-      const char* const begin = lines.position();
-      const Span line = lines.next();
-      if (!take(line, {begin, lines.position()})) break;
+void SectionScanner::readToHeader() {
+  nextHeader_ = {nullptr, nullptr};
+  while (!lines_.isAtEnd()) {
+    const char* const begin = lines_.position();
+    const Span line = lines_.next();
+    const Span whole{begin, lines_.position()};
+    if (kindOf(line) == LineKind::Header && nameInHeader(line).begin != nullptr) {
+      nextHeader_ = whole;
+      return;
     }
-    return layout_;
+    take(line, whole);
   }
+}
 
- private:
-  /// False behind the section.
-  bool take(Span line, Span whole) {
-    const LineKind kind = kindOf(line);
-    if (kind == LineKind::Empty) return true;
-    const Span header = kind == LineKind::Header ? nameInHeader(line) : Span{nullptr, nullptr};
-    if (header.begin != nullptr) return takeHeader(header, whole);
-    if (!layout_.isFound()) return true;
-    layout_.contentEnd = whole.end;
-    if (kind == LineKind::Option) takeOption(line, whole);
-    if (kind == LineKind::Indented) takeIndented(line, whole);
-    return true;
-  }
+void SectionScanner::take(Span line, Span whole) {
+  const LineKind kind = kindOf(line);
+  // Lines before the first header are nobody's.
+  if (kind == LineKind::Empty || layout_.header.begin == nullptr) return;
+  layout_.contentEnd = whole.end;
+  if (kind == LineKind::Option) takeOption(line, whole);
+  if (kind == LineKind::Indented) takeIndented(line, whole);
+}
 
-  bool takeHeader(Span name, Span whole) {
-    if (layout_.isFound()) return false;
-    char cut[VelClIniFileSection::kMaxNameLength + 1] = {};
-    std::copy(name.begin, name.begin + std::min(name.length(), sizeof cut - 1), cut);
-    if (!equalsIgnoringAsciiCase(cut, section_)) return true;
-    layout_.header = whole;
-    layout_.contentEnd = whole.end;
-    return true;
-  }
+void SectionScanner::takeOption(Span line, Span whole) {
+  const char* const equalSign = line.find('=');
+  if (equalSign == nullptr) return;
+  OptionText text(Span{line.begin, line.begin});
+  const ValuePlace place = parseValue({equalSign + 1, line.end}, text);
+  const char* nameEnd = equalSign;
+  while (nameEnd != line.begin && isSpace(nameEnd[-1])) --nameEnd;
+  layout_.separator = {nameEnd, place.raw.begin};
+  isOpen_ = true;
+  layout_.lines.push_back({whole, place.raw, place.stop != line.end, false});
+}
 
-  void takeOption(Span line, Span whole) {
-    const char* const equalSign = line.find('=');
-    if (equalSign == nullptr) return;
-    OptionText text = OptionText::named({line.begin, equalSign});
-    const ValuePlace place = parseValue({equalSign + 1, line.end}, text);
-    const char* nameEnd = equalSign;
-    while (nameEnd != line.begin && isSpace(nameEnd[-1])) --nameEnd;
-    layout_.separator = {nameEnd, place.raw.begin};
-    isOpen_ = option_ != nullptr && layout_.option.empty() && equalsIgnoringAsciiCase(text.data(), option_);
-    if (isOpen_) layout_.option.push_back({whole, place.raw, place.stop != line.end});
-  }
-
-  void takeIndented(Span line, Span whole) {
-    isOpen_ = isOpen_ && allowContinuation_;
-    if (!isOpen_) return;
-    OptionText text(Span{line.begin, line.begin});
-    const ValuePlace place = parseValue(line, text);
-    layout_.option.push_back({whole, place.raw, place.stop != line.end});
-  }
-
-  const char* section_;
-  const char* option_;
-  bool allowContinuation_;
-  bool isOpen_ = false;  ///< whether a continuation line belongs to the option
-  SectionLayout layout_;
-};
-
-}  // namespace
-
-SectionLayout findLayout(Span text, const char* section, const char* option, bool allowContinuation) {
-  return LayoutScanner(section, option, allowContinuation).scan(text);
+void SectionScanner::takeIndented(Span line, Span whole) {
+  isOpen_ = isOpen_ && allowContinuation_;
+  if (!isOpen_) return;
+  OptionText text(Span{line.begin, line.begin});
+  const ValuePlace place = parseValue(line, text);
+  layout_.lines.push_back({whole, place.raw, place.stop != line.end, true});
 }
 
 }  // namespace vel::inifile

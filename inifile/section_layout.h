@@ -1,5 +1,7 @@
-// Where a section and one of its options stand in a text. Lines are told apart as the parser does it.
+// Where sections and options stand in a text. Lines are told apart as the parser does it.
 #pragma once
+
+#include <span>
 
 #include "foundation/allocator.h"
 #include "inifile/line_source.h"
@@ -12,19 +14,46 @@ namespace vel::inifile {
 struct ValueLine {
   Span whole;
   Span value;
-  bool hasComment = false;
+  bool hasComment;
+  bool continues;  ///< the option before
 };
 
 struct SectionLayout {
-  Span header{nullptr, nullptr};     ///< with the line's end; begin is null without such a section
+  Span header{nullptr, nullptr};     ///< with the line's end
   const char* contentEnd = nullptr;  ///< behind the last line that is neither blank nor a comment
-  Span separator{nullptr, nullptr};  ///< what stands between name and value of the section's last option
-  Vector<ValueLine> option;  ///< the option's line and those that continue it; none without such an option
-
-  bool isFound() const noexcept { return header.begin != nullptr; }
+  Span separator{nullptr,
+                 nullptr};  ///< what stands between name and value of the last option, if there is any
+  Vector<ValueLine> lines;  ///< all options', each with the lines that continue it
 };
 
-/// The first section and option of the names; a null option is not looked for.
-SectionLayout findLayout(Span text, const char* section, const char* option, bool allowContinuation);
+/// Takes the lines of one option from the front: its own, and those that continue it.
+std::span<const ValueLine> takeOptionLines(std::span<const ValueLine>& lines) noexcept;
+
+/// Gives the sections one by one, in the order in which a model has them, and so do their options stand.
+class SectionScanner {
+ public:
+  /// The text must live as long as the scanner and its layouts.
+  SectionScanner(Span text, bool allowContinuation)
+      : lines_(text.begin, text.length(), '\n', LineSource::Bytes::Text),
+        allowContinuation_(allowContinuation) {
+    readToHeader();
+  }
+
+  /// False behind the last one.
+  bool next();
+  const SectionLayout& layout() const noexcept { return layout_; }
+
+ private:
+  void readToHeader();
+  void take(Span line, Span whole);
+  void takeOption(Span line, Span whole);
+  void takeIndented(Span line, Span whole);
+
+  LineSource lines_;
+  bool allowContinuation_;
+  bool isOpen_ = false;  ///< whether there is an option that a line could continue
+  SectionLayout layout_;
+  Span nextHeader_{nullptr, nullptr};
+};
 
 }  // namespace vel::inifile

@@ -368,6 +368,9 @@ class VEL_API VelClIniFileEditor : public VelClFile {
   /// last line of its section, a missing section at the end. Continuation lines of the old value go; the
   /// comment on one stays as a comment line.
   bool setValue(const char* section, const char* option, const char* value);
+  /// Does so with every option that questions find in another file, all of them or none, in the time of a few
+  /// changes.
+  bool merge(const VelClIniFile& source);
   /// Adds an empty section at the end; false when there is one of this name.
   bool addSection(const char* name);
   /// Removes the option's line, and those that continue it.

@@ -155,20 +155,21 @@ int Tool::set(VelClIniFileEditor& editor, const char* assignment) const {
              : report(kExitRefused, kRefused, assignment);
 }
 
+/// The first option that cannot be set by itself.
+const char* refusedOption(VelClIniFileEditor& editor, const VelClIniFile& source) {
+  for (auto* section = source.getFirstSection(); section != nullptr; section = section->getNext())
+    for (auto* option = section->getFirstOption(); option != nullptr; option = option->getNext())
+      if (!editor.setValue(section->getName(), option->getName(), option->getValue()))
+        return option->getName();
+  return nullptr;
+}
+
 int Tool::merge(VelClIniFileEditor& editor, const char* name) const {
   VelClIniFileEditor other(name);
   if (!read(other, name)) return report(kExitNotRead, kNotRead, name);
-  const VelClIniFile& file = other.getIniFile();
-  for (const auto* section = file.getFirstSection(); section != nullptr; section = section->getNext())
-    for (const auto* option = section->getFirstOption(); option != nullptr; option = option->getNext()) {
-      // Those that no question finds are left out.
-      if (file.getExistingSection(section->getName()) != section ||
-          file.getExistingOption(*section, option->getName()) != option)
-        continue;
-      if (!editor.setValue(section->getName(), option->getName(), option->getValue()))
-        return report(kExitRefused, kRefused, option->getName());
-    }
-  return write(editor);
+  if (editor.merge(other.getIniFile())) return write(editor);
+  const char* const refused = refusedOption(editor, other.getIniFile());
+  return report(kExitRefused, kRefused, refused != nullptr ? refused : name);
 }
 
 struct SyntaxError {

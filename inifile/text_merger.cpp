@@ -1,0 +1,92 @@
+// Merges options into a text in one pass.
+#include "inifile/text_merger.h"
+
+#include "inifile/section_layout.h"
+#include "inifile/text_changes.h"
+#include "inifile/value_writer.h"
+
+namespace vel::inifile {
+
+namespace {
+
+using Section = VelClIniFileSection;
+using Option = VelClIniFileOption;
+
+bool isQuoted(Span raw) noexcept {
+  return raw.length() > 1 && raw.first() == '"' && raw.end[-1] == '"';
+}
+
+class TextMerger {
+ public:
+  TextMerger(Span text, const VelClIniFile& model, const VelClIniFile& source)
+      : end_(text.end), model_(model), source_(source), changes_(text) {}
+
+  void takeSection(const Section& section, const SectionLayout& layout) {
+    const Section* const source =
+        isFirst(model_, section) ? source_.getExistingSection(section.getName()) : nullptr;
+    if (source == nullptr) return;
+    std::span<const ValueLine> lines(layout.lines);
+    for (const Option* option = section.getFirstOption(); option != nullptr; option = option->getNext()) {
+      const auto own = takeOptionLines(lines);
+      const Option* const wanted =
+          isFirst(model_, section, *option) ? source_.getExistingOption(*source, option->getName()) : nullptr;
+      if (wanted != nullptr) setValue(own, wanted->getValue());
+    }
+    addOptions(*source, &section, layout.contentEnd, layout.separator);
+  }
+
+  void addMissingSections() {
+    for (const Section* section = source_.getFirstSection(); section != nullptr;
+         section = section->getNext()) {
+      if (!hasOptions(source_, *section) || model_.getExistingSection(section->getName()) != nullptr)
+        continue;
+      changes_.addHeader(section->getName());
+      addOptions(*section, nullptr, end_, {nullptr, nullptr});
+    }
+  }
+
+  String finish() { return changes_.finish(); }
+
+ private:
+  /// The first line gets the value. Others go, but for their comments.
+  void setValue(std::span<const ValueLine> lines, const char* value) {
+    String written;
+    writeValue(written, value, isQuoted(lines.front().value));
+    changes_.replace(lines.front().value, written);
+    for (const ValueLine& line : lines.subspan(1)) changes_.remove(line.hasComment ? line.value : line.whole);
+  }
+
+  /// Those that are not in `target`, the model's section.
+  void addOptions(const Section& source, const Section* target, const char* at, Span separator) {
+    for (const Option* option = source.getFirstOption(); option != nullptr; option = option->getNext()) {
+      if (!isFirst(source_, source, *option)) continue;
+      if (target != nullptr && model_.getExistingOption(*target, option->getName()) != nullptr) continue;
+      String line(option->getName());
+      if (separator.begin != nullptr)
+        line.append(separator.begin, separator.end);
+      else
+        line += " = ";
+      writeValue(line, option->getValue(), false);
+      changes_.addLine(at, line);
+    }
+  }
+
+  const char* end_;
+  const VelClIniFile& model_;
+  const VelClIniFile& source_;
+  TextChanges changes_;
+};
+
+}  // namespace
+
+String mergedText(Span text, bool allowContinuation, const VelClIniFile& model, const VelClIniFile& source) {
+  TextMerger merger(text, model, source);
+  SectionScanner scanner(text, allowContinuation);
+  for (const Section* section = model.getFirstSection(); section != nullptr && scanner.next();
+       section = section->getNext())
+    merger.takeSection(*section, scanner.layout());
+  merger.addMissingSections();
+  return merger.finish();
+}
+
+}  // namespace vel::inifile
