@@ -25,6 +25,13 @@ Record* findInList(Record* record, const char* name) noexcept {
   return record;
 }
 
+template <typename Record>
+Record* recordBefore(Record* first, const Record& record) noexcept {
+  Record* before = nullptr;
+  for (; first != &record; first = first->getNext()) before = first;
+  return before;
+}
+
 }  // namespace
 
 Model::~Model() {
@@ -59,7 +66,7 @@ Model::Section* Model::appendSection(Span name) {
   const std::size_t length = std::min(name.length(), Section::kMaxNameLength);
   if (length != 0) std::memcpy(section->name_, name.begin, length);
   try {
-    if (sectionIndex_ != nullptr) sectionIndex_->add(section);
+    if (sectionIndex_ != nullptr) sectionIndex_->add(section, file_.lastSection_);
   } catch (...) {
     memory_.giveBack(section, kUnits);
     throw;
@@ -95,7 +102,7 @@ Model::Option* Model::makeOption(const OptionText& text) {
 Model::Option* Model::appendOption(Section& section, const OptionText& text) {
   Option* const option = makeOption(text);
   try {
-    if (section.index_ != nullptr) indexOf(section)->add(option);
+    if (section.index_ != nullptr) indexOf(section)->add(option, section.lastOption_);
   } catch (...) {
     memory_.giveBack(option, option->recordUnits_);
     throw;
@@ -130,9 +137,8 @@ void Model::replaceText(Option& option, const OptionText& text) {
 }
 
 void Model::deleteOption(Section& section, Option& option) noexcept {
-  Option* before = nullptr;
-  for (Option* at = section.firstOption_; at != &option; at = at->next_) before = at;
-  if (section.index_ != nullptr) indexOf(section)->remove(&option);
+  Option* const before = section.index_ != nullptr ? indexOf(section)->remove(&option)
+                                                   : recordBefore(section.firstOption_, option);
   (before != nullptr ? before->next_ : section.firstOption_) = option.next_;
   if (section.lastOption_ == &option) section.lastOption_ = before;
   --section.optionCount_;
@@ -152,9 +158,8 @@ void Model::freeOptions(Section& section) noexcept {
 }
 
 void Model::deleteSection(Section& section) noexcept {
-  Section* before = nullptr;
-  for (Section* at = file_.firstSection_; at != &section; at = at->next_) before = at;
-  if (sectionIndex_ != nullptr) sectionIndex_->remove(&section);
+  Section* const before =
+      sectionIndex_ != nullptr ? sectionIndex_->remove(&section) : recordBefore(file_.firstSection_, section);
   (before != nullptr ? before->next_ : file_.firstSection_) = section.next_;
   if (file_.lastSection_ == &section) file_.lastSection_ = before;
   --sectionCount_;

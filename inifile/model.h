@@ -31,6 +31,7 @@ class Model {
   Section* appendSection(Span name);
   Option* appendOption(Section& section, const OptionText& text);
   void replaceText(Option& option, const OptionText& text);
+  /// The first of its name, each.
   void deleteSection(Section& section) noexcept;
   void deleteOption(Section& section, Option& option) noexcept;
 

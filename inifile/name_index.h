@@ -21,13 +21,14 @@ class NameIndex {
  public:
   /// Takes over the whole list.
   NameIndex(Record* first, std::size_t count) : slots_(sizeFor(count)) {
-    for (; first != nullptr; first = first->getNext()) add(first);
+    for (Record* before = nullptr; first != nullptr; before = first, first = first->getNext())
+      add(first, before);
   }
 
   Record* find(const char* name) const noexcept { return slots_[place(name, hashOf(name))].record; }
 
-  /// A record that was appended to the list, or is about to be.
-  void add(Record* record) {
+  /// A record that was appended to the list, or is about to be, behind `before`.
+  void add(Record* record, Record* before) {
     if (used_ * 4 >= slots_.size() * 3) grow();
     const std::uint32_t hash = hashOf(record->getName());
     Slot& slot = slots_[place(record->getName(), hash)];
@@ -35,24 +36,34 @@ class NameIndex {
       slot.isRepeated = true;
       return;
     }
-    slot = {record, hash, false};
+    slot = {record, before, hash, false};
     ++used_;
   }
 
-  /// A record that is about to be taken from the list. Another one of the same name takes its place.
-  void remove(const Record* record) noexcept {
+  /// The first record of a name, about to be taken from the list: gives the one before it. Another one of the
+  /// same name takes its place.
+  Record* remove(const Record* record) noexcept {
     const std::size_t at = place(record->getName(), hashOf(record->getName()));
-    if (slots_[at].record != record) return;
-    Record* next = slots_[at].isRepeated ? record->getNext() : nullptr;
-    while (next != nullptr && !equalsIgnoringAsciiCase(next->getName(), record->getName()))
+    Record* const before = slots_[at].before;
+    Record* next = record->getNext();
+    if (next != nullptr) setBefore(next, before);
+    Record* beforeNext = before;
+    while (slots_[at].isRepeated && next != nullptr &&
+           !equalsIgnoringAsciiCase(next->getName(), record->getName())) {
+      beforeNext = next;
       next = next->getNext();
-    slots_[at].record = next;
-    if (next == nullptr) closeGap(at);
+    }
+    if (slots_[at].isRepeated && next != nullptr)
+      slots_[at].record = next, slots_[at].before = beforeNext;
+    else
+      closeGap(at);
+    return before;
   }
 
  private:
   struct Slot {
     Record* record;
+    Record* before;  ///< in the list
     std::uint32_t hash;
     bool isRepeated;
   };
@@ -79,6 +90,11 @@ class NameIndex {
     return at;
   }
 
+  void setBefore(const Record* record, Record* before) noexcept {
+    Slot& slot = slots_[place(record->getName(), hashOf(record->getName()))];
+    if (slot.record == record) slot.before = before;
+  }
+
   void grow() {
     Vector<Slot> old(slots_.size() * 2);
     old.swap(slots_);
@@ -89,6 +105,7 @@ class NameIndex {
   /// Moves those behind an emptied slot up, so that every search still passes no empty one.
   void closeGap(std::size_t gap) noexcept {
     --used_;
+    slots_[gap].record = nullptr;
     for (std::size_t at = next(gap); slots_[at].record != nullptr; at = next(at)) {
       const std::size_t home = slots_[at].hash & (slots_.size() - 1);
       const std::size_t mask = slots_.size() - 1;
