@@ -7,6 +7,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "inifile/test/ini_fixture.h"
 #include "platform/test/scratch_directory.h"
 #include "vel_include/vel.h"
 
@@ -200,6 +201,49 @@ TEST_F(FailingAllocation, OfMessages) {
     EXPECT_EQ(target.getId(), assigned ? 7U : 2U);
     EXPECT_EQ(target.isValid(), !assigned);
     attempt([&] { VelClMessage(source).setNewMessageId(7); });
+  });
+}
+
+TEST_F(FailingAllocation, OfEditedIniFiles) {
+  const std::string text = "[A]\nx=1 ; c\n y\n[B]\nz=2\n";
+  const vel::test::ScratchDirectory directory;
+  const std::string path = directory.write("a.ini", text);
+  VelClIniFile source("unused");
+  vel::test::loadText(source, "[C]\nv=1\n[a]\nw=2\n");
+  static const VelClIniFile* merged = nullptr;
+  merged = &source;
+  const std::pair<const char*, bool (*)(VelClIniFileEditor&)> changes[] = {
+      {"set value", [](VelClIniFileEditor& editor) { return editor.setValue("a", "x", kLong.c_str()); }},
+      {"new option", [](VelClIniFileEditor& editor) { return editor.setValue("D", "x", kLong.c_str()); }},
+      {"new section", [](VelClIniFileEditor& editor) { return editor.addSection("D"); }},
+      {"merge", [](VelClIniFileEditor& editor) { return editor.merge(*merged); }},
+      {"delete option", [](VelClIniFileEditor& editor) { return editor.deleteOption("A", "x"); }},
+      {"delete section", [](VelClIniFileEditor& editor) { return editor.deleteSection("A"); }},
+  };
+  for (const auto& [name, change] : changes)
+    exhaust(
+        name,
+        [&, change = change] {
+          VelClIniFileEditor editor(path.c_str());
+          const bool loaded = attempt([&] { EXPECT_TRUE(editor.load(true)); });
+          if (!loaded) editor.loadFromBuffer(text.data(), text.size(), true);
+          const bool changed = attempt([&] { EXPECT_TRUE(change(editor)); });
+          EXPECT_EQ(std::string(editor.getText(), editor.getLength()) == text, !changed);
+          // The model is the text's, whatever happened.
+          VelClIniFileEditor again("unused");
+          again.loadFromBuffer(editor.getText(), editor.getLength(), true);
+          EXPECT_EQ(vel::test::shown(editor.getIniFile()), vel::test::shown(again.getIniFile()));
+        },
+        5);
+  exhaust("save", [&] {
+    VelClIniFileEditor editor(path.c_str());
+    VelClIniFileSave file(path.c_str());
+    EXPECT_TRUE(editor.load(true) && file.load(true));
+    attempt([&] { EXPECT_TRUE(editor.save()); });
+    EXPECT_EQ(vel::test::readFile(path), text);
+    const bool saved = attempt([&] { EXPECT_TRUE(file.save()); });
+    EXPECT_EQ(vel::test::readFile(path) == text, !saved);
+    EXPECT_TRUE(editor.save());
   });
 }
 
