@@ -72,7 +72,7 @@ bool VelClIniFileSectionCursor::setTo(const char* name) {
 }
 
 bool VelClIniFileSectionCursor::matches(const char* name) const {
-  return isValid() && equalsIgnoringAsciiCase(place_.section()->getName(), name);
+  return isValid() && name != nullptr && equalsIgnoringAsciiCase(place_.section()->getName(), name);
 }
 
 const char* VelClIniFileSectionCursor::getSection() const {
@@ -118,7 +118,7 @@ bool VelClIniFileOptionCursor::setTo(const char* name) {
 }
 
 bool VelClIniFileOptionCursor::matches(const char* name) const {
-  return isValid() && equalsIgnoringAsciiCase(place_.option()->getName(), name);
+  return isValid() && name != nullptr && equalsIgnoringAsciiCase(place_.option()->getName(), name);
 }
 
 const char* VelClIniFileOptionCursor::getOption() const {

@@ -35,7 +35,7 @@ bool VelClIniFile::load(bool allowContinuation) {
 
 bool VelClIniFile::loadFromBuffer(const char* buffer, size_t size, char delimiter, bool keepDuplicateSections,
                                   bool allowContinuation) {
-  LineSource lines(buffer, size, delimiter);
+  LineSource lines(buffer, buffer != nullptr ? size : 0, delimiter);
   return parse(lines, keepDuplicateSections, allowContinuation);
 }
 

@@ -51,7 +51,7 @@ bool VelClIniFileEditor::load(bool allowContinuation) {
 }
 
 void VelClIniFileEditor::loadFromBuffer(const char* buffer, size_t size, bool allowContinuation) {
-  text_->take(String(buffer, size), allowContinuation);
+  text_->take(buffer != nullptr ? String(buffer, size) : String(), allowContinuation);
 }
 
 bool VelClIniFileEditor::setValue(const char* section, const char* option, const char* value) {

@@ -16,7 +16,7 @@ bool isPresent(const char* text) {
 
 /// Formatting that the stream may be set to plays no part.
 std::ostream& put(std::ostream& stream, const char* text) {
-  return stream.write(text, static_cast<std::streamsize>(std::strlen(text)));
+  return text != nullptr ? stream.write(text, static_cast<std::streamsize>(std::strlen(text))) : stream;
 }
 
 /// Room for any 32-bit number.
@@ -78,16 +78,12 @@ bool VelClIniFileSave::saveNumber(std::ostream& stream, const char* name, const 
 
 bool VelClIniFileSave::saveOption(std::ostream& stream, const char* name, int value,
                                   const char* comment) const {
-  char digits[kDigits];
-  velItoa(value, digits);
-  return saveNumber(stream, name, digits, comment);
+  return saveOption(stream, name, static_cast<long>(value), comment);
 }
 
 bool VelClIniFileSave::saveOption(std::ostream& stream, const char* name, unsigned int value,
                                   const char* comment) const {
-  char digits[kDigits];
-  velULtoa(value, digits);
-  return saveNumber(stream, name, digits, comment);
+  return saveOption(stream, name, static_cast<unsigned long>(value), comment);
 }
 
 bool VelClIniFileSave::saveOption(std::ostream& stream, const char* name, long value,

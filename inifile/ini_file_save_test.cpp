@@ -131,6 +131,28 @@ TEST(IniSave, ReplacesTheWholeFile) {
   EXPECT_FALSE(again.save(failed));
 }
 
+TEST(IniEditing, FindsNullNamesNowhere) {
+  VelClIniFile file("unused");
+  EXPECT_TRUE(file.loadFromBuffer(nullptr, 1, '\n', true, true) && loadText(file, "[A]\nx=1\n"));
+  VelClIniFileSectionCursor section(file);
+  EXPECT_TRUE(section.setToFirst() && !section.matches(nullptr));
+  VelClIniFileOptionCursor option(section);
+  EXPECT_TRUE(option.setToFirst() && !option.matches(nullptr));
+  EXPECT_FALSE(option.setTo(nullptr) || section.setTo(nullptr));
+  EXPECT_FALSE(VelClIniFileOptionCursor(file, nullptr).setToFirst());
+  const char* value = nullptr;
+  EXPECT_TRUE(file.getSection("A"));
+  EXPECT_FALSE(file.getOption(nullptr, value) || file.addOption(nullptr, "1") ||
+               file.setNewValue(nullptr, "1"));
+  EXPECT_FALSE(file.deleteOption(nullptr) || file.deleteSection(nullptr) || file.addSection(nullptr));
+  EXPECT_FALSE(file.getSection(nullptr));
+  VelClIniFileEditor editor("unused");
+  editor.loadFromBuffer(nullptr, 1, true);
+  EXPECT_FALSE(editor.setValue(nullptr, "x", "1") || editor.deleteOption("A", nullptr) ||
+               editor.deleteSection(nullptr));
+  EXPECT_EQ(shown(file), "[A]x=1|");
+}
+
 TEST(IniEditing, KeepsTheModel) {
   VelClIniFile file("unused");
   EXPECT_FALSE(file.addOption("x", "1") || file.setNewValue("x", "1") || file.deleteOption("x"));

@@ -46,12 +46,14 @@ Model::~Model() {
 }
 
 Model::Section* Model::findSection(const char* name) {
+  if (name == nullptr) return nullptr;
   if (sectionCount_ < kIndexedLength) return findInList(file_.firstSection_, name);
   if (sectionIndex_ == nullptr) sectionIndex_ = create<SectionIndex>(file_.firstSection_, sectionCount_);
   return sectionIndex_->find(name);
 }
 
 Model::Option* Model::findOption(const Section& section, const char* name) {
+  if (name == nullptr) return nullptr;
   if (section.optionCount_ < kIndexedLength) return findInList(section.firstOption_, name);
   // An index is no part of what the section holds.
   auto& indexed = const_cast<Section&>(section);

@@ -23,7 +23,7 @@ class Model {
   /// Cursors are left without a file.
   ~Model();
 
-  /// The first of its name, or null.
+  /// The first of its name, or null; so is it for a null name.
   Section* findSection(const char* name);
   Option* findOption(const Section& section, const char* name);
 

@@ -131,9 +131,9 @@ class CursorPlace {
 
 }  // namespace vel::inifile
 
-/// A file of sections and options in memory. Objects must not be used by two threads at once, questions
-/// included. Memory comes from the memory manager, whose failure throws; a load or change that fails so
-/// leaves the model with what was built before.
+/// A file of sections and options in memory. A null name is found nowhere, and null bytes are none. Objects
+/// must not be used by two threads at once, questions included. Memory comes from the memory manager, whose
+/// failure throws; a load or change that fails so leaves the model with what was built before.
 ///
 /// Name, value and comment of an option share 1,024 characters with their terminators: value, then comment,
 /// are cut to the room left.
@@ -300,7 +300,7 @@ class VEL_API VelClIniFileOptionCursor : public VelClUniDirCursorABase {
 /// blank lines, spacing, continuation lines, needless quotes, and options with empty values or names are not.
 /// Values come back as they were, but for white space around one without ";" or control character, quotes and
 /// "$(" in a value (which are not escaped), and a hexadecimal digit behind a control character without a
-/// letter.
+/// letter. Escapes make lines longer, and one of more than 1,023 characters ends the next load.
 class VEL_API VelClIniFileSave : public VelClIniFile {
  public:
   explicit VelClIniFileSave(const VelClFilenameABase& name);
