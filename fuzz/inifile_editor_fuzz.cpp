@@ -95,6 +95,36 @@ void setValue(VelClIniFileEditor& editor, const Input& input, bool allowContinua
   require(shown(again.getIniFile(), nullptr) == shown(editor.getIniFile(), nullptr));
 }
 
+/// Every option that `source` has none of the names of.
+std::string shownWithout(const VelClIniFile& file, const VelClIniFile& source) {
+  std::string text;
+  for (const auto* section = file.getFirstSection(); section != nullptr; section = section->getNext()) {
+    const VelClIniFileSection* const merged = source.getExistingSection(section->getName());
+    for (const auto* option = section->getFirstOption(); option != nullptr; option = option->getNext())
+      if (merged == nullptr || source.getExistingOption(*merged, option->getName()) == nullptr)
+        text +=
+            std::string(option->getName()) + '\0' + option->getValue() + '\0' + option->getComment() + '\n';
+  }
+  return text;
+}
+
+/// The value is the text of the file to merge.
+void merge(VelClIniFileEditor& editor, const Input& input) {
+  VelClIniFile source("unused");
+  source.loadFromBuffer(input.value.data(), input.value.size(), '\n', true, true);
+  const std::string rest = shownWithout(editor.getIniFile(), source);
+  if (!editor.merge(source)) return require(textOf(editor) == input.text);
+  require(shownWithout(editor.getIniFile(), source) == rest);
+  for (const auto* section = source.getFirstSection(); section != nullptr; section = section->getNext())
+    for (const auto* option = section->getFirstOption(); option != nullptr; option = option->getNext()) {
+      if (source.getExistingSection(section->getName()) != section ||
+          source.getExistingOption(*section, option->getName()) != option)
+        continue;
+      const auto* const found = find(editor.getIniFile(), {section->getName(), option->getName(), "", ""});
+      require(found != nullptr && std::strcmp(found->getValue(), option->getValue()) == 0);
+    }
+}
+
 void removeOption(VelClIniFileEditor& editor, const Input& input) {
   const VelClIniFileOption* const option = find(editor.getIniFile(), input);
   const std::string rest = shown(editor.getIniFile(), option);
@@ -131,8 +161,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   editor.loadFromBuffer(input.text.data(), input.text.size(), allowContinuation);
   switch (data[0] & 3) {
     case 0:
-    case 1:
       setValue(editor, input, allowContinuation);
+      break;
+    case 1:
+      merge(editor, input);
       break;
     case 2:
       removeOption(editor, input);
