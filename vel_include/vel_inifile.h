@@ -43,7 +43,7 @@ VEL_API char velIniFileGetEscCharacter(const char*& cursor);
 VEL_API char velIniFileGetQuotedCharacter(const char*& cursor);
 
 /// An option. Texts are valid until the option is changed or deleted.
-class VelClIniFileOption {
+class VEL_API VelClIniFileOption {
  public:
   VelClIniFileOption(const VelClIniFileOption&) = delete;
   VelClIniFileOption& operator=(const VelClIniFileOption&) = delete;
@@ -58,7 +58,7 @@ class VelClIniFileOption {
  private:
   friend class vel::inifile::Model;
   VelClIniFileOption() = default;
-  VEL_API const char* movedText() const;
+  const char* movedText() const;
 
   VelClIniFileOption* next_;
   uint16_t value_;
