@@ -2,7 +2,6 @@
 // bytes at a time.
 #include "inifile/name_index.h"
 
-#include <algorithm>
 #include <bit>
 
 #include "platform/platform.h"
@@ -13,15 +12,20 @@ namespace {
 
 constexpr std::size_t kWord = sizeof(std::uint64_t);
 
+template <typename Word>
 std::uint64_t wordAt(const char* text) noexcept {
-  std::uint64_t word = 0;
-  std::memcpy(&word, text, kWord);
+  Word word = 0;
+  std::memcpy(&word, text, sizeof word);
   return word;
 }
 
-std::uint64_t bytesAt(const char* text, std::size_t count) noexcept {
+/// A text of up to eight bytes. Halves may overlap.
+std::uint64_t shortText(const char* text, std::size_t length) noexcept {
+  constexpr std::size_t kHalf = sizeof(std::uint32_t);
+  if (length >= kHalf)
+    return wordAt<std::uint32_t>(text) << 32 | wordAt<std::uint32_t>(text + length - kHalf);
   std::uint64_t bytes = 0;
-  for (std::size_t i = count; i > 0; --i) bytes = bytes << 8 | static_cast<unsigned char>(text[i - 1]);
+  for (std::size_t i = 0; i < length; ++i) bytes = bytes << 8 | static_cast<unsigned char>(text[i]);
   return bytes;
 }
 
@@ -51,19 +55,18 @@ std::uint64_t product(std::uint64_t bytes, std::uint64_t key) noexcept {
 
 }  // namespace
 
+/// The last word of a long name overlaps the one before.
 std::uint32_t hashOf(const char* name) noexcept {
   static const std::uint64_t seed = drawSeed();
-  std::size_t left = std::strlen(name);
-  std::uint64_t sum = seed + left;
+  const std::size_t length = std::strlen(name);
+  std::uint64_t sum = seed + length;
   std::uint64_t key = seed;
-  while (left != 0) {
-    const std::size_t step = std::min(left, kWord);
-    const std::uint64_t bytes = step == kWord ? wordAt(name) : bytesAt(name, step);
+  const auto add = [&](std::uint64_t bytes) {
     key = key * 0xD1342543DE82EF95 + 0x2545F4914F6CDD1D;
     sum = std::rotl(sum, 29) + product(lowerCased(bytes), key);
-    name += step;
-    left -= step;
-  }
+  };
+  for (std::size_t i = 0; i + kWord < length; i += kWord) add(wordAt<std::uint64_t>(name + i));
+  add(length >= kWord ? wordAt<std::uint64_t>(name + length - kWord) : shortText(name, length));
   sum *= 0x9E3779B97F4A7C15;
   return static_cast<std::uint32_t>(sum >> 32);
 }
