@@ -1,9 +1,28 @@
 #include "codepage/kernels.h"
 
+#include <cstring>
+
+#include "platform/platform.h"
+
 namespace vel::codepage {
 
+namespace {
+
+/// "portable" in this environment variable does without the others, so that they can be compared.
+bool arePortableWanted() {
+  const char* const wanted = platform::environmentValue("VEL_KERNELS");
+  return wanted != nullptr && std::strcmp(wanted, "portable") == 0;
+}
+
+const Kernels& choose() {
+  const Kernels* const vector = vectorKernels();
+  return vector != nullptr && !arePortableWanted() ? *vector : kPortableKernels;
+}
+
+}  // namespace
+
 const Kernels& kernels() noexcept {
-  static const Kernels& best = vectorKernels() != nullptr ? *vectorKernels() : kPortableKernels;
+  static const Kernels& best = choose();
   return best;
 }
 
