@@ -22,6 +22,14 @@ inline constexpr std::size_t kUnitSize = 2;
 inline constexpr std::uint16_t kNextLine = 0x0085;
 inline constexpr std::uint16_t kLineFeed = 0x000A;
 
+/// Between runs of pairs and of single bytes in EBCDIC.
+inline constexpr unsigned char kShiftOut = 0x0E;  ///< to double bytes
+inline constexpr unsigned char kShiftIn = 0x0F;   ///< to single bytes
+/// The page of single bytes, and where it has U+0085 and U+000A; the generator sees to it.
+inline constexpr std::size_t kSingleBytesPage = 1;
+inline constexpr unsigned char kNextLineByte = 0x15;
+inline constexpr unsigned char kLineFeedByte = 0x25;
+
 /// Units lie in memory low byte first, at any address.
 inline std::uint16_t readUnit(const char* from) noexcept {
   std::uint16_t unit;

@@ -3,16 +3,18 @@
 
 #include "codepage/conversion.h"
 #include "codepage/conversion_tables.h"
+#include "codepage/kernels.h"
 
 namespace {
 
 using vel::codepage::Call;
 using vel::codepage::DoubleByteTable;
+using vel::codepage::kShiftIn;
+using vel::codepage::kShiftOut;
+using vel::codepage::kSingleBytesPage;
 using vel::codepage::kUnitSize;
+using vel::codepage::Progress;
 
-constexpr unsigned char kShiftOut = 0x0E;  ///< to double bytes
-constexpr unsigned char kShiftIn = 0x0F;   ///< to single bytes
-constexpr std::size_t kSingleBytesPage = 1;
 constexpr std::size_t kPageSize = 256;
 
 const DoubleByteTable& tableOf(const Call& call) {
@@ -25,12 +27,16 @@ struct WalkEnd {
   bool isComplete;
 };
 
+const unsigned char* bytesAt(const char* text) {
+  return reinterpret_cast<const unsigned char*>(text);
+}
+
 /// Calls `single(byte)` or `pair(lead, trail)` for each character. A lead byte without a trail is not passed.
 template <typename Single, typename Pair>
-WalkEnd walkAscii(const Call& call, Single single, Pair pair) {
+WalkEnd walkAscii(const Call& call, const char* start, Single single, Pair pair) {
   const std::uint8_t* const leadBytes = tableOf(call).leadBytes;
-  const auto* position = reinterpret_cast<const unsigned char*>(*call.source);
-  const unsigned char* const end = position + call.sourceSize;
+  const unsigned char* position = bytesAt(start);
+  const unsigned char* const end = bytesAt(*call.source) + call.sourceSize;
   while (position != end) {
     if (leadBytes[*position] == 0) {
       single(*position++);
@@ -43,23 +49,23 @@ WalkEnd walkAscii(const Call& call, Single single, Pair pair) {
   return {position, true};
 }
 
-/// The same between shifts. No shift state is kept between calls: every walk begins with single bytes.
+/// The same between shifts.
 template <typename Single, typename Pair>
-WalkEnd walkEbcdic(const Call& call, Single single, Pair pair) {
-  const auto* position = reinterpret_cast<const unsigned char*>(*call.source);
-  const unsigned char* const end = position + call.sourceSize;
-  while (position != end) {
-    // Shift-in counts as a character among single bytes. Keep.
-    for (; position != end && *position != kShiftOut; ++position) single(*position);
-    if (position == end) return {position, true};
-    ++position;
+WalkEnd walkEbcdic(const Call& call, const char* start, bool isDouble, Single single, Pair pair) {
+  const unsigned char* position = bytesAt(start);
+  const unsigned char* const end = bytesAt(*call.source) + call.sourceSize;
+  for (;; ++position, isDouble = false) {
+    if (!isDouble) {
+      // Shift-in counts as a character among single bytes. Keep.
+      for (; position != end && *position != kShiftOut; ++position) single(*position);
+      if (position == end) return {position, true};
+      ++position;
+    }
     // Only the lead byte's place is looked at: a trail byte can have the value of shift-in.
     const unsigned char* const lastPair = position + static_cast<std::size_t>(end - position) / 2 * 2;
     for (; position != lastPair && *position != kShiftIn; position += 2) pair(position[0], position[1]);
     if (position == end || *position != kShiftIn) return {position, false};
-    ++position;
   }
-  return {position, true};
 }
 
 /// Writes looked-up units to the target.
@@ -102,17 +108,23 @@ std::size_t finish(Call& call, const WalkEnd& walk, const char* targetEnd) {
 }  // namespace
 
 size_t velConvertByTablesDBCS_ASCIItoUCS2(VelClConverterABase::_VelStConverter& call) {
-  Writer<false> writer(tableOf(call), call.target);
+  Progress progress = vel::codepage::progressOf(call);
+  vel::codepage::kernels().decodeMixed(progress, tableOf(call));
+  Writer<false> writer(tableOf(call), progress.target);
   const WalkEnd walk = walkAscii(
-      call, [&writer](unsigned char byte) { writer.single(byte); },
+      call, progress.source, [&writer](unsigned char byte) { writer.single(byte); },
       [&writer](unsigned char lead, unsigned char trail) { writer.pair(lead, trail); });
   return finish(call, walk, writer.end());
 }
 
+// No shift state is kept between calls: every one begins with single bytes.
 size_t velConvertByTablesDBCS_EBCDICtoUCS2(VelClConverterABase::_VelStConverter& call) {
-  Writer<true> writer(tableOf(call), call.target);
+  Progress progress = vel::codepage::progressOf(call);
+  bool isDouble = false;
+  vel::codepage::kernels().decodeShifted(progress, tableOf(call), isDouble);
+  Writer<true> writer(tableOf(call), progress.target);
   const WalkEnd walk = walkEbcdic(
-      call, [&writer](unsigned char byte) { writer.single(byte); },
+      call, progress.source, isDouble, [&writer](unsigned char byte) { writer.single(byte); },
       [&writer](unsigned char lead, unsigned char trail) { writer.pair(lead, trail); });
   return finish(call, walk, writer.end());
 }
@@ -126,14 +138,16 @@ namespace vel::codepage {
 std::size_t sizeOfMixedAscii(const Call& call) noexcept {
   std::size_t units = 0;
   walkAscii(
-      call, [&units](unsigned char) { ++units; }, [&units](unsigned char, unsigned char) { ++units; });
+      call, *call.source, [&units](unsigned char) { ++units; },
+      [&units](unsigned char, unsigned char) { ++units; });
   return units * kUnitSize;
 }
 
 std::size_t sizeOfMixedEbcdic(const Call& call) noexcept {
   std::size_t units = 0;
   walkEbcdic(
-      call, [&units](unsigned char) { ++units; }, [&units](unsigned char, unsigned char) { ++units; });
+      call, *call.source, false, [&units](unsigned char) { ++units; },
+      [&units](unsigned char, unsigned char) { ++units; });
   return units * kUnitSize;
 }
 

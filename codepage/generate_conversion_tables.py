@@ -19,7 +19,9 @@ REPLACEMENT = 0xFFFD
 UNMAPPED_PAGE_NUMBER = 1
 SINGLE_BYTES_PAGE = 1
 FIRST_ROW_PAGE_NUMBER = 3
-NEXT_LINE = 0x0085
+# Where pages with shifts have these units, if they have single bytes; conversion.h has the numbers, too.
+NEXT_LINE, NEXT_LINE_BYTE = 0x0085, 0x15
+LINE_FEED, LINE_FEED_BYTE = 0x000A, 0x25
 ROUND_TRIP, TO_UNICODE, FROM_UNICODE, SUBSTITUTED = "[round-trip]", "[to-unicode]", "[from-unicode]", "[substituted]"
 
 
@@ -118,6 +120,10 @@ def double_byte_tables(mappings):
         name, leads = mapping.ccsid, mapping.leads_with_rows()
         pages = [[REPLACEMENT] * 256, mapping.single_bytes(), *(mapping.row(lead) for lead in leads)]
         require(all(NEXT_LINE not in page for page in pages[2:]), f"{name}: a double-byte next line")
+        if mapping.is_ebcdic and pages[SINGLE_BYTES_PAGE] != pages[0]:
+            lines_at = [pages[SINGLE_BYTES_PAGE].index(unit) for unit in (NEXT_LINE, LINE_FEED)]
+            require(lines_at == [NEXT_LINE_BYTE, LINE_FEED_BYTE], f"{name}: line ends are elsewhere")
+            require(pages[SINGLE_BYTES_PAGE].count(NEXT_LINE) == 1, f"{name}: two next lines")
         require(FIRST_ROW_PAGE_NUMBER + len(leads) <= 256, f"too many rows in {name}")
         page_numbers = [UNMAPPED_PAGE_NUMBER] * 256
         for index, lead in enumerate(leads):

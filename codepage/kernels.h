@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "vel_include/vel_codepage.h"
+
 namespace vel::codepage {
 
 /// A text on its way from one encoding to the other. Loops move the starts of both.
@@ -18,16 +20,23 @@ struct Progress {
   std::size_t targetSize() const noexcept { return static_cast<std::size_t>(targetEnd - target); }
 };
 
+inline Progress progressOf(const VelClConverterABase::_VelStConverter& call) noexcept {
+  return {*call.source, *call.source + call.sourceSize, call.target, call.target + call.targetSize};
+}
+
 struct Kernels {
-  /// Writes the table's unit for each of `size` bytes, low byte first; U+0085 as U+000A if that is asked for.
-  /// The table's units have the high byte first.
-  void (*lookUpBytes)(char* target, const char* source, std::size_t size, const std::uint16_t* table,
-                      bool foldsNextLine) noexcept;
+  /// Writes the table's unit for each of `size` bytes.
+  void (*lookUpBytes)(char* target, const char* source, std::size_t size,
+                      const std::uint16_t* table) noexcept;
   /// UTF-8 to UCS-2, and back, for a while: from the start of a character on, and stopping at the start of
   /// one, at the latest before one that is not well-formed, or where source or target are nearly at their
   /// ends. What is behind the last unit written may be overwritten, too, up to the target's end.
   void (*decodeUtf8)(Progress& progress) noexcept;
   void (*encodeUtf8)(Progress& progress) noexcept;
+  /// Mixed single and double bytes to UCS-2 for a while, in the same way; never ends within a pair.
+  void (*decodeMixed)(Progress& progress, const VelStDoubleByteTable& table) noexcept;
+  /// The same with shifts. `isDouble` is the mode at the start, and then the one at the end.
+  void (*decodeShifted)(Progress& progress, const VelStDoubleByteTable& table, bool& isDouble) noexcept;
 };
 
 extern const Kernels kPortableKernels;

@@ -5,6 +5,7 @@
 
 #include <random>
 
+#include "codepage/test/reference_mixed.h"
 #include "codepage/test/reference_utf8.h"
 
 namespace {
@@ -22,23 +23,19 @@ TEST(Kernels, LookUpEveryByteInEverySize) {
   std::mt19937 random(3);
   std::uint16_t table[256];
   for (std::uint16_t& value : table) value = static_cast<std::uint16_t>(random());
-  table[77] = table[200] = 0x8500;
   for (const Kernels* const kernels : kernelTables())
-    for (const bool folds : {false, true})
-      for (std::size_t size = 0; size < 1200; size += size < 200 ? 1 : 37) {
-        std::string source;
-        std::string expected;
-        for (std::size_t i = 0; i < size; ++i) {
-          const auto byte = static_cast<unsigned char>(i + 1 == size ? 77 : i < 256 ? i : random());
-          const bool isFolded = folds && table[byte] == 0x8500;
-          source += static_cast<char>(byte);
-          expected += isFolded ? '\n' : static_cast<char>(table[byte] >> 8);
-          expected += isFolded ? '\0' : static_cast<char>(table[byte] & 0xFF);
-        }
-        std::string target(2 * size + 64, 'Z');
-        kernels->lookUpBytes(target.data(), source.data(), size, table, folds);
-        ASSERT_EQ(target, expected + std::string(64, 'Z')) << size;
+    for (std::size_t size = 0; size < 1200; size += size < 200 ? 1 : 37) {
+      std::string source;
+      std::u16string expected;
+      for (std::size_t i = 0; i < size; ++i) {
+        const auto byte = static_cast<unsigned char>(i < 256 ? i : random());
+        source += static_cast<char>(byte);
+        expected += static_cast<char16_t>(table[byte]);
       }
+      std::string target(2 * size + 64, 'Z');
+      kernels->lookUpBytes(target.data(), source.data(), size, table);
+      ASSERT_EQ(target, unitBytes(expected) + std::string(64, 'Z')) << size;
+    }
 }
 
 using Loop = void (*)(Progress& progress) noexcept;
@@ -82,6 +79,50 @@ TEST(Kernels, ConvertUtf8LikeTheReference) {
       }
     }
   }
+}
+
+/// Runs of pairs and single bytes; of three kinds: whole, with shifts and lead bytes anywhere, and damaged.
+std::string mixedText(bool isEbcdic, int kind, std::mt19937& random) {
+  std::string text = isEbcdic ? "\xC1" : "A";
+  while (text.size() < 900) {
+    if (isEbcdic) text += '\x0E';
+    for (auto bytes = random() % 25 * 2; bytes > 0; --bytes)
+      text += static_cast<char>(kind == 1 ? 0x0D + random() % 3 : 0x81 + random() % 120);
+    if (isEbcdic) text += '\x0F';
+    for (auto run = random() % 12; run > 0; --run) text += static_cast<char>(0x10 + random() % 60);
+    if (kind == 2) text[random() % text.size()] = static_cast<char>(random());
+  }
+  return text;
+}
+
+// The walk goes on where a loop stops, so only what a loop did is looked at.
+TEST(Kernels, DecodeMixedBytesLikeTheReference) {
+  std::mt19937 random(17);
+  for (const Kernels* const kernels : kernelTables())
+    for (const unsigned int number : {301U, 927U, 930U, 939U, 941U, 948U, 1351U, 1394U, 4930U, 4933U, 5039U})
+      for (int round = 0; round < 60; ++round) {
+        bool isEbcdic = false;
+        const VelStDoubleByteTable& table = *velGetDBCStoUCS2Table(number, isEbcdic);
+        const std::string text = mixedText(isEbcdic, round % 3, random);
+        std::string target(round % 4 == 0 ? random() % 1800 : 1800, 'Z');
+        const std::string guard(64, 'Z');
+        target += guard;
+        Progress progress{text.data(), text.data() + text.size(), target.data(),
+                          target.data() + target.size() - guard.size()};
+        bool isDouble = false;
+        if (isEbcdic)
+          kernels->decodeShifted(progress, table, isDouble);
+        else
+          kernels->decodeMixed(progress, table);
+        const std::string done(text.data(), progress.source);
+        const std::string written(target.data(), progress.target);
+        EXPECT_EQ((Outcome{written, done.size() + isDouble}),
+                  referenceMixedToUcs2(table, done + (isDouble ? "\x0F" : "")))
+            << hex(done);
+        EXPECT_TRUE(target.ends_with(guard));
+        const bool isDone = done.size() + 66 > text.size();
+        EXPECT_TRUE(isDone || kernels == &vel::codepage::kPortableKernels || target.size() < 1864);
+      }
 }
 
 // Every way in which characters can lie across the ends of a block.

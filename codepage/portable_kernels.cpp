@@ -2,46 +2,28 @@
 #include <bit>
 
 #include "codepage/conversion.h"
-#include "codepage/conversion_tables.h"
 #include "codepage/kernels.h"
 
 namespace vel::codepage {
 
 namespace {
 
-/// Units as the tables have them.
-constexpr std::uint16_t kStoredNextLine = toHostOrder(kNextLine);
-constexpr std::uint16_t kStoredLineFeed = toHostOrder(kLineFeed);
-
-std::uint16_t foldNextLine(std::uint16_t stored) {
-  return stored == kStoredNextLine ? kStoredLineFeed : stored;
+std::uint64_t readWord(const char* from) {
+  std::uint64_t word;
+  std::memcpy(&word, from, sizeof word);
+  return word;
 }
 
-/// Two units at a time change their byte order, and are written, as one number.
-template <bool foldsNextLine>
-void lookUp(char* __restrict target, const unsigned char* __restrict source, std::size_t size,
-            const std::uint16_t* __restrict table) {
+/// Eight bytes are read as one number.
+void lookUpBytes(char* target, const char* source, std::size_t size, const std::uint16_t* table) noexcept {
+  constexpr std::size_t kBytes = sizeof(std::uint64_t);
   std::size_t i = 0;
-  for (; i + 2 <= size; i += 2) {
-    std::uint16_t first = table[source[i]];
-    std::uint16_t second = table[source[i + 1]];
-    // A jump: a selection would cost every unit something.
-    if (foldsNextLine && (first == kStoredNextLine || second == kStoredNextLine)) [[unlikely]] {
-      first = foldNextLine(first);
-      second = foldNextLine(second);
-    }
-    const std::uint32_t both = __builtin_bswap32(std::uint32_t{first} << 16 | second);
-    std::memcpy(target + i * kUnitSize, &both, sizeof both);
+  for (; i + kBytes <= size; i += kBytes) {
+    const std::uint64_t bytes = readWord(source + i);
+    for (std::size_t k = 0; k < kBytes; ++k)
+      writeUnit(target + (i + k) * kUnitSize, table[bytes >> 8 * k & 0xFF]);
   }
-  if (i == size) return;
-  const std::uint16_t last = table[source[i]];
-  writeUnit(target + i * kUnitSize, toHostOrder(foldsNextLine ? foldNextLine(last) : last));
-}
-
-void lookUpBytes(char* target, const char* source, std::size_t size, const std::uint16_t* table,
-                 bool foldsNextLine) noexcept {
-  const auto* const bytes = reinterpret_cast<const unsigned char*>(source);
-  foldsNextLine ? lookUp<true>(target, bytes, size, table) : lookUp<false>(target, bytes, size, table);
+  for (; i < size; ++i) writeUnit(target + i * kUnitSize, table[static_cast<unsigned char>(source[i])]);
 }
 
 // ---- UTF-8 to UCS-2 --------------------------------------------------------------------------
@@ -49,12 +31,6 @@ void lookUpBytes(char* target, const char* source, std::size_t size, const std::
 /// The loops below look at a piece of the source, and write a piece of the target, of which only a part may
 /// count.
 constexpr std::size_t kPiece = 32;
-
-std::uint64_t readWord(const char* from) {
-  std::uint64_t word;
-  std::memcpy(&word, from, sizeof word);
-  return word;
-}
 
 bool hasPieces(const Progress& progress) {
   return progress.sourceSize() >= kPiece && progress.targetSize() >= kPiece;
@@ -244,8 +220,15 @@ void encodeUtf8(Progress& progress) noexcept {
   progress = here;
 }
 
+// ---- Mixed bytes -----------------------------------------------------------------------------
+
+/// All is left to the walk, character by character, that follows.
+void decodeMixed(Progress&, const VelStDoubleByteTable&) noexcept {}
+void decodeShifted(Progress&, const VelStDoubleByteTable&, bool&) noexcept {}
+
 }  // namespace
 
-constinit const Kernels kPortableKernels{&lookUpBytes, &decodeUtf8, &encodeUtf8};
+constinit const Kernels kPortableKernels{&lookUpBytes, &decodeUtf8, &encodeUtf8, &decodeMixed,
+                                         &decodeShifted};
 
 }  // namespace vel::codepage

@@ -74,7 +74,7 @@ bool decodeCharacters(const Call& call, Progress& progress) {
 }  // namespace
 
 size_t velConvertByAlgorithmUTF8toUCS2(VelClConverterABase::_VelStConverter& call) {
-  Progress progress{*call.source, *call.source + call.sourceSize, call.target, call.target + call.targetSize};
+  Progress progress = vel::codepage::progressOf(call);
   const vel::codepage::Kernels& kernels = vel::codepage::kernels();
   do {
     kernels.decodeUtf8(progress);

@@ -6,11 +6,13 @@
 
 #include <immintrin.h>
 
+#include <algorithm>
 #include <bit>
 
 #include "codepage/conversion.h"
+#include "codepage/conversion_tables.h"
 
-#define VEL_VECTOR __attribute__((target("avx512f,avx512bw,avx512vl,avx512vbmi,avx512vbmi2")))
+#define VEL_VECTOR __attribute__((target("avx512f,avx512bw,avx512vl,avx512vbmi,avx512vbmi2,bmi2,pclmul")))
 
 namespace vel::codepage {
 
@@ -51,15 +53,12 @@ VEL_VECTOR inline __m512i everySecond(__m512i a, __m512i b, int first) {
   return _mm512_permutex2var_epi8(a, _mm512_add_epi8(load(kEven), bytes(first)), b);
 }
 
-VEL_VECTOR inline void split(const std::uint16_t* table, bool foldsNextLine, Planes& planes) {
+VEL_VECTOR inline void split(const std::uint16_t* table, Planes& planes) {
   for (std::size_t i = 0; i < 4; ++i) {
     const __m512i a = load(table + i * 64);
     const __m512i b = load(table + i * 64 + 32);
-    planes.high[i] = everySecond(a, b, 0);
-    planes.low[i] = everySecond(a, b, 1);
-    const __mmask64 isNextLine = _mm512_mask_cmpeq_epi8_mask(
-        _mm512_testn_epi8_mask(planes.high[i], planes.high[i]), planes.low[i], bytes(kNextLine));
-    if (foldsNextLine) planes.low[i] = _mm512_mask_mov_epi8(planes.low[i], isNextLine, bytes(kLineFeed));
+    planes.low[i] = everySecond(a, b, 0);
+    planes.high[i] = everySecond(a, b, 1);
   }
 }
 
@@ -69,23 +68,26 @@ VEL_VECTOR inline __m512i lookUp(const __m512i (&plane)[4], __m512i index) {
   return _mm512_mask_mov_epi8(lower, _mm512_movepi8_mask(index), upper);
 }
 
-VEL_VECTOR void lookUpBytes(char* target, const char* source, std::size_t size, const std::uint16_t* table,
-                            bool foldsNextLine) noexcept {
-  if (size < kBlock) return kPortableKernels.lookUpBytes(target, source, size, table, foldsNextLine);
+/// 64 units, of which two vectors have the halves.
+VEL_VECTOR inline void storeUnits(char* target, __m512i low, __m512i high) {
+  const __m512i even = _mm512_unpacklo_epi8(low, high);
+  const __m512i odd = _mm512_unpackhi_epi8(low, high);
+  store(target, _mm512_permutex2var_epi64(even, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), odd));
+  store(target + kBlock, _mm512_permutex2var_epi64(even, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), odd));
+}
+
+VEL_VECTOR void lookUpBytes(char* target, const char* source, std::size_t size,
+                            const std::uint16_t* table) noexcept {
+  if (size < kBlock) return kPortableKernels.lookUpBytes(target, source, size, table);
   Planes planes;
-  split(table, foldsNextLine, planes);
+  split(table, planes);
   // The last block may overlap the one before.
   for (std::size_t i = 0; i < size; i += kBlock) {
     if (size - i < kBlock) i = size - kBlock;
     const __m512i index = load(source + i);
     const __m512i low = lookUp(planes.low, index);
     const __m512i high = lookUp(planes.high, index);
-    const __m512i even = _mm512_unpacklo_epi8(low, high);
-    const __m512i odd = _mm512_unpackhi_epi8(low, high);
-    store(target + i * kUnitSize,
-          _mm512_permutex2var_epi64(even, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), odd));
-    store(target + i * kUnitSize + kBlock,
-          _mm512_permutex2var_epi64(even, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), odd));
+    storeUnits(target + i * kUnitSize, low, high);
   }
 }
 
@@ -271,7 +273,150 @@ VEL_VECTOR void encodeUtf8(Progress& progress) noexcept {
   }
 }
 
-constexpr Kernels kVectorKernels{&lookUpBytes, &decodeUtf8, &encodeUtf8};
+// ---- Mixed bytes -----------------------------------------------------------------------------
+
+/// A table of 256 bytes.
+struct ByteTable {
+  __m512i part[4];
+};
+
+VEL_VECTOR inline ByteTable loadBytes(const std::uint8_t* values) {
+  return {{load(values), load(values + 64), load(values + 128), load(values + 192)}};
+}
+
+constexpr std::uint64_t kEven = 0x5555555555555555;
+
+/// Which bytes of a block begin a character, and those that are lead bytes. The trail byte of the last of
+/// them may be the next block's first.
+struct Starts {
+  std::uint64_t all;
+  std::uint64_t pairs;
+};
+
+/// What one block leaves to the next.
+struct Between {
+  std::uint64_t isDouble;  ///< both are 0 or 1: as numbers they need no jumps
+  std::uint64_t trail;     ///< 1 when the first byte is a trail byte
+};
+
+/// Bytes that can be lead bytes come in rows, of which every second one begins a pair. The difference borrows
+/// from the start of a row to its end.
+inline Starts findPairs(std::uint64_t canLead, Between& between) {
+  const std::uint64_t rows = canLead & ~between.trail;
+  const std::uint64_t ends = ((rows << 1 | ~kEven) - rows) ^ ~kEven;
+  const Starts starts{~(ends ^ (rows | between.trail)), ends & rows};
+  between.trail = starts.pairs >> 63;
+  return starts;
+}
+
+/// The lowest `count` bits, up to all.
+inline std::uint64_t lowest(std::size_t count) {
+  return count < kBlock ? (1ULL << count) - 1 : ~0ULL;
+}
+
+/// Runs of pairs and of single bytes by turns.
+inline Starts findRuns(std::uint64_t shiftOut, std::uint64_t shiftIn, Between& between) {
+  Starts starts{0, 0};
+  for (std::size_t at = between.trail; at < kBlock; ++at, between.isDouble ^= 1) {
+    const std::uint64_t shifts = between.isDouble != 0 ? shiftIn >> at & kEven : shiftOut >> at;
+    const auto run = std::min(static_cast<std::size_t>(std::countr_zero(shifts)), kBlock - at);
+    starts.all |= (lowest(run) & (between.isDouble != 0 ? kEven : ~0ULL)) << at;
+    if (between.isDouble != 0) starts.pairs |= (lowest(run) & kEven) << at;
+    at += run;
+    if (at == kBlock) break;
+  }
+  between.trail = starts.pairs >> 63;
+  return starts;
+}
+
+/// In each bit, whether the number of bits up to it is odd.
+VEL_VECTOR inline std::uint64_t parities(std::uint64_t bits) {
+  const __m128i product =
+      _mm_clmulepi64_si128(_mm_set_epi64x(0, static_cast<long long>(bits)), _mm_set1_epi8(-1), 0);
+  return static_cast<std::uint64_t>(_mm_cvtsi128_si64(product));
+}
+
+/// The same without a loop, for shifts that come by turns and do not divide a pair.
+VEL_VECTOR inline Starts findTidyRuns(std::uint64_t shiftOut, std::uint64_t shiftIn, Between& between) {
+  const std::uint64_t in = shiftIn & ~between.trail;
+  const std::uint64_t out = shiftOut & ~between.trail;
+  const std::uint64_t isDoubleBehind = parities(in | out) ^ (0 - between.isDouble);
+  const std::uint64_t isDouble = isDoubleBehind << 1 | between.isDouble;
+  const std::uint64_t pairBytes = isDouble & ~in & ~between.trail;
+  // When no pair is divided, every second byte of all runs together is a lead byte.
+  const std::uint64_t pairs = _pdep_u64(kEven, pairBytes);
+  const std::uint64_t trails = (pairBytes & ~pairs) | between.trail;
+  const std::uint64_t mayEnd = (trails | out) << 1 | between.isDouble;
+  if (((in & ~mayEnd) | (out & isDouble)) != 0) [[unlikely]]
+    return findRuns(shiftOut, shiftIn, between);
+  between = {isDoubleBehind >> 63, pairs >> 63};
+  return {pairs | ~(isDouble | out), pairs};
+}
+
+/// Looks up what stands at `numbers`, four of them read at once, and writes as many units or a few more.
+inline void writeUnits(char* target, const std::uint16_t* units, const std::uint16_t* numbers,
+                       std::size_t count) {
+  constexpr std::size_t kStep = 8;
+  for (std::size_t i = 0; i < count; i += kStep)
+    for (std::size_t k = i; k < i + kStep; k += 4) {
+      std::uint64_t four;
+      std::memcpy(&four, numbers + k, sizeof four);
+      for (std::size_t j = 0; j < 4; ++j)
+        writeUnit(target + (k + j) * kUnitSize, toHostOrder(units[four >> 16 * j & 0xFFFF]));
+    }
+}
+
+/// The number of a character's unit, counted from the first page on, has its page as the high byte.
+VEL_VECTOR inline void decodeBlock(Progress& progress, const DoubleByteTable& table, const ByteTable& pages,
+                                   __m512i block, const Starts& starts) {
+  alignas(64) std::uint16_t numbers[kBlock];
+  const __m512i high =
+      _mm512_mask_sub_epi8(bytes(int{kSingleBytesPage}), starts.pairs, lookUp(pages.part, block), bytes(1));
+  const __m512i low = _mm512_mask_mov_epi8(block, starts.pairs, load(progress.source + 1));
+  storeUnits(reinterpret_cast<char*>(numbers), _mm512_maskz_compress_epi8(starts.all, low),
+             _mm512_maskz_compress_epi8(starts.all, high));
+  const auto count = static_cast<std::size_t>(std::popcount(starts.all));
+  writeUnits(progress.target, table.pages[0], numbers, count);
+  progress.source += kBlock;
+  progress.target += count * kUnitSize;
+}
+
+VEL_VECTOR inline bool hasBlock(const Progress& progress) {
+  return progress.sourceSize() > kBlock && progress.targetSize() >= kBlock * kUnitSize;
+}
+
+VEL_VECTOR void decodeMixed(Progress& progress, const DoubleByteTable& table) noexcept {
+  const ByteTable leads = loadBytes(table.leadBytes);
+  const ByteTable pages = loadBytes(table.pageNumbers);
+  Progress here = progress;
+  Between between{};
+  while (hasBlock(here)) {
+    const __m512i block = load(here.source);
+    const __m512i isLead = lookUp(leads.part, block);
+    decodeBlock(here, table, pages, block, findPairs(_mm512_test_epi8_mask(isLead, isLead), between));
+  }
+  here.source += between.trail;
+  progress = here;
+}
+
+VEL_VECTOR void decodeShifted(Progress& progress, const DoubleByteTable& table, bool& isDouble) noexcept {
+  const ByteTable pages = loadBytes(table.pageNumbers);
+  Progress here = progress;
+  Between between{isDouble, 0};
+  while (hasBlock(here)) {
+    const __m512i block = load(here.source);
+    const Starts starts = findTidyRuns(_mm512_cmpeq_epi8_mask(block, bytes(kShiftOut)),
+                                       _mm512_cmpeq_epi8_mask(block, bytes(kShiftIn)), between);
+    const __mmask64 nextLines =
+        _mm512_mask_cmpeq_epi8_mask(starts.all & ~starts.pairs, block, bytes(kNextLineByte));
+    decodeBlock(here, table, pages, _mm512_mask_mov_epi8(block, nextLines, bytes(kLineFeedByte)), starts);
+  }
+  here.source += between.trail;
+  progress = here;
+  isDouble = between.isDouble != 0;
+}
+
+constexpr Kernels kVectorKernels{&lookUpBytes, &decodeUtf8, &encodeUtf8, &decodeMixed, &decodeShifted};
 
 }  // namespace
 
@@ -279,7 +424,8 @@ const Kernels* vectorKernels() noexcept {
   __builtin_cpu_init();
   const bool isThere = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
                        __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi") &&
-                       __builtin_cpu_supports("avx512vbmi2");
+                       __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("bmi2") &&
+                       __builtin_cpu_supports("pclmul");
   return isThere ? &kVectorKernels : nullptr;
 }
 

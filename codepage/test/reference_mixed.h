@@ -1,0 +1,8 @@
+// A slow conversion of mixed single and double bytes, one character at a time.
+#pragma once
+
+#include <string_view>
+
+#include "codepage/test/conversion_outcome.h"
+
+Outcome referenceMixedToUcs2(const VelStDoubleByteTable& table, std::string_view source);
