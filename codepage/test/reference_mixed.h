@@ -3,6 +3,6 @@
 
 #include <string_view>
 
-#include "codepage/test/conversion_outcome.h"
+#include "codepage/test/outcome.h"
 
 Outcome referenceMixedToUcs2(const VelStDoubleByteTable& table, std::string_view source);

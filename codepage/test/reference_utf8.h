@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "codepage/test/conversion_outcome.h"
+#include "codepage/test/outcome.h"
 
 Outcome referenceUtf8ToUcs2(std::string_view source, std::size_t targetSize);
 Outcome referenceUcs2ToUtf8(std::string_view source, std::size_t targetSize);

@@ -1,0 +1,52 @@
+// What the fuzz targets of conversions share.
+#pragma once
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "codepage/test/outcome.h"
+
+namespace fuzz {
+
+inline void require(bool holds) {
+  if (!holds) std::abort();
+}
+
+/// The first byte chooses a converter, the second one a target size.
+struct Input {
+  Input(const std::uint8_t* data, std::size_t size)
+      : choice(size > 0 ? data[0] : 0U),
+        share(size > 1 ? data[1] : 0U),
+        source(reinterpret_cast<const char*>(data) + 2, size > 2 ? size - 2 : 0) {}
+
+  /// From 0 to somewhat more than `need`.
+  std::size_t room(std::size_t need) const { return need * share / 240; }
+
+  unsigned int choice;
+  std::size_t share;
+  std::string_view source;
+};
+
+/// A conversion in buffers of exactly these sizes.
+inline Outcome convert(const VelClConverterABase& converter, std::string_view source, std::size_t room) {
+  const std::unique_ptr<char[]> in(new char[source.size()]);
+  const std::unique_ptr<char[]> out(new char[room]);
+  if (!source.empty()) std::memcpy(in.get(), source.data(), source.size());
+  const char* position = in.get();
+  const std::size_t written = converter.convertBytes(out.get(), room, &position, source.size());
+  require(written <= room && position >= in.get() && position <= in.get() + source.size());
+  return {std::string(out.get(), written), static_cast<std::size_t>(position - in.get()),
+          converter.getLastError().errorId, converter.getLastError().errorClass};
+}
+
+/// For conversions that need room for all: with enough, with exactly enough, and with too little.
+inline void requireAll(const VelClConverterABase& converter, const Input& input, const Outcome& expected) {
+  const std::size_t need = expected.bytes.size();
+  for (const std::size_t room : {input.source.size() * 2, need, input.room(need), need == 0 ? 0 : need - 1})
+    require(convert(converter, input.source, room) == (room >= need ? expected : tooBig("", 0)));
+}
+
+}  // namespace fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
