@@ -1,5 +1,6 @@
 // UTF-8 to UCS-2 with surrogate pairs, after the Unicode Consortium's ConvertUTF: sequences of up to six
 // bytes, added up without a look at their trailing bytes, less a constant for each length.
+#include <algorithm>
 #include <bit>
 
 #include "codepage/conversion.h"
@@ -63,9 +64,19 @@ bool decodeCharacter(const Call& call, Progress& progress) {
   return false;
 }
 
+/// ASCII, as far as there is room.
+void decodeAscii(Progress& progress) {
+  std::size_t size = std::min(progress.sourceSize(), progress.targetSize() / kUnitSize);
+  for (; size > 0 && static_cast<signed char>(*progress.source) >= 0; --size) {
+    vel::codepage::writeUnit(progress.target, static_cast<unsigned char>(*progress.source++));
+    progress.target += kUnitSize;
+  }
+}
+
 /// Some characters, before larger pieces are tried again.
 bool decodeCharacters(const Call& call, Progress& progress) {
   constexpr std::size_t kSome = 32;
+  decodeAscii(progress);
   for (std::size_t i = 0; i < kSome && progress.source != progress.sourceEnd; ++i)
     if (!decodeCharacter(call, progress)) return false;
   return true;

@@ -91,6 +91,36 @@ VEL_VECTOR void lookUpBytes(char* target, const char* source, std::size_t size,
   }
 }
 
+/// A loop, what it leaves at the end of a text at most, and what zeros are on both sides.
+struct Loop {
+  void (*convert)(Progress& progress) noexcept;
+  std::size_t rest;
+  std::size_t sizeOfZero;
+  std::size_t sizeOfResult;
+};
+
+/// The end of a text, which is too short for a loop: it gets the end with zeros behind.
+inline void convertEnd(Progress& progress, const Loop& loop) {
+  constexpr std::size_t kLongest = kBlock + 3;
+  char source[kLongest * 2] = {};
+  char target[sizeof source * 3];
+  const std::size_t size = progress.sourceSize();
+  if (size == 0 || size > kLongest) return;
+  std::memcpy(source, progress.source, size);
+  Progress end{source, source + size + loop.rest, target, target + sizeof target};
+  loop.convert(end);
+  auto consumed = static_cast<std::size_t>(end.source - source);
+  auto written = static_cast<std::size_t>(end.target - target);
+  if (consumed > size) {
+    written -= (consumed - size) / loop.sizeOfZero * loop.sizeOfResult;
+    consumed = size;
+  }
+  if (written > progress.targetSize()) return;
+  std::memcpy(progress.target, target, written);
+  progress.source += consumed;
+  progress.target += written;
+}
+
 // ---- UTF-8 to UCS-2 --------------------------------------------------------------------------
 
 /// For each byte of a block a bit.
@@ -183,14 +213,21 @@ VEL_VECTOR inline bool decodeBlock(Progress& progress, __m512i block) {
   return true;
 }
 
-VEL_VECTOR void decodeUtf8(Progress& progress) noexcept {
-  while (progress.sourceSize() >= kBlock + 3 && progress.targetSize() >= kBlock * kUnitSize) {
-    const __m512i block = load(progress.source);
+VEL_VECTOR void decodeUtf8Blocks(Progress& progress) noexcept {
+  Progress here = progress;
+  while (here.sourceSize() >= kBlock + 3 && here.targetSize() >= kBlock * kUnitSize) {
+    const __m512i block = load(here.source);
     if (_mm512_movepi8_mask(block) == 0)
-      decodeAscii(progress, block);
-    else if (!decodeBlock(progress, block))
-      return;
+      decodeAscii(here, block);
+    else if (!decodeBlock(here, block))
+      break;
   }
+  progress = here;
+}
+
+void decodeUtf8(Progress& progress) noexcept {
+  decodeUtf8Blocks(progress);
+  convertEnd(progress, {&decodeUtf8Blocks, kBlock + 2, 1, kUnitSize});
 }
 
 // ---- UCS-2 to UTF-8 --------------------------------------------------------------------------
@@ -260,17 +297,41 @@ VEL_VECTOR inline void encodeBlock(Progress& progress) {
   progress.source += kUnitSize * (kUnits + (pairs >> 15));
 }
 
-VEL_VECTOR void encodeUtf8(Progress& progress) noexcept {
-  while (progress.sourceSize() >= kBlock && progress.targetSize() >= kBlock) {
-    const __m512i units = load(progress.source);
-    if (_mm512_test_epi16_mask(units, words(0xFF80)) != 0) {
-      encodeBlock(progress);
-      continue;
-    }
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(progress.target), _mm512_cvtepi16_epi8(units));
-    progress.source += kBlock;
-    progress.target += kBlock / kUnitSize;
+VEL_VECTOR inline void encodeAscii(Progress& progress, __m512i units) {
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(progress.target), _mm512_cvtepi16_epi8(units));
+  progress.source += kBlock;
+  progress.target += kBlock / kUnitSize;
+}
+
+/// 32 units below 0x800.
+VEL_VECTOR inline void encodeShort(Progress& progress, __m512i units) {
+  const __mmask32 two = _mm512_cmpge_epu16_mask(units, words(0x80));
+  const __m512i tail = _mm512_slli_epi16(_mm512_and_si512(units, words(0x3F)), 8);
+  const __m512i lead = _mm512_or_si512(_mm512_srli_epi16(units, 6), words(0x80C0));
+  const __m512i encoded = _mm512_mask_mov_epi16(units, two, _mm512_or_si512(lead, tail));
+  const __mmask64 lanes = _mm512_movepi8_mask(_mm512_mask_mov_epi16(words(0xFF), two, words(0xFFFF)));
+  store(progress.target, _mm512_maskz_compress_epi8(lanes, encoded));
+  progress.source += kBlock;
+  progress.target += std::popcount(std::uint64_t{lanes});
+}
+
+VEL_VECTOR void encodeUtf8Blocks(Progress& progress) noexcept {
+  Progress here = progress;
+  while (here.sourceSize() >= kBlock && here.targetSize() >= kBlock) {
+    const __m512i units = load(here.source);
+    if (_mm512_test_epi16_mask(units, words(0xFF80)) == 0)
+      encodeAscii(here, units);
+    else if (_mm512_test_epi16_mask(units, words(0xF800)) == 0)
+      encodeShort(here, units);
+    else
+      encodeBlock(here);
   }
+  progress = here;
+}
+
+void encodeUtf8(Progress& progress) noexcept {
+  encodeUtf8Blocks(progress);
+  convertEnd(progress, {&encodeUtf8Blocks, kBlock - 1, kUnitSize, 1});
 }
 
 // ---- Mixed bytes -----------------------------------------------------------------------------
