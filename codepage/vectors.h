@@ -1,0 +1,89 @@
+// What the vector loops share: AVX-512 on 64 bytes at a time. Empty on other processors.
+#pragma once
+
+#if defined(__x86_64__)
+
+#include <immintrin.h>
+
+#include <bit>
+
+#include "codepage/conversion.h"
+#include "codepage/kernels.h"
+
+#define VEL_VECTOR __attribute__((target("avx512f,avx512bw,avx512vl,avx512vbmi,avx512vbmi2,bmi2,pclmul")))
+
+namespace vel::codepage::vectors {
+
+// Kernels tells what these do.
+void lookUpBytes(char* target, const char* source, std::size_t size, const std::uint16_t* table) noexcept;
+void decodeUtf8(Progress& progress) noexcept;
+void encodeUtf8(Progress& progress) noexcept;
+void decodeMixed(Progress& progress, const VelStDoubleByteTable& table) noexcept;
+void decodeShifted(Progress& progress, const VelStDoubleByteTable& table, bool& isDouble) noexcept;
+
+inline constexpr std::size_t kBlock = 64;
+
+VEL_VECTOR inline __m512i load(const void* from) {
+  return _mm512_loadu_si512(from);
+}
+VEL_VECTOR inline void store(void* to, __m512i value) {
+  _mm512_storeu_si512(to, value);
+}
+VEL_VECTOR inline __m512i bytes(int value) {
+  return _mm512_set1_epi8(static_cast<char>(value));
+}
+VEL_VECTOR inline __m512i words(int value) {
+  return _mm512_set1_epi16(static_cast<short>(value));
+}
+VEL_VECTOR inline __m512i dwords(std::uint32_t value) {
+  return _mm512_set1_epi32(static_cast<int>(value));
+}
+
+/// Each byte as an index into 256 bytes.
+VEL_VECTOR inline __m512i lookUp(const __m512i (&plane)[4], __m512i index) {
+  const __m512i lower = _mm512_permutex2var_epi8(plane[0], index, plane[1]);
+  const __m512i upper = _mm512_permutex2var_epi8(plane[2], index, plane[3]);
+  return _mm512_mask_mov_epi8(lower, _mm512_movepi8_mask(index), upper);
+}
+
+/// 64 units, of which two vectors have the halves.
+VEL_VECTOR inline void storeUnits(char* target, __m512i low, __m512i high) {
+  const __m512i even = _mm512_unpacklo_epi8(low, high);
+  const __m512i odd = _mm512_unpackhi_epi8(low, high);
+  store(target, _mm512_permutex2var_epi64(even, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), odd));
+  store(target + kBlock, _mm512_permutex2var_epi64(even, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), odd));
+}
+
+/// A loop, what it leaves at the end of a text at most, and what zeros are on both sides.
+struct Loop {
+  void (*convert)(Progress& progress) noexcept;
+  std::size_t rest;
+  std::size_t sizeOfZero;
+  std::size_t sizeOfResult;
+};
+
+/// The end of a text, which is too short for a loop: it gets the end with zeros behind.
+inline void convertEnd(Progress& progress, const Loop& loop) {
+  constexpr std::size_t kLongest = kBlock + 3;
+  char source[kLongest * 2] = {};
+  char target[sizeof source * 3];
+  const std::size_t size = progress.sourceSize();
+  if (size == 0 || size > kLongest) return;
+  std::memcpy(source, progress.source, size);
+  Progress end{source, source + size + loop.rest, target, target + sizeof target};
+  loop.convert(end);
+  auto consumed = static_cast<std::size_t>(end.source - source);
+  auto written = static_cast<std::size_t>(end.target - target);
+  if (consumed > size) {
+    written -= (consumed - size) / loop.sizeOfZero * loop.sizeOfResult;
+    consumed = size;
+  }
+  if (written > progress.targetSize()) return;
+  std::memcpy(progress.target, target, written);
+  progress.source += consumed;
+  progress.target += written;
+}
+
+}  // namespace vel::codepage::vectors
+
+#endif
