@@ -58,43 +58,54 @@ const IcuConverter* openIcuConverter(const IcuFunctions& icu, std::uint32_t ccsi
   return converter;
 }
 
-std::size_t convertToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text) {
-  auto* const handle = const_cast<IcuConverter*>(converter);
+std::size_t continueToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text,
+                              bool isEnd) {
   auto* const begin = reinterpret_cast<char16_t*>(text.target);
   // ICU refuses a target with half a unit.
   const char16_t* const limit = begin + text.targetSize / sizeof(char16_t);
   char16_t* position = begin;
   text.status = kSuccess;
-  icu.toUnicode(handle, &position, limit, &text.source, text.source + text.sourceSize, nullptr, 1,
-                &text.status);
-  if (text.status != kSuccess) {
-    dropPending([&icu, handle](IcuStatus& status) {
-      char16_t scrap[64];
-      char16_t* out = scrap;
-      const char* in = "";
-      icu.toUnicode(handle, &out, scrap + 64, &in, in, nullptr, 1, &status);
-    });
-  }
+  const char* const end = text.source + text.sourceSize;
+  icu.toUnicode(const_cast<IcuConverter*>(converter), &position, limit, &text.source, end, nullptr,
+                static_cast<IcuBool>(isEnd), &text.status);
   return static_cast<std::size_t>(position - begin) * sizeof(char16_t);
 }
 
-std::size_t convertFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text) {
-  auto* const handle = const_cast<IcuConverter*>(converter);
+std::size_t continueFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text,
+                                bool isEnd) {
   char* position = text.target;
   const auto* source = reinterpret_cast<const char16_t*>(text.source);
-  const auto* const limit = reinterpret_cast<const char16_t*>(text.source + text.sourceSize);
+  const auto* const end = reinterpret_cast<const char16_t*>(text.source + text.sourceSize);
   text.status = kSuccess;
-  icu.fromUnicode(handle, &position, text.target + text.targetSize, &source, limit, nullptr, 1, &text.status);
+  icu.fromUnicode(const_cast<IcuConverter*>(converter), &position, text.target + text.targetSize, &source,
+                  end, nullptr, static_cast<IcuBool>(isEnd), &text.status);
   text.source = reinterpret_cast<const char*>(source);
-  if (text.status != kSuccess) {
-    dropPending([&icu, handle](IcuStatus& status) {
-      char scrap[64];
-      char* out = scrap;
-      const char16_t* in = u"";
-      icu.fromUnicode(handle, &out, scrap + 64, &in, in, nullptr, 1, &status);
-    });
-  }
   return static_cast<std::size_t>(position - text.target);
+}
+
+std::size_t convertToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text) {
+  const std::size_t written = continueToUnicode(icu, converter, text, true);
+  if (text.status == kSuccess) return written;
+  dropPending([&icu, converter](IcuStatus& status) {
+    char16_t scrap[64];
+    IcuText nothing{reinterpret_cast<char*>(scrap), sizeof scrap, "", 0, 0};
+    continueToUnicode(icu, converter, nothing, true);
+    status = nothing.status;
+  });
+  return written;
+}
+
+std::size_t convertFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text) {
+  const std::size_t written = continueFromUnicode(icu, converter, text, true);
+  if (text.status == kSuccess) return written;
+  dropPending([&icu, converter](IcuStatus& status) {
+    char scrap[64];
+    alignas(char16_t) const char none[] = "";
+    IcuText nothing{scrap, sizeof scrap, none, 0, 0};
+    continueFromUnicode(icu, converter, nothing, true);
+    status = nothing.status;
+  });
+  return written;
 }
 
 }  // namespace vel::codepage

@@ -19,7 +19,17 @@ struct IcuText {
   IcuStatus status;
 };
 
-/// Both return the bytes written. What an error leaves in the converter is dropped.
+/// The ICU of this process; null when there is none. It is looked for once.
+const IcuFunctions* installedIcu();
+
+/// Both return the bytes written. What does not fit stays in the converter, and what is incomplete, too,
+/// unless this is the end.
+std::size_t continueToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text,
+                              bool isEnd);
+std::size_t continueFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text,
+                                bool isEnd);
+
+/// The same for a whole text. What an error leaves in the converter is dropped.
 std::size_t convertToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text);
 std::size_t convertFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text);
 

@@ -18,22 +18,11 @@ void* loadLibrary(const char* name) {
   return vel::platform::loadLibrary(name, error);
 }
 
-/// Null when there is no ICU. It is looked for once in a process.
-const IcuFunctions* installedIcu() {
-  struct Installed {
-    IcuFunctions functions{};
-    bool isThere = vel::codepage::bindIcu(
-        {&loadLibrary, &vel::platform::findProcedure, &vel::platform::freeLibrary}, functions);
-  };
-  static const Installed installed;
-  return installed.isThere ? &installed.functions : nullptr;
-}
-
 using Conversion = std::size_t (*)(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text);
 
 std::size_t convert(Call& call, Conversion conversion) {
   IcuText text{call.target, call.targetSize, *call.source, call.sourceSize, 0};
-  const std::size_t written = conversion(*installedIcu(), call.getConversionData(), text);
+  const std::size_t written = conversion(*vel::codepage::installedIcu(), call.getConversionData(), text);
   *call.source = text.source;
   _VelStError error;
   // It throws for warnings, too. Keep.
@@ -44,9 +33,19 @@ std::size_t convert(Call& call, Conversion conversion) {
 
 }  // namespace
 
+const IcuFunctions* vel::codepage::installedIcu() {
+  struct Installed {
+    IcuFunctions functions{};
+    bool isThere =
+        bindIcu({&loadLibrary, &vel::platform::findProcedure, &vel::platform::freeLibrary}, functions);
+  };
+  static const Installed installed;
+  return installed.isThere ? &installed.functions : nullptr;
+}
+
 const void* velGetICUConverter(unsigned int ccsid, _VelStError& error) {
   IcuStatus status = kUnsupported;
-  const IcuFunctions* const icu = installedIcu();
+  const IcuFunctions* const icu = vel::codepage::installedIcu();
   const IcuConverter* const converter =
       icu != nullptr ? vel::codepage::openIcuConverter(*icu, ccsid, status) : nullptr;
   if (converter == nullptr) VelClIcuInterface::mapIcuError(error, status);
@@ -54,7 +53,7 @@ const void* velGetICUConverter(unsigned int ccsid, _VelStError& error) {
 }
 
 void velDeleteICUConverter(const void* converter) {
-  if (converter != nullptr) installedIcu()->close(const_cast<IcuConverter*>(converter));
+  if (converter != nullptr) vel::codepage::installedIcu()->close(const_cast<IcuConverter*>(converter));
 }
 
 size_t velConvertByAlgorithmIcuToUnicode(VelClConverterABase::_VelStConverter& call) {

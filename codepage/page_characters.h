@@ -1,0 +1,51 @@
+// Code pages one character at a time: what a sequence of bytes means. Slow; who asks keeps the answers.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "vel_include/vel_codepage.h"
+
+namespace vel::codepage {
+
+inline constexpr unsigned char kShiftOut = 0x0E;  ///< to double bytes
+inline constexpr unsigned char kShiftIn = 0x0F;   ///< to single bytes
+inline constexpr std::size_t kLongestSequence = 4;
+
+struct Meaning {
+  enum class Kind : std::uint8_t {
+    Unknown,
+    Units,           ///< a character, or some
+    Fault,           ///< no character; these bytes belong together
+    FirstByteFault,  ///< no character; what begins behind the first byte is another matter
+    Prefix           ///< the beginning of a longer sequence
+  };
+  Kind kind = Kind::Unknown;
+  std::uint8_t count = 0;  ///< of units
+  char16_t units[4] = {};
+};
+
+class PageCharacters {
+ public:
+  virtual ~PageCharacters() = default;
+
+  /// A byte outside of double-byte mode.
+  virtual Meaning single(unsigned char byte) = 0;
+  /// More bytes that begin with a prefix; up to kLongestSequence.
+  virtual Meaning sequence(const unsigned char* bytes, std::size_t size) = 0;
+  /// Two bytes in double-byte mode.
+  virtual Meaning shiftedPair(unsigned char lead, unsigned char trail) = 0;
+  /// Whether 0E and 0F change the mode.
+  virtual bool hasShifts() const = 0;
+  /// Whether shifts into the mode that there is already are no characters.
+  virtual bool dropsIdleShifts() const = 0;
+};
+
+/// By what the converter uses, ICU or a table; the converter must live as long as the result, which the
+/// caller destroys.
+PageCharacters* makePageCharacters(const VelClCodePage2UnicodeConverter& converter);
+
+/// What the converter uses: a table or ICU's converter.
+const void* conversionDataOf(const VelClConverterABase& converter);
+
+}  // namespace vel::codepage

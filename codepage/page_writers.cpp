@@ -1,0 +1,257 @@
+// Strict writers of code pages. Each character is tried once: only what comes back from its bytes is written.
+#include <algorithm>
+#include <iterator>
+
+#include "codepage/conversion.h"
+#include "codepage/conversion_tables.h"
+#include "codepage/icu_calls.h"
+#include "codepage/page_characters.h"
+#include "codepage/strict_writer.h"
+
+namespace vel::codepage {
+
+namespace {
+
+using Route = VelClConverterABase::VelEnRoute;
+
+constexpr IcuStatus kBufferOverflow = 15;
+constexpr char32_t kReplacement = 0xFFFD;
+constexpr char32_t kLastPrivate = 0x10FFFD;
+constexpr unsigned char kAsciiSubstitute = 0x1A;
+
+/// What a character becomes in the target.
+struct Encoded {
+  unsigned char bytes[16];
+  std::size_t size;
+  bool comesBack;
+};
+
+/// Tries characters with a converter that keeps nothing between them.
+class Encoder {
+ public:
+  explicit Encoder(const VelClCCSID& target)
+      : converter_(target), table_(velGetSBCStoUCS2Table(target.getCCSID())) {}
+
+  const VelClUnicode2CodePageConverter& converter() const { return converter_; }
+  bool isIcu() const { return converter_.getRoute() == Route::ICU; }
+  bool isSingleByte() const;
+
+  Encoded encode(char32_t character) const {
+    char16_t units[2];
+    const std::size_t size = unitsOf(character, units) * kUnitSize;
+    Encoded encoded{};
+    if (isIcu()) {
+      IcuText text{reinterpret_cast<char*>(encoded.bytes), sizeof encoded.bytes,
+                   reinterpret_cast<const char*>(units), size, 0};
+      encoded.size = convertFromUnicode(*installedIcu(), conversionDataOf(converter_), text);
+      encoded.comesBack =
+          isFromIcu(encoded, units, size) && (character != kReplacement || !isSubstitute(encoded));
+      return encoded;
+    }
+    encoded.size = converter_.convertBytes(reinterpret_cast<char*>(encoded.bytes), sizeof encoded.bytes,
+                                           reinterpret_cast<const char*>(units), size);
+    encoded.comesBack = isFromTable(encoded, character);
+    // Truncation leaves nothing that could stand for the character.
+    if (converter_.getRoute() == Route::ALGORITHM && !encoded.comesBack)
+      encoded = {{kAsciiSubstitute}, 1, false};
+    return encoded;
+  }
+
+ private:
+  bool isFromIcu(const Encoded& encoded, const char16_t (&units)[2], std::size_t size) const {
+    char back[16];
+    IcuText text{back, sizeof back, reinterpret_cast<const char*>(encoded.bytes), encoded.size, 0};
+    const std::size_t length = convertToUnicode(*installedIcu(), conversionDataOf(converter_), text);
+    return length == size && std::memcmp(back, units, size) == 0;
+  }
+
+  /// Whether the last private character, which most pages lack, becomes the same.
+  bool isSubstitute(const Encoded& encoded) const {
+    const Encoded other = encode(kLastPrivate);
+    return other.size == encoded.size && std::memcmp(other.bytes, encoded.bytes, other.size) == 0;
+  }
+
+  /// Without a table it is the system's conversion, which writes "?" for what is lacking.
+  bool isFromTable(const Encoded& encoded, char32_t character) const {
+    if (encoded.size == 0) return false;
+    if (table_ == nullptr) return encoded.bytes[0] != '?' || character == '?';
+    return encoded.size == 1 && toHostOrder(table_[encoded.bytes[0]]) == character;
+  }
+
+  VelClUnicode2CodePageConverter converter_;
+  const std::uint16_t* table_;
+};
+
+bool Encoder::isSingleByte() const {
+  if (!isIcu()) return converter_.getRoute() != Route::SYSTEM || table_ != nullptr;
+  for (unsigned int byte = 0; byte < 256; ++byte) {
+    const char in = static_cast<char>(byte);
+    char16_t out[8];
+    IcuText text{reinterpret_cast<char*>(out), sizeof out, &in, 1, 0};
+    const std::size_t size = continueToUnicode(*installedIcu(), conversionDataOf(converter_), text, false);
+    IcuText end{reinterpret_cast<char*>(out), sizeof out, &in, 0, 0};
+    convertToUnicode(*installedIcu(), conversionDataOf(converter_), end);
+    if (size == 0) return false;
+  }
+  return true;
+}
+
+/// What is known of characters, in pages that come with the first character of theirs.
+class CharacterMemo {
+ public:
+  using Entry = std::uint16_t;
+  static constexpr Entry kComesBack = 0x100;  ///< the low byte is that of single-byte targets
+  static constexpr Entry kLacking = 0x200;
+
+  CharacterMemo() : pages_(kPages, &kUnknown) {}
+  CharacterMemo(const CharacterMemo&) = delete;
+  CharacterMemo& operator=(const CharacterMemo&) = delete;
+  ~CharacterMemo() {
+    for (const Page* page : pages_)
+      if (page != &kUnknown) destroy(const_cast<Page*>(page));
+  }
+
+  /// 0 for what is not known.
+  Entry at(char32_t character) const { return pages_[character >> 8]->entries[character & 0xFF]; }
+  void set(char32_t character, Entry entry) {
+    const Page*& page = pages_[character >> 8];
+    if (page == &kUnknown) page = create<Page>();
+    const_cast<Page*>(page)->entries[character & 0xFF] = entry;
+  }
+
+ private:
+  static constexpr std::size_t kPages = 0x1100;
+  struct Page {
+    Entry entries[256] = {};
+  };
+  static const Page kUnknown;
+
+  Vector<const Page*> pages_;
+};
+
+constinit const CharacterMemo::Page CharacterMemo::kUnknown{};
+
+class PageWriter : public Writer {
+ public:
+  explicit PageWriter(const VelClCCSID& target) : encoder_(target) {}
+
+ protected:
+  const Encoder& encoder() const { return encoder_; }
+  const CharacterMemo& memo() const { return memo_; }
+
+  CharacterMemo::Entry entryOf(char32_t character) {
+    const CharacterMemo::Entry known = memo_.at(character);
+    if (known != 0) return known;
+    Encoded encoded = encoder_.encode(character);
+    const CharacterMemo::Entry flag = encoded.comesBack ? CharacterMemo::kComesBack : CharacterMemo::kLacking;
+    // Some characters become nothing at all.
+    if (encoded.size == 0) encoded = encoder_.encode(kReplacement);
+    const auto entry = static_cast<CharacterMemo::Entry>(flag | encoded.bytes[0]);
+    memo_.set(character, entry);
+    return entry;
+  }
+
+ private:
+  Encoder encoder_;
+  CharacterMemo memo_;
+};
+
+class SingleByteWriter : public PageWriter {
+ public:
+  using PageWriter::PageWriter;
+
+  std::size_t write(const char16_t* units, std::size_t count, Output& output) override {
+    char* to = output.reserve(count);
+    std::size_t i = 0;
+    while (i < count) {
+      const std::size_t known = writeKnown(units + i, count - i, to);
+      i += known;
+      to += known;
+      output.commit(known);
+      if (i == count) break;
+      const Character character = characterAt(units + i);
+      const CharacterMemo::Entry entry = entryOf(character.value);
+      if ((entry & CharacterMemo::kComesBack) == 0) break;
+      *to++ = static_cast<char>(entry);
+      output.commit(1);
+      i += character.units;
+    }
+    return i;
+  }
+
+  void force(char32_t character, Output& output) override {
+    *output.reserve(1) = static_cast<char>(entryOf(character));
+    output.commit(1);
+  }
+
+ private:
+  std::size_t writeKnown(const char16_t* __restrict units, std::size_t count, char* __restrict to) const {
+    for (std::size_t i = 0; i < count; ++i) {
+      const CharacterMemo::Entry entry = memo().at(units[i]);
+      if ((entry & CharacterMemo::kComesBack) == 0) return i;
+      to[i] = static_cast<char>(entry);
+    }
+    return count;
+  }
+};
+
+/// Targets with lead bytes or shifts. ICU keeps the shift state.
+class MixedWriter : public PageWriter {
+ public:
+  explicit MixedWriter(const VelClCCSID& target) : PageWriter(target), converter_(target) {}
+
+  std::size_t write(const char16_t* units, std::size_t count, Output& output) override {
+    std::size_t i = 0;
+    while (i < count) {
+      const Character character = characterAt(units + i);
+      if ((entryOf(character.value) & CharacterMemo::kComesBack) == 0) break;
+      i += character.units;
+    }
+    convert(units, i, false, output);
+    return i;
+  }
+
+  void force(char32_t character, Output& output) override {
+    const bool vanishes = encoder().encode(character).size == 0;
+    char16_t units[2];
+    convert(units, unitsOf(vanishes ? kReplacement : character, units), false, output);
+  }
+
+  void finish(Output& output) override { convert(nullptr, 0, true, output); }
+
+ private:
+  void convert(const char16_t* units, std::size_t count, bool isEnd, Output& output) const {
+    const char* const source = reinterpret_cast<const char*>(units);
+    if (encoder().isIcu()) return convertByIcu(source, count * kUnitSize, isEnd, output);
+    // The system's conversion takes an empty text for a failure.
+    if (count == 0) return;
+    const std::size_t room = count * kLongestSequence;
+    output.commit(converter_.convertBytes(output.reserve(room), room, source, count * kUnitSize));
+  }
+
+  void convertByIcu(const char* source, std::size_t size, bool isEnd, Output& output) const {
+    constexpr std::size_t kSome = 256;
+    alignas(char16_t) const char none[kUnitSize] = {};
+    const char* const end = size != 0 ? source + size : none;
+    IcuText text{nullptr, 0, size != 0 ? source : none, size, 0};
+    do {
+      text.target = output.reserve(kSome);
+      text.targetSize = output.room();
+      text.sourceSize = static_cast<std::size_t>(end - text.source);
+      output.commit(continueFromUnicode(*installedIcu(), conversionDataOf(converter_), text, isEnd));
+    } while (text.status == kBufferOverflow);
+  }
+
+  VelClUnicode2CodePageConverter converter_;  ///< another one: it keeps the state of the text
+};
+
+}  // namespace
+
+Writer* makePageWriter(const VelClCCSID& target) {
+  const Encoder encoder(target);
+  if (!encoder.converter().isSupported()) return nullptr;
+  if (encoder.isSingleByte()) return create<SingleByteWriter>(target);
+  return create<MixedWriter>(target);
+}
+
+}  // namespace vel::codepage

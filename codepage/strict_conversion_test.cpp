@@ -1,0 +1,220 @@
+// Strict conversion: faults and what becomes of them as a table, every row in every split; and, for all code
+// pages that there is a way for, that splits never show and that what is written comes back.
+#include "vel_include/vel_strict_conversion.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "codepage/test/conversion_outcome.h"
+#include "platform/test/table.h"
+
+namespace {
+
+using Conversion = VelClStrictConversion;
+using Policy = Conversion::VelEnPolicy;
+using Fault = Conversion::VelEnFault;
+using Route = Conversion::VelEnRoute;
+
+class Text : public VelClConversionSink {
+ public:
+  void write(const char* bytes, std::size_t size) override { text_.append(bytes, size); }
+  std::string take() { return std::move(text_); }
+
+ private:
+  std::string text_;
+};
+
+/// All that can be seen of a conversion.
+struct Result {
+  std::string bytes;
+  std::string faults;
+
+  bool operator==(const Result&) const = default;
+};
+void PrintTo(const Result& result, std::ostream* stream) {
+  *stream << hex(result.bytes.substr(0, 200)) << " " << result.faults;
+}
+
+/// Kind, offset, line, column and what it is; then how many there are of each kind.
+std::string describe(const Conversion& conversion) {
+  constexpr const char* kKinds[] = {"clean", "invalid", "incomplete", "lacking"};
+  const Conversion::VelStFault& fault = conversion.getFirstFault();
+  std::ostringstream text;
+  text << kKinds[static_cast<int>(fault.kind)];
+  if (fault.kind == Fault::NONE) return text.str();
+  text << ' ' << fault.offset << ' ' << fault.line << ':' << fault.column << ' ' << std::hex
+       << std::uppercase;
+  if (fault.kind == Fault::NOT_REPRESENTABLE)
+    text << "U+" << fault.character;
+  else
+    text << hex({reinterpret_cast<const char*>(fault.bytes), fault.size});
+  text << std::dec << ' ' << conversion.getFaultCount(Fault::INVALID_SEQUENCE) << '+'
+       << conversion.getFaultCount(Fault::INCOMPLETE) << '+'
+       << conversion.getFaultCount(Fault::NOT_REPRESENTABLE) << " at " << conversion.getOffset();
+  return text.str();
+}
+
+/// In pieces that end where `ends` says.
+Result convert(Conversion& conversion, const std::string& source, const std::vector<std::size_t>& ends) {
+  Text text;
+  conversion.restart();
+  std::size_t begin = 0;
+  for (const std::size_t end : ends) {
+    const std::string piece = source.substr(begin, end - begin);
+    conversion.convert(piece.data(), piece.size(), text);
+    begin = end;
+  }
+  conversion.convert(source.data() + begin, source.size() - begin, text);
+  const bool isFinished = conversion.finish(text);
+  EXPECT_EQ(isFinished, conversion.isSupported() && !conversion.hasStopped());
+  return {text.take(), describe(conversion)};
+}
+
+std::string bytesOf(const std::string& digits) {
+  std::string bytes;
+  for (std::size_t i = 0; i + 1 < digits.size(); i += 2)
+    bytes += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
+  return bytes;
+}
+
+Policy policyOf(const std::string& name) {
+  return name == "stop"   ? Policy::STOP
+         : name == "skip" ? Policy::SKIP
+         : name[0] == 'r' ? Policy::REPLACE
+                          : Policy::ESCAPE;
+}
+
+/// Whether ICU is here: 1047 has no other way.
+bool hasIcu() {
+  return Conversion::getRouteToUcs2(ccsid(1047)) == Route::ICU;
+}
+
+TEST(StrictConversion, FollowsTheTableInEverySplit) {
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/strict_conversions.tsv")) {
+    const std::string& what = row[0];
+    if (row[7] == "icu" && !hasIcu()) continue;
+    Conversion conversion(VelClCCSID(row[1].c_str()), VelClCCSID(row[2].c_str()), policyOf(row[3]));
+    conversion.setNextLineFolding(row[7] == "fold");
+    const std::string source = bytesOf(row[4]);
+    const Result expected{bytesOf(row[5]), row[6]};
+    EXPECT_EQ(convert(conversion, source, {}), expected) << what;
+    std::vector<std::size_t> everyByte;
+    for (std::size_t end = 0; end <= source.size(); ++end) {
+      everyByte.push_back(end);
+      EXPECT_EQ(convert(conversion, source, {end}), expected) << what << ", split at " << end;
+    }
+    EXPECT_EQ(convert(conversion, source, everyByte), expected) << what << ", byte by byte";
+  }
+}
+
+TEST(StrictConversion, ConvertsNothingWithoutAWay) {
+  Conversion conversion(ccsid(4), ccsid(1208), Policy::REPLACE);
+  EXPECT_FALSE(conversion.isSupported());
+  EXPECT_EQ(convert(conversion, "abc", {}), (Result{"", "clean"}));
+  EXPECT_FALSE(Conversion(ccsid(259), ccsid(259)).isSupported());
+}
+
+/// Repeats, and is not random at all.
+class Numbers {
+ public:
+  std::uint32_t next(std::uint32_t limit) {
+    state_ = state_ * 6364136223846793005U + 1442695040888963407U;
+    return static_cast<std::uint32_t>(state_ >> 33) % limit;
+  }
+
+ private:
+  std::uint64_t state_ = 1;
+};
+
+/// Bytes, mostly below 0x80, with runs of shifted pairs.
+std::string mixedBytes(Numbers& numbers, std::size_t size) {
+  std::string bytes;
+  while (bytes.size() < size) {
+    const std::uint32_t kind = numbers.next(20);
+    if (kind == 0) bytes += '\x0E';
+    if (kind == 1) bytes += '\x0F';
+    bytes += static_cast<char>(kind < 12 ? 0x40 + numbers.next(0xBE) : numbers.next(256));
+  }
+  return bytes;
+}
+
+std::vector<int> ccsidsWithAWay(Route (*route)(const VelClCCSID&)) {
+  std::vector<int> numbers;
+  for (int number = 1; number < 0x10000; ++number)
+    if (ccsid(number).isValid() && route(ccsid(number)) != Route::NONE) numbers.push_back(number);
+  return numbers;
+}
+
+TEST(StrictConversion, ShowsNoSplitForAnyCodePage) {
+  Numbers numbers;
+  for (const int number : ccsidsWithAWay(&Conversion::getRouteToUcs2)) {
+    // Larger than the units of one reading, so that these end everywhere, too.
+    const std::string source = mixedBytes(numbers, 20'000);
+    for (const int target : {1208, 500}) {
+      Conversion conversion(ccsid(number), ccsid(target), Policy::ESCAPE);
+      const Result whole = convert(conversion, source, {});
+      std::vector<std::size_t> ends;
+      for (std::size_t end = 0; end < source.size(); end += numbers.next(40)) ends.push_back(end);
+      ASSERT_EQ(convert(conversion, source, ends), whole) << number << " to " << target;
+    }
+  }
+}
+
+/// Many characters of all kinds.
+std::string manyCharacters() {
+  std::u16string units;
+  for (unsigned int unit = 1; unit < 0x10000; unit += unit < 0x3100 ? 1 : 7)
+    if (unit < 0xD800 || unit > 0xDFFF) units += static_cast<char16_t>(unit);
+  for (unsigned int low = 0xDC00; low < 0xE000; low += 7) {
+    units += char16_t{0xD840};
+    units += static_cast<char16_t>(low);
+  }
+  return unitBytes(units + u"\xD83D\xDE00\xFFFD\xFF01\xFF5E\x301C");
+}
+
+TEST(StrictConversion, WritesOnlyWhatComesBack) {
+  const std::string source = manyCharacters();
+  for (const int number : ccsidsWithAWay(&Conversion::getRouteFromUcs2)) {
+    // A table can know less than ICU, and 954 is another edition on the way back.
+    if (number == 954 ||
+        Conversion::getRouteToUcs2(ccsid(number)) != Conversion::getRouteFromUcs2(ccsid(number)))
+      continue;
+    Conversion there(ccsid(13488), ccsid(number), Policy::SKIP);
+    const Result written = convert(there, source, {4096, 20'001});
+    const auto skipped = there.getFaultCount(Fault::NOT_REPRESENTABLE);
+    Conversion back(ccsid(number), ccsid(13488), Policy::STOP);
+    const Result returned = convert(back, written.bytes, {written.bytes.size() / 3});
+    EXPECT_EQ(returned.faults, "clean") << number;
+    EXPECT_GE(returned.bytes.size() + 4 * skipped, source.size()) << number;
+    EXPECT_LE(returned.bytes.size() + 2 * skipped, source.size()) << number;
+    Conversion again(ccsid(13488), ccsid(number), Policy::STOP);
+    EXPECT_EQ(convert(again, returned.bytes, {}), (Result{written.bytes, "clean"})) << number;
+  }
+}
+
+/// Of the converters' own results.
+TEST(StrictConversion, AgreesWithTheConverters) {
+  std::string bytes;
+  for (std::uint32_t i = 0; i < 65'536; ++i) bytes += static_cast<char>(i * 2654435761U >> 13);
+  for (const int number : {37, 273, 420, 437, 500, 819, 838, 850, 1250, 13121}) {
+    const VelClCodePage2UnicodeConverter converter{ccsid(number)};
+    Conversion conversion(ccsid(number), ccsid(13488), Policy::REPLACE);
+    conversion.setNextLineFolding(true);
+    EXPECT_EQ(convert(conversion, bytes, {}).bytes, convert(converter, bytes, bytes.size() * 2).bytes)
+        << number;
+  }
+  for (const int number : {500, 850}) {
+    const VelClUnicode2CodePageConverter converter{ccsid(number)};
+    Conversion conversion(ccsid(13488), ccsid(number), Policy::REPLACE);
+    std::u16string units;
+    for (unsigned int unit = 0; unit < 0xD800; ++unit) units += static_cast<char16_t>(unit);
+    EXPECT_EQ(convert(conversion, unitBytes(units), {}).bytes,
+              convert(converter, unitBytes(units), units.size()).bytes)
+        << number;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,231 @@
+// Strict readers of UTF-8 and of UCS-2 with pairs. What is well-formed is left to the converters.
+#include <algorithm>
+
+#include "codepage/conversion.h"
+#include "codepage/strict_reader.h"
+#include "foundation/allocator.h"
+
+namespace vel::codepage {
+
+namespace {
+
+// ---- UTF-8 -----------------------------------------------------------------------------------
+
+/// What stands at the start of some bytes: a character, or the longest beginning of one.
+struct Sequence {
+  std::size_t size;
+  bool isWhole;
+  bool isCutOff;  ///< only the end is missing
+};
+
+struct Range {
+  unsigned char first, last;
+};
+
+/// What the second byte can be: no longer form than needed, no surrogate, nothing above U+10FFFF.
+constexpr Range secondBytes(unsigned char lead) {
+  if (lead == 0xE0) return {0xA0, 0xBF};
+  if (lead == 0xED) return {0x80, 0x9F};
+  if (lead == 0xF0) return {0x90, 0xBF};
+  return {0x80, static_cast<unsigned char>(lead == 0xF4 ? 0x8F : 0xBF)};
+}
+
+Sequence sequenceAt(const unsigned char* text, std::size_t size) {
+  const unsigned char lead = text[0];
+  if (lead < 0x80) return {1, true, false};
+  if (lead < 0xC2 || lead > 0xF4) return {1, false, false};
+  const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+  Range range = secondBytes(lead);
+  for (std::size_t i = 1; i < length; ++i) {
+    if (i == size) return {i, false, true};
+    if (text[i] < range.first || text[i] > range.last) return {i, false, false};
+    range = {0x80, 0xBF};
+  }
+  return {length, true, false};
+}
+
+/// The states in which well-formed text goes on, as an automaton whose every step is one shift: a byte's row
+/// holds the next state for each state, six bits each, and a state is the place of its own bits.
+class WellFormedness {
+ public:
+  static constexpr std::uint64_t kWhole = 0;
+
+  static std::uint64_t step(std::uint64_t state, unsigned char byte) {
+    return kRows.rows[byte] >> (state & kPlaceMask);
+  }
+  static constexpr bool isWhole(std::uint64_t state) { return (state & kPlaceMask) == kWhole; }
+  static constexpr bool isWrong(std::uint64_t state) { return (state & kPlaceMask) == placeOf(kWrong); }
+
+ private:
+  enum State : unsigned int { kStart, kOneMore, kTwoMore, kThreeMore, kE0, kEd, kF0, kF4, kWrong, kStates };
+  static constexpr unsigned int kBits = 6;
+  static constexpr std::uint64_t kPlaceMask = 0x3F;
+  static constexpr std::uint64_t placeOf(State state) { return state * kBits; }
+
+  static constexpr State afterLead(unsigned int byte) {
+    if (byte < 0x80) return kStart;
+    if (byte < 0xC2 || byte > 0xF4) return kWrong;
+    if (byte < 0xE0) return kOneMore;
+    if (byte < 0xF0) return byte == 0xE0 ? kE0 : byte == 0xED ? kEd : kTwoMore;
+    return byte == 0xF0 ? kF0 : byte == 0xF4 ? kF4 : kThreeMore;
+  }
+  static constexpr State next(State state, unsigned int byte) {
+    if (state == kStart) return afterLead(byte);
+    if (byte < 0x80 || byte > 0xBF) return kWrong;
+    switch (state) {
+      case kOneMore:
+        return kStart;
+      case kTwoMore:
+        return kOneMore;
+      case kThreeMore:
+        return kTwoMore;
+      case kE0:
+        return byte >= 0xA0 ? kOneMore : kWrong;
+      case kEd:
+        return byte < 0xA0 ? kOneMore : kWrong;
+      case kF0:
+        return byte >= 0x90 ? kTwoMore : kWrong;
+      case kF4:
+        return byte < 0x90 ? kTwoMore : kWrong;
+      default:
+        return kWrong;
+    }
+  }
+  struct Rows {
+    std::uint64_t rows[256];
+    constexpr Rows() : rows() {
+      for (unsigned int byte = 0; byte < 256; ++byte)
+        for (unsigned int state = 0; state < kStates; ++state)
+          rows[byte] |= placeOf(next(static_cast<State>(state), byte)) << (state * kBits);
+    }
+  };
+  static const Rows kRows;
+};
+
+constinit const WellFormedness::Rows WellFormedness::kRows;
+
+constexpr std::size_t kPiece = 32;
+
+bool isAscii(const unsigned char* piece) {
+  std::uint64_t words[kPiece / 8];
+  std::memcpy(words, piece, sizeof words);
+  return ((words[0] | words[1] | words[2] | words[3]) & 0x8080808080808080) == 0;
+}
+
+/// How many bytes at the start are whole, well-formed characters.
+std::size_t wellFormedPrefix(const unsigned char* text, std::size_t size) {
+  std::size_t i = 0;
+  std::uint64_t state = WellFormedness::kWhole;
+  for (; i + kPiece <= size; i += kPiece) {
+    if (WellFormedness::isWhole(state) && isAscii(text + i)) continue;
+    std::uint64_t next = state;
+    for (std::size_t at = 0; at < kPiece; ++at) next = WellFormedness::step(next, text[i + at]);
+    if (WellFormedness::isWrong(next)) break;
+    state = next;
+  }
+  // The character that a piece began within is looked at from its beginning.
+  if (!WellFormedness::isWhole(state)) {
+    do --i;
+    while (text[i] < 0xC0);
+  }
+  while (i < size) {
+    const Sequence sequence = sequenceAt(text + i, size - i);
+    if (!sequence.isWhole) return i;
+    i += sequence.size;
+  }
+  return i;
+}
+
+class Utf8Reader : public Reader {
+ public:
+  explicit Utf8Reader(const VelClCCSID& source) : converter_(source) {}
+
+  Reading read(const char* source, std::size_t size, bool isLast, char16_t* units,
+               std::size_t capacity) override {
+    const auto* const text = reinterpret_cast<const unsigned char*>(source);
+    // No byte makes more than one unit.
+    Reading reading{.consumed = wellFormedPrefix(text, std::min(size, capacity))};
+    reading.units = converter_.convertBytes(reinterpret_cast<char*>(units), capacity * kUnitSize, source,
+                                            reading.consumed) /
+                    kUnitSize;
+    if (reading.consumed == size) return reading;
+    const Sequence next = sequenceAt(text + reading.consumed, size - reading.consumed);
+    if (next.isWhole || (next.isCutOff && !isLast)) return reading;
+    reading.fault = next.isCutOff ? Fault::INCOMPLETE : Fault::INVALID_SEQUENCE;
+    reading.faultSize = next.size;
+    return reading;
+  }
+
+  std::size_t sizeBefore(const char* source, std::size_t, std::size_t unit) const override {
+    const char* position = source;
+    for (std::size_t i = 0; i < unit;) {
+      const std::size_t size = sequenceAt(reinterpret_cast<const unsigned char*>(position), 4).size;
+      position += size;
+      i += size == 4 ? 2 : 1;
+    }
+    return static_cast<std::size_t>(position - source);
+  }
+
+ private:
+  VelClCodePage2UnicodeConverter converter_;
+};
+
+// ---- UCS-2 with pairs ------------------------------------------------------------------------
+
+bool hasSurrogates(const char16_t* units, std::size_t count) {
+  unsigned int found = 0;
+  for (std::size_t i = 0; i < count; ++i) found |= (units[i] & 0xF800) == 0xD800 ? 1U : 0U;
+  return found != 0;
+}
+
+/// How many units at the start are whole characters.
+std::size_t wholeCharacters(const char16_t* units, std::size_t count) {
+  if (!hasSurrogates(units, count)) return count;
+  std::size_t i = 0;
+  while (i < count) {
+    const bool isPair = isHighSurrogate(units[i]) && i + 1 < count && isLowSurrogate(units[i + 1]);
+    if (!isPair && (units[i] & 0xF800) == 0xD800) break;
+    i += isPair ? 2 : 1;
+  }
+  return i;
+}
+
+class Utf16Reader : public Reader {
+ public:
+  explicit Utf16Reader(const VelClCCSID& source) : converter_(source) {}
+
+  Reading read(const char* source, std::size_t size, bool isLast, char16_t* units,
+               std::size_t capacity) override {
+    const std::size_t count = std::min(size / kUnitSize, capacity);
+    converter_.convertBytes(reinterpret_cast<char*>(units), capacity * kUnitSize, source, count * kUnitSize);
+    Reading reading;
+    reading.units = wholeCharacters(units, count);
+    reading.consumed = reading.units * kUnitSize;
+    const std::size_t left = size - reading.consumed;
+    if (reading.units < count && (reading.units + 1 < count || isLowSurrogate(units[reading.units]))) {
+      reading.fault = Fault::INVALID_SEQUENCE;
+      reading.faultSize = kUnitSize;
+    } else if (isLast && left > 0 && left < 2 * kUnitSize && count < capacity) {
+      // Half a pair, half a unit or both.
+      reading.fault = Fault::INCOMPLETE;
+      reading.faultSize = left;
+    }
+    return reading;
+  }
+
+  std::size_t sizeBefore(const char*, std::size_t, std::size_t unit) const override {
+    return unit * kUnitSize;
+  }
+
+ private:
+  VelClCodePage2UnicodeConverter converter_;
+};
+
+}  // namespace
+
+Reader* makeReader(const VelClCCSID& source) {
+  if (source.getCCSID() == VelClCCSID::CCSID_UTF8) return create<Utf8Reader>(source);
+  return source.isUCS2() ? create<Utf16Reader>(source) : makePageReader(source);
+}
+
+}  // namespace vel::codepage

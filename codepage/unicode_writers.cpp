@@ -1,0 +1,85 @@
+// Strict writers of UTF-8 and of UCS-2 with pairs, which lack nothing.
+#include <algorithm>
+
+#include "codepage/conversion.h"
+#include "codepage/strict_writer.h"
+
+namespace vel::codepage {
+
+namespace {
+
+class UnicodeWriter : public Writer {
+ public:
+  explicit UnicodeWriter(const VelClCCSID& target) : converter_(target) {}
+
+  std::size_t write(const char16_t* units, std::size_t count, Output& output) override {
+    constexpr std::size_t kMostBytes = 3;
+    char* const to = output.reserve(count * kMostBytes);
+    output.commit(converter_.convertBytes(to, count * kMostBytes, reinterpret_cast<const char*>(units),
+                                          count * kUnitSize));
+    return count;
+  }
+  void force(char32_t character, Output& output) override {
+    char16_t units[2];
+    write(units, unitsOf(character, units), output);
+  }
+
+ private:
+  VelClUnicode2CodePageConverter converter_;
+};
+
+/// Characters for which the converter writes another one.
+constexpr bool isReplaced(char16_t unit) {
+  return (unit >= 0xFDD0 && unit <= 0xFDEF) || unit == 0xFFFE;
+}
+
+class Utf8Writer : public UnicodeWriter {
+ public:
+  using UnicodeWriter::UnicodeWriter;
+
+  std::size_t write(const char16_t* units, std::size_t count, Output& output) override {
+    unsigned int found = 0;
+    for (std::size_t i = 0; i < count; ++i) found |= isReplaced(units[i]) ? 1U : 0U;
+    if (found == 0) return UnicodeWriter::write(units, count, output);
+    for (std::size_t i = 0; i < count; ++i) {
+      const auto* const next = std::find_if(units + i, units + count, isReplaced);
+      UnicodeWriter::write(units + i, static_cast<std::size_t>(next - units) - i, output);
+      i = static_cast<std::size_t>(next - units);
+      if (i < count) writeThree(*next, output);
+    }
+    return count;
+  }
+
+ private:
+  static void writeThree(char16_t unit, Output& output) {
+    char* const to = output.reserve(3);
+    to[0] = static_cast<char>(0xE0 | unit >> 12);
+    to[1] = static_cast<char>(0x80 | (unit >> 6 & 0x3F));
+    to[2] = static_cast<char>(0x80 | (unit & 0x3F));
+    output.commit(3);
+  }
+};
+
+}  // namespace
+
+Character characterAt(const char16_t* units) {
+  if (!isHighSurrogate(units[0])) return {units[0], 1};
+  return {((units[0] - 0xD800U) << 10) + (units[1] - 0xDC00U) + 0x10000U, 2};
+}
+
+std::size_t unitsOf(char32_t character, char16_t (&units)[2]) {
+  if (character < 0x10000) {
+    units[0] = static_cast<char16_t>(character);
+    return 1;
+  }
+  units[0] = static_cast<char16_t>(0xD7C0 + (character >> 10));
+  units[1] = static_cast<char16_t>(0xDC00 + (character & 0x3FF));
+  return 2;
+}
+
+Writer* makeWriter(const VelClCCSID& target) {
+  if (target.getCCSID() == VelClCCSID::CCSID_UTF8) return create<Utf8Writer>(target);
+  return target.isUCS2() ? create<UnicodeWriter>(target) : makePageWriter(target);
+}
+
+}  // namespace vel::codepage
