@@ -1,0 +1,65 @@
+#include "tools/velconv/ccsids.h"
+
+#include <charconv>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "vel_include/vel_strict_conversion.h"
+
+namespace vel::velconv {
+
+namespace {
+
+constexpr int kLargest = 0xFFFF;
+
+constexpr const char* nameOf(VelClConverterABase::VelEnRoute route) {
+  constexpr const char* kNames[] = {"none", "algorithm", "table", "icu", "system"};
+  return kNames[static_cast<int>(route)];
+}
+
+std::string propertiesOf(const VelClCCSID& ccsid) {
+  std::string properties;
+  const auto add = [&properties](bool has, const char* name) {
+    if (has) properties += (properties.empty() ? "" : " ") + std::string(name);
+  };
+  add(ccsid.isASCII(), "ASCII");
+  add(ccsid.isEBCDIC(), "EBCDIC");
+  add(ccsid.isDBCS(), "DBCS");
+  add(ccsid.isSBCS(), "SBCS");
+  add(ccsid.isUCS2(), "UCS-2");
+  return properties.empty() ? "-" : properties;
+}
+
+/// The text behind a prefix that it has in any letter case; else all of it.
+std::string_view without(std::string_view prefix, std::string_view text) {
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+  if (text.size() < prefix.size()) return text;
+  for (std::size_t i = 0; i < prefix.size(); ++i)
+    if (lower(text[i]) != prefix[i]) return text;
+  return text.substr(prefix.size());
+}
+
+}  // namespace
+
+bool parseCcsid(const char* text, VelClCCSID& ccsid) {
+  const std::string_view digits = without("cp", without("ccsid", text));
+  int number = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  const bool isNumber = error == std::errc() && end == digits.data() + digits.size() && number >= 0;
+  ccsid = isNumber ? VelClCCSID(number) : VelClCCSID(text);
+  return ccsid.isValid() && (isNumber || text[0] < '0' || text[0] > '9');
+}
+
+void listCcsids(std::ostream& out) {
+  // The row without a number is none of the valid ones.
+  for (int number = 0; number <= kLargest; ++number) {
+    const VelClCCSID ccsid(number);
+    if (number != 0 && !ccsid.isValid()) continue;
+    out << number << '\t' << ccsid.getName() << '\t' << propertiesOf(ccsid) << '\t'
+        << nameOf(VelClStrictConversion::getRouteToUcs2(ccsid)) << '\t'
+        << nameOf(VelClStrictConversion::getRouteFromUcs2(ccsid)) << '\n';
+  }
+}
+
+}  // namespace vel::velconv

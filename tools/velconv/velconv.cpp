@@ -1,0 +1,215 @@
+// velconv: converts text between code pages.
+#include <cstring>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/byte_files.h"
+#include "platform/platform.h"
+#include "tools/standard_switches.h"
+#include "tools/velconv/ccsids.h"
+#include "tools/velconv/output_file.h"
+#include "tools/velconv/texts.h"
+#include "vel_include/vel_consoleui.h"
+#include "vel_include/vel_filesys.h"
+#include "vel_include/vel_strict_conversion.h"
+
+namespace {
+
+using namespace vel::velconv;
+using Conversion = VelClStrictConversion;
+using Fault = Conversion::VelEnFault;
+
+constexpr int kExitChanged = 1;
+constexpr int kExitFailed = 2;
+constexpr std::size_t kChunkSize = std::size_t{256} * 1024;
+
+/// Stands for "-", which the switches' grammar takes for a switch without a name.
+constexpr const char* kStandardStream = "standard input";
+
+/// The console user interface with the tool's own texts.
+class Tool : public VelClConsoleUI {
+ public:
+  Tool(int argc, const char* const* argv)
+      : VelClConsoleUI(argc, argv), texts_(kTexts, kTextEnd), chunk_(kChunkSize) {}
+
+  const VelClMessageCatalog& getMessageCatalog() const override { return texts_; }
+  /// The exit code.
+  int run();
+  int report(TextId text, const char* argument = nullptr) const;
+
+ private:
+  std::string text(TextId id) const { return VelClMessage(texts_, id).getAsCString(); }
+  [[noreturn]] void refuse(TextId id) const;
+  int list() const;
+  void readSwitches();
+  VelClCCSID ccsidOf(const char* switchName) const;
+  Conversion::VelEnPolicy policy() const;
+  std::vector<const char*> files() const;
+  int convertAll();
+  bool convert(const char* file, OutputFile& output);
+  bool convertBytes(int descriptor, OutputFile& output);
+  void tellFirstFault(const char* file) const;
+  void tellCounts(const char* file) const;
+
+  VelClMessageCatalog texts_;
+  std::vector<char> chunk_;
+  std::optional<Conversion> conversion_;
+  const char* output_ = nullptr;
+  bool counts_ = false;
+};
+
+int Tool::report(TextId id, const char* argument) const {
+  error(std::cerr, text(id).c_str(), argument);
+  return kExitFailed;
+}
+
+/// A command line that the usage string alone cannot refuse.
+void Tool::refuse(TextId id) const {
+  report(id);
+  displayUsage(true);
+  processExit(CONUI_USAGE);
+}
+
+int Tool::run() {
+  setOutputStream(std::cerr);
+  init(kTitle, kDescription, nullptr, nullptr);
+  handleUsageHelp(kUsage, kHelp);
+  if (hasArgSwitch("list")) return list();
+  readSwitches();
+  return conversion_->isSupported() ? convertAll() : report(kNoWay);
+}
+
+int Tool::list() const {
+  for (const char* other : {"from", "to", "out", "policy", "count", "foldnel"})
+    if (hasArgSwitch(other)) refuse(kListAlone);
+  if (!files().empty()) refuse(kListAlone);
+  listCcsids(std::cout);
+  std::cout.flush();
+  return std::cout.good() ? 0 : report(kNotWritten);
+}
+
+void Tool::readSwitches() {
+  if (!hasArgSwitch("from") || !hasArgSwitch("to")) refuse(kBothNeeded);
+  conversion_.emplace(ccsidOf("from"), ccsidOf("to"), policy());
+  conversion_->setNextLineFolding(hasArgSwitch("foldnel"));
+  counts_ = hasArgSwitch("count");
+  if (hasArgString("out", output_) && output_ == kStandardStream) output_ = nullptr;
+}
+
+VelClCCSID Tool::ccsidOf(const char* switchName) const {
+  const char* name = "";
+  hasArgString(switchName, name);
+  VelClCCSID ccsid(VelClCCSID::CCSID_UNKNOWN);
+  if (!parseCcsid(name, ccsid)) fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, text(kUnknownCcsid).c_str(), name);
+  return ccsid;
+}
+
+Conversion::VelEnPolicy Tool::policy() const {
+  constexpr const char* kNames[] = {"stop", "skip", "replace", "escape"};
+  const char* name = kNames[0];
+  hasArgString("policy", name);
+  for (std::size_t i = 0; i < std::size(kNames); ++i)
+    if (std::strcmp(name, kNames[i]) == 0) return static_cast<Conversion::VelEnPolicy>(i);
+  fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, text(kUnknownPolicy).c_str(), name);
+}
+
+std::vector<const char*> Tool::files() const {
+  std::vector<const char*> names;
+  VelClArgvFreeCursor argument(*this);
+  for (bool more = argument.setToFirst(); more; more = argument.setToNext())
+    names.push_back(argument.getAsCString());
+  return names;
+}
+
+int Tool::convertAll() {
+  std::vector<const char*> names = files();
+  if (names.empty()) names.push_back(kStandardStream);
+  OutputFile output(output_);
+  bool isClean = true;
+  for (const char* name : names) {
+    if (!convert(name, output)) return kExitFailed;
+    isClean = isClean && conversion_->getFaultCount() == 0;
+  }
+  output.finish();
+  return isClean ? 0 : kExitChanged;
+}
+
+/// False when nothing more can be converted.
+bool Tool::convert(const char* file, OutputFile& output) {
+  const bool isInput = file == kStandardStream;
+  const int descriptor = isInput ? vel::platform::kStandardInput : vel::platform::openForReading(file);
+  if (descriptor == -1) return report(kNotOpened, file), false;
+  // A terminal that shows the output has no place for a progress bar.
+  const bool isShown = output_ == nullptr && vel::platform::isTerminal(vel::platform::kStandardOutput);
+  const std::uint64_t expected = isShown ? 0 : vel::platform::bytesLeft(descriptor);
+  if (expected > 0) progressStart(expected, file);
+  const bool isRead = convertBytes(descriptor, output);
+  progressStop();
+  if (!isInput) vel::platform::closeDescriptor(descriptor);
+  if (!isRead) report(kNotRead, file);
+  if (conversion_->getFaultCount() != 0) tellFirstFault(file);
+  if (counts_) tellCounts(file);
+  return isRead && !conversion_->hasStopped();
+}
+
+/// False when not everything could be read.
+bool Tool::convertBytes(int descriptor, OutputFile& output) {
+  conversion_->restart();
+  std::int64_t size = 0;
+  do {
+    size = vel::platform::readBytes(descriptor, chunk_.data(), chunk_.size());
+    if (size <= 0) break;
+    progressStep(static_cast<std::uint64_t>(size));
+  } while (conversion_->convert(chunk_.data(), static_cast<std::size_t>(size), output));
+  conversion_->finish(output);
+  return size >= 0;
+}
+
+void Tool::tellFirstFault(const char* file) const {
+  constexpr TextId kKinds[] = {kTextEnd, kInvalid, kIncomplete, kNotRepresentable};
+  constexpr const char* kDigits = "0123456789ABCDEF";
+  const Conversion::VelStFault& fault = conversion_->getFirstFault();
+  std::string what;
+  for (std::uint32_t i = 0; i < fault.size; ++i)
+    what += {kDigits[fault.bytes[i] >> 4], kDigits[fault.bytes[i] & 0xF], ' '};
+  for (int shift = fault.character > 0xFFFF ? 20 : 12; fault.character != 0 && shift >= 0; shift -= 4)
+    what += kDigits[fault.character >> shift & 0xF];
+  if (fault.character != 0) what = "U+" + what;
+  if (what.ends_with(' ')) what.pop_back();
+  const VelClMessage place(texts_, kFirstFault, std::to_string(fault.offset).c_str(),
+                           std::to_string(fault.line).c_str(), std::to_string(fault.column).c_str());
+  error(std::cerr, text(kKinds[static_cast<int>(fault.kind)]).c_str(), file, place.getAsCString(),
+        what.empty() ? nullptr : what.c_str());
+}
+
+void Tool::tellCounts(const char* file) const {
+  const auto count = [this](Fault kind) { return std::to_string(conversion_->getFaultCount(kind)); };
+  const VelClMessage counts(texts_, kCounts, std::to_string(conversion_->getOffset()).c_str(),
+                            count(Fault::INVALID_SEQUENCE).c_str(), count(Fault::INCOMPLETE).c_str(),
+                            count(Fault::NOT_REPRESENTABLE).c_str());
+  std::cerr << file << ": " << counts << '\n';
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  velFileSetBinaryMode(vel::platform::kStandardInput, true);
+  velFileSetBinaryMode(vel::platform::kStandardOutput, true);
+  if (vel::tools::answerStandardSwitches(argc, argv,
+                                         {"velconv", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]}))
+    return std::cout.good() ? 0 : kExitFailed;
+  std::vector<const char*> arguments(argv, argv + argc);
+  for (const char*& argument : arguments)
+    if (std::strcmp(argument, "-") == 0) argument = kStandardStream;
+  Tool tool(argc, arguments.data());
+  try {
+    return tool.run();
+  } catch (const OutputFailure&) {
+    return tool.report(kNotWritten);
+  } catch (const VelClException& exception) {
+    tool.exception(exception, kTexts[kTitle]);
+    tool.processExit(CONUI_USAGE);
+  }
+}

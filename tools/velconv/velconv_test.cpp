@@ -1,0 +1,129 @@
+// Runs velconv as scripts do: its list, its answers to small texts, and files larger than its buffers.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "platform/test/child_process.h"
+#include "platform/test/scratch_directory.h"
+#include "platform/test/session.h"
+
+namespace {
+
+using testing::HasSubstr;
+using vel::test::readFile;
+using Arguments = std::vector<std::string>;
+
+vel::test::ChildResult velconv(const Arguments& arguments, const std::string& input = {}) {
+  return vel::test::runChild("velconv", arguments,
+                             {.environment = {{"LC_ALL", "C"}}, .input = input, .rawOutput = true});
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+  std::istringstream stream(text);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
+/// With every "icu" changed to `way`.
+std::string withWay(std::string line, const std::string& way) {
+  const std::string icu = "\ticu";
+  for (std::size_t at = line.find(icu); at != std::string::npos; at = line.find(icu, at + 1))
+    line.replace(at + 1, icu.size() - 1, way);
+  return line;
+}
+
+/// The file has the ways with ICU 72. Without any ICU nothing takes its place but, for two pages, the system.
+TEST(Velconv, ListsEveryCcsidWithItsWays) {
+  const auto lines = linesOf(velconv({"-list"}).output);
+  auto expected = linesOf(readFile(VEL_TEST_DATA "velconv/test/listing.tsv"));
+  expected.erase(expected.begin());
+  ASSERT_EQ(lines.size(), expected.size());
+  const bool hasIcu = std::ranges::find(lines, "367\t367\tASCII\ticu\ticu") != lines.end();
+  int fromSystem = 0;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    fromSystem += lines[i].ends_with("\tsystem") ? 1 : 0;
+    if (lines[i].ends_with("\tsystem")) continue;
+    EXPECT_EQ(lines[i], withWay(expected[i], hasIcu ? "icu" : "none"));
+  }
+  EXPECT_LE(fromSystem, hasIcu ? 1 : 2);
+}
+
+TEST(Velconv, FollowsTheSession) {
+  vel::test::expectSession(VEL_TEST_DATA "velconv/test/velconv.session", true);
+}
+
+class VelconvFiles : public testing::Test {
+ protected:
+  vel::test::ScratchDirectory directory_;
+};
+
+/// Larger than the tool's buffers; lines of other lengths, and characters of one to four bytes.
+std::string manyLines() {
+  std::string text;
+  for (unsigned int i = 0; text.size() < 1'000'000; ++i)
+    text += std::string(i % 83, static_cast<char>('!' + i % 90)) +
+            (i % 3 == 0 ? "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80" : "\xE4\xB8\x80\xEF\xBD\x9E") + "\r\n";
+  return text;
+}
+
+TEST_F(VelconvFiles, ConvertsLargeFilesThereAndBack) {
+  const std::string text = manyLines(), source = directory_.write("source", text);
+  const std::string there = directory_.path("there"), back = directory_.path("back");
+  for (const std::string number : {"1208", "65500", "18030"}) {
+    const int exitCode = velconv({"-from", "1208", "-to", number, "-out", there, source}).exitCode;
+    if (number == "18030" && exitCode == 2) continue;  // there is no ICU
+    EXPECT_EQ(exitCode, 0) << number;
+    EXPECT_EQ(velconv({"-from", number, "-to", "1208", there, "-out", back}).exitCode, 0) << number;
+    EXPECT_TRUE(readFile(back) == text) << number;
+    EXPECT_EQ(number == "1208", readFile(there) == text) << number;
+  }
+}
+
+/// Of single bytes, in their table's order; all of them come back.
+TEST_F(VelconvFiles, ConvertsEveryByteThereAndBack) {
+  std::string bytes;
+  for (unsigned int i = 0; i < 600'000; ++i) bytes += static_cast<char>(i * 2654435761U >> 15);
+  const std::string source = directory_.write("source", bytes);
+  for (const std::string number : {"37", "500", "850", "819"}) {
+    const auto there = velconv({"-from", number, "-to", "1208", source});
+    EXPECT_EQ(there.exitCode, 0) << number;
+    const auto back = velconv({"-from", "1208", "-to", number}, there.output);
+    // Back to 37 only ICU knows the way.
+    const bool hasWay = number != "37" || back.exitCode == 0;
+    EXPECT_TRUE(!hasWay || back.output == bytes) << number;
+  }
+}
+
+TEST_F(VelconvFiles, JoinsFilesOfWhichEachBeginsAnew) {
+  const std::string a = directory_.write("a", "\x0E\x42\xC1\x0F\xC1\x0E\x42\xC1"),
+                    b = directory_.write("b", "\xC2\x0E\x42\xC2\x0F");
+  const auto result =
+      velconv({"-from", "930", "-to", "1208", "-policy", "skip", "-count", a, "-", b}, "\x40");
+  EXPECT_EQ(result.output,
+            "\xEF\xBC\xA1"
+            "A\xEF\xBC\xA1 B\xEF\xBC\xA2");
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors, HasSubstr(a + ": offset 8, line 1, column 4"));
+  EXPECT_THAT(result.errors, HasSubstr(a + ": 8 bytes, 0 invalid, 1 incomplete, 0 not in the target"));
+  EXPECT_THAT(result.errors, HasSubstr(b + ": 5 bytes, 0 invalid, 0 incomplete, 0 not in the target"));
+}
+
+TEST_F(VelconvFiles, ReplacesItsOutputAtTheEndOrNotAtAll) {
+  const std::string file = directory_.write("file", "\xC1\x15\x25");
+  EXPECT_EQ(velconv({"-from", "37", "-to", "1208", "-foldnel", file, "-out", file}).exitCode, 0);
+  EXPECT_EQ(readFile(file), "A\n\n");
+  const std::string bad = directory_.write("bad", "abc\xFF");
+  EXPECT_EQ(velconv({"-from", "1208", "-to", "500", bad, "-out", file}).exitCode, 2);
+  EXPECT_EQ(velconv({"-from", "1208", "-to", "500", bad, file, "-out", bad}).exitCode, 2);
+  EXPECT_EQ(readFile(file), "A\n\n");
+  EXPECT_EQ(readFile(bad), "abc\xFF");
+  EXPECT_EQ(velconv({"-from", "1208", "-to", "500", "-policy", "replace", bad, "-out", file}).exitCode, 1);
+  EXPECT_EQ(readFile(file), "\x81\x82\x83\x3F");
+}
+
+}  // namespace
