@@ -113,6 +113,18 @@ class CharacterMemo {
 
   /// 0 for what is not known.
   Entry at(char32_t character) const { return pages_[character >> 8]->entries[character & 0xFF]; }
+  /// Writes the bytes of units, up to the first one that is not known to come back; returns how many.
+  std::size_t lookUp(const char16_t* __restrict units, std::size_t count, char* __restrict to) const {
+    constexpr std::size_t kSome = 4;
+    std::size_t i = 0;
+    while (i + kSome <= count && lookUpSome(units + i, to + i)) i += kSome;
+    for (; i < count; ++i) {
+      const Entry entry = at(units[i]);
+      if ((entry & kComesBack) == 0) break;
+      to[i] = static_cast<char>(entry);
+    }
+    return i;
+  }
   void set(char32_t character, Entry entry) {
     const Page*& page = pages_[character >> 8];
     if (page == &kUnknown) page = create<Page>();
@@ -125,6 +137,23 @@ class CharacterMemo {
     Entry entries[256] = {};
   };
   static const Page kUnknown;
+
+  /// Four units, mostly all of the first page; false when one of them does not come back.
+  bool lookUpSome(const char16_t* __restrict units, char* __restrict to) const {
+    constexpr std::uint64_t kHighBytes = 0xFF00FF00FF00FF00;
+    std::uint64_t word;
+    std::memcpy(&word, units, sizeof word);
+    const Entry* const first = pages_[0]->entries;
+    const bool isFirst = (word & kHighBytes) == 0;
+    const Entry a = isFirst ? first[word & 0xFF] : at(units[0]);
+    const Entry b = isFirst ? first[word >> 16 & 0xFF] : at(units[1]);
+    const Entry c = isFirst ? first[word >> 32 & 0xFF] : at(units[2]);
+    const Entry d = isFirst ? first[word >> 48] : at(units[3]);
+    if ((a & b & c & d & kComesBack) == 0) return false;
+    const std::uint32_t bytes = (a & 0xFFU) | (b & 0xFFU) << 8 | (c & 0xFFU) << 16 | (d & 0xFFU) << 24;
+    std::memcpy(to, &bytes, sizeof bytes);
+    return true;
+  }
 
   Vector<const Page*> pages_;
 };
@@ -164,7 +193,7 @@ class SingleByteWriter : public PageWriter {
     char* to = output.reserve(count);
     std::size_t i = 0;
     while (i < count) {
-      const std::size_t known = writeKnown(units + i, count - i, to);
+      const std::size_t known = memo().lookUp(units + i, count - i, to);
       i += known;
       to += known;
       output.commit(known);
@@ -182,16 +211,6 @@ class SingleByteWriter : public PageWriter {
   void force(char32_t character, Output& output) override {
     *output.reserve(1) = static_cast<char>(entryOf(character));
     output.commit(1);
-  }
-
- private:
-  std::size_t writeKnown(const char16_t* __restrict units, std::size_t count, char* __restrict to) const {
-    for (std::size_t i = 0; i < count; ++i) {
-      const CharacterMemo::Entry entry = memo().at(units[i]);
-      if ((entry & CharacterMemo::kComesBack) == 0) return i;
-      to[i] = static_cast<char>(entry);
-    }
-    return count;
   }
 };
 

@@ -42,6 +42,15 @@ void foldNextLines(char16_t* units, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) units[i] = units[i] == kNextLine ? kLineFeed : units[i];
 }
 
+/// Compilers make vectors of it when the count is no wider than the units, of which there are few at once.
+template <typename Condition>
+std::uint16_t countUnits(const char16_t* begin, const char16_t* end, Condition condition) {
+  static_assert(kMostUnits <= 0xFFFF);
+  std::uint16_t count = 0;
+  for (; begin != end; ++begin) count = static_cast<std::uint16_t>(count + (condition(*begin) ? 1 : 0));
+  return count;
+}
+
 }  // namespace
 
 VelClConversionSink::~VelClConversionSink() = default;
@@ -218,15 +227,16 @@ void VelClStrictConversion::advance(size_t firstUnit, size_t endUnit) {
   const char16_t* const end = units_ + endUnit;
   const char16_t other = source_.isEBCDIC() ? kNextLine : kLineFeed;
   const auto endsLine = [other](char16_t unit) { return unit == kLineFeed || unit == other; };
-  const auto lines = std::count_if(begin, end, endsLine);
+  const auto lines = countUnits(begin, end, endsLine);
   const char16_t* lineBegin = begin;
   if (lines != 0) {
-    line_ += static_cast<uint64_t>(lines);
+    line_ += lines;
     column_ = 1;
-    lineBegin =
-        std::find_if(std::make_reverse_iterator(end), std::make_reverse_iterator(begin), endsLine).base();
+    lineBegin = end;
+    while (!endsLine(lineBegin[-1])) --lineBegin;
   }
   // A pair is one character.
-  const auto lows = std::count_if(lineBegin, end, [](char16_t unit) { return (unit & 0xFC00) == 0xDC00; });
+  const auto lows =
+      countUnits(lineBegin, end, [](char16_t unit) { return vel::codepage::isLowSurrogate(unit); });
   column_ += static_cast<uint64_t>(end - lineBegin - lows);
 }

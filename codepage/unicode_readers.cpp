@@ -173,8 +173,9 @@ class Utf8Reader : public Reader {
 // ---- UCS-2 with pairs ------------------------------------------------------------------------
 
 bool hasSurrogates(const char16_t* units, std::size_t count) {
-  unsigned int found = 0;
-  for (std::size_t i = 0; i < count; ++i) found |= (units[i] & 0xF800) == 0xD800 ? 1U : 0U;
+  std::uint16_t found = 0;
+  for (std::size_t i = 0; i < count; ++i)
+    found = static_cast<std::uint16_t>(found | ((units[i] & 0xF800) == 0xD800 ? 1 : 0));
   return found != 0;
 }
 

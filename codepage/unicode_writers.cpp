@@ -30,7 +30,9 @@ class UnicodeWriter : public Writer {
 
 /// Characters for which the converter writes another one.
 constexpr bool isReplaced(char16_t unit) {
-  return (unit >= 0xFDD0 && unit <= 0xFDEF) || unit == 0xFFFE;
+  // Comparisons for equality are what vectors do best.
+  const bool isInBlock = ((unit & 0xFFF0) == 0xFDD0) | ((unit & 0xFFF0) == 0xFDE0);
+  return isInBlock | (unit == 0xFFFE);
 }
 
 class Utf8Writer : public UnicodeWriter {
@@ -38,8 +40,9 @@ class Utf8Writer : public UnicodeWriter {
   using UnicodeWriter::UnicodeWriter;
 
   std::size_t write(const char16_t* units, std::size_t count, Output& output) override {
-    unsigned int found = 0;
-    for (std::size_t i = 0; i < count; ++i) found |= isReplaced(units[i]) ? 1U : 0U;
+    std::uint16_t found = 0;
+    for (std::size_t i = 0; i < count; ++i)
+      found = static_cast<std::uint16_t>(found | (isReplaced(units[i]) ? 1 : 0));
     if (found == 0) return UnicodeWriter::write(units, count, output);
     for (std::size_t i = 0; i < count; ++i) {
       const auto* const next = std::find_if(units + i, units + count, isReplaced);
