@@ -84,19 +84,12 @@ class IcuCharacters : public PageCharacters {
  public:
   explicit IcuCharacters(const void* converter) : icu_(*installedIcu()), converter_(converter) {
     const unsigned char shifts[] = {kShiftOut, kShiftIn};
-    hasShifts_ = single(kShiftOut).kind == Meaning::Kind::Prefix &&
-                 sequence(shifts, sizeof shifts).kind == Meaning::Kind::Prefix;
+    hasShifts_ = ask(shifts, 1).kind == Meaning::Kind::Prefix &&
+                 ask(shifts, sizeof shifts).kind == Meaning::Kind::Prefix;
   }
 
-  Meaning single(unsigned char byte) override { return sequence(&byte, 1); }
-
-  Meaning sequence(const unsigned char* bytes, std::size_t size) override {
-    const auto* const text = reinterpret_cast<const char*>(bytes);
-    Units units;
-    const bool isPrefix = !feed(units, text, size, false);
-    feed(units, "", 0, true);
-    return isPrefix ? Meaning{Meaning::Kind::Prefix, 0, {}} : judge(units, text, size);
-  }
+  Meaning single(unsigned char byte) override { return ask(&byte, 1); }
+  Meaning sequence(const unsigned char* bytes, std::size_t size) override { return ask(bytes, size); }
 
   Meaning shiftedPair(unsigned char lead, unsigned char trail) override {
     const char text[] = {kShiftOut, static_cast<char>(lead), static_cast<char>(trail), kShiftIn};
@@ -117,6 +110,14 @@ class IcuCharacters : public PageCharacters {
     std::size_t count = 0;
     bool isGood = true;
   };
+
+  Meaning ask(const unsigned char* bytes, std::size_t size) const {
+    const auto* const text = reinterpret_cast<const char*>(bytes);
+    Units units;
+    const bool isPrefix = !feed(units, text, size, false);
+    feed(units, "", 0, true);
+    return isPrefix ? Meaning{Meaning::Kind::Prefix, 0, {}} : judge(units, text, size);
+  }
 
   /// False when no unit came.
   bool feed(Units& units, const char* bytes, std::size_t size, bool isEnd) const {

@@ -103,16 +103,16 @@ class CharacterMemo {
   static constexpr Entry kComesBack = 0x100;  ///< the low byte is that of single-byte targets
   static constexpr Entry kLacking = 0x200;
 
-  CharacterMemo() : pages_(kPages, &kUnknown) {}
+  CharacterMemo() : pages_(kPages) {}
   CharacterMemo(const CharacterMemo&) = delete;
   CharacterMemo& operator=(const CharacterMemo&) = delete;
   ~CharacterMemo() {
-    for (const Page* page : pages_)
-      if (page != &kUnknown) destroy(const_cast<Page*>(page));
+    for (const Slot& slot : pages_)
+      if (slot.page != &kUnknown) destroy(const_cast<Page*>(slot.page));
   }
 
   /// 0 for what is not known.
-  Entry at(char32_t character) const { return pages_[character >> 8]->entries[character & 0xFF]; }
+  Entry at(char32_t character) const { return pages_[character >> 8].page->entries[character & 0xFF]; }
   /// Writes the bytes of units, up to the first one that is not known to come back; returns how many.
   std::size_t lookUp(const char16_t* __restrict units, std::size_t count, char* __restrict to) const {
     constexpr std::size_t kSome = 4;
@@ -126,7 +126,7 @@ class CharacterMemo {
     return i;
   }
   void set(char32_t character, Entry entry) {
-    const Page*& page = pages_[character >> 8];
+    const Page*& page = pages_[character >> 8].page;
     if (page == &kUnknown) page = create<Page>();
     const_cast<Page*>(page)->entries[character & 0xFF] = entry;
   }
@@ -137,13 +137,16 @@ class CharacterMemo {
     Entry entries[256] = {};
   };
   static const Page kUnknown;
+  struct Slot {
+    const Page* page = &kUnknown;
+  };
 
   /// Four units, mostly all of the first page; false when one of them does not come back.
   bool lookUpSome(const char16_t* __restrict units, char* __restrict to) const {
     constexpr std::uint64_t kHighBytes = 0xFF00FF00FF00FF00;
     std::uint64_t word;
     std::memcpy(&word, units, sizeof word);
-    const Entry* const first = pages_[0]->entries;
+    const Entry* const first = pages_[0].page->entries;
     const bool isFirst = (word & kHighBytes) == 0;
     const Entry a = isFirst ? first[word & 0xFF] : at(units[0]);
     const Entry b = isFirst ? first[word >> 16 & 0xFF] : at(units[1]);
@@ -155,7 +158,7 @@ class CharacterMemo {
     return true;
   }
 
-  Vector<const Page*> pages_;
+  Vector<Slot> pages_;
 };
 
 constinit const CharacterMemo::Page CharacterMemo::kUnknown{};

@@ -60,7 +60,7 @@ class WellFormedness {
   enum State : unsigned int { kStart, kOneMore, kTwoMore, kThreeMore, kE0, kEd, kF0, kF4, kWrong, kStates };
   static constexpr unsigned int kBits = 6;
   static constexpr std::uint64_t kPlaceMask = 0x3F;
-  static constexpr std::uint64_t placeOf(State state) { return state * kBits; }
+  static constexpr std::uint64_t placeOf(State state) { return std::uint64_t{state} * kBits; }
 
   static constexpr State afterLead(unsigned int byte) {
     if (byte < 0x80) return kStart;

@@ -26,14 +26,17 @@ enum TextId : unsigned long {
   kTextEnd
 };
 
+inline constexpr const char* kUsageText =
+    "[(-from <ccsid>)] [(-to <ccsid>)]\n"
+    "[(-out <file>)] [(-policy <policy>)]\n"
+    "[-count] [-foldnel] [-list] [<file> ...]";
+
 inline constexpr const char* kTexts[] = {
     "[VEL_MSGTAB_SIGNATURE] 19",
     "[VELCONV]",
     "Code page conversion",
     "converts text between code pages and loses nothing silently",
-    "[(-from <ccsid>)] [(-to <ccsid>)]\n"
-    "[(-out <file>)] [(-policy <policy>)]\n"
-    "[-count] [-foldnel] [-list] [<file> ...]",
+    kUsageText,
     "-from <ccsid>     code page of the source: a CCSID, such as 37, or a name, such as UTF-8;\n"
     "                  CP850 and CCSID850 are 850\n"
     "-to <ccsid>       code page of the target\n"
