@@ -39,11 +39,12 @@ class VEL_API VelClConversionSink {
 /// It stands on the converters and takes their ways, through UCS-2 with surrogate pairs, for 1200, 13488,
 /// 17584, 61955, 65500 and 65501 alike. Of a text without faults it makes what they make of it, but for the
 /// next line (see setNextLineFolding), for U+FDD0 to U+FDEF and U+FFFE, which stay themselves in UTF-8, and
-/// for shifts (0E, 0F) that change nothing, which are left out where ICU converts. Byte order marks count as
-/// characters. How a text is cut in pieces never shows.
+/// for shifts (0E, 0F) that change nothing, which are left out where ICU converts, and are faults of a table.
+/// Byte order marks count as characters. How a text is cut in pieces never shows.
 ///
 /// A character counts as representable when the target's own converter, or its table, brings its bytes back
-/// to the same character: best fits, truncation and substitution are faults. A byte without a character is
+/// to the same character: best fits, truncation and substitution are faults. Of the system's own conversion
+/// to a page without a table here only its "?" can be told. A byte without a character is
 /// an invalid sequence, and so is everything in UTF-8 that RFC 3629 forbids. Half a pair of surrogates is
 /// one, too.
 ///
