@@ -8,8 +8,6 @@
 
 namespace vel::codepage {
 
-inline constexpr unsigned char kShiftOut = 0x0E;  ///< to double bytes
-inline constexpr unsigned char kShiftIn = 0x0F;   ///< to single bytes
 inline constexpr std::size_t kLongestSequence = 4;
 
 struct Meaning {

@@ -13,6 +13,13 @@
 #define VEL_API __attribute__((visibility("default")))
 #endif
 
+/// VEL_LOCAL hides what belongs to an exported class and is none of its users' business.
+#if defined(_WIN32)
+#define VEL_LOCAL
+#else
+#define VEL_LOCAL __attribute__((visibility("hidden")))
+#endif
+
 /// VEL_C_API marks a plain function: exported under its own, undecorated name
 /// and declared with types that a C program knows.
 /// VEL_HAS_CLASSES tells whether the C++ classes are declared. A C++ program whose

@@ -562,7 +562,7 @@ class VEL_API VelClTraceFormatter {
   unsigned int getNumOfEntries() const { return entryCount_; }
 
  private:
-  class Run;
+  class VEL_LOCAL Run;
 
   const VelClTraceEnvironment* environment_;
   const VelClTraceFilter* filter_;
