@@ -25,6 +25,10 @@ inline Progress progressOf(const VelClConverterABase::_VelStConverter& call) noe
 }
 
 struct Kernels {
+  /// Bytes to units, units to their low bytes, and units to those of the other byte order: `count` of them.
+  void (*widen)(char* target, const char* source, std::size_t count) noexcept;
+  void (*narrow)(char* target, const char* source, std::size_t count) noexcept;
+  void (*swap)(char* target, const char* source, std::size_t count) noexcept;
   /// Writes the table's unit for each of `size` bytes.
   void (*lookUpBytes)(char* target, const char* source, std::size_t size,
                       const std::uint16_t* table) noexcept;

@@ -40,6 +40,29 @@ TEST(Kernels, LookUpEveryByteInEverySize) {
     }
 }
 
+TEST(Kernels, MoveBytesInEverySize) {
+  std::string bytes(700, ' ');
+  std::mt19937 random(5);
+  for (char& byte : bytes) byte = static_cast<char>(random());
+  for (const Kernels* const kernels : kernelTables())
+    for (std::size_t count = 0; count < 300; ++count) {
+      std::string widened, narrowed, swapped, target(2 * count + 64, 'Z');
+      for (std::size_t i = 0; i < count; ++i) {
+        widened += bytes[i] + std::string(1, '\0');
+        narrowed += bytes[2 * i];
+        swapped += std::string{bytes[2 * i + 1], bytes[2 * i]};
+      }
+      const auto moved = [&](auto move) {
+        target.assign(2 * count + 64, 'Z');
+        move(target.data(), bytes.data(), count);
+        return target;
+      };
+      ASSERT_EQ(moved(kernels->widen), widened + std::string(64, 'Z')) << count;
+      ASSERT_EQ(moved(kernels->narrow), narrowed + std::string(count + 64, 'Z')) << count;
+      ASSERT_EQ(moved(kernels->swap), swapped + std::string(64, 'Z')) << count;
+    }
+}
+
 using Loop = void (*)(Progress& progress) noexcept;
 using Reference = Outcome (*)(std::string_view source, std::size_t targetSize);
 

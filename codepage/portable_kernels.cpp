@@ -14,6 +14,22 @@ std::uint64_t readWord(const char* from) {
   return word;
 }
 
+void widen(char* __restrict target, const char* __restrict source, std::size_t count) noexcept {
+  for (std::size_t i = 0; i < count; ++i)
+    writeUnit(target + i * kUnitSize, static_cast<unsigned char>(source[i]));
+}
+
+void narrow(char* __restrict target, const char* __restrict source, std::size_t count) noexcept {
+  for (std::size_t i = 0; i < count; ++i) target[i] = static_cast<char>(readUnit(source + i * kUnitSize));
+}
+
+void swap(char* __restrict target, const char* __restrict source, std::size_t count) noexcept {
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::uint16_t unit = readUnit(source + i * kUnitSize);
+    writeUnit(target + i * kUnitSize, static_cast<std::uint16_t>(unit << 8 | unit >> 8));
+  }
+}
+
 /// Eight bytes are read as one number.
 void lookUpBytes(char* target, const char* source, std::size_t size, const std::uint16_t* table) noexcept {
   constexpr std::size_t kBytes = sizeof(std::uint64_t);
@@ -228,7 +244,7 @@ void decodeShifted(Progress&, const VelStDoubleByteTable&, bool&) noexcept {}
 
 }  // namespace
 
-constinit const Kernels kPortableKernels{&lookUpBytes, &decodeUtf8, &encodeUtf8, &decodeMixed,
-                                         &decodeShifted};
+constinit const Kernels kPortableKernels{&widen,      &narrow,     &swap,        &lookUpBytes,
+                                         &decodeUtf8, &encodeUtf8, &decodeMixed, &decodeShifted};
 
 }  // namespace vel::codepage

@@ -7,18 +7,13 @@
 
 namespace {
 
-void widen(char* __restrict target, const char* __restrict source, std::size_t size) {
-  for (std::size_t i = 0; i < size; ++i)
-    vel::codepage::writeUnit(target + i * vel::codepage::kUnitSize, static_cast<unsigned char>(source[i]));
-}
-
 std::size_t convert(vel::codepage::Call& call, bool foldsNextLine) {
   assert(call.sourceSize <= call.targetSize / vel::codepage::kUnitSize);
   const auto* const table = static_cast<const std::uint16_t*>(call.getConversionData());
   // Each byte of this one is its own unit.
   static const std::uint16_t* const iso8859 = velGetSBCStoUCS2Table(819);
   if (table == iso8859)
-    widen(call.target, *call.source, call.sourceSize);
+    vel::codepage::kernels().widen(call.target, *call.source, call.sourceSize);
   else
     vel::codepage::kernels().lookUpBytes(call.target, *call.source, call.sourceSize,
                                          vel::codepage::hostTableOf(table, foldsNextLine));

@@ -4,6 +4,7 @@
 #include <cassert>
 
 #include "codepage/conversion.h"
+#include "codepage/kernels.h"
 
 namespace {
 
@@ -16,18 +17,6 @@ std::size_t takeCommonSize(const Call& call) {
   // An odd target size is reported like an odd source size. Keep.
   if (size % kUnitSize != 0) call.setError(vel::codepage::kIncomplete);
   return size - size % kUnitSize;
-}
-
-void swapUnits(char* __restrict target, const char* __restrict source, std::size_t units) {
-  for (std::size_t i = 0; i < units; ++i) {
-    const std::uint16_t unit = vel::codepage::readUnit(source + i * kUnitSize);
-    vel::codepage::writeUnit(target + i * kUnitSize, static_cast<std::uint16_t>(unit << 8 | unit >> 8));
-  }
-}
-
-void truncateUnits(char* __restrict target, const char* __restrict source, std::size_t units) {
-  for (std::size_t i = 0; i < units; ++i)
-    target[i] = static_cast<char>(vel::codepage::readUnit(source + i * kUnitSize));
 }
 
 void lookUpUnits(char* __restrict target, const char* __restrict source, std::size_t units,
@@ -49,7 +38,7 @@ size_t velConvertByCopying(VelClConverterABase::_VelStConverter& call) {
 
 size_t velConvertByEndianSwap(VelClConverterABase::_VelStConverter& call) {
   const std::size_t size = takeCommonSize(call);
-  swapUnits(call.target, *call.source, size / kUnitSize);
+  vel::codepage::kernels().swap(call.target, *call.source, size / kUnitSize);
   *call.source += size;
   return size;
 }
@@ -66,7 +55,7 @@ size_t velConvertByTablesUCS2toSBCS(VelClConverterABase::_VelStConverter& call) 
 size_t velConvertByAlgorithmUCS2to819(VelClConverterABase::_VelStConverter& call) {
   const std::size_t units = vel::codepage::takeWholeUnits(call);
   assert(units <= call.targetSize);
-  truncateUnits(call.target, *call.source, units);
+  vel::codepage::kernels().narrow(call.target, *call.source, units);
   *call.source += units * kUnitSize;
   return units;
 }

@@ -7,7 +7,8 @@ namespace vel::codepage {
 
 namespace {
 
-constexpr Kernels kVectorKernels{&vectors::lookUpBytes, &vectors::decodeUtf8, &vectors::encodeUtf8,
+constexpr Kernels kVectorKernels{&vectors::widen,       &vectors::narrow,       &vectors::swap,
+                                 &vectors::lookUpBytes, &vectors::decodeUtf8,   &vectors::encodeUtf8,
                                  &vectors::decodeMixed, &vectors::decodeShifted};
 
 }  // namespace

@@ -15,6 +15,9 @@
 namespace vel::codepage::vectors {
 
 // Kernels tells what these do.
+void widen(char* target, const char* source, std::size_t count) noexcept;
+void narrow(char* target, const char* source, std::size_t count) noexcept;
+void swap(char* target, const char* source, std::size_t count) noexcept;
 void lookUpBytes(char* target, const char* source, std::size_t size, const std::uint16_t* table) noexcept;
 void decodeUtf8(Progress& progress) noexcept;
 void encodeUtf8(Progress& progress) noexcept;
