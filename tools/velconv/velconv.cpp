@@ -7,6 +7,7 @@
 
 #include "platform/byte_files.h"
 #include "platform/platform.h"
+#include "tools/catalog_tool.h"
 #include "tools/standard_switches.h"
 #include "tools/velconv/ccsids.h"
 #include "tools/velconv/output_file.h"
@@ -18,6 +19,7 @@
 namespace {
 
 using namespace vel::velconv;
+using vel::tools::kStandardStream;
 using Conversion = VelClStrictConversion;
 using Fault = Conversion::VelEnFault;
 
@@ -25,69 +27,51 @@ constexpr int kExitChanged = 1;
 constexpr int kExitFailed = 2;
 constexpr std::size_t kChunkSize = std::size_t{256} * 1024;
 
-/// Stands for "-", which the switches' grammar takes for a switch without a name.
-constexpr const char* kStandardStream = "standard input";
-
 /// The console user interface with the tool's own texts.
-class Tool : public VelClConsoleUI {
+class Tool : public vel::tools::CatalogTool {
  public:
-  Tool(int argc, const char* const* argv)
-      : VelClConsoleUI(argc, argv), texts_(kTexts, kTextEnd), chunk_(kChunkSize) {}
+  Tool(int argc, const char* const* argv) : CatalogTool(argc, argv, kTexts, kTextEnd), chunk_(kChunkSize) {}
 
-  const VelClMessageCatalog& getMessageCatalog() const override { return texts_; }
   /// The exit code.
   int run();
-  int report(TextId text, const char* argument = nullptr) const;
+  int fail(TextId id) const;
 
  private:
-  std::string text(TextId id) const { return VelClMessage(texts_, id).getAsCString(); }
-  [[noreturn]] void refuse(TextId id) const;
   int list() const;
   void readSwitches();
   VelClCCSID ccsidOf(const char* switchName) const;
   Conversion::VelEnPolicy policy() const;
-  std::vector<const char*> files() const;
   int convertAll();
   bool convert(const char* file, OutputFile& output);
   bool convertBytes(int descriptor, OutputFile& output);
   void tellFirstFault(const char* file) const;
   void tellCounts(const char* file) const;
 
-  VelClMessageCatalog texts_;
   std::vector<char> chunk_;
   std::optional<Conversion> conversion_;
   const char* output_ = nullptr;
   bool counts_ = false;
 };
 
-int Tool::report(TextId id, const char* argument) const {
-  error(std::cerr, text(id).c_str(), argument);
+int Tool::fail(TextId id) const {
+  report(id);
   return kExitFailed;
 }
 
-/// A command line that the usage string alone cannot refuse.
-void Tool::refuse(TextId id) const {
-  report(id);
-  displayUsage(true);
-  processExit(CONUI_USAGE);
-}
-
 int Tool::run() {
-  setOutputStream(std::cerr);
-  init(kTitle, kDescription, nullptr, nullptr);
-  handleUsageHelp(kUsage, kHelp);
+  begin();
   if (hasArgSwitch("list")) return list();
   readSwitches();
-  return conversion_->isSupported() ? convertAll() : report(kNoWay);
+  return conversion_->isSupported() ? convertAll() : fail(kNoWay);
 }
 
 int Tool::list() const {
   for (const char* other : {"from", "to", "out", "policy", "count", "foldnel"})
     if (hasArgSwitch(other)) refuse(kListAlone);
-  if (!files().empty()) refuse(kListAlone);
+  if (!freeArguments().empty()) refuse(kListAlone);
   listCcsids(std::cout);
   std::cout.flush();
-  return std::cout.good() ? 0 : report(kNotWritten);
+  return std::cout.good() ? 0 : fail(kNotWritten);
 }
 
 void Tool::readSwitches() {
@@ -115,16 +99,8 @@ Conversion::VelEnPolicy Tool::policy() const {
   fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, text(kUnknownPolicy).c_str(), name);
 }
 
-std::vector<const char*> Tool::files() const {
-  std::vector<const char*> names;
-  VelClArgvFreeCursor argument(*this);
-  for (bool more = argument.setToFirst(); more; more = argument.setToNext())
-    names.push_back(argument.getAsCString());
-  return names;
-}
-
 int Tool::convertAll() {
-  std::vector<const char*> names = files();
+  std::vector<const char*> names = freeArguments();
   if (names.empty()) names.push_back(kStandardStream);
   OutputFile output(output_);
   bool isClean = true;
@@ -178,7 +154,7 @@ void Tool::tellFirstFault(const char* file) const {
     what += kDigits[fault.character >> shift & 0xF];
   if (fault.character != 0) what = "U+" + what;
   if (what.ends_with(' ')) what.pop_back();
-  const VelClMessage place(texts_, kFirstFault, std::to_string(fault.offset).c_str(),
+  const VelClMessage place(getMessageCatalog(), kFirstFault, std::to_string(fault.offset).c_str(),
                            std::to_string(fault.line).c_str(), std::to_string(fault.column).c_str());
   error(std::cerr, text(kKinds[static_cast<int>(fault.kind)]).c_str(), file, place.getAsCString(),
         what.empty() ? nullptr : what.c_str());
@@ -186,7 +162,7 @@ void Tool::tellFirstFault(const char* file) const {
 
 void Tool::tellCounts(const char* file) const {
   const auto count = [this](Fault kind) { return std::to_string(conversion_->getFaultCount(kind)); };
-  const VelClMessage counts(texts_, kCounts, std::to_string(conversion_->getOffset()).c_str(),
+  const VelClMessage counts(getMessageCatalog(), kCounts, std::to_string(conversion_->getOffset()).c_str(),
                             count(Fault::INVALID_SEQUENCE).c_str(), count(Fault::INCOMPLETE).c_str(),
                             count(Fault::NOT_REPRESENTABLE).c_str());
   std::cerr << file << ": " << counts << '\n';
@@ -200,14 +176,12 @@ int main(int argc, char** argv) {
   if (vel::tools::answerStandardSwitches(argc, argv,
                                          {"velconv", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]}))
     return std::cout.good() ? 0 : kExitFailed;
-  std::vector<const char*> arguments(argv, argv + argc);
-  for (const char*& argument : arguments)
-    if (std::strcmp(argument, "-") == 0) argument = kStandardStream;
+  const std::vector<const char*> arguments = vel::tools::withStandardStream(argc, argv);
   Tool tool(argc, arguments.data());
   try {
     return tool.run();
   } catch (const OutputFailure&) {
-    return tool.report(kNotWritten);
+    return tool.fail(kNotWritten);
   } catch (const VelClException& exception) {
     tool.exception(exception, kTexts[kTitle]);
     tool.processExit(CONUI_USAGE);

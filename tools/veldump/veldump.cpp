@@ -7,6 +7,7 @@
 
 #include "platform/byte_files.h"
 #include "platform/platform.h"
+#include "tools/catalog_tool.h"
 #include "tools/standard_switches.h"
 #include "tools/veldump/byte_source.h"
 #include "tools/veldump/dump_parser.h"
@@ -26,20 +27,15 @@ constexpr int kExitNotWritten = 2;
 constexpr std::size_t kChunkSize = std::size_t{64} * 1024;
 
 /// The console user interface with the tool's own texts.
-class Tool : public VelClConsoleUI {
+class Tool : public vel::tools::CatalogTool {
  public:
-  Tool(int argc, const char* const* argv)
-      : VelClConsoleUI(argc, argv), texts_(kTexts, kTextEnd), chunk_(kChunkSize) {}
+  Tool(int argc, const char* const* argv) : CatalogTool(argc, argv, kTexts, kTextEnd), chunk_(kChunkSize) {}
 
-  const VelClMessageCatalog& getMessageCatalog() const override { return texts_; }
   /// The exit code.
   int run();
-  void reportOutputFailure() const { report(kNotWritten, nullptr); }
 
  private:
-  void report(TextId text, const char* argument) const;
   void readSwitches();
-  [[noreturn]] void refuseReverse() const;
   std::uint64_t countOf(const char* switchName, std::uint64_t otherwise) const;
   std::uint64_t widthOfElements() const;
   std::vector<const char*> files() const;
@@ -51,7 +47,6 @@ class Tool : public VelClConsoleUI {
   bool takeLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineNumber);
   bool fillChunk(ByteSource& source, std::size_t& size);
 
-  VelClMessageCatalog texts_;
   std::vector<std::uint8_t> chunk_;
   OutputBuffer output_;
   Range range_;
@@ -60,10 +55,6 @@ class Tool : public VelClConsoleUI {
   bool reverse_ = false;
   bool hasHeading_ = false;
 };
-
-void Tool::report(TextId text, const char* argument) const {
-  error(std::cerr, VelClMessage(texts_, text).getAsCString(), argument);
-}
 
 /// A number of elements in bytes, as large as it can be when that is too large.
 std::uint64_t scaled(std::uint64_t count, std::uint64_t width) {
@@ -80,23 +71,17 @@ bool parseCount(const char* text, std::uint64_t& count) {
 }
 
 std::uint64_t Tool::countOf(const char* switchName, std::uint64_t otherwise) const {
-  const char* text = nullptr;
+  const char* number = nullptr;
   std::uint64_t count = otherwise;
-  if (hasArgString(switchName, text) && !parseCount(text, count))
-    fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, VelClMessage(texts_, kNumberExpected).getAsCString(), text);
+  if (hasArgString(switchName, number) && !parseCount(number, count))
+    fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, text(kNumberExpected).c_str(), number);
   return count;
 }
 
 std::uint64_t Tool::widthOfElements() const {
   const std::uint64_t width = countOf("width", 1);
   if (width == 1 || width == 2 || width == 4 || width == 8) return width;
-  fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, VelClMessage(texts_, kWidthExpected).getAsCString());
-}
-
-void Tool::refuseReverse() const {
-  report(kReverseAlone, nullptr);
-  displayUsage(true);
-  processExit(CONUI_USAGE);
+  fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, text(kWidthExpected).c_str());
 }
 
 void Tool::readSwitches() {
@@ -105,25 +90,20 @@ void Tool::readSwitches() {
   reverse_ = hasArgSwitch("reverse");
   if (reverse_)
     for (const char* other : {"bin", "squeeze", "offset", "length", "width"})
-      if (hasArgSwitch(other)) refuseReverse();
+      if (hasArgSwitch(other)) refuse(kReverseAlone);
   const std::uint64_t width = widthOfElements();
   range_.offset = scaled(countOf("offset", 0), width);
   range_.length = scaled(countOf("length", Range().length), width);
 }
 
 std::vector<const char*> Tool::files() const {
-  std::vector<const char*> names;
-  VelClArgvFreeCursor argument(*this);
-  for (bool more = argument.setToFirst(); more; more = argument.setToNext())
-    names.push_back(argument.getAsCString());
+  std::vector<const char*> names = freeArguments();
   if (names.empty()) names.push_back(nullptr);
   return names;
 }
 
 int Tool::run() {
-  setOutputStream(std::cerr);
-  init(kTitle, kDescription, nullptr, nullptr);
-  handleUsageHelp(kUsage, kHelp);
+  begin();
   readSwitches();
   const std::vector<const char*> names = files();
   hasHeading_ = names.size() > 1 && !reverse_;
@@ -195,8 +175,7 @@ bool Tool::reverse(ByteSource& source, const char* file) {
     report(kNotRead, file);
   } else if (!good || !parser.canEnd()) {
     output_.flush();
-    error(std::cerr, VelClMessage(texts_, kNoDumpLine).getAsCString(), file,
-          std::to_string(lineNumber).c_str());
+    error(std::cerr, text(kNoDumpLine).c_str(), file, std::to_string(lineNumber).c_str());
     return false;
   }
   return true;
@@ -227,7 +206,7 @@ int main(int argc, char** argv) {
   try {
     return tool.run();
   } catch (const OutputFailure&) {
-    tool.reportOutputFailure();
+    tool.report(kNotWritten);
     return kExitNotWritten;
   } catch (const VelClException& exception) {
     tool.exception(exception, kTexts[kTitle]);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/catalog_tool.h"
 #include "tools/standard_switches.h"
 #include "tools/velini/forms.h"
 #include "tools/velini/texts.h"
@@ -15,6 +16,7 @@
 namespace {
 
 using namespace vel::velini;
+using vel::tools::kStandardStream;
 
 constexpr int kExitNotFound = 1;
 constexpr int kExitNotRead = 2;
@@ -23,22 +25,16 @@ constexpr int kExitRefused = 4;
 constexpr int kStandardInput = 0;
 constexpr int kStandardOutput = 1;
 
-/// Stands for "-", which the switches' grammar takes for a switch without a name.
-constexpr const char* kStandardInputName = "standard input";
-
 /// The console user interface with the tool's own texts.
-class Tool : public VelClConsoleUI {
+class Tool : public vel::tools::CatalogTool {
  public:
-  Tool(int argc, const char* const* argv) : VelClConsoleUI(argc, argv), texts_(kTexts, kTextEnd) {}
+  Tool(int argc, const char* const* argv) : CatalogTool(argc, argv, kTexts, kTextEnd) {}
 
-  const VelClMessageCatalog& getMessageCatalog() const override { return texts_; }
   /// The exit code.
   int run();
 
  private:
-  std::string text(TextId id) const { return VelClMessage(texts_, id).getAsCString(); }
-  int report(int exitCode, TextId id, const char* argument = nullptr) const;
-  [[noreturn]] void refuse(TextId id) const;
+  int fail(int exitCode, TextId id, const char* argument = nullptr) const;
   void readSwitches();
   bool read(VelClIniFileEditor& editor, const char* name) const;
   int runTask(VelClIniFileEditor& editor);
@@ -50,32 +46,22 @@ class Tool : public VelClConsoleUI {
   int check(const VelClIniFileEditor& editor) const;
   int write(VelClIniFileEditor& editor) const;
 
-  VelClMessageCatalog texts_;
   const char* file_ = nullptr;
   const char* section_ = nullptr;
   Form form_ = Form::Plain;
   bool allowContinuation_ = true;
 };
 
-int Tool::report(int exitCode, TextId id, const char* argument) const {
-  error(std::cerr, text(id).c_str(), argument);
+int Tool::fail(int exitCode, TextId id, const char* argument) const {
+  report(id, argument);
   return exitCode;
 }
 
-/// A command line that the usage string alone cannot refuse.
-void Tool::refuse(TextId id) const {
-  report(0, id);
-  displayUsage(true);
-  processExit(CONUI_USAGE);
-}
-
 int Tool::run() {
-  setOutputStream(std::cerr);
-  init(kTitle, kDescription, nullptr, nullptr);
-  handleUsageHelp(kUsage, kHelp);
+  begin();
   readSwitches();
   VelClIniFileEditor editor(file_);
-  return read(editor, file_) ? runTask(editor) : report(kExitNotRead, kNotRead, file_);
+  return read(editor, file_) ? runTask(editor) : fail(kExitNotRead, kNotRead, file_);
 }
 
 void Tool::readSwitches() {
@@ -93,7 +79,7 @@ void Tool::readSwitches() {
 }
 
 bool Tool::read(VelClIniFileEditor& editor, const char* name) const {
-  if (name != kStandardInputName) {
+  if (name != kStandardStream) {
     if (editor.load(allowContinuation_)) return true;
     // What is set or merged into a missing file makes it.
     return name == file_ && (hasArgSwitch("set") || hasArgSwitch("merge")) && !editor.isExistent();
@@ -121,14 +107,14 @@ int Tool::get(const VelClIniFile& file, const char* option) const {
   const VelClIniFileSection* const section = file.getExistingSection(section_);
   const VelClIniFileOption* const found =
       section != nullptr ? file.getExistingOption(*section, option) : nullptr;
-  if (found == nullptr) return report(kExitNotFound, kNotFound, option);
+  if (found == nullptr) return fail(kExitNotFound, kNotFound, option);
   writeValue(std::cout, form_, *found);
   return 0;
 }
 
 int Tool::list(const VelClIniFile& file) const {
   const VelClIniFileSection* const only = section_ != nullptr ? file.getExistingSection(section_) : nullptr;
-  if (section_ != nullptr && only == nullptr) return report(kExitNotFound, kNotFound, section_);
+  if (section_ != nullptr && only == nullptr) return fail(kExitNotFound, kNotFound, section_);
   writeOptions(std::cout, form_, file, only);
   return 0;
 }
@@ -139,20 +125,19 @@ int Tool::edit(VelClIniFileEditor& editor) const {
   if (hasArgString("merge", value)) return merge(editor, value);
   const bool isOption = hasArgString("delete", value);
   const VelClIniFileSection* const section = editor.getIniFile().getExistingSection(section_);
-  if (section == nullptr) return report(kExitNotFound, kNotFound, section_);
+  if (section == nullptr) return fail(kExitNotFound, kNotFound, section_);
   if (isOption && editor.getIniFile().getExistingOption(*section, value) == nullptr)
-    return report(kExitNotFound, kNotFound, value);
+    return fail(kExitNotFound, kNotFound, value);
   const bool isDone = isOption ? editor.deleteOption(section_, value) : editor.deleteSection(section_);
-  return isDone ? write(editor) : report(kExitRefused, kRefused, isOption ? value : section_);
+  return isDone ? write(editor) : fail(kExitRefused, kRefused, isOption ? value : section_);
 }
 
 int Tool::set(VelClIniFileEditor& editor, const char* assignment) const {
   const char* const equalSign = std::strchr(assignment, '=');
   if (equalSign == nullptr) refuse(kAssignmentExpected);
   const std::string option(assignment, equalSign);
-  return editor.setValue(section_, option.c_str(), equalSign + 1)
-             ? write(editor)
-             : report(kExitRefused, kRefused, assignment);
+  return editor.setValue(section_, option.c_str(), equalSign + 1) ? write(editor)
+                                                                  : fail(kExitRefused, kRefused, assignment);
 }
 
 /// The first option that cannot be set by itself.
@@ -166,10 +151,10 @@ const char* refusedOption(VelClIniFileEditor& editor, const VelClIniFile& source
 
 int Tool::merge(VelClIniFileEditor& editor, const char* name) const {
   VelClIniFileEditor other(name);
-  if (!read(other, name)) return report(kExitNotRead, kNotRead, name);
+  if (!read(other, name)) return fail(kExitNotRead, kNotRead, name);
   if (editor.merge(other.getIniFile())) return write(editor);
   const char* const refused = refusedOption(editor, other.getIniFile());
-  return report(kExitRefused, kRefused, refused != nullptr ? refused : name);
+  return fail(kExitRefused, kRefused, refused != nullptr ? refused : name);
 }
 
 struct SyntaxError {
@@ -206,10 +191,10 @@ int Tool::check(const VelClIniFileEditor& editor) const {
 }
 
 int Tool::write(VelClIniFileEditor& editor) const {
-  if (file_ == kStandardInputName)
+  if (file_ == kStandardStream)
     std::cout.write(editor.getText(), static_cast<std::streamsize>(editor.getLength()));
   else if (!editor.save())
-    return report(kExitNotWritten, kNotWritten, file_);
+    return fail(kExitNotWritten, kNotWritten, file_);
   return 0;
 }
 
@@ -219,9 +204,7 @@ int main(int argc, char** argv) {
   velFileSetBinaryMode(kStandardOutput, true);
   const vel::tools::ToolTexts texts{"velini", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
   if (vel::tools::answerStandardSwitches(argc, argv, texts)) return std::cout.good() ? 0 : kExitNotWritten;
-  std::vector<const char*> arguments(argv, argv + argc);
-  for (const char*& argument : arguments)
-    if (std::strcmp(argument, "-") == 0) argument = kStandardInputName;
+  const std::vector<const char*> arguments = vel::tools::withStandardStream(argc, argv);
   Tool tool(argc, arguments.data());
   int exitCode = 0;
   try {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include "tools/catalog_tool.h"
 #include "tools/standard_switches.h"
 #include "tools/velmsg/catalog_report.h"
 #include "tools/velmsg/error_names.h"
@@ -20,17 +21,15 @@ constexpr int kExitNotWritten = 3;
 constexpr int kStandardOutput = 1;
 
 /// The console user interface with the tool's own texts.
-class Tool : public VelClConsoleUI {
+class Tool : public vel::tools::CatalogTool {
  public:
-  Tool(int argc, const char* const* argv) : VelClConsoleUI(argc, argv), texts_(kTexts, kTextEnd) {}
+  Tool(int argc, const char* const* argv) : CatalogTool(argc, argv, kTexts, kTextEnd) {}
 
-  const VelClMessageCatalog& getMessageCatalog() const override { return texts_; }
   void run();
 
  private:
   using Catalog = std::unique_ptr<VelClMessageCatalog>;
 
-  [[noreturn]] void refuse(TextId text, const char* argument = nullptr) const;
   [[noreturn]] void end(TextId text, const char* argument, int exitCode) const;
   std::vector<const char*> takeVariables() const;
   void checkTasks() const;
@@ -40,26 +39,15 @@ class Tool : public VelClConsoleUI {
   std::uint32_t takeNumber(const char* text) const;
   bool showMessage(const VelClMessageCatalog& catalog, unsigned long id) const;
   void showErrorNames(const char* number) const;
-
-  VelClMessageCatalog texts_;
 };
 
-/// A command line that the usage string alone cannot refuse.
-void Tool::refuse(TextId text, const char* argument) const {
-  error(std::cerr, VelClMessage(texts_, text).getAsCString(), argument);
-  displayUsage(true);
-  processExit(CONUI_USAGE);
-}
-
-void Tool::end(TextId text, const char* argument, int exitCode) const {
+void Tool::end(TextId id, const char* argument, int exitCode) const {
   std::cout.flush();
-  fatal(exitCode, VelClMessage(texts_, text).getAsCString(), argument);
+  fatal(exitCode, text(id).c_str(), argument);
 }
 
 void Tool::run() {
-  setOutputStream(std::cerr);
-  init(kTitle, kDescription, nullptr, nullptr);
-  handleUsageHelp(kUsage, kHelp);
+  begin();
   checkTasks();
   const char* number = nullptr;
   if (hasArgString("error", number)) {

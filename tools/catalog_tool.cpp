@@ -1,0 +1,49 @@
+#include "tools/catalog_tool.h"
+
+#include <cstring>
+#include <iostream>
+
+namespace vel::tools {
+
+namespace {
+
+enum FirstTexts : unsigned long { kTitle = 2, kDescription, kUsage, kHelp };
+
+}  // namespace
+
+std::vector<const char*> withStandardStream(int argc, const char* const* argv) {
+  std::vector<const char*> arguments(argv, argv + argc);
+  for (const char*& argument : arguments)
+    if (std::strcmp(argument, "-") == 0) argument = kStandardStream;
+  return arguments;
+}
+
+std::string CatalogTool::text(unsigned long id) const {
+  return VelClMessage(texts_, id).getAsCString();
+}
+
+void CatalogTool::report(unsigned long id, const char* argument) const {
+  error(std::cerr, text(id).c_str(), argument);
+}
+
+void CatalogTool::begin() {
+  setOutputStream(std::cerr);
+  init(kTitle, kDescription, nullptr, nullptr);
+  handleUsageHelp(kUsage, kHelp);
+}
+
+void CatalogTool::refuse(unsigned long id, const char* argument) const {
+  report(id, argument);
+  displayUsage(true);
+  processExit(CONUI_USAGE);
+}
+
+std::vector<const char*> CatalogTool::freeArguments() const {
+  std::vector<const char*> arguments;
+  VelClArgvFreeCursor argument(*this);
+  for (bool more = argument.setToFirst(); more; more = argument.setToNext())
+    arguments.push_back(argument.getAsCString());
+  return arguments;
+}
+
+}  // namespace vel::tools
