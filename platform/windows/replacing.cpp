@@ -41,12 +41,21 @@ SystemError openBeside(Replacement& replacement) noexcept {
   return EEXIST;
 }
 
-/// The first way keeps attributes and access rights; the second takes a target that appeared or went
-/// meanwhile.
+/// The new file gets the old one's attributes and access rights, where there is an old one.
+void takeOverRights(const Replacement& replacement) noexcept {
+  constexpr DWORD kRights = DACL_SECURITY_INFORMATION;
+  alignas(void*) unsigned char rights[4096];
+  DWORD size = 0;
+  if (GetFileSecurityA(replacement.target, kRights, rights, sizeof rights, &size) != FALSE)
+    SetFileSecurityA(replacement.temporary, kRights, rights);
+  const DWORD attributes = GetFileAttributesA(replacement.target);
+  if (attributes != INVALID_FILE_ATTRIBUTES) SetFileAttributesA(replacement.temporary, attributes);
+}
+
+/// One step of the file system. ReplaceFile takes several, and a process that ends between them leaves no
+/// file.
 SystemError moveIntoPlace(const Replacement& replacement) noexcept {
-  if (ReplaceFileA(replacement.target, replacement.temporary, nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
-                   nullptr, nullptr) != FALSE)
-    return 0;
+  takeOverRights(replacement);
   constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
   return MoveFileExA(replacement.temporary, replacement.target, kFlags) != FALSE ? 0
                                                                                  : errnoOf(GetLastError());
