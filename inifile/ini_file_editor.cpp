@@ -55,7 +55,8 @@ void VelClIniFileEditor::loadFromBuffer(const char* buffer, size_t size, bool al
 }
 
 bool VelClIniFileEditor::setValue(const char* section, const char* option, const char* value) {
-  return text_->setValue(textOrEmpty(section), textOrEmpty(option), textOrEmpty(value));
+  if (section == nullptr || option == nullptr) return false;
+  return text_->setValue(section, option, textOrEmpty(value));
 }
 
 bool VelClIniFileEditor::merge(const VelClIniFile& source) {
@@ -63,15 +64,15 @@ bool VelClIniFileEditor::merge(const VelClIniFile& source) {
 }
 
 bool VelClIniFileEditor::addSection(const char* name) {
-  return text_->addSection(textOrEmpty(name));
+  return name != nullptr && text_->addSection(name);
 }
 
 bool VelClIniFileEditor::deleteOption(const char* section, const char* option) {
-  return text_->deleteOption(textOrEmpty(section), textOrEmpty(option));
+  return section != nullptr && option != nullptr && text_->deleteOption(section, option);
 }
 
 bool VelClIniFileEditor::deleteSection(const char* name) {
-  return text_->deleteSection(textOrEmpty(name));
+  return name != nullptr && text_->deleteSection(name);
 }
 
 const char* VelClIniFileEditor::getText() const {

@@ -148,8 +148,10 @@ TEST(IniEditing, FindsNullNamesNowhere) {
   EXPECT_FALSE(file.getSection(nullptr));
   VelClIniFileEditor editor("unused");
   editor.loadFromBuffer(nullptr, 1, true);
-  EXPECT_FALSE(editor.setValue(nullptr, "x", "1") || editor.deleteOption("A", nullptr) ||
-               editor.deleteSection(nullptr));
+  editor.loadFromBuffer("[]\n=1\nx=2\n", 10, true);
+  EXPECT_FALSE(editor.setValue(nullptr, "x", "1") || editor.deleteOption("", nullptr) ||
+               editor.deleteOption(nullptr, "x") || editor.deleteSection(nullptr) ||
+               editor.addSection(nullptr));
   EXPECT_EQ(shown(file), "[A]x=1|");
 }
 

@@ -9,6 +9,7 @@
 
 #include "inifile/test/ini_fixture.h"
 #include "platform/test/scratch_directory.h"
+#include "platform/test/variable.h"
 #include "vel_include/vel.h"
 
 using namespace std::string_literals;
@@ -48,6 +49,9 @@ TEST(IniParser, ReadsHeadersAndOptions) {
 TEST(IniParser, ReadsValues) {
   VelClEnvironmentVariable set("VEL_TEST_INI", "a;b \"c ");
   VelClEnvironmentVariable unset("VEL_TEST_NONE", nullptr);
+  const std::string longName(VelClEnvironmentVariableABase::kMaxNameLength + 1, 'N');
+  const vel::test::Variable longVariable(longName.c_str(), "long");
+  EXPECT_EQ(parsed("[A]\nx=$(" + longName + ")"), "[A]x=long|");
   struct Row {
     const char* text;
     const char* value;

@@ -4,7 +4,8 @@
 #include <cstring>
 
 #include "inifile/option_text.h"
-#include "vel_include/vel_process.h"
+#include "inifile/text_rules.h"
+#include "platform/platform.h"
 
 namespace vel::inifile {
 
@@ -80,10 +81,11 @@ class ValueParser {
     text_.skip(2);
     const Span name{text_.begin, text_.find(')')};
     text_.begin = name.end + 1;
-    constexpr std::size_t kLongest = VelClEnvironmentVariableABase::kMaxNameLength;
-    char terminated[kLongest + 1] = {};
-    std::memcpy(terminated, name.begin, std::min(name.length(), kLongest));
-    const char* const value = VelClEnvironmentVariableQueryOnly(terminated).getValue();
+    // A name longer than the variables' classes hold is one all the same.
+    char terminated[kMaxLineLength + 1] = {};
+    std::memcpy(terminated, name.begin, std::min(name.length(), kMaxLineLength));
+    const bool isName = *terminated != '\0' && std::strchr(terminated, '=') == nullptr;
+    const char* const value = isName ? platform::environmentValue(terminated) : nullptr;
     if (value != nullptr) option_.addToValue(value, std::strlen(value));
   }
 

@@ -196,8 +196,8 @@ class VEL_API VelClIniFile : public VelClFile {
   const VelClIniFileOption* getExistingOption(const VelClIniFileSection& section, const char* name) const;
 
   /// Change the model. False, with nothing changed, for what could not be read back as a line of a file:
-  /// names that are empty, hold white space or "=", or begin with "[" or ";", and comments with line breaks;
-  /// and for texts that exceed an option's room. A null value or comment counts as "".
+  /// option names that are empty, hold white space or "=", or begin with "[" or ";", and comments with line
+  /// breaks; and for texts that exceed an option's room. A null value or comment counts as "".
   ///
   /// Makes the section the current one. It is appended, and true returned, when there was none of this name.
   /// False as well for names that hold "]" or a line break, with the current section as it was. Names are cut
@@ -366,7 +366,7 @@ class VEL_API VelClIniFileEditor : public VelClFile {
 
   /// Gives the option this value, quoted as it has to be, or as it was. A missing option comes behind the
   /// last line of its section, a missing section at the end. Continuation lines of the old value go; the
-  /// comment on one stays as a comment line.
+  /// comment on one stays as a comment line. Null names are found nowhere, here and below.
   bool setValue(const char* section, const char* option, const char* value);
   /// Does so with every option that questions find in another file, all of them or none, in the time of a few
   /// changes.
@@ -385,6 +385,7 @@ class VEL_API VelClIniFileEditor : public VelClFile {
   const VelClIniFile& getIniFile() const;
 
   /// Writes the file as VelClIniFileSave::save does: the old file or the new one, whatever happens.
+  /// On Windows a file that another program has open cannot be replaced. A link that leads nowhere is refused.
   bool save();
 
  private:

@@ -58,7 +58,7 @@ class VEL_API VelClStrictConversion {
   enum class VelEnPolicy : int32_t {
     STOP = 0,     ///< the conversion ends before it
     SKIP = 1,     ///< nothing is written for it
-    REPLACE = 2,  ///< what the converters write for it: U+FFFD, a best fit, or the target's substitute
+    REPLACE = 2,  ///< one substitute is written: U+FFFD, the converters' best fit, or the target's substitute
     ESCAPE = 3    ///< \u20AC, \U0001F600; \xFF for each byte that is no character. Back-slashes stay as they
                   ///< are
   };

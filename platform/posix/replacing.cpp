@@ -3,6 +3,7 @@
 #include <limits.h>
 #include <stdio.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -61,15 +62,39 @@ SystemError openItself(Replacement& replacement) noexcept {
   return error;
 }
 
+/// Copies the access control list, if there is one. False when there is one that cannot be copied.
+bool takeOverList(const Replacement& replacement) noexcept {
+  constexpr const char* kList = "system.posix_acl_access";
+  char list[4096];
+  const ssize_t size = getxattr(replacement.target, kList, list, sizeof list);
+  if (size < 0) return errno != ERANGE;
+  return fsetxattr(replacement.descriptor, kList, list, static_cast<std::size_t>(size), 0) == 0;
+}
+
+/// Owner, group and permissions of the old file. Only the superuser can give files away; the group counts
+/// more than nothing. What belonged to a group or list that cannot be kept is no permission for another one.
+void takeOverRights(const Replacement& replacement, const struct stat& old) noexcept {
+  constexpr mode_t kGroupBits = S_IRWXG | S_ISGID;
+  const bool keepsGroup = fchown(replacement.descriptor, old.st_uid, old.st_gid) == 0 ||
+                          fchown(replacement.descriptor, static_cast<uid_t>(-1), old.st_gid) == 0;
+  const bool keepsAll = takeOverList(replacement) && keepsGroup;
+  const mode_t mode = old.st_mode & kPermissionBits;
+  static_cast<void>(fchmod(replacement.descriptor, keepsAll ? mode : mode & ~kGroupBits));
+}
+
 SystemError startBesideExisting(Replacement& replacement, const struct stat& old) noexcept {
   // The superuser may write to everything, but must not do so by mistake.
   if ((old.st_mode & kWriteBits) == 0 || access(replacement.target, W_OK) != 0) return EACCES;
   if (const SystemError error = openBeside(replacement, S_IRUSR | S_IWUSR); error != 0) return error;
-  // Only the superuser can give files away. The group counts more than nothing.
-  if (fchown(replacement.descriptor, old.st_uid, old.st_gid) != 0)
-    static_cast<void>(fchown(replacement.descriptor, static_cast<uid_t>(-1), old.st_gid) == 0);
-  static_cast<void>(fchmod(replacement.descriptor, old.st_mode & kPermissionBits));
+  takeOverRights(replacement, old);
   return 0;
+}
+
+/// A link that leads nowhere stays as it is: what it names is not made, and the link not lost.
+SystemError startNew(Replacement& replacement) noexcept {
+  struct stat link;
+  if (lstat(replacement.target, &link) == 0) return ENOENT;
+  return openBeside(replacement, S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH);
 }
 
 }  // namespace
@@ -78,16 +103,15 @@ SystemError startReplacement(const char* name, Replacement& replacement) noexcep
   const NativePath path(name);
   if (!path.fits() || std::strlen(path.get()) >= sizeof replacement.target) return ENAMETOOLONG;
   replacement.descriptor = -1;
-  char resolved[PATH_MAX];
-  const bool exists = realpath(path.get(), resolved) != nullptr;
-  if (!exists && errno != ENOENT) return errno;
-  const char* const target = exists ? resolved : path.get();
-  std::memcpy(replacement.target, target, std::strlen(target) + 1);
+  std::memcpy(replacement.target, path.get(), std::strlen(path.get()) + 1);
   struct stat old;
-  if (!exists || stat(resolved, &old) != 0)
-    return openBeside(replacement, S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH);
+  if (stat(path.get(), &old) != 0) return errno == ENOENT ? startNew(replacement) : errno;
   if (S_ISDIR(old.st_mode)) return EISDIR;
-  return S_ISREG(old.st_mode) ? startBesideExisting(replacement, old) : openItself(replacement);
+  if (!S_ISREG(old.st_mode)) return openItself(replacement);
+  char resolved[PATH_MAX];
+  if (realpath(path.get(), resolved) == nullptr) return errno;
+  std::memcpy(replacement.target, resolved, std::strlen(resolved) + 1);
+  return startBesideExisting(replacement, old);
 }
 
 SystemError finishReplacement(Replacement& replacement) noexcept {

@@ -52,6 +52,17 @@ TEST(Replacing, KeepsPermissionsAndLinks) {
   EXPECT_EQ(replaceWith(file, "x"), EACCES);
   EXPECT_EQ(replaceWith(scratch.path(), "x"), EISDIR);
   EXPECT_EQ(replaceWith(scratch.path("none/x"), "x"), ENOENT);
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  fs::create_symlink("/proc/self/fd/" + std::to_string(ends[1]), scratch.path("stream"));
+  EXPECT_EQ(replaceWith(scratch.path("stream"), "x"), 0);
+  char byte = 0;
+  EXPECT_TRUE(read(ends[0], &byte, 1) == 1 && byte == 'x');
+  close(ends[0]);
+  close(ends[1]);
+  fs::create_symlink("nowhere", scratch.path("dangling"));
+  EXPECT_EQ(replaceWith(scratch.path("dangling"), "x"), ENOENT);
+  EXPECT_TRUE(fs::is_symlink(scratch.path("dangling")));
 }
 
 TEST(Replacing, LeavesTheOldFileWhenThereIsNoRoom) {

@@ -61,6 +61,17 @@ SystemError moveIntoPlace(const Replacement& replacement) noexcept {
                                                                                  : errnoOf(GetLastError());
 }
 
+/// "nul", "con" and their like, as full names. They cannot be replaced.
+bool isDevice(const char* name) noexcept {
+  return std::strncmp(name, "\\\\.\\", 4) == 0;
+}
+
+SystemError openItself(Replacement& replacement) noexcept {
+  replacement.temporary[0] = '\0';
+  replacement.descriptor = _open(replacement.target, _O_WRONLY | _O_BINARY | _O_NOINHERIT);
+  return replacement.descriptor >= 0 ? 0 : errno;
+}
+
 }  // namespace
 
 SystemError startReplacement(const char* name, Replacement& replacement) noexcept {
@@ -68,6 +79,7 @@ SystemError startReplacement(const char* name, Replacement& replacement) noexcep
   const DWORD length = GetFullPathNameA(name, sizeof replacement.target, replacement.target, nullptr);
   if (length == 0) return errnoOf(GetLastError());
   if (length >= sizeof replacement.target) return ENAMETOOLONG;
+  if (isDevice(replacement.target)) return openItself(replacement);
   const DWORD attributes = GetFileAttributesA(replacement.target);
   constexpr DWORD kUnwritable = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY;
   if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & kUnwritable) != 0) return EACCES;
@@ -75,9 +87,11 @@ SystemError startReplacement(const char* name, Replacement& replacement) noexcep
 }
 
 SystemError finishReplacement(Replacement& replacement) noexcept {
-  SystemError error = _commit(replacement.descriptor) == 0 ? 0 : errno;
+  const bool isBeside = replacement.temporary[0] != '\0';
+  SystemError error = !isBeside || _commit(replacement.descriptor) == 0 ? 0 : errno;
   if (_close(replacement.descriptor) != 0 && error == 0) error = errno;
   replacement.descriptor = -1;
+  if (!isBeside) return error;
   if (error == 0) error = moveIntoPlace(replacement);
   if (error != 0) _unlink(replacement.temporary);
   return error;
@@ -86,7 +100,7 @@ SystemError finishReplacement(Replacement& replacement) noexcept {
 void dropReplacement(Replacement& replacement) noexcept {
   _close(replacement.descriptor);
   replacement.descriptor = -1;
-  _unlink(replacement.temporary);
+  if (replacement.temporary[0] != '\0') _unlink(replacement.temporary);
 }
 
 }  // namespace vel::platform

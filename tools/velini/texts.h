@@ -47,7 +47,7 @@ inline constexpr const char* kTexts[] = {
     "-list               all options, those of the section only if one is given\n"
     "-sections           the names of all sections\n"
     "-merge <file>       sets every option of a second file in the first; - is standard\n"
-    "                    input\n"
+    "                    input; of sections and options that repeat, the first counts\n"
     "-check              prints every syntax error as file:line: text\n"
     "-format <form>      plain (as it is at first), ini, shell or json\n"
     "-nocontinue         lines that begin with white space continue nothing\n"
@@ -56,7 +56,9 @@ inline constexpr const char* kTexts[] = {
     "at all when the change would not be read back. Lists are plain as section, option\n"
     "and value with tabs between; \\n, \\t, \\r and \\\\ stand for line break, tab, return\n"
     "and back-slash there. Of options and sections that repeat, shell and json show the\n"
-    "first. --help and --version are answered before anything else.\n"
+    "first. Shell variables are named for section and option, with _ for what a name\n"
+    "cannot hold, so two options can meet; do not evaluate them of files that you do not\n"
+    "trust. --help and --version are answered before anything else.\n"
     "Exit codes: 0 success, 1 not found or syntax errors, 2 file not read, 3 output not\n"
     "written, 4 change refused, 201 to 204 faults of the command line.",
     "Exactly one of -get, -set, -delete, -delsection, -list, -sections, -merge and -check must be given",

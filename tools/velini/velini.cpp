@@ -79,6 +79,8 @@ void Tool::readSwitches() {
 }
 
 bool Tool::read(VelClIniFileEditor& editor, const char* name) const {
+  // A name that is cut could be that of another file.
+  if (std::strlen(name) > VEL_MAX_PATH_LENGTH) return false;
   if (name != kStandardStream) {
     if (editor.load(allowContinuation_)) return true;
     // What is set or merged into a missing file makes it.
@@ -90,7 +92,7 @@ bool Tool::read(VelClIniFileEditor& editor, const char* name) const {
   while (std::cin.read(buffer, sizeof buffer), std::cin.gcount() > 0)
     bytes.append(buffer, static_cast<std::size_t>(std::cin.gcount()));
   editor.loadFromBuffer(bytes.data(), bytes.size(), allowContinuation_);
-  return !std::cin.bad();
+  return !std::cin.bad() && std::ferror(stdin) == 0;
 }
 
 int Tool::runTask(VelClIniFileEditor& editor) {
