@@ -38,11 +38,11 @@ class VEL_API VelClCCSID {
  public:
   /// The values are the CCSIDs themselves; any other number converts, too.
   enum VelEnCCSID : uint32_t {
-    CCSID_UNKNOWN = 0,
-    CCSID_UTF8 = 1208,
-    CCSID_UCS2 = 13488,  ///< in the order of the host, without a mark
-    CCSID_UCS2_BIG_ENDIAN = 65500,
-    CCSID_UCS2_LITTLE_ENDIAN = 65501,
+    CCSID_UNKNOWN = 0,                 ///< not valid
+    CCSID_UTF8 = 1208,                 ///< the same number as CCSID_1208
+    CCSID_UCS2 = 13488,                ///< in the order of the host, without a mark
+    CCSID_UCS2_BIG_ENDIAN = 65500,     ///< high byte first
+    CCSID_UCS2_LITTLE_ENDIAN = 65501,  ///< low byte first
     // clang-format off
     CCSID_37 = 37, CCSID_256 = 256, CCSID_259 = 259, CCSID_273 = 273, CCSID_274 = 274, CCSID_275 = 275,
     CCSID_277 = 277, CCSID_278 = 278, CCSID_280 = 280, CCSID_284 = 284, CCSID_285 = 285, CCSID_286 = 286,
@@ -129,6 +129,7 @@ class VEL_API VelClCCSID {
     // clang-format on
   };
 
+  /// From a number, in the table or not.
   VelClCCSID(VelEnCCSID ccsid) : ccsid_(ccsid), row_(nullptr) {}
   explicit VelClCCSID(int ccsid) : VelClCCSID(static_cast<VelEnCCSID>(ccsid)) {}
   /// From a text that begins with a digit: the decimal number at its start, "1252abc" is 1252. Otherwise from
@@ -144,6 +145,7 @@ class VEL_API VelClCCSID {
   bool operator==(const VelClCCSID& other) const;
   bool operator==(VelEnCCSID ccsid) const;
 
+  /// The number as it was given.
   int getAsInt() const { return static_cast<int>(ccsid_); }
   VelEnCCSID getCCSID() const { return ccsid_; }
   /// The table's name, mostly the number; that of the base page for a variant. "???" when it is not in the
@@ -204,11 +206,11 @@ class VEL_API VelClConverterABase {
  public:
   /// The kinds of ways that conversions take.
   enum class VelEnRoute : int32_t {
-    NONE = 0,
+    NONE = 0,       ///< not supported
     ALGORITHM = 1,  ///< also between the forms of UCS-2
-    TABLE = 2,
-    ICU = 3,
-    SYSTEM = 4  ///< the system's own conversion to its code pages
+    TABLE = 2,      ///< a table of the library
+    ICU = 3,        ///< ICU, bound at run time
+    SYSTEM = 4      ///< the system's own conversion to its code pages
   };
 
   struct _VelStConverter;
@@ -218,11 +220,12 @@ class VEL_API VelClConverterABase {
   /// What a conversion function works on.
   struct _VelStConverter {
     const VelClConverterABase& converter;  ///< for its table or ICU converter, target CCSID and last error
-    char* target;
-    uint64_t targetSize;  ///< in bytes
-    const char** source;  ///< advanced past what was consumed
-    uint64_t sourceSize;  ///< in bytes
+    char* target;                          ///< where the bytes go
+    uint64_t targetSize;                   ///< in bytes
+    const char** source;                   ///< advanced past what was consumed
+    uint64_t sourceSize;                   ///< in bytes
 
+    /// For conversion functions: the table or the ICU converter of the way, and where a failure goes.
     const void* getConversionData() const { return converter.conversionData_; }
     void setError(const _VelStError& error) const { converter.lastError_ = error; }
   };
@@ -231,6 +234,7 @@ class VEL_API VelClConverterABase {
   VelClConverterABase& operator=(const VelClConverterABase&) = delete;
   virtual ~VelClConverterABase();
 
+  /// What it converts to.
   virtual const VelClCCSID& getTargetCCSID() const;
   /// Whether there is a way. Without one every conversion fails with CPCONVERTER_UNSUPPORTED.
   virtual bool isSupported() const;
@@ -244,16 +248,15 @@ class VEL_API VelClConverterABase {
   virtual size_t getMaximumSizeForSize(size_t size) const = 0;
   /// Convert, advance `source` past what was consumed, and return the bytes written. The last error is
   /// - CPCONVERTER_INCOMPLETE when the source ends within a character (which is not consumed), with an odd
-  /// size of
-  ///   UCS-2, or in double-byte mode; what came before is converted;
+  ///   size of UCS-2, or in double-byte mode; what came before is converted;
   /// - CPCONVERTER_TOO_BIG when the target is too small. Table conversions and those to ISO8859-1 then
-  /// convert
-  ///   nothing; to and from UTF-8 the character that did not fit counts as consumed;
+  ///   convert nothing; to and from UTF-8 the character that did not fit counts as consumed;
   /// - an identifier of ICU, or CPCONVERTER_UNSUPPORTED.
   /// Characters that the target lacks are replaced, without an error.
   virtual size_t convertBytes(char* target, size_t targetSize, const char** source, size_t sourceSize) const;
   virtual size_t convertBytes(char* target, size_t targetSize, const char* source, size_t sourceSize) const;
 
+  /// What it converts from.
   const VelClCCSID& getSourceCCSID() const { return source_; }
   /// The way of the conversion; between two code pages that of the first stage, to UCS-2.
   VelEnRoute getRoute() const;
@@ -272,6 +275,7 @@ class VEL_API VelClConverterABase {
   static uint32_t convertUtf8CharToUtf32(const char* text);
 
  protected:
+  /// Without a way yet: derived classes choose one.
   VelClConverterABase(const VelClCCSID& source, const VelClCCSID& target);
 
   /// Choose the way of this direction.
@@ -286,6 +290,7 @@ class VEL_API VelClConverterABase {
   /// Clears the last error and runs the conversion function, unless its output could overflow the target.
   size_t runConversion(char* target, size_t targetSize, const char** source, size_t sourceSize) const;
 
+  /// See getLastError.
   mutable _VelStError lastError_;
 
  private:
@@ -304,6 +309,7 @@ class VEL_API VelClConverterABase {
 /// From a code page to UCS-2 in the order of the host (13488).
 class VEL_API VelClCodePage2UnicodeConverter : public VelClConverterABase {
  public:
+  /// Chooses the way; isSupported tells whether there is one. So do the converters below.
   explicit VelClCodePage2UnicodeConverter(const VelClCCSID& source);
   ~VelClCodePage2UnicodeConverter() override;
 
@@ -314,6 +320,7 @@ class VEL_API VelClCodePage2UnicodeConverter : public VelClConverterABase {
 /// From UCS-2 in the order of the host to a code page.
 class VEL_API VelClUnicode2CodePageConverter : public VelClConverterABase {
  public:
+  /// For this target.
   explicit VelClUnicode2CodePageConverter(const VelClCCSID& target);
   ~VelClUnicode2CodePageConverter() override;
 
@@ -325,6 +332,7 @@ class VEL_API VelClUnicode2CodePageConverter : public VelClConverterABase {
 /// Equal CCSIDs copy bytes, as many as fit and without any error, also where nothing else is supported.
 class VEL_API VelClCodePage2CodePageConverter : public VelClCodePage2UnicodeConverter {
  public:
+  /// Chooses a way for each stage.
   VelClCodePage2CodePageConverter(const VelClCCSID& source, const VelClCCSID& target);
   ~VelClCodePage2CodePageConverter() override;
 
@@ -353,6 +361,7 @@ class VEL_API VelClCodePage2CodePageConverter : public VelClCodePage2UnicodeConv
 /// From a code page to UTF-8.
 class VEL_API VelClCodePage2UTF8Converter : public VelClCodePage2CodePageConverter {
  public:
+  /// For this source.
   explicit VelClCodePage2UTF8Converter(const VelClCCSID& source);
   ~VelClCodePage2UTF8Converter() override;
 };
@@ -361,12 +370,12 @@ class VEL_API VelClCodePage2UTF8Converter : public VelClCodePage2CodePageConvert
 /// trail of page (page number of lead - 1). Units are stored with the high byte first; U+FFFD where nothing
 /// is mapped.
 struct VelStDoubleByteTable {
-  uint32_t ccsid;
-  uint8_t isEbcdic;          ///< 1 for shifted tables, else 0
-  uint8_t pageNumbers[256];  ///< never 0
-  const void* reserved;      ///< null
-  const uint16_t (*pages)[256];
-  const uint8_t* leadBytes;  ///< 256 bytes, not 0 for a lead byte; null when `isEbcdic`
+  uint32_t ccsid;                ///< whose table this is
+  uint8_t isEbcdic;              ///< 1 for shifted tables, else 0
+  uint8_t pageNumbers[256];      ///< never 0
+  const void* reserved;          ///< null
+  const uint16_t (*pages)[256];  ///< as many as the page numbers name
+  const uint8_t* leadBytes;      ///< 256 bytes, not 0 for a lead byte; null when `isEbcdic`
 };
 
 /// Null, and `isEbcdic` unchanged, for a CCSID without such a table.
@@ -429,6 +438,7 @@ class VEL_API VelClIcuInterface {
 
   /// Above 0; warnings are below.
   static bool isIcuError(int32_t status);
+  /// What a status is as identifier, class, action and severity, one by one or filled into a record.
   static unsigned long getVelErrorIdForIcuError(int32_t status);
   static VelEnErrorClass getVelErrorClassForIcuError(int32_t status);
   static VelEnErrorAction getVelErrorActionForIcuError(int32_t status);

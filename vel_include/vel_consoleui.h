@@ -50,12 +50,14 @@ class VEL_API VelClUsageCursor : public VelClUniDirCursorABase {
   bool setToFirst() override;
   bool setToNext() override;
 
+  /// What kind of element it stands on.
   bool isSwitch() const;
   bool isArg() const { return !isSwitch(); }
   /// An argument outside of every group.
   bool isFree() const;
   /// On a line marked with "!", behind the mark.
   bool isTagged() const { return tagged_; }
+  /// On an ellipsis, two dots or more.
   bool isArgEllipsis() const;
 
   /// Whether a command-line argument looks like a switch: "-" and no digit behind it. Null does not.
@@ -93,6 +95,7 @@ class VEL_API VelClUsageCursor : public VelClUniDirCursorABase {
 /// copied.
 class VEL_API VelClArgvCursor : public VelClBiDirCursorABase {
  public:
+  /// Stands on no argument until setToFirst; of a user interface, its command line.
   VelClArgvCursor(int argc, const char* const* argv);
   explicit VelClArgvCursor(const VelClConsoleUI& ui);
   VelClArgvCursor(const VelClArgvCursor&) = default;
@@ -120,6 +123,7 @@ class VEL_API VelClArgvCursor : public VelClBiDirCursorABase {
  protected:
   /// The argument at an index from 1 on, or null.
   const char* argumentAt(int32_t index) const;
+  /// The position and the number of arguments as in `argv`; the position is not valid below 1.
   int32_t getIndex() const { return index_; }
   void setIndex(int32_t index) { index_ = index; }
   int32_t getCount() const { return count_; }
@@ -163,6 +167,7 @@ class VEL_API VelClArgvCheckCursor : public VelClArgvCursor {
 /// Walks free arguments only.
 class VEL_API VelClArgvFreeCursor : public VelClArgvCheckCursor {
  public:
+  /// As for VelClArgvCheckCursor.
   VelClArgvFreeCursor(int argc, const char* const* argv, const char* usage);
   explicit VelClArgvFreeCursor(const VelClConsoleUI& ui);
   VelClArgvFreeCursor(const VelClArgvFreeCursor&) = default;
@@ -206,6 +211,8 @@ class VEL_API VelClConsoleUIParams {
   /// In characters: the length of the process name.
   unsigned int getIndentation() const { return indentation_; }
 
+  /// Quiet mode silences info and progress, and holds back setOutputStream. Hidden lines of the usage are not
+  /// shown; disabled ones are errors on the command line as well. All off at first.
   bool mustBeQuiet() const { return quiet_; }
   void setQuietMode(bool quiet) { quiet_ = quiet; }
   bool mustHideTaggedLines() const { return hideTaggedLines_; }
@@ -219,6 +226,7 @@ class VEL_API VelClConsoleUIParams {
   /// In characters; 36 at first.
   unsigned int getFormatWidth() const { return formatWidth_; }
   void setFormatWidth(unsigned int width) { formatWidth_ = width; }
+  /// LEFT at first.
   VelEnFormatStyle getFormatStyle() const { return formatStyle_; }
   void setFormatStyle(VelEnFormatStyle style) { formatStyle_ = style; }
   /// '.' at first.
@@ -232,13 +240,16 @@ class VEL_API VelClConsoleUIParams {
   void setOutputStream(std::ostream& stream);
   /// Takes effect in quiet mode too.
   void forceOutputStream(std::ostream& stream) { output_ = &stream; }
+  /// For fatal and exception.
   void setErrorStream(std::ostream& stream) { errors_ = &stream; }
+  /// Writes what the output stream still holds.
   void flushOutputStream();
 
   /// The answer to the last prompt, "" before the first; valid until the next.
   const char* getInput() const { return input_; }
   /// Copied, cut to what the buffer holds: 80 characters. Null counts as "".
   void setInput(const char* text);
+  /// The longest answer in characters.
   static constexpr size_t kMaxInputLength = 80;
 
  private:
@@ -266,11 +277,13 @@ class VEL_API VelClConsoleUIParams {
 /// number of the message that holds its name. Write numbers as `10UL`.
 class VelClSwitchName {
  public:
+  /// From any of the three.
   VelClSwitchName(const char* name) : name_(name), letter_('\0'), messageId_(0) {}
   VelClSwitchName(char letter) : name_(nullptr), letter_(letter), messageId_(0) {}
   VelClSwitchName(unsigned long messageId)
       : name_(nullptr), letter_('\0'), messageId_(static_cast<uint32_t>(messageId)) {}
 
+  /// What it was made from; null, NUL or 0 for the two others.
   const char* getName() const { return name_; }
   char getLetter() const { return letter_; }
   unsigned long getMessageId() const { return messageId_; }
@@ -285,11 +298,13 @@ class VelClSwitchName {
 /// message that holds it. Write numbers as `10UL`.
 class VelClUIText {
  public:
+  /// From either.
   VelClUIText(const char* text) : text_(text), messageId_(0) {}
   VelClUIText(unsigned long messageId) : text_(nullptr), messageId_(static_cast<uint32_t>(messageId)) {}
 
   /// Null for a text by number.
   const char* getText() const { return text_; }
+  /// 0 for a text.
   unsigned long getMessageId() const { return messageId_; }
 
  private:
@@ -326,6 +341,7 @@ class VEL_API VelClConsoleUI {
   VelClConsoleUI& operator=(const VelClConsoleUI&) = delete;
   virtual ~VelClConsoleUI();
 
+  /// The catalog behind message numbers that the tool hands over; overridden by tools that have their own.
   virtual const VelClMessageCatalog& getMessageCatalog() const;
 
   /// Shows the title and handles -quiet and -copyright. Null texts and messages 0 count as absent; level
@@ -381,6 +397,7 @@ class VEL_API VelClConsoleUI {
                  const char* text3 = nullptr, const char* text4 = nullptr, const char* text5 = nullptr) const;
   /// Ends the process with 202 for a tool without usage; otherwise shows the usage and ends it with 201.
   [[noreturn]] void fatalMissingArg(const char* switchName) const;
+  /// Ends the process; any code but 0 is announced by the bell.
   [[noreturn]] void processExit(int exitCode) const;
 
   /// Aligned output, to the output stream. The first writes the label column only: two blanks, the label
@@ -427,10 +444,12 @@ class VEL_API VelClConsoleUI {
   /// A progress bar on standard error, with percentage and remaining time. It appears only on a terminal,
   /// not in quiet mode, and only after a second. `label` is not copied and may be null.
   void progressStart(unsigned long long total, const char* label = nullptr);
+  /// Adds to what is done; draws at most when the percentage changes.
   void progressStep(unsigned long long count = 1);
   /// Leaves one clean line behind the bar, if it was shown.
   void progressStop();
 
+  /// What the user interface was made with, and its settings; see VelClConsoleUIParams.
   const char* getProcessName() const { return params_->getProcessName(); }
   const char* getUsage() const { return params_->getUsage(); }
   int getArgc() const { return argc_; }
@@ -438,6 +457,7 @@ class VEL_API VelClConsoleUI {
   std::ostream& getOutputStream() const { return params_->getOutputStream(); }
   /// Has no effect in quiet mode.
   void setOutputStream(std::ostream& stream) { params_->setOutputStream(stream); }
+  /// See VelClConsoleUIParams.
   bool mustBeQuiet() const { return params_->mustBeQuiet(); }
   void setFormatWidth(unsigned int width) { params_->setFormatWidth(width); }
   void setFormatStyle(VelEnFormatStyle style) { params_->setFormatStyle(style); }
@@ -445,6 +465,7 @@ class VEL_API VelClConsoleUI {
   /// Leave lines marked with "!" out of the usage; the second makes their switches errors as well.
   void hideTaggedLines() { params_->setHideTaggedLines(true); }
   void disableTaggedLines() { params_->setDisableTaggedLines(true); }
+  /// The settings, to read and to change.
   VelClConsoleUIParams& getParams() const { return *params_; }
 
  private:

@@ -17,6 +17,7 @@ class VEL_API VelClUniDirCursorABase {
 
   /// Whether the cursor stands on an element.
   virtual bool isValid() const = 0;
+  /// Move; without an element there, the cursor becomes invalid.
   virtual bool setToFirst() = 0;
   virtual bool setToNext() = 0;
 };
@@ -29,6 +30,7 @@ class VEL_API VelClBiDirCursorABase : public VelClUniDirCursorABase {
   VelClBiDirCursorABase& operator=(const VelClBiDirCursorABase&) = default;
   ~VelClBiDirCursorABase() override;
 
+  /// Move, as those of VelClUniDirCursorABase do.
   virtual bool setToLast() = 0;
   virtual bool setToPrevious() = 0;
 };

@@ -17,6 +17,7 @@
 #undef IGNORE
 
 #if defined(__cplusplus)
+/// Gives enumerations that C programs see as well their underlying type; gone at the end of this header.
 #define VEL_ENUM_TYPE(type) : type
 #else
 #define VEL_ENUM_TYPE(type)
@@ -25,86 +26,97 @@
 /// What failed. The console user interface uses 201 to 205, which are exit codes of
 /// programs as well; every other component has a block of one hundred from 1000001 on.
 /// Identifiers travel as unsigned 32-bit numbers, so that programs can add their own.
-enum VelEnErrorId VEL_ENUM_TYPE(uint32_t){VEL_NO_ERROR = 0,  ///< NO_ERROR, under a name that is never a macro
-                                          NO_ERROR = 0,
-                                          CONUI_USAGE = 201,
-                                          CONUI_ARG_MISSING = 202,
-                                          CONUI_ARG_EXPECTING_VALUE = 203,
-                                          CONUI_ARG_VALUE_TYPE_MISMATCH = 204,
-                                          CONUI_MSGCAT_CORRUPTED = 205,
-                                          INIFILE_INVAL_SECTION = 1000001,
-                                          INIFILE_INVAL_OPTION = 1000002,
-                                          INIFILE_INVAL_WHITESPACE = 1000003,
-                                          DIRECTORY_EXPANSION_FAILED = 1000101,
-                                          DIRECTORY_COULD_NOT_CHANGE = 1000102,
-                                          DIRECTORY_COULD_NOT_CREATE = 1000103,
-                                          DIRECTORY_COULD_NOT_REMOVE = 1000104,
-                                          DIRECTORY_COULD_NOT_DETACH = 1000105,
-                                          PROCESS_COULD_NOT_KILL = 1000201,
-                                          PROCESS_COULD_NOT_LAUNCH = 1000202,
-                                          THREAD_COULD_NOT_KILL = 1000301,
-                                          THREAD_COULD_NOT_LAUNCH = 1000302,
-                                          THREAD_COULD_NOT_SUSPEND = 1000303,
-                                          THREAD_COULD_NOT_RESUME = 1000304,
-                                          FILE_COULD_NOT_COPY = 1000401,
-                                          FILE_COULD_NOT_REMOVE = 1000402,
-                                          FILE_COULD_NOT_COPY_SELF = 1000403,
-                                          FILE_COULD_NOT_RENAME = 1000404,
-                                          DIRWALK_COULD_NOT_INIT = 1000601,
-                                          DIRWALK_NO_CONTINUATION = 1000602,
-                                          TRACEFORMAT_COULD_NOT_OPEN = 1000701,
-                                          TRACEFORMAT_UNEXPECTED_EOF = 1000702,
-                                          TRACEFORMAT_FILE_CORRUPTED = 1000703,
-                                          MEMORYPOOL_COULD_NOT_GROW = 1000801,
-                                          MEMORYPOOL_CHUNK_TOO_BIG = 1000802,
-                                          CPCONVERTER_UNSUPPORTED = 1000901,
-                                          CPCONVERTER_INVALID_SEQ = 1000902,
-                                          CPCONVERTER_TOO_BIG = 1000903,
-                                          CPCONVERTER_INCOMPLETE = 1000904,
-                                          CPCONVERTER_BAD_DESCR = 1000905,
-                                          CPCONVERTER_NO_TMP_BUFFER = 1000906,
-                                          MEMMGR_USER_OUT_OF_MEMORY = 1001001,
-                                          MEMMGR_RUNTIME_OUT_OF_MEMORY = 1001002,
-                                          MEMMGR_NO_USER_REALLOC_FUNC = 1001003,
-                                          MEMMGR_ZERO_SIZE_OBJECT = 1001004,
-                                          ICU_UNEXPECTED_ICU_ERROR = 1001101,
-                                          ICU_ILLEGAL_ARGUMENT_ERROR = 1001102,
-                                          ICU_MISSING_RESOURCE_ERROR = 1001103,
-                                          ICU_INVALID_FORMAT_ERROR = 1001104,
-                                          ICU_FILE_ACCESS_ERROR = 1001105,
-                                          ICU_INTERNAL_PROGRAM_ERROR = 1001106,
-                                          ICU_MESSAGE_PARSE_ERROR = 1001107,
-                                          ICU_MEMORY_ALLOCATION_ERROR = 1001108,
-                                          ICU_INDEX_OUTOFBOUNDS_ERROR = 1001109,
-                                          ICU_PARSE_ERROR = 1001110,
-                                          ICU_INVALID_TABLE_FORMAT = 1001111,
-                                          ICU_INVALID_TABLE_FILE = 1001112,
-                                          ICU_UNSUPPORTED_ERROR = 1001113,
-                                          ICU_RESOURCE_TYPE_MISMATCH = 1001114,
-                                          ICU_ILLEGAL_ESCAPE_SEQUENCE = 1001115,
-                                          ICU_UNSUPPORTED_ESCAPE_SEQ = 1001116,
-                                          ICU_NO_SPACE_AVAILABLE = 1001117,
-                                          ICU_ERROR_LIMIT = 1001118};
+// clang-format off
+enum VelEnErrorId VEL_ENUM_TYPE(uint32_t) {
+  VEL_NO_ERROR = 0,  ///< NO_ERROR, under a name that is never a macro
+  NO_ERROR = 0,                            ///< success
+  CONUI_USAGE = 201,                       ///< as an exit code: a bad command line, or usage shown
+  CONUI_ARG_MISSING = 202,                 ///< as an exit code: a switch is missing, in a tool without usage
+  CONUI_ARG_EXPECTING_VALUE = 203,         ///< as an exit code: a switch is without its value
+  CONUI_ARG_VALUE_TYPE_MISMATCH = 204,     ///< as an exit code: a value is no number
+  CONUI_MSGCAT_CORRUPTED = 205,            ///< not reported
+  INIFILE_INVAL_SECTION = 1000001,         ///< a header without "]"
+  INIFILE_INVAL_OPTION = 1000002,          ///< an option without "="
+  INIFILE_INVAL_WHITESPACE = 1000003,      ///< a line that begins with white space and continues nothing
+  DIRECTORY_EXPANSION_FAILED = 1000101,    ///< a name leads above the root, or is too long
+  DIRECTORY_COULD_NOT_CHANGE = 1000102,    ///< not made the current directory
+  DIRECTORY_COULD_NOT_CREATE = 1000103,    ///< not made
+  DIRECTORY_COULD_NOT_REMOVE = 1000104,    ///< not removed, or not all of its contents
+  DIRECTORY_COULD_NOT_DETACH = 1000105,    ///< there is no level above the root
+  PROCESS_COULD_NOT_KILL = 1000201,        ///< the system failed to end a process
+  PROCESS_COULD_NOT_LAUNCH = 1000202,      ///< not started; getResult has the system's code
+  THREAD_COULD_NOT_KILL = 1000301,         ///< not reported; the library starts no threads
+  THREAD_COULD_NOT_LAUNCH = 1000302,       ///< likewise
+  THREAD_COULD_NOT_SUSPEND = 1000303,      ///< likewise
+  THREAD_COULD_NOT_RESUME = 1000304,       ///< likewise
+  FILE_COULD_NOT_COPY = 1000401,           ///< not copied
+  FILE_COULD_NOT_REMOVE = 1000402,         ///< not removed
+  FILE_COULD_NOT_COPY_SELF = 1000403,      ///< the target has the file's own name
+  FILE_COULD_NOT_RENAME = 1000404,         ///< not renamed, for instance because the new name is taken
+  DIRWALK_COULD_NOT_INIT = 1000601,        ///< a directory cannot be listed
+  DIRWALK_NO_CONTINUATION = 1000602,       ///< a listing broke off
+  TRACEFORMAT_COULD_NOT_OPEN = 1000701,    ///< the trace file cannot be opened
+  TRACEFORMAT_UNEXPECTED_EOF = 1000702,    ///< the trace file ends within an entry's data
+  TRACEFORMAT_FILE_CORRUPTED = 1000703,    ///< data in the trace file does not fit its type
+  MEMORYPOOL_COULD_NOT_GROW = 1000801,     ///< no memory for another block
+  MEMORYPOOL_CHUNK_TOO_BIG = 1000802,      ///< more than a block holds, or an impossible alignment
+  CPCONVERTER_UNSUPPORTED = 1000901,       ///< there is no way between the two code pages
+  CPCONVERTER_INVALID_SEQ = 1000902,       ///< ICU found an invalid sequence of bytes
+  CPCONVERTER_TOO_BIG = 1000903,           ///< the target is too small
+  CPCONVERTER_INCOMPLETE = 1000904,        ///< the source ends within a character, or in double-byte mode
+  CPCONVERTER_BAD_DESCR = 1000905,         ///< not reported
+  CPCONVERTER_NO_TMP_BUFFER = 1000906,     ///< not reported
+  MEMMGR_USER_OUT_OF_MEMORY = 1001001,     ///< the program's allocator returned null
+  MEMMGR_RUNTIME_OUT_OF_MEMORY = 1001002,  ///< the runtime's allocator returned null
+  MEMMGR_NO_USER_REALLOC_FUNC = 1001003,   ///< the program's memory manager cannot reallocate
+  MEMMGR_ZERO_SIZE_OBJECT = 1001004,       ///< 0 bytes were asked for
+  ICU_UNEXPECTED_ICU_ERROR = 1001101,      ///< a status of ICU that has no identifier below
+  ICU_ILLEGAL_ARGUMENT_ERROR = 1001102,    ///< U_ILLEGAL_ARGUMENT_ERROR
+  ICU_MISSING_RESOURCE_ERROR = 1001103,    ///< U_MISSING_RESOURCE_ERROR
+  ICU_INVALID_FORMAT_ERROR = 1001104,      ///< U_INVALID_FORMAT_ERROR
+  ICU_FILE_ACCESS_ERROR = 1001105,         ///< U_FILE_ACCESS_ERROR: mostly a code page that ICU does not know
+  ICU_INTERNAL_PROGRAM_ERROR = 1001106,    ///< U_INTERNAL_PROGRAM_ERROR
+  ICU_MESSAGE_PARSE_ERROR = 1001107,       ///< U_MESSAGE_PARSE_ERROR
+  ICU_MEMORY_ALLOCATION_ERROR = 1001108,   ///< U_MEMORY_ALLOCATION_ERROR
+  ICU_INDEX_OUTOFBOUNDS_ERROR = 1001109,   ///< U_INDEX_OUTOFBOUNDS_ERROR
+  ICU_PARSE_ERROR = 1001110,               ///< U_PARSE_ERROR
+  ICU_INVALID_TABLE_FORMAT = 1001111,      ///< U_INVALID_TABLE_FORMAT
+  ICU_INVALID_TABLE_FILE = 1001112,        ///< U_INVALID_TABLE_FILE
+  ICU_UNSUPPORTED_ERROR = 1001113,         ///< U_UNSUPPORTED_ERROR: also where there is no ICU
+  ICU_RESOURCE_TYPE_MISMATCH = 1001114,    ///< U_RESOURCE_TYPE_MISMATCH
+  ICU_ILLEGAL_ESCAPE_SEQUENCE = 1001115,   ///< U_ILLEGAL_ESCAPE_SEQUENCE
+  ICU_UNSUPPORTED_ESCAPE_SEQ = 1001116,    ///< U_UNSUPPORTED_ESCAPE_SEQUENCE
+  ICU_NO_SPACE_AVAILABLE = 1001117,        ///< U_NO_SPACE_AVAILABLE
+  ICU_ERROR_LIMIT = 1001118                ///< U_ERROR_LIMIT: no failure
+};
+// clang-format on
 
 #if defined(__cplusplus)
 
 /// What kind of failure it is. The values are not contiguous.
 enum class VelEnErrorClass : int32_t {
-  UNKNOWN = 0,
+  UNKNOWN = 0,  ///< also that of success
+  /// What was asked for is not there, or not switched on.
   FUNCTION_NOT_SUPPORTED = 1,
   FUNCTION_NOT_ENABLED = 2,
+  /// What the user did, or the data that came from the user.
   USER_ERROR = 100,
   USER_DATA_ERROR = 101,
+  /// Memory or another resource is used up.
   OUT_OF_MEMORY = 200,
   RESOURCE_EXHAUSTED = 201,
+  /// Values that make no sense, or lie beyond a limit.
   INVALID_DATA = 202,
   DATA_OUT_OF_BOUNDS = 203,
   INVALID_POINTER = 204,
+  /// The process or resource does not exist.
   UNKNOWN_PROCESS = 205,
   RESOURCE_MISSING = 206,
+  /// The operation makes no sense in this place, or contradicts itself.
   LOGIC = 300,
   INCONSISTENT_SITUATION = 301,
-  COMMUNICATION_PROBLEM = 400,
+  COMMUNICATION_PROBLEM = 400,  ///< not used by the library
+  /// Input and output: what went wrong, as far as the system tells.
   IO_PROBLEM = 500,
   IO_WRITE_PROBLEM = 501,
   IO_READ_PROBLEM = 502,
@@ -113,6 +125,7 @@ enum class VelEnErrorClass : int32_t {
   IO_ALREADY_IN_USE = 505,
   IO_STILL_IN_USE = 506,
   IO_INVALID_NAME = 507,
+  /// Not used by the library.
   HARDWARE_PROBLEM = 900,
   HARDWARE_SETUP = 901,
   HARDWARE_PERFORMANCE = 902,
@@ -121,11 +134,14 @@ enum class VelEnErrorClass : int32_t {
 
 /// How bad it is. The gaps (3, 4, 9) are reserved.
 enum class VelEnErrorSeverity : int32_t {
+  /// Nothing has failed.
   NONE = 0,
   INFO = 1,
   WARNING = 2,
+  /// An operation has failed; the program goes on. FATAL: it hardly can.
   NORMAL = 5,
   FATAL = 6,
+  /// A fault of the program itself, and worse.
   INTERNAL = 7,
   CRITICAL = 8,
   PANIC = 10
@@ -134,12 +150,15 @@ enum class VelEnErrorSeverity : int32_t {
 /// What the caller is advised to do.
 enum class VelEnErrorAction : int32_t {
   NO_ACTION = 0,  ///< IGNORE, under a name that is never a macro
+  /// Go on, without or with a word to the user.
   IGNORE = 0,
   INFORM = 1,
   WARN = 2,
+  /// Try again, at once or later.
   RETRY = 3,
   RETRYDELAY = 4,
-  USER = 5,
+  USER = 5,  ///< ask the user
+  /// End the program, in order or at once.
   TERMINATE = 6,
   ABORT = 8,
   PANIC = 10
@@ -184,25 +203,30 @@ VEL_C_API void vel__assert_msg(const char* expression, const char* module, unsig
 /// The last error of an object, and what plain functions report through an
 /// out-parameter. An identifier of 0 means success.
 struct VEL_API _VelStError {
+  /// What failed, and what kind of failure it is.
   uint32_t errorId;
   VelEnErrorClass errorClass;
 
+  /// Success, or a failure; of the identifier the low 32 bits count.
   constexpr _VelStError() noexcept : errorId(VEL_NO_ERROR), errorClass(VelEnErrorClass::UNKNOWN) {}
   constexpr _VelStError(unsigned long id, VelEnErrorClass cls) noexcept
       : errorId(static_cast<uint32_t>(id)), errorClass(cls) {}
 
   /// Back to success.
   constexpr void reset() noexcept { *this = _VelStError(); }
+  /// The identifier, 0 for success.
   constexpr unsigned long getErrorId() const noexcept { return errorId; }
 };
 
 /// The full classification of a failure, from which exceptions are made.
 struct VEL_API _VelStUserError {
+  /// The four parts of the classification.
   uint32_t errorId;
   VelEnErrorClass errorClass;
   VelEnErrorSeverity severity;
   VelEnErrorAction action;
 
+  /// Success, or a failure.
   constexpr _VelStUserError() noexcept
       : errorId(VEL_NO_ERROR),
         errorClass(VelEnErrorClass::UNKNOWN),
@@ -224,6 +248,7 @@ class VEL_API VelClExceptionABase {
   VelClExceptionABase& operator=(const VelClExceptionABase& other) noexcept;
   virtual ~VelClExceptionABase();
 
+  /// Whether the library can have thrown it.
   virtual bool isVelException() const noexcept = 0;
   /// Why, in words; never null.
   virtual const char* getCause() const noexcept;
@@ -233,6 +258,7 @@ class VEL_API VelClExceptionABase {
   const char* getOrigin() const noexcept { return origin_; }
   /// The line of the origin, 0 until setOrigin was called.
   unsigned int getLine() const noexcept { return line_; }
+  /// Says where it is thrown; `origin` is not copied.
   void setOrigin(const char* origin, unsigned int line) noexcept;
 
  protected:
@@ -247,6 +273,7 @@ class VEL_API VelClExceptionABase {
 /// An exception with the full classification of the failure.
 class VEL_API VelClException : public VelClExceptionABase {
  public:
+  /// From the parts of the classification, or a record of them. Of the identifier the low 32 bits count.
   VelClException(unsigned long id, VelEnErrorClass errorClass, VelEnErrorSeverity severity,
                  VelEnErrorAction action, const char* cause) noexcept;
   VelClException(const _VelStUserError& error, const char* cause) noexcept;
@@ -258,6 +285,7 @@ class VEL_API VelClException : public VelClExceptionABase {
   bool isVelException() const noexcept override;
   const char* getCause() const noexcept override;
 
+  /// The parts of the classification.
   unsigned long getId() const noexcept { return errorId_; }
   VelEnErrorClass getClass() const noexcept { return errorClass_; }
   VelEnErrorSeverity getSeverity() const noexcept { return severity_; }
@@ -275,6 +303,7 @@ class VEL_API VelClException : public VelClExceptionABase {
 /// An exception that a program can hardly go on after; its severity is always FATAL.
 class VEL_API VelClExceptionFatal : public VelClException {
  public:
+  /// With severity FATAL.
   VelClExceptionFatal(unsigned long id, VelEnErrorClass errorClass, VelEnErrorAction action,
                       const char* cause) noexcept;
   VelClExceptionFatal(const VelClExceptionFatal& other) noexcept;

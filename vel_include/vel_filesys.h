@@ -51,6 +51,7 @@ class VelClTmpFilename;
 /// share, and whether it is absolute. The text is not copied: its owner keeps it alive.
 class VEL_API VelClPathProperty {
  public:
+  /// A path proper with a "/", without a "\\" and without a drive's letter is in the slash style.
   enum VelEnPathStyle : int32_t {
     MSDOS = 0,  ///< separated by "\\", letter case does not count
     UNIX = 1    ///< separated by "/", letter case counts
@@ -64,6 +65,7 @@ class VEL_API VelClPathProperty {
   /// The path proper, behind the server and share of a network name.
   const char* getPtrToPath() const { return path_; }
 
+  /// The style, by its name and by its rule for letter case.
   bool isStyleMSDOS() const { return style_ == MSDOS; }
   bool isStyleUNIX() const { return style_ == UNIX; }
   bool isCaseSensitive() const { return style_ == UNIX; }
@@ -86,6 +88,7 @@ class VEL_API VelClPathProperty {
 
  protected:
   VelClPathProperty();
+  /// Determine the properties of a text, take over a style, and the path proper for those who own the text.
   void init(const char* text);
   void copyStyle(const VelClPathProperty& other) { style_ = other.style_; }
   char* getNonConstPtrToPath() { return const_cast<char*>(path_); }
@@ -114,11 +117,13 @@ class VEL_API VelClFilenameABase : public VelClPathProperty {
   const char* getExtension() const { return extension_; }
   /// In characters.
   size_t getLength() const { return static_cast<size_t>(length_); }
+  /// Whether the last component has a ".".
   bool hasExtension() const { return *extension_ != '\0'; }
   /// Whether a directory stands before the last component. The server and share of a network name
   /// alone don't count.
   bool hasPath() const { return getPtrToPath() != base_; }
 
+  /// Compares the whole names.
   bool operator==(const VelClFilenameABase& other) const;
   /// Compares this directory with as many characters of the other's: the other may lie deeper.
   bool matchesPath(const VelClFilenameABase& other) const;
@@ -142,11 +147,13 @@ class VEL_API VelClFilenameABase : public VelClPathProperty {
   bool isExistent() const;
 
  protected:
+  /// Names of nothing, of a text, of its first characters, and of a directory, a name and an extension.
   VelClFilenameABase();
   explicit VelClFilenameABase(const char* text);
   VelClFilenameABase(const char* text, size_t length);
   VelClFilenameABase(const char* path, const char* name, const char* extension);
 
+  /// The same for an object that exists.
   void init(const char* text);
   void init(const char* text, size_t length);
   /// Joins directory, name and, unless null, extension; whatever does not fit is cut.
@@ -170,6 +177,7 @@ class VEL_API VelClFilename : public VelClFilenameABase {
   /// The empty name.
   VelClFilename();
   // Not explicit: a text stands for a file name wherever one is asked for.
+  /// The style is determined anew from a text, and taken over from a name.
   VelClFilename(const char* text);
   VelClFilename(const VelClFilenameABase& other);
   /// Joins a directory, a name and, unless null, an extension. An extension of "" leaves a dot at
@@ -177,6 +185,7 @@ class VEL_API VelClFilename : public VelClFilenameABase {
   VelClFilename(const VelClLocation& location, const char* name, const char* extension);
   VelClFilename(const VelClFilename& other) = default;
 
+  /// As the constructors.
   VelClFilename& operator=(const char* text);
   VelClFilename& operator=(const VelClFilename& other) = default;
   VelClFilename& operator=(const VelClTmpFilename& other);
@@ -211,11 +220,13 @@ class VEL_API VelClLocation : public VelClPathProperty {
   /// The directory of a file name.
   VelClLocation(const VelClFilenameABase& file, bool normalize);
   VelClLocation(const VelClLocation& other);
+  /// As the constructor, without normalizing.
   VelClLocation& operator=(const char* text);
   VelClLocation& operator=(const VelClLocation& other);
 
   /// In characters.
   size_t getLength() const { return length_; }
+  /// Turns "/" into "\\" behind the server part.
   void normalize();
   /// Whether the name is the root of a drive, of a network share or of a slash-style name.
   bool isRoot() const;
@@ -223,6 +234,7 @@ class VEL_API VelClLocation : public VelClPathProperty {
   bool isExistent() const;
 
  protected:
+  /// Determines the properties of the text in the buffer.
   void init(bool normalize);
 
  private:
@@ -243,9 +255,12 @@ class VEL_API VelClFileABase {
   /// The entry's name; owned by the object.
   virtual operator const char*() const = 0;
   virtual const char* getAsCString() const = 0;
+  /// Whether the file system has an entry of this name.
   virtual bool isExistent() const = 0;
+  /// Which of the two the object stands for, whatever the file system has.
   virtual bool isDirectory() const = 0;
   virtual bool isFile() const = 0;
+  /// Removes the entry; false when that fails.
   virtual bool remove() = 0;
   /// Seconds since 1970-01-01 00:00 UTC, or 0 when the entry cannot be examined.
   virtual int64_t getDateTimeOfCreation() const = 0;
@@ -295,10 +310,12 @@ class VEL_API VelClFile : public VelClFileABase {
   int64_t getDateTimeOfLastAccess() const override;
   int64_t getDateTimeOfLastModification() const override;
 
+  /// The name, and the failure of the last operation.
   const VelClFilename& getFilename() const { return filename_; }
   const _VelStError& getLastError() const { return lastError_; }
   /// The extension without its dot, or "".
   const char* getFileType() const;
+  /// See VelClFilename::setNewExtension.
   void setFileType(const char* type);
   /// True for a missing file as well. On Linux a leading dot hides a file.
   bool isHidden() const;
@@ -350,6 +367,7 @@ class VEL_API VelClTmpFilename : public VelClFilename {
   VelClTmpFilename();
   /// Null counts as "", which makes all 8 characters random.
   explicit VelClTmpFilename(const char* prefix);
+  /// In another directory; without a prefix it is "TMP".
   explicit VelClTmpFilename(const VelClLocation& directory);
   VelClTmpFilename(const VelClLocation& directory, const char* prefix);
   VelClTmpFilename(const char* directory, const char* prefix);
@@ -365,6 +383,7 @@ class VEL_API VelClTmpFilename : public VelClFilename {
 /// characters stays as it is.
 class VEL_API VelClBakFilename : public VelClFilename {
  public:
+  /// The backup name of `name`.
   explicit VelClBakFilename(const VelClFilenameABase& name);
 };
 
@@ -398,6 +417,7 @@ class VEL_API VelClDirectory : public VelClFileABase {
   int64_t getDateTimeOfLastAccess() const override;
   int64_t getDateTimeOfLastModification() const override;
 
+  /// The name, and the failure of the last operation.
   const VelClLocation& getName() const { return name_; }
   const _VelStError& getLastError() const { return lastError_; }
   /// The number of "\\" less one: "C:\\a\\b\\" has 2. Those of a server and share count too. 0 for "".
@@ -460,6 +480,7 @@ class VEL_API VelClOSSDirectoryWalker {
   /// DIRWALK_NO_CONTINUATION with class IO_PROBLEM.
   bool setToNext();
 
+  /// The entry's attributes; see VelClFile for what they are on Linux.
   bool isDirectory() const;
   bool isHidden() const;
   bool isReadOnly() const;
@@ -495,27 +516,32 @@ class VEL_API VelClOSSDirectoryWalker {
 /// Everything said about VelClOSSDirectoryWalker holds here.
 class VEL_API VelClDirectoryWalk {
  public:
+  /// Stands at the first entry, if there is one.
   explicit VelClDirectoryWalk(const VelClDirectory& directory);
   explicit VelClDirectoryWalk(const VelClLocation& directory);
   VelClDirectoryWalk(const VelClDirectoryWalk&) = delete;
   VelClDirectoryWalk& operator=(const VelClDirectoryWalk&) = delete;
   ~VelClDirectoryWalk();
 
+  /// These ask and move the walker, see there.
   bool isValid() const { return walker_.isValid(); }
   bool setToNext() { return walker_.setToNext(); }
   bool isDirectory() const { return walker_.isDirectory(); }
   /// Whether the entry is anything but a directory.
   bool isFile() const { return walker_.isValid() && !walker_.isDirectory(); }
+  /// See the walker.
   bool isHidden() const { return walker_.isHidden(); }
   bool isReadOnly() const { return walker_.isReadOnly(); }
   bool isCurrentDirectory() const { return walker_.isCurrentDirectory(); }
   bool isParentDirectory() const { return walker_.isParentDirectory(); }
   bool isSubDirectory() const { return walker_.isSubDirectory(); }
+  /// The entry's name, behind the directory's and alone; both change with the next step.
   const char* getNameWithPath() const { return walker_.getFullName(); }
   const char* getNameWithoutPath() const { return walker_.getBaseName(); }
   /// The entry's name against "*" and "?", see velMatchesWildcardPattern. Letter case counts if the
   /// directory's name is in the slash style.
   bool matchesWildcardPattern(const char* pattern) const;
+  /// Of the start or the last step.
   const _VelStError& getLastError() const { return error_; }
 
  private:

@@ -48,6 +48,7 @@ class VEL_API VelClIniFileOption {
   VelClIniFileOption(const VelClIniFileOption&) = delete;
   VelClIniFileOption& operator=(const VelClIniFileOption&) = delete;
 
+  /// As the model has them: without quotes and blanks around, escapes resolved.
   const char* getName() const { return textUnits_ == 0 ? text_ : movedText(); }
   const char* getValue() const { return getName() + value_; }
   /// "" when there is none.
@@ -78,6 +79,7 @@ class VelClIniFileSection {
   VelClIniFileSection(const VelClIniFileSection&) = delete;
   VelClIniFileSection& operator=(const VelClIniFileSection&) = delete;
 
+  /// Without the brackets.
   const char* getName() const { return name_; }
   /// The next section of the file, or null.
   VelClIniFileSection* getNext() const { return next_; }
@@ -104,6 +106,7 @@ namespace vel::inifile {
 /// Where a cursor stands, known to the file so that what is deleted can be taken from under it.
 class CursorPlace {
  public:
+  /// In a section, or null, and before its first option.
   CursorPlace(const VelClIniFile& file, VelClIniFileSection* section);
   CursorPlace(const CursorPlace& other);
   CursorPlace& operator=(const CursorPlace& other);
@@ -188,6 +191,7 @@ class VEL_API VelClIniFile : public VelClFile {
   /// surprises:
   /// "", "E", "n", "t" and "|" are true. So are "on", "Yes" and "1"; "OFF", "0", "no" and "false" are false.
   bool getOptionBool(const char* name, bool& value) const;
+  /// As getOptionBool, with the comment.
   bool getOption(const char* name, bool& value, const char*& comment) const;
 
   /// Whole records: the first of a name, or null. The current section stays.
@@ -213,6 +217,7 @@ class VEL_API VelClIniFile : public VelClFile {
   /// Removes the first option of a name. Cursors on it become invalid.
   bool deleteOption(const char* name);
 
+  /// The words that are written for true and false, and those that count as true; literals.
   static const char* getStringTrue() { return "ON"; }
   static const char* getStringFalse() { return "OFF"; }
   static const char* getStringAllTrueTokens() { return "|ON|TRUE|YES|1|OK|"; }
@@ -251,6 +256,7 @@ class VEL_API VelClIniFileSectionCursor : public VelClUniDirCursorABase {
   /// Stays where the name is this, otherwise moves to the first section of the name.
   virtual bool setTo(const char* name);
 
+  /// Whether it stands on a section of this name, and the name.
   bool matches(const char* name) const;
   const char* getSection() const;
 
@@ -263,6 +269,7 @@ class VEL_API VelClIniFileSectionCursor : public VelClUniDirCursorABase {
 /// Walks over the options of a section, in the same way.
 class VEL_API VelClIniFileOptionCursor : public VelClUniDirCursorABase {
  public:
+  /// Stands before the first option of the section: invalid.
   VelClIniFileOptionCursor(const VelClIniFile& file, const VelClIniFileSection& section);
   /// The first section of this name; without one the cursor never becomes valid.
   VelClIniFileOptionCursor(const VelClIniFile& file, const char* section);
@@ -275,8 +282,10 @@ class VEL_API VelClIniFileOptionCursor : public VelClUniDirCursorABase {
   bool isValid() const override;
   bool setToFirst() override;
   bool setToNext() override;
+  /// Stays where the name is this, otherwise moves to the first option of the name.
   virtual bool setTo(const char* name);
 
+  /// Whether it stands on an option of this name; its name and its value.
   bool matches(const char* name) const;
   const char* getOption() const;
   const char* getValue() const;
@@ -303,6 +312,7 @@ class VEL_API VelClIniFileOptionCursor : public VelClUniDirCursorABase {
 /// letter. Escapes make lines longer, and one of more than 1,023 characters ends the next load.
 class VEL_API VelClIniFileSave : public VelClIniFile {
  public:
+  /// A name without extension gets ".INI". Nothing is read.
   explicit VelClIniFileSave(const VelClFilenameABase& name);
   explicit VelClIniFileSave(const char* name) : VelClIniFileSave(VelClFilename(name)) {}
   ~VelClIniFileSave() override;
@@ -330,7 +340,9 @@ class VEL_API VelClIniFileSave : public VelClIniFile {
   bool saveOption(std::ostream& stream, const char* name, unsigned long value, const char* comment) const;
   /// Between single quotes.
   bool saveOption(std::ostream& stream, const char* name, char value, const char* comment) const;
+  /// ON or OFF.
   bool saveOptionBool(std::ostream& stream, const char* name, bool value, const char* comment) const;
+  /// The end of a line: a tab, "; " and the comment, unless that is empty, and a line break.
   bool saveComment(std::ostream& stream, const char* comment) const;
   /// One character of a quoted value.
   bool saveChar(std::ostream& stream, char c) const;

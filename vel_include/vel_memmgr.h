@@ -38,6 +38,7 @@ class VEL_API VelClMemoryManager {
  public:
   VelClMemoryManager() = delete;
 
+  /// `size` bytes, not initialised.
   static void* malloc(size_t size);
   /// `count` times `size` zeroed bytes. The product wraps; callers keep it in range.
   static void* calloc(size_t count, size_t size);
@@ -74,6 +75,7 @@ class VEL_API VelClMemoryPoolBlock {
   VelClMemoryPoolBlock& operator=(const VelClMemoryPoolBlock&) = delete;
   ~VelClMemoryPoolBlock();
 
+  /// The first byte, aligned, and the one behind the last.
   char* getBegin() const { return begin_; }
   char* getEnd() const { return begin_ + size_; }
 
@@ -96,7 +98,9 @@ class VEL_API VelClMemoryPoolBlock {
 ///   pool.reset();
 class VEL_API VelClMemoryPool {
  public:
+  /// In bytes; suits any object.
   static constexpr size_t kDefaultAlignment = 16;
+  /// In bytes: a page of memory.
   static constexpr size_t kMaxAlignment = 4096;
 
   /// Takes no memory yet. `blockSize` is in bytes, rounded up to a multiple of `alignment`, and the most that
@@ -128,6 +132,7 @@ class VEL_API VelClMemoryPool {
 
   /// In bytes, rounded up.
   size_t getBlockSize() const { return blockSize_; }
+  /// In bytes.
   size_t getAlignment() const { return alignment_; }
   /// How many blocks the pool holds, those kept by reset included.
   size_t getNumOfBlocks() const { return blockCount_; }

@@ -91,6 +91,7 @@ class VEL_API VelClMessageCatalog : public VelClFile {
   bool isValid() const { return loaded_; }
   /// Whether this is the library's own catalog, loaded or not.
   bool hasDefaultVelCatalog() const { return default_; }
+  /// Whether a string table is attached.
   bool hasValidStringTable() const { return stringTable_ != nullptr; }
   /// Attaches a table of `size` entries, which must outlive the catalog; ids below `size` can be asked for.
   /// Entry 0 is the table's signature line and entry 1 its name.
@@ -118,6 +119,7 @@ class VEL_API VelClMessageCatalog : public VelClFile {
 /// an id by language. The catalog must stay alive and keep its table.
 class VEL_API VelClMessageCatalogCursor : public VelClUniDirCursorABase {
  public:
+  /// Lists what the catalog holds now; stands on no message until setToFirst.
   explicit VelClMessageCatalogCursor(const VelClMessageCatalog& catalog);
   VelClMessageCatalogCursor(const VelClMessageCatalogCursor&) = delete;
   VelClMessageCatalogCursor& operator=(const VelClMessageCatalogCursor&) = delete;
@@ -156,6 +158,7 @@ class VEL_API VelClMessageCatalogCursor : public VelClUniDirCursorABase {
 /// from a string table know "%%" besides.
 class VEL_API VelClMessage {
  public:
+  /// Loads the message. The catalog must outlive it.
   VelClMessage(const VelClMessageCatalog& catalog, unsigned long id);
   VelClMessage(const VelClMessageCatalog& catalog, unsigned long id, const char* var1,
                const char* var2 = nullptr, const char* var3 = nullptr, const char* var4 = nullptr,
@@ -179,6 +182,7 @@ class VEL_API VelClMessage {
 
   /// Never null; valid until the message changes.
   const char* getAsCString() const { return text_; }
+  /// The number that was asked for.
   unsigned long getId() const { return id_; }
   /// Whether the text came from the catalog.
   bool isValid() const { return loaded_; }
@@ -221,6 +225,7 @@ class VEL_API VelClMessageCatalogProxy {
   bool isValid() const;
   /// Whether the message can be loaded.
   bool isValidMessageId(unsigned long id) const;
+  /// The language number that the catalog chose, 0 without a library.
   unsigned int getLanguage() const;
   /// The message, or the text that says why there is none, in this object's buffer until the next call.
   const char* getMessage(unsigned long id);
@@ -239,8 +244,15 @@ class VEL_API VelClMessageCatalogProxy {
 class VEL_API VelClLanguage {
  public:
   /// Row numbers, in the order of the two-letter codes.
-  enum VelEnLanguage : uint32_t { LANGUAGE_UNSPECIFIED = 0, LANGUAGE_UNKNOWN = 143 };
-  enum VelEnTerritory : uint32_t { TERRITORY_UNSPECIFIED = 0, TERRITORY_UNKNOWN = 242 };
+  enum VelEnLanguage : uint32_t {
+    LANGUAGE_UNSPECIFIED = 0,  ///< row 0
+    LANGUAGE_UNKNOWN = 143     ///< behind the last row
+  };
+  /// Likewise.
+  enum VelEnTerritory : uint32_t {
+    TERRITORY_UNSPECIFIED = 0,  ///< row 0
+    TERRITORY_UNKNOWN = 242     ///< behind the last row
+  };
 
   /// "-", which stands between the two codes; tags may use "_" instead.
   static const char* const cv_cpszCombiningCharString;
@@ -258,6 +270,7 @@ class VEL_API VelClLanguage {
   /// LC_MESSAGES and LANG that is set; en-US when these say nothing.
   static VelClLanguage getUserLanguage();
 
+  /// The number that the constructor takes, and its halves.
   unsigned int asNumber() const;
   VelEnLanguage getLanguage() const { return language_; }
   VelEnTerritory getTerritory() const { return territory_; }
@@ -274,6 +287,7 @@ class VEL_API VelClLanguage {
   static const char* getTerritoryName(unsigned int territory);
   /// The number of ISO 3166, 0 for territories without one; -1 when unknown.
   static int getTerritoryIdNumber(unsigned int territory);
+  /// The rows of the tables, "unspecified" included.
   static unsigned int getNumberOfLanguagesSupported();
   static unsigned int getNumberOfTerritoriesSupported();
 

@@ -32,6 +32,7 @@ class VEL_API VelClEnvironmentVariableABase {
   /// The longest name in characters; longer names are cut.
   static constexpr size_t kMaxNameLength = 40;
 
+  /// At most kMaxNameLength characters.
   const char* getName() const { return name_; }
   /// The value, or null when the variable is not set. The runtime owns the text; it is valid until
   /// the variable changes.
@@ -43,6 +44,7 @@ class VEL_API VelClEnvironmentVariableABase {
   bool hasValueEnabled() const;
 
  protected:
+  /// Null counts as "".
   explicit VelClEnvironmentVariableABase(const char* name);
   /// Replaces the name; null counts as "".
   void initName(const char* name);
@@ -56,6 +58,7 @@ class VEL_API VelClEnvironmentVariableQueryOnly : public VelClEnvironmentVariabl
  public:
   /// The name "?", which no variable has.
   VelClEnvironmentVariableQueryOnly();
+  /// Null counts as "".
   explicit VelClEnvironmentVariableQueryOnly(const char* name);
   /// The same name as another object's.
   explicit VelClEnvironmentVariableQueryOnly(const VelClEnvironmentVariableABase& other);
@@ -86,8 +89,10 @@ class VEL_API VelClProcessProperty {
  public:
   /// The current process.
   VelClProcessProperty();
+  /// Any process; whether it exists is not asked.
   explicit VelClProcessProperty(unsigned int id) : id_(id) {}
 
+  /// The system's number.
   unsigned int getProcessId() const { return id_; }
 
  private:
@@ -99,8 +104,10 @@ class VEL_API VelClThreadProperty {
  public:
   /// The current thread.
   VelClThreadProperty();
+  /// Any thread; whether it exists is not asked.
   explicit VelClThreadProperty(unsigned int id) : id_(id) {}
 
+  /// The system's number.
   unsigned int getThreadId() const { return id_; }
 
  private:
@@ -112,6 +119,7 @@ class VEL_API VelClProcess : public VelClProcessProperty {
  public:
   /// The current process.
   VelClProcess();
+  /// Any process; whether it exists is not asked.
   explicit VelClProcess(unsigned int id);
 
   /// Ends the process at once, with exit code 0 on Windows and by SIGKILL on Linux; it may still be
@@ -120,6 +128,7 @@ class VEL_API VelClProcess : public VelClProcessProperty {
   /// process. False with PROCESS_COULD_NOT_KILL and class INVALID_DATA when the system fails.
   bool kill();
 
+  /// Of the last kill.
   const _VelStError& getLastError() const { return lastError_; }
 
  private:
@@ -142,6 +151,7 @@ class VEL_API VelClExeFile : public VelClFile {
   VelClExeFile& operator=(const VelClExeFile&) = default;
   ~VelClExeFile() override;
 
+  /// Whether a search, and not the name alone, led to the file.
   bool isFoundInSystemPath() const { return foundInSystemPath_; }
 
   /// "EXE", without a dot.
@@ -150,7 +160,11 @@ class VEL_API VelClExeFile : public VelClFile {
   static const char* getSystemPathEnvironmentVariable();
 
  protected:
-  enum VelEnKind : int32_t { PROGRAM = 0, LIBRARY = 1 };
+  /// What is searched for.
+  enum VelEnKind : int32_t {
+    PROGRAM = 0,  ///< an executable file
+    LIBRARY = 1   ///< a dynamic library
+  };
   /// Searches a name without directory and no other; VEL_NEWPROCESS_USEPATH has no effect.
   VelClExeFile(const VelClFilename& name, const char* defaultType, VelEnKind kind);
 
@@ -190,16 +204,19 @@ class VEL_API VelClNewProcessABase {
   /// Set before launch: the program gets a console window of its own (off at first). Linux has no such
   /// windows, and nothing changes there.
   void setNewConsole(bool newConsole) { newConsole_ = newConsole; }
+  /// What setNewConsole set.
   bool hasNewConsole() const { return newConsole_; }
   /// After launch: the exit code of VelClNewSyncProcess, the process identifier of
   /// VelClNewAsyncProcess, or the system's error code. 0 before.
   unsigned long getResult() const { return result_; }
+  /// Of the last launch.
   const _VelStError& getLastError() const { return lastError_; }
 
  protected:
   /// Writes the program's name as first argument. `exe` is not copied and must outlive the object.
   explicit VelClNewProcessABase(const VelClExeFile& exe);
 
+  /// The program.
   const VelClExeFile& getExeFile() const { return exe_; }
   /// The command line, terminated; owned by the object and valid until the next argument.
   char* getArgs() { return commandLine_; }
@@ -226,6 +243,7 @@ class VEL_API VelClNewProcessABase {
 /// Starts a program and waits for its end.
 class VEL_API VelClNewSyncProcess : public VelClNewProcessABase {
  public:
+  /// `exe` is not copied and must outlive the object.
   explicit VelClNewSyncProcess(const VelClExeFile& exe);
   ~VelClNewSyncProcess() override;
 
@@ -239,6 +257,7 @@ class VEL_API VelClNewSyncProcess : public VelClNewProcessABase {
 /// on Linux in a new session, with /dev/null as its standard streams, and as nobody's zombie.
 class VEL_API VelClNewAsyncProcess : public VelClNewProcessABase {
  public:
+  /// `exe` is not copied and must outlive the object.
   explicit VelClNewAsyncProcess(const VelClExeFile& exe);
   ~VelClNewAsyncProcess() override;
 
@@ -278,6 +297,7 @@ class VEL_API VelClDllFile : public VelClExeFile {
 /// A dynamic library whose procedures are asked for by name.
 class VEL_API VelClDllProcLoaderFile : public VelClDllFile {
  public:
+  /// Loads it as VelClDllFile does.
   explicit VelClDllProcLoaderFile(const VelClFilename& name);
   ~VelClDllProcLoaderFile() override;
 

@@ -28,11 +28,17 @@
 #if defined(__cplusplus)
 
 /// How detailed an entry is. A filter passes entries up to its own level.
-enum class VelEnTraceDetail : int32_t { OFF = 0, LOW = 1, MEDIUM = 2, HIGH = 3 };
+enum class VelEnTraceDetail : int32_t {
+  OFF = 0,  ///< of an entry: passes every filter; of a filter: nothing else does
+  /// From the fewest entries to all of them.
+  LOW = 1,
+  MEDIUM = 2,
+  HIGH = 3
+};
 
 /// What an entry records and, for data, how it is shown.
 enum class VelEnTraceDataType : int32_t {
-  NOTHING = 0,
+  NOTHING = 0,         ///< shown without data
   FUNCTION_ENTRY = 1,  ///< with the nesting level, 4 bytes, as data
   FUNCTION_EXIT = 2,   ///< likewise
   DATA_NONE = 3,       ///< a message only; its data pointer must not be null, its size must be 0
@@ -42,7 +48,8 @@ enum class VelEnTraceDataType : int32_t {
   ADDRESS = 7,         ///< the 8 bytes of a pointer
   C_STRING = 8,        ///< characters without their terminator
   UTF16_STRING = 9,    ///< shown as a dump
-  BOOLEAN_VALUE = 10,
+  BOOLEAN_VALUE = 10,  ///< 1 byte
+  /// Numbers of that many bits, little-endian.
   SIGNED_8 = 11,
   UNSIGNED_8 = 12,
   SIGNED_16 = 13,
@@ -53,7 +60,7 @@ enum class VelEnTraceDataType : int32_t {
   UNSIGNED_64 = 18,
   FLOAT_32 = 19,
   FLOAT_64 = 20,
-  LONG_DOUBLE = 21
+  LONG_DOUBLE = 21  ///< the 16 bytes of long double, of which 10 count
 };
 
 class VelClTraceInstance;
@@ -114,6 +121,7 @@ class VEL_API VelClTraceFilter {
   /// Passes detail low and off, of every process, thread and component.
   VelClTraceFilter();
 
+  /// The most detailed level that passes.
   VelEnTraceDetail getDetail() const { return detail_; }
   void setDetail(VelEnTraceDetail detail) { detail_ = detail; }
   /// HIGH, MED and LOW in any letter case, with anything behind them; all else, also null, means OFF.
@@ -129,6 +137,7 @@ class VEL_API VelClTraceFilter {
   unsigned int getProcessId() const { return processId_; }
   unsigned int getThreadId() const { return threadId_; }
 
+  /// Whether an entry with this property passes.
   bool matchesDetail(VelEnTraceDetail detail) const { return detail <= detail_; }
   bool matchesProcessId(unsigned int id) const { return processId_ == 0 || processId_ == id; }
   bool matchesThreadId(unsigned int id) const { return threadId_ == 0 || threadId_ == id; }
@@ -136,6 +145,7 @@ class VEL_API VelClTraceFilter {
   bool matchesCompId(unsigned short id) const {
     return id == 0 || (id < kComponents && (components_[id / 8] >> id % 8 & 1) != 0);
   }
+  /// Whether a process, or a thread, is chosen.
   bool usesProcessIdFilter() const { return processId_ != 0; }
   bool usesThreadIdFilter() const { return threadId_ != 0; }
   /// Whether a component from 1 to 255 is shut out.
@@ -144,6 +154,7 @@ class VEL_API VelClTraceFilter {
   /// Ids above 255 are ignored.
   void enableComponentId(unsigned short id) { setBits(id, id, true); }
   void disableComponentId(unsigned short id) { setBits(id, id, false); }
+  /// From 0 to 255.
   void enableAllComponentIds() { setBits(0, kComponents - 1, true); }
   void disableAllComponentIds() { setBits(0, kComponents - 1, false); }
   /// From one id to another, both included; nothing when `from` is above `to`.
@@ -169,9 +180,9 @@ class VEL_API VelClTraceFilter {
 
 /// The settings in a form that can lie in anybody's memory.
 struct VEL_API _VelStTraceSettings {
-  uint32_t signature;
-  uint32_t flags;
-  VelClTraceFilter filter;
+  uint32_t signature;       ///< tells that a VelClTraceSettings has initialised the record
+  uint32_t flags;           ///< VelClTraceSettings knows the bits
+  VelClTraceFilter filter;  ///< detail and components
 
   /// Leaves signature and flags as they are in memory.
   _VelStTraceSettings() {}  // NOLINT(cppcoreguidelines-pro-type-member-init)
@@ -197,19 +208,23 @@ class VEL_API VelClTraceSettings {
   /// The trace facility reports what it does on standard output.
   bool isVerbose() const { return hasFlag(VERBOSE); }
 
+  /// Switch these on and off.
   void enableCompression(bool enable) { setFlag(COMPRESSION, enable); }
   // The trace file's writer is attached when the environment is built. Keep.
   /// The environment looks at autosave when it is built and when it is destroyed; in between this changes
   /// nothing.
   void enableAutosave(bool enable) { setFlag(AUTOSAVE, enable); }
+  /// Switch these on and off.
   void enableAutoclear(bool enable) { setFlag(AUTOCLEAR, enable); }
   void enableAutoflush(bool enable) { setFlag(AUTOFLUSH, enable); }
   void enableVerbose(bool enable) { setFlag(VERBOSE, enable); }
 
+  /// The filter's detail, see VelClTraceFilter::setDetail.
   VelEnTraceDetail getDetailLevel() const { return record_->filter.getDetail(); }
   void setDetailLevel(const char* text) { record_->filter.setDetail(text); }
   /// Shuts all components out, then applies the list.
   void initComponentIds(const char* list);
+  /// What entries are asked, as isToBeDumped does.
   VelClTraceFilter& getFilter() const { return record_->filter; }
   bool isToBeDumped(VelEnTraceDetail detail, unsigned short componentId) const {
     return record_->filter.matchesDetail(detail) && record_->filter.matchesCompId(componentId);
@@ -260,6 +275,7 @@ class VEL_API VelClResourceKeyABase {
 /// The name of a semaphore: type "SEM32".
 class VEL_API VelClResourceKeySemaphore : public VelClResourceKeyABase {
  public:
+  /// A null instance is left out.
   VelClResourceKeySemaphore(const char* key, const char* instance);
   VelClResourceKeySemaphore(const VelClResourceKeySemaphore&) = default;
   VelClResourceKeySemaphore& operator=(const VelClResourceKeySemaphore&) = default;
@@ -270,17 +286,18 @@ class VEL_API VelClResourceKeySemaphore : public VelClResourceKeyABase {
 /// nothing.
 class VEL_API VelClTraceBufferAccessSemaphore {
  public:
+  /// The key is not used.
   explicit VelClTraceBufferAccessSemaphore(const VelClResourceKeySemaphore&) {}
 };
 
 /// What the ring hands to be saved: the first piece, then the second, are the unsaved bytes in order. The
 /// pieces lie in the ring and are valid during the call.
 struct _VelStTraceBufferCallBackInfo {
-  void* context;
-  const char* first;
-  uint64_t firstLength;  ///< in bytes, may be 0
-  const char* second;    ///< null when there is none
-  uint64_t secondLength;
+  void* context;          ///< what was attached with the handler
+  const char* first;      ///< never null
+  uint64_t firstLength;   ///< in bytes, may be 0
+  const char* second;     ///< null when there is none
+  uint64_t secondLength;  ///< in bytes
 };
 
 /// Takes the pieces; called within write and flush.
@@ -307,6 +324,7 @@ class VEL_API VelClTraceBufferManager {
   size_t getDataBufferSize() const;
   /// One handler at a time; `context` comes back with every call.
   void attachOverflowHandler(VelTraceOverflowHandler handler, void* context);
+  /// Without a handler the oldest bytes are overwritten.
   void detachOverflowHandler() { handler_ = nullptr; }
 
   /// Appends an entry: its record and its data. One that is longer than the ring goes around it more than
@@ -368,6 +386,7 @@ class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
   /// Saves what is not saved yet.
   ~VelClTraceEnvironment() override;
 
+  /// <KEY>_TRACE_ACTIVE, or what was activated since.
   void activate() { active_ = true; }
   bool isActive() const { return active_; }
   /// Puts an entry into the ring.
@@ -380,17 +399,23 @@ class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
 
   /// The ring's room for entries, in bytes.
   uint64_t getBufferSize() const { return manager_->getDataBufferSize(); }
+  /// The trace file's.
   const VelClFilename& getFilename() const { return filename_; }
   /// For saving and formatting from now on. Longer names than 260 characters are cut.
   void setFilename(const char* name) { filename_ = name; }
+  /// Of setFormatString or <KEY>_TRACE_FORMAT; without these, one that shows everything.
   const char* getFormatString() const { return format_; }
   /// Cut at 512 characters; null counts as "".
   void setFormatString(const char* format);
+  /// To read and to change.
   VelClTraceSettings& getSettings() const { return *settings_; }
+  /// Of the process that made the environment.
   unsigned int getProcessId() const { return processId_; }
   /// velGetTimeStamp.
   unsigned long getTimeStamp() const;
+  /// Whether the ring lies in memory that processes share; always false.
   bool usesSharedMemory() const { return sharedMemory_; }
+  /// Whether it was made in controller mode.
   bool isController() const { return controllerMode_; }
 
   /// Count texts for the compression rate: their sizes in bytes before and after compression. The totals
@@ -445,6 +470,7 @@ class VEL_API VelClTraceEntry {
   VelClTraceEntry& operator=(const VelClTraceEntry&) = delete;
   virtual ~VelClTraceEntry();
 
+  /// What byte 0 of the record holds.
   VelEnTraceDataType getType() const { return static_cast<VelEnTraceDataType>(record_[0] & 0x1F); }
   VelEnTraceDetail getDetail() const { return static_cast<VelEnTraceDetail>(record_[0] >> 6); }
   bool isCompressed() const { return (record_[0] & 0x20) != 0; }
@@ -452,14 +478,17 @@ class VEL_API VelClTraceEntry {
   /// Keeps the detail and nothing else: set the mark of compression afterwards.
   void setType(VelEnTraceDataType type);
   void setDetail(VelEnTraceDetail detail);
+  /// Marks the texts as compressed.
   void setCompressFlag() { record_[0] |= 0x20; }
 
+  /// The numbers of the record.
   unsigned short getComponentId() const { return record_[1]; }
   unsigned long getTimeStamp() const { return numberAt(4); }
   unsigned int getProcessId() const { return numberAt(8); }
   unsigned int getThreadId() const { return numberAt(12); }
   /// In bytes.
   unsigned int getDumpDataLength() const { return numberAt(16); }
+  /// Null in an entry read from a file.
   const void* getDumpData() const { return dumpData_; }
 
   /// The record, and its length without the dump data.
@@ -472,17 +501,20 @@ class VEL_API VelClTraceEntry {
   unsigned int getCompressedOriginLength() const { return record_[3]; }
 
  protected:
+  /// In bytes, of the record and of each text as stored.
   static constexpr size_t kHeadLength = 20;
   static constexpr size_t kLongestText = 255;
 
   /// Empty, all bytes 0.
   explicit VelClTraceEntry(const VelClTraceEnvironment& environment);
+  /// The 4 bytes there.
   uint32_t numberAt(size_t offset) const {
     return record_[offset] | static_cast<uint32_t>(record_[offset + 1]) << 8 |
            static_cast<uint32_t>(record_[offset + 2]) << 16 |
            static_cast<uint32_t>(record_[offset + 3]) << 24;
   }
 
+  /// See the record above.
   const VelClTraceEnvironment* environment_;
   unsigned char record_[kHeadLength + 2 * kLongestText + 2 + 8];  ///< texts are stored by the word
   uint64_t entrySize_;
@@ -611,16 +643,19 @@ class VEL_API VelClTraceInstance {
   void disable();
   /// Makes the environment active; enable comes afterwards.
   void activate();
+  /// Whether the environment is active.
   bool isActive() const;
   /// Whether any instance is enabled.
   bool isEnabled() const { return gs_pclVelTraceInstance != nullptr; }
   /// Saves what is not saved yet, if the environment is active.
   void flush();
+  /// The environment of the key, owned by the instance.
   VelClTraceEnvironment& getEnvironment() const { return *environment_; }
 
   /// Hands every entry to another back end instead of the ring; serialise the entries of several threads
   /// there.
   void registerUserCallback(VelTraceCallback callback, void* context);
+  /// Whether entries go to the ring.
   bool usesVelBackEnd() const { return callback_ == &dumpImp; }
   /// Hands an entry to the back end as it is, also when nothing is enabled. See velTraceDump.
   void dump(VelEnTraceDetail detail, unsigned short componentId, VelEnTraceDataType type, const char* origin,
@@ -659,6 +694,7 @@ class VEL_API VelClTraceAutomaticInstanceDestructor {
 /// Traces a function's entry and, at the end of its scope, its exit. `origin` is a literal.
 class VelClTraceFunction {
  public:
+  /// Records the entry.
   VelClTraceFunction(VelEnTraceDetail detail, unsigned short componentId, const char* origin)
       : detail_(detail), componentId_(componentId), origin_(origin) {
     record(VelEnTraceDataType::FUNCTION_ENTRY);

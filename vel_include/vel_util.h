@@ -32,6 +32,7 @@ class VEL_API VelClStringMatchABase {
   virtual const char* getPattern(const char* text) const = 0;
 
  protected:
+  /// What the constructor was given.
   const char* pattern_;
   bool flag_;
 };
@@ -63,6 +64,7 @@ class VEL_API VelClStringSearch : public VelClStringMatchABase {
 class VEL_API VelClStringMatchWildcards : public VelClStringMatchABase {
  public:
   // The flag has the opposite sense of VelClStringSearch's. Keep.
+  /// See velMatchesWildcardPattern.
   VelClStringMatchWildcards(const char* pattern, bool caseSensitive);
   ~VelClStringMatchWildcards() override;
 
@@ -74,11 +76,13 @@ class VEL_API VelClStringMatchWildcards : public VelClStringMatchABase {
 /// anything.
 class VEL_API VelClGrep : public VelClStringMatchABase {
  public:
+  /// The arguments have no effect.
   VelClGrep(const char* pattern, bool flag);
   VelClGrep(int options, const char* pattern);
   ~VelClGrep() override;
 
   const char* getPattern(const char* text) const override;
+  /// Always null.
   const char* getPattern(const char* text, int options) const;
 
  private:
@@ -111,6 +115,7 @@ class VEL_API VelClStrepHexDump : public VelClStringRepresentationABase {
  public:
   /// Without an address. `data` may be null when `count` is 0.
   VelClStrepHexDump(const void* data, size_t count);
+  /// With the address `offset`.
   VelClStrepHexDump(size_t offset, const void* data, size_t count);
   VelClStrepHexDump(const VelClStrepHexDump&) = default;
   VelClStrepHexDump& operator=(const VelClStrepHexDump&) = default;
@@ -127,6 +132,7 @@ class VEL_API VelClStrepHexDump : public VelClStringRepresentationABase {
 ///   00000008: 01000001 00001010 ________ ________  ________ ________ ________ ________ | A.______
 class VEL_API VelClStrepBinDump : public VelClStringRepresentationABase {
  public:
+  /// Without an address, and with one; see VelClStrepHexDump.
   VelClStrepBinDump(const void* data, size_t count);
   VelClStrepBinDump(size_t offset, const void* data, size_t count);
   VelClStrepBinDump(const VelClStrepBinDump&) = default;
@@ -142,8 +148,10 @@ class VEL_API VelClStrepBinDump : public VelClStringRepresentationABase {
 /// An address as a stream prints it: "0x1ab", and "0" for null.
 class VEL_API VelClStrepAddress final {
  public:
+  /// Any address; nothing is read there.
   explicit VelClStrepAddress(const void* address);
 
+  /// Valid as long as this object.
   virtual const char* getAsCString() const;
 
  private:
@@ -201,6 +209,7 @@ void velDebugImpDump(const Element*, size_t) {}
 template <VelDumpElement Element>
 void velDebugImpDump(std::ostream&, const Element*, size_t) {}
 
+/// Nothing, for whatever the functions above take.
 template <typename... Arguments>
 requires requires(Arguments&&... arguments) {
   velDebugImpDump(arguments...);
@@ -256,11 +265,14 @@ class VEL_API VelClRandomNumberGenerator {
 ///   const int dots = std::uniform_int_distribution<int>(1, 6)(bits);
 class VelClRandomBitGenerator {
  public:
+  /// The form that the standard asks for: numbers of 32 bits, their limits and the next one.
   using result_type = uint32_t;
 
+  /// `source` is not copied.
   explicit VelClRandomBitGenerator(const VelClRandomNumberGenerator& source) : source_(&source) {}
 
   // In parentheses, because windows.h may have made macros of both names.
+  /// See result_type.
   static constexpr result_type(min)() { return 0; }
   static constexpr result_type(max)() { return 0xFFFFFFFF; }
   result_type operator()() { return static_cast<result_type>(source_->getRandomNumber()); }
@@ -305,11 +317,14 @@ class VEL_API VelClBitArray : public VelClPersistencyABase {
   void read(std::istream& stream) override;
 
   // Only bytes count, as many as this array has: 8 bits can equal 15, and 8 bits can equal the start of 64.
+  /// Compares bytes, as many as this array has.
   bool operator==(const VelClBitArray& other) const;
 
+  /// Of the construction, an assignment or a read.
   size_t getNumOfBits() const { return static_cast<size_t>(bitCount_); }
   /// How many bits are 1.
   size_t getNumOfSetBits() const;
+  /// Makes all bits 0.
   void resetAll();
 
   /// Indexes from 0; where there is no bit, nothing changes and test is false.
