@@ -1,0 +1,52 @@
+#!/usr/bin/env python3
+"""Makes the manual: a reference of the public headers and the pages of this folder, as HTML.
+
+make_manual.py --doxygen PROGRAM --out DIRECTORY
+
+Everything is prepared below DIRECTORY, and Doxygen runs there; its warnings are errors."""
+import argparse
+import csv
+import pathlib
+import shutil
+import subprocess
+import sys
+
+import headers
+import pages
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+
+
+def ccsid_words():
+    """What the reference says about each number: the kind of its code page."""
+    result = {}
+    with open(ROOT / "codepage/ccsids.tsv", newline="", encoding="ascii") as file:
+        for row in csv.DictReader(file, delimiter="\t"):
+            result[int(row["ccsid"])] = pages.kind_of(row) + "."
+    return result
+
+
+def prepare(out):
+    shutil.rmtree(out, ignore_errors=True)
+    (out / "input").mkdir(parents=True)
+    words = ccsid_words()
+    for header in sorted((ROOT / "vel_include").glob("*.h")):
+        text = headers.prepared(header.read_text(encoding="utf-8"), words)
+        (out / "input" / header.name).write_text(text, encoding="utf-8")
+    for page in sorted((ROOT / "docs/manual").glob("*.md")):
+        (out / "input" / page.name).write_text(pages.expanded(page, ROOT), encoding="utf-8")
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--doxygen", default="doxygen")
+    parser.add_argument("--out", type=pathlib.Path, required=True)
+    arguments = parser.parse_args()
+    out = arguments.out.resolve()
+    prepare(out)
+    shutil.copy(ROOT / "docs/manual/Doxyfile", out)
+    sys.exit(subprocess.run([arguments.doxygen, "Doxyfile"], cwd=out, stdout=subprocess.DEVNULL).returncode)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,121 @@
+"""Fills the pages in, so that no fact stands in them a second time. In a page,
+
+  {{source FILE}}            is a source file
+  {{output SESSION: WORDS}}  is the command that begins with these words, and what it prints
+  {{stated HEADER: WORDS}}   is the number in these words, which must stand in that header's comments
+  {{value HEADER: NAME}}     is the number of a constant
+  {{code-pages}}, {{errors}}, {{classes}}, {{icu-errors}}, {{trace-types}}   are tables of the data files"""
+import csv
+import re
+import sys
+
+FLAGS = {0x01: "ASCII-based", 0x02: "EBCDIC-based", 0x04: "double-byte", 0x08: "single-byte", 0x40: "UCS-2"}
+
+
+def rows_of(path):
+    with open(path, newline="", encoding="utf-8") as file:
+        return list(csv.DictReader(file, delimiter="\t", quoting=csv.QUOTE_NONE))
+
+
+def kind_of(row):
+    """What the table of CCSIDs says of one of them."""
+    words = [word for flag, word in FLAGS.items() if int(row["flags"], 16) & flag]
+    if "UCS-2" not in words and not {"double-byte", "single-byte"} & set(words):
+        words.append("single and more bytes" if words else "neither of these")
+    if row["name"] not in (row["ccsid"], "???"):
+        words.append("named " + row["name"])
+    return ", ".join(words)
+
+
+def table(titles, rows):
+    lines = ["| " + " | ".join(titles) + " |", "|" + "---|" * len(titles)]
+    lines += ["| " + " | ".join(str(cell) for cell in row) + " |" for row in rows]
+    return "\n".join(lines)
+
+
+class Page:
+    def __init__(self, path, root):
+        self.path, self.root = path, root
+
+    def stop(self, message):
+        sys.exit(f"{self.path.name}: {message}")
+
+    def fill(self, match):
+        name, argument = match[1], (match[2] or "").strip()
+        return getattr(self, name.replace("-", "_"))(argument)
+
+    def expanded(self):
+        return re.sub(r"\{\{([a-z-]+)(?: ([^}]*))?\}\}", self.fill, self.path.read_text(encoding="utf-8"))
+
+    def source(self, name):
+        text = (self.root / name).read_text(encoding="utf-8")
+        language = "cpp" if name.endswith(".cpp") else "c"
+        return f"```{{.{language}}}\n{text.rstrip()}\n```"
+
+    def output(self, argument):
+        session, command = (part.strip() for part in argument.split(":", 1))
+        lines = (self.root / session).read_text(encoding="utf-8").split("\n")
+        starts = [i for i, line in enumerate(lines) if line == "$ " + command]
+        if len(starts) != 1:
+            self.stop(f"{len(starts)} runs of '{command}' in {session}")
+        shown = [lines[starts[0]]]
+        for line in lines[starts[0] + 1:]:
+            if not re.match(r"[>!](?: |$)", line):
+                break
+            shown.append(line[2:])
+        if len(shown) == 1:
+            self.stop(f"'{command}' prints nothing in {session}")
+        return "```\n" + "\n".join(shown) + "\n```"
+
+    def header(self, name):
+        return (self.root / "vel_include" / name).read_text(encoding="utf-8")
+
+    def stated(self, argument):
+        name, words = (part.strip() for part in argument.split(":", 1))
+        comments = " ".join(re.sub(r"[\s/<|]+", " ", self.header(name)).split())
+        if words not in comments:
+            self.stop(f"'{words}' does not stand in {name}")
+        return re.search(r"\d[\d,]*", words)[0]
+
+    def value(self, argument):
+        name, constant = (part.strip() for part in argument.split(":", 1))
+        found = re.search(rf"\b{constant}(?: =)? (\d+)", self.header(name))
+        if not found:
+            self.stop(f"{name} has no constant {constant}")
+        return f"{int(found[1]):,}"
+
+    def code_pages(self, _):
+        kinds = {int(row["ccsid"]): kind_of(row) for row in rows_of(self.root / "codepage/ccsids.tsv")}
+        rows = []
+        for path in sorted((self.root / "codepage/mappings").glob("*.txt"), key=lambda path: int(path.stem)):
+            head = path.read_text(encoding="utf-8").split("\n[", 1)[0]
+            facts = dict(line.split("\t", 1) for line in head.split("\n") if "\t" in line)
+            least, most = facts["min-bytes"], facts["max-bytes"]
+            rows.append((path.stem, kinds[int(path.stem)], least if least == most else f"{least} or {most}",
+                         "yes" if facts["shift"].startswith("yes") else "", facts["edition"]))
+        return table(("CCSID", "Kind", "Bytes a character", "Shifts", "Edition"), rows)
+
+    def errors(self, _):
+        comments = dict(re.findall(r"(\w+) = \d+,?\s+///< (.*)", self.header("vel_error.h")))
+        rows = [row for row in rows_of(self.root / "foundation/errors.tsv") if row["kind"] == "identifier"]
+        return table(("Identifier", "Number", "Message", "Means"),
+                     [(f"`{row['name']}`", row["value"], row["message_id"], comments[row["name"]]) for row in rows])
+
+    def classes(self, _):
+        rows = [row for row in rows_of(self.root / "foundation/errors.tsv") if row["kind"] != "identifier"]
+        return table(("Enumeration", "Name", "Number", "Message"),
+                     [(row["kind"], f"`{row['name']}`", row["value"], row["message_id"]) for row in rows])
+
+    def icu_errors(self, _):
+        return table(("Status of ICU", "Number", "Identifier", "Class", "Severity", "Action"),
+                     [(f"`{row['icu_status']}`", row["value"], f"`{row['error_identifier']}`", row["class"],
+                       row["severity"], row["action"]) for row in rows_of(self.root / "codepage/icu_errors.tsv")])
+
+    def trace_types(self, _):
+        return table(("Number", "Short name (%%x)", "Long name (%%X)"),
+                     [(row["value"], row["short_name"], row["long_name"])
+                      for row in rows_of(self.root / "trace/trace_types.tsv")])
+
+
+def expanded(path, root):
+    return Page(path, root).expanded()
