@@ -52,6 +52,7 @@ class VEL_API VelClConversionSink {
 /// be used by two threads at once.
 class VEL_API VelClStrictConversion {
  public:
+  /// The kinds of ways, as the converters have them.
   using VelEnRoute = VelClConverterABase::VelEnRoute;
 
   /// What becomes of a fault.
@@ -63,15 +64,17 @@ class VEL_API VelClStrictConversion {
                   ///< are
   };
 
+  /// The kinds of faults.
   enum class VelEnFault : int32_t {
-    NONE = 0,
+    NONE = 0,               ///< no fault
     INVALID_SEQUENCE = 1,   ///< these bytes are no character of the source's code page
     INCOMPLETE = 2,         ///< the source ends within a character, or in double-byte mode
     NOT_REPRESENTABLE = 3,  ///< a character that the target's code page lacks
   };
 
+  /// What is known of a fault, and where it is.
   struct VelStFault {
-    VelEnFault kind;
+    VelEnFault kind;  ///< what is wrong
     /// Of the source in bytes, from its beginning, before the fault.
     uint64_t offset;
     /// From 1; lines end with U+000A, and with U+0085 where the source is EBCDIC-based.
