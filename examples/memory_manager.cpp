@@ -1,0 +1,44 @@
+// Puts an allocator of the program's own under the library: it counts, and it has a limit.
+#include <vel.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+constexpr size_t kLargest = 1024 * 1024;
+unsigned int taken = 0;
+unsigned int given = 0;
+
+void* allocate(size_t size) {
+  if (size > kLargest) return nullptr;
+  ++taken;
+  return std::malloc(size);
+}
+
+void* reallocate(void* block, size_t size) {
+  return size > kLargest ? nullptr : std::realloc(block, size);
+}
+
+void deallocate(void* block) {
+  ++given;
+  std::free(block);
+}
+
+}  // namespace
+
+int main() {
+  // Before the library is used for anything else.
+  velSetNewMemoryManager(&allocate, &reallocate, &deallocate);
+  {
+    const VelClStringSearch search("Needle", true);
+    std::printf("found at \"%s\"\n", search.getPattern("hay needle hay"));
+    const VelClBitArray bits(100);
+  }
+  std::printf("%s\n", taken != 0 && taken == given ? "all given back" : "leaked");
+  try {
+    const VelClBitArray tooLarge(64UL * 1024 * 1024);
+  } catch (const VelClException& failure) {
+    std::printf("too large: %s\n", failure.getId() == MEMMGR_USER_OUT_OF_MEMORY ? "refused" : "failed");
+  }
+}
