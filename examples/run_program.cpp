@@ -1,5 +1,5 @@
 // Starts another program with arguments, waits for it, and tells how it ended. Try "run_program example_greet
-// -name Ada".
+// -name Ada". Without a program it ends with 1.
 #include <vel.h>
 
 #include <iostream>

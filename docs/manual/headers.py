@@ -16,7 +16,8 @@ ENUMERATORS = re.compile(r"CCSID_(\d+) = \d+,")
 def escaped(words):
     """Plain text as Doxygen's Markdown shows it; what stands between back-quotes is left as it is."""
     parts = re.split(r"(`[^`]*`)", words)
-    return "".join(part if part.startswith("`") else re.sub(r"([\\@<>#%&*~])", r"\\\1", part) for part in parts)
+    return "".join(part if part.startswith("`") else
+                   re.sub(r"([\\@<>#%&*~])", r"\\\1", part).replace('"', "&quot;") for part in parts)
 
 
 def prose(words):
@@ -32,7 +33,7 @@ def comment(lines):
         if not example:
             return
         code = any(line.rstrip().endswith((";", ")", "...")) for line in example)
-        begin, end = ("@code{.cpp}", "@endcode") if code else ("@verbatim", "@endverbatim")
+        begin, end = ("@code{.cpp}", "@endcode") if code else ("@code{.unparsed}", "@endcode")
         result.extend([begin, *(line[2:] for line in example), end])
         example.clear()
 
@@ -110,12 +111,12 @@ class Header:
         indent = re.match(r"\s*", lines[0])[0]
         scope = self.scopes[-1][1] if self.scopes else ""
         own = "///<" in text
-        if self.doc is not None and not own and (self.uses == 0 or " override" not in text):
+        words = special_member(text, scope)
+        if self.doc is not None and not own and (self.uses == 0 or (words is None and " override" not in text)):
             self.emit_doc(indent)
         elif self.in_enum() and not own:
             sys.exit(f"an enumerator without a comment: {text}")
         elif not own and " override" not in text:
-            words = special_member(text, scope)
             if words == "":
                 lines = [indent + "/// @cond", *lines, indent + "/// @endcond"]
             elif words:

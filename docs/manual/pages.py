@@ -62,7 +62,7 @@ class Page:
         for line in lines[starts[0] + 1:]:
             if not re.match(r"[>!](?: |$)", line):
                 break
-            shown.append(line[2:])
+            shown.append(line[2:].replace("\\\\", "\\").replace("\\t", "\t") if "\\" in line else line[2:])
         if len(shown) == 1:
             self.stop(f"'{command}' prints nothing in {session}")
         return "```\n" + "\n".join(shown) + "\n```"
