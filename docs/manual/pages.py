@@ -45,7 +45,18 @@ class Page:
         return getattr(self, name.replace("-", "_"))(argument)
 
     def expanded(self):
-        return re.sub(r"\{\{([a-z-]+)(?: ([^}]*))?\}\}", self.fill, self.path.read_text(encoding="utf-8"))
+        text = self.path.read_text(encoding="utf-8")
+        self.check_names(re.sub(r"\{\{[^}]*\}\}", "", text))
+        return re.sub(r"\{\{([a-z-]+)(?: ([^}]*))?\}\}", self.fill, text)
+
+    def check_names(self, text):
+        """Doxygen makes links of the names that it knows, and says nothing about others."""
+        headers = "".join(path.read_text(encoding="utf-8") for path in (self.root / "vel_include").glob("*.h"))
+        known = set(re.findall(r"\w+", headers))
+        for name in re.findall(r"\b_?(?:Vel|vel)[A-Z][\w:]*\w\b(?!\.\.\.)|\bVEL_[A-Z_]+\b", text):
+            for part in re.split("::", name):
+                if part not in known:
+                    self.stop(f"no header has the name {name}")
 
     def source(self, name):
         text = (self.root / name).read_text(encoding="utf-8")
