@@ -95,7 +95,7 @@ class VEL_API VelClUsageCursor : public VelClUniDirCursorABase {
 /// copied.
 class VEL_API VelClArgvCursor : public VelClBiDirCursorABase {
  public:
-  /// Stands on no argument until setToFirst; of a user interface, its command line.
+  /// Stands at the first argument, if there is one; of a user interface, its command line.
   VelClArgvCursor(int argc, const char* const* argv);
   explicit VelClArgvCursor(const VelClConsoleUI& ui);
   VelClArgvCursor(const VelClArgvCursor&) = default;
@@ -123,7 +123,7 @@ class VEL_API VelClArgvCursor : public VelClBiDirCursorABase {
  protected:
   /// The argument at an index from 1 on, or null.
   const char* argumentAt(int32_t index) const;
-  /// The position and the number of arguments as in `argv`; the position is not valid below 1.
+  /// The position and the number of arguments, both counted as in `argv`.
   int32_t getIndex() const { return index_; }
   void setIndex(int32_t index) { index_ = index; }
   int32_t getCount() const { return count_; }

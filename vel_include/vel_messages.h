@@ -119,7 +119,7 @@ class VEL_API VelClMessageCatalog : public VelClFile {
 /// an id by language. The catalog must stay alive and keep its table.
 class VEL_API VelClMessageCatalogCursor : public VelClUniDirCursorABase {
  public:
-  /// Lists what the catalog holds now; stands on no message until setToFirst.
+  /// Lists what the catalog holds now. Call setToFirst before you ask.
   explicit VelClMessageCatalogCursor(const VelClMessageCatalog& catalog);
   VelClMessageCatalogCursor(const VelClMessageCatalogCursor&) = delete;
   VelClMessageCatalogCursor& operator=(const VelClMessageCatalogCursor&) = delete;

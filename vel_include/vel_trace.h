@@ -38,7 +38,7 @@ enum class VelEnTraceDetail : int32_t {
 
 /// What an entry records and, for data, how it is shown.
 enum class VelEnTraceDataType : int32_t {
-  NOTHING = 0,         ///< shown without data
+  NOTHING = 0,         ///< no type: in a trace file it counts as damage
   FUNCTION_ENTRY = 1,  ///< with the nesting level, 4 bytes, as data
   FUNCTION_EXIT = 2,   ///< likewise
   DATA_NONE = 3,       ///< a message only; its data pointer must not be null, its size must be 0
@@ -60,7 +60,7 @@ enum class VelEnTraceDataType : int32_t {
   UNSIGNED_64 = 18,
   FLOAT_32 = 19,
   FLOAT_64 = 20,
-  LONG_DOUBLE = 21  ///< the 16 bytes of long double, of which 10 count
+  LONG_DOUBLE = 21  ///< 8, 10, 12 or 16 bytes, the form of long double; of more than 8 the first 10 count
 };
 
 class VelClTraceInstance;
