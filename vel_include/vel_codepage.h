@@ -9,12 +9,12 @@
 #include "vel_error.h"
 #include "vel_export.h"
 
-/// The built-in conversion tables; all are constant. Null for a CCSID without such a table.
-
-/// 256 UCS-2 units, one for each byte, stored with the high byte first; U+FFFD where nothing is mapped.
+/// 256 UCS-2 units, one for each byte, stored with the high byte first; U+FFFD where nothing is mapped. This
+/// and the other tables are constant. Null for a CCSID without such a table.
 VEL_C_API const uint16_t* velGetSBCStoUCS2Table(unsigned int ccsid);
 /// 256-byte pages. Page 0 gives the page number of a unit's high byte; the byte for unit v is at
-/// (page number * 256 + low byte of v). What the code page lacks is its substitution byte.
+/// (page number * 256 + low byte of v). What the code page lacks is its substitution byte. Null for a CCSID
+/// without such a table.
 VEL_C_API const unsigned char* velGetUCS2toSBCSTable(unsigned int ccsid);
 /// Always null: there are no tables of this kind.
 VEL_C_API const void* velGetEUCtoUCS2Table(unsigned int ccsid);
@@ -381,10 +381,10 @@ struct VelStDoubleByteTable {
 /// Null, and `isEbcdic` unchanged, for a CCSID without such a table.
 VEL_API const VelStDoubleByteTable* velGetDBCStoUCS2Table(unsigned int ccsid, bool& isEbcdic);
 
-/// The conversion functions. They return the bytes written and advance the source past what they consumed;
+/// The conversion functions return the bytes written and advance the source past what they consumed;
 /// where the target's size is not checked, the caller gives enough for all of the source. Converters check
 /// that before.
-
+///
 /// UCS-2, as many bytes as both sides have. CPCONVERTER_INCOMPLETE when that is an odd number.
 VEL_API size_t velConvertByCopying(VelClConverterABase::_VelStConverter& call);
 /// The same, exchanging the bytes of each unit.

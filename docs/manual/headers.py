@@ -140,8 +140,8 @@ class Header:
                 block.append(DOC.match(self.lines[index])[2])
                 index += 1
             self.doc, self.uses = comment(block), 0
-            if not self.lines[index].strip():  # a comment of its own, about what follows
-                self.doc = None
+            if not self.lines[index].strip():
+                sys.exit(f"a comment that speaks for nothing: {block[0]}")
             return index
         if ENUMERATORS.search(line) and line.count("CCSID_") > 1:
             self.ccsids(line)

@@ -4,10 +4,15 @@
   {{output SESSION: WORDS}}  is the command that begins with these words, and what it prints
   {{stated HEADER: WORDS}}   is the number in these words, which must stand in that header's comments
   {{value HEADER: NAME}}     is the number of a constant
+  {{tool NAME}}              is what a tool says of itself
   {{code-pages}}, {{errors}}, {{classes}}, {{icu-errors}}, {{trace-types}}   are tables of the data files"""
 import csv
+import pathlib
 import re
 import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent.parent / "tools"))
+from tool_texts import tool_texts
 
 FLAGS = {0x01: "ASCII-based", 0x02: "EBCDIC-based", 0x04: "double-byte", 0x08: "single-byte", 0x40: "UCS-2"}
 
@@ -94,6 +99,13 @@ class Page:
         if not found:
             self.stop(f"{name} has no constant {constant}")
         return f"{int(found[1]):,}"
+
+    def tool(self, name):
+        texts = tool_texts(name)
+        usage = ("\n" + " " * (len(name) + 1)).join(texts.shown_usage())
+        help_text = re.sub(r"^@.*", "", texts.help, flags=re.MULTILINE)
+        title = texts.title + (f": {texts.description}" if texts.description else "")
+        return f"{title}.\n\n```{{.unparsed}}\n{name} {usage}\n\n{help_text}\n```"
 
     def code_pages(self, _):
         kinds = {int(row["ccsid"]): kind_of(row) for row in rows_of(self.root / "codepage/ccsids.tsv")}
