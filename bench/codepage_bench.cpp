@@ -1,14 +1,15 @@
-// Conversions between code pages beside ICU, iconv, and what it takes only to move the bytes. At the end
-// follows a table of throughput in GB/s of input and of our time divided by the others'. With
-// VEL_KERNELS=portable in the environment the library does without its vector loops.
+// Conversions between code pages beside ICU, iconv, and what it takes only to move the bytes. With
+// VEL_KERNELS=portable in the environment the library does without its vector loops: then the jobs are named
+// so, and only the large texts remain.
 #include <benchmark/benchmark.h>
 #include <iconv.h>
 #include <unicode/ucnv.h>
 
-#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <memory>
+#include <tuple>
 
 #include "bench/sample_text.h"
 #include "vel_include/vel_codepage.h"
@@ -52,6 +53,7 @@ constexpr Job kJobs[] = {{850, kUcs2, &kScripts[1], "850", "CP850"},
                          {939, kUcs2, nullptr, "939", "CP939"},
                          {948, kUcs2, nullptr, "950", ""}};
 constexpr std::size_t kSizes[] = {64, 4 << 10, 64 << 10, 4 << 20, 16 << 20};
+constexpr std::size_t kPortableSize = 4 << 20;
 
 class Converter {
  public:
@@ -195,14 +197,11 @@ std::string makeSource(const Job& job, std::size_t size) {
   return source;
 }
 
-/// The last one made is kept: the peers of a job follow each other.
+/// Made once: repetitions come in any order.
 const std::string& sourceOf(const Job& job, std::size_t size) {
-  static const Job* lastJob = nullptr;
-  static std::size_t lastSize = 0;
-  static std::string source;
-  if (lastJob != &job || lastSize != size) source = makeSource(job, size);
-  lastJob = &job;
-  lastSize = size;
+  static std::map<std::tuple<int, const Script*, std::size_t>, std::string> sources;
+  std::string& source = sources[{job.from, job.script, size}];
+  if (source.empty()) source = makeSource(job, size);
   return source;
 }
 
@@ -220,9 +219,14 @@ void run(benchmark::State& state, const Job& job) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(source.size()));
 }
 
+bool arePortable() {
+  const char* const kernels = std::getenv("VEL_KERNELS");
+  return kernels != nullptr && std::strcmp(kernels, "portable") == 0;
+}
+
 std::string nameOf(const Job& job) {
-  return std::to_string(job.from) + " to " + std::to_string(job.to) + ' ' +
-         (job.script == nullptr ? "mixed" : job.script->name);
+  return (arePortable() ? "portable " : "codepage ") + std::to_string(job.from) + " to " +
+         std::to_string(job.to) + ' ' + (job.script == nullptr ? "mixed" : job.script->name);
 }
 
 template <typename Peer>
@@ -234,6 +238,7 @@ void add(const Job& job, const char* peer, std::size_t size) {
 void addAll() {
   for (const Job& job : kJobs)
     for (const std::size_t size : kSizes) {
+      if (arePortable() && size != kPortableSize) continue;
       add<Own>(job, "own", size);
       add<Icu>(job, "ICU", size);
       if (*job.iconv != '\0') add<Iconv>(job, "iconv", size);
@@ -242,40 +247,6 @@ void addAll() {
     }
 }
 
-/// Prints the usual lines, and at the end the medians beside each other.
-class Table : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-      if (run.error_occurred || (run.repetitions > 1 && run.aggregate_name != "median")) continue;
-      const std::string& name = run.run_name.function_name;
-      const std::size_t slash = name.find('/');
-      const std::string row = name.substr(0, slash) + ' ' + run.run_name.args;
-      if (rates_[row].empty()) rows_.push_back(row);
-      rates_[row][name.substr(slash + 1)] = run.counters.at("bytes_per_second");
-    }
-  }
-  void Finalize() override {
-    std::printf("\n%-34s %8s %8s %8s %8s\n", "job, size", "GB/s", "/ICU", "/iconv", "/moving");
-    for (const std::string& row : rows_) {
-      auto& rates = rates_[row];
-      const auto ratio = [&rates](const char* peer) { return rates[peer] / rates["own"]; };
-      std::printf("%-34s %8.2f %8.2f %8.2f %8.2f\n", row.c_str(), rates["own"] / 1e9, ratio("ICU"),
-                  ratio("iconv"), ratio("moving"));
-    }
-  }
-
- private:
-  std::vector<std::string> rows_;
-  std::map<std::string, std::map<std::string, double>> rates_;
-};
+[[maybe_unused]] const bool kAdded = (addAll(), true);
 
 }  // namespace
-
-int main(int argc, char** argv) {
-  addAll();
-  benchmark::Initialize(&argc, argv);
-  Table table;
-  benchmark::RunSpecifiedBenchmarks(&table);
-}

@@ -81,7 +81,7 @@ void setBytes(benchmark::State& state) {
 }
 
 void sizes(benchmark::internal::Benchmark* loading) {
-  loading->ArgName("MB")->Arg(1)->Arg(100)->Unit(benchmark::kMillisecond);
+  loading->Arg(1)->Arg(100)->Unit(benchmark::kMillisecond);
 }
 
 void load(benchmark::State& state) {
@@ -92,7 +92,7 @@ void load(benchmark::State& state) {
   }
   setBytes(state);
 }
-BENCHMARK(load)->Apply(sizes);
+BENCHMARK(load)->Name("ini load/own")->Apply(sizes);
 
 int count(void* options, const char*, const char*, const char*) {
   ++*static_cast<long*>(options);
@@ -108,7 +108,7 @@ void loadInih(benchmark::State& state) {
   }
   setBytes(state);
 }
-BENCHMARK(loadInih)->Apply(sizes);
+BENCHMARK(loadInih)->Name("ini load/inih")->Apply(sizes);
 
 void loadGlib(benchmark::State& state) {
   const char* const path = fileOf(state).path();
@@ -119,7 +119,7 @@ void loadGlib(benchmark::State& state) {
   }
   setBytes(state);
 }
-BENCHMARK(loadGlib)->Apply(sizes);
+BENCHMARK(loadGlib)->Name("ini load/glib")->Apply(sizes);
 
 /// One section of 1,000 options, and all their names in another order.
 struct Questions {
@@ -156,7 +156,7 @@ void ask(benchmark::State& state) {
     benchmark::DoNotOptimize(value);
   });
 }
-BENCHMARK(ask);
+BENCHMARK(ask)->Name("ini ask/own");
 
 /// GLib names the section in each question and copies the value; it has no other way to ask.
 void askGlib(benchmark::State& state) {
@@ -170,7 +170,7 @@ void askGlib(benchmark::State& state) {
   });
   g_key_file_free(file);
 }
-BENCHMARK(askGlib);
+BENCHMARK(askGlib)->Name("ini ask/glib");
 
 std::size_t memoryInUse = 0;
 
@@ -206,8 +206,6 @@ void memory(benchmark::State& state) {
   }
   velSetNewMemoryManager(std::malloc, nullptr, std::free);
 }
-BENCHMARK(memory)->ArgName("line")->Arg(12)->Arg(16)->Arg(24)->Arg(40)->Iterations(1);
+BENCHMARK(memory)->Name("ini memory/own")->Arg(12)->Arg(16)->Arg(24)->Arg(40)->Iterations(1);
 
 }  // namespace
-
-BENCHMARK_MAIN();

@@ -39,7 +39,7 @@ void runtimeAllocator(benchmark::State& state) {
   }
   countPieces(state);
 }
-BENCHMARK(runtimeAllocator);
+BENCHMARK(runtimeAllocator)->Name("memory pool/malloc");
 
 void memoryPool(benchmark::State& state) {
   VelClMemoryPool pool(kBlockSize);
@@ -56,8 +56,6 @@ void memoryPool(benchmark::State& state) {
   }
   countPieces(state);
 }
-BENCHMARK(memoryPool);
+BENCHMARK(memoryPool)->Name("memory pool/own");
 
 }  // namespace
-
-BENCHMARK_MAIN();

@@ -60,7 +60,7 @@ void traceOff(benchmark::State& state) {
   const Trace trace(false, true, "");
   loopOverEvents(state);
 }
-BENCHMARK(traceOff);
+BENCHMARK(traceOff)->Name("trace off/own");
 
 /// The limit of a disabled trace: a load and a branch.
 void loadAndBranch(benchmark::State& state) {
@@ -70,21 +70,21 @@ void loadAndBranch(benchmark::State& state) {
     benchmark::ClobberMemory();
   }
 }
-BENCHMARK(loadAndBranch);
+BENCHMARK(loadAndBranch)->Name("trace off/load and branch");
 
 void traceToRing(benchmark::State& state) {
   const Trace trace(true, state.range(0) != 0, "");
   VelClTraceInstance::getInstance()->getEnvironment().setFilename("/dev/null");
   loopOverEvents(state);
 }
-BENCHMARK(traceToRing)->ArgName("compress")->Arg(0)->Arg(1);
+BENCHMARK(traceToRing)->Name("trace to ring/own")->Arg(0)->Arg(1);
 
 void traceToFile(benchmark::State& state) {
   const std::string file = scratchFile("bench.trc");
   const Trace trace(true, true, file.c_str());
   loopOverEvents(state);
 }
-BENCHMARK(traceToFile);
+BENCHMARK(traceToFile)->Name("trace to file/own");
 
 void logEvents(benchmark::State& state, const spdlog::sink_ptr& sink) {
   spdlog::logger logger("bench", sink);
@@ -104,20 +104,18 @@ void spdlogOff(benchmark::State& state) {
     benchmark::ClobberMemory();
   }
 }
-BENCHMARK(spdlogOff);
+BENCHMARK(spdlogOff)->Name("trace off/spdlog");
 
 void spdlogToRing(benchmark::State& state) {
   logEvents(state, std::make_shared<spdlog::sinks::ringbuffer_sink_st>(1024));
 }
-BENCHMARK(spdlogToRing);
+BENCHMARK(spdlogToRing)->Name("trace to ring/spdlog");
 
 void spdlogToFile(benchmark::State& state) {
   const std::string file = scratchFile("bench.log");
   logEvents(state, std::make_shared<spdlog::sinks::basic_file_sink_st>(file, true));
   std::remove(file.c_str());
 }
-BENCHMARK(spdlogToFile);
+BENCHMARK(spdlogToFile)->Name("trace to file/spdlog");
 
 }  // namespace
-
-BENCHMARK_MAIN();

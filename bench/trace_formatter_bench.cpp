@@ -59,7 +59,7 @@ void formatFile(benchmark::State& state) {
   for ([[maybe_unused]] auto round : state) formatter.format(stream);
   state.SetItemsProcessed(state.iterations() * formatter.getNumOfEntries());
 }
-BENCHMARK(formatFile)->ArgName("compressed")->Arg(0)->Arg(1);
+BENCHMARK(formatFile)->Name("trace format/own")->Arg(0)->Arg(1);
 
 /// No file is read here.
 void formatWithLibrary(benchmark::State& state) {
@@ -80,8 +80,6 @@ void formatWithLibrary(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * kEntries);
 }
-BENCHMARK(formatWithLibrary);
+BENCHMARK(formatWithLibrary)->Name("trace format/fmt");
 
 }  // namespace
-
-BENCHMARK_MAIN();

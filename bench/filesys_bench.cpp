@@ -1,0 +1,128 @@
+// Walking over a directory of 2,000 files with their attributes, and removing a tree, beside the system's
+// bare calls and the standard library.
+#include <benchmark/benchmark.h>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "bench/peer_time.h"
+#include "vel_include/vel_filesys.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Directories of so many files each, removed at the end.
+class Tree {
+ public:
+  Tree(int directories, int files) : path_(fs::temp_directory_path() / "bench_tree") {
+    fs::remove_all(path_);
+    for (int directory = 0; directory < directories; ++directory) {
+      const fs::path place = path_ / ("directory" + std::to_string(directory));
+      fs::create_directories(place);
+      for (int file = 0; file < files; ++file) std::ofstream(place / ("file" + std::to_string(file)));
+    }
+  }
+  Tree(const Tree&) = delete;
+  Tree& operator=(const Tree&) = delete;
+  ~Tree() { fs::remove_all(path_); }
+
+  std::string path() const { return path_.string(); }
+  std::string first() const { return (path_ / "directory0").string(); }
+
+ private:
+  fs::path path_;
+};
+
+template <typename Walk>
+void walkOver(benchmark::State& state, Walk walk) {
+  const Tree tree(1, 2000);
+  const std::string path = tree.first();
+  for ([[maybe_unused]] auto round : state)
+    if (walk(path.c_str()) != 2000) state.SkipWithError("not all files");
+}
+
+void walk(benchmark::State& state) {
+  walkOver(state, [](const char* path) {
+    int files = 0;
+    for (VelClDirectoryWalk walk(VelClLocation(path, false)); walk.isValid(); walk.setToNext())
+      files += walk.isFile() && !walk.isReadOnly() ? 1 : 0;
+    return files;
+  });
+}
+BENCHMARK(walk)->Name("directory walk/own");
+
+void readDir(benchmark::State& state) {
+  walkOver(state, [](const char* path) {
+    int files = 0;
+    DIR* const directory = opendir(path);
+    while (const dirent* const entry = readdir(directory)) {
+      struct stat status {};
+      fstatat(dirfd(directory), entry->d_name, &status, AT_SYMLINK_NOFOLLOW);
+      files += S_ISREG(status.st_mode) && (status.st_mode & 0222) != 0 ? 1 : 0;
+    }
+    closedir(directory);
+    return files;
+  });
+}
+BENCHMARK(readDir)->Name("directory walk/readdir");
+
+void standardWalk(benchmark::State& state) {
+  walkOver(state, [](const char* path) {
+    int files = 0;
+    for (const fs::directory_entry& entry : fs::directory_iterator(path)) {
+      const fs::file_status status = entry.symlink_status();
+      files += fs::is_regular_file(status) && (status.permissions() & fs::perms(0222)) != fs::perms::none;
+    }
+    return files;
+  });
+}
+BENCHMARK(standardWalk)->Name("directory walk/std filesystem");
+
+template <typename Remove>
+void removeTrees(benchmark::State& state, Remove remove) {
+  for ([[maybe_unused]] auto round : state) {
+    const Tree tree(10, 50);
+    const double start = bench::processorTime();
+    remove(tree.path());
+    state.SetIterationTime(bench::processorTime() - start);
+    if (fs::exists(tree.path())) state.SkipWithError("not removed");
+  }
+}
+
+void removeTree(benchmark::State& state) {
+  removeTrees(state, [](const std::string& path) { VelClDirectory(path.c_str()).removeAll(true); });
+}
+BENCHMARK(removeTree)->Name("tree removal/own")->UseManualTime()->Iterations(5);
+
+void removeEntries(int place, const char* name) {
+  const int descriptor = openat(place, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  DIR* const directory = fdopendir(descriptor);
+  while (const dirent* const entry = readdir(directory)) {
+    if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0) continue;
+    if (entry->d_type == DT_DIR)
+      removeEntries(descriptor, entry->d_name);
+    else
+      unlinkat(descriptor, entry->d_name, 0);
+  }
+  closedir(directory);
+  unlinkat(place, name, AT_REMOVEDIR);
+}
+
+void bareRemoval(benchmark::State& state) {
+  removeTrees(state, [](const std::string& path) { removeEntries(AT_FDCWD, path.c_str()); });
+}
+BENCHMARK(bareRemoval)->Name("tree removal/bare calls")->UseManualTime()->Iterations(5);
+
+void standardRemoval(benchmark::State& state) {
+  removeTrees(state, [](const std::string& path) { fs::remove_all(path); });
+}
+BENCHMARK(standardRemoval)->Name("tree removal/std filesystem")->UseManualTime()->Iterations(5);
+
+}  // namespace

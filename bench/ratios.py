@@ -1,0 +1,76 @@
+#!/usr/bin/env python3
+"""Prints how long our jobs take beside those of their peers: ratios of medians of one or more runs of
+vel_bench, with the goals of goals.tsv.
+
+A row of goals.tsv names benchmarks; a "*" at the end of its own one stands for every argument that the run
+has, and in the others for the same one. What was not run is left out."""
+import json
+import re
+import statistics
+import sys
+
+COLUMNS = ("job", "own", "peer", "goal", "limit", "note")
+
+
+def median_times(files):
+    """Nanoseconds of processor time, or those that a benchmark has measured itself, by name."""
+    units = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+    runs = {}
+    for file in files:
+        with open(file, encoding="utf-8") as text:
+            for run in json.load(text)["benchmarks"]:
+                if run["run_type"] != "iteration":
+                    continue
+                if run.get("error_occurred"):
+                    sys.exit(f"{run['name']}: {run['error_message']}")
+                name = run["run_name"]
+                time = run["real_time" if "/manual_time" in name else "cpu_time"]
+                name = re.sub("/manual_time|/iterations:[0-9]+", "", name)
+                runs.setdefault(name, []).append(time * units[run["time_unit"]])
+    return {name: statistics.median(times) for name, times in runs.items()}
+
+
+def read_goals(file):
+    with open(file, encoding="utf-8") as lines:
+        for line in lines:
+            if line.strip() and not line.startswith("#"):
+                fields = line.rstrip("\n").split("\t")
+                yield dict(zip(COLUMNS, fields + [""] * (len(COLUMNS) - len(fields))))
+
+
+def expand(row, times):
+    if not row["own"].endswith("*"):
+        yield row
+        return
+    start = row["own"][:-1]
+    for name in times:
+        if name.startswith(start):
+            argument = name.removeprefix(start)
+            fields = {key: row[key].replace("*", argument) for key in ("own", "peer", "limit")}
+            yield {**row, **fields, "job": f"{row['job']} {argument}"}
+
+
+def describe(row, times):
+    own, peer, limit = (times.get(row[key]) for key in ("own", "peer", "limit"))
+    if own is None or peer is None:
+        return None
+    ratio = own / peer
+    verdict = "" if not row["goal"] else "met" if ratio <= float(row["goal"]) else "MISSED"
+    to_limit = f"{own / limit:.2f}" if limit else ""
+    peer_name = row["peer"].split("/")[1]
+    return (row["job"], peer_name, f"{own:.4g}", f"{ratio:.3f}", row["goal"], verdict, to_limit, row["note"])
+
+
+def main():
+    goals, *files = sys.argv[1:]
+    times = median_times(files)
+    rows = [line for row in read_goals(goals) for one in expand(row, times) if (line := describe(one, times))]
+    layout = "{:<37} {:<16} {:>10} {:>8} {:>6} {:<7} {:>6}  {}"
+    print(layout.format("job", "peer", "own ns", "ratio", "goal", "", "/limit", "note"))
+    for row in rows:
+        print(layout.format(*row).rstrip())
+    verdicts = [row[5] for row in rows]
+    print(f"goals: {verdicts.count('met')} met, {verdicts.count('MISSED')} missed")
+
+
+main()
