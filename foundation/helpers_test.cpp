@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <climits>
 #include <cstring>
+#include <random>
+#include <string>
 
 #include "platform/test/table.h"
 
@@ -17,6 +20,16 @@ std::string formatted(Function function, Number number) {
   const unsigned int length = function(number, out);
   EXPECT_EQ(length, std::strlen(out));
   return out;
+}
+
+TEST(DecimalText, EveryNumberOfDigits) {
+  for (unsigned long long power = 1; power < ULLONG_MAX / 10; power *= 10)
+    for (const unsigned long long number : {power * 10, power * 10 - 1, power + power / 7}) {
+      EXPECT_EQ(formatted(velW64toa, number), std::to_string(number));
+      EXPECT_EQ(formatted(velI64toa, static_cast<long long>(0 - number)),
+                std::to_string(static_cast<long long>(0 - number)));
+      EXPECT_EQ(formatted(velItoa, static_cast<int>(number)), std::to_string(static_cast<int>(number)));
+    }
 }
 
 TEST(DecimalText, Limits) {
@@ -40,6 +53,31 @@ TEST(StringHelpers, FindsTheFirstOccurrence) {
     const char* const found = velStrFind(row[0].c_str(), row[1].c_str(), row.at(2) == "yes");
     EXPECT_EQ(found == nullptr ? "-" : std::to_string(found - row[0].c_str()), row.at(3))
         << row[1] << " in " << row[0];
+  }
+}
+
+/// The rule, written down: a character that mismatches is not compared again.
+std::ptrdiff_t offsetByTheRule(const std::string& text, const std::string& pattern) {
+  std::size_t met = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    met = std::tolower(text[i]) == std::tolower(pattern[met]) ? met + 1 : 0;
+    if (met == pattern.size()) return static_cast<std::ptrdiff_t>(i + 1 - met);
+  }
+  return -1;
+}
+
+// Long texts are searched in another way, in blocks: rows of equal letters lie over all their borders.
+TEST(StringHelpers, FindsTheSameInLongTexts) {
+  std::mt19937 random(4711);
+  for (int round = 0; round < 20'000; ++round) {
+    const char* const letters = round % 2 == 0 ? "aAab" : "abBxyyyyyyyyyyyy";
+    const auto letter = [&] { return letters[random() % std::strlen(letters)]; };
+    std::string text(480 + random() % 64, 'x'), pattern;
+    for (std::size_t rest = random() % 300; rest > 0; --rest) text += letter();
+    for (std::size_t rest = 1 + random() % 5; rest > 0; --rest) pattern += letter();
+    const char* const found = velStrFind(text.c_str(), pattern.c_str(), true);
+    ASSERT_EQ(found == nullptr ? -1 : found - text.c_str(), offsetByTheRule(text, pattern))
+        << pattern << " in " << text;
   }
 }
 
