@@ -9,6 +9,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
+
+#include "foundation/byte_blocks.h"
 
 namespace vel::util {
 
@@ -69,15 +72,34 @@ struct LineLayout {
   }
 };
 
+/// The two digits of a number's byte, counted from the lowest.
+inline void writeDigitsOf(char* out, std::uint64_t number, int byte) {
+  std::memcpy(out, kHexGroups[number >> (8 * byte) & 0xFF].data(), 2);
+}
+
+inline char* writeLongDigits(char* out, std::uint64_t number) {
+  int bytes = 5;
+  while (bytes < 8 && number >> (8 * bytes) != 0) ++bytes;
+  char* const end = out + 2 * bytes;
+  for (int byte = 0; byte < bytes; ++byte) writeDigitsOf(end - 2 - 2 * byte, number, byte);
+  // More than 8 digits have no leading zero.
+  if (*out != '0') return end;
+  std::memmove(out, out + 1, static_cast<std::size_t>(end - out - 1));
+  return end - 1;
+}
+
 /// Writes "0000001F: ", with more digits where 8 don't suffice, and returns where it ends.
 inline char* writeAddress(char* out, std::uint64_t offset) {
-  int bytes = 4;
-  while (bytes < 8 && offset >> (8 * bytes) != 0) ++bytes;
-  char* const start = out;
-  for (int byte = bytes - 1; byte >= 0; --byte, out += 2)
-    std::memcpy(out, kHexGroups[offset >> (8 * byte) & 0xFF].data(), 2);
-  // More than 8 digits have no leading zero.
-  if (bytes > 4 && *start == '0') std::memmove(start, start + 1, static_cast<std::size_t>(--out - start));
+  if (offset >> 32 == 0) {
+    // By far the most frequent, and without a loop.
+    writeDigitsOf(out, offset, 3);
+    writeDigitsOf(out + 2, offset, 2);
+    writeDigitsOf(out + 4, offset, 1);
+    writeDigitsOf(out + 6, offset, 0);
+    out += 8;
+  } else {
+    out = writeLongDigits(out, offset);
+  }
   *out++ = ':';
   *out++ = ' ';
   return out;
@@ -87,29 +109,57 @@ constexpr char shownCharacter(std::uint8_t byte) {
   return byte >= 0x20 && byte < 0x7F ? static_cast<char>(byte) : '.';
 }
 
-/// Writes a line's data part for at most Form::kBytes bytes and returns where it ends.
+/// The characters of a line's bytes.
+template <std::size_t count>
+void writeCharacters(char* out, const std::uint8_t* data) {
+  if constexpr (count == sizeof(ByteBlock)) {
+    const ByteBlock block = blockAt(reinterpret_cast<const char*>(data));
+    const auto isShown = reinterpret_cast<ByteBlock>(block - blockOf(0x20) < blockOf(0x7F - 0x20));
+    const ByteBlock shown = (block & isShown) | (blockOf('.') & ~isShown);
+    std::memcpy(out, &shown, count);
+  } else {
+    for (std::size_t i = 0; i < count; ++i) out[i] = shownCharacter(data[i]);
+  }
+}
+
+/// A line of as many bytes as there are indexes, without loops.
+template <typename Form, std::size_t... index>
+void writeFullLine(char* out, const std::uint8_t* data, std::index_sequence<index...>) {
+  using Layout = LineLayout<Form>;
+  (Form::writeGroup(out + Layout::groupAt(index), data[index]), ...);
+  writeCharacters<sizeof...(index)>(out + Layout::kCharacters, data);
+}
+
 template <typename Form>
-char* writeData(char* out, const std::uint8_t* data, std::size_t count) {
+void writeShortLine(char* out, const std::uint8_t* data, std::size_t count) {
   using Layout = LineLayout<Form>;
   for (std::size_t i = 0; i < count; ++i) Form::writeGroup(out + Layout::groupAt(i), data[i]);
   for (std::size_t i = count; i < Form::kBytes; ++i) {
     std::memset(out + Layout::groupAt(i), kMissing, Form::kDigits);
     out[Layout::groupAt(i) + Form::kDigits] = ' ';
   }
+  for (std::size_t i = 0; i < count; ++i) out[Layout::kCharacters + i] = shownCharacter(data[i]);
+  std::memset(out + Layout::kCharacters + count, kMissing, Form::kBytes - count);
+}
+
+/// Writes a line's data part for at most Form::kBytes bytes and returns where it ends.
+template <typename Form>
+char* writeData(char* out, const std::uint8_t* data, std::size_t count) {
+  using Layout = LineLayout<Form>;
+  if (count == Form::kBytes)
+    writeFullLine<Form>(out, data, std::make_index_sequence<Form::kBytes>());
+  else
+    writeShortLine<Form>(out, data, count);
   out[Layout::groupAt(Form::kBytes / 2) - 1] = ' ';
   out[Layout::kMark] = '|';
   out[Layout::kMark + 1] = ' ';
-  for (std::size_t i = 0; i < count; ++i) out[Layout::kCharacters + i] = shownCharacter(data[i]);
-  std::memset(out + Layout::kCharacters + count, kMissing, Form::kBytes - count);
   return out + Layout::kLength;
 }
 
 /// A whole line of a dump with its line break; Layout::kLongest + 1 characters suffice.
 template <typename Form>
 char* writeLine(char* out, std::uint64_t offset, const std::uint8_t* data, std::size_t count) {
-  out = writeAddress(out, offset);
-  // A full line is by far the most frequent: its length known, its loops are unrolled.
-  out = count == Form::kBytes ? writeData<Form>(out, data, Form::kBytes) : writeData<Form>(out, data, count);
+  out = writeData<Form>(writeAddress(out, offset), data, count);
   *out = '\n';
   return out + 1;
 }

@@ -10,6 +10,8 @@ using vel::util::BinaryForm;
 using vel::util::HexForm;
 using vel::util::LineLayout;
 
+// Texts are left uninitialised behind their terminators: clearing them takes as long as writing a line.
+
 /// Ends the line that `out` is in with the data part.
 template <typename Form>
 void endLine(char* out, const void* data, size_t count) {
@@ -21,12 +23,12 @@ void endLine(char* out, const void* data, size_t count) {
 
 VelClStringRepresentationABase::~VelClStringRepresentationABase() = default;
 
-VelClStrepHexDump::VelClStrepHexDump(const void* data, size_t count) : text_{} {
+VelClStrepHexDump::VelClStrepHexDump(const void* data, size_t count) {
   static_assert(sizeof text_ == LineLayout<HexForm>::kLongest + 1);
   endLine<HexForm>(text_, data, count);
 }
 
-VelClStrepHexDump::VelClStrepHexDump(size_t offset, const void* data, size_t count) : text_{} {
+VelClStrepHexDump::VelClStrepHexDump(size_t offset, const void* data, size_t count) {
   endLine<HexForm>(vel::util::writeAddress(text_, offset), data, count);
 }
 
@@ -36,12 +38,12 @@ const char* VelClStrepHexDump::getAsCString() const {
   return text_;
 }
 
-VelClStrepBinDump::VelClStrepBinDump(const void* data, size_t count) : text_{} {
+VelClStrepBinDump::VelClStrepBinDump(const void* data, size_t count) {
   static_assert(sizeof text_ == LineLayout<BinaryForm>::kLongest + 1);
   endLine<BinaryForm>(text_, data, count);
 }
 
-VelClStrepBinDump::VelClStrepBinDump(size_t offset, const void* data, size_t count) : text_{} {
+VelClStrepBinDump::VelClStrepBinDump(size_t offset, const void* data, size_t count) {
   endLine<BinaryForm>(vel::util::writeAddress(text_, offset), data, count);
 }
 

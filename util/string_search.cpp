@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "foundation/allocator.h"
+#include "foundation/byte_blocks.h"
 #include "vel_include/vel_util.h"
 
 namespace {
@@ -32,11 +33,33 @@ bool matchesHere(const char* pattern, std::size_t patternLength, const char* tex
   return true;
 }
 
+/// Passes over parts of a long text in which the pattern's first and last bytes do not stand as far apart as
+/// in the pattern. Returns from where on it can still be found; texts that hold the pair all the time are
+/// left to the shift table.
+std::size_t findLikelyStart(const char* pattern, std::size_t patternLength, const char* text,
+                            std::size_t length) {
+  const auto exactly = [](char c) { return vel::ByteChoice{byteOf(c), byteOf(c)}; };
+  const std::size_t distance = patternLength - 1;
+  const vel::BytePair ends(exactly(pattern[0]), exactly(pattern[distance]), distance);
+  std::size_t block = 0;
+  for (std::size_t compared = 0; length - block >= vel::kBytesAtOnce + distance; block += vel::kBytesAtOnce) {
+    if (!ends.isWithin(text + block)) continue;
+    for (std::size_t place = block; place != block + vel::kBytesAtOnce; ++place) {
+      if (!ends.isAt(text + place)) continue;
+      if (std::memcmp(text + place, pattern, patternLength) == 0) return place;
+      compared += patternLength;
+    }
+    if (compared > 4096 + 2 * block) return block + vel::kBytesAtOnce;
+  }
+  return block;
+}
+
 const char* find(const char* pattern, const uint32_t (&shift)[256], const char* text, std::size_t length,
                  bool ignoreCase) {
   const std::size_t patternLength = shift[0];
   if (patternLength == 0) return text;
   std::size_t start = 0;
+  if (!ignoreCase && length >= patternLength) start = findLikelyStart(pattern, patternLength, text, length);
   while (length - start >= patternLength) {
     if (matchesHere(pattern, patternLength, text + start, ignoreCase)) return text + start;
     start += shift[compared(text[start + patternLength - 1], ignoreCase)];

@@ -53,6 +53,26 @@ TEST(StringSearch, FindsTheFirstOccurrenceInAllShortTexts) {
   }
 }
 
+// Longer ones are looked through in blocks.
+TEST(StringSearch, FindsTheFirstOccurrenceInLongTexts) {
+  const auto texts = allTexts("ab", 5);
+  for (std::size_t length = 0; length < 300; length += 7)
+    for (const std::string& pattern : allTexts("ab", 4))
+      for (const std::string& end : texts) {
+        const std::string text = std::string(length, 'a') + end + std::string(length % 90, 'b');
+        ASSERT_EQ(expectedOffset(pattern, text, false),
+                  offset(VelClStringSearch(pattern.c_str(), false), {text.begin(), text.end()}))
+            << pattern << " in " << text;
+      }
+}
+
+// Every place is like a start: the search must not compare all of the pattern at each of them.
+TEST(StringSearch, FindsLongPatternsInTextsFullOfTheirEnds) {
+  const std::string pattern = std::string(1000, 'a') + "b" + std::string(1000, 'a');
+  const std::string text = std::string(20'000, 'a') + pattern;
+  EXPECT_EQ(text.c_str() + 20'000, VelClStringSearch(pattern.c_str(), false).getPattern(text.c_str()));
+}
+
 TEST(StringSearch, SearchesTerminatedTextsAndHighBytes) {
   const std::string text = std::string(1000, 'x') + "\xFF\x80y";
   EXPECT_EQ(text.c_str() + 1000, VelClStringSearch("\xFF\x80", false).getPattern(text.c_str()));

@@ -1,5 +1,7 @@
 // Matching a whole text against "*" and "?". Finding a pattern within a text is string_search.cpp's work.
 #include <cctype>
+#include <cstddef>
+#include <cstring>
 
 #include "vel_include/vel_util.h"
 
@@ -11,7 +13,22 @@ char folded(char c) {
 
 bool matchesOneByte(char patternByte, char textByte, bool caseSensitive) {
   if (patternByte == '?' || patternByte == textByte) return true;
-  return !caseSensitive && folded(patternByte) == folded(textByte);
+  if (caseSensitive) return false;
+  // Two ASCII characters have the same upper case only as letters of both cases, in every locale.
+  const int difference = patternByte ^ textByte;
+  const bool areAscii = ((patternByte | textByte) & 0x80) == 0;
+  return (!areAscii || difference == 0x20) && folded(patternByte) == folded(textByte);
+}
+
+/// Whether a text ends with what a pattern without "*" matches.
+bool matchesAtEnd(const char* pattern, const char* text, bool caseSensitive) {
+  const std::size_t patternLength = std::strlen(pattern);
+  const std::size_t textLength = std::strlen(text);
+  if (patternLength > textLength) return false;
+  text += textLength - patternLength;
+  for (std::size_t i = patternLength; i > 0; --i)
+    if (!matchesOneByte(pattern[i - 1], text[i - 1], caseSensitive)) return false;
+  return true;
 }
 
 }  // namespace
@@ -27,7 +44,7 @@ bool velMatchesWildcardPattern(const char* pattern, const char* text, bool caseS
     if (*pattern == '*') {
       behindStar = ++pattern;
       resume = text;
-      if (*behindStar == '\0') return true;
+      if (std::strchr(pattern, '*') == nullptr) return matchesAtEnd(pattern, text, caseSensitive);
     } else if (*pattern != '\0' && matchesOneByte(*pattern, *text, caseSensitive)) {
       ++pattern;
       ++text;
