@@ -1,5 +1,6 @@
-// Starting, finding and ending programs. Between fork and exec only async-signal-safe calls are made. The
-// child reports through a pipe that closes by itself when its program begins.
+// Starting, finding and ending programs. Between fork and exec only async-signal-safe calls are made, and
+// what a waited child does until then it does in this process's memory: it changes nothing but its own
+// variables. It reports through a pipe that closes by itself when its program begins.
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -191,6 +192,11 @@ void useNullStreams() noexcept {
   _exit(0);
 }
 
+[[noreturn, gnu::noinline]] void runChild(const Plan& plan, int writeEnd) noexcept {
+  keepReportDescriptor(writeEnd);
+  plan.style == Style::Detached ? runDetached(plan) : runProgram(plan);
+}
+
 // ---- In this process ----
 
 /// The wait status of a child; false when the system does not give it.
@@ -246,11 +252,11 @@ int run(const Launch& launch, Style style, Outcome& outcome, int& status) noexce
   if (!pipe.isOpen()) return errno;
   const SignalsDuringLaunch signals;
   const Plan plan{program.data(), launch.arguments, style, signals.before()};
-  const pid_t child = _Fork();
-  if (child == 0) {
-    keepReportDescriptor(pipe.writeEnd());
-    style == Style::Detached ? runDetached(plan) : runProgram(plan);
-  }
+  // A detached child forks once more, which one in shared memory must not.
+  // NOLINTNEXTLINE(clang-analyzer-security.insecureAPI.vfork): signals are blocked, and runChild is safe
+  const pid_t child = style == Style::Detached ? _Fork() : vfork();
+  // NOLINTNEXTLINE(clang-analyzer-unix.Vfork): the call never returns into this function
+  if (child == 0) runChild(plan, pipe.writeEnd());
   if (child < 0) return errno;
   pipe.closeWriteEnd();
   signals.blockChildSignalOnly();
