@@ -45,15 +45,21 @@ class ResourceTextExpander {
       : text_(text), inserts_(inserts), out_(out) {}
 
   FormatResult expand() noexcept {
-    while (!finished_ && !malformed_ && !out_.overflowed() && !text_.atEnd()) step(text_.take());
+    while (!finished_ && !malformed_ && !out_.overflowed()) {
+      const TextReader plain = text_.takeUntilAny(isSpecial);
+      out_.append(plain.data(), plain.size());
+      if (text_.atEnd()) break;
+      step(text_.take());
+    }
     const bool complete = !malformed_ && !out_.overflowed();
     return {complete, complete ? out_.length() : 0};
   }
 
  private:
+  static bool isSpecial(char c) noexcept { return c == '%' || c == '\r' || c == '\n'; }
+
   void step(char c) noexcept {
     if (c == '%') return escape();
-    if (c != '\r' && c != '\n') return out_.put(c);
     if (c == '\r') text_.takeIf('\n');
     out_.lineBreak();
   }
@@ -90,8 +96,9 @@ class ResourceTextExpander {
     const bool known = number <= kInsertCount && inserts_[number - 1] != nullptr;
     const char* value = known ? inserts_[number - 1] : kMissing;
 
+    if (!text_.takeIf('!')) return putAll(value);
     InsertStyle style;
-    if (text_.takeIf('!') && !takeStyle(style)) value = kMissing;
+    if (!takeStyle(style)) value = kMissing;
     if (!malformed_) putFormatted(value, style);
   }
 
@@ -104,8 +111,12 @@ class ResourceTextExpander {
     return false;
   }
 
-  void putFormatted(const char* value, const InsertStyle& style) noexcept {
+  void putAll(const char* value) noexcept {
     // One more than the room is enough to see that it does not fit.
+    out_.append(value, boundedLength(value, out_.room() + 1));
+  }
+
+  void putFormatted(const char* value, const InsertStyle& style) noexcept {
     const std::size_t length = boundedLength(value, std::min(style.precision, out_.room() + 1));
     const std::size_t padding = style.width > length ? style.width - length : 0;
     if (!style.leftAligned) out_.repeat(style.zeroFilled ? '0' : ' ', padding);

@@ -14,9 +14,10 @@ constexpr std::uint32_t kLanguageMask = 0xFFFF;
 constexpr std::uint32_t kPrimaryLanguageMask = 0x3FF;
 
 /// Size of the text before its first zero character of `width` bytes.
-std::size_t textSize(const std::uint8_t* text, std::size_t size, std::size_t width) noexcept {
+template <std::size_t width>
+std::size_t textSize(const std::uint8_t* text, std::size_t size) noexcept {
   std::size_t end = 0;
-  while (end + width <= size && (text[end] != 0 || text[end + width - 1] != 0)) end += width;
+  while (end + width <= size && (text[end] | text[end + width - 1]) != 0) end += width;
   return end;
 }
 
@@ -50,7 +51,7 @@ MessageResource::Entry MessageResource::entryAt(std::uint32_t id, std::uint64_t 
   const bool unicode = (flags & kUnicodeFlag) != 0;
   const std::uint8_t* text = bytes_.at(offset + kEntryHeaderSize);
   const std::size_t room = entryLength(offset) - std::size_t{kEntryHeaderSize};
-  return {id, unicode, text, textSize(text, room, unicode ? 2 : 1)};
+  return {id, unicode, text, unicode ? textSize<2>(text, room) : textSize<1>(text, room)};
 }
 
 bool MessageResource::find(std::uint32_t id, Entry& entry) const noexcept {

@@ -20,6 +20,18 @@ Utf16Text utf16Of(const MessageResource::Entry& entry) {
   return text;
 }
 
+/// The characters as bytes, if all of them are ASCII; mostly they are.
+bool takeAscii(const MessageResource::Entry& entry, String& text) {
+  text.resize(entry.sizeInBytes / 2);
+  unsigned int all = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto unit = static_cast<unsigned int>(entry.text[2 * i] | entry.text[2 * i + 1] << 8);
+    text[i] = static_cast<char>(static_cast<unsigned char>(unit));
+    all |= unit;
+  }
+  return all < 0x80;
+}
+
 String bytesOf(const MessageResource::Entry& entry) {
   String text(entry.sizeInBytes, '\0');
   std::memcpy(text.data(), entry.text, entry.sizeInBytes);
@@ -81,7 +93,9 @@ String toCodePage(const Utf16Text& text) {
 }  // namespace
 
 String utf8TextOf(const MessageResource::Entry& entry) {
-  return entry.unicode ? toUtf8(utf16Of(entry)) : bytesOf(entry);
+  if (!entry.unicode) return bytesOf(entry);
+  String text;
+  return takeAscii(entry, text) ? text : toUtf8(utf16Of(entry));
 }
 
 String ansiTextOf(const MessageResource::Entry& entry) {

@@ -23,9 +23,8 @@ Number appendDigit(Number number, char digit) noexcept {
 
 /// Length of a text, looking at `limit` characters at most.
 inline std::size_t boundedLength(const char* text, std::size_t limit) noexcept {
-  std::size_t length = 0;
-  while (length < limit && text[length] != '\0') ++length;
-  return length;
+  const void* const end = limit == 0 ? nullptr : std::memchr(text, '\0', limit);
+  return end == nullptr ? limit : static_cast<std::size_t>(static_cast<const char*>(end) - text);
 }
 
 /// A part of a text that is read once, from left to right.
@@ -35,6 +34,15 @@ class TextReader {
 
   bool atEnd() const noexcept { return current_ == end_; }
   char take() noexcept { return *current_++; }
+  /// Splits off what stands before the first character that `stops` tells, or all of the text.
+  template <typename Stops>
+  TextReader takeUntilAny(Stops stops) noexcept {
+    const char* const start = current_;
+    while (!atEnd() && !stops(*current_)) ++current_;
+    return {start, static_cast<std::size_t>(current_ - start)};
+  }
+  const char* data() const noexcept { return current_; }
+  std::size_t size() const noexcept { return static_cast<std::size_t>(end_ - current_); }
   bool takeIf(char expected) noexcept {
     if (atEnd() || *current_ != expected) return false;
     ++current_;
@@ -66,7 +74,9 @@ class TextWriter {
  public:
   TextWriter(char* out, std::size_t capacity) noexcept : out_(out), room_(capacity) {}
 
-  void put(char c) noexcept { repeat(c, 1); }
+  void put(char c) noexcept {
+    if (reserve(1)) out_[length_++] = c;
+  }
   void lineBreak() noexcept {
     put('\r');
     put('\n');

@@ -35,14 +35,19 @@ void VelClRandomNumberGenerator::init(unsigned long seed) const {
 }
 
 void VelClRandomNumberGenerator::ibaa() const {
+  // Copies that no store into an array can change stay in registers.
+  std::uint32_t accumulator = accumulator_;
+  std::uint32_t previous = previous_;
   for (std::uint32_t i = 0; i < kStateSize; ++i) {
     const std::uint32_t old = memory_[i];
-    accumulator_ = std::rotl(accumulator_, 19) + memory_[stateIndex(i + kStateSize / 2)];
-    const std::uint32_t fresh = memory_[stateIndex(old)] + accumulator_ + previous_;
+    accumulator = std::rotl(accumulator, 19) + memory_[stateIndex(i + kStateSize / 2)];
+    const std::uint32_t fresh = memory_[stateIndex(old)] + accumulator + previous;
     memory_[i] = fresh;
-    previous_ = memory_[stateIndex(fresh >> 8)] + old;
-    results_[i] = previous_;
+    previous = memory_[stateIndex(fresh >> 8)] + old;
+    results_[i] = previous;
   }
+  accumulator_ = accumulator;
+  previous_ = previous;
   unused_ = kStateSize;
 }
 
