@@ -2,6 +2,7 @@
 // lowest upwards.
 #include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -39,7 +40,7 @@ unsigned int countDigits(Number magnitude) noexcept {
 }
 
 void writePair(char* out, std::uint32_t pair) noexcept {
-  std::memcpy(out, kPairs.data() + pair * 2, 2);
+  std::memcpy(out, kPairs.data() + std::size_t{2} * pair, 2);
 }
 
 /// The digits that end at `end`.

@@ -80,8 +80,8 @@ inline void writeDigitsOf(char* out, std::uint64_t number, int byte) {
 inline char* writeLongDigits(char* out, std::uint64_t number) {
   int bytes = 5;
   while (bytes < 8 && number >> (8 * bytes) != 0) ++bytes;
-  char* const end = out + 2 * bytes;
-  for (int byte = 0; byte < bytes; ++byte) writeDigitsOf(end - 2 - 2 * byte, number, byte);
+  char* end = out;
+  for (int byte = bytes - 1; byte >= 0; --byte, end += 2) writeDigitsOf(end, number, byte);
   // More than 8 digits have no leading zero.
   if (*out != '0') return end;
   std::memmove(out, out + 1, static_cast<std::size_t>(end - out - 1));

@@ -244,6 +244,20 @@ struct Outcome {
   }
 };
 
+/// A detached child forks once more, which one in shared memory must not.
+pid_t startChild(const Plan& plan, int writeEnd) noexcept {
+  if (plan.style == Style::Detached) {
+    const pid_t child = _Fork();
+    if (child == 0) runChild(plan, writeEnd);
+    return child;
+  }
+  // NOLINTNEXTLINE(clang-analyzer-security.insecureAPI.vfork): signals are blocked, and runChild is safe
+  const pid_t child = vfork();
+  // NOLINTNEXTLINE(clang-analyzer-unix.Vfork): it never returns
+  if (child == 0) runChild(plan, writeEnd);
+  return child;
+}
+
 /// Starts a program and waits for the first child's end.
 int run(const Launch& launch, Style style, Outcome& outcome, int& status) noexcept {
   PathBuffer program;
@@ -252,11 +266,7 @@ int run(const Launch& launch, Style style, Outcome& outcome, int& status) noexce
   if (!pipe.isOpen()) return errno;
   const SignalsDuringLaunch signals;
   const Plan plan{program.data(), launch.arguments, style, signals.before()};
-  // A detached child forks once more, which one in shared memory must not.
-  // NOLINTNEXTLINE(clang-analyzer-security.insecureAPI.vfork): signals are blocked, and runChild is safe
-  const pid_t child = style == Style::Detached ? _Fork() : vfork();
-  // NOLINTNEXTLINE(clang-analyzer-unix.Vfork): the call never returns into this function
-  if (child == 0) runChild(plan, pipe.writeEnd());
+  const pid_t child = startChild(plan, pipe.writeEnd());
   if (child < 0) return errno;
   pipe.closeWriteEnd();
   signals.blockChildSignalOnly();
