@@ -41,7 +41,8 @@ bool determineStart(const VelClPathProperty& path, ExpansionStart& start) {
   const char* proper = path.getPtrToPath();
   start.scan = proper;
   if (path.isRelative()) return startInCurrentDirectory(start);
-  if (path.hasDrive() && !path.isUNC()) {
+  // "/:" looks like a drive, but nothing need follow it.
+  if (path.hasDrive() && path.isStyleMSDOS() && !path.isUNC()) {
     start.kept = 2;
     start.scan = proper + 3;
     return true;
