@@ -1,0 +1,134 @@
+// Substitution in messages, in both notations, beside strings that grow as they have to. The input is a share
+// of the room, ten variables, each terminated, and the text.
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "fuzz/bytes.h"
+#include "messages/insert_formatter.h"
+#include "vel_include/vel_messages.h"
+
+namespace {
+
+using fuzz::require;
+using Variables = std::vector<const char*>;
+
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+/// The digits from `at` on, `most` of them at the most.
+std::string digitsAt(const std::string& text, std::size_t& at, std::size_t most) {
+  std::string digits;
+  while (digits.size() < most && isDigit(text[at])) digits += text[at++];
+  return digits;
+}
+
+std::string variable(const Variables& variables, const std::string& digits) {
+  const double number = digits.empty() ? 0 : std::stod(digits);
+  return number >= 1 && number <= 10 ? variables[static_cast<std::size_t>(number) - 1] : "???";
+}
+
+std::string tableText(const std::string& text, const Variables& variables) {
+  std::string out;
+  for (std::size_t at = 0; at < text.size();) {
+    if (text[at] != '%') {
+      out += text[at++];
+    } else if (text[++at] == '%') {
+      out += text[at++];
+    } else {
+      out += variable(variables, digitsAt(text, at, text.size()));
+    }
+  }
+  return out;
+}
+
+/// As printf writes it, or "???".
+std::string styled(const std::string& style, const std::string& value) {
+  std::size_t at = std::min(style.find_first_not_of("-+ #0"), style.size());
+  const bool isLeft = style.substr(0, at).find('-') != std::string::npos;
+  const bool isZeroFilled = style.substr(0, at).find('0') != std::string::npos;
+  const std::string width = digitsAt(style, at, style.size());
+  std::string precision;
+  const bool isCut = style[at] == '.';
+  if (isCut) precision = digitsAt(style, ++at, style.size());
+  if (style.substr(at) != "s" && style.substr(at) != "hs") return "???";
+  std::string shown = value;
+  if (isCut && std::atof(precision.c_str()) < static_cast<double>(value.size()))
+    shown.resize(static_cast<std::size_t>(std::atof(precision.c_str())));
+  const auto wanted = static_cast<std::size_t>(std::min(std::atof(width.c_str()), 100000.0));
+  if (wanted <= shown.size()) return shown;
+  const std::string padding(wanted - shown.size(), isZeroFilled && !isLeft ? '0' : ' ');
+  return isLeft ? shown + padding : padding + shown;
+}
+
+/// False for a malformed text.
+bool resourceText(const std::string& text, const Variables& variables, std::string& out) {
+  for (std::size_t at = 0; at < text.size();) {
+    const char c = text[at++];
+    if (c == '\r' && text[at] == '\n') ++at;
+    if (c != '%') {
+      out += c == '\r' || c == '\n' ? "\r\n" : std::string(1, c);
+    } else if (at == text.size()) {
+      return false;
+    } else if (text[at] == '0') {
+      return true;
+    } else if (isDigit(text[at])) {
+      std::string value = variable(variables, digitsAt(text, at, 2));
+      if (text[at] == '!') {
+        const std::size_t end = text.find('!', at + 1);
+        if (end == std::string::npos) return false;
+        value = styled(text.substr(at + 1, end - at - 1), value);
+        at = end + 1;
+      }
+      out += value;
+    } else {
+      const char escape = text[at++];
+      out += escape == 'n' ? "\r\n"
+                           : std::string(1, escape == 'r'   ? '\r'
+                                            : escape == 't' ? '\t'
+                                            : escape == 'b' ? ' '
+                                                            : escape);
+    }
+  }
+  return true;
+}
+
+void requireMessage(const fuzz::Text& text, const Variables& variables) {
+  const char* const table[] = {"", text};
+  const VelClMessageCatalog catalog(table, 2);
+  const std::string expected = tableText(text.data(), variables).substr(0, VEL_MAX_MESSAGE_LENGTH);
+  VelClMessage message(catalog, 1, variables.data());
+  require(message.isValid() && message.getAsCString() == expected);
+  require(message.hasAllocatedMemory() == (expected.size() > 80));
+  const VelClMessage copy(message);
+  // Its own text as a variable.
+  message.setNewMessageId(1, message.getAsCString());
+  require(copy.getAsCString() == expected);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  fuzz::Bytes input(data, size);
+  const std::size_t room = input.number() * std::size_t{3};
+  std::vector<fuzz::Text> values;
+  while (values.size() < 10) values.push_back(input.text());
+  const Variables variables(values.begin(), values.end());
+  const fuzz::Text text = input.text();
+  const std::unique_ptr<char[]> out(new char[room + 1]);
+
+  const std::string cut = tableText(text.data(), variables).substr(0, room);
+  require(vel::messages::expandTableText(text, variables.data(), 10, out.get(), room) == cut.size());
+  require(out.get() == cut);
+
+  std::string whole;
+  const bool isComplete = resourceText(text.data(), variables, whole) && whole.size() <= room;
+  const auto result =
+      vel::messages::expandResourceText(text, text.size(), variables.data(), out.get(), room + 1);
+  require(result.complete == isComplete && result.length == (isComplete ? whole.size() : 0));
+  require(out.get() == (isComplete ? whole : ""));
+  requireMessage(text, variables);
+  return 0;
+}

@@ -1,0 +1,63 @@
+// Wildcards and searches beside the plainest way to do either. The input is a byte of options, a pattern,
+// terminated, and a text.
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+#include "fuzz/bytes.h"
+#include "vel_include/vel_helpers.h"
+#include "vel_include/vel_util.h"
+
+namespace {
+
+using fuzz::require;
+
+bool equal(char a, char b, bool ignoreCase) {
+  const auto folded = [](char c) { return std::toupper(static_cast<unsigned char>(c)); };
+  return ignoreCase ? folded(a) == folded(b) : a == b;
+}
+
+/// Which beginnings of the text the pattern matches, one byte of the pattern after the other.
+bool matches(std::string_view pattern, std::string_view text, bool caseSensitive) {
+  std::vector<bool> row(text.size() + 1), next(text.size() + 1);
+  row[0] = true;
+  for (const char c : pattern) {
+    next[0] = c == '*' && row[0];
+    for (std::size_t i = 0; i < text.size(); ++i)
+      next[i + 1] =
+          c == '*' ? next[i] || row[i + 1] : row[i] && (c == '?' || equal(c, text[i], !caseSensitive));
+    row.swap(next);
+  }
+  return row.back();
+}
+
+void requireFound(const char* pattern, std::string_view text, bool ignoreCase) {
+  const VelClStringSearch search(pattern, ignoreCase);
+  const std::string_view wanted(pattern);
+  const auto found = std::search(text.begin(), text.end(), wanted.begin(), wanted.end(),
+                                 [=](char a, char b) { return equal(a, b, ignoreCase); });
+  const char* const expected =
+      found != text.end() || wanted.empty() ? text.data() + (found - text.begin()) : nullptr;
+  require(search.getPattern(text.data(), static_cast<unsigned int>(text.size())) == expected);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  fuzz::Bytes input(data, size);
+  const bool option = (input.number() & 1) != 0;
+  const fuzz::Text pattern = input.text();
+  // Zeros are bytes like all others where the length is told.
+  const std::vector<char> bytes(input.rest().begin(), input.rest().end());
+  requireFound(pattern, {bytes.data(), bytes.size()}, option);
+  const fuzz::Text text = input.text();
+  require(VelClStringSearch(pattern, false).getPattern(text) == std::strstr(text, pattern));
+  require(velStrFind(text, pattern, false) == std::strstr(text, pattern));
+  if (const char* const found = velStrFind(text, pattern, true))
+    for (std::size_t i = 0; pattern[i] != '\0'; ++i) require(equal(found[i], pattern[i], true));
+  require(velStrCount(text, '*') == std::count(text.begin(), text.end() - 1, '*'));
+  const bool isMatch = matches(pattern.view(), text.view(), option);
+  require(velMatchesWildcardPattern(pattern, text, option) == isMatch);
+  require(VelClStringMatchWildcards(pattern, option).getPattern(text) == (isMatch ? text.data() : nullptr));
+  return 0;
+}

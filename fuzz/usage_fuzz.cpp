@@ -1,0 +1,89 @@
+// Any command line under any usage string: what the cursors say of it agrees, and every walk ends. The input
+// is a byte of options, the usage string, and the arguments, each terminated.
+#include <algorithm>
+#include <sstream>
+
+#include "consoleui/usage_writer.h"
+#include "fuzz/bytes.h"
+#include "vel_include/vel_consoleui.h"
+
+namespace {
+
+using fuzz::require;
+using fuzz::Text;
+using vel::consoleui::TextKind;
+
+bool isKnown(const Text& usage, const char* argument) {
+  bool known = false;
+  std::size_t elements = 0;
+  VelClUsageCursor cursor(usage);
+  for (bool more = cursor.setToFirst(); more; more = cursor.setToNext()) {
+    require(cursor.isValid() && ++elements < usage.size());
+    require(cursor.isSwitch() != cursor.isArg() && (cursor.isArg() || !cursor.isFree()));
+    require(cursor.reqArg() || !cursor.reqArgEllipsis());
+    known = known || (cursor.isSwitch() && cursor.matchesSwitch(argument));
+  }
+  return known;
+}
+
+/// The arguments that belong to no switch.
+std::vector<const char*> judge(VelClArgvCheckCursor cursor, const Text& usage) {
+  std::vector<const char*> free;
+  bool isBound = false;
+  for (bool more = cursor.setToFirst(); more; more = cursor.setToNext()) {
+    require(cursor.isSwitch() != cursor.isArg() && (cursor.isSwitch() || !cursor.reqArg()));
+    require(cursor.isBound() == (cursor.isArg() && isBound));
+    require(cursor.isFree() == (cursor.isArg() && !isBound));
+    if (cursor.isSwitch()) require(cursor.isLegal() == isKnown(usage, cursor.getAsCString()));
+    if (cursor.isTagged()) require(usage.view().find('!') != std::string_view::npos);
+    if (cursor.isFree()) free.push_back(cursor.getAsCString());
+    isBound = cursor.reqArg();
+    VelClArgvCheckCursor next = cursor;
+    require(cursor.hasArg() == (cursor.isSwitch() && next.setToNext() && next.isArg()));
+    VelClArgvCheckCursor found = cursor;
+    if (cursor.isSwitch()) require(found.positionTo(cursor.getAsCString()));
+  }
+  return free;
+}
+
+void requireVisited(VelClArgvFreeCursor cursor, std::vector<const char*> expected) {
+  std::vector<const char*> there, back;
+  for (bool more = cursor.setToFirst(); more; more = cursor.setToNext())
+    there.push_back(cursor.getAsCString());
+  require(there == expected);
+  for (bool more = cursor.setToLast(); more; more = cursor.setToPrevious())
+    back.push_back(cursor.getAsCString());
+  std::reverse(back.begin(), back.end());
+  require(back == expected);
+}
+
+void show(const Text& text, TextKind kind, std::size_t indentation) {
+  std::ostringstream shown;
+  vel::consoleui::writeText(shown, text, kind, indentation);
+  const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+  require(shown.str().size() <= text.size() + lines * indentation);
+  if (kind == TextKind::Help && indentation == 0 &&
+      text.view().find_first_of("@\r") == std::string_view::npos)
+    require(shown.str() == text.view());
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  fuzz::Bytes input(data, size);
+  const unsigned int options = input.number();
+  const Text usage = input.text();
+  std::vector<Text> words;
+  while (!input.atEnd()) words.push_back(input.text());
+  // Text by text and never the vector's own end, which is null on a real command line.
+  const std::vector<const char*> arguments(words.begin(), words.end());
+  const int count = static_cast<int>(arguments.size());
+  const char* const* const argv = arguments.data();
+  isKnown(usage, "");
+  requireVisited({count, argv, usage}, judge({count, argv, usage}, usage));
+  show(usage, TextKind{static_cast<int>(options % 3)}, options / 3 % 20);
+  const VelClConsoleUIParams params(count > 0 ? argv[0] : nullptr);
+  require(params.getIndentation() <= 25 &&
+          params.getIndentation() == std::string_view(params.getProcessName()).size());
+  return 0;
+}
