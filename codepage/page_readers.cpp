@@ -92,9 +92,6 @@ class MixedReader : public Reader {
       : converter_(source), characters_(makePageCharacters(converter_)) {
     std::ranges::copy(singles, singles_);
   }
-  MixedReader(const MixedReader&) = delete;
-  MixedReader& operator=(const MixedReader&) = delete;
-  ~MixedReader() override { destroy(characters_); }
 
   Reading read(const char* source, std::size_t size, bool isLast, char16_t* units,
                std::size_t capacity) override {
@@ -192,7 +189,7 @@ class MixedReader : public Reader {
   static constexpr Meaning kNothing{Kind::FirstByteFault, 0, {}};
 
   VelClCodePage2UnicodeConverter converter_;
-  PageCharacters* characters_;  ///< owned
+  OwnedObject<PageCharacters> characters_;
   Meaning singles_[256];
   mutable MeaningMemo memo_;
   mutable bool isCutOff_ = false;  ///< the last walk ended within a character

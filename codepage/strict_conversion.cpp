@@ -60,10 +60,18 @@ VelClStrictConversion::VelClStrictConversion(const VelClCCSID& source, const Vel
     : source_(withProperties(source)),
       policy_(policy),
       foldsNextLine_(false),
-      reader_(vel::codepage::makeReader(source_)),
-      writer_(vel::codepage::makeWriter(withProperties(target))),
-      units_(allocate<char16_t>(kMostUnits)),
-      outputBuffer_(allocate<char>(Output::kCapacity)) {
+      reader_(nullptr),
+      writer_(nullptr),
+      units_(nullptr),
+      outputBuffer_(nullptr) {
+  // The object owns all of them, or none when memory runs out.
+  vel::OwnedObject<vel::codepage::Reader> reader(vel::codepage::makeReader(source_));
+  vel::OwnedObject<vel::codepage::Writer> writer(vel::codepage::makeWriter(withProperties(target)));
+  vel::OwnedBlock units(allocate<char16_t>(kMostUnits));
+  outputBuffer_ = allocate<char>(Output::kCapacity);
+  units_ = static_cast<char16_t*>(units.release());
+  writer_ = writer.release();
+  reader_ = reader.release();
   restart();
 }
 

@@ -72,4 +72,14 @@ void destroy(T* object) noexcept {
   VelClMemoryManager::free(object);
 }
 
+struct DestroyObject {
+  template <typename T>
+  void operator()(T* object) const noexcept {
+    destroy(object);
+  }
+};
+/// Owns what create made.
+template <typename T>
+using OwnedObject = std::unique_ptr<T, DestroyObject>;
+
 }  // namespace vel
