@@ -1,10 +1,11 @@
 // Memory that runs out: every scenario is tried with its first allocation failing, then with its second, and
-// so on until it no longer fails. Each failure must arrive as the library's exception, take no block with it,
-// and leave the objects from before as they were.
+// so on until it no longer fails; once with that single failure, once with all that follow. Each failure must
+// arrive as the library's exception, take no block with it, and leave the objects from before as they were.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <iostream>
+#include <set>
 #include <sstream>
 
 #include "inifile/test/ini_fixture.h"
@@ -13,18 +14,20 @@
 
 namespace {
 
-long liveBlocks = 0;
-int allocationsUntilFailure = 0;  ///< 0: none fails
-int position = 0;                 ///< of the allocation that fails, of those made inside one attempt
+std::set<void*> liveBlocks;
+int allocations = 0;   ///< made inside one attempt
+int position = 0;      ///< of the first that fails, 0 for none
+int failurePoint = 0;  ///< the position of all attempts of a scenario
+bool onlyOneFails = true;
 bool anyFailed = false;
 
 void* countingMalloc(size_t size) {
-  if (allocationsUntilFailure > 0 && --allocationsUntilFailure == 0) return nullptr;
-  ++liveBlocks;
-  return std::malloc(size);
+  ++allocations;
+  if (position > 0 && (onlyOneFails ? allocations == position : allocations >= position)) return nullptr;
+  return *liveBlocks.insert(std::malloc(size)).first;
 }
 void countingFree(void* block) {
-  --liveBlocks;
+  EXPECT_EQ(liveBlocks.erase(block), 1U) << "freed twice, or never allocated";
   std::free(block);
 }
 
@@ -32,16 +35,17 @@ void countingFree(void* block) {
 template <typename Operation>
 bool attempt(Operation operation) {
   bool completed = false;
-  allocationsUntilFailure = position;
+  allocations = 0;
+  position = failurePoint;
   try {
     operation();
     completed = true;
-    EXPECT_GT(allocationsUntilFailure, 0) << "a failure was hidden";
+    EXPECT_LT(allocations, position) << "a failure was hidden";
   } catch (const VelClExceptionFatal& exception) {
     EXPECT_EQ(exception.getId(), static_cast<unsigned long>(MEMMGR_USER_OUT_OF_MEMORY));
     EXPECT_EQ(exception.getClass(), VelEnErrorClass::OUT_OF_MEMORY);
   }
-  allocationsUntilFailure = 0;
+  position = 0;
   anyFailed = anyFailed || !completed;
   return completed;
 }
@@ -49,15 +53,18 @@ bool attempt(Operation operation) {
 /// Runs `scenario` until none of its attempts fails any more; it has to fail at least this often.
 template <typename Scenario>
 void exhaust(const char* name, Scenario scenario, int least = 1) {
-  anyFailed = true;
-  for (position = 1; anyFailed && position < 500; ++position) {
-    const long before = liveBlocks;
-    anyFailed = false;
-    EXPECT_NO_THROW(scenario()) << name;
-    EXPECT_EQ(liveBlocks, before) << name << ", allocation " << position;
+  for (const bool once : {true, false}) {
+    onlyOneFails = once;
+    anyFailed = true;
+    for (failurePoint = 1; anyFailed && failurePoint < 500; ++failurePoint) {
+      const auto before = liveBlocks;
+      anyFailed = false;
+      EXPECT_NO_THROW(scenario()) << name;
+      EXPECT_TRUE(liveBlocks == before) << name << ", allocation " << failurePoint;
+    }
+    EXPECT_FALSE(anyFailed) << name << " never ends";
+    EXPECT_GE(failurePoint - 2, least) << name;
   }
-  EXPECT_FALSE(anyFailed) << name << " never ends";
-  EXPECT_GE(position - 2, least) << name;
 }
 
 class FailingAllocation : public testing::Test {
@@ -65,15 +72,19 @@ class FailingAllocation : public testing::Test {
   void SetUp() override {
     velSetNewMemoryManager(countingMalloc, nullptr, countingFree);
     console_ = std::cout.rdbuf(shown_.rdbuf());
+    keyboard_ = std::cin.rdbuf(typed_.rdbuf());
   }
   void TearDown() override {
     std::cout.rdbuf(console_);
+    std::cin.rdbuf(keyboard_);
     velSetNewMemoryManager(std::malloc, nullptr, std::free);
   }
 
  private:
   std::ostringstream shown_;
+  std::istringstream typed_;
   std::streambuf* console_ = nullptr;
+  std::streambuf* keyboard_ = nullptr;
 };
 
 const std::string kLong(100, 'x');
@@ -81,9 +92,41 @@ const char* const kTable[] = {"", "name", "%1", "plain"};
 const char* const kArguments[] = {"tool", "-a", "b", "-quiet"};
 constexpr const char* kNull = nullptr;
 
+void convert(int source, int target) {
+  const VelClCodePage2CodePageConverter converter{VelClCCSID(source), VelClCCSID(target)};
+  const char* text = "\xC1";
+  char out[10];
+  converter.convertBytes(out, sizeof out, &text, 1);
+}
+
+void convertStrictly(int source, int target) {
+  struct : VelClConversionSink {
+    void write(const char*, size_t) override {}
+  } sink;
+  VelClStrictConversion conversion{VelClCCSID(source), VelClCCSID(target)};
+  EXPECT_TRUE(conversion.isSupported());
+  conversion.convert("\x40", 1, sink);
+  EXPECT_TRUE(conversion.finish(sink));
+}
+
 TEST_F(FailingAllocation, OfSingleOperations) {
   const std::pair<const char*, void (*)()> operations[] = {
       {"search", [] { const VelClStringSearch search(kLong.c_str(), true); }},
+      {"block", [] { const VelClMemoryPoolBlock block(100, 64); }},
+      {"plain blocks", [] { velFree(velCalloc(2, 8)); }},
+      {"waiting process", [] { VelClNewSyncProcess(VelClExeFile("absent")).addArgument(5L); }},
+      {"table's cursor", [] { VelClMessageCatalogCursor(VelClMessageCatalog(kTable, 4)).setToFirst(); }},
+      {"conversion", [] { convert(37, 850); }},
+      {"strict single bytes", [] { convertStrictly(37, 850); }},
+      {"strict double bytes", [] { convertStrictly(930, 943); }},
+      {"strict UTF-8", [] { convertStrictly(1208, 1200); }},
+      {"saving", [] { const VelClIniFileSave file("absent.ini"); }},
+      {"environment", [] { const VelClTraceEnvironment environment("shortage", nullptr, true); }},
+      {"controller",
+       [] {
+         VelClTraceInstance::createControllerInstance("shortage", nullptr);
+         velTraceDeleteInstance();
+       }},
       {"library", [] { velDllProcLoaderClose(velDllProcLoaderOpen("qamc5032")); }},
       {"absent library", [] { velDllProcLoaderClose(velDllProcLoaderOpen("absent")); }},
       {"process", [] { const VelClNewAsyncProcess process(VelClExeFile("absent")); }},
@@ -114,6 +157,13 @@ TEST_F(FailingAllocation, OfSingleOperations) {
 }
 
 TEST_F(FailingAllocation, OfVariablesAndPrograms) {
+  exhaust("bits", [] {
+    VelClBitArray array(9);
+    array.set(8);
+    const bool assigned = attempt([&] { array = VelClBitArray(100); });
+    EXPECT_EQ(array.getNumOfBits(), assigned ? 100U : 9U);
+    EXPECT_EQ(array.test(8), !assigned);
+  });
   exhaust("variable", [] {
     VelClEnvironmentVariable variable("VEL_TEST_SHORTAGE", "old");
     const bool set = attempt([&] { EXPECT_TRUE(variable.setNewValue(kLong.c_str())); });
@@ -129,8 +179,8 @@ TEST_F(FailingAllocation, OfVariablesAndPrograms) {
     VelClNewSyncProcess process(VelClExeFile("vel_no_such_program"));
     const bool added = attempt([&] { process.addArgument(kLong.c_str()); });
     EXPECT_EQ(process.getArgumentCount(), added ? 2U : 1U);
-    const bool tried = attempt([&] { EXPECT_FALSE(process.launch()); });
-    EXPECT_EQ(process.getResult(), tried ? 2U : 0U);
+    const bool launched = attempt([&] { EXPECT_FALSE(process.launch()); });
+    EXPECT_EQ(process.getResult(), launched ? 2U : 0U);
     EXPECT_EQ(process.getLastError().getErrorId(), static_cast<unsigned long>(PROCESS_COULD_NOT_LAUNCH));
   };
   exhaust("launch", launch, 3);
@@ -235,6 +285,22 @@ TEST_F(FailingAllocation, OfEditedIniFiles) {
           EXPECT_EQ(vel::test::shown(editor.getIniFile()), vel::test::shown(again.getIniFile()));
         },
         5);
+  std::string large;
+  for (int i = 0; i < 300; ++i)
+    large += "[s" + std::to_string(i) + "]\nx=" + kLong + kLong + "\n " + kLong + kLong + kLong + "\n";
+  for (int i = 0; i < 40; ++i) large += "o" + std::to_string(i) + "=1\n";
+  const auto change = [&large] {
+    VelClIniFileSave file("unused");
+    const bool changed = attempt([&] {
+      vel::test::loadText(file, large, false);
+      EXPECT_TRUE(file.getSection("s299") && file.addOption("o40", "1") && file.addSection("new"));
+    });
+    // The model is whole, and the same work can be done.
+    if (!changed) vel::test::loadText(file, large, false);
+    EXPECT_TRUE(file.getSection("s299"));
+    EXPECT_NE(file.getExistingOption(*file.getExistingSection("s299"), "o39"), nullptr);
+  };
+  exhaust("model", change, 10);
   exhaust("save", [&] {
     VelClIniFileEditor editor(path.c_str());
     VelClIniFileSave file(path.c_str());
@@ -276,6 +342,14 @@ TEST_F(FailingAllocation, OfUserInterfaces) {
       {"exception", [](VelClConsoleUI& ui) { ui.exception(kException, "text"); }},
       {"format", [](VelClConsoleUI& ui) { ui.format(180UL); }},
       {"dump", [](VelClConsoleUI& ui) { ui.dump(180UL, "bytes", 5); }},
+      {"warning", [](VelClConsoleUI& ui) { ui.warning("text"); }},
+      {"help", [](VelClConsoleUI& ui) { ui.displayHelp(false); }},
+      {"number", [](VelClConsoleUI& ui) { ui.format(180UL, 5); }},
+      {"truth", [](VelClConsoleUI& ui) { ui.formatBool("label", true); }},
+      {"prompt", [](VelClConsoleUI& ui) { ui.prompt("question", "hint", "answer"); }},
+      {"text prompt", [](VelClConsoleUI& ui) { ui.promptString(180UL, "answer"); }},
+      {"number prompt", [](VelClConsoleUI& ui) { ui.promptNumval("question", 1, 9, 5); }},
+      {"decision", [](VelClConsoleUI& ui) { ui.promptYesNo("question", true); }},
       {"format exception", [](VelClConsoleUI& ui) { ui.format(kException, true); }},
   };
   for (const auto& [name, run] : operations)

@@ -1,7 +1,6 @@
 // Cursors, changes to the model, and what saving writes.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <random>
@@ -252,53 +251,6 @@ TEST(IniCursors, StandOnlyOnWhatExists) {
   EXPECT_TRUE(copy.isValid() && section.setToFirst());
   file.reset();
   EXPECT_FALSE(copy.isValid() || other.setToFirst() || section.setToFirst() || section.setTo("A"));
-}
-
-long liveBlocks = 0;
-int untilFailure = 0;
-
-void* countingMalloc(size_t size) {
-  if (untilFailure > 0 && --untilFailure == 0) return nullptr;
-  ++liveBlocks;
-  return std::malloc(size);
-}
-void countingFree(void* block) {
-  if (block != nullptr) --liveBlocks;
-  std::free(block);
-}
-
-TEST(IniEditing, BearsMissingMemory) {
-  std::string text;
-  for (int i = 0; i < 300; ++i)
-    text += "[s" + std::to_string(i) + "]\nx=" + std::string(200, 'v') + "\n " + std::string(300, 'w') + "\n";
-  for (int i = 0; i < 40; ++i) text += "o" + std::to_string(i) + "=1\n";
-  velSetNewMemoryManager(countingMalloc, nullptr, countingFree);
-  int failures = 0;
-  for (bool failed = true; failed; ++failures) {
-    untilFailure = failures + 1;
-    failed = false;
-    try {
-      VelClIniFileSave file("unused");
-      try {
-        loadText(file, text, false);
-        EXPECT_TRUE(file.getSection("s299") && file.addOption("o40", "1") && file.addSection("new"));
-      } catch (const VelClExceptionFatal& exception) {
-        EXPECT_EQ(exception.getId(), static_cast<unsigned long>(MEMMGR_USER_OUT_OF_MEMORY));
-        failed = true;
-      }
-      // The model is whole, and the same work can be done.
-      EXPECT_TRUE(!failed || text.starts_with("[s0]"));
-      loadText(file, text, false);
-      EXPECT_TRUE(file.getSection("s299"));
-      EXPECT_NE(file.getExistingOption(*file.getExistingSection("s299"), "o39"), nullptr);
-    } catch (const VelClExceptionFatal&) {
-      failed = true;
-    }
-    EXPECT_EQ(liveBlocks, 0);
-  }
-  untilFailure = 0;
-  velSetNewMemoryManager(std::malloc, nullptr, std::free);
-  EXPECT_GT(failures, 10);
 }
 
 }  // namespace

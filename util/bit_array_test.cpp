@@ -2,12 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <bitset>
-#include <cstdlib>
 #include <sstream>
 #include <string>
 
-#include "vel_include/vel_error.h"
-#include "vel_include/vel_memmgr.h"
 #include "vel_include/vel_util.h"
 
 namespace {
@@ -107,19 +104,6 @@ TEST(BitArray, SaysThroughTheStreamThatItIsTooShort) {
   EXPECT_EQ(written(array), form(16, {8, 0, 0}));
   EXPECT_FALSE(reads(array, form(16, "a"), 9));
   EXPECT_EQ(written(array), form(16, {'a', 0, 0}));
-}
-
-TEST(BitArray, StaysAsItWasWithoutMemory) {
-  VelClBitArray array(9);
-  array.set(8);
-  const VelClBitArray other(100);
-  velSetNewMemoryManager([](size_t) -> void* { return nullptr; }, nullptr, std::free);
-  EXPECT_THROW(VelClBitArray(5), VelClExceptionFatal);
-  EXPECT_THROW(VelClBitArray{other}, VelClExceptionFatal);
-  EXPECT_THROW(array = other, VelClExceptionFatal);
-  velSetNewMemoryManager(std::malloc, nullptr, std::free);
-  EXPECT_EQ(array.getNumOfBits(), 9U);
-  EXPECT_TRUE(array.test(8));
 }
 
 }  // namespace
