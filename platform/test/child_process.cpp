@@ -36,7 +36,8 @@ ChildResult runChild(const std::string& program, const std::vector<std::string>&
   runPlan({path.string(),
            arguments,
            changedEnvironment(options.environment),
-           {directory.write("input", options.input), output, errors}},
+           {directory.write("input", options.input), output, errors},
+           options.failingCall},
           result);
   result.output = readFile(output);
   result.errors = readFile(errors);

@@ -17,9 +17,10 @@ struct ChildResult {
   /// abort(), a crash or the time limit. On Windows abort() is exit code 3, so a child must not use
   /// that code for anything else; on POSIX systems 127 is that of a child without program.
   bool endedAbnormally = false;
-  int exitCode = -1;   ///< when it ended by itself
-  std::string output;  ///< standard output, CR LF as LF
-  std::string errors;  ///< standard error, CR LF as LF
+  int exitCode = -1;            ///< when it ended by itself
+  std::string output;           ///< standard output, CR LF as LF
+  std::string errors;           ///< standard error, CR LF as LF
+  std::string failedCall = {};  ///< see ChildOptions::failingCall
 };
 
 /// Variables to set for a child; an empty value removes one.
@@ -29,6 +30,9 @@ struct ChildOptions {
   Variables environment = {};
   std::string input = {};  ///< bytes for standard input
   bool rawOutput = false;  ///< leave line breaks as the child wrote them
+  /// On Linux: which of the calls that write to files fails, from 1; the result tells its name, "" when
+  /// there are fewer. There is no time limit then.
+  int failingCall = 0;
 };
 
 /// `program` is a name beside the running program, without extension, or a path. A child that reaches the

@@ -15,6 +15,7 @@ struct ChildPlan {
   std::vector<std::string> arguments;
   std::vector<std::string> environment;
   std::array<std::string, 3> streams;  ///< files
+  int failingCall = 0;
 };
 
 /// Runs it, at most until the time limit, and fills in everything but the output.

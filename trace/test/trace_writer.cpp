@@ -10,5 +10,6 @@ int main(int argc, char** argv) {
   for (std::uint32_t number = 0; number < 10'000; ++number)
     velTraceDump(VelEnTraceDetail::LOW, 7, VelEnTraceDataType::UNSIGNED_32, argv[1],
                  std::string(number % 300, 'x').c_str(), &number, sizeof number);
+  velTraceFlush();
   return velTraceGetLostBytes() == 0 ? 0 : 2;
 }

@@ -5,11 +5,14 @@
 #include <poll.h>
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/ptrace.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
+
+#include "platform/test/posix/failing_calls.h"
 
 namespace vel::test {
 
@@ -35,12 +38,17 @@ void runPlan(ChildPlan plan, ChildResult& result) {
     int stream = 0;
     for (const std::string& path : plan.streams)
       dup2(open(path.c_str(), O_RDWR | O_APPEND | O_CLOEXEC), stream++);
+    if (plan.failingCall > 0) ptrace(PTRACE_TRACEME);
     execve(arguments[0], arguments.data(), variables.data());
     _exit(kExitCodeWithoutProgram);
   }
-  if (!endsWithin(static_cast<unsigned int>(child), kTimeLimitMs)) kill(child, SIGKILL);
   int status = 0;
-  waitpid(child, &status, 0);
+  if (plan.failingCall > 0) {
+    status = waitFailingCall(child, plan.failingCall, result.failedCall);
+  } else {
+    if (!endsWithin(static_cast<unsigned int>(child), kTimeLimitMs)) kill(child, SIGKILL);
+    waitpid(child, &status, 0);
+  }
   result.endedAbnormally = !WIFEXITED(status);
   if (WIFEXITED(status)) result.exitCode = WEXITSTATUS(status);
   result.started = result.exitCode != kExitCodeWithoutProgram;
