@@ -1,8 +1,7 @@
 // Reads any bytes as a library of messages, and as one table: in a block of their size by the readers, and
 // from a file by the classes.
-#include <fstream>
-
 #include "fuzz/bytes.h"
+#include "fuzz/input_file.h"
 #include "messages/message_resource.h"
 #include "messages/portable_executable.h"
 #include "vel_include/vel_messages.h"
@@ -54,36 +53,14 @@ void readFile(const char* name) {
   }
 }
 
-/// The file that all inputs are written to.
-class InputFile {
- public:
-  InputFile() {
-    static_cast<void>(velTmpFileCreate(nullptr, "FUZZ", name_));
-    VelClFile(name_, nullptr).remove();
-    VelClFilename library(name_);
-    library.setNewExtension("DLL");
-    file_ = library;
-  }
-  ~InputFile() { VelClFile(file_, nullptr).remove(); }
-
-  const char* write(const std::uint8_t* data, std::size_t size) const {
-    std::ofstream(file_.getAsCString(), std::ios::binary | std::ios::trunc)
-        .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-    return file_.getAsCString();
-  }
-
- private:
-  char name_[VEL_MAX_PATH_LENGTH + 1] = {};
-  VelClFilename file_;
-};
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const InputFile file;
+  static const fuzz::InputFile file("DLL");
   const std::vector<std::uint8_t> bytes(data, data + size);
   readTable(MessageResource(bytes.data(), bytes.size()));
   readBlock(bytes);
-  readFile(file.write(data, size));
+  file.write({reinterpret_cast<const char*>(data), size});
+  readFile(file.name());
   return 0;
 }

@@ -39,12 +39,9 @@ void applyItem(Components& components, std::string_view item) {
 }
 
 void applyList(Components& components, std::string_view list) {
-  for (std::size_t end = 0; end != std::string_view::npos;
-       list.remove_prefix(std::min(end, list.size() - 1) + 1)) {
-    end = list.find(',');
-    applyItem(components, list.substr(0, end));
-    if (end == std::string_view::npos) break;
-  }
+  const std::size_t end = list.find(',');
+  applyItem(components, list.substr(0, end));
+  if (end != std::string_view::npos) applyList(components, list.substr(end + 1));
 }
 
 void step(fuzz::Bytes& input, VelClTraceFilter& filter, Components& components) {

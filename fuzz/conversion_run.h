@@ -1,17 +1,13 @@
 // What the fuzz targets of conversions share.
 #pragma once
 
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
 #include "codepage/test/outcome.h"
+#include "fuzz/bytes.h"
 
 namespace fuzz {
-
-inline void require(bool holds) {
-  if (!holds) std::abort();
-}
 
 /// The first byte chooses a converter, the second one a target size.
 struct Input {
@@ -48,5 +44,3 @@ inline void requireAll(const VelClConverterABase& converter, const Input& input,
 }
 
 }  // namespace fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

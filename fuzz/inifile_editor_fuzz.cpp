@@ -2,19 +2,15 @@
 // refusal changes nothing. The input is a byte of options, a section's name, an option's name and a value,
 // each terminated, and the text.
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
+#include "fuzz/bytes.h"
 #include "vel_include/vel_inifile.h"
 
 namespace {
 
-void require(bool holds) {
-  if (!holds) std::abort();
-}
+using fuzz::require;
 
 struct Input {
   std::string section;
@@ -22,13 +18,6 @@ struct Input {
   std::string value;
   std::string text;
 };
-
-std::string takeText(std::string& bytes) {
-  const std::size_t end = std::min(bytes.find('\0'), bytes.size());
-  const std::string text = bytes.substr(0, end);
-  bytes.erase(0, end + 1);
-  return text;
-}
 
 std::string textOf(const VelClIniFileEditor& editor) {
   return {editor.getText(), editor.getLength()};
@@ -149,17 +138,16 @@ void changeSection(VelClIniFileEditor& editor, const Input& input, bool isAdded)
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size == 0) return 0;
+  fuzz::Bytes bytes(data, size);
+  const unsigned int options = bytes.number();
   Input input;
-  input.text.assign(reinterpret_cast<const char*>(data) + 1, size - 1);
-  for (std::string* part : {&input.section, &input.option, &input.value}) *part = takeText(input.text);
-  const bool allowContinuation = (data[0] & 4) != 0;
+  for (std::string* part : {&input.section, &input.option, &input.value}) *part = bytes.text();
+  input.text = bytes.rest();
+  const bool allowContinuation = (options & 4) != 0;
   VelClIniFileEditor editor("unused");
   editor.loadFromBuffer(input.text.data(), input.text.size(), allowContinuation);
-  switch (data[0] & 3) {
+  switch (options & 3) {
     case 0:
       setValue(editor, input, allowContinuation);
       break;
@@ -170,7 +158,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       removeOption(editor, input);
       break;
     default:
-      changeSection(editor, input, (data[0] & 8) != 0);
+      changeSection(editor, input, (options & 8) != 0);
   }
   return 0;
 }

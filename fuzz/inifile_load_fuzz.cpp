@@ -1,20 +1,16 @@
 // Loads any bytes with any delimiter and asks every question about what came of them. The input is a byte of
 // options, the delimiter, and the bytes.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <sstream>
 #include <string>
 
 #include "foundation/ascii.h"
+#include "fuzz/bytes.h"
 #include "vel_include/vel_inifile.h"
 
 namespace {
 
-void require(bool holds) {
-  if (!holds) std::abort();
-}
+using fuzz::require;
 
 bool decide(const _VelStError& error, unsigned int line, void* errorsLeft) {
   require(line > 0 && error.errorClass == VelEnErrorClass::USER_DATA_ERROR);
@@ -57,8 +53,6 @@ void askForSection(const VelClIniFile& file, const VelClIniFileSection& section)
 }
 
 }  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 2) return 0;

@@ -2,19 +2,15 @@
 // The input is a byte of options and the text.
 #include <algorithm>
 #include <cctype>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <sstream>
 #include <string>
 
+#include "fuzz/bytes.h"
 #include "vel_include/vel_inifile.h"
 
 namespace {
 
-void require(bool holds) {
-  if (!holds) std::abort();
-}
+using fuzz::require;
 
 bool isControl(char c) {
   return (c >= 0 && c < ' ') || c == '\x7F';
@@ -96,8 +92,6 @@ std::string saved(VelClIniFileSave& file) {
 }
 
 }  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;

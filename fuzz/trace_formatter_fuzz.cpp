@@ -1,16 +1,11 @@
 // Formats any bytes as a trace file, by any format string. The input is a byte of options, the format string
 // with its terminator, and the file.
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <fstream>
 #include <ostream>
 #include <streambuf>
-#include <string>
 
+#include "fuzz/bytes.h"
+#include "fuzz/input_file.h"
 #include "vel_include/vel_error.h"
-#include "vel_include/vel_filesys.h"
 #include "vel_include/vel_trace.h"
 
 namespace {
@@ -30,21 +25,6 @@ class Sink : public std::streambuf {
   int_type overflow(int_type c) override { return traits_type::not_eof(c); }
 };
 
-/// The file that all inputs are written to.
-class InputFile {
- public:
-  InputFile() { static_cast<void>(velTmpFileCreate(nullptr, "FUZZ", name_)); }
-  ~InputFile() { VelClFile(name_, nullptr).remove(); }
-
-  const char* name() const { return name_; }
-  void write(const std::string& bytes) const {
-    std::ofstream(name_, std::ios::binary | std::ios::trunc) << bytes;
-  }
-
- private:
-  char name_[VEL_MAX_PATH_LENGTH + 1] = {};
-};
-
 void choose(VelClTraceFormatter& formatter, unsigned int options) {
   formatter.setDisplayIndentation((options & 1) != 0 ? ". " : nullptr);
   formatter.setShowNestingLevel((options & 2) != 0);
@@ -60,31 +40,28 @@ void formatOrFail(VelClTraceFormatter& formatter, std::size_t inputSize) {
   try {
     formatter.format(stream);
   } catch (const VelClException& exception) {
-    if (exception.getId() != TRACEFORMAT_UNEXPECTED_EOF && exception.getId() != TRACEFORMAT_FILE_CORRUPTED)
-      std::abort();
+    fuzz::require(exception.getId() == TRACEFORMAT_UNEXPECTED_EOF ||
+                  exception.getId() == TRACEFORMAT_FILE_CORRUPTED);
   }
   // An entry has 20 bytes at least, and a byte of the format costs a line's indentation at most.
-  if (formatter.getNumOfEntries() > inputSize / 20 || sink.count > (inputSize + 1) * (inputSize + 1) * 4096)
-    std::abort();
+  fuzz::require(formatter.getNumOfEntries() <= inputSize / 20);
+  fuzz::require(sink.count <= (inputSize + 1) * (inputSize + 1) * 4096);
 }
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const InputFile file;
+  static const fuzz::InputFile file("TRC");
   static VelClTraceEnvironment environment("fuzz", nullptr, true);
-  if (size == 0) return 0;
-  const std::string input(reinterpret_cast<const char*>(data) + 1, size - 1);
-  const std::size_t end = std::min(input.find('\0'), input.size());
-  const std::string format = input.substr(0, end);
-  file.write(end < input.size() ? input.substr(end + 1) : "");
+  fuzz::Bytes input(data, size);
+  const unsigned int options = input.number();
+  const fuzz::Text format = input.text();
+  file.write(input.rest());
   environment.setFilename(file.name());
-  environment.getSettings().setDetailLevel((data[0] & 64) != 0 ? "LOW" : "HIGH");
+  environment.getSettings().setDetailLevel((options & 64) != 0 ? "LOW" : "HIGH");
   VelClTraceFormatter formatter(environment, nullptr);
-  formatter.setFormatString(format.c_str());
-  choose(formatter, data[0]);
+  formatter.setFormatString(format);
+  choose(formatter, options);
   formatOrFail(formatter, size);
   return 0;
 }
