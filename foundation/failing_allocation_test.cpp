@@ -352,17 +352,21 @@ TEST_F(FailingAllocation, OfUserInterfaces) {
       {"decision", [](VelClConsoleUI& ui) { ui.promptYesNo("question", true); }},
       {"format exception", [](VelClConsoleUI& ui) { ui.format(kException, true); }},
   };
+  // Short messages need no memory.
   for (const auto& [name, run] : operations)
-    exhaust(name, [run = run] {
-      std::ostringstream stream;
-      VelClConsoleUI ui(4, kArguments);
-      ui.setOutputStream(stream);
-      ui.getParams().setErrorStream(stream);
-      const bool done = attempt([&] { run(ui); });
-      ui.getParams().setQuietMode(false);
-      // After a failure the same object does the same work.
-      if (!done) run(ui);
-    });
+    exhaust(
+        name,
+        [run = run] {
+          std::ostringstream stream;
+          VelClConsoleUI ui(4, kArguments);
+          ui.setOutputStream(stream);
+          ui.getParams().setErrorStream(stream);
+          const bool done = attempt([&] { run(ui); });
+          ui.getParams().setQuietMode(false);
+          // After a failure the same object does the same work.
+          if (!done) run(ui);
+        },
+        0);
 }
 
 }  // namespace
