@@ -8,17 +8,6 @@
 
 namespace vel {
 
-/// One byte, or two that count as the same.
-struct ByteChoice {
-  unsigned char one;
-  unsigned char other;
-
-  bool has(char c) const noexcept {
-    const auto byte = static_cast<unsigned char>(c);
-    return byte == one || byte == other;
-  }
-};
-
 /// Sixteen bytes; compilers make one vector of them on every processor that has such.
 using ByteBlock = unsigned char __attribute__((vector_size(16)));
 
@@ -35,10 +24,31 @@ inline ByteBlock blockAt(const char* text) noexcept {
   return block;
 }
 
+struct OneByte {
+  unsigned char byte;
+
+  bool has(char c) const noexcept { return static_cast<unsigned char>(c) == byte; }
+  ByteBlock hits(ByteBlock block) const noexcept {
+    return reinterpret_cast<ByteBlock>(block == blockOf(byte));
+  }
+};
+
+/// Two bytes that count as the same; they may be.
+struct ByteChoice {
+  unsigned char one;
+  unsigned char other;
+
+  bool has(char c) const noexcept { return OneByte{one}.has(c) || OneByte{other}.has(c); }
+  ByteBlock hits(ByteBlock block) const noexcept {
+    return OneByte{one}.hits(block) | OneByte{other}.hits(block);
+  }
+};
+
 /// A pair of bytes that stand `distance` apart.
+template <typename Byte>
 class BytePair {
  public:
-  BytePair(ByteChoice first, ByteChoice second, std::size_t distance) noexcept
+  BytePair(Byte first, Byte second, std::size_t distance) noexcept
       : first_(first), second_(second), distance_(distance) {}
 
   bool isAt(const char* text) const noexcept { return first_.has(*text) && second_.has(text[distance_]); }
@@ -47,20 +57,15 @@ class BytePair {
   bool isWithin(const char* text) const noexcept {
     ByteBlock found{};
     for (std::size_t i = 0; i < kBytesAtOnce; i += sizeof(ByteBlock))
-      found |= hits(first_, text + i) & hits(second_, text + i + distance_);
+      found |= first_.hits(blockAt(text + i)) & second_.hits(blockAt(text + i + distance_));
     std::uint64_t halves[2];
     std::memcpy(halves, &found, sizeof halves);
     return (halves[0] | halves[1]) != 0;
   }
 
  private:
-  static ByteBlock hits(ByteChoice choice, const char* text) noexcept {
-    const ByteBlock block = blockAt(text);
-    return reinterpret_cast<ByteBlock>((block == blockOf(choice.one)) | (block == blockOf(choice.other)));
-  }
-
-  ByteChoice first_;
-  ByteChoice second_;
+  Byte first_;
+  Byte second_;
   std::size_t distance_;
 };
 

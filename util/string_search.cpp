@@ -38,9 +38,9 @@ bool matchesHere(const char* pattern, std::size_t patternLength, const char* tex
 /// left to the shift table.
 std::size_t findLikelyStart(const char* pattern, std::size_t patternLength, const char* text,
                             std::size_t length) {
-  const auto exactly = [](char c) { return vel::ByteChoice{byteOf(c), byteOf(c)}; };
   const std::size_t distance = patternLength - 1;
-  const vel::BytePair ends(exactly(pattern[0]), exactly(pattern[distance]), distance);
+  const vel::BytePair ends(vel::OneByte{byteOf(pattern[0])}, vel::OneByte{byteOf(pattern[distance])},
+                           distance);
   std::size_t block = 0;
   for (std::size_t compared = 0; length - block >= vel::kBytesAtOnce + distance; block += vel::kBytesAtOnce) {
     if (!ends.isWithin(text + block)) continue;

@@ -44,6 +44,7 @@ bool velMatchesWildcardPattern(const char* pattern, const char* text, bool caseS
     if (*pattern == '*') {
       behindStar = ++pattern;
       resume = text;
+      if (*pattern == '\0') return true;
       if (std::strchr(pattern, '*') == nullptr) return matchesAtEnd(pattern, text, caseSensitive);
     } else if (*pattern != '\0' && matchesOneByte(*pattern, *text, caseSensitive)) {
       ++pattern;
