@@ -43,11 +43,10 @@ def expand(row, times):
         yield row
         return
     start = row["own"][:-1]
-    for name in times:
-        if name.startswith(start):
-            argument = name.removeprefix(start)
-            fields = {key: row[key].replace("*", argument) for key in ("own", "peer", "limit")}
-            yield {**row, **fields, "job": f"{row['job']} {argument}"}
+    arguments = (name.removeprefix(start) for name in times if name.startswith(start))
+    for argument in sorted(arguments, key=int):
+        fields = {key: row[key].replace("*", argument) for key in ("own", "peer", "limit")}
+        yield {**row, **fields, "job": f"{row['job']} {argument}"}
 
 
 def describe(row, times):
