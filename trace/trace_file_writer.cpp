@@ -1,4 +1,5 @@
 // Appends what leaves the ring to the trace file. A failure costs trace data and nothing else.
+#include <cerrno>
 #include <cstdint>
 
 #include "platform/platform.h"
@@ -40,7 +41,13 @@ void VelClTraceEnvironment::append(const _VelStTraceBufferCallBackInfo& info) {
                                            {info.second, static_cast<std::size_t>(info.secondLength)}};
     written = vel::platform::appendBytes(descriptor, pieces[0], pieces[1], error);
     const int closed = vel::platform::closeAppended(descriptor);
+    const SystemError closeError = closed != 0 && errno != EINTR ? errno : 0;
     if (verbose) VerboseLine() << "bytes written: " << written << " file status: " << closed;
+    // A file that cannot be closed may have lost all of it.
+    if (closeError != 0) {
+      error = closeError;
+      written = 0;
+    }
   }
   lostBytes_ += size - written;
   if (error != 0) lastSystemError_ = error;
