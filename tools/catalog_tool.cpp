@@ -11,6 +11,8 @@ enum FirstTexts : unsigned long { kTitle = 2, kDescription, kUsage, kHelp };
 
 }  // namespace
 
+const char* const kStandardStream = "standard input";
+
 std::vector<const char*> withStandardStream(int argc, const char* const* argv) {
   std::vector<const char*> arguments(argv, argv + argc);
   for (const char*& argument : arguments)

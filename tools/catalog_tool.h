@@ -9,7 +9,7 @@
 namespace vel::tools {
 
 /// Stands for "-", which the switches' grammar takes for a switch without a name. Compare the pointers.
-inline constexpr const char* kStandardStream = "standard input";
+extern const char* const kStandardStream;
 
 /// The command line with kStandardStream for every "-".
 std::vector<const char*> withStandardStream(int argc, const char* const* argv);
