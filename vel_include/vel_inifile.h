@@ -397,7 +397,8 @@ class VEL_API VelClIniFileEditor : public VelClFile {
   const VelClIniFile& getIniFile() const;
 
   /// Writes the file as VelClIniFileSave::save does: the old file or the new one, whatever happens.
-  /// On Windows a file that another program has open cannot be replaced. A link that leads nowhere is refused.
+  /// On Windows a file that another program has open cannot be replaced. A link that leads nowhere is
+  /// refused.
   bool save();
 
  private:
