@@ -219,12 +219,25 @@ class BitWriter {
   std::size_t pending_ = 0;
 };
 
+/// Two characters as they stand in memory, for two codes; 0 when one of these is the escape.
+using CharacterPair = std::uint16_t;
+
+constexpr std::array<CharacterPair, 4096> makePairs() {
+  std::array<CharacterPair, 4096> pairs{};
+  for (std::size_t codes = 0; codes < pairs.size(); ++codes)
+    if (codes >> 6 != kEscape && (codes & 63) != kEscape)
+      pairs[codes] = static_cast<CharacterPair>(kAlphabet[codes >> 6] | kAlphabet[codes & 63] << 8);
+  return pairs;
+}
+
+constexpr std::array<CharacterPair, 4096> kPairs = makePairs();
+
 class BitReader {
  public:
   BitReader(const unsigned char* stored, std::size_t length) : stored_(stored), length_(length) {}
 
   bool has(std::size_t count) const { return position_ + count <= length_ * 8; }
-  bool hasGroup() const { return position_ / 8 + sizeof(std::uint64_t) <= length_; }
+  bool hasGroup() const { return has(6 * kGroup); }
 
   unsigned int take(std::size_t count) {
     const std::size_t byte = position_ / 8;
@@ -236,20 +249,37 @@ class BitReader {
 
   /// Writes a group of characters; false, with the position as it was, when one of them is escaped.
   bool takeGroup(char* out) {
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, stored_ + position_ / 8, sizeof bits);
-    bits = highBitsFirst(bits) << position_ % 8;
-    bool escaped = false;
-    for (std::size_t i = 0; i < kGroup; ++i, bits <<= 6) {
-      const auto code = static_cast<std::size_t>(bits >> 58);
-      escaped = escaped || code == kEscape;
-      out[i] = kAlphabet[code];
-    }
-    if (!escaped) position_ += 6 * kGroup;
-    return !escaped;
+    const std::uint64_t bits = highBitsFirst(wordHere()) << position_ % 8;
+    const CharacterPair first = kPairs[bits >> 52];
+    const CharacterPair second = kPairs[bits >> 40 & 0xFFF];
+    const CharacterPair third = kPairs[bits >> 28 & 0xFFF];
+    const CharacterPair fourth = kPairs[bits >> 16 & 0xFFF];
+    if (first == 0 || second == 0 || third == 0 || fourth == 0) return false;
+    std::memcpy(out, &first, 2);
+    std::memcpy(out + 2, &second, 2);
+    std::memcpy(out + 4, &third, 2);
+    std::memcpy(out + 6, &fourth, 2);
+    position_ += 6 * kGroup;
+    return true;
   }
 
  private:
+  /// The next 8 bytes, of which 0 stands for the last two where the text has only 6 or 7 more.
+  std::uint64_t wordHere() const {
+    const unsigned char* const next = stored_ + position_ / 8;
+    const std::size_t left = length_ - position_ / 8;
+    std::uint64_t word = 0;
+    if (left >= sizeof word) {
+      std::memcpy(&word, next, sizeof word);
+      return word;
+    }
+    unsigned char bytes[sizeof word] = {};
+    std::memcpy(bytes, next, 6);
+    if (left == 7) bytes[6] = next[6];
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+  }
+
   const unsigned char* stored_;
   std::size_t length_;
   std::size_t position_ = 0;  ///< in bits
