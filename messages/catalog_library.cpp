@@ -3,7 +3,6 @@
 #include "messages/catalog_library.h"
 
 #include "messages/insert_formatter.h"
-#include "messages/message_resource.h"
 #include "messages/resource_text.h"
 
 namespace vel::messages {
@@ -40,13 +39,17 @@ CatalogLibrary::~CatalogLibrary() {
   platform::closeCatalog(image_);
 }
 
-bool CatalogLibrary::expand(std::uint32_t language, std::uint32_t id, const char* const* inserts, char* out,
-                            std::size_t capacity, std::size_t& length) const {
+void CatalogLibrary::useLanguage(std::uint32_t language) noexcept {
   MessageTable table{};
+  messages_ = file_.findMessageTable(language, table) ? MessageResource(table.data, table.sizeInBytes)
+                                                      : MessageResource(nullptr, 0);
+}
+
+bool CatalogLibrary::expand(std::uint32_t id, const char* const* inserts, char* out, std::size_t capacity,
+                            std::size_t& length) const {
   MessageResource::Entry entry{};
-  if (!file_.findMessageTable(language, table)) return false;
-  if (!MessageResource(table.data, table.sizeInBytes).find(id, entry)) return false;
-  const String text = ansiTextOf(entry);
+  if (!messages_.find(id, entry)) return false;
+  const AnsiText text(entry);
   const FormatResult result = expandResourceText(text.data(), text.size(), inserts, out, capacity);
   length = result.length;
   return result.complete && result.length > 0;

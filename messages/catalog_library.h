@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "foundation/allocator.h"
+#include "messages/message_resource.h"
 #include "messages/portable_executable.h"
 #include "platform/platform.h"
 
@@ -27,16 +28,20 @@ class CatalogLibrary {
   CatalogLibrary& operator=(const CatalogLibrary&) = delete;
   ~CatalogLibrary();
 
-  /// Writes the message with its ten inserts into `out`; false when it does not exist in that language, is
-  /// empty, or does not fit.
-  bool expand(std::uint32_t language, std::uint32_t id, const char* const* inserts, char* out,
-              std::size_t capacity, std::size_t& length) const;
+  /// From now on messages come from the table that serves the language; none do where none serves it.
+  void useLanguage(std::uint32_t language) noexcept;
+
+  /// Writes the message with its ten inserts into `out`; false when it does not exist in the language in use,
+  /// is empty, or does not fit.
+  bool expand(std::uint32_t id, const char* const* inserts, char* out, std::size_t capacity,
+              std::size_t& length) const;
 
   const PortableExecutable& file() const noexcept { return file_; }
 
  private:
   platform::CatalogImage image_;
   PortableExecutable file_;
+  MessageResource messages_{nullptr, 0};
 };
 
 }  // namespace vel::messages

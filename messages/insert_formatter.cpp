@@ -46,9 +46,8 @@ class ResourceTextExpander {
 
   FormatResult expand() noexcept {
     while (!finished_ && !malformed_ && !out_.overflowed()) {
-      const TextReader plain = text_.takeUntilAny(isSpecial);
-      out_.append(plain.data(), plain.size());
-      if (text_.atEnd()) break;
+      out_.takeUntilAny(text_, Stops<'%', '\r', '\n'>{});
+      if (text_.atEnd() || out_.overflowed()) break;
       step(text_.take());
     }
     const bool complete = !malformed_ && !out_.overflowed();
@@ -56,8 +55,6 @@ class ResourceTextExpander {
   }
 
  private:
-  static bool isSpecial(char c) noexcept { return c == '%' || c == '\r' || c == '\n'; }
-
   void step(char c) noexcept {
     if (c == '%') return escape();
     if (c == '\r') text_.takeIf('\n');
@@ -113,7 +110,7 @@ class ResourceTextExpander {
 
   void putAll(const char* value) noexcept {
     // One more than the room is enough to see that it does not fit.
-    out_.append(value, boundedLength(value, out_.room() + 1));
+    out_.appendText(value, out_.room() + 1);
   }
 
   void putFormatted(const char* value, const InsertStyle& style) noexcept {
@@ -133,45 +130,36 @@ class ResourceTextExpander {
 
 class TableTextExpander {
  public:
-  TableTextExpander(const char* text, const char* const* variables, std::uint32_t variableCount,
+  TableTextExpander(TextReader text, const char* const* variables, std::uint32_t variableCount,
                     TextWriter out) noexcept
       : text_(text), variables_(variables), variableCount_(variableCount), out_(out) {}
 
   std::size_t expand() noexcept {
-    while (*text_ != '\0' && out_.room() > 0) {
-      if (*text_ != '%') {
-        out_.put(*text_++);
-      } else {
-        escape();
-      }
+    while (out_.room() > 0) {
+      out_.takeUntilAny(text_, Stops<'%'>{});
+      if (text_.atEnd()) break;
+      text_.take();
+      escape();
     }
     return out_.length();
   }
 
  private:
   void escape() noexcept {
-    ++text_;
-    if (*text_ == '%') {
-      out_.put(*text_++);
-    } else {
-      putVariable(takeNumber());
-    }
+    // No number is as good as 0. Blanks and signs do not belong to one.
+    if (text_.takeIf('%'))
+      out_.put('%');
+    else
+      putVariable(text_.takeNumber());
   }
 
-  /// 0 where no number stands. Blanks and signs do not belong to one.
-  std::uint32_t takeNumber() noexcept {
-    std::uint32_t number = 0;
-    while (isDigit(*text_)) number = appendDigit(number, *text_++);
-    return number;
-  }
-
-  void putVariable(std::uint32_t number) noexcept {
+  void putVariable(std::size_t number) noexcept {
     const bool known = number >= 1 && number <= variableCount_ && variables_[number - 1] != nullptr;
     const char* value = known ? variables_[number - 1] : kMissing;
-    out_.append(value, boundedLength(value, out_.room()));
+    out_.appendText(value, out_.room());
   }
 
-  const char* text_;
+  TextReader text_;
   const char* const* variables_;
   std::uint32_t variableCount_;
   TextWriter out_;
@@ -190,8 +178,9 @@ FormatResult expandResourceText(const char* text, std::size_t length, const char
 
 std::size_t expandTableText(const char* text, const char* const* variables, std::uint32_t variableCount,
                             char* out, std::size_t maxLength) noexcept {
-  const std::size_t length =
-      TableTextExpander(text, variables, variableCount, TextWriter(out, maxLength)).expand();
+  const std::size_t length = TableTextExpander(TextReader(text, std::strlen(text)), variables, variableCount,
+                                               TextWriter(out, maxLength))
+                                 .expand();
   out[length] = '\0';
   return length;
 }

@@ -73,7 +73,7 @@ const char* VelClMessage::loadMessage(uint32_t id, const char* const* variables)
   size_t length = 0;
   bool loaded = false;
   if (catalog_.isValid()) {
-    loaded = catalog_.library_->expand(catalog_.language_, id, inserts, text, sizeof text, length);
+    loaded = catalog_.library_->expand(id, inserts, text, sizeof text, length);
   } else if (id < catalog_.stringTableSize_) {
     length = replaceVars(text, VEL_MAX_MESSAGE_LENGTH, catalog_.stringTable_[id], inserts,
                          VEL_MAX_MESSAGE_VARIABLES);

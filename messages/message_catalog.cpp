@@ -61,9 +61,11 @@ void VelClMessageCatalog::chooseLanguage() {
   languageFound_ = 1;
   for (const uint32_t language : {vel::platform::userLanguage(), vel::platform::systemLanguage()}) {
     language_ = language;
-    if (library_->expand(language, kProbeMessage, noVariables, text, sizeof text, length)) return;
+    library_->useLanguage(language);
+    if (library_->expand(kProbeMessage, noVariables, text, sizeof text, length)) return;
   }
   language_ = kEnglishUnitedStates;
+  library_->useLanguage(language_);
   languageFound_ = 0;
 }
 

@@ -2,6 +2,9 @@
 
 #include "messages/message_resource.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace vel::messages {
 namespace {
 
@@ -13,11 +16,25 @@ constexpr std::uint16_t kUnicodeFlag = 1;
 constexpr std::uint32_t kLanguageMask = 0xFFFF;
 constexpr std::uint32_t kPrimaryLanguageMask = 0x3FF;
 
-/// Size of the text before its first zero character of `width` bytes.
-template <std::size_t width>
-std::size_t textSize(const std::uint8_t* text, std::size_t size) noexcept {
+/// Whether one of four 16-bit units is zero: only below such a one does subtracting set a unit's highest bit
+/// anew.
+bool hasZeroUnit(std::uint64_t units) noexcept {
+  return ((units - 0x0001000100010001) & ~units & 0x8000800080008000) != 0;
+}
+
+/// Size of the text before its first zero byte.
+std::size_t byteTextSize(const std::uint8_t* text, std::size_t size) noexcept {
+  return static_cast<std::size_t>(std::find(text, text + size, 0) - text);
+}
+
+/// Size of the text before its first zero character of two bytes.
+std::size_t unicodeTextSize(const std::uint8_t* text, std::size_t size) noexcept {
   std::size_t end = 0;
-  while (end + width <= size && (text[end] | text[end + width - 1]) != 0) end += width;
+  for (std::uint64_t units = 0; end + sizeof units <= size; end += sizeof units) {
+    std::memcpy(&units, text + end, sizeof units);
+    if (hasZeroUnit(units)) break;
+  }
+  while (end + 2 <= size && (text[end] | text[end + 1]) != 0) end += 2;
   return end;
 }
 
@@ -51,7 +68,7 @@ MessageResource::Entry MessageResource::entryAt(std::uint32_t id, std::uint64_t 
   const bool unicode = (flags & kUnicodeFlag) != 0;
   const std::uint8_t* text = bytes_.at(offset + kEntryHeaderSize);
   const std::size_t room = entryLength(offset) - std::size_t{kEntryHeaderSize};
-  return {id, unicode, text, unicode ? textSize<2>(text, room) : textSize<1>(text, room)};
+  return {id, unicode, text, unicode ? unicodeTextSize(text, room) : byteTextSize(text, room)};
 }
 
 bool MessageResource::find(std::uint32_t id, Entry& entry) const noexcept {

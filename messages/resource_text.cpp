@@ -2,6 +2,7 @@
 // known to be well-formed UTF-16.
 #include "messages/resource_text.h"
 
+#include <bit>
 #include <cstring>
 
 #include "platform/platform.h"
@@ -20,16 +21,31 @@ Utf16Text utf16Of(const MessageResource::Entry& entry) {
   return text;
 }
 
-/// The characters as bytes, if all of them are ASCII; mostly they are.
-bool takeAscii(const MessageResource::Entry& entry, String& text) {
-  text.resize(entry.sizeInBytes / 2);
-  unsigned int all = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto unit = static_cast<unsigned int>(entry.text[2 * i] | entry.text[2 * i + 1] << 8);
-    text[i] = static_cast<char>(static_cast<unsigned char>(unit));
-    all |= unit;
+/// Returns how many characters it took; ends at one that is none of ASCII.
+std::size_t takeAsciiInFours(const std::uint8_t* text, std::size_t length, char* out) noexcept {
+  std::size_t i = 0;
+  for (; i + 4 <= length; i += 4) {
+    std::uint64_t units = 0;
+    std::memcpy(&units, text + 2 * i, sizeof units);
+    if ((units & 0xFF80FF80FF80FF80) != 0) break;
+    units |= units >> 8;
+    const auto bytes = static_cast<std::uint32_t>((units & 0xFFFF) | (units >> 16 & 0xFFFF0000));
+    std::memcpy(out + i, &bytes, sizeof bytes);
   }
-  return all < 0x80;
+  return i;
+}
+
+/// The characters of a Unicode text as bytes, if all of them are ASCII; mostly they are.
+bool takeAscii(const MessageResource::Entry& entry, char* out) noexcept {
+  const std::size_t length = entry.sizeInBytes / 2;
+  std::size_t i = 0;
+  if (std::endian::native == std::endian::little) i = takeAsciiInFours(entry.text, length, out);
+  for (; i != length; ++i) {
+    const int unit = entry.text[2 * i] | entry.text[2 * i + 1] << 8;
+    if (unit >= 0x80) return false;
+    out[i] = static_cast<char>(unit);
+  }
+  return true;
 }
 
 String bytesOf(const MessageResource::Entry& entry) {
@@ -94,13 +110,19 @@ String toCodePage(const Utf16Text& text) {
 
 String utf8TextOf(const MessageResource::Entry& entry) {
   if (!entry.unicode) return bytesOf(entry);
-  String text;
-  return takeAscii(entry, text) ? text : toUtf8(utf16Of(entry));
+  String text(entry.sizeInBytes / 2, '\0');
+  return takeAscii(entry, text.data()) ? text : toUtf8(utf16Of(entry));
 }
 
-String ansiTextOf(const MessageResource::Entry& entry) {
-  if (!entry.unicode || platform::ansiIsUtf8()) return utf8TextOf(entry);
-  return toCodePage(utf16Of(entry));
+AnsiText::AnsiText(const MessageResource::Entry& entry)
+    : data_(reinterpret_cast<const char*>(entry.text)), size_(entry.sizeInBytes) {
+  if (!entry.unicode) return;
+  data_ = inline_;
+  size_ /= 2;
+  if (size_ <= kInlineSize && takeAscii(entry, inline_)) return;
+  other_ = platform::ansiIsUtf8() ? utf8TextOf(entry) : toCodePage(utf16Of(entry));
+  data_ = other_.data();
+  size_ = other_.size();
 }
 
 }  // namespace vel::messages

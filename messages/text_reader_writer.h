@@ -3,7 +3,9 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 
@@ -27,6 +29,21 @@ inline std::size_t boundedLength(const char* text, std::size_t limit) noexcept {
   return end == nullptr ? limit : static_cast<std::size_t>(static_cast<const char*>(end) - text);
 }
 
+/// Characters that end a run of others.
+template <char... kCharacters>
+struct Stops {
+  static bool has(char c) noexcept { return ((c == kCharacters) || ...); }
+  /// How many of eight characters, the first one lowest, stand before the first stop. Below it no byte of the
+  /// differences borrows, so that the lowest bit is a true one.
+  static std::size_t before(std::uint64_t eight) noexcept {
+    return static_cast<std::size_t>(std::countr_zero((zeros(eight ^ kOnes * kCharacters) | ...))) / 8;
+  }
+
+ private:
+  static constexpr std::uint64_t kOnes = 0x0101010101010101;
+  static std::uint64_t zeros(std::uint64_t eight) noexcept { return (eight - kOnes) & ~eight & kOnes << 7; }
+};
+
 /// A part of a text that is read once, from left to right.
 class TextReader {
  public:
@@ -34,15 +51,9 @@ class TextReader {
 
   bool atEnd() const noexcept { return current_ == end_; }
   char take() noexcept { return *current_++; }
-  /// Splits off what stands before the first character that `stops` tells, or all of the text.
-  template <typename Stops>
-  TextReader takeUntilAny(Stops stops) noexcept {
-    const char* const start = current_;
-    while (!atEnd() && !stops(*current_)) ++current_;
-    return {start, static_cast<std::size_t>(current_ - start)};
-  }
   const char* data() const noexcept { return current_; }
   std::size_t size() const noexcept { return static_cast<std::size_t>(end_ - current_); }
+  void skip(std::size_t count) noexcept { current_ += count; }
   bool takeIf(char expected) noexcept {
     if (atEnd() || *current_ != expected) return false;
     ++current_;
@@ -91,11 +102,34 @@ class TextWriter {
     std::memcpy(out_ + length_, text, count);
     length_ += count;
   }
+  /// Up to `limit` characters of a terminated text.
+  void appendText(const char* text, std::size_t limit) noexcept { append(text, boundedLength(text, limit)); }
+  /// Moves the characters before the first stop from the text; all of them, or all that fit, without one.
+  template <typename Stops>
+  void takeUntilAny(TextReader& text, Stops stops) noexcept {
+    while (kInEights && text.size() >= 8 && room() >= 8) {
+      const std::size_t count = stops.before(copyEight(text.data()));
+      length_ += count;
+      text.skip(count);
+      if (count != 8) return;
+    }
+    while (!text.atEnd() && !stops.has(*text.data()) && !overflowed_) put(text.take());
+  }
   std::size_t room() const noexcept { return room_ - length_; }
   bool overflowed() const noexcept { return overflowed_; }
   std::size_t length() const noexcept { return length_; }
 
  private:
+  static constexpr bool kInEights = std::endian::native == std::endian::little;
+
+  /// Copies eight characters behind what has been written and returns them, the first one lowest.
+  std::uint64_t copyEight(const char* text) noexcept {
+    std::uint64_t eight = 0;
+    std::memcpy(&eight, text, sizeof eight);
+    std::memcpy(out_ + length_, &eight, sizeof eight);
+    return eight;
+  }
+
   bool reserve(std::size_t count) noexcept {
     overflowed_ = overflowed_ || count > room();
     return !overflowed_;
