@@ -21,6 +21,8 @@ Utf16Text utf16Of(const MessageResource::Entry& entry) {
   return text;
 }
 
+static_assert(std::endian::native == std::endian::little);
+
 /// Returns how many characters it took; ends at one that is none of ASCII.
 std::size_t takeAsciiInFours(const std::uint8_t* text, std::size_t length, char* out) noexcept {
   std::size_t i = 0;
@@ -38,9 +40,7 @@ std::size_t takeAsciiInFours(const std::uint8_t* text, std::size_t length, char*
 /// The characters of a Unicode text as bytes, if all of them are ASCII; mostly they are.
 bool takeAscii(const MessageResource::Entry& entry, char* out) noexcept {
   const std::size_t length = entry.sizeInBytes / 2;
-  std::size_t i = 0;
-  if (std::endian::native == std::endian::little) i = takeAsciiInFours(entry.text, length, out);
-  for (; i != length; ++i) {
+  for (std::size_t i = takeAsciiInFours(entry.text, length, out); i != length; ++i) {
     const int unit = entry.text[2 * i] | entry.text[2 * i + 1] << 8;
     if (unit >= 0x80) return false;
     out[i] = static_cast<char>(unit);

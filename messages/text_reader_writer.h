@@ -29,6 +29,8 @@ inline std::size_t boundedLength(const char* text, std::size_t limit) noexcept {
   return end == nullptr ? limit : static_cast<std::size_t>(static_cast<const char*>(end) - text);
 }
 
+static_assert(std::endian::native == std::endian::little);
+
 /// Characters that end a run of others.
 template <char... kCharacters>
 struct Stops {
@@ -107,7 +109,7 @@ class TextWriter {
   /// Moves the characters before the first stop from the text; all of them, or all that fit, without one.
   template <typename Stops>
   void takeUntilAny(TextReader& text, Stops stops) noexcept {
-    while (kInEights && text.size() >= 8 && room() >= 8) {
+    while (text.size() >= 8 && room() >= 8) {
       const std::size_t count = stops.before(copyEight(text.data()));
       length_ += count;
       text.skip(count);
@@ -120,8 +122,6 @@ class TextWriter {
   std::size_t length() const noexcept { return length_; }
 
  private:
-  static constexpr bool kInEights = std::endian::native == std::endian::little;
-
   /// Copies eight characters behind what has been written and returns them, the first one lowest.
   std::uint64_t copyEight(const char* text) noexcept {
     std::uint64_t eight = 0;
