@@ -2,6 +2,8 @@
 // to be done at such a place is the caller's matter.
 #pragma once
 
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -51,19 +53,36 @@ class BytePair {
   BytePair(Byte first, Byte second, std::size_t distance) noexcept
       : first_(first), second_(second), distance_(distance) {}
 
-  bool isAt(const char* text) const noexcept { return first_.has(*text) && second_.has(text[distance_]); }
-
-  /// Whether it begins within the kBytesAtOnce bytes from `text` on; reads `distance` bytes beyond them.
-  bool isWithin(const char* text) const noexcept {
-    ByteBlock found{};
-    for (std::size_t i = 0; i < kBytesAtOnce; i += sizeof(ByteBlock))
-      found |= first_.hits(blockAt(text + i)) & second_.hits(blockAt(text + i + distance_));
-    std::uint64_t halves[2];
-    std::memcpy(halves, &found, sizeof halves);
-    return (halves[0] | halves[1]) != 0;
+  /// The first place within the kBytesAtOnce bytes from `text` on where it stands and that `isWanted` takes,
+  /// or null; reads `distance` bytes beyond them.
+  template <typename IsWanted>
+  const char* find(const char* text, IsWanted isWanted) const noexcept {
+    // Spelled out, so that they stay in registers.
+    constexpr std::size_t kSize = sizeof(ByteBlock);
+    const ByteBlock found[kBlocksAtOnce] = {hitsIn(text), hitsIn(text + kSize), hitsIn(text + 2 * kSize),
+                                            hitsIn(text + 3 * kSize)};
+    const Halves halves = halvesOf((found[0] | found[1]) | (found[2] | found[3]));
+    if ((halves[0] | halves[1]) == 0) return nullptr;
+    for (const ByteBlock& hits : found)
+      for (std::uint64_t half : halvesOf(hits)) {
+        for (; half != 0; half &= ~(std::uint64_t{0xFF} << std::countr_zero(half))) {
+          const char* const place = text + std::countr_zero(half) / 8;
+          if (isWanted(place)) return place;
+        }
+        text += sizeof half;
+      }
+    return nullptr;
   }
 
  private:
+  using Halves = std::array<std::uint64_t, 2>;
+  static_assert(std::endian::native == std::endian::little);
+
+  static Halves halvesOf(ByteBlock block) noexcept { return std::bit_cast<Halves>(block); }
+  ByteBlock hitsIn(const char* text) const noexcept {
+    return first_.hits(blockAt(text)) & second_.hits(blockAt(text + distance_));
+  }
+
   Byte first_;
   Byte second_;
   std::size_t distance_;

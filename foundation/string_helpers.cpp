@@ -39,9 +39,9 @@ class StartFinder {
     const vel::BytePair pair(first_, second_, distance_);
     const char* block = start;
     for (; end - block > static_cast<std::ptrdiff_t>(vel::kBytesAtOnce); block += vel::kBytesAtOnce) {
-      if (!pair.isWithin(block)) continue;
-      for (const char* place = block; place != block + vel::kBytesAtOnce; ++place)
-        if (pair.isAt(place) && isCompared(start, place)) return place;
+      const char* const place =
+          pair.find(block, [&](const char* candidate) { return isCompared(start, candidate); });
+      if (place != nullptr) return place;
     }
     const bool isMismatch = block != start && first_.has(block[-1]) && isCompared(start, block - 1);
     return isMismatch ? block + 1 : block;

@@ -39,16 +39,16 @@ bool matchesHere(const char* pattern, std::size_t patternLength, const char* tex
 std::size_t findLikelyStart(const char* pattern, std::size_t patternLength, const char* text,
                             std::size_t length) {
   const std::size_t distance = patternLength - 1;
+  const std::size_t middle = patternLength / 2;
   const vel::BytePair ends(vel::OneByte{byteOf(pattern[0])}, vel::OneByte{byteOf(pattern[distance])},
                            distance);
   std::size_t block = 0;
   for (std::size_t compared = 0; length - block >= vel::kBytesAtOnce + distance; block += vel::kBytesAtOnce) {
-    if (!ends.isWithin(text + block)) continue;
-    for (std::size_t place = block; place != block + vel::kBytesAtOnce; ++place) {
-      if (!ends.isAt(text + place)) continue;
-      if (std::memcmp(text + place, pattern, patternLength) == 0) return place;
+    const char* const place = ends.find(text + block, [&](const char* candidate) {
       compared += patternLength;
-    }
+      return candidate[middle] == pattern[middle] && std::memcmp(candidate, pattern, patternLength) == 0;
+    });
+    if (place != nullptr) return static_cast<std::size_t>(place - text);
     if (compared > 4096 + 2 * block) return block + vel::kBytesAtOnce;
   }
   return block;

@@ -41,7 +41,10 @@ bool velMatchesWildcardPattern(const char* pattern, const char* text, bool caseS
   const char* behindStar = nullptr;
   const char* resume = nullptr;
   while (*text != '\0') {
-    if (*pattern == '*') {
+    if (*pattern == *text && *pattern != '*') {
+      ++pattern;
+      ++text;
+    } else if (*pattern == '*') {
       behindStar = ++pattern;
       resume = text;
       if (*pattern == '\0') return true;
