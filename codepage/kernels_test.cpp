@@ -40,6 +40,22 @@ TEST(Kernels, LookUpEveryByteInEverySize) {
     }
 }
 
+TEST(Kernels, LookUpBytesOfLongTextsWhereverTheTargetLies) {
+  std::uint16_t table[256];
+  for (unsigned int i = 0; i < 256; ++i) table[i] = static_cast<std::uint16_t>(i * 257 + 1);
+  std::string source((std::size_t{8} << 20) + 77, ' ');
+  for (std::size_t i = 0; i < source.size(); ++i) source[i] = static_cast<char>(i ^ i >> 7);
+  std::string expected(2 * source.size(), ' ');
+  vel::codepage::kPortableKernels.lookUpBytes(expected.data(), source.data(), source.size(), table);
+  expected += std::string(64, 'Z');
+  for (const Kernels* const kernels : kernelTables())
+    for (const std::size_t offset : {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{48}}) {
+      std::string target(offset + expected.size(), 'Z');
+      kernels->lookUpBytes(target.data() + offset, source.data(), source.size(), table);
+      ASSERT_TRUE(target.substr(offset) == expected) << offset;
+    }
+}
+
 TEST(Kernels, MoveBytesInEverySize) {
   std::string bytes(700, ' ');
   std::mt19937 random(5);

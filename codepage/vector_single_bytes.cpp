@@ -33,6 +33,27 @@ VEL_VECTOR inline void split(const std::uint16_t* table, Planes& planes) {
   }
 }
 
+VEL_VECTOR inline void lookUpBlock(char* target, const char* source, const Planes& planes,
+                                   StoreVector store) {
+  const __m512i index = load(source);
+  storeUnits(target, lookUp(planes.low, index), lookUp(planes.high, index), store);
+}
+
+/// From here on caches do not keep the result anyway: it goes past them, which saves reading its lines first.
+constexpr std::size_t kStreamedSize = std::size_t{8} << 20;
+
+/// How many bytes it has looked up: whole blocks, from the first unit of an aligned block of the target on.
+VEL_VECTOR inline std::size_t streamBlocks(char* target, const char* source, std::size_t size,
+                                           const Planes& planes) {
+  const std::size_t address = reinterpret_cast<std::uintptr_t>(target);
+  if (address % kUnitSize != 0) return 0;
+  lookUpBlock(target, source, planes, store);
+  std::size_t i = (kBlock - address % kBlock) / kUnitSize;
+  for (; size - i >= kBlock; i += kBlock) lookUpBlock(target + i * kUnitSize, source + i, planes, stream);
+  _mm_sfence();
+  return i;
+}
+
 }  // namespace
 
 VEL_VECTOR void vectors::lookUpBytes(char* target, const char* source, std::size_t size,
@@ -40,13 +61,11 @@ VEL_VECTOR void vectors::lookUpBytes(char* target, const char* source, std::size
   if (size < kBlock) return kPortableKernels.lookUpBytes(target, source, size, table);
   Planes planes;
   split(table, planes);
-  // The last block may overlap the one before.
-  for (std::size_t i = 0; i < size; i += kBlock) {
+  std::size_t i = size >= kStreamedSize ? streamBlocks(target, source, size, planes) : 0;
+  for (; i < size; i += kBlock) {
+    // The last block may overlap the one before.
     if (size - i < kBlock) i = size - kBlock;
-    const __m512i index = load(source + i);
-    const __m512i low = lookUp(planes.low, index);
-    const __m512i high = lookUp(planes.high, index);
-    storeUnits(target + i * kUnitSize, low, high);
+    lookUpBlock(target + i * kUnitSize, source + i, planes, store);
   }
 }
 

@@ -32,6 +32,12 @@ VEL_VECTOR inline __m512i load(const void* from) {
 VEL_VECTOR inline void store(void* to, __m512i value) {
   _mm512_storeu_si512(to, value);
 }
+/// Past the caches, to an aligned place.
+VEL_VECTOR inline void stream(void* to, __m512i value) {
+  _mm512_stream_si512(static_cast<__m512i*>(to), value);
+}
+using StoreVector = void (*)(void* to, __m512i value);
+
 VEL_VECTOR inline __m512i bytes(int value) {
   return _mm512_set1_epi8(static_cast<char>(value));
 }
@@ -50,11 +56,11 @@ VEL_VECTOR inline __m512i lookUp(const __m512i (&plane)[4], __m512i index) {
 }
 
 /// 64 units, of which two vectors have the halves.
-VEL_VECTOR inline void storeUnits(char* target, __m512i low, __m512i high) {
+VEL_VECTOR inline void storeUnits(char* target, __m512i low, __m512i high, StoreVector put = store) {
   const __m512i even = _mm512_unpacklo_epi8(low, high);
   const __m512i odd = _mm512_unpackhi_epi8(low, high);
-  store(target, _mm512_permutex2var_epi64(even, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), odd));
-  store(target + kBlock, _mm512_permutex2var_epi64(even, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), odd));
+  put(target, _mm512_permutex2var_epi64(even, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), odd));
+  put(target + kBlock, _mm512_permutex2var_epi64(even, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), odd));
 }
 
 /// A loop, what it leaves at the end of a text at most, and what zeros are on both sides.
