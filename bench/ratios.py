@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
 """Prints how long our jobs take beside those of their peers: ratios of medians of one or more runs of
-vel_bench, with the goals of goals.tsv.
+vel_bench, with the goals of goals.tsv; and writes them, without absolute times, to a table for the manual.
+
+  ratios.py goals.tsv ratios.tsv results.json...
 
 A row of goals.tsv names benchmarks; a "*" at the end of its own one stands for every argument that the run
 has, and in the others for the same one. What was not run is left out."""
@@ -61,13 +63,17 @@ def describe(row, times):
 
 
 def main():
-    goals, *files = sys.argv[1:]
+    goals, table, *files = sys.argv[1:]
     times = median_times(files)
     rows = [line for row in read_goals(goals) for one in expand(row, times) if (line := describe(one, times))]
     layout = "{:<37} {:<16} {:>10} {:>8} {:>6} {:<7} {:>6}  {}"
     print(layout.format("job", "peer", "own ns", "ratio", "goal", "", "/limit", "note"))
     for row in rows:
         print(layout.format(*row).rstrip())
+    with open(table, "w", encoding="utf-8") as out:
+        print("job", "peer", "ratio", "goal", "limit", "note", sep="\t", file=out)
+        for job, peer, _, ratio, goal, _, to_limit, note in rows:
+            print(job, peer, ratio, goal, to_limit, note, sep="\t", file=out)
     verdicts = [row[5] for row in rows]
     print(f"goals: {verdicts.count('met')} met, {verdicts.count('MISSED')} missed")
 

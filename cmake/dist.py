@@ -80,11 +80,11 @@ def program_dependencies(work, root):
 
 
 def add_notices(root, name):
-    """All notices in the one file where this system looks for them; the licence as soon as there is one."""
+    """The licence and all notices, in the one file where this system looks for them."""
     documents = root / "usr/share/doc"
     shutil.rmtree(documents, ignore_errors=True)
     (documents / name).mkdir(parents=True)
-    notices = [path for path in (ROOT / "LICENSE", ROOT / "THIRD_PARTY_NOTICES.md") if path.exists()]
+    notices = (ROOT / "LICENSE", ROOT / "THIRD_PARTY_NOTICES.md")
     (documents / name / "copyright").write_bytes(b"\n".join(path.read_bytes() for path in notices))
 
 

@@ -5,7 +5,8 @@
   {{stated HEADER: WORDS}}   is the number in these words, which must stand in that header's comments
   {{value HEADER: NAME}}     is the number of a constant
   {{tool NAME}}              is what a tool says of itself
-  {{code-pages}}, {{errors}}, {{classes}}, {{icu-errors}}, {{trace-types}}   are tables of the data files"""
+  {{code-pages}}, {{errors}}, {{classes}}, {{icu-errors}}, {{trace-types}}   are tables of the data files
+  {{ratios}}                 is the table of a whole run of the benchmarks"""
 import csv
 import pathlib
 import re
@@ -133,6 +134,10 @@ class Page:
         return table(("Status of ICU", "Number", "Identifier", "Class", "Severity", "Action"),
                      [(f"`{row['icu_status']}`", row["value"], f"`{row['error_identifier']}`", row["class"],
                        row["severity"], row["action"]) for row in rows_of(self.root / "codepage/icu_errors.tsv")])
+
+    def ratios(self, _):
+        return table(("Job", "Peer", "Own time / peer's", "Goal", "Own time / physical limit", ""),
+                     [row.values() for row in rows_of(self.root / "docs/manual/ratios.tsv")])
 
     def trace_types(self, _):
         return table(("Number", "Short name (%%x)", "Long name (%%X)"),
