@@ -8,8 +8,8 @@ function(vel_use_project_options target)
   if(VEL_SANITIZE)
     target_compile_definitions(${target} PRIVATE VEL_SANITIZED)
     target_compile_options(${target} PRIVATE
-      -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    target_link_options(${target} PRIVATE -fsanitize=address,undefined)
+      -fsanitize=${VEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(${target} PRIVATE -fsanitize=${VEL_SANITIZE})
   endif()
   if(VEL_BUILD_FUZZERS)
     # The fuzzer sees which code an input reaches, within the library too.

@@ -72,7 +72,8 @@ class CatalogLibrary;
 /// systems), those of single-byte libraries as they are stored.
 ///
 /// Opening sets the process's locale for all categories to the user's (setlocale). From then on
-/// isprint, toupper and their like judge bytes above 0x7F by that locale, everywhere in the process.
+/// isprint, toupper and their like judge bytes above 0x7F by that locale, everywhere in the process. So one
+/// thread opens catalogs while no other goes by the locale.
 class VEL_API VelClMessageCatalog : public VelClFile {
  public:
   /// The library's own catalog, "qammsg50.DLL".

@@ -50,6 +50,9 @@ bool endsWithin(unsigned int processId, int milliseconds);
 /// Asks every millisecond until the answer is yes; false at the time limit.
 bool waitUntil(const std::function<bool()>& question);
 
+/// Closes a descriptor of the runtime.
+void closeDescriptor(int descriptor);
+
 /// Null removes the variable.
 void setVariable(const char* name, const char* value);
 

@@ -66,6 +66,10 @@ bool endsWithin(unsigned int processId, int milliseconds) {
   return ended;
 }
 
+void closeDescriptor(int descriptor) {
+  close(descriptor);
+}
+
 void setVariable(const char* name, const char* value) {
   value == nullptr ? unsetenv(name) : setenv(name, value, 1);
 }

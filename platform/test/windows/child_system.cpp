@@ -4,6 +4,8 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
+#include <io.h>
+
 #include <cstdlib>
 
 namespace vel::test {
@@ -77,6 +79,10 @@ bool endsWithin(unsigned int processId, int milliseconds) {
   const bool ended = WaitForSingleObject(process, static_cast<DWORD>(milliseconds)) == WAIT_OBJECT_0;
   CloseHandle(process);
   return ended;
+}
+
+void closeDescriptor(int descriptor) {
+  _close(descriptor);
 }
 
 void setVariable(const char* name, const char* value) {

@@ -1,0 +1,146 @@
+// What threads may do at once, each with objects of its own, and what they may do in turns. A thread
+// sanitizer tells what they share besides.
+#include <gmock/gmock.h>
+
+#include <functional>
+#include <mutex>
+#include <sstream>
+#include <thread>
+
+#include "platform/test/child_process.h"
+#include "platform/test/scratch_directory.h"
+#include "platform/test/variable.h"
+#include "vel_include/vel.h"
+
+namespace {
+
+constexpr unsigned int kThreads = 4;
+
+/// A thread's own, opened before other threads run.
+using Catalog = const VelClMessageCatalog;
+
+template <typename... Parts>
+std::string text(const Parts&... parts) {
+  std::ostringstream out;
+  ((out << parts << ' '), ...);
+  return out.str();
+}
+
+std::string smallThings(Catalog&) {
+  char digits[21];
+  velW64toa(12345678901, digits);
+  velSleepMilliSeconds(1);
+  velFree(velRealloc(velCalloc(2, 8), 100));
+  const VelClBitArray bits(100);
+  const VelClRandomNumberGenerator numbers(7);
+  const bool hasAll = velGetTimeStamp() != 0 && VelClTiming().elapsed() >= 0 &&
+                      VelClCCSID::getConsoleCCSID() != 0 && VelClMemoryPool(10).allocate(5) != nullptr;
+  return text(digits, VelClCCSID(943).getName(), numbers.getRandomNumber(), bits.getNumOfSetBits(), hasAll);
+}
+
+/// By the library's tables and algorithms, by ICU where it is installed, and strictly.
+std::string conversions(Catalog&) {
+  struct : VelClConversionSink {
+    void write(const char* bytes, size_t size) override { all.append(bytes, size); }
+    std::string all;
+  } sink;
+  for (const int target : {850, 943, 1208}) {
+    const VelClCodePage2CodePageConverter converter(VelClCCSID::CCSID_500, VelClCCSID(target));
+    char out[100] = "A";
+    converter.convertBytes(out, sizeof out, "\xC1", 1);
+    VelClStrictConversion strict(VelClCCSID::CCSID_500, VelClCCSID(target));
+    strict.convert("\xC2", 1, sink);
+    strict.finish(sink);
+    sink.all += out;
+  }
+  return sink.all;
+}
+
+std::string iniFiles(Catalog&) {
+  VelClIniFileSave file("own");
+  file.loadFromBuffer("[A]\nx=7\n", 8, '\n', false, false);
+  int number = 0;
+  const bool found = file.getSection("a") && file.getOption("X", number) && file.addOption("new", "1");
+  VelClIniFileOptionCursor cursor(file, "A");
+  return text(found, number, cursor.setTo("new"));
+}
+
+/// The temporary file keeps the name free of others until the end.
+std::string files(Catalog&) {
+  char name[VEL_MAX_PATH_LENGTH + 1];
+  vel::test::closeDescriptor(velTmpFileCreate(nullptr, "THR", name));
+  VelClFile file(name, nullptr);
+  VelClDirectory directory((std::string(name) + ".own").c_str());
+  const bool isMade = directory.create() && file.copyTo(directory.getName(), true);
+  unsigned int count = 0;
+  for (VelClDirectoryWalk walk(directory); walk.isValid(); walk.setToNext()) count += walk.isFile() ? 1U : 0U;
+  return text(isMade, count, directory.removeAll(true) && file.remove());
+}
+
+std::string programs(Catalog&) {
+  const VelClExeFile child("launch_child");
+  VelClNewSyncProcess waited(child);
+  VelClNewAsyncProcess detached(child);
+  waited.addArgument(5L);
+  detached.addArgument(0L);
+  const bool areLaunched = waited.launch() && detached.launch();
+  const auto id = static_cast<unsigned int>(detached.getResult());
+  const VelClDllProcLoaderFile library{VelClFilename("sample_library")};
+  return text(areLaunched, waited.getResult(), vel::test::endsWithin(id, vel::test::kTimeLimitMs),
+              library.isValid());
+}
+
+std::string messages(Catalog& catalog) {
+  return text(VelClMessage(catalog, 2, "you").isValid(), VelClMessageCatalogCursor(catalog).setToFirst());
+}
+
+void runInThreads(const std::function<void(unsigned int)>& run) {
+  std::vector<std::thread> threads;
+  for (unsigned int i = 0; i < kThreads; ++i) threads.emplace_back(run, i);
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST(Threads, WorkAtOnceWithObjectsOfTheirOwn) {
+  const vel::test::ScratchDirectory scratch;
+  const vel::test::Variable directory("TMP", scratch.path().c_str());
+  const vel::test::Variable report("VEL_TEST_REPORT", scratch.path("report").c_str());
+  Catalog catalogs[kThreads];
+  const std::pair<std::string (*)(Catalog&), std::string> rows[] = {
+      {smallThings, "12345678901 943 246583675 0 1 "},
+      {conversions, "BABABA"},
+      {iniFiles, "1 7 1 "},
+      {files, "1 1 1 "},
+      {programs, "1 5 1 1 "},
+      {messages, "1 1 "}};
+  for (const auto& [work, result] : rows) {
+    std::string results[kThreads];
+    runInThreads([&, run = work](unsigned int i) {
+      for (const char* const round : {"first:", "second:"}) results[i] += round + run(catalogs[i]);
+    });
+    EXPECT_THAT(results, testing::Each("first:" + result + "second:" + result));
+  }
+}
+
+// The other way, a callback that locks, is that of the example.
+TEST(Threads, TraceInTurns) {
+  const vel::test::ScratchDirectory scratch;
+  VelClTraceInstance* const instance = VelClTraceInstance::createInstance("threads", nullptr);
+  instance->getEnvironment().setFilename(scratch.path("threads.trc").c_str());
+  instance->activate();
+  instance->enable();
+  std::mutex turn;
+  runInThreads([&turn](unsigned int thread) {
+    for (unsigned int step = 0; step < 500; ++step) {
+      const std::lock_guard lock(turn);
+      velTraceValue(VelEnTraceDetail::LOW, 1, "thread", "step", thread);
+    }
+  });
+  instance->flush();
+  std::ostringstream shown;
+  VelClTraceFormatter formatter(instance->getEnvironment(), nullptr);
+  formatter.format(shown);
+  EXPECT_EQ(formatter.getNumOfEntries(), kThreads * 500);
+  velTraceDeleteInstance();
+}
+
+}  // namespace
