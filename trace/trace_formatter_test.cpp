@@ -96,17 +96,25 @@ class TraceFormatter : public vel::test::TraceTest {
     return format();
   }
 
+  void expectTexts(const char* table) {
+    for (const auto& row : vel::test::readTable(std::string(VEL_TEST_DATA "test/") + table))
+      EXPECT_EQ(format(fileOf(row[0]), row[1]), vel::test::unescaped(row[2])) << row[0];
+  }
+
   std::unique_ptr<VelClTraceEnvironment> environment_;
   VelClTraceFormatter formatter_;
 };
 
 // Every type of data, every directive of formats, every fault of records.
 TEST_F(TraceFormatter, MakesTextOfRecords) {
-  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/formatted.tsv"))
-    EXPECT_EQ(format(fileOf(row[0]), row[1]), vel::test::unescaped(row[2])) << row[0];
+  expectTexts("formatted.tsv");
   const std::string dashes(20000, '-');
   EXPECT_EQ(format(fileOf("8/78*20000"), dashes + "%d" + dashes),
             dashes + '"' + std::string(20000, 'x') + '"' + dashes);
+}
+
+TEST_F(TraceFormatter, MakesTextOfExtremeLongDoubles) {
+  expectTexts("formatted_extremes.tsv");
 }
 
 TEST_F(TraceFormatter, PrintsNumbersInTheFormOfTheStream) {
