@@ -23,10 +23,13 @@ using Peer = std::function<std::optional<std::string>(const std::string& bytes)>
 
 Peer icuPeer(const std::string& number) {
   static IcuFunctions icu;
-  static void* library = nullptr;
+  static std::unique_ptr<void, decltype(&velDllProcLoaderClose)> library(nullptr, &velDllProcLoaderClose);
   static const bool isThere =
-      vel::codepage::bindIcu({[](const char* name) { return library = velDllProcLoaderOpen(name); },
-                              &velDllProcLoaderGetProcedure, &velDllProcLoaderClose},
+      vel::codepage::bindIcu({[](const char* name) {
+                                library.reset(velDllProcLoaderOpen(name));
+                                return library.get();
+                              },
+                              &velDllProcLoaderGetProcedure, [](void*) { library.reset(); }},
                              icu);
   std::int32_t status = 0;
   const void* const opened =
