@@ -48,11 +48,9 @@ OwnedIniFile fileOf(const char* section, const char* option, const char* value) 
   text.append(section).append("]\n").append(option).append("=");
   OwnedIniFile file(create<VelClIniFile>(""));
   file->loadFromBuffer(text.data(), text.size(), '\n', true, false);
-  const Section* const made = file->getExistingSection(section);
-  const Option* const only = made != nullptr ? made->getFirstOption() : nullptr;
-  const bool isMade = only != nullptr && std::strcmp(only->getName(), option) == 0 &&
-                      std::strcmp(made->getName(), section) == 0;
-  return isMade && file->getSection(section) && file->setNewValue(option, value) ? std::move(file) : nullptr;
+  const Option* const only = file->getSection(section) ? file->getFirstSection()->getFirstOption() : nullptr;
+  const bool isMade = only != nullptr && std::strcmp(only->getName(), option) == 0;
+  return isMade && file->setNewValue(option, value) ? std::move(file) : nullptr;
 }
 
 bool mergeSection(VelClIniFile& file, const VelClIniFile& source, const Section& section) {
@@ -135,8 +133,10 @@ bool EditedText::deleteOption(const char* section, const char* option) {
     takeOptionLines(lines);
   TextChanges changes(span());
   for (const ValueLine& line : takeOptionLines(lines)) changes.remove(line.whole);
-  return replaceIf(changes.finish(), nullptr,
-                   [&](VelClIniFile& file) { return file.getSection(section) && file.deleteOption(option); });
+  return replaceIf(changes.finish(), nullptr, [=](VelClIniFile& file) {
+    file.getSection(section);
+    return file.deleteOption(option);
+  });
 }
 
 bool EditedText::deleteSection(const char* name) {

@@ -32,7 +32,6 @@ bool ReplacementBuffer::close(bool isComplete) {
 
 ReplacementBuffer::int_type ReplacementBuffer::overflow(int_type c) {
   if (sync() != 0) return traits_type::eof();
-  if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);
   return sputc(traits_type::to_char_type(c));
 }
 

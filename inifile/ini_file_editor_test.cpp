@@ -50,6 +50,7 @@ const Row kRows[] = {
      "f'$(HOME)\n",
      "[A]\nx=\" a;\\\"\\\\\\x1b\"\"f'$(HOME)\\n\"\n"},
     {"[A]\nx=1\n", "A", "x", "D:\\a$b", "[A]\nx=D:\\a$b\n"},
+    {"[A]\nx=1\n", "A", "x", "$(NONE)", "[A]\nx=\"$(NONE)\"\n"},
     {"[A]\nx=1\nx=2\n[a]\nx=3\n", "A", "x", "9", "[A]\nx=9\nx=2\n[a]\nx=3\n"},
     {"[A]\nx=1\n", "A", "x", "", "[A]\nx=\n"},
     {"[A]\nx=1\n", "A", "x", kLong.c_str(), ""},
@@ -74,6 +75,7 @@ const Row kRows[] = {
     // Removals.
     {"[A]\nx=1\n;c\ny=2\n", "A", "x", nullptr, "[A]\n;c\ny=2\n"},
     {"[A]\nx=1\n", "A", "y", nullptr, ""},
+    {"[A]\nx=1\n", "B", "x", nullptr, ""},
     {"[A]\nx=1\n\n; of B\n[B]\ny=1\n", "A", nullptr, nullptr, "\n; of B\n[B]\ny=1\n"},
     {"[A]\nx=1\n[B\njunk\n[C]\n", "A", nullptr, nullptr, "[C]\n"},
     {"[A]\n", "B", nullptr, nullptr, ""},
@@ -147,6 +149,7 @@ const MergeRow kMergeRows[] = {
     {"[A]\nx=a\n b ;c\n d\ny=\"q\"\n", "[a]\nx=1\ny=2", "[A]\nx=1\n  ;c\ny=\"2\"\n"},
     {"", "[A]\nx=1\n[B]\ny=\n", "[A]\nx = 1\n\n[B]\ny = \n"},
     {"[A]\n", "[A]\nx=1\n[B]\n=1", ""},
+    {"[A]\n", "[]\nx=1", ""},
     {"[A]\nx=" + kLong + "\n", "[A]\nx=1\n[B]\ny=1", ""},
 };
 

@@ -63,6 +63,7 @@ class Lines : public VelClIniFileSave {
     EXPECT_TRUE(saveOption(stream, "l", -2147483647L, nullptr) && saveOption(stream, "m", 255UL, "c"));
     EXPECT_TRUE(saveOption(stream, "c", ';', "c") && saveOption(stream, "n", '\n', nullptr));
     EXPECT_TRUE(saveOption(stream, "e", "", "c") && saveOption(stream, "e", nullptr, "c"));
+    EXPECT_TRUE(saveOption(stream, "0", '\0', "c") && saveOption(stream, nullptr, 'n', nullptr));
     EXPECT_TRUE(saveOptionBool(stream, "t", true, nullptr) && saveOptionBool(stream, "f", false, "c"));
     return stream.str();
   }
@@ -71,7 +72,7 @@ class Lines : public VelClIniFileSave {
 TEST(IniSave, WritesSingleLines) {
   EXPECT_EQ(Lines().write(),
             "\n[S]\t; c\n\n\t; d\ni\t= -5\t; c\nu\t= 4294967295\nl\t= -2147483647\nm\t= 255\t; c\n"
-            "c\t= ';'\t; c\nn\t= '\\n'\nt\t= ON\nf\t= OFF\t; c\n");
+            "c\t= ';'\t; c\nn\t= '\\n'\n0\t= '\\x00'\t; c\n\t= 'n'\nt\t= ON\nf\t= OFF\t; c\n");
 }
 
 TEST(IniSave, KeepsWhatItPromises) {
@@ -148,9 +149,10 @@ TEST(IniEditing, FindsNullNamesNowhere) {
   VelClIniFileEditor editor("unused");
   editor.loadFromBuffer(nullptr, 1, true);
   editor.loadFromBuffer("[]\n=1\nx=2\n", 10, true);
-  EXPECT_FALSE(editor.setValue(nullptr, "x", "1") || editor.deleteOption("", nullptr) ||
-               editor.deleteOption(nullptr, "x") || editor.deleteSection(nullptr) ||
-               editor.addSection(nullptr));
+  EXPECT_TRUE(editor.setValue("", "x", nullptr));
+  EXPECT_FALSE(editor.setValue(nullptr, "x", "1") || editor.setValue("", nullptr, "1") ||
+               editor.deleteOption("", nullptr) || editor.deleteOption(nullptr, "x") ||
+               editor.deleteSection(nullptr) || editor.addSection(nullptr));
   EXPECT_EQ(shown(file), "[A]x=1|");
 }
 
@@ -169,6 +171,8 @@ TEST(IniEditing, KeepsTheModel) {
   for (const char* name : {"", "a b", "a=", "[a", ";a", "a\n"})
     EXPECT_FALSE(file.addOption(name, "1")) << name;
   for (const char* name : {"", "a]", "a\nb"}) EXPECT_FALSE(file.addSection(name)) << name;
+  EXPECT_FALSE(file.addOption("n", std::string(1022, 'v').c_str()) ||
+               file.addOption("n", "1", std::string(1020, 'c').c_str()));
   EXPECT_FALSE(file.addOption("n", "1", "a\nb") || file.addOption(std::string(1023, 'n').c_str(), ""));
   EXPECT_TRUE(file.deleteOption("Y"));
   EXPECT_FALSE(file.deleteOption("Y"));
@@ -220,7 +224,7 @@ TEST(IniCursors, StandOnlyOnWhatExists) {
   VelClIniFileSectionCursor section(*file);
   EXPECT_FALSE(section.isValid() || section.setToNext() || section.matches(""));
   EXPECT_STREQ(section.getSection(), "");
-  EXPECT_TRUE(section.setTo("b") && section.matches("b"));
+  EXPECT_TRUE(section.setTo("b") && section.matches("b") && !section.matches("A"));
   EXPECT_STREQ(section.getSection(), "B");
   EXPECT_TRUE(section.setToNext() && section.setTo("B"));
   // It stays where it is: the second of the name.
@@ -230,7 +234,8 @@ TEST(IniCursors, StandOnlyOnWhatExists) {
   EXPECT_TRUE(section.setTo("B"));
   VelClIniFileOptionCursor option(section);
   EXPECT_FALSE(option.isValid() || option.getValueBool());
-  EXPECT_TRUE(option.setTo("Z"));
+  EXPECT_EQ(std::string(option.getOption()) + option.getComment(), "");
+  EXPECT_TRUE(option.setTo("Z") && option.setTo("z") && !option.matches("y"));
   char c = 0;
   EXPECT_TRUE(option.getValue(c));
   EXPECT_EQ(c, 'q');
@@ -249,7 +254,10 @@ TEST(IniCursors, StandOnlyOnWhatExists) {
   EXPECT_FALSE(option.isValid() || option.setToFirst() || option.setTo("z") || section.isValid());
   copy = other;
   EXPECT_TRUE(copy.isValid() && section.setToFirst());
+  const VelClIniFileSectionCursor secondSection(section);
   file.reset();
+  copy = VelClIniFileOptionCursor(other);
+  section = secondSection;
   EXPECT_FALSE(copy.isValid() || other.setToFirst() || section.setToFirst() || section.setTo("A"));
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <random>
 #include <string>
 #include <string_view>
@@ -9,6 +10,7 @@
 
 #include "inifile/test/ini_fixture.h"
 #include "platform/test/scratch_directory.h"
+#include "platform/test/table.h"
 #include "platform/test/variable.h"
 #include "vel_include/vel.h"
 
@@ -52,49 +54,16 @@ TEST(IniParser, ReadsValues) {
   const std::string longName(VelClEnvironmentVariableABase::kMaxNameLength + 1, 'N');
   const vel::test::Variable longVariable(longName.c_str(), "long");
   EXPECT_EQ(parsed("[A]\nx=$(" + longName + ")"), "[A]x=long|");
-  struct Row {
-    const char* text;
-    const char* value;
+  const auto expect = [](const std::string& text, const std::string& value) {
+    EXPECT_EQ(parsed("[A]\nx=" + text), "[A]x=" + value + "|") << text;
   };
-  const Row rows[] = {
-      {"D:\\temp\\new ; where ", "D:\\temp\\new;where "},
-      {" a  b \t", "a  b"},
-      {";", ""},
-      {";;x", ";;x"},
-      {"\"a;b\\tc\"  ", "a;b<09>c"},
-      {"\" a \" b \" c \"", " a  b  c "},
-      {"\"open ", "open "},
-      {"\"open \\", "open "},
-      {R"("\a\b\f\n\r\t\v\\\"\;\q")", "<07><08><0c><0a><0d><09><0b>\\\";q"},
-      {R"("\x41g\x4142\101\7778")",
-       "AgB"
-       "A\xFF"
-       "8"},
-      {R"("\xffffffffff00z")", "\xFFz"},
-      {R"("\x-1z" ;c)", ";c"},
-      {R"("ab\8cd" x ; c)", "ab;c"},
-      {R"("ab\x" x)", "ab"},
-      {"'A'", "A"},
-      {"' '", " "},
-      {R"('\n')", "<0a>"},
-      {R"('\x41'b)", "Ab"},
-      {"'ABC", "AC"},
-      {"';';c", ";;c"},
-      {"a '", "a "},
-      {"a '\\", "a "},
-      {"'b", "b"},
-      {"$(VEL_TEST_INI)/x", "a;b \"c /x"},
-      {"$(VEL_TEST_INI)  ", "a;b \"c "},
-      {"$(VEL_TEST_NONE)x", "x"},
-      {"a $(VEL_TEST_NONE) ", "a "},
-      {"$()x$", "x$"},
-      {"$(VEL_TEST_INI", "$(VEL_TEST_INI"},
-      {"\"$(VEL_TEST_INI)\"", "$(VEL_TEST_INI)"},
-      {"$(a;b)c", "c"},
-      {"\xC3\xA0 \xC2\x85", "\xC3\xA0 \xC2\x85"},
-  };
-  for (const Row& row : rows)
-    EXPECT_EQ(parsed("[A]\nx="s + row.text), "[A]x="s + row.value + "|") << row.text;
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/values.tsv"))
+    expect(vel::test::unescaped(row[0]), vel::test::unescaped(row.at(1)));
+  expect(R"("\x41g\x4142\101\7778")",
+         "AgBA\xFF"
+         "8");
+  expect(R"("\xffffffffff00z")", "\xFFz");
+  expect("\xC3\xA0 \xC2\x85", "\xC3\xA0 \xC2\x85");
 }
 
 TEST(IniParser, JoinsContinuationLines) {
@@ -146,6 +115,22 @@ TEST(IniParser, AsksTheHandlerAboutErrors) {
   EXPECT_EQ(shown(file), "[A]x=1|[C][A]x=1|");
   EXPECT_TRUE(file.getSection("c"));
   EXPECT_FALSE(file.getSection("b"));
+  // It ends the reading of a file at any error, and may delete what is being read.
+  const vel::test::ScratchDirectory directory;
+  VelClIniFile stopped(directory.write("a.INI", text).c_str());
+  stopped.setErrorHandler(keep, &report);
+  for (std::size_t most = 1; most <= errors.size(); ++most) {
+    report = {{}, {}, most};
+    EXPECT_FALSE(stopped.load(false));
+    EXPECT_EQ(report.lines.size(), most);
+  }
+  VelClIniFile shrinking("unused");
+  const auto drop = [](const _VelStError&, unsigned int, void* data) {
+    return static_cast<VelClIniFile*>(data)->deleteOption("x");
+  };
+  shrinking.setErrorHandler(drop, &shrinking);
+  EXPECT_FALSE(loadText(shrinking, "[A]\nx=1\njunk\n y\n"));
+  EXPECT_EQ(shown(shrinking), "[A]");
 }
 
 TEST(IniParser, TakesLinesAsGetlineDoes) {
@@ -208,7 +193,9 @@ TEST(IniFile, LoadsTextOfEverySystem) {
   EXPECT_TRUE(large.load(false));
   EXPECT_EQ(shown(large), model);
   // A file that cannot be opened changes nothing but the count of lines.
-  for (const std::string& name : {directory.path("none.ini"), directory.path()}) {
+  std::filesystem::create_directory(directory.path("d.ini"));
+  for (const char* const entry : {"none.ini", "d.ini"}) {
+    const std::string name = directory.path(entry);
     VelClIniFile missing(name.c_str());
     EXPECT_TRUE(loadText(missing, "[A]\n"));
     EXPECT_TRUE(missing.getSection("A"));
@@ -246,10 +233,19 @@ TEST(IniFile, ConvertsNumbersAlikeOnEverySystem) {
     long l = 0;
     unsigned int u = 0;
     unsigned long ul = 0;
-    const char* comment = nullptr;
-    EXPECT_TRUE(file.getOption("X", i) && file.getOption("X", l, comment));
-    EXPECT_TRUE(file.getOption("X", u) && file.getOption("X", ul));
-    EXPECT_STREQ(comment, "c");
+    const char* text = nullptr;
+    char c = 0;
+    VelClIniFileOptionCursor cursor(file, *file.getExistingSection("a")), nowhere(cursor);
+    EXPECT_TRUE(cursor.setToFirst());
+    const auto ask = [&](auto& value) {
+      auto other = value, third = value;
+      const char* comment = nullptr;
+      EXPECT_TRUE(file.getOption("X", value) && file.getOption("X", other, comment));
+      EXPECT_TRUE(cursor.getValue(third) && !nowhere.getValue(other));
+      EXPECT_TRUE(value == other && value == third);
+      EXPECT_STREQ(comment, "c");
+    };
+    ask(i), ask(l), ask(u), ask(ul), ask(text), ask(c);
     EXPECT_EQ(i, row.number) << row.text;
     EXPECT_EQ(l, row.number) << row.text;
     EXPECT_EQ(u, row.unsignedNumber) << row.text;
@@ -351,6 +347,7 @@ TEST(IniFile, AnswersForEveryNameOfLongLists) {
   ASSERT_TRUE(file.getSection("First"));
   askForAll(file, kCount);
   for (int i = 0; i < kCount; ++i) ASSERT_TRUE(file.getSection(("s" + std::to_string(i)).c_str()));
+  EXPECT_TRUE(file.deleteSection("s7") && !file.getSection("S7") && file.getSection("S8"));
 }
 
 /// Bytes that mean something to the parser, in any order: nothing but a model may come of them.

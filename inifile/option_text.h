@@ -21,7 +21,6 @@ class OptionText {
   /// Removes white space from the end of the value, down to this length.
   void trimValue(std::size_t shortest) noexcept;
   std::size_t valueLength() const noexcept { return end_ - value_; }
-  bool hasName() const noexcept { return value_ > 1; }
 
   /// Ends the value.
   void setComment(Span comment) noexcept;
