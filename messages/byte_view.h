@@ -32,10 +32,10 @@ class ByteView {
   }
 
   bool read32(std::uint64_t offset, std::uint32_t& value) const noexcept {
-    std::uint16_t low = 0;
-    std::uint16_t high = 0;
-    if (!holds(offset, 4) || !read16(offset, low) || !read16(offset + 2, high)) return false;
-    value = low | static_cast<std::uint32_t>(high) << 16;
+    if (!holds(offset, 4)) return false;
+    const std::uint8_t* bytes = at(offset);
+    value = bytes[0] | static_cast<std::uint32_t>(bytes[1]) << 8 |
+            static_cast<std::uint32_t>(bytes[2]) << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
     return true;
   }
 

@@ -1,9 +1,7 @@
 // Opens a message catalog and chooses its language. Which source serves a message is message.cpp's
 // decision.
 #include <clocale>
-#include <cstring>
 
-#include "foundation/ascii.h"
 #include "messages/catalog_library.h"
 #include "platform/platform.h"
 #include "vel_include/vel_messages.h"
@@ -12,7 +10,6 @@ namespace {
 
 constexpr const char* kDefaultCatalog = "qammsg50";
 constexpr const char* kLibraryType = "DLL";
-constexpr const char* kSignature = "[VEL_MSGTAB_SIGNATURE]";
 constexpr std::uint32_t kProbeMessage = 1;
 constexpr std::uint32_t kEnglishUnitedStates = 1033;
 
@@ -71,9 +68,6 @@ void VelClMessageCatalog::chooseLanguage() {
 
 void VelClMessageCatalog::useStringTable(const char* const* table, unsigned long size) {
   stringTable_ = table;
+  // The size argument alone bounds the table: the number behind the signature does not count. Keep.
   stringTableSize_ = table != nullptr ? static_cast<uint32_t>(size) : 0;
-  if (stringTableSize_ == 0 || table[0] == nullptr) return;
-  // The number behind the signature is read and not used: the size argument alone bounds the table. Keep.
-  const size_t skipped = std::strlen(kSignature);
-  if (std::strlen(table[0]) > skipped) static_cast<void>(vel::vel_strtoul32(table[0] + skipped, nullptr));
 }

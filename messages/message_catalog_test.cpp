@@ -6,6 +6,7 @@
 #include <memory>
 #include <regex>
 
+#include "messages/test/catalog_builder.h"
 #include "platform/test/scratch_directory.h"
 #include "platform/test/variable.h"
 #include "vel_include/vel_messages.h"
@@ -181,6 +182,29 @@ TEST(MessageCatalogCursor, ListsLibrariesAndTables) {
   EXPECT_EQ(listOf(library), small("Gr\u00FC\u00DFe"));
   EXPECT_EQ(listOf(VelClMessageCatalog(table, 1)), "");
   EXPECT_EQ(listOf(VelClMessageCatalog(VelClFilename("absent"))), "");
+}
+
+/// The list of a file that a compiler would not write.
+std::string listOf(const vel::test::TestTables& tables, std::u16string_view text = u"") {
+  const vel::test::ScratchDirectory directory;
+  const vel::test::Bytes bytes = vel::test::libraryFile(tables);
+  std::string file(bytes.begin(), bytes.end());
+  const std::size_t at = file.find(std::string("?\0?", 3));
+  for (std::size_t i = 0; i < 2 * text.size(); ++i)
+    file.at(at + i) = static_cast<char>(text[i / 2] >> (i % 2 == 0 ? 0 : 8));
+  const std::string path = directory.write("made.DLL", file);
+  const VelClMessageCatalog catalog(VelClFilename(path.c_str()));
+  EXPECT_EQ(textOf(catalog, 4), "UNABLE TO LOAD MESSAGE #4 FROM CATALOG: " + path);
+  return listOf(catalog);
+}
+
+TEST(MessageCatalogCursor, WritesEveryCharacterAsUtf8) {
+  using vel::test::messageTable;
+  const vel::test::Bytes unicode = messageTable({{1, "????????", true}, {4, ""}});
+  EXPECT_EQ(
+      listOf({{1, {{0, unicode}}}, {2, {{0, unicode}}}}, u"\u00FC\u20AC\xD83D\xDE00\xDC00\xD800x\xD800"),
+      "1/0:\u00FC\u20AC\U0001F600\uFFFD\uFFFDx\uFFFD|4/0:|");
+  EXPECT_EQ(listOf({{2, {{0, unicode}}}}), "");
 }
 
 }  // namespace

@@ -172,6 +172,9 @@ TEST(CatalogFunctions, HaveAProxyAsTheirClass) {
   EXPECT_STREQ(owner.getMessage(2, variables), "<x>");
   const VelClMessageCatalog table(kOtherTable, std::size(kOtherTable));
   EXPECT_STREQ(VelClMessageCatalogProxy(&table).getMessage(3), "other");
+  VelClMessageCatalogProxy nothing(nullptr);
+  EXPECT_FALSE(nothing.isValidMessageId(2) || nothing.getLanguage() != 0);
+  EXPECT_STREQ(nothing.getMessage(2), "");
 }
 
 }  // namespace

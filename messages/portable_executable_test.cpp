@@ -116,7 +116,7 @@ Bytes libraryOfSharedBranches(std::size_t tableSize) {
 }
 
 TEST(PortableExecutable, WalkIsBoundedWhenBranchesAreShared) {
-  for (const std::size_t tableSize : {1U, 20000U}) {
+  for (const std::size_t tableSize : {1U, 9U, 20000U}) {
     const Bytes file = libraryOfSharedBranches(tableSize);
     const std::string list = listTables(file);
     const auto count = static_cast<std::size_t>(std::count(list.begin(), list.end(), ' '));
