@@ -27,10 +27,7 @@ inline std::size_t boundedLength(const char* text, std::size_t limit) {
     return static_cast<unsigned int>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_setzero_si128())));
   };
   unsigned int found = terminators() >> skipped;
-  if (found != 0) {
-    const auto length = static_cast<std::size_t>(std::countr_zero(found));
-    return length < limit ? length : limit;
-  }
+  if (found != 0) return static_cast<std::size_t>(std::countr_zero(found));
   for (std::size_t length = kBlock - skipped; length < limit; length += kBlock) {
     block += kBlock;
     found = terminators();

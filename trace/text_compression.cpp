@@ -22,7 +22,7 @@ static_assert(kAlphabet[kCodeOfUpperA] == 'A' && kAlphabet[kCodeOfLowerA] == 'a'
 constexpr std::uint8_t kEscapeMark = 0x80;
 static_assert(sizeof kAlphabet - 1 == kEscape);
 
-constexpr std::array<std::uint8_t, 256> makeCodes() {
+consteval std::array<std::uint8_t, 256> makeCodes() {
   std::array<std::uint8_t, 256> codes{};
   codes.fill(kEscapeMark | kEscape);
   for (std::uint8_t code = 0; code < kEscape; ++code)
@@ -222,7 +222,7 @@ class BitWriter {
 /// Two characters as they stand in memory, for two codes; 0 when one of these is the escape.
 using CharacterPair = std::uint16_t;
 
-constexpr std::array<CharacterPair, 4096> makePairs() {
+consteval std::array<CharacterPair, 4096> makePairs() {
   std::array<CharacterPair, 4096> pairs{};
   for (std::size_t codes = 0; codes < pairs.size(); ++codes)
     if (codes >> 6 != kEscape && (codes & 63) != kEscape)

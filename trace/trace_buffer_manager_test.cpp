@@ -93,6 +93,18 @@ TEST_F(TraceBufferManager, KeepsTheNewestBytesWithoutAHandler) {
   }
 }
 
+TEST_F(TraceBufferManager, ReservesNothingThatWaits) {
+  EXPECT_EQ(manager_.reserve(1), nullptr) << "there is no handler";
+  attach();
+  write(50);
+  EXPECT_TRUE(manager_.reserve(kRoom - 51) != nullptr && manager_.reserve(kRoom - 50) == nullptr);
+  manager_.flush();
+  manager_.detachOverflowHandler();
+  write(kRoom - 20);
+  attach();
+  EXPECT_EQ(manager_.reserve(1), nullptr) << "what stands there was not handed over";
+}
+
 TEST_F(TraceBufferManager, TakesOverARingThatIsInUse) {
   write(60);
   VelClTraceBufferManager second(*environment_, memory_, sizeof memory_);
@@ -133,6 +145,8 @@ TEST(ResourceKey, MapsForeignCharacters) {
   }
   EXPECT_EQ(std::string(copy.getAsCstring()), "SEM32:" + std::string(249, 'x'));
   EXPECT_EQ(std::string(copy.getPart()), std::string(249, 'x'));
+  const VelClResourceKeySemaphore again(copy);
+  EXPECT_STREQ(again.getPart(), copy.getPart());
 }
 
 }  // namespace

@@ -158,6 +158,7 @@ TEST_F(TraceEntry, ReadsBrokenTextsAndCutRecords) {
     EXPECT_TRUE(stream.eof());
     const std::size_t arrived = std::min<std::size_t>(length < 20 ? 0 : length - 20, 7);
     EXPECT_EQ(std::string(read.getCompressedMessage(), 7).c_str(), whole.substr(20, arrived)) << length;
+    EXPECT_FALSE(read.read(stream)) << "behind the end";
   }
 }
 

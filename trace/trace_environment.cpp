@@ -88,15 +88,14 @@ VelClTraceEnvironment::VelClTraceEnvironment(const char* key, const char* instan
   manager_ = vel::create<VelClTraceBufferManager>(*this, buffer.get(), bufferSize_);
   buffer_ = buffer.release();
   settings.release();
-  if (!settings_->usesAutosave()) return;
+  // Autosave is on here: no variable switches it off.
   manager_->attachOverflowHandler(&save, this);
   if (!controllerMode_ && settings_->usesAutoclear()) VelClFile(filename_, nullptr).remove();
 }
 
 VelClTraceEnvironment::~VelClTraceEnvironment() {
   manager_->flush();
-  if (settings_->usesAutosave()) manager_->detachOverflowHandler();
-  if (!sharedMemory_) VelClMemoryManager::free(buffer_);
+  VelClMemoryManager::free(buffer_);
   vel::destroy(manager_);
   vel::destroy(settings_);
 }
@@ -140,7 +139,7 @@ void VelClTraceEnvironment::recordCompressionRate(size_t before, size_t after) c
 }
 
 float VelClTraceEnvironment::getCompressionRate() const {
-  if (plainTotal_ == 0 || compressedTotal_ == 0) return 0.0F;
+  if (plainTotal_ == 0) return 0.0F;
   return static_cast<float>(compressedTotal_) / static_cast<float>(plainTotal_);
 }
 

@@ -43,6 +43,11 @@ TEST_F(TraceEnvironment, StartsWithTheDefaults) {
   EXPECT_EQ(other.getBufferSize(), 65535U - 48U);
   EXPECT_STREQ(other.getFormatString(), "%f%n   P: %p, T: %s, D: %l, C: %c%n   Data: %m (%x: %d%n)");
   EXPECT_EQ(other.getCompressionRate(), 0.0F);
+  VelClTraceEnvironment unnamed(nullptr, nullptr, false);
+  EXPECT_STREQ(unnamed.getFilename().getName(), "trace.trc");
+  unnamed.setFormatString(nullptr);
+  EXPECT_STREQ(unnamed.getFormatString(), "");
+  EXPECT_NE(unnamed.getTimeStamp(), 0UL);
   const VelClTraceEnvironment plain("Abc", nullptr, false);
   EXPECT_STREQ(plain.getFilename().getName(), "Abctrace.trc");
   VelClFilename expected;
@@ -100,7 +105,7 @@ TEST_F(TraceEnvironment, CutsLongKeysForItsVariables) {
 }
 
 TEST_F(TraceEnvironment, SavesAndReportsEverySave) {
-  set("VERBOSE", "yes");
+  for (const char* flag : {"VERBOSE", "AUTOSAVE", "COMPRESS"}) set(flag, "yes");
   std::string bytes;
   const std::string shown = printed([&] {
     const auto writer = environment();
@@ -148,13 +153,13 @@ TEST_F(TraceEnvironment, BuildsRecordsInTheRingAsInEntries) {
       const auto detail = static_cast<VelEnTraceDetail>(i % 4);
       const auto component = static_cast<unsigned short>(i);
       const void* const start = i % 7 == 0 ? nullptr : data.data();
+      environment->getSettings().enableAutoflush(i % 50 == 0);
       if (built)
         environment->add(VelClTraceEntry(*environment, detail, component, VelEnTraceDataType::DATA,
                                          origin.c_str(), message.c_str(), start, data.size()));
       else
         environment->add(detail, component, VelEnTraceDataType::DATA, origin.c_str(), message.c_str(), start,
                          data.size());
-      if (i % 50 == 0) environment->flush();
     }
     environment->flush();
     files[built ? 1 : 0] = timeless(saved());

@@ -39,8 +39,11 @@ TEST(TraceFilter, KeepsComponentsWithinTheSet) {
   filter.setComponentIdSet(0, 5, false);
   filter.setComponentIdSet(7, 0, false);
   filter.disableComponentIdSet(9, 8);
+  filter.enableComponentIds(nullptr);
   filter.disableComponentId(300);
   EXPECT_EQ(enabled(filter), "1-6 8-253");
+  filter.setComponentIdSet(254, 255, true);
+  EXPECT_EQ(enabled(filter), "1-6 8-255");
   filter.enableComponentIdSet(0, 65535);
   EXPECT_FALSE(filter.usesCompIdFilter());
   EXPECT_FALSE(filter.matchesCompId(256));
@@ -64,7 +67,8 @@ TEST(TraceFilter, ReadsDetailsAndNumbers) {
   filter.setProcessId("12x");
   filter.setThreadId("x");
   EXPECT_TRUE(filter.usesProcessIdFilter() && filter.matchesProcessId(12) && !filter.matchesProcessId(13));
-  EXPECT_TRUE(!filter.usesThreadIdFilter() && filter.matchesThreadId(13));
+  filter.setProcessId(static_cast<const char*>(nullptr));
+  EXPECT_TRUE(!filter.usesProcessIdFilter() && !filter.usesThreadIdFilter() && filter.matchesThreadId(13));
 }
 
 }  // namespace

@@ -217,7 +217,7 @@ TEST_F(TraceFormatter, TakesItsWordsFromACatalog) {
   VelClMessageCatalog catalog(texts, std::size(texts));
   VelClMessageCatalog other(texts, std::size(texts));
   formatter_.attachVelMessageCatalog(other);
-  formatter_.attachVelMessageCatalog(catalog);
+  for (int i = 0; i < 2; ++i) formatter_.attachVelMessageCatalog(catalog);
   formatter_.setShowNestingLevel(true);
   // An exit's level keeps the built-in word.
   EXPECT_EQ(format(fileOf("1/01000000 6 5 2/00000000"), "%x%d;"),

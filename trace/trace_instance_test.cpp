@@ -52,7 +52,8 @@ TEST_F(TraceInstance, IsOneForTheProcess) {
   instance->flush();
   EXPECT_EQ(velTraceGetLostBytes(), 22U);
   EXPECT_NE(velTraceGetLastSystemError(), 0);
-  velTraceDeleteInstance();
+  { const VelClTraceAutomaticInstanceDestructor atEndOfScope; }
+  EXPECT_EQ(VelClTraceInstance::getSingletonInstance(), nullptr);
   velTraceDeleteInstance();
   EXPECT_EQ(velTraceGetLostBytes() + static_cast<unsigned int>(velTraceGetLastSystemError()), 0U);
   EXPECT_EQ(VelClTraceInstance::createControllerInstance("unit", nullptr)->getEnvironment().isController(),
@@ -77,14 +78,16 @@ TEST_F(TraceInstance, RecordsWhatPassesTheFilter) {
 TEST_F(TraceInstance, CountsTheNestingOfFunctions) {
   set("ACTIVE", "yes");
   set("DETAIL", "OFF");
+  set("AUTOFLUSH", "yes");
   velTraceCreateInstance("unit", nullptr);
   {
     const VelClTraceFunction outer(Detail::LOW, 0, "outer");
     const VelClTraceFunction tooDetailed(Detail::MEDIUM, 0, "inner");
   }
   velTraceDump(Detail::LOW, 0, Type::FUNCTION_EXIT, "lost", "", nullptr, 0);
-  velTraceFlush();
-  EXPECT_EQ(entries(), "outer D0 T1 1 0 0 0\nouter D0 T2 0 0 0 0\nlost D0 T2 255 255 255 255\n");
+  velTraceDump(Detail::LOW, 0, Type::FUNCTION_ENTRY, "late", "", nullptr, 0);
+  EXPECT_EQ(entries(),
+            "outer D0 T1 1 0 0 0\nouter D0 T2 0 0 0 0\nlost D0 T2 255 255 255 255\nlate D0 T1 0 0 0 0\n");
 }
 
 TEST_F(TraceInstance, GivesValuesTheirTypes) {

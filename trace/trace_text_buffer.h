@@ -14,7 +14,7 @@ namespace vel::trace {
 
 using DigitPairs = std::array<std::array<char, 2>, 100>;
 
-constexpr DigitPairs makeDigitPairs() {
+consteval DigitPairs makeDigitPairs() {
   DigitPairs pairs{};
   for (std::size_t i = 0; i < pairs.size(); ++i)
     pairs[i] = {static_cast<char>('0' + i / 10), static_cast<char>('0' + i % 10)};
