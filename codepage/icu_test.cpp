@@ -50,6 +50,11 @@ TEST(IcuInterface, MapsStatuses) {
     EXPECT_EQ(std::to_string(error.errorId) + ' ' + std::to_string(static_cast<int>(error.errorClass)),
               row[1]);
     EXPECT_EQ(VelClIcuInterface::getVelErrorIdForIcuError(status), error.errorId);
+    EXPECT_EQ(VelClIcuInterface::getVelErrorClassForIcuError(status), error.errorClass);
+    _VelStUserError whole;
+    VelClIcuInterface::mapIcuError(whole, status);
+    EXPECT_EQ(VelClIcuInterface::getVelErrorSeverityForIcuError(status), whole.severity);
+    EXPECT_EQ(VelClIcuInterface::getVelErrorActionForIcuError(status), whole.action);
   }
 }
 

@@ -19,7 +19,7 @@ static_assert(std::ranges::is_sorted(kSingleByteTables, {}, &SingleByteTable::cc
 
 using HostTables = std::array<std::array<std::uint16_t, 256>, std::size(kSingleByteTables)>;
 
-constexpr HostTables hostTables(bool foldsNextLine) {
+consteval HostTables hostTables(bool foldsNextLine) {
   HostTables tables{};
   for (std::size_t i = 0; i < tables.size(); ++i)
     for (std::size_t byte = 0; byte < 256; ++byte) {

@@ -62,14 +62,14 @@ class WellFormedness {
   static constexpr std::uint64_t kPlaceMask = 0x3F;
   static constexpr std::uint64_t placeOf(State state) { return std::uint64_t{state} * kBits; }
 
-  static constexpr State afterLead(unsigned int byte) {
+  static consteval State afterLead(unsigned int byte) {
     if (byte < 0x80) return kStart;
     if (byte < 0xC2 || byte > 0xF4) return kWrong;
     if (byte < 0xE0) return kOneMore;
     if (byte < 0xF0) return byte == 0xE0 ? kE0 : byte == 0xED ? kEd : kTwoMore;
     return byte == 0xF0 ? kF0 : byte == 0xF4 ? kF4 : kThreeMore;
   }
-  static constexpr State next(State state, unsigned int byte) {
+  static consteval State next(State state, unsigned int byte) {
     if (state == kStart) return afterLead(byte);
     if (byte < 0x80 || byte > 0xBF) return kWrong;
     switch (state) {
@@ -93,7 +93,7 @@ class WellFormedness {
   }
   struct Rows {
     std::uint64_t rows[256];
-    constexpr Rows() : rows() {
+    consteval Rows() : rows() {
       for (unsigned int byte = 0; byte < 256; ++byte)
         for (unsigned int state = 0; state < kStates; ++state)
           rows[byte] |= placeOf(next(static_cast<State>(state), byte)) << (state * kBits);
