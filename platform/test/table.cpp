@@ -27,10 +27,33 @@ std::string unescaped(const std::string& text) {
   static const std::string kLetters = "\\anrt0", kCharacters("\\\a\n\r\t\0", 6);
   std::string result;
   for (std::size_t at = 0; at < text.size(); ++at) {
-    const bool escaped = text[at] == '\\' && at + 1 < text.size();
-    result += escaped ? kCharacters.at(kLetters.find(text[++at])) : text[at];
+    if (text[at] != '\\' || at + 1 == text.size()) {
+      result += text[at];
+    } else if (text[++at] == 'x') {
+      result += bytesOf(text.substr(at + 1, 2));
+      at += 2;
+    } else if (text[at] == '{') {
+      const std::size_t end = text.find('}', at);
+      result.append(std::stoul(text.substr(at + 1)), text.at(end - 1));
+      at = end;
+    } else {
+      result += kCharacters.at(kLetters.find(text[at]));
+    }
   }
   return result;
+}
+
+std::vector<std::vector<std::string>> readTexts(const std::string& path) {
+  auto rows = readTable(path);
+  for (auto& row : rows) std::ranges::transform(row, row.begin(), unescaped);
+  return rows;
+}
+
+std::string bytesOf(const std::string& digits) {
+  std::string bytes;
+  for (std::size_t i = 0; i + 1 < digits.size(); i += 2)
+    bytes += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
+  return bytes;
 }
 
 }  // namespace vel::test
