@@ -1,5 +1,4 @@
 // Runs velconv as scripts do: its list, its answers to small texts, and files larger than its buffers.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,7 +12,6 @@
 
 namespace {
 
-using testing::HasSubstr;
 using vel::test::readFile;
 using Arguments = std::vector<std::string>;
 
@@ -97,33 +95,6 @@ TEST_F(VelconvFiles, ConvertsEveryByteThereAndBack) {
     const bool hasWay = number != "37" || back.exitCode == 0;
     EXPECT_TRUE(!hasWay || back.output == bytes) << number;
   }
-}
-
-TEST_F(VelconvFiles, JoinsFilesOfWhichEachBeginsAnew) {
-  const std::string a = directory_.write("a", "\x0E\x42\xC1\x0F\xC1\x0E\x42\xC1"),
-                    b = directory_.write("b", "\xC2\x0E\x42\xC2\x0F");
-  const auto result =
-      velconv({"-from", "930", "-to", "1208", "-policy", "skip", "-count", a, "-", b}, "\x40");
-  EXPECT_EQ(result.output,
-            "\xEF\xBC\xA1"
-            "A\xEF\xBC\xA1 B\xEF\xBC\xA2");
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_THAT(result.errors, HasSubstr(a + ": offset 8, line 1, column 4"));
-  EXPECT_THAT(result.errors, HasSubstr(a + ": 8 bytes, 0 invalid, 1 incomplete, 0 not in the target"));
-  EXPECT_THAT(result.errors, HasSubstr(b + ": 5 bytes, 0 invalid, 0 incomplete, 0 not in the target"));
-}
-
-TEST_F(VelconvFiles, ReplacesItsOutputAtTheEndOrNotAtAll) {
-  const std::string file = directory_.write("file", "\xC1\x15\x25");
-  EXPECT_EQ(velconv({"-from", "37", "-to", "1208", "-foldnel", file, "-out", file}).exitCode, 0);
-  EXPECT_EQ(readFile(file), "A\n\n");
-  const std::string bad = directory_.write("bad", "abc\xFF");
-  EXPECT_EQ(velconv({"-from", "1208", "-to", "500", bad, "-out", file}).exitCode, 2);
-  EXPECT_EQ(velconv({"-from", "1208", "-to", "500", bad, file, "-out", bad}).exitCode, 2);
-  EXPECT_EQ(readFile(file), "A\n\n");
-  EXPECT_EQ(readFile(bad), "abc\xFF");
-  EXPECT_EQ(velconv({"-from", "1208", "-to", "500", "-policy", "replace", bad, "-out", file}).exitCode, 1);
-  EXPECT_EQ(readFile(file), "\x81\x82\x83\x3F");
 }
 
 }  // namespace
