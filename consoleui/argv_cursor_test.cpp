@@ -10,6 +10,8 @@
 
 namespace {
 
+using vel::test::readTable;
+
 /// A command line from one text; program "tool".
 class CommandLine {
  public:
@@ -72,23 +74,17 @@ TEST(ArgvCursor, AnswersOutsideOfTheLine) {
 }
 
 TEST(ArgvCursor, FindsSwitchesByTheirWholeName) {
-  const struct {
-    const char *line, *name;
-    const char* behind;  ///< the argument behind the one found, or null
-  } rows[] = {{"v -v x -v y", "v", "x"},      {"--5 x", "-5", "x"},  {"-5 x", "-5", nullptr},
-              {"v -v x -v y", "-v", "x"},     {"--a x", "--a", "x"}, {"-5 x", "5", nullptr},
-              {"-verbose", "verb", nullptr},  {"- x", "-", "x"},     {"-V", "v", nullptr},
-              {"-verb", "verbose", nullptr},  {"- x", "", "x"},      {"v", "v", nullptr},
-              {"-a=1 -a:1 /a", "a", nullptr}, {"-v x y", "v", "x"},  {"", "a", nullptr}};
-  for (const auto& row : rows) {
-    const CommandLine line(row.line);
+  for (const auto& row : readTable(VEL_TEST_DATA "test/switches.tsv")) {
+    const CommandLine line(row[0]);
+    const char* const name = row[1].c_str();
+    const bool isThere = row.at(2) != "(none)";
     VelClArgvCursor cursor(line.count(), line.arguments());
     cursor.setToLast();  // where it stood before does not matter
-    EXPECT_EQ(cursor.positionTo(row.name), row.behind != nullptr) << row.line << " for " << row.name;
-    EXPECT_EQ(cursor.isValid(), row.behind != nullptr) << row.line << " for " << row.name;
-    EXPECT_EQ(cursor.matches(row.name), row.behind != nullptr) << row.line << " for " << row.name;
+    EXPECT_EQ(cursor.positionTo(name), isThere) << row[0] << " for " << name;
+    EXPECT_EQ(cursor.isValid(), isThere) << row[0] << " for " << name;
+    EXPECT_EQ(cursor.matches(name), isThere) << row[0] << " for " << name;
     cursor.setToNext();
-    EXPECT_STREQ(cursor.getAsCString(), row.behind != nullptr ? row.behind : "") << row.line;
+    EXPECT_EQ(cursor.getAsCString(), isThere ? row[2] : "") << row[0];
   }
 }
 
@@ -112,7 +108,7 @@ std::string questionsAnswered(const CommandLine& line, const char* usage) {
 }
 
 TEST(ArgvCheckCursor, JudgesArgumentsByTheUsage) {
-  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/arguments.tsv")) {
+  for (const auto& row : readTable(VEL_TEST_DATA "test/arguments.tsv")) {
     const CommandLine line(row.at(1), "-key");  // the program's name binds nothing
     EXPECT_EQ(questionsAnswered(line, vel::test::unescaped(row[0]).c_str()), row.at(2))
         << row[1] << " under " << row[0];
@@ -121,19 +117,10 @@ TEST(ArgvCheckCursor, JudgesArgumentsByTheUsage) {
 }
 
 TEST(ArgvFreeCursor, VisitsFreeArgumentsOnly) {
-  const struct {
-    const char *usage, *line, *visited;
-  } rows[] = {{"(-key <key>) [-verbose]", "-key abc -verbose xyz", "xyz "},
-              {"(-key <key>) <w>", "a -key b c -5 -key d", "a c -5 "},
-              {"(-key <key>)", "-key a -key b", ""},
-              {"(-key <key>)", "-key", ""},
-              {"<w>", "", ""},
-              {"<w>", "a b", "a b "},
-              {"", "-x a", "a "}};
-  for (const auto& row : rows) {
-    const CommandLine line(row.line);
-    VelClArgvFreeCursor cursor(line.count(), line.arguments(), row.usage);
-    EXPECT_EQ(walk(cursor), row.visited) << row.line;
+  for (const auto& row : readTable(VEL_TEST_DATA "test/free_arguments.tsv")) {
+    const CommandLine line(row[1]);
+    VelClArgvFreeCursor cursor(line.count(), line.arguments(), row[0].c_str());
+    EXPECT_EQ(walk(cursor), row.at(2)) << row[1];
   }
 }
 

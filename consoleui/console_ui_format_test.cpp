@@ -2,15 +2,18 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cstring>
+#include <map>
 #include <sstream>
 #include <string>
 #include <utility>
 
+#include "platform/test/table.h"
 #include "vel_include/vel_consoleui.h"
 #include "vel_include/vel_process.h"
 
 namespace {
+
+using vel::test::readTexts;
 
 /// A user interface whose output is kept.
 class Tool {
@@ -32,36 +35,17 @@ class Tool {
 };
 
 TEST(Format, PlacesTheLabelInItsColumn) {
-  constexpr auto kLeft = VelEnFormatStyle::LEFT, kRight = VelEnFormatStyle::RIGHT,
-                 kMid = VelEnFormatStyle::CENTRED;
-  // Of a centred label the right margin is short by the odd remainders of both.
-  const struct {
-    VelEnFormatStyle style;
-    unsigned int width;
-    std::string label, column;
-  } rows[] = {{kLeft, 12, "Trace file", "Trace file__"},
-              {kMid, 8, "ab", "   ab   "},
-              {kMid, 5, "abc", " abc"},
-              {kLeft, 10, "Trace file", "Trace file"},
-              {kMid, 8, "abc", "   abc  "},
-              {kMid, 5, "abcd", "abcd"},
-              {kLeft, 9, "Trace file", "Trace file"},
-              {kMid, 9, "ab", "   ab  "},
-              {kMid, 5, "abcde", "abcde"},
-              {kRight, 12, "Trace file", "  Trace file"},
-              {kMid, 9, "abc", "   abc "},
-              {kMid, 5, "abcdef", "abcdef"},
-              {kRight, 5, "Trace file", "Trace file"},
-              {kLeft, 3, "", "___"},
-              {kLeft, 0, "x", "x"},
-              {kMid, 0, "a", "a"}};
+  const std::map<std::string, VelEnFormatStyle> styles = {{"left", VelEnFormatStyle::LEFT},
+                                                          {"right", VelEnFormatStyle::RIGHT},
+                                                          {"centred", VelEnFormatStyle::CENTRED}};
   Tool tool;
   tool->setFormatFillChar('_');
-  for (const auto& row : rows) {
-    tool->setFormatStyle(row.style);
-    tool->setFormatWidth(row.width);
-    tool->format(row.label.c_str());
-    EXPECT_EQ(tool.take(), "  " + row.column + ": ") << row.label << " in " << row.width;
+  // Of a centred label the right margin is short by the odd remainders of both.
+  for (const auto& row : readTexts(VEL_TEST_DATA "test/labels.tsv")) {
+    tool->setFormatStyle(styles.at(row[0]));
+    tool->setFormatWidth(static_cast<unsigned int>(std::stoul(row[1])));
+    tool->format(row[2].c_str());
+    EXPECT_EQ(tool.take(), "  " + row.at(3) + ": ") << row[2] << " in " << row[1];
   }
 }
 
@@ -167,20 +151,12 @@ TEST(Format, KeepsItsStreamInQuietMode) {
 }
 
 TEST(ConsoleUIParams, NamesTheProcess) {
-  const char* const rows[][2] = {{"abcdefghijklmnopqrstuvwxyz.exe", "ABCDEFGHIJKLMNOPQRSTUVWXY"},
-                                 {"./tool", "TOOL"},
-                                 {"D:\\TOOLS\\trcctl.exe", "TRCCTL"},
-                                 {"a.b\\tool.exe", "TOOL"},
-                                 {"/usr/bin/my-tool_2.5.tar", "MY-TOOL_2"},
-                                 {".hidden", ""},
-                                 {"dir\\", ""},
-                                 {"", ""},
-                                 {nullptr, ""}};
-  for (const auto& [argv0, name] : rows) {
-    const VelClConsoleUIParams params(argv0);
-    EXPECT_STREQ(params.getProcessName(), name);
-    EXPECT_EQ(params.getIndentation(), std::strlen(name));
+  for (const auto& row : readTexts(VEL_TEST_DATA "test/process_names.tsv")) {
+    const VelClConsoleUIParams params(row[0].c_str());
+    EXPECT_EQ(params.getProcessName(), row.at(1));
+    EXPECT_EQ(params.getIndentation(), row[1].size());
   }
+  EXPECT_STREQ(VelClConsoleUIParams(nullptr).getProcessName(), "");
 }
 
 TEST(ConsoleUIParams, CopiesItsTexts) {

@@ -8,6 +8,7 @@
 
 #include "platform/test/child_process.h"
 #include "platform/test/scratch_directory.h"
+#include "platform/test/table.h"
 #include "platform/test/variable.h"
 #include "process/command_line.h"
 #include "vel_include/vel_process.h"
@@ -16,6 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using Texts = std::vector<std::string>;
+using vel::test::readTexts;
 using vel::test::Variable;
 
 constexpr unsigned long kFileNotFound = 2, kNotLaunched = PROCESS_COULD_NOT_LAUNCH;
@@ -58,14 +60,9 @@ TEST(CommandLine, QuotesBlanksOnly) {
   std::string expected = "absent.EXE";
   EXPECT_EQ(process.line(), expected);
   // Of back-slashes at the end one is doubled, however many there are.
-  const struct {
-    const char *text, *written;
-  } rows[] = {{"", " "},           {"a b", R"( "a b")"},        {"c", " c"},       {R"(i"j)", R"( i"j)"},
-              {" ", R"( " ")"},    {R"(k "l)", R"( "k "l")"},   {"g\th", " g\th"}, {R"(d e\)", R"( "d e\\")"},
-              {R"(f\)", R"( f\)"}, {R"(d e\\)", R"( "d e\\\")"}};
-  for (const auto& row : rows) {
-    process.addArgument(row.text);
-    EXPECT_EQ(process.line(), expected += row.written);
+  for (const auto& row : readTexts(VEL_TEST_DATA "test/quoted.tsv")) {
+    process.addArgument(row[0].c_str());
+    EXPECT_EQ(process.line(), expected += row.at(1));
   }
   process.addArgument(nullptr);
   process.addArgument(-5L);
@@ -87,63 +84,27 @@ Texts split(const std::string& line) {
 
 TEST(CommandLine, ProgramNamesAndDoubledQuotesHaveTheirOwnRules) {
   // The runtimes before 2008 let the second quote end the quoted part, so no child is asked.
-  const struct {
-    const char* line;
-    Texts texts;
-  } rows[] = {{"", {""}},
-              {" a", {"", "a"}},
-              {"prog\ta", {"prog", "a"}},
-              {R"("C:\my dir\prog.EXE" a)", {R"(C:\my dir\prog.EXE)", "a"}},
-              {R"("C:\dir\" a)", {R"(C:\dir\)", "a"}},
-              {R"(C:\"my dir"\prog a)", {R"(C:\my dir\prog)", "a"}},
-              {"\"open to the end", {"open to the end"}},
-              {R"(prog "a""b c" d)", {"prog", R"(a"b c)", "d"}},
-              {R"(prog """ x)", {"prog", R"(" x)"}},
-              {R"(prog """" x)", {"prog", "\"", "x"}}};
-  for (const auto& row : rows) EXPECT_EQ(split(row.line), row.texts) << row.line;
+  for (const auto& row : readTexts(VEL_TEST_DATA "test/command_lines.tsv"))
+    EXPECT_EQ(split(row[0]), Texts(row.begin() + 1, row.end())) << row[0];
 }
 
 // Back-slashes before anything but a quote stand for themselves. Before a quote two make one, and an odd one
 // makes the quote ordinary. What one row leaves behind in the report would show in the next.
 TEST_F(NewProcess, ArgumentsAreSplitAsTheWindowsRuntimeDoes) {
-  const struct {
-    const char* line;
-    Texts arguments;
-  } rows[] = {{R"(a b  c)", {"a", "b", "c"}},
-              {"a\tb \t c ", {"a", "b", "c"}},
-              {R"("a b" c)", {"a b", "c"}},
-              {"\"a\tb\"", {"a\tb"}},
-              {R"(a" b "c d)", {"a b c", "d"}},
-              {R"("" x "")", {"", "x", ""}},
-              {R"("open to the end)", {"open to the end"}},
-              {R"(")", {""}},
-              {"* $HOME %PATH% a;b 'c'", {"*", "$HOME", "%PATH%", "a;b", "'c'"}},
-              {R"(a\b \\server\share c\)", {R"(a\b)", R"(\\server\share)", R"(c\)"}},
-              {R"("a\\b" "\ ")", {R"(a\\b)", R"(\ )"}},
-              {R"(\" a\"b c)", {"\"", "a\"b", "c"}},
-              {R"(\\"a b" c)", {R"(\a b)", "c"}},
-              {R"(\\\"a b)", {R"(\"a)", "b"}},
-              {R"("a b\\" c)", {R"(a b\)", "c"}},
-              {R"("a b\" c)", {R"(a b" c)"}},
-              {R"("a b\\\" c" d)", {R"(a b\" c)", "d"}},
-              {R"("a b\\\\" c)", {R"(a b\\)", "c"}},
-              {R"(\\\\"x" \\\\y)", {R"(\\x)", R"(\\\\y)"}}};
   long code = 256;
-  for (const auto& [line, expected] : rows) {
+  for (const auto& row : readTexts(VEL_TEST_DATA "test/arguments.tsv")) {
     VelClNewSyncProcess process(child_);
     process.addArgument(--code);
-    std::istringstream pieces(line);
+    std::istringstream pieces(row[0]);
     for (std::string piece; std::getline(pieces, piece, ' ');) process.addArgument(piece.c_str());
-    EXPECT_TRUE(process.launch() && process.launch()) << line;
+    EXPECT_TRUE(process.launch() && process.launch()) << row[0];
     EXPECT_EQ(process.getResult(), static_cast<unsigned long>(code));
     EXPECT_EQ(process.getLastError().getErrorId(), 0UL);
-    Texts texts = {"prog"}, arrived;
-    for (const std::string& text : expected) {
-      texts.push_back(text);
-      arrived.push_back('[' + text + ']');
-    }
-    EXPECT_EQ(arguments(), arrived) << line;
-    EXPECT_EQ(split(std::string("prog ") + line), texts) << line;
+    Texts texts = split("prog " + row[0]);
+    texts.erase(texts.begin());
+    EXPECT_EQ(texts, Texts(row.begin() + 1, row.end())) << row[0];
+    for (std::string& text : texts) text = '[' + text + ']';
+    EXPECT_EQ(arguments(), texts) << row[0];
   }
 }
 
