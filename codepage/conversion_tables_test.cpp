@@ -1,11 +1,12 @@
 // Every cell of the tables, and every byte through the converters, against the published mappings.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <set>
 #include <string>
 
-#include "codepage/test/conversion_outcome.h"
 #include "codepage/test/mapping_file.h"
+#include "codepage/test/outcome.h"
 
 namespace {
 

@@ -1,16 +1,18 @@
-// The conversions through converters: their oddities and sizes, every target size, every split of the source,
-// and UTF-8 against a slow reference.
+// The conversions through converters: their oddities and sizes, every split of the source, and UTF-8 against
+// a slow reference. Noise, and targets too small for it, are the matter of fuzz/codepage_*_fuzz.cpp.
 #include <gtest/gtest.h>
 
 #include <map>
 #include <random>
 #include <string>
 
-#include "codepage/test/conversion_outcome.h"
+#include "codepage/test/outcome.h"
 #include "codepage/test/reference_utf8.h"
 #include "platform/test/table.h"
 
 namespace {
+
+using vel::test::bytesOf;
 
 const VelClCodePage2UnicodeConverter kFromUtf8{ccsid(1208)};
 const VelClUnicode2CodePageConverter kToUtf8{ccsid(1208)};
@@ -26,13 +28,6 @@ std::unique_ptr<VelClConverterABase> converterOf(const std::string& from, const 
   if (to == "U") return std::make_unique<VelClCodePage2UnicodeConverter>(ccsidOf(from));
   if (to == "UTF-8") return std::make_unique<VelClCodePage2UTF8Converter>(ccsidOf(from));
   return std::make_unique<VelClCodePage2CodePageConverter>(ccsidOf(from), ccsidOf(to));
-}
-
-std::string bytesOf(const std::string& digits) {
-  std::string bytes;
-  for (std::size_t i = 0; i < digits.size(); i += 2)
-    bytes += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
-  return bytes;
 }
 
 Outcome outcomeOf(const std::string& bytes, const std::string& consumed, const std::string& error) {
@@ -109,19 +104,6 @@ TEST(Conversion, EverySplitOfTheSourceContinues) {
                                 "ab\xA4\x40xy\xA4\x41\xA4\x42z\xFE\x7F");
 }
 
-TEST(Utf8, NoiseGivesTheReference) {
-  std::mt19937 random(99);
-  for (int i = 0; i < 4000; ++i) {
-    std::string noise;
-    const std::size_t size = random() % 150;
-    const unsigned int bits = i % 2 == 0 ? 0xFF : 0x7F;
-    while (noise.size() < size) noise += static_cast<char>(random() % 5 == 0 ? random() : random() & bits);
-    const std::size_t room = random() % 320;
-    ASSERT_EQ(convert(kFromUtf8, noise, room), referenceUtf8ToUcs2(noise, room)) << hex(noise) << " " << room;
-    ASSERT_EQ(convert(kToUtf8, noise, room), referenceUcs2ToUtf8(noise, room)) << hex(noise) << " " << room;
-  }
-}
-
 TEST(Utf8, EveryScalarValueGoesRound) {
   std::string units;
   for (unsigned int value = 0; value < 0x110000; ++value) {
@@ -139,21 +121,6 @@ TEST(Utf8, EveryScalarValueGoesRound) {
   EXPECT_EQ(VelClConverterABase::convertUtf8CharToUtf32("A"), 0x41U);
   EXPECT_EQ(VelClConverterABase::convertUtf8CharToUtf32("\xE2\x82\xAC"), 0x20ACU);
   EXPECT_EQ(VelClConverterABase::convertUtf8CharToUtf32("\xF0\x9F\x98\x80"), 0x1F600U);
-}
-
-TEST(Conversion, EveryTargetSizeIsSafe) {
-  std::mt19937 random(5);
-  for (const auto& [from, to] : std::initializer_list<std::pair<const char*, const char*>>{
-           {"37", "U"}, {"930", "U"}, {"948", "U"}, {"U", "850"}, {"U", "819"}}) {
-    const auto converter = converterOf(from, to);
-    for (std::size_t length = 0; length < 140; ++length) {
-      std::string noise;
-      while (noise.size() < length) noise += static_cast<char>(random());
-      const Outcome whole = convert(*converter, noise, 2 * length);
-      for (std::size_t size = 0; size < 2 * length; ++size)
-        ASSERT_EQ(convert(*converter, noise, size), size < whole.bytes.size() ? tooBig("", 0) : whole);
-    }
-  }
 }
 
 }  // namespace

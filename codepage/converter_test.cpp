@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "codepage/test/conversion_outcome.h"
+#include "codepage/test/outcome.h"
 #include "vel_include/vel_memmgr.h"
 
 namespace {

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "codepage/icu_calls.h"
-#include "codepage/test/conversion_outcome.h"
 #include "codepage/test/mapping_file.h"
+#include "codepage/test/outcome.h"
 #include "platform/test/table.h"
 
 namespace {

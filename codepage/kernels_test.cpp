@@ -3,10 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <memory>
 #include <random>
 
+#include "codepage/test/loop_run.h"
 #include "codepage/test/reference_mixed.h"
 #include "codepage/test/reference_utf8.h"
 
@@ -85,18 +84,9 @@ using Reference = Outcome (*)(std::string_view source, std::size_t targetSize);
 /// What a loop did must be what the reference makes of the same part of the source. Returns the size of that
 /// part.
 std::size_t check(Loop loop, Reference reference, const std::string& source, std::size_t room) {
-  const std::unique_ptr<char[]> in(new char[source.size()]);
-  std::memcpy(in.get(), source.data(), source.size());
-  std::string target(room + 64, 'Z');
-  Progress progress{in.get(), in.get() + source.size(), target.data(), target.data() + room};
-  loop(progress);
-  const auto consumed = static_cast<std::size_t>(progress.source - in.get());
-  const auto written = static_cast<std::size_t>(progress.target - target.data());
-  const Outcome expected = reference(std::string_view(source).substr(0, consumed), room);
-  EXPECT_EQ(target.substr(room), std::string(64, 'Z'));
-  EXPECT_EQ(target.substr(0, written), expected.bytes) << hex(source);
-  EXPECT_EQ(expected.errorId, static_cast<std::uint32_t>(VEL_NO_ERROR)) << hex(source);
-  return consumed;
+  const Outcome done = runLoop(loop, source, room);
+  EXPECT_EQ(done, reference(std::string_view(source).substr(0, done.consumed), room)) << hex(source);
+  return done.consumed;
 }
 
 TEST(Kernels, ConvertUtf8LikeTheReference) {
@@ -145,24 +135,14 @@ TEST(Kernels, DecodeMixedBytesLikeTheReference) {
         bool isEbcdic = false;
         const VelStDoubleByteTable& table = *velGetDBCStoUCS2Table(number, isEbcdic);
         const std::string text = mixedText(isEbcdic, round % 3, random);
-        std::string target(round % 4 == 0 ? random() % 1800 : 1800, 'Z');
-        const std::string guard(64, 'Z');
-        target += guard;
-        Progress progress{text.data(), text.data() + text.size(), target.data(),
-                          target.data() + target.size() - guard.size()};
+        const std::size_t room = round % 4 == 0 ? random() % 1800 : 1800;
         bool isDouble = false;
-        if (isEbcdic)
-          kernels->decodeShifted(progress, table, isDouble);
-        else
-          kernels->decodeMixed(progress, table);
-        const std::string done(text.data(), progress.source);
-        const std::string written(target.data(), progress.target);
-        EXPECT_EQ((Outcome{written, done.size() + isDouble}),
-                  referenceMixedToUcs2(table, done + (isDouble ? "\x0F" : "")))
-            << hex(done);
-        EXPECT_TRUE(target.ends_with(guard));
-        const bool isDone = done.size() + 66 > text.size();
-        EXPECT_TRUE(isDone || kernels == &vel::codepage::kPortableKernels || target.size() < 1864);
+        Outcome done = runMixed(*kernels, table, text, room, isDouble);
+        const bool isDone = done.consumed + 66 > text.size();
+        const std::string part = text.substr(0, done.consumed) + (isDouble ? "\x0F" : "");
+        done.consumed = part.size();
+        EXPECT_EQ(done, referenceMixedToUcs2(table, part)) << hex(part);
+        EXPECT_TRUE(isDone || kernels == &vel::codepage::kPortableKernels || room < 1800);
       }
 }
 

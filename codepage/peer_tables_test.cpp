@@ -7,8 +7,8 @@
 #include <set>
 
 #include "codepage/icu_calls.h"
-#include "codepage/test/conversion_outcome.h"
 #include "codepage/test/mapping_file.h"
+#include "codepage/test/outcome.h"
 #include "platform/test/iconv.h"
 #include "platform/test/table.h"
 #include "vel_include/vel_process.h"

@@ -4,15 +4,17 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "codepage/test/conversion_outcome.h"
+#include "codepage/test/outcome.h"
 #include "platform/test/table.h"
 
 namespace {
 
+using vel::test::bytesOf;
 using Conversion = VelClStrictConversion;
 using Policy = Conversion::VelEnPolicy;
 using Fault = Conversion::VelEnFault;
@@ -73,13 +75,6 @@ Result convert(Conversion& conversion, const std::string& source, const std::vec
   return {text.take(), describe(conversion)};
 }
 
-std::string bytesOf(const std::string& digits) {
-  std::string bytes;
-  for (std::size_t i = 0; i + 1 < digits.size(); i += 2)
-    bytes += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
-  return bytes;
-}
-
 Policy policyOf(const std::string& name) {
   return name == "stop"   ? Policy::STOP
          : name == "skip" ? Policy::SKIP
@@ -117,26 +112,14 @@ TEST(StrictConversion, ConvertsNothingWithoutAWay) {
   EXPECT_FALSE(Conversion(ccsid(259), ccsid(259)).isSupported());
 }
 
-/// Repeats, and is not random at all.
-class Numbers {
- public:
-  std::uint32_t next(std::uint32_t limit) {
-    state_ = state_ * 6364136223846793005U + 1442695040888963407U;
-    return static_cast<std::uint32_t>(state_ >> 33) % limit;
-  }
-
- private:
-  std::uint64_t state_ = 1;
-};
-
 /// Bytes, mostly below 0x80, with runs of shifted pairs.
-std::string mixedBytes(Numbers& numbers, std::size_t size) {
+std::string mixedBytes(std::mt19937& random, std::size_t size) {
   std::string bytes;
   while (bytes.size() < size) {
-    const std::uint32_t kind = numbers.next(20);
+    const auto kind = random() % 20;
     if (kind == 0) bytes += '\x0E';
     if (kind == 1) bytes += '\x0F';
-    bytes += static_cast<char>(kind < 12 ? 0x40 + numbers.next(0xBE) : numbers.next(256));
+    bytes += static_cast<char>(kind < 12 ? 0x40 + random() % 0xBE : random() % 256);
   }
   return bytes;
 }
@@ -149,15 +132,15 @@ std::vector<int> ccsidsWithAWay(Route (*route)(const VelClCCSID&)) {
 }
 
 TEST(StrictConversion, ShowsNoSplitForAnyCodePage) {
-  Numbers numbers;
+  std::mt19937 random(4711);
   for (const int number : ccsidsWithAWay(&Conversion::getRouteToUcs2)) {
     // Larger than the units of one reading, so that these end everywhere, too.
-    const std::string source = mixedBytes(numbers, 9'000);
+    const std::string source = mixedBytes(random, 9'000);
     for (const int target : {1208, 500}) {
       Conversion conversion(ccsid(number), ccsid(target), Policy::ESCAPE);
       const Result whole = convert(conversion, source, {});
       std::vector<std::size_t> ends;
-      for (std::size_t end = 0; end < source.size(); end += numbers.next(40)) ends.push_back(end);
+      for (std::size_t end = 0; end < source.size(); end += random() % 40) ends.push_back(end);
       ASSERT_EQ(convert(conversion, source, ends), whole) << number << " to " << target;
     }
   }

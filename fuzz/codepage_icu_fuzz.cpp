@@ -12,7 +12,7 @@ namespace {
 std::optional<Outcome> tryConvert(const VelClConverterABase& converter, std::string_view source,
                                   std::size_t room) {
   try {
-    return fuzz::convert(converter, source, room);
+    return convert(converter, source, room);
   } catch (const VelClException& exception) {
     fuzz::require(exception.getId() == ICU_UNEXPECTED_ICU_ERROR);
     return std::nullopt;

@@ -1,6 +1,6 @@
 // Any bytes through the tables of single and double bytes, as a whole and through each kind of loops, beside
 // a slow conversion.
-#include "codepage/kernels.h"
+#include "codepage/test/loop_run.h"
 #include "codepage/test/reference_mixed.h"
 #include "fuzz/conversion_run.h"
 
@@ -8,20 +8,11 @@ namespace {
 
 void requireLoop(const vel::codepage::Kernels& kernels, const VelStDoubleByteTable& table,
                  const fuzz::Input& input) {
-  const std::size_t room = input.room(input.source.size() * 2);
-  const std::unique_ptr<char[]> in(new char[input.source.size()]);
-  const std::unique_ptr<char[]> out(new char[room]);
-  if (!input.source.empty()) std::memcpy(in.get(), input.source.data(), input.source.size());
-  vel::codepage::Progress progress{in.get(), in.get() + input.source.size(), out.get(), out.get() + room};
   bool isDouble = false;
-  if (table.isEbcdic != 0)
-    kernels.decodeShifted(progress, table, isDouble);
-  else
-    kernels.decodeMixed(progress, table);
-  const std::string source =
-      std::string(static_cast<const char*>(in.get()), progress.source) + (isDouble ? "\x0F" : "");
-  fuzz::require(Outcome{std::string(out.get(), progress.target), source.size()} ==
-                referenceMixedToUcs2(table, source));
+  Outcome done = runMixed(kernels, table, input.source, input.room(input.source.size() * 2), isDouble);
+  const std::string part = std::string(input.source.substr(0, done.consumed)) + (isDouble ? "\x0F" : "");
+  done.consumed = part.size();
+  fuzz::require(done == referenceMixedToUcs2(table, part));
 }
 
 }  // namespace

@@ -60,8 +60,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t room = input.room(input.source.size());
     const VelClCodePage2UnicodeConverter from{VelClCCSID(page)};
     const VelClUnicode2CodePageConverter to{VelClCCSID(page)};
-    fuzz::require(fuzz::convert(from, input.source, room) == betweenUcs2(page, input.source, room));
-    fuzz::require(fuzz::convert(to, input.source, room) == betweenUcs2(page, input.source, room));
+    fuzz::require(convert(from, input.source, room) == betweenUcs2(page, input.source, room));
+    fuzz::require(convert(to, input.source, room) == betweenUcs2(page, input.source, room));
   }
   for (const int page : kReversePages)
     fuzz::requireAll(VelClUnicode2CodePageConverter(VelClCCSID(page)), input, fromUcs2(page, input.source));

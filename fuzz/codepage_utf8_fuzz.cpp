@@ -1,5 +1,5 @@
 // Any bytes as UTF-8 and as UCS-2, as a whole and through each kind of loops, beside slow conversions.
-#include "codepage/kernels.h"
+#include "codepage/test/loop_run.h"
 #include "codepage/test/reference_utf8.h"
 #include "fuzz/conversion_run.h"
 
@@ -11,13 +11,8 @@ using Reference = Outcome (*)(std::string_view source, std::size_t room);
 
 void requireLoop(void (*loop)(Progress&) noexcept, Reference reference, std::string_view source,
                  std::size_t room) {
-  const std::unique_ptr<char[]> in(new char[source.size()]);
-  const std::unique_ptr<char[]> out(new char[room]);
-  if (!source.empty()) std::memcpy(in.get(), source.data(), source.size());
-  Progress progress{in.get(), in.get() + source.size(), out.get(), out.get() + room};
-  loop(progress);
-  const std::string done(static_cast<const char*>(in.get()), progress.source);
-  fuzz::require(Outcome{std::string(out.get(), progress.target), done.size()} == reference(done, room));
+  const Outcome done = runLoop(loop, source, room);
+  fuzz::require(done == reference(source.substr(0, done.consumed), room));
 }
 
 }  // namespace
@@ -28,8 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const fuzz::Input input(data, size);
   const std::string_view source = input.source;
   const std::size_t room = input.room(source.size() * 2);
-  fuzz::require(fuzz::convert(from, source, room) == referenceUtf8ToUcs2(source, room));
-  fuzz::require(fuzz::convert(to, source, room) == referenceUcs2ToUtf8(source, room));
+  fuzz::require(convert(from, source, room) == referenceUtf8ToUcs2(source, room));
+  fuzz::require(convert(to, source, room) == referenceUcs2ToUtf8(source, room));
   for (const Kernels* const kernels : {&vel::codepage::kPortableKernels, vel::codepage::vectorKernels()}) {
     if (kernels == nullptr) continue;
     requireLoop(kernels->decodeUtf8, &referenceUtf8ToUcs2, source, room);

@@ -1,9 +1,6 @@
 // What the fuzz targets of conversions share.
 #pragma once
 
-#include <cstring>
-#include <memory>
-
 #include "codepage/test/outcome.h"
 #include "fuzz/bytes.h"
 
@@ -23,18 +20,6 @@ struct Input {
   std::size_t share;
   std::string_view source;
 };
-
-/// A conversion in buffers of exactly these sizes.
-inline Outcome convert(const VelClConverterABase& converter, std::string_view source, std::size_t room) {
-  const std::unique_ptr<char[]> in(new char[source.size()]);
-  const std::unique_ptr<char[]> out(new char[room]);
-  if (!source.empty()) std::memcpy(in.get(), source.data(), source.size());
-  const char* position = in.get();
-  const std::size_t written = converter.convertBytes(out.get(), room, &position, source.size());
-  require(written <= room && position >= in.get() && position <= in.get() + source.size());
-  return {std::string(out.get(), written), static_cast<std::size_t>(position - in.get()),
-          converter.getLastError().errorId, converter.getLastError().errorClass};
-}
 
 /// For conversions that need room for all: with enough, with exactly enough, and with too little.
 inline void requireAll(const VelClConverterABase& converter, const Input& input, const Outcome& expected) {

@@ -1,7 +1,8 @@
-// What a conversion did.
+// What a conversion did, in buffers that show where it read and wrote.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -48,4 +49,34 @@ inline std::string unitBytes(const std::u16string& units) {
     bytes += static_cast<char>(unit >> 8);
   }
   return bytes;
+}
+
+/// Runs `conversion(position, target)`, which moves the position behind what it has read and returns how much
+/// it has written, on a block that is exactly the source. Bytes behind the target's room must stay as they
+/// are.
+template <typename Conversion>
+Outcome runInBuffers(std::string_view source, std::size_t room, Conversion conversion) {
+  constexpr std::size_t kGuard = 64;
+  const std::unique_ptr<char[]> in(new char[source.size()]);
+  source.copy(in.get(), source.size());
+  std::string target(room + kGuard, 'Z');
+  const char* position = in.get();
+  const std::size_t written = conversion(position, target.data());
+  const bool isInside = written <= room && target.substr(room) == std::string(kGuard, 'Z') &&
+                        position >= in.get() && position <= in.get() + source.size();
+  if (!isInside) return {"outside of its buffers", 0};
+  return {target.substr(0, written), static_cast<std::size_t>(position - in.get())};
+}
+
+inline Outcome convert(const VelClConverterABase& converter, std::string_view source, std::size_t room) {
+  Outcome outcome = runInBuffers(source, room, [&](const char*& position, char* target) {
+    return converter.convertBytes(target, room, &position, source.size());
+  });
+  outcome.errorId = converter.getLastError().errorId;
+  outcome.errorClass = converter.getLastError().errorClass;
+  return outcome;
+}
+
+inline VelClCCSID ccsid(int number) {
+  return VelClCCSID(number);
 }
