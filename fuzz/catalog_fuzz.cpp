@@ -56,7 +56,7 @@ void readFile(const char* name) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const fuzz::InputFile file("DLL");
+  static fuzz::InputFile file("DLL");
   const std::vector<std::uint8_t> bytes(data, data + size);
   readTable(MessageResource(bytes.data(), bytes.size()));
   readBlock(bytes);

@@ -13,15 +13,32 @@ class InputFile {
   explicit InputFile(const char* extension) : name_(VelClTmpFilename("FUZZ")) {
     name_.setNewExtension(extension);
   }
-  ~InputFile() { VelClFile(name_, nullptr).remove(); }
+  ~InputFile() {
+    file_.close();
+    VelClFile(name_, nullptr).remove();
+  }
 
   const char* name() const { return name_.getAsCString(); }
-  void write(std::string_view bytes) const {
-    std::ofstream(name(), std::ios::binary | std::ios::trunc) << bytes;
+  /// Stays open, which saves most of the time, and may be no file that the system itself loads.
+  void rewrite(std::string_view bytes) {
+    if (bytes.size() != size_) {
+      file_.close();
+      file_.open(name(), std::ios::binary | std::ios::trunc);
+    }
+    file_.seekp(0);
+    file_ << bytes << std::flush;
+    size_ = bytes.size();
+  }
+  void write(std::string_view bytes) {
+    rewrite(bytes);
+    size_ = std::string_view::npos;
+    file_.close();
   }
 
  private:
   VelClFilename name_;
+  std::ofstream file_;
+  std::size_t size_ = std::string_view::npos;
 };
 
 }  // namespace fuzz

@@ -118,7 +118,8 @@ std::string change(VelClFilename& file, unsigned int kind, const char* text, con
   }
 }
 
-void requireLocation(const std::string& text) {
+void requireTextOf(const std::string& text) {
+  require(cut(text) == VelClFilename(text.c_str()).getAsCString());
   const VelClLocation location(text.c_str(), false);
   require(directory(text) == location.getAsCString() && location.getLength() == directory(text).size());
   VelClLocation normalized(location);
@@ -176,7 +177,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if ((option & 7) != 3 && (option & 7) != 5) requireSplit(file);
     file = expected.c_str();
     requireSplit(file);
-    requireLocation(text.data());
+    requireTextOf(text.data());
     requireExpanded(cut(text.data()), current);
   }
   return 0;

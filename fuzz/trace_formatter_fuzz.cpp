@@ -51,12 +51,12 @@ void formatOrFail(VelClTraceFormatter& formatter, std::size_t inputSize) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const fuzz::InputFile file("TRC");
+  static fuzz::InputFile file("TRC");
   static VelClTraceEnvironment environment("fuzz", nullptr, true);
   fuzz::Bytes input(data, size);
   const unsigned int options = input.number();
   const fuzz::Text format = input.text();
-  file.write(input.rest());
+  file.rewrite(input.rest());
   environment.setFilename(file.name());
   environment.getSettings().setDetailLevel((options & 64) != 0 ? "LOW" : "HIGH");
   VelClTraceFormatter formatter(environment, nullptr);
