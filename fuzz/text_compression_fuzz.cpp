@@ -4,28 +4,13 @@
 #include <string>
 
 #include "fuzz/bytes.h"
+#include "trace/test/reference_compression.h"
 #include "trace/text_compression.h"
 
 namespace {
 
 constexpr std::string_view kAlphabet = " ,&*:_~()<>ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 using Bits = std::vector<bool>;
-
-void put(Bits& bits, std::size_t value, int count) {
-  while (count-- > 0) bits.push_back((value >> count & 1) != 0);
-}
-
-Bits coded(std::string_view text) {
-  Bits bits;
-  for (std::size_t i = 0; i < text.size() && bits.size() <= 254 * 8; ++i) {
-    const std::size_t code = kAlphabet.find(text[i] == '\xFF' ? ' ' : text[i]);
-    put(bits, std::min(code, kAlphabet.size()), 6);
-    if (code == std::string_view::npos) put(bits, static_cast<unsigned char>(text[i]), 8);
-  }
-  while (bits.size() % 8 != 0) bits.push_back(true);
-  bits.resize(std::min<std::size_t>(bits.size(), 255 * 8));
-  return bits;
-}
 
 std::string decoded(const Bits& bits) {
   std::string text;
@@ -50,7 +35,7 @@ std::string decoded(const Bits& bits) {
 
 void requireDecoded(const unsigned char* stored, std::size_t length) {
   Bits bits;
-  for (std::size_t i = 0; i < length; ++i) put(bits, stored[i], 8);
+  for (std::size_t i = 0; i < length * 8; ++i) bits.push_back((stored[i / 8] >> (7 - i % 8) & 1) != 0);
   const std::unique_ptr<char[]> out(new char[length * 8 / 6 + 1 + vel::trace::kSlack]);
   const std::size_t size = vel::trace::decompress(stored, length, out.get());
   fuzz::require(size == std::strlen(out.get()) || std::memchr(out.get(), '\0', size) != nullptr);
@@ -66,9 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       new unsigned char[vel::trace::kLongestCompressed + vel::trace::kSlack]);
   const auto* const text = reinterpret_cast<const char*>(stored.data());
   const std::size_t length = vel::trace::compress(text, size, out.get());
-  Bits bits;
-  for (std::size_t i = 0; i < length; ++i) put(bits, out[i], 8);
-  fuzz::require(bits == coded({text, size}));
+  fuzz::require(std::string(out.get(), out.get() + length) == packed({text, size}));
   requireDecoded(out.get(), length);
   return 0;
 }

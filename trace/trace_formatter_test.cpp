@@ -1,5 +1,5 @@
-// What the formatter makes of records: every type of data, formats, options, and files that are damaged.
-#include <gmock/gmock.h>
+// What the formatter makes of records: every type of data, formats, and options. Files that are damaged are
+// fuzz/trace_formatter_fuzz.cpp's matter.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -20,14 +20,11 @@
 namespace {
 
 using Bytes = std::string;
-using testing::StartsWith;
 
 /// "4D*3" as three bytes 4D, "4D00" as two bytes.
-Bytes bytesOf(const std::string& text) {
+Bytes dataOf(const std::string& text) {
   const std::size_t star = std::min(text.find('*'), text.size());
-  Bytes bytes;
-  for (std::size_t i = 0; i + 1 < star; i += 2)
-    bytes += static_cast<char>(std::stoi(text.substr(i, 2), nullptr, 16));
+  const Bytes bytes = vel::test::bytesOf(text.substr(0, star));
   return star == text.size() ? bytes : Bytes(std::stoul(text.substr(star + 1)), bytes.front());
 }
 
@@ -46,7 +43,7 @@ Bytes recordOf(const std::string& text) {
   for (int i = 0; std::getline(stream, field, '/'); ++i)
     if (!field.empty()) fields[i] = field;
   const int type = std::stoi(fields[0]);
-  const Bytes data = bytesOf(fields[1]);
+  const Bytes data = dataOf(fields[1]);
   const Bytes message = type == 1 || type == 2 ? "" : "m";
   const Bytes head = {static_cast<char>(type | std::stoi(fields[4]) << 6),
                       static_cast<char>(std::stoi(fields[2])), static_cast<char>(message.size()),
@@ -222,58 +219,6 @@ TEST_F(TraceFormatter, TakesItsWordsFromACatalog) {
   // An exit's level keeps the built-in word.
   EXPECT_EQ(format(fileOf("1/01000000 6 5 2/00000000"), "%x%d;"),
             "FEdepth 1;DAnull!;DA (0 octets) cut\n;FXNesting level: 0;");
-}
-
-/// A trace of every data type, in a file whose bytes can be changed.
-class DamagedTrace : public TraceFormatter {
- protected:
-  DamagedTrace() : whole_(vel::test::readFile(VEL_TRACE_SAMPLE)) {
-    formatter_.setDisplayIndentation("  ");
-    formatter_.setShowNestingLevel(true);
-    formatter_.setShowHex(true);
-    formatter_.setShowBinary(true);
-    formatter_.setFormatString("%f%n%m %c %p %s %t %l %X %x%n%d\\n");
-  }
-
-  /// Fails for everything but an end by text or by one of the file's errors.
-  void expectAnEnd(const std::string& where) {
-    std::ostringstream stream;
-    try {
-      formatter_.format(stream);
-    } catch (const VelClException& exception) {
-      EXPECT_THAT(describe(exception), testing::AnyOf(StartsWith("1000702 "), StartsWith("1000703 ")))
-          << where;
-    }
-    EXPECT_LE(formatter_.getNumOfEntries(), whole_.size() / 20) << where;
-    EXPECT_LT(stream.tellp(), 1000000) << where;
-  }
-
-  const Bytes whole_;
-};
-
-TEST_F(DamagedTrace, EndsAtEveryLength) {
-  ASSERT_GT(whole_.size(), 500U);
-  for (std::size_t size = 0; size <= whole_.size(); ++size) {
-    std::ofstream(file_, std::ios::binary | std::ios::trunc)
-        .write(whole_.data(), static_cast<std::streamsize>(size));
-    expectAnEnd("length " + std::to_string(size));
-  }
-}
-
-TEST_F(DamagedTrace, EndsWithEveryByteChanged) {
-  std::ofstream(file_, std::ios::binary) << whole_;
-  std::fstream file(file_, std::ios::binary | std::ios::in | std::ios::out);
-  for (std::size_t place = 0; place < whole_.size(); ++place) {
-    const auto put = [&](char byte) {
-      file.seekp(static_cast<std::streamoff>(place)).put(byte).flush();
-      ASSERT_TRUE(file.good());
-    };
-    for (const int change : {1, 2, 4, 8, 16, 32, 64, 128, 127, 255}) {
-      put(static_cast<char>(whole_[place] ^ change));
-      expectAnEnd("byte " + std::to_string(place) + " changed by " + std::to_string(change));
-    }
-    put(whole_[place]);
-  }
 }
 
 }  // namespace

@@ -1,0 +1,25 @@
+// The code of trace texts, character by character as strings of digits.
+#pragma once
+
+#include <string>
+
+/// A text in at most 255 bytes.
+inline std::string packed(const std::string& text) {
+  static const std::string kAlphabet = " ,&*:_~()<>ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+  const auto binary = [](std::size_t value, int digits) {
+    std::string bits;
+    while (digits-- > 0) bits += (value >> digits & 1) != 0 ? '1' : '0';
+    return bits;
+  };
+  std::string bits;
+  for (const char c : text) {
+    if (bits.size() > 2032) break;
+    const std::size_t code = c == '\xFF' ? 0 : kAlphabet.find(c);
+    bits += code == std::string::npos ? "111111" + binary(static_cast<unsigned char>(c), 8) : binary(code, 6);
+  }
+  while (bits.size() % 8 != 0) bits += '1';
+  std::string bytes;
+  for (std::size_t i = 0; i < bits.size() && bytes.size() < 255; i += 8)
+    bytes += static_cast<char>(std::stoi(bits.substr(i, 8), nullptr, 2));
+  return bytes;
+}
