@@ -1,11 +1,11 @@
-// What the parser makes of lines, and what questions answer.
+// What the parser makes of lines, and what questions answer. Any bytes at all are
+// fuzz/inifile_load_fuzz.cpp's matter.
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <filesystem>
-#include <random>
 #include <string>
-#include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "inifile/test/ini_fixture.h"
@@ -15,70 +15,27 @@
 #include "vel_include/vel.h"
 
 using namespace std::string_literals;
-using namespace std::string_view_literals;
 using vel::test::loadText;
+using vel::test::readTexts;
 using vel::test::shown;
 
 namespace {
 
-std::string parsed(std::string_view text, bool keepDuplicates = true) {
+TEST(IniParser, MakesModelsOfTexts) {
+  const vel::test::Variable set("VEL_TEST_INI", "a;b \"c "), unset("VEL_TEST_NONE", nullptr);
+  const vel::test::Variable big("VEL_TEST_BIG", std::string(5000, 'b').c_str());
+  // Longer than any that the classes for variables hold.
+  const vel::test::Variable longName(std::string(41, 'N').c_str(), "long");
+  for (const auto& row : readTexts(VEL_TEST_DATA "test/models.tsv")) {
+    VelClIniFile file("unused");
+    EXPECT_TRUE(loadText(file, row[0], row[1] == "keep"));
+    EXPECT_EQ(file.getLineCount(), std::stoul(row[2])) << row[0];
+    EXPECT_EQ(shown(file), row.at(3)) << row[0];
+  }
   VelClIniFile file("unused");
-  EXPECT_TRUE(loadText(file, text, keepDuplicates));
-  return shown(file);
-}
-
-TEST(IniParser, ReadsHeadersAndOptions) {
-  struct Row {
-    std::string_view text;
-    const char* model;
-  };
-  const Row rows[] = {
-      {"", ""},
-      {"x=1\n  y\n[broken\n", ""},
-      {" [Main]\n[Main]x=1\nx=1", "[Main]x=1|"},
-      {"[ Main ]\n[]\n[a]b]", "[ Main ][][a]"},
-      {"[A]\nx=1\n[a]\ny=2", "[A]x=1|[a]y=2|"},
-      {"[A]\nmy key\t= 1\n=2\n;c\n  ; c\n\n\"q;=3", "[A]mykey=1|=2|\"q;=3|"},
-      {"[A]\nx=1\r\ny=2 ;c \r\n", "[A]x=1|y=2;c <0d>|"},
-      {"[A]\nx=1\0y=2\ny\0=2\nz=3\0"sv, "[A]x=1|z=3|"},
-  };
-  for (const Row& row : rows) EXPECT_EQ(parsed(row.text), row.model) << row.text;
-  EXPECT_EQ(parsed("[A]\nx=1\n[B]\n[a]\ny=2", false), "[A]x=1|y=2|[B]");
-  const std::string name(80, 'n');
-  EXPECT_EQ(parsed("[" + name + "A]\n[" + name + "B]\nx=1", false), "[" + name + "]x=1|");
-}
-
-TEST(IniParser, ReadsValues) {
-  VelClEnvironmentVariable set("VEL_TEST_INI", "a;b \"c ");
-  VelClEnvironmentVariable unset("VEL_TEST_NONE", nullptr);
-  const std::string longName(VelClEnvironmentVariableABase::kMaxNameLength + 1, 'N');
-  const vel::test::Variable longVariable(longName.c_str(), "long");
-  EXPECT_EQ(parsed("[A]\nx=$(" + longName + ")"), "[A]x=long|");
-  const auto expect = [](const std::string& text, const std::string& value) {
-    EXPECT_EQ(parsed("[A]\nx=" + text), "[A]x=" + value + "|") << text;
-  };
-  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/values.tsv"))
-    expect(vel::test::unescaped(row[0]), vel::test::unescaped(row.at(1)));
-  expect(R"("\x41g\x4142\101\7778")",
-         "AgBA\xFF"
-         "8");
-  expect(R"("\xffffffffff00z")", "\xFFz");
-  expect("\xC3\xA0 \xC2\x85", "\xC3\xA0 \xC2\x85");
-}
-
-TEST(IniParser, JoinsContinuationLines) {
-  struct Row {
-    const char* text;
-    const char* model;
-  };
-  const Row rows[] = {
-      {"list = a\n  b", "list=ab|"},   {"x=a ;c\n b", "x=ab|"},
-      {"x=a\n b ;c", "x=ab;c|"},       {"x=\"a \"\n\n; c\n \" b\"", "x=a  b|"},
-      {"x=a\nno option\n b", "x=ab|"}, {"x=a\n[broken\n b", "x=ab|"},
-      {"x=\"a\\8\"\n b", "x=ab|"},     {"x=a\ny=1\n\tb", "x=a|y=1b|"},
-  };
-  for (const Row& row : rows) EXPECT_EQ(parsed("[A]\n"s + row.text), "[A]"s + row.model) << row.text;
-  EXPECT_EQ(parsed("[A]\nx=a\n[B]\n b"), "[A]x=a|[B]");
+  EXPECT_TRUE(loadText(file, "") && file.getLineCount() == 1);
+  EXPECT_TRUE(file.loadFromBuffer("[A]|x=1|y=2\n ;c", 15, '|', true, true));
+  EXPECT_EQ(shown(file), "[A]x=1|y=2;c|");
 }
 
 struct Report {
@@ -133,44 +90,6 @@ TEST(IniParser, AsksTheHandlerAboutErrors) {
   EXPECT_EQ(shown(shrinking), "[A]");
 }
 
-TEST(IniParser, TakesLinesAsGetlineDoes) {
-  const std::string longest(1021, 'v');
-  struct Row {
-    std::string text;
-    unsigned int lines;
-    std::string model;
-  };
-  const Row rows[] = {
-      {"", 1, ""},
-      {"[A]\nb=1", 2, "[A]b=1|"},
-      {"[A]\nb=1\n", 3, "[A]b=1|"},
-      {"[A]\nx=" + longest + "\ny=2", 3, "[A]x=" + longest + "|y=2|"},
-      {"[A]\nx=" + longest, 2, "[A]x=" + longest + "|"},
-      {"[A]\nx=" + longest + "w\ny=2", 2, "[A]x=" + longest + "|"},
-      {"[A]\nx=" + std::string(2000, 'v') + "\ny=2", 2, "[A]x=" + longest + "|"},
-  };
-  for (const Row& row : rows) {
-    VelClIniFile file("unused");
-    EXPECT_TRUE(loadText(file, row.text));
-    EXPECT_EQ(file.getLineCount(), row.lines) << row.text;
-    EXPECT_EQ(shown(file), row.model);
-  }
-  VelClIniFile file("unused");
-  EXPECT_TRUE(file.loadFromBuffer("[A]|x=1|y=2\n ;c", 15, '|', true, true));
-  EXPECT_EQ(shown(file), "[A]x=1|y=2;c|");
-}
-
-TEST(IniParser, CutsValueAndThenCommentToTheRoom) {
-  // Name, value and their terminators take 1,024 characters, a comment one terminator more.
-  const std::string half(600, 'v');
-  const std::string comment(600, 'c');
-  EXPECT_EQ(parsed("[A]\nx=" + half + "\n " + half + "\n w ;c"), "[A]x=" + std::string(1021, 'v') + "|");
-  EXPECT_EQ(parsed("[A]\nx=" + half + "\n ;c\n \"\" ;" + comment),
-            "[A]x=" + half + ";" + std::string(420, 'c') + "|");
-  VelClEnvironmentVariable big("VEL_TEST_INI", std::string(5000, 'b').c_str());
-  EXPECT_EQ(parsed("[A]\nxy=a$(VEL_TEST_INI)c;d"), "[A]xy=a" + std::string(1019, 'b') + "|");
-}
-
 TEST(IniFile, LoadsTextOfEverySystem) {
   const vel::test::ScratchDirectory directory;
   const std::string longest(1023 - 2, 'v');
@@ -205,102 +124,52 @@ TEST(IniFile, LoadsTextOfEverySystem) {
   }
 }
 
-TEST(IniFile, ConvertsNumbersAlikeOnEverySystem) {
-  struct Row {
-    const char* text;
-    std::int32_t number;
-    std::uint32_t unsignedNumber;
-  };
-  constexpr std::int32_t kMost = 2147483647;
-  const Row rows[] = {
-      {"12abc", 12, 12},
-      {"\" \t+7\"", 7, 7},
-      {"-1", -1, 4294967295},
-      {"- 1", 0, 0},
-      {"x", 0, 0},
-      {"", 0, 0},
-      {"0x10", 0, 0},
-      {"99999999999", kMost, 4294967295},
-      {"-99999999999", -kMost - 1, 4294967295},
-      {"-4294967295", -kMost - 1, 1},
-      {"4294967295", kMost, 4294967295},
-  };
-  for (const Row& row : rows) {
-    VelClIniFile file("unused");
-    loadText(file, "[A]\nx="s + row.text + " ;c");
-    EXPECT_TRUE(file.getSection("a"));
-    int i = 0;
-    long l = 0;
-    unsigned int u = 0;
-    unsigned long ul = 0;
-    const char* text = nullptr;
-    char c = 0;
+bool ask(const VelClIniFile& file, bool& answer) {
+  return file.getOptionBool("X", answer);
+}
+template <typename Answer>
+bool ask(const VelClIniFile& file, Answer& answer) {
+  return file.getOption("X", answer);
+}
+
+/// The answer must be as answers.tsv has it, if it has one.
+template <typename Answer>
+void expectAnswer(const VelClIniFile& file, const std::string& expected) {
+  if (expected == "-") return;
+  Answer answer{0}, again{1};
+  const char* comment = nullptr;
+  EXPECT_TRUE(ask(file, answer) && file.getOption("x", again, comment));
+  EXPECT_STREQ(comment, "c");
+  EXPECT_EQ(answer, again);
+  if constexpr (!std::is_same_v<Answer, bool>) {
     VelClIniFileOptionCursor cursor(file, *file.getExistingSection("a")), nowhere(cursor);
-    EXPECT_TRUE(cursor.setToFirst());
-    const auto ask = [&](auto& value) {
-      auto other = value, third = value;
-      const char* comment = nullptr;
-      EXPECT_TRUE(file.getOption("X", value) && file.getOption("X", other, comment));
-      EXPECT_TRUE(cursor.getValue(third) && !nowhere.getValue(other));
-      EXPECT_TRUE(value == other && value == third);
-      EXPECT_STREQ(comment, "c");
-    };
-    ask(i), ask(l), ask(u), ask(ul), ask(text), ask(c);
-    EXPECT_EQ(i, row.number) << row.text;
-    EXPECT_EQ(l, row.number) << row.text;
-    EXPECT_EQ(u, row.unsignedNumber) << row.text;
-    EXPECT_EQ(ul, row.unsignedNumber) << row.text;
+    EXPECT_TRUE(cursor.setToFirst() && cursor.getValue(again) && !nowhere.getValue(again));
+    EXPECT_EQ(answer, again);
   }
+  constexpr bool isCharacter = std::is_same_v<Answer, char>;
+  EXPECT_EQ(isCharacter ? std::string(1, static_cast<char>(answer)) : std::to_string(answer), expected);
 }
 
-TEST(IniFile, LooksForTruthWithinTheTokens) {
-  VelClIniFile file("unused");
-  for (const char* value : {"on", "Yes", "1", "ok", "true", "", "n", "t", "E", "e|y", "\"|\""}) {
-    loadText(file, "["s + value + "]\nx=" + value);
-    bool isTrue = false;
-    ASSERT_TRUE(file.getSection(value) && file.getOptionBool("x", isTrue));
-    EXPECT_TRUE(isTrue) << value;
-  }
-  for (const char* value : {"off", "2", "0", "no", "false", "ONE", " o k"}) {
-    loadText(file, "["s + value + "]\nx=" + value);
-    bool isTrue = true;
-    const char* comment = nullptr;
-    ASSERT_TRUE(file.getSection(value) && file.getOption("x", isTrue, comment));
-    EXPECT_FALSE(isTrue) << value;
-  }
-}
-
-TEST(IniFile, ReadsCharactersAndNeverPassesTheEnd) {
-  struct Row {
-    const char* text;
-    char character;
-  };
-  const Row rows[] = {{"'A'", 'A'},    {"'\\n'", '\n'}, {"xyz", 'x'},        {"", '\0'},
-                      {"\"'\"", '\0'}, {"\"'b\"", 'b'}, {"\"'\\\\\"", '\0'}, {"\"'\\\\t'\"", '\t'}};
-  for (const Row& row : rows) {
+// Numbers are alike on every system. Truth is looked for within the tokens. No character lies behind the end.
+TEST(IniFile, AnswersByTheValue) {
+  for (const auto& row : readTexts(VEL_TEST_DATA "test/answers.tsv")) {
+    SCOPED_TRACE(row[0]);
     VelClIniFile file("unused");
-    loadText(file, "[A]\nx="s + row.text);
-    file.getSection("A");
-    char c = '?';
-    EXPECT_TRUE(file.getOption("x", c));
-    EXPECT_EQ(c, row.character) << row.text;
+    loadText(file, "[A]\nx="s + row[0] + " ;c");
+    ASSERT_TRUE(file.getSection("a"));
+    expectAnswer<int>(file, row[1]);
+    expectAnswer<long>(file, row[1]);
+    expectAnswer<unsigned int>(file, row[2]);
+    expectAnswer<unsigned long>(file, row[2]);
+    expectAnswer<bool>(file, row[3]);
+    expectAnswer<char>(file, row.at(4));
   }
-  struct Cursor {
-    char (*read)(const char*&);
-    const char* text;
-    char character;
-    std::size_t consumed;
-  };
-  const Cursor cursors[] = {
-      {velIniFileGetEscCharacter, "", '\0', 0},      {velIniFileGetEscCharacter, "x4Gz", '\4', 2},
-      {velIniFileGetEscCharacter, "8", '\0', 0},     {velIniFileGetEscCharacter, "0123x", 'S', 4},
-      {velIniFileGetEscCharacter, "n", '\n', 1},     {velIniFileGetQuotedCharacter, "'", '\0', 1},
-      {velIniFileGetQuotedCharacter, "'a", 'a', 2},  {velIniFileGetQuotedCharacter, "'\\8'", '\0', 3},
-      {velIniFileGetQuotedCharacter, "'\\", '\0', 2}};
-  for (const Cursor& row : cursors) {
-    const char* at = row.text;
-    EXPECT_EQ(row.read(at), row.character) << row.text;
-    EXPECT_EQ(at, row.text + row.consumed) << row.text;
+  for (const auto& row : readTexts(VEL_TEST_DATA "test/escapes.tsv")) {
+    const char* at = row[1].c_str();
+    const char character =
+        row[0] == "quote" ? velIniFileGetQuotedCharacter(at) : velIniFileGetEscCharacter(at);
+    EXPECT_EQ(std::string(1, character), row[2]) << row[1];
+    EXPECT_EQ(at, row[1].c_str() + std::stoul(row.at(3))) << row[1];
   }
 }
 
@@ -348,34 +217,6 @@ TEST(IniFile, AnswersForEveryNameOfLongLists) {
   askForAll(file, kCount);
   for (int i = 0; i < kCount; ++i) ASSERT_TRUE(file.getSection(("s" + std::to_string(i)).c_str()));
   EXPECT_TRUE(file.deleteSection("s7") && !file.getSection("S7") && file.getSection("S8"));
-}
-
-/// Bytes that mean something to the parser, in any order: nothing but a model may come of them.
-TEST(IniParser, SurvivesAnyBytes) {
-  constexpr std::string_view kPieces[] = {"[",  "]",    "\n",   "\n",      "\r\n",    " ",   "=", ";",
-                                          "\"", "'",    "\\",   "\\x",     "\\8",     "$(",  ")", "a",
-                                          "0",  "\0"sv, "\xFF", "$(PATH)", "[A]\nx=", "\n y"};
-  std::mt19937 numbers(4711);
-  for (int round = 0; round < 3000; ++round) {
-    std::string text = "[A]\n";
-    for (auto count = numbers() % 400; count > 0; --count) text += kPieces[numbers() % std::size(kPieces)];
-    // Without a terminator behind them.
-    const std::vector<char> bytes(text.begin(), text.end());
-    VelClIniFile file("unused");
-    EXPECT_TRUE(file.loadFromBuffer(bytes.data(), bytes.size(), '\n', round % 2 == 0, round % 3 == 0));
-    VelClIniFileSectionCursor section(file);
-    for (bool more = section.setToFirst(); more; more = section.setToNext()) {
-      VelClIniFileOptionCursor option(section);
-      for (bool next = option.setToFirst(); next; next = option.setToNext()) {
-        const std::string_view name(option.getOption());
-        const std::string_view value(option.getValue());
-        const std::string_view comment(option.getComment());
-        EXPECT_LE(name.size() + value.size() + (comment.empty() ? 2 : comment.size() + 3), 1024U);
-        char c = 0;
-        option.getValue(c);
-      }
-    }
-  }
 }
 
 }  // namespace
