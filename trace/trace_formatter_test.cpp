@@ -142,34 +142,16 @@ TEST_F(TraceFormatter, OpensFilesOnly) {
   EXPECT_EQ(format(), fault);
 }
 
-TEST_F(TraceFormatter, IndentsByTheLevelBehindTheData) {
-  formatter_.setDisplayIndentation(". ");
-  formatter_.setShowNestingLevel(true);
-  const Bytes file = fileOf("1/01000000 1/02000000 4/41 2/01000000 2/FFFFFFFF 1/00000080");
-  EXPECT_EQ(format(file, "%x%n%d%n"),
-            "FE\nNesting level: 1\n. "
-            "FE\n. Nesting level: 2\n. . "
-            "DA (1 Bytes)\n. . \n. . 00000000: 41 __ __ __ __ __ __ __  __ __ __ __ __ __ __ __ | "
-            "A_______________\n. . "
-            "FX\n. . Nesting level: 1\n. "
-            "FX\n. Nesting level: 4294967295\n"
-            "FE\nNesting level: 2147483648\n");
-  formatter_.setShowNestingLevel(false);
-  EXPECT_EQ(format(fileOf("1/FFFFFF7F"), "%d%n").size(), 1 + 2 * 1024);
-}
-
-TEST_F(TraceFormatter, ShowsTheBytesOfValues) {
-  formatter_.setShowHex(true);
-  formatter_.setShowBinary(true);
-  formatter_.setDisplayIndentation("> ");
-  EXPECT_EQ(format(fileOf("1/01000000 13/4142 6 21/0000000000000080FF3F"), "%d;"),
-            ";0x4241/16961"
-            "\n> HEX: 41 42 __ __ __ __ __ __  __ __ __ __ __ __ __ __ | AB______________"
-            "\n> BIN: 01000001 01000010 ________ ________  ________ ________ ________ ________ | AB______"
-            ";*** Illegal NULL pointer ***;1"
-            "\n> HEX: 00 00 00 00 00 00 00 80  FF 3F __ __ __ __ __ __ | .........?______"
-            "\n> BIN: 00000000 00000000 00000000 00000000  00000000 00000000 00000000 10000000 | ........"
-            "\n> BIN: 11111111 00111111 ________ ________  ________ ________ ________ ________ | .?______;");
+// Indentation is by the level behind the data, and bounded; values show their bytes on request.
+TEST_F(TraceFormatter, FollowsItsSettings) {
+  for (const auto& row : vel::test::readTexts(VEL_TEST_DATA "test/formatted_with_settings.tsv")) {
+    const auto has = [&row](const char* setting) { return row[0].find(setting) != std::string::npos; };
+    formatter_.setDisplayIndentation(has("indent") ? ". " : nullptr);
+    formatter_.setShowNestingLevel(has("nest"));
+    formatter_.setShowHex(has("hex"));
+    formatter_.setShowBinary(has("binary"));
+    EXPECT_EQ(format(fileOf(row[1]), row[2]), row.at(3));
+  }
 }
 
 TEST_F(TraceFormatter, HidesWhatIsNotWanted) {
