@@ -1,11 +1,10 @@
 // The converter classes: their ways, their memory, and the system's own conversion.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 
 #include "codepage/test/outcome.h"
-#include "vel_include/vel_memmgr.h"
+#include "platform/test/watched_memory.h"
 
 namespace {
 
@@ -75,48 +74,33 @@ TEST(Converter, CanTakeAnotherSource) {
   EXPECT_FALSE(converter.isSupported());
 }
 
-bool fails = false;
-long blocks = 0;
-std::size_t lastSize = 0;
-void* watchedMalloc(std::size_t size) {
-  if (fails) return nullptr;
-  ++blocks;
-  lastSize = size;
-  return std::malloc(size);
-}
-void watchedFree(void* block) {
-  --blocks;
-  std::free(block);
-}
-
 TEST(Converter, KeepsItsBufferAndGivesItBack) {
-  VelClMemoryManager::setNewMemoryManager(&watchedMalloc, nullptr, &watchedFree);
+  vel::test::WatchedMemory memory;
   {
     const CodePageConverter converter(ccsid(37), ccsid(850));
     EXPECT_EQ(convert(converter, "\xC1", 1).bytes, "A");
-    EXPECT_EQ(lastSize, 2U + 32769);
+    EXPECT_EQ(memory.lastSize, 2U + 32769);
     // 16385 bytes need 32770 and one more: they still fit, one byte more does not.
-    lastSize = 0;
+    memory.lastSize = 0;
     EXPECT_EQ(convert(converter, std::string(16385, '\xC1'), 20000).bytes.size(), 16385U);
-    EXPECT_EQ(lastSize, 0U);
-    fails = true;
+    EXPECT_EQ(memory.lastSize, 0U);
+    memory.failsFrom = 1;
     EXPECT_THROW(convert(converter, std::string(16386, '\xC1'), 20000), VelClExceptionFatal);
-    fails = false;
-    EXPECT_EQ(blocks, 0);
+    memory.failsFrom = 0;
+    EXPECT_TRUE(memory.live.empty());
     EXPECT_EQ(convert(converter, std::string(16386, '\xC1'), 20000).bytes.size(), 16386U);
-    EXPECT_EQ(lastSize, 32772U + 32769);
-    EXPECT_EQ(blocks, 1);
+    EXPECT_EQ(memory.lastSize, 32772U + 32769);
+    EXPECT_EQ(memory.live.size(), 1U);
   }
-  EXPECT_EQ(blocks, 0);
+  EXPECT_TRUE(memory.live.empty());
   {
     // One byte more than the need makes the buffer grow, whatever the size.
     const CodePageConverter converter(ccsid(65500), ccsid(1208));
     convert(converter, "a", 1);
-    EXPECT_EQ(lastSize, 1U + 32769);
+    EXPECT_EQ(memory.lastSize, 1U + 32769);
     convert(converter, std::string(32770, 'a'), 0);
-    EXPECT_EQ(lastSize, 32770U + 32769);
+    EXPECT_EQ(memory.lastSize, 32770U + 32769);
   }
-  VelClMemoryManager::setNewMemoryManager(&std::malloc, &std::realloc, &std::free);
 }
 
 // The system's own code page is the last way, after tables and ICU.

@@ -3,49 +3,35 @@
 // arrive as the library's exception, take no block with it, and leave the objects from before as they were.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <iostream>
-#include <set>
 #include <sstream>
 
 #include "inifile/test/ini_fixture.h"
 #include "platform/test/scratch_directory.h"
+#include "platform/test/watched_memory.h"
 #include "vel_include/vel.h"
 
 namespace {
 
-std::set<void*> liveBlocks;
-int allocations = 0;   ///< made inside one attempt
-int position = 0;      ///< of the first that fails, 0 for none
-int failurePoint = 0;  ///< the position of all attempts of a scenario
-bool onlyOneFails = true;
+vel::test::WatchedMemory* memory = nullptr;
+int failurePoint = 0;  ///< the number of the allocation that fails in each attempt of a scenario
 bool anyFailed = false;
-
-void* countingMalloc(size_t size) {
-  ++allocations;
-  if (position > 0 && (onlyOneFails ? allocations == position : allocations >= position)) return nullptr;
-  return *liveBlocks.insert(std::malloc(size)).first;
-}
-void countingFree(void* block) {
-  EXPECT_EQ(liveBlocks.erase(block), 1U) << "freed twice, or never allocated";
-  std::free(block);
-}
 
 /// Whether `operation` came to its end. It must do so exactly when no allocation failed.
 template <typename Operation>
 bool attempt(Operation operation) {
   bool completed = false;
-  allocations = 0;
-  position = failurePoint;
+  memory->allocations = 0;
+  memory->failsFrom = failurePoint;
   try {
     operation();
     completed = true;
-    EXPECT_LT(allocations, position) << "a failure was hidden";
+    EXPECT_LT(memory->allocations, failurePoint) << "a failure was hidden";
   } catch (const VelClExceptionFatal& exception) {
     EXPECT_EQ(exception.getId(), static_cast<unsigned long>(MEMMGR_USER_OUT_OF_MEMORY));
     EXPECT_EQ(exception.getClass(), VelEnErrorClass::OUT_OF_MEMORY);
   }
-  position = 0;
+  memory->failsFrom = 0;
   anyFailed = anyFailed || !completed;
   return completed;
 }
@@ -54,13 +40,13 @@ bool attempt(Operation operation) {
 template <typename Scenario>
 void exhaust(const char* name, Scenario scenario, int least = 1) {
   for (const bool once : {true, false}) {
-    onlyOneFails = once;
+    memory->onlyOneFails = once;
     anyFailed = true;
     for (failurePoint = 1; anyFailed && failurePoint < 500; ++failurePoint) {
-      const auto before = liveBlocks;
+      const auto before = memory->live;
       anyFailed = false;
       EXPECT_NO_THROW(scenario()) << name;
-      EXPECT_TRUE(liveBlocks == before) << name << ", allocation " << failurePoint;
+      EXPECT_TRUE(memory->live == before) << name << ", allocation " << failurePoint;
     }
     EXPECT_FALSE(anyFailed) << name << " never ends";
     EXPECT_GE(failurePoint - 2, least) << name;
@@ -70,17 +56,17 @@ void exhaust(const char* name, Scenario scenario, int least = 1) {
 class FailingAllocation : public testing::Test {
  protected:
   void SetUp() override {
-    velSetNewMemoryManager(countingMalloc, nullptr, countingFree);
+    memory = &memory_;
     console_ = std::cout.rdbuf(shown_.rdbuf());
     keyboard_ = std::cin.rdbuf(typed_.rdbuf());
   }
   void TearDown() override {
     std::cout.rdbuf(console_);
     std::cin.rdbuf(keyboard_);
-    velSetNewMemoryManager(std::malloc, nullptr, std::free);
   }
 
  private:
+  vel::test::WatchedMemory memory_;
   std::ostringstream shown_;
   std::istringstream typed_;
   std::streambuf* console_ = nullptr;

@@ -4,25 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <string>
 
+#include "platform/test/watched_memory.h"
 #include "vel_include/vel_error.h"
 
 namespace {
 
-size_t lastSize = 0;
-int freed = 0;
-
-void* countingMalloc(size_t size) {
-  lastSize = size;
-  void* block = std::malloc(size + 1);
-  std::memset(block, 0xAA, size + 1);
-  return block;
-}
-void countingFree(void* block) {
-  ++freed;
-  std::free(block);
+/// Not the runtime's.
+void* ownMalloc(size_t size) {
+  return std::malloc(size);
 }
 
 /// Puts the runtime's functions back at the end of a test.
@@ -49,7 +40,7 @@ std::string failureOf(Call call) {
 
 TEST_F(MemoryManager, StartsWithTheRuntimeAndReturnsToIt) {
   EXPECT_FALSE(VelClMemoryManager::hasUserDefinedMgr());
-  velSetNewMemoryManager(countingMalloc, nullptr, countingFree);
+  velSetNewMemoryManager(ownMalloc, nullptr, std::free);
   EXPECT_TRUE(VelClMemoryManager::hasUserDefinedMgr());
   // The program's own address of malloc must be recognised, whatever thunk it is called through.
   velSetNewMemoryManager(std::malloc, nullptr, std::free);
@@ -58,15 +49,14 @@ TEST_F(MemoryManager, StartsWithTheRuntimeAndReturnsToIt) {
 }
 
 TEST_F(MemoryManager, CallocAsksTheAllocatorForTheProductAndZeroesIt) {
-  velSetNewMemoryManager(countingMalloc, nullptr, countingFree);
+  const vel::test::WatchedMemory memory;
   auto* block = static_cast<unsigned char*>(velCalloc(3, 5));
-  EXPECT_EQ(lastSize, 15U);
+  EXPECT_EQ(memory.lastSize, 15U);
   for (int i = 0; i < 15; ++i) EXPECT_EQ(block[i], 0) << i;
   EXPECT_EQ(block[15], 0xAA);
-  freed = 0;
   velFree(block);
   velFree(nullptr);
-  EXPECT_EQ(freed, 1);
+  EXPECT_TRUE(memory.live.empty());
 }
 
 TEST_F(MemoryManager, ReportsFailuresWithTheirOrigin) {
@@ -78,10 +68,10 @@ TEST_F(MemoryManager, ReportsFailuresWithTheirOrigin) {
       {refusingMalloc, nullptr, [] { velMalloc(0); }, "1001004 202 359"},
       // A product that wraps to 0 counts as a request of 0 bytes.
       {refusingMalloc, nullptr, [] { velCalloc(size_t{1} << 63, 2); }, "1001004 202 359"},
-      {countingMalloc, nullptr, [] { velRealloc(nullptr, 0); }, "1001003 1 267"},
-      {countingMalloc, nullptr, [] { velRealloc(nullptr, 10); }, "1001003 1 267"},
+      {ownMalloc, nullptr, [] { velRealloc(nullptr, 0); }, "1001003 1 267"},
+      {ownMalloc, nullptr, [] { velRealloc(nullptr, 10); }, "1001003 1 267"},
       // The allocator alone tells whose memory ran out.
-      {countingMalloc, refusingRealloc, [] { velRealloc(nullptr, 9); }, "1001001 200 277"},
+      {ownMalloc, refusingRealloc, [] { velRealloc(nullptr, 9); }, "1001001 200 277"},
       {std::malloc, refusingRealloc, [] { velRealloc(nullptr, 9); }, "1001002 200 277"},
       // Size 0 frees the block and returns null in both runtimes.
       {std::malloc, nullptr, [] { velRealloc(velMalloc(4), 0); }, "1001004 202 277"},

@@ -2,46 +2,23 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
 #include <map>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "platform/test/watched_memory.h"
 #include "vel_include/vel_error.h"
 #include "vel_include/vel_memmgr.h"
 
 namespace {
 
-constexpr size_t kShift = 16;
-long liveBlocks = 0;
-int allocationsLeft = -1;  ///< -1: no limit
-
-/// Gives addresses that are aligned for any object, but seldom for more.
-void* limitedMalloc(size_t size) {
-  if (allocationsLeft == 0 || size > (size_t{1} << 40)) return nullptr;
-  if (allocationsLeft > 0) --allocationsLeft;
-  ++liveBlocks;
-  auto* const block = static_cast<char*>(std::malloc(size + kShift));
-  return block + kShift;
-}
-void limitedFree(void* block) {
-  --liveBlocks;
-  std::free(static_cast<char*>(block) - kShift);
-}
-
 class MemoryPool : public testing::Test {
  protected:
-  void SetUp() override {
-    liveBlocks = 0;
-    allocationsLeft = -1;
-    velSetNewMemoryManager(limitedMalloc, nullptr, limitedFree);
-  }
-  void TearDown() override {
-    EXPECT_EQ(liveBlocks, 0);
-    velSetNewMemoryManager(std::malloc, nullptr, std::free);
-  }
+  void TearDown() override { EXPECT_TRUE(memory_.live.empty()); }
+
+  vel::test::WatchedMemory memory_;
 };
 
 using Failure = std::pair<unsigned long, VelEnErrorClass>;
@@ -102,15 +79,15 @@ TEST_F(MemoryPool, ResetKeepsTheBlocksAndClearGivesThemBack) {
     return pieces;
   };
   const std::vector<void*> first = fill();
-  const long blocks = liveBlocks;
+  const auto blocks = memory_.live;
   EXPECT_EQ(pool.getNumOfBlocks(), 5U);
   for (int round = 0; round < 3; ++round) {
     pool.reset();
     EXPECT_EQ(fill(), first) << round;
-    EXPECT_EQ(liveBlocks, blocks);
+    EXPECT_EQ(memory_.live, blocks);
   }
   pool.clear();
-  EXPECT_TRUE(liveBlocks == 0 && pool.getNumOfBlocks() == 0);
+  EXPECT_TRUE(memory_.live.empty() && pool.getNumOfBlocks() == 0);
   EXPECT_NE(pool.allocate(1), nullptr);
 }
 
@@ -134,16 +111,16 @@ TEST_F(MemoryPool, StaysAsItWasWhenItCannotGrow) {
   VelClMemoryPool pool(64);
   char* const first = static_cast<char*>(pool.allocate(16));
   // A block takes two allocations: each of them fails once.
-  for (int left = 0; left < 2; ++left) {
-    allocationsLeft = left;
-    const long before = liveBlocks;
+  for (int number = 1; number <= 2; ++number) {
+    const auto before = memory_.live;
+    memory_.failsFrom = memory_.allocations + number;
     EXPECT_EQ(failureOf([&] { pool.allocate(64); }), kCouldNotGrow);
-    EXPECT_EQ(liveBlocks, before);
+    EXPECT_EQ(memory_.live, before);
     EXPECT_EQ(pool.getNumOfBlocks(), 1U);
   }
   // The current block goes on from where it was.
   EXPECT_EQ(static_cast<char*>(pool.allocate(16)), first + 16);
-  allocationsLeft = -1;
+  memory_.failsFrom = 0;
   EXPECT_NE(pool.allocate(64), nullptr);
   VelClMemoryPool endless(kMost);
   EXPECT_EQ(failureOf([&] { endless.allocate(1); }), kCouldNotGrow);

@@ -1,0 +1,54 @@
+// The library's memory in a test: what is live, what was asked for, and when there is no more.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <set>
+
+#include "vel_include/vel_memmgr.h"
+
+namespace vel::test {
+
+/// The library allocates here until the end of this object, of which there is one at a time.
+class WatchedMemory {
+ public:
+  WatchedMemory() {
+    current_ = this;
+    velSetNewMemoryManager(allocate, nullptr, release);
+  }
+  WatchedMemory(const WatchedMemory&) = delete;
+  WatchedMemory& operator=(const WatchedMemory&) = delete;
+  ~WatchedMemory() { velSetNewMemoryManager(std::malloc, nullptr, std::free); }
+
+  std::set<void*> live;
+  int allocations = 0;        ///< asked for so far
+  std::size_t lastSize = 0;   ///< of the last one
+  int failsFrom = 0;          ///< the number of the first allocation that fails, 0 for none
+  bool onlyOneFails = false;  ///< then those behind it do not
+
+ private:
+  /// Blocks are aligned for any object, but seldom for more, and full of what nobody wrote.
+  static constexpr std::size_t kShift = 16;
+
+  static void* allocate(std::size_t size) { return current_->newBlock(size); }
+  static void release(void* block) {
+    EXPECT_EQ(current_->live.erase(block), 1U) << "freed twice, or never allocated";
+    std::free(static_cast<char*>(block) - kShift);
+  }
+
+  void* newBlock(std::size_t size) {
+    const int number = ++allocations;
+    lastSize = size;
+    const bool fails = failsFrom > 0 && (onlyOneFails ? number == failsFrom : number >= failsFrom);
+    if (fails || size > std::size_t{1} << 40) return nullptr;
+    char* const block = static_cast<char*>(std::malloc(kShift + size + 1));
+    std::memset(block, 0xAA, kShift + size + 1);
+    return *live.insert(block + kShift).first;
+  }
+
+  inline static WatchedMemory* current_ = nullptr;
+};
+
+}  // namespace vel::test
