@@ -2,6 +2,7 @@
 // what a waited child does until then it does in this process's memory: it changes nothing but its own
 // variables. It reports through a pipe that closes by itself when its program begins.
 #include <fcntl.h>
+#include <pthread.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -102,6 +103,19 @@ class ChildAction {
 };
 
 constinit ChildAction childAction;
+
+/// A thread that is cancelled ends after its launch. Within, that would end the process; and in a child that
+/// shares memory, what this thread has on its stack.
+class NoCancellation {
+ public:
+  NoCancellation() noexcept { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before_); }
+  NoCancellation(const NoCancellation&) = delete;
+  NoCancellation& operator=(const NoCancellation&) = delete;
+  ~NoCancellation() { pthread_setcancelstate(before_, nullptr); }
+
+ private:
+  int before_ = PTHREAD_CANCEL_ENABLE;
+};
 
 /// Keeps this process's signal handlers from running in the child.
 class SignalsDuringLaunch {
@@ -260,6 +274,7 @@ pid_t startChild(const Plan& plan, int writeEnd) noexcept {
 
 /// Starts a program and waits for the first child's end.
 int run(const Launch& launch, Style style, Outcome& outcome, int& status) noexcept {
+  const NoCancellation whole;
   PathBuffer program;
   if (!findProgram(launch.arguments[0], {program.data(), program.size()})) return ENOENT;
   ReportPipe pipe;

@@ -1,6 +1,7 @@
 // What children inherit from this process and leave behind in it.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -162,6 +163,21 @@ TEST(PosixLaunching, ExitCodesSurviveWhateverIsDoneAboutChildSignals) {
     EXPECT_EQ(after.sa_handler, row.handler);
   }
   EXPECT_TRUE(hasNoChildren());
+}
+
+TEST(PosixLaunching, CancelledThreadsEndBehindTheirLaunch) {
+  std::vector<int> codes;
+  pthread_t thread{};
+  const auto cancelled = [](void* codesOfThread) -> void* {
+    pthread_cancel(pthread_self());
+    static_cast<std::vector<int>*>(codesOfThread)->push_back(runShell("exit 5"));
+    pthread_testcancel();
+    return nullptr;
+  };
+  ASSERT_EQ(pthread_create(&thread, nullptr, cancelled, &codes), 0);
+  void* result = nullptr;
+  EXPECT_EQ(pthread_join(thread, &result), 0);
+  EXPECT_TRUE(result == PTHREAD_CANCELED && codes == std::vector<int>{5});
 }
 
 TEST(PosixLaunching, DetachedProgramsAreOnTheirOwn) {
