@@ -62,11 +62,14 @@ SystemError openItself(Replacement& replacement) noexcept {
   return error;
 }
 
-/// Copies the access control list, if there is one. False when there is one that cannot be copied.
+/// Copies the access control list. Without one the new file keeps none either, not even the one its directory
+/// gave it. False when that cannot be done.
 bool takeOverList(const Replacement& replacement) noexcept {
   constexpr const char* kList = "system.posix_acl_access";
   char list[4096];
   const ssize_t size = getxattr(replacement.target, kList, list, sizeof list);
+  if (size < 0 && errno == ENODATA)
+    return fremovexattr(replacement.descriptor, kList) == 0 || errno == ENODATA;
   if (size < 0) return errno != ERANGE;
   return fsetxattr(replacement.descriptor, kList, list, static_cast<std::size_t>(size), 0) == 0;
 }

@@ -1,6 +1,7 @@
 // Replaced files as this system shows them: permissions, links, devices, and what a failure leaves.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -61,6 +62,22 @@ TEST(Replacing, KeepsPermissionsAndLinks) {
   fs::create_symlink("nowhere", scratch.path("dangling"));
   EXPECT_EQ(replaceWith(scratch.path("dangling"), "x"), ENOENT);
   EXPECT_TRUE(fs::is_symlink(scratch.path("dangling")));
+}
+
+TEST(Replacing, TakesNoAccessControlListFromTheDirectory) {
+  // As the system stores it: version 2, then per entry its kind, its rights and whose they are.
+  const std::uint32_t list[] = {2, 0x70001, ~0U, 0x70002, 1234, 0x50004, ~0U, 0x70010, ~0U, 0x50020, ~0U};
+  const ScratchDirectory scratch;
+  const std::string file = scratch.write("file", "old");
+  fs::permissions(file, fs::perms(0640));
+  if (setxattr(scratch.path().c_str(), "system.posix_acl_default", list, sizeof list, 0) != 0)
+    GTEST_SKIP() << "no access control lists here";
+  EXPECT_EQ(replaceWith(file, "new"), 0);
+  EXPECT_EQ(getxattr(file.c_str(), "system.posix_acl_access", nullptr, 0), -1);
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms(0640));
+  ASSERT_EQ(setxattr(file.c_str(), "system.posix_acl_access", list, sizeof list, 0), 0);
+  EXPECT_EQ(replaceWith(file, "new"), 0);
+  EXPECT_EQ(getxattr(file.c_str(), "system.posix_acl_access", nullptr, 0), ssize_t{sizeof list});
 }
 
 TEST(Replacing, WritesDevicesThemselves) {
