@@ -5,6 +5,16 @@
 
 namespace vel::inifile {
 
+namespace {
+
+/// Behind the first line break of the text, or at its end.
+const char* endOfLine(Span text) noexcept {
+  const char* const delimiter = text.find('\n');
+  return delimiter != nullptr ? delimiter + 1 : text.end;
+}
+
+}  // namespace
+
 std::span<const ValueLine> takeOptionLines(std::span<const ValueLine>& lines) noexcept {
   std::size_t count = 1;
   while (count < lines.size() && lines[count].continues) ++count;
@@ -29,7 +39,9 @@ void SectionScanner::readToHeader() {
   while (!lines_.isAtEnd()) {
     const char* const begin = lines_.position();
     const Span line = lines_.next();
-    const Span whole{begin, lines_.position()};
+    // Behind a line that is too long nothing is read, but it ends like any other.
+    const char* const end = lines_.isAtEnd() ? endOfLine({begin, lines_.position()}) : lines_.position();
+    const Span whole{begin, end};
     if (kindOf(line) == LineKind::Header && nameInHeader(line).begin != nullptr) {
       nextHeader_ = whole;
       return;
