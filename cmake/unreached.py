@@ -7,6 +7,7 @@ A row of the list has a file, what is missing, where it is, the text of the sour
   lines  the number of lines, of which this is the first
   true   a condition on this line that is never true
   false  a condition on this line that is never false
+With "perhaps" before one of these words chance decides; then the line has to be there, and no more.
 Fails for each place without a row, and for each row without a place. What only an unreached condition keeps
 from running has no place of its own.
 """
@@ -19,6 +20,7 @@ import sys
 
 Place = collections.namedtuple("Place", "file line missing where text")
 Row = collections.namedtuple("Row", "file missing where text reason")
+PERHAPS = "perhaps "
 
 
 def lines_without_count(segments):
@@ -78,7 +80,13 @@ def places(file, root):
 
 
 def key(place_or_row):
-    return place_or_row.file, place_or_row.missing, place_or_row.where, place_or_row.text
+    return place_or_row.file, place_or_row.missing.removeprefix(PERHAPS), place_or_row.where, place_or_row.text
+
+
+def is_idle(row, found_keys, root):
+    if row.missing.startswith(PERHAPS) and (root / row.file).exists():
+        return row.text not in map(str.strip, (root / row.file).read_text(encoding="utf-8").splitlines())
+    return key(row) not in found_keys
 
 
 def read_rows(path):
@@ -97,8 +105,9 @@ def main():
              if is_wanted(file, arguments.root, arguments.rooms)]
     found = sorted({place for file in files for place in places(file, arguments.root)})
     rows = read_rows(arguments.list)
-    unjustified = [place for place in found if key(place) not in set(map(key, rows))]
-    idle = [row for row in rows if key(row) not in set(map(key, found))]
+    justified_keys, found_keys = set(map(key, rows)), set(map(key, found))
+    unjustified = [place for place in found if key(place) not in justified_keys]
+    idle = [row for row in rows if is_idle(row, found_keys, arguments.root)]
     shown = [f"{place.file}:{place.line}\t{place.missing}\t{place.where}\t{place.text}\n" for place in found]
     arguments.out.write_text("".join(shown), encoding="utf-8")
     for place in unjustified:
