@@ -14,6 +14,8 @@
 #include "vel_process.h"
 #include "vel_strict_conversion.h"
 #include "vel_trace.h"
+#include "vel_trace_entry.h"
+#include "vel_trace_formatter.h"
 #include "vel_util.h"
 
 #endif

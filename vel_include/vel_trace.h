@@ -10,6 +10,9 @@
 //
 // Trace calls come from one thread, or from threads that take turns; nothing here locks. Tracing never
 // harms the program: what cannot be saved is lost and counted, and saving leaves errno as it was.
+//
+// What an entry is stands in vel_trace_entry.h, what makes text of a file in vel_trace_formatter.h; this
+// header includes both.
 #ifndef VEL_TRACE_H_
 #define VEL_TRACE_H_
 
@@ -17,61 +20,20 @@
 #include <stdint.h>
 
 #include "vel_export.h"
+#include "vel_trace_entry.h"
 
 #if defined(VEL_HAS_CLASSES)
 #include <iosfwd>
 #include <type_traits>
 
 #include "vel_filesys.h"
+#include "vel_trace_formatter.h"
 #endif
 
 #if defined(__cplusplus)
-
-/// How detailed an entry is. A filter passes entries up to its own level.
-enum class VelEnTraceDetail : int32_t {
-  OFF = 0,  ///< of an entry: passes every filter; of a filter: nothing else does
-  /// From the fewest entries to all of them.
-  LOW = 1,
-  MEDIUM = 2,
-  HIGH = 3
-};
-
-/// What an entry records and, for data, how it is shown.
-enum class VelEnTraceDataType : int32_t {
-  NOTHING = 0,         ///< no type: in a trace file it counts as damage
-  FUNCTION_ENTRY = 1,  ///< with the nesting level, 4 bytes, as data
-  FUNCTION_EXIT = 2,   ///< likewise
-  DATA_NONE = 3,       ///< a message only; its data pointer must not be null, its size must be 0
-  DATA = 4,            ///< any bytes, shown as a dump
-  DATA_CLIPPED = 5,    ///< made from every type whose data is longer than the ring
-  DATA_NULL = 6,       ///< made from every type whose data pointer is null
-  ADDRESS = 7,         ///< the 8 bytes of a pointer
-  C_STRING = 8,        ///< characters without their terminator
-  UTF16_STRING = 9,    ///< shown as a dump
-  BOOLEAN_VALUE = 10,  ///< 1 byte
-  /// Numbers of that many bits, little-endian.
-  SIGNED_8 = 11,
-  UNSIGNED_8 = 12,
-  SIGNED_16 = 13,
-  UNSIGNED_16 = 14,
-  SIGNED_32 = 15,
-  UNSIGNED_32 = 16,
-  SIGNED_64 = 17,
-  UNSIGNED_64 = 18,
-  FLOAT_32 = 19,
-  FLOAT_64 = 20,
-  LONG_DOUBLE = 21  ///< 8, 10, 12 or 16 bytes, the form of long double; of more than 8 the first 10 count
-};
-
 class VelClTraceInstance;
-
 #else
-
-/// C programs hand over the numbers of the C++ enumerations.
-typedef int32_t VelEnTraceDetail;
-typedef int32_t VelEnTraceDataType;
 typedef struct VelClTraceInstance VelClTraceInstance;
-
 #endif
 
 /// Creates the process's trace instance; when there is one, that one is returned and the key is ignored.
@@ -104,12 +66,6 @@ VEL_C_API int velTraceGetLastSystemError(void);
 VEL_C_API void vel_tprintf(const char* file, int line, const char* format, ...);
 
 #if defined(VEL_HAS_CLASSES)
-
-class VelClMessage;
-class VelClMessageCatalog;
-class VelClTraceEntry;
-class VelClTraceEnvironment;
-class VelClTraceFileEntry;
 
 /// Prints "[file:line] ".
 VEL_API void vel_tprint(std::ostream& stream, const char* file, int line);
@@ -448,168 +404,6 @@ class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
   mutable uint32_t compressedTotal_;
   uint64_t lostBytes_;
   int lastSystemError_;
-};
-
-/// One event as the ring and the file hold it, little-endian and without padding:
-///
-///   byte  0     bits 0-4 data type, bit 5 texts are compressed, bits 6-7 detail
-///         1     component id
-///         2, 3  lengths of message and origin as stored
-///         4     time stamp in milliseconds, process id, thread id, length of the data: 4 bytes each
-///         20    message, origin, data
-///
-/// Compressed texts have 6 bits a character, high bits first: its place in
-/// " ,&*:_~()<>A-Za-z", or 63 and its 8 bits; bits of 1 fill the last byte.
-class VEL_API VelClTraceEntry {
- public:
-  /// Builds the record; the data is not copied and must live until the entry is written. See velTraceDump.
-  VelClTraceEntry(const VelClTraceEnvironment& environment, VelEnTraceDetail detail,
-                  unsigned short componentId, VelEnTraceDataType type, const char* origin,
-                  const char* message, const void* data, size_t size);
-  VelClTraceEntry(const VelClTraceEntry&) = delete;
-  VelClTraceEntry& operator=(const VelClTraceEntry&) = delete;
-  virtual ~VelClTraceEntry();
-
-  /// What byte 0 of the record holds.
-  VelEnTraceDataType getType() const { return static_cast<VelEnTraceDataType>(record_[0] & 0x1F); }
-  VelEnTraceDetail getDetail() const { return static_cast<VelEnTraceDetail>(record_[0] >> 6); }
-  bool isCompressed() const { return (record_[0] & 0x20) != 0; }
-  // Clears the mark of compression, too. Keep.
-  /// Keeps the detail and nothing else: set the mark of compression afterwards.
-  void setType(VelEnTraceDataType type);
-  void setDetail(VelEnTraceDetail detail);
-  /// Marks the texts as compressed.
-  void setCompressFlag() { record_[0] |= 0x20; }
-
-  /// The numbers of the record.
-  unsigned short getComponentId() const { return record_[1]; }
-  unsigned long getTimeStamp() const { return numberAt(4); }
-  unsigned int getProcessId() const { return numberAt(8); }
-  unsigned int getThreadId() const { return numberAt(12); }
-  /// In bytes.
-  unsigned int getDumpDataLength() const { return numberAt(16); }
-  /// Null in an entry read from a file.
-  const void* getDumpData() const { return dumpData_; }
-
-  /// The record, and its length without the dump data.
-  const char* getEntryData() const { return reinterpret_cast<const char*>(record_); }
-  size_t getSizeOfEntryData() const { return static_cast<size_t>(entrySize_); }
-  /// The texts as they are stored, without terminator.
-  const char* getCompressedMessage() const { return getEntryData() + kHeadLength; }
-  unsigned int getCompressedMessageLength() const { return record_[2]; }
-  const char* getCompressedOrigin() const { return getCompressedMessage() + record_[2]; }
-  unsigned int getCompressedOriginLength() const { return record_[3]; }
-
- protected:
-  /// In bytes, of the record and of each text as stored.
-  static constexpr size_t kHeadLength = 20;
-  static constexpr size_t kLongestText = 255;
-
-  /// Empty, all bytes 0.
-  explicit VelClTraceEntry(const VelClTraceEnvironment& environment);
-  /// The 4 bytes there.
-  uint32_t numberAt(size_t offset) const {
-    return record_[offset] | static_cast<uint32_t>(record_[offset + 1]) << 8 |
-           static_cast<uint32_t>(record_[offset + 2]) << 16 |
-           static_cast<uint32_t>(record_[offset + 3]) << 24;
-  }
-
-  /// See the record above.
-  const VelClTraceEnvironment* environment_;
-  unsigned char record_[kHeadLength + 2 * kLongestText + 2 + 8];  ///< texts are stored by the word
-  uint64_t entrySize_;
-  const void* dumpData_;
-};
-
-/// An entry read back from a trace file.
-class VEL_API VelClTraceFileEntry : public VelClTraceEntry {
- public:
-  /// The environment counts the compression rate.
-  explicit VelClTraceFileEntry(const VelClTraceEnvironment& environment);
-  ~VelClTraceFileEntry() override;
-
-  /// Reads an entry without its data, which the caller reads or skips. False at the end of the file: the
-  /// record is all 0 when its head was not complete, and has what there was when its texts were not.
-  bool read(std::istream& stream);
-
-  /// The decoded texts, terminated, and their lengths.
-  const char* getOrigin() const { return origin_; }
-  unsigned int getOriginLength() const { return originLength_; }
-  const char* getMessage() const { return message_; }
-  unsigned int getMessageLength() const { return messageLength_; }
-
- private:
-  unsigned int decode(const char* stored, unsigned int length, char* text) const;
-
-  char origin_[512];
-  uint32_t originLength_;
-  char message_[512];
-  uint32_t messageLength_;
-};
-
-/// Makes text of a trace file, one entry after the other, by a format string:
-///
-///   %f origin     %m message     %d data (exactly once)    %x, %X type, short and long
-///   %p process    %t thread      %s time stamp             %l detail    %c component
-///   %n and \n line break with indentation, \t tab, \\ back-slash, %% percent sign
-///
-/// Every format string must have "%d" exactly once: it alone moves behind the data of the entry. "%" or "\"
-/// before any other character is shown as "%" or as that character; at the very end it is ignored.
-/// Of a nesting level 1,024 levels are shown as indentation at most, and none of one above 2147483647.
-/// Faults of the file are thrown as VelClException with severity FATAL and action TERMINATE; what was
-/// formatted before stays written: TRACEFORMAT_COULD_NOT_OPEN with class IO_PERMISSION_DENIED,
-/// TRACEFORMAT_UNEXPECTED_EOF with IO_READ_PROBLEM for data that is cut off, TRACEFORMAT_FILE_CORRUPTED with
-/// INVALID_DATA or DATA_OUT_OF_BOUNDS for data that does not fit its type. Nothing is allocated per entry.
-class VEL_API VelClTraceFormatter {
- public:
-  /// The file's name, and the format string at first, come from `environment`; a null filter means that of
-  /// its settings. Neither is copied.
-  VelClTraceFormatter(const VelClTraceEnvironment& environment, const VelClTraceFilter* filter);
-  VelClTraceFormatter(const VelClTraceFormatter&) = delete;
-  VelClTraceFormatter& operator=(const VelClTraceFormatter&) = delete;
-  ~VelClTraceFormatter();
-
-  /// Texts are not copied; null means the environment's format, and no indentation.
-  void setFormatString(const char* format);
-  /// What stands once for each nesting level at the start of each line.
-  void setDisplayIndentation(const char* indentation) { indentation_ = indentation; }
-  /// Shows the nesting level of function records; off at first.
-  void setShowNestingLevel(bool show) { showNestingLevel_ = show; }
-  /// Shows function records at all; on at first.
-  void setShowFunctionRecords(bool show) { showFunctionRecords_ = show; }
-  /// Shows a function's name also in records that follow one of the same function; on at first.
-  void setShowRepeatedFunctionNames(bool show) { showRepeatedNames_ = show; }
-  /// Shows numbers and booleans also as a line "HEX: ", or as lines "BIN: ", with their bytes; off at first.
-  void setShowHex(bool show) { showHex_ = show; }
-  void setShowBinary(bool show) { showBinary_ = show; }
-  /// Takes the formatter's own words (messages 189 to 192) from a catalog, which must live longer.
-  void attachVelMessageCatalog(VelClMessageCatalog& catalog);
-
-  /// Formats the whole file. Characters that count as printable are those of ASCII, and numbers have no
-  /// locale: the same file gives the same text on every system. Floating-point numbers have the stream's
-  /// precision, up to 8,000, and its general, fixed or scientific form.
-  void format(std::ostream& stream);
-  // Entries that are kept out count, too. Keep.
-  /// The entries that the last format read, whether shown or not.
-  unsigned int getNumOfEntries() const { return entryCount_; }
-
- private:
-  class VEL_LOCAL Run;
-
-  const VelClTraceEnvironment* environment_;
-  const VelClTraceFilter* filter_;
-  VelClMessageCatalog* catalog_;
-  VelClMessage* message_;
-  std::ostream* stream_;
-  uint32_t entryCount_;
-  uint32_t nestingLevel_;
-  const char* format_;
-  const char* indentation_;
-  bool showNestingLevel_;
-  bool showFunctionRecords_;
-  bool showRepeatedNames_;
-  bool showHex_;
-  bool showBinary_;
 };
 
 /// Where entries go. `context` is what was registered with it; the other arguments are those of
