@@ -1,17 +1,12 @@
 // Walking over a directory of 2,000 files with their attributes, and removing a tree, beside the system's
 // bare calls and the standard library.
 #include <benchmark/benchmark.h>
-#include <dirent.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
-#include "bench/peer_time.h"
+#include "bench/posix_peers.h"
 #include "vel_include/vel_filesys.h"
 
 namespace {
@@ -59,17 +54,7 @@ void walk(benchmark::State& state) {
 BENCHMARK(walk)->Name("directory walk/own");
 
 void readDir(benchmark::State& state) {
-  walkOver(state, [](const char* path) {
-    int files = 0;
-    DIR* const directory = opendir(path);
-    while (const dirent* const entry = readdir(directory)) {
-      struct stat status {};
-      fstatat(dirfd(directory), entry->d_name, &status, AT_SYMLINK_NOFOLLOW);
-      files += S_ISREG(status.st_mode) && (status.st_mode & 0222) != 0 ? 1 : 0;
-    }
-    closedir(directory);
-    return files;
-  });
+  walkOver(state, bench::countWritableFiles);
 }
 BENCHMARK(readDir)->Name("directory walk/readdir");
 
@@ -101,22 +86,8 @@ void removeTree(benchmark::State& state) {
 }
 BENCHMARK(removeTree)->Name("tree removal/own")->UseManualTime()->Iterations(5);
 
-void removeEntries(int place, const char* name) {
-  const int descriptor = openat(place, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-  DIR* const directory = fdopendir(descriptor);
-  while (const dirent* const entry = readdir(directory)) {
-    if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0) continue;
-    if (entry->d_type == DT_DIR)
-      removeEntries(descriptor, entry->d_name);
-    else
-      unlinkat(descriptor, entry->d_name, 0);
-  }
-  closedir(directory);
-  unlinkat(place, name, AT_REMOVEDIR);
-}
-
 void bareRemoval(benchmark::State& state) {
-  removeTrees(state, [](const std::string& path) { removeEntries(AT_FDCWD, path.c_str()); });
+  removeTrees(state, [](const std::string& path) { bench::removeTreeByCalls(path.c_str()); });
 }
 BENCHMARK(bareRemoval)->Name("tree removal/bare calls")->UseManualTime()->Iterations(5);
 

@@ -2,25 +2,12 @@
 #pragma once
 
 #include <benchmark/benchmark.h>
-#include <sys/resource.h>
 
 #include <clocale>
-#include <cstdlib>
+
+#include "bench/posix_peers.h"
 
 namespace bench {
-
-/// Processor time in seconds of this process and of the children that it has waited for: unlike the clock's
-/// it does not tell what else the machine was doing.
-inline double processorTime() {
-  double seconds = 0;
-  for (const int who : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
-    rusage usage{};
-    getrusage(who, &usage);
-    for (const timeval& time : {usage.ru_utime, usage.ru_stime})
-      seconds += static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-  }
-  return seconds;
-}
 
 /// Measures a job that children do a part of; the benchmark needs UseManualTime.
 template <typename Work>
@@ -36,13 +23,13 @@ void loopWithChildren(benchmark::State& state, Work work) {
 class UserLocale {
  public:
   explicit UserLocale(const char* name) {
-    setenv("LC_ALL", name, 1);
+    setVariable("LC_ALL", name);
     std::setlocale(LC_ALL, "");
   }
   UserLocale(const UserLocale&) = delete;
   UserLocale& operator=(const UserLocale&) = delete;
   ~UserLocale() {
-    unsetenv("LC_ALL");
+    setVariable("LC_ALL", nullptr);
     std::setlocale(LC_ALL, "C");
   }
 };
