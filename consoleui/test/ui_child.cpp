@@ -76,6 +76,7 @@ void redirectErrors(VelClConsoleUI& ui) {
   ui.fatal(7, "redirected");
 }
 
+/// The display asks the clock, whether a second has passed: nothing else can be waited for.
 void progress(VelClConsoleUI& ui, int delayMs) {
   ui.progressStart(4, "Working");
   for (int step = 0; step < 4; ++step) {

@@ -1,6 +1,5 @@
 // Saves a file until it is ended: all values of one letter, then all of the next. With a second argument it
 // saves once, by the editor if that is "edit", and ends with 0 for success.
-#include <chrono>
 #include <string>
 
 #include "inifile/test/ini_saver.h"
@@ -26,8 +25,8 @@ int main(int argc, char** argv) {
     return editor.load(true) && editor.setValue("A", "o0", value.c_str()) && editor.save() ? 0 : 1;
   }
   VelClIniFileSave file(argv[1]);
-  const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-  for (int round = 0; std::chrono::steady_clock::now() < end; ++round) {
+  // Should nobody end it, it does not go on for ever.
+  for (int round = 0; round < 10'000; ++round) {
     setAll(file, std::string(vel::test::kSavedLength, static_cast<char>('a' + round % 26)));
     const bool isSaved = file.save();
     if (argc > 2) return isSaved ? 0 : 1;

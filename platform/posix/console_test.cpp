@@ -180,6 +180,7 @@ TEST(PromptForKey, TakesOneCharacterOfRedirectedInput) {
   EXPECT_NE(result.output.find("[two]\n"), std::string::npos) << result.output;
 }
 
+// The second is what is promised, so the clock is asked.
 TEST(ProgressDisplay, AppearsOnlyOnATerminalAndOnlyAfterASecond) {
   const auto before = std::chrono::steady_clock::now();
   const vel::test::Variable action("UI_ACTION", "fastProgress");

@@ -47,6 +47,7 @@ ChildResult runChild(const std::string& program, const std::vector<std::string>&
   return result;
 }
 
+// Of a file, a terminal's mode or a window of another process no system tells a test: it has to ask.
 bool waitUntil(const std::function<bool()>& question) {
   for (int passedMs = 0; passedMs < kTimeLimitMs; ++passedMs) {
     if (question()) return true;
