@@ -12,6 +12,7 @@
 #include "codepage/test/mapping_file.h"
 #include "codepage/test/outcome.h"
 #include "platform/test/table.h"
+#include "platform/test/thrown.h"
 
 namespace {
 
@@ -20,22 +21,9 @@ using vel::codepage::IcuFunctions;
 using vel::codepage::IcuStatus;
 using vel::codepage::IcuText;
 using vel::platform::Procedure;
+using vel::test::thrown;
 
 // ---- Statuses --------------------------------------------------------------------------------
-
-/// What `function` throws, as "identifier class severity action cause, origin".
-template <typename Function>
-std::string thrown(Function function) {
-  try {
-    function();
-  } catch (const VelClException& exception) {
-    const auto number = [](auto value) { return std::to_string(static_cast<int>(value)) + ' '; };
-    EXPECT_TRUE(std::string(exception.getOrigin()).ends_with(' ' + std::to_string(exception.getLine())));
-    return number(exception.getId()) + number(exception.getClass()) + number(exception.getSeverity()) +
-           number(exception.getAction()) + exception.getCause() + ", " + exception.getOrigin();
-  }
-  return "-";
-}
 
 TEST(IcuInterface, MapsStatuses) {
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/icu_statuses.tsv")) {

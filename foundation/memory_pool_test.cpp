@@ -5,11 +5,10 @@
 #include <limits>
 #include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "platform/test/thrown.h"
 #include "platform/test/watched_memory.h"
-#include "vel_include/vel_error.h"
 #include "vel_include/vel_memmgr.h"
 
 namespace {
@@ -21,21 +20,11 @@ class MemoryPool : public testing::Test {
   vel::test::WatchedMemory memory_;
 };
 
-using Failure = std::pair<unsigned long, VelEnErrorClass>;
+using vel::test::thrown;
 
-template <typename Call>
-Failure failureOf(Call call) {
-  try {
-    call();
-  } catch (const VelClException& exception) {
-    EXPECT_NE(exception.getOrigin(), nullptr);
-    return {exception.getId(), exception.getClass()};
-  }
-  return {};
-}
-
-const Failure kTooBig{MEMORYPOOL_CHUNK_TOO_BIG, VelEnErrorClass::DATA_OUT_OF_BOUNDS};
-const Failure kCouldNotGrow{MEMORYPOOL_COULD_NOT_GROW, VelEnErrorClass::OUT_OF_MEMORY};
+const std::string kTooBig = "1000802 203 5 5 , VelClMemoryPool::allocate";
+const std::string kCouldNotGrow = "1000801 200 6 6 , VelClMemoryPool::allocate";
+const std::string kInvalid = "1000802 202 5 5 , VelClMemoryPool";
 constexpr size_t kMost = std::numeric_limits<size_t>::max();
 
 TEST_F(MemoryPool, GivesAlignedPiecesThatDoNotOverlap) {
@@ -95,15 +84,14 @@ TEST_F(MemoryPool, RefusesWhatNoBlockHolds) {
   VelClMemoryPool pool(100, 8);
   const auto* const before = static_cast<char*>(pool.allocate(8));
   for (const size_t size : {size_t{105}, kMost - 7, kMost})
-    EXPECT_EQ(failureOf([&] { pool.allocate(size); }), kTooBig) << size;
+    EXPECT_EQ(thrown([&] { pool.allocate(size); }), kTooBig) << size;
   EXPECT_EQ(static_cast<char*>(pool.allocate(96)), before + 8);
   EXPECT_EQ(pool.getNumOfBlocks(), 1U);
-  EXPECT_EQ(failureOf([] { const VelClMemoryPoolBlock odd(64, 0); }).second, VelEnErrorClass::INVALID_DATA);
+  EXPECT_EQ(thrown([] { const VelClMemoryPoolBlock odd(64, 0); }), kInvalid + "Block::VelClMemoryPoolBlock");
   VelClMemoryPool none(0);
-  EXPECT_EQ(failureOf([&] { none.allocate(0); }), kTooBig);
+  EXPECT_EQ(thrown([&] { none.allocate(0); }), kTooBig);
   for (const size_t alignment : {size_t{0}, size_t{3}, size_t{24}, size_t{8192}, kMost})
-    EXPECT_EQ(failureOf([&] { const VelClMemoryPool odd(100, alignment); }).second,
-              VelEnErrorClass::INVALID_DATA)
+    EXPECT_EQ(thrown([&] { const VelClMemoryPool odd(100, alignment); }), kInvalid + "::VelClMemoryPool")
         << alignment;
 }
 
@@ -114,7 +102,7 @@ TEST_F(MemoryPool, StaysAsItWasWhenItCannotGrow) {
   for (int number = 1; number <= 2; ++number) {
     const auto before = memory_.live;
     memory_.failsFrom = memory_.allocations + number;
-    EXPECT_EQ(failureOf([&] { pool.allocate(64); }), kCouldNotGrow);
+    EXPECT_EQ(thrown([&] { pool.allocate(64); }), kCouldNotGrow);
     EXPECT_EQ(memory_.live, before);
     EXPECT_EQ(pool.getNumOfBlocks(), 1U);
   }
@@ -123,7 +111,7 @@ TEST_F(MemoryPool, StaysAsItWasWhenItCannotGrow) {
   memory_.failsFrom = 0;
   EXPECT_NE(pool.allocate(64), nullptr);
   VelClMemoryPool endless(kMost);
-  EXPECT_EQ(failureOf([&] { endless.allocate(1); }), kCouldNotGrow);
+  EXPECT_EQ(thrown([&] { endless.allocate(1); }), kCouldNotGrow);
 }
 
 }  // namespace

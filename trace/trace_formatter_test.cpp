@@ -13,8 +13,8 @@
 #include <string>
 
 #include "platform/test/table.h"
+#include "platform/test/thrown.h"
 #include "trace/test/trace_fixture.h"
-#include "vel_include/vel_error.h"
 #include "vel_include/vel_messages.h"
 
 namespace {
@@ -60,17 +60,6 @@ Bytes fileOf(const std::string& text) {
   return file;
 }
 
-/// What an exception tells, "1000703 202 VelClTraceFormatter::formatData, line 541".
-std::string describe(const VelClException& exception) {
-  EXPECT_EQ(exception.getSeverity(), VelEnErrorSeverity::FATAL);
-  EXPECT_EQ(exception.getAction(), VelEnErrorAction::TERMINATE);
-  EXPECT_STREQ(exception.getCause(), "");
-  const std::string origin = exception.getOrigin();
-  EXPECT_TRUE(origin.ends_with(", line " + std::to_string(exception.getLine())));
-  return std::to_string(exception.getId()) + ' ' + std::to_string(static_cast<int>(exception.getClass())) +
-         ' ' + origin.substr(origin.find("::") + 2);
-}
-
 class TraceFormatter : public vel::test::TraceTest {
  protected:
   TraceFormatter() : environment_(environment()), formatter_(*environment_, nullptr) {
@@ -80,12 +69,8 @@ class TraceFormatter : public vel::test::TraceTest {
   /// The text, and the fault that ended it in brackets.
   std::string format() {
     std::ostringstream text;
-    try {
-      formatter_.format(text);
-    } catch (const VelClException& exception) {
-      text << '[' << describe(exception) << ']';
-    }
-    return text.str();
+    const std::string fault = vel::test::thrown([&] { formatter_.format(text); });
+    return text.str() + (fault == "-" ? "" : '[' + fault + ']');
   }
   std::string format(const Bytes& file, const std::string& formatString) {
     std::ofstream(file_, std::ios::binary | std::ios::trunc) << file;
@@ -136,7 +121,7 @@ TEST_F(TraceFormatter, EndsBeforeARecordWhoseHeadOrTextsAreCutOff) {
 }
 
 TEST_F(TraceFormatter, OpensFilesOnly) {
-  const std::string fault = "[1000701 503 format, line 837]";
+  const std::string fault = "[1000701 503 6 6 , VelClTraceFormatter::format, line 837]";
   EXPECT_EQ(format(), fault);
   environment_->setFilename(directory_.path().c_str());
   EXPECT_EQ(format(), fault);

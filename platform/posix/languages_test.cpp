@@ -36,22 +36,6 @@ TEST(PosixLanguages, FollowTheLocaleVariables) {
   }
 }
 
-TEST(PosixLanguages, TextsAreCutBetweenCharacters) {
-  const std::tuple<const char*, std::u16string, std::size_t, std::string> rows[] = {
-      {"C", u"a\u00E9\u20AC\U0001F600b", 10, "a???b"}, {"C.UTF-8", {u'x', 0xD83D}, 9, "x?"},
-      {"C.UTF-8", {0xDE00, 0xD83D, u'x'}, 9, "??x"},   {"C.UTF-8", u"a\u20ACb", 3, "a"},
-      {"C.UTF-8", u"\U0001F600", 4, "\U0001F600"},     {"C.UTF-8", u"a", 0, ""},
-      {"C.UTF-8", u"a\u20ACb", 5, "a\u20ACb"},         {"C", u"ab", 1, "a"}};
-  for (const auto& [locale, text, capacity, bytes] : rows) {
-    ASSERT_NE(std::setlocale(LC_CTYPE, locale), nullptr);
-    std::string out(16, '#');
-    const std::size_t count = utf16ToAnsi(text.data(), text.size(), out.data(), capacity);
-    EXPECT_EQ(out.substr(0, count), bytes) << bytes;
-    EXPECT_EQ(out[capacity], '#') << bytes;
-  }
-  std::setlocale(LC_CTYPE, "C");
-}
-
 TEST(CodePages, ComeFromTheEnvironment) {
   for (const auto& row : test::readTable(VEL_TEST_DATA "test/posix/locale_code_pages.tsv")) {
     const test::Variable locale("LC_ALL", row[0].c_str());
@@ -61,19 +45,10 @@ TEST(CodePages, ComeFromTheEnvironment) {
 }
 
 TEST(CodePages, TakeTexts) {
-  const std::tuple<std::uint32_t, std::u16string, std::string> rows[] = {
-      {923, u"\u20AC\u00E4a", "\xA4\xE4\x61"},
-      {5348, u"\u20AC", "\x80"},
-      {367, u"a\u00E4\u20ACb", "a??b"},
-      {943, u"\u3042\uFF71", "\x82\xA0\xB1"},
-      {1208, u"\u00E4\xD83D\xDE00", "\xC3\xA4\xF0\x9F\x98\x80"},
-      // A character of two units is one that lacks; half of one, too.
-      {923, u"\xD83D\xDE00x", "?x"},
-      {923, u"\xDE00\xD83D", "?\?"},
-      {4, u"a", ""},
-      {923, u"", ""},
-  };
-  for (const auto& [ccsid, text, expected] : rows) {
+  for (const auto& row : test::readTexts(VEL_TEST_DATA "test/posix/page_texts.tsv")) {
+    const auto ccsid = static_cast<std::uint32_t>(std::stoul(row[0]));
+    const std::u16string text = test::unitsOf(row[1]);
+    const std::string& expected = row.at(2);
     for (std::size_t room = 0; room <= expected.size() + 1; ++room) {
       std::string out(expected.size() + 2, 'Z');
       const std::size_t size = utf16ToCodePage(ccsid, text.data(), text.size(), out.data(), room);

@@ -1,6 +1,7 @@
 #include "platform/test/table.h"
 
 #include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <stdexcept>
 
@@ -54,6 +55,13 @@ std::string bytesOf(const std::string& digits) {
   for (std::size_t i = 0; i + 1 < digits.size(); i += 2)
     bytes += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
   return bytes;
+}
+
+std::u16string unitsOf(const std::string& digits) {
+  const std::string bytes = bytesOf(digits);
+  std::u16string units(bytes.size() / 2, u'\0');
+  std::memcpy(units.data(), bytes.data(), units.size() * 2);
+  return units;
 }
 
 }  // namespace vel::test

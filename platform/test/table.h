@@ -19,4 +19,7 @@ std::vector<std::vector<std::string>> readTexts(const std::string& path);
 /// "4D00" as two bytes.
 std::string bytesOf(const std::string& digits);
 
+/// "4D00" as one unit.
+std::u16string unitsOf(const std::string& digits);
+
 }  // namespace vel::test

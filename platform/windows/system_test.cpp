@@ -54,19 +54,6 @@ TEST(WindowsSystem, TheNullDeviceIsNoTerminal) {
   _close(null);
 }
 
-TEST(WindowsSystem, TextsAreCutBetweenCharacters) {
-  if (ansiIsUtf8()) GTEST_SKIP() << "no single-byte code page";
-  const std::tuple<std::u16string, std::size_t, std::string> rows[] = {
-      {u"a\U0001F600b", 9, "a?b"}, {u"x\uFFFF", 9, "x?"}, {u"ab", 1, "a"},
-      {{0xDE00, u'x'}, 9, "?x"},   {u"ab", 9, "ab"},      {u"ab", 0, ""}};
-  for (const auto& [text, capacity, bytes] : rows) {
-    std::string out(16, '#');
-    const std::size_t count = utf16ToAnsi(text.data(), text.size(), out.data(), capacity);
-    EXPECT_EQ(out.substr(0, count), bytes) << bytes;
-    EXPECT_EQ(out[capacity], '#') << bytes;
-  }
-}
-
 }  // namespace
 
 }  // namespace vel::platform
