@@ -86,6 +86,7 @@ VelClCCSID::VelClCCSID(const char* name) : ccsid_(CCSID_UNKNOWN), row_(nullptr) 
 VelClCCSID::VelClCCSID(const VelClCCSID& other) : ccsid_(other.ccsid_), row_(load(other.row_)) {}
 
 VelClCCSID& VelClCCSID::operator=(const VelClCCSID& other) {
+  if (this == &other) return *this;
   ccsid_ = other.ccsid_;
   store(row_, load(other.row_));
   return *this;

@@ -47,6 +47,7 @@ TEST(Ccsid, IsMadeFromTexts) {
     VelClCCSID assigned(VelClCCSID::CCSID_37);
     EXPECT_TRUE(assigned.isValid());
     assigned = ccsid;
+    assigned = *&assigned;
     expectCcsid(assigned, row);
   }
   expectCcsid(VelClCCSID(static_cast<const char*>(nullptr)), {"", "0", "???", "0"});

@@ -19,6 +19,7 @@ CursorPlace::CursorPlace(const CursorPlace& other)
 }
 
 CursorPlace& CursorPlace::operator=(const CursorPlace& other) {
+  if (this == &other) return *this;
   detach();
   file_ = other.file_;
   section_ = other.section_;

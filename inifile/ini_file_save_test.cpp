@@ -215,6 +215,7 @@ TEST(IniCursors, StandOnlyOnWhatExists) {
   EXPECT_TRUE(file->deleteSection("B"));
   EXPECT_FALSE(option.isValid() || option.setToFirst() || option.setTo("z") || section.isValid());
   copy = other;
+  copy = *&copy;
   EXPECT_TRUE(copy.isValid() && section.setToFirst());
   const VelClIniFileSectionCursor secondSection(section);
   file.reset();
