@@ -61,6 +61,28 @@ SystemError moveIntoPlace(const Replacement& replacement) noexcept {
                                                                                  : errnoOf(GetLastError());
 }
 
+/// The full name of the file that this name leads to; false when the system cannot tell.
+bool findLinked(const char* name, char (&linked)[sizeof Replacement::target]) noexcept {
+  constexpr DWORD kEveryone = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  const HANDLE file = CreateFileA(name, FILE_READ_ATTRIBUTES, kEveryone, nullptr, OPEN_EXISTING,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  const DWORD length = GetFinalPathNameByHandleA(file, linked, sizeof linked, FILE_NAME_NORMALIZED);
+  CloseHandle(file);
+  // Characters that the code page lacks name no file or another one.
+  return length > 0 && length < sizeof linked && GetFileAttributesA(linked) != INVALID_FILE_ATTRIBUTES;
+}
+
+/// So that a link stays. One that leads nowhere stays, too, and what it names is not made.
+SystemError followLink(Replacement& replacement, DWORD attributes) noexcept {
+  char linked[sizeof replacement.target];
+  if (findLinked(replacement.target, linked)) {
+    std::memcpy(replacement.target, linked, std::strlen(linked) + 1);
+    return 0;
+  }
+  return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 ? ENOENT : 0;
+}
+
 /// "nul", "con" and their like, as full names. They cannot be replaced.
 bool isDevice(const char* name) noexcept {
   return std::strncmp(name, "\\\\.\\", 4) == 0;
@@ -72,6 +94,14 @@ SystemError openItself(Replacement& replacement) noexcept {
   return replacement.descriptor >= 0 ? 0 : errno;
 }
 
+SystemError startBesideExisting(Replacement& replacement, DWORD attributes) noexcept {
+  constexpr DWORD kUnwritable = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY;
+  if ((attributes & kUnwritable) != 0) return EACCES;
+  if (const SystemError error = followLink(replacement, attributes); error != 0) return error;
+  // A link has attributes of its own.
+  return (GetFileAttributesA(replacement.target) & kUnwritable) != 0 ? EACCES : openBeside(replacement);
+}
+
 }  // namespace
 
 SystemError startReplacement(const char* name, Replacement& replacement) noexcept {
@@ -81,9 +111,8 @@ SystemError startReplacement(const char* name, Replacement& replacement) noexcep
   if (length >= sizeof replacement.target) return ENAMETOOLONG;
   if (isDevice(replacement.target)) return openItself(replacement);
   const DWORD attributes = GetFileAttributesA(replacement.target);
-  constexpr DWORD kUnwritable = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY;
-  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & kUnwritable) != 0) return EACCES;
-  return openBeside(replacement);
+  return attributes == INVALID_FILE_ATTRIBUTES ? openBeside(replacement)
+                                               : startBesideExisting(replacement, attributes);
 }
 
 SystemError finishReplacement(Replacement& replacement) noexcept {

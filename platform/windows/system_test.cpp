@@ -1,4 +1,4 @@
-// Import thunks, platform identifiers, terminals and code pages; and the public
+// Import thunks, platform identifiers, terminals, code pages and replaced links; and the public
 // headers beside windows.h, which defines some of their names as macros.
 #include <windows.h>
 
@@ -11,9 +11,14 @@
 #include <io.h>
 
 #include <array>
+#include <cerrno>
 #include <cstring>
+#include <string>
 
+#include "platform/byte_files.h"
 #include "platform/platform.h"
+#include "platform/test/child_process.h"
+#include "platform/test/scratch_directory.h"
 
 // Both macros are as they were.
 static_assert(static_cast<int>(VelEnErrorAction::NO_ACTION) == IGNORE && VEL_NO_ERROR == NO_ERROR);
@@ -52,6 +57,35 @@ TEST(WindowsSystem, TheNullDeviceIsNoTerminal) {
   const int null = _open("NUL", _O_WRONLY);
   EXPECT_TRUE(null >= 0 && !isTerminal(null));
   _close(null);
+}
+
+/// Wine makes no links to files, but follows those that its host makes; it cannot wait for that.
+bool makeLink(const char* name, const char* target) {
+  const auto isThere = [name] { return GetFileAttributesA(name) != INVALID_FILE_ATTRIBUTES; };
+  CreateSymbolicLinkA(name, target, SYMBOLIC_LINK_FLAG_ALLOW_UNPRIVILEGED_CREATE);
+  if (isThere()) return true;
+  std::string commandLine = std::string("Z:\\bin\\ln -s ") + target + ' ' + name;
+  std::uint32_t exitCode = 0;
+  const std::uint32_t error = launchAndWait({commandLine.data(), nullptr, false}, exitCode);
+  const bool hasHost = error != ERROR_PATH_NOT_FOUND && error != ERROR_FILE_NOT_FOUND;
+  return hasHost && test::waitUntil(isThere);
+}
+
+TEST(WindowsSystem, ReplacingLeavesLinks) {
+  const test::ScratchDirectory scratch;
+  const test::CurrentDirectory here(scratch.path());
+  const std::string file = scratch.write("deep\\file", "old");
+  if (!makeLink("link", "deep/file")) GTEST_SKIP() << "no links here";
+  Replacement replacement;
+  EXPECT_EQ(startReplacement("link", replacement), 0);
+  EXPECT_TRUE(writeBytes(replacement.descriptor, "new", 3));
+  EXPECT_EQ(finishReplacement(replacement), 0);
+  EXPECT_EQ(test::readFile(file), "new");
+  SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_READONLY);
+  EXPECT_EQ(startReplacement("link", replacement), EACCES);
+  SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_NORMAL);
+  // Without its file it could not be removed under Wine.
+  DeleteFileA("link");
 }
 
 }  // namespace
