@@ -41,13 +41,17 @@ SystemError openBeside(Replacement& replacement) noexcept {
   return EEXIST;
 }
 
-/// The new file gets the old one's attributes and access rights, where there is an old one.
+/// The old file's access rights, before anything is in the new one.
 void takeOverRights(const Replacement& replacement) noexcept {
   constexpr DWORD kRights = DACL_SECURITY_INFORMATION;
   alignas(void*) unsigned char rights[4096];
   DWORD size = 0;
   if (GetFileSecurityA(replacement.target, kRights, rights, sizeof rights, &size) != FALSE)
     SetFileSecurityA(replacement.temporary, kRights, rights);
+}
+
+/// Last, because writing changes them.
+void takeOverAttributes(const Replacement& replacement) noexcept {
   const DWORD attributes = GetFileAttributesA(replacement.target);
   if (attributes != INVALID_FILE_ATTRIBUTES) SetFileAttributesA(replacement.temporary, attributes);
 }
@@ -55,7 +59,7 @@ void takeOverRights(const Replacement& replacement) noexcept {
 /// One step of the file system. ReplaceFile takes several, and a process that ends between them leaves no
 /// file.
 SystemError moveIntoPlace(const Replacement& replacement) noexcept {
-  takeOverRights(replacement);
+  takeOverAttributes(replacement);
   constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
   return MoveFileExA(replacement.temporary, replacement.target, kFlags) != FALSE ? 0
                                                                                  : errnoOf(GetLastError());
@@ -99,7 +103,10 @@ SystemError startBesideExisting(Replacement& replacement, DWORD attributes) noex
   if ((attributes & kUnwritable) != 0) return EACCES;
   if (const SystemError error = followLink(replacement, attributes); error != 0) return error;
   // A link has attributes of its own.
-  return (GetFileAttributesA(replacement.target) & kUnwritable) != 0 ? EACCES : openBeside(replacement);
+  if ((GetFileAttributesA(replacement.target) & kUnwritable) != 0) return EACCES;
+  if (const SystemError error = openBeside(replacement); error != 0) return error;
+  takeOverRights(replacement);
+  return 0;
 }
 
 }  // namespace
