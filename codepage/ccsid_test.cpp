@@ -70,14 +70,8 @@ TEST(Ccsid, KnowsByteOrders) {
     EXPECT_EQ(ccsid.isUCS2LittleEndian(), ccsid.isUCS2() && number != 65500) << number;
     EXPECT_EQ(ccsid.isUCS2HostEndian(), ccsid.isUCS2LittleEndian());
   }
-  const std::pair<const char*, unsigned long> marks[] = {{"\xFE\xFF", 65500},
-                                                         {"\xFF\xFE", 65501},
-                                                         {"\xFE\xFFx", 65500},
-                                                         {"\xFE", 0},
-                                                         {"\xFF\xFF", 0},
-                                                         {"\xFE\xFE", 0},
-                                                         {"", 0}};
-  for (const auto& [mark, number] : marks) EXPECT_EQ(VelClCCSID::getCCSIDForUCS2EndianId(mark), number);
+  for (const auto& row : vel::test::readTexts(VEL_TEST_DATA "test/byte_order_marks.tsv"))
+    EXPECT_EQ(VelClCCSID::getCCSIDForUCS2EndianId(row.at(1).c_str()), std::stoul(row[0]));
   EXPECT_EQ(VelClCCSID::getCCSIDForUCS2EndianId(VelClConverterABase::getUCS2BigEndianId()), 65500U);
   EXPECT_EQ(VelClCCSID::getCCSIDForUCS2EndianId(VelClConverterABase::getUCS2HostEndianId()), 65501U);
 }

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "platform/test/table.h"
 #include "vel_include/vel_process.h"
 
 namespace {
@@ -10,15 +11,9 @@ namespace {
 constexpr const char* kName = "VEL_TEST_VARIABLE";
 
 TEST(EnvironmentVariable, EnabledValues) {
-  const struct {
-    const char* value;
-    bool enabled;
-  } rows[] = {{"1", true},    {"ok", false},   {"", false},    {"11", false},   {"ON", true},
-              {"TRUE", true}, {"on", true},    {"tRuE", true}, {"0", false},    {"ONE", false},
-              {"2", false},   {"yes ", false}, {"O", false},   {" yes", false}, {"Yes", true}};
-  for (const auto& row : rows) {
-    VelClEnvironmentVariable variable(kName, row.value);
-    EXPECT_EQ(variable.hasValueEnabled(), row.enabled) << '"' << row.value << '"';
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/enabled_values.tsv")) {
+    VelClEnvironmentVariable variable(kName, row.at(1).c_str());
+    EXPECT_EQ(variable.hasValueEnabled(), row[0] == "yes") << '"' << row[1] << '"';
   }
 }
 

@@ -127,16 +127,12 @@ TEST(ResourceKey, FindsTheNameBehindAnyType) {
 }
 
 TEST(ResourceKey, MapsForeignCharacters) {
-  const struct {
-    const char* key;
-    const char* instance;
-    const char* name;
-  } rows[] = {{"trc", "VELTRACEINSTANCE0", "SEM32:trc:VELTRACEINSTANCE0"},
-              {"a\\b c:", nullptr, "SEM32:a:bGc6"},
-              {"\xFF", "", "SEM32:8:"},
-              {nullptr, nullptr, "SEM32:"}};
-  for (const auto& row : rows)
-    EXPECT_STREQ(VelClResourceKeySemaphore(row.key, row.instance).getAsCstring(), row.name);
+  const char* const rows[][3] = {{"trc", "VELTRACEINSTANCE0", "SEM32:trc:VELTRACEINSTANCE0"},
+                                 {"a\\b c:", nullptr, "SEM32:a:bGc6"},
+                                 {"\xFF", "", "SEM32:8:"},
+                                 {nullptr, nullptr, "SEM32:"}};
+  for (const auto& [key, instance, name] : rows)
+    EXPECT_STREQ(VelClResourceKeySemaphore(key, instance).getAsCstring(), name);
   const std::string tooLong(300, 'x');
   VelClResourceKeySemaphore copy("other", "one");
   {
