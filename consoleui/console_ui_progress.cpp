@@ -1,5 +1,6 @@
 // The progress display: one line on standard error that is drawn over again.
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
@@ -24,7 +25,7 @@ int32_t percentageOf(uint64_t done, uint64_t total) {
 /// "   1:05 left", always as wide, so that it covers what stood there before.
 void writeRemaining(double seconds) {
   constexpr double kLongest = 99 * 3600.0;
-  const auto whole = static_cast<unsigned long>(std::min(seconds, kLongest) + 0.5);
+  const auto whole = static_cast<unsigned long>(std::lround(std::min(seconds, kLongest)));
   char text[32];
   std::snprintf(text, sizeof text, "%4lu:%02lu left", whole / 60, whole % 60);
   std::cerr << text;

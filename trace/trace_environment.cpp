@@ -39,7 +39,7 @@ class Variables {
 
  private:
   VelClEnvironmentVariableQueryOnly& select(const char* suffix) {
-    std::strcpy(name_ + keyLength_, suffix);
+    std::memcpy(name_ + keyLength_, suffix, std::strlen(suffix) + 1);
     variable_.setNewName(name_);
     return variable_;
   }
@@ -87,7 +87,7 @@ VelClTraceEnvironment::VelClTraceEnvironment(const char* key, const char* instan
   std::memset(buffer.get(), 0, bufferSize_);
   manager_ = vel::create<VelClTraceBufferManager>(*this, buffer.get(), bufferSize_);
   buffer_ = buffer.release();
-  settings.release();
+  static_cast<void>(settings.release());
   // Autosave is on here: no variable switches it off.
   manager_->attachOverflowHandler(&save, this);
   if (!controllerMode_ && settings_->usesAutoclear()) VelClFile(filename_, nullptr).remove();

@@ -167,8 +167,7 @@ class VEL_API VelClTraceSettings {
   /// Switch these on and off.
   void enableCompression(bool enable) { setFlag(COMPRESSION, enable); }
   // The trace file's writer is attached when the environment is built. Keep.
-  /// The environment looks at autosave when it is built and when it is destroyed; in between this changes
-  /// nothing.
+  /// The environment has looked at autosave when it was built: this only changes what usesAutosave tells.
   void enableAutosave(bool enable) { setFlag(AUTOSAVE, enable); }
   /// Switch these on and off.
   void enableAutoclear(bool enable) { setFlag(AUTOCLEAR, enable); }
