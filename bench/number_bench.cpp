@@ -80,7 +80,7 @@ void writeAll(benchmark::State& state, Write write) {
   for ([[maybe_unused]] auto round : state) {
     benchmark::DoNotOptimize(write(numbers[next], text));
     benchmark::ClobberMemory();
-    next = (next + 1) % numbers.size();
+    if (++next == numbers.size()) next = 0;
   }
 }
 
