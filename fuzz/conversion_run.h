@@ -11,7 +11,8 @@ struct Input {
   Input(const std::uint8_t* data, std::size_t size)
       : choice(size > 0 ? data[0] : 0U),
         share(size > 1 ? data[1] : 0U),
-        source(reinterpret_cast<const char*>(data) + 2, size > 2 ? size - 2 : 0) {}
+        source(size > 2 ? std::string_view(reinterpret_cast<const char*>(data) + 2, size - 2)
+                        : std::string_view()) {}
 
   /// From 0 to somewhat more than `need`.
   std::size_t room(std::size_t need) const { return need * share / 240; }
