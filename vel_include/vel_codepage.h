@@ -1,6 +1,6 @@
 // Code pages, named by their coded character set identifiers (CCSIDs), and the conversion of text between
-// them. Where the processor has wide vectors (AVX-512 with VBMI2), conversions use them, with the same results;
-// VEL_KERNELS=portable in the environment, when the first conversion begins, keeps them from it.
+// them. Processors with wide vectors (AVX-512 with VBMI2) use them, with the same results; not with
+// VEL_KERNELS=portable in the environment when the first conversion begins.
 #ifndef VEL_CODEPAGE_H_
 #define VEL_CODEPAGE_H_
 
