@@ -185,6 +185,12 @@ TEST(IniFile, AnswersOnlyFromTheCurrentSection) {
   EXPECT_TRUE(file.getOption("X", value, comment));
   EXPECT_STREQ(value, "1");
   EXPECT_STREQ(comment, "c");
+  VelClIniFileOptionCursor cursor(file, *file.getExistingSection("a"));
+  value = "untouched";
+  EXPECT_FALSE(cursor.getValue(value));
+  EXPECT_STREQ(value, "untouched");
+  EXPECT_TRUE(cursor.setToFirst() && cursor.getValue(value));
+  EXPECT_STREQ(value, "1");
   EXPECT_FALSE(file.getSection("b"));
   EXPECT_FALSE(file.getOption("x", value));
 }
