@@ -273,7 +273,13 @@ TEST_F(FailingAllocation, OfEditedIniFiles) {
         5);
   std::string large;
   for (int i = 0; i < 300; ++i)
-    large += "[s" + std::to_string(i) + "]\nx=" + kLong + kLong + "\n " + kLong + kLong + kLong + "\n";
+    large.append("[s")
+        .append(std::to_string(i))
+        .append("]\nx=")
+        .append(200, 'x')
+        .append("\n ")
+        .append(300, 'x')
+        .append("\n");
   for (int i = 0; i < 40; ++i) large += "o" + std::to_string(i) + "=1\n";
   const auto change = [&large] {
     VelClIniFileSave file("unused");

@@ -115,7 +115,7 @@ TEST(Threads, WorkAtOnceWithObjectsOfTheirOwn) {
   for (const auto& [work, result] : rows) {
     std::string results[kThreads];
     runInThreads([&, run = work](unsigned int i) {
-      for (const char* const round : {"first:", "second:"}) results[i] += round + run(catalogs[i]);
+      for (const char* const round : {"first:", "second:"}) results[i].append(round).append(run(catalogs[i]));
     });
     EXPECT_THAT(results, testing::Each("first:" + result + "second:" + result));
   }
