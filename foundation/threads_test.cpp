@@ -117,7 +117,8 @@ TEST(Threads, WorkAtOnceWithObjectsOfTheirOwn) {
     runInThreads([&, run = work](unsigned int i) {
       for (const char* const round : {"first:", "second:"}) results[i].append(round).append(run(catalogs[i]));
     });
-    EXPECT_THAT(results, testing::Each("first:" + result + "second:" + result));
+    const std::string expected = std::string("first:").append(result).append("second:").append(result);
+    EXPECT_THAT(results, testing::Each(expected));
   }
 }
 
