@@ -76,6 +76,7 @@ void requireSplit(const VelClFilename& file) {
   require(parts.base == out.get() && parts.extension == file.getExtension());
   file.extractServer(out.get());
   require(std::strlen(out.get()) == serverLength(file.getAsCString()));
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): copying is what is tried
   const VelClFilename copy = file;
   require(copy == file && file.matchesPath(copy) && file.matchesBase(copy));
   require(file.matchesExtension(file.getExtension()) && file.matchesWildcardPattern("*"));
@@ -153,7 +154,7 @@ void requireExpanded(const std::string& text, const std::string& current) {
   const std::unique_ptr<char[]> path(new char[kLimit + 1]);
   // What is behind the name must not be taken for a part of it.
   std::memset(path.get(), '\\', kLimit + 1);
-  std::strcpy(path.get(), text.c_str());
+  std::memcpy(path.get(), text.c_str(), text.size() + 1);
   const std::string expected = expanded(text, current);
   require(VelClFileABase::expandRelativePath(path.get()) == !expected.empty());
   require(expected == path.get());

@@ -101,6 +101,7 @@ size_t VelClMessage::buildFailureText(uint32_t id, char* out) const {
       replaceVars(out, VEL_MAX_MESSAGE_LENGTH, catalog_.isValid() ? kNoMessage : kNoCatalog, variables, 1);
   const char* name = catalog_.getAsCString();
   const size_t nameLength = std::min(std::strlen(name), VEL_MAX_MESSAGE_LENGTH - length);
+  // NOLINTNEXTLINE(bugprone-not-null-terminated-result): the length is returned
   std::memcpy(out + length, name, nameLength);
   return length + nameLength;
 }
