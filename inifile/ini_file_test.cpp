@@ -25,7 +25,8 @@ TEST(IniParser, MakesModelsOfTexts) {
   const vel::test::Variable set("VEL_TEST_INI", "a;b \"c "), unset("VEL_TEST_NONE", nullptr);
   const vel::test::Variable big("VEL_TEST_BIG", std::string(5000, 'b').c_str());
   // Longer than any that the classes for variables hold.
-  const vel::test::Variable longName(std::string(41, 'N').c_str(), "long");
+  const std::string longName(41, 'N');
+  const vel::test::Variable named(longName.c_str(), "long");
   for (const auto& row : readTexts(VEL_TEST_DATA "test/models.tsv")) {
     VelClIniFile file("unused");
     EXPECT_TRUE(loadText(file, row[0], row[1] == "keep"));
