@@ -50,8 +50,5 @@ if(VEL_BUILD_TESTS AND NOT VEL_SANITIZE)
   add_test(NAME installed_package
            COMMAND ${PROJECT_SOURCE_DIR}/cmake/check_install.sh ${CMAKE_BINARY_DIR} ${PROJECT_SOURCE_DIR}/examples
                    ${CMAKE_CXX_COMPILER} "${CMAKE_CROSSCOMPILING_EMULATOR}" ${CMAKE_COMMAND} ${toolchain})
-  set_tests_properties(installed_package PROPERTIES TIMEOUT 300)
-  if(CMAKE_CROSSCOMPILING)
-    set_tests_properties(installed_package PROPERTIES FIXTURES_REQUIRED wine)
-  endif()
+  vel_limit_test(installed_package)
 endif()

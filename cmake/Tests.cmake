@@ -16,6 +16,15 @@ if(CMAKE_CROSSCOMPILING)
   set_tests_properties(wine_server PROPERTIES FIXTURES_SETUP wine)
 endif()
 
+# vel_limit_test(NAME): what all of the tests need. A test that hangs ends at some time, at one that no busy machine
+# reaches.
+function(vel_limit_test name)
+  set_tests_properties(${name} PROPERTIES TIMEOUT 1500)
+  if(CMAKE_CROSSCOMPILING)
+    set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED wine)
+  endif()
+endfunction()
+
 # vel_add_test_program(NAME SOURCES <files>...): a program that tests start as a child.
 function(vel_add_test_program name)
   cmake_parse_arguments(ARG "" "" "SOURCES" ${ARGN})
@@ -36,11 +45,8 @@ function(vel_add_tests name)
   target_compile_definitions(${name} PRIVATE VEL_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/")
   target_link_libraries(${name} PRIVATE qamc5032 test_support gmock_main ${ARG_LIBRARIES})
   add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
-  set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+  vel_limit_test(${name})
   if(ARG_DEPENDS)
     add_dependencies(${name} ${ARG_DEPENDS})
-  endif()
-  if(CMAKE_CROSSCOMPILING)
-    set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED wine)
   endif()
 endfunction()

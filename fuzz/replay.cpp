@@ -1,7 +1,6 @@
-// Runs a fuzz target in place of the fuzzer, always on the same inputs: on the files of a folder, on every
-// beginning of each, on each with every byte changed, and on mixtures of their pieces. Its arguments are the
-// folder, how many mixtures, and, for slow targets, which share of the damaged files is enough: "8" for an
-// eighth.
+// Runs a fuzz target in place of the fuzzer, always on the same inputs: on the files of a folder, on
+// beginnings of each, on each with single bytes changed, and on mixtures of their pieces. Its arguments are
+// the folder and how much work to do, in millions of bytes: the same on every machine, however busy it is.
 #include <csignal>
 #include <cstdio>
 #include <random>
@@ -19,23 +18,40 @@ extern "C" void showInput(int) {
   std::fputs(" is an input that fails\n", stderr);
 }
 
-void run(const std::string& bytes) {
+/// What an input costs in bytes: a run without any also takes its time.
+constexpr std::int64_t costOf(std::size_t size) {
+  return static_cast<std::int64_t>(size) + 200;
+}
+
+/// Returns the cost.
+std::int64_t run(const std::string& bytes) {
   input.assign(bytes.begin(), bytes.end());
   input.shrink_to_fit();
   LLVMFuzzerTestOneInput(input.data(), input.size());
+  return costOf(bytes.size());
 }
 
-void runDamaged(std::string seed, int share) {
-  run(seed);
-  int count = 0;
-  const auto runShare = [&](const std::string& damaged) {
-    if (++count % share == 0) run(damaged);
-  };
-  for (std::size_t size = 0; size < seed.size(); ++size) runShare(seed.substr(0, size));
+constexpr int kChanges[] = {1, 2, 4, 8, 16, 32, 64, 128, 127, 255};
+
+/// Of how many damaged files one is enough for this work. An odd number that 5 does not divide chooses other
+/// changes at each byte.
+std::size_t shareFor(std::size_t size, std::int64_t work) {
+  const auto length = static_cast<std::int64_t>(size);
+  const std::int64_t all = length * (costOf(size / 2) + std::ssize(kChanges) * costOf(size));
+  auto share = static_cast<std::size_t>(all / std::max<std::int64_t>(work, 1)) + 1;
+  while (share > 1 && (share % 2 == 0 || share % 5 == 0)) ++share;
+  return share;
+}
+
+void runDamaged(std::string seed, std::size_t share) {
+  std::size_t count = 0;
+  for (std::size_t size = 0; size < seed.size(); ++size)
+    if (++count % share == 0) run(seed.substr(0, size));
   for (char& byte : seed)
-    for (const int change : {1, 2, 4, 8, 16, 32, 64, 128, 127, 255}) {
+    for (const int change : kChanges) {
+      if (++count % share != 0) continue;
       byte = static_cast<char>(byte ^ change);
-      runShare(seed);
+      run(seed);
       byte = static_cast<char>(byte ^ change);
     }
 }
@@ -59,15 +75,20 @@ std::string mixture(const std::vector<std::string>& seeds, std::mt19937& random)
 
 int main(int argc, char** argv) {
   if (argc < 3) return 1;
+  const std::int64_t work = std::stoll(argv[2]) * 1'000'000;
   std::signal(SIGABRT, showInput);
   std::vector<std::string> seeds;
   for (const auto& entry : std::filesystem::directory_iterator(argv[1]))
     seeds.push_back(vel::test::readFile(entry.path().string()));
   // Folders are listed in any order.
   std::ranges::sort(seeds);
-  for (const std::string& seed : seeds) runDamaged(seed, argc > 3 ? std::stoi(argv[3]) : 1);
+  const std::int64_t workPerSeed = work / 2 / std::max<std::int64_t>(std::ssize(seeds), 1);
+  for (const std::string& seed : seeds) {
+    run(seed);
+    runDamaged(seed, shareFor(seed.size(), workPerSeed));
+  }
   std::mt19937 random(4711);
-  for (int left = std::stoi(argv[2]); left > 0; --left) run(mixture(seeds, random));
+  for (std::int64_t left = seeds.empty() ? 0 : work / 2; left > 0;) left -= run(mixture(seeds, random));
   std::printf("%zu files\n", seeds.size());
   return seeds.empty() ? 1 : 0;
 }

@@ -66,12 +66,13 @@ TEST(PosixClocks, SignalsDoNotShortenSleep) {
   std::int64_t start = 0, end = 0;
   ASSERT_TRUE(performanceCounter(start));
   ualarm(3000, 3000);
-  sleepMilliseconds(60);
+  std::int64_t sleeps = 0;
+  // Signals that arrive while the machine does something else become one.
+  for (; signalCount < 2 || sleeps == 0; ++sleeps) sleepMilliseconds(60);
   ualarm(0, 0);
   ASSERT_TRUE(performanceCounter(end));
   signal(SIGALRM, SIG_DFL);
-  EXPECT_GT(signalCount, 1);
-  EXPECT_GE(end - start, performanceFrequency() * 60 / 1000);
+  EXPECT_GE(end - start, sleeps * performanceFrequency() * 60 / 1000);
 }
 
 }  // namespace

@@ -184,7 +184,7 @@ TEST(PosixLaunching, DetachedProgramsAreOnTheirOwn) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
   std::uint32_t id = 0;
-  ASSERT_EQ(launch(launchDetached, {"/bin/sleep", "60"}, id), 0);
+  ASSERT_EQ(launch(launchDetached, {"/bin/sleep", "1200"}, id), 0);
   const auto process = static_cast<pid_t>(id);
   EXPECT_TRUE(hasNoChildren());
   EXPECT_TRUE(getsid(process) != getsid(0) && getpgid(process) != getpgid(0));

@@ -11,7 +11,7 @@ int main(int argumentCount, char** arguments) {
   for (int at = 1; at < argumentCount; ++at) std::fprintf(file, "[%s]\n", arguments[at]);
   std::fputs("end", file);
   std::fclose(file);
-  // Somebody ends it before.
-  if (std::strcmp(arguments[1], "wait") == 0) std::this_thread::sleep_for(std::chrono::seconds(60));
+  // Somebody ends it before. It lives longer than kTimeLimitMs, so that a test notices when nobody does.
+  if (std::strcmp(arguments[1], "wait") == 0) std::this_thread::sleep_for(std::chrono::seconds(1200));
   return std::atoi(arguments[1]);  // NOLINT(cert-err34-c): texts are 0
 }
