@@ -39,8 +39,9 @@ bool VelClArgvCheckCursor::reqArg() const {
 }
 
 bool VelClArgvCheckCursor::hasArg() const {
+  if (!isSwitch()) return false;
   const char* next = argumentAt(getIndex() + 1);
-  return isSwitch() && next != nullptr && !VelClUsageCursor::isSwitchIndicator(next);
+  return next != nullptr && !VelClUsageCursor::isSwitchIndicator(next);
 }
 
 bool VelClArgvCheckCursor::isBound() const {

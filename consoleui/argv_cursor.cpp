@@ -1,7 +1,14 @@
 // Walks the arguments of a command line.
 #include <cstring>
+#include <limits>
 
 #include "vel_include/vel_consoleui.h"
+
+namespace {
+
+using Limits = std::numeric_limits<int32_t>;
+
+}  // namespace
 
 VelClArgvCursor::VelClArgvCursor(int argc, const char* const* argv)
     : count_(argv != nullptr ? argc : 0), index_(1), arguments_(argv) {}
@@ -20,17 +27,18 @@ bool VelClArgvCursor::setToFirst() {
 }
 
 bool VelClArgvCursor::setToLast() {
-  index_ = count_ - 1;
-  return isValid();
+  index_ = count_;
+  return VelClArgvCursor::setToPrevious();
 }
 
+// Intentional: the index moves on beyond both ends, so that as many steps lead back. Only overflow stops it.
 bool VelClArgvCursor::setToNext() {
-  if (index_ < count_) ++index_;
+  if (index_ < Limits::max()) ++index_;
   return isValid();
 }
 
 bool VelClArgvCursor::setToPrevious() {
-  if (index_ > 0) --index_;
+  if (index_ > Limits::min()) --index_;
   return isValid();
 }
 

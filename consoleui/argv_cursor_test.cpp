@@ -57,8 +57,8 @@ TEST(ArgvCursor, AnswersOutsideOfTheLine) {
   const CommandLine line("-a b"), none("");
   VelClArgvCheckCursor behind(line.count(), line.arguments(), "(-a <b>) <c>"), before(behind);
   for (int i = 0; i < 5; ++i) {
-    behind.setToNext();
-    before.setToPrevious();
+    EXPECT_EQ(behind.setToNext(), i == 0);
+    EXPECT_FALSE(before.setToPrevious());
   }
   const VelClArgvCheckCursor empty(none.count(), none.arguments(), "<a>");
   const VelClArgvCheckCursor nothing(0, nullptr, nullptr), negative(-1, none.arguments(), nullptr);
@@ -70,7 +70,44 @@ TEST(ArgvCursor, AnswersOutsideOfTheLine) {
                  cursor.isLegal() || cursor.reqArg() || cursor.hasArg() || cursor.isBound() ||
                  cursor.isFree() || cursor.isTagged());
   }
-  EXPECT_TRUE(behind.setToPrevious() && before.setToNext());
+}
+
+/// The validity after each step: n to the next, p to the previous, l to the last, f to the first.
+std::string validityAfter(VelClArgvCursor& cursor, const std::string& steps) {
+  std::string validity;
+  for (const char step : steps) {
+    const bool valid = step == 'n'   ? cursor.setToNext()
+                       : step == 'p' ? cursor.setToPrevious()
+                       : step == 'l' ? cursor.setToLast()
+                                     : cursor.setToFirst();
+    EXPECT_EQ(valid, cursor.isValid()) << steps;
+    validity += valid ? '+' : '-';
+  }
+  return validity;
+}
+
+TEST(ArgvCursor, CountsStepsBeyondTheEnds) {
+  struct Row {
+    const char *line, *steps, *all, *free;
+  };
+  const Row rows[] = {
+      {"x", "ppnn", "---+", "---+"},
+      {"x", "nnpp", "---+", "---+"},
+      {"x y", "fnnnpppnl", "++---++++", "++---++++"},
+      {"x y", "ppppnnnnn", "-------++", "-------++"},
+      {"", "ppnnlf", "------", "------"},
+      {"-s x", "fnnpppn", "++-++-+", "+---+-+"},
+      {"-s x -s", "lnnpp", "+---+", "+---+"},
+  };
+  for (const Row& row : rows) {
+    const CommandLine line(row.line);
+    VelClArgvCursor plain(line.count(), line.arguments());
+    VelClArgvCheckCursor checking(line.count(), line.arguments(), "[-s] <a>");
+    VelClArgvFreeCursor free(line.count(), line.arguments(), "[-s] <a>");
+    EXPECT_EQ(validityAfter(plain, row.steps), row.all) << row.line;
+    EXPECT_EQ(validityAfter(checking, row.steps), row.all) << row.line;
+    EXPECT_EQ(validityAfter(free, row.steps), row.free) << row.line;
+  }
 }
 
 TEST(ArgvCursor, FindsSwitchesByTheirWholeName) {
