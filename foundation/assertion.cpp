@@ -11,24 +11,19 @@
 
 namespace {
 
-/// Collects the report in a fixed buffer; each text of the caller's is cut where it would crowd out
-/// the others.
+/// The texts that make up the report, which are the caller's: copying all of them would take memory.
 class Report {
  public:
   Report& operator<<(const char* text) noexcept {
-    const std::size_t room = sizeof(text_) - 1 - length_;
-    const std::size_t length = std::min({std::strlen(text), kLongestText, room});
-    std::memcpy(text_ + length_, text, length);
-    length_ += length;
-    text_[length_] = '\0';
+    pieces_[count_++] = text;
     return *this;
   }
-  const char* text() const noexcept { return text_; }
+  const char* const* pieces() const noexcept { return pieces_; }
+  std::size_t count() const noexcept { return count_; }
 
  private:
-  static constexpr std::size_t kLongestText = 2000;
-  char text_[8 * 1024 + 512] = "";
-  std::size_t length_ = 0;
+  const char* pieces_[16];  ///< as many as `build` adds at most
+  std::size_t count_ = 0;
 };
 
 struct Decimal {
@@ -40,8 +35,9 @@ const char* orEmpty(const char* text) noexcept {
   return text != nullptr ? text : "";
 }
 
-void build(Report& report, const char* expression, const char* module, unsigned int line,
-           const char* function, const char* message) noexcept {
+/// The numbers must live as long as the report.
+void build(Report& report, const char* expression, const char* module, const Decimal& line,
+           const Decimal& process, const char* function, const char* message) noexcept {
   // "OCCURED" is the report's established spelling. Keep.
   report << "\n*** INTERNAL ERROR OCCURED ***\n";
   if (message != nullptr) {
@@ -49,11 +45,42 @@ void build(Report& report, const char* expression, const char* module, unsigned 
     // Only together with a message. Keep.
     if (function != nullptr) report << "***         FUNCTION: " << function << "\n";
   }
-  const auto process = static_cast<std::int32_t>(vel::platform::currentProcessId());
   report << "*** ASSERTION FAILED: " << orEmpty(expression);
-  report << "\n***             LINE: " << Decimal(line).text;
+  report << "\n***             LINE: " << line.text;
   report << "\n***           MODULE: " << orEmpty(module);
-  report << "\n***       PROCESS ID: " << Decimal(process).text << "\n\n";
+  report << "\n***       PROCESS ID: " << process.text << "\n\n";
+}
+
+/// Writes to standard error: short reports at once, so that other threads' output does not come between.
+class ErrorOutput {
+ public:
+  ~ErrorOutput() { flush(); }
+  void append(const char* text) noexcept {
+    for (std::size_t left = std::strlen(text); left > 0;) {
+      if (used_ == sizeof buffer_) flush();
+      const std::size_t size = std::min(left, sizeof buffer_ - used_);
+      std::memcpy(buffer_ + used_, text, size);
+      used_ += size;
+      text += size;
+      left -= size;
+    }
+  }
+
+ private:
+  void flush() noexcept {
+    std::fwrite(buffer_, 1, used_, stderr);
+    std::fflush(stderr);
+    used_ = 0;
+  }
+
+  char buffer_[4096];
+  std::size_t used_ = 0;
+};
+
+void write(const Report& report) noexcept {
+  ErrorOutput output;
+  for (std::size_t i = 0; i < report.count(); ++i) output.append(report.pieces()[i]);
+  output.append("\n");
 }
 
 /// Only the process's first assertion asks the environment; every later one shows the window. Keep.
@@ -68,13 +95,14 @@ bool mayShowWindow() noexcept {
 
 void vel__assert_msg(const char* expression, const char* module, unsigned int line, const char* function,
                      const char* message) {
+  const Decimal lineText(line);
+  const Decimal process(static_cast<std::int32_t>(vel::platform::currentProcessId()));
   Report report;
-  build(report, expression, module, line, function, message);
-  std::fputs(report.text(), stderr);
-  std::fputc('\n', stderr);
-  std::fflush(stderr);
+  build(report, expression, module, lineText, process, function, message);
+  write(report);
   if (mayShowWindow())
-    vel::platform::showStopMessage("Internal error occured: Assertion failed!", report.text());
+    vel::platform::showStopMessage("Internal error occured: Assertion failed!", report.pieces(),
+                                   report.count());
   std::abort();
 }
 

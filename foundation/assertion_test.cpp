@@ -21,4 +21,16 @@ TEST(Assertion, ReportsAndEndsAbnormally) {
   }
 }
 
+TEST(Assertion, ReportsTextsOfAnyLengthInFull) {
+  const auto result =
+      vel::test::runChild("assertion_child", {"long"}, {.environment = {{"VEL_NO_ASSERT_POPUP", "1"}}});
+  const auto run = [](char c, std::size_t count) { return std::string(count, c); };
+  const std::string expected =
+      "\n*** INTERNAL ERROR OCCURED ***\n*** " + run('t', 100'000) +
+      " ***\n***         FUNCTION: " + run('f', 2001) + "\n*** ASSERTION FAILED: " + run('e', 30'000) +
+      "\n***             LINE: 5\n***           MODULE: " + run('m', 3000) + "\n***       PROCESS ID: ";
+  EXPECT_TRUE(result.errors.starts_with(expected)) << result.errors.size() << " characters";
+  EXPECT_TRUE(result.errors.ends_with("\n\n\n"));
+}
+
 }  // namespace

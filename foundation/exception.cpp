@@ -12,7 +12,7 @@ VelClExceptionABase::VelClExceptionABase(const VelClExceptionABase& other) noexc
 VelClExceptionABase& VelClExceptionABase::operator=(const VelClExceptionABase& other) noexcept = default;
 VelClExceptionABase::~VelClExceptionABase() = default;
 
-const char* VelClExceptionABase::getCause() const noexcept {
+const char* VelClExceptionABase::getCause() const {
   return cause_;
 }
 
@@ -36,10 +36,10 @@ VelClException::VelClException(const VelClException& other) noexcept = default;
 VelClException& VelClException::operator=(const VelClException& other) noexcept = default;
 VelClException::~VelClException() = default;
 
-bool VelClException::isVelException() const noexcept {
+bool VelClException::isVelException() const {
   return true;
 }
-const char* VelClException::getCause() const noexcept {
+const char* VelClException::getCause() const {
   return VelClExceptionABase::getCause();
 }
 
@@ -50,9 +50,9 @@ VelClExceptionFatal::VelClExceptionFatal(unsigned long id, VelEnErrorClass error
 VelClExceptionFatal::VelClExceptionFatal(const VelClExceptionFatal& other) noexcept = default;
 VelClExceptionFatal::~VelClExceptionFatal() = default;
 
-bool VelClExceptionFatal::isVelException() const noexcept {
+bool VelClExceptionFatal::isVelException() const {
   return true;
 }
-const char* VelClExceptionFatal::getCause() const noexcept {
+const char* VelClExceptionFatal::getCause() const {
   return VelClException::getCause();
 }

@@ -225,8 +225,10 @@ void sleepMilliseconds(std::uint32_t milliseconds) noexcept;
 int windowsPlatformId() noexcept;
 /// The function itself behind an import thunk; everything else unchanged.
 const void* resolveImportThunk(const void* function) noexcept;
-/// Shows a stop message with an OK button and waits for it, where the system has message boxes.
-void showStopMessage(const char* title, const char* text) noexcept;
+/// Shows a stop message with an OK button and waits for it, where the system has message boxes. The text is
+/// given in pieces; joining them takes no memory from the process's heap. What the system has no memory for
+/// is cut.
+void showStopMessage(const char* title, const char* const* pieces, std::size_t count) noexcept;
 
 // ---- Message catalogs (catalogs.cpp) ---------------------------------------------------------
 

@@ -187,8 +187,9 @@ VEL_C_API const char* velWinGetErrorAsString(unsigned long code);
 
 /// Report a failed assertion on standard error, show the report in a message box where
 /// the system has one, and end the process abnormally. They never return.
-/// `module` is the source file, `line` its line. Of each text 2000 characters are shown at most. `function`
-/// is printed only together with `message`; both may be null. If the environment variable VEL_NO_ASSERT_POPUP
+/// `module` is the source file, `line` its line. Texts of any length are shown in full; standard error gets
+/// them without any allocation, for the memory may be what has failed. `function` is printed only together
+/// with `message`; both may be null. If the environment variable VEL_NO_ASSERT_POPUP
 /// is ON, YES, TRUE or 1 (in any letter case) at the first assertion of the process, that assertion shows no
 /// message box. A second assertion, raised while the first one is being reported, always shows it.
 VEL_C_API void vel__assert(const char* expression, const char* module, unsigned int line);
@@ -249,9 +250,9 @@ class VEL_API VelClExceptionABase {
   virtual ~VelClExceptionABase();
 
   /// Whether the library can have thrown it.
-  virtual bool isVelException() const noexcept = 0;
+  virtual bool isVelException() const = 0;
   /// Why, in words; never null.
-  virtual const char* getCause() const noexcept;
+  virtual const char* getCause() const;
 
   /// Where it was thrown, such as "VelClMemoryManager::realloc, line 267"; null until
   /// setOrigin was called.
@@ -282,8 +283,8 @@ class VEL_API VelClException : public VelClExceptionABase {
   ~VelClException() override;
 
   /// Always true.
-  bool isVelException() const noexcept override;
-  const char* getCause() const noexcept override;
+  bool isVelException() const override;
+  const char* getCause() const override;
 
   /// The parts of the classification.
   unsigned long getId() const noexcept { return errorId_; }
@@ -310,8 +311,8 @@ class VEL_API VelClExceptionFatal : public VelClException {
   VelClExceptionFatal& operator=(const VelClExceptionFatal& other) noexcept = default;
   ~VelClExceptionFatal() override;
 
-  bool isVelException() const noexcept override;
-  const char* getCause() const noexcept override;
+  bool isVelException() const override;
+  const char* getCause() const override;
 };
 
 #endif

@@ -1,6 +1,7 @@
 // Fails an assertion, as the argument says, so that a test can read the report and see the end.
 #include <csignal>
 #include <cstring>
+#include <string>
 
 #include "vel_include/vel_error.h"
 
@@ -18,6 +19,10 @@ int main(int argc, char** argv) {
     vel__assert_msg("p != 0", "file.cpp", 4294967295U, "run", "broken state");
   if (std::strcmp(kind, "function-only") == 0) vel__assert_msg("p != 0", "file.cpp", 1, "run", nullptr);
   if (std::strcmp(kind, "macro") == 0) VEL_ASSERT(argc == 0);
+  if (std::strcmp(kind, "long") == 0) {
+    const std::string expression(30'000, 'e'), module(3000, 'm'), function(2001, 'f'), message(100'000, 't');
+    vel__assert_msg(expression.c_str(), module.c_str(), 5, function.c_str(), message.c_str());
+  }
   if (std::strcmp(kind, "nested") == 0) {
     std::signal(SIGABRT, assertAgain);
     vel__assert("first", "once.cpp", 1);

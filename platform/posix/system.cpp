@@ -11,6 +11,6 @@ const void* resolveImportThunk(const void* function) noexcept {
   return function;
 }
 
-void showStopMessage(const char*, const char*) noexcept {}
+void showStopMessage(const char*, const char* const*, std::size_t) noexcept {}
 
 }  // namespace vel::platform

@@ -1,4 +1,5 @@
 // Platform identifiers, import thunks and message boxes.
+#include <algorithm>
 #include <cstring>
 
 #define WIN32_LEAN_AND_MEAN
@@ -31,8 +32,25 @@ const void* resolveImportThunk(const void* function) noexcept {
   return function;
 }
 
-void showStopMessage(const char* title, const char* text) noexcept {
+void showStopMessage(const char* title, const char* const* pieces, std::size_t count) noexcept {
+  std::size_t length = 0;
+  for (std::size_t i = 0; i < count; ++i) length += std::strlen(pieces[i]);
+  char cut[4096];
+  auto* text =
+      static_cast<char*>(VirtualAlloc(nullptr, length + 1, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+  if (text == nullptr) {
+    text = cut;
+    length = std::min(length, sizeof cut - 1);
+  }
+  char* out = text;
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::size_t size = std::min(std::strlen(pieces[i]), static_cast<std::size_t>(text + length - out));
+    std::memcpy(out, pieces[i], size);
+    out += size;
+  }
+  *out = '\0';
   MessageBoxA(nullptr, text, title, MB_ICONSTOP);
+  if (text != cut) VirtualFree(text, 0, MEM_RELEASE);
 }
 
 }  // namespace vel::platform
