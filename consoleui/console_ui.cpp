@@ -14,8 +14,17 @@ namespace {
 
 constexpr const char* kCopyrightNotice = "qamc5032, operating-system services library";
 
-bool holdsSwitch(const VelClConsoleUI& ui, const VelClMessage& name) {
-  return VelClArgvCursor(ui).positionTo(name.getAsCString());
+/// Whether the current argument is "-" and `text`. Unlike the names of a tool's switches, the texts of the
+/// built-in ones keep a "-" of their own.
+bool isBuiltInSwitch(const VelClArgvCursor& argument, const char* text) {
+  return argument.isSwitch() && std::strcmp(argument.getAsCString() + 1, text) == 0;
+}
+
+bool holdsBuiltInSwitch(const VelClConsoleUI& ui, const char* text) {
+  VelClArgvCursor argument(ui);
+  for (bool more = argument.setToFirst(); more; more = argument.setToNext())
+    if (isBuiltInSwitch(argument, text)) return true;
+  return false;
 }
 
 /// The text of a message, or null for message 0.
@@ -73,9 +82,10 @@ void VelClConsoleUI::init(const char* title, const char* description, const char
     displayTitle(title, description);
     return;
   }
-  if (holdsSwitch(*this, words()[Word::Quiet])) params_->setQuietMode(true);
+  if (holdsBuiltInSwitch(*this, words()[Word::Quiet].getAsCString())) params_->setQuietMode(true);
   displayTitle(title, description);
-  if (holdsSwitch(*this, words()[Word::Copyright])) displayCopyright(toolLevel, toolDate);
+  if (holdsBuiltInSwitch(*this, words()[Word::Copyright].getAsCString()))
+    displayCopyright(toolLevel, toolDate);
 }
 
 void VelClConsoleUI::init(unsigned long titleId, unsigned long descriptionId, const char* toolLevel,
@@ -103,7 +113,7 @@ void VelClConsoleUI::handleHelpSwitches() const {
   const VelClMessage letters = words()[Word::HelpLetters];
   for (const char* letter = letters.getAsCString(); *letter != '\0'; ++letter) {
     const char name[] = {*letter, '\0'};
-    if (!VelClArgvCursor(*this).positionTo(name)) continue;
+    if (!holdsBuiltInSwitch(*this, name)) continue;
     displayUsage(false);
     displayHelp(true);
   }
@@ -125,7 +135,7 @@ bool VelClConsoleUI::checkArgument(const VelClArgvCheckCursor& argument) const {
   };
   bool legal = true;
   // -quiet is exempt from this check only: its repetition is a fault. Keep.
-  if (!argument.isLegal() && !argument.matches(words()[Word::Quiet].getAsCString()))
+  if (!argument.isLegal() && !isBuiltInSwitch(argument, words()[Word::Quiet].getAsCString()))
     legal = faulty(Word::UnknownArgument);
   if (params_->mustDisableTaggedLines() && argument.isTagged()) legal = faulty(Word::ArgumentNotAllowed);
   if (!argument.isSwitch()) return legal;

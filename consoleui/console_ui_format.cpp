@@ -48,12 +48,13 @@ std::size_t widthOf(const char* text) {
 void writeLabel(std::ostream& stream, const VelClConsoleUIParams& params, const char* label) {
   const std::size_t width = params.getFormatWidth();
   const std::size_t used = std::min(widthOf(label), width);
-  const bool left = params.getFormatStyle() == VelEnFormatStyle::LEFT;
+  const bool isRight = params.getFormatStyle() == VelEnFormatStyle::RIGHT;
+  const bool isCentred = params.getFormatStyle() == VelEnFormatStyle::CENTRED;
   std::size_t before = 0;
   std::size_t behind = width - used;
-  if (params.getFormatStyle() == VelEnFormatStyle::RIGHT) {
+  if (isRight) {
     std::swap(before, behind);
-  } else if (params.getFormatStyle() == VelEnFormatStyle::CENTRED) {
+  } else if (isCentred) {
     before = width / 2 - used / 2;
     // Short by the odd remainders of both, and never below 0. Keep.
     behind = before - std::min(before, width % 2 + used % 2);
@@ -61,7 +62,7 @@ void writeLabel(std::ostream& stream, const VelClConsoleUIParams& params, const 
   stream << "  ";
   writeFill(stream, before, ' ');
   stream << label;
-  writeFill(stream, behind, left ? params.getFormatFillChar() : ' ');
+  writeFill(stream, behind, isRight || isCentred ? ' ' : params.getFormatFillChar());
   stream << ": ";
 }
 

@@ -35,9 +35,7 @@ class Tool {
 };
 
 TEST(Format, PlacesTheLabelInItsColumn) {
-  const std::map<std::string, VelEnFormatStyle> styles = {{"left", VelEnFormatStyle::LEFT},
-                                                          {"right", VelEnFormatStyle::RIGHT},
-                                                          {"centred", VelEnFormatStyle::CENTRED}};
+  const std::map<std::string, uint32_t> styles = {{"left", 0}, {"right", 1}, {"centred", 2}, {"3", 3}};
   Tool tool;
   tool->setFormatFillChar('_');
   // Of a centred label the right margin is short by the odd remainders of both.
@@ -45,8 +43,14 @@ TEST(Format, PlacesTheLabelInItsColumn) {
     tool->setFormatStyle(styles.at(row[0]));
     tool->setFormatWidth(static_cast<unsigned int>(std::stoul(row[1])));
     tool->format(row[2].c_str());
-    EXPECT_EQ(tool.take(), "  " + row.at(3) + ": ") << row[2] << " in " << row[1];
+    const std::string expected = "  " + row.at(3) + ": ";
+    EXPECT_EQ(tool.take(), expected) << row[2] << " in " << row[1];
+    tool->setFormatStyle(VelEnFormatStyle{styles.at(row[0])});
+    tool->format(row[2].c_str());
+    EXPECT_EQ(tool.take(), expected) << row[2] << " in " << row[1];
   }
+  tool->setFormatStyle(2);
+  EXPECT_EQ(tool->getParams().getFormatStyle(), VelEnFormatStyle::CENTRED);
 }
 
 TEST(Format, WritesValuesOfEveryKind) {
@@ -69,6 +73,23 @@ TEST(Format, WritesValuesOfEveryKind) {
   tool->formatBool("n", true);
   tool->formatBool(180UL, false);
   EXPECT_EQ(tool.take(), "  n: YES\n  Trace file: NO\n");
+}
+
+TEST(Format, TakesNullAndNumberZeroForAnEmptyLabel) {
+  Tool tool;
+  tool->setFormatWidth(1);
+  const auto written = [&](VelClUIText label) {
+    tool->format(label);
+    tool->format(label, "x");
+    tool->format(label, 5);
+    tool->formatBool(label, true);
+    tool->dump(label, "x", 1);
+    return tool.take();
+  };
+  const std::string expected = "  .:   .: x\n  .: 5\n  .: YES\n  .: 78\n";
+  EXPECT_EQ(written(""), expected);
+  EXPECT_EQ(written(nullptr), expected);
+  EXPECT_EQ(written(0UL), expected);
 }
 
 TEST(Format, QuotesTextsOnRequest) {
@@ -133,6 +154,28 @@ TEST(Format, NamesErrorsAndTellsExceptions) {
             "  Error ID: NO_ERROR (0)\n  Error Class: UNKNOWN\n  Error Severity: NONE\n  Recommended Action: "
             "IGNORE\n"
             "  Error ID: 5\n  Error Class: 555\n  Error Severity: 3\n  Recommended Action: -9\n");
+}
+
+/// A program's own exception.
+class HostException : public VelClException {
+ public:
+  HostException() : VelClException(_VelStUserError(), "the base's") {}
+  bool isVelException() const override { return false; }
+  const char* getCause() const override { return cause_.c_str(); }
+
+ private:
+  std::string cause_ = "the host's";
+};
+
+TEST(Format, AsksAnExceptionOfTheProgram) {
+  Tool tool;
+  try {
+    throw HostException();
+  } catch (const VelClException& caught) {
+    EXPECT_FALSE(caught.isVelException());
+    tool->format(caught, true);
+  }
+  EXPECT_NE(tool.take().find(": the host's\n"), std::string::npos);
 }
 
 TEST(Format, KeepsItsStreamInQuietMode) {

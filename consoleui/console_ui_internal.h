@@ -3,6 +3,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <optional>
 
 #include "vel_include/vel_consoleui.h"
 #include "vel_include/vel_helpers.h"
@@ -88,19 +89,22 @@ struct NumberText {
   explicit NumberText(unsigned long long value) { velW64toa(value, text); }
 };
 
-/// The text itself, whichever way it was given.
+/// The text itself, whichever way it was given; "" for null and message 0.
 class GivenText {
  public:
   GivenText(const VelClUIText& given, const VelClMessageCatalog& catalog)
-      : message_(catalog, given.getMessageId()),
-        text_(given.getText() != nullptr ? given.getText() : message_.getAsCString()) {}
+      : text_(given.getText() != nullptr ? given.getText() : "") {
+    if (given.getMessageId() == 0) return;
+    message_.emplace(catalog, given.getMessageId());
+    text_ = message_->getAsCString();
+  }
   GivenText(const GivenText&) = delete;
   GivenText& operator=(const GivenText&) = delete;
 
   const char* get() const { return text_; }
 
  private:
-  VelClMessage message_;
+  std::optional<VelClMessage> message_;
   const char* text_;
 };
 

@@ -9,6 +9,7 @@
 #include <iostream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "vel_include/vel_util.h"
 
@@ -67,11 +68,33 @@ TEST(StringRepresentation, WidensTheAddressToSixteenDigits) {
 }
 
 TEST(StringRepresentation, PrintsAddressesAsStreamsDo) {
-  for (const void* address : {static_cast<const void*>(nullptr), static_cast<const void*>("x")}) {
+  std::vector<std::uintptr_t> numbers = {0, reinterpret_cast<std::uintptr_t>("x")};
+  for (int bits = 0; bits < 64; ++bits) {
+    numbers.push_back(std::uintptr_t{1} << bits);
+    numbers.push_back(~std::uintptr_t{0} >> bits);
+  }
+  for (const std::uintptr_t number : numbers) {
+    const auto* const address = reinterpret_cast<const void*>(number);
     std::ostringstream expected;
     expected << address;
     EXPECT_EQ(VelClStrepAddress(address).getAsCString(), expected.str());
   }
+}
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+/// A program's own representation.
+class Pointer final : public VelClStrepAddress {
+ public:
+  explicit Pointer(const void* address) : VelClStrepAddress(address) {}
+  const char* getAsCString() const override { return VelClStrepAddress::getAsCString() + 2; }
+};
+#pragma GCC diagnostic pop
+
+TEST(StringRepresentation, CanBeDerivedFrom) {
+  const Pointer pointer(reinterpret_cast<const void*>(std::uintptr_t{0x1ab}));
+  const VelClStrepAddress& address = pointer;
+  EXPECT_STREQ(address.getAsCString(), "1ab");
 }
 
 TEST(Dump, PrintsWholeAreasLineByLine) {

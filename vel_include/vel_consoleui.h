@@ -92,7 +92,8 @@ class VEL_API VelClUsageCursor : public VelClUniDirCursorABase {
 };
 
 /// Walks the arguments of a command line; argument 0, the program, is never visited. The vector is not
-/// copied.
+/// copied. setToNext and setToPrevious move the position by one beyond the ends, too: what is two steps
+/// before the first argument is two steps away from it.
 class VEL_API VelClArgvCursor : public VelClBiDirCursorABase {
  public:
   /// Stands at the first argument, if there is one; of a user interface, its command line.
@@ -183,7 +184,7 @@ class VEL_API VelClArgvFreeCursor : public VelClArgvCheckCursor {
   bool settle(int32_t step);
 };
 
-/// Where the label stands in the label column of aligned output.
+/// Where the label is in the label column of aligned output. Other numbers count as LEFT.
 enum class VelEnFormatStyle : uint32_t {
   LEFT = 0,    ///< followed by fill characters
   RIGHT = 1,   ///< behind blanks
@@ -226,9 +227,10 @@ class VEL_API VelClConsoleUIParams {
   /// In characters; 36 at first.
   unsigned int getFormatWidth() const { return formatWidth_; }
   void setFormatWidth(unsigned int width) { formatWidth_ = width; }
-  /// LEFT at first.
+  /// LEFT at first. Set by name or by number.
   VelEnFormatStyle getFormatStyle() const { return formatStyle_; }
   void setFormatStyle(VelEnFormatStyle style) { formatStyle_ = style; }
+  void setFormatStyle(uint32_t style) { formatStyle_ = static_cast<VelEnFormatStyle>(style); }
   /// '.' at first.
   char getFormatFillChar() const { return fillChar_; }
   void setFormatFillChar(char c) { fillChar_ = c; }
@@ -295,7 +297,7 @@ class VelClSwitchName {
 };
 
 /// A text for the user, such as the label of an aligned line or a question: itself, or the number of the
-/// message that holds it. Write numbers as `10UL`.
+/// message that holds it. Write numbers as `10UL`. Null and number 0 are the empty text.
 class VelClUIText {
  public:
   /// From either.
@@ -424,7 +426,7 @@ class VEL_API VelClConsoleUI {
   /// of input every prompt takes its default as it is, unchecked, so none asks for ever. The answer is
   /// left in the input buffer, see VelClConsoleUIParams::getInput; texts may point into it.
   ///
-  /// Asks once. Null leaves out the hint or the default.
+  /// Asks once. Null leaves out the hint or the default; a null question is empty.
   void prompt(const char* question, const char* hint, const char* defaultAnswer) const;
   /// Asks once and returns the answer, valid until the next prompt; "" at the end of input without default.
   const char* promptString(VelClUIText question, const char* defaultAnswer = nullptr) const;
@@ -461,6 +463,7 @@ class VEL_API VelClConsoleUI {
   bool mustBeQuiet() const { return params_->mustBeQuiet(); }
   void setFormatWidth(unsigned int width) { params_->setFormatWidth(width); }
   void setFormatStyle(VelEnFormatStyle style) { params_->setFormatStyle(style); }
+  void setFormatStyle(uint32_t style) { params_->setFormatStyle(style); }
   void setFormatFillChar(char c) { params_->setFormatFillChar(c); }
   /// Leave lines marked with "!" out of the usage; the second makes their switches errors as well.
   void hideTaggedLines() { params_->setHideTaggedLines(true); }

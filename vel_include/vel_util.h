@@ -145,8 +145,11 @@ class VEL_API VelClStrepBinDump : public VelClStringRepresentationABase {
   char text_[102];
 };
 
-/// An address as a stream prints it: "0x1ab", and "0" for null.
-class VEL_API VelClStrepAddress final {
+// The destructor is not virtual: the table of virtual functions has one slot, and programs rely on that.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+/// An address as a stream prints it: "0x1ab", and "0" for null. Do not delete a derived object through it.
+class VEL_API VelClStrepAddress {
  public:
   /// Any address; nothing is read there.
   explicit VelClStrepAddress(const void* address);
@@ -157,6 +160,7 @@ class VEL_API VelClStrepAddress final {
  private:
   char text_[19];
 };
+#pragma GCC diagnostic pop
 
 /// Print `count` bytes in the lines above, each with its offset from `data`, to standard output or to
 /// `stream`; nothing for 0 bytes. velDump and velDumpHex are the same: hexadecimal. Many lines are

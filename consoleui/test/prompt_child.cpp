@@ -1,5 +1,5 @@
 // A tool for the tests of prompts. Its arguments are prompts, worked off in turn, each a kind and what that
-// takes, all as text; "-" leaves out a hint or a default, "#17" is the question of message 17:
+// takes, all as text; "-" is null for any of them, "#17" is the question of message 17:
 //   prompt QUESTION HINT DEFAULT    string QUESTION DEFAULT    number QUESTION MINIMUM MAXIMUM DEFAULT
 //   yesNo QUESTION y|n              key                        enter
 //   again              question and default are the answer before
@@ -28,7 +28,7 @@ const char* optional(const char* word) {
 
 VelClUIText question(const char* word) {
   if (*word == '#') return std::strtoul(word + 1, nullptr, 10);
-  return word;
+  return optional(word);
 }
 
 int32_t number(const char* word) {
@@ -49,7 +49,7 @@ struct Prompt {
 constexpr Prompt kPrompts[] = {
     {"prompt", 3,
      [](VelClConsoleUI& ui, char** words) {
-       ui.prompt(words[0], optional(words[1]), optional(words[2]));
+       ui.prompt(optional(words[0]), optional(words[1]), optional(words[2]));
        show(ui.getParams().getInput());
      }},
     {"string", 2,

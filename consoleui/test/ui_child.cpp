@@ -108,6 +108,7 @@ constexpr struct {
     {"redirectErrors", redirectErrors},
     {"source",
      [](VelClConsoleUI& ui) { std::cout << (ui.getMessageCatalog().isValid() ? "library\n" : "table\n"); }},
+    {"quiet", [](VelClConsoleUI& ui) { std::cout << (ui.mustBeQuiet() ? "quiet\n" : "loud\n"); }},
     {"bool", [](VelClConsoleUI& ui) { ui.formatBool(15UL, true); }},
     {"fastProgress", [](VelClConsoleUI& ui) { progress(ui, 1); }},
     {"slowProgress", [](VelClConsoleUI& ui) { progress(ui, 350); }},
