@@ -5,6 +5,7 @@
 
 #include <iostream>
 #include <sstream>
+#include <vector>
 
 #include "inifile/test/ini_fixture.h"
 #include "platform/test/scratch_directory.h"
@@ -307,7 +308,41 @@ TEST_F(FailingAllocation, OfEditedIniFiles) {
   });
 }
 
-/// Every one of them can fail, since the words of a user interface come from a catalog library.
+/// The library's catalog, whose words are short: they need no memory.
+struct ShortWords {
+  VelClConsoleUI ui{4, kArguments};
+};
+
+/// Every word is too long for a message without memory of its own, so that each operation can fail.
+struct LongWords {
+  static const char* const* table() {
+    static std::vector<const char*> words(221, kLong.c_str());
+    words[9] = "copyright";
+    return words.data();
+  }
+  static const char* const* arguments() {
+    static const std::string quiet = "-" + kLong;
+    static const char* const arguments[] = {"tool", "-a", "b", quiet.c_str(), "5"};
+    return arguments;
+  }
+  VelClConsoleUI ui{5, arguments(), VelClFilename("absent"), 0, table(), 221};
+};
+
+template <typename Words>
+void exhaustInterface(const char* name, void (*run)(VelClConsoleUI&), int least) {
+  const auto scenario = [run] {
+    std::ostringstream stream;
+    Words words;
+    words.ui.setOutputStream(stream);
+    words.ui.getParams().setErrorStream(stream);
+    const bool done = attempt([&] { run(words.ui); });
+    words.ui.getParams().setQuietMode(false);
+    // After a failure the same object does the same work.
+    if (!done) run(words.ui);
+  };
+  exhaust(name, scenario, least);
+}
+
 TEST_F(FailingAllocation, OfUserInterfaces) {
   exhaust("settings", [] {
     VelClConsoleUIParams params("tool");
@@ -321,12 +356,16 @@ TEST_F(FailingAllocation, OfUserInterfaces) {
   static const char* textValue = nullptr;
   static int intValue = 0;
   static const VelClException kException(_VelStUserError(), "cause");
-  const std::pair<const char*, void (*)(VelClConsoleUI&)> operations[] = {
+  const struct {
+    const char* name;
+    void (*run)(VelClConsoleUI&);
+    int least = 0;  ///< failures with short words
+  } operations[] = {
       {"init", [](VelClConsoleUI& ui) { ui.init("title", "description", nullptr, nullptr); }},
-      {"init by number", [](VelClConsoleUI& ui) { ui.init(150UL, 2UL, nullptr, nullptr); }},
-      {"usage", [](VelClConsoleUI& ui) { ui.handleUsageHelp("(-a <b>) [-quiet]", kLong.c_str()); }},
-      {"usage by number", [](VelClConsoleUI& ui) { ui.handleUsageHelp(0UL, 152UL); }},
-      {"display", [](VelClConsoleUI& ui) { ui.displayUsageHelp("usage", "help", false); }},
+      {"init by number", [](VelClConsoleUI& ui) { ui.init(150UL, 2UL, nullptr, nullptr); }, 1},
+      {"usage", [](VelClConsoleUI& ui) { ui.handleUsageHelp("(-a <b>) [-quiet] <c>", kLong.c_str()); }, 2},
+      {"usage by number", [](VelClConsoleUI& ui) { ui.handleUsageHelp(0UL, 152UL); }, 5},
+      {"display", [](VelClConsoleUI& ui) { ui.displayUsageHelp("usage", "help", false); }, 2},
       {"switch", [](VelClConsoleUI& ui) { ui.hasArgSwitch(154UL); }},
       {"string", [](VelClConsoleUI& ui) { ui.hasArgString(154UL, textValue); }},
       {"int", [](VelClConsoleUI& ui) { ui.hasArgNumval(154UL, intValue); }},
@@ -342,25 +381,14 @@ TEST_F(FailingAllocation, OfUserInterfaces) {
       {"truth", [](VelClConsoleUI& ui) { ui.formatBool("label", true); }},
       {"prompt", [](VelClConsoleUI& ui) { ui.prompt("question", "hint", "answer"); }},
       {"text prompt", [](VelClConsoleUI& ui) { ui.promptString(180UL, "answer"); }},
-      {"number prompt", [](VelClConsoleUI& ui) { ui.promptNumval("question", 1, 9, 5); }},
+      {"number prompt", [](VelClConsoleUI& ui) { ui.promptNumval("question", 1, 9, 5); }, 2},
       {"decision", [](VelClConsoleUI& ui) { ui.promptYesNo("question", true); }},
       {"format exception", [](VelClConsoleUI& ui) { ui.format(kException, true); }},
   };
-  // Short messages need no memory.
-  for (const auto& [name, run] : operations)
-    exhaust(
-        name,
-        [run = run] {
-          std::ostringstream stream;
-          VelClConsoleUI ui(4, kArguments);
-          ui.setOutputStream(stream);
-          ui.getParams().setErrorStream(stream);
-          const bool done = attempt([&] { run(ui); });
-          ui.getParams().setQuietMode(false);
-          // After a failure the same object does the same work.
-          if (!done) run(ui);
-        },
-        0);
+  for (const auto& [name, run, least] : operations) {
+    exhaustInterface<ShortWords>(name, run, least);
+    exhaustInterface<LongWords>(name, run, 1);
+  }
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
-// Every call by which a program opens, writes, stores, closes or renames a file fails once. The program must
-// tell so by its exit code, or have done its work all the same; a file that it replaces stays as it was.
+// Every call by which a program opens, writes, stores, closes or renames a file fails once, and so does every
+// allocation of a tool. The program must tell so by its exit code, or have done its work all the same; a file
+// that it replaces stays as it was.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -33,17 +34,18 @@ struct Outcome {
   std::ptrdiff_t entries;
 };
 
-Outcome run(const Row& row, int failingCall) {
+Outcome run(const Row& row, int failingCall, const vel::test::Variables& more = {}) {
   const Directory directory;
   std::vector<std::string> arguments;
   std::istringstream words(row[1]);
   for (std::string word; words >> word;)
     arguments.push_back(word.starts_with('@') ? directory.path() + word.substr(1) : word);
   // The sanitizer cannot look for leaks in a process that is watched already.
-  const vel::test::Variables variables = {{"FAILING_TRACE_ACTIVE", "yes"},
-                                          {"FAILING_TRACE_BUFSIZE", "1024"},
-                                          {"FAILING_TRACE_FILE", directory.path("a.trc")},
-                                          {"ASAN_OPTIONS", "detect_leaks=0"}};
+  vel::test::Variables variables = {{"FAILING_TRACE_ACTIVE", "yes"},
+                                    {"FAILING_TRACE_BUFSIZE", "1024"},
+                                    {"FAILING_TRACE_FILE", directory.path("a.trc")},
+                                    {"ASAN_OPTIONS", "detect_leaks=0"}};
+  variables.insert(variables.end(), more.begin(), more.end());
   Outcome outcome{vel::test::runChild(row[0], arguments, {variables, "", true, failingCall}), "", 0};
   outcome.written = row[2] == "-" ? outcome.child.output : vel::test::readFile(directory.path(row[2]));
   outcome.entries = directory.entries();
@@ -72,6 +74,53 @@ std::string failEach(const Row& row) {
     EXPECT_TRUE(row[0] == "trace_writer" || row[2] == "-" || outcome.written == old.written);
     EXPECT_TRUE(row[0] == "trace_writer" || outcome.entries == old.entries) << "something is left behind";
     EXPECT_TRUE(!row[0].starts_with("vel") || !child.errors.empty()) << "nothing was said";
+  }
+}
+
+/// How a tool may end when an allocation fails: with its work done, out of memory, or with the fault that
+/// the lack of memory looked like; never abnormally.
+void expectOrderlyEnd(const Row& row, const Outcome& outcome, const Outcome& old, const Outcome& whole) {
+  const vel::test::ChildResult& child = outcome.child;
+  EXPECT_FALSE(child.endedAbnormally) << child.errors;
+  if (child.exitCode == 0) {
+    EXPECT_EQ(outcome.written, whole.written) << "lost silently";
+    return;
+  }
+  constexpr int kExitOutOfMemory = 200;
+  const bool isTold = child.errors.find(row[0] + ": out of memory\n") != std::string::npos;
+  EXPECT_EQ(isTold, child.exitCode == kExitOutOfMemory) << child.errors;
+  EXPECT_TRUE(isTold || std::to_string(child.exitCode) == row.at(4)) << child.exitCode << child.errors;
+  EXPECT_FALSE(child.errors.empty());
+  EXPECT_TRUE(row[2] == "-" || outcome.written == old.written);
+  EXPECT_EQ(outcome.entries, old.entries) << "something is left behind";
+}
+
+TEST(FailedAllocations, EndToolsInOrder) {
+  const fs::path library = fs::path(vel::test::ownProgram()).replace_filename("libfailing_malloc.so");
+  if (!fs::exists(library)) GTEST_SKIP() << "a sanitizer has an allocator of its own";
+  const vel::test::ScratchDirectory directory;
+  for (const Row& row : vel::test::readTable(VEL_TEST_DATA "test/failed_calls.tsv")) {
+    if (row.size() < 5) continue;
+    const auto runFailing = [&](const std::string& which) {
+      return run(row, 0,
+                 {{"LD_PRELOAD", library.string()},
+                  {"VEL_FAILING_MALLOC", which},
+                  {"VEL_MALLOC_COUNT", directory.path("count")}});
+    };
+    const Outcome old = run({"velini", "-file @/a.ini -sections", row[2], ""}, 0), whole = runFailing("");
+    EXPECT_EQ(whole.child.exitCode, 0) << whole.child.errors;
+    const int count = std::stoi(vel::test::readFile(directory.path("count")));
+    int outOfMemory = 0;
+    for (int number = 1; number <= count; ++number)
+      for (const char* const following : {"", "+"}) {
+        const std::string which = std::to_string(number) + following;
+        SCOPED_TRACE(row[0] + ' ' + row[1] + ": " + which + " of " + std::to_string(count));
+        const Outcome outcome = runFailing(which);
+        expectOrderlyEnd(row, outcome, old, whole);
+        outOfMemory += outcome.child.exitCode == 200 ? 1 : 0;
+      }
+    EXPECT_GT(outOfMemory, count / 4) << row[0];
+    std::fprintf(stderr, "%s: %d of 2 * %d\n", row[0].c_str(), outOfMemory, count);
   }
 }
 

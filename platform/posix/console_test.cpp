@@ -208,6 +208,15 @@ TEST(ProgressDisplay, AppearsOnlyOnATerminalAndOnlyAfterASecond) {
   EXPECT_EQ(toFile.errors, "next line\n");
 }
 
+TEST(ProgressDisplay, StaysAwayFromBytesOfUnknownNumber) {
+  const fs::path veldump = fs::path(vel::test::ownProgram()).replace_filename("veldump");
+  const std::string command = "(printf a; sleep 1.2; printf b) | '" + veldump.string() + "' >/dev/null";
+  Tool tool("/bin/sh", {"-c", command}, true);
+  const std::string shown = tool.finish();
+  EXPECT_NE(shown.find("VELDUMP - "), std::string::npos) << shown;
+  EXPECT_EQ(shown.find('%'), std::string::npos) << shown;
+}
+
 TEST(LabelColumn, CountsCharactersOfUtf8Texts) {
   std::ostringstream stream;
   const vel::test::Variable locale("LC_ALL", "de_DE.UTF-8");

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <string>
 
+#include "tools/run_tool.h"
 #include "tools/standard_switches.h"
 #include "tools/trcctl/texts.h"
 #include "tools/trcctl/trace_status.h"
@@ -157,15 +158,14 @@ void Tool::display(const VelClTraceEnvironment& environment) const {
   try {
     formatter.format(std::cout);
   } catch (const VelClException& exception) {
+    vel::tools::passOutOfMemory(exception);
     const Fault fault = faultOf(exception);
     end(fault.text, environment.getFilename().getAsCString(), fault.exitCode);
   }
   if (std::cout.flush()) showResult(ui_, environment, formatter);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   velFileSetBinaryMode(kStandardOutput, true);
   VelClMessageCatalog texts;
   attachTexts(texts);
@@ -178,11 +178,17 @@ int main(int argc, char** argv) {
   Tool tool(argc, argv);
   try {
     tool.run();
-  } catch (const VelClException&) {
-    // Only memory is missing where no file is read.
+  } catch (const VelClException& exception) {
+    vel::tools::passOutOfMemory(exception);
     tool.end(kNotInitialized, nullptr, kExitNoTrace);
   }
   if (std::cout.flush()) return 0;
   tool.reportOutputFailure();
   return kExitNotWritten;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return vel::tools::runTool("trcctl", argc, argv, run);
 }

@@ -59,7 +59,7 @@ inline constexpr const char* kTexts[] = {
     "euro sign, which 5346 and 5348 have. Byte order marks count as characters.\n"
     "Exit codes: 0 success, 1 something was replaced, skipped or escaped, 2 a file could not\n"
     "be read or written, a fault ended the conversion, or there is no way between the code\n"
-    "pages, 201 to 204 faults of the command line.",
+    "pages, 200 out of memory, 201 to 204 faults of the command line.",
     "-from and -to are needed",
     "This is no CCSID",
     "The policy is none of stop, skip, replace and escape",

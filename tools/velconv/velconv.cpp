@@ -8,6 +8,7 @@
 #include "platform/byte_files.h"
 #include "platform/platform.h"
 #include "tools/catalog_tool.h"
+#include "tools/run_tool.h"
 #include "tools/standard_switches.h"
 #include "tools/velconv/ccsids.h"
 #include "tools/velconv/output_file.h"
@@ -168,9 +169,7 @@ void Tool::tellCounts(const char* file) const {
   std::cerr << file << ": " << counts << '\n';
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   velFileSetBinaryMode(vel::platform::kStandardInput, true);
   velFileSetBinaryMode(vel::platform::kStandardOutput, true);
   if (vel::tools::answerStandardSwitches(argc, argv,
@@ -183,7 +182,14 @@ int main(int argc, char** argv) {
   } catch (const OutputFailure&) {
     return tool.fail(kNotWritten);
   } catch (const VelClException& exception) {
+    vel::tools::passOutOfMemory(exception);
     tool.exception(exception, kTexts[kTitle]);
     tool.processExit(CONUI_USAGE);
   }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return vel::tools::runTool("velconv", argc, argv, run);
 }

@@ -63,9 +63,14 @@ bool DumpParser::follows(const Line& line) const {
   return line.address >= end && (line.address - end) % previous_.count == 0;
 }
 
-void DumpParser::repeatUpTo(std::uint64_t address) {
+bool DumpParser::repeatUpTo(std::uint64_t address) {
+  const std::uint64_t size = address - previous_.address - previous_.count;
+  beyondLimit_ = size > repeatable_;
+  if (beyondLimit_) return false;
+  repeatable_ -= size;
   for (; previous_.address + previous_.count < address; previous_.address += previous_.count)
     output_.append(reinterpret_cast<const char*>(previous_.bytes), previous_.count);
+  return true;
 }
 
 bool DumpParser::takeLine(std::string_view text) {
@@ -77,7 +82,7 @@ bool DumpParser::takeLine(std::string_view text) {
   }
   Line line;
   if (!parse(text, line) || !follows(line)) return false;
-  if (squeezed_) repeatUpTo(line.address);
+  if (squeezed_ && !repeatUpTo(line.address)) return false;
   output_.append(reinterpret_cast<const char*>(line.bytes), line.count);
   previous_ = line;
   started_ = true;

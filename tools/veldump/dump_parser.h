@@ -11,11 +11,14 @@ namespace vel::veldump {
 
 class DumpParser {
  public:
-  explicit DumpParser(OutputBuffer& output) : output_(output) {}
+  /// `repeatable` is how many bytes a "*" may stand for; it counts down.
+  DumpParser(OutputBuffer& output, std::uint64_t& repeatable) : output_(output), repeatable_(repeatable) {}
 
-  /// Takes one line without its line break. False when it is none, or its address is not where the line
-  /// before ended; nothing of it is written then.
+  /// Takes one line without its line break. False when it is none, its address is not where the line
+  /// before ended, or a "*" before it stands for too many bytes; nothing of it is written then.
   bool takeLine(std::string_view line);
+  /// Whether the last line was refused for the bytes that a "*" stands for.
+  bool isBeyondLimit() const { return beyondLimit_; }
   /// Whether the dump can end here: not behind a "*".
   bool canEnd() const { return !squeezed_; }
 
@@ -33,12 +36,14 @@ class DumpParser {
   static bool parseGroups(std::string_view text, Line& line);
   static bool parse(std::string_view text, Line& line);
   bool follows(const Line& line) const;
-  void repeatUpTo(std::uint64_t address);
+  bool repeatUpTo(std::uint64_t address);
 
   OutputBuffer& output_;
+  std::uint64_t& repeatable_;
   Line previous_;
   bool started_ = false;
   bool squeezed_ = false;
+  bool beyondLimit_ = false;
 };
 
 }  // namespace vel::veldump

@@ -8,6 +8,7 @@
 #include "platform/byte_files.h"
 #include "platform/platform.h"
 #include "tools/catalog_tool.h"
+#include "tools/run_tool.h"
 #include "tools/standard_switches.h"
 #include "tools/veldump/byte_source.h"
 #include "tools/veldump/dump_parser.h"
@@ -24,6 +25,8 @@ using vel::util::HexForm;
 
 constexpr int kExitNotRead = 1;
 constexpr int kExitNotWritten = 2;
+constexpr int kExitBeyondLimit = 3;
+constexpr std::uint64_t kDefaultLimit = std::uint64_t{1} << 30;
 constexpr std::size_t kChunkSize = std::size_t{64} * 1024;
 
 /// The console user interface with the tool's own texts.
@@ -45,11 +48,14 @@ class Tool : public vel::tools::CatalogTool {
   bool dump(ByteSource& source);
   bool reverse(ByteSource& source, const char* file);
   bool takeLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineNumber);
+  void reportLine(const DumpParser& parser, const char* file, std::uint64_t lineNumber);
   bool fillChunk(ByteSource& source, std::size_t& size);
 
   std::vector<std::uint8_t> chunk_;
   OutputBuffer output_;
   Range range_;
+  std::uint64_t limit_ = kDefaultLimit;  ///< of bytes that "*" may still stand for
+  int exitCode_ = 0;
   bool binary_ = false;
   bool squeeze_ = false;
   bool reverse_ = false;
@@ -91,6 +97,8 @@ void Tool::readSwitches() {
   if (reverse_)
     for (const char* other : {"bin", "squeeze", "offset", "length", "width"})
       if (hasArgSwitch(other)) refuse(kReverseAlone);
+  if (!reverse_ && hasArgSwitch("limit")) refuse(kLimitBelongs);
+  limit_ = countOf("limit", kDefaultLimit);
   const std::uint64_t width = widthOfElements();
   range_.offset = scaled(countOf("offset", 0), width);
   range_.length = scaled(countOf("length", Range().length), width);
@@ -107,10 +115,10 @@ int Tool::run() {
   readSwitches();
   const std::vector<const char*> names = files();
   hasHeading_ = names.size() > 1 && !reverse_;
-  bool complete = true;
-  for (const char* name : names) complete = handle(name) && complete;
+  for (const char* name : names)
+    if (!handle(name) && exitCode_ == 0) exitCode_ = kExitNotRead;
   output_.flush();
-  return complete ? 0 : kExitNotRead;
+  return exitCode_;
 }
 
 void Tool::writeHeading(const char* file) {
@@ -160,7 +168,7 @@ bool Tool::dump(ByteSource& source) {
 }
 
 bool Tool::reverse(ByteSource& source, const char* file) {
-  DumpParser parser(output_);
+  DumpParser parser(output_, limit_);
   std::size_t size = 0;
   std::uint64_t lineNumber = 0;
   bool good = true;
@@ -174,11 +182,18 @@ bool Tool::reverse(ByteSource& source, const char* file) {
   if (source.hasFailed()) {
     report(kNotRead, file);
   } else if (!good || !parser.canEnd()) {
-    output_.flush();
-    error(std::cerr, text(kNoDumpLine).c_str(), file, std::to_string(lineNumber).c_str());
+    reportLine(parser, file, lineNumber);
     return false;
   }
   return true;
+}
+
+/// Tells why a line was not taken.
+void Tool::reportLine(const DumpParser& parser, const char* file, std::uint64_t lineNumber) {
+  output_.flush();
+  const TextId fault = parser.isBeyondLimit() ? kBeyondLimit : kNoDumpLine;
+  if (parser.isBeyondLimit()) exitCode_ = kExitBeyondLimit;
+  error(std::cerr, text(fault).c_str(), file, std::to_string(lineNumber).c_str());
 }
 
 /// Hands over the whole lines of the chunk and leaves the rest at its start.
@@ -194,9 +209,7 @@ bool Tool::takeLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineN
   return true;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   velFileSetBinaryMode(vel::platform::kStandardInput, true);
   velFileSetBinaryMode(vel::platform::kStandardOutput, true);
   if (vel::tools::answerStandardSwitches(argc, argv,
@@ -209,7 +222,14 @@ int main(int argc, char** argv) {
     tool.report(kNotWritten);
     return kExitNotWritten;
   } catch (const VelClException& exception) {
+    vel::tools::passOutOfMemory(exception);
     tool.exception(exception, kTexts[kTitle]);
     tool.processExit(CONUI_USAGE);
   }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return vel::tools::runTool("veldump", argc, argv, run);
 }

@@ -60,7 +60,8 @@ inline constexpr const char* kTexts[] = {
     "cannot hold, so two options can meet; do not evaluate them of files that you do not\n"
     "trust. --help and --version are answered before anything else.\n"
     "Exit codes: 0 success, 1 not found or syntax errors, 2 file not read, 3 output not\n"
-    "written, 4 change refused, 201 to 204 faults of the command line.",
+    "written, 4 change refused, 200 out of memory, 201 to 204 faults of the command\n"
+    "line.",
     "Exactly one of -get, -set, -delete, -delsection, -list, -sections, -merge and -check must be given",
     "-section is needed",
     "option=value is expected",

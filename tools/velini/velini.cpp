@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tools/catalog_tool.h"
+#include "tools/run_tool.h"
 #include "tools/standard_switches.h"
 #include "tools/velini/forms.h"
 #include "tools/velini/texts.h"
@@ -200,9 +201,7 @@ int Tool::write(VelClIniFileEditor& editor) const {
   return 0;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   velFileSetBinaryMode(kStandardOutput, true);
   const vel::tools::ToolTexts texts{"velini", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
   if (vel::tools::answerStandardSwitches(argc, argv, texts)) return std::cout.good() ? 0 : kExitNotWritten;
@@ -212,9 +211,16 @@ int main(int argc, char** argv) {
   try {
     exitCode = tool.run();
   } catch (const VelClException& exception) {
+    vel::tools::passOutOfMemory(exception);
     tool.exception(exception, kTexts[kTitle]);
     tool.processExit(CONUI_USAGE);
   }
   std::cout.flush();
   return std::cout.good() ? exitCode : kExitNotWritten;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return vel::tools::runTool("velini", argc, argv, run);
 }

@@ -47,7 +47,7 @@ inline constexpr const char* kTexts[] = {
     "by -id is in the process's code page, as programs see it. A number is decimal or,\n"
     "behind 0x, hexadecimal. --help and --version are answered before anything else.\n"
     "Exit codes: 0 success, 1 not found or different, 2 catalog not loaded, 3 output not\n"
-    "written, 201 to 204 faults of the command line.",
+    "written, 200 out of memory, 201 to 204 faults of the command line.",
     "The message catalog could not be loaded",
     "A number is expected",
     "No name is known for this number",

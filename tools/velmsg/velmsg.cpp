@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "tools/catalog_tool.h"
+#include "tools/run_tool.h"
 #include "tools/standard_switches.h"
 #include "tools/velmsg/catalog_report.h"
 #include "tools/velmsg/error_names.h"
@@ -137,9 +138,7 @@ void Tool::showErrorNames(const char* text) const {
   if (!listErrorNames(std::cout, takeNumber(text))) end(kUnknownNumber, text, kExitNotFound);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   velFileSetBinaryMode(kStandardOutput, true);
   const vel::tools::ToolTexts texts{"velmsg", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
   if (vel::tools::answerStandardSwitches(argc, argv, texts)) return std::cout.good() ? 0 : kExitNotWritten;
@@ -147,9 +146,16 @@ int main(int argc, char** argv) {
   try {
     tool.run();
   } catch (const VelClException& exception) {
+    vel::tools::passOutOfMemory(exception);
     tool.exception(exception, kTexts[kTitle]);
     tool.processExit(CONUI_USAGE);
   }
   std::cout.flush();
   return std::cout.good() ? 0 : kExitNotWritten;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return vel::tools::runTool("velmsg", argc, argv, run);
 }
