@@ -114,6 +114,21 @@ TEST_F(TraceFormatter, PrintsNumbersInTheFormOfTheStream) {
   EXPECT_EQ(text.str(), "1.50;1.50;1.5e+00;1.5e+00;1.5" + zeros + "e+00;1.5" + zeros + "e+00;");
 }
 
+TEST_F(TraceFormatter, PrintsTheLargestLongDoubleInFullInFixedForm) {
+  std::ofstream(file_, std::ios::binary) << fileOf("21/FFFFFFFFFFFFFFFFFE7F");
+  formatter_.setFormatString("%d;");
+  std::ostringstream text;
+  text << std::fixed << std::setprecision(0);
+  formatter_.format(text);
+  text << std::setprecision(1'000'000);
+  formatter_.format(text);
+  // 2 to the power of 16384 less 2 to the power of 16320 has 4933 digits.
+  const std::string zeros(8000, '0'), shown = text.str(), number = shown.substr(0, 4933);
+  EXPECT_TRUE(number.starts_with("118973149535723176502126")) << number;
+  EXPECT_TRUE(number.ends_with("604419552086811989770240")) << number;
+  EXPECT_TRUE(shown == number + ";" + number + "." + zeros + ";") << shown.size();
+}
+
 TEST_F(TraceFormatter, EndsBeforeARecordWhoseHeadOrTextsAreCutOff) {
   const Bytes one = fileOf("12/41");
   for (std::size_t size = 0; size < one.size() - 1; ++size)
