@@ -1,0 +1,157 @@
+// Prompts with anything typed, against a model of how lines are read. The input is a text of options, of
+// which each character chooses a prompt, the question, the default, and what is typed.
+#include <cstdint>
+#include <iostream>
+#include <optional>
+#include <sstream>
+#include <string>
+
+#include "fuzz/bytes.h"
+#include "vel_include/vel_consoleui.h"
+
+namespace {
+
+using fuzz::require;
+
+constexpr std::size_t kLongestAnswer = 80;
+
+/// Standard input, as the prompts should understand it.
+class Typed {
+ public:
+  explicit Typed(std::string_view text) : rest_(text) {}
+
+  /// The next line's answer; none at the end of input.
+  std::optional<std::string> line() {
+    if (rest_.empty()) return std::nullopt;
+    const std::size_t end = rest_.find('\n');
+    std::string line(rest_.substr(0, end));
+    rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
+    std::erase(line, '\0');
+    if (end != std::string_view::npos && line.ends_with('\r')) line.pop_back();
+    return line.substr(0, kLongestAnswer);
+  }
+
+ private:
+  std::string_view rest_;
+};
+
+std::string orDefault(const std::optional<std::string>& line, const std::string& otherwise) {
+  return line.value_or("").empty() ? otherwise.substr(0, kLongestAnswer) : *line;
+}
+
+std::optional<std::int32_t> numberOf(const std::string& answer) {
+  const bool isNegative = answer.starts_with('-');
+  std::int64_t number = 0;
+  std::size_t at = isNegative ? 1 : 0;
+  if (at == answer.size() || answer[at] < '0' || answer[at] > '9') return std::nullopt;
+  for (; at < answer.size() && answer[at] >= '0' && answer[at] <= '9'; ++at)
+    number = std::min(number * 10 + (answer[at] - '0'), std::int64_t{1} << 40);
+  return static_cast<std::int32_t>(
+      std::clamp<std::int64_t>(isNegative ? -number : number, INT32_MIN, INT32_MAX));
+}
+
+std::int32_t expectedNumber(Typed& typed, std::int32_t minimum, std::int32_t maximum,
+                            std::int32_t otherwise) {
+  for (;;) {
+    const std::optional<std::string> line = typed.line();
+    if (!line) return otherwise;
+    const std::optional<std::int32_t> number = numberOf(orDefault(line, std::to_string(otherwise)));
+    if (number && *number >= minimum && *number <= maximum) return *number;
+  }
+}
+
+bool expectedDecision(Typed& typed, bool otherwise) {
+  for (;;) {
+    const std::optional<std::string> line = typed.line();
+    if (!line) return otherwise;
+    switch (orDefault(line, otherwise ? "Y" : "N")[0]) {
+      case 'Y':
+      case 'y':
+        return true;
+      case 'N':
+      case 'n':
+        return false;
+      default:
+        break;
+    }
+  }
+}
+
+/// Question and default are the answer before.
+void askAgain(const VelClConsoleUI& ui, Typed& typed) {
+  const char* const last = ui.getParams().getInput();
+  const std::string before = last;
+  require(ui.promptString(last, last) == orDefault(typed.line(), before));
+}
+
+/// One of the kinds of prompts; every one reads on where the one before ended.
+void ask(const VelClConsoleUI& ui, unsigned int option, const char* question, const char* otherwise,
+         Typed& typed) {
+  const auto limit = static_cast<std::int32_t>(option >> 3);
+  switch (option % 8) {
+    case 0:
+      require(ui.promptString(question, otherwise) == orDefault(typed.line(), otherwise));
+      return;
+    case 1:
+      require(ui.promptString(question) == typed.line().value_or(""));
+      return;
+    case 2:
+      ui.prompt(question, otherwise, otherwise);
+      require(ui.getParams().getInput() == orDefault(typed.line(), otherwise));
+      return;
+    case 3:
+      askAgain(ui, typed);
+      return;
+    case 4:
+      require(ui.promptNumval(question, -limit, limit, 0) == expectedNumber(typed, -limit, limit, 0));
+      return;
+    case 5:
+      require(ui.promptNumval(nullptr, INT32_MIN, limit, limit + 1) ==
+              expectedNumber(typed, INT32_MIN, limit, limit + 1));
+      return;
+    case 6:
+      require(ui.promptYesNo(question, limit % 2 == 0) == expectedDecision(typed, limit % 2 == 0));
+      return;
+    default:
+      ui.promptForEnter();
+      typed.line();
+      return;
+  }
+}
+
+/// Exchanges the standard streams' buffers until its end.
+class Streams {
+ public:
+  explicit Streams(std::string_view typed)
+      : typed_{std::string(typed)}, input_(std::cin.rdbuf(&typed_)), output_(std::cout.rdbuf(&shown_)) {}
+  Streams(const Streams&) = delete;
+  ~Streams() {
+    std::cin.rdbuf(input_);
+    std::cout.rdbuf(output_);
+  }
+
+ private:
+  std::stringbuf typed_, shown_;
+  std::streambuf *input_, *output_;
+};
+
+const VelClConsoleUI& userInterface() {
+  static unsigned long size = 0;
+  static const char* const* const table = velMsgCatGetBuiltInTable(&size);
+  static const VelClConsoleUI ui(0, nullptr, VelClFilename("absent"), 0, table, size);
+  return ui;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  fuzz::Bytes input(data, size);
+  const fuzz::Text options = input.text(), question = input.text(), otherwise = input.text();
+  const Streams streams(input.rest());
+  Typed typed(input.rest());
+  const VelClConsoleUI& ui = userInterface();
+  ui.getParams().setInput("");
+  for (const char option : options.view().substr(0, 100))
+    ask(ui, static_cast<unsigned char>(option), question, otherwise, typed);
+  return 0;
+}
