@@ -10,7 +10,7 @@ namespace {
 
 /// "portable" in this environment variable does without the others, so that they can be compared.
 bool arePortableWanted() {
-  const char* const wanted = platform::environmentValue("VEL_KERNELS");
+  const char* const wanted = platform::settingValue("VEL_KERNELS");
   return wanted != nullptr && std::strcmp(wanted, "portable") == 0;
 }
 

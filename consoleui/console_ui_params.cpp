@@ -5,8 +5,9 @@
 
 #include "foundation/allocator.h"
 #include "foundation/ascii.h"
+#include "foundation/enabled_rule.h"
+#include "platform/platform.h"
 #include "vel_include/vel_consoleui.h"
-#include "vel_include/vel_process.h"
 
 namespace {
 
@@ -38,7 +39,7 @@ VelClConsoleUIParams::VelClConsoleUIParams(const char* argv0)
       quiet_(false),
       hideTaggedLines_(false),
       disableTaggedLines_(false),
-      quoteStrings_(VelClEnvironmentVariableQueryOnly("VEL_CONSOLEUI_QUOTE_STRINGS").hasValueEnabled()),
+      quoteStrings_(vel::isEnabledValue(vel::platform::settingValue("VEL_CONSOLEUI_QUOTE_STRINGS"))),
       formatWidth_(36),
       formatStyle_(VelEnFormatStyle::LEFT),
       fillChar_('.'),

@@ -3,10 +3,9 @@
 
 #include "platform/platform.h"
 #include "vel_include/vel_filesys.h"
-#include "vel_include/vel_process.h"
 
 const char* velGetTmpDirectory(void) {
   for (const char* variable : {"TMP", "TEMP"})
-    if (const char* value = VelClEnvironmentVariableQueryOnly(variable).getValue()) return value;
+    if (const char* value = vel::platform::settingValue(variable)) return value;
   return vel::platform::fallbackTmpDirectory();
 }

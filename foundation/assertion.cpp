@@ -88,7 +88,7 @@ bool mayShowWindow() noexcept {
   static bool asked = false;
   if (asked) return true;
   asked = true;
-  return !vel::isEnabledValue(vel::platform::environmentValue("VEL_NO_ASSERT_POPUP"));
+  return !vel::isEnabledValue(vel::platform::settingValue("VEL_NO_ASSERT_POPUP"));
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // The one rule for a setting that switches something on.
 #pragma once
 
+#include <initializer_list>
+
 #include "foundation/ascii.h"
 
 namespace vel {

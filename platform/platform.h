@@ -160,8 +160,11 @@ bool waitForConsoleKey() noexcept;
 
 // ---- Environment (environment.cpp) -----------------------------------------------------------
 
-/// Null when the variable is not set.
+/// Null when the variable is not set. For variables that the program asks for by name.
 const char* environmentValue(const char* name) noexcept;
+/// The same for variables that steer this library: in a program that has more rights than its caller (POSIX:
+/// setuid, setgid, capabilities) none of them is set.
+const char* settingValue(const char* name) noexcept;
 /// `assignment` is "NAME=value", where an empty value removes the variable; it is copied.
 bool putEnvironment(char* assignment) noexcept;
 

@@ -1,4 +1,5 @@
 // A program's file name, completed along the system's search path.
+#include "foundation/enabled_rule.h"
 #include "platform/platform.h"
 #include "vel_include/vel_process.h"
 
@@ -7,8 +8,8 @@ namespace platform = vel::platform;
 VelClExeFile::VelClExeFile(const VelClFilename& name)
     : VelClFile(name, getDefaultFileType()), foundInSystemPath_(false) {
   if (getFilename().hasPath()) {
-    const VelClEnvironmentVariableQueryOnly usePath("VEL_NEWPROCESS_USEPATH");
-    if (platform::programExists(getAsCString()) || !usePath.hasValueEnabled()) return;
+    const bool usesPath = vel::isEnabledValue(platform::settingValue("VEL_NEWPROCESS_USEPATH"));
+    if (platform::programExists(getAsCString()) || !usesPath) return;
     VelClFilename withoutPath(getFilename());
     withoutPath.removePath();
     setFilename(withoutPath);

@@ -6,6 +6,8 @@
 
 #include "foundation/allocator.h"
 #include "foundation/ascii.h"
+#include "foundation/enabled_rule.h"
+#include "platform/platform.h"
 #include "trace/record.h"
 #include "trace/verbose_line.h"
 #include "vel_include/vel_helpers.h"
@@ -34,17 +36,14 @@ class Variables {
   }
 
   /// Null when it is not set.
-  const char* value(const char* suffix) { return select(suffix).getValue(); }
-  bool isEnabled(const char* suffix) { return select(suffix).hasValueEnabled(); }
+  const char* value(const char* suffix) {
+    std::memcpy(name_ + keyLength_, suffix, std::strlen(suffix) + 1);
+    // The systems' own calls disagree about keys such as "a=b".
+    return std::strchr(name_, '=') == nullptr ? vel::platform::settingValue(name_) : nullptr;
+  }
+  bool isEnabled(const char* suffix) { return vel::isEnabledValue(value(suffix)); }
 
  private:
-  VelClEnvironmentVariableQueryOnly& select(const char* suffix) {
-    std::memcpy(name_ + keyLength_, suffix, std::strlen(suffix) + 1);
-    variable_.setNewName(name_);
-    return variable_;
-  }
-
-  VelClEnvironmentVariableQueryOnly variable_;
   std::size_t keyLength_ = 0;
   char name_[VelClEnvironmentVariableABase::kMaxNameLength + 1] = {};
 };

@@ -28,7 +28,8 @@
 VEL_C_API int velTmpFileCreate(const char* directory, const char* prefix, char* name);
 
 /// The directory for scratch files: the value of TMP when set (even when empty), else of TEMP, else
-/// "C:\\" on Windows; on Linux TMPDIR and "/tmp" follow TEMP. The text belongs to the environment.
+/// "C:\\" on Windows; on Linux TMPDIR and "/tmp" follow TEMP. The text belongs to the environment. In a program
+/// on Linux that has more rights than its caller (setuid, setgid, capabilities) these variables are ignored.
 VEL_C_API const char* velGetTmpDirectory(void);
 
 /// Whether a runtime file descriptor translates line breaks (text mode) or not (binary mode). On

@@ -325,7 +325,8 @@ class VEL_API VelClTraceBufferManager {
 ///   <KEY>_TRACE_VERBOSE    yes: report all this, and every save, on standard output
 ///
 /// "yes" may be ON, YES, TRUE or 1 in any letter case. Other values switch nothing off, except in
-/// <KEY>_TRACE_ACTIVE. Values that make no sense count as the least: detail OFF, 4 kilobytes.
+/// <KEY>_TRACE_ACTIVE. Values that make no sense count as the least: detail OFF, 4 kilobytes. In a program on
+/// Linux that has more rights than its caller (setuid, setgid, capabilities) all these variables are ignored.
 ///
 /// The trace file is appended to and has no header, so that processes can share it; but a record that wraps
 /// around the end of the ring is saved in two parts, between which another process may write. Give each

@@ -3,11 +3,16 @@
 #include <cstring>
 
 #include "platform/platform.h"
+#include "platform/posix/privileges.h"
 
 namespace vel::platform {
 
 const char* environmentValue(const char* name) noexcept {
   return std::getenv(name);
+}
+
+const char* settingValue(const char* name) noexcept {
+  return isPrivileged() ? nullptr : environmentValue(name);
 }
 
 bool putEnvironment(char* assignment) noexcept {

@@ -12,6 +12,7 @@
 
 #include "foundation/ascii.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/privileges.h"
 
 namespace vel::platform {
 
@@ -124,6 +125,7 @@ NameForms NameForms::ofLibrary(std::string_view name) noexcept {
 }
 
 bool searchFile(const NameForms& forms, unsigned places, TakeFile take, void* context) noexcept {
+  if ((places & kAlsoPrivileged) == 0 && isPrivileged()) places &= ~(kInCurrentDirectory | kAlongPath);
   // The exact spelling first, everywhere: reading whole directories is slow.
   for (const bool ignoreCase : {false, true})
     for (const NameForm& form : forms)

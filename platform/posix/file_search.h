@@ -37,12 +37,14 @@ class NameForms {
   std::size_t count_;
 };
 
-/// Where to look, in this order.
+/// Where to look, in this order. A privileged program takes nothing from the current directory and along
+/// PATH, which its caller chooses, except where kAlsoPrivileged says so.
 enum SearchPlaces : unsigned {
   kBesideProgram = 1,
   kInCurrentDirectory = 2,
   kAlongPath = 4,
   kBesideThisLibrary = 8,
+  kAlsoPrivileged = 16,
 };
 
 /// Takes a path that may be a file's, or declines it so that the search goes on.

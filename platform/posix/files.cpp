@@ -7,7 +7,6 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <cstdlib>
 #include <cstring>
 
 #include "platform/platform.h"
@@ -122,7 +121,7 @@ bool currentDirectory(char* out, std::size_t capacity) noexcept {
 }
 
 const char* fallbackTmpDirectory() noexcept {
-  const char* const directory = std::getenv("TMPDIR");
+  const char* const directory = settingValue("TMPDIR");
   return directory != nullptr && *directory != '\0' ? directory : "/tmp";
 }
 

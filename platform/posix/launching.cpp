@@ -324,7 +324,8 @@ bool programExists(const char* name) noexcept {
 
 bool searchProgram(const char* name, char* out, std::size_t capacity) noexcept {
   FoundPath found{out, capacity};
-  return searchFile(NameForms::ofProgram(name), kInCurrentDirectory | kAlongPath, takeRunnable, &found);
+  constexpr unsigned kPlaces = kInCurrentDirectory | kAlongPath | kAlsoPrivileged;
+  return searchFile(NameForms::ofProgram(name), kPlaces, takeRunnable, &found);
 }
 
 }  // namespace vel::platform

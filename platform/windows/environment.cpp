@@ -10,6 +10,10 @@ const char* environmentValue(const char* name) noexcept {
   return std::getenv(name);
 }
 
+const char* settingValue(const char* name) noexcept {
+  return environmentValue(name);
+}
+
 bool putEnvironment(char* assignment) noexcept {
   // The runtime takes a bare name without complaint or effect, and destroys a variable whose new value is
   // longer than the system's limit.

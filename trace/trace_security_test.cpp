@@ -1,0 +1,71 @@
+// What another user can do by environment variables and planted files.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+
+#include "platform/test/child_process.h"
+#include "platform/test/scratch_directory.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kOtherUser = "65534";
+
+/// A copy of the program that tells what it makes of its variables, and all that these can lead it to.
+class SettingsOfPrivileged : public testing::Test {
+ protected:
+  SettingsOfPrivileged() {
+    const fs::path programs = fs::path(vel::test::ownProgram()).parent_path();
+    chmod(directory_.path().c_str(), 0755);
+    fs::create_directory(planted_);
+    fs::copy_file(programs / "settings_program", program_);
+    fs::copy_file(programs / "libsample_library.so", planted_ + "/planted_library.so");
+    fs::copy_file(programs / "qammsg50.DLL", planted_ + "/planted_catalog.dll");
+    fs::copy_file(programs / "settings_program", planted_ + "/planted_program");
+  }
+
+  /// What the program tells when the other user starts it, or this one, and then the file that its variables
+  /// name for the trace.
+  std::string run(mode_t mode, bool byOther) {
+    const std::string victim = directory_.write("victim", "kept");
+    chmod(program_.c_str(), mode);
+    vel::test::ChildOptions options;
+    options.environment = {{"UNIT_TRACE_ACTIVE", "yes"},
+                           {"UNIT_TRACE_AUTOCLEAR", "yes"},
+                           {"UNIT_TRACE_FILE", victim},
+                           {"TMP", planted_},
+                           {"TEMP", planted_},
+                           {"TMPDIR", planted_},
+                           {"PATH", planted_},
+                           {"VEL_CONSOLEUI_QUOTE_STRINGS", "yes"},
+                           {"VEL_NEWPROCESS_USEPATH", "yes"},
+                           // A watched process gets no rights from its file.
+                           {"ASAN_OPTIONS", "detect_leaks=0"}};
+    const vel::test::ChildResult child =
+        byOther ? vel::test::runChild("settings_program", {kOtherUser, program_}, options)
+                : vel::test::runChild(program_, {}, options);
+    return child.output + (vel::test::readFile(victim) == "kept" ? "kept" : "changed");
+  }
+
+  vel::test::ScratchDirectory directory_;
+  const std::string program_ = directory_.path("program"), planted_ = directory_.path("planted");
+};
+
+TEST_F(SettingsOfPrivileged, AreNotTheCallers) {
+  const std::string own = "privileged no\ntraced yes\nscratch " + planted_ +
+                          "\nquoted yes\nprogram yes\nlibrary yes\ncatalog yes\nasked yes\nchanged";
+  const std::string privileged =
+      "privileged yes\ntraced no\nscratch /tmp\nquoted no\nprogram no\nlibrary no\ncatalog no\nasked "
+      "yes\nkept";
+  EXPECT_EQ(run(0755, false), own);
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
+  if (!run(04755, true).starts_with("privileged yes"))
+    GTEST_SKIP() << "the system gives no rights to programs";
+  for (const mode_t mode : {04755U, 02755U}) EXPECT_EQ(run(mode, true), privileged) << std::oct << mode;
+}
+
+}  // namespace
