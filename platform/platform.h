@@ -74,9 +74,13 @@ struct Bytes {
   std::size_t size;
 };
 
+/// Which files are appended to. OwnFile is for names that other users know or can guess, in directories where
+/// they may make files: on POSIX systems it refuses links and everything but a regular file of this user
+/// that has one name and that nobody else may write to. (On Windows scratch directories are each user's own.)
+enum class AppendTo { AnyFile, OwnFile };
 /// Creates a missing file for this user alone. Children do not inherit the descriptor, and nothing is waited
-/// for. -1 with the reason in `error`.
-int openForAppending(const char* name, SystemError& error) noexcept;
+/// for. -1 with the reason in `error`: ELOOP for a link, EPERM for a file that is not the user's own.
+int openForAppending(const char* name, AppendTo target, SystemError& error) noexcept;
 /// Appends both pieces in one call of the system, so that those of other processes stay before or behind
 /// them, and returns how many bytes were written; the reason is in `error` when these are not all. No failure
 /// raises a signal.

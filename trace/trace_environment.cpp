@@ -77,7 +77,8 @@ VelClTraceEnvironment::VelClTraceEnvironment(const char* key, const char* instan
       plainTotal_(0),
       compressedTotal_(0),
       lostBytes_(0),
-      lastSystemError_(0) {
+      lastSystemError_(0),
+      isDefaultFile_(false) {
   // What is made before a later allocation fails goes back.
   std::unique_ptr<VelClTraceSettings, Destroy> settings(vel::create<VelClTraceSettings>());
   settings_ = settings.get();
@@ -153,10 +154,12 @@ void VelClTraceEnvironment::determineSettingsFromEnvVars(const char* key) {
   if (variables.isEnabled("_TRACE_COMPRESS")) settings_->enableCompression(true);
   if (const char* components = variables.value("_TRACE_COMPSET")) settings_->initComponentIds(components);
   if (const char* kilobytes = variables.value("_TRACE_BUFSIZE")) bufferSize_ = bufferSizeFrom(kilobytes);
-  if (const char* file = variables.value("_TRACE_FILE"))
-    filename_ = file;
-  else
+  const char* const file = variables.value("_TRACE_FILE");
+  isDefaultFile_ = file == nullptr;
+  if (isDefaultFile_)
     filename_.setNew(velGetTmpDirectory(), vel::String(key).append("trace.trc").c_str());
+  else
+    filename_ = file;
   const char* format = variables.value("_TRACE_FORMAT");
   setFormatString(format == nullptr ? kDefaultFormat : format);
   if (!variables.isEnabled("_TRACE_VERBOSE")) return;

@@ -8,6 +8,7 @@
 
 namespace {
 
+using vel::platform::AppendTo;
 using vel::platform::SystemError;
 using vel::trace::VerboseLine;
 
@@ -31,7 +32,8 @@ void VelClTraceEnvironment::append(const _VelStTraceBufferCallBackInfo& info) {
   const char* const name = filename_.getAsCString();
   const std::uint64_t size = info.firstLength + info.secondLength;
   SystemError error = 0;
-  const int descriptor = vel::platform::openForAppending(name, error);
+  const AppendTo target = isDefaultFile_ ? AppendTo::OwnFile : AppendTo::AnyFile;
+  const int descriptor = vel::platform::openForAppending(name, target, error);
   std::uint64_t written = 0;
   if (descriptor == -1) {
     if (verbose) VerboseLine() << "could not open: " << name << " (errno: " << error << ")";

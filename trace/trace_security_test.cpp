@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <string>
 
@@ -66,6 +67,41 @@ TEST_F(SettingsOfPrivileged, AreNotTheCallers) {
   if (!run(04755, true).starts_with("privileged yes"))
     GTEST_SKIP() << "the system gives no rights to programs";
   for (const mode_t mode : {04755U, 02755U}) EXPECT_EQ(run(mode, true), privileged) << std::oct << mode;
+}
+
+/// A trace without a name for its file, in a directory where others may make files.
+class DefaultTraceFile : public testing::Test {
+ protected:
+  /// Traces an entry and tells what verbose mode says about the file.
+  std::string trace() {
+    vel::test::ChildOptions options;
+    options.environment = {
+        {"UNIT_TRACE_ACTIVE", "yes"}, {"UNIT_TRACE_VERBOSE", "yes"}, {"TMP", directory_.path()}};
+    const vel::test::ChildResult child = vel::test::runChild("settings_program", {}, options);
+    EXPECT_EQ(child.exitCode, 0);
+    EXPECT_NE(child.output.find("traced yes"), std::string::npos) << "the program goes on";
+    const std::string start = "[VEL: TRACE: could not open: " + file_ + " (errno: ";
+    const std::size_t at = child.output.find(start);
+    return at == std::string::npos ? "" : child.output.substr(at + start.size(), 3);
+  }
+
+  vel::test::ScratchDirectory directory_;
+  const std::string file_ = directory_.path("unittrace.trc"), victim_ = directory_.write("victim", "kept");
+};
+
+TEST_F(DefaultTraceFile, IsTheUsersOwnOrNotWritten) {
+  chmod(directory_.path().c_str(), 01777);
+  EXPECT_EQ(trace(), "");
+  const auto size = fs::file_size(file_);
+  EXPECT_EQ(trace(), "");
+  EXPECT_EQ(fs::file_size(file_), 2 * size) << "the second one is appended";
+  fs::remove(file_);
+  fs::create_symlink("victim", file_);
+  EXPECT_EQ(trace(), std::to_string(ELOOP) + ")");
+  fs::remove(file_);
+  fs::create_hard_link(victim_, file_);
+  EXPECT_EQ(trace(), std::to_string(EPERM) + ")]");
+  EXPECT_EQ(vel::test::readFile(victim_), "kept");
 }
 
 }  // namespace

@@ -328,6 +328,10 @@ class VEL_API VelClTraceBufferManager {
 /// <KEY>_TRACE_ACTIVE. Values that make no sense count as the least: detail OFF, 4 kilobytes. In a program on
 /// Linux that has more rights than its caller (setuid, setgid, capabilities) all these variables are ignored.
 ///
+/// On Linux a trace file that no variable and no call has named is written only if it is the user's own: no
+/// link, no second name, not of another user, and not writable for others. A file that is named is taken as
+/// it is.
+///
 /// The trace file is appended to and has no header, so that processes can share it; but a record that wraps
 /// around the end of the ring is saved in two parts, between which another process may write. Give each
 /// process a file of its own where that matters. A save that fails may leave a part of a record in the file;
@@ -358,7 +362,10 @@ class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
   /// The trace file's.
   const VelClFilename& getFilename() const { return filename_; }
   /// For saving and formatting from now on. Longer names than 260 characters are cut.
-  void setFilename(const char* name) { filename_ = name; }
+  void setFilename(const char* name) {
+    filename_ = name;
+    isDefaultFile_ = false;
+  }
   /// Of setFormatString or <KEY>_TRACE_FORMAT; without these, one that shows everything.
   const char* getFormatString() const { return format_; }
   /// Cut at 512 characters; null counts as "".
@@ -404,6 +411,7 @@ class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
   mutable uint32_t compressedTotal_;
   uint64_t lostBytes_;
   int lastSystemError_;
+  bool isDefaultFile_;  ///< no variable and no call has named the file
 };
 
 /// Where entries go. `context` is what was registered with it; the other arguments are those of

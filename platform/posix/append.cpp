@@ -48,6 +48,14 @@ class WriteSignalsHeld {
   bool failed_ = false;
 };
 
+/// Another user can have linked a second name to a file that they may write to. Who else may read it was
+/// decided by its owner.
+bool isOwnFile(int descriptor) noexcept {
+  struct stat status;
+  return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid() &&
+         status.st_nlink <= 1 && (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
 void moveOn(iovec& piece, std::size_t count) noexcept {
   piece.iov_base = static_cast<char*>(piece.iov_base) + count;
   piece.iov_len -= count;
@@ -63,18 +71,21 @@ void setLastErrors(const LastErrors& errors) noexcept {
   errno = errors.runtime;
 }
 
-int openForAppending(const char* name, SystemError& error) noexcept {
+int openForAppending(const char* name, AppendTo target, SystemError& error) noexcept {
   const NativePath path(name);
   error = ENAMETOOLONG;
   if (!path.fits()) return -1;
+  // A pipe without a reader is a failure and nothing to wait for.
+  constexpr int kFlags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+  const int flags = target == AppendTo::OwnFile ? kFlags | O_NOFOLLOW : kFlags;
   int descriptor = -1;
-  do {
-    // A pipe without a reader is a failure and nothing to wait for.
-    descriptor = open(path.get(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK,
-                      S_IRUSR | S_IWUSR);
-  } while (descriptor < 0 && errno == EINTR);
+  do descriptor = open(path.get(), flags, S_IRUSR | S_IWUSR);
+  while (descriptor < 0 && errno == EINTR);
   error = descriptor < 0 ? errno : 0;
-  return descriptor;
+  if (descriptor < 0 || target == AppendTo::AnyFile || isOwnFile(descriptor)) return descriptor;
+  close(descriptor);
+  error = EPERM;
+  return -1;
 }
 
 std::uint64_t appendBytes(int descriptor, const Bytes& first, const Bytes& second,

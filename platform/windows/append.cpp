@@ -60,7 +60,7 @@ void setLastErrors(const LastErrors& errors) noexcept {
   SetLastError(errors.system);
 }
 
-int openForAppending(const char* name, SystemError& error) noexcept {
+int openForAppending(const char* name, AppendTo, SystemError& error) noexcept {
   const int descriptor =
       _open(name, _O_WRONLY | _O_APPEND | _O_CREAT | _O_BINARY | _O_SEQUENTIAL | _O_NOINHERIT,
             _S_IREAD | _S_IWRITE);
