@@ -31,7 +31,8 @@ bool TraceFileInput::skip(std::uint64_t count) {
 }
 
 TraceFileInput::int_type TraceFileInput::underflow() {
-  const std::int64_t count = platform::readBytes(descriptor_, buffer_.get(), kCapacity);
+  const std::int64_t count = failed_ ? 0 : platform::readBytes(descriptor_, buffer_.get(), kCapacity);
+  if (count < 0) failed_ = true;
   char* const start = buffer_.get();
   setg(start, start, start + std::max<std::int64_t>(count, 0));
   return count > 0 ? traits_type::to_int_type(*start) : traits_type::eof();

@@ -31,9 +31,11 @@ class TraceFileInput final : public std::streambuf {
   }
   /// False when the file ends before. Takes no longer than reading the rest of the file.
   bool skip(std::uint64_t count);
+  /// Whether the end was in fact a failure to read.
+  bool hasFailed() const { return failed_; }
 
  protected:
-  /// A failure to read counts as the end of the file.
+  /// After a failure to read there is nothing more.
   int_type underflow() override;
   std::streamsize xsgetn(char* out, std::streamsize count) override {
     return static_cast<std::streamsize>(read(out, static_cast<std::size_t>(count)));
@@ -47,6 +49,7 @@ class TraceFileInput final : public std::streambuf {
   }
 
   int descriptor_ = -1;
+  bool failed_ = false;
   OwnedText buffer_;
 };
 

@@ -108,6 +108,7 @@ std::string_view VelClTraceFormatter::Run::loadText(TextId id) {
 void VelClTraceFormatter::Run::formatAll() {
   try {
     while (formatEntry()) ++formatter_.entryCount_;
+    if (input_.hasFailed()) unexpectedEnd("VelClTraceFormatter::formatEntry, line 644", 644);
   } catch (...) {
     out_.flush();
     throw;

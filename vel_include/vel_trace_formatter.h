@@ -26,8 +26,9 @@ class VelClTraceFilter;
 /// Of a nesting level 1,024 levels are shown as indentation at most, and none of one above 2147483647.
 /// Faults of the file are thrown as VelClException with severity FATAL and action TERMINATE; what was
 /// formatted before stays written: TRACEFORMAT_COULD_NOT_OPEN with class IO_PERMISSION_DENIED,
-/// TRACEFORMAT_UNEXPECTED_EOF with IO_READ_PROBLEM for data that is cut off, TRACEFORMAT_FILE_CORRUPTED with
-/// INVALID_DATA or DATA_OUT_OF_BOUNDS for data that does not fit its type. Nothing is allocated per entry.
+/// TRACEFORMAT_UNEXPECTED_EOF with IO_READ_PROBLEM for data that is cut off or that the system fails to read,
+/// TRACEFORMAT_FILE_CORRUPTED with INVALID_DATA or DATA_OUT_OF_BOUNDS for data that does not fit its type.
+/// Nothing is allocated per entry.
 class VEL_API VelClTraceFormatter {
  public:
   /// The file's name, and the format string at first, come from `environment`; a null filter means that of
