@@ -177,6 +177,14 @@ bool putEnvironment(char* assignment) noexcept;
 std::uint32_t currentProcessId() noexcept;
 std::uint32_t currentThreadId() noexcept;
 
+namespace detail {
+extern std::uint32_t forks;
+}
+/// Another number in the child of a fork than in its parent; on Windows always the same. Costs no call.
+inline std::uint32_t forkCount() noexcept {
+  return detail::forks;
+}
+
 // ---- Launching and ending processes (launching.cpp) ------------------------------------------
 
 struct Launch {

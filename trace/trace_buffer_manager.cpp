@@ -1,10 +1,14 @@
 // The ring of trace bytes.
+#include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 
+#include "platform/platform.h"
 #include "vel_include/vel_trace.h"
 
-/// Lies at the start of the ring's memory.
+/// Lies at the start of the ring's memory. Threads that trace without taking turns damage entries, but never
+/// write outside the ring: a position is read once, checked, and then used.
 struct VelClTraceBufferManager::Header {
   char signature[4];
   uint32_t unused;
@@ -13,6 +17,19 @@ struct VelClTraceBufferManager::Header {
   char* dataEnd;  ///< the last byte, which belongs to the data
   char* save;     ///< the first byte not handed over yet; one past the last byte after a wrap
   char* write;    ///< where the next byte goes
+
+  char* writePosition() { return std::atomic_ref(write).load(std::memory_order_relaxed); }
+  /// Two threads that commit to the same place leave a position beyond the end.
+  size_t roomAt(const char* place) const {
+    return place <= dataEnd ? static_cast<size_t>(dataEnd + 1 - place) : 0;
+  }
+  /// The parent of a fork saves what it has written itself.
+  void dropBytesOfParent(uint32_t& forkCount, bool& dirty) {
+    if (forkCount == vel::platform::forkCount()) return;
+    forkCount = vel::platform::forkCount();
+    save = write;
+    dirty = false;
+  }
 };
 
 namespace {
@@ -27,7 +44,8 @@ VelClTraceBufferManager::VelClTraceBufferManager(const VelClResourceKeySemaphore
       header_(reinterpret_cast<Header*>(buffer)),
       handler_(nullptr),
       context_(nullptr),
-      dirty_(false) {
+      dirty_(false),
+      forkCount_(vel::platform::forkCount()) {
   static_assert(sizeof(Header) == 48);
   if (std::memcmp(header_->signature, kSignature, sizeof kSignature) == 0) return;
   std::memcpy(header_->signature, kSignature, sizeof kSignature);
@@ -55,6 +73,7 @@ void VelClTraceBufferManager::attachOverflowHandler(VelTraceOverflowHandler hand
 
 void VelClTraceBufferManager::write(const VelClTraceEntry& entry) {
   const VelClTraceBufferAccessSemaphore access(*key_);
+  header_->dropBytesOfParent(forkCount_, dirty_);
   dirty_ = true;
   write(entry.getEntryData(), entry.getSizeOfEntryData());
   write(static_cast<const char*>(entry.getDumpData()), entry.getDumpDataLength());
@@ -63,9 +82,10 @@ void VelClTraceBufferManager::write(const VelClTraceEntry& entry) {
 // What stands behind the write position has been handed over, unless there was no handler for a while: then
 // the save position can be there, too.
 unsigned char* VelClTraceBufferManager::reserve(size_t size) {
-  const bool free =
-      handler_ != nullptr && (header_->save < header_->write || header_->save > header_->dataEnd);
-  return free && size < room() ? reinterpret_cast<unsigned char*>(header_->write) : nullptr;
+  header_->dropBytesOfParent(forkCount_, dirty_);
+  char* const place = header_->writePosition();
+  const bool free = handler_ != nullptr && (header_->save < place || header_->save > header_->dataEnd);
+  return free && size < header_->roomAt(place) ? reinterpret_cast<unsigned char*>(place) : nullptr;
 }
 
 void VelClTraceBufferManager::commit(size_t size) {
@@ -76,6 +96,7 @@ void VelClTraceBufferManager::commit(size_t size) {
 
 void VelClTraceBufferManager::flush() {
   const VelClTraceBufferAccessSemaphore access(*key_);
+  header_->dropBytesOfParent(forkCount_, dirty_);
   if (!dirty_) return;
   handOver();
   dirty_ = false;
@@ -92,12 +113,14 @@ void VelClTraceBufferManager::write(const char* data, size_t length) {
 }
 
 size_t VelClTraceBufferManager::room() const {
-  return static_cast<size_t>(header_->dataEnd + 1 - header_->write);
+  return header_->roomAt(header_->writePosition());
 }
 
 void VelClTraceBufferManager::append(const char* data, size_t length) {
-  std::memcpy(header_->write, data, length);
-  header_->write += length;
+  char* const place = header_->writePosition();
+  length = std::min(length, header_->roomAt(place));
+  std::memcpy(place, data, length);
+  header_->write = place + length;
 }
 
 void VelClTraceBufferManager::fill(const char* data, size_t length) {
@@ -109,14 +132,17 @@ void VelClTraceBufferManager::fill(const char* data, size_t length) {
 /// Without a handler nothing is ever handed over, and the oldest bytes are overwritten.
 void VelClTraceBufferManager::handOver() {
   if (handler_ == nullptr) return;
-  _VelStTraceBufferCallBackInfo info{context_, header_->save, 0, nullptr, 0};
-  if (header_->save >= header_->write) {
-    info.firstLength = static_cast<uint64_t>(header_->dataEnd + 1 - header_->save);
+  char* const end = header_->dataEnd + 1;
+  char* const save = std::min(header_->save, end);
+  char* const write = std::min(header_->writePosition(), end);
+  _VelStTraceBufferCallBackInfo info{context_, save, 0, nullptr, 0};
+  if (save >= write) {
+    info.firstLength = static_cast<uint64_t>(end - save);
     info.second = header_->dataStart;
-    info.secondLength = static_cast<uint64_t>(header_->write - header_->dataStart);
+    info.secondLength = static_cast<uint64_t>(write - header_->dataStart);
   } else {
-    info.firstLength = static_cast<uint64_t>(header_->write - header_->save);
+    info.firstLength = static_cast<uint64_t>(write - save);
   }
   handler_(info);
-  header_->save = header_->write;
+  header_->save = write;
 }

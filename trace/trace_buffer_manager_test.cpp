@@ -1,5 +1,8 @@
+#include <atomic>
+#include <cstring>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "trace/test/trace_fixture.h"
@@ -115,6 +118,54 @@ TEST_F(TraceBufferManager, TakesOverARingThatIsInUse) {
   second.flush();
   EXPECT_EQ(handedOver().substr(0, 60), written_);
   EXPECT_EQ(handedOver().size(), 100U);
+}
+
+/// Its header says that the next byte goes beyond the end, as threads that do not take turns can leave it.
+TEST_F(TraceBufferManager, SurvivesAPositionBeyondTheEnd) {
+  attach();
+  write(50);
+  constexpr std::size_t kWritePosition = 40;
+  for (const std::size_t beyond : {2U, 30U}) {
+    char* const position = memory_ + sizeof memory_ + beyond;
+    std::memcpy(memory_ + kWritePosition, &position, sizeof position);
+    EXPECT_EQ(manager_.reserve(1), nullptr);
+    write(60);
+    manager_.flush();
+    for (const auto& [first, second] : calls_) EXPECT_LE(first.size() + second.size(), 2 * kRoom);
+    const std::string all = handedOver();
+    EXPECT_EQ(all.substr(all.size() - 60), written_.substr(written_.size() - 60));
+  }
+}
+
+TEST_F(TraceBufferManager, KeepsThreadsInsideTheRing) {
+  struct Bounds {
+    const char *start, *end;
+    std::atomic<int> outside;
+  } bounds{memory_ + 48, memory_ + sizeof memory_, 0};
+  const auto check = [](const _VelStTraceBufferCallBackInfo& info) {
+    auto& ring = *static_cast<Bounds*>(info.context);
+    const bool inside =
+        info.first >= ring.start && info.first + info.firstLength <= ring.end && info.secondLength <= kRoom;
+    if (!inside) ++ring.outside;
+  };
+  manager_.attachOverflowHandler(check, &bounds);
+  std::vector<std::thread> threads;
+  for (std::size_t number = 0; number < 4; ++number)
+    threads.emplace_back([this, number] {
+      const SizedEntry entry(*environment_, 20 + 31 * number, 'x');
+      for (int count = 0; count < 100'000; ++count) {
+        constexpr std::size_t kSize = 40;
+        unsigned char* const place = manager_.reserve(kSize);
+        if (place == nullptr) {
+          manager_.write(entry.get());
+        } else {
+          std::memset(place, 'y', kSize);
+          manager_.commit(kSize);
+        }
+      }
+    });
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(bounds.outside, 0);
 }
 
 struct AnyKey : VelClResourceKeyABase {

@@ -1,14 +1,18 @@
-// What another user can do by environment variables and planted files.
+// What other users can do by environment variables and planted files, and what children of a fork leave
+// alone.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "platform/test/child_process.h"
 #include "platform/test/scratch_directory.h"
+#include "trace/test/trace_fixture.h"
 
 namespace {
 
@@ -102,6 +106,65 @@ TEST_F(DefaultTraceFile, IsTheUsersOwnOrNotWritten) {
   fs::create_hard_link(victim_, file_);
   EXPECT_EQ(trace(), std::to_string(EPERM) + ")]");
   EXPECT_EQ(vel::test::readFile(victim_), "kept");
+}
+
+class TraceOfForks : public vel::test::TraceTest {
+ protected:
+  void trace(const char* origin) const {
+    velTraceDump(VelEnTraceDetail::LOW, 1, VelEnTraceDataType::DATA_NONE, origin, "", "", 0);
+  }
+  /// Runs the action in a child, which then ends as programs do.
+  template <typename Action>
+  static void inChild(Action action) {
+    const pid_t child = fork();
+    if (child == 0) {
+      action();
+      velTraceDeleteInstance();
+      _exit(0);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+  }
+  /// The functions that the file tells of, in its order.
+  std::string origins() const {
+    std::string all;
+    std::ifstream stream(file_, std::ios::binary);
+    const auto reader = environment(true);
+    for (VelClTraceFileEntry entry(*reader); entry.read(stream);) all += entry.getOrigin() + std::string(" ");
+    return all;
+  }
+};
+
+TEST_F(TraceOfForks, HasEveryEntryOnce) {
+  set("ACTIVE", "yes");
+  velTraceCreateInstance("unit", nullptr);
+  trace("parent1");
+  inChild([] {});
+  inChild([this] {
+    trace("child1");
+    inChild([this] { trace("grandchild"); });
+    trace("child2");
+  });
+  trace("parent2");
+  velTraceDeleteInstance();
+  EXPECT_EQ(origins(), "grandchild child1 child2 parent1 parent2 ");
+}
+
+/// The child saves when its ring is full, too.
+TEST_F(TraceOfForks, SavesOnOverflowOnlyWhatTheChildHasTraced) {
+  set("ACTIVE", "yes");
+  set("BUFSIZE", "4");
+  velTraceCreateInstance("unit", nullptr);
+  trace("parent");
+  std::string expected;
+  inChild([this] {
+    for (int i = 0; i < 1000; ++i) trace("child");
+  });
+  for (int i = 0; i < 1000; ++i) expected += "child ";
+  EXPECT_EQ(origins(), expected);
+  velTraceDeleteInstance();
+  EXPECT_EQ(origins(), expected + "parent ");
 }
 
 }  // namespace

@@ -265,6 +265,8 @@ typedef void (*VelTraceOverflowHandler)(const _VelStTraceBufferCallBackInfo& inf
 ///   | 48     |                                                          |
 ///   |--------|....saved....|######### unsaved #########|....saved........|
 ///                          ^ save position             ^ write position
+///
+/// In the child of a fork() what its parent has not saved yet counts as saved: the parent hands it over.
 class VEL_API VelClTraceBufferManager {
  public:
   /// `size` bytes, of which 48 are the header; at least 49, aligned for pointers. Memory that a manager has
@@ -307,6 +309,7 @@ class VEL_API VelClTraceBufferManager {
   VelTraceOverflowHandler handler_;
   void* context_;
   bool dirty_;
+  uint32_t forkCount_;
 };
 
 /// What belongs to one trace key: the settings, the ring and the trace file's name. Environment variables,

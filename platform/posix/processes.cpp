@@ -7,15 +7,21 @@
 
 namespace vel::platform {
 
+std::uint32_t detail::forks = 0;
+
 namespace {
 
 /// Asking the system takes longer than all else that a trace entry costs; so nearly does a variable of the
 /// general kind.
 thread_local std::uint32_t threadId __attribute__((tls_model("initial-exec"))) = 0;
 
+/// The child of a fork is another process and another thread.
+const int registered = pthread_atfork(nullptr, nullptr, [] {
+  ++detail::forks;
+  threadId = 0;
+});
+
 std::uint32_t askThreadId() noexcept {
-  // The child of a fork is another thread.
-  static const int registered = pthread_atfork(nullptr, nullptr, [] { threadId = 0; });
   const auto id = static_cast<std::uint32_t>(syscall(SYS_gettid));
   if (registered == 0) threadId = id;
   return id;

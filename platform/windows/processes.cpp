@@ -6,6 +6,8 @@
 
 namespace vel::platform {
 
+std::uint32_t detail::forks = 0;
+
 std::uint32_t currentProcessId() noexcept {
   return GetCurrentProcessId();
 }
