@@ -18,7 +18,8 @@ struct VelClTraceBufferManager::Header {
   char* save;     ///< the first byte not handed over yet; one past the last byte after a wrap
   char* write;    ///< where the next byte goes
 
-  char* writePosition() { return std::atomic_ref(write).load(std::memory_order_relaxed); }
+  static char* readOnce(char*& position) { return std::atomic_ref(position).load(std::memory_order_relaxed); }
+  char* writePosition() { return readOnce(write); }
   /// Two threads that commit to the same place leave a position beyond the end.
   size_t roomAt(const char* place) const {
     return place <= dataEnd ? static_cast<size_t>(dataEnd + 1 - place) : 0;
@@ -133,7 +134,7 @@ void VelClTraceBufferManager::fill(const char* data, size_t length) {
 void VelClTraceBufferManager::handOver() {
   if (handler_ == nullptr) return;
   char* const end = header_->dataEnd + 1;
-  char* const save = std::min(header_->save, end);
+  char* const save = std::min(Header::readOnce(header_->save), end);
   char* const write = std::min(header_->writePosition(), end);
   _VelStTraceBufferCallBackInfo info{context_, save, 0, nullptr, 0};
   if (save >= write) {

@@ -153,13 +153,14 @@ TEST_F(TraceBufferManager, KeepsThreadsInsideTheRing) {
   for (std::size_t number = 0; number < 4; ++number)
     threads.emplace_back([this, number] {
       const SizedEntry entry(*environment_, 20 + 31 * number, 'x');
-      for (int count = 0; count < 100'000; ++count) {
+      for (int count = 0; count < 20'000; ++count) {
         constexpr std::size_t kSize = 40;
         unsigned char* const place = manager_.reserve(kSize);
         if (place == nullptr) {
           manager_.write(entry.get());
         } else {
           std::memset(place, 'y', kSize);
+          std::this_thread::yield();
           manager_.commit(kSize);
         }
       }
