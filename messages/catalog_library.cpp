@@ -1,43 +1,53 @@
-// A loaded catalog library. The system finds the file; its texts are read and formatted here, by the same
-// code on every system.
+// A loaded catalog library. The system finds the file; it is read and its texts are formatted here, by the
+// same code on every system.
 #include "messages/catalog_library.h"
+
+#include <utility>
 
 #include "messages/insert_formatter.h"
 #include "messages/resource_text.h"
+#include "platform/byte_files.h"
 
 namespace vel::messages {
 namespace {
 
-/// Closes an image that no library has taken over.
-struct ImageGuard {
-  platform::CatalogImage image{};
-  bool open = false;
-
-  ImageGuard() = default;
-  ImageGuard(const ImageGuard&) = delete;
-  ImageGuard& operator=(const ImageGuard&) = delete;
-  ~ImageGuard() {
-    if (open) platform::closeCatalog(image);
+class Descriptor {
+ public:
+  explicit Descriptor(int descriptor) noexcept : descriptor_(descriptor) {}
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  ~Descriptor() {
+    if (descriptor_ != -1) platform::closeDescriptor(descriptor_);
   }
+
+  /// Empty when the file is too large, or changes while it is read.
+  Vector<std::uint8_t> readAll() const {
+    Vector<std::uint8_t> bytes;
+    const std::uint64_t size = descriptor_ == -1 ? 0 : platform::bytesLeft(descriptor_);
+    if (size > CatalogLibrary::kMostBytes) return bytes;
+    bytes.resize(static_cast<std::size_t>(size));
+    for (std::size_t done = 0; done < bytes.size();) {
+      const std::int64_t count = platform::readBytes(descriptor_, bytes.data() + done, bytes.size() - done);
+      if (count <= 0) return {};
+      done += static_cast<std::size_t>(count);
+    }
+    return bytes;
+  }
+
+ private:
+  int descriptor_;
 };
 
 }  // namespace
 
-CatalogLibrary::Owner CatalogLibrary::open(const char* fileName) {
-  ImageGuard guard;
-  guard.open = platform::openCatalog(fileName, guard.image);
-  if (!guard.open || !PortableExecutable(guard.image.data, guard.image.sizeInBytes).isValid()) return nullptr;
-  Owner library(create<CatalogLibrary>(guard.image));
-  guard.open = false;
-  return library;
+CatalogLibrary::Owner CatalogLibrary::open(const char* fileName, platform::CatalogOwner owner) {
+  Vector<std::uint8_t> bytes = Descriptor(platform::openCatalog(fileName, owner)).readAll();
+  if (!PortableExecutable(bytes.data(), bytes.size()).isValid()) return nullptr;
+  return Owner(create<CatalogLibrary>(std::move(bytes)));
 }
 
-CatalogLibrary::CatalogLibrary(const platform::CatalogImage& image) noexcept
-    : image_(image), file_(image.data, image.sizeInBytes) {}
-
-CatalogLibrary::~CatalogLibrary() {
-  platform::closeCatalog(image_);
-}
+CatalogLibrary::CatalogLibrary(Vector<std::uint8_t> bytes) noexcept
+    : bytes_(std::move(bytes)), file_(bytes_.data(), bytes_.size()) {}
 
 void CatalogLibrary::useLanguage(std::uint32_t language) noexcept {
   MessageTable table{};

@@ -19,14 +19,15 @@ class CatalogLibrary {
   };
   using Owner = std::unique_ptr<CatalogLibrary, Close>;
 
-  /// Null when the system's loader does not find the file or does not take it.
-  static Owner open(const char* fileName);
+  /// The largest file that is read.
+  static constexpr std::size_t kMostBytes = std::size_t{64} << 20;
 
-  /// Takes over the image.
-  explicit CatalogLibrary(const platform::CatalogImage& image) noexcept;
+  /// Null when the file is not found, is larger than that, or is none that the system's loader would take.
+  static Owner open(const char* fileName, platform::CatalogOwner owner);
+
+  explicit CatalogLibrary(Vector<std::uint8_t> bytes) noexcept;
   CatalogLibrary(const CatalogLibrary&) = delete;
   CatalogLibrary& operator=(const CatalogLibrary&) = delete;
-  ~CatalogLibrary();
 
   /// From now on messages come from the table that serves the language; none do where none serves it.
   void useLanguage(std::uint32_t language) noexcept;
@@ -39,7 +40,8 @@ class CatalogLibrary {
   const PortableExecutable& file() const noexcept { return file_; }
 
  private:
-  platform::CatalogImage image_;
+  /// A copy, so that it does not matter what becomes of the file.
+  Vector<std::uint8_t> bytes_;
   PortableExecutable file_;
   MessageResource messages_{nullptr, 0};
 };

@@ -42,7 +42,9 @@ VelClMessageCatalog::~VelClMessageCatalog() {
 
 void VelClMessageCatalog::open() {
   std::setlocale(LC_ALL, "");
-  auto library = vel::messages::CatalogLibrary::open(getAsCString());
+  using vel::platform::CatalogOwner;
+  auto library = vel::messages::CatalogLibrary::open(
+      getAsCString(), default_ ? CatalogOwner::ThisLibrary : CatalogOwner::Other);
   if (library == nullptr) return;
   library_ = library.get();
   chooseLanguage();

@@ -1,6 +1,5 @@
 // Lists every message of a catalog, as it is stored.
 #include <algorithm>
-#include <cstring>
 #include <tuple>
 
 #include "messages/catalog_library.h"
@@ -12,17 +11,44 @@ using vel::messages::MessageResource;
 using vel::messages::MessageTable;
 using vel::messages::PortableExecutable;
 
+/// Small, since a file may hold an entry in every few bytes.
 struct VelClMessageCatalogCursor::Position {
-  MessageResource::Entry entry;
+  const uint8_t* text;
+  uint32_t id;
   uint32_t language;
-  const char* tableText;  ///< the text itself for entries of a string table, else null
+  uint16_t sizeInBytes;
+  bool unicode;
+
+  MessageResource::Entry entry() const { return {id, unicode, text, sizeInBytes}; }
 };
 
 namespace {
 
-/// Hands every entry of the file to `take`, with its language.
+/// What listing one file may cost, in bytes of its entries and of their places in the list. The entries of a
+/// sound file fit several times, so that languages may share them; those of a made-up one, which all share a
+/// few bytes, end here.
+class Budget {
+ public:
+  explicit Budget(std::uint64_t sizeOfFile) : left_(4 * sizeOfFile + kSmallFile) {}
+
+  bool covers(const MessageResource::Entry& entry) {
+    const std::uint64_t cost = kPlace + entry.sizeInBytes;
+    if (cost > left_) return false;
+    left_ -= cost;
+    return true;
+  }
+
+ private:
+  static constexpr std::uint64_t kPlace = 16;
+  static constexpr std::uint64_t kSmallFile = std::uint64_t{4} << 20;
+
+  std::uint64_t left_;
+};
+
+/// Hands every entry of the file to `take`, with its language, as far as the budget goes.
 template <typename Take>
 void forEachEntry(const PortableExecutable& file, Take take) {
+  Budget budget(file.size());
   PortableExecutable::Cursor tables;
   MessageTable table{};
   while (file.nextMessageTable(tables, table)) {
@@ -30,7 +56,10 @@ void forEachEntry(const PortableExecutable& file, Take take) {
     const MessageResource resource(table.data, table.sizeInBytes);
     MessageResource::Cursor entries;
     MessageResource::Entry entry{};
-    while (resource.next(entries, entry)) take(entry, table.language);
+    while (resource.next(entries, entry)) {
+      if (!budget.covers(entry)) return;
+      take(entry, table.language);
+    }
   }
 }
 
@@ -49,16 +78,10 @@ VelClMessageCatalogCursor::~VelClMessageCatalogCursor() {
   VelClMemoryManager::free(text_);
 }
 
-/// Entry 0 is a table's signature line, not a message.
+/// Entry 0 is a table's signature line, not a message: the first position is that of entry 1.
 void VelClMessageCatalogCursor::listTable() {
   if (catalog_.stringTableSize_ < 2) return;
   count_ = catalog_.stringTableSize_ - 1;
-  positions_ = static_cast<Position*>(VelClMemoryManager::calloc(count_, sizeof(Position)));
-  for (size_t i = 0; i < count_; ++i) {
-    const char* text = catalog_.stringTable_[i + 1];
-    positions_[i].entry.id = static_cast<uint32_t>(i + 1);
-    positions_[i].tableText = text != nullptr ? text : "";
-  }
   index_ = count_;
 }
 
@@ -70,10 +93,11 @@ void VelClMessageCatalogCursor::listLibrary() {
   positions_ = static_cast<Position*>(VelClMemoryManager::calloc(count_, sizeof(Position)));
   Position* next = positions_;
   forEachEntry(file, [&next](const MessageResource::Entry& entry, uint32_t language) {
-    *next++ = {entry, language, nullptr};
+    // No entry is longer than its length of 16 bits tells.
+    *next++ = {entry.text, entry.id, language, static_cast<uint16_t>(entry.sizeInBytes), entry.unicode};
   });
   std::sort(positions_, positions_ + count_, [](const Position& a, const Position& b) {
-    return std::tie(a.entry.id, a.language) < std::tie(b.entry.id, b.language);
+    return std::tie(a.id, a.language) < std::tie(b.id, b.language);
   });
 }
 
@@ -91,8 +115,8 @@ bool VelClMessageCatalogCursor::setToNext() {
 /// was.
 bool VelClMessageCatalogCursor::settleAt(size_t index) {
   vel::OwnedText copy;
-  if (index < count_ && positions_[index].tableText == nullptr) {
-    const vel::String text = vel::messages::utf8TextOf(positions_[index].entry);
+  if (index < count_ && positions_ != nullptr) {
+    const vel::String text = vel::messages::utf8TextOf(positions_[index].entry());
     copy = vel::copyText(text.data(), text.size());
   }
   VelClMemoryManager::free(text_);
@@ -102,15 +126,19 @@ bool VelClMessageCatalogCursor::settleAt(size_t index) {
 }
 
 unsigned long VelClMessageCatalogCursor::getId() const {
-  return isValid() ? positions_[index_].entry.id : 0;
+  if (!isValid()) return 0;
+  return positions_ != nullptr ? positions_[index_].id : static_cast<uint32_t>(index_ + 1);
 }
 
 unsigned int VelClMessageCatalogCursor::getLanguage() const {
-  return isValid() ? positions_[index_].language : 0;
+  return isValid() && positions_ != nullptr ? positions_[index_].language : 0;
 }
 
 const char* VelClMessageCatalogCursor::getAsCString() const {
   if (!isValid()) return "";
-  const char* tableText = positions_[index_].tableText;
-  return tableText != nullptr ? tableText : text_;
+  if (positions_ != nullptr) return text_;
+  // A table that was replaced by a shorter one lacks the last entries.
+  const size_t id = index_ + 1;
+  const char* const text = id < catalog_.stringTableSize_ ? catalog_.stringTable_[id] : nullptr;
+  return text != nullptr ? text : "";
 }

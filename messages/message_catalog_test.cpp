@@ -7,8 +7,11 @@
 #include <regex>
 
 #include "messages/test/catalog_builder.h"
+#include "platform/test/child_process.h"
 #include "platform/test/scratch_directory.h"
 #include "platform/test/variable.h"
+#include "platform/test/watched_memory.h"
+#include "vel_include/vel_helpers.h"
 #include "vel_include/vel_messages.h"
 #include "vel_include/vel_process.h"
 
@@ -50,12 +53,48 @@ TEST(MessageCatalog, LoadsFromADirectory) {
   directory.write("moved.DLL", vel::test::readFile("small_catalog.DLL"));
   directory.write("garbage.DLL", std::string(1000, 'x'));
   directory.write("empty.DLL", "");
+  const std::string own = vel::test::readFile("qammsg50.DLL");
+  for (const std::size_t size : {std::size_t{300}, std::size_t{4000}, own.size() / 2, own.size() - 1})
+    directory.write("cut" + std::to_string(size) + ".DLL", own.substr(0, size));
   std::filesystem::create_directory(directory.path("folder.DLL"));
   EXPECT_EQ(textOf(VelClMessageCatalog(VelClFilename(directory.path("moved.x").c_str())), 1), "[SMALL]");
-  for (const char* name : {"garbage", "empty", "folder", "small_catalog"}) {
+  for (const std::string name :
+       {"garbage", "empty", "folder", "small_catalog", "cut300", "cut4000", "cut16384", "cut32767"}) {
     const VelClMessageCatalog catalog(VelClFilename(directory.path(name).c_str()));
     EXPECT_FALSE(catalog.isValid()) << name;
     EXPECT_EQ(textOf(catalog, 1), "UNABLE TO LOAD MESSAGE CATALOG: " + directory.path(name) + ".DLL");
+  }
+}
+
+TEST(MessageCatalog, LoadsALibraryThatTheProcessUsesAlready) {
+  const vel::test::ScratchDirectory directory;
+  const std::string path = directory.write("used.DLL", vel::test::readFile("small_catalog.DLL"));
+  const VelClMessageCatalog first{VelClFilename(path.c_str())};
+  // Only Windows loads it as a library.
+  const VelClDllFile used{VelClFilename(path.c_str())};
+  EXPECT_EQ(used.isValid(), velGetOperatingSystemId() != 0);
+  const VelClMessageCatalog second{VelClFilename(path.c_str())};
+  EXPECT_EQ(textOf(first, 1), "[SMALL]");
+  EXPECT_EQ(textOf(second, 1), "[SMALL]");
+}
+
+TEST(MessageCatalog, DoesNotDependOnItsFileOnceItIsOpen) {
+  const vel::test::ScratchDirectory directory;
+  const std::string path = directory.write("cut.DLL", vel::test::readFile("small_catalog.DLL"));
+  const VelClMessageCatalog catalog{VelClFilename(path.c_str())};
+  std::filesystem::resize_file(path, 0);
+  EXPECT_EQ(textOf(catalog, 1), "[SMALL]");
+  std::filesystem::remove(path);
+  EXPECT_FALSE(VelClMessageCatalog{VelClFilename(path.c_str())}.isValid());
+  EXPECT_EQ(textOf(catalog, 5), userIsGerman() ? "zwei\r\nZeilen" : "two\r\nlines");
+}
+
+TEST(MessageCatalog, FilesOfMoreThan64MegabytesDoNotLoad) {
+  const vel::test::ScratchDirectory directory;
+  const std::string path = directory.write("large.DLL", vel::test::readFile("small_catalog.DLL"));
+  for (const std::uintmax_t size : {std::uintmax_t{64} << 20, (std::uintmax_t{64} << 20) + 1}) {
+    std::filesystem::resize_file(path, size);
+    EXPECT_EQ(VelClMessageCatalog{VelClFilename(path.c_str())}.isValid(), size == 64U << 20);
   }
 }
 
@@ -97,6 +136,22 @@ TEST(MessageCatalog, TheLibrarysOwnReadsLikeTheBuiltInTable) {
               std::regex_replace(VelClMessage(table, id, variables).getAsCString(), std::regex("\n"), "\r\n"))
         << id;
   }
+}
+
+// Run by a copy of this program, which has neither library nor catalog beside it.
+TEST(MessageCatalog, TheLibrarysOwnIsNotTheOneInTheCurrentDirectory) {
+  namespace fs = std::filesystem;
+  const fs::path program = vel::test::ownProgram();
+  const vel::test::ScratchDirectory directory;
+  const std::string copy = directory.path(program.filename().string());
+  fs::copy_file(program, copy);
+  directory.write("here/qammsg50.DLL", vel::test::readFile("small_catalog.DLL"));
+  const vel::test::CurrentDirectory here(directory.path("here"));
+  const auto child =
+      vel::test::runChild(copy, {"--gtest_filter=MessageCatalog.TheLibrarysOwnReadsLikeTheBuiltInTable"},
+                          {.environment = {{"PATH", program.parent_path().string()}}});
+  EXPECT_EQ(child.exitCode, 0) << child.output << child.errors;
+  EXPECT_NE(child.output.find("[  PASSED  ] 1 test."), std::string::npos) << child.output;
 }
 
 TEST(MessageCatalog, AsksItsStringTableWithoutALibrary) {
@@ -205,6 +260,36 @@ TEST(MessageCatalogCursor, WritesEveryCharacterAsUtf8) {
       listOf({{1, {{0, unicode}}}, {2, {{0, unicode}}}}, u"\u00FC\u20AC\xD83D\xDE00\xDC00\xD800x\xD800"),
       "1/0:\u00FC\u20AC\U0001F600\uFFFD\uFFFDx\uFFFD|4/0:|");
   EXPECT_EQ(listOf({{2, {{0, unicode}}}}), "");
+}
+
+/// A table of this many messages without text.
+vel::test::Bytes tableOfNothing(std::uint32_t count) {
+  vel::test::Bytes table;
+  table.add32(1).add32(1).add32(count).add32(16);
+  for (std::uint32_t i = 0; i < count; ++i) table.add16(4).add16(0);
+  return table;
+}
+
+TEST(MessageCatalogCursor, SharedTablesAreListedAsFarAsTheFilesSizeAllows) {
+  struct Row {
+    std::uint32_t messages, languages;
+    bool all;
+  };
+  for (const auto& [messages, languages, all] : {Row{100, 60, true}, Row{250000, 1000, false}}) {
+    const vel::test::ScratchDirectory directory;
+    const auto bytes = vel::test::libraryOfSharedBranches(tableOfNothing(messages), 1, languages);
+    const std::string path = directory.write("shared.DLL", {bytes.begin(), bytes.end()});
+    const VelClMessageCatalog catalog(VelClFilename(path.c_str()));
+    ASSERT_TRUE(catalog.isValid());
+    const vel::test::WatchedMemory memory;
+    VelClMessageCatalogCursor cursor(catalog);
+    // 24 bytes for an entry, as many entries as cost 16 bytes each, and 4 MB for small files.
+    EXPECT_LE(memory.lastSize, 6 * bytes.size() + (6U << 20));
+    std::size_t count = 0;
+    for (bool more = cursor.setToFirst(); more; more = cursor.setToNext()) ++count;
+    EXPECT_GE(count, messages);
+    EXPECT_EQ(count == std::size_t{messages} * languages, all);
+  }
 }
 
 }  // namespace

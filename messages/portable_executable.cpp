@@ -13,12 +13,17 @@ namespace {
 constexpr std::uint16_t kDosSignature = 0x5A4D;     // "MZ"
 constexpr std::uint32_t kHeaderSignature = 0x4550;  // "PE", two zero bytes
 constexpr std::uint64_t kHeaderOffsetField = 0x3C;  // in the DOS header
-constexpr std::uint64_t kSectionCountField = 6;     // in the header, with its signature
+constexpr std::uint64_t kMachineField = 4;          // in the header, with its signature
+constexpr std::uint64_t kSectionCountField = 6;     // likewise
 constexpr std::uint64_t kOptionalSizeField = 20;    // likewise
+constexpr std::uint64_t kFlagsField = 22;           // likewise
 constexpr std::uint64_t kOptionalHeaderField = 24;  // likewise
+constexpr std::uint16_t kExecutableImage = 2;       // flag of a file that its linker finished
 constexpr std::uint16_t kMagic32 = 0x10B;
 constexpr std::uint16_t kMagic64 = 0x20B;
-constexpr std::uint64_t kDataDirectoryCount32 = 92;  // in the optional header
+constexpr std::uint64_t kSizeOfImageField = 56;  // in the optional header
+constexpr std::uint64_t kSizeOfHeadersField = 60;
+constexpr std::uint64_t kDataDirectoryCount32 = 92;
 constexpr std::uint64_t kDataDirectoryCount64 = 108;
 constexpr std::uint32_t kResourceDirectory = 2;  // index of the data directory
 constexpr std::uint64_t kDataDirectorySize = 8;
@@ -44,41 +49,67 @@ bool PortableExecutable::readHeaders() noexcept {
   std::uint16_t dosSignature = 0;
   std::uint32_t header = 0;
   std::uint32_t signature = 0;
+  std::uint16_t machine = 0;
   std::uint16_t sectionCount = 0;
   std::uint16_t optionalSize = 0;
+  std::uint16_t flags = 0;
   const bool complete = file_.read16(0, dosSignature) && file_.read32(kHeaderOffsetField, header) &&
-                        file_.read32(header, signature) &&
+                        file_.read32(header, signature) && file_.read16(header + kMachineField, machine) &&
                         file_.read16(header + kSectionCountField, sectionCount) &&
-                        file_.read16(header + kOptionalSizeField, optionalSize);
+                        file_.read16(header + kOptionalSizeField, optionalSize) &&
+                        file_.read16(header + kFlagsField, flags);
   if (!complete || dosSignature != kDosSignature || signature != kHeaderSignature) return false;
+  if (machine == 0 || (flags & kExecutableImage) == 0 || sectionCount > kMostSections) return false;
 
   const std::uint64_t optionalHeader = header + kOptionalHeaderField;
-  std::uint32_t resourceAddress = 0;
-  if (!readOptionalHeader(optionalHeader, resourceAddress)) return false;
+  OptionalHeader optional{};
+  if (!readOptionalHeader(optionalHeader, optionalSize, optional)) return false;
   sectionTable_ = optionalHeader + optionalSize;
   sectionCount_ = sectionCount;
-  if (sectionCount > kMostSections) return false;
-  if (resourceAddress != 0 && !locate(resourceAddress, kDirectoryHeaderSize, resources_)) resources_ = 0;
+  if (!hasSoundSections(optional)) return false;
+  const std::uint32_t resources = optional.resourceAddress;
+  if (resources != 0 && !locate(resources, kDirectoryHeaderSize, resources_)) resources_ = 0;
   return true;
 }
 
 /// The address stays 0 in a file without resources, which is no fault.
-bool PortableExecutable::readOptionalHeader(std::uint64_t offset,
-                                            std::uint32_t& resourceAddress) const noexcept {
+bool PortableExecutable::readOptionalHeader(std::uint64_t offset, std::uint16_t size,
+                                            OptionalHeader& header) const noexcept {
   std::uint16_t magic = 0;
   if (!file_.read16(offset, magic) || (magic != kMagic32 && magic != kMagic64)) return false;
-  const std::uint64_t countField =
-      offset + (magic == kMagic32 ? kDataDirectoryCount32 : kDataDirectoryCount64);
+  const std::uint64_t countField = magic == kMagic32 ? kDataDirectoryCount32 : kDataDirectoryCount64;
+  const std::uint64_t resourceField = countField + 4 + kResourceDirectory * kDataDirectorySize;
   std::uint32_t count = 0;
-  if (!file_.read32(countField, count)) return false;
+  const bool complete = countField + 4 <= size &&
+                        file_.read32(offset + kSizeOfImageField, header.sizeOfImage) &&
+                        file_.read32(offset + kSizeOfHeadersField, header.sizeOfHeaders) &&
+                        file_.read32(offset + countField, count);
+  if (!complete) return false;
   if (count <= kResourceDirectory) return true;
-  return file_.read32(countField + 4 + kResourceDirectory * kDataDirectorySize, resourceAddress);
+  return resourceField + kDataDirectorySize <= size &&
+         file_.read32(offset + resourceField, header.resourceAddress);
 }
 
 bool PortableExecutable::readSection(std::uint32_t index, Section& section) const noexcept {
   const std::uint64_t offset = sectionTable_ + index * kSectionSize;
-  return file_.read32(offset + 12, section.address) && file_.read32(offset + 16, section.sizeInFile) &&
-         file_.read32(offset + 20, section.fileOffset);
+  return file_.read32(offset + 8, section.sizeInMemory) && file_.read32(offset + 12, section.address) &&
+         file_.read32(offset + 16, section.sizeInFile) && file_.read32(offset + 20, section.fileOffset);
+}
+
+/// Whether the headers, with the table of sections, and all sections are in the file, and whether in memory
+/// these follow each other within the image. The rest of a truncated file would be read as zeros.
+bool PortableExecutable::hasSoundSections(const OptionalHeader& header) const noexcept {
+  const std::uint64_t tableEnd = sectionTable_ + sectionCount_ * kSectionSize;
+  if (tableEnd > header.sizeOfHeaders || !file_.holds(0, header.sizeOfHeaders)) return false;
+  std::uint64_t end = header.sizeOfHeaders;
+  Section section{};
+  for (std::uint32_t index = 0; index < sectionCount_; ++index) {
+    if (!readSection(index, section) || section.address < end) return false;
+    if (section.sizeInFile != 0 && !file_.holds(section.fileOffset, section.sizeInFile)) return false;
+    end = std::uint64_t{section.address} +
+          (section.sizeInMemory != 0 ? section.sizeInMemory : section.sizeInFile);
+  }
+  return end <= header.sizeOfImage;
 }
 
 /// Turns an address in memory into a place in the file, where `size` bytes must exist.

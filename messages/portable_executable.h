@@ -40,8 +40,12 @@ class PortableExecutable {
 
   PortableExecutable(const std::uint8_t* image, std::size_t sizeInBytes) noexcept;
 
-  /// Whether the bytes begin as a library does; it need not have message tables.
+  /// Whether the system's loader would map the file: its headers are sound and all of its sections' bytes are
+  /// there. It may be for any machine and need not have message tables.
   bool isValid() const noexcept { return valid_; }
+
+  /// Of the file, in bytes.
+  std::size_t size() const noexcept { return file_.size(); }
 
   /// Moves to the next message table in the file's order (numbers, then languages, ascending);
   /// false at the end. Resources named by text and damaged ones are left out.
@@ -54,9 +58,16 @@ class PortableExecutable {
  private:
   /// Where a section lies in the file and in memory.
   struct Section {
+    std::uint32_t sizeInMemory;
     std::uint32_t address;
-    std::uint32_t fileOffset;
     std::uint32_t sizeInFile;
+    std::uint32_t fileOffset;
+  };
+  /// The fields of the optional header that matter here.
+  struct OptionalHeader {
+    std::uint32_t sizeOfImage;
+    std::uint32_t sizeOfHeaders;
+    std::uint32_t resourceAddress;  ///< 0 in a file without resources
   };
   struct DirectoryEntry {
     std::uint32_t name;
@@ -64,7 +75,8 @@ class PortableExecutable {
   };
 
   bool readHeaders() noexcept;
-  bool readOptionalHeader(std::uint64_t offset, std::uint32_t& resourceAddress) const noexcept;
+  bool readOptionalHeader(std::uint64_t offset, std::uint16_t size, OptionalHeader& header) const noexcept;
+  bool hasSoundSections(const OptionalHeader& header) const noexcept;
   bool readSection(std::uint32_t index, Section& section) const noexcept;
   bool locate(std::uint32_t address, std::uint32_t size, std::uint64_t& fileOffset) const noexcept;
   std::uint32_t entryCount(std::uint64_t directory) const noexcept;

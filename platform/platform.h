@@ -247,19 +247,18 @@ void showStopMessage(const char* title, const char* const* pieces, std::size_t c
 
 // ---- Message catalogs (catalogs.cpp) ---------------------------------------------------------
 
-/// A catalog library as the system's loader finds it, with its file mapped for reading.
-struct CatalogImage {
-  void* module;  ///< the loader's handle, null on systems that only map
-  const std::uint8_t* data;
-  std::size_t sizeInBytes;
+enum class CatalogOwner {
+  ThisLibrary,  ///< found beside this library rather than where someone else may have put a file
+  Other
 };
 
-/// Windows: the loader's search. POSIX: a name without directory is looked for beside the program,
-/// in the current directory, along PATH, and beside this library, first as it is spelled and then in
-/// any letter case. False when there is no such
-/// file, or the system's loader does not take it.
-bool openCatalog(const char* fileName, CatalogImage& image) noexcept;
-void closeCatalog(CatalogImage& image) noexcept;
+/// A descriptor for reading the bytes of a catalog library's file (byte_files.h), or -1 when there is no such
+/// file with contents. Windows: the loader's search, also for libraries that are loaded already. POSIX: a name
+/// without directory is looked for beside the program, in the current directory, along PATH, and beside this
+/// library, first as it is spelled and then in any letter case.
+/// This library's own catalog is looked for beside this library, beside the program, along PATH, and only then
+/// in the current directory; on Windows, by the loader.
+int openCatalog(const char* fileName, CatalogOwner owner) noexcept;
 
 // ---- Languages and code pages (languages.cpp) ------------------------------------------------
 

@@ -26,7 +26,8 @@ class VelClMessageCatalog;
 typedef struct VelClMessageCatalog VelClMessageCatalog;
 #endif
 
-/// An open catalog of the functions below; it must not be null for any of them but velMsgCatClose.
+/// An open catalog of the functions below; it must not be null for any of them but velMsgCatClose. A file
+/// name that is null counts as "", and a table that is null as none.
 typedef struct VelStMsgCat* VelMsgCatHandle;
 
 /// Opens the catalog library `fileName`, whose extension is replaced by ".DLL". Null when it cannot
@@ -63,7 +64,7 @@ class CatalogLibrary;
 }
 
 /// A catalog of messages, numbered from 1. Its texts come from a message-table resource library (a Windows
-/// DLL, read from its file on other systems) in the user's language; without a loaded library
+/// DLL, read from its file on every system) in the user's language; without a loaded library
 /// they come from a string table that the program attaches. A loaded library wins over the
 /// table, also for ids that only the table has.
 ///
@@ -76,11 +77,14 @@ class CatalogLibrary;
 /// thread opens catalogs while no other goes by the locale.
 class VEL_API VelClMessageCatalog : public VelClFile {
  public:
-  /// The library's own catalog, "qammsg50.DLL".
+  /// The library's own catalog, "qammsg50.DLL". It is looked for beside this library, beside the program,
+  /// along PATH, and only then as other catalogs are, so that a file in the current directory replaces no
+  /// installed one.
   VelClMessageCatalog();
   /// The library `name` with its extension replaced by ".DLL"; a name without a directory is searched for
   /// as the system's loader does: beside the program, in the current directory, along PATH; on Linux
-  /// at last beside this library too. It is read as data, none of its code runs.
+  /// at last beside this library too. It is read as data, none of its code runs. A file of more than 64 MB,
+  /// or one that is cut or damaged so that the system's loader would refuse it, does not load.
   explicit VelClMessageCatalog(const VelClFilename& name);
   /// A catalog without a library: only the table's messages, and no change of the locale.
   VelClMessageCatalog(const char* const* table, unsigned long size);
@@ -117,7 +121,8 @@ class VEL_API VelClMessageCatalog : public VelClFile {
 };
 
 /// Walks every message that a catalog's library or, without one, its string table holds, by id and within
-/// an id by language. The catalog must stay alive and keep its table.
+/// an id by language. The catalog must stay alive and keep its table. A library that repeats the same few
+/// bytes as the messages of ever more languages is listed up to about four times its size.
 class VEL_API VelClMessageCatalogCursor : public VelClUniDirCursorABase {
  public:
   /// Lists what the catalog holds now. Call setToFirst before you ask.
@@ -145,7 +150,7 @@ class VEL_API VelClMessageCatalogCursor : public VelClUniDirCursorABase {
   bool settleAt(size_t index);
 
   const VelClMessageCatalog& catalog_;
-  Position* positions_;  ///< sorted by id, then language
+  Position* positions_;  ///< those of a library, sorted by id, then language; null with a string table
   size_t count_;
   size_t index_;
   char* text_;
@@ -165,7 +170,7 @@ class VEL_API VelClMessage {
                const char* var2 = nullptr, const char* var3 = nullptr, const char* var4 = nullptr,
                const char* var5 = nullptr, const char* var6 = nullptr, const char* var7 = nullptr,
                const char* var8 = nullptr, const char* var9 = nullptr, const char* var10 = nullptr);
-  /// `variables` holds ten pointers.
+  /// `variables` holds ten pointers, or is null: none is given then.
   VelClMessage(const VelClMessageCatalog& catalog, unsigned long id, const char* const* variables);
   VelClMessage(const VelClMessage& other);
   /// Takes over text, id and validity; this message keeps its own catalog.
@@ -230,7 +235,7 @@ class VEL_API VelClMessageCatalogProxy {
   unsigned int getLanguage() const;
   /// The message, or the text that says why there is none, in this object's buffer until the next call.
   const char* getMessage(unsigned long id);
-  /// `variables` holds ten pointers.
+  /// `variables` as those of VelClMessage.
   const char* getMessage(unsigned long id, const char* const* variables);
 
  private:

@@ -66,14 +66,35 @@ Bytes messageTable(const std::vector<TestMessage>& messages) {
 }
 
 Bytes libraryFile(const TestTables& tables, bool wide) {
+  constexpr std::size_t kPage = 0x1000;
   const Bytes tree = resourceTree(tables);
+  const std::size_t imageSize = kSectionAddress + (tree.size() + kPage - 1) / kPage * kPage;
   Bytes file = {'M', 'Z'};
   file.addZeros(0x3A).add32(0x40).add32(0x4550).add16(wide ? 0x8664 : 0x14C).add16(1);
-  file.addZeros(12).add16(wide ? 240 : 224).add16(0x2000).add16(wide ? 0x20B : 0x10B);
-  file.addZeros(wide ? 106 : 90).add32(16).addZeros(16).add32(kSectionAddress).add32(tree.size());
+  file.addZeros(12).add16(wide ? 240 : 224).add16(0x2002).add16(wide ? 0x20B : 0x10B);
+  file.addZeros(30).add32(kPage).add32(kTreeOffset).addZeros(16).add32(imageSize).add32(kTreeOffset);
+  file.addZeros(wide ? 44 : 28).add32(16).addZeros(16).add32(kSectionAddress).add32(tree.size());
   file.addZeros(std::size_t{13} * 8).add({'.', 'r', 's', 'r', 'c', 0, 0, 0});
   file.add32(tree.size()).add32(kSectionAddress).add32(tree.size()).add32(kTreeOffset);
   return file.addZeros(kTreeOffset - file.size()).add(tree);
+}
+
+Bytes libraryOfSharedBranches(const Bytes& table, std::uint32_t names, std::uint32_t languages) {
+  constexpr std::uint32_t kDataEntry = 72, kSectionSizes = 0x150, kImageSize = 0x90;
+  Bytes file = libraryFile({{1, {{0x409, table}}}});
+  const auto nameDirectory = static_cast<std::uint32_t>(file.size()) - kTreeOffset;
+  const std::uint32_t languageDirectory = nameDirectory + 16 + 8 * names;
+  file.put32(kTreeOffset + 20, kDirectory + nameDirectory);
+  const auto addDirectory = [&file](std::uint32_t count, std::uint32_t target) {
+    file.addZeros(14).add16(count);
+    for (std::uint32_t i = 1; i <= count; ++i) file.add32(i).add32(target);
+  };
+  addDirectory(names, kDirectory + languageDirectory);
+  addDirectory(languages, kDataEntry);
+  const auto size = static_cast<std::uint32_t>(file.size()) - kTreeOffset;
+  for (const std::uint32_t field : {kSectionSizes, kSectionSizes + 8}) file.put32(field, size);
+  file.put32(kImageSize, kSectionAddress + size);
+  return file;
 }
 
 }  // namespace vel::test

@@ -38,6 +38,9 @@ Bytes messageTable(const std::vector<TestMessage>& messages);
 /// A library file whose only section holds these tables.
 Bytes libraryFile(const TestTables& tables, bool wide = true);
 
+/// A file in which this many names lead to one directory of this many languages, and these to one table.
+Bytes libraryOfSharedBranches(const Bytes& table, std::uint32_t names, std::uint32_t languages);
+
 /// Where libraryFile() puts the resource tree.
 constexpr std::uint32_t kTreeOffset = 0x200;
 

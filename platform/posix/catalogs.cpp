@@ -1,9 +1,9 @@
-// Finds message catalog libraries and maps them for reading; the system's loader has no part in it.
+// Finds message catalog libraries and opens their files; the system's loader has no part in it.
 #include <fcntl.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
+#include <cerrno>
+
+#include "platform/byte_files.h"
 #include "platform/platform.h"
 #include "platform/posix/file_search.h"
 #include "platform/posix/native_path.h"
@@ -12,45 +12,42 @@ namespace vel::platform {
 
 namespace {
 
-/// Regular files with contents only.
-bool mapFile(int file, CatalogImage& image) noexcept {
-  struct stat status;
-  if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size <= 0) return false;
-  const auto size = static_cast<std::size_t>(status.st_size);
-  void* const data = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file, 0);
-  if (data == MAP_FAILED) return false;
-  image = {nullptr, static_cast<const std::uint8_t*>(data), size};
+/// Regular files with contents only; anything else lets the search go on.
+bool openFile(const char* path, void* descriptor) noexcept {
+  int file = -1;
+  do file = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  while (file == -1 && errno == EINTR);
+  if (file == -1) return false;
+  if (bytesLeft(file) == 0) {
+    closeDescriptor(file);
+    return false;
+  }
+  *static_cast<int*>(descriptor) = file;
   return true;
 }
 
-bool openFile(const char* path, CatalogImage& image) noexcept {
-  const int file = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (file < 0) return false;
-  const bool mapped = mapFile(file, image);
-  close(file);
-  return mapped;
-}
-
-bool takeFile(const char* path, void* image) noexcept {
-  return openFile(path, *static_cast<CatalogImage*>(image));
+bool search(const char* fileName, unsigned places, int& descriptor) noexcept {
+  return searchFile(NameForms(fileName), places, openFile, &descriptor);
 }
 
 }  // namespace
 
-bool openCatalog(const char* fileName, CatalogImage& image) noexcept {
-  image = {};
+int openCatalog(const char* fileName, CatalogOwner owner) noexcept {
+  int descriptor = -1;
   if (hasDirectory(fileName)) {
     const NativePath path(fileName);
-    return path.fits() && openFile(path.get(), image);
+    if (path.fits()) openFile(path.get(), &descriptor);
+    return descriptor;
   }
-  if (*fileName == '\0') return false;
-  return searchFile(NameForms(fileName),
-                    kBesideProgram | kInCurrentDirectory | kAlongPath | kBesideThisLibrary, takeFile, &image);
-}
-
-void closeCatalog(CatalogImage& image) noexcept {
-  if (image.data != nullptr) munmap(const_cast<std::uint8_t*>(image.data), image.sizeInBytes);
-  image = {};
+  if (*fileName == '\0') return -1;
+  if (owner == CatalogOwner::ThisLibrary) {
+    // One place after the other, so that a better spelling at a later one does not win.
+    for (const unsigned place : {kBesideThisLibrary, kBesideProgram, kAlongPath, kInCurrentDirectory})
+      if (search(fileName, place, descriptor)) return descriptor;
+    return -1;
+  }
+  search(fileName, kBesideProgram | kInCurrentDirectory | kAlongPath | kBesideThisLibrary, descriptor);
+  return descriptor;
 }
 
 }  // namespace vel::platform

@@ -2,6 +2,7 @@
 #include "platform/posix/file_search.h"
 
 #include <dlfcn.h>
+#include <link.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -47,12 +48,31 @@ std::string_view programDirectory(PathBuffer& buffer) noexcept {
   return directoryOf({buffer.data(), static_cast<std::size_t>(length)});
 }
 
-std::string_view libraryDirectory() noexcept {
-  static const char kInsideThisLibrary = 0;
-  Dl_info info{};
-  if (dladdr(&kInsideThisLibrary, &info) == 0 || info.dli_fname == nullptr) return {};
-  return directoryOf(info.dli_fname);
-}
+/// Where this library was loaded from. Its path may be one below the directory that was current then, so it
+/// is looked up at once.
+class LibraryDirectory {
+ public:
+  LibraryDirectory() noexcept {
+    static const char kInsideThisLibrary = 0;
+    Dl_info info{};
+    void* map = nullptr;
+    if (dladdr1(&kInsideThisLibrary, &info, &map, RTLD_DL_LINKMAP) == 0) return;
+    const char* const path = static_cast<const link_map*>(map)->l_name;
+    // Linked into a program, it has no path of its own.
+    if (*path == '\0')
+      directory_ = programDirectory(buffer_);
+    else if (realpath(path, buffer_.data()) != nullptr)
+      directory_ = directoryOf(buffer_.data());
+  }
+
+  std::string_view get() const noexcept { return directory_; }
+
+ private:
+  PathBuffer buffer_;
+  std::string_view directory_;
+};
+
+const LibraryDirectory libraryDirectory;
 
 /// Looks for one form, as it is spelled or in any letter case.
 struct Search {
@@ -86,7 +106,7 @@ struct Search {
     return ((places & kBesideProgram) != 0 && lookIn(programDirectory(program))) ||
            ((places & kInCurrentDirectory) != 0 && lookIn(".")) ||
            ((places & kAlongPath) != 0 && lookAlongPath()) ||
-           ((places & kBesideThisLibrary) != 0 && lookIn(libraryDirectory()));
+           ((places & kBesideThisLibrary) != 0 && lookIn(libraryDirectory.get()));
   }
 };
 

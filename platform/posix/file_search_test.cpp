@@ -4,6 +4,7 @@
 
 #include <cerrno>
 
+#include "platform/byte_files.h"
 #include "platform/platform.h"
 #include "platform/test/child_process.h"
 #include "platform/test/scratch_directory.h"
@@ -115,12 +116,12 @@ TEST_F(FileSearch, TheLoadersOwnPlacesComeLast) {
 }
 
 /// The contents of the catalog found, "-" when there is none.
-std::string catalog(const std::string& name) {
-  CatalogImage image{};
-  if (!openCatalog(name.c_str(), image)) return "-";
-  std::string contents(reinterpret_cast<const char*>(image.data), image.sizeInBytes);
-  closeCatalog(image);
-  EXPECT_EQ(image.data, nullptr);
+std::string catalog(const std::string& name, CatalogOwner owner = CatalogOwner::Other) {
+  const int descriptor = openCatalog(name.c_str(), owner);
+  if (descriptor == -1) return "-";
+  std::string contents(100, '#');
+  contents.resize(static_cast<std::size_t>(readBytes(descriptor, contents.data(), contents.size())));
+  closeDescriptor(descriptor);
   return contents;
 }
 
@@ -139,6 +140,20 @@ TEST_F(FileSearch, CatalogsAreFilesWithContentsAtTheFirstPlace) {
   }
   ASSERT_EQ(mkfifo(path("here/pipe.DLL").c_str(), 0600), 0);
   EXPECT_EQ(catalog("pipe.DLL"), "-");
+}
+
+TEST_F(FileSearch, TheLibrarysOwnCatalogIsInTheCurrentDirectoryLast) {
+  const auto own = [](const char* name) { return catalog(name, CatalogOwner::ThisLibrary); };
+  EXPECT_EQ(own("own.DLL"), "-");
+  scratch_.write("here/own.DLL", "here");
+  EXPECT_EQ(own("own.DLL"), "here");
+  // Also when it is spelled in another way.
+  scratch_.write("second/OWN.dll", "second");
+  EXPECT_EQ(own("own.DLL"), "second");
+  EXPECT_EQ(catalog("own.DLL"), "here");
+  // Beside this program, into which the library is linked here.
+  scratch_.write("second/small_catalog.DLL", "second");
+  EXPECT_TRUE(own("small_catalog.DLL").starts_with("MZ"));
 }
 
 TEST_F(FileSearch, ADirectoryIsTheOnlyPlaceOfACatalog) {

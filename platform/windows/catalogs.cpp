@@ -1,55 +1,146 @@
-// Message catalog libraries: the loader finds them and maps their file for reading.
+// Finds message catalog libraries, mostly by the loader's own search, and opens their files.
+#define PSAPI_VERSION 2
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
+// windows.h comes first.
+#include <fcntl.h>
+#include <io.h>
+#include <psapi.h>
+#include <winternl.h>
 
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <string_view>
+
+#include "platform/byte_files.h"
 #include "platform/platform.h"
 
 namespace vel::platform {
 
 namespace {
 
-/// The library, or null; nobody is asked about a file that is no library. It is loaded as data: none of its
-/// code runs, so that a damaged or foreign catalog does no harm.
-HMODULE loadQuietly(const char* fileName) noexcept {
-  DWORD previous = 0;
-  SetThreadErrorMode(SEM_FAILCRITICALERRORS, &previous);
+constexpr DWORD kPathCapacity = 4096;
+constexpr ULONG kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+using PathBuffer = std::array<wchar_t, kPathCapacity>;
+
+/// Nobody is asked about a missing disk, or a file that is no library.
+class QuietErrors {
+ public:
+  QuietErrors() noexcept { SetThreadErrorMode(SEM_FAILCRITICALERRORS, &previous_); }
+  QuietErrors(const QuietErrors&) = delete;
+  QuietErrors& operator=(const QuietErrors&) = delete;
+  ~QuietErrors() { SetThreadErrorMode(previous_, nullptr); }
+
+ private:
+  DWORD previous_ = 0;
+};
+
+/// Takes over the handle; -1 for an empty file or no handle.
+int descriptorOf(HANDLE file) noexcept {
+  if (file == INVALID_HANDLE_VALUE) return -1;
+  const int descriptor =
+      _open_osfhandle(reinterpret_cast<std::intptr_t>(file), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+  if (descriptor == -1) {
+    CloseHandle(file);
+  } else if (bytesLeft(descriptor) == 0) {
+    closeDescriptor(descriptor);
+    return -1;
+  }
+  return descriptor;
+}
+
+/// Opens a file under the name that the system itself uses.
+HANDLE openSystemName(wchar_t* text, DWORD length) noexcept {
+  const auto size = static_cast<USHORT>(length * sizeof(wchar_t));
+  UNICODE_STRING name{size, size, text};
+  OBJECT_ATTRIBUTES attributes;
+  InitializeObjectAttributes(&attributes, &name, 0, nullptr, nullptr);
+  IO_STATUS_BLOCK status{};
+  HANDLE file = INVALID_HANDLE_VALUE;
+  const NTSTATUS result =
+      NtCreateFile(&file, GENERIC_READ | SYNCHRONIZE, &attributes, &status, nullptr, 0, kShareAll, FILE_OPEN,
+                   FILE_SYNCHRONOUS_IO_NONALERT | FILE_NON_DIRECTORY_FILE, nullptr, 0);
+  return NT_SUCCESS(result) ? file : INVALID_HANDLE_VALUE;
+}
+
+/// The two lowest bits of a module's handle tell how it is mapped; the rest is its address.
+constexpr std::uintptr_t kHandleBits = 3;
+
+/// Opens the file behind a module. Only files that are mapped as data could be read in memory: a library that
+/// is loaded already has the form of a program there, and its file may be longer than what is mapped.
+HANDLE openFileOf(HMODULE module) noexcept {
+  PathBuffer path;
+  void* const address = reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(module) & ~kHandleBits);
+  const DWORD length = GetMappedFileNameW(GetCurrentProcess(), address, path.data(), kPathCapacity);
+  // A name that does not fit is cut.
+  return length == 0 || length >= kPathCapacity - 1 ? INVALID_HANDLE_VALUE
+                                                    : openSystemName(path.data(), length);
+}
+
+/// The loader decides which file it is. It takes the file as data, so that none of its code runs.
+int openAsLoaderFinds(const char* fileName) noexcept {
   const HMODULE module = LoadLibraryExA(fileName, nullptr, LOAD_LIBRARY_AS_DATAFILE);
-  SetThreadErrorMode(previous, nullptr);
+  if (module == nullptr) return -1;
+  const int descriptor = descriptorOf(openFileOf(module));
+  FreeLibrary(module);
+  return descriptor;
+}
+
+int openIn(std::wstring_view directory, const char* fileName) noexcept {
+  PathBuffer path;
+  if (directory.empty() || directory.size() + 1 >= kPathCapacity) return -1;
+  wchar_t* const name = std::copy(directory.begin(), directory.end(), path.data());
+  *name = L'\\';
+  const int room = static_cast<int>(path.data() + kPathCapacity - (name + 1));
+  if (MultiByteToWideChar(CP_ACP, 0, fileName, -1, name + 1, room) == 0) return -1;
+  return descriptorOf(CreateFileW(path.data(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+/// Null stands for the program.
+int openBeside(HMODULE module, const char* fileName) noexcept {
+  PathBuffer path;
+  const DWORD length = GetModuleFileNameW(module, path.data(), kPathCapacity);
+  if (length == 0 || length == kPathCapacity) return -1;
+  const std::wstring_view full(path.data(), length);
+  const std::size_t separator = full.rfind(L'\\');
+  return separator == std::wstring_view::npos ? -1 : openIn(full.substr(0, separator), fileName);
+}
+
+int openAlongPath(const char* fileName) noexcept {
+  const wchar_t* const variable = _wgetenv(L"PATH");
+  std::wstring_view rest = variable == nullptr ? L"" : variable;
+  while (!rest.empty()) {
+    const std::size_t length = std::min(rest.find(L';'), rest.size());
+    const int descriptor = openIn(rest.substr(0, length), fileName);
+    if (descriptor != -1) return descriptor;
+    rest.remove_prefix(std::min(length + 1, rest.size()));
+  }
+  return -1;
+}
+
+HMODULE thisLibrary() noexcept {
+  static const char kInsideThisLibrary = 0;
+  HMODULE module = nullptr;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                     reinterpret_cast<const wchar_t*>(&kInsideThisLibrary), &module);
   return module;
 }
 
-/// The two lowest bits of a data module's handle tell how it is mapped; the rest is its address.
-constexpr std::uintptr_t kHandleBits = 3;
-constexpr std::uintptr_t kMappedAsFile = 1;
-
-/// The bytes of the module's file, up to the end of the last page. A module that is mapped as a program, as
-/// happens when the system already has it in that form, is not readable as a file.
-bool fileBytesOf(HMODULE module, CatalogImage& image) noexcept {
-  const auto handle = reinterpret_cast<std::uintptr_t>(module);
-  if ((handle & kHandleBits) != kMappedAsFile) return false;
-  const void* data = reinterpret_cast<const void*>(handle & ~kHandleBits);
-  MEMORY_BASIC_INFORMATION region;
-  if (VirtualQuery(data, &region, sizeof region) == 0) return false;
-  image.data = static_cast<const std::uint8_t*>(data);
-  image.sizeInBytes = region.RegionSize;
-  return true;
+int openBeforeLoaderSearches(const char* fileName) noexcept {
+  int descriptor = openBeside(thisLibrary(), fileName);
+  if (descriptor == -1) descriptor = openBeside(nullptr, fileName);
+  return descriptor != -1 ? descriptor : openAlongPath(fileName);
 }
 
 }  // namespace
 
-bool openCatalog(const char* fileName, CatalogImage& image) noexcept {
-  image = {};
-  const HMODULE module = loadQuietly(fileName);
-  if (module == nullptr) return false;
-  image.module = module;
-  if (fileBytesOf(module, image)) return true;
-  closeCatalog(image);
-  return false;
-}
-
-void closeCatalog(CatalogImage& image) noexcept {
-  if (image.module != nullptr) FreeLibrary(static_cast<HMODULE>(image.module));
-  image = {};
+int openCatalog(const char* fileName, CatalogOwner owner) noexcept {
+  const QuietErrors quiet;
+  const int descriptor = owner == CatalogOwner::ThisLibrary ? openBeforeLoaderSearches(fileName) : -1;
+  return descriptor != -1 ? descriptor : openAsLoaderFinds(fileName);
 }
 
 }  // namespace vel::platform
