@@ -65,7 +65,9 @@ const char* VelClMessage::setNewMessageId(unsigned long id, const char* var1, co
   return loadMessage(static_cast<uint32_t>(id), variables);
 }
 
+/// A variable that is null is one that was not given; an array that is null gives none.
 const char* VelClMessage::loadMessage(uint32_t id, const char* const* variables) {
+  if (variables == nullptr) variables = kNoVariables;
   const char* inserts[VEL_MAX_MESSAGE_VARIABLES];
   std::transform(variables, variables + VEL_MAX_MESSAGE_VARIABLES, inserts,
                  [](const char* variable) { return variable != nullptr ? variable : kMissingVariable; });

@@ -35,6 +35,9 @@ TEST_F(Message, SubstitutesItsVariables) {
   EXPECT_EQ(message.setNewMessageId(5, "a", nullptr, "c"), "a???c" + missing(7));
   EXPECT_EQ(message.setNewMessageId(5), missing(10));
   EXPECT_EQ(VelClMessage(catalog_, 5, "a", nullptr, "c").getAsCString(), "a???c" + missing(7));
+  constexpr const char* const* kNoArray = nullptr;
+  EXPECT_EQ(VelClMessage(catalog_, 5, kNoArray).getAsCString(), missing(10));
+  EXPECT_EQ(VelClMessageCatalogProxy(&catalog_).getMessage(5, kNoArray), missing(10));
   std::ostringstream stream;
   stream << VelClMessage(catalog_, 2, "%1 %2");
   EXPECT_EQ(stream.str(), "<%1 %2>");
@@ -131,7 +134,7 @@ TEST(CatalogFunctions, CollectVariablesUpToANull) {
 }
 
 TEST(CatalogFunctions, OpenLibrariesAndTables) {
-  EXPECT_EQ(velMsgCatOpen("absent.DLL"), nullptr);
+  for (const char* name : {"absent.DLL", "", kNull}) EXPECT_EQ(velMsgCatOpen(name), nullptr);
   VelMsgCatHandle library = velMsgCatOpen("small_catalog.txt");
   // A loaded library never gets the table.
   VelMsgCatHandle both = velMsgCatOpenOrUseStringTable("small_catalog", kTable, std::size(kTable));
@@ -150,6 +153,12 @@ TEST(CatalogFunctions, OpenLibrariesAndTables) {
   EXPECT_EQ(velMsgCatGet(table, 7), first);  // the handle's one buffer
   EXPECT_STREQ(first, "UNABLE TO LOAD MESSAGE CATALOG: absent.DLL");
   velMsgCatClose(table);
+  VelMsgCatHandle unnamed = velMsgCatOpenOrUseStringTable(nullptr, kTable, std::size(kTable));
+  EXPECT_STREQ(velMsgCatGet(unnamed, 3), "plain");
+  velMsgCatClose(unnamed);
+  VelMsgCatHandle nothing = velMsgCatOpenOrUseStringTable(nullptr, nullptr, 7);
+  EXPECT_FALSE(velMsgCatIsValid(nothing, 3));
+  velMsgCatClose(nothing);
   velMsgCatClose(nullptr);
 }
 
