@@ -5,6 +5,8 @@
 #include <exception>
 #include <new>
 
+#include "tools/safe_terminal.h"
+
 namespace vel::tools {
 namespace {
 
@@ -49,6 +51,7 @@ bool endsForMemory() noexcept {
 int runTool(const char* name, int argc, char** argv, int (*run)(int argc, char** argv)) {
   toolName = name;
   otherwise = std::set_terminate(terminate);
+  const SafeTerminal terminal;
   try {
     return run(argc, argv);
   } catch (const std::bad_alloc&) {

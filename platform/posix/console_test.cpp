@@ -14,6 +14,7 @@
 #include <sstream>
 
 #include "platform/test/child_process.h"
+#include "platform/test/scratch_directory.h"
 #include "platform/test/variable.h"
 #include "vel_include/vel_consoleui.h"
 
@@ -215,6 +216,19 @@ TEST(ProgressDisplay, StaysAwayFromBytesOfUnknownNumber) {
   const std::string shown = tool.finish();
   EXPECT_NE(shown.find("VELDUMP - "), std::string::npos) << shown;
   EXPECT_EQ(shown.find('%'), std::string::npos) << shown;
+}
+
+TEST(TerminalOfTools, IsNotControlledByCatalogs) {
+  const vel::test::ScratchDirectory directory;
+  std::string bytes = vel::test::readFile("small_catalog.DLL");
+  const std::string text("t\0w\0o\0", 6);
+  bytes.replace(bytes.find(text), text.size(), std::string("\x1B\0[\0J\0", 6));
+  const std::vector<std::string> arguments = {"-cat", directory.write("escape.DLL", bytes), "-list"};
+  const std::string shown = Tool("velmsg", arguments).finish();
+  EXPECT_NE(shown.find("\t?[J\\nlines\r\n"), std::string::npos) << shown;
+  EXPECT_EQ(shown.find('\x1B'), std::string::npos);
+  const auto piped = vel::test::runChild("velmsg", arguments);
+  EXPECT_NE(piped.output.find("\t\x1B[J\\nlines\n"), std::string::npos) << piped.output;
 }
 
 TEST(LabelColumn, CountsCharactersOfUtf8Texts) {

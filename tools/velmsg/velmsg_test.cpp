@@ -4,7 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "messages/test/catalog_builder.h"
 #include "platform/test/child_process.h"
+#include "platform/test/scratch_directory.h"
 #include "platform/test/session.h"
 #include "platform/test/table.h"
 
@@ -14,7 +16,8 @@ vel::test::ChildResult velmsg(const std::vector<std::string>& arguments) {
   return vel::test::runChild("velmsg", arguments, {.environment = {{"LC_ALL", "C"}}, .rawOutput = true});
 }
 
-/// What -list must print, made from the table that the catalog is made from: it uses the same escapes.
+/// What -list must print, made from the table that the catalog is made from: it uses the same escapes. That
+/// proves that nothing is lost on the way, not that the texts are right.
 std::string expectedListing(bool english, bool german) {
   std::string listing;
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "../messages/messages.tsv")) {
@@ -28,6 +31,23 @@ std::string expectedListing(bool english, bool german) {
 TEST(Velmsg, ListsTheLibraryCatalogInTheSameBytesOnEverySystem) {
   EXPECT_EQ(velmsg({"-cat", "qammsg50.DLL", "-list"}).output, expectedListing(true, true));
   EXPECT_EQ(velmsg({"-cat", "qammsg50.txt", "-list", "-lang", "1031"}).output, expectedListing(false, true));
+}
+
+TEST(Velmsg, WritesEachTextOnOneLine) {
+  const std::pair<std::string, std::string> rows[] = {
+      {"a\nb", "a\\nb"},      {"a\r\nb", "a\\nb"}, {"a\rb", "a\\rb"},     {"a\r", "a\\r"},
+      {"a\r\r\n", "a\\r\\n"}, {"\n\r", "\\n\\r"},  {"\ta\\", "\\ta\\\\"}, {"a\r\n%0", "a\\n"},
+      {"a\r%0", "a\\r"},      {"a%%0", "a%%0"},    {"\x1B[m", "\x1B[m"}};
+  std::vector<vel::test::TestMessage> messages;
+  std::string listing;
+  for (const auto& [text, line] : rows) {
+    messages.push_back({static_cast<std::uint32_t>(messages.size() + 1), text});
+    listing += std::to_string(messages.size()) + "\t1033\t" + line + "\n";
+  }
+  const auto bytes = vel::test::libraryFile({{1, {{1033, vel::test::messageTable(messages)}}}});
+  const vel::test::ScratchDirectory directory;
+  const std::string catalog = directory.write("lines.DLL", {bytes.begin(), bytes.end()});
+  EXPECT_EQ(velmsg({"-cat", catalog, "-list"}).output, listing);
 }
 
 TEST(Velmsg, AnswersQuestionsAndRefusesWhatMakesNoSense) {

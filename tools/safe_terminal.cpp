@@ -1,0 +1,57 @@
+#include "tools/safe_terminal.h"
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <string_view>
+
+#include "platform/platform.h"
+
+namespace vel::tools {
+
+namespace {
+
+constexpr int kStandardOutput = 1;
+constexpr int kStandardError = 2;
+
+/// Control characters that only move on, or beep.
+constexpr std::string_view kHarmless = "\a\t\n\r";
+
+/// In UTF-8 the first byte of U+0080 to U+009F, whose second byte is that number.
+constexpr char kFirstOfTwo = '\xC2';
+
+}  // namespace
+
+char SafeBuffer::safe(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  const bool isControl = byte < 0x20 || byte == 0x7F;
+  const bool isLateControl = previous_ == kFirstOfTwo && byte >= 0x80 && byte < 0xA0;
+  previous_ = c;
+  return isLateControl || (isControl && kHarmless.find(c) == std::string_view::npos) ? '?' : c;
+}
+
+SafeBuffer::int_type SafeBuffer::overflow(int_type c) {
+  if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);
+  return target_->sputc(safe(traits_type::to_char_type(c)));
+}
+
+std::streamsize SafeBuffer::xsputn(const char* text, std::streamsize size) {
+  std::array<char, 512> part;
+  for (std::streamsize done = 0; done < size;) {
+    const std::streamsize count = std::min<std::streamsize>(size - done, part.size());
+    std::transform(text + done, text + done + count, part.begin(), [this](char c) { return safe(c); });
+    const std::streamsize written = target_->sputn(part.data(), count);
+    done += written;
+    if (written != count) return done;
+  }
+  return size;
+}
+
+SafeTerminal::Stream::Stream(std::ostream& stream, int descriptor)
+    : stream_(stream), previous_(stream.rdbuf()), buffer_(previous_) {
+  if (platform::isTerminal(descriptor)) stream_.rdbuf(&buffer_);
+}
+
+SafeTerminal::SafeTerminal() : output_(std::cout, kStandardOutput), errors_(std::cerr, kStandardError) {}
+
+}  // namespace vel::tools
