@@ -1,20 +1,22 @@
 // Lists catalogs' messages and languages, and compares two catalogs.
 #include "tools/velmsg/catalog_report.h"
 
+#include <algorithm>
 #include <cctype>
-#include <cstring>
 #include <map>
+#include <optional>
 #include <ostream>
-#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace vel::velmsg {
 namespace {
 
-using Inserts = std::set<std::string>;
+/// Sorted, each once.
+using Inserts = std::vector<std::string>;
 using InsertsByLanguage = std::map<unsigned int, Inserts>;
-using InsertsById = std::map<unsigned long, InsertsByLanguage>;
 
 template <typename Take>
 void forEachMessage(const VelClMessageCatalog& catalog, Take take) {
@@ -71,20 +73,38 @@ Inserts insertsOf(std::string_view text) {
   for (std::size_t i = text.find('%'); i < text.size(); i = text.find('%', i)) {
     ++i;
     if (i < text.size() && isDigit(text[i]) && text[i] != '0')
-      inserts.insert(takeInsert(text, i));
+      inserts.push_back(takeInsert(text, i));
     else if (i < text.size())
       ++i;
   }
+  std::sort(inserts.begin(), inserts.end());
+  inserts.erase(std::unique(inserts.begin(), inserts.end()), inserts.end());
   return inserts;
 }
 
-InsertsById insertsOf(const VelClMessageCatalog& catalog) {
-  InsertsById inserts;
-  forEachMessage(catalog, [&inserts](const VelClMessageCatalogCursor& message) {
-    inserts[message.getId()][message.getLanguage()] = insertsOf(message.getAsCString());
-  });
-  return inserts;
-}
+/// Walks the ids of a catalog, with the inserts that one id has in each language.
+class InsertWalk {
+ public:
+  explicit InsertWalk(const VelClMessageCatalog& catalog) : message_(catalog) {
+    message_.setToFirst();
+    next();
+  }
+
+  bool atEnd() const { return inserts_.empty(); }
+  unsigned long id() const { return id_; }
+  const InsertsByLanguage& inserts() const { return inserts_; }
+  void next() {
+    inserts_.clear();
+    id_ = message_.getId();
+    for (; message_.isValid() && message_.getId() == id_; message_.setToNext())
+      inserts_[message_.getLanguage()] = insertsOf(message_.getAsCString());
+  }
+
+ private:
+  VelClMessageCatalogCursor message_;
+  unsigned long id_ = 0;
+  InsertsByLanguage inserts_;
+};
 
 std::string joined(const Inserts& inserts) {
   std::string text;
@@ -92,19 +112,51 @@ std::string joined(const Inserts& inserts) {
   return text.empty() ? "-" : text;
 }
 
+using Difference = std::optional<std::pair<const Inserts*, const Inserts*>>;
+
+const Inserts* firstOther(const InsertsByLanguage& texts, const Inserts& inserts) {
+  const auto other =
+      std::find_if(texts.begin(), texts.end(), [&](const auto& text) { return text.second != inserts; });
+  return other == texts.end() ? nullptr : &other->second;
+}
+
+/// The first text of one that differs from any of the other; none when all of both are alike.
+Difference differing(const InsertsByLanguage& first, const InsertsByLanguage& second) {
+  if (const Inserts* const other = firstOther(second, first.begin()->second))
+    return std::pair(&first.begin()->second, other);
+  if (const Inserts* const other = firstOther(first, second.begin()->second))
+    return std::pair(other, &second.begin()->second);
+  return std::nullopt;
+}
+
 /// Where both catalogs have a language in common, texts of the same language are compared, otherwise every
 /// text with every other.
-const Inserts* differing(const InsertsByLanguage& first, const InsertsByLanguage& second,
-                         const Inserts*& other) {
+Difference compare(const InsertsByLanguage& first, const InsertsByLanguage& second) {
   bool common = false;
-  for (const auto& entry : first) common = common || second.contains(entry.first);
-  for (const auto& [language, inserts] : first)
-    for (const auto& [otherLanguage, otherInserts] : second)
-      if ((!common || language == otherLanguage) && inserts != otherInserts) {
-        other = &otherInserts;
-        return &inserts;
-      }
-  return nullptr;
+  for (const auto& [language, inserts] : first) {
+    const auto other = second.find(language);
+    if (other == second.end()) continue;
+    common = true;
+    if (inserts != other->second) return std::pair(&inserts, &other->second);
+  }
+  return common ? std::nullopt : differing(first, second);
+}
+
+/// Writes how two catalogs differ at the next id, and moves on in those that have it; false when they do.
+bool compareNext(std::ostream& stream, InsertWalk& first, InsertWalk& second) {
+  const bool only1 = !first.atEnd() && (second.atEnd() || first.id() < second.id());
+  const bool only2 = !second.atEnd() && (first.atEnd() || second.id() < first.id());
+  Difference difference;
+  if (only1)
+    stream << "<\t" << first.id() << '\n';
+  else if (only2)
+    stream << ">\t" << second.id() << '\n';
+  else if ((difference = compare(first.inserts(), second.inserts())))
+    stream << "!\t" << first.id() << '\t' << joined(*difference->first) << '\t' << joined(*difference->second)
+           << '\n';
+  if (!only2) first.next();
+  if (!only1) second.next();
+  return !only1 && !only2 && !difference;
 }
 
 }  // namespace
@@ -132,25 +184,10 @@ bool listLanguages(std::ostream& stream, const VelClMessageCatalog& catalog) {
 
 bool listDifferences(std::ostream& stream, const VelClMessageCatalog& first,
                      const VelClMessageCatalog& second) {
-  const InsertsById firstInserts = insertsOf(first);
-  const InsertsById secondInserts = insertsOf(second);
-  std::set<unsigned long> ids;
-  for (const auto& entry : firstInserts) ids.insert(entry.first);
-  for (const auto& entry : secondInserts) ids.insert(entry.first);
+  InsertWalk walk(first), otherWalk(second);
   bool same = true;
-  for (const unsigned long id : ids) {
-    const auto in1 = firstInserts.find(id);
-    const auto in2 = secondInserts.find(id);
-    const bool only1 = in2 == secondInserts.end();
-    const bool only2 = in1 == firstInserts.end();
-    const Inserts* other = nullptr;
-    const Inserts* inserts = only1 || only2 ? nullptr : differing(in1->second, in2->second, other);
-    if (only1 || only2)
-      stream << (only1 ? "<\t" : ">\t") << id << '\n';
-    else if (inserts != nullptr)
-      stream << "!\t" << id << '\t' << joined(*inserts) << '\t' << joined(*other) << '\n';
-    same = same && !only1 && !only2 && inserts == nullptr;
-  }
+  while (!walk.atEnd() || !otherWalk.atEnd())
+    if (!compareNext(stream, walk, otherWalk)) same = false;
   return same;
 }
 
