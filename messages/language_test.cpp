@@ -1,4 +1,5 @@
-// Tags, codes and names, against the tables' source files.
+// Tags, codes and names. The tables are made from languages.tsv and territories.tsv: tests that read these
+// prove that every row is found, and the facts below that they are the right ones.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -46,6 +47,51 @@ TEST(Language, FindsEveryTerritory) {
   EXPECT_EQ(VelClLanguage::getTerritoryIdNumber(242), -1);
   EXPECT_STREQ(VelClLanguage::getTerritoryName(242), "??");
   EXPECT_STREQ(VelClLanguage::getTerritoryCodeLong(0xFFFFFFFF), "??");
+}
+
+TEST(Language, KnowsTheCodesOfTheStandards) {
+  struct Row {
+    unsigned int index;
+    const char *code, *name;
+  };
+  const Row languages[] = {{0, "**", "Unspecified"},
+                           {1, "aa", "Afar"},
+                           {22, "de", "German"},
+                           {25, "en", "English"},
+                           {42, "he", "Hebrew"},
+                           {54, "iw", "Hebrew"},
+                           {82, "nb", "Norwegian (Bokmal)"},
+                           {142, "zu", "Zulu"}};
+  for (const auto& [index, code, name] : languages) {
+    EXPECT_EQ(VelClLanguage(code).getLanguage(), index) << code;
+    EXPECT_STREQ(VelClLanguage::getLanguageName(index), name);
+  }
+  struct TerritoryRow {
+    Row row;
+    const char* longCode;
+    int number;
+  };
+  // The last ones are not as the standard has them today.
+  const TerritoryRow territories[] = {{{0, "**", "Unspecified"}, "***", 0},
+                                      {{2, "ad", "Andorra"}, "and", 20},
+                                      {{54, "de", "Germany"}, "deu", 276},
+                                      {{75, "gb", "United Kingdom"}, "gbr", 826},
+                                      {{223, "us", "United States"}, "usa", 840},
+                                      {{241, "zw", "Zimbabwe"}, "zwe", 716},
+                                      {{1, "aa", "Arabic"}, "ara", 0},
+                                      {{73, "fx", "France Metropolitan"}, "fxx", 249},
+                                      {{87, "gs", "South Georgia"}, "sgs", 23},
+                                      {{198, "sp", "Serbia"}, "ser", 0},
+                                      {{214, "tp", "East Timor"}, "tmp", 626},
+                                      {{237, "yu", "Yugoslavia"}, "yug", 891},
+                                      {{239, "zm", "Zambia"}, "zwb", 894},
+                                      {{240, "zr", "Zaire"}, "zar", 180}};
+  for (const auto& [row, longCode, number] : territories) {
+    EXPECT_STREQ(VelClLanguage::getTerritoryCodeShort(row.index), row.code);
+    EXPECT_STREQ(VelClLanguage::getTerritoryName(row.index), row.name);
+    EXPECT_STREQ(VelClLanguage::getTerritoryCodeLong(row.index), longCode);
+    EXPECT_EQ(VelClLanguage::getTerritoryIdNumber(row.index), number) << row.code;
+  }
 }
 
 TEST(Language, ReadsAndWritesTags) {
