@@ -40,8 +40,24 @@ void readBlock(const std::vector<std::uint8_t>& bytes) {
   require(count <= 64 * bytes.size() / 4);
 }
 
-void readFile(const char* name) {
+std::size_t countTables(const PortableExecutable& file) {
+  PortableExecutable::Cursor cursor;
+  std::size_t count = 0;
+  for (MessageTable table{}; file.nextMessageTable(cursor, table);) ++count;
+  return count;
+}
+
+/// A file that can do without its end held nothing there.
+void readBeginning(const std::vector<std::uint8_t>& bytes, std::size_t size) {
+  const std::vector<std::uint8_t> part(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size));
+  const PortableExecutable beginning(part.data(), part.size()), whole(bytes.data(), bytes.size());
+  // The walk's limits grow with the file.
+  if (beginning.isValid()) require(whole.isValid() && countTables(beginning) <= countTables(whole));
+}
+
+void readFile(const char* name, bool isLibrary) {
   const VelClMessageCatalog catalog((VelClFilename(name)));
+  require(catalog.isValid() == isLibrary);
   VelClMessageCatalogCursor cursor(catalog);
   unsigned long last = 0;
   std::size_t count = 0;
@@ -60,7 +76,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::vector<std::uint8_t> bytes(data, data + size);
   readTable(MessageResource(bytes.data(), bytes.size()));
   readBlock(bytes);
+  for (const std::size_t end : {size - size / 4, size / 2, size - std::min<std::size_t>(size, 1)})
+    readBeginning(bytes, end);
   file.write({reinterpret_cast<const char*>(data), size});
-  readFile(file.name());
+  readFile(file.name(), PortableExecutable(bytes.data(), size).isValid());
   return 0;
 }

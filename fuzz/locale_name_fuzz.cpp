@@ -1,0 +1,58 @@
+// Reads any text as the name of a locale: its language's number, and the user's language by its tag.
+#include <cstdlib>
+#include <string>
+
+#include "fuzz/bytes.h"
+#include "platform/posix/language_names.h"
+#include "vel_include/vel_messages.h"
+
+namespace {
+
+using fuzz::require;
+using vel::platform::languageIdOfLocaleName;
+
+constexpr std::uint32_t kPrimaryLanguage = 0x3FF;
+
+char otherCase(char c) {
+  if (c >= 'A' && c <= 'Z') return static_cast<char>(c - 'A' + 'a');
+  if (c >= 'a' && c <= 'z') return static_cast<char>(c - 'a' + 'A');
+  return c == '-' ? '_' : c == '_' ? '-' : c;
+}
+
+/// Case, separator, code set and modifier do not matter; a territory changes no more than the number's upper
+/// part.
+void readNumber(const fuzz::Text& name) {
+  const std::uint32_t number = languageIdOfLocaleName(name);
+  require(number <= 0xFFFF);
+  std::string other(name.view().substr(0, name.view().find_first_of(".@")));
+  for (char& c : other) c = otherCase(c);
+  require(languageIdOfLocaleName(fuzz::Text(other)) == number);
+  for (const char* more : {".UTF-8", "@euro", ".x@y"})
+    require(languageIdOfLocaleName(fuzz::Text(other + more)) == number);
+  const std::string bare = other.substr(0, other.find_first_of("_-"));
+  const std::uint32_t main = languageIdOfLocaleName(fuzz::Text(bare));
+  require((main == 0) == (number == 0) && (main & kPrimaryLanguage) == (number & kPrimaryLanguage));
+}
+
+/// Tags of up to fifteen characters count whose language has two or three; US English takes the place of
+/// others.
+void readUser(const fuzz::Text& name) {
+  setenv("LC_ALL", name, 1);
+  const unsigned int user = VelClLanguage::getUserLanguage().asNumber();
+  const std::string tag(name.view().substr(0, name.view().find_first_of(".@")));
+  const std::size_t language = std::min(tag.find_first_of("_-"), tag.size());
+  const bool counts = (language == 2 || language == 3) && tag.size() < 16;
+  require(user == VelClLanguage(counts ? tag.c_str() : "en-US").asNumber());
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  // Only LC_ALL is to count.
+  static const bool kOthersAreGone = unsetenv("LC_MESSAGES") == 0 && unsetenv("LANG") == 0;
+  require(kOthersAreGone);
+  const fuzz::Text name = fuzz::Bytes(data, size).text();
+  readNumber(name);
+  readUser(name);
+  return 0;
+}
