@@ -10,8 +10,12 @@ namespace vel::platform {
 inline constexpr int kStandardInput = 0;
 inline constexpr int kStandardOutput = 1;
 
-/// A descriptor for reading, or -1. Names arrive in either style, and children do not inherit it.
-int openForReading(const char* name) noexcept;
+/// What to do about a named pipe that nobody has open for writing.
+enum class PipeWithoutWriter { Refuse, Await };
+
+/// A descriptor for reading, or -1. Names arrive in either style, and children do not inherit it. Does not
+/// wait, unless for a pipe's writer; reading from a pipe waits for what its writers send.
+int openForReading(const char* name, PipeWithoutWriter pipe = PipeWithoutWriter::Refuse) noexcept;
 void closeDescriptor(int descriptor) noexcept;
 /// How many bytes were read, at most `capacity`; 0 at the end, -1 for a failure.
 std::int64_t readBytes(int descriptor, void* buffer, std::size_t capacity) noexcept;

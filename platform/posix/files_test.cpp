@@ -1,9 +1,13 @@
 // What POSIX systems add: back-slash names, links, pipes, dot files and permission bits.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <thread>
 
+#include "platform/byte_files.h"
 #include "platform/platform.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/rename.h"
@@ -155,6 +159,53 @@ TEST(PosixTmpDirectory, IsTmpdirOrTmp) {
   for (const char* none : {"", static_cast<const char*>(nullptr)}) {
     variable.set(none);
     EXPECT_STREQ(fallbackTmpDirectory(), "/tmp");
+  }
+}
+
+std::string readAll(int descriptor) {
+  char bytes[16];
+  std::string text;
+  for (std::int64_t count; (count = readBytes(descriptor, bytes, sizeof bytes)) > 0;)
+    text.append(bytes, static_cast<std::size_t>(count));
+  closeDescriptor(descriptor);
+  return text;
+}
+
+// Reading blocks, opening does not.
+TEST_F(PosixFiles, OpeningAPipeWaitsForNoWriter) {
+  ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
+  EXPECT_EQ(openForReading(path("pipe").c_str()), -1);
+  const int other = open(path("pipe").c_str(), O_RDONLY | O_NONBLOCK);
+  EXPECT_EQ(openForReading(path("pipe").c_str()), -1) << "a second reader is no writer";
+  const int writer = open(path("pipe").c_str(), O_WRONLY);
+  const int silent = openForReading(path("pipe").c_str());
+  EXPECT_EQ(fcntl(silent, F_GETFL) & O_NONBLOCK, 0);
+  closeDescriptor(silent);
+  ASSERT_EQ(write(writer, "left", 4), 4);
+  closeDescriptor(writer);
+  EXPECT_EQ(readAll(openForReading(path("pipe").c_str())), "left");
+  EXPECT_EQ(openForReading(path("pipe").c_str()), -1);
+  closeDescriptor(other);
+  std::thread late([&] {
+    const int end = open(path("pipe").c_str(), O_WRONLY);
+    EXPECT_EQ(write(end, "late", 4), 4);
+    closeDescriptor(end);
+  });
+  EXPECT_EQ(readAll(openForReading(path("pipe").c_str(), PipeWithoutWriter::Await)), "late");
+  late.join();
+}
+
+// As a shell hands over the output of a program, which may have ended before and written nothing.
+TEST_F(PosixFiles, PipesWithoutANameAreReadToTheirEnd) {
+  for (const std::string text : {"", "text"}) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    ASSERT_EQ(write(ends[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    closeDescriptor(ends[1]);
+    const int descriptor = openForReading(("/dev/fd/" + std::to_string(ends[0])).c_str());
+    ASSERT_GE(descriptor, 0);
+    EXPECT_EQ(readAll(descriptor), text);
+    closeDescriptor(ends[0]);
   }
 }
 

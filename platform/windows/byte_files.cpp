@@ -21,7 +21,8 @@ unsigned int stepOf(std::size_t size) noexcept {
 
 }  // namespace
 
-int openForReading(const char* name) noexcept {
+// A pipe exists only as long as somebody serves it.
+int openForReading(const char* name, PipeWithoutWriter) noexcept {
   return _open(name, _O_RDONLY | _O_BINARY | _O_NOINHERIT);
 }
 

@@ -116,7 +116,9 @@ int Tool::convertAll() {
 /// False when nothing more can be converted.
 bool Tool::convert(const char* file, OutputFile& output) {
   const bool isInput = file == kStandardStream;
-  const int descriptor = isInput ? vel::platform::kStandardInput : vel::platform::openForReading(file);
+  constexpr auto kAwait = vel::platform::PipeWithoutWriter::Await;
+  const int descriptor =
+      isInput ? vel::platform::kStandardInput : vel::platform::openForReading(file, kAwait);
   if (descriptor == -1) return report(kNotOpened, file), false;
   // A terminal that shows the output has no place for a progress bar.
   const bool isShown = output_ == nullptr && vel::platform::isTerminal(vel::platform::kStandardOutput);
