@@ -1,6 +1,6 @@
 // An INI file under edit: reading and writing it. Changes are edited_text.cpp's work.
 #include "foundation/allocator.h"
-#include "inifile/edited_text.h"
+#include "inifile/edited_file.h"
 #include "inifile/file_output.h"
 #include "platform/byte_files.h"
 #include "vel_include/vel_inifile.h"
@@ -8,7 +8,8 @@
 #include <utility>
 
 using vel::String;
-using vel::inifile::EditedText;
+using vel::inifile::EditedFile;
+using vel::platform::FileIdentity;
 
 namespace {
 
@@ -30,10 +31,10 @@ bool readAll(int descriptor, String& bytes) {
 }  // namespace
 
 VelClIniFileEditor::VelClIniFileEditor(const VelClFilenameABase& name)
-    : VelClFile(name, ".INI"), text_(vel::create<EditedText>()) {}
+    : VelClFile(name, ".INI"), file_(vel::create<EditedFile>()) {}
 
 VelClIniFileEditor::~VelClIniFileEditor() {
-  vel::destroy(text_);
+  vel::destroy(file_);
 }
 
 bool VelClIniFileEditor::load(bool allowContinuation) {
@@ -46,50 +47,70 @@ bool VelClIniFileEditor::load(bool allowContinuation) {
   const OpenFile file{vel::platform::openForReading(getAsCString())};
   String bytes;
   if (file.descriptor < 0 || !readAll(file.descriptor, bytes)) return false;
-  text_->take(std::move(bytes), allowContinuation);
+  const std::optional<FileIdentity> found = file_->held.identityOfRead(file.descriptor);
+  if (!found.has_value()) return false;
+  file_->text.take(std::move(bytes), allowContinuation);
+  file_->held.noteRead(*found);
   return true;
 }
 
 void VelClIniFileEditor::loadFromBuffer(const char* buffer, size_t size, bool allowContinuation) {
-  text_->take(buffer != nullptr ? String(buffer, size) : String(), allowContinuation);
+  file_->held.forgetRead();
+  file_->text.take(buffer != nullptr ? String(buffer, size) : String(), allowContinuation);
 }
 
 bool VelClIniFileEditor::setValue(const char* section, const char* option, const char* value) {
   if (section == nullptr || option == nullptr) return false;
-  return text_->setValue(section, option, textOrEmpty(value));
+  return file_->text.setValue(section, option, textOrEmpty(value));
 }
 
 bool VelClIniFileEditor::merge(const VelClIniFile& source) {
-  return text_->merge(source);
+  return file_->text.merge(source);
 }
 
 bool VelClIniFileEditor::addSection(const char* name) {
-  return name != nullptr && text_->addSection(name);
+  return name != nullptr && file_->text.addSection(name);
 }
 
 bool VelClIniFileEditor::deleteOption(const char* section, const char* option) {
-  return section != nullptr && option != nullptr && text_->deleteOption(section, option);
+  return section != nullptr && option != nullptr && file_->text.deleteOption(section, option);
 }
 
 bool VelClIniFileEditor::deleteSection(const char* name) {
-  return name != nullptr && text_->deleteSection(name);
+  return name != nullptr && file_->text.deleteSection(name);
 }
 
 const char* VelClIniFileEditor::getText() const {
-  return text_->text().c_str();
+  return file_->text.text().c_str();
 }
 
 size_t VelClIniFileEditor::getLength() const {
-  return text_->text().size();
+  return file_->text.text().size();
 }
 
 const VelClIniFile& VelClIniFileEditor::getIniFile() const {
-  return text_->model();
+  return file_->text.model();
 }
 
 bool VelClIniFileEditor::save() {
   vel::inifile::FileOutput output;
   if (!output.open(getAsCString())) return false;
   output.write(getText(), static_cast<std::streamsize>(getLength()));
-  return output.close();
+  // Where it is another file this one is dropped.
+  if (!file_->held.mayReplace(getAsCString()) || !output.close()) return false;
+  file_->held.release();
+  file_->held.forgetRead();
+  return true;
+}
+
+VelEnIniFileLock VelClIniFileEditor::lock(unsigned int timeLimitMs) {
+  return file_->held.hold(getAsCString(), timeLimitMs);
+}
+
+void VelClIniFileEditor::unlock() {
+  file_->held.release();
+}
+
+bool VelClIniFileEditor::isReplaced() const {
+  return file_->held.isReplaced();
 }

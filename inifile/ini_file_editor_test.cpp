@@ -2,6 +2,9 @@
 // text.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+#include <memory>
 #include <string>
 
 #include "inifile/test/ini_fixture.h"
@@ -65,6 +68,94 @@ TEST(IniEditor, SavesTheTextAsItIs) {
   VelClIniFileEditor created(directory.path("new").c_str());
   EXPECT_TRUE(created.setValue("A", "x", "1") && created.save());
   EXPECT_EQ(readFile(directory.path("new.INI")), "[A]\nx = 1\n");
+}
+
+/// Tries to lock at once.
+bool locks(VelClIniFileEditor& editor) {
+  return editor.lock(0) == VelEnIniFileLock::LOCKED;
+}
+
+TEST(IniEditor, LocksOutOtherEditorsUntilItHasSaved) {
+  const vel::test::ScratchDirectory directory;
+  for (const std::string& path : {directory.write("old.ini", "[A]\nx=1\n"), directory.path("new.ini")}) {
+    SCOPED_TRACE(path);
+    VelClIniFileEditor first(path.c_str()), second(path.c_str());
+    EXPECT_TRUE(locks(first));
+    EXPECT_EQ(second.lock(0), VelEnIniFileLock::TIMED_OUT);
+    EXPECT_EQ(second.lock(30), VelEnIniFileLock::TIMED_OUT);
+    first.load(true);
+    EXPECT_TRUE(first.setValue("A", "x", "2"));
+    EXPECT_FALSE(locks(second));
+    EXPECT_TRUE(first.save() && locks(second));
+    // Also what was made anew is locked now, and changes follow each other.
+    EXPECT_FALSE(locks(first));
+    EXPECT_TRUE(second.load(true) && second.setValue("A", "y", "3") && second.save());
+    const char* value = nullptr;
+    EXPECT_TRUE(locks(first) && locks(first) && first.load(true));
+    EXPECT_TRUE(first.getIniFile().getSection("A") && first.getIniFile().getOption("x", value));
+    EXPECT_STREQ(value, "2");
+    first.unlock();
+    EXPECT_TRUE(locks(second));
+  }
+  EXPECT_TRUE(locks(*std::make_unique<VelClIniFileEditor>(directory.path("old.ini").c_str())));
+  EXPECT_EQ(VelClIniFileEditor(directory.path("none/a.ini").c_str()).lock(0), VelEnIniFileLock::FAILED);
+  EXPECT_EQ(VelClIniFileEditor(directory.path(".").c_str()).lock(0), VelEnIniFileLock::FAILED);
+}
+
+/// What another program does to a file that is locked, or was read before.
+enum class Meanwhile { Nothing, Replaced, Removed, Made, Changed };
+
+void act(Meanwhile meanwhile, const std::string& path) {
+  if (meanwhile == Meanwhile::Nothing) return;
+  if (meanwhile == Meanwhile::Changed) {
+    std::ofstream(path, std::ios::app) << "y=1\n";
+    return;
+  }
+  if (meanwhile == Meanwhile::Removed) {
+    std::filesystem::remove(path);
+    return;
+  }
+  // Beside the old one for a while, so that it has a number of its own.
+  std::ofstream(path + "2") << "[B]\nx=1\n";
+  std::filesystem::rename(path + "2", path);
+}
+
+TEST(IniEditor, SavesOnlyOverTheFileThatItLocked) {
+  struct Row {
+    const char* name;
+    const char* steps;  ///< l locks, r reads, s saves, ! is where the other program acts
+    Meanwhile meanwhile;
+    bool works;
+  };
+  const Row rows[] = {
+      {"nothing", "l!rs", Meanwhile::Nothing, true},  {"again", "lrslrs!", Meanwhile::Nothing, true},
+      {"before", "!lrs", Meanwhile::Replaced, true},  {"reading", "l!r", Meanwhile::Replaced, false},
+      {"saving", "lr!s", Meanwhile::Replaced, false}, {"unread", "l!s", Meanwhile::Replaced, false},
+      {"stale", "r!ls", Meanwhile::Replaced, false},  {"removed", "lr!s", Meanwhile::Removed, false},
+      {"changed", "lr!s", Meanwhile::Changed, false}, {"made", "l!s", Meanwhile::Made, false},
+      {"free", "r!s", Meanwhile::Replaced, true},
+  };
+  const vel::test::ScratchDirectory directory;
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    const std::string path = directory.path(std::string(row.name) + ".ini");
+    if (row.meanwhile != Meanwhile::Made) directory.write(std::string(row.name) + ".ini", "[A]\nx=1\n");
+    VelClIniFileEditor editor(path.c_str());
+    // What is there at the end if the last step fails.
+    std::string before;
+    bool works = true;
+    for (const char* step = row.steps; *step != '\0' && works; ++step) {
+      if (*step == '!') act(row.meanwhile, path);
+      before = readFile(path);
+      if (*step == 'l') works = locks(editor);
+      if (*step == 'r') works = editor.load(true);
+      if (*step == 's') works = editor.setValue("A", "x", "2") && editor.save();
+    }
+    EXPECT_EQ(works, row.works);
+    EXPECT_EQ(editor.isReplaced(), !row.works);
+    EXPECT_TRUE(row.works || readFile(path) == before);
+    EXPECT_EQ(std::filesystem::exists(path), row.meanwhile != Meanwhile::Removed);
+  }
 }
 
 }  // namespace

@@ -108,6 +108,44 @@ SystemError startReplacement(const char* name, Replacement& replacement) noexcep
 SystemError finishReplacement(Replacement& replacement) noexcept;
 void dropReplacement(Replacement& replacement) noexcept;
 
+// ---- Locking files (file_lock.cpp) -----------------------------------------------------------
+
+/// Tells files apart, also a file from one that was there before and had its number, and from what it was
+/// before a change; all zeros for a missing one.
+struct FileIdentity {
+  std::uint64_t volume = 0;
+  std::uint64_t number = 0;
+  std::uint64_t sizeInBytes = 0;
+  std::uint64_t changed = 0;  ///< when, in the system's smallest unit; as fine as its clock for files is
+
+  bool operator==(const FileIdentity&) const = default;
+};
+
+/// Of an open file, and of what a name leads to. False when the system cannot tell.
+bool identityOf(int descriptor, FileIdentity& identity) noexcept;
+bool identityAt(const char* name, FileIdentity& identity) noexcept;
+
+enum class LockResult {
+  Locked,
+  Busy,         ///< somebody else has the lock
+  Unsupported,  ///< the file system has no locks; everything else is as if it were locked
+  Failed
+};
+
+/// A lock, and the identity of the locked file.
+struct FileLock {
+  void* system = nullptr;  ///< the object that is the lock on Windows
+  int descriptor = -1;     ///< the locked file or directory on POSIX
+  FileIdentity file;
+};
+
+/// Locks the file that a name leads to, or the place where it is to be made. Waits for nothing. The lock ends
+/// with the process at the latest, shuts out other locks (also of this process) and nothing else, is not
+/// inherited, and leaves nothing on disk. A device or pipe needs no lock. POSIX: an advisory lock of the
+/// file, or of its directory; Windows: a named object for the file's full name.
+LockResult tryLockFile(const char* name, FileLock& lock) noexcept;
+void unlockFile(FileLock& lock) noexcept;
+
 // ---- Directories (directories.cpp) -----------------------------------------------------------
 
 enum class WalkStep { Entry, End, Failed };

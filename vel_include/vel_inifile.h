@@ -26,7 +26,7 @@ class VelClIniFile;
 
 namespace vel::inifile {
 class CursorPlace;
-class EditedText;
+class EditedFile;
 class FileOutput;
 class LineSource;
 class Model;
@@ -354,6 +354,14 @@ class VEL_API VelClIniFileSave : public VelClIniFile {
   bool opened_;
 };
 
+/// What became of VelClIniFileEditor::lock.
+enum class VelEnIniFileLock : uint32_t {
+  LOCKED,
+  TIMED_OUT,    ///< another editor had the lock all the time
+  UNSUPPORTED,  ///< the file system has no locks; load() and save() see a file that was changed all the same
+  FAILED        ///< there is no such directory, or no right to read the file
+};
+
 /// Changes single options and sections of a file and leaves every other byte of it: comments, blank lines,
 /// spacing, order and line ends. Names find what VelClIniFile's questions find: the first of a name.
 ///
@@ -398,11 +406,25 @@ class VEL_API VelClIniFileEditor : public VelClFile {
 
   /// Writes the file as VelClIniFileSave::save does: the old file or the new one, whatever happens.
   /// On Windows a file that another program has open cannot be replaced. A link that leads nowhere is
-  /// refused.
+  /// refused. Ends the lock, if there is one and the file is saved.
   bool save();
 
+  /// Locks the file against every other editor that locks it, also of this process, so that changes of
+  /// several programs follow each other: lock, load, change, save. A file that does not exist yet is locked,
+  /// too. Waits up to this time, in milliseconds, and ends a lock of before. The lock binds nobody who does
+  /// not ask for it, ends with unlock(), a save that succeeds, this object, or the process, and leaves
+  /// nothing on disk.
+  ///
+  /// As long as it is there, load() and save() fail when the name leads to another file than the locked one,
+  /// or that one was changed by somebody who did not lock it; save() also when that was so when the text was
+  /// loaded before the lock.
+  [[nodiscard]] VelEnIniFileLock lock(unsigned int timeLimitMs);
+  void unlock();
+  /// Whether that is why the last load() or save() failed.
+  bool isReplaced() const;
+
  private:
-  vel::inifile::EditedText* text_;
+  vel::inifile::EditedFile* file_;
 };
 
 #endif

@@ -1,0 +1,65 @@
+// Locks of edited files.
+#include "inifile/held_file.h"
+
+#include <algorithm>
+
+namespace vel::inifile {
+
+namespace {
+
+constexpr std::uint32_t kLongestPauseMs = 20;
+
+/// Asks with pauses that grow: the system waits without a limit, or not at all.
+platform::LockResult lockWithin(std::uint32_t timeLimitMs, const char* name, platform::FileLock& lock) {
+  const std::uint32_t start = platform::tickCount();
+  for (std::uint32_t pauseMs = 1;; pauseMs = std::min(2 * pauseMs, kLongestPauseMs)) {
+    const platform::LockResult result = platform::tryLockFile(name, lock);
+    const std::uint32_t waitedMs = platform::tickCount() - start;
+    if (result != platform::LockResult::Busy || waitedMs >= timeLimitMs) return result;
+    platform::sleepMilliseconds(std::min(pauseMs, timeLimitMs - waitedMs));
+  }
+}
+
+}  // namespace
+
+VelEnIniFileLock HeldFile::hold(const char* name, std::uint32_t timeLimitMs) {
+  release();
+  const platform::LockResult result = lockWithin(timeLimitMs, name, lock_);
+  isHeld_ = result == platform::LockResult::Locked || result == platform::LockResult::Unsupported;
+  switch (result) {
+    case platform::LockResult::Locked:
+      return VelEnIniFileLock::LOCKED;
+    case platform::LockResult::Busy:
+      return VelEnIniFileLock::TIMED_OUT;
+    case platform::LockResult::Unsupported:
+      return VelEnIniFileLock::UNSUPPORTED;
+    default:
+      return VelEnIniFileLock::FAILED;
+  }
+}
+
+void HeldFile::release() {
+  platform::unlockFile(lock_);
+  isHeld_ = isReplaced_ = false;
+}
+
+std::optional<platform::FileIdentity> HeldFile::identityOfRead(int descriptor) {
+  platform::FileIdentity found;
+  const bool isTold = platform::identityOf(descriptor, found);
+  if (isHeld_ && !matches(isTold && found == lock_.file)) return std::nullopt;
+  return found;
+}
+
+bool HeldFile::mayReplace(const char* name) {
+  if (!isHeld_) return true;
+  platform::FileIdentity found;
+  return matches(platform::identityAt(name, found) && found == lock_.file &&
+                 (!read_.has_value() || *read_ == lock_.file));
+}
+
+bool HeldFile::matches(bool isSame) {
+  isReplaced_ = !isSame;
+  return isSame;
+}
+
+}  // namespace vel::inifile

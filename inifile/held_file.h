@@ -1,0 +1,42 @@
+// A file that an editor has locked: waiting for the lock, and whether a name still leads to that file.
+#pragma once
+
+#include <optional>
+
+#include "platform/platform.h"
+#include "vel_include/vel_inifile.h"
+
+namespace vel::inifile {
+
+class HeldFile {
+ public:
+  HeldFile() = default;
+  HeldFile(const HeldFile&) = delete;
+  HeldFile& operator=(const HeldFile&) = delete;
+  ~HeldFile() { release(); }
+
+  VelEnIniFileLock hold(const char* name, std::uint32_t timeLimitMs);
+  void release();
+
+  /// Of a file that is read; none when it is not the one that is held, or not as it was.
+  std::optional<platform::FileIdentity> identityOfRead(int descriptor);
+  /// What is edited came from there.
+  void noteRead(const platform::FileIdentity& file) { read_ = file; }
+  /// What is edited came from no file.
+  void forgetRead() { read_.reset(); }
+  /// False when a file is held and the name leads to another one, or the one that was read is another one, or
+  /// one of them has changed.
+  bool mayReplace(const char* name);
+  bool isReplaced() const { return isReplaced_; }
+
+ private:
+  /// Makes a note of it, too.
+  bool matches(bool isSame);
+
+  bool isHeld_ = false;
+  bool isReplaced_ = false;
+  platform::FileLock lock_;
+  std::optional<platform::FileIdentity> read_;
+};
+
+}  // namespace vel::inifile

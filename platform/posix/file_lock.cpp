@@ -1,0 +1,143 @@
+// Advisory locks of files.
+// Whoever replaces a file puts another inode in its place, so a lock counts only if the name still leads to
+// what was locked. A file that does not exist yet is locked by its directory.
+#include <fcntl.h>
+#include <limits.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "platform/platform.h"
+#include "platform/posix/native_path.h"
+
+namespace vel::platform {
+
+namespace {
+
+/// How often the name may lead somewhere else, before the file counts as busy.
+constexpr int kMostRounds = 100;
+
+/// What became of one round; `isMoved` when the name leads somewhere else by now.
+struct Round {
+  LockResult result;
+  bool isMoved = false;
+};
+constexpr Round kMoved{LockResult::Busy, true};
+
+FileIdentity identityIn(const struct stat& status) noexcept {
+  constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
+  return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino),
+          static_cast<std::uint64_t>(status.st_size),
+          static_cast<std::uint64_t>(status.st_ctim.tv_sec) * kNanosecondsPerSecond +
+              static_cast<std::uint64_t>(status.st_ctim.tv_nsec)};
+}
+
+LockResult lockDescriptor(int descriptor) noexcept {
+  int result = 0;
+  do result = flock(descriptor, LOCK_EX | LOCK_NB);
+  while (result != 0 && errno == EINTR);
+  if (result == 0) return LockResult::Locked;
+  return errno == EWOULDBLOCK ? LockResult::Busy : LockResult::Unsupported;
+}
+
+/// A network's file system may lock only what is open for writing.
+LockResult openLocked(const char* path, int flags, int& descriptor) noexcept {
+  LockResult result = LockResult::Failed;
+  for (const int access : {O_RDONLY, O_RDWR}) {
+    const int opened = open(path, access | flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (opened < 0) break;
+    if (descriptor >= 0) close(descriptor);
+    descriptor = opened;
+    result = lockDescriptor(descriptor);
+    if (result != LockResult::Unsupported || errno != EBADF) break;
+  }
+  return result;
+}
+
+Round lockAt(const char* path, int flags, FileLock& lock) noexcept {
+  const LockResult result = openLocked(path, flags, lock.descriptor);
+  if (lock.descriptor < 0) return errno == ENOENT ? kMoved : Round{LockResult::Failed};
+  struct stat locked, named;
+  const bool isTold = fstat(lock.descriptor, &locked) == 0;
+  const bool isThere =
+      isTold && stat(path, &named) == 0 && locked.st_dev == named.st_dev && locked.st_ino == named.st_ino;
+  if (isThere && result != LockResult::Busy) {
+    lock.file = identityIn(named);
+    return {result};
+  }
+  unlockFile(lock);
+  return isThere ? Round{result} : kMoved;
+}
+
+/// False when the path is too long.
+bool directoryOf(const char* path, char (&directory)[PATH_MAX]) noexcept {
+  const char* const separator = std::strrchr(path, '/');
+  const std::size_t length = separator != nullptr ? static_cast<std::size_t>(separator - path) + 1 : 0;
+  if (length >= sizeof directory) return false;
+  std::memcpy(directory, path, length);
+  std::strcpy(directory + length, length == 0 ? "." : "");
+  return true;
+}
+
+Round lockPlaceOf(const char* path, FileLock& lock) noexcept {
+  char directory[PATH_MAX];
+  if (!directoryOf(path, directory)) return {LockResult::Failed};
+  const Round round = lockAt(directory, O_DIRECTORY, lock);
+  if (lock.descriptor < 0) return {round.isMoved ? LockResult::Failed : round.result};
+  lock.file = {};
+  struct stat made;
+  if (stat(path, &made) != 0 && errno == ENOENT) return round;
+  // Somebody made the file while this waited for the directory.
+  unlockFile(lock);
+  return kMoved;
+}
+
+Round lockOnce(const char* path, FileLock& lock) noexcept {
+  struct stat found;
+  if (stat(path, &found) != 0) return errno == ENOENT ? lockPlaceOf(path, lock) : Round{LockResult::Failed};
+  if (S_ISDIR(found.st_mode)) return {LockResult::Failed};
+  if (S_ISREG(found.st_mode)) return lockAt(path, 0, lock);
+  lock.file = identityIn(found);
+  return {LockResult::Locked};
+}
+
+}  // namespace
+
+bool identityOf(int descriptor, FileIdentity& identity) noexcept {
+  struct stat status;
+  if (fstat(descriptor, &status) != 0) return false;
+  identity = identityIn(status);
+  return true;
+}
+
+bool identityAt(const char* name, FileIdentity& identity) noexcept {
+  const NativePath path(name);
+  struct stat status;
+  if (!path.fits()) return false;
+  const bool isThere = stat(path.get(), &status) == 0;
+  if (!isThere && errno != ENOENT) return false;
+  identity = isThere ? identityIn(status) : FileIdentity{};
+  return true;
+}
+
+LockResult tryLockFile(const char* name, FileLock& lock) noexcept {
+  lock = {};
+  const NativePath path(name);
+  if (!path.fits()) return LockResult::Failed;
+  Round round = kMoved;
+  for (int left = kMostRounds; left > 0 && round.isMoved; --left) round = lockOnce(path.get(), lock);
+  return round.result;
+}
+
+// A child that was forked meanwhile has the descriptor, too: closing alone would leave the file locked.
+void unlockFile(FileLock& lock) noexcept {
+  if (lock.descriptor < 0) return;
+  flock(lock.descriptor, LOCK_UN);
+  close(lock.descriptor);
+  lock = {};
+}
+
+}  // namespace vel::platform

@@ -1,0 +1,151 @@
+// Locks of files by named objects: what is there under the name is the lock, and goes with its process.
+// A lock of the file itself would not do, because a file that is open cannot be replaced.
+#include <fcntl.h>
+#include <io.h>
+
+#include <cstdio>
+#include <cstring>
+
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+#include "platform/platform.h"
+
+namespace vel::platform {
+
+namespace {
+
+constexpr DWORD kLongestName = 4100;
+constexpr DWORD kEveryone = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// Null when there is nothing of this name; directories are opened, too.
+HANDLE openAttributes(const char* name) noexcept {
+  const HANDLE file = CreateFileA(name, FILE_READ_ATTRIBUTES, kEveryone, nullptr, OPEN_EXISTING,
+                                  FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  return file != INVALID_HANDLE_VALUE ? file : nullptr;
+}
+
+std::uint64_t joined(DWORD high, DWORD low) noexcept {
+  return (static_cast<std::uint64_t>(high) << 32) | low;
+}
+
+bool identityIn(HANDLE file, FileIdentity& identity) noexcept {
+  BY_HANDLE_FILE_INFORMATION found;
+  if (GetFileInformationByHandle(file, &found) == FALSE) return false;
+  identity = {found.dwVolumeSerialNumber, joined(found.nFileIndexHigh, found.nFileIndexLow),
+              joined(found.nFileSizeHigh, found.nFileSizeLow),
+              joined(found.ftLastWriteTime.dwHighDateTime, found.ftLastWriteTime.dwLowDateTime)};
+  return true;
+}
+
+bool isMissing(DWORD error) noexcept {
+  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
+/// The name without links; false when there is no such entry.
+bool findFinalName(const char* name, char (&found)[kLongestName]) noexcept {
+  const HANDLE entry = openAttributes(name);
+  if (entry == nullptr) return false;
+  const DWORD length = GetFinalPathNameByHandleA(entry, found, kLongestName, FILE_NAME_NORMALIZED);
+  CloseHandle(entry);
+  return length > 0 && length < kLongestName;
+}
+
+/// A name that every way to the file has in common. The file is opened only where it is a link: who waits for
+/// the lock must not keep its holder from replacing the file.
+bool findCommonName(const char* name, char (&common)[kLongestName]) noexcept {
+  const DWORD attributes = GetFileAttributesA(name);
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
+    return findFinalName(name, common);
+  char full[kLongestName];
+  char* last = nullptr;
+  const DWORD length = GetFullPathNameA(name, sizeof full, full, &last);
+  if (length == 0 || length >= sizeof full || last == nullptr) return false;
+  char component[kLongestName];
+  std::snprintf(component, sizeof component, "%s", last);
+  *last = '\0';
+  if (!findFinalName(full, common)) return false;
+  const std::size_t size = std::strlen(common);
+  const char* const separator = size > 0 && common[size - 1] == '\\' ? "" : "\\";
+  const int added = std::snprintf(common + size, sizeof common - size, "%s%s", separator, component);
+  return added > 0 && size + static_cast<std::size_t>(added) < sizeof common;
+}
+
+std::uint64_t hashOf(const char* text) noexcept {
+  std::uint64_t hash = 0xcbf29ce484222325;
+  for (; *text != '\0'; ++text) hash = (hash ^ static_cast<unsigned char>(*text)) * 0x100000001b3;
+  return hash;
+}
+
+/// The object, when this made it: its being there is the lock. Every user may have it.
+HANDLE makeObject(const char* commonName, bool& isBusy) noexcept {
+  char upperCase[kLongestName];
+  if (LCMapStringA(LOCALE_INVARIANT, LCMAP_UPPERCASE, commonName, -1, upperCase, sizeof upperCase) == 0)
+    return nullptr;
+  char name[64];
+  std::snprintf(name, sizeof name, "Global\\qamc5032-file-%016llx",
+                static_cast<unsigned long long>(hashOf(upperCase)));
+  SECURITY_DESCRIPTOR everyone;
+  InitializeSecurityDescriptor(&everyone, SECURITY_DESCRIPTOR_REVISION);
+  SetSecurityDescriptorDacl(&everyone, TRUE, nullptr, FALSE);
+  SECURITY_ATTRIBUTES attributes{sizeof attributes, &everyone, FALSE};
+  const HANDLE object = CreateMutexA(&attributes, FALSE, name);
+  // Access is denied to an object that somebody made for himself alone.
+  const DWORD error = GetLastError();
+  isBusy = error == ERROR_ALREADY_EXISTS || error == ERROR_ACCESS_DENIED;
+  if (isBusy && object != nullptr) CloseHandle(object);
+  return isBusy ? nullptr : object;
+}
+
+/// "nul", "con" and their like.
+bool isDevice(const char* name) noexcept {
+  char full[kLongestName];
+  const DWORD length = GetFullPathNameA(name, sizeof full, full, nullptr);
+  return length > 0 && length < sizeof full && std::strncmp(full, "\\\\.\\", 4) == 0;
+}
+
+bool isDirectory(const char* name) noexcept {
+  const DWORD attributes = GetFileAttributesA(name);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+}  // namespace
+
+bool identityOf(int descriptor, FileIdentity& identity) noexcept {
+  const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
+  // Devices and pipes have no numbers; they cannot be replaced, either.
+  if (GetFileType(file) == FILE_TYPE_DISK) return identityIn(file, identity);
+  identity = {};
+  return true;
+}
+
+bool identityAt(const char* name, FileIdentity& identity) noexcept {
+  identity = {};
+  if (isDevice(name)) return true;
+  const HANDLE file = openAttributes(name);
+  if (file == nullptr) return isMissing(GetLastError());
+  const bool isTold = identityIn(file, identity);
+  CloseHandle(file);
+  return isTold;
+}
+
+LockResult tryLockFile(const char* name, FileLock& lock) noexcept {
+  lock = {};
+  if (isDevice(name)) return LockResult::Locked;
+  char commonName[kLongestName];
+  if (isDirectory(name) || !findCommonName(name, commonName)) return LockResult::Failed;
+  bool isBusy = false;
+  lock.system = makeObject(commonName, isBusy);
+  if (lock.system == nullptr) return isBusy ? LockResult::Busy : LockResult::Failed;
+  if (identityAt(name, lock.file)) return LockResult::Locked;
+  unlockFile(lock);
+  return LockResult::Failed;
+}
+
+void unlockFile(FileLock& lock) noexcept {
+  if (lock.system == nullptr) return;
+  CloseHandle(lock.system);
+  lock = {};
+}
+
+}  // namespace vel::platform
