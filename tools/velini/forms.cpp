@@ -43,15 +43,6 @@ std::string escaped(const char* text) {
   return result;
 }
 
-std::string shellName(const std::string& text) {
-  std::string name;
-  for (const char c : text) {
-    const bool isPlain = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-    name += isPlain ? c : '_';
-  }
-  return name.empty() || (name[0] >= '0' && name[0] <= '9') ? "_" + name : name;
-}
-
 std::string shellQuoted(const char* text) {
   std::string quoted = "'";
   for (; *text != '\0'; ++text) quoted += *text == '\'' ? std::string("'\\''") : std::string(1, *text);
@@ -96,8 +87,8 @@ std::string jsonText(std::string_view text) {
   return json + "\"";
 }
 
-void writeShell(std::ostream& out, const std::string& prefix, const Option& option) {
-  out << shellName(prefix + option.getName()) << '=' << shellQuoted(option.getValue()) << '\n';
+void writeShell(std::ostream& out, ShellNames& names, const std::string& section, const Option& option) {
+  out << names.variable(section + option.getName()) << '=' << shellQuoted(option.getValue()) << '\n';
 }
 
 void writeJsonOptions(std::ostream& out, const VelClIniFile& file, const Section& section) {
@@ -123,9 +114,13 @@ void writeJson(std::ostream& out, const VelClIniFile& file) {
   out << "\n}\n";
 }
 
+/// Variables are named for the option alone, or for both.
+enum class Named { Alone, WithSection };
+
 void writeSection(std::ostream& out, Form form, const VelClIniFile& file, const Section& section,
-                  const std::string& prefix) {
+                  ShellNames& names, Named named) {
   const Lines lines;
+  const std::string begin = named == Named::Alone ? "" : section.getName() + std::string("_");
   if (form == Form::Ini) lines.saveSection(out, section.getName(), nullptr);
   for (const Option* option = section.getFirstOption(); option != nullptr; option = option->getNext()) {
     if (form == Form::Ini)
@@ -134,7 +129,7 @@ void writeSection(std::ostream& out, Form form, const VelClIniFile& file, const 
       out << escaped(section.getName()) << '\t' << escaped(option->getName()) << '\t'
           << escaped(option->getValue()) << '\n';
     else if (isFirst(file, section, *option))
-      writeShell(out, prefix, *option);
+      writeShell(out, names, begin, *option);
   }
 }
 
@@ -167,7 +162,7 @@ bool parseForm(const char* name, Form& form) {
   return false;
 }
 
-void writeValue(std::ostream& out, Form form, const Option& option) {
+void writeValue(std::ostream& out, Form form, const Option& option, ShellNames& names) {
   switch (form) {
     case Form::Plain:
       out << option.getValue() << '\n';
@@ -176,7 +171,7 @@ void writeValue(std::ostream& out, Form form, const Option& option) {
       Lines().saveOption(out, option.getName(), option.getValue(), option.getComment());
       break;
     case Form::Shell:
-      writeShell(out, "", option);
+      writeShell(out, names, "", option);
       break;
     case Form::Json:
       out << jsonText(option.getValue()) << '\n';
@@ -196,17 +191,18 @@ void writeSections(std::ostream& out, Form form, const VelClIniFile& file) {
   if (isJson) out << (file.getFirstSection() == nullptr ? "[]\n" : "]\n");
 }
 
-void writeOptions(std::ostream& out, Form form, const VelClIniFile& file, const Section* only) {
+void writeOptions(std::ostream& out, Form form, const VelClIniFile& file, const Section* only,
+                  ShellNames& names) {
   if (form == Form::Json) {
     if (only == nullptr) return writeJson(out, file);
     writeJsonOptions(out, file, *only);
     out << '\n';
     return;
   }
-  if (only != nullptr) return writeSection(out, form, file, *only, "");
+  if (only != nullptr) return writeSection(out, form, file, *only, names, Named::Alone);
   for (const Section* section = file.getFirstSection(); section != nullptr; section = section->getNext())
     if (form != Form::Shell || isFirst(file, *section))
-      writeSection(out, form, file, *section, std::string(section->getName()) + "_");
+      writeSection(out, form, file, *section, names, Named::WithSection);
 }
 
 }  // namespace vel::velini

@@ -14,10 +14,15 @@ enum TextId : unsigned long {
   kSectionNeeded,
   kAssignmentExpected,
   kUnknownFormat,
+  kPrefixForShell,
+  kNoPrefix,
   kNotRead,
   kNotWritten,
+  kLocked,
+  kReplaced,
   kNotFound,
   kRefused,
+  kUnsafeName,
   kNoClosingBracket,
   kNoEqualSign,
   kNothingContinued,
@@ -26,7 +31,7 @@ enum TextId : unsigned long {
 };
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 18",
+    "[VEL_MSGTAB_SIGNATURE] 23",
     "[VELINI]",
     "INI file tool",
     "reads, edits and checks INI files",
@@ -36,7 +41,8 @@ inline constexpr const char* kTexts[] = {
     "[(-delete <option>)] [-delsection]\n"
     "[-list] [-sections] [-check]\n"
     "[(-merge <file>)]\n"
-    "[(-format <form>)] [-nocontinue]",
+    "[(-format <form>)] [(-prefix <prefix>)]\n"
+    "[-nocontinue] [(-wait <seconds>)]",
     "-file <file>        the INI file; without extension .INI is added; - is standard\n"
     "                    input, and what is edited goes to standard output then\n"
     "-section <name>     the section for -get, -set, -delete, -delsection and -list\n"
@@ -50,26 +56,45 @@ inline constexpr const char* kTexts[] = {
     "                    input; of sections and options that repeat, the first counts\n"
     "-check              prints every syntax error as file:line: text\n"
     "-format <form>      plain (as it is at first), ini, shell or json\n"
+    "-prefix <prefix>    begins the names of shell variables, such as CONFIG_\n"
     "-nocontinue         lines that begin with white space continue nothing\n"
+    "-wait <seconds>     how long to wait for a file that another velini is editing; 30 at\n"
+    "                    first\n"
     "@\n"
     "Editing leaves every other byte as it is. The file is replaced in one step, and not\n"
     "at all when the change would not be read back. Lists are plain as section, option\n"
     "and value with tabs between; \\n, \\t, \\r and \\\\ stand for line break, tab, return\n"
     "and back-slash there. Of options and sections that repeat, shell and json show the\n"
-    "first. Shell variables are named for section and option, with _ for what a name\n"
-    "cannot hold, so two options can meet; do not evaluate them of files that you do not\n"
-    "trust. --help and --version are answered before anything else.\n"
+    "first.\n"
+    "@\n"
+    "Shell variables are named for section and option, with _ for what a name cannot hold,\n"
+    "so two options can meet. Without -prefix a name must have a lower-case letter (others\n"
+    "belong to the shell and the system: PATH, IFS, LD_PRELOAD) and not be set in the\n"
+    "environment; never may it be one that is known to steer programs, such as http_proxy.\n"
+    "If one name is refused nothing is written. Use a prefix of the script's own for files\n"
+    "that others write.\n"
+    "@\n"
+    "Edits lock the file, or the directory of a new one, from reading to replacing, so that\n"
+    "several velini lose nothing; other programs are not kept away, but a file that one of\n"
+    "them changes meanwhile is left alone, with exit code 3.\n"
+    "@\n"
+    "--help and --version are answered before anything else.\n"
     "Exit codes: 0 success, 1 not found or syntax errors, 2 file not read, 3 output not\n"
-    "written, 4 change refused, 200 out of memory, 201 to 204 faults of the command\n"
-    "line.",
+    "written, 4 change refused, 5 file locked, 6 name of a shell variable refused, 200\n"
+    "out of memory, 201 to 204 faults of the command line.",
     "Exactly one of -get, -set, -delete, -delsection, -list, -sections, -merge and -check must be given",
     "-section is needed",
     "option=value is expected",
     "The form is none of plain, ini, shell and json",
+    "-prefix is for -format shell",
+    "The prefix is not a letter, letters, digits and _, and a _ at the end",
     "The file could not be read",
     "The output could not be written",
+    "The file is locked by another program, and the time to wait is over",
+    "Another program has changed the file meanwhile, and this change was not made",
     "Not found",
     "The change would not be read back",
+    "The shell or the system may use a variable of this name; -prefix gives names of one's own",
     "the header has no closing bracket",
     "the option has no equal sign",
     "there is nothing that white space could continue",

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,9 @@ constexpr int kExitNotFound = 1;
 constexpr int kExitNotRead = 2;
 constexpr int kExitNotWritten = 3;
 constexpr int kExitRefused = 4;
+constexpr int kExitLocked = 5;
+constexpr int kExitUnsafeName = 6;
+constexpr int kMostSecondsToWait = 24 * 60 * 60;
 constexpr int kStandardInput = 0;
 constexpr int kStandardOutput = 1;
 
@@ -37,8 +41,14 @@ class Tool : public vel::tools::CatalogTool {
  private:
   int fail(int exitCode, TextId id, const char* argument = nullptr) const;
   void readSwitches();
+  void readFormat();
+  bool edits() const;
+  /// The exit code, 0 when the file may be edited.
+  int lock(VelClIniFileEditor& editor) const;
   bool read(VelClIniFileEditor& editor, const char* name) const;
   int runTask(VelClIniFileEditor& editor);
+  template <typename Write>
+  int show(Write write) const;
   int get(const VelClIniFile& file, const char* option) const;
   int list(const VelClIniFile& file) const;
   int edit(VelClIniFileEditor& editor) const;
@@ -49,6 +59,8 @@ class Tool : public vel::tools::CatalogTool {
 
   const char* file_ = nullptr;
   const char* section_ = nullptr;
+  const char* prefix_ = nullptr;
+  int secondsToWait_ = 30;
   Form form_ = Form::Plain;
   bool allowContinuation_ = true;
 };
@@ -62,6 +74,7 @@ int Tool::run() {
   begin();
   readSwitches();
   VelClIniFileEditor editor(file_);
+  if (const int exitCode = lock(editor); exitCode != 0) return exitCode;
   return read(editor, file_) ? runTask(editor) : fail(kExitNotRead, kNotRead, file_);
 }
 
@@ -75,8 +88,38 @@ void Tool::readSwitches() {
   if (tasks != 1) refuse(kOneTask);
   for (const char* task : {"get", "set", "delete", "delsection"})
     if (hasArgSwitch(task) && section_ == nullptr) refuse(kSectionNeeded);
+  hasArgNumval("wait", secondsToWait_);
+  readFormat();
+}
+
+void Tool::readFormat() {
   const char* form = nullptr;
   if (hasArgString("format", form) && !parseForm(form, form_)) refuse(kUnknownFormat);
+  if (!hasArgString("prefix", prefix_)) return;
+  if (form_ != Form::Shell) refuse(kPrefixForShell);
+  if (!isShellPrefix(prefix_)) refuse(kNoPrefix, prefix_);
+}
+
+bool Tool::edits() const {
+  for (const char* task : {"set", "delete", "delsection", "merge"})
+    if (hasArgSwitch(task)) return true;
+  return false;
+}
+
+/// A file that is not locked for another reason cannot be read or written, either.
+int Tool::lock(VelClIniFileEditor& editor) const {
+  if (file_ == kStandardStream || !edits()) return 0;
+  const auto milliseconds =
+      static_cast<unsigned int>(std::clamp(secondsToWait_, 0, kMostSecondsToWait)) * 1000;
+  switch (editor.lock(milliseconds)) {
+    case VelEnIniFileLock::TIMED_OUT:
+      return fail(kExitLocked, kLocked, file_);
+    case VelEnIniFileLock::FAILED:
+      return read(editor, file_) ? fail(kExitNotWritten, kNotWritten, file_)
+                                 : fail(kExitNotRead, kNotRead, file_);
+    default:
+      return 0;
+  }
 }
 
 bool Tool::read(VelClIniFileEditor& editor, const char* name) const {
@@ -106,20 +149,29 @@ int Tool::runTask(VelClIniFileEditor& editor) {
   return 0;
 }
 
+/// All or nothing: half of the assignments must not be evaluated.
+template <typename Write>
+int Tool::show(Write write) const {
+  ShellNames names(prefix_);
+  std::ostringstream out;
+  write(out, names);
+  if (!names.refused().empty()) return fail(kExitUnsafeName, kUnsafeName, names.refused().c_str());
+  std::cout << out.str();
+  return 0;
+}
+
 int Tool::get(const VelClIniFile& file, const char* option) const {
   const VelClIniFileSection* const section = file.getExistingSection(section_);
   const VelClIniFileOption* const found =
       section != nullptr ? file.getExistingOption(*section, option) : nullptr;
   if (found == nullptr) return fail(kExitNotFound, kNotFound, option);
-  writeValue(std::cout, form_, *found);
-  return 0;
+  return show([&](std::ostream& out, ShellNames& names) { writeValue(out, form_, *found, names); });
 }
 
 int Tool::list(const VelClIniFile& file) const {
   const VelClIniFileSection* const only = section_ != nullptr ? file.getExistingSection(section_) : nullptr;
   if (section_ != nullptr && only == nullptr) return fail(kExitNotFound, kNotFound, section_);
-  writeOptions(std::cout, form_, file, only);
-  return 0;
+  return show([&](std::ostream& out, ShellNames& names) { writeOptions(out, form_, file, only, names); });
 }
 
 int Tool::edit(VelClIniFileEditor& editor) const {
@@ -197,7 +249,7 @@ int Tool::write(VelClIniFileEditor& editor) const {
   if (file_ == kStandardStream)
     std::cout.write(editor.getText(), static_cast<std::streamsize>(editor.getLength()));
   else if (!editor.save())
-    return fail(kExitNotWritten, kNotWritten, file_);
+    return fail(kExitNotWritten, editor.isReplaced() ? kReplaced : kNotWritten, file_);
   return 0;
 }
 

@@ -1,0 +1,71 @@
+// A file must not be able to change what the script that reads it does. No list of the variables that steer
+// shells, loaders and programs is complete. But names without a lower-case letter are the system's by
+// convention, and nearly all that matter are among them: they need a prefix that the script chooses. Lists
+// are left for the others, and for prefixes that are the system's as well.
+#include "tools/velini/shell_names.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <iterator>
+
+namespace vel::velini {
+
+namespace {
+
+/// Variables of shells, and those by which programs find their way to the net.
+constexpr std::string_view kSteering[] = {
+    "aliases",    "all_proxy",   "argv",       "auto_resume", "builtins",    "cdpath",   "commands",
+    "dirstack",   "fignore",     "fpath",      "ftp_proxy",   "functions",   "galiases", "histchars",
+    "http_proxy", "https_proxy", "mailpath",   "manpath",     "module_path", "modules",  "nameddirs",
+    "no_proxy",   "options",     "parameters", "path",        "pipestatus",  "prompt",   "psvar",
+    "reswords",   "rsync_proxy", "saliases",   "signals",     "status",      "termcap",  "terminfo",
+    "userdirs",   "watch",       "widgets"};
+
+/// How the names of families begin that a prefix could belong to.
+constexpr std::string_view kFamilies[] = {
+    "ASAN_",  "BASH_",    "COMP_",   "DYLD_",  "FUNC",        "GCC_", "GCONV_", "GIT_",      "GLIBC_",
+    "HIST",   "JAVA_",    "JDK_",    "KSH_",   "LC_",         "LD_",  "LSAN_",  "MALLOC_",   "NODE_",
+    "PERL",   "POSIXLY_", "PROMPT_", "PYTHON", "READLINE_",   "RUBY", "SSH_",   "TERMINFO_", "TSAN_",
+    "UBSAN_", "XDG_",     "ZSH_",    "dis_",   "npm_config_", "zle_", "zsh_"};
+
+bool isLowerCase(char c) {
+  return c >= 'a' && c <= 'z';
+}
+
+bool isPlain(char c) {
+  return (c >= '0' && c <= '9') || isLowerCase(c) || (c >= 'A' && c <= 'Z');
+}
+
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+bool steersPrograms(std::string_view name) {
+  return std::find(std::begin(kSteering), std::end(kSteering), name) != std::end(kSteering) ||
+         std::any_of(std::begin(kFamilies), std::end(kFamilies),
+                     [name](std::string_view family) { return name.starts_with(family); });
+}
+
+}  // namespace
+
+bool isShellPrefix(std::string_view text) {
+  return text.size() > 1 && isPlain(text[0]) && !isDigit(text[0]) && text.ends_with('_') &&
+         std::all_of(text.begin(), text.end(), [](char c) { return isPlain(c) || c == '_'; });
+}
+
+std::string ShellNames::variable(const std::string& name) {
+  std::string variable = prefix_;
+  if (!hasPrefix_ && (name.empty() || isDigit(name[0]))) variable += '_';
+  for (const char c : name) variable += isPlain(c) ? c : '_';
+  if (refused_.empty() && !isSafe(variable)) refused_ = variable;
+  return variable;
+}
+
+/// Whoever chooses a prefix may have set such variables before.
+bool ShellNames::isSafe(const std::string& variable) const {
+  if (steersPrograms(variable)) return false;
+  return hasPrefix_ || (std::any_of(variable.begin(), variable.end(), isLowerCase) &&
+                        std::getenv(variable.c_str()) == nullptr);
+}
+
+}  // namespace vel::velini
