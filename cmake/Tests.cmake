@@ -14,6 +14,10 @@ unset(CMAKE_WARN_DEPRECATED CACHE)
 if(CMAKE_CROSSCOMPILING)
   add_test(NAME wine_server COMMAND ${CMAKE_COMMAND} -E env ${PROJECT_SOURCE_DIR}/cmake/wine-warm-up hostname.exe)
   set_tests_properties(wine_server PROPERTIES FIXTURES_SETUP wine)
+  add_custom_target(wine_icu
+    COMMAND ${PROJECT_SOURCE_DIR}/cmake/wine-icu-beside ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
+    VERBATIM)
+  add_dependencies(qamc5032 wine_icu)
 endif()
 
 # vel_limit_test(NAME): what all of the tests need. A test that hangs ends at some time, at one that no busy machine

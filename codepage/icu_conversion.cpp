@@ -15,7 +15,7 @@ constexpr IcuStatus kUnsupported = 16;
 
 void* loadLibrary(const char* name) {
   std::uint32_t error;
-  return vel::platform::loadLibrary(name, error);
+  return vel::platform::loadInstalledLibrary(name, error);
 }
 
 using Conversion = std::size_t (*)(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text);
@@ -36,8 +36,8 @@ std::size_t convert(Call& call, Conversion conversion) {
 const IcuFunctions* vel::codepage::installedIcu() {
   struct Installed {
     IcuFunctions functions{};
-    bool isThere =
-        bindIcu({&loadLibrary, &vel::platform::findProcedure, &vel::platform::freeLibrary}, functions);
+    bool isThere = bindIcu({&loadLibrary, &vel::platform::findProcedure, &vel::platform::freeLibrary},
+                           VEL_ICU_VERSION, functions);
   };
   static const Installed installed;
   return installed.isThere ? &installed.functions : nullptr;

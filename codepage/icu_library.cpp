@@ -90,11 +90,12 @@ bool bindVersionedLibrary(const LibraryLoader& loader, int version, IcuFunctions
 
 }  // namespace
 
-bool bindIcu(const LibraryLoader& loader, IcuFunctions& functions) noexcept {
+bool bindIcu(const LibraryLoader& loader, int ownVersion, IcuFunctions& functions) noexcept {
+  if (ownVersion != kAnyVersion && bindVersionedLibrary(loader, ownVersion, functions)) return true;
   for (const char* const name : kPlainNames)
     if (bindLibrary(loader, name, kAnyVersion, functions)) return true;
   for (int version = kNewestVersion; version >= kOldestVersion; --version)
-    if (bindVersionedLibrary(loader, version, functions)) return true;
+    if (version != ownVersion && bindVersionedLibrary(loader, version, functions)) return true;
   return false;
 }
 

@@ -33,8 +33,9 @@ struct LibraryLoader {
   void (*free)(void* library);
 };
 
-/// Looks for ICU under the names that it has on any system, newest version first. False when there is none
-/// with all six functions. The library stays loaded.
-bool bindIcu(const LibraryLoader& loader, IcuFunctions& functions) noexcept;
+/// Looks for ICU under the names that it has on any system: first the version that the build knows, 0 for
+/// none, then names without a version, then the other versions, newest first. False when there is none with
+/// all six functions. The library stays loaded.
+bool bindIcu(const LibraryLoader& loader, int ownVersion, IcuFunctions& functions) noexcept;
 
 }  // namespace vel::codepage

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <iterator>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -48,14 +49,16 @@ TEST(IcuInterface, MapsStatuses) {
 
 // ---- Finding ICU -----------------------------------------------------------------------------
 
-/// The one library that there is, its functions' suffix, and how many of them it has.
+/// The one library that there is, its functions' suffix, how many of them it has, and what is looked for.
 std::string installedName;
+std::vector<std::string> soughtNames;
 std::string installedSuffix;
 int missingFunctions = 0;
 int loads = 0;
 int frees = 0;
 
 void* loadInstalled(const char* name) {
+  soughtNames.emplace_back(name);
   if (name != installedName) return nullptr;
   ++loads;
   return &installedName;
@@ -79,11 +82,30 @@ TEST(IcuLibrary, IsFoundInAnyVersion) {
     const bool isFound = row[3] == "yes";
     loads = frees = 0;
     IcuFunctions functions{};
-    EXPECT_EQ(vel::codepage::bindIcu({&loadInstalled, &findInstalled, &freeInstalled}, functions), isFound)
+    EXPECT_EQ(vel::codepage::bindIcu({&loadInstalled, &findInstalled, &freeInstalled}, 0, functions), isFound)
         << row[0] << row[1];
     EXPECT_EQ(loads - frees, isFound ? 1 : 0) << row[0] << row[1];
     EXPECT_EQ(functions.fromUnicode != nullptr, isFound);
   }
+}
+
+TEST(IcuLibrary, IsFirstLookedForInTheVersionOfTheBuild) {
+  installedName = "";
+  IcuFunctions functions{};
+  const auto sought = [&](int ownVersion) {
+    soughtNames.clear();
+    EXPECT_FALSE(
+        vel::codepage::bindIcu({&loadInstalled, &findInstalled, &freeInstalled}, ownVersion, functions));
+    return soughtNames;
+  };
+  const std::vector<std::string> any = sought(0), own = sought(63);
+  const std::vector<std::string> first(own.begin(), own.begin() + 3);
+  EXPECT_EQ(first, (std::vector<std::string>{"icuuc63.dll", "libicuuc.so.63", any[0]}));
+  // The others follow, none of them twice.
+  EXPECT_EQ(std::set<std::string>(own.begin(), own.end()), std::set<std::string>(any.begin(), any.end()));
+  EXPECT_EQ(own.size(), any.size());
+  // The build's own is the one that its header tells of.
+  EXPECT_NE(VEL_ICU_VERSION, 0);
 }
 
 // ---- Calls -----------------------------------------------------------------------------------

@@ -30,7 +30,7 @@ Peer icuPeer(const std::string& number) {
                                 return library.get();
                               },
                               &velDllProcLoaderGetProcedure, [](void*) { library.reset(); }},
-                             icu);
+                             VEL_ICU_VERSION, icu);
   std::int32_t status = 0;
   const void* const opened =
       isThere ? vel::codepage::openIcuConverter(icu, static_cast<std::uint32_t>(std::stoul(number)), status)

@@ -258,6 +258,10 @@ bool searchLibrary(const char* name, char* out, std::size_t capacity) noexcept;
 /// Null with the system's own number when there is no such library, or the loader refuses it. POSIX
 /// tries the same three names. Nobody is asked about a file that is no library.
 void* loadLibrary(const char* name, std::uint32_t& error) noexcept;
+/// The same for a name in ASCII without directory, which is looked for only where libraries are installed,
+/// never in the current directory or along PATH. Windows: the folder of this library, that of the program,
+/// the system's.
+void* loadInstalledLibrary(const char* name, std::uint32_t& error) noexcept;
 Procedure findProcedure(void* library, const char* name) noexcept;
 void freeLibrary(void* library) noexcept;
 

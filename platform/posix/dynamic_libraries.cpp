@@ -50,6 +50,11 @@ void* loadLibrary(const char* name, std::uint32_t& error) noexcept {
   return loading.library;
 }
 
+// The loader itself looks for names without directory in the system's folders only.
+void* loadInstalledLibrary(const char* name, std::uint32_t& error) noexcept {
+  return loadLibrary(name, error);
+}
+
 Procedure findProcedure(void* library, const char* name) noexcept {
   return reinterpret_cast<Procedure>(dlsym(library, name));
 }

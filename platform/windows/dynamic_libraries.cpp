@@ -2,21 +2,72 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
+#include <array>
+#include <cstring>
+
 #include "platform/platform.h"
 
 namespace vel::platform {
+
+namespace {
+
+/// The loader asks nobody about a file that is no library.
+template <typename Load>
+HMODULE loadQuietly(Load load, std::uint32_t& error) noexcept {
+  DWORD previous = 0;
+  SetThreadErrorMode(SEM_FAILCRITICALERRORS, &previous);
+  const HMODULE library = load();
+  error = library != nullptr ? DWORD{ERROR_SUCCESS} : GetLastError();
+  SetThreadErrorMode(previous, nullptr);
+  return library;
+}
+
+/// A name in ASCII with the folder of the module that this code belongs to.
+class PathBesideThisLibrary {
+ public:
+  explicit PathBesideThisLibrary(const char* name) noexcept {
+    constexpr DWORD kThisModule =
+        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    HMODULE self = nullptr;
+    GetModuleHandleExA(kThisModule, reinterpret_cast<LPCSTR>(&freeLibrary), &self);
+    std::size_t length = GetModuleFileNameW(self, text_.data(), static_cast<DWORD>(text_.size()));
+    while (length > 0 && text_[length - 1] != L'\\') --length;
+    fits_ = length > 0 && length + std::strlen(name) < text_.size();
+    if (!fits_) return;
+    for (; *name != '\0'; ++name) text_[length++] = static_cast<unsigned char>(*name);
+    text_[length] = L'\0';
+  }
+  bool fits() const noexcept { return fits_; }
+  const WCHAR* get() const noexcept { return text_.data(); }
+
+ private:
+  static constexpr std::size_t kLongestPath = 0x8000;
+
+  bool fits_;
+  std::array<WCHAR, kLongestPath> text_;
+};
+
+}  // namespace
 
 bool searchLibrary(const char* name, char* out, std::size_t capacity) noexcept {
   return searchProgram(name, out, capacity);
 }
 
 void* loadLibrary(const char* name, std::uint32_t& error) noexcept {
-  DWORD previous = 0;
-  SetThreadErrorMode(SEM_FAILCRITICALERRORS, &previous);
-  const HMODULE library = LoadLibraryA(name);
-  error = library != nullptr ? DWORD{ERROR_SUCCESS} : GetLastError();
-  SetThreadErrorMode(previous, nullptr);
-  return library;
+  return loadQuietly([name] { return LoadLibraryA(name); }, error);
+}
+
+void* loadInstalledLibrary(const char* name, std::uint32_t& error) noexcept {
+  constexpr DWORD kFolders = LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32;
+  const PathBesideThisLibrary beside(name);
+  const auto load = [&]() noexcept {
+    // What the library needs itself comes from the same folders.
+    const HMODULE library =
+        beside.fits() ? LoadLibraryExW(beside.get(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | kFolders)
+                      : nullptr;
+    return library != nullptr ? library : LoadLibraryExA(name, nullptr, kFolders);
+  };
+  return loadQuietly(load, error);
 }
 
 Procedure findProcedure(void* library, const char* name) noexcept {

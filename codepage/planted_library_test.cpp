@@ -1,0 +1,43 @@
+// Libraries with ICU's names where no library of the program's belongs: none of their code may run.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <utility>
+
+#include "platform/test/child_process.h"
+#include "platform/test/scratch_directory.h"
+#include "platform/test/variable.h"
+#include "vel_include/vel_process.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(PlantedLibrary, IsNotTakenForIcu) {
+  const vel::test::ScratchDirectory directory;
+  const fs::path own = vel::test::ownProgram();
+  for (const char* const name :
+       {"icu.dll", "icuuc.dll", "icuuc99.dll", "icuuc72.dll", "icuuc49.dll", "icuuc32.dll", "libicuuc.so",
+        "libicuuc.so.99", "libicuuc.so.72", "libicuuc.so.32"})
+    fs::copy_file(own.parent_path() / "planted_library.library", directory.path(name));
+  const std::string mark = directory.path("mark");
+  const vel::test::Variable marked("VEL_PLANTED_MARK", mark.c_str());
+  // Whoever does load it sees the mark.
+  velDllProcLoaderClose(velDllProcLoaderOpen(directory.path("icuuc.dll").c_str()));
+  ASSERT_TRUE(fs::remove(mark));
+  const fs::path copy = fs::path(directory.path("program")) / own.filename();
+  fs::create_directory(copy.parent_path());
+  fs::copy_file(own, copy);
+  const vel::test::CurrentDirectory inside(directory.path());
+  // The copy finds this library, with ICU beside it, along PATH.
+  for (const auto& [program, path] : {std::pair{own, directory.path()}, {copy, own.parent_path().string()}}) {
+    const auto child = vel::test::runChild(
+        program.string(), {"--gtest_filter=InstalledIcu.OpensItsConverters", "--gtest_brief=1"},
+        {.environment = {{"PATH", path}}});
+    EXPECT_EQ(child.exitCode, 0) << child.output << child.errors;
+    EXPECT_FALSE(fs::exists(mark)) << path;
+  }
+}
+
+}  // namespace
