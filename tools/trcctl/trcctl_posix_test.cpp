@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <string>
+
 #include "platform/test/child_process.h"
 #include "platform/test/scratch_directory.h"
 
@@ -17,6 +19,16 @@ TEST(TrcctlOnPosix, TellsAFailureToRead) {
   EXPECT_EQ(child.exitCode, 2);
   EXPECT_NE(child.errors.find("unexpected end-of-file"), std::string::npos) << child.errors;
   EXPECT_EQ(child.errors.find("Number of entries"), std::string::npos) << child.errors;
+}
+
+TEST(TrcctlOnPosix, WaitsForNoPipeThatNobodyWrites) {
+  const vel::test::ScratchDirectory directory;
+  const std::string pipe = directory.path("pipe");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  const vel::test::ChildResult child = display(pipe);
+  EXPECT_FALSE(child.endedAbnormally);
+  EXPECT_EQ(child.exitCode, 1);
+  EXPECT_NE(child.errors.find("Could not open trace file"), std::string::npos) << child.errors;
 }
 
 }  // namespace
