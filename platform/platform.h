@@ -79,7 +79,7 @@ struct Bytes {
 /// that has one name and that nobody else may write to. (On Windows scratch directories are each user's own.)
 enum class AppendTo { AnyFile, OwnFile };
 /// Creates a missing file for this user alone. Children do not inherit the descriptor, and nothing is waited
-/// for. -1 with the reason in `error`: ELOOP for a link, EPERM for a file that is not the user's own.
+/// for. -1 with the reason in `error`: ELOOP or EACCES for a link, EPERM for a file that is not the own.
 int openForAppending(const char* name, AppendTo target, SystemError& error) noexcept;
 /// Appends both pieces in one call of the system, so that those of other processes stay before or behind
 /// them, and returns how many bytes were written; the reason is in `error` when these are not all. No failure
