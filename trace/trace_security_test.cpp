@@ -77,10 +77,11 @@ TEST_F(SettingsOfPrivileged, AreNotTheCallers) {
 class DefaultTraceFile : public testing::Test {
  protected:
   /// Traces an entry and tells what verbose mode says about the file.
-  std::string trace() {
+  std::string trace(const char* autoclear = "no") {
     vel::test::ChildOptions options;
     options.environment = {
         {"UNIT_TRACE_ACTIVE", "yes"}, {"UNIT_TRACE_VERBOSE", "yes"}, {"TMP", directory_.path()}};
+    options.environment.emplace_back("UNIT_TRACE_AUTOCLEAR", autoclear);
     const vel::test::ChildResult child = vel::test::runChild("settings_program", {}, options);
     EXPECT_EQ(child.exitCode, 0);
     EXPECT_NE(child.output.find("traced yes"), std::string::npos) << "the program goes on";
@@ -106,6 +107,13 @@ TEST_F(DefaultTraceFile, IsTheUsersOwnOrNotWritten) {
   fs::create_hard_link(victim_, file_);
   EXPECT_EQ(trace(), std::to_string(EPERM) + ")]");
   EXPECT_EQ(vel::test::readFile(victim_), "kept");
+  for (const bool isLink : {false, true}) {
+    fs::remove(file_);
+    isLink ? fs::create_symlink("victim", file_) : fs::create_hard_link(victim_, file_);
+    EXPECT_EQ(trace("yes"), "") << "what was planted is removed, and a file made";
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(file_)));
+    EXPECT_EQ(vel::test::readFile(victim_), "kept");
+  }
 }
 
 class TraceOfForks : public vel::test::TraceTest {
