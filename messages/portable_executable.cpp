@@ -97,7 +97,7 @@ bool PortableExecutable::readSection(std::uint32_t index, Section& section) cons
 }
 
 /// Whether the headers, with the table of sections, and all sections are in the file, and whether in memory
-/// these follow each other within the image. The rest of a truncated file would be read as zeros.
+/// these follow each other within the image. What fills a section up to its size in the file may be missing.
 bool PortableExecutable::hasSoundSections(const OptionalHeader& header) const noexcept {
   const std::uint64_t tableEnd = sectionTable_ + sectionCount_ * kSectionSize;
   if (tableEnd > header.sizeOfHeaders || !file_.holds(0, header.sizeOfHeaders)) return false;
@@ -105,9 +105,10 @@ bool PortableExecutable::hasSoundSections(const OptionalHeader& header) const no
   Section section{};
   for (std::uint32_t index = 0; index < sectionCount_; ++index) {
     if (!readSection(index, section) || section.address < end) return false;
-    if (section.sizeInFile != 0 && !file_.holds(section.fileOffset, section.sizeInFile)) return false;
-    end = std::uint64_t{section.address} +
-          (section.sizeInMemory != 0 ? section.sizeInMemory : section.sizeInFile);
+    const std::uint32_t size = section.sizeInMemory != 0 ? section.sizeInMemory : section.sizeInFile;
+    const std::uint32_t used = std::min(size, section.sizeInFile);
+    if (used != 0 && !file_.holds(section.fileOffset, used)) return false;
+    end = std::uint64_t{section.address} + size;
   }
   return end <= header.sizeOfImage;
 }
