@@ -24,18 +24,17 @@ const char* driveFor(const char* name) {
   return property.isStyleUNIX() && property.isAbsolute() ? platform::driveOfSlashNames() : "";
 }
 
-// Normalizes behind the server part and appends the separator that expanding relies on.
-bool complete(const WantedName& wanted, char* name) {
+// A location chooses its separator before it is normalized, so that "C:/a/" ends with two. Keep.
+void endAsLocation(WantedName& name) {
+  const char separator = VelClPathProperty(name.text()).getPathSep();
+  if (name.length() != 0 && name.last() != separator) name.append(separator);
+}
+
+// Normalizes behind the server part. False for a name that is too long.
+bool normalize(const WantedName& wanted, char* name) {
   if (wanted.length() > kMaxLength) return false;
   vel::filesys::copyBounded(name, wanted.text(), wanted.length());
   VelClPathProperty::normalizePath(name + (VelClPathProperty(name).getPtrToPath() - name));
-  std::size_t length = wanted.length();
-  // A location chooses its separator before it is normalized, so that "C:/a/" comes with one more.
-  while (length > 3 && name[length - 1] == '\\' && name[length - 2] == '\\') name[--length] = '\0';
-  if (length == 0 || name[length - 1] == '\\') return true;
-  if (length == kMaxLength) return false;
-  name[length] = '\\';
-  name[length + 1] = '\0';
   return true;
 }
 
@@ -59,23 +58,13 @@ const char* withoutSeparator(const VelClLocation& name, PathText<>& text) {
 
 }  // namespace
 
-VelClDirectory::VelClDirectory() : name_("", false) {
-  char current[kMaxLength + 1];
-  WantedName wanted;
-  if (!platform::currentDirectory(current, sizeof current)) {
-    fail(DIRECTORY_EXPANSION_FAILED, VelEnErrorClass::IO_INVALID_NAME);
-    return;
-  }
-  wanted.append(current);
-  char name[kMaxLength + 1];
-  if (complete(wanted, name))
-    name_ = name;
-  else
-    fail(DIRECTORY_EXPANSION_FAILED, VelEnErrorClass::IO_INVALID_NAME);
-}
+VelClDirectory::VelClDirectory() : VelClDirectory("") {}
 
 VelClDirectory::VelClDirectory(const char* name) : name_("", false) {
-  setNewName(driveFor(name), name);
+  WantedName wanted;
+  wanted.append(textOrEmpty(name));
+  endAsLocation(wanted);
+  setNewName(driveFor(wanted.text()), wanted.text());
 }
 
 VelClDirectory::VelClDirectory(const VelClLocation& name) : VelClDirectory(name.getAsCString()) {}
@@ -85,10 +74,10 @@ VelClDirectory::~VelClDirectory() = default;
 void VelClDirectory::setNewName(const char* begin, const char* rest) {
   WantedName wanted;
   wanted.append(begin);
-  wanted.append(textOrEmpty(rest));
+  wanted.append(rest);
   char name[kMaxLength + 1];
-  const bool isComplete = complete(wanted, name);
-  if (isComplete && (!isRelativePath(name) || expandRelativePath(name))) {
+  const bool fits = normalize(wanted, name);
+  if (fits && (!isRelativePath(name) || expandRelativePath(name))) {
     name_ = name;
     succeed();
     return;
@@ -193,9 +182,7 @@ bool VelClDirectory::remove() {
 }
 
 bool VelClDirectory::removeAll(bool withContents) {
-  // A root cannot be removed: its contents are kept rather than lost for nothing. So are those of "\\\\" and
-  // "\\", which going up from "\\\\server\\" leaves, and which the system takes for a root, too.
-  if (withContents && name_.isAbsolute() && !name_.isRoot()) vel::filesys::removeContents(getAsCString());
+  if (withContents) vel::filesys::removeContents(getAsCString());
   const platform::SystemError error = platform::removeDirectory(getAsCString());
   return error == 0 ? succeed() : fail(DIRECTORY_COULD_NOT_REMOVE, classOfFailedRemoval(error));
 }

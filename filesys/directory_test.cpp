@@ -113,6 +113,11 @@ TEST(Directory, GoesDownAndUp) {
     EXPECT_TRUE(deep.detachSubDirs(0));
     EXPECT_EQ(kNone, left(deep));
   }
+  VelClDirectory doubled("C:/a/");
+  for (const char* const above : {"C:\\a\\", "C:\\"}) {
+    EXPECT_TRUE(doubled.detachLastSubDir());
+    EXPECT_STREQ(above, doubled);
+  }
   VelClDirectory longest(("C:\\" + std::string(kLimit - 6, 'x')).c_str());
   longest.attachSubDir(VelClLocation("y", false));
   EXPECT_EQ(kLimit, longest.getName().getLength());
@@ -145,6 +150,15 @@ TEST_F(DirectoryTest, IsCreatedWithItsParentsAndRemovedWhenEmpty) {
   EXPECT_NEAR(static_cast<double>(std::time(nullptr)),
               static_cast<double>(created.getDateTimeOfLastModification()), 60);
   EXPECT_NE(0, VelClDirectory("C:\\").getDateTimeOfLastAccess());
+  // With slashes, a name behind a drive gets one more separator.
+  std::string slashed = typed("a/c/");
+  std::ranges::replace(slashed, '\\', '/');
+  VelClDirectory doubled(slashed.c_str());
+  EXPECT_EQ(typed("a\\c\\\\"), doubled.getAsCString());
+  EXPECT_TRUE(doubled.create() && fs::is_directory(scratch_.path("a/c")) && doubled.isExistent());
+  EXPECT_NE(0, doubled.getDateTimeOfLastModification());
+  EXPECT_TRUE(VelClDirectoryWalk(doubled).isValid());
+  EXPECT_TRUE(doubled.removeAll(true) && !fs::exists(scratch_.path("a/c")));
   EXPECT_FALSE(parent.remove());
   EXPECT_EQ(kNotRemoved, left(parent));
   EXPECT_TRUE(created.remove() && parent.removeAll(true));

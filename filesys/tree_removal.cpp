@@ -2,9 +2,11 @@
 // link meanwhile leads nowhere else, and paths of any length can be removed.
 #include "filesys/tree_removal.h"
 
+#include <algorithm>
 #include <cerrno>
 
 #include "filesys/directory_entry.h"
+#include "filesys/path_text.h"
 #include "platform/platform.h"
 
 namespace vel::filesys {
@@ -27,34 +29,75 @@ class OpenDirectory {
   platform::DirectoryHandle handle_;
 };
 
+/// The roots that a name leads below. Spellings of a root have no end, so what was opened is compared, and
+/// at every level: another name of a root can lie anywhere.
+class Roots {
+ public:
+  explicit Roots(const char* directory) noexcept {
+    platform::DirectoryNumber number;
+    // Who was allowed to open a directory may look at it, too: then it is not this one.
+    const platform::SystemError error = platform::numberOfRoot(directory, number);
+    error == 0 ? add(number) : note(error == EACCES);
+    addShareOf(VelClPathProperty(directory));
+  }
+
+  /// True, too, where that is not known.
+  bool include(const platform::DirectoryHandle& directory) const noexcept {
+    platform::DirectoryNumber number;
+    const auto* const end = numbers_ + count_;
+    return !areKnown_ || platform::numberOf(directory, number) != 0 ||
+           std::find(numbers_, end, number) != end;
+  }
+
+ private:
+  void add(const platform::DirectoryNumber& number) noexcept { numbers_[count_++] = number; }
+  void note(bool isKnown) noexcept { areKnown_ = areKnown_ && isKnown; }
+
+  void addShareOf(const VelClPathProperty& name) noexcept {
+    if (!name.isUNC()) return;
+    PathText<> share;
+    share.append(name.getAsCString(), static_cast<std::size_t>(name.getPtrToPath() - name.getAsCString()));
+    OpenDirectory opened;
+    platform::DirectoryNumber number;
+    platform::SystemError error =
+        platform::openDirectory(share.text(), platform::DirectoryLink::Follow, opened.handle());
+    if (error == 0) error = platform::numberOf(opened.handle(), number);
+    error == 0 ? add(number) : note(error == EACCES || error == ENOENT || error == ENOTDIR);
+  }
+
+  platform::DirectoryNumber numbers_[2];
+  int count_ = 0;
+  bool areKnown_ = true;
+};
+
 bool isDirectory(const platform::DirectoryEntry& entry) noexcept {
   return (entry.attributes & platform::kAttributeDirectory) != 0;
 }
 
-bool removeEntriesOf(platform::DirectoryHandle& directory, int depth) noexcept;
+bool removeEntriesOf(platform::DirectoryHandle& directory, const Roots& roots, int depth) noexcept;
 
-bool emptyEntry(const platform::DirectoryHandle& parent, platform::DirectoryEntry& entry,
+bool emptyEntry(const platform::DirectoryHandle& parent, platform::DirectoryEntry& entry, const Roots& roots,
                 int depth) noexcept {
   OpenDirectory directory;
   const platform::SystemError error = platform::openEntry(parent, entry, directory.handle());
-  if (error == 0) return removeEntriesOf(directory.handle(), depth);
+  if (error == 0) return removeEntriesOf(directory.handle(), roots, depth);
   // By now something else has its name, perhaps a link: that is removed itself.
   if (error == ENOTDIR) entry.attributes &= ~platform::kAttributeDirectory;
   return error == ENOTDIR;
 }
 
 bool removeWithContents(const platform::DirectoryHandle& parent, platform::DirectoryEntry& entry,
-                        int depth) noexcept {
+                        const Roots& roots, int depth) noexcept {
   if (isDirectory(entry) && !isSubDirectoryName(entry.name)) return true;
-  if (isDirectory(entry) && !emptyEntry(parent, entry, depth)) return false;
+  if (isDirectory(entry) && !emptyEntry(parent, entry, roots, depth)) return false;
   return platform::removeEntry(parent, entry) == 0;
 }
 
-bool removeEntriesOf(platform::DirectoryHandle& directory, int depth) noexcept {
-  if (depth > kMaxDepth) return false;
+bool removeEntriesOf(platform::DirectoryHandle& directory, const Roots& roots, int depth) noexcept {
+  if (depth > kMaxDepth || roots.include(directory)) return false;
   platform::DirectoryEntry entry;
   while (platform::nextEntry(directory, entry) == platform::WalkStep::Entry)
-    if (!removeWithContents(directory, entry, depth + 1)) return false;
+    if (!removeWithContents(directory, entry, roots, depth + 1)) return false;
   return true;
 }
 
@@ -63,7 +106,7 @@ bool removeEntriesOf(platform::DirectoryHandle& directory, int depth) noexcept {
 void removeContents(const char* directory) noexcept {
   OpenDirectory opened;
   if (platform::openDirectory(directory, platform::DirectoryLink::Refuse, opened.handle()) == 0)
-    static_cast<void>(removeEntriesOf(opened.handle(), 0));
+    static_cast<void>(removeEntriesOf(opened.handle(), Roots(directory), 0));
 }
 
 }  // namespace vel::filesys

@@ -168,9 +168,21 @@ struct DirectoryEntry {
   alignas(2) unsigned char systemName[522];
 };
 
+/// Which directory it is, under whatever name.
+struct DirectoryNumber {
+  std::uint64_t volume = 0;
+  std::uint64_t file = 0;
+  bool operator==(const DirectoryNumber&) const = default;
+};
+
 /// ENOTDIR for everything but a directory, a refused link included.
 SystemError openDirectory(const char* name, DirectoryLink link, DirectoryHandle& directory) noexcept;
 void closeDirectory(DirectoryHandle& directory) noexcept;
+/// Of what was opened, wherever its name leads by now.
+SystemError numberOf(const DirectoryHandle& directory, DirectoryNumber& number) noexcept;
+/// Of this process's root; on Windows of the root of the drive or share that the name leads to. EACCES for a
+/// root that this process may not even look at.
+SystemError numberOfRoot(const char* name, DirectoryNumber& number) noexcept;
 /// Moves to the next entry. The end of the list is not an error; after Failed, errno (on Windows the
 /// last error) has the reason.
 WalkStep nextEntry(DirectoryHandle& directory, DirectoryEntry& entry) noexcept;

@@ -388,7 +388,8 @@ class VEL_API VelClBakFilename : public VelClFilename {
   explicit VelClBakFilename(const VelClFilenameABase& name);
 };
 
-/// A directory, by an absolute name in back-slash style that ends with "\\". Operations that fail return
+/// A directory, by an absolute name in back-slash style that ends with "\\". The text is otherwise kept: "C:\\\\"
+/// has two separators, and "C:/a/", whose style asks for a back-slash at the end, gives "C:\\a\\\\". Operations that fail return
 /// false and leave the reason in getLastError; one that succeeds clears it. Nothing throws.
 /// A name that cannot be made absolute, or would exceed 260 characters with its separator, is refused:
 /// the object is built with the name "" and DIRECTORY_EXPANSION_FAILED with class IO_INVALID_NAME.
@@ -443,7 +444,8 @@ class VEL_API VelClDirectory : public VelClFileABase {
   /// Contents go one by one until the first that cannot be removed; what is gone then is gone. On
   /// Windows that is so for a read-only file. A directory below whose name has a "." as its first or
   /// second character is kept with its contents, and so is what lies more than 256 levels below; either
-  /// makes the removal fail. A root keeps its contents, as it cannot be removed.
+  /// makes the removal fail. A root keeps its contents, as it cannot be removed: the root of the process, on
+  /// Windows of the drive, or that of the share in the name. What was opened decides, not how it is spelled.
   /// Links and junctions are never followed: they are removed themselves, also when they take a
   /// directory's place while the removal runs, or have this directory's name. Names may have any length.
   bool removeAll(bool withContents);

@@ -108,6 +108,20 @@ void closeDirectory(DirectoryHandle& directory) noexcept {
   directory = {};
 }
 
+SystemError numberOf(const DirectoryHandle& directory, DirectoryNumber& number) noexcept {
+  struct stat status;
+  if (fstat(dirfd(streamOf(directory)), &status) != 0) return errno;
+  number = {status.st_dev, status.st_ino};
+  return 0;
+}
+
+SystemError numberOfRoot(const char*, DirectoryNumber& number) noexcept {
+  struct stat status;
+  if (stat("/", &status) != 0) return errno;
+  number = {status.st_dev, status.st_ino};
+  return 0;
+}
+
 WalkStep nextEntry(DirectoryHandle& directory, DirectoryEntry& entry) noexcept {
   constexpr std::array<const char*, 2> kDots = {".", ".."};
   while (directory.listed < kDots.size())

@@ -9,6 +9,8 @@
 #include <cstddef>
 #include <cstring>
 #include <cwchar>
+#include <string_view>
+#include <utility>
 
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
@@ -52,13 +54,16 @@ bool isDirectory(HANDLE file, DirectoryLink link) noexcept {
   return link == DirectoryLink::Follow || !isLink(info.FileAttributes, info.ReparseTag);
 }
 
-/// The name without the separator behind a directory that is no root: it could lead through a link.
+/// The name without the separators behind a directory that is no root: it could lead through a link. Or with
+/// one of them: some paths must not have more.
 class PathWithoutEnd {
  public:
-  explicit PathWithoutEnd(const char* name) noexcept : fits_(false), text_{} {
-    std::size_t length = std::strlen(name);
+  explicit PathWithoutEnd(const char* name, std::size_t kept = 0) noexcept : fits_(false), text_{} {
+    const std::size_t whole = std::strlen(name);
+    std::size_t length = whole;
     const auto isSeparator = [](char c) { return c == '\\' || c == '/'; };
     while (length > 3 && isSeparator(name[length - 1])) --length;
+    length = std::min(length + kept, whole);
     fits_ = length < text_.size();
     if (fits_) std::memcpy(text_.data(), name, length);
   }
@@ -69,6 +74,69 @@ class PathWithoutEnd {
   bool fits_;
   std::array<char, 1024> text_;
 };
+
+/// Not every system opens a link itself; then its handle is the target's, and only the path shows the link.
+bool isLinkByPath(const char* path) noexcept {
+  WIN32_FIND_DATAA found{};
+  const HANDLE search = FindFirstFileA(path, &found);
+  if (search == INVALID_HANDLE_VALUE) return false;
+  FindClose(search);
+  return isLink(found.dwFileAttributes, found.dwReserved0);
+}
+
+/// Whether removing this would remove a link's target.
+bool leadsElsewhere(const char* path) noexcept {
+  if (!isLinkByPath(path)) return false;
+  const HANDLE opened = CreateFileA(path, FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
+                                    FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+  if (opened == INVALID_HANDLE_VALUE) return true;
+  const bool isTarget = isDirectory(opened, DirectoryLink::Refuse);
+  CloseHandle(opened);
+  return isTarget;
+}
+
+/// Stands for the number of a file where the file system has none: of its name within its volume.
+std::uint64_t hashOfName(HANDLE file) noexcept {
+  struct {
+    FILE_NAME_INFO info;
+    std::array<WCHAR, 1024> rest;
+  } name;
+  if (GetFileInformationByHandleEx(file, FileNameInfo, &name, sizeof name) == FALSE) return 0;
+  std::uint64_t hash = 0xCBF29CE484222325;
+  const std::wstring_view text(name.info.FileName, name.info.FileNameLength / sizeof(WCHAR));
+  for (const wchar_t c : text) hash = (hash ^ c) * 0x100000001B3;
+  return hash;
+}
+
+SystemError numberOf(HANDLE file, DirectoryNumber& number) noexcept {
+  BY_HANDLE_FILE_INFORMATION info;
+  if (GetFileInformationByHandle(file, &info) == FALSE) return errnoOf(GetLastError());
+  number.volume = info.dwVolumeSerialNumber;
+  number.file = static_cast<std::uint64_t>(info.nFileIndexHigh) << 32 | info.nFileIndexLow;
+  if (number.file == 0) number.file = hashOfName(file);
+  return 0;
+}
+
+/// The system's error, or that it is no directory.
+DWORD numberOfDirectory(const char* path, DirectoryNumber& number) noexcept {
+  const HANDLE opened = CreateFileA(path, FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
+                                    FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (opened == INVALID_HANDLE_VALUE) return GetLastError();
+  const bool isKnown = isDirectory(opened, DirectoryLink::Follow) && numberOf(opened, number) == 0;
+  CloseHandle(opened);
+  return isKnown ? ERROR_SUCCESS : ERROR_DIRECTORY;
+}
+
+/// Where a full path's first directory may end: behind a drive, or behind server and share, which can only be
+/// opened together. The dot or question mark of a device's path is no server.
+char* firstEnd(char* path) noexcept {
+  const std::string_view start(path, 4);
+  char* end = std::strchr(path, '\\');
+  if (!start.starts_with("\\\\")) return end;
+  end = std::strchr(path + 2, '\\');
+  if (start == "\\\\?\\" || start == "\\\\.\\" || end == nullptr) return end;
+  return std::strchr(end + 1, '\\');
+}
 
 DWORD openAt(HANDLE place, const DirectoryEntry& entry, ACCESS_MASK access, ULONG options,
              HANDLE& opened) noexcept {
@@ -90,6 +158,12 @@ SystemError keepIfDirectory(HANDLE opened, DirectoryLink link, DirectoryHandle& 
   }
   directory.system = opened;
   return 0;
+}
+
+SystemError markRemoved(HANDLE file) noexcept {
+  FILE_DISPOSITION_INFO disposition{TRUE};
+  const BOOL done = SetFileInformationByHandle(file, FileDispositionInfo, &disposition, sizeof disposition);
+  return done != FALSE ? 0 : errnoOf(GetLastError());
 }
 
 /// In the code page that file names are given in; cut to what fits.
@@ -119,6 +193,7 @@ SystemError openDirectory(const char* name, DirectoryLink link, DirectoryHandle&
   directory = {};
   const PathWithoutEnd path(name);
   if (!path.fits()) return ENAMETOOLONG;
+  if (link == DirectoryLink::Refuse && isLinkByPath(path.get())) return ENOTDIR;
   const DWORD flags = link == DirectoryLink::Refuse ? FILE_FLAG_OPEN_REPARSE_POINT : 0;
   const HANDLE opened = CreateFileA(path.get(), kListing, kShareAll, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr);
@@ -129,6 +204,26 @@ SystemError openDirectory(const char* name, DirectoryLink link, DirectoryHandle&
 void closeDirectory(DirectoryHandle& directory) noexcept {
   if (directory.system != nullptr) CloseHandle(directory.system);
   directory = {};
+}
+
+SystemError numberOf(const DirectoryHandle& directory, DirectoryNumber& number) noexcept {
+  return numberOf(static_cast<HANDLE>(directory.system), number);
+}
+
+// The first of the directories on the way that can be opened is the root: what is before it only leads there.
+SystemError numberOfRoot(const char* name, DirectoryNumber& number) noexcept {
+  std::array<char, 1024> path{};
+  const DWORD length = GetFullPathNameA(name, static_cast<DWORD>(path.size() - 1), path.data(), nullptr);
+  if (length == 0 || length >= path.size() - 1) return ENAMETOOLONG;
+  if (path[length - 1] != '\\') std::strcpy(path.data() + length, "\\");
+  for (char* end = firstEnd(path.data()); end != nullptr; end = std::strchr(end + 1, '\\')) {
+    const char next = std::exchange(end[1], '\0');
+    const DWORD error = numberOfDirectory(path.data(), number);
+    end[1] = next;
+    if (error == ERROR_SUCCESS) return 0;
+    if (error == ERROR_ACCESS_DENIED) return EACCES;
+  }
+  return ENOENT;
 }
 
 WalkStep nextEntry(DirectoryHandle& directory, DirectoryEntry& entry) noexcept {
@@ -156,15 +251,16 @@ SystemError openEntry(const DirectoryHandle& directory, const DirectoryEntry& en
 }
 
 SystemError removeEntry(const DirectoryHandle& directory, const DirectoryEntry& entry) noexcept {
-  const ULONG options = (entry.attributes & kAttributeDirectory) != 0 ? FILE_DIRECTORY_FILE : 0;
+  const bool isListed = (entry.attributes & kAttributeDirectory) != 0;
   HANDLE file = nullptr;
-  if (const DWORD error = openAt(directory.system, entry, DELETE, options, file); error != 0)
+  if (const DWORD error = openAt(directory.system, entry, DELETE | FILE_READ_ATTRIBUTES,
+                                 isListed ? FILE_DIRECTORY_FILE : 0, file);
+      error != 0)
     return errnoOf(error);
-  FILE_DISPOSITION_INFO disposition{TRUE};
-  const BOOL done = SetFileInformationByHandle(file, FileDispositionInfo, &disposition, sizeof disposition);
-  const DWORD error = done != FALSE ? 0 : GetLastError();
+  const SystemError error =
+      !isListed && isDirectory(file, DirectoryLink::Refuse) ? ENOTDIR : markRemoved(file);
   CloseHandle(file);
-  return errnoOf(error);
+  return error;
 }
 
 SystemError makeDirectory(const char* name) noexcept {
@@ -172,7 +268,10 @@ SystemError makeDirectory(const char* name) noexcept {
 }
 
 SystemError removeDirectory(const char* name) noexcept {
-  return _rmdir(name) == 0 ? 0 : errno;
+  const PathWithoutEnd path(name, 1);
+  if (!path.fits()) return ENAMETOOLONG;
+  if (leadsElsewhere(PathWithoutEnd(name).get())) return ENOTDIR;
+  return _rmdir(path.get()) == 0 ? 0 : errno;
 }
 
 SystemError changeDirectory(const char* name) noexcept {

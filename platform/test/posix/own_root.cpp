@@ -1,0 +1,56 @@
+// Another root for a copy of this process; a user namespace lets other users than root have one.
+#include "platform/test/own_root.h"
+
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "platform/test/scratch_directory.h"
+
+namespace vel::test {
+
+namespace {
+
+constexpr int kNotPermitted = 77;
+
+bool enter(const std::string& directory) {
+  struct stat wanted {
+  }, root{};
+  if (stat(directory.c_str(), &wanted) != 0) return false;
+  if (chroot(directory.c_str()) != 0 && (unshare(CLONE_NEWUSER) != 0 || chroot(directory.c_str()) != 0))
+    return false;
+  return chdir("/") == 0 && stat("/", &root) == 0 && root.st_dev == wanted.st_dev &&
+         root.st_ino == wanted.st_ino;
+}
+
+/// Ends this copy of the process, also by an exception: nothing else of it may run.
+[[noreturn]] void run(const std::string& directory, const InOwnRoot& action, int report) noexcept {
+  if (!enter(directory)) _exit(kNotPermitted);
+  const std::string complaints = action({"", "C:", "z:"});
+  const bool isTold = write(report, complaints.data(), complaints.size()) >= 0;
+  _exit(isTold ? 0 : 1);
+}
+
+}  // namespace
+
+std::optional<std::string> inOwnRoot(const std::string& directory, const InOwnRoot& action) {
+  const ScratchDirectory outside;
+  const std::string path = outside.write("report", "");
+  const int report = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+  const pid_t child = fork();
+  if (child == 0) run(directory, action, report);
+  int status = -1;
+  waitpid(child, &status, 0);
+  close(report);
+  if (WIFEXITED(status) && WEXITSTATUS(status) == kNotPermitted) return std::nullopt;
+  return readFile(path) + (status == 0 ? "" : "ended with status " + std::to_string(status));
+}
+
+bool isSameDirectory(const std::string& one, const std::string& other) {
+  std::error_code error;
+  return std::filesystem::equivalent(one, other, error);
+}
+
+}  // namespace vel::test

@@ -1,0 +1,85 @@
+// A drive of a test's own, as long as the test runs.
+#include "platform/test/own_root.h"
+
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+#include <array>
+
+#include "platform/test/child_process.h"
+#include "platform/test/scratch_directory.h"
+#include "platform/test/windows/wine.h"
+
+namespace vel::test {
+
+namespace {
+
+/// All zero for what is no directory.
+std::array<DWORD, 3> numbersOf(const std::string& directory) {
+  BY_HANDLE_FILE_INFORMATION info{};
+  const HANDLE opened =
+      CreateFileA(directory.c_str(), FILE_READ_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                  OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (opened == INVALID_HANDLE_VALUE) return {};
+  if (GetFileInformationByHandle(opened, &info) == FALSE) info = {};
+  CloseHandle(opened);
+  return {info.dwVolumeSerialNumber, info.nFileIndexHigh, info.nFileIndexLow};
+}
+
+/// The link outside Wine that stands for a drive.
+std::string linkOf(const std::string& drive) {
+  const std::string folder = unixName("C:\\");
+  return folder.substr(0, folder.rfind("c:")) + static_cast<char>(drive[0] | 0x20) + ":";
+}
+
+class OwnDrive {
+ public:
+  explicit OwnDrive(const std::string& directory) : directory_(directory), link_(unixName(directory)) {
+    for (const char* letter = "YXWVUT"; *letter != '\0' && name_.empty(); ++letter) {
+      const std::string drive = {*letter, ':'};
+      if (GetDriveTypeA((drive + "\\").c_str()) == DRIVE_NO_ROOT_DIR && define(drive)) name_ = drive;
+    }
+  }
+  OwnDrive(const OwnDrive&) = delete;
+  OwnDrive& operator=(const OwnDrive&) = delete;
+  ~OwnDrive() {
+    if (name_.empty()) return;
+    if (link_.empty())
+      DefineDosDeviceA(DDD_REMOVE_DEFINITION | DDD_EXACT_MATCH_ON_REMOVE, name_.c_str(), directory_.c_str());
+    else if (startUnixProgram("rm", linkOf(name_)))
+      waitUntil([this] { return !isSameDirectory(name_ + "\\", directory_); });
+  }
+
+  /// "Y:", or "" without one.
+  const std::string& name() const { return name_; }
+
+ private:
+  bool define(const std::string& drive) const {
+    const std::string root = drive + "\\";
+    if (link_.empty())
+      return DefineDosDeviceA(0, drive.c_str(), directory_.c_str()) != FALSE &&
+             isSameDirectory(root, directory_);
+    // Somebody else may have been faster, and has another directory there.
+    return startUnixProgram("ln", "-sn " + link_ + " " + linkOf(drive)) &&
+           waitUntil([&] { return GetFileAttributesA(root.c_str()) != INVALID_FILE_ATTRIBUTES; }) &&
+           isSameDirectory(root, directory_);
+  }
+
+  std::string directory_, link_, name_;
+};
+
+}  // namespace
+
+std::optional<std::string> inOwnRoot(const std::string& directory, const InOwnRoot& action) {
+  const OwnDrive drive(directory);
+  if (drive.name().empty()) return std::nullopt;
+  const CurrentDirectory in(drive.name() + "\\");
+  return action({drive.name(), "", "\\\\?\\" + drive.name(), "\\\\.\\" + drive.name()});
+}
+
+bool isSameDirectory(const std::string& one, const std::string& other) {
+  const auto numbers = numbersOf(one);
+  return numbers != std::array<DWORD, 3>{} && numbers == numbersOf(other);
+}
+
+}  // namespace vel::test
