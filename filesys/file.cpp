@@ -93,9 +93,8 @@ bool VelClFile::succeed() {
 
 bool VelClFile::copyTo(const VelClFilenameABase& target, bool keepAttributes) {
   if (filename_ == target) return fail(FILE_COULD_NOT_COPY_SELF, VelEnErrorClass::INCONSISTENT_SITUATION);
-  if (platform::copyFile(getAsCString(), target.getAsCString()) != 0)
+  if (platform::copyFile(getAsCString(), target.getAsCString(), !keepAttributes) != 0)
     return fail(FILE_COULD_NOT_COPY, VelEnErrorClass::IO_PROBLEM);
-  if (!keepAttributes) static_cast<void>(platform::setReadOnly(target.getAsCString(), false));
   return succeed();
 }
 

@@ -43,17 +43,17 @@ void HeldFile::release() {
   isHeld_ = isReplaced_ = false;
 }
 
-std::optional<platform::FileIdentity> HeldFile::identityOfRead(int descriptor) {
-  platform::FileIdentity found;
-  const bool isTold = platform::identityOf(descriptor, found);
+std::optional<platform::FileState> HeldFile::stateOfRead(int descriptor) {
+  platform::FileState found;
+  const bool isTold = platform::stateOf(descriptor, found);
   if (isHeld_ && !matches(isTold && found == lock_.file)) return std::nullopt;
   return found;
 }
 
 bool HeldFile::mayReplace(const char* name) {
   if (!isHeld_) return true;
-  platform::FileIdentity found;
-  return matches(platform::identityAt(name, found) && found == lock_.file &&
+  platform::FileState found;
+  return matches(platform::stateAt(name, found) && found == lock_.file &&
                  (!read_.has_value() || *read_ == lock_.file));
 }
 

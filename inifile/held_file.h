@@ -19,9 +19,9 @@ class HeldFile {
   void release();
 
   /// Of a file that is read; none when it is not the one that is held, or not as it was.
-  std::optional<platform::FileIdentity> identityOfRead(int descriptor);
+  std::optional<platform::FileState> stateOfRead(int descriptor);
   /// What is edited came from there.
-  void noteRead(const platform::FileIdentity& file) { read_ = file; }
+  void noteRead(const platform::FileState& file) { read_ = file; }
   /// What is edited came from no file.
   void forgetRead() { read_.reset(); }
   /// False when a file is held and the name leads to another one, or the one that was read is another one, or
@@ -36,7 +36,7 @@ class HeldFile {
   bool isHeld_ = false;
   bool isReplaced_ = false;
   platform::FileLock lock_;
-  std::optional<platform::FileIdentity> read_;
+  std::optional<platform::FileState> read_;
 };
 
 }  // namespace vel::inifile

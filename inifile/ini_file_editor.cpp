@@ -9,7 +9,7 @@
 
 using vel::String;
 using vel::inifile::EditedFile;
-using vel::platform::FileIdentity;
+using vel::platform::FileState;
 
 namespace {
 
@@ -47,7 +47,7 @@ bool VelClIniFileEditor::load(bool allowContinuation) {
   const OpenFile file{vel::platform::openForReading(getAsCString())};
   String bytes;
   if (file.descriptor < 0 || !readAll(file.descriptor, bytes)) return false;
-  const std::optional<FileIdentity> found = file_->held.identityOfRead(file.descriptor);
+  const std::optional<FileState> found = file_->held.stateOfRead(file.descriptor);
   if (!found.has_value()) return false;
   file_->text.take(std::move(bytes), allowContinuation);
   file_->held.noteRead(*found);

@@ -35,9 +35,11 @@ bool isWritable(const char* name) noexcept;
 std::uint32_t attributesOf(const char* name) noexcept;
 bool statusOf(const char* name, EntryStatus& status) noexcept;
 /// Copies contents and permissions, also over an existing target unless that is read-only (EACCES,
-/// for every user) or the source itself under another name. A failed copy leaves no partial
-/// target behind if the target did not exist before.
-SystemError copyFile(const char* from, const char* to) noexcept;
+/// for every user) or the source itself under another name; `writable` gives the owner write permission.
+/// The copy is made beside the target and takes its place, so that a failed one changes nothing; a link is
+/// replaced itself, but not one to a directory (EISDIR). Only where the directory takes no new file is an
+/// existing target overwritten in place.
+SystemError copyFile(const char* from, const char* to, bool writable = false) noexcept;
 /// Sets or clears write permission and nothing else; clearing read-only gives it to the owner.
 SystemError setReadOnly(const char* name, bool readOnly) noexcept;
 /// Clears read-only where it would keep a file from being removed. A link itself is never read-only, and
@@ -91,11 +93,24 @@ int closeAppended(int descriptor) noexcept;
 
 // ---- Replacing files (replacing.cpp) ---------------------------------------------------------
 
-/// A file that is written beside the one whose place it takes.
+/// Tells entries apart; all zeros for a missing one.
+struct FileIdentity {
+  std::uint64_t volume = 0;
+  std::uint64_t number = 0;
+
+  bool operator==(const FileIdentity&) const = default;
+};
+
+/// A file that is written beside the one whose place it takes. While it is written no other user can read it.
 struct Replacement {
-  int descriptor = -1;  ///< for writing bytes
-  char
-      temporary[4200];  ///< the system's own spelling; "" when the target is no file and is written to itself
+  int descriptor = -1;      ///< for writing bytes
+  bool isBeside = false;    ///< false when the target is no file and is written to itself
+  bool keepsRights = true;  ///< after success: whether owner and permissions are those of the old file
+  FileIdentity old;         ///< the file that is replaced; zeros for a new one
+  // The rest is for replacing.cpp.
+  int directory = -1;         ///< of both names, held open; -1 where the system has no such descriptors
+  int heldTarget = -1;        ///< likewise, so that no other file can have its identity meanwhile
+  char temporary[4200] = "";  ///< the system's own spelling; "" as long as the file has no name
   char target[4100];
 };
 
@@ -104,26 +119,38 @@ struct Replacement {
 /// the descriptor.
 SystemError startReplacement(const char* name, Replacement& replacement) noexcept;
 /// Puts what was written into place, in one step and when it is safely stored. After a failure the old file
-/// is there as before and the new one is gone.
+/// is there as before and the new one is gone; only when the directory could not be stored is the new one in
+/// place, but may be lost with the power. A target that became another file meanwhile is a failure
+/// (ECANCELED), and so is a new one that was there first (EEXIST).
 SystemError finishReplacement(Replacement& replacement) noexcept;
 void dropReplacement(Replacement& replacement) noexcept;
+/// For programs that own their process: before SIGHUP, SIGINT or SIGTERM ends it, the file that was begun
+/// last and has a name is removed. Signals that are ignored stay so. Other systems remove it by themselves.
+void removeUnfinishedOnSignals() noexcept;
+
+// ---- Signals (ending_signals.cpp) ------------------------------------------------------------
+
+/// Holds back SIGHUP, SIGINT and SIGTERM from this thread for a moment that must not be interrupted. Returns
+/// what to release, 0 for nothing; other systems have no such signals.
+std::uint32_t holdEndingSignals() noexcept;
+/// Those that came meanwhile take effect.
+void releaseEndingSignals(std::uint32_t held) noexcept;
 
 // ---- Locking files (file_lock.cpp) -----------------------------------------------------------
 
 /// Tells files apart, also a file from one that was there before and had its number, and from what it was
 /// before a change; all zeros for a missing one.
-struct FileIdentity {
-  std::uint64_t volume = 0;
-  std::uint64_t number = 0;
+struct FileState {
+  FileIdentity identity;
   std::uint64_t sizeInBytes = 0;
   std::uint64_t changed = 0;  ///< when, in the system's smallest unit; as fine as its clock for files is
 
-  bool operator==(const FileIdentity&) const = default;
+  bool operator==(const FileState&) const = default;
 };
 
 /// Of an open file, and of what a name leads to. False when the system cannot tell.
-bool identityOf(int descriptor, FileIdentity& identity) noexcept;
-bool identityAt(const char* name, FileIdentity& identity) noexcept;
+bool stateOf(int descriptor, FileState& state) noexcept;
+bool stateAt(const char* name, FileState& state) noexcept;
 
 enum class LockResult {
   Locked,
@@ -132,11 +159,11 @@ enum class LockResult {
   Failed
 };
 
-/// A lock, and the identity of the locked file.
+/// A lock, and the state of the locked file.
 struct FileLock {
   void* system = nullptr;  ///< the object that is the lock on Windows
   int descriptor = -1;     ///< the locked file or directory on POSIX
-  FileIdentity file;
+  FileState file;
 };
 
 /// Locks the file that a name leads to, or the place where it is to be made. Waits for nothing. The lock ends

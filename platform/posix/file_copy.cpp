@@ -5,10 +5,10 @@
 
 #include <array>
 #include <cerrno>
-#include <utility>
 
-#include "platform/platform.h"
+#include "platform/posix/beside.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/target.h"
 
 namespace vel::platform {
 
@@ -16,6 +16,8 @@ namespace {
 
 constexpr mode_t kPermissionBits = 0777;
 constexpr mode_t kWriteBits = 0222;
+/// After so many others that came first something else is wrong.
+constexpr int kMostAttempts = 16;
 
 /// Repeats an interrupted system call.
 template <typename Call>
@@ -25,45 +27,55 @@ auto retrying(Call call) noexcept {
   return result;
 }
 
-class Descriptor {
+class Source {
  public:
   /// Never waits for the other end of a pipe.
-  Descriptor(const char* path, int flags) noexcept
-      : number_(retrying([&] { return open(path, flags | O_CLOEXEC | O_NONBLOCK, S_IRUSR | S_IWUSR); })) {}
-  Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-  Descriptor& operator=(Descriptor&& other) noexcept {
-    std::swap(number_, other.number_);
-    return *this;
+  explicit Source(const char* path) noexcept
+      : descriptor_(retrying([&] { return open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK); })) {}
+  Source(const Source&) = delete;
+  Source& operator=(const Source&) = delete;
+  ~Source() {
+    if (descriptor_ >= 0) close(descriptor_);
   }
-  ~Descriptor() { static_cast<void>(closeNow()); }
 
-  bool isOpen() const noexcept { return number_ >= 0; }
-  int get() const noexcept { return number_; }
-  /// Some file systems report a failed write only here.
-  SystemError closeNow() noexcept {
-    const int number = std::exchange(number_, -1);
-    return number < 0 || close(number) == 0 || errno == EINTR ? 0 : errno;
-  }
+  int descriptor() const noexcept { return descriptor_; }
 
  private:
-  int number_;
+  int descriptor_;
 };
 
-SystemError statusOfRegularFile(const Descriptor& file, struct stat& status) noexcept {
+class Target : public Replacement {
+ public:
+  Target() = default;
+  Target(const Target&) = delete;
+  Target& operator=(const Target&) = delete;
+  ~Target() { closeReplacement(*this); }
+};
+
+SystemError statusOfRegularFile(int descriptor, struct stat& status) noexcept {
   status = {};
-  if (!file.isOpen() || fstat(file.get(), &status) != 0) return errno;
+  if (descriptor < 0 || fstat(descriptor, &status) != 0) return errno;
   if (S_ISDIR(status.st_mode)) return EISDIR;
   return S_ISREG(status.st_mode) ? 0 : EINVAL;
 }
 
-/// Empties an existing target, unless it is the source itself under another name, or read-only: the
-/// superuser may write to it, but must not do so by mistake.
-SystemError prepareExisting(const Descriptor& target, const struct stat& source) noexcept {
+/// A link itself is the target, unless it leads to the source or to a directory.
+SystemError checkLink(const Replacement& target, const struct stat& source) noexcept {
   struct stat status;
-  if (const SystemError error = statusOfRegularFile(target, status); error != 0) return error;
-  const bool isSource = status.st_dev == source.st_dev && status.st_ino == source.st_ino;
-  if (isSource || (status.st_mode & kWriteBits) == 0) return EACCES;
-  return retrying([&] { return ftruncate(target.get(), 0); }) == 0 ? 0 : errno;
+  if (fstatat(target.directory, target.target, &status, 0) != 0) return 0;
+  if (identityOf(status) == identityOf(source)) return EACCES;
+  return S_ISDIR(status.st_mode) ? EISDIR : 0;
+}
+
+/// Refuses the source itself under another name, and read-only files: the superuser may write to them, but
+/// must not do so by mistake.
+SystemError checkExisting(const Replacement& target, const struct stat& source) noexcept {
+  struct stat status;
+  if (fstat(target.heldTarget, &status) != 0) return errno;
+  if (S_ISLNK(status.st_mode)) return checkLink(target, source);
+  if (const SystemError error = statusOfRegularFile(target.heldTarget, status); error != 0) return error;
+  const bool isSource = identityOf(status) == identityOf(source);
+  return isSource || (status.st_mode & kWriteBits) == 0 ? EACCES : 0;
 }
 
 SystemError writeAll(int target, const char* bytes, std::size_t count) noexcept {
@@ -87,31 +99,79 @@ SystemError copyContents(int source, int target) noexcept {
   }
 }
 
-SystemError fill(Descriptor& target, const Descriptor& source, const struct stat& status) noexcept {
-  if (const SystemError error = copyContents(source.get(), target.get()); error != 0) return error;
-  // File systems without permission bits refuse; the contents are there all the same.
-  static_cast<void>(fchmod(target.get(), status.st_mode & kPermissionBits));
-  return target.closeNow();
+struct Copy {
+  int source;
+  mode_t mode;
+};
+
+SystemError fill(int target, const Copy& copy) noexcept {
+  if (lseek(copy.source, 0, SEEK_SET) == -1) return errno;
+  return copyContents(copy.source, target);
+}
+
+bool isFile(int descriptor) noexcept {
+  struct stat status;
+  return descriptor >= 0 && statusOfRegularFile(descriptor, status) == 0;
+}
+
+/// File systems without permission bits refuse; the contents are there all the same.
+void giveRights(const Replacement& target, mode_t mode) noexcept {
+  if (isFile(target.heldTarget))
+    takeOverRights(target, mode);
+  else
+    static_cast<void>(fchmod(target.descriptor, mode));
+}
+
+SystemError copyInPlace(int target, const Copy& copy) noexcept {
+  if (retrying([&] { return ftruncate(target, 0); }) != 0) return errno;
+  if (const SystemError error = fill(target, copy); error != 0) return error;
+  static_cast<void>(fchmod(target, copy.mode));
+  return flushWrites(target);
+}
+
+SystemError placeCopy(Replacement& target, const Copy& copy) noexcept {
+  giveRights(target, copy.mode);
+  return moveIntoPlace(target);
+}
+
+/// The directory takes no new file, or does not give this entry away.
+bool isFixed(SystemError error) noexcept {
+  return error == EACCES || error == EPERM || error == EBUSY;
+}
+
+SystemError copyBeside(Replacement& target, const Copy& copy) noexcept {
+  SystemError error = createBeside(S_IRUSR | S_IWUSR, BesideName::None, target);
+  if (error == 0) {
+    error = fill(target.descriptor, copy);
+    if (error == 0) error = flushWrites(target.descriptor);
+    if (error != 0) return error;
+    error = placeCopy(target, copy);
+  }
+  return isFixed(error) && isFile(target.heldTarget) ? copyInPlace(target.heldTarget, copy) : error;
+}
+
+SystemError copyOnce(const char* path, const struct stat& source, const Copy& copy) noexcept {
+  Target target;
+  if (const SystemError error = findTarget(path, LastLink::Hold, target); error != 0) return error;
+  if (target.heldTarget >= 0)
+    if (const SystemError error = checkExisting(target, source); error != 0) return error;
+  return copyBeside(target, copy);
 }
 
 }  // namespace
 
-SystemError copyFile(const char* from, const char* to) noexcept {
+SystemError copyFile(const char* from, const char* to, bool writable) noexcept {
   const NativePath sourcePath(from);
   const NativePath targetPath(to);
   if (!sourcePath.fits() || !targetPath.fits()) return ENAMETOOLONG;
-  const Descriptor source(sourcePath.get(), O_RDONLY);
+  const Source source(sourcePath.get());
   struct stat status;
-  if (const SystemError error = statusOfRegularFile(source, status); error != 0) return error;
-  Descriptor target(targetPath.get(), O_WRONLY | O_CREAT | O_EXCL);
-  const bool isNew = target.isOpen();
-  if (!isNew) {
-    if (errno != EEXIST) return errno;
-    target = Descriptor(targetPath.get(), O_WRONLY);
-    if (const SystemError error = prepareExisting(target, status); error != 0) return error;
-  }
-  const SystemError error = fill(target, source, status);
-  if (error != 0 && isNew) unlink(targetPath.get());
+  if (const SystemError error = statusOfRegularFile(source.descriptor(), status); error != 0) return error;
+  const mode_t mode = (status.st_mode & kPermissionBits) | (writable ? mode_t{S_IWUSR} : mode_t{0});
+  SystemError error = 0;
+  int attempt = 0;
+  do error = copyOnce(targetPath.get(), status, {source.descriptor(), mode});
+  while ((error == ECANCELED || error == EEXIST) && ++attempt < kMostAttempts);
   return error;
 }
 

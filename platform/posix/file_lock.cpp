@@ -12,6 +12,7 @@
 
 #include "platform/platform.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/target.h"
 
 namespace vel::platform {
 
@@ -27,10 +28,9 @@ struct Round {
 };
 constexpr Round kMoved{LockResult::Busy, true};
 
-FileIdentity identityIn(const struct stat& status) noexcept {
+FileState stateIn(const struct stat& status) noexcept {
   constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
-  return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino),
-          static_cast<std::uint64_t>(status.st_size),
+  return {identityOf(status), static_cast<std::uint64_t>(status.st_size),
           static_cast<std::uint64_t>(status.st_ctim.tv_sec) * kNanosecondsPerSecond +
               static_cast<std::uint64_t>(status.st_ctim.tv_nsec)};
 }
@@ -62,10 +62,9 @@ Round lockAt(const char* path, int flags, FileLock& lock) noexcept {
   if (lock.descriptor < 0) return errno == ENOENT ? kMoved : Round{LockResult::Failed};
   struct stat locked, named;
   const bool isTold = fstat(lock.descriptor, &locked) == 0;
-  const bool isThere =
-      isTold && stat(path, &named) == 0 && locked.st_dev == named.st_dev && locked.st_ino == named.st_ino;
+  const bool isThere = isTold && stat(path, &named) == 0 && identityOf(locked) == identityOf(named);
   if (isThere && result != LockResult::Busy) {
-    lock.file = identityIn(named);
+    lock.file = stateIn(named);
     return {result};
   }
   unlockFile(lock);
@@ -100,26 +99,26 @@ Round lockOnce(const char* path, FileLock& lock) noexcept {
   if (stat(path, &found) != 0) return errno == ENOENT ? lockPlaceOf(path, lock) : Round{LockResult::Failed};
   if (S_ISDIR(found.st_mode)) return {LockResult::Failed};
   if (S_ISREG(found.st_mode)) return lockAt(path, 0, lock);
-  lock.file = identityIn(found);
+  lock.file = stateIn(found);
   return {LockResult::Locked};
 }
 
 }  // namespace
 
-bool identityOf(int descriptor, FileIdentity& identity) noexcept {
+bool stateOf(int descriptor, FileState& state) noexcept {
   struct stat status;
   if (fstat(descriptor, &status) != 0) return false;
-  identity = identityIn(status);
+  state = stateIn(status);
   return true;
 }
 
-bool identityAt(const char* name, FileIdentity& identity) noexcept {
+bool stateAt(const char* name, FileState& state) noexcept {
   const NativePath path(name);
   struct stat status;
   if (!path.fits()) return false;
   const bool isThere = stat(path.get(), &status) == 0;
   if (!isThere && errno != ENOENT) return false;
-  identity = isThere ? identityIn(status) : FileIdentity{};
+  state = isThere ? stateIn(status) : FileState{};
   return true;
 }
 

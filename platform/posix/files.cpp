@@ -101,10 +101,11 @@ SystemError renameFile(const char* from, const char* to) noexcept {
   const NativePath source(from);
   const NativePath target(to);
   if (!source.fits() || !target.fits()) return ENAMETOOLONG;
-  if (std::strcmp(source.get(), target.get()) != 0) return renameWithoutReplacing(source.get(), target.get());
+  if (std::strcmp(source.get(), target.get()) != 0)
+    return renameWithoutReplacing(AT_FDCWD, source.get(), target.get());
   // A file found under its new name may get other letter case.
   const NativePath typed(to, NativePath::Match::AllButLast);
-  return renameWithoutReplacing(source.get(), typed.get());
+  return renameWithoutReplacing(AT_FDCWD, source.get(), typed.get());
 }
 
 bool currentDirectory(char* out, std::size_t capacity) noexcept {

@@ -135,7 +135,9 @@ TEST_F(PosixFiles, RemovingALinkLeavesItsTargetAlone) {
 
 TEST_F(PosixFiles, RenamingNeverReplaces) {
   // With and without the file system's help.
-  for (const auto way : {renameFile, renameByLink}) {
+  using Way = SystemError (*)(const char*, const char*);
+  const Way byLink = [](const char* from, const char* to) { return renameByLink(AT_FDCWD, from, to); };
+  for (const Way way : {Way{renameFile}, byLink}) {
     const test::ScratchDirectory scratch;
     const auto rename = [&](const char* from, const char* to) {
       return way(scratch.path(from).c_str(), scratch.path(to).c_str());

@@ -13,29 +13,29 @@ namespace vel::platform {
 
 namespace {
 
-SystemError renameAfterAsking(const char* from, const char* to) noexcept {
+SystemError renameAfterAsking(int directory, const char* from, const char* to) noexcept {
   struct stat status;
-  if (lstat(to, &status) == 0) return EEXIST;
-  return rename(from, to) == 0 ? 0 : errno;
+  if (fstatat(directory, to, &status, AT_SYMLINK_NOFOLLOW) == 0) return EEXIST;
+  return renameat(directory, from, directory, to) == 0 ? 0 : errno;
 }
 
 }  // namespace
 
-SystemError renameByLink(const char* from, const char* to) noexcept {
-  if (link(from, to) != 0) {
+SystemError renameByLink(int directory, const char* from, const char* to) noexcept {
+  if (linkat(directory, from, directory, to, 0) != 0) {
     const bool hasNoLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS || errno == EMLINK;
-    return hasNoLinks ? renameAfterAsking(from, to) : errno;
+    return hasNoLinks ? renameAfterAsking(directory, from, to) : errno;
   }
-  if (unlink(from) == 0) return 0;
+  if (unlinkat(directory, from, 0) == 0) return 0;
   const SystemError error = errno;
-  unlink(to);
+  unlinkat(directory, to, 0);
   return error;
 }
 
-SystemError renameWithoutReplacing(const char* from, const char* to) noexcept {
-  if (syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) return 0;
+SystemError renameWithoutReplacing(int directory, const char* from, const char* to) noexcept {
+  if (syscall(SYS_renameat2, directory, from, directory, to, RENAME_NOREPLACE) == 0) return 0;
   if (errno != ENOSYS && errno != EINVAL) return errno;
-  return renameByLink(from, to);
+  return renameByLink(directory, from, to);
 }
 
 }  // namespace vel::platform

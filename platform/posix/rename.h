@@ -5,11 +5,11 @@
 
 namespace vel::platform {
 
-/// Both paths are the system's own. EEXIST when `to` exists.
-SystemError renameWithoutReplacing(const char* from, const char* to) noexcept;
+/// Both paths are the system's own, from an open directory or AT_FDCWD. EEXIST when `to` exists.
+SystemError renameWithoutReplacing(int directory, const char* from, const char* to) noexcept;
 
 /// The same for file systems that cannot refuse an existing target themselves: by a second link where
 /// there are links, else (directories, too) by asking first.
-SystemError renameByLink(const char* from, const char* to) noexcept;
+SystemError renameByLink(int directory, const char* from, const char* to) noexcept;
 
 }  // namespace vel::platform

@@ -1,5 +1,8 @@
-// Replaced files as this system shows them: permissions, links, devices, and what a failure leaves.
+// Replaced files as this system shows them: permissions, links, devices, what a failure leaves, and what
+// other users can do about it.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -7,9 +10,13 @@
 #include <cerrno>
 #include <filesystem>
 #include <string>
+#include <utility>
 
 #include "platform/byte_files.h"
 #include "platform/platform.h"
+#include "platform/posix/beside.h"
+#include "platform/posix/target.h"
+#include "platform/test/posix/other_user.h"
 #include "platform/test/scratch_directory.h"
 
 namespace vel::platform {
@@ -83,6 +90,193 @@ TEST(Replacing, TakesNoAccessControlListFromTheDirectory) {
 TEST(Replacing, WritesDevicesThemselves) {
   EXPECT_EQ(replaceWith("/dev/full", "x"), ENOSPC);
   EXPECT_EQ(replaceWith("/dev/null", "x"), 0);
+}
+
+std::size_t openDescriptors() {
+  return entriesIn("/proc/self/fd");
+}
+
+TEST(Replacing, FollowsLinksToTheirEnd) {
+  const ScratchDirectory scratch;
+  const std::string file = scratch.write("a/file", "old");
+  scratch.write("b/other", "other");
+  fs::create_symlink("../a/file", scratch.path("b/relative"));
+  fs::create_symlink(scratch.path("b/relative"), scratch.path("absolute"));
+  fs::create_symlink("loop", scratch.path("loop"));
+  fs::create_symlink("b", scratch.path("directory"));
+  const std::size_t before = openDescriptors();
+  EXPECT_EQ(replaceWith(scratch.path("absolute"), "new"), 0);
+  EXPECT_EQ(readFile(file), "new");
+  EXPECT_EQ(replaceWith(scratch.path("directory/other"), "new"), 0);
+  EXPECT_EQ(readFile(scratch.path("b/other")), "new");
+  for (const auto& [name, error] : {std::pair{"loop", ELOOP}, {"directory", EISDIR}, {"a/file/x", ENOTDIR}})
+    EXPECT_EQ(replaceWith(scratch.path(name), "x"), error) << name;
+  EXPECT_EQ(entriesIn(scratch.path("a")) + entriesIn(scratch.path("b")), 3U);
+  EXPECT_EQ(replaceWith("/dev/full", "x"), ENOSPC);
+  EXPECT_EQ(openDescriptors(), before);
+}
+
+/// A replacement that was begun, by name.
+struct Begun : Replacement {
+  explicit Begun(const std::string& name) : error(startReplacement(name.c_str(), *this)) {
+    EXPECT_TRUE(error != 0 || writeBytes(descriptor, "new", 3));
+  }
+  SystemError error;
+};
+
+TEST(Replacing, LosesNothingWhenAnotherFileTakesTheName) {
+  const ScratchDirectory scratch;
+  const std::string file = scratch.write("file", "old"), second = scratch.write("second", "second");
+  const std::size_t before = openDescriptors();
+  const std::pair<const char*, void (*)(const std::string&, const std::string&)> rows[] = {
+      {"second", [](const std::string& name, const std::string& other) { fs::rename(other, name); }},
+      {"second", [](const std::string& name, const std::string& other) {
+         fs::remove(name);
+         fs::create_symlink(other, name);
+       }}};
+  for (const auto& [contents, change] : rows) {
+    scratch.write("second", contents);
+    Begun begun(file);
+    change(file, second);
+    EXPECT_EQ(finishReplacement(begun), ECANCELED);
+    EXPECT_EQ(readFile(file), contents);
+  }
+  fs::remove(file);
+  Begun first(file), late(file);
+  EXPECT_EQ(finishReplacement(first), 0);
+  EXPECT_EQ(finishReplacement(late), EEXIST);
+  EXPECT_EQ(readFile(file), "new");
+  Begun gone(file);
+  fs::remove(file);
+  EXPECT_EQ(finishReplacement(gone), ECANCELED);
+  EXPECT_EQ(entriesIn(scratch.path()), 1U) << "something is left behind";
+  EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST(Replacing, ShowsNoUnfinishedFileWhereTheFileSystemAllowsIt) {
+  const ScratchDirectory scratch;
+  const std::string file = scratch.write("file", "old");
+  for (const auto name : {BesideName::None, BesideName::Random}) {
+    Replacement replacement;
+    ASSERT_EQ(findTarget(file.c_str(), LastLink::Follow, replacement), 0);
+    ASSERT_EQ(createBeside(0600, name, replacement), 0);
+    EXPECT_EQ(entriesIn(scratch.path()), replacement.temporary[0] == '\0' ? 1U : 2U);
+    EXPECT_TRUE(name == BesideName::None || std::string(replacement.temporary).size() == 20);
+    EXPECT_TRUE(writeBytes(replacement.descriptor, "new", 3));
+    EXPECT_EQ(moveIntoPlace(replacement), 0);
+    EXPECT_EQ(readFile(file), "new");
+    scratch.write("file", "old");
+    closeReplacement(replacement);
+    ASSERT_EQ(findTarget(scratch.path("created").c_str(), LastLink::Follow, replacement), 0);
+    ASSERT_EQ(createBeside(0600, name, replacement), 0);
+    scratch.write("created", "other");
+    EXPECT_EQ(moveIntoPlace(replacement), EEXIST);
+    closeReplacement(replacement);
+    EXPECT_EQ(readFile(scratch.path("created")), "other");
+    fs::remove(scratch.path("created"));
+    EXPECT_EQ(entriesIn(scratch.path()), 1U);
+  }
+}
+
+TEST(Replacing, RemovesTheUnfinishedFileBeforeASignalEndsTheProgram) {
+  const ScratchDirectory scratch;
+  for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
+    const pid_t child = fork();
+    if (child == 0) {
+      signal(number, SIG_DFL);
+      removeUnfinishedOnSignals();
+      Replacement replacement;
+      if (findTarget(scratch.path("file").c_str(), LastLink::Follow, replacement) != 0 ||
+          createBeside(0600, BesideName::Random, replacement) != 0 || entriesIn(scratch.path()) != 1)
+        _exit(1);
+      raise(number);
+      _exit(2);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == number) << status;
+    EXPECT_EQ(entriesIn(scratch.path()), 0U);
+  }
+  const auto isIgnored = [] {
+    signal(SIGHUP, SIG_IGN);
+    removeUnfinishedOnSignals();
+    return raise(SIGHUP);
+  };
+  EXPECT_EQ(test::exitCodeOf([] { return true; }, isIgnored), 0);
+}
+
+TEST(Replacing, TellsWhenOwnerOrPermissionsAreLost) {
+  if (!test::canBecomeOtherUser()) GTEST_SKIP() << "takes the superuser";
+  const ScratchDirectory scratch;
+  fs::permissions(scratch.path(), fs::perms(0777));
+  const std::string file = scratch.write("file", "old");
+  fs::permissions(file, fs::perms(06777));
+  const auto isTold = [&] {
+    Begun begun(file);
+    return finishReplacement(begun) == 0 && !begun.keepsRights ? 0 : 1;
+  };
+  EXPECT_EQ(test::exitCodeOf(test::becomeOtherUser, isTold), 0);
+  struct stat status {};
+  EXPECT_EQ(stat(file.c_str(), &status), 0);
+  // What was the owner's and the group's is no right of others.
+  EXPECT_EQ(status.st_mode & 07777, mode_t{0707});
+  Begun begun(file);
+  EXPECT_TRUE(finishReplacement(begun) == 0 && begun.keepsRights);
+  EXPECT_EQ(stat(file.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, test::kOtherUser);
+}
+
+/// Lets a name lead to a file of its own and to another user's private one, in turn, until it is ended.
+void swapNames(const std::string& name, const std::string& secret) {
+  const std::string own = name + ".own", link = name + ".link";
+  for (;;) {
+    const int file = open(own.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    writeBytes(file, "mine", 4);
+    fchmod(file, 0666);
+    close(file);
+    rename(own.c_str(), name.c_str());
+    static_cast<void>(symlink(secret.c_str(), link.c_str()));
+    rename(link.c_str(), name.c_str());
+  }
+}
+
+/// As editors do: what was read goes only into the file that it was read from.
+void saveWhatIsThere(const std::string& name) {
+  const int source = openForReading(name.c_str());
+  char bytes[64];
+  struct stat status {};
+  const std::int64_t size = source >= 0 ? readBytes(source, bytes, sizeof bytes) : -1;
+  if (size < 0 || fstat(source, &status) != 0) return closeDescriptor(source);
+  closeDescriptor(source);
+  Replacement replacement;
+  if (startReplacement(name.c_str(), replacement) != 0) return;
+  if (replacement.old != identityOf(status)) return dropReplacement(replacement);
+  writeBytes(replacement.descriptor, bytes, static_cast<std::size_t>(size));
+  finishReplacement(replacement);
+}
+
+TEST(Replacing, GivesNothingAwayWhenAnotherUserSwapsNames) {
+  if (!test::canBecomeOtherUser()) GTEST_SKIP() << "takes the superuser";
+  const ScratchDirectory scratch;
+  const std::string secret = scratch.write("private/secret", "hidden"),
+                    name = scratch.write("shared/file", "");
+  fs::permissions(scratch.path(), fs::perms(0755));
+  fs::permissions(scratch.path("private"), fs::perms(0700));
+  fs::permissions(secret, fs::perms(0600));
+  ASSERT_EQ(chown(scratch.path("shared").c_str(), test::kOtherUser, test::kOtherUser), 0);
+  const test::OtherUser other([&] { swapNames(name, secret); });
+  for (int round = 0; round < 500 && !HasFailure(); ++round) {
+    saveWhatIsThere(name);
+    struct stat status {};
+    EXPECT_EQ(stat(secret.c_str(), &status), 0);
+    EXPECT_TRUE(status.st_uid == 0 && (status.st_mode & 07777) == 0600)
+        << "round " << round << ": " << status.st_uid << ' ' << std::oct << status.st_mode;
+    EXPECT_EQ(readFile(secret), "hidden") << round;
+    const int file = open(name.c_str(), O_RDONLY | O_NOFOLLOW);
+    char byte = 0;
+    EXPECT_TRUE(file < 0 || read(file, &byte, 1) != 1 || byte == 'm') << round;
+    closeDescriptor(file);
+  }
 }
 
 }  // namespace

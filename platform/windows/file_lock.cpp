@@ -29,12 +29,12 @@ std::uint64_t joined(DWORD high, DWORD low) noexcept {
   return (static_cast<std::uint64_t>(high) << 32) | low;
 }
 
-bool identityIn(HANDLE file, FileIdentity& identity) noexcept {
+bool stateIn(HANDLE file, FileState& state) noexcept {
   BY_HANDLE_FILE_INFORMATION found;
   if (GetFileInformationByHandle(file, &found) == FALSE) return false;
-  identity = {found.dwVolumeSerialNumber, joined(found.nFileIndexHigh, found.nFileIndexLow),
-              joined(found.nFileSizeHigh, found.nFileSizeLow),
-              joined(found.ftLastWriteTime.dwHighDateTime, found.ftLastWriteTime.dwLowDateTime)};
+  state = {{found.dwVolumeSerialNumber, joined(found.nFileIndexHigh, found.nFileIndexLow)},
+           joined(found.nFileSizeHigh, found.nFileSizeLow),
+           joined(found.ftLastWriteTime.dwHighDateTime, found.ftLastWriteTime.dwLowDateTime)};
   return true;
 }
 
@@ -111,20 +111,20 @@ bool isDirectory(const char* name) noexcept {
 
 }  // namespace
 
-bool identityOf(int descriptor, FileIdentity& identity) noexcept {
+bool stateOf(int descriptor, FileState& state) noexcept {
   const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
   // Devices and pipes have no numbers; they cannot be replaced, either.
-  if (GetFileType(file) == FILE_TYPE_DISK) return identityIn(file, identity);
-  identity = {};
+  if (GetFileType(file) == FILE_TYPE_DISK) return stateIn(file, state);
+  state = {};
   return true;
 }
 
-bool identityAt(const char* name, FileIdentity& identity) noexcept {
-  identity = {};
+bool stateAt(const char* name, FileState& state) noexcept {
+  state = {};
   if (isDevice(name)) return true;
   const HANDLE file = openAttributes(name);
   if (file == nullptr) return isMissing(GetLastError());
-  const bool isTold = identityIn(file, identity);
+  const bool isTold = stateIn(file, state);
   CloseHandle(file);
   return isTold;
 }
@@ -137,7 +137,7 @@ LockResult tryLockFile(const char* name, FileLock& lock) noexcept {
   bool isBusy = false;
   lock.system = makeObject(commonName, isBusy);
   if (lock.system == nullptr) return isBusy ? LockResult::Busy : LockResult::Failed;
-  if (identityAt(name, lock.file)) return LockResult::Locked;
+  if (stateAt(name, lock.file)) return LockResult::Locked;
   unlockFile(lock);
   return LockResult::Failed;
 }

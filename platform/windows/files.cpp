@@ -1,4 +1,4 @@
-// Files and attributes.
+// Files and attributes. Copying is file_copy.cpp's work.
 #include <direct.h>
 #include <fcntl.h>
 #include <io.h>
@@ -61,13 +61,6 @@ bool statusOf(const char* name, EntryStatus& out) noexcept {
   out.accessed = secondsOr(data.ftLastAccessTime, data.ftLastWriteTime);
   out.modified = secondsSince1970(data.ftLastWriteTime);
   return true;
-}
-
-SystemError copyFile(const char* from, const char* to) noexcept {
-  // Windows refuses a read-only target by itself, but Wine lets the superuser write to it.
-  const std::uint32_t attributes = attributesOf(to);
-  if (attributes != kAttributesUnreadable && (attributes & kAttributeReadOnly) != 0) return EACCES;
-  return CopyFileA(from, to, FALSE) != FALSE ? 0 : errnoOf(GetLastError());
 }
 
 SystemError setReadOnly(const char* name, bool readOnly) noexcept {

@@ -1,16 +1,13 @@
-// Replacing a file by another one written beside it.
+// Replacing a file by another one written beside it. Until that is complete it is marked for deletion, so
+// that the system removes it whatever ends the program.
 #include <fcntl.h>
 #include <io.h>
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
-
-#include "platform/platform.h"
+#include "platform/windows/beside.h"
 #include "platform/windows/system_errors.h"
 
 namespace vel::platform {
@@ -19,35 +16,47 @@ namespace {
 
 constexpr int kMostNames = 100;
 
-/// A name of no more than 20 characters in the target's directory.
-bool drawName(Replacement& replacement, int attempt) noexcept {
-  const char* const separator = std::strrchr(replacement.target, '\\');
-  const int directory = separator != nullptr ? static_cast<int>(separator - replacement.target) + 1 : 0;
-  const int length =
-      std::snprintf(replacement.temporary, sizeof replacement.temporary, "%.*s~%08lx%02x.tmp", directory,
-                    replacement.target, GetCurrentProcessId(), static_cast<unsigned int>(attempt));
-  return length > 0 && static_cast<std::size_t>(length) < sizeof replacement.temporary;
+HANDLE handleOf(const Replacement& replacement) noexcept {
+  return reinterpret_cast<HANDLE>(_get_osfhandle(replacement.descriptor));
+}
+
+bool markForDeletion(HANDLE file, bool isMarked) noexcept {
+  FILE_DISPOSITION_INFO disposition;
+  disposition.DeleteFile = isMarked ? TRUE : FALSE;
+  return SetFileInformationByHandle(file, FileDispositionInfo, &disposition, sizeof disposition) != FALSE;
+}
+
+/// The file is open for nobody else.
+HANDLE createFile(const char* name) noexcept {
+  return CreateFileA(name, GENERIC_WRITE | DELETE | WRITE_DAC, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL,
+                     nullptr);
 }
 
 SystemError openBeside(Replacement& replacement) noexcept {
+  replacement.isBeside = true;
   for (int attempt = 0; attempt < kMostNames; ++attempt) {
-    if (!drawName(replacement, attempt)) return ENAMETOOLONG;
+    if (const SystemError error = drawName(replacement); error != 0) return error;
+    FileHandle file(createFile(replacement.temporary));
+    if (!file.isOpen() && GetLastError() == ERROR_FILE_EXISTS) continue;
+    if (!file.isOpen()) return errnoOf(GetLastError());
+    markForDeletion(file.get(), true);
     replacement.descriptor =
-        _open(replacement.temporary, _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT,
-              _S_IREAD | _S_IWRITE);
-    if (replacement.descriptor >= 0) return 0;
-    if (errno != EEXIST) return errno;
+        _open_osfhandle(reinterpret_cast<intptr_t>(file.get()), _O_WRONLY | _O_BINARY | _O_NOINHERIT);
+    if (replacement.descriptor < 0) return errno;
+    file.release();
+    return 0;
   }
   return EEXIST;
 }
 
-/// The old file's access rights, before anything is in the new one.
-void takeOverRights(const Replacement& replacement) noexcept {
-  constexpr DWORD kRights = DACL_SECURITY_INFORMATION;
-  alignas(void*) unsigned char rights[4096];
-  DWORD size = 0;
-  if (GetFileSecurityA(replacement.target, kRights, rights, sizeof rights, &size) != FALSE)
-    SetFileSecurityA(replacement.temporary, kRights, rights);
+/// Those of the old file, if that is what the name still leads to.
+SystemError keepRights(Replacement& replacement) noexcept {
+  if (replacement.old == FileIdentity{}) return 0;
+  const FileHandle old(openForAsking(replacement.target, READ_CONTROL));
+  if (!old.isOpen()) return errnoOf(GetLastError());
+  if (identityOf(old.get()) != replacement.old) return ECANCELED;
+  replacement.keepsRights = takeOverRights(old.get(), handleOf(replacement));
+  return 0;
 }
 
 /// Last, because writing changes them.
@@ -60,19 +69,16 @@ void takeOverAttributes(const Replacement& replacement) noexcept {
 /// file.
 SystemError moveIntoPlace(const Replacement& replacement) noexcept {
   takeOverAttributes(replacement);
-  constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-  return MoveFileExA(replacement.temporary, replacement.target, kFlags) != FALSE ? 0
-                                                                                 : errnoOf(GetLastError());
+  const bool isNew = replacement.old == FileIdentity{};
+  const DWORD flags = MOVEFILE_WRITE_THROUGH | (isNew ? DWORD{0} : DWORD{MOVEFILE_REPLACE_EXISTING});
+  return MoveFileExA(replacement.temporary, replacement.target, flags) != FALSE ? 0 : errnoOf(GetLastError());
 }
 
 /// The full name of the file that this name leads to; false when the system cannot tell.
 bool findLinked(const char* name, char (&linked)[sizeof Replacement::target]) noexcept {
-  constexpr DWORD kEveryone = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  const HANDLE file = CreateFileA(name, FILE_READ_ATTRIBUTES, kEveryone, nullptr, OPEN_EXISTING,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return false;
-  const DWORD length = GetFinalPathNameByHandleA(file, linked, sizeof linked, FILE_NAME_NORMALIZED);
-  CloseHandle(file);
+  const FileHandle file(openForAsking(name, 0));
+  if (!file.isOpen()) return false;
+  const DWORD length = GetFinalPathNameByHandleA(file.get(), linked, sizeof linked, FILE_NAME_NORMALIZED);
   // Characters that the code page lacks name no file or another one.
   return length > 0 && length < sizeof linked && GetFileAttributesA(linked) != INVALID_FILE_ATTRIBUTES;
 }
@@ -87,13 +93,7 @@ SystemError followLink(Replacement& replacement, DWORD attributes) noexcept {
   return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 ? ENOENT : 0;
 }
 
-/// "nul", "con" and their like, as full names. They cannot be replaced.
-bool isDevice(const char* name) noexcept {
-  return std::strncmp(name, "\\\\.\\", 4) == 0;
-}
-
 SystemError openItself(Replacement& replacement) noexcept {
-  replacement.temporary[0] = '\0';
   replacement.descriptor = _open(replacement.target, _O_WRONLY | _O_BINARY | _O_NOINHERIT);
   return replacement.descriptor >= 0 ? 0 : errno;
 }
@@ -104,15 +104,33 @@ SystemError startBesideExisting(Replacement& replacement, DWORD attributes) noex
   if (const SystemError error = followLink(replacement, attributes); error != 0) return error;
   // A link has attributes of its own.
   if ((GetFileAttributesA(replacement.target) & kUnwritable) != 0) return EACCES;
-  if (const SystemError error = openBeside(replacement); error != 0) return error;
-  takeOverRights(replacement);
-  return 0;
+  const FileHandle old(openForAsking(replacement.target, 0));
+  if (!old.isOpen()) return errnoOf(GetLastError());
+  replacement.old = identityOf(old.get());
+  return openBeside(replacement);
+}
+
+SystemError closeWritten(Replacement& replacement) noexcept {
+  return _close(std::exchange(replacement.descriptor, -1)) == 0 ? 0 : errno;
+}
+
+SystemError finishBeside(Replacement& replacement) noexcept {
+  SystemError error = keepRights(replacement);
+  if (error == 0 && _commit(replacement.descriptor) != 0) error = errno;
+  if (error == 0) markForDeletion(handleOf(replacement), false);
+  if (const SystemError failed = closeWritten(replacement); error == 0) error = failed;
+  if (error == 0) error = moveIntoPlace(replacement);
+  if (error != 0) DeleteFileA(replacement.temporary);
+  return error;
 }
 
 }  // namespace
 
 SystemError startReplacement(const char* name, Replacement& replacement) noexcept {
   replacement.descriptor = -1;
+  replacement.isBeside = false;
+  replacement.keepsRights = true;
+  replacement.old = {};
   const DWORD length = GetFullPathNameA(name, sizeof replacement.target, replacement.target, nullptr);
   if (length == 0) return errnoOf(GetLastError());
   if (length >= sizeof replacement.target) return ENAMETOOLONG;
@@ -123,20 +141,14 @@ SystemError startReplacement(const char* name, Replacement& replacement) noexcep
 }
 
 SystemError finishReplacement(Replacement& replacement) noexcept {
-  const bool isBeside = replacement.temporary[0] != '\0';
-  SystemError error = !isBeside || _commit(replacement.descriptor) == 0 ? 0 : errno;
-  if (_close(replacement.descriptor) != 0 && error == 0) error = errno;
-  replacement.descriptor = -1;
-  if (!isBeside) return error;
-  if (error == 0) error = moveIntoPlace(replacement);
-  if (error != 0) _unlink(replacement.temporary);
-  return error;
+  return replacement.isBeside ? finishBeside(replacement) : closeWritten(replacement);
 }
 
 void dropReplacement(Replacement& replacement) noexcept {
-  _close(replacement.descriptor);
-  replacement.descriptor = -1;
-  if (replacement.temporary[0] != '\0') _unlink(replacement.temporary);
+  static_cast<void>(closeWritten(replacement));
+  if (replacement.isBeside) DeleteFileA(replacement.temporary);
 }
+
+void removeUnfinishedOnSignals() noexcept {}
 
 }  // namespace vel::platform

@@ -1,0 +1,215 @@
+#include "platform/posix/beside.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <stdio.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <utility>
+
+#include "platform/posix/rename.h"
+#include "platform/posix/target.h"
+
+namespace vel::platform {
+
+namespace {
+
+constexpr mode_t kPermissionBits = 07777;
+constexpr int kMostNames = 100;
+
+/// For removeUnfinishedOnSignals.
+std::atomic<const Replacement*> unfinished{nullptr};
+
+/// No program is ended between two steps of the file system, or between one and its note.
+class EndingSignalsHeld {
+ public:
+  EndingSignalsHeld() noexcept : held_(holdEndingSignals()) {}
+  EndingSignalsHeld(const EndingSignalsHeld&) = delete;
+  EndingSignalsHeld& operator=(const EndingSignalsHeld&) = delete;
+  ~EndingSignalsHeld() {
+    const int error = errno;
+    releaseEndingSignals(held_);
+    errno = error;
+  }
+
+ private:
+  std::uint32_t held_;
+};
+
+/// A name of 20 characters that nobody can guess, and so nobody can take before.
+SystemError drawName(Replacement& replacement) noexcept {
+  std::uint64_t number = 0;
+  if (getentropy(&number, sizeof number) != 0) return errno;
+  snprintf(replacement.temporary, sizeof replacement.temporary, "~%015llx.tmp",
+           static_cast<unsigned long long>(number >> 4));
+  return 0;
+}
+
+/// Tries names until one is free.
+template <typename Make>
+SystemError makeUnderNewName(Replacement& replacement, Make make) noexcept {
+  SystemError error = EEXIST;
+  for (int attempt = 0; attempt < kMostNames && error == EEXIST; ++attempt) {
+    error = drawName(replacement);
+    if (error == 0 && !make()) error = errno;
+  }
+  if (error != 0) replacement.temporary[0] = '\0';
+  return error;
+}
+
+int createAt(const Replacement& replacement, const char* name, int flags, mode_t mode) noexcept {
+  int descriptor = -1;
+  do descriptor = openat(replacement.directory, name, O_WRONLY | O_CLOEXEC | flags, mode);
+  while (descriptor < 0 && errno == EINTR);
+  return descriptor;
+}
+
+/// The name under which a file without one can be linked.
+struct OwnName {
+  explicit OwnName(int descriptor) noexcept { snprintf(text, sizeof text, "/proc/self/fd/%d", descriptor); }
+  char text[32];
+};
+
+bool createUnnamed(mode_t mode, Replacement& replacement) noexcept {
+  replacement.descriptor = createAt(replacement, ".", O_TMPFILE, mode);
+  if (replacement.descriptor < 0) return false;
+  if (access(OwnName(replacement.descriptor).text, F_OK) == 0) return true;
+  close(std::exchange(replacement.descriptor, -1));
+  return false;
+}
+
+SystemError createNamed(mode_t mode, Replacement& replacement) noexcept {
+  const EndingSignalsHeld held;
+  const SystemError error = makeUnderNewName(replacement, [&] {
+    replacement.descriptor = createAt(replacement, replacement.temporary, O_CREAT | O_EXCL, mode);
+    return replacement.descriptor >= 0;
+  });
+  if (error == 0) unfinished = &replacement;
+  return error;
+}
+
+SystemError nameUnnamed(Replacement& replacement, const char* name) noexcept {
+  const OwnName own(replacement.descriptor);
+  return linkat(AT_FDCWD, own.text, replacement.directory, name, AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;
+}
+
+/// Copies the access control list. Without one the new file keeps none either, not even the one its directory
+/// gave it. False when that cannot be done.
+bool takeOverList(const Replacement& replacement) noexcept {
+  constexpr const char* kList = "system.posix_acl_access";
+  char list[4096];
+  const ssize_t size = fgetxattr(replacement.heldTarget, kList, list, sizeof list);
+  if (size < 0 && errno == ENODATA)
+    return fremovexattr(replacement.descriptor, kList) == 0 || errno == ENODATA;
+  if (size < 0) return errno == EOPNOTSUPP || errno == ENOSYS;
+  return fsetxattr(replacement.descriptor, kList, list, static_cast<std::size_t>(size), 0) == 0;
+}
+
+void removeTemporary(Replacement& replacement) noexcept {
+  if (replacement.temporary[0] == '\0') return;
+  unlinkat(replacement.directory, replacement.temporary, 0);
+  replacement.temporary[0] = '\0';
+}
+
+SystemError moveToNewName(Replacement& replacement) noexcept {
+  if (replacement.temporary[0] == '\0') return nameUnnamed(replacement, replacement.target);
+  return renameWithoutReplacing(replacement.directory, replacement.temporary, replacement.target);
+}
+
+SystemError moveOverTarget(Replacement& replacement) noexcept {
+  if (replacement.temporary[0] == '\0') {
+    const SystemError error =
+        makeUnderNewName(replacement, [&] { return nameUnnamed(replacement, replacement.temporary) == 0; });
+    if (error != 0) return error;
+  }
+  if (!isStillTarget(replacement)) return ECANCELED;
+  const int directory = replacement.directory;
+  return renameat(directory, replacement.temporary, directory, replacement.target) == 0 ? 0 : errno;
+}
+
+void removeAndEnd(int signal) {
+  const Replacement* const replacement = unfinished;
+  if (replacement != nullptr) unlinkat(replacement->directory, replacement->temporary, 0);
+  // Takes effect behind this handler, whose place the system's own action has taken.
+  raise(signal);
+}
+
+}  // namespace
+
+SystemError createBeside(mode_t mode, BesideName name, Replacement& replacement) noexcept {
+  replacement.isBeside = true;
+  replacement.temporary[0] = '\0';
+  if (name == BesideName::None && createUnnamed(mode, replacement)) return 0;
+  return createNamed(mode, replacement);
+}
+
+// Only the superuser can give files away; the group counts more than nothing. What belonged to an owner, a
+// group or a list that cannot be kept is no permission for another one. What counts is what is there in the
+// end: some file systems give a file the wanted owner by themselves.
+bool takeOverRights(const Replacement& replacement, mode_t mode) noexcept {
+  constexpr mode_t kGroupBits = S_IRWXG | S_ISGID;
+  struct stat old, now;
+  if (fstat(replacement.heldTarget, &old) != 0) return false;
+  const int descriptor = replacement.descriptor;
+  if (fchown(descriptor, old.st_uid, old.st_gid) != 0)
+    static_cast<void>(fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) == 0);
+  const bool keepsList = takeOverList(replacement);
+  if (fstat(descriptor, &now) != 0) return false;
+  mode_t kept = mode;
+  if (now.st_uid != old.st_uid) kept &= ~mode_t{S_ISUID};
+  if (now.st_gid != old.st_gid || !keepsList) kept &= ~kGroupBits;
+  static_cast<void>(fchmod(descriptor, kept));
+  return keepsList && now.st_uid == old.st_uid && now.st_gid == old.st_gid && fstat(descriptor, &now) == 0 &&
+         (now.st_mode & kPermissionBits) == mode;
+}
+
+SystemError moveIntoPlace(Replacement& replacement) noexcept {
+  const EndingSignalsHeld held;
+  const SystemError error =
+      replacement.heldTarget >= 0 ? moveOverTarget(replacement) : moveToNewName(replacement);
+  if (error != 0) removeTemporary(replacement);
+  replacement.temporary[0] = '\0';
+  return error;
+}
+
+SystemError flushWrites(int descriptor) noexcept {
+  const int second = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+  return second < 0 || close(second) == 0 || errno == EINTR ? 0 : errno;
+}
+
+SystemError store(int descriptor) noexcept {
+  return fsync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS ? 0 : errno;
+}
+
+SystemError storeDirectory(const Replacement& replacement) noexcept {
+  const int directory = openat(replacement.directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  // Names can be changed in directories that cannot be read.
+  if (directory < 0) return errno == EACCES ? 0 : errno;
+  const SystemError error = store(directory);
+  close(directory);
+  return error;
+}
+
+void closeReplacement(Replacement& replacement) noexcept {
+  removeTemporary(replacement);
+  const Replacement* mine = &replacement;
+  unfinished.compare_exchange_strong(mine, nullptr);
+  for (int* const descriptor : {&replacement.descriptor, &replacement.heldTarget, &replacement.directory})
+    if (*descriptor >= 0) close(std::exchange(*descriptor, -1));
+}
+
+void removeUnfinishedOnSignals() noexcept {
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+    struct sigaction action = {};
+    if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) continue;
+    action.sa_handler = removeAndEnd;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigaction(signal, &action, nullptr);
+  }
+}
+
+}  // namespace vel::platform

@@ -1,0 +1,104 @@
+#include "platform/posix/target.h"
+
+#include <fcntl.h>
+#include <limits.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace vel::platform {
+
+namespace {
+
+/// As many as the system itself follows.
+constexpr int kMostLinks = 40;
+/// A pipe without reader is a failure and nothing to wait for.
+constexpr int kForWriting = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+
+int openRetrying(const Replacement& replacement, int flags) noexcept {
+  int descriptor = -1;
+  do descriptor = openat(replacement.directory, replacement.target, flags);
+  while (descriptor < 0 && errno == EINTR);
+  return descriptor;
+}
+
+/// Moves on to the directory of a path, which may begin in the one that is held, and its last component.
+SystemError enter(const char* path, Replacement& replacement) noexcept {
+  const char* const separator = std::strrchr(path, '/');
+  const char* name = separator != nullptr ? separator + 1 : path;
+  const auto length = static_cast<std::size_t>(name - path);
+  // A path that ends in a separator names a directory.
+  if (separator != nullptr && *name == '\0') name = ".";
+  char directory[PATH_MAX] = ".";
+  if (length >= sizeof directory || std::strlen(name) >= sizeof replacement.target) return ENAMETOOLONG;
+  if (length > 0) {
+    std::memcpy(directory, path, length);
+    directory[length] = '\0';
+  }
+  const int start = replacement.directory >= 0 ? replacement.directory : AT_FDCWD;
+  const int next = openat(start, directory, O_PATH | O_DIRECTORY | O_CLOEXEC);
+  if (next < 0) return errno;
+  if (replacement.directory >= 0) close(replacement.directory);
+  replacement.directory = next;
+  std::memcpy(replacement.target, name, std::strlen(name) + 1);
+  return 0;
+}
+
+bool isStream(const struct stat& status) noexcept {
+  return !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
+}
+
+/// Devices and pipes may have no name of their own: "/dev/stdout" leads to some. So the system follows there,
+/// and what it opened counts.
+SystemError openStream(Replacement& replacement) noexcept {
+  struct stat status;
+  replacement.heldTarget = openRetrying(replacement, kForWriting);
+  if (replacement.heldTarget < 0 || fstat(replacement.heldTarget, &status) != 0) return errno;
+  return isStream(status) ? 0 : ECANCELED;
+}
+
+SystemError follow(Replacement& replacement) noexcept {
+  struct stat status;
+  if (fstatat(replacement.directory, replacement.target, &status, 0) == 0 && isStream(status))
+    return openStream(replacement);
+  char path[PATH_MAX];
+  const ssize_t length = readlinkat(replacement.directory, replacement.target, path, sizeof path);
+  if (length < 0) return errno == EINVAL ? ECANCELED : errno;
+  if (static_cast<std::size_t>(length) == sizeof path) return ENAMETOOLONG;
+  path[length] = '\0';
+  return enter(path, replacement);
+}
+
+SystemError holdLink(Replacement& replacement) noexcept {
+  replacement.heldTarget = openRetrying(replacement, O_PATH | O_NOFOLLOW | O_CLOEXEC);
+  return replacement.heldTarget >= 0 ? 0 : errno;
+}
+
+}  // namespace
+
+SystemError findTarget(const char* path, LastLink links, Replacement& replacement) noexcept {
+  SystemError error = enter(path, replacement);
+  for (int followed = 0; error == 0 && replacement.heldTarget < 0; ++followed) {
+    replacement.heldTarget = openRetrying(replacement, kForWriting | O_NOFOLLOW);
+    if (replacement.heldTarget >= 0) return 0;
+    // What a link that leads nowhere names is not made.
+    if (errno == ENOENT && followed == 0) return 0;
+    if (errno != ELOOP || followed == kMostLinks) return errno;
+    error = links == LastLink::Follow ? follow(replacement) : holdLink(replacement);
+  }
+  return error;
+}
+
+bool isStillTarget(const Replacement& replacement) noexcept {
+  struct stat held, now;
+  return fstat(replacement.heldTarget, &held) == 0 &&
+         fstatat(replacement.directory, replacement.target, &now, AT_SYMLINK_NOFOLLOW) == 0 &&
+         identityOf(held) == identityOf(now);
+}
+
+FileIdentity identityOf(const struct stat& status) noexcept {
+  return {status.st_dev, status.st_ino};
+}
+
+}  // namespace vel::platform

@@ -1,0 +1,47 @@
+// The runtime declares its random numbers, which are the system's, only then.
+#define _CRT_RAND_S
+
+#include "platform/windows/beside.h"
+
+#include <stdlib.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace vel::platform {
+
+bool isDevice(const char* fullName) noexcept {
+  return std::strncmp(fullName, "\\\\.\\", 4) == 0;
+}
+
+HANDLE openForAsking(const char* name, DWORD access) noexcept {
+  constexpr DWORD kEveryone = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  return CreateFileA(name, FILE_READ_ATTRIBUTES | access, kEveryone, nullptr, OPEN_EXISTING,
+                     FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+FileIdentity identityOf(HANDLE file) noexcept {
+  BY_HANDLE_FILE_INFORMATION status;
+  if (GetFileInformationByHandle(file, &status) == FALSE) return {};
+  return {status.dwVolumeSerialNumber, std::uint64_t{status.nFileIndexHigh} << 32 | status.nFileIndexLow};
+}
+
+SystemError drawName(Replacement& replacement) noexcept {
+  unsigned int high = 0, low = 0;
+  if (rand_s(&high) != 0 || rand_s(&low) != 0) return EIO;
+  const char* const separator = std::strrchr(replacement.target, '\\');
+  const int directory = separator != nullptr ? static_cast<int>(separator - replacement.target) + 1 : 0;
+  const int length = std::snprintf(replacement.temporary, sizeof replacement.temporary, "%.*s~%07x%08x.tmp",
+                                   directory, replacement.target, high >> 4, low);
+  return length > 0 && static_cast<std::size_t>(length) < sizeof replacement.temporary ? 0 : ENAMETOOLONG;
+}
+
+bool takeOverRights(HANDLE from, HANDLE to) noexcept {
+  alignas(void*) unsigned char rights[4096];
+  DWORD size = 0;
+  return GetKernelObjectSecurity(from, DACL_SECURITY_INFORMATION, rights, sizeof rights, &size) != FALSE &&
+         SetKernelObjectSecurity(to, DACL_SECURITY_INFORMATION, rights) != FALSE;
+}
+
+}  // namespace vel::platform
