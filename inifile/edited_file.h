@@ -9,6 +9,7 @@ namespace vel::inifile {
 struct EditedFile {
   EditedText text;
   HeldFile held;
+  bool hasKeptRights = true;  ///< see VelClIniFileEditor::hasKeptRights
 };
 
 }  // namespace vel::inifile

@@ -21,6 +21,8 @@ class ReplacementBuffer : public std::streambuf {
   bool isOpen() const { return replacement_.descriptor >= 0; }
   /// Puts the file into place if `isComplete`; the old one stays otherwise.
   bool close(bool isComplete);
+  /// Also after closing.
+  const platform::Replacement& replacement() const { return replacement_; }
 
  protected:
   int_type overflow(int_type c) override;
@@ -40,6 +42,10 @@ class FileOutput : public std::ostream {
   bool isOpen() const { return buffer_.isOpen(); }
   /// False, with the old file in place, when anything went wrong.
   bool close() { return buffer_.close(flush().good()); }
+  /// Whether the file has the owner and the permissions of the one that it replaced.
+  bool keepsRights() const { return buffer_.replacement().keepsRights; }
+  /// The file that is replaced; zeros for a new one.
+  const platform::FileIdentity& replaced() const { return buffer_.replacement().old; }
 
  private:
   ReplacementBuffer buffer_;

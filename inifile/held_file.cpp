@@ -50,10 +50,10 @@ std::optional<platform::FileState> HeldFile::stateOfRead(int descriptor) {
   return found;
 }
 
-bool HeldFile::mayReplace(const char* name) {
+bool HeldFile::mayReplace(const char* name, const platform::FileIdentity& replaced) {
   if (!isHeld_) return true;
   platform::FileState found;
-  return matches(platform::stateAt(name, found) && found == lock_.file &&
+  return matches(platform::stateAt(name, found) && found == lock_.file && replaced == found.identity &&
                  (!read_.has_value() || *read_ == lock_.file));
 }
 

@@ -24,9 +24,9 @@ class HeldFile {
   void noteRead(const platform::FileState& file) { read_ = file; }
   /// What is edited came from no file.
   void forgetRead() { read_.reset(); }
-  /// False when a file is held and the name leads to another one, or the one that was read is another one, or
-  /// one of them has changed.
-  bool mayReplace(const char* name);
+  /// False when a file is held, and the one that is to be replaced, the one that the name leads to or the one
+  /// that was read is another one or has changed.
+  bool mayReplace(const char* name, const platform::FileIdentity& replaced);
   bool isReplaced() const { return isReplaced_; }
 
  private:

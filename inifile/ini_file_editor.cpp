@@ -97,10 +97,15 @@ bool VelClIniFileEditor::save() {
   if (!output.open(getAsCString())) return false;
   output.write(getText(), static_cast<std::streamsize>(getLength()));
   // Where it is another file this one is dropped.
-  if (!file_->held.mayReplace(getAsCString()) || !output.close()) return false;
+  if (!file_->held.mayReplace(getAsCString(), output.replaced()) || !output.close()) return false;
+  file_->hasKeptRights = output.keepsRights();
   file_->held.release();
   file_->held.forgetRead();
   return true;
+}
+
+bool VelClIniFileEditor::hasKeptRights() const {
+  return file_->hasKeptRights;
 }
 
 VelEnIniFileLock VelClIniFileEditor::lock(unsigned int timeLimitMs) {

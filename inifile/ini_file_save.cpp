@@ -45,6 +45,10 @@ bool VelClIniFileSave::save() {
   return output_->close();
 }
 
+bool VelClIniFileSave::hasKeptRights() const {
+  return output_->keepsRights();
+}
+
 bool VelClIniFileSave::save(std::ostream& stream) {
   opened_ = true;
   for (const VelClIniFileSection* section = getFirstSection(); section != nullptr;

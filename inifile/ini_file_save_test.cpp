@@ -93,6 +93,25 @@ TEST(IniSave, ReplacesTheWholeFile) {
   EXPECT_FALSE(again.save(failed));
 }
 
+TEST(IniSave, SavesAgainAfterAFailure) {
+  const ScratchDirectory directory;
+  const std::string path = directory.path("a.ini"), file = directory.write("file", "old");
+  std::error_code hasNoLinks;
+  fs::create_symlink("/dev/full", path, hasNoLinks);
+  if (hasNoLinks || !fs::exists(path)) GTEST_SKIP() << "no device that is full";
+  VelClIniFileSave save(path.c_str());
+  VelClIniFileEditor editor(path.c_str());
+  editor.loadFromBuffer("[B]\n", 4, true);
+  EXPECT_TRUE(save.addSection("A"));
+  EXPECT_FALSE(save.save() || editor.save());
+  fs::remove(path);
+  fs::create_symlink("file", path);
+  EXPECT_TRUE(save.save() && save.hasKeptRights());
+  EXPECT_EQ(readFile(file), "\n[A]\n");
+  EXPECT_TRUE(editor.save() && editor.hasKeptRights());
+  EXPECT_EQ(readFile(file), "[B]\n");
+}
+
 TEST(IniEditing, FindsNullNamesNowhere) {
   VelClIniFile file("unused");
   EXPECT_TRUE(file.loadFromBuffer(nullptr, 1, '\n', true, true) && loadText(file, "[A]\nx=1\n"));

@@ -318,11 +318,16 @@ class VEL_API VelClIniFileSave : public VelClIniFile {
   ~VelClIniFileSave() override;
 
   /// Writes the file. False when it cannot be written; nothing throws for that. A new file is written beside
-  /// the old one, "~" and hexadecimal digits ".tmp", and takes its place, with its permissions, when all of
-  /// it is safely stored: whatever happens meanwhile, there is the old file or the new one. A read-only file,
-  /// and one in a directory that takes no new files, cannot be written. May be called again. After
-  /// save(stream) it returns false.
+  /// the old one, where the file system allows it without a name, otherwise as "~" and random hexadecimal
+  /// digits ".tmp", and takes its place, with its permissions, when all of it is safely stored: whatever
+  /// happens meanwhile, there is the old file or the new one. A read-only file, and one in a directory that
+  /// takes no new files, cannot be written, nor one whose name leads to another file before all is written.
+  /// May be called again, also after a failure. After save(stream) it returns false.
   bool save();
+  /// Whether the file has the owner, the group and the permissions of the one that the last save() replaced.
+  /// What belonged to an owner or group that this program cannot give the file is no permission for another
+  /// one, so it may have less. True when nothing was replaced.
+  bool hasKeptRights() const;
   /// Writes the model to a stream and flushes it; true when that reports no error. Afterwards this object
   /// counts as opened, so that it does not open its own file: save() fails from then on.
   bool save(std::ostream& stream);
@@ -408,6 +413,8 @@ class VEL_API VelClIniFileEditor : public VelClFile {
   /// On Windows a file that another program has open cannot be replaced. A link that leads nowhere is
   /// refused. Ends the lock, if there is one and the file is saved.
   bool save();
+  /// As VelClIniFileSave::hasKeptRights.
+  bool hasKeptRights() const;
 
   /// Locks the file against every other editor that locks it, also of this process, so that changes of
   /// several programs follow each other: lock, load, change, save. A file that does not exist yet is locked,

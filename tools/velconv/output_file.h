@@ -18,6 +18,8 @@ class OutputFile : public VelClConversionSink {
 
   void write(const char* bytes, std::size_t size) override;
   void finish();
+  /// Afterwards: whether owner and permissions are those of the file that was replaced.
+  bool keepsRights() const { return replacement_.keepsRights; }
 
  private:
   platform::Replacement replacement_;

@@ -18,6 +18,7 @@ enum TextId : unsigned long {
   kNotOpened,
   kNotRead,
   kNotWritten,
+  kRightsChanged,
   kFirstFault,
   kInvalid,
   kIncomplete,
@@ -32,7 +33,7 @@ inline constexpr const char* kUsageText =
     "[-count] [-foldnel] [-list] [<file> ...]";
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 19",
+    "[VEL_MSGTAB_SIGNATURE] 20",
     "[VELCONV]",
     "Code page conversion",
     "converts text between code pages and loses nothing silently",
@@ -57,6 +58,8 @@ inline constexpr const char* kTexts[] = {
     "The first fault of each file is shown as offset, line and column. Offsets are bytes from\n"
     "0, lines and columns count from 1, columns in characters. 1250 and 1252 are without the\n"
     "euro sign, which 5346 and 5348 have. Byte order marks count as characters.\n"
+    "When the file's owner or permissions cannot be kept, a message says so and the exit code\n"
+    "stays.\n"
     "Exit codes: 0 success, 1 something was replaced, skipped or escaped, 2 a file could not\n"
     "be read or written, a fault ended the conversion, or there is no way between the code\n"
     "pages, 200 out of memory, 201 to 204 faults of the command line.",
@@ -68,6 +71,7 @@ inline constexpr const char* kTexts[] = {
     "The file could not be opened",
     "The file could not be read to its end",
     "The output could not be written",
+    "The file is written, but owner or permissions could not be kept",
     "offset %1, line %2, column %3",
     "Invalid bytes",
     "Incomplete at the end",

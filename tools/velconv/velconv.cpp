@@ -110,6 +110,7 @@ int Tool::convertAll() {
     isClean = isClean && conversion_->getFaultCount() == 0;
   }
   output.finish();
+  if (!output.keepsRights()) report(kRightsChanged, output_);
   return isClean ? 0 : kExitChanged;
 }
 
@@ -172,6 +173,7 @@ void Tool::tellCounts(const char* file) const {
 }
 
 int run(int argc, char** argv) {
+  vel::platform::removeUnfinishedOnSignals();
   velFileSetBinaryMode(vel::platform::kStandardInput, true);
   velFileSetBinaryMode(vel::platform::kStandardOutput, true);
   if (vel::tools::answerStandardSwitches(argc, argv,

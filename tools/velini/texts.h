@@ -20,6 +20,7 @@ enum TextId : unsigned long {
   kNotWritten,
   kLocked,
   kReplaced,
+  kRightsChanged,
   kNotFound,
   kRefused,
   kUnsafeName,
@@ -31,7 +32,7 @@ enum TextId : unsigned long {
 };
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 23",
+    "[VEL_MSGTAB_SIGNATURE] 24",
     "[VELINI]",
     "INI file tool",
     "reads, edits and checks INI files",
@@ -78,6 +79,9 @@ inline constexpr const char* kTexts[] = {
     "several velini lose nothing; other programs are not kept away, but a file that one of\n"
     "them changes meanwhile is left alone, with exit code 3.\n"
     "@\n"
+    "When the file's owner or permissions cannot be kept, a message says so and the exit\n"
+    "code stays 0.\n"
+    "@\n"
     "--help and --version are answered before anything else.\n"
     "Exit codes: 0 success, 1 not found or syntax errors, 2 file not read, 3 output not\n"
     "written, 4 change refused, 5 file locked, 6 name of a shell variable refused, 200\n"
@@ -92,6 +96,7 @@ inline constexpr const char* kTexts[] = {
     "The output could not be written",
     "The file is locked by another program, and the time to wait is over",
     "Another program has changed the file meanwhile, and this change was not made",
+    "The file is written, but owner or permissions could not be kept",
     "Not found",
     "The change would not be read back",
     "The shell or the system may use a variable of this name; -prefix gives names of one's own",

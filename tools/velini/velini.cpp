@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/platform.h"
 #include "tools/catalog_tool.h"
 #include "tools/run_tool.h"
 #include "tools/standard_switches.h"
@@ -245,11 +246,21 @@ int Tool::check(const VelClIniFileEditor& editor) const {
   return errors.empty() && !isCut ? 0 : kExitNotFound;
 }
 
+/// Whoever ends the program in between leaves no unfinished file.
+bool saveUninterrupted(VelClIniFileEditor& editor) {
+  const std::uint32_t held = vel::platform::holdEndingSignals();
+  const bool isSaved = editor.save();
+  vel::platform::releaseEndingSignals(held);
+  return isSaved;
+}
+
 int Tool::write(VelClIniFileEditor& editor) const {
   if (file_ == kStandardStream)
     std::cout.write(editor.getText(), static_cast<std::streamsize>(editor.getLength()));
-  else if (!editor.save())
+  else if (!saveUninterrupted(editor))
     return fail(kExitNotWritten, editor.isReplaced() ? kReplaced : kNotWritten, file_);
+  else if (!editor.hasKeptRights())
+    report(kRightsChanged, file_);
   return 0;
 }
 
