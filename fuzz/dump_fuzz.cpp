@@ -17,7 +17,7 @@ using vel::veldump::DumpParser;
 using vel::veldump::OutputBuffer;
 
 constexpr std::uint64_t kMostRepeated = 100'000;
-constexpr std::size_t kManyBytes = 60'000;
+constexpr std::size_t kManyBytes = 24'000;
 
 /// What the buffer wrote, in place of standard output.
 std::string written;
@@ -78,6 +78,13 @@ void requireRoundTrip(const std::vector<std::uint8_t>& bytes, std::uint64_t offs
   require(stream.str() == dumped<Form>(bytes, 0, false));
 }
 
+/// More bytes than the buffer can hold as a dump.
+std::vector<std::uint8_t> repeated(const std::vector<std::uint8_t>& bytes) {
+  std::vector<std::uint8_t> many;
+  while (!bytes.empty() && many.size() < kManyBytes) many.insert(many.end(), bytes.begin(), bytes.end());
+  return many;
+}
+
 }  // namespace
 
 namespace vel::platform {
@@ -97,8 +104,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   parse(text, Output::cleared(), kMostRepeated);
   // Some become more than the buffer holds.
   if (option == 0x5A)
-    while (!bytes.empty() && bytes.size() < kManyBytes) bytes.insert(bytes.end(), bytes.begin(), bytes.end());
-  requireRoundTrip<vel::util::HexForm>(bytes, option << (option % 8 * 7), velDumpHex);
+    bytes = repeated(bytes);
+  else
+    requireRoundTrip<vel::util::HexForm>(bytes, option << (option % 8 * 7), velDumpHex);
   requireRoundTrip<vel::util::BinaryForm>(bytes, option << (option % 8 * 7), velDumpBin);
   return 0;
 }
