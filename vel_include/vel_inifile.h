@@ -26,7 +26,7 @@ class VelClIniFile;
 
 namespace vel::inifile {
 class CursorPlace;
-class EditedFile;
+struct EditedFile;
 class FileOutput;
 class LineSource;
 class Model;
