@@ -8,6 +8,7 @@
 #include "codepage/test/loop_run.h"
 #include "codepage/test/reference_mixed.h"
 #include "codepage/test/reference_utf8.h"
+#include "platform/test/guarded_memory.h"
 
 namespace {
 
@@ -161,6 +162,117 @@ TEST(Kernels, DecodeBlocksThatEndAnywhere) {
         for (const std::string& piece : broken)
           check(kernels->decodeUtf8, &referenceUtf8ToUcs2, text + piece + std::string(100, 'y'), 1000);
       }
+}
+
+// ---- Between inaccessible pages --------------------------------------------------------------
+
+constexpr std::size_t kMostGuarded = 300;
+
+/// Bytes of several kinds: one to four bytes a character in UTF-8, of those with ill-formed ones between,
+/// pairs with lead bytes or shifts, and noise.
+std::vector<std::string> guardedTexts() {
+  std::mt19937 random(23);
+  std::vector<std::string> texts;
+  for (const char* const character :
+       {"a", "\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "a\xE2\x82\xAC\xFF"}) {
+    std::string text;
+    while (text.size() < kMostGuarded) text += character;
+    texts.push_back(text);
+  }
+  for (const bool isEbcdic : {false, true}) texts.push_back(mixedText(isEbcdic, 0, random));
+  std::string noise(kMostGuarded, ' ');
+  for (char& byte : noise) byte = static_cast<char>(random());
+  texts.push_back(noise);
+  return texts;
+}
+
+/// Runs a conversion of `size` bytes into `room` bytes, both ends of both at inaccessible pages in turn, and
+/// compares what it writes with what it writes elsewhere.
+class Guarded {
+ public:
+  explicit Guarded(const std::vector<std::string>& texts) : texts_(texts) {}
+
+  /// `convert(source, size, target, room)` returns the bytes written; `roomOf(size)` is the largest room.
+  template <typename Convert, typename RoomOf>
+  void run(const char* what, Convert convert, RoomOf roomOf,
+           std::initializer_list<std::size_t> lessRoom = {0}) {
+    for (const std::string& text : texts_)
+      for (std::size_t size = 0; size <= kMostGuarded; ++size)
+        for (const std::size_t less : lessRoom) {
+          const std::size_t most = roomOf(size), room = most - std::min(most, less);
+          std::string expected(room + 64, 'Z');
+          expected.resize(convert(text.data(), size, expected.data(), room));
+          for (const bool sourceAtEnd : {false, true})
+            for (const bool targetAtEnd : {false, true}) {
+              char* const source = source_.place(size, sourceAtEnd);
+              char* const target = target_.place(room, targetAtEnd);
+              text.copy(source, size);
+              const std::size_t written = convert(source, size, target, room);
+              ASSERT_EQ(std::string(target, written), expected) << what << " of " << size << " to " << room;
+            }
+        }
+  }
+
+ private:
+  const std::vector<std::string>& texts_;
+  vel::test::GuardedMemory source_{kMostGuarded};
+  vel::test::GuardedMemory target_{4 * kMostGuarded};
+};
+
+template <typename Loop>
+auto asConversion(Loop loop) {
+  return [loop](const char* source, std::size_t size, char* target, std::size_t room) {
+    Progress progress{source, source + size, target, target + room};
+    loop(progress);
+    EXPECT_LE(progress.source, source + size);
+    EXPECT_LE(progress.target, target + room);
+    return static_cast<std::size_t>(progress.target - target);
+  };
+}
+
+TEST(Kernels, StayWithinTheirTexts) {
+  const vel::test::GuardedMemory guard(1);
+  EXPECT_DEATH(guard.place(1, true)[1] = 'x', "");
+  EXPECT_DEATH(guard.place(1, false)[-1] = 'x', "");
+  const std::vector<std::string> texts = guardedTexts();
+  Guarded guarded(texts);
+  bool isEbcdic = false;
+  const auto mixed = [&](unsigned int number) -> auto& {
+    return *velGetDBCStoUCS2Table(number, isEbcdic);
+  };
+  const VelStDoubleByteTable &leads = mixed(948), &shifts = mixed(930);
+  const auto twice = [](std::size_t size) { return 2 * size; };
+  // Whole blocks more, exactly enough, one byte less, and much less.
+  const std::initializer_list<std::size_t> kLessRoom = {0, 1, 2, 63, 64, 65, 150};
+  for (const Kernels* const kernels : kernelTables()) {
+    const auto fixed = [&](auto move, std::size_t sourceUnit, std::size_t targetUnit) {
+      return [=](const char* source, std::size_t size, char* target, std::size_t) {
+        move(target, source, size / sourceUnit);
+        return size / sourceUnit * targetUnit;
+      };
+    };
+    guarded.run("widen", fixed(kernels->widen, 1, 2), twice);
+    guarded.run("narrow", fixed(kernels->narrow, 2, 1), [](std::size_t size) { return size / 2; });
+    guarded.run("swap", fixed(kernels->swap, 2, 2), [](std::size_t size) { return size / 2 * 2; });
+    const auto lookUp = [&](char* target, const char* source, std::size_t size) {
+      kernels->lookUpBytes(target, source, size, velGetSBCStoUCS2Table(37));
+    };
+    guarded.run("lookUpBytes", fixed(lookUp, 1, 2), twice);
+    guarded.run("decodeUtf8", asConversion(kernels->decodeUtf8), twice, kLessRoom);
+    // It gets whole units only.
+    const auto encode = [&](const char* source, std::size_t size, char* target, std::size_t room) {
+      return asConversion(kernels->encodeUtf8)(source, size / 2 * 2, target, room);
+    };
+    guarded.run("encodeUtf8", encode, twice, kLessRoom);
+    guarded.run("decodeMixed", asConversion([&](Progress& it) { kernels->decodeMixed(it, leads); }), twice,
+                kLessRoom);
+    for (bool isDouble : {false, true})
+      guarded.run("decodeShifted", asConversion([&, isDouble](Progress& it) {
+                    bool mode = isDouble;
+                    kernels->decodeShifted(it, shifts, mode);
+                  }),
+                  twice, kLessRoom);
+  }
 }
 
 }  // namespace
