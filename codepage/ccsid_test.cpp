@@ -1,7 +1,10 @@
-// CCSIDs from numbers and names, against the table's source file.
+// CCSIDs from numbers and names. The table's own source file proves that they are looked up right; that the
+// families are right, the contents of the pages show, which come from elsewhere.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -28,6 +31,34 @@ TEST(Ccsid, EveryNumberHasItsProperties) {
     EXPECT_EQ(ccsid.getName(), row[1]) << number;
     EXPECT_EQ(flagsOf(ccsid), std::stoul(row[2], nullptr, 16)) << number;
   }
+}
+
+// Pages in which the capital A is where EBCDIC has it, or where ASCII has it. Some are of neither family by
+// their properties, or count as ASCII.
+TEST(Ccsid, FamiliesAreThoseOfTheContents) {
+  std::set<int> others;
+  int agreeing = 0;
+  for (int number = 1; number <= 0xFFFF; ++number) {
+    const VelClCCSID ccsid(number);
+    if (!ccsid.isValid() || ccsid.isUCS2()) continue;
+    const VelClCodePage2UnicodeConverter converter(ccsid);
+    if (!converter.isSupported()) continue;
+    const auto isLetterA = [&converter](char byte) {
+      char unit[8] = "";
+      return converter.convertBytes(unit, sizeof unit, &byte, 1) == 2 && unit[0] == 'A' && unit[1] == 0;
+    };
+    const bool looksAscii = isLetterA('\x41'), looksEbcdic = isLetterA('\xC1');
+    if (!looksAscii && !looksEbcdic) continue;
+    if (looksAscii == ccsid.isASCII() && looksEbcdic == ccsid.isEBCDIC())
+      ++agreeing;
+    else
+      others.insert(number);
+  }
+  EXPECT_GE(agreeing, 58);
+  // Those with tables are known everywhere, the rest where there is ICU.
+  const std::set<int> known = {813, 838, 1137, 1140, 1141, 1143, 1144, 1146, 1147, 1148, 1149, 1390, 1399};
+  EXPECT_TRUE(std::ranges::includes(known, others)) << testing::PrintToString(others);
+  EXPECT_TRUE(others.contains(838));
 }
 
 void expectCcsid(const VelClCCSID& ccsid, const std::vector<std::string>& row) {

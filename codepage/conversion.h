@@ -61,4 +61,15 @@ std::size_t requiredTargetSize(VelClConverterABase::VelConversionFunction functi
 std::size_t sizeOfMixedAscii(const Call& call) noexcept;
 std::size_t sizeOfMixedEbcdic(const Call& call) noexcept;
 
+/// The target bytes that are enough for any source of that size, whatever it has.
+std::size_t sufficientTargetSize(VelClConverterABase::VelConversionFunction function,
+                                 const Call& call) noexcept;
+/// The same for ICU's conversion from UCS-2.
+std::size_t sufficientSizeFromIcu(const Call& call) noexcept;
+
+/// As large as it can be, where the product is larger still.
+constexpr std::size_t productOf(std::size_t a, std::size_t b) noexcept {
+  return b != 0 && a > static_cast<std::size_t>(-1) / b ? static_cast<std::size_t>(-1) : a * b;
+}
+
 }  // namespace vel::codepage

@@ -16,6 +16,21 @@ std::size_t requiredTargetSize(VelClConverterABase::VelConversionFunction functi
   return isMixedAscii ? sizeOfMixedAscii(call) : sizeOfMixedEbcdic(call);
 }
 
+std::size_t sufficientTargetSize(VelClConverterABase::VelConversionFunction function,
+                                 const Call& call) noexcept {
+  /// Of the system's code pages, which all have at most four bytes for a character.
+  constexpr std::size_t kLongestOfSystem = 4;
+  constexpr std::size_t kLongestUtf8Unit = 3;
+  const std::size_t size = call.sourceSize;
+  const std::size_t units = size / kUnitSize;
+  if (function == &velConvertByCopying || function == &velConvertByEndianSwap) return size;
+  if (function == &velConvertByTablesUCS2toSBCS || function == &velConvertByAlgorithmUCS2to819) return units;
+  if (function == &velConvertByAlgorithmUCS2toUTF8) return productOf(units, kLongestUtf8Unit);
+  if (function == &velConvertByAlgorithmIcuFromUnicode) return sufficientSizeFromIcu(call);
+  if (function == &velConvertByWindowsCallUCS2ToWinCP) return productOf(units, kLongestOfSystem);
+  return productOf(size, kUnitSize);
+}
+
 }  // namespace vel::codepage
 
 VelClConverterABase::VelClConverterABase(const VelClCCSID& source, const VelClCCSID& target)
@@ -51,6 +66,16 @@ VelClConverterABase::VelEnRoute VelClConverterABase::getRoute() const {
   if (function_ == &velConvertByWindowsCallUCS2ToWinCP) return VelEnRoute::SYSTEM;
   // Only tables and ICU's converters are data.
   return conversionData_ != nullptr ? VelEnRoute::TABLE : VelEnRoute::ALGORITHM;
+}
+
+size_t VelClConverterABase::getSufficientSizeForSize(size_t size) const {
+  const auto* const stages = dynamic_cast<const VelClCodePage2CodePageConverter*>(this);
+  return stages != nullptr ? stages->sufficientSize(size) : sufficientSizeOfStage(size);
+}
+
+size_t VelClConverterABase::sufficientSizeOfStage(size_t size) const {
+  const char* source = nullptr;
+  return vel::codepage::sufficientTargetSize(function_, {*this, nullptr, 0, &source, size});
 }
 
 size_t VelClConverterABase::convertBytes(char* target, size_t targetSize, const char** source,

@@ -61,7 +61,10 @@ size_t VelClUnicode2CodePageConverter::getMaximumSizeForSize(size_t size) const 
 
 VelClCodePage2CodePageConverter::VelClCodePage2CodePageConverter(const VelClCCSID& source,
                                                                  const VelClCCSID& target)
-    : VelClCodePage2UnicodeConverter(source), secondStage_(target), buffer_(nullptr), bufferSize_(0) {}
+    : VelClCodePage2UnicodeConverter(source), secondStage_(target), buffer_(nullptr), bufferSize_(0) {
+  const _VelStError& second = secondStage_.getLastError();
+  if (second.errorClass == VelEnErrorClass::OUT_OF_MEMORY) lastError_ = second;
+}
 
 VelClCodePage2CodePageConverter::~VelClCodePage2CodePageConverter() {
   VelClMemoryManager::free(buffer_);
@@ -94,6 +97,14 @@ size_t VelClCodePage2CodePageConverter::getMaximumSizeForSize(size_t size) const
   const std::size_t inTarget = secondStage_.getMaximumSizeForSize(inUcs2);
   if (getSourceCCSID().isUCS2()) return inTarget;
   return std::min(inTarget, secondStage_.getMaximumSizeForLength(size));
+}
+
+/// By the ways that convertBytes takes.
+size_t VelClCodePage2CodePageConverter::sufficientSize(size_t size) const {
+  if (getSourceCCSID() == getTargetCCSID()) return size;
+  if (getSourceCCSID().isUCS2HostEndian()) return secondStage_.getSufficientSizeForSize(size);
+  const std::size_t inUcs2 = sufficientSizeOfStage(size);
+  return getTargetCCSID().isUCS2HostEndian() ? inUcs2 : secondStage_.getSufficientSizeForSize(inUcs2);
 }
 
 size_t VelClCodePage2CodePageConverter::convertBytes(char* target, size_t targetSize, const char** source,

@@ -1,5 +1,7 @@
 #include "codepage/icu_calls.h"
 
+#include "codepage/conversion.h"
+
 namespace vel::codepage {
 
 namespace {
@@ -106,6 +108,13 @@ std::size_t convertFromUnicode(const IcuFunctions& icu, const IcuConverter* conv
     status = nothing.status;
   });
   return written;
+}
+
+std::size_t sufficientSizeFromUnicode(const IcuFunctions& icu, const IcuConverter* converter,
+                                      std::size_t units) noexcept {
+  // What shifts and escapes at both ends of a text take, as ICU counts it.
+  constexpr std::size_t kForBothEnds = 10;
+  return productOf(units + kForBothEnds, static_cast<std::size_t>(icu.getMaxCharSize(converter)));
 }
 
 }  // namespace vel::codepage

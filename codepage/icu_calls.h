@@ -22,6 +22,9 @@ struct IcuText {
 /// The ICU of this process; null when there is none. It is looked for once.
 const IcuFunctions* installedIcu();
 
+/// ICU's status when memory ran out.
+inline constexpr IcuStatus kIcuOutOfMemory = 7;
+
 /// Both return the bytes written. What does not fit stays in the converter, and what is incomplete, too,
 /// unless this is the end.
 std::size_t continueToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text,
@@ -32,5 +35,9 @@ std::size_t continueFromUnicode(const IcuFunctions& icu, const IcuConverter* con
 /// The same for a whole text. What an error leaves in the converter is dropped.
 std::size_t convertToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text);
 std::size_t convertFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text);
+
+/// The target bytes that are enough for any text of so many units.
+std::size_t sufficientSizeFromUnicode(const IcuFunctions& icu, const IcuConverter* converter,
+                                      std::size_t units) noexcept;
 
 }  // namespace vel::codepage

@@ -33,6 +33,10 @@ std::size_t convert(Call& call, Conversion conversion) {
 
 }  // namespace
 
+std::size_t vel::codepage::sufficientSizeFromIcu(const Call& call) noexcept {
+  return sufficientSizeFromUnicode(*installedIcu(), call.getConversionData(), call.sourceSize / kUnitSize);
+}
+
 const IcuFunctions* vel::codepage::installedIcu() {
   struct Installed {
     IcuFunctions functions{};

@@ -47,7 +47,8 @@ class Binder {
   bool bindAll(IcuFunctions& functions) const {
     return bind("ucnv_open", functions.open) && bind("ucnv_openCCSID", functions.openCcsid) &&
            bind("ucnv_close", functions.close) && bind("ucnv_setFallback", functions.setFallback) &&
-           bind("ucnv_toUnicode", functions.toUnicode) && bind("ucnv_fromUnicode", functions.fromUnicode);
+           bind("ucnv_toUnicode", functions.toUnicode) && bind("ucnv_fromUnicode", functions.fromUnicode) &&
+           bind("ucnv_getMaxCharSize", functions.getMaxCharSize);
   }
 
  private:

@@ -1,4 +1,5 @@
-// ICU at run time: its six functions that the library uses, bound by name from whatever version is installed.
+// ICU at run time: its seven functions that the library uses, bound by name from whatever version is
+// installed.
 #pragma once
 
 #include <cstdint>
@@ -24,6 +25,8 @@ struct IcuFunctions {
   void (*fromUnicode)(IcuConverter* converter, char** target, const char* targetLimit,
                       const char16_t** source, const char16_t* sourceLimit, std::int32_t* offsets,
                       IcuBool flush, IcuStatus* status);
+  /// The most bytes for one unit, on average over a text of at least ten units.
+  std::int8_t (*getMaxCharSize)(const IcuConverter* converter);
 };
 
 /// How libraries are loaded.
@@ -35,7 +38,7 @@ struct LibraryLoader {
 
 /// Looks for ICU under the names that it has on any system: first the version that the build knows, 0 for
 /// none, then names without a version, then the other versions, newest first. False when there is none with
-/// all six functions. The library stays loaded.
+/// all seven functions. The library stays loaded.
 bool bindIcu(const LibraryLoader& loader, int ownVersion, IcuFunctions& functions) noexcept;
 
 }  // namespace vel::codepage

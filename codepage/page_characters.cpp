@@ -6,7 +6,6 @@
 
 #include "codepage/conversion.h"
 #include "codepage/conversion_tables.h"
-#include "codepage/icu_calls.h"
 #include "foundation/allocator.h"
 
 namespace vel::codepage {
@@ -82,7 +81,7 @@ class DoubleByteCharacters : public PageCharacters {
 /// Asks a converter that keeps its state what becomes of the bytes so far, and what else at their end.
 class IcuCharacters : public PageCharacters {
  public:
-  explicit IcuCharacters(const void* converter) : icu_(*installedIcu()), converter_(converter) {
+  explicit IcuCharacters(const void* converter) : converter_(converter) {
     const unsigned char shifts[] = {kShiftOut, kShiftIn};
     hasShifts_ = ask(shifts, 1).kind == Meaning::Kind::Prefix &&
                  ask(shifts, sizeof shifts).kind == Meaning::Kind::Prefix;
@@ -123,7 +122,7 @@ class IcuCharacters : public PageCharacters {
   bool feed(Units& units, const char* bytes, std::size_t size, bool isEnd) const {
     IcuText text{reinterpret_cast<char*>(units.text + units.count),
                  sizeof units.text - units.count * kUnitSize, bytes, size, 0};
-    const std::size_t count = continueToUnicode(icu_, converter_, text, isEnd) / kUnitSize;
+    const std::size_t count = callIcu(continueToUnicode, converter_, text, isEnd) / kUnitSize;
     units.count += count;
     units.isGood = units.isGood && text.status <= 0;
     return count > 0;
@@ -150,7 +149,7 @@ class IcuCharacters : public PageCharacters {
   bool belongsTo(char16_t unit, const char* bytes, std::size_t size) const {
     char back[16];
     IcuText text{back, sizeof back, reinterpret_cast<const char*>(&unit), kUnitSize, 0};
-    const std::size_t length = convertFromUnicode(icu_, converter_, text);
+    const std::size_t length = callIcu(convertFromUnicode, converter_, text);
     // A substitute is not what the unit becomes.
     return length == size && std::memcmp(back, bytes, size) == 0 && !isSubstitute(bytes, size);
   }
@@ -160,16 +159,23 @@ class IcuCharacters : public PageCharacters {
     const char16_t lacking[] = {0xDBFF, 0xDFFD};
     char back[16];
     IcuText text{back, sizeof back, reinterpret_cast<const char*>(lacking), sizeof lacking, 0};
-    const std::size_t length = convertFromUnicode(icu_, converter_, text);
+    const std::size_t length = callIcu(convertFromUnicode, converter_, text);
     return length == size && std::memcmp(back, bytes, size) == 0 && size > 1;
   }
 
-  const IcuFunctions& icu_;
   const void* converter_;
   bool hasShifts_ = false;
 };
 
 }  // namespace
+
+void throwOutOfMemory() {
+  constexpr const char* kOrigin = "VelClStrictConversion, ICU";
+  VelClExceptionFatal exception(ICU_MEMORY_ALLOCATION_ERROR, VelEnErrorClass::OUT_OF_MEMORY,
+                                VelEnErrorAction::TERMINATE, "");
+  exception.setOrigin(kOrigin, 0);
+  throw exception;
+}
 
 const void* conversionDataOf(const VelClConverterABase& converter) {
   const char* none = nullptr;

@@ -54,7 +54,7 @@ class SingleByteReader : public Reader {
     for (std::size_t i = 0; i < size; ++i) units[i] = bytes_.units[static_cast<unsigned char>(source[i])];
   }
 
-  VelClCodePage2UnicodeConverter converter_;
+  ReadyToUnicode converter_;
   SingleBytes bytes_;
 };
 
@@ -188,7 +188,7 @@ class MixedReader : public Reader {
   static constexpr Meaning kCutOff{Kind::Prefix, 0, {}};
   static constexpr Meaning kNothing{Kind::FirstByteFault, 0, {}};
 
-  VelClCodePage2UnicodeConverter converter_;
+  ReadyToUnicode converter_;
   OwnedObject<PageCharacters> characters_;
   Meaning singles_[256];
   mutable MeaningMemo memo_;
@@ -213,14 +213,13 @@ bool takeSingleBytes(const Meaning (&meanings)[256], SingleBytes& bytes) {
 }  // namespace
 
 Reader* makePageReader(const VelClCCSID& source) {
-  const VelClCodePage2UnicodeConverter converter(source);
+  const ReadyToUnicode converter(source);
   if (!converter.isSupported()) return nullptr;
-  PageCharacters* const characters = makePageCharacters(converter);
+  const OwnedObject<PageCharacters> characters(makePageCharacters(converter));
   Meaning meanings[256];
   for (unsigned int byte = 0; byte < 256; ++byte)
     meanings[byte] = characters->single(static_cast<unsigned char>(byte));
   const bool hasShifts = characters->hasShifts();
-  destroy(characters);
   SingleBytes bytes;
   if (!hasShifts && takeSingleBytes(meanings, bytes)) return create<SingleByteReader>(source, bytes);
   return create<MixedReader>(source, meanings);

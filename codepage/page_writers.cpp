@@ -4,7 +4,6 @@
 
 #include "codepage/conversion.h"
 #include "codepage/conversion_tables.h"
-#include "codepage/icu_calls.h"
 #include "codepage/page_characters.h"
 #include "codepage/strict_writer.h"
 
@@ -43,7 +42,7 @@ class Encoder {
     if (isIcu()) {
       IcuText text{reinterpret_cast<char*>(encoded.bytes), sizeof encoded.bytes,
                    reinterpret_cast<const char*>(units), size, 0};
-      encoded.size = convertFromUnicode(*installedIcu(), conversionDataOf(converter_), text);
+      encoded.size = callIcu(convertFromUnicode, conversionDataOf(converter_), text);
       encoded.comesBack =
           isFromIcu(encoded, units, size) && (character != kReplacement || !isSubstitute(encoded));
       return encoded;
@@ -61,7 +60,7 @@ class Encoder {
   bool isFromIcu(const Encoded& encoded, const char16_t (&units)[2], std::size_t size) const {
     char back[16];
     IcuText text{back, sizeof back, reinterpret_cast<const char*>(encoded.bytes), encoded.size, 0};
-    const std::size_t length = convertToUnicode(*installedIcu(), conversionDataOf(converter_), text);
+    const std::size_t length = callIcu(convertToUnicode, conversionDataOf(converter_), text);
     return length == size && std::memcmp(back, units, size) == 0;
   }
 
@@ -78,7 +77,7 @@ class Encoder {
     return encoded.size == 1 && toHostOrder(table_[encoded.bytes[0]]) == character;
   }
 
-  VelClUnicode2CodePageConverter converter_;
+  ReadyFromUnicode converter_;
   const std::uint16_t* table_;
 };
 
@@ -88,9 +87,9 @@ bool Encoder::isSingleByte() const {
     const char in = static_cast<char>(byte);
     char16_t out[8];
     IcuText text{reinterpret_cast<char*>(out), sizeof out, &in, 1, 0};
-    const std::size_t size = continueToUnicode(*installedIcu(), conversionDataOf(converter_), text, false);
+    const std::size_t size = callIcu(continueToUnicode, conversionDataOf(converter_), text, false);
     IcuText end{reinterpret_cast<char*>(out), sizeof out, &in, 0, 0};
-    convertToUnicode(*installedIcu(), conversionDataOf(converter_), end);
+    callIcu(convertToUnicode, conversionDataOf(converter_), end);
     if (size == 0) return false;
   }
   return true;
@@ -260,11 +259,11 @@ class MixedWriter : public PageWriter {
       text.target = output.reserve(kSome);
       text.targetSize = output.room();
       text.sourceSize = static_cast<std::size_t>(end - text.source);
-      output.commit(continueFromUnicode(*installedIcu(), conversionDataOf(converter_), text, isEnd));
+      output.commit(callIcu(continueFromUnicode, conversionDataOf(converter_), text, isEnd));
     } while (text.status == kBufferOverflow);
   }
 
-  VelClUnicode2CodePageConverter converter_;  ///< another one: it keeps the state of the text
+  ReadyFromUnicode converter_;  ///< another one: it keeps the state of the text
 };
 
 }  // namespace

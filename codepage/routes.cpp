@@ -72,8 +72,11 @@ void VelClConverterABase::initUnicode2CodePage() {
   if (ccsid == VelClCCSID::CCSID_UTF8) return useFunction(&velConvertByAlgorithmUCS2toUTF8, nullptr);
   const std::uint32_t meant = meantBy(ccsid, kAliases, kAliasesFromUcs2);
   if (useIcu(meant, &velConvertByAlgorithmIcuFromUnicode)) return;
-  if (isCodePageOfSystem(meant)) return useFunction(&velConvertByWindowsCallUCS2ToWinCP, nullptr);
-  useNothing();
+  const _VelStError reason = lastError_;
+  if (!isCodePageOfSystem(meant)) return useNothing();
+  useFunction(&velConvertByWindowsCallUCS2ToWinCP, nullptr);
+  // It was not chosen because ICU does not know the page.
+  lastError_ = reason;
 }
 
 void VelClConverterABase::useFunction(VelConversionFunction function, const void* data) {
@@ -82,9 +85,12 @@ void VelClConverterABase::useFunction(VelConversionFunction function, const void
   function_ = function;
 }
 
+/// What stays in the last error when there is no way: nothing, or that memory ran out.
 bool VelClConverterABase::useIcu(uint32_t ccsid, VelConversionFunction function) {
   _VelStError error;
   const void* const converter = velGetICUConverter(ccsid, error);
+  lastError_.reset();
+  if (error.errorClass == VelEnErrorClass::OUT_OF_MEMORY) lastError_ = error;
   if (converter == nullptr) return false;
   useFunction(function, converter);
   return true;
@@ -93,5 +99,5 @@ bool VelClConverterABase::useIcu(uint32_t ccsid, VelConversionFunction function)
 void VelClConverterABase::useNothing() {
   setConversionByUsingIconv();
   setConverterError();
-  lastError_ = vel::codepage::kUnsupported;
+  if (lastError_.errorId == VEL_NO_ERROR) lastError_ = vel::codepage::kUnsupported;
 }

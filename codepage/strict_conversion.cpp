@@ -7,6 +7,7 @@
 #include <numeric>
 
 #include "codepage/conversion.h"
+#include "codepage/page_characters.h"
 #include "codepage/strict_reader.h"
 #include "codepage/strict_writer.h"
 
@@ -83,11 +84,11 @@ VelClStrictConversion::~VelClStrictConversion() {
 }
 
 VelClStrictConversion::VelEnRoute VelClStrictConversion::getRouteToUcs2(const VelClCCSID& source) {
-  return VelClCodePage2UnicodeConverter(withProperties(source)).getRoute();
+  return vel::codepage::ReadyToUnicode(withProperties(source)).getRoute();
 }
 
 VelClStrictConversion::VelEnRoute VelClStrictConversion::getRouteFromUcs2(const VelClCCSID& target) {
-  return VelClUnicode2CodePageConverter(withProperties(target)).getRoute();
+  return vel::codepage::ReadyFromUnicode(withProperties(target)).getRoute();
 }
 
 void VelClStrictConversion::restart() {

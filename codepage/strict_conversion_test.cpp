@@ -5,11 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "codepage/test/outcome.h"
+#include "codepage/test/strict_run.h"
 #include "platform/test/table.h"
 
 namespace {
@@ -20,60 +20,7 @@ using Policy = Conversion::VelEnPolicy;
 using Fault = Conversion::VelEnFault;
 using Route = Conversion::VelEnRoute;
 
-class Text : public VelClConversionSink {
- public:
-  void write(const char* bytes, std::size_t size) override { text_.append(bytes, size); }
-  std::string take() { return std::move(text_); }
-
- private:
-  std::string text_;
-};
-
-/// All that can be seen of a conversion.
-struct Result {
-  std::string bytes;
-  std::string faults;
-
-  bool operator==(const Result&) const = default;
-};
-void PrintTo(const Result& result, std::ostream* stream) {
-  *stream << hex(result.bytes.substr(0, 200)) << " " << result.faults;
-}
-
-/// Kind, offset, line, column and what it is; then how many there are of each kind.
-std::string describe(const Conversion& conversion) {
-  constexpr const char* kKinds[] = {"clean", "invalid", "incomplete", "lacking"};
-  const Conversion::VelStFault& fault = conversion.getFirstFault();
-  std::ostringstream text;
-  text << kKinds[static_cast<int>(fault.kind)];
-  if (fault.kind == Fault::NONE) return text.str();
-  text << ' ' << fault.offset << ' ' << fault.line << ':' << fault.column << ' ' << std::hex
-       << std::uppercase;
-  if (fault.kind == Fault::NOT_REPRESENTABLE)
-    text << "U+" << fault.character;
-  else
-    text << hex({reinterpret_cast<const char*>(fault.bytes), fault.size});
-  text << std::dec << ' ' << conversion.getFaultCount(Fault::INVALID_SEQUENCE) << '+'
-       << conversion.getFaultCount(Fault::INCOMPLETE) << '+'
-       << conversion.getFaultCount(Fault::NOT_REPRESENTABLE) << " at " << conversion.getOffset();
-  return text.str();
-}
-
-/// In pieces that end where `ends` says.
-Result convert(Conversion& conversion, const std::string& source, const std::vector<std::size_t>& ends) {
-  Text text;
-  conversion.restart();
-  std::size_t begin = 0;
-  for (const std::size_t end : ends) {
-    const std::string piece = source.substr(begin, end - begin);
-    conversion.convert(piece.data(), piece.size(), text);
-    begin = end;
-  }
-  conversion.convert(source.data() + begin, source.size() - begin, text);
-  const bool isFinished = conversion.finish(text);
-  EXPECT_EQ(isFinished, conversion.isSupported() && !conversion.hasStopped());
-  return {text.take(), describe(conversion)};
-}
+using Result = StrictResult;
 
 Policy policyOf(const std::string& name) {
   return name == "stop"   ? Policy::STOP
@@ -95,20 +42,20 @@ TEST(StrictConversion, FollowsTheTableInEverySplit) {
     conversion.setNextLineFolding(row[7] == "fold");
     const std::string source = bytesOf(row[4]);
     const Result expected{bytesOf(row[5]), row[6]};
-    EXPECT_EQ(convert(conversion, source, {}), expected) << what;
+    EXPECT_EQ(convertInPieces(conversion, source, {}), expected) << what;
     std::vector<std::size_t> everyByte;
     for (std::size_t end = 0; end <= source.size(); ++end) {
       everyByte.push_back(end);
-      EXPECT_EQ(convert(conversion, source, {end}), expected) << what << ", split at " << end;
+      EXPECT_EQ(convertInPieces(conversion, source, {end}), expected) << what << ", split at " << end;
     }
-    EXPECT_EQ(convert(conversion, source, everyByte), expected) << what << ", byte by byte";
+    EXPECT_EQ(convertInPieces(conversion, source, everyByte), expected) << what << ", byte by byte";
   }
 }
 
 TEST(StrictConversion, ConvertsNothingWithoutAWay) {
   Conversion conversion(ccsid(4), ccsid(1208), Policy::REPLACE);
   EXPECT_FALSE(conversion.isSupported());
-  EXPECT_EQ(convert(conversion, "abc", {}), (Result{"", "clean"}));
+  EXPECT_EQ(convertInPieces(conversion, "abc", {}), (Result{"", "clean"}));
   EXPECT_FALSE(Conversion(ccsid(259), ccsid(259)).isSupported());
 }
 
@@ -138,10 +85,10 @@ TEST(StrictConversion, ShowsNoSplitForAnyCodePage) {
     const std::string source = mixedBytes(random, 9'000);
     for (const int target : {1208, 500}) {
       Conversion conversion(ccsid(number), ccsid(target), Policy::ESCAPE);
-      const Result whole = convert(conversion, source, {});
+      const Result whole = convertInPieces(conversion, source, {});
       std::vector<std::size_t> ends;
       for (std::size_t end = 0; end < source.size(); end += random() % 40) ends.push_back(end);
-      ASSERT_EQ(convert(conversion, source, ends), whole) << number << " to " << target;
+      ASSERT_EQ(convertInPieces(conversion, source, ends), whole) << number << " to " << target;
     }
   }
 }
@@ -166,15 +113,15 @@ TEST(StrictConversion, WritesOnlyWhatComesBack) {
         Conversion::getRouteToUcs2(ccsid(number)) != Conversion::getRouteFromUcs2(ccsid(number)))
       continue;
     Conversion there(ccsid(13488), ccsid(number), Policy::SKIP);
-    const Result written = convert(there, source, {4096, 20'001});
+    const Result written = convertInPieces(there, source, {4096, 20'001});
     const auto skipped = there.getFaultCount(Fault::NOT_REPRESENTABLE);
     Conversion back(ccsid(number), ccsid(13488), Policy::STOP);
-    const Result returned = convert(back, written.bytes, {written.bytes.size() / 3});
+    const Result returned = convertInPieces(back, written.bytes, {written.bytes.size() / 3});
     EXPECT_EQ(returned.faults, "clean") << number;
     EXPECT_GE(returned.bytes.size() + 4 * skipped, source.size()) << number;
     EXPECT_LE(returned.bytes.size() + 2 * skipped, source.size()) << number;
     Conversion again(ccsid(13488), ccsid(number), Policy::STOP);
-    EXPECT_EQ(convert(again, returned.bytes, {}), (Result{written.bytes, "clean"})) << number;
+    EXPECT_EQ(convertInPieces(again, returned.bytes, {}), (Result{written.bytes, "clean"})) << number;
   }
 }
 
@@ -186,7 +133,7 @@ TEST(StrictConversion, AgreesWithTheConverters) {
     const VelClCodePage2UnicodeConverter converter{ccsid(number)};
     Conversion conversion(ccsid(number), ccsid(13488), Policy::REPLACE);
     conversion.setNextLineFolding(true);
-    EXPECT_EQ(convert(conversion, bytes, {}).bytes, convert(converter, bytes, bytes.size() * 2).bytes)
+    EXPECT_EQ(convertInPieces(conversion, bytes, {}).bytes, convert(converter, bytes, bytes.size() * 2).bytes)
         << number;
   }
   for (const int number : {500, 850}) {
@@ -194,7 +141,7 @@ TEST(StrictConversion, AgreesWithTheConverters) {
     Conversion conversion(ccsid(13488), ccsid(number), Policy::REPLACE);
     std::u16string units;
     for (unsigned int unit = 0; unit < 0xD800; ++unit) units += static_cast<char16_t>(unit);
-    EXPECT_EQ(convert(conversion, unitBytes(units), {}).bytes,
+    EXPECT_EQ(convertInPieces(conversion, unitBytes(units), {}).bytes,
               convert(converter, unitBytes(units), units.size()).bytes)
         << number;
   }

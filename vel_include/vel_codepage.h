@@ -245,8 +245,13 @@ class VEL_API VelClConverterABase {
   virtual bool requiresExternalICUData() const;
   /// The most target bytes that `length` characters can need.
   virtual size_t getMaximumSizeForLength(size_t length) const = 0;
-  /// The most target bytes that `size` source bytes can need.
+  /// The most target bytes that `size` source bytes can need, as far as the CCSIDs' properties tell it:
+  /// shifts and longer characters of pages that ICU converts are not counted. See getSufficientSizeForSize.
   virtual size_t getMaximumSizeForSize(size_t size) const = 0;
+  /// So many target bytes that no source of `size` bytes ends with CPCONVERTER_TOO_BIG, whatever is in it,
+  /// for CCSIDs that are valid; the system's own conversion still does so when it fails. The largest number
+  /// there is when it would be larger.
+  size_t getSufficientSizeForSize(size_t size) const;
   /// Convert, advance `source` past what was consumed, and return the bytes written. The last error is
   /// - CPCONVERTER_INCOMPLETE when the source ends within a character (which is not consumed), with an odd
   ///   size of UCS-2, or in double-byte mode; what came before is converted;
@@ -261,7 +266,8 @@ class VEL_API VelClConverterABase {
   const VelClCCSID& getSourceCCSID() const { return source_; }
   /// The way of the conversion; between two code pages that of the first stage, to UCS-2.
   VelEnRoute getRoute() const;
-  /// Of the last conversion; of the set-up when there was none yet.
+  /// Of the last conversion; of the set-up when there was none yet: CPCONVERTER_UNSUPPORTED, or
+  /// ICU_MEMORY_ALLOCATION_ERROR of class OUT_OF_MEMORY when there was no memory to find out.
   const _VelStError& getLastError() const { return lastError_; }
 
   /// The byte order marks, two bytes and a NUL; "host" is little-endian.
@@ -290,6 +296,8 @@ class VEL_API VelClConverterABase {
   void setConverterError();
   /// Clears the last error and runs the conversion function, unless its output could overflow the target.
   size_t runConversion(char* target, size_t targetSize, const char** source, size_t sourceSize) const;
+  /// That of getSufficientSizeForSize for this conversion function alone.
+  size_t sufficientSizeOfStage(size_t size) const;
 
   /// See getLastError.
   mutable _VelStError lastError_;
@@ -349,7 +357,10 @@ class VEL_API VelClCodePage2CodePageConverter : public VelClCodePage2UnicodeConv
   size_t convertBytes(char* target, size_t targetSize, const char** source, size_t sourceSize) const override;
 
  private:
+  friend class VelClConverterABase;
+
   size_t intermediateSize(size_t sourceSize) const;
+  size_t sufficientSize(size_t sourceSize) const;
   size_t copyBytes(char* target, size_t targetSize, const char** source, size_t sourceSize) const;
   size_t convertInTwoStages(char* target, size_t targetSize, const char** source, size_t sourceSize) const;
   void growBuffer(size_t size) const;

@@ -1,0 +1,68 @@
+// Runs strict conversions, and tells all that can be seen of them.
+#pragma once
+
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "codepage/test/outcome.h"
+#include "vel_include/vel_strict_conversion.h"
+
+class TextSink : public VelClConversionSink {
+ public:
+  void write(const char* bytes, std::size_t size) override { text_.append(bytes, size); }
+  std::string take() { return std::move(text_); }
+
+ private:
+  std::string text_;
+};
+
+struct StrictResult {
+  std::string bytes;
+  std::string faults;
+
+  bool operator==(const StrictResult&) const = default;
+};
+inline void PrintTo(const StrictResult& result, std::ostream* stream) {
+  *stream << hex(result.bytes.substr(0, 200)) << " " << result.faults;
+}
+
+/// Kind, offset, line, column and what it is; then how many there are of each kind.
+inline std::string describe(const VelClStrictConversion& conversion) {
+  using Fault = VelClStrictConversion::VelEnFault;
+  constexpr const char* kKinds[] = {"clean", "invalid", "incomplete", "lacking"};
+  const VelClStrictConversion::VelStFault& fault = conversion.getFirstFault();
+  std::ostringstream text;
+  text << kKinds[static_cast<int>(fault.kind)];
+  if (fault.kind == Fault::NONE) return text.str();
+  text << ' ' << fault.offset << ' ' << fault.line << ':' << fault.column << ' ' << std::hex
+       << std::uppercase;
+  if (fault.kind == Fault::NOT_REPRESENTABLE)
+    text << "U+" << fault.character;
+  else
+    text << hex({reinterpret_cast<const char*>(fault.bytes), fault.size});
+  text << std::dec << ' ' << conversion.getFaultCount(Fault::INVALID_SEQUENCE) << '+'
+       << conversion.getFaultCount(Fault::INCOMPLETE) << '+'
+       << conversion.getFaultCount(Fault::NOT_REPRESENTABLE) << " at " << conversion.getOffset();
+  return text.str();
+}
+
+/// In pieces that end where `ends` says, each in a block of exactly its size.
+inline StrictResult convertInPieces(VelClStrictConversion& conversion, std::string_view source,
+                                    const std::vector<std::size_t>& ends) {
+  TextSink text;
+  conversion.restart();
+  std::size_t begin = 0;
+  const auto convertUpTo = [&](std::size_t end) {
+    const std::vector<char> piece(source.begin() + static_cast<std::ptrdiff_t>(begin),
+                                  source.begin() + static_cast<std::ptrdiff_t>(end));
+    conversion.convert(piece.data(), piece.size(), text);
+    begin = end;
+  };
+  for (const std::size_t end : ends) convertUpTo(end);
+  convertUpTo(source.size());
+  const bool isFinished = conversion.finish(text);
+  const bool isExpected = isFinished == (conversion.isSupported() && !conversion.hasStopped());
+  return {text.take(), isExpected ? describe(conversion) : "finished against its own word"};
+}
