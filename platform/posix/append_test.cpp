@@ -1,6 +1,7 @@
 // Appending where the system refuses: what was written is told, and no signal ends the process.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -61,6 +62,20 @@ TEST_F(PosixAppend, RefusesWithoutWaiting) {
   EXPECT_EQ(appendBytes(ends[1], {"a", 1}, {nullptr, 0}, error_), 0U);
   close(ends[1]);
   EXPECT_EQ(error_, EPIPE);
+  // A signal that waited before is not taken for this failure's.
+  sigset_t pipeSignal, before, pending;
+  sigemptyset(&pipeSignal);
+  sigaddset(&pipeSignal, SIGPIPE);
+  pthread_sigmask(SIG_BLOCK, &pipeSignal, &before);
+  raise(SIGPIPE);
+  ASSERT_EQ(::pipe(ends), 0);
+  close(ends[0]);
+  EXPECT_EQ(appendBytes(ends[1], {"a", 1}, {nullptr, 0}, error_), 0U);
+  close(ends[1]);
+  const timespec atOnce{};
+  EXPECT_EQ(sigpending(&pending) | sigismember(&pending, SIGPIPE), 1);
+  EXPECT_EQ(sigtimedwait(&pipeSignal, nullptr, &atOnce), SIGPIPE);
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
   EXPECT_EQ(append(directory_.path("missing/file"), "a", "b"), -1);
   EXPECT_EQ(error_, ENOENT);
 }

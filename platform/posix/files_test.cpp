@@ -1,6 +1,8 @@
 // What POSIX systems add: back-slash names, links, pipes, dot files and permission bits.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,6 +13,7 @@
 #include "platform/platform.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/rename.h"
+#include "platform/test/posix/other_user.h"
 #include "platform/test/scratch_directory.h"
 #include "platform/test/table.h"
 #include "platform/test/variable.h"
@@ -121,6 +124,54 @@ TEST_F(PosixFiles, CopyNeverWaitsForAPipeAndLeavesNothingOfAFailure) {
   // Reading its first page fails: nothing is mapped there.
   EXPECT_EQ(copyFile("/proc/self/mem", path("new").c_str()), EIO);
   EXPECT_FALSE(fs::exists(path("new")));
+}
+
+TEST_F(PosixFiles, CopiesTakeThePlaceOfALinkAndLeaveWhatItLeadsTo) {
+  const std::string outside = scratch_.write("outside/file", "outside");
+  for (const char* target : {"outside/file", "nowhere"}) {
+    fs::create_symlink(target, path("link"));
+    EXPECT_EQ(copy("file", "link"), 0);
+    EXPECT_EQ(fs::symlink_status(path("link")).type(), fs::file_type::regular);
+    EXPECT_EQ(readFile(path("link")), "kept");
+    fs::remove(path("link"));
+  }
+  fs::create_symlink("outside", path("link"));
+  EXPECT_EQ(copy("file", "link"), EISDIR);
+  EXPECT_EQ(readFile(outside), "outside");
+}
+
+TEST_F(PosixFiles, AFailedCopyLeavesTheOldTarget) {
+  scratch_.write("existing", "old");
+  scratch_.write("large", std::string(100'000, 'x'));
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const rlimit little{10, before.rlim_max};
+  const auto handler = signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &little);
+  const SystemError errors[] = {copy("large", "existing"), copy("large", "new")};
+  setrlimit(RLIMIT_FSIZE, &before);
+  signal(SIGXFSZ, handler);
+  EXPECT_EQ(errors[0], EFBIG);
+  EXPECT_EQ(errors[1], EFBIG);
+  EXPECT_EQ(readFile(path("existing")), "old");
+  EXPECT_EQ(std::distance(fs::directory_iterator(path("")), {}), 3);
+}
+
+TEST_F(PosixFiles, CopiesGoIntoAFileWhoseDirectoryTakesNoOther) {
+  if (geteuid() == 0 && !test::canBecomeOtherUser()) GTEST_SKIP() << "nobody to be refused anything";
+  const std::string target = scratch_.write("closed/existing", "old target");
+  const std::string sticky = scratch_.write("sticky/existing", "old target");
+  for (const std::string& name : {file_, target, sticky}) ASSERT_EQ(chmod(name.c_str(), 0666), 0);
+  for (const auto& [name, mode] : {std::pair{"", 0755}, {"closed", 0555}, {"sticky", 01777}})
+    ASSERT_EQ(chmod(path(name).c_str(), static_cast<mode_t>(mode)), 0);
+  const auto copyAll = [&] {
+    for (const char* name : {"closed/existing", "sticky/existing"})
+      if (const SystemError error = copy("file", name); error != 0) return error;
+    return copy("file", "closed/new") == EACCES ? 0 : 1;
+  };
+  const auto unprivileged = [] { return geteuid() != 0 || test::becomeOtherUser(); };
+  EXPECT_EQ(test::exitCodeOf(unprivileged, copyAll), 0);
+  EXPECT_EQ(readFile(target) + readFile(sticky), "keptkept");
 }
 
 TEST_F(PosixFiles, RemovingALinkLeavesItsTargetAlone) {

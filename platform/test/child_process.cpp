@@ -37,7 +37,8 @@ ChildResult runChild(const std::string& program, const std::vector<std::string>&
            arguments,
            changedEnvironment(options.environment),
            {directory.write("input", options.input), output, errors},
-           options.failingCall},
+           options.failingCall,
+           options.failingReads},
           result);
   result.output = readFile(output);
   result.errors = readFile(errors);

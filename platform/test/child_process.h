@@ -33,6 +33,7 @@ struct ChildOptions {
   /// On Linux: which of the calls that write to files fails, from 1; the result tells its name, "" when
   /// there are fewer. There is no time limit then.
   int failingCall = 0;
+  std::string failingReads = {};  ///< a directory in full: calls that read files there count, too
 };
 
 /// `program` is a name beside the running program, without extension, or a path. A child that reaches the

@@ -16,6 +16,7 @@ struct ChildPlan {
   std::vector<std::string> environment;
   std::array<std::string, 3> streams;  ///< files
   int failingCall = 0;
+  std::string failingReads = {};
 };
 
 /// Runs it, at most until the time limit, and fills in everything but the output.

@@ -44,7 +44,7 @@ void runPlan(ChildPlan plan, ChildResult& result) {
   }
   int status = 0;
   if (plan.failingCall > 0) {
-    status = waitFailingCall(child, plan.failingCall, result.failedCall);
+    status = waitFailingCall(child, plan.failingCall, plan.failingReads, result.failedCall);
   } else {
     if (!endsWithin(static_cast<unsigned int>(child), kTimeLimitMs)) kill(child, SIGKILL);
     waitpid(child, &status, 0);

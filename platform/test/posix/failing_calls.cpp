@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <set>
 
 namespace vel::test {
@@ -20,7 +21,9 @@ namespace {
 /// One call, and how it is known which descriptors are written to.
 class CallWatch {
  public:
-  /// What the call is, "" for one that writes nothing.
+  CallWatch(pid_t child, std::string directory) : child_(child), directory_(std::move(directory)) {}
+
+  /// What the call is, "" for one that fails never.
   std::string nameOf(const user_regs_struct& call) const {
     switch (call.orig_rax) {
       case SYS_open:
@@ -30,8 +33,17 @@ class CallWatch {
       case SYS_write:
       case SYS_writev:
         return isWritten(call.rdi) ? "write" : "";
+      case SYS_read:
+      case SYS_readv:
+      case SYS_pread64:
+        return isRead(call.rdi) ? "read" : "";
       case SYS_fsync:
-        return isWritten(call.rdi) ? "fsync" : "";
+        return isWritten(call.rdi) ? "fsync" : "fsync of a directory";
+      case SYS_fchown:
+      case SYS_fchmod:
+        return call.orig_rax == SYS_fchown ? "fchown" : "fchmod";
+      case SYS_linkat:
+        return "link";
       case SYS_close:
         return isWritten(call.rdi) ? "close" : "";
       case SYS_rename:
@@ -49,17 +61,25 @@ class CallWatch {
 
  private:
   bool isWritten(unsigned long long descriptor) const { return descriptors_.count(descriptor) == 1; }
+  bool isRead(unsigned long long descriptor) const {
+    const auto link = "/proc/" + std::to_string(child_) + "/fd/" + std::to_string(descriptor);
+    std::error_code isClosed;
+    if (directory_.empty()) return false;
+    return std::filesystem::read_symlink(link, isClosed).string().starts_with(directory_ + '/');
+  }
 
+  pid_t child_;
+  std::string directory_;
   std::set<unsigned long long> descriptors_{STDOUT_FILENO};
 };
 
 }  // namespace
 
-int waitFailingCall(pid_t child, int number, std::string& name) {
+int waitFailingCall(pid_t child, int number, const std::string& directory, std::string& name) {
   int status = 0;
   waitpid(child, &status, 0);
   ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
-  CallWatch watch;
+  CallWatch watch(child, directory);
   user_regs_struct call{}, result{};
   std::string current;
   bool isInside = false, fails = false;
@@ -89,7 +109,7 @@ int waitFailingCall(pid_t child, int number, std::string& name) {
 
 #else
 
-int waitFailingCall(pid_t child, int, std::string&) {
+int waitFailingCall(pid_t child, int, const std::string&, std::string&) {
   int status = 0;
   do {
     waitpid(child, &status, 0);
