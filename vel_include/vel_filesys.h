@@ -329,7 +329,9 @@ class VEL_API VelClFile : public VelClFileABase {
 
   /// Copies the file over an existing target. Without `keepAttributes` the copy can be written even
   /// when this file is read-only. FILE_COULD_NOT_COPY with IO_PROBLEM, or FILE_COULD_NOT_COPY_SELF
-  /// with INCONSISTENT_SITUATION when the target has this file's name.
+  /// with INCONSISTENT_SITUATION when the target has this file's name. The copy is made beside the target
+  /// and takes its place, so that a failed one leaves the old file; a link is replaced itself. Only in a
+  /// directory that takes no new file is an existing target overwritten in place.
   bool copyTo(const VelClFilenameABase& target, bool keepAttributes);
   bool copyTo(const char* target, bool keepAttributes) {
     return copyTo(VelClFilename(target), keepAttributes);

@@ -88,6 +88,47 @@ TEST(WindowsSystem, ReplacingLeavesLinks) {
   DeleteFileA("link");
 }
 
+TEST(WindowsSystem, UnfinishedFilesEndWithTheirProgram) {
+  const test::ScratchDirectory scratch;
+  const std::string file = scratch.write("file", "old");
+  Replacement replacement;
+  ASSERT_EQ(startReplacement(file.c_str(), replacement), 0);
+  EXPECT_NE(GetFileAttributesA(replacement.temporary), INVALID_FILE_ATTRIBUTES);
+  // As the system does at the end of a program.
+  _close(replacement.descriptor);
+  EXPECT_EQ(GetFileAttributesA(replacement.temporary), INVALID_FILE_ATTRIBUTES);
+  EXPECT_EQ(test::readFile(file), "old");
+}
+
+TEST(WindowsSystem, ReplacingLosesNothingWhenAnotherFileTakesTheName) {
+  const test::ScratchDirectory scratch;
+  const std::string file = scratch.write("file", "old"), other = scratch.write("other", "other");
+  Replacement replacement, made;
+  ASSERT_EQ(startReplacement(file.c_str(), replacement), 0);
+  ASSERT_EQ(startReplacement(scratch.path("made").c_str(), made), 0);
+  EXPECT_TRUE(MoveFileExA(other.c_str(), file.c_str(), MOVEFILE_REPLACE_EXISTING));
+  scratch.write("made", "first");
+  EXPECT_EQ(finishReplacement(replacement), ECANCELED);
+  EXPECT_EQ(finishReplacement(made), EEXIST);
+  EXPECT_EQ(test::readFile(file) + test::readFile(scratch.path("made")), "otherfirst");
+  EXPECT_EQ(GetFileAttributesA(replacement.temporary), INVALID_FILE_ATTRIBUTES);
+}
+
+TEST(WindowsSystem, CopiesWhereTheTargetIsOpenOrItsNameIsLong) {
+  const test::ScratchDirectory scratch;
+  const std::string file = scratch.write("file", "new"), target = scratch.write("target", "old target");
+  const int open = _open(target.c_str(), _O_RDONLY);
+  EXPECT_EQ(copyFile(file.c_str(), target.c_str()), 0);
+  _close(open);
+  EXPECT_EQ(test::readFile(target), "new");
+  const std::string deep(240 - scratch.path().size(), 'd');
+  ASSERT_TRUE(CreateDirectoryA(scratch.path(deep).c_str(), nullptr));
+  EXPECT_EQ(copyFile(file.c_str(), scratch.path(deep + "\\t").c_str()), 0);
+  EXPECT_EQ(test::readFile(scratch.path(deep + "\\t")), "new");
+  EXPECT_EQ(copyFile(file.c_str(), file.c_str()), EACCES);
+  EXPECT_EQ(copyFile(file.c_str(), "nul"), 0);
+}
+
 }  // namespace
 
 }  // namespace vel::platform
