@@ -44,6 +44,7 @@ bool isCodePageOfSystem(std::uint32_t ccsid) {
 }  // namespace
 
 void VelClConverterABase::initCodePage2Unicode() {
+  lastError_.reset();
   const std::uint32_t ccsid = source_.getCCSID();
   if (const VelConversionFunction function = functionBetweenUcs2(ccsid))
     return useFunction(function, nullptr);
@@ -63,6 +64,7 @@ void VelClConverterABase::initCodePage2Unicode() {
 }
 
 void VelClConverterABase::initUnicode2CodePage() {
+  lastError_.reset();
   const std::uint32_t ccsid = target_.getCCSID();
   if (const VelConversionFunction function = functionBetweenUcs2(ccsid))
     return useFunction(function, nullptr);
@@ -72,24 +74,19 @@ void VelClConverterABase::initUnicode2CodePage() {
   if (ccsid == VelClCCSID::CCSID_UTF8) return useFunction(&velConvertByAlgorithmUCS2toUTF8, nullptr);
   const std::uint32_t meant = meantBy(ccsid, kAliases, kAliasesFromUcs2);
   if (useIcu(meant, &velConvertByAlgorithmIcuFromUnicode)) return;
-  const _VelStError reason = lastError_;
-  if (!isCodePageOfSystem(meant)) return useNothing();
-  useFunction(&velConvertByWindowsCallUCS2ToWinCP, nullptr);
-  // It was not chosen because ICU does not know the page.
-  lastError_ = reason;
+  if (isCodePageOfSystem(meant)) return useFunction(&velConvertByWindowsCallUCS2ToWinCP, nullptr);
+  useNothing();
 }
 
 void VelClConverterABase::useFunction(VelConversionFunction function, const void* data) {
-  lastError_.reset();
   conversionData_ = data;
   function_ = function;
 }
 
-/// What stays in the last error when there is no way: nothing, or that memory ran out.
 bool VelClConverterABase::useIcu(uint32_t ccsid, VelConversionFunction function) {
   _VelStError error;
   const void* const converter = velGetICUConverter(ccsid, error);
-  lastError_.reset();
+  // Then another way, or none, is not chosen because ICU does not know the page.
   if (error.errorClass == VelEnErrorClass::OUT_OF_MEMORY) lastError_ = error;
   if (converter == nullptr) return false;
   useFunction(function, converter);

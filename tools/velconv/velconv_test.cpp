@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -97,6 +98,40 @@ TEST_F(VelconvFiles, ConvertsLargeFilesThereAndBack) {
     EXPECT_TRUE(readFile(back) == text) << number;
     EXPECT_EQ(number == "1208", readFile(there) == text) << number;
   }
+}
+
+/// A tool whose ICU has no memory for another converter says so, and does not take this for a missing way or
+/// character. Where it is put, the substitute is the first one that it finds.
+TEST_F(VelconvFiles, TellsWhenIcuHasNoMemory) {
+  namespace fs = std::filesystem;
+  const fs::path programs = fs::path(vel::test::ownProgram()).parent_path();
+  for (const auto& entry : fs::directory_iterator(programs)) {
+    const std::string name = entry.path().filename().string();
+    if (name.starts_with("velconv.") || name == "velconv" || name == "qamc5032.dll")
+      fs::copy_file(entry.path(), directory_.path(name));
+  }
+  for (int version = 49; version < 100; ++version)
+    for (const auto& name :
+         {"icuuc" + std::to_string(version) + ".dll", "libicuuc.so." + std::to_string(version)})
+      fs::copy_file(programs / "substitute_icu.library", directory_.path(name));
+  const auto run = [&](int openings) {
+    return vel::test::runChild(directory_.path("velconv"), {"-from", "1047", "-to", "1051"},
+                               {.environment = {{"LC_ALL", "C"},
+                                                {"PATH", programs.string()},
+                                                {"LD_LIBRARY_PATH", directory_.path()},
+                                                {"VEL_SUBSTITUTE_OPENINGS", std::to_string(openings)}},
+                                .input = "abc\xE4"});
+  };
+  int openings = 0;
+  for (; openings < 50; ++openings) {
+    const auto result = run(openings);
+    if (result.exitCode == 0) break;
+    EXPECT_GT(result.exitCode, 1) << result.endedAbnormally;
+    EXPECT_EQ(result.output, "");
+    EXPECT_THAT(result.errors, testing::HasSubstr("OUT_OF_MEMORY")) << openings;
+  }
+  EXPECT_GT(openings, 1);
+  EXPECT_EQ(run(openings).output, "abc\xE4");
 }
 
 /// Of single bytes, in their table's order; all of them come back.
