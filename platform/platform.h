@@ -93,7 +93,7 @@ int closeAppended(int descriptor) noexcept;
 
 // ---- Replacing files (replacing.cpp) ---------------------------------------------------------
 
-/// Tells entries apart; all zeros for a missing one.
+/// Tells entries apart that exist at the same time; all zeros for none.
 struct FileIdentity {
   std::uint64_t volume = 0;
   std::uint64_t number = 0;

@@ -70,7 +70,9 @@ TEST_F(SettingsOfPrivileged, AreNotTheCallers) {
   if (!setuid.starts_with("privileged yes")) GTEST_SKIP() << "the system gives no rights to programs";
   EXPECT_EQ(setuid, privileged);
   // The other user need not be able to read the library where it was built.
-  if (run(0755, true).starts_with("privileged no")) EXPECT_EQ(run(02755, true), privileged);
+  if (run(0755, true).starts_with("privileged no")) {
+    EXPECT_EQ(run(02755, true), privileged);
+  }
 }
 
 /// A trace without a name for its file, in a directory where others may make files.
