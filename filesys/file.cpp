@@ -103,7 +103,6 @@ bool VelClFile::copyTo(const VelClLocation& directory, bool keepAttributes) {
 }
 
 bool VelClFile::remove() {
-  static_cast<void>(platform::makeRemovable(getAsCString()));
   const platform::SystemError error = platform::removeFile(getAsCString());
   if (error == 0) return succeed();
   return fail(FILE_COULD_NOT_REMOVE,

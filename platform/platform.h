@@ -42,10 +42,8 @@ bool statusOf(const char* name, EntryStatus& status) noexcept;
 SystemError copyFile(const char* from, const char* to, bool writable = false) noexcept;
 /// Sets or clears write permission and nothing else; clearing read-only gives it to the owner.
 SystemError setReadOnly(const char* name, bool readOnly) noexcept;
-/// Clears read-only where it would keep a file from being removed. A link itself is never read-only, and
-/// what it leads to is left alone.
-SystemError makeRemovable(const char* name) noexcept;
-/// Never removes a directory.
+/// Removes a file, which is made writable first, and gets its permissions back when it cannot be removed. Never a
+/// directory. A link goes itself; what it leads to is left alone.
 SystemError removeFile(const char* name) noexcept;
 /// Refuses an existing target with EEXIST, also when it appears at the last moment.
 SystemError renameFile(const char* from, const char* to) noexcept;

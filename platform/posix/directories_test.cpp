@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <thread>
 
@@ -110,15 +111,27 @@ TEST_F(PosixDirectories, RemovalNeverLeavesItsTree) {
 }
 
 TEST_F(PosixDirectories, RemovalEndsAtABoundedDepth) {
-  for (const int levels : {250, 300}) {
+  for (const int levels : {257, 258}) {
     const ScratchDirectory scratch;
     const test::CurrentDirectory in(scratch.path());
     for (int level = 0; level < levels; ++level) {
       ASSERT_TRUE(fs::create_directory("t"));
       fs::current_path("t");
     }
-    EXPECT_EQ(VelClDirectory(scratch.path("t").c_str()).removeAll(true), levels == 250);
-    EXPECT_EQ(fs::exists(scratch.path("t")), levels != 250);
+    EXPECT_EQ(VelClDirectory(scratch.path("t").c_str()).removeAll(true), levels == 257);
+    EXPECT_EQ(fs::exists(scratch.path("t")), levels != 257);
+  }
+}
+
+TEST_F(PosixDirectories, TakePathsOfAnyLengthThatTheSystemTakes) {
+  const std::string name = scratch_.path("outside"),
+                    longest = std::string(PATH_MAX - 1 - name.size(), '/') + name;
+  for (const bool fits : {true, false}) {
+    const std::string path = (fits ? "" : "/") + longest;
+    DirectoryHandle opened;
+    EXPECT_EQ(openDirectory(path.c_str(), DirectoryLink::Refuse, opened), fits ? 0 : ENAMETOOLONG);
+    closeDirectory(opened);
+    EXPECT_EQ(removeDirectory(path.c_str()), fits ? ENOTEMPTY : ENAMETOOLONG);
   }
 }
 

@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <cstdio>
 #include <cstring>
 
 #include "platform/platform.h"
@@ -33,6 +34,39 @@ bool isHiddenName(const char* path) noexcept {
   if (length < 2 || start[0] != '.') return false;
   return length > 2 || start[1] != '.';
 }
+
+/// A regular file made writable for its owner. What was opened is changed, and not what has its name by then.
+class WritableFile {
+ public:
+  explicit WritableFile(const char* path) noexcept
+      : descriptor_(open(path, O_PATH | O_NOFOLLOW | O_CLOEXEC)), before_(0), isChanged_(false) {
+    struct stat status;
+    if (descriptor_ < 0 || fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) return;
+    before_ = status.st_mode & 07777;
+    isChanged_ = (before_ & S_IWUSR) == 0 && change(before_ | S_IWUSR);
+  }
+  WritableFile(const WritableFile&) = delete;
+  WritableFile& operator=(const WritableFile&) = delete;
+  ~WritableFile() {
+    if (descriptor_ >= 0) close(descriptor_);
+  }
+
+  void restore() const noexcept {
+    if (isChanged_) change(before_);
+  }
+
+ private:
+  /// What is only opened as a place is changed by its name there.
+  bool change(mode_t mode) const noexcept {
+    std::array<char, 32> place;
+    std::snprintf(place.data(), place.size(), "/proc/self/fd/%d", descriptor_);
+    return chmod(place.data(), mode) == 0;
+  }
+
+  int descriptor_;
+  mode_t before_;
+  bool isChanged_;
+};
 
 }  // namespace
 
@@ -81,20 +115,15 @@ SystemError setReadOnly(const char* name, bool readOnly) noexcept {
   return wanted == old || chmod(path.get(), wanted) == 0 ? 0 : errno;
 }
 
-SystemError makeRemovable(const char* name) noexcept {
-  const NativePath path(name);
-  if (!path.fits()) return ENAMETOOLONG;
-  struct stat status;
-  if (lstat(path.get(), &status) != 0) return errno;
-  return S_ISREG(status.st_mode) ? setReadOnly(name, false) : 0;
-}
-
 SystemError removeFile(const char* name) noexcept {
   const NativePath path(name);
   if (!path.fits()) return ENOENT;
+  const WritableFile file(path.get());
   if (unlink(path.get()) == 0) return 0;
+  const SystemError error = errno;
+  file.restore();
   // A name that no file can have is not there, as on Windows.
-  return errno == ENOTDIR || errno == ENAMETOOLONG ? ENOENT : errno;
+  return error == ENOTDIR || error == ENAMETOOLONG ? ENOENT : error;
 }
 
 SystemError renameFile(const char* from, const char* to) noexcept {

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <thread>
 
 #include "platform/byte_files.h"
@@ -17,6 +18,7 @@
 #include "platform/test/scratch_directory.h"
 #include "platform/test/table.h"
 #include "platform/test/variable.h"
+#include "vel_include/vel_filesys.h"
 
 namespace vel::platform {
 
@@ -66,6 +68,39 @@ TEST_F(PosixFiles, CurrentDirectoryFitsExactlyOrNotAtAll) {
   EXPECT_EQ(out, directory);
   for (std::size_t capacity = 0; capacity <= directory.size(); ++capacity)
     EXPECT_FALSE(currentDirectory(out, capacity)) << capacity;
+}
+
+/// Goes into a directory whose path has this length.
+std::string enterDirectoryOf(std::size_t length, const std::string& start) {
+  std::string path = fs::canonical(start).string();
+  while (path.size() < length) {
+    const std::size_t left = length - path.size() - 1;
+    path += '/' + std::string(left > 200 ? 100 : left, 'd');
+  }
+  fs::create_directories(path);
+  fs::current_path(path);
+  return path;
+}
+
+// With the drive and the final separator 260 characters fit.
+TEST_F(PosixFiles, LimitsOfNamesAreExact) {
+  const test::CurrentDirectory in(path(""));
+  for (const bool fits : {true, false}) {
+    const std::string directory = enterDirectoryOf(fits ? 257 : 258, path(""));
+    const std::string name = fits ? test::backSlashed(directory) + "\\" : "";
+    EXPECT_EQ(VelClDirectory().getAsCString(), name);
+    EXPECT_EQ(VelClDirectory().getLastError().errorId, fits ? VEL_NO_ERROR : DIRECTORY_EXPANSION_FAILED);
+    const VelClDirectory typed((test::backSlashed(directory) + "\\").c_str());
+    EXPECT_EQ(typed.isExistent(), fits);
+  }
+  const std::string folder = enterDirectoryOf(250, path("")), full = test::backSlashed(folder + "/1234567");
+  ASSERT_EQ(full.size(), 260U);
+  VelClFile file(VelClFilename(full.c_str()), nullptr);
+  EXPECT_FALSE(file.isExistent());
+  test::CurrentDirectory out(path(""));
+  scratch_.write(folder.substr(fs::canonical(path("")).string().size() + 1) + "/1234567", "text");
+  EXPECT_EQ(file.getFileSize(), 4U);
+  EXPECT_TRUE(file.remove() && !fs::exists(folder + "/1234567"));
 }
 
 TEST_F(PosixFiles, LongNamesFailAndAreNeverCut) {
@@ -174,14 +209,31 @@ TEST_F(PosixFiles, CopiesGoIntoAFileWhoseDirectoryTakesNoOther) {
   EXPECT_EQ(readFile(target) + readFile(sticky), "keptkept");
 }
 
-TEST_F(PosixFiles, RemovingALinkLeavesItsTargetAlone) {
+// The second name of a file shows what became of it.
+TEST_F(PosixFiles, RemovedFilesAreMadeWritableButNoLinksTarget) {
   ASSERT_EQ(chmod(file_.c_str(), 0444), 0);
   fs::create_symlink("file", path("link"));
-  EXPECT_EQ(makeRemovable(path("link").c_str()), 0);
-  EXPECT_EQ(modeOf("file"), mode_t{0444});
   EXPECT_EQ(removeFile(path("link").c_str()), 0);
-  EXPECT_EQ(makeRemovable(file_.c_str()), 0);
-  EXPECT_EQ(modeOf("file"), mode_t{0644});
+  EXPECT_EQ(modeOf("file"), mode_t{0444});
+  fs::create_hard_link(file_, path("second"));
+  EXPECT_EQ(removeFile(file_.c_str()), 0);
+  EXPECT_EQ(modeOf("second"), mode_t{0644});
+}
+
+// The superuser could remove it, and is another user meanwhile.
+TEST_F(PosixFiles, AFileThatCannotBeRemovedKeepsItsPermissions) {
+  const std::string kept = scratch_.write("locked/file", "kept");
+  ASSERT_EQ(chmod(path("locked").c_str(), 0555) | chmod(kept.c_str(), 0440), 0);
+  constexpr uid_t kOther = 65534;
+  const bool isRoot = geteuid() == 0;
+  if (isRoot && (chown(kept.c_str(), kOther, static_cast<gid_t>(-1)) != 0 || seteuid(kOther) != 0))
+    GTEST_SKIP() << "there is no other user";
+  VelClFile file(VelClFilename(kept.c_str()), nullptr);
+  EXPECT_FALSE(file.remove());
+  EXPECT_EQ(removeFile(kept.c_str()), EACCES);
+  EXPECT_TRUE(!isRoot || seteuid(0) == 0);
+  EXPECT_EQ(file.getLastError().errorClass, VelEnErrorClass::IO_PERMISSION_DENIED);
+  EXPECT_EQ(modeOf("locked/file"), mode_t{0440});
 }
 
 TEST_F(PosixFiles, RenamingNeverReplaces) {

@@ -67,12 +67,14 @@ SystemError setReadOnly(const char* name, bool readOnly) noexcept {
   return _chmod(name, readOnly ? _S_IREAD : _S_IREAD | _S_IWRITE) == 0 ? 0 : errno;
 }
 
-SystemError makeRemovable(const char* name) noexcept {
-  return setReadOnly(name, false);
-}
-
 SystemError removeFile(const char* name) noexcept {
-  return _unlink(name) == 0 ? 0 : errno;
+  const std::uint32_t attributes = attributesOf(name);
+  const bool isReadOnly = attributes != kAttributesUnreadable && (attributes & kAttributeReadOnly) != 0;
+  if (isReadOnly) static_cast<void>(setReadOnly(name, false));
+  if (_unlink(name) == 0) return 0;
+  const SystemError error = errno;
+  if (isReadOnly) static_cast<void>(setReadOnly(name, true));
+  return error;
 }
 
 SystemError renameFile(const char* from, const char* to) noexcept {
