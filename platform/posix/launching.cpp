@@ -1,15 +1,18 @@
 // Starting, finding and ending programs. Between fork and exec only async-signal-safe calls are made, and
 // what a waited child does until then it does in this process's memory: it changes nothing but its own
-// variables. It reports through a pipe that closes by itself when its program begins.
+// variables and its report. No pipe carries that: other threads' children could hold it open for as long as
+// they live.
 #include <fcntl.h>
 #include <pthread.h>
 #include <signal.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <climits>
 #include <mutex>
+#include <new>
 
 #include "platform/platform.h"
 #include "platform/posix/file_search.h"
@@ -20,15 +23,13 @@ namespace vel::platform {
 
 namespace {
 
-/// Where the child keeps its end of the pipe: the first descriptor behind the standard streams.
-constexpr int kReportDescriptor = 3;
+constexpr int kFirstInherited = 3;  ///< the first descriptor behind the standard streams
 constexpr int kExitCodeWithoutProgram = 127;
 
-enum class Kind : std::int32_t { Error, Process };
-
-struct Report {
-  Kind kind;
-  std::int32_t value;
+/// What the children tell, until the program begins or all of them are gone.
+struct Outcome {
+  int error = 0;
+  pid_t program = 0;
 };
 
 enum class Style { Waited, Detached };
@@ -38,38 +39,27 @@ struct Plan {
   char* const* arguments;
   Style style;
   sigset_t signalMask;  ///< the program's
+  Outcome* outcome;     ///< in memory that the children share
 };
 
-/// Both ends close when the object goes, and in every program that starts meanwhile.
-class ReportPipe {
+/// An outcome that children write to, also where the system makes an ordinary fork of every other.
+class SharedOutcome {
  public:
-  ReportPipe() noexcept : ends_{-1, -1} { open_ = pipe2(ends_, O_CLOEXEC) == 0; }
-  ReportPipe(const ReportPipe&) = delete;
-  ReportPipe& operator=(const ReportPipe&) = delete;
-  ~ReportPipe() {
-    closeEnd(0);
-    closeEnd(1);
+  SharedOutcome() noexcept
+      : memory_(mmap(nullptr, sizeof(Outcome), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)) {
+    if (isThere()) new (memory_) Outcome;
+  }
+  SharedOutcome(const SharedOutcome&) = delete;
+  SharedOutcome& operator=(const SharedOutcome&) = delete;
+  ~SharedOutcome() {
+    if (isThere()) munmap(memory_, sizeof(Outcome));
   }
 
-  bool isOpen() const noexcept { return open_; }
-  int writeEnd() const noexcept { return ends_[1]; }
-  void closeWriteEnd() noexcept { closeEnd(1); }
-
-  bool read(Report& report) const noexcept {
-    ssize_t length = 0;
-    do length = ::read(ends_[0], &report, sizeof report);
-    while (length < 0 && errno == EINTR);
-    return length == static_cast<ssize_t>(sizeof report);
-  }
+  bool isThere() const noexcept { return memory_ != MAP_FAILED; }
+  Outcome* get() const noexcept { return static_cast<Outcome*>(memory_); }
 
  private:
-  void closeEnd(int end) noexcept {
-    if (ends_[end] >= 0) close(ends_[end]);
-    ends_[end] = -1;
-  }
-
-  int ends_[2];
-  bool open_;
+  void* memory_;
 };
 
 /// What this process does about SIGCHLD must not take exit codes away. That is one setting for all threads: a
@@ -148,17 +138,6 @@ class SignalsDuringLaunch {
 
 // ---- In the child ----
 
-void tell(Kind kind, int value) noexcept {
-  const Report report{kind, value};
-  while (write(kReportDescriptor, &report, sizeof report) < 0 && errno == EINTR) {
-  }
-}
-
-void keepReportDescriptor(int writeEnd) noexcept {
-  if (writeEnd != kReportDescriptor) dup3(writeEnd, kReportDescriptor, O_CLOEXEC);
-  closeDescriptorsFrom(kReportDescriptor + 1);
-}
-
 /// Handlers would be gone after exec anyway, but must not run before.
 void resetHandlers() noexcept {
   for (int number = 1; number < NSIG; ++number) {
@@ -183,32 +162,53 @@ void useNullStreams() noexcept {
   }
 }
 
-[[noreturn]] void runProgram(const Plan& plan) noexcept {
+/// Returns only without the program.
+void become(const Plan& plan) noexcept {
   resetHandlers();
   pthread_sigmask(SIG_SETMASK, &plan.signalMask, nullptr);
   execve(plan.program, plan.arguments, environ);
-  tell(Kind::Error, errno);
-  _exit(kExitCodeWithoutProgram);
 }
 
-/// Its parent ends at once, so that the system's first process takes care of the program's end.
-[[noreturn]] void runDetached(const Plan& plan) noexcept {
+/// 0 when the pipe was closed by the program's start.
+int errorFrom(int pipe) noexcept {
+  int error = 0;
+  ssize_t length = 0;
+  do length = read(pipe, &error, sizeof error);
+  while (length < 0 && errno == EINTR);
+  return length == static_cast<ssize_t>(sizeof error) ? error : 0;
+}
+
+/// Its parent ends at once, so that the system's first process takes care of the program's end. Between the
+/// two is a pipe that no other thread's child can have.
+void startDetached(const Plan& plan) noexcept {
   setsid();
+  useNullStreams();
+  int ends[2];
+  plan.outcome->error = pipe2(ends, O_CLOEXEC) == 0 ? 0 : errno;
+  if (plan.outcome->error != 0) return;
   const pid_t program = _Fork();
   if (program == 0) {
-    useNullStreams();
-    runProgram(plan);
+    become(plan);
+    const int error = errno;
+    while (write(ends[1], &error, sizeof error) < 0 && errno == EINTR) {
+    }
+    _exit(kExitCodeWithoutProgram);
   }
-  if (program < 0)
-    tell(Kind::Error, errno);
-  else
-    tell(Kind::Process, program);
-  _exit(0);
+  const int error = errno;
+  close(ends[1]);
+  plan.outcome->program = program;
+  plan.outcome->error = program < 0 ? error : errorFrom(ends[0]);
 }
 
-[[noreturn, gnu::noinline]] void runChild(const Plan& plan, int writeEnd) noexcept {
-  keepReportDescriptor(writeEnd);
-  plan.style == Style::Detached ? runDetached(plan) : runProgram(plan);
+[[noreturn, gnu::noinline]] void runChild(const Plan& plan) noexcept {
+  closeDescriptorsFrom(kFirstInherited);
+  if (plan.style == Style::Detached) {
+    startDetached(plan);
+    _exit(0);
+  }
+  become(plan);
+  plan.outcome->error = errno;
+  _exit(kExitCodeWithoutProgram);
 }
 
 // ---- In this process ----
@@ -245,30 +245,17 @@ bool findProgram(const char* name, FoundPath found) noexcept {
   return searchProgram(name, found.out, found.capacity);
 }
 
-/// What the children told until the program began, or all of them were gone.
-struct Outcome {
-  int error = 0;
-  pid_t program = 0;
-
-  void readFrom(const ReportPipe& pipe) noexcept {
-    for (Report report{}; pipe.read(report);) {
-      if (report.kind == Kind::Error) error = report.value;
-      if (report.kind == Kind::Process) program = report.value;
-    }
-  }
-};
-
 /// A detached child forks once more, which one in shared memory must not.
-pid_t startChild(const Plan& plan, int writeEnd) noexcept {
+pid_t startChild(const Plan& plan) noexcept {
   if (plan.style == Style::Detached) {
     const pid_t child = _Fork();
-    if (child == 0) runChild(plan, writeEnd);
+    if (child == 0) runChild(plan);
     return child;
   }
   // NOLINTNEXTLINE(clang-analyzer-security.insecureAPI.vfork): signals are blocked, and runChild is safe
   const pid_t child = vfork();
   // NOLINTNEXTLINE(clang-analyzer-unix.Vfork): it never returns
-  if (child == 0) runChild(plan, writeEnd);
+  if (child == 0) runChild(plan);
   return child;
 }
 
@@ -277,19 +264,19 @@ int run(const Launch& launch, Style style, Outcome& outcome, int& status) noexce
   const NoCancellation whole;
   PathBuffer program;
   if (!findProgram(launch.arguments[0], {program.data(), program.size()})) return ENOENT;
-  ReportPipe pipe;
-  if (!pipe.isOpen()) return errno;
+  const SharedOutcome shared;
+  if (!shared.isThere()) return errno;
   const SignalsDuringLaunch signals;
-  const Plan plan{program.data(), launch.arguments, style, signals.before()};
-  const pid_t child = startChild(plan, pipe.writeEnd());
+  const Plan plan{program.data(), launch.arguments, style, signals.before(), shared.get()};
+  const pid_t child = startChild(plan);
   if (child < 0) return errno;
-  pipe.closeWriteEnd();
   signals.blockChildSignalOnly();
-  outcome.readFrom(pipe);
   const bool known = waitFor(child, status);
+  outcome = *shared.get();
   if (outcome.error != 0) return outcome.error;
-  // A detached program is known from its report.
-  return known || style == Style::Detached ? 0 : ECHILD;
+  // Of a detached program there is what was told, whoever took notice of the child's end.
+  const bool isStarted = style == Style::Detached ? outcome.program > 0 : known;
+  return isStarted ? 0 : ECHILD;
 }
 
 }  // namespace

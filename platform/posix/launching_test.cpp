@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
+#include <climits>
 #include <future>
 
 #include "platform/platform.h"
@@ -78,6 +80,11 @@ TEST(PosixLaunching, FailedStartsTellTheSystemsNumber) {
   EXPECT_EQ(run({text}), -ENOEXEC);
   for (const std::string& missing : {scratch.path("absent/program"), scratch.path(), script})
     EXPECT_EQ(run({missing}), -ENOENT);
+  // The longest name that a system takes, and one that is longer.
+  const std::string program = "/bin/true",
+                    longest = std::string(PATH_MAX - 1 - program.size(), '/') + program;
+  EXPECT_EQ(run({longest}), 0);
+  EXPECT_EQ(run({"/" + longest}), -ENOENT);
   std::uint32_t id = 0;
   EXPECT_EQ(launch(launchDetached, {text}, id), ENOEXEC);
   EXPECT_TRUE(hasNoChildren());
@@ -94,28 +101,96 @@ TEST(PosixLaunching, OnlyStandardStreamsAreInherited) {
   EXPECT_EQ(runShell(test), 1);
   // The test can see what is open, too.
   EXPECT_EQ(runShell("exec 9</dev/null; [ -e /proc/$$/fd/9 ] && [ -e /proc/$$/fd/1 ]"), 0);
-  EXPECT_EQ(statusOfCopy([&open] {
-              closeListedDescriptors(4);
-              bool closed = fcntl(STDERR_FILENO, F_GETFD) != -1;
-              for (const int number : open) closed = closed && (number < 4 || fcntl(number, F_GETFD) == -1);
-              return closed;
-            }),
-            0);
+  // The listing itself takes the first free number.
+  for (const bool isInputOpen : {true, false})
+    EXPECT_EQ(statusOfCopy([&open, isInputOpen] {
+                if (!isInputOpen) close(STDIN_FILENO);
+                closeListedDescriptors(4);
+                bool closed = fcntl(STDERR_FILENO, F_GETFD) != -1;
+                for (const int number : open) closed = closed && (number < 4 || fcntl(number, F_GETFD) == -1);
+                return closed && (isInputOpen || fcntl(STDIN_FILENO, F_GETFD) == -1);
+              }),
+              0)
+        << isInputOpen;
   for (const int number : open) close(number);
   testing::internal::CaptureStdout();
   EXPECT_EQ(runShell("echo printed"), 0);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "printed\n");
 }
 
+/// Copies of this process that live until they are told to end.
+class SleepingCopies {
+ public:
+  SleepingCopies() { isReady_ = pipe(ends_) == 0; }
+  SleepingCopies(const SleepingCopies&) = delete;
+  SleepingCopies& operator=(const SleepingCopies&) = delete;
+  ~SleepingCopies() {
+    close(ends_[1]);
+    for (const pid_t child : children_) waitpid(child, nullptr, 0);
+    close(ends_[0]);
+  }
+
+  bool isReady() const { return isReady_; }
+  void add() {
+    const pid_t child = fork();
+    if (child > 0) children_.push_back(child);
+    if (child != 0) return;
+    char byte = 0;
+    close(ends_[1]);
+    while (read(ends_[0], &byte, 1) < 0) {
+    }
+    _exit(0);
+  }
+
+ private:
+  int ends_[2];
+  bool isReady_;
+  std::vector<pid_t> children_;
+};
+
+int failedLaunches() {
+  int failures = 0;
+  std::uint32_t id = 0;
+  for (int times = 0; times < 20; ++times) {
+    failures += runShell("exit 5") == 5 ? 0 : 1;
+    failures += launch(launchDetached, {"/bin/sh", "-c", "exit 0"}, id) == 0 ? 0 : 1;
+  }
+  return failures;
+}
+
+// They have all that was open at their start, and keep it.
+TEST(PosixLaunching, NeverWaitForTheChildrenOfOtherThreads) {
+  std::future<int> failures;
+  bool isDone = false;
+  {
+    SleepingCopies copies;
+    ASSERT_TRUE(copies.isReady());
+    failures = std::async(std::launch::async, failedLaunches);
+    const auto isDoneIn = [&failures](int milliseconds) {
+      return failures.wait_for(std::chrono::milliseconds(milliseconds)) == std::future_status::ready;
+    };
+    for (int left = 300; left > 0 && !isDoneIn(0); --left) copies.add();
+    isDone = isDoneIn(test::kTimeLimitMs);
+  }
+  EXPECT_TRUE(isDone);
+  EXPECT_EQ(failures.get(), 0);
+}
+
 TEST(PosixLaunching, WorksWithoutStandardStreams) {
-  // The pipe's own ends then have their numbers.
-  EXPECT_EQ(statusOfCopy([] {
+  const test::ScratchDirectory scratch;
+  const std::string report = scratch.path("report");
+  const std::string script = "cd /proc/$$/fd; echo $(readlink 0 1 2) > " + report;
+  // What is opened on the way then has their numbers.
+  EXPECT_EQ(statusOfCopy([&script] {
               for (const int stream : {0, 1, 2}) close(stream);
               std::uint32_t id = 0;
               return runShell("exit 3") == 3 && run({"/nowhere/program"}) == -ENOENT &&
-                     launch(launchDetached, {"/bin/sh", "-c", "exit 0"}, id) == 0 && id != 0;
+                     launch(launchDetached, {"/bin/sh", "-c", script}, id) == 0 && id != 0;
             }),
             0);
+  EXPECT_TRUE(test::waitUntil([&report] {
+    return test::readFile(report) == "/dev/null /dev/null /dev/null\n";
+  })) << test::readFile(report);
 }
 
 TEST(PosixThreads, ForkedChildrenAreOtherThreads) {
