@@ -34,23 +34,23 @@ class OpenDirectory {
 class Roots {
  public:
   explicit Roots(const char* directory) noexcept {
-    platform::DirectoryNumber number;
+    platform::FileIdentity identity;
     // Who was allowed to open a directory may look at it, too: then it is not this one.
-    const platform::SystemError error = platform::numberOfRoot(directory, number);
-    error == 0 ? add(number) : note(error == EACCES);
+    const platform::SystemError error = platform::identityOfRoot(directory, identity);
+    error == 0 ? add(identity) : note(error == EACCES);
     addShareOf(VelClPathProperty(directory));
   }
 
   /// True, too, where that is not known.
   bool include(const platform::DirectoryHandle& directory) const noexcept {
-    platform::DirectoryNumber number;
-    const auto* const end = numbers_ + count_;
-    return !areKnown_ || platform::numberOf(directory, number) != 0 ||
-           std::find(numbers_, end, number) != end;
+    platform::FileIdentity identity;
+    const auto* const end = identities_ + count_;
+    return !areKnown_ || platform::identityOf(directory, identity) != 0 ||
+           std::find(identities_, end, identity) != end;
   }
 
  private:
-  void add(const platform::DirectoryNumber& number) noexcept { numbers_[count_++] = number; }
+  void add(const platform::FileIdentity& identity) noexcept { identities_[count_++] = identity; }
   void note(bool isKnown) noexcept { areKnown_ = areKnown_ && isKnown; }
 
   void addShareOf(const VelClPathProperty& name) noexcept {
@@ -58,14 +58,14 @@ class Roots {
     PathText<> share;
     share.append(name.getAsCString(), static_cast<std::size_t>(name.getPtrToPath() - name.getAsCString()));
     OpenDirectory opened;
-    platform::DirectoryNumber number;
+    platform::FileIdentity identity;
     platform::SystemError error =
         platform::openDirectory(share.text(), platform::DirectoryLink::Follow, opened.handle());
-    if (error == 0) error = platform::numberOf(opened.handle(), number);
-    error == 0 ? add(number) : note(error == EACCES || error == ENOENT || error == ENOTDIR);
+    if (error == 0) error = platform::identityOf(opened.handle(), identity);
+    error == 0 ? add(identity) : note(error == EACCES || error == ENOENT || error == ENOTDIR);
   }
 
-  platform::DirectoryNumber numbers_[2];
+  platform::FileIdentity identities_[2];
   int count_ = 0;
   bool areKnown_ = true;
 };

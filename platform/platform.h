@@ -42,8 +42,8 @@ bool statusOf(const char* name, EntryStatus& status) noexcept;
 SystemError copyFile(const char* from, const char* to, bool writable = false) noexcept;
 /// Sets or clears write permission and nothing else; clearing read-only gives it to the owner.
 SystemError setReadOnly(const char* name, bool readOnly) noexcept;
-/// Removes a file, which is made writable first, and gets its permissions back when it cannot be removed. Never a
-/// directory. A link goes itself; what it leads to is left alone.
+/// Removes a file, which is made writable first, and gets its permissions back when it cannot be removed.
+/// Never a directory. A link goes itself; what it leads to is left alone.
 SystemError removeFile(const char* name) noexcept;
 /// Refuses an existing target with EEXIST, also when it appears at the last moment.
 SystemError renameFile(const char* from, const char* to) noexcept;
@@ -193,21 +193,14 @@ struct DirectoryEntry {
   alignas(2) unsigned char systemName[522];
 };
 
-/// Which directory it is, under whatever name.
-struct DirectoryNumber {
-  std::uint64_t volume = 0;
-  std::uint64_t file = 0;
-  bool operator==(const DirectoryNumber&) const = default;
-};
-
 /// ENOTDIR for everything but a directory, a refused link included.
 SystemError openDirectory(const char* name, DirectoryLink link, DirectoryHandle& directory) noexcept;
 void closeDirectory(DirectoryHandle& directory) noexcept;
 /// Of what was opened, wherever its name leads by now.
-SystemError numberOf(const DirectoryHandle& directory, DirectoryNumber& number) noexcept;
+SystemError identityOf(const DirectoryHandle& directory, FileIdentity& identity) noexcept;
 /// Of this process's root; on Windows of the root of the drive or share that the name leads to. EACCES for a
 /// root that this process may not even look at.
-SystemError numberOfRoot(const char* name, DirectoryNumber& number) noexcept;
+SystemError identityOfRoot(const char* name, FileIdentity& identity) noexcept;
 /// Moves to the next entry. The end of the list is not an error; after Failed, errno (on Windows the
 /// last error) has the reason.
 WalkStep nextEntry(DirectoryHandle& directory, DirectoryEntry& entry) noexcept;
@@ -332,11 +325,11 @@ enum class CatalogOwner {
 };
 
 /// A descriptor for reading the bytes of a catalog library's file (byte_files.h), or -1 when there is no such
-/// file with contents. Windows: the loader's search, also for libraries that are loaded already. POSIX: a name
-/// without directory is looked for beside the program, in the current directory, along PATH, and beside this
-/// library, first as it is spelled and then in any letter case.
-/// This library's own catalog is looked for beside this library, beside the program, along PATH, and only then
-/// in the current directory; on Windows, by the loader.
+/// file with contents. Windows: the loader's search, also for libraries that are loaded already. POSIX: a
+/// name without directory is looked for beside the program, in the current directory, along PATH, and beside
+/// this library, first as it is spelled and then in any letter case. This library's own catalog is looked for
+/// beside this library, beside the program, along PATH, and only then in the current directory; on Windows,
+/// by the loader.
 int openCatalog(const char* fileName, CatalogOwner owner) noexcept;
 
 // ---- Languages and code pages (languages.cpp) ------------------------------------------------

@@ -13,6 +13,7 @@
 
 #include "platform/platform.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/target.h"
 
 namespace vel::platform {
 
@@ -108,17 +109,17 @@ void closeDirectory(DirectoryHandle& directory) noexcept {
   directory = {};
 }
 
-SystemError numberOf(const DirectoryHandle& directory, DirectoryNumber& number) noexcept {
+SystemError identityOf(const DirectoryHandle& directory, FileIdentity& identity) noexcept {
   struct stat status;
   if (fstat(dirfd(streamOf(directory)), &status) != 0) return errno;
-  number = {status.st_dev, status.st_ino};
+  identity = identityOf(status);
   return 0;
 }
 
-SystemError numberOfRoot(const char*, DirectoryNumber& number) noexcept {
+SystemError identityOfRoot(const char*, FileIdentity& identity) noexcept {
   struct stat status;
   if (stat("/", &status) != 0) return errno;
-  number = {status.st_dev, status.st_ino};
+  identity = identityOf(status);
   return 0;
 }
 

@@ -108,21 +108,21 @@ std::uint64_t hashOfName(HANDLE file) noexcept {
   return hash;
 }
 
-SystemError numberOf(HANDLE file, DirectoryNumber& number) noexcept {
+SystemError identityOf(HANDLE file, FileIdentity& identity) noexcept {
   BY_HANDLE_FILE_INFORMATION info;
   if (GetFileInformationByHandle(file, &info) == FALSE) return errnoOf(GetLastError());
-  number.volume = info.dwVolumeSerialNumber;
-  number.file = static_cast<std::uint64_t>(info.nFileIndexHigh) << 32 | info.nFileIndexLow;
-  if (number.file == 0) number.file = hashOfName(file);
+  identity.volume = info.dwVolumeSerialNumber;
+  identity.number = static_cast<std::uint64_t>(info.nFileIndexHigh) << 32 | info.nFileIndexLow;
+  if (identity.number == 0) identity.number = hashOfName(file);
   return 0;
 }
 
 /// The system's error, or that it is no directory.
-DWORD numberOfDirectory(const char* path, DirectoryNumber& number) noexcept {
+DWORD identityOfDirectory(const char* path, FileIdentity& identity) noexcept {
   const HANDLE opened = CreateFileA(path, FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS, nullptr);
   if (opened == INVALID_HANDLE_VALUE) return GetLastError();
-  const bool isKnown = isDirectory(opened, DirectoryLink::Follow) && numberOf(opened, number) == 0;
+  const bool isKnown = isDirectory(opened, DirectoryLink::Follow) && identityOf(opened, identity) == 0;
   CloseHandle(opened);
   return isKnown ? ERROR_SUCCESS : ERROR_DIRECTORY;
 }
@@ -206,19 +206,19 @@ void closeDirectory(DirectoryHandle& directory) noexcept {
   directory = {};
 }
 
-SystemError numberOf(const DirectoryHandle& directory, DirectoryNumber& number) noexcept {
-  return numberOf(static_cast<HANDLE>(directory.system), number);
+SystemError identityOf(const DirectoryHandle& directory, FileIdentity& identity) noexcept {
+  return identityOf(static_cast<HANDLE>(directory.system), identity);
 }
 
 // The first of the directories on the way that can be opened is the root: what is before it only leads there.
-SystemError numberOfRoot(const char* name, DirectoryNumber& number) noexcept {
+SystemError identityOfRoot(const char* name, FileIdentity& identity) noexcept {
   std::array<char, 1024> path{};
   const DWORD length = GetFullPathNameA(name, static_cast<DWORD>(path.size() - 1), path.data(), nullptr);
   if (length == 0 || length >= path.size() - 1) return ENAMETOOLONG;
   if (path[length - 1] != '\\') std::strcpy(path.data() + length, "\\");
   for (char* end = firstEnd(path.data()); end != nullptr; end = std::strchr(end + 1, '\\')) {
     const char next = std::exchange(end[1], '\0');
-    const DWORD error = numberOfDirectory(path.data(), number);
+    const DWORD error = identityOfDirectory(path.data(), identity);
     end[1] = next;
     if (error == ERROR_SUCCESS) return 0;
     if (error == ERROR_ACCESS_DENIED) return EACCES;
