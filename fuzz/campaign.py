@@ -9,6 +9,7 @@ no longer fails becomes an input of the corpus.
 """
 import argparse
 import concurrent.futures
+import fcntl
 import json
 import os
 import pathlib
@@ -251,6 +252,12 @@ def main():
         sys.exit("nothing to fuzz")
     for number in (signal.SIGINT, signal.SIGTERM):
         signal.signal(number, stop)
+    options.found.mkdir(parents=True, exist_ok=True)
+    lock = (options.found / "lock").open("w")
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        sys.exit(f"another run is at work in {options.found}")
     targets = [Target(name, options) for name in names]
     for target in targets:
         target.prepare()

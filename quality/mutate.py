@@ -9,6 +9,7 @@ sanitizers, too.
 """
 import argparse
 import collections
+import fcntl
 import json
 import pathlib
 import random
@@ -195,6 +196,11 @@ def main():
         signal.signal(number, lambda *_: stop.set())
     place = CHECKOUT / "build" / "mutate"
     place.mkdir(parents=True, exist_ok=True)
+    lock = (place / "lock").open("w")
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        sys.exit("another run is at work in build/mutate")
     tree = overlay.Tree(CHECKOUT, place / "tree")
     results = Results(place / "results.jsonl", tree.digest)
     trial = Trial(tree, "linux")
