@@ -108,6 +108,21 @@ TEST_F(NewProcess, ArgumentsAreSplitAsTheWindowsRuntimeDoes) {
   }
 }
 
+TEST_F(NewProcess, ManyArgumentsArriveInTheirOrder) {
+  VelClNewSyncProcess process(child_);
+  process.addArgument(7L);
+  Texts expected;
+  for (int number = 1; number < 60; ++number) {
+    const std::string text(static_cast<std::size_t>(number), static_cast<char>('A' + number % 26));
+    process.addArgument(text.c_str());
+    expected.push_back('[' + text + ']');
+  }
+  EXPECT_EQ(process.getArgumentCount(), 61U);
+  EXPECT_TRUE(process.launch());
+  EXPECT_EQ(process.getResult(), 7U);
+  EXPECT_EQ(arguments(), expected);
+}
+
 TEST_F(NewProcess, DetachedProgramsRunUntilTheyAreEnded) {
   for (const bool newConsole : {false, true}) {
     VelClNewAsyncProcess process(child_);

@@ -49,12 +49,12 @@ ChildResult runChild(const std::string& program, const std::vector<std::string>&
 }
 
 // Of a file, a terminal's mode or a window of another process no system tells a test: it has to ask.
-bool waitUntil(const std::function<bool()>& question) {
-  for (int passedMs = 0; passedMs < kTimeLimitMs; ++passedMs) {
+bool waitUntil(const std::function<bool()>& question, int limitMs) {
+  for (int passedMs = 0; passedMs < limitMs; ++passedMs) {
     if (question()) return true;
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
-  return false;
+  return question();
 }
 
 }  // namespace vel::test

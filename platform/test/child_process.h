@@ -49,7 +49,7 @@ std::string ownProgram();
 bool endsWithin(unsigned int processId, int milliseconds);
 
 /// Asks every millisecond until the answer is yes; false at the time limit.
-bool waitUntil(const std::function<bool()>& question);
+bool waitUntil(const std::function<bool()>& question, int limitMs = kTimeLimitMs);
 
 /// Closes a descriptor of the runtime.
 void closeDescriptor(int descriptor);
