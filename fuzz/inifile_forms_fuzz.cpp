@@ -287,7 +287,8 @@ void checkShell(const VelClIniFile& file, const std::string& printed, const std:
     require(readWord(list) == section);
     for (const auto& [option, value] : options) {
       const std::string variable = readVariable(script);
-      require(variable == asVariable(section + "_" + option, prefix) && readWord(script) == value);
+      require(variable == asVariable(std::string(section).append("_").append(option), prefix) &&
+              readWord(script) == value);
       isRefused = isRefused || variable == refused;
       if (refused.empty()) checkVariable(variable, prefix);
     }

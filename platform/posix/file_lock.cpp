@@ -74,10 +74,11 @@ Round lockAt(const char* path, int flags, FileLock& lock) noexcept {
 /// False when the path is too long.
 bool directoryOf(const char* path, char (&directory)[PATH_MAX]) noexcept {
   const char* const separator = std::strrchr(path, '/');
-  const std::size_t length = separator != nullptr ? static_cast<std::size_t>(separator - path) + 1 : 0;
+  const char* const from = separator != nullptr ? path : ".";
+  const std::size_t length = separator != nullptr ? static_cast<std::size_t>(separator - path) + 1 : 1;
   if (length >= sizeof directory) return false;
-  std::memcpy(directory, path, length);
-  std::strcpy(directory + length, length == 0 ? "." : "");
+  std::memcpy(directory, from, length);
+  directory[length] = '\0';
   return true;
 }
 
