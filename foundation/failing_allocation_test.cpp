@@ -102,7 +102,6 @@ TEST_F(FailingAllocation, OfSingleOperations) {
       {"block", [] { const VelClMemoryPoolBlock block(100, 64); }},
       {"plain blocks", [] { velFree(velCalloc(2, 8)); }},
       {"waiting process", [] { VelClNewSyncProcess(VelClExeFile("absent")).addArgument(5L); }},
-      {"table's cursor", [] { VelClMessageCatalogCursor(VelClMessageCatalog(kTable, 4)).setToFirst(); }},
       {"conversion", [] { convert(37, 850); }},
       {"strict single bytes", [] { convertStrictly(37, 850); }},
       {"strict double bytes", [] { convertStrictly(930, 943); }},

@@ -21,15 +21,16 @@ class Descriptor {
   }
 
   /// Empty when the file is too large, or changes while it is read.
-  Vector<std::uint8_t> readAll() const {
-    Vector<std::uint8_t> bytes;
+  CatalogLibrary::FileBytes readAll() const {
     const std::uint64_t size = descriptor_ == -1 ? 0 : platform::bytesLeft(descriptor_);
-    if (size > CatalogLibrary::kMostBytes) return bytes;
-    bytes.resize(static_cast<std::size_t>(size));
-    for (std::size_t done = 0; done < bytes.size();) {
-      const std::int64_t count = platform::readBytes(descriptor_, bytes.data() + done, bytes.size() - done);
+    if (size == 0 || size > CatalogLibrary::kMostBytes) return {};
+    CatalogLibrary::FileBytes bytes;
+    bytes.data.reset(static_cast<std::uint8_t*>(VelClMemoryManager::malloc(static_cast<std::size_t>(size))));
+    while (bytes.size < size) {
+      const std::int64_t count = platform::readBytes(descriptor_, bytes.data.get() + bytes.size,
+                                                     static_cast<std::size_t>(size) - bytes.size);
       if (count <= 0) return {};
-      done += static_cast<std::size_t>(count);
+      bytes.size += static_cast<std::size_t>(count);
     }
     return bytes;
   }
@@ -41,13 +42,13 @@ class Descriptor {
 }  // namespace
 
 CatalogLibrary::Owner CatalogLibrary::open(const char* fileName, platform::CatalogOwner owner) {
-  Vector<std::uint8_t> bytes = Descriptor(platform::openCatalog(fileName, owner)).readAll();
-  if (!PortableExecutable(bytes.data(), bytes.size()).isValid()) return nullptr;
+  FileBytes bytes = Descriptor(platform::openCatalog(fileName, owner)).readAll();
+  if (!PortableExecutable(bytes.data.get(), bytes.size).isValid()) return nullptr;
   return Owner(create<CatalogLibrary>(std::move(bytes)));
 }
 
-CatalogLibrary::CatalogLibrary(Vector<std::uint8_t> bytes) noexcept
-    : bytes_(std::move(bytes)), file_(bytes_.data(), bytes_.size()) {}
+CatalogLibrary::CatalogLibrary(FileBytes bytes) noexcept
+    : bytes_(std::move(bytes)), file_(bytes_.data.get(), bytes_.size) {}
 
 void CatalogLibrary::useLanguage(std::uint32_t language) noexcept {
   MessageTable table{};

@@ -25,7 +25,13 @@ class CatalogLibrary {
   /// Null when the file is not found, is larger than that, or is none that the system's loader would take.
   static Owner open(const char* fileName, platform::CatalogOwner owner);
 
-  explicit CatalogLibrary(Vector<std::uint8_t> bytes) noexcept;
+  /// The bytes of a file, in managed memory.
+  struct FileBytes {
+    std::unique_ptr<std::uint8_t[], FreeBlock> data;
+    std::size_t size = 0;
+  };
+
+  explicit CatalogLibrary(FileBytes bytes) noexcept;
   CatalogLibrary(const CatalogLibrary&) = delete;
   CatalogLibrary& operator=(const CatalogLibrary&) = delete;
 
@@ -41,7 +47,7 @@ class CatalogLibrary {
 
  private:
   /// A copy, so that it does not matter what becomes of the file.
-  Vector<std::uint8_t> bytes_;
+  FileBytes bytes_;
   PortableExecutable file_;
   MessageResource messages_{nullptr, 0};
 };

@@ -40,7 +40,7 @@ class Budget {
 
  private:
   static constexpr std::uint64_t kPlace = 16;
-  static constexpr std::uint64_t kSmallFile = std::uint64_t{4} << 20;
+  static constexpr std::uint64_t kSmallFile = std::uint64_t{1} << 20;
 
   std::uint64_t left_;
 };

@@ -275,7 +275,7 @@ TEST(MessageCatalogCursor, SharedTablesAreListedAsFarAsTheFilesSizeAllows) {
     std::uint32_t messages, languages;
     bool all;
   };
-  for (const auto& [messages, languages, all] : {Row{100, 60, true}, Row{250000, 1000, false}}) {
+  for (const auto& [messages, languages, all] : {Row{100, 60, true}, Row{20000, 1000, false}}) {
     const vel::test::ScratchDirectory directory;
     const auto bytes = vel::test::libraryOfSharedBranches(tableOfNothing(messages), 1, languages);
     const std::string path = directory.write("shared.DLL", {bytes.begin(), bytes.end()});
@@ -283,12 +283,14 @@ TEST(MessageCatalogCursor, SharedTablesAreListedAsFarAsTheFilesSizeAllows) {
     ASSERT_TRUE(catalog.isValid());
     const vel::test::WatchedMemory memory;
     VelClMessageCatalogCursor cursor(catalog);
-    // 24 bytes for an entry, as many entries as cost 16 bytes each, and 4 MB for small files.
-    EXPECT_LE(memory.lastSize, 6 * bytes.size() + (6U << 20));
-    std::size_t count = 0;
-    for (bool more = cursor.setToFirst(); more; more = cursor.setToNext()) ++count;
-    EXPECT_GE(count, messages);
-    EXPECT_EQ(count == std::size_t{messages} * languages, all);
+    // 24 bytes for an entry, as many entries as cost 16 bytes each, and 1 MB for small files.
+    EXPECT_LE(memory.lastSize, 6 * bytes.size() + (2U << 20));
+    EXPECT_GE(memory.lastSize, std::size_t{24} * messages);
+    EXPECT_TRUE(cursor.setToFirst() && cursor.getId() == 1 && cursor.getLanguage() == 1);
+    if (!all) continue;
+    std::size_t count = 1;
+    while (cursor.setToNext()) ++count;
+    EXPECT_EQ(count, std::size_t{messages} * languages);
   }
 }
 
