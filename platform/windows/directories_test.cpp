@@ -1,10 +1,11 @@
-// Links in the place of directories.
+// Links in the place of directories, and files that cannot be removed.
 #include <gtest/gtest.h>
 
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
 #include <cerrno>
+#include <fstream>
 
 #include "platform/platform.h"
 #include "platform/test/child_process.h"
@@ -73,6 +74,18 @@ TEST(WindowsDirectories, RemovalNeverFollowsALink) {
     EXPECT_EQ(test::readFile(file), "kept");
     EXPECT_TRUE(isThere(scratch.path("outside\\empty")));
   }
+}
+
+TEST(WindowsFiles, OneThatCannotBeRemovedStaysReadOnly) {
+  const test::ScratchDirectory scratch;
+  const std::string name = scratch.write("file", "kept");
+  ASSERT_EQ(setReadOnly(name.c_str(), true), 0);
+  {
+    const std::ifstream open(name);
+    EXPECT_EQ(removeFile(name.c_str()), EACCES);
+    EXPECT_EQ(attributesOf(name.c_str()), kAttributeReadOnly);
+  }
+  EXPECT_EQ(removeFile(name.c_str()), 0);
 }
 
 }  // namespace
