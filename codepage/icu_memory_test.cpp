@@ -82,6 +82,12 @@ class IcuMemory : public testing::Test {
     forget();
   }
 
+  void TearDown() override {
+    if (cleanUp_ != nullptr) cleanUp_();
+    velDllProcLoaderClose(library);
+    library = nullptr;
+  }
+
   /// ICU loads everything anew the next time, but for its table of names: without memory for that it tells of
   /// a missing file, and has no page any more. Its memory is another from now on.
   void forget() {
