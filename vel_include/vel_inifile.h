@@ -361,7 +361,7 @@ class VEL_API VelClIniFileSave : public VelClIniFile {
 
 /// What became of VelClIniFileEditor::lock.
 enum class VelEnIniFileLock : uint32_t {
-  LOCKED,
+  LOCKED,       ///< until unlock(), a save that succeeds, or the end of the editor
   TIMED_OUT,    ///< another editor had the lock all the time
   UNSUPPORTED,  ///< the file system has no locks; load() and save() see a file that was changed all the same
   FAILED        ///< there is no such directory, or no right to read the file
