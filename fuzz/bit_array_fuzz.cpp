@@ -61,7 +61,8 @@ void requireEqual(const VelClBitArray& array, const Model& model) {
 /// What was written is read back by an array of the same size.
 void requireRoundTrip(const VelClBitArray& array, std::size_t size) {
   VelClBitArray copy(size);
-  const VelClBitArray sibling(array);
+  VelClBitArray sibling(0);
+  sibling = array;
   std::stringstream stream;
   array.write(stream);
   if (array.getNumOfBits() / 8 != size / 8) return;
