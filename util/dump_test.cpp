@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <bitset>
 #include <cctype>
 #include <cstdint>
@@ -74,7 +75,7 @@ TEST(StringRepresentation, PrintsAddressesAsStreamsDo) {
     numbers.push_back(~std::uintptr_t{0} >> bits);
   }
   for (const std::uintptr_t number : numbers) {
-    const auto* const address = reinterpret_cast<const void*>(number);
+    const auto* const address = std::bit_cast<const void*>(number);
     std::ostringstream expected;
     expected << address;
     EXPECT_EQ(VelClStrepAddress(address).getAsCString(), expected.str());
@@ -92,7 +93,7 @@ class Pointer final : public VelClStrepAddress {
 #pragma GCC diagnostic pop
 
 TEST(StringRepresentation, CanBeDerivedFrom) {
-  const Pointer pointer(reinterpret_cast<const void*>(std::uintptr_t{0x1ab}));
+  const Pointer pointer(std::bit_cast<const void*>(std::uintptr_t{0x1ab}));
   const VelClStrepAddress& address = pointer;
   EXPECT_STREQ(address.getAsCString(), "1ab");
 }
