@@ -40,19 +40,12 @@ void readBlock(const std::vector<std::uint8_t>& bytes) {
   require(count <= 64 * bytes.size() / 4);
 }
 
-std::size_t countTables(const PortableExecutable& file) {
-  PortableExecutable::Cursor cursor;
-  std::size_t count = 0;
-  for (MessageTable table{}; file.nextMessageTable(cursor, table);) ++count;
-  return count;
-}
-
-/// A file that can do without its end held nothing there.
+/// A file that can do without its end held nothing of importance there. (Which tables are found may differ: a
+/// damaged directory may use up the walk's limit before the file's end ends it.)
 void readBeginning(const std::vector<std::uint8_t>& bytes, std::size_t size) {
   const std::vector<std::uint8_t> part(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size));
-  const PortableExecutable beginning(part.data(), part.size()), whole(bytes.data(), bytes.size());
-  // The walk's limits grow with the file.
-  if (beginning.isValid()) require(whole.isValid() && countTables(beginning) <= countTables(whole));
+  if (PortableExecutable(part.data(), part.size()).isValid())
+    require(PortableExecutable(bytes.data(), bytes.size()).isValid());
 }
 
 void readFile(const char* name, bool isLibrary) {
