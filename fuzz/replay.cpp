@@ -1,6 +1,6 @@
 // Runs a fuzz target in place of the fuzzer, always on the same inputs: on the files of a folder, on
 // beginnings of each, on each with single bytes changed, and on mixtures of their pieces. Its arguments are
-// the folder and how much work to do, in millions of bytes: the same on every machine, however busy it is.
+// the folder and how much work to do, in thousands of bytes: the same on every machine, however busy it is.
 #include <csignal>
 #include <cstdio>
 #include <random>
@@ -75,7 +75,7 @@ std::string mixture(const std::vector<std::string>& seeds, std::mt19937& random)
 
 int main(int argc, char** argv) {
   if (argc < 3) return 1;
-  const std::int64_t work = std::stoll(argv[2]) * 1'000'000;
+  const std::int64_t work = std::stoll(argv[2]) * 1000;
   std::signal(SIGABRT, showInput);
   std::vector<std::string> seeds;
   for (const auto& entry : std::filesystem::directory_iterator(argv[1]))
