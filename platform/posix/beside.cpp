@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "platform/posix/open_path.h"
 #include "platform/posix/rename.h"
 #include "platform/posix/target.h"
 
@@ -68,16 +69,10 @@ int createAt(const Replacement& replacement, const char* name, int flags, mode_t
   return descriptor;
 }
 
-/// The name under which a file without one can be linked.
-struct OwnName {
-  explicit OwnName(int descriptor) noexcept { snprintf(text, sizeof text, "/proc/self/fd/%d", descriptor); }
-  char text[32];
-};
-
 bool createUnnamed(mode_t mode, Replacement& replacement) noexcept {
   replacement.descriptor = createAt(replacement, ".", O_TMPFILE, mode);
   if (replacement.descriptor < 0) return false;
-  if (access(OwnName(replacement.descriptor).text, F_OK) == 0) return true;
+  if (access(OpenPath(replacement.descriptor).text, F_OK) == 0) return true;
   close(std::exchange(replacement.descriptor, -1));
   return false;
 }
@@ -93,7 +88,7 @@ SystemError createNamed(mode_t mode, Replacement& replacement) noexcept {
 }
 
 SystemError nameUnnamed(Replacement& replacement, const char* name) noexcept {
-  const OwnName own(replacement.descriptor);
+  const OpenPath own(replacement.descriptor);
   return linkat(AT_FDCWD, own.text, replacement.directory, name, AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;
 }
 

@@ -7,11 +7,11 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <cstdio>
 #include <cstring>
 
 #include "platform/platform.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/open_path.h"
 #include "platform/posix/rename.h"
 
 namespace vel::platform {
@@ -57,11 +57,7 @@ class WritableFile {
 
  private:
   /// What is only opened as a place is changed by its name there.
-  bool change(mode_t mode) const noexcept {
-    std::array<char, 32> place;
-    std::snprintf(place.data(), place.size(), "/proc/self/fd/%d", descriptor_);
-    return chmod(place.data(), mode) == 0;
-  }
+  bool change(mode_t mode) const noexcept { return chmod(OpenPath(descriptor_).text, mode) == 0; }
 
   int descriptor_;
   mode_t before_;
