@@ -37,8 +37,8 @@ bool statusOf(const char* name, EntryStatus& status) noexcept;
 /// Copies contents and permissions, also over an existing target unless that is read-only (EACCES,
 /// for every user) or the source itself under another name; `writable` gives the owner write permission.
 /// The copy is made beside the target and takes its place, so that a failed one changes nothing; a link is
-/// replaced itself, but not one to a directory (EISDIR). Only where the directory takes no new file is an
-/// existing target overwritten in place.
+/// replaced itself, but not one to a directory (EISDIR), device or pipe (EINVAL). Only where the directory
+/// takes no new file is an existing target overwritten in place.
 SystemError copyFile(const char* from, const char* to, bool writable = false) noexcept;
 /// Sets or clears write permission and nothing else; clearing read-only gives it to the owner.
 SystemError setReadOnly(const char* name, bool readOnly) noexcept;

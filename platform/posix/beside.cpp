@@ -142,11 +142,13 @@ SystemError createBeside(mode_t mode, BesideName name, Replacement& replacement)
   return createNamed(mode, replacement);
 }
 
-// Only the superuser can give files away; the group counts more than nothing. What belonged to an owner, a
-// group or a list that cannot be kept is no permission for another one. What counts is what is there in the
-// end: some file systems give a file the wanted owner by themselves.
+// Only root can give files away; otherwise try to keep the group. A permission of an owner, group or list
+// that is lost goes to nobody else. Neither is a refusal lost: whoever was in the old group now counts among
+// the others, who get no more than the group had; without the list, which may refuse single users, they get
+// nothing. What counts is what is there in the end: some file systems set the wanted owner by themselves.
 bool takeOverRights(const Replacement& replacement, mode_t mode) noexcept {
   constexpr mode_t kGroupBits = S_IRWXG | S_ISGID;
+  const mode_t othersOfGroup = (mode & S_IRWXG) >> 3;
   struct stat old, now;
   if (fstat(replacement.heldTarget, &old) != 0) return false;
   const int descriptor = replacement.descriptor;
@@ -156,7 +158,8 @@ bool takeOverRights(const Replacement& replacement, mode_t mode) noexcept {
   if (fstat(descriptor, &now) != 0) return false;
   mode_t kept = mode;
   if (now.st_uid != old.st_uid) kept &= ~mode_t{S_ISUID};
-  if (now.st_gid != old.st_gid || !keepsList) kept &= ~kGroupBits;
+  if (now.st_gid != old.st_gid) kept &= ~kGroupBits & (~mode_t{S_IRWXO} | othersOfGroup);
+  if (!keepsList) kept &= ~(kGroupBits | S_IRWXO);
   static_cast<void>(fchmod(descriptor, kept));
   return keepsList && now.st_uid == old.st_uid && now.st_gid == old.st_gid && fstat(descriptor, &now) == 0 &&
          (now.st_mode & kPermissionBits) == mode;

@@ -59,12 +59,13 @@ SystemError statusOfRegularFile(int descriptor, struct stat& status) noexcept {
   return S_ISREG(status.st_mode) ? 0 : EINVAL;
 }
 
-/// A link itself is the target, unless it leads to the source or to a directory.
+/// A link itself is the target, unless it leads to the source or to what is no file.
 SystemError checkLink(const Replacement& target, const struct stat& source) noexcept {
   struct stat status;
   if (fstatat(target.directory, target.target, &status, 0) != 0) return 0;
   if (identityOf(status) == identityOf(source)) return EACCES;
-  return S_ISDIR(status.st_mode) ? EISDIR : 0;
+  if (S_ISDIR(status.st_mode)) return EISDIR;
+  return S_ISREG(status.st_mode) ? 0 : EINVAL;
 }
 
 /// Refuses the source itself under another name, and read-only files: the superuser may write to them, but

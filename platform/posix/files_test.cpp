@@ -172,6 +172,9 @@ TEST_F(PosixFiles, CopiesTakeThePlaceOfALinkAndLeaveWhatItLeadsTo) {
   }
   fs::create_symlink("outside", path("link"));
   EXPECT_EQ(copy("file", "link"), EISDIR);
+  fs::create_symlink("/dev/null", path("device"));
+  EXPECT_EQ(copy("file", "device"), EINVAL);
+  EXPECT_TRUE(fs::is_symlink(path("device")));
   EXPECT_EQ(readFile(outside), "outside");
 }
 

@@ -210,16 +210,18 @@ TEST(Replacing, TellsWhenOwnerOrPermissionsAreLost) {
   const ScratchDirectory scratch;
   fs::permissions(scratch.path(), fs::perms(0777));
   const std::string file = scratch.write("file", "old");
-  fs::permissions(file, fs::perms(06777));
   const auto isTold = [&] {
     Begun begun(file);
     return finishReplacement(begun) == 0 && !begun.keepsRights ? 0 : 1;
   };
-  EXPECT_EQ(test::exitCodeOf(test::becomeOtherUser, isTold), 0);
   struct stat status {};
-  EXPECT_EQ(stat(file.c_str(), &status), 0);
-  // What was the owner's and the group's is no right of others.
-  EXPECT_EQ(status.st_mode & 07777, mode_t{0707});
+  // What was the owner's and the group's is no right of others, and what the group had not others get not.
+  for (const auto& [before, after] : {std::pair{0606, 0600}, {0646, 0604}, {06777, 0707}}) {
+    ASSERT_EQ(chown(file.c_str(), 0, 0) | chmod(file.c_str(), static_cast<mode_t>(before)), 0);
+    EXPECT_EQ(test::exitCodeOf(test::becomeOtherUser, isTold), 0);
+    EXPECT_EQ(stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, static_cast<mode_t>(after)) << std::oct << before;
+  }
   Begun begun(file);
   EXPECT_TRUE(finishReplacement(begun) == 0 && begun.keepsRights);
   EXPECT_EQ(stat(file.c_str(), &status), 0);

@@ -8,18 +8,18 @@
 #include <cstdlib>
 #include <iterator>
 
+#include "foundation/ascii.h"
+
 namespace vel::velini {
 
 namespace {
 
-/// Variables of shells, and those by which programs find their way to the net.
+/// Variables of shells. Programs take some in any case.
 constexpr std::string_view kSteering[] = {
-    "aliases",    "all_proxy",   "argv",       "auto_resume", "builtins",    "cdpath",   "commands",
-    "dirstack",   "fignore",     "fpath",      "ftp_proxy",   "functions",   "galiases", "histchars",
-    "http_proxy", "https_proxy", "mailpath",   "manpath",     "module_path", "modules",  "nameddirs",
-    "no_proxy",   "options",     "parameters", "path",        "pipestatus",  "prompt",   "psvar",
-    "reswords",   "rsync_proxy", "saliases",   "signals",     "status",      "termcap",  "terminfo",
-    "userdirs",   "watch",       "widgets"};
+    "aliases",   "argv",      "auto_resume", "builtins",  "cdpath",     "commands", "dirstack",    "fignore",
+    "fpath",     "functions", "galiases",    "histchars", "mailpath",   "manpath",  "module_path", "modules",
+    "nameddirs", "options",   "parameters",  "path",      "pipestatus", "prompt",   "psvar",       "reswords",
+    "saliases",  "signals",   "status",      "termcap",   "terminfo",   "userdirs", "watch",       "widgets"};
 
 /// How the names of families begin that a prefix could belong to.
 constexpr std::string_view kFamilies[] = {
@@ -40,10 +40,17 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-bool steersPrograms(std::string_view name) {
-  return std::find(std::begin(kSteering), std::end(kSteering), name) != std::end(kSteering) ||
+/// The hooks of a shell, and the ways of programs to the net.
+constexpr std::string_view kEnds[] = {"_functions", "_proxy"};
+
+bool steersPrograms(const std::string& name) {
+  std::string lower(name);
+  std::transform(lower.begin(), lower.end(), lower.begin(), toAsciiLower);
+  return std::find(std::begin(kSteering), std::end(kSteering), lower) != std::end(kSteering) ||
+         std::any_of(std::begin(kEnds), std::end(kEnds),
+                     [&lower](std::string_view end) { return lower.ends_with(end); }) ||
          std::any_of(std::begin(kFamilies), std::end(kFamilies),
-                     [name](std::string_view family) { return name.starts_with(family); });
+                     [&name](std::string_view family) { return name.starts_with(family); });
 }
 
 }  // namespace
