@@ -99,8 +99,10 @@ void writeException(std::ostream& stream, const VelClConsoleUIParams& params, co
   if (verbose || action != 0)
     writeName(stream, params, words, Word::ErrorAction, velErrorGetActionAsMessageId(exception.getAction()),
               action);
-  if (verbose && *exception.getCause() != '\0')
-    writeLine(stream, params, words[Word::Cause].getAsCString(), exception.getCause());
+  // A program's own exception may have none.
+  const char* const cause = exception.getCause();
+  if (verbose && cause != nullptr && *cause != '\0')
+    writeLine(stream, params, words[Word::Cause].getAsCString(), cause);
   if (verbose) writeOrigin(stream, params, words, exception);
   stream.flush();
 }

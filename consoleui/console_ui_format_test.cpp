@@ -159,23 +159,26 @@ TEST(Format, NamesErrorsAndTellsExceptions) {
 /// A program's own exception.
 class HostException : public VelClException {
  public:
-  HostException() : VelClException(_VelStUserError(), "the base's") {}
+  explicit HostException(const char* cause)
+      : VelClException(_VelStUserError(), "the base's"), hostCause_(cause) {}
   bool isVelException() const override { return false; }
-  const char* getCause() const override { return cause_.c_str(); }
+  const char* getCause() const override { return hostCause_; }
 
  private:
-  std::string cause_ = "the host's";
+  const char* hostCause_;
 };
 
 TEST(Format, AsksAnExceptionOfTheProgram) {
   Tool tool;
   try {
-    throw HostException();
+    throw HostException("the host's");
   } catch (const VelClException& caught) {
     EXPECT_FALSE(caught.isVelException());
     tool->format(caught, true);
   }
   EXPECT_NE(tool.take().find(": the host's\n"), std::string::npos);
+  tool->format(HostException(nullptr), true);
+  EXPECT_EQ(tool.take().find("Cause"), std::string::npos);
 }
 
 TEST(Format, KeepsItsStreamInQuietMode) {
