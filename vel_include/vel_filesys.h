@@ -28,8 +28,9 @@
 VEL_C_API int velTmpFileCreate(const char* directory, const char* prefix, char* name);
 
 /// The directory for scratch files: the value of TMP when set (even when empty), else of TEMP, else
-/// "C:\\" on Windows; on Linux TMPDIR and "/tmp" follow TEMP. The text belongs to the environment. In a program
-/// on Linux that has more rights than its caller (setuid, setgid, capabilities) these variables are ignored.
+/// "C:\\" on Windows; on Linux TMPDIR and "/tmp" follow TEMP. The text belongs to the environment. In a
+/// program on Linux that has more rights than its caller (setuid, setgid, capabilities) these variables are
+/// ignored.
 VEL_C_API const char* velGetTmpDirectory(void);
 
 /// Whether a runtime file descriptor translates line breaks (text mode) or not (binary mode). On
@@ -390,11 +391,11 @@ class VEL_API VelClBakFilename : public VelClFilename {
   explicit VelClBakFilename(const VelClFilenameABase& name);
 };
 
-/// A directory, by an absolute name in back-slash style that ends with "\\". The text is otherwise kept: "C:\\\\"
-/// has two separators, and "C:/a/", whose style asks for a back-slash at the end, gives "C:\\a\\\\". Operations that fail return
-/// false and leave the reason in getLastError; one that succeeds clears it. Nothing throws.
-/// A name that cannot be made absolute, or would exceed 260 characters with its separator, is refused:
-/// the object is built with the name "" and DIRECTORY_EXPANSION_FAILED with class IO_INVALID_NAME.
+/// A directory, by an absolute name in back-slash style that ends with "\\". The text is otherwise kept:
+/// "C:\\\\" has two separators, and "C:/a/", whose style asks for a back-slash at the end, gives "C:\\a\\\\".
+/// Operations that fail return false and leave the reason in getLastError; one that succeeds clears it.
+/// Nothing throws. A name that cannot be made absolute, or would exceed 260 characters with its separator, is
+/// refused: the object is built with the name "" and DIRECTORY_EXPANSION_FAILED with class IO_INVALID_NAME.
 class VEL_API VelClDirectory : public VelClFileABase {
  public:
   /// The current directory.

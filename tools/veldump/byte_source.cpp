@@ -8,7 +8,8 @@
 namespace vel::veldump {
 
 ByteSource::ByteSource(const char* name)
-    : descriptor_(name == nullptr ? platform::kStandardInput : platform::openForReading(name, platform::PipeWithoutWriter::Await)) {}
+    : descriptor_(name == nullptr ? platform::kStandardInput
+                                  : platform::openForReading(name, platform::PipeWithoutWriter::Await)) {}
 
 ByteSource::~ByteSource() {
   if (descriptor_ > platform::kStandardInput) platform::closeDescriptor(descriptor_);
