@@ -420,7 +420,8 @@ class VEL_API VelClIniFileEditor : public VelClFile {
   /// several programs follow each other: lock, load, change, save. A file that does not exist yet is locked,
   /// too. Waits up to this time, in milliseconds, and ends a lock of before. The lock binds nobody who does
   /// not ask for it, ends with unlock(), a save that succeeds, this object, or the process, and leaves
-  /// nothing on disk.
+  /// nothing on disk. On Linux a child that the process has forked meanwhile keeps the lock of a process that
+  /// was killed, and whoever may read the file can hold the lock.
   ///
   /// As long as it is there, load() and save() fail when the name leads to another file than the locked one,
   /// or that one was changed by somebody who did not lock it; save() also when that was so when the text was
