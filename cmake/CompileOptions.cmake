@@ -21,6 +21,15 @@ function(vel_use_project_options target)
   endif()
 endfunction()
 
+# vel_add_parts(NAME SOURCES <files>...): what several programs are made of, compiled once and only where one of them is
+# built. Programs link it like a library.
+function(vel_add_parts name)
+  cmake_parse_arguments(ARG "" "" "SOURCES" ${ARGN})
+  add_library(${name} OBJECT EXCLUDE_FROM_ALL ${ARG_SOURCES})
+  vel_use_project_options(${name})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+endfunction()
+
 # The C++ runtime is shared, so that exceptions and streams cross the DLL
 # boundary; on Windows its DLLs have to lie beside the programs.
 if(MINGW)

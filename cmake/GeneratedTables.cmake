@@ -1,5 +1,6 @@
 # vel_add_generated_tables(<target> OUTPUTS <files>... DEPENDS <files>... ARGUMENTS <words>...): tables that a Python
-# script of this folder, the first of DEPENDS, makes from data files into `generated`; the library includes them.
+# script of this folder, the first of DEPENDS, makes from data files into `generated`; the room
+# that names the target after GENERATED includes them.
 # "@OUT@" in the arguments stands for that folder.
 function(vel_add_generated_tables target)
   cmake_parse_arguments(ARG "" "" "OUTPUTS;DEPENDS;ARGUMENTS" ${ARGN})
@@ -12,6 +13,4 @@ function(vel_add_generated_tables target)
   add_custom_command(OUTPUT ${ARG_OUTPUTS} COMMAND Python3::Interpreter ${script} ${arguments}
                      DEPENDS ${ARG_DEPENDS} WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} VERBATIM)
   add_custom_target(${target} DEPENDS ${ARG_OUTPUTS})
-  add_dependencies(qamc5032 ${target})
-  target_include_directories(qamc5032 PRIVATE ${out})
 endfunction()

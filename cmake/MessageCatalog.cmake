@@ -1,16 +1,17 @@
 # Message catalogs: resource-only Windows DLLs, compiled from a message source with the
 # same tools on every system, since the library reads the same file on all of them.
 
-foreach(tool windmc windres)
-  string(TOUPPER VEL_${tool} variable)
-  find_program(${variable} x86_64-w64-mingw32-${tool})
-  if(NOT ${variable})
-    message(FATAL_ERROR "x86_64-w64-mingw32-${tool} not found: run ./dev setup")
-  endif()
-endforeach()
+find_program(VEL_WINDMC x86_64-w64-mingw32-windmc)
+find_program(VEL_WINDRES x86_64-w64-mingw32-windres)
 find_program(VEL_CATALOG_LINKER NAMES x86_64-w64-mingw32-gcc-posix x86_64-w64-mingw32-gcc)
-if(NOT VEL_CATALOG_LINKER)
-  message(FATAL_ERROR "x86_64-w64-mingw32-gcc not found: run ./dev setup")
+set(VEL_HAS_CATALOG_TOOLS OFF)
+if(VEL_WINDMC AND VEL_WINDRES AND VEL_CATALOG_LINKER)
+  set(VEL_HAS_CATALOG_TOOLS ON)
+elseif(VEL_BUILD_TESTS)
+  message(FATAL_ERROR "the tests need x86_64-w64-mingw32-windmc, -windres and -gcc: run ./dev setup")
+else()
+  message(WARNING "without x86_64-w64-mingw32-windmc, -windres and -gcc there are no message catalogs: "
+                  "the library uses its built-in texts")
 endif()
 
 # vel_add_message_catalog(<target> MC <file.mc> OUTPUT_NAME <name> [ANSI]): a target, part
@@ -18,6 +19,10 @@ endif()
 # its texts are stored as UTF-16, with ANSI as bytes of code page 1252. MC may be the
 # output of a custom command of the same folder.
 function(vel_add_message_catalog target)
+  if(NOT VEL_HAS_CATALOG_TOOLS)
+    add_custom_target(${target})
+    return()
+  endif()
   cmake_parse_arguments(ARG "ANSI" "MC;OUTPUT_NAME" "" ${ARGN})
   get_filename_component(source ${ARG_MC} ABSOLUTE)
   get_filename_component(base ${ARG_MC} NAME_WLE)

@@ -29,26 +29,56 @@ function(vel_limit_test name)
   endif()
 endfunction()
 
-# vel_add_test_program(NAME SOURCES <files>...): a program that tests start as a child.
+# vel_add_test_program(NAME [POSIX] SOURCES <files>...): a program that tests start as a child. POSIX is for what Windows
+# does not have.
 function(vel_add_test_program name)
-  cmake_parse_arguments(ARG "" "" "SOURCES" ${ARGN})
+  cmake_parse_arguments(ARG "POSIX" "" "SOURCES" ${ARGN})
+  if(ARG_POSIX AND WIN32)
+    add_custom_target(${name})
+    return()
+  endif()
   add_executable(${name} ${ARG_SOURCES})
   vel_use_project_options(${name})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE qamc5032)
 endfunction()
 
-# vel_add_tests(NAME SOURCES <files>... [LIBRARIES <targets>...]): one program, one
-# ctest entry; under Wine starting a process costs more than most tests.
+# vel_add_test_library(NAME SOURCES <files>...): a dynamic library that tests load, named as the system does.
+function(vel_add_test_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES" ${ARGN})
+  add_library(${name} MODULE ${ARG_SOURCES})
+  vel_use_project_options(${name})
+  target_compile_definitions(${name} PRIVATE VEL_BUILDING_LIBRARY)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  if(WIN32)
+    set_target_properties(${name} PROPERTIES PREFIX "")
+  endif()
+endfunction()
+
+# vel_add_tests(NAME [INSIDE] [POSIX] SOURCES <files>... [POSIX_SOURCES <files>...] [PARTS <targets>...]
+#               [DEPENDS <targets>...] [ENVIRONMENT <assignments>...]): one program, one ctest entry; under Wine starting
+# a process costs more than most tests. With INSIDE they also call what the library hides. POSIX and POSIX_SOURCES are
+# for what Windows does not have.
 function(vel_add_tests name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES;DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "INSIDE;POSIX" "" "SOURCES;POSIX_SOURCES;PARTS;DEPENDS;ENVIRONMENT" ${ARGN})
+  if(ARG_POSIX AND WIN32)
+    return()
+  endif()
+  if(ARG_POSIX_SOURCES AND NOT WIN32)
+    list(APPEND ARG_SOURCES ${ARG_POSIX_SOURCES})
+  endif()
+  set(library qamc5032)
+  if(ARG_INSIDE)
+    set(library qamc5032_inside)
+  endif()
   add_executable(${name} ${ARG_SOURCES})
   vel_use_project_options(${name})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   # The folder of the data files that tests read.
   target_compile_definitions(${name} PRIVATE VEL_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/")
-  target_link_libraries(${name} PRIVATE qamc5032 test_support gmock_main ${ARG_LIBRARIES})
+  target_link_libraries(${name} PRIVATE ${ARG_PARTS} ${library} test_support gmock_main)
   add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+  set_tests_properties(${name} PROPERTIES ENVIRONMENT "${ARG_ENVIRONMENT}")
   vel_limit_test(${name})
   if(ARG_DEPENDS)
     add_dependencies(${name} ${ARG_DEPENDS})

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <iterator>
 
+#include "base/ascii.h"
 #include "codepage/ccsid_search.h"
-#include "foundation/ascii.h"
 #include "platform/platform.h"
 #include "vel_include/vel_codepage.h"
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "base/utf.h"
 #include "vel_include/vel_codepage.h"
 
 namespace vel::codepage {
@@ -38,13 +39,6 @@ inline std::uint16_t readUnit(const char* from) noexcept {
 }
 inline void writeUnit(char* to, std::uint16_t unit) noexcept {
   std::memcpy(to, &unit, kUnitSize);
-}
-
-constexpr bool isHighSurrogate(std::uint32_t unit) noexcept {
-  return (unit & 0xFC00) == 0xD800;
-}
-constexpr bool isLowSurrogate(std::uint32_t unit) noexcept {
-  return (unit & 0xFC00) == 0xDC00;
 }
 
 /// How many whole units the source has. An odd size is reported.

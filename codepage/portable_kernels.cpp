@@ -186,7 +186,7 @@ void writeSequence(Progress& progress, std::uint32_t bytes, std::size_t size) {
 bool encodePair(Progress& progress, std::uint32_t high) {
   const std::uint32_t low = readUnit(progress.source + kUnitSize);
   if (!isHighSurrogate(high) || !isLowSurrogate(low)) return false;
-  const std::uint32_t value = (high << 10) + low - ((0xD800U << 10) + 0xDC00 - 0x10000);
+  const std::uint32_t value = characterOfPair(high, low);
   writeSequence(
       progress,
       0x808080F0 | value >> 18 | (value >> 12 & 0x3F) << 8 | (value >> 6 & 0x3F) << 16 | (value & 0x3F) << 24,

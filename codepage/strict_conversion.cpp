@@ -6,6 +6,7 @@
 #include <cstring>
 #include <numeric>
 
+#include "base/digits.h"
 #include "codepage/conversion.h"
 #include "codepage/page_characters.h"
 #include "codepage/strict_reader.h"
@@ -32,11 +33,10 @@ VelClCCSID withProperties(const VelClCCSID& ccsid) {
 
 /// A back-slash, a letter, and as many hexadecimal digits.
 void escape(vel::codepage::Writer& writer, Output& output, char letter, unsigned int number, int digits) {
-  constexpr const char* kDigits = "0123456789ABCDEF";
   writer.force(U'\\', output);
   writer.force(static_cast<unsigned char>(letter), output);
   for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4)
-    writer.force(static_cast<unsigned char>(kDigits[number >> shift & 0xF]), output);
+    writer.force(static_cast<unsigned char>(vel::kUpperHexDigits[number >> shift & 0xF]), output);
 }
 
 void foldNextLines(char16_t* units, std::size_t count) {
@@ -245,7 +245,6 @@ void VelClStrictConversion::advance(size_t firstUnit, size_t endUnit) {
     while (!endsLine(lineBegin[-1])) --lineBegin;
   }
   // A pair is one character.
-  const auto lows =
-      countUnits(lineBegin, end, [](char16_t unit) { return vel::codepage::isLowSurrogate(unit); });
+  const auto lows = countUnits(lineBegin, end, [](char16_t unit) { return vel::isLowSurrogate(unit); });
   column_ += static_cast<uint64_t>(end - lineBegin - lows);
 }

@@ -11,39 +11,6 @@ namespace {
 
 // ---- UTF-8 -----------------------------------------------------------------------------------
 
-/// What stands at the start of some bytes: a character, or the longest beginning of one.
-struct Sequence {
-  std::size_t size;
-  bool isWhole;
-  bool isCutOff;  ///< only the end is missing
-};
-
-struct Range {
-  unsigned char first, last;
-};
-
-/// What the second byte can be: no longer form than needed, no surrogate, nothing above U+10FFFF.
-constexpr Range secondBytes(unsigned char lead) {
-  if (lead == 0xE0) return {0xA0, 0xBF};
-  if (lead == 0xED) return {0x80, 0x9F};
-  if (lead == 0xF0) return {0x90, 0xBF};
-  return {0x80, static_cast<unsigned char>(lead == 0xF4 ? 0x8F : 0xBF)};
-}
-
-Sequence sequenceAt(const unsigned char* text, std::size_t size) {
-  const unsigned char lead = text[0];
-  if (lead < 0x80) return {1, true, false};
-  if (lead < 0xC2 || lead > 0xF4) return {1, false, false};
-  const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-  Range range = secondBytes(lead);
-  for (std::size_t i = 1; i < length; ++i) {
-    if (i == size) return {i, false, true};
-    if (text[i] < range.first || text[i] > range.last) return {i, false, false};
-    range = {0x80, 0xBF};
-  }
-  return {length, true, false};
-}
-
 /// The states in which well-formed text goes on, as an automaton whose every step is one shift: a byte's row
 /// holds the next state for each state, six bits each, and a state is the place of its own bits.
 class WellFormedness {
@@ -129,7 +96,7 @@ std::size_t wellFormedPrefix(const unsigned char* text, std::size_t size) {
     while (text[i] < 0xC0);
   }
   while (i < size) {
-    const Sequence sequence = sequenceAt(text + i, size - i);
+    const Utf8Sequence sequence = utf8SequenceAt(text + i, size - i);
     if (!sequence.isWhole) return i;
     i += sequence.size;
   }
@@ -149,7 +116,7 @@ class Utf8Reader : public Reader {
                                             reading.consumed) /
                     kUnitSize;
     if (reading.consumed == size) return reading;
-    const Sequence next = sequenceAt(text + reading.consumed, size - reading.consumed);
+    const Utf8Sequence next = utf8SequenceAt(text + reading.consumed, size - reading.consumed);
     if (next.isWhole || (next.isCutOff && !isLast)) return reading;
     reading.fault = next.isCutOff ? Fault::INCOMPLETE : Fault::INVALID_SEQUENCE;
     reading.faultSize = next.size;
@@ -159,7 +126,7 @@ class Utf8Reader : public Reader {
   std::size_t sizeBefore(const char* source, std::size_t, std::size_t unit) const override {
     const char* position = source;
     for (std::size_t i = 0; i < unit;) {
-      const std::size_t size = sequenceAt(reinterpret_cast<const unsigned char*>(position), 4).size;
+      const std::size_t size = utf8SequenceAt(reinterpret_cast<const unsigned char*>(position), 4).size;
       position += size;
       i += size == 4 ? 2 : 1;
     }
@@ -175,7 +142,7 @@ class Utf8Reader : public Reader {
 bool hasSurrogates(const char16_t* units, std::size_t count) {
   std::uint16_t found = 0;
   for (std::size_t i = 0; i < count; ++i)
-    found = static_cast<std::uint16_t>(found | ((units[i] & 0xF800) == 0xD800 ? 1 : 0));
+    found = static_cast<std::uint16_t>(found | (isSurrogate(units[i]) ? 1 : 0));
   return found != 0;
 }
 
@@ -184,9 +151,9 @@ std::size_t wholeCharacters(const char16_t* units, std::size_t count) {
   if (!hasSurrogates(units, count)) return count;
   std::size_t i = 0;
   while (i < count) {
-    const bool isPair = isHighSurrogate(units[i]) && i + 1 < count && isLowSurrogate(units[i + 1]);
-    if (!isPair && (units[i] & 0xF800) == 0xD800) break;
-    i += isPair ? 2 : 1;
+    const std::size_t size = utf16Length(units + i, count - i);
+    if (size == 1 && isSurrogate(units[i])) break;
+    i += size;
   }
   return i;
 }

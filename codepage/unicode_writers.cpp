@@ -55,11 +55,7 @@ class Utf8Writer : public UnicodeWriter {
 
  private:
   static void writeThree(char16_t unit, Output& output) {
-    char* const to = output.reserve(3);
-    to[0] = static_cast<char>(0xE0 | unit >> 12);
-    to[1] = static_cast<char>(0x80 | (unit >> 6 & 0x3F));
-    to[2] = static_cast<char>(0x80 | (unit & 0x3F));
-    output.commit(3);
+    output.commit(encodeUtf8(unit, output.reserve(3)));
   }
 };
 
@@ -67,16 +63,16 @@ class Utf8Writer : public UnicodeWriter {
 
 Character characterAt(const char16_t* units) {
   if (!isHighSurrogate(units[0])) return {units[0], 1};
-  return {((units[0] - 0xD800U) << 10) + (units[1] - 0xDC00U) + 0x10000U, 2};
+  return {characterOfPair(units[0], units[1]), 2};
 }
 
 std::size_t unitsOf(char32_t character, char16_t (&units)[2]) {
-  if (character < 0x10000) {
+  if (character < kFirstSupplementary) {
     units[0] = static_cast<char16_t>(character);
     return 1;
   }
-  units[0] = static_cast<char16_t>(0xD7C0 + (character >> 10));
-  units[1] = static_cast<char16_t>(0xDC00 + (character & 0x3FF));
+  units[0] = highSurrogateOf(character);
+  units[1] = lowSurrogateOf(character);
   return 2;
 }
 

@@ -13,10 +13,8 @@ using vel::codepage::kUnitSize;
 using vel::codepage::Progress;
 
 constexpr std::uint32_t kOffsets[] = {0x00000000, 0x00003080, 0x000E2080, 0x03C82080, 0xFA082080, 0x82082080};
-constexpr std::uint32_t kFirstSupplementary = 0x10000;
 /// Sums beyond it have wrapped.
 constexpr std::uint32_t kMaxValue = 0x7FFFFFFF;
-constexpr std::uint16_t kReplacement = 0xFFFD;
 
 /// How many bytes follow; none after 80 to BF, which stand for themselves.
 constexpr unsigned int trailingBytes(unsigned char lead) {
@@ -33,18 +31,17 @@ std::uint32_t decode(const unsigned char* text, unsigned int trailing) {
 
 /// False when the target has no room.
 bool writeValue(Progress& progress, std::uint32_t value) {
-  const bool isPair = value >= kFirstSupplementary && value <= kMaxValue;
+  const bool isPair = value >= vel::kFirstSupplementary && value <= kMaxValue;
   if (progress.targetSize() < (isPair ? 2 : 1) * kUnitSize) return false;
   if (!isPair) {
-    vel::codepage::writeUnit(progress.target,
-                             value > kMaxValue ? kReplacement : static_cast<std::uint16_t>(value));
+    const char32_t unit = value > kMaxValue ? vel::kReplacementCharacter : char32_t{value};
+    vel::codepage::writeUnit(progress.target, static_cast<std::uint16_t>(unit));
     progress.target += kUnitSize;
     return true;
   }
   // Values above 0x10FFFF are not rejected; the high surrogate's place then holds some other unit. Keep.
-  const std::uint32_t high = 0xD800 + ((value - kFirstSupplementary) >> 10);
-  vel::codepage::writeUnit(progress.target, static_cast<std::uint16_t>(high));
-  vel::codepage::writeUnit(progress.target + kUnitSize, static_cast<std::uint16_t>(0xDC00 + (value & 0x3FF)));
+  vel::codepage::writeUnit(progress.target, vel::highSurrogateOf(value));
+  vel::codepage::writeUnit(progress.target + kUnitSize, vel::lowSurrogateOf(value));
   progress.target += 2 * kUnitSize;
   return true;
 }

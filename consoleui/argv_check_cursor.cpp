@@ -1,4 +1,5 @@
 // Compares arguments with the elements of a usage string.
+#include "base/short_text.h"
 #include "vel_include/vel_consoleui.h"
 
 namespace {
@@ -20,7 +21,7 @@ bool admitsFreeArguments(const char* usageText) {
 }  // namespace
 
 VelClArgvCheckCursor::VelClArgvCheckCursor(int argc, const char* const* argv, const char* usage)
-    : VelClArgvCursor(argc, argv), usage_(usage != nullptr ? usage : "") {}
+    : VelClArgvCursor(argc, argv), usage_(vel::textOrEmpty(usage)) {}
 
 VelClArgvCheckCursor::VelClArgvCheckCursor(const VelClConsoleUI& ui)
     : VelClArgvCursor(ui), usage_(ui.getUsage()) {}

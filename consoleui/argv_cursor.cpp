@@ -2,6 +2,7 @@
 #include <cstring>
 #include <limits>
 
+#include "base/short_text.h"
 #include "vel_include/vel_consoleui.h"
 
 namespace {
@@ -48,7 +49,7 @@ const char* VelClArgvCursor::argumentAt(int32_t index) const {
 
 const char* VelClArgvCursor::getAsCString() const {
   const char* argument = argumentAt(index_);
-  return argument != nullptr ? argument : "";
+  return vel::textOrEmpty(argument);
 }
 
 const char* VelClArgvCursor::getArgv0() const {

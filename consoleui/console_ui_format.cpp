@@ -4,8 +4,10 @@
 #include <cstring>
 #include <ostream>
 
+#include "base/digits.h"
+#include "base/short_text.h"
+#include "base/usage_text.h"
 #include "consoleui/console_ui_internal.h"
-#include "consoleui/usage_writer.h"
 #include "platform/platform.h"
 
 namespace vel::consoleui {
@@ -119,11 +121,10 @@ namespace {
 constexpr std::size_t kBytesPerLine = 16;
 
 void writeHexadecimal(std::ostream& stream, const unsigned char* bytes, std::size_t count) {
-  constexpr const char* kDigits = "0123456789ABCDEF";
   for (std::size_t i = 0; i < count; ++i) {
     if (i > 0) stream.put(' ');
-    stream.put(kDigits[bytes[i] >> 4]);
-    stream.put(kDigits[bytes[i] & 0xF]);
+    const auto digits = vel::hexPair(bytes[i]);
+    stream.put(digits[0]).put(digits[1]);
   }
 }
 
@@ -135,7 +136,7 @@ void VelClConsoleUI::format(VelClUIText label) const {
 
 void VelClConsoleUI::format(VelClUIText label, const char* value) const {
   vel::consoleui::writeLine(getOutputStream(), *params_, GivenText(label, getMessageCatalog()).get(),
-                            value != nullptr ? value : "");
+                            vel::textOrEmpty(value));
 }
 
 void VelClConsoleUI::format(VelClUIText label, long long value) const {
@@ -179,7 +180,7 @@ void VelClConsoleUI::dump(VelClUIText label, const void* data, size_t sizeInByte
   for (size_t done = 0; bytes != nullptr && done < sizeInBytes; done += kBytesPerLine) {
     if (done > 0) {
       stream << '\n';
-      vel::consoleui::writeFill(stream, column, ' ');
+      vel::writeFill(stream, column, ' ');
     }
     writeHexadecimal(stream, bytes + done, std::min(kBytesPerLine, sizeInBytes - done));
   }

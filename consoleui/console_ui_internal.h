@@ -5,6 +5,7 @@
 #include <iosfwd>
 #include <optional>
 
+#include "base/short_text.h"
 #include "vel_include/vel_consoleui.h"
 #include "vel_include/vel_helpers.h"
 
@@ -93,7 +94,7 @@ struct NumberText {
 class GivenText {
  public:
   GivenText(const VelClUIText& given, const VelClMessageCatalog& catalog)
-      : text_(given.getText() != nullptr ? given.getText() : "") {
+      : text_(vel::textOrEmpty(given.getText())) {
     if (given.getMessageId() == 0) return;
     message_.emplace(catalog, given.getMessageId());
     text_ = message_->getAsCString();

@@ -5,8 +5,8 @@
 //         Unknown command line argument: -x
 #include <iostream>
 
+#include "base/usage_text.h"
 #include "consoleui/console_ui_internal.h"
-#include "consoleui/usage_writer.h"
 
 namespace vel::consoleui {
 
@@ -75,7 +75,7 @@ void VelClConsoleUI::fatalMissingArg(const char* switchName) const {
     fatalArgument(vel::consoleui::kExitMissingSwitch, static_cast<uint32_t>(Word::MissingSwitch), switchName);
   writeMessage(std::cerr, *params_, words()[Word::FatalErrorOccurred].getAsCString(),
                {{words()[Word::MissingSwitch].getAsCString(), switchName}});
-  vel::consoleui::writeFill(std::cerr, params_->getIndentation() + 2, ' ');
+  vel::writeFill(std::cerr, params_->getIndentation() + 2, ' ');
   std::cerr << words()[Word::HelpHint] << std::endl;
   displayUsage(false);
   exitBehindUsage();

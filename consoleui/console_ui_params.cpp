@@ -3,9 +3,10 @@
 #include <cstring>
 #include <iostream>
 
+#include "base/ascii.h"
+#include "base/enabled_rule.h"
+#include "base/short_text.h"
 #include "foundation/allocator.h"
-#include "foundation/ascii.h"
-#include "foundation/enabled_rule.h"
 #include "platform/platform.h"
 #include "vel_include/vel_consoleui.h"
 
@@ -46,7 +47,7 @@ VelClConsoleUIParams::VelClConsoleUIParams(const char* argv0)
       output_(&std::cout),
       errors_(&std::cerr) {
   input_[0] = '\0';
-  setProcessName(argv0 != nullptr ? argv0 : "");
+  setProcessName(vel::textOrEmpty(argv0));
   vel::OwnedText usage(newText(""));
   help_ = newText("");
   usage_ = usage.release();

@@ -5,8 +5,9 @@
 #include <cstring>
 #include <iostream>
 
+#include "base/short_text.h"
+#include "base/usage_text.h"
 #include "consoleui/console_ui_internal.h"
-#include "consoleui/usage_writer.h"
 #include "platform/platform.h"
 #include "vel_include/vel_helpers.h"
 
@@ -37,7 +38,7 @@ void VelClConsoleUI::progressStart(unsigned long long total, const char* label) 
   progressTotal_ = total;
   progressDone_ = 0;
   progressStarted_ = VelClTiming().wallClockTime();
-  progressLabel_ = label != nullptr ? label : "";
+  progressLabel_ = vel::textOrEmpty(label);
   progressShown_ = -1;
   progressActive_ = !mustBeQuiet() && vel::platform::isTerminal(kStandardError);
 }
@@ -71,8 +72,8 @@ void VelClConsoleUI::drawProgress(int32_t percentage, double secondsPassed) cons
   std::cerr.write(progressLabel_,
                   static_cast<std::streamsize>(std::min(std::strlen(progressLabel_), kMaxLabelLength)));
   std::cerr << " [";
-  vel::consoleui::writeFill(std::cerr, filled, '#');
-  vel::consoleui::writeFill(std::cerr, kBarWidth - filled, '.');
+  vel::writeFill(std::cerr, filled, '#');
+  vel::writeFill(std::cerr, kBarWidth - filled, '.');
   std::cerr << number;
   if (percentage > 0) writeRemaining(secondsPassed * (100.0 - percentage) / percentage);
   std::cerr.flush();

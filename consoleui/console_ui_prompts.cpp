@@ -8,9 +8,10 @@
 #include <cstring>
 #include <iostream>
 
+#include "base/ascii.h"
+#include "base/short_text.h"
 #include "consoleui/console_ui_internal.h"
 #include "foundation/allocator.h"
-#include "foundation/ascii.h"
 #include "platform/platform.h"
 
 namespace vel::consoleui {
@@ -83,7 +84,7 @@ class Answer {
 
 void writeQuestion(const Question& question, const Words& words) {
   writeSeparatorLine(std::cout);
-  std::cout << ' ' << (question.text != nullptr ? question.text : "");
+  std::cout << ' ' << vel::textOrEmpty(question.text);
   if (question.hint != nullptr) std::cout << " (" << question.hint << ')';
   std::cout << ":\n ";
   if (question.defaultAnswer != nullptr)

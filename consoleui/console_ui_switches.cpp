@@ -3,8 +3,8 @@
 #include <iostream>
 #include <optional>
 
+#include "base/ascii.h"
 #include "consoleui/console_ui_internal.h"
-#include "foundation/ascii.h"
 
 using vel::consoleui::Word;
 

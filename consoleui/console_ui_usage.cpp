@@ -1,10 +1,10 @@
 // Shows usage and help, always on standard output.
 #include <iostream>
 
+#include "base/usage_text.h"
 #include "consoleui/console_ui_internal.h"
-#include "consoleui/usage_writer.h"
 
-using vel::consoleui::TextKind;
+using vel::TextKind;
 using vel::consoleui::Word;
 using vel::consoleui::Words;
 
@@ -29,13 +29,13 @@ void VelClConsoleUI::displayUsage(bool exit) const {
   if (catalog_.isValid() || catalog_.hasValidStringTable()) {
     writeBuiltInSwitches(std::cout, words());
     std::cout << '\n';
-    vel::consoleui::writeFill(std::cout, indentation, ' ');
+    vel::writeFill(std::cout, indentation, ' ');
   } else {
     std::cout << ' ';
   }
   const bool hide = params_->mustHideTaggedLines() || params_->mustDisableTaggedLines();
-  vel::consoleui::writeText(std::cout, getUsage(), hide ? TextKind::UsageWithoutTaggedLines : TextKind::Usage,
-                            indentation);
+  vel::writeText(std::cout, getUsage(), hide ? TextKind::UsageWithoutTaggedLines : TextKind::Usage,
+                 indentation);
   std::cout.flush();
   if (exit) exitBehindUsage();
 }
@@ -50,8 +50,8 @@ void VelClConsoleUI::displayHelp(bool exit) const {
   const VelClMessage none = words()[Word::NoHelp];
   const char* help = params_->getHelp();
   std::cout << '\n' << heading << ": ";
-  vel::consoleui::writeText(std::cout, *help != '\0' ? help : none.getAsCString(), TextKind::Help,
-                            vel::consoleui::widthOf(heading.getAsCString()) + 2);
+  vel::writeText(std::cout, *help != '\0' ? help : none.getAsCString(), TextKind::Help,
+                 vel::consoleui::widthOf(heading.getAsCString()) + 2);
   std::cout << std::endl;
   if (exit) processExit(vel::consoleui::kExitUsage);
 }

@@ -1,11 +1,13 @@
 // Walks the elements of a usage string. Comparing a command line with them is argv_check_cursor.cpp's
-// work, showing the string usage_writer.cpp's.
+// work, showing the string base/usage_text.cpp's.
 //
 // Over "(-key <key>) [-verbose]" the cursor stops at "-key" and at "<key>", both at group depth 1, and at
 // "-verbose" at depth 0: so -key takes a value and -verbose does not.
 #include <cstring>
 
-#include "foundation/ascii.h"
+#include "base/ascii.h"
+#include "base/short_text.h"
+#include "base/usage_text.h"
 #include "vel_include/vel_consoleui.h"
 
 namespace {
@@ -30,7 +32,7 @@ bool standsAt(const char* usage, const char* text) {
 }  // namespace
 
 VelClUsageCursor::VelClUsageCursor(const char* usage)
-    : start_(usage != nullptr ? usage : ""),
+    : start_(vel::textOrEmpty(usage)),
       position_(start_),
       optionalDepth_(0),
       groupDepth_(0),
@@ -59,7 +61,7 @@ bool VelClUsageCursor::isSwitchIndicator(const char* argument) {
 }
 
 bool VelClUsageCursor::isToBeDisplayed(char c) {
-  return c != '(' && c != ')' && c != '"';
+  return vel::isShownInUsage(c);
 }
 
 bool VelClUsageCursor::isSwitch() const {

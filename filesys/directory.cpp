@@ -11,7 +11,7 @@
 namespace platform = vel::platform;
 using vel::filesys::kMaxLength;
 using vel::filesys::PathText;
-using vel::filesys::textOrEmpty;
+using vel::textOrEmpty;
 
 namespace {
 

@@ -4,8 +4,8 @@
 
 #include "filesys/path_text.h"
 #include "platform/platform.h"
+#include "vel_include/vel_environment.h"
 #include "vel_include/vel_filesys.h"
-#include "vel_include/vel_process.h"
 
 namespace platform = vel::platform;
 

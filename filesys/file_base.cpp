@@ -7,7 +7,7 @@
 
 using vel::filesys::kMaxLength;
 using vel::filesys::PathText;
-using vel::filesys::textOrEmpty;
+using vel::textOrEmpty;
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include "vel_include/vel_filesys.h"
 
 using vel::filesys::PathText;
-using vel::filesys::textOrEmpty;
+using vel::textOrEmpty;
 
 VelClFilename::VelClFilename() = default;
 

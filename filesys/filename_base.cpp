@@ -3,15 +3,15 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/ascii.h"
 #include "filesys/path_text.h"
-#include "foundation/ascii.h"
 #include "platform/platform.h"
 #include "vel_include/vel_filesys.h"
 #include "vel_include/vel_util.h"
 
 using vel::filesys::kMaxLength;
 using vel::filesys::PathText;
-using vel::filesys::textOrEmpty;
+using vel::textOrEmpty;
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/ascii.h"
 #include "filesys/path_text.h"
-#include "foundation/ascii.h"
 #include "vel_include/vel_filesys.h"
 
 namespace {
@@ -36,7 +36,7 @@ VelClPathProperty::VelClPathProperty(const char* text) : VelClPathProperty() {
 }
 
 void VelClPathProperty::init(const char* text) {
-  text_ = vel::filesys::textOrEmpty(text);
+  text_ = vel::textOrEmpty(text);
   path_ = pathProperOf(text_);
   style_ = isSlashStyle(path_) ? UNIX : MSDOS;
 }

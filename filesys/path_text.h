@@ -5,21 +5,12 @@
 #include <cstddef>
 #include <cstring>
 
+#include "base/short_text.h"
 #include "vel_include/vel_filesys.h"
 
 namespace vel::filesys {
 
 inline constexpr std::size_t kMaxLength = VEL_MAX_PATH_LENGTH;
-
-inline const char* textOrEmpty(const char* text) noexcept {
-  return text != nullptr ? text : "";
-}
-
-/// The length of a text that may lack its terminator within the first `limit` characters.
-inline std::size_t boundedLength(const char* text, std::size_t limit) noexcept {
-  const void* end = std::memchr(text, '\0', limit);
-  return end != nullptr ? static_cast<std::size_t>(static_cast<const char*>(end) - text) : limit;
-}
 
 /// Copies at most `length` and never more than 260 characters into a buffer of 261, which `text` may
 /// lie in. Returns the length of the copy.

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "filesys/path_text.h"
-#include "vel_include/vel_process.h"
+#include "platform/platform.h"
 
 namespace vel::filesys {
 
@@ -24,7 +24,7 @@ TmpName::TmpName(const char* prefix) : prefixLength_(0), text_{} {
   std::memcpy(text_, textOrEmpty(prefix), prefixLength_);
   text_[kBaseLength] = '.';
   // Units first: process 1234 gives "432". Keep.
-  unsigned int id = VelClProcessProperty().getProcessId();
+  unsigned int id = platform::currentProcessId();
   for (std::size_t at = kBaseLength + 1; at < kLength; ++at, id /= 10)
     text_[at] = static_cast<char>('0' + id % 10);
 }

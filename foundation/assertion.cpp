@@ -5,7 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "foundation/enabled_rule.h"
+#include "base/enabled_rule.h"
+#include "base/short_text.h"
 #include "platform/platform.h"
 #include "vel_include/vel_error.h"
 
@@ -31,10 +32,6 @@ struct Decimal {
   explicit Decimal(long long value) noexcept { std::snprintf(text, sizeof text, "%lld", value); }
 };
 
-const char* orEmpty(const char* text) noexcept {
-  return text != nullptr ? text : "";
-}
-
 /// The numbers must live as long as the report.
 void build(Report& report, const char* expression, const char* module, const Decimal& line,
            const Decimal& process, const char* function, const char* message) noexcept {
@@ -45,9 +42,9 @@ void build(Report& report, const char* expression, const char* module, const Dec
     // Only together with a message. Keep.
     if (function != nullptr) report << "***         FUNCTION: " << function << "\n";
   }
-  report << "*** ASSERTION FAILED: " << orEmpty(expression);
+  report << "*** ASSERTION FAILED: " << vel::textOrEmpty(expression);
   report << "\n***             LINE: " << line.text;
-  report << "\n***           MODULE: " << orEmpty(module);
+  report << "\n***           MODULE: " << vel::textOrEmpty(module);
   report << "\n***       PROCESS ID: " << process.text << "\n\n";
 }
 

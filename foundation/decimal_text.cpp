@@ -1,36 +1,23 @@
 // Decimal text of numbers: eight digits are made at once within one word, without a jump, and as many bytes
 // as the text has are stored.
-#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
 
+#include "base/digits.h"
 #include "vel_include/vel_helpers.h"
 
 namespace {
 
 static_assert(std::endian::native == std::endian::little);
 
-constexpr std::array<char, 200> makePairs() {
-  std::array<char, 200> pairs{};
-  for (std::size_t i = 0; i < pairs.size(); ++i)
-    pairs[i] = static_cast<char>('0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
-  return pairs;
-}
-
-constexpr std::array<char, 200> kPairs = makePairs();
-
-void writePair(char* out, std::uint64_t pair) noexcept {
-  std::memcpy(out, kPairs.data() + 2 * pair, 2);
-}
-
 /// One or two digits, without a jump: what stands behind a single one is written over. Returns their number.
 unsigned int writeFirst(char* out, std::uint64_t pair) noexcept {
   const unsigned int isSingle = pair < 10 ? 1 : 0;
   std::uint16_t text = 0;
-  std::memcpy(&text, kPairs.data() + 2 * pair, sizeof text);
+  std::memcpy(&text, vel::kDecimalPairs[pair].data(), sizeof text);
   text = static_cast<std::uint16_t>(text >> 8 * isSingle);
   std::memcpy(out, &text, sizeof text);
   return 2 - isSingle;
@@ -54,7 +41,7 @@ void writeFraction(std::uint64_t fraction, char* out) noexcept {
     *out = '\0';
   } else {
     fraction = (fraction & 0xFFFFFFFF) * 100;
-    writePair(out, fraction >> 32);
+    vel::writeDecimalPair(out, fraction >> 32);
     writeFraction<pairs - 1>(fraction, out + 2);
   }
 }
@@ -72,7 +59,7 @@ constexpr std::uint32_t kEightDigits = 100'000'000;
 /// All eight digits, with zeros in front.
 void writeEight(std::uint32_t number, char* out) noexcept {
   const std::uint64_t fraction = fractionOf<4>(number);
-  writePair(out, fraction >> 32);
+  vel::writeDecimalPair(out, fraction >> 32);
   writeFraction<3>(fraction, out + 2);
 }
 

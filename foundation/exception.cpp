@@ -1,12 +1,13 @@
 // The exception classes: they keep pointers and numbers, nothing that could fail.
 #include <cstdint>
 
+#include "base/short_text.h"
 #include "vel_include/vel_error.h"
 
 VelClExceptionABase::VelClExceptionABase() noexcept : VelClExceptionABase(nullptr) {}
 
 VelClExceptionABase::VelClExceptionABase(const char* cause) noexcept
-    : cause_(cause != nullptr ? cause : ""), origin_(nullptr), line_(0) {}
+    : cause_(vel::textOrEmpty(cause)), origin_(nullptr), line_(0) {}
 
 VelClExceptionABase::VelClExceptionABase(const VelClExceptionABase& other) noexcept = default;
 VelClExceptionABase& VelClExceptionABase::operator=(const VelClExceptionABase& other) noexcept = default;

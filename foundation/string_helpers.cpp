@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "foundation/byte_blocks.h"
+#include "base/byte_blocks.h"
 #include "vel_include/vel_helpers.h"
 
 namespace {

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "fuzz/bytes.h"
-#include "platform/byte_files.h"
 #include "tools/veldump/dump_parser.h"
 #include "tools/veldump/dump_writer.h"
 #include "vel_include/vel_util.h"
@@ -19,8 +18,13 @@ using vel::veldump::OutputBuffer;
 constexpr std::uint64_t kMostRepeated = 100'000;
 constexpr std::size_t kManyBytes = 24'000;
 
-/// What the buffer wrote, in place of standard output.
+/// What the buffer wrote.
 std::string written;
+
+bool write(const char* bytes, std::size_t size) {
+  written.append(bytes, size);
+  return true;
+}
 
 /// There is one: it is large.
 class Output : public OutputBuffer {
@@ -37,6 +41,8 @@ class Output : public OutputBuffer {
   }
 
  private:
+  Output() : OutputBuffer(write) {}
+
   const char* begin_ = reserve(0);
 };
 
@@ -86,15 +92,6 @@ std::vector<std::uint8_t> repeated(const std::vector<std::uint8_t>& bytes) {
 }
 
 }  // namespace
-
-namespace vel::platform {
-
-bool writeBytes(int, const void* data, std::size_t size) noexcept {
-  written.append(static_cast<const char*>(data), size);
-  return true;
-}
-
-}  // namespace vel::platform
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Bytes input(data, size);

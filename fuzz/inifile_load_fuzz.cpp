@@ -4,7 +4,7 @@
 #include <sstream>
 #include <string>
 
-#include "foundation/ascii.h"
+#include "base/ascii.h"
 #include "fuzz/bytes.h"
 #include "vel_include/vel_inifile.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <sstream>
 
-#include "consoleui/usage_writer.h"
+#include "base/usage_text.h"
 #include "fuzz/bytes.h"
 #include "vel_include/vel_consoleui.h"
 
@@ -11,7 +11,7 @@ namespace {
 
 using fuzz::require;
 using fuzz::Text;
-using vel::consoleui::TextKind;
+using vel::TextKind;
 
 bool isKnown(const Text& usage, const char* argument) {
   bool known = false;
@@ -59,7 +59,7 @@ void requireVisited(VelClArgvFreeCursor cursor, std::vector<const char*> expecte
 
 void show(const Text& text, TextKind kind, std::size_t indentation) {
   std::ostringstream shown;
-  vel::consoleui::writeText(shown, text, kind, indentation);
+  vel::writeText(shown, text, kind, indentation);
   const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
   require(shown.str().size() <= text.size() + lines * indentation);
   if (kind == TextKind::Help && indentation == 0 &&

@@ -11,10 +11,7 @@
 
 namespace vel::inifile {
 
-struct DestroyIniFile {
-  void operator()(VelClIniFile* file) const noexcept { destroy(file); }
-};
-using OwnedIniFile = std::unique_ptr<VelClIniFile, DestroyIniFile>;
+using OwnedIniFile = OwnedObject<VelClIniFile>;
 
 class EditedText {
  public:

@@ -1,5 +1,5 @@
 // Cursors over sections and options.
-#include "foundation/ascii.h"
+#include "base/ascii.h"
 #include "inifile/model.h"
 #include "vel_include/vel_inifile.h"
 

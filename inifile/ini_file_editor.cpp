@@ -1,4 +1,5 @@
 // An INI file under edit: reading and writing it. Changes are edited_text.cpp's work.
+#include "base/short_text.h"
 #include "foundation/allocator.h"
 #include "inifile/edited_file.h"
 #include "inifile/file_output.h"
@@ -12,10 +13,6 @@ using vel::inifile::EditedFile;
 using vel::platform::FileState;
 
 namespace {
-
-const char* textOrEmpty(const char* text) {
-  return text != nullptr ? text : "";
-}
 
 bool readAll(int descriptor, String& bytes) {
   constexpr std::size_t kStep = std::size_t{256} * 1024;
@@ -61,7 +58,7 @@ void VelClIniFileEditor::loadFromBuffer(const char* buffer, size_t size, bool al
 
 bool VelClIniFileEditor::setValue(const char* section, const char* option, const char* value) {
   if (section == nullptr || option == nullptr) return false;
-  return file_->text.setValue(section, option, textOrEmpty(value));
+  return file_->text.setValue(section, option, vel::textOrEmpty(value));
 }
 
 bool VelClIniFileEditor::merge(const VelClIniFile& source) {

@@ -1,4 +1,5 @@
 // Writes a model as an INI file.
+#include "base/digits.h"
 #include "foundation/allocator.h"
 #include "inifile/file_output.h"
 #include "inifile/text_rules.h"
@@ -133,7 +134,6 @@ bool VelClIniFileSave::saveOption(std::ostream& stream, const char* name, const 
 }
 
 bool VelClIniFileSave::saveChar(std::ostream& stream, char c) const {
-  constexpr const char* kHexDigits = "0123456789abcdef";
   constexpr const char* kNamed = "\a\b\t\n\v\f\r\\";
   constexpr const char* kNames = "abtnvfr\\";
   const char* const named = c != '\0' ? std::strchr(kNamed, c) : nullptr;
@@ -141,6 +141,6 @@ bool VelClIniFileSave::saveChar(std::ostream& stream, char c) const {
   if (named == nullptr && !vel::inifile::isControl(c)) return stream.put(c).good();
   stream.put('\\');
   if (named != nullptr) return stream.put(kNames[named - kNamed]).good();
-  const auto byte = static_cast<unsigned char>(c);
-  return stream.put('x').put(kHexDigits[byte / 16]).put(kHexDigits[byte % 16]).good();
+  const auto digits = vel::hexPair(static_cast<unsigned char>(c), vel::kLowerHexDigits);
+  return stream.put('x').put(digits[0]).put(digits[1]).good();
 }

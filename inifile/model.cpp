@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/ascii.h"
 #include "foundation/allocator.h"
-#include "foundation/ascii.h"
 
 namespace vel::inifile {
 

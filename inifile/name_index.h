@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "base/ascii.h"
 #include "foundation/allocator.h"
-#include "foundation/ascii.h"
 
 namespace vel::inifile {
 

@@ -3,7 +3,8 @@
 #include <cstring>
 #include <limits>
 
-#include "foundation/ascii.h"
+#include "base/ascii.h"
+#include "base/digits.h"
 #include "inifile/text_rules.h"
 #include "vel_include/vel_helpers.h"
 #include "vel_include/vel_inifile.h"
@@ -20,19 +21,12 @@ char namedEscape(char c) noexcept {
   return found != nullptr ? kMeanings[found - kLetters] : '\0';
 }
 
-/// The value of a hexadecimal digit, or one that is too large for any base.
-constexpr unsigned int digitOf(char c) noexcept {
-  if (isAsciiDigit(c)) return static_cast<unsigned int>(c - '0');
-  const char upper = toAsciiUpper(c);
-  return upper >= 'A' && upper <= 'F' ? static_cast<unsigned int>(upper - 'A') + 10 : 16;
-}
-
 /// As many digits as follow; beyond 32 bits when the number is.
 std::uint64_t takeDigits(Span& text, unsigned int base) noexcept {
   constexpr std::uint64_t kBeyond32Bits = std::uint64_t{1} << 32;
   std::uint64_t number = 0;
-  for (; !text.isEmpty() && digitOf(*text.begin) < base; ++text.begin)
-    number = std::min(number * base + digitOf(*text.begin), kBeyond32Bits);
+  for (; !text.isEmpty() && hexDigitValue(*text.begin) < base; ++text.begin)
+    number = std::min(number * base + hexDigitValue(*text.begin), kBeyond32Bits);
   return number;
 }
 

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "foundation/ascii.h"
+#include "base/digits.h"
 #include "inifile/text_rules.h"
 
 namespace vel::inifile {
@@ -19,17 +19,10 @@ bool needsQuotes(const char* value) noexcept {
   return false;
 }
 
-bool isHexDigit(char c) noexcept {
-  return isAsciiDigit(c) || (toAsciiUpper(c) >= 'A' && toAsciiUpper(c) <= 'F');
-}
-
 /// A digit behind the number would belong to it, so the string is begun anew.
 void writeNumber(String& out, char c, char next) {
-  constexpr const char* kDigits = "0123456789abcdef";
-  const auto byte = static_cast<unsigned char>(c);
-  out += "\\x";
-  out += kDigits[byte / 16];
-  out += kDigits[byte % 16];
+  const auto digits = hexPair(static_cast<unsigned char>(c), kLowerHexDigits);
+  out.append("\\x").append(digits.data(), digits.size());
   if (isHexDigit(next)) out += "\"\"";
 }
 

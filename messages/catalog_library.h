@@ -14,10 +14,7 @@ namespace vel::messages {
 
 class CatalogLibrary {
  public:
-  struct Close {
-    void operator()(CatalogLibrary* library) const noexcept { destroy(library); }
-  };
-  using Owner = std::unique_ptr<CatalogLibrary, Close>;
+  using Owner = OwnedObject<CatalogLibrary>;
 
   /// The largest file that is read.
   static constexpr std::size_t kMostBytes = std::size_t{64} << 20;

@@ -82,7 +82,7 @@ class ResourceTextExpander {
         out_.put(' ');
         break;
       default:
-        if (isDigit(c)) return insert(c);
+        if (isAsciiDigit(c)) return insert(c);
         out_.put(c);
     }
   }

@@ -5,7 +5,8 @@
 #include <ostream>
 #include <string_view>
 
-#include "foundation/ascii.h"
+#include "base/ascii.h"
+#include "base/short_text.h"
 #include "platform/platform.h"
 #include "vel_include/vel_messages.h"
 
@@ -68,7 +69,7 @@ VelClLanguage::VelClLanguage(unsigned int number)
       territory_(static_cast<VelEnTerritory>(number & 0xFFFF)) {}
 
 VelClLanguage::VelClLanguage(const char* tag) : language_(LANGUAGE_UNKNOWN), territory_(TERRITORY_UNKNOWN) {
-  parse(tag == nullptr ? "" : tag);
+  parse(vel::textOrEmpty(tag));
 }
 
 void VelClLanguage::parse(const char* tag) {

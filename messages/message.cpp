@@ -3,6 +3,7 @@
 #include <cstring>
 #include <ostream>
 
+#include "base/short_text.h"
 #include "foundation/allocator.h"
 #include "messages/catalog_library.h"
 #include "messages/insert_formatter.h"
@@ -92,7 +93,7 @@ const char* VelClMessage::loadMessage(uint32_t id, const char* const* variables)
 unsigned long VelClMessage::replaceVars(char* out, unsigned long maxLength, const char* source,
                                         const char* const* variables, unsigned long variableCount) const {
   return static_cast<unsigned long>(vel::messages::expandTableText(
-      source != nullptr ? source : "", variables, static_cast<uint32_t>(variableCount), out, maxLength));
+      vel::textOrEmpty(source), variables, static_cast<uint32_t>(variableCount), out, maxLength));
 }
 
 size_t VelClMessage::buildFailureText(uint32_t id, char* out) const {

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "base/short_text.h"
 #include "messages/catalog_library.h"
 #include "messages/message_resource.h"
 #include "messages/resource_text.h"
@@ -139,6 +140,5 @@ const char* VelClMessageCatalogCursor::getAsCString() const {
   if (positions_ != nullptr) return text_;
   // A table that was replaced by a shorter one lacks the last entries.
   const size_t id = index_ + 1;
-  const char* const text = id < catalog_.stringTableSize_ ? catalog_.stringTable_[id] : nullptr;
-  return text != nullptr ? text : "";
+  return vel::textOrEmpty(id < catalog_.stringTableSize_ ? catalog_.stringTable_[id] : nullptr);
 }

@@ -5,14 +5,13 @@
 #include <bit>
 #include <cstring>
 
+#include "base/utf.h"
 #include "platform/platform.h"
 
 namespace vel::messages {
 namespace {
 
 using Utf16Text = std::basic_string<char16_t, std::char_traits<char16_t>, Allocator<char16_t>>;
-
-constexpr char32_t kReplacement = 0xFFFD;
 
 Utf16Text utf16Of(const MessageResource::Entry& entry) {
   Utf16Text text(entry.sizeInBytes / 2, u'\0');
@@ -54,48 +53,22 @@ String bytesOf(const MessageResource::Entry& entry) {
   return text;
 }
 
-bool isHighSurrogate(char16_t unit) {
-  return (unit & 0xFC00) == 0xD800;
-}
-bool isLowSurrogate(char16_t unit) {
-  return (unit & 0xFC00) == 0xDC00;
-}
-
 /// The code point at `position`, which moves behind it; a surrogate without its pair is replaced.
 char32_t takeCodePoint(const Utf16Text& text, std::size_t& position) {
-  const char16_t unit = text[position++];
-  if (!isHighSurrogate(unit)) return isLowSurrogate(unit) ? kReplacement : unit;
-  if (position == text.size() || !isLowSurrogate(text[position])) return kReplacement;
-  const char16_t low = text[position++];
-  return 0x10000 + ((static_cast<char32_t>(unit) & 0x3FF) << 10) + (low & 0x3FFU);
-}
-
-void appendUtf8(String& out, char32_t c) {
-  const auto put = [&out](char32_t byte) {
-    out.push_back(static_cast<char>(static_cast<unsigned char>(byte)));
-  };
-  const auto putTail = [&put, c](unsigned shift) { put(0x80 | ((c >> shift) & 0x3F)); };
-  if (c < 0x80) {
-    put(c);
-  } else if (c < 0x800) {
-    put(0xC0 | (c >> 6));
-    putTail(0);
-  } else if (c < 0x10000) {
-    put(0xE0 | (c >> 12));
-    putTail(6);
-    putTail(0);
-  } else {
-    put(0xF0 | (c >> 18));
-    putTail(12);
-    putTail(6);
-    putTail(0);
-  }
+  const char16_t* const units = text.data() + position;
+  const std::size_t count = utf16Length(units, text.size() - position);
+  position += count;
+  if (count == 2) return characterOfPair(units[0], units[1]);
+  return isSurrogate(units[0]) ? kReplacementCharacter : units[0];
 }
 
 String toUtf8(const Utf16Text& text) {
   String out;
   out.reserve(text.size() * 3);
-  for (std::size_t position = 0; position < text.size();) appendUtf8(out, takeCodePoint(text, position));
+  for (std::size_t position = 0; position < text.size();) {
+    char bytes[kMostUtf8Bytes];
+    out.append(bytes, encodeUtf8(takeCodePoint(text, position), bytes));
+  }
   return out;
 }
 

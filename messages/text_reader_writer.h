@@ -9,11 +9,10 @@
 #include <cstring>
 #include <limits>
 
-namespace vel::messages {
+#include "base/ascii.h"
+#include "base/short_text.h"
 
-inline bool isDigit(char c) noexcept {
-  return c >= '0' && c <= '9';
-}
+namespace vel::messages {
 
 /// Appends one more digit; stays at the largest number instead of overflowing.
 template <typename Number>
@@ -21,12 +20,6 @@ Number appendDigit(Number number, char digit) noexcept {
   constexpr Number kLargest = std::numeric_limits<Number>::max();
   const Number value = static_cast<Number>(digit - '0');
   return number > (kLargest - value) / 10 ? kLargest : static_cast<Number>(number * 10 + value);
-}
-
-/// Length of a text, looking at `limit` characters at most.
-inline std::size_t boundedLength(const char* text, std::size_t limit) noexcept {
-  const void* const end = limit == 0 ? nullptr : std::memchr(text, '\0', limit);
-  return end == nullptr ? limit : static_cast<std::size_t>(static_cast<const char*>(end) - text);
 }
 
 static_assert(std::endian::native == std::endian::little);
@@ -61,7 +54,7 @@ class TextReader {
     ++current_;
     return true;
   }
-  bool atDigit() const noexcept { return !atEnd() && isDigit(*current_); }
+  bool atDigit() const noexcept { return !atEnd() && isAsciiDigit(*current_); }
   std::size_t takeNumber() noexcept {
     std::size_t number = 0;
     while (atDigit()) number = appendDigit(number, take());

@@ -1,5 +1,5 @@
 // A program's file name, completed along the system's search path.
-#include "foundation/enabled_rule.h"
+#include "base/enabled_rule.h"
 #include "platform/platform.h"
 #include "vel_include/vel_process.h"
 

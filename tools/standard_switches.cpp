@@ -4,7 +4,7 @@
 #include <cstring>
 #include <iostream>
 
-#include "consoleui/usage_writer.h"
+#include "base/usage_text.h"
 #include "vel_include/vel_helpers.h"
 
 namespace vel::tools {
@@ -13,10 +13,9 @@ namespace {
 void writeHelp(const ToolTexts& texts) {
   constexpr const char* kHeading = "Usage: ";
   std::cout << texts.name << " - " << texts.title << "\n\n" << kHeading << texts.name << ' ';
-  consoleui::writeText(std::cout, texts.usage, consoleui::TextKind::Usage,
-                       std::strlen(kHeading) + std::strlen(texts.name) + 1);
+  writeText(std::cout, texts.usage, TextKind::Usage, std::strlen(kHeading) + std::strlen(texts.name) + 1);
   std::cout << "\n\n";
-  consoleui::writeText(std::cout, texts.help, consoleui::TextKind::Help, 0);
+  writeText(std::cout, texts.help, TextKind::Help, 0);
   std::cout << std::endl;
 }
 

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "base/short_text.h"
 #include "platform/platform.h"
-#include "trace/short_text.h"
 #include "trace/text_compression.h"
 #include "vel_include/vel_trace.h"
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "base/short_text.h"
 #include "vel_include/vel_trace.h"
 
 namespace {
@@ -21,10 +22,10 @@ char mapped(char c) {
 
 VelClResourceKeyABase::VelClResourceKeyABase(const char* type, const char* key, const char* instance)
     : length_(0), name_{}, part_(name_) {
-  add(type == nullptr ? "" : type);
+  add(vel::textOrEmpty(type));
   // Behind the separator, unless there is no type or no room.
   if (length_ != 0) part_ = name_ + std::min(static_cast<std::size_t>(length_) + 1, sizeof name_ - 1);
-  add(key == nullptr ? "" : key);
+  add(vel::textOrEmpty(key));
   if (instance != nullptr) add(instance);
 }
 

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <limits>
 
+#include "base/digits.h"
 #include "util/dump_line.h"
 #include "vel_include/vel_trace.h"
 
@@ -31,10 +32,8 @@ Float floatOf(Bits bits) {
 }
 
 void writeHexadecimal(TextBuffer& out, std::uint64_t number) {
-  int digits = 1;
-  while (digits < 16 && number >> (4 * digits) != 0) ++digits;
   out.append("0x");
-  while (digits-- > 0) out.put("0123456789ABCDEF"[number >> (4 * digits) & 15]);
+  out.commit(writeHex(out.reserve(kMostHexDigits), number));
 }
 
 template <std::size_t size, bool isSigned>

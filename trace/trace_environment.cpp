@@ -4,14 +4,15 @@
 #include <cstring>
 #include <memory>
 
+#include "base/ascii.h"
+#include "base/enabled_rule.h"
+#include "base/short_text.h"
 #include "foundation/allocator.h"
-#include "foundation/ascii.h"
-#include "foundation/enabled_rule.h"
 #include "platform/platform.h"
 #include "trace/record.h"
 #include "trace/verbose_line.h"
+#include "vel_include/vel_environment.h"
 #include "vel_include/vel_helpers.h"
-#include "vel_include/vel_process.h"
 #include "vel_include/vel_trace.h"
 
 namespace {
@@ -54,13 +55,6 @@ std::uint32_t bufferSizeFrom(const char* kilobytes) {
   return static_cast<std::uint32_t>(std::clamp(bytes, kSmallestBuffer, kLargestBuffer));
 }
 
-struct Destroy {
-  template <typename Object>
-  void operator()(Object* object) const noexcept {
-    vel::destroy(object);
-  }
-};
-
 }  // namespace
 
 VelClTraceEnvironment::VelClTraceEnvironment(const char* key, const char* instance, bool controllerMode)
@@ -68,7 +62,7 @@ VelClTraceEnvironment::VelClTraceEnvironment(const char* key, const char* instan
       manager_(nullptr),
       settings_(nullptr),
       bufferSize_(kDefaultBufferSize),
-      processId_(VelClProcessProperty().getProcessId()),
+      processId_(vel::platform::currentProcessId()),
       format_{},
       buffer_(nullptr),
       active_(false),
@@ -80,9 +74,9 @@ VelClTraceEnvironment::VelClTraceEnvironment(const char* key, const char* instan
       lastSystemError_(0),
       isDefaultFile_(false) {
   // What is made before a later allocation fails goes back.
-  std::unique_ptr<VelClTraceSettings, Destroy> settings(vel::create<VelClTraceSettings>());
+  vel::OwnedObject<VelClTraceSettings> settings(vel::create<VelClTraceSettings>());
   settings_ = settings.get();
-  determineSettingsFromEnvVars(key == nullptr ? "" : key);
+  determineSettingsFromEnvVars(vel::textOrEmpty(key));
   vel::OwnedText buffer(static_cast<char*>(VelClMemoryManager::malloc(bufferSize_)));
   std::memset(buffer.get(), 0, bufferSize_);
   manager_ = vel::create<VelClTraceBufferManager>(*this, buffer.get(), bufferSize_);
@@ -126,7 +120,7 @@ void VelClTraceEnvironment::flush() {
 }
 
 void VelClTraceEnvironment::setFormatString(const char* format) {
-  std::strncpy(format_, format == nullptr ? "" : format, sizeof format_ - 1);
+  std::strncpy(format_, vel::textOrEmpty(format), sizeof format_ - 1);
 }
 
 unsigned long VelClTraceEnvironment::getTimeStamp() const {

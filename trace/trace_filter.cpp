@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "foundation/ascii.h"
+#include "base/ascii.h"
 #include "vel_include/vel_trace.h"
 
 namespace {

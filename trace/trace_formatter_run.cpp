@@ -7,6 +7,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "base/short_text.h"
 #include "trace/trace_data_text.h"
 #include "util/dump_line.h"
 #include "vel_include/vel_messages.h"
@@ -86,7 +87,7 @@ VelClTraceFormatter::Run::Run(VelClTraceFormatter& formatter, std::ostream& stre
       stream_(&input_),
       program_(formatter.format_, directiveLetters(), formatter.indentation_ != nullptr),
       entry_(*formatter.environment_),
-      indentation_(formatter.indentation_ != nullptr ? formatter.indentation_ : "") {
+      indentation_(vel::textOrEmpty(formatter.indentation_)) {
   formatter.stream_ = &stream;
   formatter.entryCount_ = 0;
   for (unsigned long id = kBytes; id < kTextEnd; ++id)

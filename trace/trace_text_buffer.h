@@ -2,7 +2,6 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
@@ -10,18 +9,10 @@
 #include <ostream>
 #include <string_view>
 
+#include "base/digits.h"
+#include "base/short_text.h"
+
 namespace vel::trace {
-
-using DigitPairs = std::array<std::array<char, 2>, 100>;
-
-consteval DigitPairs makeDigitPairs() {
-  DigitPairs pairs{};
-  for (std::size_t i = 0; i < pairs.size(); ++i)
-    pairs[i] = {static_cast<char>('0' + i / 10), static_cast<char>('0' + i % 10)};
-  return pairs;
-}
-
-inline constexpr DigitPairs kDigitPairs = makeDigitPairs();
 
 class TextBuffer {
  public:
@@ -102,9 +93,9 @@ class TextBuffer {
     for (std::uint64_t limit = 10; number >= limit && digits < 20; limit *= 10) ++digits;
     char* const end = out + digits;
     char* place = end;
-    for (; number >= 100; number /= 100) std::memcpy(place -= 2, kDigitPairs[number % 100].data(), 2);
+    for (; number >= 100; number /= 100) writeDecimalPair(place -= 2, number % 100);
     if (number >= 10)
-      std::memcpy(place - 2, kDigitPairs[number].data(), 2);
+      writeDecimalPair(place - 2, number);
     else
       place[-1] = static_cast<char>('0' + number);
     return end;
@@ -112,25 +103,6 @@ class TextBuffer {
   static constexpr std::size_t kLongestNumber = 32;
 
  private:
-  /// At most kBlock characters, without a call of the run-time library: most names are so short.
-  static void copyShort(char* out, const char* text, std::size_t length) {
-    if (length >= 8) {
-      copyEnds<8>(out, text, length);
-    } else if (length >= 4) {
-      copyEnds<4>(out, text, length);
-    } else {
-      for (std::size_t i = 0; i < length; ++i) out[i] = text[i];
-    }
-  }
-  /// The first and the last `size` characters, which may overlap.
-  template <std::size_t size>
-  static void copyEnds(char* out, const char* text, std::size_t length) {
-    char last[size];
-    std::memcpy(last, text + length - size, size);
-    std::memcpy(out, text, size);
-    std::memcpy(out + length - size, last, size);
-  }
-
   static constexpr std::chars_format formatOf(std::ios::fmtflags flags) {
     if (flags == std::ios::fixed) return std::chars_format::fixed;
     return flags == std::ios::scientific ? std::chars_format::scientific : std::chars_format::general;

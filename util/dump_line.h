@@ -11,7 +11,8 @@
 #include <cstring>
 #include <utility>
 
-#include "foundation/byte_blocks.h"
+#include "base/byte_blocks.h"
+#include "base/digits.h"
 
 namespace vel::util {
 
@@ -20,10 +21,11 @@ using GroupTable = std::array<std::array<char, size>, 256>;
 
 /// Two digits and a blank for every byte, and one more blank, so that a group is one store.
 constexpr GroupTable<4> makeHexGroups() {
-  constexpr const char* kDigits = "0123456789ABCDEF";
   GroupTable<4> table{};
-  for (std::size_t byte = 0; byte < table.size(); ++byte)
-    table[byte] = {kDigits[byte / 16], kDigits[byte % 16], ' ', ' '};
+  for (std::size_t byte = 0; byte < table.size(); ++byte) {
+    const auto digits = hexPair(static_cast<unsigned char>(byte));
+    table[byte] = {digits[0], digits[1], ' ', ' '};
+  }
   return table;
 }
 

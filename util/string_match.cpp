@@ -1,8 +1,9 @@
 // The base of the pattern objects, and those that need no search of their own.
+#include "base/short_text.h"
 #include "vel_include/vel_util.h"
 
 VelClStringMatchABase::VelClStringMatchABase(const char* pattern, bool flag)
-    : pattern_(pattern != nullptr ? pattern : ""), flag_(flag) {}
+    : pattern_(vel::textOrEmpty(pattern)), flag_(flag) {}
 
 VelClStringMatchABase::~VelClStringMatchABase() = default;
 

@@ -1,6 +1,7 @@
 // Pieces of memory and addresses as lines of text. How the lines look is dump_line.h's matter.
 #include <algorithm>
 
+#include "base/digits.h"
 #include "util/dump_line.h"
 #include "vel_include/vel_util.h"
 
@@ -60,9 +61,7 @@ VelClStrepAddress::VelClStrepAddress(const void* address) : text_{} {
     *out++ = '0';
     *out++ = 'x';
   }
-  int digits = 1;
-  while (digits < 16 && number >> (4 * digits) != 0) ++digits;
-  while (digits-- > 0) *out++ = "0123456789abcdef"[number >> (4 * digits) & 15];
+  vel::writeHex(out, number, vel::kLowerHexDigits);
 }
 
 const char* VelClStrepAddress::getAsCString() const {

@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "base/byte_blocks.h"
 #include "foundation/allocator.h"
-#include "foundation/byte_blocks.h"
 #include "vel_include/vel_util.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include "vel_codepage.h"
 #include "vel_consoleui.h"
 #include "vel_cursor.h"
+#include "vel_environment.h"
 #include "vel_error.h"
 #include "vel_filesys.h"
 #include "vel_helpers.h"

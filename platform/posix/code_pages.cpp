@@ -8,6 +8,7 @@
 #include <cstring>
 #include <initializer_list>
 
+#include "base/utf.h"
 #include "platform/platform.h"
 
 namespace vel::platform {
@@ -61,12 +62,10 @@ struct Conversion {
   std::size_t capacity;
 };
 
-/// 4 for a surrogate pair at the start of the text, else 2.
 std::size_t sizeOfFirstCharacter(const Conversion& todo) noexcept {
   char16_t units[2] = {};
   std::memcpy(units, todo.text, todo.textSize < sizeof units ? todo.textSize : sizeof units);
-  const bool isPair = units[0] >= 0xD800 && units[0] < 0xDC00 && units[1] >= 0xDC00 && units[1] < 0xE000;
-  return isPair ? 4 : 2;
+  return utf16Length(units, 2) * sizeof *units;
 }
 
 /// Converts one character, so that a failure is this character's; false when the target is full.

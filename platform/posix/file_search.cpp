@@ -11,7 +11,7 @@
 #include <cstring>
 #include <initializer_list>
 
-#include "foundation/ascii.h"
+#include "base/ascii.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/privileges.h"
 

@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "base/ascii.h"
+
 namespace vel::platform {
 
 namespace {
@@ -28,7 +30,7 @@ constexpr std::size_t kNameOffset = 19;
 int numberIn(const char* name) noexcept {
   int number = 0;
   for (; *name != '\0'; ++name) {
-    if (*name < '0' || *name > '9') return -1;
+    if (!isAsciiDigit(*name)) return -1;
     number = number * 10 + (*name - '0');
   }
   return number;

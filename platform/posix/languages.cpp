@@ -8,6 +8,7 @@
 #include <cwchar>
 #include <initializer_list>
 
+#include "base/utf.h"
 #include "platform/platform.h"
 #include "platform/posix/language_names.h"
 
@@ -38,12 +39,12 @@ bool isUtf8Name(const char* codeSet) noexcept {
          (length == 4 && strncasecmp(codeSet, "UTF8", length) == 0);
 }
 
-/// A surrogate pair or a single unit, which is removed from the text.
+/// The first character or unpaired surrogate, which is removed from the text.
 wchar_t takeCharacter(const char16_t*& text, const char16_t* end) noexcept {
-  const char16_t first = *text++;
-  const bool isPair = first >= 0xD800 && first < 0xDC00 && text != end && *text >= 0xDC00 && *text < 0xE000;
-  if (!isPair) return first;
-  return static_cast<wchar_t>(0x10000 + ((first - 0xD800) << 10) + (*text++ - 0xDC00));
+  const char16_t* const units = text;
+  const std::size_t count = utf16Length(text, static_cast<std::size_t>(end - text));
+  text += count;
+  return static_cast<wchar_t>(count == 2 ? characterOfPair(units[0], units[1]) : char32_t{units[0]});
 }
 
 /// The bytes of one character; "?" when the code page lacks it.

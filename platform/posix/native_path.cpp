@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "foundation/ascii.h"
+#include "base/ascii.h"
 
 namespace vel::platform {
 

@@ -4,25 +4,20 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
+#include "base/utf.h"
 #include "platform/platform.h"
 
 namespace vel::platform {
 
 namespace {
 
-/// 2 for a surrogate pair at the start of the text, else 1.
-int unitsOfFirstCharacter(const char16_t* text, const char16_t* end) noexcept {
-  const bool isPair =
-      end - text > 1 && *text >= 0xD800 && *text < 0xDC00 && text[1] >= 0xDC00 && text[1] < 0xE000;
-  return isPair ? 2 : 1;
-}
-
 /// The bytes of one character of one or two units; "?" when the code page lacks it.
-std::size_t encode(const char16_t* character, int units, char (&out)[8]) noexcept {
+std::size_t encode(const char16_t* character, std::size_t units, char (&out)[8]) noexcept {
   wchar_t text[2];
-  std::memcpy(text, character, static_cast<std::size_t>(units) * sizeof(wchar_t));
+  std::memcpy(text, character, units * sizeof(wchar_t));
   BOOL lacked = FALSE;
-  const int count = WideCharToMultiByte(CP_ACP, 0, text, units, out, sizeof out, nullptr, &lacked);
+  const int count =
+      WideCharToMultiByte(CP_ACP, 0, text, static_cast<int>(units), out, sizeof out, nullptr, &lacked);
   if (count > 0 && lacked == FALSE) return static_cast<std::size_t>(count);
   out[0] = '?';
   return 1;
@@ -60,7 +55,7 @@ std::size_t utf16ToAnsi(const char16_t* text, std::size_t length, char* out, std
   const char16_t* const end = text + length;
   std::size_t written = 0;
   while (text != end) {
-    const int units = unitsOfFirstCharacter(text, end);
+    const std::size_t units = utf16Length(text, static_cast<std::size_t>(end - text));
     char bytes[8];
     const std::size_t count = encode(text, units, bytes);
     if (count > capacity - written) break;

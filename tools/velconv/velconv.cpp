@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/digits.h"
 #include "platform/byte_files.h"
 #include "platform/platform.h"
 #include "tools/catalog_tool.h"
@@ -149,13 +150,14 @@ bool Tool::convertBytes(int descriptor, OutputFile& output) {
 
 void Tool::tellFirstFault(const char* file) const {
   constexpr TextId kKinds[] = {kTextEnd, kInvalid, kIncomplete, kNotRepresentable};
-  constexpr const char* kDigits = "0123456789ABCDEF";
   const Conversion::VelStFault& fault = conversion_->getFirstFault();
   std::string what;
-  for (std::uint32_t i = 0; i < fault.size; ++i)
-    what += {kDigits[fault.bytes[i] >> 4], kDigits[fault.bytes[i] & 0xF], ' '};
+  for (std::uint32_t i = 0; i < fault.size; ++i) {
+    const auto digits = vel::hexPair(fault.bytes[i]);
+    what += {digits[0], digits[1], ' '};
+  }
   for (int shift = fault.character > 0xFFFF ? 20 : 12; fault.character != 0 && shift >= 0; shift -= 4)
-    what += kDigits[fault.character >> shift & 0xF];
+    what += vel::kUpperHexDigits[fault.character >> shift & 0xF];
   if (fault.character != 0) what = "U+" + what;
   if (what.ends_with(' ')) what.pop_back();
   const VelClMessage place(getMessageCatalog(), kFirstFault, std::to_string(fault.offset).c_str(),

@@ -1,14 +1,11 @@
-// Gathers output for standard output.
 #include "tools/veldump/output_buffer.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "platform/byte_files.h"
-
 namespace vel::veldump {
 
-OutputBuffer::OutputBuffer() : buffer_(std::make_unique<char[]>(kCapacity)) {}
+OutputBuffer::OutputBuffer(Sink sink) : sink_(sink), buffer_(std::make_unique<char[]>(kCapacity)) {}
 
 char* OutputBuffer::reserve(std::size_t size) {
   if (kCapacity - used_ < size) flush();
@@ -29,7 +26,7 @@ void OutputBuffer::append(const char* text, std::size_t size) {
 void OutputBuffer::flush() {
   const std::size_t size = used_;
   used_ = 0;
-  if (!platform::writeBytes(platform::kStandardOutput, buffer_.get(), size)) throw OutputFailure();
+  if (!sink_(buffer_.get(), size)) throw OutputFailure();
 }
 
 }  // namespace vel::veldump

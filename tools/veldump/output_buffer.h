@@ -11,7 +11,10 @@ struct OutputFailure {};
 
 class OutputBuffer {
  public:
-  OutputBuffer();
+  /// Writes all bytes somewhere; false when it cannot.
+  using Sink = bool (*)(const char* bytes, std::size_t size);
+
+  explicit OutputBuffer(Sink sink);
 
   static constexpr std::size_t kCapacity = std::size_t{256} * 1024;
 
@@ -22,6 +25,7 @@ class OutputBuffer {
   void flush();
 
  private:
+  Sink sink_;
   std::unique_ptr<char[]> buffer_;
   std::size_t used_ = 0;
 };

@@ -29,6 +29,10 @@ constexpr int kExitBeyondLimit = 3;
 constexpr std::uint64_t kDefaultLimit = std::uint64_t{1} << 30;
 constexpr std::size_t kChunkSize = std::size_t{64} * 1024;
 
+bool writeToStandardOutput(const char* bytes, std::size_t size) {
+  return vel::platform::writeBytes(vel::platform::kStandardOutput, bytes, size);
+}
+
 /// The console user interface with the tool's own texts.
 class Tool : public vel::tools::CatalogTool {
  public:
@@ -52,7 +56,7 @@ class Tool : public vel::tools::CatalogTool {
   bool fillChunk(ByteSource& source, std::size_t& size);
 
   std::vector<std::uint8_t> chunk_;
-  OutputBuffer output_;
+  OutputBuffer output_{writeToStandardOutput};
   Range range_;
   std::uint64_t limit_ = kDefaultLimit;  ///< of bytes that "*" may still stand for
   int exitCode_ = 0;

@@ -8,6 +8,9 @@
 #include <string>
 #include <string_view>
 
+#include "base/digits.h"
+#include "base/utf.h"
+
 namespace vel::velini {
 
 namespace {
@@ -49,33 +52,23 @@ std::string shellQuoted(const char* text) {
   return quoted + "'";
 }
 
-/// How many bytes the UTF-8 character at the start has, 0 when there is none.
-std::size_t utf8Length(std::string_view text) {
-  const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned char lead = byte(0);
-  if (lead < 0x80) return 1;
-  const std::size_t length = lead >= 0xF0 ? 4U : lead >= 0xE0 ? 3U : 2U;
-  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return 0;
-  for (std::size_t i = 1; i < length; ++i)
-    if ((byte(i) & 0xC0) != 0x80) return 0;
-  // Neither a longer form than needed, nor half a pair, nor beyond the last character.
-  const bool isWrong = (lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xED && byte(1) > 0x9F) ||
-                       (lead == 0xF0 && byte(1) < 0x90) || (lead == 0xF4 && byte(1) > 0x8F);
-  return isWrong ? 0 : length;
+/// Returns how many bytes the UTF-8 character at the start has, 0 for ill-formed text.
+std::size_t characterLength(std::string_view text) {
+  const Utf8Sequence sequence =
+      utf8SequenceAt(reinterpret_cast<const unsigned char*>(text.data()), text.size());
+  return sequence.isWhole ? sequence.size : 0;
 }
 
 void addUnit(std::string& json, unsigned char byte) {
-  constexpr const char* kDigits = "0123456789abcdef";
-  json += "\\u00";
-  json += kDigits[byte / 16];
-  json += kDigits[byte % 16];
+  const auto digits = hexPair(byte, kLowerHexDigits);
+  json.append("\\u00").append(digits.data(), digits.size());
 }
 
 /// A byte that belongs to no UTF-8 character stands for the character of its number.
 std::string jsonText(std::string_view text) {
   std::string json = "\"";
   while (!text.empty()) {
-    const std::size_t length = utf8Length(text);
+    const std::size_t length = characterLength(text);
     const char c = text[0];
     if (c == '"' || c == '\\') json += '\\';
     if (length == 0 || static_cast<unsigned char>(c) < 0x20)

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <iterator>
 
-#include "foundation/ascii.h"
+#include "base/ascii.h"
 
 namespace vel::velini {
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "platform/test/table.h"
-#include "vel_include/vel_process.h"
+#include "vel_include/vel_environment.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Decimal numbers at the start of a text, with the same answers on every system.
-#include "foundation/ascii.h"
+#include "base/ascii.h"
 
 #include <algorithm>
 #include <cstring>

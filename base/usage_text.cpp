@@ -1,13 +1,9 @@
-// Writes usage and help texts line by line. What the characters of a usage string mean for the check of a
-// command line is usage_cursor.cpp's matter.
-#include "consoleui/usage_writer.h"
+#include "base/usage_text.h"
 
 #include <ostream>
 #include <string_view>
 
-#include "vel_include/vel_consoleui.h"
-
-namespace vel::consoleui {
+namespace vel {
 namespace {
 
 /// Takes the next line off `text`; false when that was the last one.
@@ -31,7 +27,7 @@ void writeLine(std::ostream& stream, std::string_view line, TextKind kind) {
     return;
   }
   for (const char c : line)
-    if (c != '!' && VelClUsageCursor::isToBeDisplayed(c)) stream.put(c);
+    if (c != '!' && isShownInUsage(c)) stream.put(c);
 }
 
 }  // namespace
@@ -57,4 +53,4 @@ void writeText(std::ostream& stream, const char* text, TextKind kind, std::size_
   }
 }
 
-}  // namespace vel::consoleui
+}  // namespace vel

@@ -1,10 +1,15 @@
-// Writes usage and help texts line by line.
+// Shows usage and help strings of command lines, line by line.
 #pragma once
 
 #include <cstddef>
 #include <iosfwd>
 
-namespace vel::consoleui {
+namespace vel {
+
+/// A character that only tells the check of a command line something: brackets and double quotes.
+constexpr bool isShownInUsage(char c) noexcept {
+  return c != '(' && c != ')' && c != '"';
+}
 
 enum class TextKind {
   Usage,                    ///< "(", ")", double quotes and "!" are left out
@@ -19,4 +24,4 @@ void writeText(std::ostream& stream, const char* text, TextKind kind, std::size_
 /// Writes `count` times the same character.
 void writeFill(std::ostream& stream, std::size_t count, char c);
 
-}  // namespace vel::consoleui
+}  // namespace vel

@@ -3,7 +3,7 @@
 
 #include <initializer_list>
 
-#include "foundation/ascii.h"
+#include "base/ascii.h"
 
 namespace vel {
 

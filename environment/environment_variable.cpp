@@ -2,10 +2,11 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/enabled_rule.h"
+#include "base/short_text.h"
 #include "foundation/allocator.h"
-#include "foundation/enabled_rule.h"
 #include "platform/platform.h"
-#include "vel_include/vel_process.h"
+#include "vel_include/vel_environment.h"
 
 namespace {
 
@@ -22,10 +23,6 @@ bool assign(const char* name, const char* value, const char* appended) {
   return vel::platform::putEnvironment(assignment.data());
 }
 
-const char* orEmpty(const char* text) noexcept {
-  return text == nullptr ? "" : text;
-}
-
 }  // namespace
 
 VelClEnvironmentVariableABase::VelClEnvironmentVariableABase(const char* name) {
@@ -33,8 +30,8 @@ VelClEnvironmentVariableABase::VelClEnvironmentVariableABase(const char* name) {
 }
 
 void VelClEnvironmentVariableABase::initName(const char* name) {
-  const size_t length = std::min(std::strlen(orEmpty(name)), kMaxNameLength);
-  std::memmove(name_, orEmpty(name), length);
+  const size_t length = std::min(std::strlen(vel::textOrEmpty(name)), kMaxNameLength);
+  std::memmove(name_, vel::textOrEmpty(name), length);
   name_[length] = '\0';
 }
 
@@ -69,11 +66,11 @@ VelClEnvironmentVariable::VelClEnvironmentVariable(const char* name, const char*
 }
 
 bool VelClEnvironmentVariable::setNewValue(const char* value) {
-  return assign(getName(), orEmpty(value), "");
+  return assign(getName(), vel::textOrEmpty(value), "");
 }
 
 bool VelClEnvironmentVariable::appendValue(const char* text) {
-  return assign(getName(), orEmpty(getValue()), orEmpty(text));
+  return assign(getName(), vel::textOrEmpty(getValue()), vel::textOrEmpty(text));
 }
 
 void VelClEnvironmentVariable::resetValue() {

@@ -1,0 +1,77 @@
+# Rooms: the folders that the library is made of, and which of them may use which. Every source is compiled once a
+# preset. The shared library has the objects of all rooms. Two static ones, never installed, have objects that it hides:
+# qamc5032_inside has all, for programs that test it from inside and are linked with it instead of the shared library;
+# qamc5032_seam has the rooms without public names, for tools, which are linked with it beside the shared library.
+
+add_library(qamc5032_inside STATIC EXCLUDE_FROM_ALL)
+add_library(qamc5032_seam STATIC EXCLUDE_FROM_ALL)
+set_target_properties(qamc5032_inside qamc5032_seam PROPERTIES LINKER_LANGUAGE CXX)
+# Nothing is imported from a DLL then.
+target_compile_definitions(qamc5032_inside INTERFACE VEL_BUILDING_LIBRARY)
+
+# vel_add_room(<name> SOURCES <files>... [PUBLIC <headers>...] [USES <rooms>...] [GENERATED <targets>...]
+#              [LIBRARIES <libraries>...])
+# PUBLIC are the headers of vel_include/ that the room implements. A file of the room includes headers of the room
+# itself, of the rooms that it USES, and no others: the build checks that. GENERATED are its generated tables.
+# LIBRARIES are the system's that the room's objects need.
+function(vel_add_room name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;USES;GENERATED;LIBRARIES" ${ARGN})
+  set(room room_${name})
+  add_library(${room} OBJECT ${ARG_SOURCES})
+  vel_use_project_options(${room})
+  set_target_properties(${room} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  target_compile_definitions(${room} PRIVATE VEL_BUILDING_LIBRARY)
+  target_include_directories(${room} PRIVATE ${PROJECT_SOURCE_DIR})
+  if(ARG_GENERATED)
+    target_include_directories(${room} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/generated)
+    add_dependencies(${room} ${ARG_GENERATED})
+  endif()
+  if(NOT WIN32)
+    # Calls within the library go straight to their targets: no program replaces single functions of it.
+    target_compile_options(${room} PRIVATE -fno-semantic-interposition)
+  endif()
+  set(libraries qamc5032 qamc5032_inside)
+  if(NOT ARG_PUBLIC)
+    list(APPEND libraries qamc5032_seam)
+  endif()
+  foreach(library ${libraries})
+    target_sources(${library} PRIVATE $<TARGET_OBJECTS:${room}>)
+    target_link_libraries(${library} PRIVATE ${ARG_LIBRARIES})
+  endforeach()
+
+  list(TRANSFORM ARG_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  set_property(GLOBAL APPEND PROPERTY VEL_ROOM_SOURCES ${ARG_SOURCES})
+  list(JOIN ARG_PUBLIC " " headers)
+  list(JOIN ARG_USES " " uses)
+  set_property(GLOBAL APPEND_STRING PROPERTY VEL_ROOMS "${name}\t${uses}\t${headers}\n")
+endfunction()
+
+# vel_add_room_of_programs(<name> [USES <rooms>...] [HEADERS <files>...]): a folder of programs that use the public headers
+# and, for a reason that its build file gives, these rooms without public headers and these single files.
+function(vel_add_room_of_programs name)
+  cmake_parse_arguments(ARG "" "" "USES;HEADERS" ${ARGN})
+  list(JOIN ARG_USES " " uses)
+  list(JOIN ARG_HEADERS " " headers)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
+  set_property(GLOBAL APPEND PROPERTY VEL_ROOM_SOURCES ${sources})
+  set_property(GLOBAL APPEND_STRING PROPERTY VEL_ROOMS "${name}\t${uses} public\t${headers}\n")
+endfunction()
+
+# vel_check_rooms(): part of every build, after all rooms are declared. It fails when a file includes a header of a room
+# that its own does not use.
+function(vel_check_rooms)
+  get_property(rooms GLOBAL PROPERTY VEL_ROOMS)
+  get_property(sources GLOBAL PROPERTY VEL_ROOM_SOURCES)
+  file(GLOB public_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/vel_include/*.h)
+  set(table ${CMAKE_BINARY_DIR}/rooms.tsv)
+  file(CONFIGURE OUTPUT ${table} CONTENT "${rooms}" @ONLY)
+  set(script ${PROJECT_SOURCE_DIR}/cmake/check_rooms.py)
+  set(checked ${CMAKE_BINARY_DIR}/rooms.checked)
+  add_custom_command(OUTPUT ${checked}
+    COMMAND Python3::Interpreter -B ${script} --rooms ${table} --root ${PROJECT_SOURCE_DIR}
+    COMMAND ${CMAKE_COMMAND} -E touch ${checked}
+    DEPENDS ${script} ${table} ${sources} ${public_headers}
+    COMMENT "" VERBATIM)
+  add_custom_target(check_rooms ALL DEPENDS ${checked})
+  add_dependencies(qamc5032 check_rooms)
+endfunction()
