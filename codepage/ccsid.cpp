@@ -7,7 +7,7 @@
 
 #include "base/ascii.h"
 #include "codepage/ccsid_search.h"
-#include "platform/platform.h"
+#include "platform/code_pages.h"
 #include "vel_include/vel_codepage.h"
 
 struct VelStCcsid {

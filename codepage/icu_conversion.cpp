@@ -1,6 +1,7 @@
 // Converters and conversions of the ICU that this process found.
 #include "codepage/conversion.h"
 #include "codepage/icu_calls.h"
+#include "platform/dynamic_libraries.h"
 
 namespace {
 
@@ -14,8 +15,8 @@ using vel::codepage::IcuText;
 constexpr IcuStatus kUnsupported = 16;
 
 void* loadLibrary(const char* name) {
-  std::uint32_t error;
-  return vel::platform::loadInstalledLibrary(name, error);
+  void* library = nullptr;
+  return vel::platform::loadInstalledLibrary(name, library) == 0 ? library : nullptr;
 }
 
 using Conversion = std::size_t (*)(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text);

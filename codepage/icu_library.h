@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "platform/platform.h"
+#include "platform/dynamic_libraries.h"
 
 namespace vel::codepage {
 

@@ -8,6 +8,7 @@
 
 #include "codepage/icu_library.h"
 #include "codepage/test/outcome.h"
+#include "platform/dynamic_libraries.h"
 #include "vel_include/vel_process.h"
 #include "vel_include/vel_strict_conversion.h"
 

@@ -12,6 +12,7 @@
 #include "codepage/icu_calls.h"
 #include "codepage/test/mapping_file.h"
 #include "codepage/test/outcome.h"
+#include "platform/dynamic_libraries.h"
 #include "platform/test/table.h"
 #include "platform/test/thrown.h"
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "platform/platform.h"
+#include "platform/environment.h"
 
 namespace vel::codepage {
 

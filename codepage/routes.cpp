@@ -1,6 +1,6 @@
 // Which way a conversion takes, by its CCSID: own algorithms and tables first, then ICU, then the system.
 #include "codepage/conversion.h"
-#include "platform/platform.h"
+#include "platform/code_pages.h"
 
 namespace {
 

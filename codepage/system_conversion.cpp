@@ -1,6 +1,6 @@
 // The system's conversion to its own code pages, and the function of converters that have no way.
 #include "codepage/conversion.h"
-#include "platform/platform.h"
+#include "platform/code_pages.h"
 
 size_t velConvertByWindowsCallUCS2ToWinCP(VelClConverterABase::_VelStConverter& call) {
   const auto ccsid = static_cast<std::uint32_t>(call.converter.getTargetCCSID().getCCSID());

@@ -8,7 +8,7 @@
 #include "base/short_text.h"
 #include "base/usage_text.h"
 #include "consoleui/console_ui_internal.h"
-#include "platform/platform.h"
+#include "platform/languages.h"
 
 namespace vel::consoleui {
 namespace {

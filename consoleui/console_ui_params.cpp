@@ -7,7 +7,7 @@
 #include "base/enabled_rule.h"
 #include "base/short_text.h"
 #include "foundation/allocator.h"
-#include "platform/platform.h"
+#include "platform/environment.h"
 #include "vel_include/vel_consoleui.h"
 
 namespace {

@@ -12,7 +12,7 @@
 #include "base/short_text.h"
 #include "consoleui/console_ui_internal.h"
 #include "foundation/allocator.h"
-#include "platform/platform.h"
+#include "platform/console.h"
 
 namespace vel::consoleui {
 namespace {

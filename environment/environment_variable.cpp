@@ -5,7 +5,7 @@
 #include "base/enabled_rule.h"
 #include "base/short_text.h"
 #include "foundation/allocator.h"
-#include "platform/platform.h"
+#include "platform/environment.h"
 #include "vel_include/vel_environment.h"
 
 namespace {
@@ -20,7 +20,7 @@ bool assign(const char* name, const char* value, const char* appended) {
   if (!isPossibleName(name)) return false;
   vel::String assignment(name);
   assignment.append("=").append(value).append(appended);
-  return vel::platform::putEnvironment(assignment.data());
+  return vel::platform::putEnvironment(assignment.data()) == 0;
 }
 
 }  // namespace

@@ -5,13 +5,15 @@
 
 #include "filesys/path_text.h"
 #include "filesys/tree_removal.h"
-#include "platform/platform.h"
+#include "platform/directories.h"
+#include "platform/files.h"
+#include "platform/system_error.h"
 #include "vel_include/vel_filesys.h"
 
 namespace platform = vel::platform;
+using vel::textOrEmpty;
 using vel::filesys::kMaxLength;
 using vel::filesys::PathText;
-using vel::textOrEmpty;
 
 namespace {
 

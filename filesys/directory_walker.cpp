@@ -3,7 +3,8 @@
 
 #include "filesys/directory_entry.h"
 #include "filesys/path_text.h"
-#include "platform/platform.h"
+#include "platform/directories.h"
+#include "platform/files.h"
 #include "vel_include/vel_filesys.h"
 
 namespace platform = vel::platform;
@@ -39,14 +40,15 @@ void VelClOSSDirectoryWalker::close() {
 bool VelClOSSDirectoryWalker::takeNext() {
   platform::DirectoryHandle handle{search_, listed_};
   platform::DirectoryEntry entry;
-  const platform::WalkStep step = platform::nextEntry(handle, entry);
-  if (step == platform::WalkStep::Entry) {
+  platform::WalkStep step;
+  const bool failed = platform::nextEntry(handle, entry, step) != 0;
+  if (!failed && step == platform::WalkStep::Entry) {
     listed_ = handle.listed;
     attributes_ = entry.attributes;
     vel::filesys::copyBounded(name_, entry.name, vel::filesys::kMaxLength);
     return valid_ = true;
   }
-  if (step == platform::WalkStep::Failed) error_ = {DIRWALK_NO_CONTINUATION, VelEnErrorClass::IO_PROBLEM};
+  if (failed) error_ = {DIRWALK_NO_CONTINUATION, VelEnErrorClass::IO_PROBLEM};
   close();
   return false;
 }

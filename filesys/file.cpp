@@ -3,7 +3,9 @@
 #include <cstring>
 
 #include "filesys/path_text.h"
-#include "platform/platform.h"
+#include "platform/file_copy.h"
+#include "platform/files.h"
+#include "platform/system_error.h"
 #include "vel_include/vel_environment.h"
 #include "vel_include/vel_filesys.h"
 
@@ -77,7 +79,7 @@ void VelClFile::setReadOnly(bool readOnly) {
 
 unsigned long VelClFile::getFileSize() const {
   platform::EntryStatus status{};
-  if (!platform::statusOf(getAsCString(), status)) return 0;
+  if (platform::statusOf(getAsCString(), status) != 0) return 0;
   return static_cast<std::uint32_t>(status.sizeInBytes);
 }
 

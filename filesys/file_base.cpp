@@ -2,12 +2,12 @@
 #include <cstring>
 
 #include "filesys/path_text.h"
-#include "platform/platform.h"
+#include "platform/files.h"
 #include "vel_include/vel_filesys.h"
 
+using vel::textOrEmpty;
 using vel::filesys::kMaxLength;
 using vel::filesys::PathText;
-using vel::textOrEmpty;
 
 namespace {
 
@@ -30,7 +30,7 @@ std::size_t rootLengthOf(const VelClPathProperty& directory) {
 
 bool startInCurrentDirectory(ExpansionStart& start) {
   char current[kMaxLength + 1];
-  if (!vel::platform::currentDirectory(current, sizeof current)) return false;
+  if (vel::platform::currentDirectory(current, sizeof current) != 0) return false;
   start.output.append(current);
   if (start.output.last() == '\\') start.output.cutTo(start.output.length() - 1);
   start.root = rootLengthOf(VelClPathProperty(start.output.text()));
@@ -84,7 +84,7 @@ bool expand(ExpansionStart& start) {
 
 std::int64_t timeOf(const char* name, std::int64_t vel::platform::EntryStatus::*time) {
   vel::platform::EntryStatus status{};
-  return vel::platform::statusOf(textOrEmpty(name), status) ? status.*time : 0;
+  return vel::platform::statusOf(textOrEmpty(name), status) == 0 ? status.*time : 0;
 }
 
 }  // namespace

@@ -5,13 +5,13 @@
 
 #include "base/ascii.h"
 #include "filesys/path_text.h"
-#include "platform/platform.h"
+#include "platform/files.h"
 #include "vel_include/vel_filesys.h"
 #include "vel_include/vel_util.h"
 
+using vel::textOrEmpty;
 using vel::filesys::kMaxLength;
 using vel::filesys::PathText;
-using vel::textOrEmpty;
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "filesys/path_text.h"
-#include "platform/platform.h"
+#include "platform/files.h"
 #include "vel_include/vel_filesys.h"
 
 using vel::filesys::kMaxLength;

@@ -1,5 +1,5 @@
 // The translation mode of the runtime's file descriptors.
-#include "platform/platform.h"
+#include "platform/descriptors.h"
 #include "vel_include/vel_filesys.h"
 
 namespace platform = vel::platform;

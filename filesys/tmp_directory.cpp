@@ -1,7 +1,8 @@
 // Where scratch files go.
 #include <initializer_list>
 
-#include "platform/platform.h"
+#include "platform/environment.h"
+#include "platform/files.h"
 #include "vel_include/vel_filesys.h"
 
 const char* velGetTmpDirectory(void) {

@@ -4,7 +4,8 @@
 
 #include "filesys/path_text.h"
 #include "filesys/tmp_name.h"
-#include "platform/platform.h"
+#include "platform/files.h"
+#include "platform/system_error.h"
 #include "vel_include/vel_filesys.h"
 
 using vel::filesys::Repetitions;
@@ -47,15 +48,17 @@ int velTmpFileCreate(const char* directory, const char* prefix, char* name) {
   TmpName names(prefix != nullptr ? prefix : kPrefix);
   Repetitions repetitions;
   for (;;) {
-    vel::platform::SystemError error = 0;
     const char* const drawn = names.draw();
     const VelClFilename file(VelClLocation(directory != nullptr ? directory : velGetTmpDirectory(), false),
                              drawn, nullptr);
     // A name that was cut may be anybody's, and one with a separator or colon is no name in the directory.
     if (std::strcmp(file.getName(), drawn) != 0 || std::strpbrk(drawn, "/\\:") != nullptr) return -1;
-    const int descriptor = vel::platform::createExclusively(file.getAsCString(), error);
-    if (descriptor >= 0) vel::filesys::copyBounded(name, file.getAsCString(), file.getLength());
-    if (descriptor >= 0 || error != EEXIST || !repetitions.mayGoOn(drawn)) return descriptor;
+    int descriptor = -1;
+    const vel::platform::SystemError error =
+        vel::platform::createExclusively(file.getAsCString(), descriptor);
+    if (error == 0) vel::filesys::copyBounded(name, file.getAsCString(), file.getLength());
+    if (error == 0) return descriptor;
+    if (error != EEXIST || !repetitions.mayGoOn(drawn)) return -1;
   }
 }
 

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "filesys/path_text.h"
-#include "platform/platform.h"
+#include "platform/processes.h"
 
 namespace vel::filesys {
 

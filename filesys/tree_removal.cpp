@@ -7,7 +7,10 @@
 
 #include "filesys/directory_entry.h"
 #include "filesys/path_text.h"
-#include "platform/platform.h"
+#include "platform/directories.h"
+#include "platform/file_identity.h"
+#include "platform/files.h"
+#include "platform/system_error.h"
 
 namespace vel::filesys {
 
@@ -96,7 +99,9 @@ bool removeWithContents(const platform::DirectoryHandle& parent, platform::Direc
 bool removeEntriesOf(platform::DirectoryHandle& directory, const Roots& roots, int depth) noexcept {
   if (depth > kMaxDepth || roots.include(directory)) return false;
   platform::DirectoryEntry entry;
-  while (platform::nextEntry(directory, entry) == platform::WalkStep::Entry)
+  platform::WalkStep step;
+  // What a listing that failed has left out is told by the removal of the directory itself.
+  while (platform::nextEntry(directory, entry, step) == 0 && step == platform::WalkStep::Entry)
     if (!removeWithContents(directory, entry, roots, depth + 1)) return false;
   return true;
 }

@@ -7,7 +7,9 @@
 
 #include "base/enabled_rule.h"
 #include "base/short_text.h"
-#include "platform/platform.h"
+#include "platform/environment.h"
+#include "platform/processes.h"
+#include "platform/system.h"
 #include "vel_include/vel_error.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/platform.h"
+#include "platform/system.h"
 #include "vel_include/vel_error.h"
 
 // Fixed texts and numbers: part of the interface, not these lines' positions.

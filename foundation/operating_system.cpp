@@ -1,5 +1,5 @@
 // The family of the operating system.
-#include "platform/platform.h"
+#include "platform/system.h"
 #include "vel_include/vel_helpers.h"
 
 unsigned int velGetOperatingSystemId(void) {

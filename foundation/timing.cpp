@@ -1,7 +1,7 @@
 // Sleeping, time stamps and the stopwatch.
 #include <utility>
 
-#include "platform/platform.h"
+#include "platform/clocks.h"
 #include "vel_include/vel_helpers.h"
 
 namespace {

@@ -2,6 +2,7 @@
 #include "inifile/file_output.h"
 
 #include "platform/byte_files.h"
+#include "platform/replacing.h"
 
 namespace vel::inifile {
 
@@ -38,7 +39,7 @@ ReplacementBuffer::int_type ReplacementBuffer::overflow(int_type c) {
 int ReplacementBuffer::sync() {
   if (!isOpen()) return -1;
   const auto size = static_cast<std::size_t>(pptr() - pbase());
-  if (!platform::writeBytes(replacement_.descriptor, pbase(), size)) return -1;
+  if (platform::writeBytes(replacement_.descriptor, pbase(), size) != 0) return -1;
   setp(buffer_.data(), buffer_.data() + buffer_.size());
   return 0;
 }

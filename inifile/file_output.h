@@ -5,7 +5,8 @@
 #include <streambuf>
 
 #include "foundation/allocator.h"
-#include "platform/platform.h"
+#include "platform/file_identity.h"
+#include "platform/replacing.h"
 
 namespace vel::inifile {
 

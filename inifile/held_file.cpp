@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "platform/clocks.h"
+
 namespace vel::inifile {
 
 namespace {
@@ -45,7 +47,7 @@ void HeldFile::release() {
 
 std::optional<platform::FileState> HeldFile::stateOfRead(int descriptor) {
   platform::FileState found;
-  const bool isTold = platform::stateOf(descriptor, found);
+  const bool isTold = platform::stateOf(descriptor, found) == 0;
   if (isHeld_ && !matches(isTold && found == lock_.file)) return std::nullopt;
   return found;
 }
@@ -53,7 +55,7 @@ std::optional<platform::FileState> HeldFile::stateOfRead(int descriptor) {
 bool HeldFile::mayReplace(const char* name, const platform::FileIdentity& replaced) {
   if (!isHeld_) return true;
   platform::FileState found;
-  return matches(platform::stateAt(name, found) && found == lock_.file && replaced == found.identity &&
+  return matches(platform::stateAt(name, found) == 0 && found == lock_.file && replaced == found.identity &&
                  (!read_.has_value() || *read_ == lock_.file));
 }
 

@@ -3,7 +3,8 @@
 
 #include <optional>
 
-#include "platform/platform.h"
+#include "platform/file_identity.h"
+#include "platform/file_lock.h"
 #include "vel_include/vel_inifile.h"
 
 namespace vel::inifile {

@@ -4,6 +4,7 @@
 #include "inifile/edited_file.h"
 #include "inifile/file_output.h"
 #include "platform/byte_files.h"
+#include "platform/file_lock.h"
 #include "vel_include/vel_inifile.h"
 
 #include <utility>
@@ -17,11 +18,12 @@ namespace {
 bool readAll(int descriptor, String& bytes) {
   constexpr std::size_t kStep = std::size_t{256} * 1024;
   for (;;) {
-    const std::size_t size = bytes.size();
-    bytes.resize(size + kStep);
-    const std::int64_t count = vel::platform::readBytes(descriptor, bytes.data() + size, kStep);
-    bytes.resize(size + (count > 0 ? static_cast<std::size_t>(count) : 0));
-    if (count <= 0) return count == 0;
+    const std::size_t before = bytes.size();
+    std::size_t size = 0;
+    bytes.resize(before + kStep);
+    if (vel::platform::readBytes(descriptor, bytes.data() + before, kStep, size) != 0) return false;
+    bytes.resize(before + size);
+    if (size == 0) return true;
   }
 }
 
@@ -35,16 +37,11 @@ VelClIniFileEditor::~VelClIniFileEditor() {
 }
 
 bool VelClIniFileEditor::load(bool allowContinuation) {
-  struct OpenFile {
-    int descriptor;
-    ~OpenFile() {
-      if (descriptor >= 0) vel::platform::closeDescriptor(descriptor);
-    }
-  };
-  const OpenFile file{vel::platform::openForReading(getAsCString())};
+  vel::platform::ReadableFile file;
   String bytes;
-  if (file.descriptor < 0 || !readAll(file.descriptor, bytes)) return false;
-  const std::optional<FileState> found = file_->held.stateOfRead(file.descriptor);
+  if (file.open(getAsCString(), vel::platform::PipeWithoutWriter::Refuse) != 0) return false;
+  if (!readAll(file.descriptor(), bytes)) return false;
+  const std::optional<FileState> found = file_->held.stateOfRead(file.descriptor());
   if (!found.has_value()) return false;
   file_->text.take(std::move(bytes), allowContinuation);
   file_->held.noteRead(*found);

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "platform/byte_files.h"
-#include "platform/platform.h"
+#include "platform/files.h"
 
 namespace vel::inifile {
 
@@ -21,12 +21,7 @@ bool isDirectory(const char* name) noexcept {
 
 LineSource::LineSource(const char* fileName) : isText_(true), isOpen_(false), buffer_(kBufferSize) {
   at_ = end_ = buffer_.data();
-  if (!isDirectory(fileName)) descriptor_ = platform::openForReading(fileName);
-  isOpen_ = descriptor_ >= 0;
-}
-
-LineSource::~LineSource() {
-  if (descriptor_ >= 0) platform::closeDescriptor(descriptor_);
+  isOpen_ = !isDirectory(fileName) && file_.open(fileName, platform::PipeWithoutWriter::Refuse) == 0;
 }
 
 /// Within as many bytes as the longest line has, its "\r" included.
@@ -37,14 +32,16 @@ const char* LineSource::findDelimiter() const noexcept {
 
 /// Moves what is left to the front and reads on; false at the end.
 bool LineSource::refill() noexcept {
-  if (descriptor_ < 0) return false;
+  if (!file_.isOpen()) return false;
   const auto left = static_cast<std::size_t>(end_ - at_);
   std::copy(at_, end_, buffer_.data());
   at_ = buffer_.data();
   end_ = at_ + left;
-  const std::int64_t count = platform::readBytes(descriptor_, buffer_.data() + left, buffer_.size() - left);
-  if (count > 0) end_ += count;
-  return count > 0;
+  std::size_t size = 0;
+  if (platform::readBytes(file_.descriptor(), buffer_.data() + left, buffer_.size() - left, size) != 0)
+    return false;
+  end_ += size;
+  return size > 0;
 }
 
 Span LineSource::next() {

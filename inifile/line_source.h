@@ -7,6 +7,7 @@
 
 #include "foundation/allocator.h"
 #include "inifile/text_rules.h"
+#include "platform/byte_files.h"
 
 namespace vel::inifile {
 
@@ -22,7 +23,7 @@ class LineSource {
   explicit LineSource(const char* fileName);
   LineSource(const LineSource&) = delete;
   LineSource& operator=(const LineSource&) = delete;
-  ~LineSource();
+  ~LineSource() = default;
 
   /// Whether there was such a file.
   bool isOpen() const noexcept { return isOpen_; }
@@ -44,7 +45,7 @@ class LineSource {
   bool isText_ = false;
   bool isOpen_ = true;
   bool isAtEnd_ = false;
-  int descriptor_ = -1;
+  platform::ReadableFile file_;
   Vector<char> buffer_;
 };
 

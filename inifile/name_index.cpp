@@ -4,7 +4,7 @@
 
 #include <bit>
 
-#include "platform/platform.h"
+#include "platform/clocks.h"
 
 namespace vel::inifile {
 

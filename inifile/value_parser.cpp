@@ -5,7 +5,7 @@
 
 #include "inifile/option_text.h"
 #include "inifile/text_rules.h"
-#include "platform/platform.h"
+#include "platform/environment.h"
 
 namespace vel::inifile {
 

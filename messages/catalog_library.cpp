@@ -7,42 +7,34 @@
 #include "messages/insert_formatter.h"
 #include "messages/resource_text.h"
 #include "platform/byte_files.h"
+#include "platform/catalogs.h"
 
 namespace vel::messages {
 namespace {
 
-class Descriptor {
- public:
-  explicit Descriptor(int descriptor) noexcept : descriptor_(descriptor) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() {
-    if (descriptor_ != -1) platform::closeDescriptor(descriptor_);
+/// Reads a whole file. The result is empty if it is too large, or changes while it is read.
+CatalogLibrary::FileBytes readAll(int descriptor) {
+  const std::uint64_t size = platform::bytesLeft(descriptor);
+  if (size == 0 || size > CatalogLibrary::kMostBytes) return {};
+  CatalogLibrary::FileBytes bytes;
+  bytes.data.reset(static_cast<std::uint8_t*>(VelClMemoryManager::malloc(static_cast<std::size_t>(size))));
+  while (bytes.size < size) {
+    std::size_t count = 0;
+    const auto left = static_cast<std::size_t>(size) - bytes.size;
+    if (platform::readBytes(descriptor, bytes.data.get() + bytes.size, left, count) != 0 || count == 0)
+      return {};
+    bytes.size += count;
   }
-
-  /// Empty when the file is too large, or changes while it is read.
-  CatalogLibrary::FileBytes readAll() const {
-    const std::uint64_t size = descriptor_ == -1 ? 0 : platform::bytesLeft(descriptor_);
-    if (size == 0 || size > CatalogLibrary::kMostBytes) return {};
-    CatalogLibrary::FileBytes bytes;
-    bytes.data.reset(static_cast<std::uint8_t*>(VelClMemoryManager::malloc(static_cast<std::size_t>(size))));
-    while (bytes.size < size) {
-      const std::int64_t count = platform::readBytes(descriptor_, bytes.data.get() + bytes.size,
-                                                     static_cast<std::size_t>(size) - bytes.size);
-      if (count <= 0) return {};
-      bytes.size += static_cast<std::size_t>(count);
-    }
-    return bytes;
-  }
-
- private:
-  int descriptor_;
-};
+  return bytes;
+}
 
 }  // namespace
 
 CatalogLibrary::Owner CatalogLibrary::open(const char* fileName, platform::CatalogOwner owner) {
-  FileBytes bytes = Descriptor(platform::openCatalog(fileName, owner)).readAll();
+  int descriptor = -1;
+  if (platform::openCatalog(fileName, owner, descriptor) != 0) return nullptr;
+  const platform::ReadableFile file(descriptor);
+  FileBytes bytes = readAll(file.descriptor());
   if (!PortableExecutable(bytes.data.get(), bytes.size).isValid()) return nullptr;
   return Owner(create<CatalogLibrary>(std::move(bytes)));
 }

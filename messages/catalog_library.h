@@ -8,7 +8,7 @@
 #include "foundation/allocator.h"
 #include "messages/message_resource.h"
 #include "messages/portable_executable.h"
-#include "platform/platform.h"
+#include "platform/catalogs.h"
 
 namespace vel::messages {
 

@@ -7,7 +7,7 @@
 
 #include "base/ascii.h"
 #include "base/short_text.h"
-#include "platform/platform.h"
+#include "platform/languages.h"
 #include "vel_include/vel_messages.h"
 
 namespace {

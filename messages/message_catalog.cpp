@@ -3,7 +3,8 @@
 #include <clocale>
 
 #include "messages/catalog_library.h"
-#include "platform/platform.h"
+#include "platform/catalogs.h"
+#include "platform/languages.h"
 #include "vel_include/vel_messages.h"
 
 namespace {

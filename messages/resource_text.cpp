@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "base/utf.h"
-#include "platform/platform.h"
+#include "platform/languages.h"
 
 namespace vel::messages {
 namespace {

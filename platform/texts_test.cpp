@@ -3,7 +3,7 @@
 
 #include <clocale>
 
-#include "platform/platform.h"
+#include "platform/languages.h"
 #include "platform/test/table.h"
 #include "platform/test/variable.h"
 

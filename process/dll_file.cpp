@@ -1,6 +1,6 @@
 // Dynamic libraries, their procedures, and the same for callers of plain functions.
 #include "foundation/allocator.h"
-#include "platform/platform.h"
+#include "platform/dynamic_libraries.h"
 #include "vel_include/vel_process.h"
 
 namespace platform = vel::platform;
@@ -16,8 +16,7 @@ VelClDllFile::~VelClDllFile() {
 }
 
 void VelClDllFile::load() {
-  std::uint32_t error = 0;
-  handle_ = platform::loadLibrary(getAsCString(), error);
+  const platform::NativeError error = platform::loadLibrary(getAsCString(), handle_);
   // The system's own code, none of the library's identifiers. Keep.
   if (handle_ == nullptr) fail(error, VelEnErrorClass::RESOURCE_MISSING);
 }

@@ -1,6 +1,8 @@
 // A program's file name, completed along the system's search path.
 #include "base/enabled_rule.h"
-#include "platform/platform.h"
+#include "platform/dynamic_libraries.h"
+#include "platform/environment.h"
+#include "platform/launching.h"
 #include "vel_include/vel_process.h"
 
 namespace platform = vel::platform;

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "foundation/allocator.h"
-#include "platform/platform.h"
+#include "platform/launching.h"
 #include "process/command_line.h"
 #include "vel_include/vel_helpers.h"
 #include "vel_include/vel_process.h"

@@ -1,5 +1,5 @@
 // Ending a process by its identifier.
-#include "platform/platform.h"
+#include "platform/launching.h"
 #include "vel_include/vel_process.h"
 
 namespace platform = vel::platform;

@@ -1,5 +1,5 @@
 // Identifiers of the current process and thread.
-#include "platform/platform.h"
+#include "platform/processes.h"
 #include "vel_include/vel_process.h"
 
 VelClProcessProperty::VelClProcessProperty() : id_(vel::platform::currentProcessId()) {}

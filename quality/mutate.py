@@ -22,7 +22,7 @@ import changes
 import overlay
 
 CHECKOUT = pathlib.Path(__file__).resolve().parent.parent
-ROOMS = ("foundation process util filesys messages consoleui trace codepage inifile platform tools").split()
+ROOMS = ("base environment foundation process util filesys messages consoleui trace codepage inifile platform tools").split()
 COUNTED = ("noticed", "noticed with sanitizers", "survived")
 
 stop = threading.Event()

@@ -5,7 +5,7 @@
 #include <iostream>
 #include <string_view>
 
-#include "platform/platform.h"
+#include "platform/descriptors.h"
 
 namespace vel::tools {
 

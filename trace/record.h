@@ -6,7 +6,8 @@
 #include <cstring>
 
 #include "base/short_text.h"
-#include "platform/platform.h"
+#include "platform/clocks.h"
+#include "platform/processes.h"
 #include "trace/text_compression.h"
 #include "vel_include/vel_trace.h"
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "platform/platform.h"
+#include "platform/processes.h"
 #include "vel_include/vel_trace.h"
 
 /// Lies at the start of the ring's memory. Threads that trace without taking turns damage entries, but never

@@ -2,13 +2,11 @@
 #include "trace/trace_file_input.h"
 
 #include "platform/byte_files.h"
-#include "platform/platform.h"
+#include "platform/files.h"
 
 namespace vel::trace {
 
-TraceFileInput::~TraceFileInput() {
-  if (descriptor_ != -1) platform::closeDescriptor(descriptor_);
-}
+TraceFileInput::~TraceFileInput() = default;
 
 bool TraceFileInput::open(const char* name) {
   buffer_.reset(static_cast<char*>(VelClMemoryManager::malloc(kCapacity)));
@@ -16,8 +14,7 @@ bool TraceFileInput::open(const char* name) {
   const std::uint32_t attributes = platform::attributesOf(name);
   if (attributes != platform::kAttributesUnreadable && (attributes & platform::kAttributeDirectory) != 0)
     return false;
-  descriptor_ = platform::openForReading(name);
-  return descriptor_ != -1;
+  return file_.open(name, platform::PipeWithoutWriter::Refuse) == 0;
 }
 
 bool TraceFileInput::skip(std::uint64_t count) {
@@ -31,11 +28,13 @@ bool TraceFileInput::skip(std::uint64_t count) {
 }
 
 TraceFileInput::int_type TraceFileInput::underflow() {
-  const std::int64_t count = failed_ ? 0 : platform::readBytes(descriptor_, buffer_.get(), kCapacity);
-  if (count < 0) failed_ = true;
+  std::size_t size = 0;
+  if (!failed_ && platform::readBytes(file_.descriptor(), buffer_.get(), kCapacity, size) != 0)
+    failed_ = true;
+  if (failed_) size = 0;
   char* const start = buffer_.get();
-  setg(start, start, start + std::max<std::int64_t>(count, 0));
-  return count > 0 ? traits_type::to_int_type(*start) : traits_type::eof();
+  setg(start, start, start + size);
+  return size > 0 ? traits_type::to_int_type(*start) : traits_type::eof();
 }
 
 }  // namespace vel::trace

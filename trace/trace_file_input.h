@@ -9,6 +9,7 @@
 #include <streambuf>
 
 #include "foundation/allocator.h"
+#include "platform/byte_files.h"
 
 namespace vel::trace {
 
@@ -48,7 +49,7 @@ class TraceFileInput final : public std::streambuf {
         std::streambuf::xsgetn(static_cast<char*>(out), static_cast<std::streamsize>(count)));
   }
 
-  int descriptor_ = -1;
+  platform::ReadableFile file_;
   bool failed_ = false;
   OwnedText buffer_;
 };

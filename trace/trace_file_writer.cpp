@@ -1,8 +1,9 @@
 // Appends what leaves the ring to the trace file. A failure costs trace data and nothing else.
-#include <cerrno>
 #include <cstdint>
 
-#include "platform/platform.h"
+#include "platform/append.h"
+#include "platform/files.h"
+#include "platform/system_error.h"
 #include "trace/verbose_line.h"
 #include "vel_include/vel_trace.h"
 
@@ -15,7 +16,7 @@ using vel::trace::VerboseLine;
 void reportOpened(const char* name) {
   VerboseLine() << "writing file: " << name;
   vel::platform::EntryStatus status{};
-  if (vel::platform::statusOf(name, status) && status.sizeInBytes != 0)
+  if (vel::platform::statusOf(name, status) == 0 && status.sizeInBytes != 0)
     VerboseLine() << "file exists with size: " << status.sizeInBytes;
 }
 
@@ -27,24 +28,24 @@ void VelClTraceEnvironment::save(const _VelStTraceBufferCallBackInfo& info) {
 
 void VelClTraceEnvironment::append(const _VelStTraceBufferCallBackInfo& info) {
   // A program may trace before it looks at an error of its own.
-  const vel::platform::LastErrors errorsOfProgram = vel::platform::lastErrors();
+  const vel::platform::LastErrorsKept errorsOfProgram;
   const bool verbose = settings_->isVerbose();
   const char* const name = filename_.getAsCString();
   const std::uint64_t size = info.firstLength + info.secondLength;
-  SystemError error = 0;
   const AppendTo target = isDefaultFile_ ? AppendTo::OwnFile : AppendTo::AnyFile;
-  const int descriptor = vel::platform::openForAppending(name, target, error);
+  int descriptor = -1;
   std::uint64_t written = 0;
-  if (descriptor == -1) {
+  SystemError error = vel::platform::openForAppending(name, target, descriptor);
+  if (error != 0) {
     if (verbose) VerboseLine() << "could not open: " << name << " (errno: " << error << ")";
   } else {
     if (verbose) reportOpened(name);
     const vel::platform::Bytes pieces[] = {{info.first, static_cast<std::size_t>(info.firstLength)},
                                            {info.second, static_cast<std::size_t>(info.secondLength)}};
-    written = vel::platform::appendBytes(descriptor, pieces[0], pieces[1], error);
-    const int closed = vel::platform::closeAppended(descriptor);
-    const SystemError closeError = closed != 0 && errno != EINTR ? errno : 0;
-    if (verbose) VerboseLine() << "bytes written: " << written << " file status: " << closed;
+    error = vel::platform::appendBytes(descriptor, pieces[0], pieces[1], written);
+    const SystemError closeError = vel::platform::closeAppended(descriptor);
+    if (verbose)
+      VerboseLine() << "bytes written: " << written << " file status: " << (closeError != 0 ? -1 : 0);
     // A file that cannot be closed may have lost all of it.
     if (closeError != 0) {
       error = closeError;
@@ -53,5 +54,4 @@ void VelClTraceEnvironment::append(const _VelStTraceBufferCallBackInfo& info) {
   }
   lostBytes_ += size - written;
   if (error != 0) lastSystemError_ = error;
-  vel::platform::setLastErrors(errorsOfProgram);
 }

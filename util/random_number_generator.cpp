@@ -1,7 +1,7 @@
 // The IBAA random number generator: seeding, passes over its state, and scaling.
 #include <bit>
 
-#include "platform/platform.h"
+#include "platform/clocks.h"
 #include "vel_include/vel_util.h"
 
 namespace {

@@ -139,6 +139,16 @@ class Page:
         return table(("Job", "Peer", "Own time / peer's", "Goal", "Own time / physical limit", ""),
                      [row.values() for row in rows_of(self.root / "docs/manual/ratios.tsv")])
 
+    def rooms(self, _):
+        rows = []
+        for room in re.findall(r"^add_subdirectory\((\w+)\)", (self.root / "CMakeLists.txt").read_text(), re.M):
+            text = (self.root / room / "CMakeLists.txt").read_text()
+            if (found := re.search(r"^vel_add_room\((.*?)\bSOURCES\b", text, re.M | re.S)) is None:
+                continue
+            public, uses = (re.search(rf"\b{word} ([\w. ]+)", found[1]) for word in ("PUBLIC", "USES"))
+            rows.append((f"`{room}/`", uses[1] if uses else "", public[1] if public else ""))
+        return table(("Room", "Uses", "Public headers"), rows)
+
     def trace_types(self, _):
         return table(("Number", "Short name (%%x)", "Long name (%%X)"),
                      [(row["value"], row["short_name"], row["long_name"])

@@ -9,8 +9,10 @@
 #include <cerrno>
 #include <ctime>
 
-#include "platform/platform.h"
+#include "platform/append.h"
+#include "platform/posix/descriptor.h"
 #include "platform/posix/native_path.h"
+#include "platform/system_error.h"
 
 namespace vel::platform {
 
@@ -63,46 +65,37 @@ void moveOn(iovec& piece, std::size_t count) noexcept {
 
 }  // namespace
 
-LastErrors lastErrors() noexcept {
-  return {errno, 0};
+LastErrorsKept::LastErrorsKept() noexcept : runtime_(errno), system_(0) {}
+
+LastErrorsKept::~LastErrorsKept() {
+  errno = runtime_;
 }
 
-void setLastErrors(const LastErrors& errors) noexcept {
-  errno = errors.runtime;
-}
-
-int openForAppending(const char* name, AppendTo target, SystemError& error) noexcept {
+SystemError openForAppending(const char* name, AppendTo target, int& descriptor) noexcept {
   const NativePath path(name);
-  error = ENAMETOOLONG;
-  if (!path.fits()) return -1;
-  // A pipe without a reader is a failure and nothing to wait for.
+  if (!path.fits()) return ENAMETOOLONG;
+  // Without O_NONBLOCK opening a pipe would wait for a reader.
   constexpr int kFlags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
   const int flags = target == AppendTo::OwnFile ? kFlags | O_NOFOLLOW : kFlags;
-  int descriptor = -1;
-  do descriptor = open(path.get(), flags, S_IRUSR | S_IWUSR);
-  while (descriptor < 0 && errno == EINTR);
-  error = descriptor < 0 ? errno : 0;
-  if (descriptor < 0 || target == AppendTo::AnyFile || isOwnFile(descriptor)) return descriptor;
-  close(descriptor);
-  error = EPERM;
-  return -1;
+  Descriptor file(retrying([&] { return open(path.get(), flags, S_IRUSR | S_IWUSR); }));
+  if (!file.isOpen()) return errno;
+  if (target == AppendTo::OwnFile && !isOwnFile(file.get())) return EPERM;
+  descriptor = file.release();
+  return 0;
 }
 
-std::uint64_t appendBytes(int descriptor, const Bytes& first, const Bytes& second,
-                          SystemError& error) noexcept {
+SystemError appendBytes(int descriptor, const Bytes& first, const Bytes& second,
+                        std::uint64_t& written) noexcept {
   WriteSignalsHeld signals;
   iovec pieces[] = {{const_cast<char*>(first.data), first.size},
                     {const_cast<char*>(second.data), second.size}};
   const std::size_t total = first.size + second.size;
-  std::size_t written = 0;
-  error = 0;
+  written = 0;
   while (written < total) {
-    const ssize_t count = writev(descriptor, pieces, 2);
-    if (count < 0 && errno == EINTR) continue;
+    const ssize_t count = retrying([&] { return writev(descriptor, pieces, 2); });
     if (count <= 0) {
-      error = count < 0 ? errno : EIO;
       signals.writeFailed();
-      break;
+      return count < 0 ? errno : EIO;
     }
     const auto step = static_cast<std::size_t>(count);
     const std::size_t ofFirst = step < pieces[0].iov_len ? step : pieces[0].iov_len;
@@ -110,11 +103,12 @@ std::uint64_t appendBytes(int descriptor, const Bytes& first, const Bytes& secon
     moveOn(pieces[1], step - ofFirst);
     written += step;
   }
-  return written;
+  return 0;
 }
 
-int closeAppended(int descriptor) noexcept {
-  return close(descriptor);
+// An interrupted close has closed the descriptor all the same; it says nothing about the bytes.
+SystemError closeAppended(int descriptor) noexcept {
+  return close(descriptor) == 0 || errno == EINTR ? 0 : errno;
 }
 
 }  // namespace vel::platform

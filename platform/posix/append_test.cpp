@@ -8,7 +8,8 @@
 
 #include <cerrno>
 
-#include "platform/platform.h"
+#include "platform/append.h"
+#include "platform/system_error.h"
 #include "platform/test/posix/processes.h"
 #include "platform/test/scratch_directory.h"
 
@@ -21,12 +22,14 @@ class PosixAppend : public testing::Test {
   /// Appends both texts; -1 when the file cannot be opened.
   std::int64_t append(const std::string& name, const std::string& first, const std::string& second,
                       AppendTo target = AppendTo::AnyFile) {
-    const int descriptor = openForAppending(name.c_str(), target, error_);
-    if (descriptor == -1) return -1;
+    int descriptor = -1;
+    error_ = openForAppending(name.c_str(), target, descriptor);
+    if (error_ != 0) return -1;
     const Bytes pieces[] = {{first.data(), first.size()}, {second.data(), second.size()}};
-    const auto written = static_cast<std::int64_t>(appendBytes(descriptor, pieces[0], pieces[1], error_));
+    std::uint64_t written = 0;
+    error_ = appendBytes(descriptor, pieces[0], pieces[1], written);
     closeAppended(descriptor);
-    return written;
+    return static_cast<std::int64_t>(written);
   }
 
   test::ScratchDirectory directory_;
@@ -65,8 +68,9 @@ TEST_F(PosixAppend, BrokenPipesRaiseNoSignal) {
   sigemptyset(&pipeSignal);
   sigaddset(&pipeSignal, SIGPIPE);
   const auto appendOne = [&] {
-    EXPECT_EQ(appendBytes(ends[1], {"a", 1}, {nullptr, 0}, error_), 0U);
-    EXPECT_EQ(error_, EPIPE);
+    std::uint64_t written = 1;
+    EXPECT_EQ(appendBytes(ends[1], {"a", 1}, {nullptr, 0}, written), EPIPE);
+    EXPECT_EQ(written, 0U);
   };
   appendOne();
   pthread_sigmask(SIG_BLOCK, &pipeSignal, &before);

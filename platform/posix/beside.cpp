@@ -4,16 +4,18 @@
 #include <signal.h>
 #include <stdio.h>
 #include <sys/stat.h>
-#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
 #include <utility>
 
-#include "platform/posix/open_path.h"
+#include "platform/ending_signals.h"
+#include "platform/posix/access_list.h"
+#include "platform/posix/descriptor.h"
 #include "platform/posix/rename.h"
 #include "platform/posix/target.h"
+#include "platform/posix/unnamed_file.h"
 
 namespace vel::platform {
 
@@ -62,46 +64,19 @@ SystemError makeUnderNewName(Replacement& replacement, Make make) noexcept {
   return error;
 }
 
-int createAt(const Replacement& replacement, const char* name, int flags, mode_t mode) noexcept {
-  int descriptor = -1;
-  do descriptor = openat(replacement.directory, name, O_WRONLY | O_CLOEXEC | flags, mode);
-  while (descriptor < 0 && errno == EINTR);
-  return descriptor;
-}
-
-bool createUnnamed(mode_t mode, Replacement& replacement) noexcept {
-  replacement.descriptor = createAt(replacement, ".", O_TMPFILE, mode);
-  if (replacement.descriptor < 0) return false;
-  if (access(OpenPath(replacement.descriptor).text, F_OK) == 0) return true;
-  close(std::exchange(replacement.descriptor, -1));
-  return false;
+int createAt(const Replacement& replacement, const char* name, mode_t mode) noexcept {
+  return retrying(
+      [&] { return openat(replacement.directory, name, O_WRONLY | O_CLOEXEC | O_CREAT | O_EXCL, mode); });
 }
 
 SystemError createNamed(mode_t mode, Replacement& replacement) noexcept {
   const EndingSignalsHeld held;
   const SystemError error = makeUnderNewName(replacement, [&] {
-    replacement.descriptor = createAt(replacement, replacement.temporary, O_CREAT | O_EXCL, mode);
+    replacement.descriptor = createAt(replacement, replacement.temporary, mode);
     return replacement.descriptor >= 0;
   });
   if (error == 0) unfinished = &replacement;
   return error;
-}
-
-SystemError nameUnnamed(Replacement& replacement, const char* name) noexcept {
-  const OpenPath own(replacement.descriptor);
-  return linkat(AT_FDCWD, own.text, replacement.directory, name, AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;
-}
-
-/// Copies the access control list. Without one the new file keeps none either, not even the one its directory
-/// gave it. False when that cannot be done.
-bool takeOverList(const Replacement& replacement) noexcept {
-  constexpr const char* kList = "system.posix_acl_access";
-  char list[4096];
-  const ssize_t size = fgetxattr(replacement.heldTarget, kList, list, sizeof list);
-  if (size < 0 && errno == ENODATA)
-    return fremovexattr(replacement.descriptor, kList) == 0 || errno == ENODATA;
-  if (size < 0) return errno == EOPNOTSUPP || errno == ENOSYS;
-  return fsetxattr(replacement.descriptor, kList, list, static_cast<std::size_t>(size), 0) == 0;
 }
 
 void removeTemporary(Replacement& replacement) noexcept {
@@ -111,14 +86,16 @@ void removeTemporary(Replacement& replacement) noexcept {
 }
 
 SystemError moveToNewName(Replacement& replacement) noexcept {
-  if (replacement.temporary[0] == '\0') return nameUnnamed(replacement, replacement.target);
+  if (replacement.temporary[0] == '\0')
+    return nameUnnamed(replacement.descriptor, replacement.directory, replacement.target);
   return renameWithoutReplacing(replacement.directory, replacement.temporary, replacement.target);
 }
 
 SystemError moveOverTarget(Replacement& replacement) noexcept {
   if (replacement.temporary[0] == '\0') {
-    const SystemError error =
-        makeUnderNewName(replacement, [&] { return nameUnnamed(replacement, replacement.temporary) == 0; });
+    const SystemError error = makeUnderNewName(replacement, [&] {
+      return nameUnnamed(replacement.descriptor, replacement.directory, replacement.temporary) == 0;
+    });
     if (error != 0) return error;
   }
   if (!isStillTarget(replacement)) return ECANCELED;
@@ -138,7 +115,10 @@ void removeAndEnd(int signal) {
 SystemError createBeside(mode_t mode, BesideName name, Replacement& replacement) noexcept {
   replacement.isBeside = true;
   replacement.temporary[0] = '\0';
-  if (name == BesideName::None && createUnnamed(mode, replacement)) return 0;
+  if (name == BesideName::None) {
+    replacement.descriptor = createUnnamed(replacement.directory, mode);
+    if (replacement.descriptor >= 0) return 0;
+  }
   return createNamed(mode, replacement);
 }
 
@@ -154,7 +134,7 @@ bool takeOverRights(const Replacement& replacement, mode_t mode) noexcept {
   const int descriptor = replacement.descriptor;
   if (fchown(descriptor, old.st_uid, old.st_gid) != 0)
     static_cast<void>(fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) == 0);
-  const bool keepsList = takeOverList(replacement);
+  const bool keepsList = copyAccessList(replacement.heldTarget, descriptor);
   if (fstat(descriptor, &now) != 0) return false;
   mode_t kept = mode;
   if (now.st_uid != old.st_uid) kept &= ~mode_t{S_ISUID};
@@ -184,12 +164,10 @@ SystemError store(int descriptor) noexcept {
 }
 
 SystemError storeDirectory(const Replacement& replacement) noexcept {
-  const int directory = openat(replacement.directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  const Descriptor directory(openat(replacement.directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   // Names can be changed in directories that cannot be read.
-  if (directory < 0) return errno == EACCES ? 0 : errno;
-  const SystemError error = store(directory);
-  close(directory);
-  return error;
+  if (!directory.isOpen()) return errno == EACCES ? 0 : errno;
+  return store(directory.get());
 }
 
 void closeReplacement(Replacement& replacement) noexcept {

@@ -3,7 +3,8 @@
 
 #include <sys/types.h>
 
-#include "platform/platform.h"
+#include "platform/replacing.h"
+#include "platform/system_error.h"
 
 namespace vel::platform {
 

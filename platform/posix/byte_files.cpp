@@ -2,30 +2,27 @@
 #include "platform/byte_files.h"
 
 #include <fcntl.h>
-#include <linux/magic.h>
 #include <sys/stat.h>
-#include <sys/vfs.h>
 #include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/posix/descriptor.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/pipes.h"
 
 namespace vel::platform {
 
 namespace {
 
 int openRetrying(const char* path, int flags) noexcept {
-  int descriptor = -1;
-  do descriptor = open(path, flags | O_RDONLY | O_CLOEXEC | O_NOCTTY);
-  while (descriptor == -1 && errno == EINTR);
-  return descriptor;
+  return retrying([&] { return open(path, flags | O_RDONLY | O_CLOEXEC | O_NOCTTY); });
 }
 
-/// A file that is lent out, to a server of files for example, is taken back first, which takes up to 45
-/// seconds.
+/// Opens without waiting for anybody's other end of a pipe. A file that is leased, to a file server for
+/// example, fails with EWOULDBLOCK until the kernel has broken the lease, which takes up to 45 seconds.
 int openAtOnce(const char* path) noexcept {
   constexpr timespec kPause{0, 50'000'000};
   int descriptor = openRetrying(path, O_NONBLOCK);
@@ -36,60 +33,40 @@ int openAtOnce(const char* path) noexcept {
   return descriptor;
 }
 
-/// Pipes that have no name, and are opened through the descriptors' directory, may have lost their writer.
-bool isNamedPipe(int descriptor) noexcept {
-  struct stat status {};
-  struct statfs system {};
-  if (fstat(descriptor, &status) != 0 || !S_ISFIFO(status.st_mode)) return false;
-  return fstatfs(descriptor, &system) != 0 || system.f_type != PIPEFS_MAGIC;
-}
-
-/// Copies a byte from pipe to pipe, which says at once that nobody will write one, and leaves it to be read.
-bool hasWriter(int pipe) noexcept {
-  int ends[2];
-  if (pipe2(ends, O_CLOEXEC) != 0) return false;
-  const bool isWritten = tee(pipe, ends[1], 1, SPLICE_F_NONBLOCK) != 0;
-  close(ends[0]);
-  close(ends[1]);
-  return isWritten;
-}
-
 }  // namespace
 
-int openForReading(const char* name, PipeWithoutWriter pipe) noexcept {
+SystemError openForReading(const char* name, PipeWithoutWriter pipe, int& descriptor) noexcept {
   const NativePath path(name);
-  if (!path.fits()) return -1;
-  if (pipe == PipeWithoutWriter::Await) return openRetrying(path.get(), 0);
-  const int descriptor = openAtOnce(path.get());
-  if (descriptor == -1) return -1;
-  const bool isUseful = !isNamedPipe(descriptor) || hasWriter(descriptor);
-  if (isUseful && fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) & ~O_NONBLOCK) == 0)
-    return descriptor;
-  close(descriptor);
-  return -1;
+  if (!path.fits()) return ENAMETOOLONG;
+  const bool awaits = pipe == PipeWithoutWriter::Await;
+  Descriptor file(awaits ? openRetrying(path.get(), 0) : openAtOnce(path.get()));
+  if (!file.isOpen()) return errno;
+  if (!awaits && isNamedPipe(file.get()) && !hasWriter(file.get())) return ENXIO;
+  if (!awaits && fcntl(file.get(), F_SETFL, fcntl(file.get(), F_GETFL) & ~O_NONBLOCK) != 0) return errno;
+  descriptor = file.release();
+  return 0;
 }
 
 void closeDescriptor(int descriptor) noexcept {
   close(descriptor);
 }
 
-std::int64_t readBytes(int descriptor, void* buffer, std::size_t capacity) noexcept {
-  ssize_t count = 0;
-  do count = read(descriptor, buffer, capacity);
-  while (count == -1 && errno == EINTR);
-  return count;
+SystemError readBytes(int descriptor, void* buffer, std::size_t capacity, std::size_t& size) noexcept {
+  const ssize_t count = retrying([&] { return read(descriptor, buffer, capacity); });
+  if (count < 0) return errno;
+  size = static_cast<std::size_t>(count);
+  return 0;
 }
 
-bool writeBytes(int descriptor, const void* data, std::size_t size) noexcept {
+SystemError writeBytes(int descriptor, const void* data, std::size_t size) noexcept {
   const char* bytes = static_cast<const char*>(data);
   while (size > 0) {
-    const ssize_t count = write(descriptor, bytes, size);
-    if (count == -1 && errno == EINTR) continue;
-    if (count <= 0) return false;
+    const ssize_t count = retrying([&] { return write(descriptor, bytes, size); });
+    if (count <= 0) return count < 0 ? errno : EIO;
     bytes += count;
     size -= static_cast<std::size_t>(count);
   }
-  return true;
+  return 0;
 }
 
 std::uint64_t bytesLeft(int descriptor) noexcept {

@@ -4,7 +4,8 @@
 #include <cerrno>
 
 #include "platform/byte_files.h"
-#include "platform/platform.h"
+#include "platform/catalogs.h"
+#include "platform/posix/descriptor.h"
 #include "platform/posix/file_search.h"
 #include "platform/posix/native_path.h"
 
@@ -14,15 +15,9 @@ namespace {
 
 /// Regular files with contents only; anything else lets the search go on.
 bool openFile(const char* path, void* descriptor) noexcept {
-  int file = -1;
-  do file = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  while (file == -1 && errno == EINTR);
-  if (file == -1) return false;
-  if (bytesLeft(file) == 0) {
-    closeDescriptor(file);
-    return false;
-  }
-  *static_cast<int*>(descriptor) = file;
+  Descriptor file(retrying([&] { return open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
+  if (!file.isOpen() || bytesLeft(file.get()) == 0) return false;
+  *static_cast<int*>(descriptor) = file.release();
   return true;
 }
 
@@ -30,24 +25,27 @@ bool search(const char* fileName, unsigned places, int& descriptor) noexcept {
   return searchFile(NameForms(fileName), places, openFile, &descriptor);
 }
 
+/// One place after the other, so that the exact spelling at a later one does not win.
+bool searchOwn(const char* fileName, int& descriptor) noexcept {
+  for (const unsigned place : {kBesideThisLibrary, kBesideProgram, kAlongPath, kInCurrentDirectory})
+    if (search(fileName, place, descriptor)) return true;
+  return false;
+}
+
 }  // namespace
 
-int openCatalog(const char* fileName, CatalogOwner owner) noexcept {
-  int descriptor = -1;
+SystemError openCatalog(const char* fileName, CatalogOwner owner, int& descriptor) noexcept {
+  bool isFound = false;
   if (hasDirectory(fileName)) {
     const NativePath path(fileName);
-    if (path.fits()) openFile(path.get(), &descriptor);
-    return descriptor;
+    isFound = path.fits() && openFile(path.get(), &descriptor);
+  } else if (*fileName != '\0') {
+    isFound = owner == CatalogOwner::ThisLibrary
+                  ? searchOwn(fileName, descriptor)
+                  : search(fileName, kBesideProgram | kInCurrentDirectory | kAlongPath | kBesideThisLibrary,
+                           descriptor);
   }
-  if (*fileName == '\0') return -1;
-  if (owner == CatalogOwner::ThisLibrary) {
-    // One place after the other, so that a better spelling at a later one does not win.
-    for (const unsigned place : {kBesideThisLibrary, kBesideProgram, kAlongPath, kInCurrentDirectory})
-      if (search(fileName, place, descriptor)) return descriptor;
-    return -1;
-  }
-  search(fileName, kBesideProgram | kInCurrentDirectory | kAlongPath | kBesideThisLibrary, descriptor);
-  return descriptor;
+  return isFound ? 0 : ENOENT;
 }
 
 }  // namespace vel::platform

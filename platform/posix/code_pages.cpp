@@ -9,7 +9,7 @@
 #include <initializer_list>
 
 #include "base/utf.h"
-#include "platform/platform.h"
+#include "platform/code_pages.h"
 
 namespace vel::platform {
 

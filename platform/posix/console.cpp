@@ -10,7 +10,8 @@
 #include <cerrno>
 #include <mutex>
 
-#include "platform/platform.h"
+#include "platform/console.h"
+#include "platform/posix/descriptor.h"
 
 namespace vel::platform {
 
@@ -66,8 +67,7 @@ class SignalWatch {
 };
 
 void setAttributes(const termios& attributes) noexcept {
-  while (tcsetattr(STDIN_FILENO, TCSANOW, &attributes) != 0 && errno == EINTR) {
-  }
+  static_cast<void>(retrying([&] { return tcsetattr(STDIN_FILENO, TCSANOW, &attributes); }));
 }
 
 /// Keys arrive at once and unseen for as long as it lives; those that send signals still do.

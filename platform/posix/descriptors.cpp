@@ -2,7 +2,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "platform/platform.h"
+#include "platform/descriptors.h"
 
 namespace vel::platform {
 

@@ -11,9 +11,13 @@
 #include <climits>
 #include <cstring>
 
-#include "platform/platform.h"
+#include "platform/directories.h"
+#include "platform/file_identity.h"
+#include "platform/files.h"
+#include "platform/posix/descriptor.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/target.h"
+#include "platform/system_error.h"
 
 namespace vel::platform {
 
@@ -83,16 +87,13 @@ bool describe(const DirectoryHandle& directory, const char* name, DirectoryEntry
 
 SystemError openAt(int place, const char* path, int flags, DirectoryHandle& directory) noexcept {
   directory = {};
-  int descriptor = -1;
-  do {
-    descriptor = openat(place, path, O_RDONLY | O_DIRECTORY | O_CLOEXEC | flags);
-  } while (descriptor < 0 && errno == EINTR);
-  if (descriptor < 0) return errno == ELOOP ? ENOTDIR : errno;
-  directory.system = fdopendir(descriptor);
-  if (directory.system != nullptr) return 0;
-  const SystemError error = errno;
-  close(descriptor);
-  return error;
+  Descriptor opened(
+      retrying([&] { return openat(place, path, O_RDONLY | O_DIRECTORY | O_CLOEXEC | flags); }));
+  if (!opened.isOpen()) return errno == ELOOP ? ENOTDIR : errno;
+  directory.system = fdopendir(opened.get());
+  if (directory.system == nullptr) return errno;
+  static_cast<void>(opened.release());
+  return 0;
 }
 
 }  // namespace
@@ -123,15 +124,19 @@ SystemError identityOfRoot(const char*, FileIdentity& identity) noexcept {
   return 0;
 }
 
-WalkStep nextEntry(DirectoryHandle& directory, DirectoryEntry& entry) noexcept {
+SystemError nextEntry(DirectoryHandle& directory, DirectoryEntry& entry, WalkStep& step) noexcept {
   constexpr std::array<const char*, 2> kDots = {".", ".."};
+  step = WalkStep::Entry;
   while (directory.listed < kDots.size())
-    if (describe(directory, kDots[directory.listed++], entry)) return WalkStep::Entry;
+    if (describe(directory, kDots[directory.listed++], entry)) return 0;
   for (;;) {
     errno = 0;
     const dirent* const found = readdir(streamOf(directory));
-    if (found == nullptr) return errno == 0 ? WalkStep::End : WalkStep::Failed;
-    if (!isDotName(found->d_name) && describe(directory, found->d_name, entry)) return WalkStep::Entry;
+    if (found == nullptr) {
+      step = WalkStep::End;
+      return errno;
+    }
+    if (!isDotName(found->d_name) && describe(directory, found->d_name, entry)) return 0;
   }
 }
 

@@ -9,7 +9,9 @@
 #include <cstring>
 #include <thread>
 
-#include "platform/platform.h"
+#include "platform/directories.h"
+#include "platform/files.h"
+#include "platform/system_error.h"
 #include "platform/test/scratch_directory.h"
 #include "vel_include/vel_filesys.h"
 
@@ -64,7 +66,10 @@ TEST_F(PosixDirectories, AnExchangedEntryIsNotFollowed) {
   DirectoryHandle tree, opened;
   ASSERT_EQ(openDirectory(scratch_.path("tree").c_str(), DirectoryLink::Refuse, tree), 0);
   DirectoryEntry entry{}, file{};
-  while (std::strcmp(entry.name, "sub") != 0) ASSERT_EQ(nextEntry(tree, entry), WalkStep::Entry);
+  for (WalkStep step = WalkStep::Entry; std::strcmp(entry.name, "sub") != 0;) {
+    ASSERT_EQ(nextEntry(tree, entry, step), 0);
+    ASSERT_EQ(step, WalkStep::Entry);
+  }
   EXPECT_EQ(entry.attributes, kAttributeDirectory);
   fs::remove(scratch_.path("tree/sub"));
   link("../outside", "tree/sub");
@@ -149,12 +154,10 @@ TEST_F(PosixDirectories, AListingThatBreaksOffFails) {
 
 TEST_F(PosixDirectories, ExclusiveCreationOpensOnlyWhatIsNew) {
   link("nowhere", "broken");
-  SystemError error = 0;
-  for (const char* taken : {"outside/deep/file", "broken"}) {
-    EXPECT_EQ(createExclusively(scratch_.path(taken).c_str(), error), -1);
-    EXPECT_EQ(error, EEXIST) << taken;
-  }
-  const int descriptor = createExclusively(scratch_.path("new").c_str(), error);
+  int descriptor = -1;
+  for (const char* taken : {"outside/deep/file", "broken"})
+    EXPECT_EQ(createExclusively(scratch_.path(taken).c_str(), descriptor), EEXIST) << taken;
+  EXPECT_EQ(createExclusively(scratch_.path("new").c_str(), descriptor), 0);
   struct stat status {};
   EXPECT_EQ(fstat(descriptor, &status), 0);
   EXPECT_EQ(status.st_mode & 0777, mode_t{0600});

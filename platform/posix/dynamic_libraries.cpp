@@ -4,7 +4,7 @@
 
 #include <cerrno>
 
-#include "platform/platform.h"
+#include "platform/dynamic_libraries.h"
 #include "platform/posix/file_search.h"
 #include "platform/posix/native_path.h"
 
@@ -38,7 +38,7 @@ bool searchLibrary(const char* name, char* out, std::size_t capacity) noexcept {
                     &found);
 }
 
-void* loadLibrary(const char* name, std::uint32_t& error) noexcept {
+NativeError loadLibrary(const char* name, void*& library) noexcept {
   Loading loading;
   const NameForms forms = NameForms::ofLibrary(name);
   // The loader takes "" for the program itself.
@@ -46,13 +46,13 @@ void* loadLibrary(const char* name, std::uint32_t& error) noexcept {
     tryPaths(forms, loadFile, &loading);
   else if (*name != '\0')
     tryNames(forms, loadFile, &loading);
-  error = loading.library != nullptr ? 0 : static_cast<std::uint32_t>(loading.error);
-  return loading.library;
+  library = loading.library;
+  return library != nullptr ? 0 : static_cast<NativeError>(loading.error);
 }
 
 // The loader itself looks for names without directory in the system's folders only.
-void* loadInstalledLibrary(const char* name, std::uint32_t& error) noexcept {
-  return loadLibrary(name, error);
+NativeError loadInstalledLibrary(const char* name, void*& library) noexcept {
+  return loadLibrary(name, library);
 }
 
 Procedure findProcedure(void* library, const char* name) noexcept {

@@ -2,7 +2,7 @@
 #include <pthread.h>
 #include <signal.h>
 
-#include "platform/platform.h"
+#include "platform/ending_signals.h"
 
 namespace vel::platform {
 

@@ -1,9 +1,10 @@
 // The process's environment.
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/platform.h"
-#include "platform/posix/privileges.h"
+#include "platform/environment.h"
+#include "platform/linux/privileges.h"
 
 namespace vel::platform {
 
@@ -15,14 +16,15 @@ const char* settingValue(const char* name) noexcept {
   return isPrivileged() ? nullptr : environmentValue(name);
 }
 
-bool putEnvironment(char* assignment) noexcept {
+SystemError putEnvironment(char* assignment) noexcept {
   char* const equals = std::strchr(assignment, '=');
-  if (equals == nullptr) return false;
+  if (equals == nullptr) return EINVAL;
   *equals = '\0';
   const char* const value = equals + 1;
   const int result = *value == '\0' ? unsetenv(assignment) : setenv(assignment, value, 1);
+  const SystemError error = result == 0 ? 0 : errno;
   *equals = '=';
-  return result == 0;
+  return error;
 }
 
 }  // namespace vel::platform

@@ -6,9 +6,12 @@
 #include <array>
 #include <cerrno>
 
+#include "platform/file_copy.h"
 #include "platform/posix/beside.h"
+#include "platform/posix/descriptor.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/target.h"
+#include "platform/replacing.h"
 
 namespace vel::platform {
 
@@ -19,30 +22,10 @@ constexpr mode_t kWriteBits = 0222;
 /// After so many others that came first something else is wrong.
 constexpr int kMostAttempts = 16;
 
-/// Repeats an interrupted system call.
-template <typename Call>
-auto retrying(Call call) noexcept {
-  auto result = call();
-  while (result == -1 && errno == EINTR) result = call();
-  return result;
+/// Never waits for the other end of a pipe.
+Descriptor openSource(const char* path) noexcept {
+  return Descriptor(retrying([&] { return open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
 }
-
-class Source {
- public:
-  /// Never waits for the other end of a pipe.
-  explicit Source(const char* path) noexcept
-      : descriptor_(retrying([&] { return open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK); })) {}
-  Source(const Source&) = delete;
-  Source& operator=(const Source&) = delete;
-  ~Source() {
-    if (descriptor_ >= 0) close(descriptor_);
-  }
-
-  int descriptor() const noexcept { return descriptor_; }
-
- private:
-  int descriptor_;
-};
 
 class Target : public Replacement {
  public:
@@ -165,13 +148,13 @@ SystemError copyFile(const char* from, const char* to, bool writable) noexcept {
   const NativePath sourcePath(from);
   const NativePath targetPath(to);
   if (!sourcePath.fits() || !targetPath.fits()) return ENAMETOOLONG;
-  const Source source(sourcePath.get());
+  const Descriptor source = openSource(sourcePath.get());
   struct stat status;
-  if (const SystemError error = statusOfRegularFile(source.descriptor(), status); error != 0) return error;
+  if (const SystemError error = statusOfRegularFile(source.get(), status); error != 0) return error;
   const mode_t mode = (status.st_mode & kPermissionBits) | (writable ? mode_t{S_IWUSR} : mode_t{0});
   SystemError error = 0;
   int attempt = 0;
-  do error = copyOnce(targetPath.get(), status, {source.descriptor(), mode});
+  do error = copyOnce(targetPath.get(), status, {source.get(), mode});
   while ((error == ECANCELED || error == EEXIST) && ++attempt < kMostAttempts);
   return error;
 }

@@ -10,7 +10,8 @@
 #include <cerrno>
 #include <cstring>
 
-#include "platform/platform.h"
+#include "platform/file_lock.h"
+#include "platform/posix/descriptor.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/target.h"
 
@@ -36,10 +37,7 @@ FileState stateIn(const struct stat& status) noexcept {
 }
 
 LockResult lockDescriptor(int descriptor) noexcept {
-  int result = 0;
-  do result = flock(descriptor, LOCK_EX | LOCK_NB);
-  while (result != 0 && errno == EINTR);
-  if (result == 0) return LockResult::Locked;
+  if (retrying([&] { return flock(descriptor, LOCK_EX | LOCK_NB); }) == 0) return LockResult::Locked;
   return errno == EWOULDBLOCK ? LockResult::Busy : LockResult::Unsupported;
 }
 
@@ -106,21 +104,21 @@ Round lockOnce(const char* path, FileLock& lock) noexcept {
 
 }  // namespace
 
-bool stateOf(int descriptor, FileState& state) noexcept {
+SystemError stateOf(int descriptor, FileState& state) noexcept {
   struct stat status;
-  if (fstat(descriptor, &status) != 0) return false;
+  if (fstat(descriptor, &status) != 0) return errno;
   state = stateIn(status);
-  return true;
+  return 0;
 }
 
-bool stateAt(const char* name, FileState& state) noexcept {
+SystemError stateAt(const char* name, FileState& state) noexcept {
   const NativePath path(name);
   struct stat status;
-  if (!path.fits()) return false;
+  if (!path.fits()) return ENAMETOOLONG;
   const bool isThere = stat(path.get(), &status) == 0;
-  if (!isThere && errno != ENOENT) return false;
+  if (!isThere && errno != ENOENT) return errno;
   state = isThere ? stateIn(status) : FileState{};
-  return true;
+  return 0;
 }
 
 LockResult tryLockFile(const char* name, FileLock& lock) noexcept {

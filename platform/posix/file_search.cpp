@@ -1,8 +1,6 @@
 // Forms of file names, and the directories that are searched.
 #include "platform/posix/file_search.h"
 
-#include <dlfcn.h>
-#include <link.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,8 +10,9 @@
 #include <initializer_list>
 
 #include "base/ascii.h"
+#include "platform/linux/privileges.h"
 #include "platform/posix/native_path.h"
-#include "platform/posix/privileges.h"
+#include "platform/posix/own_files.h"
 
 namespace vel::platform {
 
@@ -36,43 +35,6 @@ bool join(std::initializer_list<std::string_view> pieces, PathBuffer& path) noex
   path[length] = '\0';
   return true;
 }
-
-/// The path's directory with its final "/", "" when the path has none.
-std::string_view directoryOf(std::string_view path) noexcept {
-  return path.substr(0, path.rfind('/') + 1);
-}
-
-std::string_view programDirectory(PathBuffer& buffer) noexcept {
-  const ssize_t length = readlink("/proc/self/exe", buffer.data(), buffer.size());
-  if (length <= 0 || static_cast<std::size_t>(length) == buffer.size()) return {};
-  return directoryOf({buffer.data(), static_cast<std::size_t>(length)});
-}
-
-/// Where this library was loaded from. Its path may be one below the directory that was current then, so it
-/// is looked up at once.
-class LibraryDirectory {
- public:
-  LibraryDirectory() noexcept {
-    static const char kInsideThisLibrary = 0;
-    Dl_info info{};
-    void* map = nullptr;
-    if (dladdr1(&kInsideThisLibrary, &info, &map, RTLD_DL_LINKMAP) == 0) return;
-    const char* const path = static_cast<const link_map*>(map)->l_name;
-    // Linked into a program, it has no path of its own.
-    if (*path == '\0')
-      directory_ = programDirectory(buffer_);
-    else if (realpath(path, buffer_.data()) != nullptr)
-      directory_ = directoryOf(buffer_.data());
-  }
-
-  std::string_view get() const noexcept { return directory_; }
-
- private:
-  PathBuffer buffer_;
-  std::string_view directory_;
-};
-
-const LibraryDirectory libraryDirectory;
 
 /// Looks for one form, as it is spelled or in any letter case.
 struct Search {
@@ -106,11 +68,15 @@ struct Search {
     return ((places & kBesideProgram) != 0 && lookIn(programDirectory(program))) ||
            ((places & kInCurrentDirectory) != 0 && lookIn(".")) ||
            ((places & kAlongPath) != 0 && lookAlongPath()) ||
-           ((places & kBesideThisLibrary) != 0 && lookIn(libraryDirectory.get()));
+           ((places & kBesideThisLibrary) != 0 && lookIn(libraryDirectory()));
   }
 };
 
 }  // namespace
+
+std::string_view directoryOf(std::string_view path) noexcept {
+  return path.substr(0, path.rfind('/') + 1);
+}
 
 NameForms::NameForms(std::string_view name) noexcept : forms_{}, count_(1) {
   const std::size_t length = lengthOfDirectory(name);

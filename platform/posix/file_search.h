@@ -59,6 +59,9 @@ bool tryNames(const NameForms& forms, TakeFile take, void* context) noexcept;
 /// system's loader would search.
 bool tryPaths(const NameForms& forms, TakeFile take, void* context) noexcept;
 
+/// Returns the path's directory with its final "/", "" when the path has none.
+std::string_view directoryOf(std::string_view path) noexcept;
+
 bool isRegularFile(const char* path) noexcept;
 
 /// A searched file's full path, for `take` functions.

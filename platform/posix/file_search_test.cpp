@@ -5,7 +5,9 @@
 #include <cerrno>
 
 #include "platform/byte_files.h"
-#include "platform/platform.h"
+#include "platform/catalogs.h"
+#include "platform/dynamic_libraries.h"
+#include "platform/launching.h"
 #include "platform/test/child_process.h"
 #include "platform/test/scratch_directory.h"
 #include "platform/test/table.h"
@@ -83,14 +85,12 @@ TEST_F(FileSearch, ProgramsWithADirectoryMayBeInBackSlashes) {
 
 /// 0 when the library is loaded and its procedure is there.
 std::uint32_t loading(const std::string& name) {
-  std::uint32_t error = 0;
-  void* const library = loadLibrary(name.c_str(), error);
-  EXPECT_EQ(library == nullptr, error != 0) << name;
-  if (library == nullptr) return error;
+  void* library = nullptr;
+  if (const NativeError error = loadLibrary(name.c_str(), library); error != 0) return error;
   const Procedure procedure = findProcedure(library, "velSampleAnswer");
   EXPECT_TRUE(procedure != nullptr && procedure() == 42) << name;
   freeLibrary(library);
-  return error;
+  return 0;
 }
 
 TEST_F(FileSearch, OneLibraryNameStandsForThreeFiles) {
@@ -108,19 +108,20 @@ TEST_F(FileSearch, OneLibraryNameStandsForThreeFiles) {
 TEST_F(FileSearch, TheLoadersOwnPlacesComeLast) {
   char path[261];
   EXPECT_FALSE(searchLibrary("libc.so.6", path, sizeof path));
-  std::uint32_t error = 0;
-  void* const library = loadLibrary("libc.so.6", error);
-  ASSERT_NE(library, nullptr);
+  void* library = nullptr;
+  ASSERT_EQ(loadLibrary("libc.so.6", library), 0U);
   EXPECT_NE(findProcedure(library, "getpid"), nullptr);
   freeLibrary(library);
 }
 
 /// The contents of the catalog found, "-" when there is none.
 std::string catalog(const std::string& name, CatalogOwner owner = CatalogOwner::Other) {
-  const int descriptor = openCatalog(name.c_str(), owner);
-  if (descriptor == -1) return "-";
+  int descriptor = -1;
+  if (openCatalog(name.c_str(), owner, descriptor) != 0) return "-";
   std::string contents(100, '#');
-  contents.resize(static_cast<std::size_t>(readBytes(descriptor, contents.data(), contents.size())));
+  std::size_t size = 0;
+  EXPECT_EQ(readBytes(descriptor, contents.data(), contents.size(), size), 0);
+  contents.resize(size);
   closeDescriptor(descriptor);
   return contents;
 }

@@ -9,10 +9,13 @@
 #include <climits>
 #include <cstring>
 
-#include "platform/platform.h"
+#include "platform/environment.h"
+#include "platform/files.h"
+#include "platform/linux/open_path.h"
+#include "platform/posix/descriptor.h"
 #include "platform/posix/native_path.h"
-#include "platform/posix/open_path.h"
 #include "platform/posix/rename.h"
+#include "platform/system_error.h"
 
 namespace vel::platform {
 
@@ -39,16 +42,11 @@ bool isHiddenName(const char* path) noexcept {
 class WritableFile {
  public:
   explicit WritableFile(const char* path) noexcept
-      : descriptor_(open(path, O_PATH | O_NOFOLLOW | O_CLOEXEC)), before_(0), isChanged_(false) {
+      : file_(open(path, kOpenAsPlace | O_NOFOLLOW | O_CLOEXEC)), before_(0), isChanged_(false) {
     struct stat status;
-    if (descriptor_ < 0 || fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) return;
+    if (!file_.isOpen() || fstat(file_.get(), &status) != 0 || !S_ISREG(status.st_mode)) return;
     before_ = status.st_mode & 07777;
     isChanged_ = (before_ & S_IWUSR) == 0 && change(before_ | S_IWUSR);
-  }
-  WritableFile(const WritableFile&) = delete;
-  WritableFile& operator=(const WritableFile&) = delete;
-  ~WritableFile() {
-    if (descriptor_ >= 0) close(descriptor_);
   }
 
   void restore() const noexcept {
@@ -56,10 +54,10 @@ class WritableFile {
   }
 
  private:
-  /// What is only opened as a place is changed by its name there.
-  bool change(mode_t mode) const noexcept { return chmod(OpenPath(descriptor_).text, mode) == 0; }
+  /// A place has no descriptor that fchmod accepts; it is changed through the path to it.
+  bool change(mode_t mode) const noexcept { return chmod(OpenPath(file_.get()).text, mode) == 0; }
 
-  int descriptor_;
+  Descriptor file_;
   mode_t before_;
   bool isChanged_;
 };
@@ -89,16 +87,17 @@ std::uint32_t attributesOf(const char* name) noexcept {
   return attributes;
 }
 
-bool statusOf(const char* name, EntryStatus& out) noexcept {
+SystemError statusOf(const char* name, EntryStatus& out) noexcept {
   const NativePath path(name);
   struct stat status;
-  if (!readStatus(path, status)) return false;
+  if (!path.fits()) return ENAMETOOLONG;
+  if (stat(path.get(), &status) != 0) return errno;
   // A directory has no size of its own, on any system.
   out.sizeInBytes = S_ISDIR(status.st_mode) ? 0 : static_cast<std::uint64_t>(status.st_size);
   out.changed = status.st_ctime;
   out.accessed = status.st_atime;
   out.modified = status.st_mtime;
-  return true;
+  return 0;
 }
 
 SystemError setReadOnly(const char* name, bool readOnly) noexcept {
@@ -133,17 +132,18 @@ SystemError renameFile(const char* from, const char* to) noexcept {
   return renameWithoutReplacing(AT_FDCWD, source.get(), typed.get());
 }
 
-bool currentDirectory(char* out, std::size_t capacity) noexcept {
+SystemError currentDirectory(char* out, std::size_t capacity) noexcept {
   std::array<char, PATH_MAX> path;
-  if (getcwd(path.data(), path.size()) == nullptr || path[0] != '/') return false;
-  // A back-slash inside a component cannot be told from a separator.
-  if (std::strchr(path.data(), '\\') != nullptr) return false;
+  if (getcwd(path.data(), path.size()) == nullptr) return errno;
+  // A directory outside this process's root has no absolute path. A backslash inside a component cannot be
+  // told from a separator.
+  if (path[0] != '/' || std::strchr(path.data(), '\\') != nullptr) return EINVAL;
   const std::size_t length = std::strlen(path.data());
-  if (length + 3 > capacity) return false;
+  if (length + 3 > capacity) return ERANGE;
   out[0] = 'C';
   out[1] = ':';
   *std::replace_copy(path.data(), path.data() + length, out + 2, '/', '\\') = '\0';
-  return true;
+  return 0;
 }
 
 const char* fallbackTmpDirectory() noexcept {
@@ -155,16 +155,12 @@ const char* driveOfSlashNames() noexcept {
   return "C:";
 }
 
-int createExclusively(const char* name, SystemError& error) noexcept {
+SystemError createExclusively(const char* name, int& descriptor) noexcept {
   const NativePath path(name);
-  error = ENAMETOOLONG;
-  if (!path.fits()) return -1;
-  int descriptor = -1;
-  do {
-    descriptor = open(path.get(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
-  } while (descriptor < 0 && errno == EINTR);
-  error = descriptor < 0 ? errno : 0;
-  return descriptor;
+  if (!path.fits()) return ENAMETOOLONG;
+  constexpr int kFlags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC;
+  descriptor = retrying([&] { return open(path.get(), kFlags, S_IRUSR | S_IWUSR); });
+  return descriptor < 0 ? errno : 0;
 }
 
 }  // namespace vel::platform

@@ -11,9 +11,11 @@
 #include <thread>
 
 #include "platform/byte_files.h"
-#include "platform/platform.h"
+#include "platform/file_copy.h"
+#include "platform/files.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/rename.h"
+#include "platform/system_error.h"
 #include "platform/test/posix/processes.h"
 #include "platform/test/scratch_directory.h"
 #include "platform/test/table.h"
@@ -65,10 +67,10 @@ TEST_F(PosixFiles, CurrentDirectoryFitsExactlyOrNotAtAll) {
   const test::CurrentDirectory in(path(""));
   const std::string directory = test::backSlashed(fs::current_path().string());
   char out[261];
-  EXPECT_TRUE(currentDirectory(out, directory.size() + 1));
+  EXPECT_EQ(currentDirectory(out, directory.size() + 1), 0);
   EXPECT_EQ(out, directory);
   for (std::size_t capacity = 0; capacity <= directory.size(); ++capacity)
-    EXPECT_FALSE(currentDirectory(out, capacity)) << capacity;
+    EXPECT_EQ(currentDirectory(out, capacity), ERANGE) << capacity;
 }
 
 /// Goes into a new directory whose path has this length.
@@ -156,7 +158,7 @@ TEST_F(PosixFiles, CopiesKeepPermissionBitsAndReplaceOnlyFilesAndTheirLinks) {
   }
   const std::tuple<const char*, const char*, SystemError> refused[] = {
       {"file", "source", EACCES}, {"source", "file", EACCES}, {"file", "directory", EISDIR},
-      {"file", "device", EINVAL}, {"file", "pipe", ENXIO},   {"pipe", "none", EINVAL},
+      {"file", "device", EINVAL}, {"file", "pipe", ENXIO},    {"pipe", "none", EINVAL},
       {"memory", "none", EIO}};
   for (const auto& [from, to, error] : refused) EXPECT_EQ(copy(from, to), error) << from << " to " << to;
   for (const char* link : {"source", "directory", "device"}) EXPECT_TRUE(fs::is_symlink(path(link))) << link;
@@ -244,36 +246,41 @@ TEST(PosixTmpDirectory, IsTmpdirOrTmp) {
   }
 }
 
-std::string readAll(int descriptor) {
+constexpr auto kRefuse = PipeWithoutWriter::Refuse;
+
+std::string readAll(const std::string& name, PipeWithoutWriter pipe = kRefuse) {
   char bytes[16];
   std::string text;
-  for (std::int64_t count; (count = readBytes(descriptor, bytes, sizeof bytes)) > 0;)
-    text.append(bytes, static_cast<std::size_t>(count));
-  closeDescriptor(descriptor);
+  ReadableFile file;
+  EXPECT_EQ(file.open(name.c_str(), pipe), 0);
+  for (std::size_t size = 0; readBytes(file.descriptor(), bytes, sizeof bytes, size) == 0 && size > 0;)
+    text.append(bytes, size);
   return text;
 }
 
 // Reading blocks, opening does not.
 TEST_F(PosixFiles, OpeningAPipeWaitsForNoWriter) {
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
-  EXPECT_EQ(openForReading(path("pipe").c_str()), -1);
-  const int other = open(path("pipe").c_str(), O_RDONLY | O_NONBLOCK);
-  EXPECT_EQ(openForReading(path("pipe").c_str()), -1) << "a second reader is no writer";
-  const int writer = open(path("pipe").c_str(), O_WRONLY);
-  const int silent = openForReading(path("pipe").c_str());
+  const std::string pipe = path("pipe");
+  int silent = -1;
+  EXPECT_EQ(openForReading(pipe.c_str(), kRefuse, silent), ENXIO);
+  const int other = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+  EXPECT_EQ(openForReading(pipe.c_str(), kRefuse, silent), ENXIO) << "a second reader is no writer";
+  const int writer = open(pipe.c_str(), O_WRONLY);
+  EXPECT_EQ(openForReading(pipe.c_str(), kRefuse, silent), 0);
   EXPECT_EQ(fcntl(silent, F_GETFL) & O_NONBLOCK, 0);
   closeDescriptor(silent);
   ASSERT_EQ(write(writer, "left", 4), 4);
   closeDescriptor(writer);
-  EXPECT_EQ(readAll(openForReading(path("pipe").c_str())), "left");
-  EXPECT_EQ(openForReading(path("pipe").c_str()), -1);
+  EXPECT_EQ(readAll(pipe), "left");
+  EXPECT_EQ(openForReading(pipe.c_str(), kRefuse, silent), ENXIO);
   closeDescriptor(other);
   std::thread late([&] {
-    const int end = open(path("pipe").c_str(), O_WRONLY);
+    const int end = open(pipe.c_str(), O_WRONLY);
     EXPECT_EQ(write(end, "late", 4), 4);
     closeDescriptor(end);
   });
-  EXPECT_EQ(readAll(openForReading(path("pipe").c_str(), PipeWithoutWriter::Await)), "late");
+  EXPECT_EQ(readAll(pipe, PipeWithoutWriter::Await), "late");
   late.join();
 }
 
@@ -284,9 +291,7 @@ TEST_F(PosixFiles, PipesWithoutANameAreReadToTheirEnd) {
     ASSERT_EQ(pipe(ends), 0);
     ASSERT_EQ(write(ends[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
     closeDescriptor(ends[1]);
-    const int descriptor = openForReading(("/dev/fd/" + std::to_string(ends[0])).c_str());
-    ASSERT_GE(descriptor, 0);
-    EXPECT_EQ(readAll(descriptor), text);
+    EXPECT_EQ(readAll("/dev/fd/" + std::to_string(ends[0])), text);
     closeDescriptor(ends[0]);
   }
 }

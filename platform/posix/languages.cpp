@@ -9,7 +9,7 @@
 #include <initializer_list>
 
 #include "base/utf.h"
-#include "platform/platform.h"
+#include "platform/languages.h"
 #include "platform/posix/language_names.h"
 
 namespace vel::platform {

@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <clocale>
 
-#include "platform/platform.h"
+#include "platform/clocks.h"
+#include "platform/code_pages.h"
+#include "platform/languages.h"
 #include "platform/posix/language_names.h"
 #include "platform/test/table.h"
 #include "platform/test/variable.h"

@@ -14,7 +14,8 @@
 #include <mutex>
 #include <new>
 
-#include "platform/platform.h"
+#include "platform/launching.h"
+#include "platform/posix/descriptor.h"
 #include "platform/posix/file_search.h"
 #include "platform/posix/inheritance.h"
 #include "platform/posix/native_path.h"
@@ -172,9 +173,7 @@ void become(const Plan& plan) noexcept {
 /// 0 when the pipe was closed by the program's start.
 int errorFrom(int pipe) noexcept {
   int error = 0;
-  ssize_t length = 0;
-  do length = read(pipe, &error, sizeof error);
-  while (length < 0 && errno == EINTR);
+  const ssize_t length = retrying([&] { return read(pipe, &error, sizeof error); });
   return length == static_cast<ssize_t>(sizeof error) ? error : 0;
 }
 
@@ -190,8 +189,7 @@ void startDetached(const Plan& plan) noexcept {
   if (program == 0) {
     become(plan);
     const int error = errno;
-    while (write(ends[1], &error, sizeof error) < 0 && errno == EINTR) {
-    }
+    static_cast<void>(retrying([&] { return write(ends[1], &error, sizeof error); }));
     _exit(kExitCodeWithoutProgram);
   }
   const int error = errno;
@@ -215,10 +213,7 @@ void startDetached(const Plan& plan) noexcept {
 
 /// The wait status of a child; false when the system does not give it.
 bool waitFor(pid_t child, int& status) noexcept {
-  pid_t ended = 0;
-  do ended = waitpid(child, &status, 0);
-  while (ended < 0 && errno == EINTR);
-  return ended == child;
+  return retrying([&] { return waitpid(child, &status, 0); }) == child;
 }
 
 std::uint32_t exitCodeOf(int status) noexcept {
@@ -281,20 +276,20 @@ int run(const Launch& launch, Style style, Outcome& outcome, int& status) noexce
 
 }  // namespace
 
-std::uint32_t launchAndWait(const Launch& launch, std::uint32_t& exitCode) noexcept {
+NativeError launchAndWait(const Launch& launch, std::uint32_t& exitCode) noexcept {
   Outcome outcome;
   int status = 0;
   const int error = run(launch, Style::Waited, outcome, status);
   exitCode = exitCodeOf(status);
-  return static_cast<std::uint32_t>(error);
+  return static_cast<NativeError>(error);
 }
 
-std::uint32_t launchDetached(const Launch& launch, std::uint32_t& processId) noexcept {
+NativeError launchDetached(const Launch& launch, std::uint32_t& processId) noexcept {
   Outcome outcome;
   int status = 0;
   const int error = run(launch, Style::Detached, outcome, status);
   processId = static_cast<std::uint32_t>(outcome.program);
-  return static_cast<std::uint32_t>(error);
+  return static_cast<NativeError>(error);
 }
 
 EndResult endProcess(std::uint32_t id) noexcept {

@@ -13,8 +13,9 @@
 #include <climits>
 #include <future>
 
-#include "platform/platform.h"
+#include "platform/launching.h"
 #include "platform/posix/inheritance.h"
+#include "platform/processes.h"
 #include "platform/test/child_process.h"
 #include "platform/test/posix/processes.h"
 #include "platform/test/scratch_directory.h"

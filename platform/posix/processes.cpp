@@ -1,9 +1,9 @@
 // Identifiers of processes and threads.
 #include <pthread.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
-#include "platform/platform.h"
+#include "platform/posix/thread_number.h"
+#include "platform/processes.h"
 
 namespace vel::platform {
 
@@ -11,8 +11,8 @@ std::uint32_t detail::forks = 0;
 
 namespace {
 
-/// Asking the system takes longer than all else that a trace entry costs; so nearly does a variable of the
-/// general kind.
+/// Asking the kernel costs more than the rest of a trace entry, so the number is cached. Initial-exec TLS,
+/// because the general-dynamic model costs nearly as much as the call.
 thread_local std::uint32_t threadId __attribute__((tls_model("initial-exec"))) = 0;
 
 /// The child of a fork is another process and another thread.
@@ -21,8 +21,9 @@ const int registered = pthread_atfork(nullptr, nullptr, [] {
   threadId = 0;
 });
 
+/// Without the handler above a cached number could be the parent's, so nothing is cached then.
 std::uint32_t askThreadId() noexcept {
-  const auto id = static_cast<std::uint32_t>(syscall(SYS_gettid));
+  const std::uint32_t id = askThreadNumber();
   if (registered == 0) threadId = id;
   return id;
 }

@@ -1,10 +1,8 @@
-// Renaming that never replaces an entry.
 #include "platform/posix/rename.h"
 
 #include <fcntl.h>
 #include <stdio.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -30,12 +28,6 @@ SystemError renameByLink(int directory, const char* from, const char* to) noexce
   const SystemError error = errno;
   unlinkat(directory, to, 0);
   return error;
-}
-
-SystemError renameWithoutReplacing(int directory, const char* from, const char* to) noexcept {
-  if (syscall(SYS_renameat2, directory, from, directory, to, RENAME_NOREPLACE) == 0) return 0;
-  if (errno != ENOSYS && errno != EINVAL) return errno;
-  return renameByLink(directory, from, to);
 }
 
 }  // namespace vel::platform

@@ -1,15 +1,17 @@
-// Renaming that never replaces an entry, in the two ways that the file systems know.
+// Renaming that never replaces an entry. Both names are relative to the same directory, which is open, or
+// AT_FDCWD.
 #pragma once
 
-#include "platform/platform.h"
+#include "platform/system_error.h"
 
 namespace vel::platform {
 
-/// Both paths are the system's own, from an open directory or AT_FDCWD. EEXIST when `to` exists.
+/// Fails with EEXIST if the target exists. In one step where the system can do that, else by renameByLink.
 SystemError renameWithoutReplacing(int directory, const char* from, const char* to) noexcept;
 
-/// The same for file systems that cannot refuse an existing target themselves: by a second link where
-/// there are links, else (directories, too) by asking first.
+/// The way for file systems that cannot do that in one step: makes a second link, then removes the first.
+/// Where there are no links (none to directories anywhere) it looks for the target first, which leaves a
+/// moment for others.
 SystemError renameByLink(int directory, const char* from, const char* to) noexcept;
 
 }  // namespace vel::platform

@@ -9,6 +9,7 @@
 #include "platform/posix/beside.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/target.h"
+#include "platform/replacing.h"
 
 namespace vel::platform {
 

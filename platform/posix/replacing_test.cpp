@@ -13,9 +13,10 @@
 #include <utility>
 
 #include "platform/byte_files.h"
-#include "platform/platform.h"
 #include "platform/posix/beside.h"
 #include "platform/posix/target.h"
+#include "platform/replacing.h"
+#include "platform/system_error.h"
 #include "platform/test/posix/processes.h"
 #include "platform/test/scratch_directory.h"
 
@@ -31,7 +32,8 @@ using namespace std::string_literals;
 SystemError replaceWith(const std::string& name, const std::string& bytes) {
   Replacement replacement;
   if (const SystemError error = startReplacement(name.c_str(), replacement); error != 0) return error;
-  if (writeBytes(replacement.descriptor, bytes.data(), bytes.size())) return finishReplacement(replacement);
+  if (writeBytes(replacement.descriptor, bytes.data(), bytes.size()) == 0)
+    return finishReplacement(replacement);
   const SystemError error = errno;
   dropReplacement(replacement);
   return error;
@@ -120,7 +122,7 @@ TEST_F(Replacing, TakesNoAccessControlListFromTheDirectory) {
 struct Begun : Replacement {
   explicit Begun(const std::string& name) : error(startReplacement(name.c_str(), *this)) {
     EXPECT_EQ(error, 0);
-    EXPECT_TRUE(writeBytes(descriptor, "new", 3));
+    EXPECT_EQ(writeBytes(descriptor, "new", 3), 0);
   }
   SystemError error;
 };
@@ -161,7 +163,7 @@ TEST_F(Replacing, ShowsNoUnfinishedFileWhereTheFileSystemAllowsIt) {
     const std::size_t length = std::string(replacement.temporary).size();
     EXPECT_EQ(entries(), length == 0 ? 1U : 2U);
     EXPECT_TRUE(name == BesideName::None || length == 20) << length;
-    EXPECT_TRUE(writeBytes(replacement.descriptor, "new", 3));
+    EXPECT_EQ(writeBytes(replacement.descriptor, "new", 3), 0);
     EXPECT_EQ(moveIntoPlace(replacement), 0);
     EXPECT_EQ(readFile(file_), "new");
     ASSERT_EQ(beginBeside(created, name, late), 0);
@@ -230,16 +232,17 @@ void swapNames(const std::string& name, const std::string& secret) {
 
 /// As editors do: what was read goes only into the file that it was read from.
 void saveWhatIsThere(const std::string& name) {
-  const int source = openForReading(name.c_str());
+  ReadableFile source;
   char bytes[64];
+  std::size_t size = 0;
   struct stat status {};
-  const std::int64_t size = source >= 0 ? readBytes(source, bytes, sizeof bytes) : -1;
-  if (size < 0 || fstat(source, &status) != 0) return closeDescriptor(source);
-  closeDescriptor(source);
+  if (source.open(name.c_str(), PipeWithoutWriter::Refuse) != 0) return;
+  if (readBytes(source.descriptor(), bytes, sizeof bytes, size) != 0) return;
+  if (fstat(source.descriptor(), &status) != 0) return;
   Replacement replacement;
   if (startReplacement(name.c_str(), replacement) != 0) return;
   if (replacement.old != identityOf(status)) return dropReplacement(replacement);
-  writeBytes(replacement.descriptor, bytes, static_cast<std::size_t>(size));
+  writeBytes(replacement.descriptor, bytes, size);
   finishReplacement(replacement);
 }
 

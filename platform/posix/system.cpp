@@ -1,5 +1,5 @@
 // What only Windows has: platform identifiers, import thunks and message boxes.
-#include "platform/platform.h"
+#include "platform/system.h"
 
 namespace vel::platform {
 

@@ -7,6 +7,9 @@
 #include <cerrno>
 #include <cstring>
 
+#include "platform/linux/open_path.h"
+#include "platform/posix/descriptor.h"
+
 namespace vel::platform {
 
 namespace {
@@ -16,11 +19,8 @@ constexpr int kMostLinks = 40;
 /// A pipe without reader is a failure and nothing to wait for.
 constexpr int kForWriting = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
-int openRetrying(const Replacement& replacement, int flags) noexcept {
-  int descriptor = -1;
-  do descriptor = openat(replacement.directory, replacement.target, flags);
-  while (descriptor < 0 && errno == EINTR);
-  return descriptor;
+int openTarget(const Replacement& replacement, int flags) noexcept {
+  return retrying([&] { return openat(replacement.directory, replacement.target, flags); });
 }
 
 /// Moves on to the directory of a path, which may begin in the one that is held, and its last component.
@@ -37,7 +37,7 @@ SystemError enter(const char* path, Replacement& replacement) noexcept {
     directory[length] = '\0';
   }
   const int start = replacement.directory >= 0 ? replacement.directory : AT_FDCWD;
-  const int next = openat(start, directory, O_PATH | O_DIRECTORY | O_CLOEXEC);
+  const int next = openat(start, directory, kOpenAsPlace | O_DIRECTORY | O_CLOEXEC);
   if (next < 0) return errno;
   if (replacement.directory >= 0) close(replacement.directory);
   replacement.directory = next;
@@ -53,7 +53,7 @@ bool isStream(const struct stat& status) noexcept {
 /// and what it opened counts.
 SystemError openStream(Replacement& replacement) noexcept {
   struct stat status;
-  replacement.heldTarget = openRetrying(replacement, kForWriting);
+  replacement.heldTarget = openTarget(replacement, kForWriting);
   if (replacement.heldTarget < 0 || fstat(replacement.heldTarget, &status) != 0) return errno;
   return isStream(status) ? 0 : ECANCELED;
 }
@@ -71,7 +71,7 @@ SystemError follow(Replacement& replacement) noexcept {
 }
 
 SystemError holdLink(Replacement& replacement) noexcept {
-  replacement.heldTarget = openRetrying(replacement, O_PATH | O_NOFOLLOW | O_CLOEXEC);
+  replacement.heldTarget = openTarget(replacement, kOpenAsPlace | O_NOFOLLOW | O_CLOEXEC);
   return replacement.heldTarget >= 0 ? 0 : errno;
 }
 
@@ -80,7 +80,7 @@ SystemError holdLink(Replacement& replacement) noexcept {
 SystemError findTarget(const char* path, LastLink links, Replacement& replacement) noexcept {
   SystemError error = enter(path, replacement);
   for (int followed = 0; error == 0 && replacement.heldTarget < 0; ++followed) {
-    replacement.heldTarget = openRetrying(replacement, kForWriting | O_NOFOLLOW);
+    replacement.heldTarget = openTarget(replacement, kForWriting | O_NOFOLLOW);
     if (replacement.heldTarget >= 0) return 0;
     // What a link that leads nowhere names is not made.
     if (errno == ENOENT && followed == 0) return 0;

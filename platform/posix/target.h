@@ -4,7 +4,9 @@
 
 #include <sys/stat.h>
 
-#include "platform/platform.h"
+#include "platform/file_identity.h"
+#include "platform/replacing.h"
+#include "platform/system_error.h"
 
 namespace vel::platform {
 

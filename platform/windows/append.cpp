@@ -10,7 +10,8 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
-#include "platform/platform.h"
+#include "platform/append.h"
+#include "platform/system_error.h"
 #include "platform/windows/system_errors.h"
 
 namespace vel::platform {
@@ -19,23 +20,21 @@ namespace {
 
 constexpr std::size_t kLargestWrite = std::size_t{1} << 30;
 
-/// The runtime would move to the end and write in two steps, between which another process may write.
-std::uint64_t appendPiece(HANDLE file, const Bytes& piece, SystemError& error) noexcept {
-  std::size_t written = 0;
-  while (written < piece.size) {
+/// Adds the number of bytes written to `total`. The runtime would move to the end and write in two steps,
+/// between which another process may write.
+SystemError appendPiece(HANDLE file, const Bytes& piece, std::uint64_t& total) noexcept {
+  for (std::size_t written = 0; written < piece.size;) {
     OVERLAPPED atEnd{};
     atEnd.Offset = 0xFFFFFFFF;
     atEnd.OffsetHigh = 0xFFFFFFFF;
     DWORD count = 0;
     const auto step = static_cast<DWORD>(std::min(piece.size - written, kLargestWrite));
-    const bool failed = WriteFile(file, piece.data + written, step, &count, &atEnd) == FALSE;
-    if (failed || count == 0) {
-      error = failed ? errnoOf(GetLastError()) : EIO;
-      break;
-    }
+    if (WriteFile(file, piece.data + written, step, &count, &atEnd) == FALSE) return errnoOf(GetLastError());
+    if (count == 0) return EIO;
     written += count;
+    total += count;
   }
-  return written;
+  return 0;
 }
 
 /// Both pieces as one, or null data when there is no memory.
@@ -51,38 +50,34 @@ Bytes joined(const Bytes& first, const Bytes& second) noexcept {
 
 }  // namespace
 
-LastErrors lastErrors() noexcept {
-  return {errno, GetLastError()};
+LastErrorsKept::LastErrorsKept() noexcept : runtime_(errno), system_(GetLastError()) {}
+
+LastErrorsKept::~LastErrorsKept() {
+  errno = runtime_;
+  SetLastError(system_);
 }
 
-void setLastErrors(const LastErrors& errors) noexcept {
-  errno = errors.runtime;
-  SetLastError(errors.system);
+SystemError openForAppending(const char* name, AppendTo, int& descriptor) noexcept {
+  descriptor = _open(name, _O_WRONLY | _O_APPEND | _O_CREAT | _O_BINARY | _O_SEQUENTIAL | _O_NOINHERIT,
+                     _S_IREAD | _S_IWRITE);
+  return descriptor == -1 ? errno : 0;
 }
 
-int openForAppending(const char* name, AppendTo, SystemError& error) noexcept {
-  const int descriptor =
-      _open(name, _O_WRONLY | _O_APPEND | _O_CREAT | _O_BINARY | _O_SEQUENTIAL | _O_NOINHERIT,
-            _S_IREAD | _S_IWRITE);
-  error = descriptor == -1 ? errno : 0;
-  return descriptor;
-}
-
-std::uint64_t appendBytes(int descriptor, const Bytes& first, const Bytes& second,
-                          SystemError& error) noexcept {
+SystemError appendBytes(int descriptor, const Bytes& first, const Bytes& second,
+                        std::uint64_t& written) noexcept {
   auto* const file = reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
-  error = 0;
   const Bytes both = first.size != 0 && second.size != 0 ? joined(first, second) : Bytes{};
-  std::uint64_t written = appendPiece(file, both.data != nullptr ? both : first, error);
+  written = 0;
+  SystemError error = appendPiece(file, both.data != nullptr ? both : first, written);
   if (both.data != nullptr)
     HeapFree(GetProcessHeap(), 0, const_cast<char*>(both.data));
   else if (error == 0)
-    written += appendPiece(file, second, error);
-  return written;
+    error = appendPiece(file, second, written);
+  return error;
 }
 
-int closeAppended(int descriptor) noexcept {
-  return _close(descriptor);
+SystemError closeAppended(int descriptor) noexcept {
+  return _close(descriptor) == 0 ? 0 : errno;
 }
 
 }  // namespace vel::platform

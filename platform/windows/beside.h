@@ -6,7 +6,9 @@
 
 #include <utility>
 
-#include "platform/platform.h"
+#include "platform/file_identity.h"
+#include "platform/replacing.h"
+#include "platform/system_error.h"
 
 namespace vel::platform {
 

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 
 namespace vel::platform {
@@ -22,27 +23,31 @@ unsigned int stepOf(std::size_t size) noexcept {
 }  // namespace
 
 // A pipe exists only as long as somebody serves it.
-int openForReading(const char* name, PipeWithoutWriter) noexcept {
-  return _open(name, _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+SystemError openForReading(const char* name, PipeWithoutWriter, int& descriptor) noexcept {
+  descriptor = _open(name, _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+  return descriptor == -1 ? errno : 0;
 }
 
 void closeDescriptor(int descriptor) noexcept {
   _close(descriptor);
 }
 
-std::int64_t readBytes(int descriptor, void* buffer, std::size_t capacity) noexcept {
-  return _read(descriptor, buffer, stepOf(capacity));
+SystemError readBytes(int descriptor, void* buffer, std::size_t capacity, std::size_t& size) noexcept {
+  const int count = _read(descriptor, buffer, stepOf(capacity));
+  if (count < 0) return errno;
+  size = static_cast<std::size_t>(count);
+  return 0;
 }
 
-bool writeBytes(int descriptor, const void* data, std::size_t size) noexcept {
+SystemError writeBytes(int descriptor, const void* data, std::size_t size) noexcept {
   const char* bytes = static_cast<const char*>(data);
   while (size > 0) {
     const int count = _write(descriptor, bytes, stepOf(size));
-    if (count <= 0) return false;
+    if (count <= 0) return count < 0 ? errno : EIO;
     bytes += count;
     size -= static_cast<std::size_t>(count);
   }
-  return true;
+  return 0;
 }
 
 std::uint64_t bytesLeft(int descriptor) noexcept {

@@ -10,11 +10,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <string_view>
 
 #include "platform/byte_files.h"
-#include "platform/platform.h"
+#include "platform/catalogs.h"
 
 namespace vel::platform {
 
@@ -137,10 +138,11 @@ int openBeforeLoaderSearches(const char* fileName) noexcept {
 
 }  // namespace
 
-int openCatalog(const char* fileName, CatalogOwner owner) noexcept {
+SystemError openCatalog(const char* fileName, CatalogOwner owner, int& descriptor) noexcept {
   const QuietErrors quiet;
-  const int descriptor = owner == CatalogOwner::ThisLibrary ? openBeforeLoaderSearches(fileName) : -1;
-  return descriptor != -1 ? descriptor : openAsLoaderFinds(fileName);
+  descriptor = owner == CatalogOwner::ThisLibrary ? openBeforeLoaderSearches(fileName) : -1;
+  if (descriptor == -1) descriptor = openAsLoaderFinds(fileName);
+  return descriptor != -1 ? 0 : ENOENT;
 }
 
 }  // namespace vel::platform

@@ -1,7 +1,7 @@
 // One key from the console.
 #include <conio.h>
 
-#include "platform/platform.h"
+#include "platform/console.h"
 
 namespace vel::platform {
 

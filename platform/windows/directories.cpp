@@ -16,7 +16,10 @@
 #include <windows.h>
 #include <winternl.h>
 
-#include "platform/platform.h"
+#include "platform/directories.h"
+#include "platform/file_identity.h"
+#include "platform/files.h"
+#include "platform/system_error.h"
 #include "platform/windows/system_errors.h"
 
 // The compiler's headers for programs lack this one.
@@ -176,7 +179,7 @@ void setShownName(DirectoryEntry& entry, const WCHAR* name, int length) noexcept
   entry.name[shown] = '\0';
 }
 
-void takeEntry(const FILE_FULL_DIR_INFORMATION& found, DirectoryEntry& entry) noexcept {
+void describe(const FILE_FULL_DIR_INFORMATION& found, DirectoryEntry& entry) noexcept {
   std::array<WCHAR, sizeof entry.systemName / sizeof(WCHAR)> name{};
   const std::size_t length = std::min(found.FileNameLength / sizeof(WCHAR), name.size() - 1);
   std::memcpy(name.data(), &found.FileName[0], length * sizeof(WCHAR));
@@ -226,19 +229,19 @@ SystemError identityOfRoot(const char* name, FileIdentity& identity) noexcept {
   return ENOENT;
 }
 
-WalkStep nextEntry(DirectoryHandle& directory, DirectoryEntry& entry) noexcept {
+SystemError nextEntry(DirectoryHandle& directory, DirectoryEntry& entry, WalkStep& step) noexcept {
   EntryBuffer buffer;
   IO_STATUS_BLOCK status{};
   const NTSTATUS result =
       NtQueryDirectoryFile(directory.system, nullptr, nullptr, nullptr, &status, buffer.bytes.data(),
                            sizeof buffer, FileFullDirectoryInformation, TRUE, nullptr, FALSE);
+  step = result == 0 ? WalkStep::Entry : WalkStep::End;
   if (result == 0) {
-    takeEntry(buffer.entry, entry);
-    return WalkStep::Entry;
+    describe(buffer.entry, entry);
+    return 0;
   }
   const DWORD error = RtlNtStatusToDosError(result);
-  SetLastError(error);
-  return error == ERROR_NO_MORE_FILES ? WalkStep::End : WalkStep::Failed;
+  return error == ERROR_NO_MORE_FILES ? 0 : errnoOf(error);
 }
 
 SystemError openEntry(const DirectoryHandle& directory, const DirectoryEntry& entry,

@@ -7,7 +7,8 @@
 #include <cerrno>
 #include <fstream>
 
-#include "platform/platform.h"
+#include "platform/directories.h"
+#include "platform/files.h"
 #include "platform/test/child_process.h"
 #include "platform/test/scratch_directory.h"
 #include "platform/test/windows/wine.h"

@@ -5,7 +5,8 @@
 #include <array>
 #include <cstring>
 
-#include "platform/platform.h"
+#include "platform/dynamic_libraries.h"
+#include "platform/launching.h"
 
 namespace vel::platform {
 
@@ -13,13 +14,13 @@ namespace {
 
 /// The loader asks nobody about a file that is no library.
 template <typename Load>
-HMODULE loadQuietly(Load load, std::uint32_t& error) noexcept {
+NativeError loadQuietly(Load load, void*& library) noexcept {
   DWORD previous = 0;
   SetThreadErrorMode(SEM_FAILCRITICALERRORS, &previous);
-  const HMODULE library = load();
-  error = library != nullptr ? DWORD{ERROR_SUCCESS} : GetLastError();
+  library = load();
+  const DWORD error = library != nullptr ? DWORD{ERROR_SUCCESS} : GetLastError();
   SetThreadErrorMode(previous, nullptr);
-  return library;
+  return error;
 }
 
 /// A name in ASCII with the folder of the module that this code belongs to.
@@ -53,21 +54,21 @@ bool searchLibrary(const char* name, char* out, std::size_t capacity) noexcept {
   return searchProgram(name, out, capacity);
 }
 
-void* loadLibrary(const char* name, std::uint32_t& error) noexcept {
-  return loadQuietly([name] { return LoadLibraryA(name); }, error);
+NativeError loadLibrary(const char* name, void*& library) noexcept {
+  return loadQuietly([name] { return LoadLibraryA(name); }, library);
 }
 
-void* loadInstalledLibrary(const char* name, std::uint32_t& error) noexcept {
+NativeError loadInstalledLibrary(const char* name, void*& library) noexcept {
   constexpr DWORD kFolders = LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32;
   const PathBesideThisLibrary beside(name);
   const auto load = [&]() noexcept {
     // What the library needs itself comes from the same folders.
-    const HMODULE library =
+    const HMODULE found =
         beside.fits() ? LoadLibraryExW(beside.get(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | kFolders)
                       : nullptr;
-    return library != nullptr ? library : LoadLibraryExA(name, nullptr, kFolders);
+    return found != nullptr ? found : LoadLibraryExA(name, nullptr, kFolders);
   };
-  return loadQuietly(load, error);
+  return loadQuietly(load, library);
 }
 
 Procedure findProcedure(void* library, const char* name) noexcept {

@@ -1,5 +1,5 @@
 // This system has no signals that a thread could hold back, and removes unfinished files by itself.
-#include "platform/platform.h"
+#include "platform/ending_signals.h"
 
 namespace vel::platform {
 

@@ -1,6 +1,8 @@
 // Copying a file's contents and attributes.
 #include <cerrno>
 
+#include "platform/file_copy.h"
+#include "platform/replacing.h"
 #include "platform/windows/beside.h"
 #include "platform/windows/system_errors.h"
 

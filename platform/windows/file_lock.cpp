@@ -9,7 +9,8 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
-#include "platform/platform.h"
+#include "platform/file_lock.h"
+#include "platform/windows/system_errors.h"
 
 namespace vel::platform {
 
@@ -29,13 +30,13 @@ std::uint64_t joined(DWORD high, DWORD low) noexcept {
   return (static_cast<std::uint64_t>(high) << 32) | low;
 }
 
-bool stateIn(HANDLE file, FileState& state) noexcept {
+SystemError stateIn(HANDLE file, FileState& state) noexcept {
   BY_HANDLE_FILE_INFORMATION found;
-  if (GetFileInformationByHandle(file, &found) == FALSE) return false;
+  if (GetFileInformationByHandle(file, &found) == FALSE) return errnoOf(GetLastError());
   state = {{found.dwVolumeSerialNumber, joined(found.nFileIndexHigh, found.nFileIndexLow)},
            joined(found.nFileSizeHigh, found.nFileSizeLow),
            joined(found.ftLastWriteTime.dwHighDateTime, found.ftLastWriteTime.dwLowDateTime)};
-  return true;
+  return 0;
 }
 
 bool isMissing(DWORD error) noexcept {
@@ -111,22 +112,22 @@ bool isDirectory(const char* name) noexcept {
 
 }  // namespace
 
-bool stateOf(int descriptor, FileState& state) noexcept {
+SystemError stateOf(int descriptor, FileState& state) noexcept {
   const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
   // Devices and pipes have no numbers; they cannot be replaced, either.
   if (GetFileType(file) == FILE_TYPE_DISK) return stateIn(file, state);
   state = {};
-  return true;
+  return 0;
 }
 
-bool stateAt(const char* name, FileState& state) noexcept {
+SystemError stateAt(const char* name, FileState& state) noexcept {
   state = {};
-  if (isDevice(name)) return true;
+  if (isDevice(name)) return 0;
   const HANDLE file = openAttributes(name);
-  if (file == nullptr) return isMissing(GetLastError());
-  const bool isTold = stateIn(file, state);
+  if (file == nullptr) return isMissing(GetLastError()) ? 0 : errnoOf(GetLastError());
+  const SystemError error = stateIn(file, state);
   CloseHandle(file);
-  return isTold;
+  return error;
 }
 
 LockResult tryLockFile(const char* name, FileLock& lock) noexcept {
@@ -137,7 +138,7 @@ LockResult tryLockFile(const char* name, FileLock& lock) noexcept {
   bool isBusy = false;
   lock.system = makeObject(commonName, isBusy);
   if (lock.system == nullptr) return isBusy ? LockResult::Busy : LockResult::Failed;
-  if (stateAt(name, lock.file)) return LockResult::Locked;
+  if (stateAt(name, lock.file) == 0) return LockResult::Locked;
   unlockFile(lock);
   return LockResult::Failed;
 }

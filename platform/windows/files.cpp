@@ -11,7 +11,8 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
-#include "platform/platform.h"
+#include "platform/files.h"
+#include "platform/system_error.h"
 #include "platform/windows/system_errors.h"
 
 namespace vel::platform {
@@ -53,14 +54,14 @@ std::uint32_t attributesOf(const char* name) noexcept {
   return attributes == INVALID_FILE_ATTRIBUTES ? kAttributesUnreadable : attributes & kKnownAttributes;
 }
 
-bool statusOf(const char* name, EntryStatus& out) noexcept {
+SystemError statusOf(const char* name, EntryStatus& out) noexcept {
   WIN32_FILE_ATTRIBUTE_DATA data;
-  if (GetFileAttributesExA(name, GetFileExInfoStandard, &data) == FALSE) return false;
+  if (GetFileAttributesExA(name, GetFileExInfoStandard, &data) == FALSE) return errnoOf(GetLastError());
   out.sizeInBytes = joined(data.nFileSizeHigh, data.nFileSizeLow);
   out.changed = secondsOr(data.ftCreationTime, data.ftLastWriteTime);
   out.accessed = secondsOr(data.ftLastAccessTime, data.ftLastWriteTime);
   out.modified = secondsSince1970(data.ftLastWriteTime);
-  return true;
+  return 0;
 }
 
 SystemError setReadOnly(const char* name, bool readOnly) noexcept {
@@ -83,9 +84,10 @@ SystemError renameFile(const char* from, const char* to) noexcept {
   return std::rename(from, to) == 0 ? 0 : errno;
 }
 
-bool currentDirectory(char* out, std::size_t capacity) noexcept {
+SystemError currentDirectory(char* out, std::size_t capacity) noexcept {
   const DWORD length = GetCurrentDirectoryA(static_cast<DWORD>(capacity), out);
-  return length != 0 && length < capacity;
+  if (length == 0) return errnoOf(GetLastError());
+  return length < capacity ? 0 : ERANGE;
 }
 
 const char* fallbackTmpDirectory() noexcept {
@@ -96,11 +98,9 @@ const char* driveOfSlashNames() noexcept {
   return "";
 }
 
-int createExclusively(const char* name, SystemError& error) noexcept {
-  const int descriptor =
-      _open(name, _O_RDWR | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
-  error = descriptor < 0 ? errno : 0;
-  return descriptor;
+SystemError createExclusively(const char* name, int& descriptor) noexcept {
+  descriptor = _open(name, _O_RDWR | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
+  return descriptor < 0 ? errno : 0;
 }
 
 }  // namespace vel::platform

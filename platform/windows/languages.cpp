@@ -5,7 +5,7 @@
 #include <windows.h>
 
 #include "base/utf.h"
-#include "platform/platform.h"
+#include "platform/languages.h"
 
 namespace vel::platform {
 

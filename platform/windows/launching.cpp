@@ -2,7 +2,8 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
-#include "platform/platform.h"
+#include "platform/files.h"
+#include "platform/launching.h"
 
 namespace vel::platform {
 
@@ -29,7 +30,7 @@ void closeHandles(const PROCESS_INFORMATION& process) noexcept {
 
 }  // namespace
 
-std::uint32_t launchAndWait(const Launch& launch, std::uint32_t& exitCode) noexcept {
+NativeError launchAndWait(const Launch& launch, std::uint32_t& exitCode) noexcept {
   PROCESS_INFORMATION process{};
   DWORD error = createProcess(launch, 0, process);
   if (error != ERROR_SUCCESS) return error;
@@ -42,7 +43,7 @@ std::uint32_t launchAndWait(const Launch& launch, std::uint32_t& exitCode) noexc
   return error;
 }
 
-std::uint32_t launchDetached(const Launch& launch, std::uint32_t& processId) noexcept {
+NativeError launchDetached(const Launch& launch, std::uint32_t& processId) noexcept {
   PROCESS_INFORMATION process{};
   const DWORD error = createProcess(launch, DETACHED_PROCESS, process);
   if (error != ERROR_SUCCESS) return error;

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "platform/replacing.h"
 #include "platform/windows/beside.h"
 #include "platform/windows/system_errors.h"
 

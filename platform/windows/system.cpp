@@ -1,11 +1,12 @@
 // Platform identifiers, import thunks and message boxes.
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
-#include "platform/platform.h"
+#include "platform/system.h"
 
 namespace vel::platform {
 

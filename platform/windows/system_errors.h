@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "platform/platform.h"
+#include "platform/system_error.h"
 
 namespace vel::platform {
 

@@ -16,7 +16,10 @@
 #include <string>
 
 #include "platform/byte_files.h"
-#include "platform/platform.h"
+#include "platform/file_copy.h"
+#include "platform/launching.h"
+#include "platform/replacing.h"
+#include "platform/system.h"
 #include "platform/test/child_process.h"
 #include "platform/test/scratch_directory.h"
 
@@ -78,7 +81,7 @@ TEST(WindowsSystem, ReplacingLeavesLinks) {
   if (!makeLink("link", "deep/file")) GTEST_SKIP() << "no links here";
   Replacement replacement;
   EXPECT_EQ(startReplacement("link", replacement), 0);
-  EXPECT_TRUE(writeBytes(replacement.descriptor, "new", 3));
+  EXPECT_EQ(writeBytes(replacement.descriptor, "new", 3), 0);
   EXPECT_EQ(finishReplacement(replacement), 0);
   EXPECT_EQ(test::readFile(file), "new");
   SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_READONLY);

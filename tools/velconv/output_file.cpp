@@ -1,6 +1,7 @@
 #include "tools/velconv/output_file.h"
 
 #include "platform/byte_files.h"
+#include "platform/replacing.h"
 
 namespace vel::velconv {
 
@@ -16,7 +17,7 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::write(const char* bytes, std::size_t size) {
-  if (!platform::writeBytes(descriptor_, bytes, size)) throw OutputFailure();
+  if (platform::writeBytes(descriptor_, bytes, size) != 0) throw OutputFailure();
 }
 
 void OutputFile::finish() {

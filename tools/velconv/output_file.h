@@ -1,7 +1,7 @@
 // Where the converted bytes go: to standard output as they come, or to a file that is replaced at the end.
 #pragma once
 
-#include "platform/platform.h"
+#include "platform/replacing.h"
 #include "vel_include/vel_strict_conversion.h"
 
 namespace vel::velconv {

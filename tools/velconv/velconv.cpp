@@ -7,7 +7,7 @@
 
 #include "base/digits.h"
 #include "platform/byte_files.h"
-#include "platform/platform.h"
+#include "platform/replacing.h"
 #include "tools/catalog_tool.h"
 #include "tools/run_tool.h"
 #include "tools/standard_switches.h"
@@ -118,17 +118,16 @@ int Tool::convertAll() {
 /// False when nothing more can be converted.
 bool Tool::convert(const char* file, OutputFile& output) {
   const bool isInput = file == kStandardStream;
-  constexpr auto kAwait = vel::platform::PipeWithoutWriter::Await;
-  const int descriptor =
-      isInput ? vel::platform::kStandardInput : vel::platform::openForReading(file, kAwait);
-  if (descriptor == -1) return report(kNotOpened, file), false;
+  vel::platform::ReadableFile opened;
+  if (!isInput && opened.open(file, vel::platform::PipeWithoutWriter::Await) != 0)
+    return report(kNotOpened, file), false;
+  const int descriptor = isInput ? vel::platform::kStandardInput : opened.descriptor();
   // A terminal that shows the output has no place for a progress bar.
   const bool isShown = output_ == nullptr && vel::platform::isTerminal(vel::platform::kStandardOutput);
   const std::uint64_t expected = isShown ? 0 : vel::platform::bytesLeft(descriptor);
   if (expected > 0) progressStart(expected, file);
   const bool isRead = convertBytes(descriptor, output);
   progressStop();
-  if (!isInput) vel::platform::closeDescriptor(descriptor);
   if (!isRead) report(kNotRead, file);
   if (conversion_->getFaultCount() != 0) tellFirstFault(file);
   if (counts_) tellCounts(file);
@@ -138,14 +137,15 @@ bool Tool::convert(const char* file, OutputFile& output) {
 /// False when not everything could be read.
 bool Tool::convertBytes(int descriptor, OutputFile& output) {
   conversion_->restart();
-  std::int64_t size = 0;
+  std::size_t size = 0;
+  bool isRead = true;
   do {
-    size = vel::platform::readBytes(descriptor, chunk_.data(), chunk_.size());
-    if (size <= 0) break;
-    progressStep(static_cast<std::uint64_t>(size));
-  } while (conversion_->convert(chunk_.data(), static_cast<std::size_t>(size), output));
+    isRead = vel::platform::readBytes(descriptor, chunk_.data(), chunk_.size(), size) == 0;
+    if (!isRead || size == 0) break;
+    progressStep(size);
+  } while (conversion_->convert(chunk_.data(), size, output));
   conversion_->finish(output);
-  return size >= 0;
+  return isRead;
 }
 
 void Tool::tellFirstFault(const char* file) const {

@@ -7,12 +7,10 @@
 
 namespace vel::veldump {
 
-ByteSource::ByteSource(const char* name)
-    : descriptor_(name == nullptr ? platform::kStandardInput
-                                  : platform::openForReading(name, platform::PipeWithoutWriter::Await)) {}
-
-ByteSource::~ByteSource() {
-  if (descriptor_ > platform::kStandardInput) platform::closeDescriptor(descriptor_);
+ByteSource::ByteSource(const char* name) {
+  if (name == nullptr) return;
+  file_.open(name, platform::PipeWithoutWriter::Await);
+  descriptor_ = file_.descriptor();
 }
 
 bool ByteSource::narrow(const Range& range) {
@@ -38,11 +36,11 @@ std::uint64_t ByteSource::expectedBytes() const {
 std::size_t ByteSource::read(void* buffer, std::size_t capacity) {
   const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(left_, capacity));
   if (wanted == 0 || failed_) return 0;
-  const std::int64_t count = platform::readBytes(descriptor_, buffer, wanted);
-  failed_ = count < 0;
+  std::size_t size = 0;
+  failed_ = platform::readBytes(descriptor_, buffer, wanted, size) != 0;
   if (failed_) return 0;
-  left_ -= static_cast<std::uint64_t>(count);
-  return static_cast<std::size_t>(count);
+  left_ -= size;
+  return size;
 }
 
 }  // namespace vel::veldump

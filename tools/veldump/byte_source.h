@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <limits>
 
+#include "platform/byte_files.h"
+
 namespace vel::veldump {
 
 struct Range {
@@ -18,9 +20,9 @@ class ByteSource {
   explicit ByteSource(const char* name);
   ByteSource(const ByteSource&) = delete;
   ByteSource& operator=(const ByteSource&) = delete;
-  ~ByteSource();
+  ~ByteSource() = default;
 
-  bool isOpen() const { return descriptor_ != -1; }
+  bool isOpen() const { return file_.isOpen() || descriptor_ == platform::kStandardInput; }
   /// Whether a read failed, which then looked like the end.
   bool hasFailed() const { return failed_; }
   /// Leaves out what is before the range and behind it. False when the bytes end before it.
@@ -31,7 +33,8 @@ class ByteSource {
   std::size_t read(void* buffer, std::size_t capacity);
 
  private:
-  int descriptor_;
+  platform::ReadableFile file_;
+  int descriptor_ = platform::kStandardInput;
   bool failed_ = false;
   std::uint64_t left_ = Range().length;
 };

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "platform/byte_files.h"
-#include "platform/platform.h"
 #include "tools/catalog_tool.h"
 #include "tools/run_tool.h"
 #include "tools/standard_switches.h"
@@ -30,7 +29,7 @@ constexpr std::uint64_t kDefaultLimit = std::uint64_t{1} << 30;
 constexpr std::size_t kChunkSize = std::size_t{64} * 1024;
 
 bool writeToStandardOutput(const char* bytes, std::size_t size) {
-  return vel::platform::writeBytes(vel::platform::kStandardOutput, bytes, size);
+  return vel::platform::writeBytes(vel::platform::kStandardOutput, bytes, size) == 0;
 }
 
 /// The console user interface with the tool's own texts.

@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/platform.h"
+#include "platform/descriptors.h"
+#include "platform/ending_signals.h"
 #include "tools/catalog_tool.h"
 #include "tools/run_tool.h"
 #include "tools/standard_switches.h"

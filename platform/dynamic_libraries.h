@@ -1,0 +1,27 @@
+// Finding, loading and using dynamic libraries.
+#pragma once
+
+#include <cstddef>
+
+#include "platform/system_error.h"
+
+namespace vel::platform {
+
+using Procedure = int (*)();
+
+/// Writes the full path of a library given without directory, NUL-terminated. Windows: the system's search.
+/// POSIX: the program's directory, the current directory, then PATH; "x.DLL" is looked for as given, then as
+/// "x.so" and "libx.so". Returns whether it was found and fits.
+bool searchLibrary(const char* name, char* out, std::size_t capacity) noexcept;
+/// Loads a library; POSIX tries the same three names. The user is never asked about a file that is not a
+/// library.
+NativeError loadLibrary(const char* name, void*& library) noexcept;
+/// The same for an ASCII name without directory that is looked for only where libraries are installed, never
+/// in the current directory or along PATH. Windows: the folder of this library, that of the program, the
+/// system's.
+NativeError loadInstalledLibrary(const char* name, void*& library) noexcept;
+/// Returns null if the library has no procedure of this name.
+Procedure findProcedure(void* library, const char* name) noexcept;
+void freeLibrary(void* library) noexcept;
+
+}  // namespace vel::platform

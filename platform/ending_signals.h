@@ -1,0 +1,14 @@
+// The signals by which users and systems end programs.
+#pragma once
+
+#include <cstdint>
+
+namespace vel::platform {
+
+/// Blocks SIGHUP, SIGINT and SIGTERM for this thread, for a moment that must not be interrupted. Returns the
+/// set to release, 0 for none; Windows has no such signals.
+std::uint32_t holdEndingSignals() noexcept;
+/// Unblocks them; signals that arrived meanwhile take effect.
+void releaseEndingSignals(std::uint32_t held) noexcept;
+
+}  // namespace vel::platform
