@@ -15,12 +15,6 @@ namespace {
 using vel::codepage::Kernels;
 using vel::codepage::Progress;
 
-std::vector<const Kernels*> kernelTables() {
-  std::vector<const Kernels*> tables{&vel::codepage::kPortableKernels};
-  if (vel::codepage::vectorKernels() != nullptr) tables.push_back(vel::codepage::vectorKernels());
-  return tables;
-}
-
 TEST(Kernels, LookUpEveryByteInEverySize) {
   std::mt19937 random(3);
   std::uint16_t table[256];

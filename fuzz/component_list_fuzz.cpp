@@ -69,8 +69,7 @@ void step(fuzz::Bytes& input, VelClTraceFilter& filter, Components& components) 
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  fuzz::Bytes input(data, size);
+void fuzz::run(fuzz::Bytes input) {
   VelClTraceFilter filter;
   filter.disableAllComponentIds();
   static Components components;
@@ -78,7 +77,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   while (!input.atEnd()) step(input, filter, components);
   components[0] = true;
   for (unsigned int id = 0; id < 600; ++id)
-    fuzz::require(filter.matchesCompId(static_cast<unsigned short>(id)) == components[id]);
-  fuzz::require(!filter.matchesCompId(65535) && filter.usesCompIdFilter() == (components.count() < 256));
-  return 0;
+    require(filter.matchesCompId(static_cast<unsigned short>(id)) == components[id]);
+  require({!filter.matchesCompId(65535), filter.usesCompIdFilter() == (components.count() < 256)});
 }

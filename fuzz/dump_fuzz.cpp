@@ -50,7 +50,7 @@ bool parse(std::string_view text, OutputBuffer& output, std::uint64_t repeatable
     isDump = parser.takeLine(text.substr(begin, end - begin)) && isDump;
     begin = end + 1;
   }
-  require(repeatable <= limit && written.size() <= text.size() + limit);
+  require({repeatable <= limit, written.size() <= text.size() + limit});
   return isDump && parser.canEnd();
 }
 
@@ -96,8 +96,7 @@ bool writeBytes(int, const void* data, std::size_t size) noexcept {
 
 }  // namespace vel::platform
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  fuzz::Bytes input(data, size);
+void fuzz::run(fuzz::Bytes input) {
   const std::uint64_t option = input.number();
   std::vector<std::uint8_t> bytes(input.rest().begin(), input.rest().end());
   const std::string text(bytes.begin(), bytes.end());
@@ -108,5 +107,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   else
     requireRoundTrip<vel::util::HexForm>(bytes, option << (option % 8 * 7), velDumpHex);
   requireRoundTrip<vel::util::BinaryForm>(bytes, option << (option % 8 * 7), velDumpBin);
-  return 0;
 }

@@ -1,4 +1,4 @@
-// Loads any bytes with any delimiter and asks every question about what came of them. The input is a byte of
+// Loads any bytes with any delimiter and makes every query about the model. The input is a byte of
 // options, the delimiter, and the bytes.
 #include <cstring>
 #include <sstream>
@@ -13,7 +13,7 @@ namespace {
 using fuzz::require;
 
 bool decide(const _VelStError& error, unsigned int line, void* errorsLeft) {
-  require(line > 0 && error.errorClass == VelEnErrorClass::USER_DATA_ERROR);
+  require({line > 0, error.errorClass == VelEnErrorClass::USER_DATA_ERROR});
   return --*static_cast<int*>(errorsLeft) != 0;
 }
 
@@ -36,38 +36,33 @@ void askForOption(const VelClIniFile& file, const VelClIniFileSection& section, 
   unsigned long magnitude = 0;
   char c = 0;
   bool truth = false;
-  require(file.getOption(name, text) && text == first->getValue());
-  require(file.getOption(name, number) && file.getOption(name, magnitude) && file.getOption(name, c) &&
-          file.getOptionBool(name, truth));
+  require({file.getOption(name, text), text == first->getValue(), file.getOption(name, number),
+           file.getOption(name, magnitude), file.getOption(name, c), file.getOptionBool(name, truth)});
 }
 
 void askForSection(const VelClIniFile& file, const VelClIniFileSection& section) {
   require(std::strlen(section.getName()) <= VelClIniFileSection::kMaxNameLength);
   for (const auto* option = section.getFirstOption(); option != nullptr; option = option->getNext()) {
-    const std::size_t name = std::strlen(option->getName());
-    const std::size_t value = std::strlen(option->getValue());
-    const std::size_t comment = std::strlen(option->getComment());
-    require(name + value + comment + 3 <= 1025);
+    const std::string texts = std::string(option->getName()) + option->getValue() + option->getComment();
+    require(texts.size() + 3 <= 1025);
     askForOption(file, section, option->getName());
   }
 }
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size < 2) return 0;
-  const auto options = static_cast<unsigned int>(data[0]);
-  const auto delimiter = static_cast<char>(data[1]);
-  const auto* const bytes = reinterpret_cast<const char*>(data) + 2;
+void fuzz::run(fuzz::Bytes input) {
+  const unsigned int options = input.number();
+  const auto delimiter = static_cast<char>(input.number());
+  const std::string_view bytes = input.rest();
   int errorsLeft = static_cast<int>(options >> 3);
   VelClIniFile file("unused");
   if ((options & 4) != 0) file.setErrorHandler(decide, &errorsLeft);
   const bool isWhole =
-      file.loadFromBuffer(bytes, size - 2, delimiter, (options & 1) != 0, (options & 2) != 0);
+      file.loadFromBuffer(bytes.data(), bytes.size(), delimiter, (options & 1) != 0, (options & 2) != 0);
   require(isWhole == ((options & 4) == 0 || errorsLeft != 0 || options >> 3 == 0));
-  const unsigned int lines = linesIn(std::string(bytes, size - 2), delimiter);
+  const unsigned int lines = linesIn(std::string(bytes), delimiter);
   require(isWhole ? file.getLineCount() == lines : file.getLineCount() <= lines);
   for (const auto* section = file.getFirstSection(); section != nullptr; section = section->getNext())
     askForSection(file, *section);
-  return 0;
 }

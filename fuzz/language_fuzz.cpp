@@ -51,13 +51,12 @@ fuzz::Text written(const VelClLanguage& language, void (VelClLanguage::*extract)
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  fuzz::Bytes bytes(data, size);
+void fuzz::run(fuzz::Bytes bytes) {
   const fuzz::Text tag = bytes.text();
   const VelClLanguage language(tag);
   require(language.asNumber() == numberOf(tag.view()));
   const VelClLanguage copy(language.asNumber());
-  require(copy.getLanguage() == language.getLanguage() && copy.getTerritory() == language.getTerritory());
+  require({copy.getLanguage() == language.getLanguage(), copy.getTerritory() == language.getTerritory()});
   const fuzz::Text shortCode = written(language, &VelClLanguage::extractShortCode, 7);
   const fuzz::Text isoCode = written(language, &VelClLanguage::extractISOShortCode, 7);
   written(language, &VelClLanguage::extractLongCode, 8);
@@ -70,5 +69,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require((VelClLanguage::getTerritoryIdNumber(any) == -1) ==
           (any >= VelClLanguage::getNumberOfTerritoriesSupported()));
   require(VelClLanguage::getLanguageName(any) != nullptr);
-  return 0;
 }

@@ -40,14 +40,10 @@ std::string orDefault(const std::optional<std::string>& line, const std::string&
 }
 
 std::optional<std::int32_t> numberOf(const std::string& answer) {
-  const bool isNegative = answer.starts_with('-');
-  std::int64_t number = 0;
-  std::size_t at = isNegative ? 1 : 0;
-  if (at == answer.size() || answer[at] < '0' || answer[at] > '9') return std::nullopt;
-  for (; at < answer.size() && answer[at] >= '0' && answer[at] <= '9'; ++at)
-    number = std::min(number * 10 + (answer[at] - '0'), std::int64_t{1} << 40);
-  return static_cast<std::int32_t>(
-      std::clamp<std::int64_t>(isNegative ? -number : number, INT32_MIN, INT32_MAX));
+  const std::size_t sign = answer.starts_with('-') ? 1 : 0;
+  if (answer.find_first_of("0123456789") != sign) return std::nullopt;
+  const long long number = std::strtoll(answer.c_str(), nullptr, 10);
+  return static_cast<std::int32_t>(std::clamp<long long>(number, INT32_MIN, INT32_MAX));
 }
 
 std::int32_t expectedNumber(Typed& typed, std::int32_t minimum, std::int32_t maximum,
@@ -64,16 +60,8 @@ bool expectedDecision(Typed& typed, bool otherwise) {
   for (;;) {
     const std::optional<std::string> line = typed.line();
     if (!line) return otherwise;
-    switch (orDefault(line, otherwise ? "Y" : "N")[0]) {
-      case 'Y':
-      case 'y':
-        return true;
-      case 'N':
-      case 'n':
-        return false;
-      default:
-        break;
-    }
+    const std::size_t letter = std::string_view("YyNn").find(orDefault(line, otherwise ? "Y" : "N")[0]);
+    if (letter != std::string_view::npos) return letter < 2;
   }
 }
 
@@ -144,14 +132,12 @@ const VelClConsoleUI& userInterface() {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  fuzz::Bytes input(data, size);
-  const fuzz::Text options = input.text(), question = input.text(), otherwise = input.text();
+void fuzz::run(fuzz::Bytes input) {
+  const Text options = input.text(), question = input.text(), otherwise = input.text();
   const Streams streams(input.rest());
   Typed typed(input.rest());
   const VelClConsoleUI& ui = userInterface();
   ui.getParams().setInput("");
   for (const char option : options.view().substr(0, 100))
     ask(ui, static_cast<unsigned char>(option), question, otherwise, typed);
-  return 0;
 }
