@@ -8,7 +8,7 @@
 #include <string>
 
 #include "codepage/test/mapping_file.h"
-#include "codepage/test/outcome.h"
+#include "codepage/test/strict_run.h"
 
 namespace {
 
@@ -36,17 +36,17 @@ TEST(SingleByteTables, HoldThePublishedMappings) {
     const VelClCodePage2UnicodeConverter converter{ccsid(mapping.ccsid)};
     // 838 is not EBCDIC by its properties: its NEL stays.
     const bool foldsNextLine = mapping.isEbcdic && mapping.ccsid != 838;
-    // Every byte at every place of a block.
-    for (unsigned int shift = 0; shift < 67; shift += 11) {
-      std::string source;
-      std::u16string expected;
-      for (unsigned int i = 0; i < 256 + shift; ++i) {
-        const unsigned int byte = (i * 3 + shift) % 256;
-        source += static_cast<char>(byte);
-        expected += unitFor(mapping.bytes[byte], foldsNextLine);
-      }
-      EXPECT_EQ(convert(converter, source, source.size() * 2), (Outcome{unitBytes(expected), source.size()}));
+    std::string source;
+    std::u16string expected;
+    for (unsigned int byte = 0; byte < 256; ++byte) {
+      source += static_cast<char>(byte);
+      expected += unitFor(mapping.bytes[byte], foldsNextLine);
     }
+    EXPECT_EQ(convert(converter, source, 512), (Outcome{unitBytes(expected), 256}));
+    VelClStrictConversion strict(ccsid(mapping.ccsid), ccsid(13488),
+                                 VelClStrictConversion::VelEnPolicy::REPLACE);
+    strict.setNextLineFolding(foldsNextLine);
+    EXPECT_EQ(convertInPieces(strict, source, {}).bytes, unitBytes(expected));
   }
   EXPECT_EQ(numbers.size(), 49U);
   for (int number = 0; number < 0x10000; ++number)
@@ -126,6 +126,10 @@ TEST(ReverseTables, HoldThePublishedMappings) {
     }
     const VelClUnicode2CodePageConverter converter{ccsid(number)};
     EXPECT_EQ(convert(converter, unitBytes(source), expected.size()), (Outcome{expected, 0x20000})) << number;
+    // To a strict conversion surrogates are no units of their own.
+    VelClStrictConversion strict(ccsid(13488), ccsid(number), VelClStrictConversion::VelEnPolicy::REPLACE);
+    EXPECT_EQ(convertInPieces(strict, unitBytes(source.substr(0, 0xD800)), {}).bytes,
+              expected.substr(0, 0xD800));
   }
   for (const unsigned int number : {0U, 37U, 499U, 501U, 819U, 851U, 1252U})
     EXPECT_EQ(velGetUCS2toSBCSTable(number), nullptr) << number;

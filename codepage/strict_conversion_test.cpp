@@ -125,26 +125,4 @@ TEST(StrictConversion, WritesOnlyWhatComesBack) {
   }
 }
 
-/// Of the converters' own results.
-TEST(StrictConversion, AgreesWithTheConverters) {
-  std::string bytes;
-  for (std::uint32_t i = 0; i < 65'536; ++i) bytes += static_cast<char>(i * 2654435761U >> 13);
-  for (const int number : {37, 273, 420, 437, 500, 819, 838, 850, 1250, 13121}) {
-    const VelClCodePage2UnicodeConverter converter{ccsid(number)};
-    Conversion conversion(ccsid(number), ccsid(13488), Policy::REPLACE);
-    conversion.setNextLineFolding(true);
-    EXPECT_EQ(convertInPieces(conversion, bytes, {}).bytes, convert(converter, bytes, bytes.size() * 2).bytes)
-        << number;
-  }
-  for (const int number : {500, 850}) {
-    const VelClUnicode2CodePageConverter converter{ccsid(number)};
-    Conversion conversion(ccsid(13488), ccsid(number), Policy::REPLACE);
-    std::u16string units;
-    for (unsigned int unit = 0; unit < 0xD800; ++unit) units += static_cast<char16_t>(unit);
-    EXPECT_EQ(convertInPieces(conversion, unitBytes(units), {}).bytes,
-              convert(converter, unitBytes(units), units.size()).bytes)
-        << number;
-  }
-}
-
 }  // namespace

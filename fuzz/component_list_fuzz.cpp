@@ -1,5 +1,4 @@
-// Lists and sets of components beside a plain set of numbers. The input is steps: an option, then a list, or
-// two numbers.
+// Lists of components, one after the other, beside a plain set of numbers.
 #include <bitset>
 
 #include "fuzz/bytes.h"
@@ -7,11 +6,7 @@
 
 namespace {
 
-using Components = std::bitset<0x10000>;
-
-void set(Components& components, std::uint64_t from, std::uint64_t to, bool isIn) {
-  for (; from <= std::min<std::uint64_t>(to, 255); ++from) components[from] = isIn;
-}
+using Components = std::bitset<600>;
 
 /// Digits from `at` on, at most 32 bits.
 std::uint64_t numberAt(std::string_view item, std::size_t& at) {
@@ -34,8 +29,9 @@ void applyItem(Components& components, std::string_view item) {
     inRange = inRange || item[at] == '.';
     ++at;
   }
-  if (from != 0)
-    set(components, from, to == 0 ? from : to, sign == std::string_view::npos || item[sign] == '+');
+  if (to == 0) to = from;
+  for (; from != 0 && from <= std::min<std::uint64_t>(to, 255); ++from)
+    components[from] = sign == std::string_view::npos || item[sign] == '+';
 }
 
 void applyList(Components& components, std::string_view list) {
@@ -44,39 +40,18 @@ void applyList(Components& components, std::string_view list) {
   if (end != std::string_view::npos) applyList(components, list.substr(end + 1));
 }
 
-void step(fuzz::Bytes& input, VelClTraceFilter& filter, Components& components) {
-  const unsigned int option = input.number();
-  const bool isIn = (option & 4) != 0;
-  if ((option & 3) == 0) {
-    const fuzz::Text list = input.text();
-    filter.enableComponentIds(list);
-    return applyList(components, list.view());
-  }
-  // Beyond the last component, too.
-  const auto from = static_cast<unsigned short>(input.number() + (option & 8) * 32);
-  const auto to = static_cast<unsigned short>(input.number() + (option & 16) * 4000);
-  if ((option & 3) == 1) {
-    isIn ? filter.enableComponentId(from) : filter.disableComponentId(from);
-    set(components, from, from, isIn);
-  } else if ((option & 3) == 2) {
-    isIn ? filter.enableComponentIdSet(from, to) : filter.disableComponentIdSet(from, to);
-    set(components, from, to, isIn);
-  } else {
-    filter.setComponentIdSet(from, to, isIn);
-    if (from != 0) set(components, from, to == 0 ? from : to, isIn);
-  }
-}
-
 }  // namespace
 
 void fuzz::run(fuzz::Bytes input) {
   VelClTraceFilter filter;
   filter.disableAllComponentIds();
-  static Components components;
-  components.reset();
-  while (!input.atEnd()) step(input, filter, components);
+  Components components;
+  for (const Text& list : input.texts()) {
+    filter.enableComponentIds(list);
+    applyList(components, list.view());
+  }
   components[0] = true;
-  for (unsigned int id = 0; id < 600; ++id)
-    require(filter.matchesCompId(static_cast<unsigned short>(id)) == components[id]);
+  for (unsigned short id = 0; id < components.size(); ++id)
+    require(filter.matchesCompId(id) == components[id]);
   require({!filter.matchesCompId(65535), filter.usesCompIdFilter() == (components.count() < 256)});
 }

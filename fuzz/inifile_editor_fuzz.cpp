@@ -38,16 +38,15 @@ bool isSmall(const Input& input) {
 }
 
 void setValue(VelClIniFileEditor& editor, const Input& input, bool allowContinuation) {
+  const VelClIniFile& before = editor.getIniFile();
+  const bool hadSection = before.getExistingSection(input.section.c_str()) != nullptr;
+  const VelClIniFileOption* const old = findOption(before, input.section, input.option);
+  const bool wasThere = old != nullptr;
+  const auto rest = modelOf(before, old);
+  if (!editor.setValue(input.section.c_str(), input.option.c_str(), input.value.c_str()))
+    return require({!wasThere || !isSmall(input), textOf(editor) == input.text});
   const VelClIniFile& file = editor.getIniFile();
-  const bool hadSection = file.getExistingSection(input.section.c_str()) != nullptr;
-  const VelClIniFileOption* option = findOption(file, input.section, input.option);
-  const bool wasThere = option != nullptr;
-  const auto rest = modelOf(file, option);
-  if (!editor.setValue(input.section.c_str(), input.option.c_str(), input.value.c_str())) {
-    require(!wasThere || !isSmall(input));
-    return require(textOf(editor) == input.text);
-  }
-  option = findOption(file, input.section, input.option);
+  const VelClIniFileOption* const option = findOption(file, input.section, input.option);
   require(option != nullptr);
   require(option->getValue() == input.value);
   if (hadSection) require(modelOf(file, option) == rest);
