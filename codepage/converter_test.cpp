@@ -127,9 +127,8 @@ TEST(Converter, KnowsTheSystemsCodePage) {
   ASSERT_NE(system.getAsInt(), 0);
   const VelClUnicode2CodePageConverter converter{system};
   ASSERT_TRUE(converter.isSupported());
-  const Outcome outcome = convert(converter, unitBytes(u"abc"), 8);
-  EXPECT_EQ(outcome.bytes, "abc");
-  EXPECT_EQ(outcome.errorId, static_cast<std::uint32_t>(VEL_NO_ERROR));
+  EXPECT_EQ(convert(converter, unitBytes(u"abc"), 8).bytes, "abc");
+  EXPECT_EQ(converter.getLastError().getErrorId(), static_cast<unsigned long>(VEL_NO_ERROR));
 }
 
 /// Runs one conversion function as a converter would.

@@ -64,9 +64,7 @@ std::string mixedBytes(std::mt19937& random, std::size_t size) {
   std::string bytes;
   while (bytes.size() < size) {
     const auto kind = random() % 20;
-    if (kind == 0) bytes += '\x0E';
-    if (kind == 1) bytes += '\x0F';
-    bytes += static_cast<char>(kind < 12 ? 0x40 + random() % 0xBE : random() % 256);
+    bytes += static_cast<char>(kind < 2 ? 0x0E + kind : kind < 12 ? 0x40 + random() % 0xBE : random() % 256);
   }
   return bytes;
 }

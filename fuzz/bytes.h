@@ -7,23 +7,21 @@
 #include <cstdio>
 #include <cstdlib>
 #include <initializer_list>
-#include <source_location>
 #include <string_view>
 #include <vector>
 
 namespace fuzz {
 
 /// Ends the run when a condition does not hold, and tells which.
-inline void require(std::initializer_list<bool> conditions,
-                    std::source_location place = std::source_location::current()) {
+inline void require(std::initializer_list<bool> conditions, const char* file = __builtin_FILE(),
+                    int line = __builtin_LINE()) {
   const auto* const failed = std::ranges::find(conditions, false);
   if (failed == conditions.end()) return;
-  std::fprintf(stderr, "%s:%u: condition %d does not hold\n", place.file_name(), place.line(),
-               static_cast<int>(failed - conditions.begin()) + 1);
+  std::fprintf(stderr, "%s:%d: condition %td does not hold\n", file, line, failed - conditions.begin() + 1);
   std::abort();
 }
-inline void require(bool condition, std::source_location place = std::source_location::current()) {
-  require({condition}, place);
+inline void require(bool condition, const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
+  require({condition}, file, line);
 }
 
 /// NUL-terminated, in a block of exactly its size, so that a step out of it is seen.
