@@ -17,7 +17,8 @@ inline void require(std::initializer_list<bool> conditions, const char* file = _
                     int line = __builtin_LINE()) {
   const auto* const failed = std::ranges::find(conditions, false);
   if (failed == conditions.end()) return;
-  std::fprintf(stderr, "%s:%d: condition %td does not hold\n", file, line, failed - conditions.begin() + 1);
+  std::fprintf(stderr, "%s:%d: condition %d does not hold\n", file, line,
+               static_cast<int>(failed - conditions.begin()) + 1);
   std::abort();
 }
 inline void require(bool condition, const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
