@@ -6,11 +6,9 @@
 #include <string>
 #include <unordered_set>
 
-#include "codepage/icu_library.h"
+#include "codepage/test/loaded_icu.h"
 #include "codepage/test/outcome.h"
-#include "platform/dynamic_libraries.h"
-#include "vel_include/vel_process.h"
-#include "vel_include/vel_strict_conversion.h"
+#include "codepage/test/strict_run.h"
 
 namespace {
 
@@ -48,10 +46,8 @@ void* reallocate(const void*, void* block, std::size_t size) {
 
 // ---- ICU -------------------------------------------------------------------------------------
 
-void* library = nullptr;
-
 template <typename Function>
-Function* function(const char* name) {
+Function* function(void* library, const char* name) {
   for (int version = 0; version < 100; ++version) {
     const std::string full = name + (version == 0 ? "" : "_" + std::to_string(version));
     if (const Procedure found = velDllProcLoaderGetProcedure(library, full.c_str()))
@@ -60,33 +56,28 @@ Function* function(const char* name) {
   return nullptr;
 }
 
-/// The ICU that the library itself finds.
-void* loadIcu() {
-  vel::codepage::IcuFunctions functions{};
-  vel::codepage::bindIcu({[](const char* name) { return library = velDllProcLoaderOpen(name); },
-                          &velDllProcLoaderGetProcedure, &velDllProcLoaderClose},
-                         VEL_ICU_VERSION, functions);
-  return functions.open != nullptr ? library : nullptr;
-}
-
 using SetMemoryFunctions = void(const void* context, void* (*)(const void*, std::size_t),
                                 void* (*)(const void*, void*, std::size_t), void (*)(const void*, void*),
                                 std::int32_t* status);
 
+struct Pair {
+  int source, target;
+  const char* text;
+};
+
 class IcuMemory : public testing::Test {
  protected:
   void SetUp() override {
-    if (loadIcu() == nullptr) GTEST_SKIP() << "there is no ICU";
-    cleanUp_ = function<void()>("u_cleanup");
-    setMemory_ = function<SetMemoryFunctions>("u_setMemoryFunctions");
-    ASSERT_TRUE(cleanUp_ != nullptr && setMemory_ != nullptr);
+    if (icu_.library == nullptr) GTEST_SKIP() << "there is no ICU";
+    cleanUp_ = function<void()>(icu_.library, "u_cleanup");
+    setMemory_ = function<SetMemoryFunctions>(icu_.library, "u_setMemoryFunctions");
+    ASSERT_NE(cleanUp_, nullptr);
+    ASSERT_NE(setMemory_, nullptr);
     forget();
   }
 
   void TearDown() override {
     if (cleanUp_ != nullptr) cleanUp_();
-    velDllProcLoaderClose(library);
-    library = nullptr;
   }
 
   /// ICU loads everything anew the next time, but for its table of names: without memory for that it tells of
@@ -100,41 +91,16 @@ class IcuMemory : public testing::Test {
     velDeleteICUConverter(velGetICUConverter(kUtf8, error));
   }
 
-  /// Runs `operation` with each allocation failing, until none does any more.
-  template <typename Operation>
-  void exhaust(const std::string& name, Operation operation) {
-    for (const bool once : {true, false}) {
-      onlyOneFails = once;
-      int point = 1;
-      told_ = 0;
-      for (; point < kMost; ++point) {
-        allocations = 0;
-        failsFrom = point;
-        operation(name + ", allocation " + std::to_string(point) + (once ? " alone" : ""));
-        failsFrom = 0;
-        forget();
-        if (allocations < point) break;
-      }
-      EXPECT_GT(told_, 0) << name << " never misses memory";
-      EXPECT_LT(point, kMost) << name << " never ends";
-    }
-  }
-
-  static constexpr int kMost = 2000;
-  static constexpr unsigned int kUtf8 = 1208;
-  int told_ = 0;  ///< how often it was said that there was no memory
+  /// Converts each pair with each of ICU's allocations failing, until none does any more.
+  void exhaust(Outcome (*convertPair)(const Pair&));
 
  private:
+  static constexpr unsigned int kUtf8 = 1208;
+  LoadedIcu icu_;
   void (*cleanUp_)() = nullptr;
   SetMemoryFunctions* setMemory_ = nullptr;
 };
 
-// ---- Conversions -----------------------------------------------------------------------------
-
-struct Pair {
-  int source, target;
-  const char* text;
-};
 // Single bytes, lead bytes, shifts, four bytes, three bytes, and pages that ICU makes of several converters.
 constexpr Pair kPairs[] = {{1047, 1051, "\xC1\xC2"},     {1208, 943, "A\xE3\x81\x82"},
                            {943, 1208, "A\x82\xA0"},     {930, 1399, "\xC1\x0E\x44\x81\x0F"},
@@ -142,55 +108,53 @@ constexpr Pair kPairs[] = {{1047, 1051, "\xC1\xC2"},     {1208, 943, "A\xE3\x81\
                            {1208, 65502, "A\xD0\x96"},   {65502, 1208, "A"},
                            {1208, 5054, "A\xE3\x81\x82"}};
 
-std::string nameOf(const Pair& pair) {
-  return std::to_string(pair.source) + " to " + std::to_string(pair.target);
-}
-
-std::string convertStrictly(const Pair& pair) {
-  struct : VelClConversionSink {
-    std::string text;
-    void write(const char* bytes, std::size_t size) override { text.append(bytes, size); }
-  } sink;
-  VelClStrictConversion conversion{ccsid(pair.source), ccsid(pair.target)};
-  const std::string text = pair.text;
-  conversion.convert(text.data(), text.size(), sink);
-  conversion.finish(sink);
-  return (conversion.isSupported() ? "" : "no way: ") + sink.text + ", " +
-         std::to_string(conversion.getFaultCount()) + " faults";
+void IcuMemory::exhaust(Outcome (*convertPair)(const Pair&)) {
+  constexpr int kMost = 2000;
+  for (const Pair& pair : kPairs) {
+    SCOPED_TRACE(std::to_string(pair.source) + " to " + std::to_string(pair.target));
+    const Outcome expected = convertPair(pair);
+    ASSERT_EQ(expected.errorId, static_cast<std::uint32_t>(VEL_NO_ERROR));
+    forget();
+    for (const bool once : {true, false}) {
+      onlyOneFails = once;
+      int told = 0, point = 1;
+      for (; point < kMost; ++point) {
+        allocations = 0;
+        failsFrom = point;
+        const Outcome outcome = convertPair(pair);
+        failsFrom = 0;
+        if (outcome.errorClass == VelEnErrorClass::OUT_OF_MEMORY)
+          ++told;
+        else
+          EXPECT_EQ(outcome, expected) << "allocation " << point << (once ? " alone" : "");
+        forget();
+        if (allocations < point) break;
+      }
+      EXPECT_GT(told, 0) << "never misses memory";
+      EXPECT_LT(point, kMost) << "never ends";
+    }
+  }
 }
 
 TEST_F(IcuMemory, IsMissedByStrictConversions) {
-  for (const Pair& pair : kPairs) {
-    const std::string expected = convertStrictly(pair);
-    ASSERT_TRUE(expected.ends_with(", 0 faults") && !expected.starts_with("no way")) << nameOf(pair);
-    forget();
-    exhaust(nameOf(pair), [&](const std::string& what) {
-      try {
-        EXPECT_EQ(convertStrictly(pair), expected) << what;
-      } catch (const VelClExceptionFatal& exception) {
-        EXPECT_EQ(exception.getClass(), VelEnErrorClass::OUT_OF_MEMORY) << what;
-        ++told_;
-      }
-    });
-  }
+  exhaust([](const Pair& pair) {
+    try {
+      VelClStrictConversion conversion{ccsid(pair.source), ccsid(pair.target)};
+      const StrictResult result = convertInPieces(conversion, pair.text, {});
+      const bool isClean = conversion.isSupported() && result.faults == "clean";
+      return Outcome{result.bytes, 0, isClean ? VEL_NO_ERROR : CPCONVERTER_UNSUPPORTED};
+    } catch (const VelClExceptionFatal& exception) {
+      return Outcome{"", 0, static_cast<std::uint32_t>(exception.getId()), exception.getClass()};
+    }
+  });
 }
 
 TEST_F(IcuMemory, IsMissedByConverters) {
-  for (const Pair& pair : kPairs) {
-    const auto run = [&pair] {
-      const VelClCodePage2CodePageConverter converter{ccsid(pair.source), ccsid(pair.target)};
-      if (converter.isSupported()) return convert(converter, pair.text, 64);
-      return Outcome{"no way", 0, converter.getLastError().errorId, converter.getLastError().errorClass};
-    };
-    const Outcome expected = run();
-    forget();
-    exhaust(nameOf(pair), [&](const std::string& what) {
-      const Outcome outcome = run();
-      const bool isTold = outcome.errorClass == VelEnErrorClass::OUT_OF_MEMORY;
-      EXPECT_TRUE(outcome == expected || isTold) << what << ": " << testing::PrintToString(outcome);
-      told_ += isTold ? 1 : 0;
-    });
-  }
+  exhaust([](const Pair& pair) {
+    const VelClCodePage2CodePageConverter converter{ccsid(pair.source), ccsid(pair.target)};
+    if (converter.isSupported()) return convert(converter, pair.text, 64);
+    return Outcome{"", 0, converter.getLastError().errorId, converter.getLastError().errorClass};
+  });
 }
 
 }  // namespace

@@ -7,11 +7,11 @@
 #include <set>
 
 #include "codepage/icu_calls.h"
+#include "codepage/test/loaded_icu.h"
 #include "codepage/test/mapping_file.h"
 #include "codepage/test/outcome.h"
 #include "platform/test/iconv.h"
 #include "platform/test/table.h"
-#include "vel_include/vel_process.h"
 
 namespace {
 
@@ -22,19 +22,12 @@ using vel::codepage::IcuText;
 using Peer = std::function<std::optional<std::string>(const std::string& bytes)>;
 
 Peer icuPeer(const std::string& number) {
-  static IcuFunctions icu;
-  static std::unique_ptr<void, decltype(&velDllProcLoaderClose)> library(nullptr, &velDllProcLoaderClose);
-  static const bool isThere =
-      vel::codepage::bindIcu({[](const char* name) {
-                                library.reset(velDllProcLoaderOpen(name));
-                                return library.get();
-                              },
-                              &velDllProcLoaderGetProcedure, [](void*) { library.reset(); }},
-                             VEL_ICU_VERSION, icu);
+  static const LoadedIcu loaded;
+  static const IcuFunctions& icu = loaded.functions;
+  if (loaded.library == nullptr) return nullptr;
   std::int32_t status = 0;
   const void* const opened =
-      isThere ? vel::codepage::openIcuConverter(icu, static_cast<std::uint32_t>(std::stoul(number)), status)
-              : nullptr;
+      vel::codepage::openIcuConverter(icu, static_cast<std::uint32_t>(std::stoul(number)), status);
   if (opened == nullptr) return nullptr;
   const std::shared_ptr<const void> converter(opened,
                                               [](const void* it) { icu.close(const_cast<void*>(it)); });
@@ -54,24 +47,20 @@ unsigned int unitOf(const std::optional<std::string>& answer) {
   return static_cast<unsigned char>(answer->front()) + 256U * static_cast<unsigned char>(answer->back());
 }
 
-/// Our characters and their units: single bytes as they are, of a page of pairs the pairs, too.
+/// The page's characters and their units: single bytes as they are, of a page of pairs the pairs, too.
 std::map<std::string, unsigned int> charactersOf(const MappingFile& mapping) {
   std::map<std::string, unsigned int> characters;
-  bool isEbcdic = false;
-  const auto number = static_cast<unsigned int>(mapping.ccsid);
-  const VelStDoubleByteTable* const table = velGetDBCStoUCS2Table(number, isEbcdic);
-  const uint16_t* const singles = table != nullptr ? table->pages[1] : velGetSBCStoUCS2Table(number);
-  const auto hostOrder = [](unsigned int unit) { return unit >> 8 | (unit & 0xFF) << 8; };
+  const bool hasPairs = mapping.head.at("kind") == "dbcs";
   for (unsigned int byte = 0; byte < 256; ++byte) {
-    const bool isLead =
-        table != nullptr && (isEbcdic ? byte == 0x0E || byte == 0x0F : table->leadBytes[byte] != 0);
+    const bool isShift = hasPairs && mapping.isEbcdic && (byte == 0x0E || byte == 0x0F);
     // A page of nothing but pairs has no '@' or blank.
-    const bool hasSingles = hostOrder(singles[0x40]) != kUnmapped;
-    if (!isLead && hasSingles) characters[{static_cast<char>(byte)}] = hostOrder(singles[byte]);
-    if (table == nullptr || (isEbcdic ? byte < 0x40 || byte == 0xFF : !isLead)) continue;
+    const bool hasSingles = mapping.bytes[0x40] != kUnmapped;
+    if (!isShift && !mapping.isLead[byte] && hasSingles)
+      characters[{static_cast<char>(byte)}] = mapping.bytes[byte];
+    const bool canLead = mapping.isEbcdic ? byte >= 0x40 && byte != 0xFF : mapping.isLead[byte];
+    if (!hasPairs || !canLead) continue;
     for (unsigned int trail = 0x40; trail < 0xFF; ++trail)
-      characters[{static_cast<char>(byte), static_cast<char>(trail)}] =
-          hostOrder(table->pages[table->pageNumbers[byte] - 1][trail]);
+      characters[{static_cast<char>(byte), static_cast<char>(trail)}] = mapping.pairs[byte * 256 + trail];
   }
   return characters;
 }

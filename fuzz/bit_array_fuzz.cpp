@@ -46,7 +46,7 @@ struct Model {
 void requireEqual(const VelClBitArray& array, const Model& model) {
   std::ostringstream stream;
   array.write(stream);
-  require(stream.good() && stream.str() == model.written());
+  require({stream.good(), stream.str() == model.written()});
   require(array.getNumOfBits() == model.bitCount);
   std::size_t count = 0;
   for (std::size_t index = 0; index < model.bytes.size() * 8 + 9; ++index) {
@@ -67,14 +67,13 @@ void requireRoundTrip(const VelClBitArray& array, std::size_t size) {
   array.write(stream);
   if (array.getNumOfBits() / 8 != size / 8) return;
   copy.read(stream);
-  require(stream.good() && copy == array && sibling == array && array == copy);
+  require({stream.good(), copy == array, sibling == array, array == copy});
   require(copy.getNumOfBits() == array.getNumOfBits());
 }
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  fuzz::Bytes input(data, size);
+void fuzz::run(fuzz::Bytes input) {
   const std::size_t bits = input.number();
   VelClBitArray array(bits);
   Model model(bits);
@@ -91,5 +90,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       model.bytes[(model.bitCount - 1) / 8] =
           static_cast<char>(model.bytes[(model.bitCount - 1) / 8] | 1 << (model.bitCount - 1) % 8);
   }
-  return 0;
 }

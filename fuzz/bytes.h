@@ -1,22 +1,31 @@
-// What fuzz targets share: the check that ends a run, and an input that is taken apart from left to right.
+// What fuzz targets share: the check that ends a run, and an input that is parsed from left to right.
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 #include <string_view>
 #include <vector>
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-
 namespace fuzz {
 
-inline void require(bool holds) {
-  if (!holds) std::abort();
+/// Ends the run when a condition does not hold, and tells which.
+inline void require(std::initializer_list<bool> conditions, const char* file = __builtin_FILE(),
+                    int line = __builtin_LINE()) {
+  const auto* const failed = std::ranges::find(conditions, false);
+  if (failed == conditions.end()) return;
+  std::fprintf(stderr, "%s:%d: condition %d does not hold\n", file, line,
+               static_cast<int>(failed - conditions.begin()) + 1);
+  std::abort();
+}
+inline void require(bool condition, const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
+  require({condition}, file, line);
 }
 
-/// Terminated, in a block of exactly its size, so that a step out of it is seen.
+/// NUL-terminated, in a block of exactly its size, so that a step out of it is seen.
 struct Text : std::vector<char> {
   explicit Text(std::string_view text) : vector(text.size() + 1) {
     std::copy(text.begin(), text.end(), begin());
@@ -35,11 +44,17 @@ class Bytes {
     const std::string_view byte = take(std::min<std::size_t>(1, rest_.size()));
     return byte.empty() ? std::uint8_t{0} : static_cast<std::uint8_t>(byte[0]);
   }
-  /// Up to the next zero, which is passed.
+  /// Up to the next zero, which is consumed.
   Text text() {
     const std::string_view text = take(std::min(rest_.find('\0'), rest_.size()));
     number();
     return Text(text);
+  }
+  /// The texts up to the end.
+  std::vector<Text> texts() {
+    std::vector<Text> texts;
+    while (!atEnd()) texts.push_back(text());
+    return texts;
   }
   std::string_view rest() const { return rest_; }
 
@@ -52,5 +67,8 @@ class Bytes {
 
   std::string_view rest_;
 };
+
+/// Each target's own: one input.
+void run(Bytes input);
 
 }  // namespace fuzz

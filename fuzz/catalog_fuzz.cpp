@@ -35,7 +35,7 @@ void readBlock(const std::vector<std::uint8_t>& bytes) {
   for (MessageTable table{}, chosen{}; file.nextMessageTable(cursor, table);) {
     count += readTable(MessageResource(table.data, table.sizeInBytes));
     if (table.nameId == PortableExecutable::kMessageTableName && table.language <= 0xFFFF)
-      require(file.findMessageTable(table.language, chosen) && chosen.language == table.language);
+      require({file.findMessageTable(table.language, chosen), chosen.language == table.language});
   }
   require(count <= 64 * bytes.size() / 4);
 }
@@ -64,14 +64,14 @@ void readFile(const char* name, bool isLibrary) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static fuzz::InputFile file("DLL");
-  const std::vector<std::uint8_t> bytes(data, data + size);
+void fuzz::run(fuzz::Bytes input) {
+  static InputFile file("DLL");
+  const std::vector<std::uint8_t> bytes(input.rest().begin(), input.rest().end());
+  const std::size_t size = bytes.size();
   readTable(MessageResource(bytes.data(), bytes.size()));
   readBlock(bytes);
   for (const std::size_t end : {size - size / 4, size / 2, size - std::min<std::size_t>(size, 1)})
     readBeginning(bytes, end);
-  file.write({reinterpret_cast<const char*>(data), size});
+  file.write(input.rest());
   readFile(file.name(), PortableExecutable(bytes.data(), size).isValid());
-  return 0;
 }

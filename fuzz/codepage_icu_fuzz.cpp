@@ -23,8 +23,7 @@ std::optional<Outcome> tryConvert(const VelClConverterABase& converter, std::str
 /// that of a new converter.
 template <typename Converter, typename... Pages>
 void requireNoMemory(const fuzz::Input& input, std::string_view last, Pages... pages) {
-  const Converter used(VelClCCSID{pages}...);
-  const Converter unused(VelClCCSID{pages}...);
+  const Converter used(ccsid(pages)...), unused(ccsid(pages)...);
   const std::size_t room = input.room(input.source.size() * 2);
   tryConvert(used, input.source, room / 2);
   tryConvert(used, input.source.substr(0, input.source.size() / 2), room);
@@ -34,16 +33,15 @@ void requireNoMemory(const fuzz::Input& input, std::string_view last, Pages... p
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void fuzz::run(fuzz::Bytes bytes) {
   // Single bytes, double bytes with and without shifts, four bytes, escapes, and pages without ICU.
   constexpr int kPages[] = {943,  1392, 933,  949, 950,  964, 33722, 1399, 1390,
                             1388, 813,  1140, 932, 1383, 930, 37,    1047, 5};
-  const fuzz::Input input(data, size);
+  const fuzz::Input input(bytes);
   const int page = kPages[input.choice % std::size(kPages)];
   requireNoMemory<VelClCodePage2UnicodeConverter>(input, input.source, page);
   requireNoMemory<VelClCodePage2UTF8Converter>(input, input.source, page);
   // From Unicode ICU itself keeps in mind which of two substitutes the next unmapped character gets.
   requireNoMemory<VelClUnicode2CodePageConverter>(input, std::string_view("A\0a\0 \0001\0", 8), page);
   requireNoMemory<VelClCodePage2CodePageConverter>(input, "Aa 1", 1208, page);
-  return 0;
 }

@@ -27,8 +27,7 @@ std::vector<std::size_t> endsUpTo(std::size_t size, std::size_t longest) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  fuzz::Bytes bytes(data, size);
+void fuzz::run(fuzz::Bytes bytes) {
   const VelClCCSID source(kPages[bytes.number() % std::size(kPages)]);
   const VelClCCSID target(kPages[bytes.number() % std::size(kPages)]);
   const unsigned int options = bytes.number();
@@ -42,5 +41,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::require(convertInPieces(conversion, text, endsUpTo(text.size(), longest)) == whole);
   fuzz::require(convertInPieces(conversion, text, {text.size() / 2, text.size() / 2}) == whole);
   fuzz::require(convertInPieces(conversion, text, {}) == whole);
-  return 0;
 }

@@ -89,19 +89,16 @@ class Process : public VelClNewProcessABase {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  fuzz::Bytes input(data, size);
-  const fuzz::Text line = input.text();
+void fuzz::run(fuzz::Bytes input) {
+  const Text line = input.text();
   require(argumentsOf(line) == split(line.view()));
   static const VelClExeFile program("no such program");
   Process process(program);
   Texts expected = {"no such program.EXE"};
-  while (!input.atEnd()) {
-    const fuzz::Text text = input.text();
+  for (const Text& text : input.texts()) {
     if (!isKept(text.view())) continue;
     process.addArgument(text);
     expected.emplace_back(text.view());
   }
   require(argumentsOf(process.line()) == expected);
-  return 0;
 }

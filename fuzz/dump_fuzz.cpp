@@ -21,30 +21,20 @@ constexpr std::size_t kManyBytes = 24'000;
 /// What the buffer wrote.
 std::string written;
 
-bool write(const char* bytes, std::size_t size) {
+bool keep(const char* bytes, std::size_t size) {
   written.append(bytes, size);
   return true;
 }
 
-/// There is one: it is large.
-class Output : public OutputBuffer {
- public:
-  static Output& cleared() {
-    static Output output;
-    output.commit(output.begin_);
-    written.clear();
-    return output;
-  }
-  std::string text() {
-    flush();
-    return written;
-  }
-
- private:
-  Output() : OutputBuffer(write) {}
-
-  const char* begin_ = reserve(0);
-};
+/// What `write(output)` writes. There is one buffer: it is large.
+template <typename Write>
+std::string collect(Write write) {
+  static OutputBuffer output(keep);
+  written.clear();
+  write(output);
+  output.flush();
+  return written;
+}
 
 /// Whether all of the lines are a dump whose "*" stand for no more than `repeatable` bytes.
 bool parse(std::string_view text, OutputBuffer& output, std::uint64_t repeatable) {
@@ -56,17 +46,17 @@ bool parse(std::string_view text, OutputBuffer& output, std::uint64_t repeatable
     isDump = parser.takeLine(text.substr(begin, end - begin)) && isDump;
     begin = end + 1;
   }
-  require(repeatable <= limit && written.size() <= text.size() + limit);
+  require({repeatable <= limit, written.size() <= text.size() + limit});
   return isDump && parser.canEnd();
 }
 
 template <typename Form>
 std::string dumped(const std::vector<std::uint8_t>& bytes, std::uint64_t offset, bool squeeze) {
-  Output& output = Output::cleared();
-  vel::veldump::DumpWriter<Form> writer(output, offset, squeeze);
-  const std::size_t whole = writer.write(bytes.data(), bytes.size());
-  writer.finish(bytes.data() + whole, bytes.size() - whole);
-  return output.text();
+  return collect([&](OutputBuffer& output) {
+    vel::veldump::DumpWriter<Form> writer(output, offset, squeeze);
+    const std::size_t whole = writer.write(bytes.data(), bytes.size());
+    writer.finish(bytes.data() + whole, bytes.size() - whole);
+  });
 }
 
 template <typename Form>
@@ -75,9 +65,8 @@ void requireRoundTrip(const std::vector<std::uint8_t>& bytes, std::uint64_t offs
   const char* const data = reinterpret_cast<const char*>(bytes.data());
   for (const bool squeeze : {false, true}) {
     const std::string dump = dumped<Form>(bytes, offset, squeeze);
-    Output& output = Output::cleared();
-    require(parse(dump, output, bytes.size()));
-    require(output.text() == std::string(data, bytes.size()));
+    const std::string parsed = collect([&](auto& output) { require(parse(dump, output, bytes.size())); });
+    require(parsed == std::string(data, bytes.size()));
   }
   std::ostringstream stream;
   toStream(stream, data, bytes.size());
@@ -93,17 +82,15 @@ std::vector<std::uint8_t> repeated(const std::vector<std::uint8_t>& bytes) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  fuzz::Bytes input(data, size);
+void fuzz::run(fuzz::Bytes input) {
   const std::uint64_t option = input.number();
   std::vector<std::uint8_t> bytes(input.rest().begin(), input.rest().end());
   const std::string text(bytes.begin(), bytes.end());
-  parse(text, Output::cleared(), kMostRepeated);
+  collect([&](auto& output) { parse(text, output, kMostRepeated); });
   // Some become more than the buffer holds.
   if (option == 0x5A)
     bytes = repeated(bytes);
   else
     requireRoundTrip<vel::util::HexForm>(bytes, option << (option % 8 * 7), velDumpHex);
   requireRoundTrip<vel::util::BinaryForm>(bytes, option << (option % 8 * 7), velDumpBin);
-  return 0;
 }

@@ -1,47 +1,27 @@
-// Edits any text: one change leaves every other byte and every other option, the value comes back, and a
+// Edits any text: one change leaves every other byte and every other option, the value round-trips, and a
 // refusal changes nothing. The input is a byte of options, a section's name, an option's name and a value,
-// each terminated, and the text.
+// each NUL-terminated, and the text.
 #include <algorithm>
-#include <cstring>
-#include <string>
+#include <sstream>
 
 #include "fuzz/bytes.h"
-#include "vel_include/vel_inifile.h"
+#include "fuzz/ini_model.h"
 
 namespace {
 
+using fuzz::findOption;
+using fuzz::modelOf;
 using fuzz::require;
 
 struct Input {
-  std::string section;
-  std::string option;
-  std::string value;
-  std::string text;
+  std::string section, option, value, text;
 };
 
 std::string textOf(const VelClIniFileEditor& editor) {
   return {editor.getText(), editor.getLength()};
 }
 
-const VelClIniFileOption* find(const VelClIniFile& file, const Input& input) {
-  const VelClIniFileSection* const section = file.getExistingSection(input.section.c_str());
-  return section != nullptr ? file.getExistingOption(*section, input.option.c_str()) : nullptr;
-}
-
-/// Every section, and every option but one.
-std::string shown(const VelClIniFile& file, const VelClIniFileOption* without) {
-  std::string text;
-  for (const auto* section = file.getFirstSection(); section != nullptr; section = section->getNext()) {
-    text += std::string("[") + section->getName() + "]\n";
-    for (const auto* option = section->getFirstOption(); option != nullptr; option = option->getNext())
-      if (option != without)
-        text +=
-            std::string(option->getName()) + '\0' + option->getValue() + '\0' + option->getComment() + '\n';
-  }
-  return text;
-}
-
-/// What is left of a text between those of its bytes that another one begins and ends with as well.
+/// The bytes of `text` between the ones that both texts begin and end with.
 std::string difference(const std::string& text, const std::string& other) {
   const auto front = std::mismatch(text.begin(), text.end(), other.begin(), other.end());
   const auto back = std::mismatch(text.rbegin(), std::make_reverse_iterator(front.first), other.rbegin(),
@@ -51,78 +31,69 @@ std::string difference(const std::string& text, const std::string& other) {
 
 /// No limit of lines and options is near.
 bool isSmall(const Input& input) {
+  std::istringstream lines(input.text);
   std::size_t longest = 0;
-  for (std::size_t begin = 0; begin <= input.text.size();) {
-    const std::size_t end = std::min(input.text.find('\n', begin), input.text.size());
-    longest = std::max(longest, end - begin);
-    begin = end + 1;
-  }
+  for (std::string line; std::getline(lines, line);) longest = std::max(longest, line.size());
   return longest < 400 && input.value.size() < 100 && input.option.size() < 100;
 }
 
 void setValue(VelClIniFileEditor& editor, const Input& input, bool allowContinuation) {
-  const bool wasThere = find(editor.getIniFile(), input) != nullptr;
-  const bool hadSection = editor.getIniFile().getExistingSection(input.section.c_str()) != nullptr;
-  const std::string rest = shown(editor.getIniFile(), find(editor.getIniFile(), input));
-  if (!editor.setValue(input.section.c_str(), input.option.c_str(), input.value.c_str())) {
-    require(!wasThere || !isSmall(input));
-    require(textOf(editor) == input.text);
-    return;
-  }
-  const VelClIniFileOption* const changed = find(editor.getIniFile(), input);
-  require(changed != nullptr && changed->getValue() == input.value);
-  if (hadSection) require(shown(editor.getIniFile(), changed) == rest);
+  const VelClIniFile& before = editor.getIniFile();
+  const bool hadSection = before.getExistingSection(input.section.c_str()) != nullptr;
+  const VelClIniFileOption* const old = findOption(before, input.section, input.option);
+  const bool wasThere = old != nullptr;
+  const auto rest = modelOf(before, old);
+  if (!editor.setValue(input.section.c_str(), input.option.c_str(), input.value.c_str()))
+    return require({!wasThere || !isSmall(input), textOf(editor) == input.text});
+  const VelClIniFile& file = editor.getIniFile();
+  const VelClIniFileOption* const option = findOption(file, input.section, input.option);
+  require(option != nullptr);
+  require(option->getValue() == input.value);
+  if (hadSection) require(modelOf(file, option) == rest);
   const std::string text = textOf(editor);
   // A value changes within its line, but continuation lines go with it. Nothing that is added takes any away.
   if (!wasThere) require(difference(input.text, text).empty());
-  if (wasThere && !allowContinuation) {
-    require(difference(input.text, text).find('\n') == std::string::npos);
-    require(difference(text, input.text).find('\n') == std::string::npos);
-  }
+  if (wasThere && !allowContinuation)
+    require({difference(input.text, text).find('\n') == std::string::npos,
+             difference(text, input.text).find('\n') == std::string::npos});
   VelClIniFileEditor again("unused");
   again.loadFromBuffer(text.data(), text.size(), allowContinuation);
-  require(shown(again.getIniFile(), nullptr) == shown(editor.getIniFile(), nullptr));
+  require(modelOf(again.getIniFile()) == modelOf(file));
 }
 
-/// Every option that `source` has none of the names of.
-std::string shownWithout(const VelClIniFile& file, const VelClIniFile& source) {
-  std::string text;
-  for (const auto* section = file.getFirstSection(); section != nullptr; section = section->getNext()) {
-    const VelClIniFileSection* const merged = source.getExistingSection(section->getName());
-    for (const auto* option = section->getFirstOption(); option != nullptr; option = option->getNext())
-      if (merged == nullptr || source.getExistingOption(*merged, option->getName()) == nullptr)
-        text +=
-            std::string(option->getName()) + '\0' + option->getValue() + '\0' + option->getComment() + '\n';
-  }
-  return text;
+/// The options of which `source` has no name.
+std::vector<fuzz::IniOption> optionsWithout(const VelClIniFile& file, const VelClIniFile& source) {
+  std::vector<fuzz::IniOption> options;
+  for (const auto& section : modelOf(file))
+    for (const auto& option : section.options)
+      if (findOption(source, section.name, option.name) == nullptr) options.push_back(option);
+  return options;
 }
 
 /// The value is the text of the file to merge.
 void merge(VelClIniFileEditor& editor, const Input& input) {
   VelClIniFile source("unused");
   source.loadFromBuffer(input.value.data(), input.value.size(), '\n', true, true);
-  const std::string rest = shownWithout(editor.getIniFile(), source);
+  const auto rest = optionsWithout(editor.getIniFile(), source);
   if (!editor.merge(source)) return require(textOf(editor) == input.text);
-  require(shownWithout(editor.getIniFile(), source) == rest);
-  for (const auto* section = source.getFirstSection(); section != nullptr; section = section->getNext())
-    for (const auto* option = section->getFirstOption(); option != nullptr; option = option->getNext()) {
-      if (source.getExistingSection(section->getName()) != section ||
-          source.getExistingOption(*section, option->getName()) != option)
-        continue;
-      const auto* const found = find(editor.getIniFile(), {section->getName(), option->getName(), "", ""});
-      require(found != nullptr && std::strcmp(found->getValue(), option->getValue()) == 0);
+  require(optionsWithout(editor.getIniFile(), source) == rest);
+  for (const auto& section : modelOf(source))
+    for (const auto& option : section.options) {
+      const auto* const wanted = findOption(source, section.name, option.name);
+      if (wanted == nullptr) continue;
+      const auto* const merged = findOption(editor.getIniFile(), section.name, option.name);
+      require(merged != nullptr);
+      require(std::string_view(merged->getValue()) == wanted->getValue());
     }
 }
 
 void removeOption(VelClIniFileEditor& editor, const Input& input) {
-  const VelClIniFileOption* const option = find(editor.getIniFile(), input);
-  const std::string rest = shown(editor.getIniFile(), option);
-  if (editor.deleteOption(input.section.c_str(), input.option.c_str())) {
-    require(option != nullptr && shown(editor.getIniFile(), nullptr) == rest);
-  } else {
-    require(textOf(editor) == input.text);
-    require(option == nullptr || !isSmall(input));
-  }
+  const VelClIniFileOption* const option = findOption(editor.getIniFile(), input.section, input.option);
+  const bool wasThere = option != nullptr;
+  const auto rest = modelOf(editor.getIniFile(), option);
+  const bool isDone = editor.deleteOption(input.section.c_str(), input.option.c_str());
+  if (isDone) return require({wasThere, modelOf(editor.getIniFile()) == rest});
+  require({textOf(editor) == input.text, !wasThere || !isSmall(input)});
 }
 
 void changeSection(VelClIniFileEditor& editor, const Input& input, bool isAdded) {
@@ -132,14 +103,13 @@ void changeSection(VelClIniFileEditor& editor, const Input& input, bool isAdded)
   require(!isDone || wasThere != isAdded);
   const std::string text = textOf(editor);
   if (!isDone) return require(text == input.text);
-  // What is taken away, or added, is in one place.
+  // What is deleted, or added, is in one place.
   require((isAdded ? difference(input.text, text) : difference(text, input.text)).empty());
 }
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  fuzz::Bytes bytes(data, size);
+void fuzz::run(fuzz::Bytes bytes) {
   const unsigned int options = bytes.number();
   Input input;
   for (std::string* part : {&input.section, &input.option, &input.value}) *part = bytes.text();
@@ -149,16 +119,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   editor.loadFromBuffer(input.text.data(), input.text.size(), allowContinuation);
   switch (options & 3) {
     case 0:
-      setValue(editor, input, allowContinuation);
-      break;
+      return setValue(editor, input, allowContinuation);
     case 1:
-      merge(editor, input);
-      break;
+      return merge(editor, input);
     case 2:
-      removeOption(editor, input);
-      break;
+      return removeOption(editor, input);
     default:
-      changeSection(editor, input, (options & 8) != 0);
+      return changeSection(editor, input, (options & 8) != 0);
   }
-  return 0;
 }

@@ -1,17 +1,11 @@
 // Loads a file, which is read in pieces, and the same bytes from memory, which are not: the models must be
 // the same, and the editor must have every byte. The input is a byte of options, a byte that tells how often
 // the rest is repeated, and the rest; so short inputs make files of many pieces.
-#include <algorithm>
-#include <cstring>
-#include <string>
-
 #include "fuzz/bytes.h"
+#include "fuzz/ini_model.h"
 #include "fuzz/input_file.h"
-#include "vel_include/vel_inifile.h"
 
 namespace {
-
-using fuzz::require;
 
 constexpr std::size_t kLargestFile = 300'000;
 
@@ -23,38 +17,10 @@ std::string withoutReturns(const std::string& text) {
   return lines;
 }
 
-bool isSame(const VelClIniFileOption& some, const VelClIniFileOption& other) {
-  return std::strcmp(some.getName(), other.getName()) == 0 &&
-         std::strcmp(some.getValue(), other.getValue()) == 0 &&
-         std::strcmp(some.getComment(), other.getComment()) == 0;
-}
-
-void compare(const VelClIniFileSection& some, const VelClIniFileSection& other) {
-  require(std::strcmp(some.getName(), other.getName()) == 0);
-  const auto* option = other.getFirstOption();
-  for (const auto* own = some.getFirstOption(); own != nullptr; own = own->getNext()) {
-    require(option != nullptr && isSame(*own, *option));
-    option = option->getNext();
-  }
-  require(option == nullptr);
-}
-
-void compare(const VelClIniFile& some, const VelClIniFile& other) {
-  require(some.getLineCount() == other.getLineCount());
-  const auto* section = other.getFirstSection();
-  for (const auto* own = some.getFirstSection(); own != nullptr; own = own->getNext()) {
-    require(section != nullptr);
-    compare(*own, *section);
-    section = section->getNext();
-  }
-  require(section == nullptr);
-}
-
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static fuzz::InputFile input(".ini");
-  fuzz::Bytes bytes(data, size);
+void fuzz::run(fuzz::Bytes bytes) {
+  static InputFile input(".ini");
   const bool allowContinuation = (bytes.number() & 1) != 0;
   const unsigned int repeats = 1 + 16U * bytes.number();
   std::string text;
@@ -64,8 +30,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(file.load(allowContinuation));
   const std::string lines = withoutReturns(text);
   require(memory.loadFromBuffer(lines.data(), lines.size(), '\n', true, allowContinuation));
-  compare(file, memory);
+  require({file.getLineCount() == memory.getLineCount(), modelOf(file) == modelOf(memory)});
   VelClIniFileEditor editor(input.name());
-  require(editor.load(allowContinuation) && std::string_view(editor.getText(), editor.getLength()) == text);
-  return 0;
+  require(editor.load(allowContinuation));
+  require(std::string_view(editor.getText(), editor.getLength()) == text);
 }

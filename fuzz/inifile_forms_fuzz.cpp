@@ -1,270 +1,181 @@
-// What velini prints of any file is read back by small readers of their own: JSON, plain lines and shell
-// assignments hold what the model holds, and no assignment is for a variable of the system's. The input is a
-// byte of options and the text.
+// What velini prints of any file is read back: JSON, plain lines and shell assignments hold what the model
+// holds, and no assignment is for a variable of the system's. The input is a byte of options and the text.
 #include <cctype>
-#include <optional>
 #include <sstream>
-#include <string>
 #include <utility>
-#include <vector>
 
+#include "codepage/test/strict_run.h"
 #include "fuzz/bytes.h"
+#include "fuzz/ini_model.h"
 #include "tools/velini/forms.h"
 
 namespace {
 
 using fuzz::require;
 using vel::velini::Form;
+using vel::velini::ShellNames;
+using Model = std::vector<fuzz::IniSection>;
 
-using Pairs = std::vector<std::pair<std::string, std::string>>;
-using Sections = std::vector<std::pair<std::string, Pairs>>;
-
-bool isFirst(const VelClIniFile& file, const VelClIniFileSection& section) {
-  return file.getExistingSection(section.getName()) == &section;
-}
-
-/// What a question by name finds, or all, as the lists show it.
-Sections sectionsOf(const VelClIniFile& file, bool onlyFirst) {
-  Sections sections;
+/// The first section of each name, and of its options the first of each name: what queries find.
+Model firstOf(const VelClIniFile& file) {
+  Model model;
   for (const auto* section = file.getFirstSection(); section != nullptr; section = section->getNext()) {
-    if (onlyFirst && !isFirst(file, *section)) continue;
-    Pairs options;
+    if (file.getExistingSection(section->getName()) != section) continue;
+    model.push_back({section->getName(), {}});
     for (const auto* option = section->getFirstOption(); option != nullptr; option = option->getNext())
-      if (!onlyFirst || file.getExistingOption(*section, option->getName()) == option)
-        options.emplace_back(option->getName(), option->getValue());
-    sections.emplace_back(section->getName(), options);
+      if (file.getExistingOption(*section, option->getName()) == option)
+        model.back().options.push_back({option->getName(), option->getValue(), ""});
   }
-  return sections;
+  return model;
 }
 
-/// Bytes that a cursor passes; everything else than what is expected ends the run.
+/// Printed text from left to right; anything but the expected ends the run, and so does what is left unread.
 class Reader {
  public:
-  explicit Reader(std::string_view text) : rest_(text) {}
+  explicit Reader(const std::string& text) : text_(text) {}
+  Reader(const Reader&) = delete;
+  ~Reader() { require(at_ == text_.size()); }
 
-  bool atEnd() const { return rest_.empty(); }
   char next() {
-    require(!rest_.empty());
-    const char c = rest_[0];
-    rest_.remove_prefix(1);
-    return c;
+    require(at_ < text_.size());
+    return text_[at_++];
   }
   bool accept(std::string_view text) {
-    if (!rest_.starts_with(text)) return false;
-    rest_.remove_prefix(text.size());
+    if (text_.compare(at_, text.size(), text) != 0) return false;
+    at_ += text.size();
     return true;
   }
   void expect(std::string_view text) { require(accept(text)); }
-  std::string_view rest() const { return rest_; }
 
  private:
-  std::string_view rest_;
+  const std::string& text_;
+  std::size_t at_ = 0;
 };
 
-// ---- UTF-8, by the numbers of characters
-
-void addCharacter(std::string& text, std::uint32_t character) {
-  if (character < 0x80) {
-    text += static_cast<char>(character);
-    return;
-  }
-  const int more = character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
-  text += static_cast<char>((0xF00 >> (more + 1) & 0xFF) | static_cast<int>(character >> 6 * more));
-  for (int i = more - 1; i >= 0; --i) text += static_cast<char>(0x80 | (character >> 6 * i & 0x3F));
+std::string list(const VelClIniFile& file, Form form, ShellNames& names) {
+  std::ostringstream out;
+  writeOptions(out, form, file, nullptr, names);
+  return out.str();
 }
 
-/// The bytes of the character at the start; none when it is not the one way to write one.
-std::size_t lengthOfCharacter(std::string_view text) {
-  const auto lead = static_cast<unsigned char>(text[0]);
-  const std::size_t length = lead < 0x80       ? 1
-                             : lead >> 5 == 6  ? 2
-                             : lead >> 4 == 14 ? 3
-                             : lead >> 3 == 30 ? 4
-                                               : 0;
-  if (length < 2 || text.size() < length) return length == 1 ? 1 : 0;
-  std::uint32_t character = lead & (0x7FU >> length);
-  for (std::size_t i = 1; i < length; ++i)
-    character = character << 6 | (static_cast<unsigned char>(text[i]) & 0x3FU);
-  std::string written;
-  if (character > 0x10FFFF || character >> 11 == 0x1B) return 0;
-  addCharacter(written, character);
-  return written == text.substr(0, length) ? length : 0;
-}
-
-/// A byte that belongs to no character is the character of its number.
-std::string asCharacters(std::string_view bytes) {
-  std::string text;
-  while (!bytes.empty()) {
-    const std::size_t length = lengthOfCharacter(bytes);
-    if (length == 0)
-      addCharacter(text, static_cast<unsigned char>(bytes[0]));
-    else
-      text += bytes.substr(0, length);
-    bytes.remove_prefix(length == 0 ? 1 : length);
-  }
-  return text;
+std::string listNames(const VelClIniFile& file, Form form) {
+  std::ostringstream out;
+  writeSections(out, form, file);
+  return out.str();
 }
 
 // ---- JSON
 
-std::uint32_t readHexadecimal(Reader& json) {
-  std::uint32_t number = 0;
-  for (int i = 0; i < 4; ++i) {
-    const char c = json.next();
-    require(std::isxdigit(static_cast<unsigned char>(c)) != 0);
-    number = number * 16 + static_cast<std::uint32_t>(c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10);
-  }
-  return number;
+std::string charactersOf(std::string_view text) {
+  static VelClStrictConversion conversion(VelClCCSID(1208), VelClCCSID(1208),
+                                          VelClStrictConversion::VelEnPolicy::SKIP);
+  return convertInPieces(conversion, text, {}).bytes;
 }
 
-std::string readJsonText(Reader& json) {
-  std::string text;
+/// A byte that belongs to no character is escaped as the character of its number, and no other is from 0x80
+/// on.
+void expectJsonText(Reader& json, const std::string& text) {
+  std::string all, characters;
   json.expect("\"");
   while (!json.accept("\"")) {
-    if (json.accept("\\u")) {
-      addCharacter(text, readHexadecimal(json));
-    } else if (json.accept("\\")) {
-      const char c = json.next();
-      require(c == '"' || c == '\\');
-      text += c;
-    } else {
-      require(!json.atEnd() && static_cast<unsigned char>(json.rest()[0]) >= 0x20);
-      const std::size_t length = lengthOfCharacter(json.rest());
-      require(length != 0);
-      for (std::size_t i = 0; i < length; ++i) text += json.next();
+    if (json.accept("\\u00")) {
+      const std::string digits = {json.next(), json.next()};
+      require(digits.find_first_not_of("0123456789abcdef") == std::string::npos);
+      all += static_cast<char>(std::stoi(digits, nullptr, 16));
+      if (digits < "80") characters += all.back();
+      continue;
     }
+    const bool isEscaped = json.accept("\\");
+    const char c = json.next();
+    require({static_cast<unsigned char>(c) >= 0x20, isEscaped == (c == '"' || c == '\\')});
+    all += c;
+    characters += c;
   }
-  return text;
+  require({all == text, characters == charactersOf(text)});
 }
 
-void skipSpace(Reader& json) {
-  while (json.accept(" ") || json.accept("\n")) continue;
-}
-
-/// Members of an object: names, and what `readValue` makes of their values.
-template <typename Value, typename ReadValue>
-std::vector<std::pair<std::string, Value>> readObject(Reader& json, ReadValue readValue) {
-  std::vector<std::pair<std::string, Value>> members;
-  json.expect("{");
-  for (skipSpace(json); !json.accept("}"); skipSpace(json)) {
-    if (!members.empty()) json.expect(",");
-    skipSpace(json);
-    std::string name = readJsonText(json);
-    json.expect(":");
-    skipSpace(json);
-    members.emplace_back(std::move(name), readValue(json));
+void checkJson(const Model& model, const std::string& printed, const std::string& printedNames) {
+  Reader json(printed), names(printedNames);
+  const char *separator = "{\n", *nameSeparator = "[";
+  for (const auto& [section, options] : model) {
+    json.expect(std::exchange(separator, ",\n"));
+    expectJsonText(json, section);
+    json.expect(": {");
+    const char* optionSeparator = "";
+    for (const auto& option : options) {
+      json.expect(std::exchange(optionSeparator, ", "));
+      expectJsonText(json, option.name);
+      json.expect(": ");
+      expectJsonText(json, option.value);
+    }
+    json.expect("}");
+    names.expect(std::exchange(nameSeparator, ", "));
+    expectJsonText(names, section);
   }
-  return members;
-}
-
-Pairs readOptions(Reader& json) {
-  return readObject<std::string>(json, readJsonText);
-}
-
-Sections asCharacters(Sections sections) {
-  for (auto& [name, options] : sections) {
-    name = asCharacters(name);
-    for (auto& [option, value] : options) option = asCharacters(option), value = asCharacters(value);
-  }
-  return sections;
-}
-
-void checkJson(const VelClIniFile& file, const std::string& printed, const std::string& names) {
-  const Sections wanted = asCharacters(sectionsOf(file, true));
-  Reader json(printed);
-  require(readObject<Pairs>(json, readOptions) == wanted);
-  json.expect("\n");
-  require(json.atEnd());
-  Reader list(names);
-  list.expect("[");
-  for (std::size_t i = 0; i < wanted.size(); ++i) {
-    if (i > 0) list.expect(", ");
-    require(readJsonText(list) == wanted[i].first);
-  }
-  list.expect("]\n");
-  require(list.atEnd());
+  json.expect(model.empty() ? "{\n}\n" : "\n}\n");
+  names.expect(model.empty() ? "[]\n" : "]\n");
 }
 
 // ---- Plain lines
 
-std::string readField(Reader& lines, char end) {
+void expectField(Reader& lines, const std::string& text, char end) {
+  constexpr std::string_view kNames = "ntr\\", kSpecial = "\n\t\r\\";
   std::string field;
-  for (char c; (c = lines.next()) != end;) {
-    require(c != '\t' && c != '\n' && c != '\r');
-    if (c == '\\') {
-      c = lines.next();
-      require(c == 'n' || c == 't' || c == 'r' || c == '\\');
-      c = c == 'n' ? '\n' : c == 't' ? '\t' : c == 'r' ? '\r' : c;
-    }
-    field += c;
+  for (char c; (c = lines.next()) != end; field += c) {
+    require(kSpecial.substr(0, 3).find(c) == std::string_view::npos);
+    if (c != '\\') continue;
+    const std::size_t special = kNames.find(lines.next());
+    require(special != std::string_view::npos);
+    c = kSpecial[special];
   }
-  return field;
+  require(field == text);
 }
 
-void checkPlain(const VelClIniFile& file, const std::string& printed, const std::string& names) {
-  Reader lines(printed), list(names);
-  for (const auto& [section, options] : sectionsOf(file, false)) {
-    require(readField(list, '\n') == section);
-    for (const auto& [option, value] : options)
-      require(readField(lines, '\t') == section && readField(lines, '\t') == option &&
-              readField(lines, '\n') == value);
+void checkPlain(const Model& model, const std::string& printed, const std::string& printedNames) {
+  Reader lines(printed), names(printedNames);
+  for (const auto& [section, options] : model) {
+    expectField(names, section, '\n');
+    for (const auto& option : options) {
+      expectField(lines, section, '\t');
+      expectField(lines, option.name, '\t');
+      expectField(lines, option.value, '\n');
+    }
   }
-  require(lines.atEnd() && list.atEnd());
 }
 
 // ---- INI lines: one for each value that is not empty, and two for each section
 
-void checkIni(const VelClIniFile& file, const std::string& printed) {
+void checkIni(const Model& model, const std::string& printed) {
   Reader lines(printed);
-  const auto skipLine = [&lines] {
-    while (lines.next() != '\n') continue;
-  };
-  for (const auto& [section, options] : sectionsOf(file, false)) {
+  for (const auto& [section, options] : model) {
     lines.expect("\n[" + section + "]\n");
-    for (const auto& [option, value] : options) {
-      if (value.empty()) continue;
-      lines.expect(option + "\t= ");
-      skipLine();
+    for (const auto& option : options) {
+      if (option.value.empty()) continue;
+      lines.expect(option.name + "\t= ");
+      while (lines.next() != '\n') continue;
     }
   }
-  require(lines.atEnd());
 }
 
 // ---- The shell
 
-/// A word as a shell reads it: quoted pieces, and quotes behind a back-slash. The line break ends it.
-std::string readWord(Reader& script) {
+/// A word as a shell reads it: quoted pieces, and quotes after a backslash. The line break ends it.
+void expectWord(Reader& script, const std::string& text) {
   std::string word;
   while (!script.accept("\n")) {
-    if (script.accept("\\")) {
-      require(script.next() == '\'');
+    if (script.accept("\\'")) {
       word += '\'';
       continue;
     }
     script.expect("'");
     for (char c; (c = script.next()) != '\'';) word += c;
   }
-  return word;
-}
-
-std::string readVariable(Reader& script) {
-  std::string name;
-  for (char c; (c = script.next()) != '=';) {
-    const bool isDigit = c >= '0' && c <= '9';
-    require(isDigit || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_');
-    require(!isDigit || !name.empty());
-    name += c;
-  }
-  return name;
+  require(word == text);
 }
 
 std::string asVariable(const std::string& name, const char* prefix) {
   std::string variable;
-  for (const char c : name) {
-    const bool isPlain =
-        static_cast<unsigned char>(c) < 0x80 && std::isalnum(static_cast<unsigned char>(c)) != 0;
-    variable += isPlain ? c : '_';
-  }
+  for (const char c : name) variable += std::isalnum(static_cast<unsigned char>(c)) != 0 ? c : '_';
   if (prefix != nullptr) return prefix + variable;
   return variable.empty() || std::isdigit(static_cast<unsigned char>(variable[0])) != 0 ? "_" + variable
                                                                                         : variable;
@@ -279,51 +190,37 @@ void checkVariable(const std::string& name, const char* prefix) {
                             : name.find_first_of("abcdefghijklmnopqrstuvwxyz") != std::string::npos);
 }
 
-void checkShell(const VelClIniFile& file, const std::string& printed, const std::string& names,
+void checkShell(const Model& model, const std::string& printed, const std::string& printedNames,
                 const char* prefix, const std::string& refused) {
-  Reader script(printed), list(names);
+  Reader script(printed), names(printedNames);
   bool isRefused = false;
-  for (const auto& [section, options] : sectionsOf(file, true)) {
-    require(readWord(list) == section);
-    for (const auto& [option, value] : options) {
-      const std::string variable = readVariable(script);
-      require(variable == asVariable(std::string(section).append("_").append(option), prefix) &&
-              readWord(script) == value);
+  for (const auto& [section, options] : model) {
+    expectWord(names, section);
+    for (const auto& option : options) {
+      const std::string variable = asVariable(std::string(section).append("_").append(option.name), prefix);
+      script.expect(variable + "=");
+      expectWord(script, option.value);
       isRefused = isRefused || variable == refused;
       if (refused.empty()) checkVariable(variable, prefix);
     }
   }
-  require(script.atEnd() && list.atEnd() && isRefused != refused.empty());
-}
-
-std::string listOf(const VelClIniFile& file, Form form, vel::velini::ShellNames& names) {
-  std::ostringstream out;
-  writeOptions(out, form, file, nullptr, names);
-  return out.str();
-}
-
-std::string namesOf(const VelClIniFile& file, Form form) {
-  std::ostringstream out;
-  writeSections(out, form, file);
-  return out.str();
+  require(isRefused != refused.empty());
 }
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void fuzz::run(fuzz::Bytes bytes) {
   constexpr const char* kPrefixes[] = {nullptr, "C_", "L_", "LD_"};
-  fuzz::Bytes bytes(data, size);
   const unsigned int options = bytes.number();
-  const std::string_view text = bytes.rest();
   VelClIniFile file("unused");
-  file.loadFromBuffer(text.data(), text.size(), '\n', (options & 1) != 0, true);
+  file.loadFromBuffer(bytes.rest().data(), bytes.rest().size(), '\n', (options & 1) != 0, true);
   const char* const prefix = kPrefixes[options >> 1 & 3];
-  vel::velini::ShellNames names(prefix);
-  checkJson(file, listOf(file, Form::Json, names), namesOf(file, Form::Json));
-  checkPlain(file, listOf(file, Form::Plain, names), namesOf(file, Form::Plain));
-  checkIni(file, listOf(file, Form::Ini, names));
+  ShellNames names(prefix);
+  const Model all = modelOf(file), first = firstOf(file);
+  checkJson(first, list(file, Form::Json, names), listNames(file, Form::Json));
+  checkPlain(all, list(file, Form::Plain, names), listNames(file, Form::Plain));
+  checkIni(all, list(file, Form::Ini, names));
   require(names.refused().empty());
-  const std::string script = listOf(file, Form::Shell, names);
-  checkShell(file, script, namesOf(file, Form::Shell), prefix, names.refused());
-  return 0;
+  const std::string script = list(file, Form::Shell, names);
+  checkShell(first, script, listNames(file, Form::Shell), prefix, names.refused());
 }

@@ -1,19 +1,24 @@
-// Loads any bytes with any delimiter and asks every question about what came of them. The input is a byte of
-// options, the delimiter, and the bytes.
+// Loads any bytes with any delimiter and makes every query about the model; then saves it and loads what was
+// saved: whatever saving promises to keep must round-trip. The input is a byte of options, the delimiter, and
+// the bytes.
+#include <algorithm>
+#include <cctype>
 #include <cstring>
 #include <sstream>
-#include <string>
 
 #include "base/ascii.h"
 #include "fuzz/bytes.h"
-#include "vel_include/vel_inifile.h"
+#include "fuzz/ini_model.h"
 
 namespace {
 
 using fuzz::require;
+using Model = std::vector<fuzz::IniSection>;
+
+// ---- Queries
 
 bool decide(const _VelStError& error, unsigned int line, void* errorsLeft) {
-  require(line > 0 && error.errorClass == VelEnErrorClass::USER_DATA_ERROR);
+  require({line > 0, error.errorClass == VelEnErrorClass::USER_DATA_ERROR});
   return --*static_cast<int*>(errorsLeft) != 0;
 }
 
@@ -36,38 +41,113 @@ void askForOption(const VelClIniFile& file, const VelClIniFileSection& section, 
   unsigned long magnitude = 0;
   char c = 0;
   bool truth = false;
-  require(file.getOption(name, text) && text == first->getValue());
-  require(file.getOption(name, number) && file.getOption(name, magnitude) && file.getOption(name, c) &&
-          file.getOptionBool(name, truth));
+  require({file.getOption(name, text), text == first->getValue(), file.getOption(name, number),
+           file.getOption(name, magnitude), file.getOption(name, c), file.getOptionBool(name, truth)});
 }
 
 void askForSection(const VelClIniFile& file, const VelClIniFileSection& section) {
   require(std::strlen(section.getName()) <= VelClIniFileSection::kMaxNameLength);
   for (const auto* option = section.getFirstOption(); option != nullptr; option = option->getNext()) {
-    const std::size_t name = std::strlen(option->getName());
-    const std::size_t value = std::strlen(option->getValue());
-    const std::size_t comment = std::strlen(option->getComment());
-    require(name + value + comment + 3 <= 1025);
+    const std::string texts = std::string(option->getName()) + option->getValue() + option->getComment();
+    require(texts.size() + 3 <= 1025);
     askForOption(file, section, option->getName());
+  }
+}
+
+// ---- Saving
+
+bool isControl(char c) {
+  return (c >= 0 && c < ' ') || c == '\x7F';
+}
+
+bool isSpace(char c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+/// Whether a quoted value would be read as it is.
+bool roundTripsQuoted(const std::string& value) {
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    const bool isNumber = isControl(value[i]) && (value[i] < '\a' || value[i] > '\r');
+    if (value[i] == '"' || (isNumber && std::isxdigit(static_cast<unsigned char>(value[i + 1])) != 0))
+      return false;
+  }
+  return true;
+}
+
+bool roundTrips(const std::string& value) {
+  if (value.find(';') != std::string::npos || std::any_of(value.begin(), value.end(), isControl))
+    return roundTripsQuoted(value);
+  return !isSpace(value.front()) && !isSpace(value.back()) &&
+         value.find_first_of("\"'") == std::string::npos && value.find("$(") == std::string::npos;
+}
+
+bool hasTooLongLine(const std::string& text) {
+  std::istringstream lines(text);
+  std::string line;
+  while (std::getline(lines, line))
+    if (line.size() > 1023) return true;
+  return false;
+}
+
+/// Sections with names, and of these the options that have names and values.
+Model savedPartOf(Model model) {
+  std::erase_if(model, [](auto& section) { return section.name.empty(); });
+  for (auto& section : model)
+    std::erase_if(section.options, [](auto& option) { return option.name.empty() || option.value.empty(); });
+  return model;
+}
+
+/// Overwrites the values and comments that need not round-trip with those that were read; returns whether
+/// there are any.
+bool excuseLost(Model& model, const Model& read) {
+  bool isLost = false;
+  for (std::size_t i = 0; i < model.size() && i < read.size(); ++i)
+    for (std::size_t k = 0; k < model[i].options.size() && k < read[i].options.size(); ++k) {
+      auto& option = model[i].options[k];
+      if (roundTrips(option.value)) continue;
+      option.value = read[i].options[k].value, option.comment = read[i].options[k].comment;
+      isLost = true;
+    }
+  return isLost;
+}
+
+std::string saved(VelClIniFileSave& file) {
+  std::ostringstream stream;
+  require(file.save(stream));
+  return stream.str();
+}
+
+void requireRoundTrip(VelClIniFileSave& file) {
+  const std::string text = saved(file);
+  // Escapes, and what a line holds besides, make it longer than the one it was read from.
+  if (hasTooLongLine(text)) return;
+  for (const bool allowContinuation : {false, true}) {
+    VelClIniFileSave read("unused");
+    require(read.loadFromBuffer(text.data(), text.size(), '\n', true, allowContinuation));
+    Model model = savedPartOf(fuzz::modelOf(file));
+    const Model again = fuzz::modelOf(read);
+    const bool isLost = excuseLost(model, again);
+    require(model == again);
+    if (!isLost) require(saved(read) == text);
   }
 }
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size < 2) return 0;
-  const auto options = static_cast<unsigned int>(data[0]);
-  const auto delimiter = static_cast<char>(data[1]);
-  const auto* const bytes = reinterpret_cast<const char*>(data) + 2;
+void fuzz::run(fuzz::Bytes input) {
+  const unsigned int options = input.number();
+  const auto delimiter = static_cast<char>(input.number());
+  const std::string_view bytes = input.rest();
   int errorsLeft = static_cast<int>(options >> 3);
-  VelClIniFile file("unused");
+  VelClIniFileSave file("unused");
   if ((options & 4) != 0) file.setErrorHandler(decide, &errorsLeft);
   const bool isWhole =
-      file.loadFromBuffer(bytes, size - 2, delimiter, (options & 1) != 0, (options & 2) != 0);
+      file.loadFromBuffer(bytes.data(), bytes.size(), delimiter, (options & 1) != 0, (options & 2) != 0);
   require(isWhole == ((options & 4) == 0 || errorsLeft != 0 || options >> 3 == 0));
-  const unsigned int lines = linesIn(std::string(bytes, size - 2), delimiter);
+  const unsigned int lines = linesIn(std::string(bytes), delimiter);
   require(isWhole ? file.getLineCount() == lines : file.getLineCount() <= lines);
   for (const auto* section = file.getFirstSection(); section != nullptr; section = section->getNext())
     askForSection(file, *section);
-  return 0;
+  // With another one, names can hold line breaks.
+  if (delimiter == '\n') requireRoundTrip(file);
 }

@@ -31,7 +31,7 @@ void readNumber(const fuzz::Text& name) {
     require(languageIdOfLocaleName(fuzz::Text(other + more)) == number);
   const std::string bare = other.substr(0, other.find_first_of("_-"));
   const std::uint32_t main = languageIdOfLocaleName(fuzz::Text(bare));
-  require((main == 0) == (number == 0) && (main & kPrimaryLanguage) == (number & kPrimaryLanguage));
+  require({(main == 0) == (number == 0), (main & kPrimaryLanguage) == (number & kPrimaryLanguage)});
 }
 
 /// Tags of up to fifteen characters count whose language has two or three; US English takes the place of
@@ -47,12 +47,11 @@ void readUser(const fuzz::Text& name) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void fuzz::run(fuzz::Bytes input) {
   // Only LC_ALL is to count.
   static const bool kOthersAreGone = unsetenv("LC_MESSAGES") == 0 && unsetenv("LANG") == 0;
   require(kOthersAreGone);
-  const fuzz::Text name = fuzz::Bytes(data, size).text();
+  const Text name = input.text();
   readNumber(name);
   readUser(name);
-  return 0;
 }

@@ -85,11 +85,8 @@ bool resourceText(const std::string& text, const Variables& variables, std::stri
       out += value;
     } else {
       const char escape = text[at++];
-      out += escape == 'n' ? "\r\n"
-                           : std::string(1, escape == 'r'   ? '\r'
-                                            : escape == 't' ? '\t'
-                                            : escape == 'b' ? ' '
-                                                            : escape);
+      const std::size_t known = std::string_view("rtb").find(escape);
+      out += escape == 'n' ? "\r\n" : std::string(1, known < 3 ? "\r\t "[known] : escape);
     }
   }
   return true;
@@ -100,8 +97,8 @@ void requireMessage(const fuzz::Text& text, const Variables& variables) {
   const VelClMessageCatalog catalog(table, 2);
   const std::string expected = tableText(text.data(), variables).substr(0, VEL_MAX_MESSAGE_LENGTH);
   VelClMessage message(catalog, 1, variables.data());
-  require(message.isValid() && message.getAsCString() == expected);
-  require(message.hasAllocatedMemory() == (expected.size() > 80));
+  require({message.isValid(), message.getAsCString() == expected,
+           message.hasAllocatedMemory() == (expected.size() > 80)});
   const VelClMessage copy(message);
   // Its own text as a variable.
   message.setNewMessageId(1, message.getAsCString());
@@ -110,25 +107,23 @@ void requireMessage(const fuzz::Text& text, const Variables& variables) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  fuzz::Bytes input(data, size);
+void fuzz::run(fuzz::Bytes input) {
   const std::size_t room = input.number() * std::size_t{3};
-  std::vector<fuzz::Text> values;
+  std::vector<Text> values;
   while (values.size() < 10) values.push_back(input.text());
   const Variables variables(values.begin(), values.end());
-  const fuzz::Text text = input.text();
+  const Text text = input.text();
   const std::unique_ptr<char[]> out(new char[room + 1]);
 
   const std::string cut = tableText(text.data(), variables).substr(0, room);
-  require(vel::messages::expandTableText(text, variables.data(), 10, out.get(), room) == cut.size());
-  require(out.get() == cut);
+  require({vel::messages::expandTableText(text, variables.data(), 10, out.get(), room) == cut.size(),
+           out.get() == cut});
 
   std::string whole;
   const bool isComplete = resourceText(text.data(), variables, whole) && whole.size() <= room;
   const auto result =
       vel::messages::expandResourceText(text, text.size(), variables.data(), out.get(), room + 1);
-  require(result.complete == isComplete && result.length == (isComplete ? whole.size() : 0));
-  require(out.get() == (isComplete ? whole : ""));
+  require({result.complete == isComplete, result.length == (isComplete ? whole.size() : 0),
+           out.get() == (isComplete ? whole : "")});
   requireMessage(text, variables);
-  return 0;
 }

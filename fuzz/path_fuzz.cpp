@@ -67,21 +67,21 @@ Parts split(const std::string& text) {
 void requireSplit(const VelClFilename& file) {
   const Parts parts = split(file.getAsCString());
   const std::unique_ptr<char[]> out(new char[kLimit + 1]);
-  require(file.getLength() == std::strlen(file.getAsCString()) && file.getLength() <= kLimit);
+  require({file.getLength() == std::strlen(file.getAsCString()), file.getLength() <= kLimit});
   file.extractPath(out.get(), true);
-  require(parts.path == out.get() && file.hasPath() == !parts.path.empty());
+  require({parts.path == out.get(), file.hasPath() == !parts.path.empty()});
   file.extractPath(out.get(), false);
   require(parts.path.substr(0, parts.path.size() - (parts.path.empty() ? 0 : 1)) == out.get());
   file.extractBaseName(out.get());
-  require(parts.base == out.get() && parts.extension == file.getExtension());
+  require({parts.base == out.get(), parts.extension == file.getExtension()});
   file.extractServer(out.get());
   require(std::strlen(out.get()) == serverLength(file.getAsCString()));
   // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): copying is what is tried
   const VelClFilename copy = file;
-  require(copy == file && file.matchesPath(copy) && file.matchesBase(copy));
-  require(file.matchesExtension(file.getExtension()) && file.matchesWildcardPattern("*"));
-  require(file.getPathSep() == separatorOf(file.getAsCString()));
-  require(!file.isStyleFAT_8_3() || parts.extension.size() <= 4);
+  require({copy == file, file.matchesPath(copy), file.matchesBase(copy),
+           file.matchesExtension(file.getExtension()), file.matchesWildcardPattern("*"),
+           file.getPathSep() == separatorOf(file.getAsCString()),
+           !file.isStyleFAT_8_3() || parts.extension.size() <= 4});
 }
 
 /// Changes a part, and says what must have come of it.
@@ -120,13 +120,13 @@ std::string change(VelClFilename& file, unsigned int kind, const char* text, con
 }
 
 void requireTextOf(const std::string& text) {
-  require(cut(text) == VelClFilename(text.c_str()).getAsCString());
   const VelClLocation location(text.c_str(), false);
-  require(directory(text) == location.getAsCString() && location.getLength() == directory(text).size());
   VelClLocation normalized(location);
   normalized.normalize();
-  require(normalized.isNormalized() && normalized.getLength() == location.getLength());
-  require(!location.isRoot() || location.isAbsolute());
+  require({cut(text) == VelClFilename(text.c_str()).getAsCString(),
+           directory(text) == location.getAsCString(), location.getLength() == directory(text).size(),
+           normalized.isNormalized(), normalized.getLength() == location.getLength(),
+           !location.isRoot() || location.isAbsolute()});
 }
 
 /// "" where ".." leads too far, or the result is too long.
@@ -156,23 +156,20 @@ void requireExpanded(const std::string& text, const std::string& current) {
   std::memset(path.get(), '\\', kLimit + 1);
   std::memcpy(path.get(), text.c_str(), text.size() + 1);
   const std::string expected = expanded(text, current);
-  require(VelClFileABase::expandRelativePath(path.get()) == !expected.empty());
-  require(expected == path.get());
+  require({VelClFileABase::expandRelativePath(path.get()) == !expected.empty(), expected == path.get()});
 }
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void fuzz::run(fuzz::Bytes input) {
   static char current[kLimit + 1] = ".\\";
   static const bool isKnown = VelClFileABase::expandRelativePath(current);
   require(isKnown);
-  fuzz::Bytes input(data, size);
   VelClFilename file;
   while (!input.atEnd()) {
     const unsigned int option = input.number();
     // The limit is far for a fuzzer: it is brought near.
-    const fuzz::Text text((option & 8) != 0 ? std::string(230 + (option >> 4) * 2, 'x') + input.text().data()
-                                            : input.text().data());
+    const Text text(std::string((option & 8) != 0 ? 230 + (option >> 4) * 2 : 0, 'x') + input.text().data());
     const std::string expected = change(file, option & 7, text, input.text());
     require(expected == file.getAsCString());
     if ((option & 7) != 3 && (option & 7) != 5) requireSplit(file);
@@ -181,5 +178,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     requireTextOf(text.data());
     requireExpanded(cut(text.data()), current);
   }
-  return 0;
 }

@@ -144,8 +144,7 @@ const VelClConsoleUI& userInterface() {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  fuzz::Bytes input(data, size);
+void fuzz::run(fuzz::Bytes input) {
   const fuzz::Text options = input.text(), question = input.text(), otherwise = input.text();
   const Streams streams(input.rest());
   Typed typed(input.rest());
@@ -153,5 +152,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   ui.getParams().setInput("");
   for (const char option : options.view().substr(0, 100))
     ask(ui, static_cast<unsigned char>(option), question, otherwise, typed);
-  return 0;
 }

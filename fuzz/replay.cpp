@@ -27,7 +27,7 @@ constexpr std::int64_t costOf(std::size_t size) {
 std::int64_t run(const std::string& bytes) {
   input.assign(bytes.begin(), bytes.end());
   input.shrink_to_fit();
-  LLVMFuzzerTestOneInput(input.data(), input.size());
+  fuzz::run(fuzz::Bytes(input.data(), input.size()));
   return costOf(bytes.size());
 }
 

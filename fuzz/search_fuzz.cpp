@@ -43,14 +43,12 @@ void requireFound(const char* pattern, std::string_view text, bool ignoreCase) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  fuzz::Bytes input(data, size);
+void fuzz::run(fuzz::Bytes input) {
   const bool option = (input.number() & 1) != 0;
-  const fuzz::Text pattern = input.text();
+  const Text pattern = input.text();
   // Zeros are bytes like all others where the length is told.
-  const std::vector<char> bytes(input.rest().begin(), input.rest().end());
-  requireFound(pattern, {bytes.data(), bytes.size()}, option);
-  const fuzz::Text text = input.text();
+  requireFound(pattern, input.rest(), option);
+  const Text text = input.text();
   require(VelClStringSearch(pattern, false).getPattern(text) == std::strstr(text, pattern));
   require(velStrFind(text, pattern, false) == std::strstr(text, pattern));
   if (const char* const found = velStrFind(text, pattern, true))
@@ -59,5 +57,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const bool isMatch = matches(pattern.view(), text.view(), option);
   require(velMatchesWildcardPattern(pattern, text, option) == isMatch);
   require(VelClStringMatchWildcards(pattern, option).getPattern(text) == (isMatch ? text.data() : nullptr));
-  return 0;
 }

@@ -18,9 +18,8 @@ bool isKnown(const Text& usage, const char* argument) {
   std::size_t elements = 0;
   VelClUsageCursor cursor(usage);
   for (bool more = cursor.setToFirst(); more; more = cursor.setToNext()) {
-    require(cursor.isValid() && ++elements < usage.size());
-    require(cursor.isSwitch() != cursor.isArg() && (cursor.isArg() || !cursor.isFree()));
-    require(cursor.reqArg() || !cursor.reqArgEllipsis());
+    require({cursor.isValid(), ++elements < usage.size(), cursor.isSwitch() != cursor.isArg(),
+             cursor.isArg() || !cursor.isFree(), cursor.reqArg() || !cursor.reqArgEllipsis()});
     known = known || (cursor.isSwitch() && cursor.matchesSwitch(argument));
   }
   return known;
@@ -31,9 +30,9 @@ std::vector<const char*> judge(VelClArgvCheckCursor cursor, const Text& usage) {
   std::vector<const char*> free;
   bool isBound = false;
   for (bool more = cursor.setToFirst(); more; more = cursor.setToNext()) {
-    require(cursor.isSwitch() != cursor.isArg() && (cursor.isSwitch() || !cursor.reqArg()));
-    require(cursor.isBound() == (cursor.isArg() && isBound));
-    require(cursor.isFree() == (cursor.isArg() && !isBound));
+    require({cursor.isSwitch() != cursor.isArg(), cursor.isSwitch() || !cursor.reqArg(),
+             cursor.isBound() == (cursor.isArg() && isBound),
+             cursor.isFree() == (cursor.isArg() && !isBound)});
     if (cursor.isSwitch()) require(cursor.isLegal() == isKnown(usage, cursor.getAsCString()));
     if (cursor.isTagged()) require(usage.view().find('!') != std::string_view::npos);
     if (cursor.isFree()) free.push_back(cursor.getAsCString());
@@ -69,12 +68,10 @@ void show(const Text& text, TextKind kind, std::size_t indentation) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  fuzz::Bytes input(data, size);
+void fuzz::run(fuzz::Bytes input) {
   const unsigned int options = input.number();
   const Text usage = input.text();
-  std::vector<Text> words;
-  while (!input.atEnd()) words.push_back(input.text());
+  const std::vector<Text> words = input.texts();
   // Text by text and never the vector's own end, which is null on a real command line.
   const std::vector<const char*> arguments(words.begin(), words.end());
   const int count = static_cast<int>(arguments.size());
@@ -83,7 +80,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   requireVisited({count, argv, usage}, judge({count, argv, usage}, usage));
   show(usage, TextKind{static_cast<int>(options % 3)}, options / 3 % 20);
   const VelClConsoleUIParams params(count > 0 ? argv[0] : nullptr);
-  require(params.getIndentation() <= 25 &&
-          params.getIndentation() == std::string_view(params.getProcessName()).size());
-  return 0;
+  require({params.getIndentation() <= 25,
+           params.getIndentation() == std::string_view(params.getProcessName()).size()});
 }

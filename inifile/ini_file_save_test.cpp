@@ -1,5 +1,5 @@
-// Cursors, changes to the model, and what saving writes. That it comes back is
-// fuzz/inifile_round_trip_fuzz.cpp's matter.
+// Cursors, changes to the model, and what saving writes. That it round-trips
+// is fuzz/inifile_load_fuzz.cpp's matter.
 #include <gtest/gtest.h>
 
 #include <filesystem>

@@ -1,8 +1,17 @@
 // Runs inner loops as conversions.
 #pragma once
 
+#include <vector>
+
 #include "codepage/kernels.h"
 #include "codepage/test/outcome.h"
+
+/// All that this processor has the instructions for.
+inline std::vector<const vel::codepage::Kernels*> kernelTables() {
+  std::vector<const vel::codepage::Kernels*> tables{&vel::codepage::kPortableKernels};
+  if (vel::codepage::vectorKernels() != nullptr) tables.push_back(vel::codepage::vectorKernels());
+  return tables;
+}
 
 template <typename Loop>
 Outcome runLoop(Loop loop, std::string_view source, std::size_t room) {

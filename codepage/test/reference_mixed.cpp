@@ -1,15 +1,10 @@
 #include "codepage/test/reference_mixed.h"
 
-namespace {
-
-/// The unit at `index` of a page, low byte first; the table has it the other way round.
 std::string unitAt(const uint16_t* page, unsigned char index, bool foldsNextLine) {
   const auto* const bytes = reinterpret_cast<const char*>(page + index);
   const std::string unit = {bytes[1], bytes[0]};
   return foldsNextLine && unit == std::string("\x85\0", 2) ? std::string("\n\0", 2) : unit;
 }
-
-}  // namespace
 
 Outcome referenceMixedToUcs2(const VelStDoubleByteTable& table, std::string_view source) {
   const bool isShifted = table.isEbcdic != 0;

@@ -1,7 +1,5 @@
 #include "codepage/test/reference_utf8.h"
 
-#include <random>
-
 namespace {
 
 unsigned int byteAt(std::string_view text, std::size_t i) {
@@ -69,26 +67,4 @@ Outcome referenceUcs2ToUtf8(std::string_view source, std::size_t targetSize) {
     outcome.bytes += encoded(value);
   }
   return end == source.size() ? outcome : incomplete(outcome.bytes, outcome.consumed);
-}
-
-std::vector<std::string> sampleTexts(int count, std::size_t shortest, std::size_t spread) {
-  // ASCII longer than a block, each length of UTF-8, and what is invalid.
-  const std::u16string kinds[] = {u"plain ASCII text, long enough for blocks. ",
-                                  u"Gr\u00FC\u00DFe \u041F\u0440\u0438\u0432\u0435\u0442 ",
-                                  u"\u65E5\u672C\u8A9E\u306E\u6587",
-                                  u"\xD83D\xDE00\xD83D\xDC4D",
-                                  u"\xFDD0\xFFFE\xDC00\xD800 ",
-                                  u"a\u00E9\u20AC\xD83D\xDE00"};
-  std::mt19937 random(4711);
-  std::vector<std::string> texts;
-  for (int i = 0; i < count; ++i) {
-    std::u16string text;
-    while (text.size() < shortest + random() % spread) {
-      const std::u16string& kind = kinds[i % 7 == 6 ? random() % 6 : static_cast<unsigned int>(i) % 7];
-      const std::size_t start = random() % kind.size();
-      text += kind.substr(start, 1 + random() % (i % 3 == 0 ? 3 : 40));
-    }
-    texts.push_back(unitBytes(text));
-  }
-  return texts;
 }

@@ -1,0 +1,7 @@
+// Where the fuzzer enters a target.
+#include "fuzz/bytes.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  fuzz::run(fuzz::Bytes(data, size));
+  return 0;
+}

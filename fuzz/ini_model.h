@@ -1,0 +1,44 @@
+// What an INI file's object holds, as plain values that can be compared.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "vel_include/vel_inifile.h"
+
+namespace fuzz {
+
+struct IniOption {
+  std::string name, value, comment;
+
+  bool operator==(const IniOption&) const = default;
+};
+
+struct IniSection {
+  std::string name;
+  std::vector<IniOption> options;
+
+  bool operator==(const IniSection&) const = default;
+};
+
+/// All sections and options in their order, but for one option.
+inline std::vector<IniSection> modelOf(const VelClIniFile& file,
+                                       const VelClIniFileOption* without = nullptr) {
+  std::vector<IniSection> model;
+  for (const auto* section = file.getFirstSection(); section != nullptr; section = section->getNext()) {
+    model.push_back({section->getName(), {}});
+    for (const auto* option = section->getFirstOption(); option != nullptr; option = option->getNext())
+      if (option != without)
+        model.back().options.push_back({option->getName(), option->getValue(), option->getComment()});
+  }
+  return model;
+}
+
+/// The option that a query by names finds, or null.
+inline const VelClIniFileOption* findOption(const VelClIniFile& file, const std::string& section,
+                                            const std::string& option) {
+  const VelClIniFileSection* const found = file.getExistingSection(section.c_str());
+  return found != nullptr ? file.getExistingOption(*found, option.c_str()) : nullptr;
+}
+
+}  // namespace fuzz
