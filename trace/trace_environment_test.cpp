@@ -1,17 +1,14 @@
-#include <gmock/gmock.h>
-
+#include <array>
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <random>
-#include <sstream>
-#include <string>
 
 #include "trace/test/trace_fixture.h"
 
 namespace {
 
+using testing::Each;
 using testing::HasSubstr;
 using vel::test::SizedEntry;
 
@@ -34,12 +31,12 @@ class TraceEnvironment : public vel::test::TraceTest {
 TEST_F(TraceEnvironment, StartsWithTheDefaults) {
   const VelClTraceEnvironment other("some\\Key", "one", false);
   EXPECT_STREQ(other.getAsCstring(), "SEM32:some:Key:one");
-  EXPECT_FALSE(other.isActive());
-  EXPECT_TRUE(other.getSettings().usesCompression() && other.getSettings().usesAutosave());
-  EXPECT_FALSE(other.getSettings().usesAutoclear() || other.getSettings().usesAutoflush() ||
-               other.getSettings().isVerbose());
-  EXPECT_EQ(other.getSettings().getDetailLevel(), VelEnTraceDetail::LOW);
-  EXPECT_FALSE(other.getSettings().getFilter().usesCompIdFilter());
+  const VelClTraceSettings& settings = other.getSettings();
+  EXPECT_THAT((std::array{settings.usesCompression(), settings.usesAutosave()}), Each(true));
+  EXPECT_THAT((std::array{other.isActive(), settings.usesAutoclear(), settings.usesAutoflush(),
+                          settings.isVerbose(), settings.getFilter().usesCompIdFilter()}),
+              Each(false));
+  EXPECT_EQ(settings.getDetailLevel(), VelEnTraceDetail::LOW);
   EXPECT_EQ(other.getBufferSize(), 65535U - 48U);
   EXPECT_STREQ(other.getFormatString(), "%f%n   P: %p, T: %s, D: %l, C: %c%n   Data: %m (%x: %d%n)");
   EXPECT_EQ(other.getCompressionRate(), 0.0F);
@@ -66,27 +63,30 @@ TEST_F(TraceEnvironment, BoundsTheSizeOfTheRing) {
 }
 
 TEST_F(TraceEnvironment, ReadsItsVariablesAndReportsThem) {
-  set("ACTIVE", "yes");
-  set("DETAIL", "high");
-  set("AUTOFLUSH", "1");
-  set("AUTOCLEAR", "on");
-  set("AUTOSAVE", "no");
-  set("COMPRESS", "off");
-  set("COMPSET", "3");
-  set("BUFSIZE", "8");
-  set("FORMAT", "%f" + std::string(600, '.'));
-  set("VERBOSE", "TRUE");
+  const std::pair<const char*, std::string> variables[] = {
+      {"ACTIVE", "yes"},   {"DETAIL", "high"}, {"AUTOFLUSH", "1"},
+      {"AUTOCLEAR", "on"}, {"AUTOSAVE", "no"}, {"COMPRESS", "off"},
+      {"COMPSET", "3"},    {"BUFSIZE", "8"},   {"FORMAT", "%f" + std::string(600, '.')},
+      {"VERBOSE", "TRUE"}};
+  for (const auto& [suffix, value] : variables) set(suffix, value);
   std::unique_ptr<VelClTraceEnvironment> made;
   const std::string report = printed([&] { made = environment(); });
+  const std::vector<std::string> lines = {
+      "key: unit",
+      "active: 1",
+      "resource key: SEM32:unit:VELTRACEINSTANCE0",
+      "compression: 1",
+      "autosave: 1",
+      "autoflush: 1",
+      "autoclear: 1",
+      "detail: 3",
+      "buffersize: 8192",
+      "process id: " + std::to_string(VelClProcessProperty().getProcessId()),
+      "format: %f" + std::string(510, '.'),
+      "file: " + file_,
+      "sharedMemory: 0"};
   std::string expected;
-  const std::string process = std::to_string(VelClProcessProperty().getProcessId());
-  for (const std::string& line :
-       {std::string("key: unit"), std::string("active: 1"),
-        std::string("resource key: SEM32:unit:VELTRACEINSTANCE0"), std::string("compression: 1"),
-        std::string("autosave: 1"), std::string("autoflush: 1"), std::string("autoclear: 1"),
-        std::string("detail: 3"), std::string("buffersize: 8192"), "process id: " + process,
-        "format: %f" + std::string(510, '.'), "file: " + file_, std::string("sharedMemory: 0")})
-    expected += "[VEL: TRACE: " + line + "]\n";
+  for (const std::string& line : lines) expected += "[VEL: TRACE: " + line + "]\n";
   EXPECT_EQ(report, expected);
   EXPECT_TRUE(made->getSettings().isToBeDumped(VelEnTraceDetail::HIGH, 3));
   EXPECT_FALSE(made->getSettings().isToBeDumped(VelEnTraceDetail::HIGH, 4));
@@ -140,20 +140,17 @@ TEST_F(TraceEnvironment, BuildsRecordsInTheRingAsInEntries) {
   set("BUFSIZE", "4");
   for (const bool built : {false, true}) {
     std::mt19937 random(12);
-    const auto text = [&random](std::size_t longest) {
-      return std::string(random() % longest, static_cast<char>(' ' + random() % 64));
-    };
     VelClFile(file_.c_str(), nullptr).remove();
     const auto environment = this->environment();
     for (int i = 0; i < 3000; ++i) {
       environment->getSettings().enableCompression(i % 3 != 0);
-      const std::string origin = text(i % 5 == 0 ? 400 : 40);
-      const std::string message = text(60);
-      const std::string data = text(i % 100 == 0 ? 5000 : 80);
+      environment->getSettings().enableAutoflush(i % 50 == 0);
+      const auto fill = static_cast<char>(' ' + i % 64);
+      const std::string origin(random() % (i % 5 == 0 ? 400 : 40), fill), message(random() % 60, fill);
+      const std::string data(random() % (i % 100 == 0 ? 5000 : 80), fill);
       const auto detail = static_cast<VelEnTraceDetail>(i % 4);
       const auto component = static_cast<unsigned short>(i);
       const void* const start = i % 7 == 0 ? nullptr : data.data();
-      environment->getSettings().enableAutoflush(i % 50 == 0);
       if (built)
         environment->add(VelClTraceEntry(*environment, detail, component, VelEnTraceDataType::DATA,
                                          origin.c_str(), message.c_str(), start, data.size()));
