@@ -1,5 +1,5 @@
 // Runs trcctl on files that only POSIX systems have.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <sys/stat.h>
 
 #include <string>
@@ -9,6 +9,10 @@
 
 namespace {
 
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
 vel::test::ChildResult display(const std::string& file) {
   return vel::test::runChild("trcctl", {"-key", "tour", "-file", file, "-display"});
 }
@@ -17,8 +21,7 @@ vel::test::ChildResult display(const std::string& file) {
 TEST(TrcctlOnPosix, TellsAFailureToRead) {
   const vel::test::ChildResult child = display("/proc/self/mem");
   EXPECT_EQ(child.exitCode, 2);
-  EXPECT_NE(child.errors.find("unexpected end-of-file"), std::string::npos) << child.errors;
-  EXPECT_EQ(child.errors.find("Number of entries"), std::string::npos) << child.errors;
+  EXPECT_THAT(child.errors, AllOf(HasSubstr("unexpected end-of-file"), Not(HasSubstr("Number of entries"))));
 }
 
 TEST(TrcctlOnPosix, WaitsForNoPipeThatNobodyWrites) {
@@ -28,7 +31,7 @@ TEST(TrcctlOnPosix, WaitsForNoPipeThatNobodyWrites) {
   const vel::test::ChildResult child = display(pipe);
   EXPECT_FALSE(child.endedAbnormally);
   EXPECT_EQ(child.exitCode, 1);
-  EXPECT_NE(child.errors.find("Could not open trace file"), std::string::npos) << child.errors;
+  EXPECT_THAT(child.errors, HasSubstr("Could not open trace file"));
 }
 
 }  // namespace
