@@ -1,16 +1,10 @@
 // The editor changes what it is asked to and not one byte else. fuzz/inifile_editor_fuzz.cpp says so of any
 // text.
-#include <gmock/gmock.h>
 
-#include <array>
-#include <filesystem>
 #include <fstream>
 #include <memory>
-#include <string>
 
 #include "inifile/test/ini_fixture.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/table.h"
 #include "vel_include/vel.h"
 
 using testing::Each;
@@ -58,18 +52,6 @@ TEST(IniEditor, MergesAllOrNothing) {
     EXPECT_EQ(editor.merge(source), row.at(2) != "-") << row[0];
     EXPECT_EQ(textOf(editor), row[2] == "-" ? row[0] : row[2]);
   }
-}
-
-TEST(IniEditor, SavesTheTextAsItIs) {
-  const vel::test::ScratchDirectory directory;
-  const std::string path = directory.write("a.ini", "[A]\r\nx=1\r\n");
-  VelClIniFileEditor editor(path.c_str());
-  EXPECT_THAT((std::array{editor.load(true), editor.setValue("A", "x", "2"), editor.save()}), Each(true));
-  EXPECT_EQ(readFile(path), "[A]\r\nx=2\r\n");
-  EXPECT_FALSE(VelClIniFileEditor(directory.path("none").c_str()).load(true));
-  VelClIniFileEditor created(directory.path("new").c_str());
-  EXPECT_THAT((std::array{created.setValue("A", "x", "1"), created.save()}), Each(true));
-  EXPECT_EQ(readFile(directory.path("new.INI")), "[A]\nx = 1\n");
 }
 
 /// Tries to lock at once.

@@ -1,17 +1,11 @@
 // Cursors, changes to the model, and what saving writes. That it comes back is
 // fuzz/inifile_round_trip_fuzz.cpp's matter.
-#include <gmock/gmock.h>
 
-#include <array>
-#include <filesystem>
 #include <memory>
 #include <random>
 #include <sstream>
-#include <string>
 
 #include "inifile/test/ini_fixture.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/table.h"
 #include "vel_include/vel.h"
 
 using testing::Each;

@@ -1,15 +1,10 @@
 // What the parser makes of lines, and what questions answer. Any bytes at all are
 // fuzz/inifile_load_fuzz.cpp's matter.
-#include <gtest/gtest.h>
 
 #include <cstdint>
-#include <filesystem>
-#include <string>
 #include <vector>
 
 #include "inifile/test/ini_fixture.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/table.h"
 #include "platform/test/variable.h"
 #include "vel_include/vel.h"
 
@@ -178,25 +173,20 @@ TEST(IniFile, AnswersByTheValue) {
 
 TEST(IniFile, AnswersOnlyFromTheCurrentSection) {
   VelClIniFile file("unused");
-  const char* value = "untouched";
-  const char* comment = value;
+  const char *value = "untouched", *comment = value;
   loadText(file, "[A]\nx=1;c\nX=2\n[a]\ny=3\n");
-  EXPECT_FALSE(file.getOption("x", value, comment));
-  EXPECT_TRUE(file.getSection("a"));
-  EXPECT_FALSE(file.getOption("y", value, comment));
-  EXPECT_STREQ(value, comment);
+  VelClIniFileOptionCursor cursor(file, *file.getExistingSection("a"));
+  EXPECT_THAT((std::array{cursor.getValue(value), file.getOption("x", value, comment), file.getSection("a"),
+                          file.getOption("y", value, comment)}),
+              testing::ElementsAre(false, false, true, false));
+  EXPECT_STREQ(value, "untouched");
+  EXPECT_STREQ(comment, "untouched");
   EXPECT_TRUE(file.getOption("X", value, comment));
   EXPECT_STREQ(value, "1");
   EXPECT_STREQ(comment, "c");
-  VelClIniFileOptionCursor cursor(file, *file.getExistingSection("a"));
-  value = "untouched";
-  EXPECT_FALSE(cursor.getValue(value));
-  EXPECT_STREQ(value, "untouched");
-  EXPECT_TRUE(cursor.setToFirst());
-  EXPECT_TRUE(cursor.getValue(value));
-  EXPECT_STREQ(value, "1");
-  EXPECT_FALSE(file.getSection("b"));
-  EXPECT_FALSE(file.getOption("x", value));
+  EXPECT_THAT((std::array{cursor.setToFirst(), cursor.getValue(value), file.getSection("b"),
+                          file.getOption("x", value)}),
+              testing::ElementsAre(true, true, false, false));
 }
 
 // Searching the lists instead of an index would take minutes, and run into the time limit of all tests.

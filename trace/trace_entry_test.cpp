@@ -27,9 +27,9 @@ TEST_F(TraceEntry, HasThePrescribedBytes) {
   const std::string record = bytes(entry("main", "hello", "abc", 3));
   EXPECT_EQ(record.substr(0, 4), "\xC8\x34\x05\x04");
   EXPECT_EQ(record.substr(16), std::string("\3\0\0\0hellomain", 13));
-  std::uint32_t process = 0;
-  std::memcpy(&process, record.data() + 8, sizeof process);
-  EXPECT_EQ(process, VelClProcessProperty().getProcessId());
+  vel::test::RecordHead head{};
+  std::memcpy(&head, record.data(), sizeof head);
+  EXPECT_EQ(head.process, VelClProcessProperty().getProcessId());
   std::istringstream stream(record);
   VelClTraceFileEntry read(*environment_);
   ASSERT_TRUE(read.read(stream));

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <iostream>
 #include <random>
+#include <regex>
 
 #include "trace/test/trace_fixture.h"
 
@@ -71,23 +72,11 @@ TEST_F(TraceEnvironment, ReadsItsVariablesAndReportsThem) {
   for (const auto& [suffix, value] : variables) set(suffix, value);
   std::unique_ptr<VelClTraceEnvironment> made;
   const std::string report = printed([&] { made = environment(); });
-  const std::vector<std::string> lines = {
-      "key: unit",
-      "active: 1",
-      "resource key: SEM32:unit:VELTRACEINSTANCE0",
-      "compression: 1",
-      "autosave: 1",
-      "autoflush: 1",
-      "autoclear: 1",
-      "detail: 3",
-      "buffersize: 8192",
-      "process id: " + std::to_string(VelClProcessProperty().getProcessId()),
-      "format: %f" + std::string(510, '.'),
-      "file: " + file_,
-      "sharedMemory: 0"};
-  std::string expected;
-  for (const std::string& line : lines) expected += "[VEL: TRACE: " + line + "]\n";
-  EXPECT_EQ(report, expected);
+  EXPECT_EQ(std::regex_replace(report, std::regex(R"(\[VEL: TRACE: (.*)\])"), "$1"),
+            "key: unit\nactive: 1\nresource key: SEM32:unit:VELTRACEINSTANCE0\ncompression: 1\nautosave: 1\n"
+            "autoflush: 1\nautoclear: 1\ndetail: 3\nbuffersize: 8192\nprocess id: " +
+                std::to_string(VelClProcessProperty().getProcessId()) + "\nformat: %f" +
+                std::string(510, '.') + "\nfile: " + file_ + "\nsharedMemory: 0\n");
   EXPECT_TRUE(made->getSettings().isToBeDumped(VelEnTraceDetail::HIGH, 3));
   EXPECT_FALSE(made->getSettings().isToBeDumped(VelEnTraceDetail::HIGH, 4));
   EXPECT_FALSE(made->getSettings().isToBeDumped(VelEnTraceDetail::OFF, 259));
@@ -126,11 +115,12 @@ TEST_F(TraceEnvironment, SavesAndReportsEverySave) {
 
 /// Sets the time stamps of a file's records to 0.
 std::string timeless(std::string file) {
-  for (std::size_t at = 0; at + 20 <= file.size();) {
-    std::memset(&file[at + 4], 0, 4);
-    std::uint32_t data = 0;
-    std::memcpy(&data, &file[at + 16], sizeof data);
-    at += 20U + static_cast<unsigned char>(file[at + 2]) + static_cast<unsigned char>(file[at + 3]) + data;
+  vel::test::RecordHead head{};
+  for (std::size_t at = 0; at + sizeof head <= file.size();) {
+    std::memcpy(&head, &file[at], sizeof head);
+    head.time = 0;
+    std::memcpy(&file[at], &head, sizeof head);
+    at += sizeof head + head.messageLength + head.originLength + head.dataLength;
   }
   return file;
 }

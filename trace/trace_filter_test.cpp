@@ -1,5 +1,7 @@
 // Lists and sets of components are fuzz/component_list_fuzz.cpp's matter.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+#include <array>
 
 #include "vel_include/vel_trace.h"
 
@@ -20,13 +22,12 @@ TEST(TraceFilter, ReadsDetailsAndNumbers) {
   EXPECT_TRUE(filter.matchesDetail(VelEnTraceDetail(-1)));
   filter.setProcessId("12x");
   filter.setThreadId("x");
-  EXPECT_TRUE(filter.usesProcessIdFilter());
-  EXPECT_TRUE(filter.matchesProcessId(12));
-  EXPECT_FALSE(filter.matchesProcessId(13));
+  EXPECT_THAT(
+      (std::array{filter.usesProcessIdFilter(), filter.matchesProcessId(12), filter.matchesProcessId(13),
+                  filter.usesThreadIdFilter(), filter.matchesThreadId(13)}),
+      testing::ElementsAre(true, true, false, false, true));
   filter.setProcessId(static_cast<const char*>(nullptr));
   EXPECT_FALSE(filter.usesProcessIdFilter());
-  EXPECT_FALSE(filter.usesThreadIdFilter());
-  EXPECT_TRUE(filter.matchesThreadId(13));
   filter.enableComponentIds(nullptr);
   EXPECT_FALSE(filter.usesCompIdFilter());
 }

@@ -1,9 +1,16 @@
-// Models as text, for comparing them in tests.
+// What tests of INI files share: models as text, and what nearly all of them need.
 #pragma once
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
+#include "platform/test/scratch_directory.h"
+#include "platform/test/table.h"
 #include "vel_include/vel_inifile.h"
 
 namespace vel::test {
