@@ -38,17 +38,6 @@ class MessageCatalogFile : public testing::Test {
   const std::string path_ = directory_.write("own.DLL", vel::test::readFile("small_catalog.DLL"));
 };
 
-/// The German catalog under another language's number, below 0x10000. The message compiler makes no catalog
-/// without a language.
-std::string catalogOf(unsigned int language) {
-  std::string bytes = vel::test::readFile("german_catalog.DLL");
-  const std::size_t at = bytes.find(std::string("\x07\x04\0\0", 4));
-  EXPECT_EQ(bytes.find(std::string("\x07\x04\0\0", 4), at + 1), std::string::npos);
-  bytes.at(at) = static_cast<char>(language & 0xFF);
-  bytes.at(at + 1) = static_cast<char>(language >> 8);
-  return bytes;
-}
-
 TEST(MessageCatalog, ReplacesTheExtension) {
   for (const char* name : {"small_catalog", "small_catalog.txt", "small_catalog.DLL", "small_catalog.dll"}) {
     const VelClMessageCatalog catalog = open(name);
@@ -99,18 +88,23 @@ TEST_F(MessageCatalogFile, HasAtMost64Megabytes) {
 TEST(MessageCatalog, ChoosesItsLanguage) {
   const unsigned int user = userIsGerman() ? kGerman : kEnglish;
   constexpr unsigned int kNeutral = 0, kFrench = 1036;
-  // The catalog's only language, the one chosen, and whether its texts are found.
-  const std::tuple<unsigned int, unsigned int, bool> rows[] = {{kGerman, user, userIsGerman()},
-                                                               {kEnglish, kEnglish, true},
-                                                               {kFrench, kEnglish, false},
-                                                               {kNeutral, user, true}};
+  struct Row {
+    unsigned int only, chosen;
+    bool speaks;
+  };
+  const Row rows[] = {{kGerman, user, userIsGerman()},
+                      {kEnglish, kEnglish, true},
+                      {kFrench, kEnglish, false},
+                      {kNeutral, user, true}};
   for (const auto& [only, chosen, speaks] : rows) {
+    const auto bytes =
+        vel::test::libraryFile({{1, {{only, vel::test::messageTable({{1, "[ONE]%0"}, {2, "only %1%0"}})}}}});
     const vel::test::ScratchDirectory directory;
-    const std::string path = directory.write("one.DLL", catalogOf(only));
+    const std::string path = directory.write("one.DLL", {bytes.begin(), bytes.end()});
     const VelClMessageCatalog catalog = open(path);
     EXPECT_TRUE(catalog.isValid());
     EXPECT_EQ(catalog.getLanguage(), chosen) << only;
-    EXPECT_EQ(textOf(catalog, 2), speaks ? "nur 1" : "UNABLE TO LOAD MESSAGE #2 FROM CATALOG: " + path);
+    EXPECT_EQ(textOf(catalog, 2), speaks ? "only 1" : "UNABLE TO LOAD MESSAGE #2 FROM CATALOG: " + path);
   }
   for (const char* name : {"small_catalog", "small_ansi_catalog"}) {
     EXPECT_EQ(open(name).getLanguage(), user);
