@@ -98,16 +98,12 @@ TEST(Format, DumpsSixteenBytesALine) {
   const std::string first = "F0 F1 F2 F3 F4 F5 F6 F7 F8 F9 FA FB FC FD FE FF\n";
   const std::string second = "00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F\n";
   Tool tool(6);
-  const auto dumped = [&](const char* label, const void* data, std::size_t size) {
-    tool->dump(label, data, size);
-    return tool.take();
-  };
-  EXPECT_EQ(dumped("Bytes", bytes, 0), "  Bytes.: \n");
-  EXPECT_EQ(dumped("Bytes", nullptr, 5), "  Bytes.: \n");
-  EXPECT_EQ(dumped("Bytes", bytes, 1), "  Bytes.: F0\n");
-  EXPECT_EQ(dumped("Bytes", bytes, 16), "  Bytes.: " + first);
-  EXPECT_EQ(dumped("Bytes", bytes, 33), "  Bytes.: " + first + "          " + second + "          10\n");
-  EXPECT_EQ(dumped("All bytes", bytes, 17), "  All bytes: " + first + "             00\n");
+  tool->dump("Bytes", nullptr, 5);
+  for (const std::size_t size : {0U, 1U, 16U, 33U}) tool->dump("Bytes", bytes, size);
+  tool->dump("All bytes", bytes, 17);
+  EXPECT_EQ(tool.take(), "  Bytes.: \n  Bytes.: \n  Bytes.: F0\n  Bytes.: " + first + "  Bytes.: " + first +
+                             "          " + second + "          10\n  All bytes: " + first +
+                             "             00\n");
 }
 
 TEST(Format, NamesErrorsAndTellsExceptions) {

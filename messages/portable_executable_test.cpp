@@ -19,12 +19,6 @@ using vel::test::Bytes;
 using vel::test::libraryFile;
 using vel::test::messageTable;
 
-Bytes readFile(const char* name) {
-  const std::string bytes = vel::test::readFile(name);
-  EXPECT_FALSE(bytes.empty());
-  return {bytes.begin(), bytes.end()};
-}
-
 Bytes tableSaying(const char* text) {
   return messageTable({{1, text}});
 }
@@ -84,7 +78,8 @@ TEST(PortableExecutable, DamagedTreesAreLeftOut) {
 // The catalogs are the compiler's; what the loader refuses in them, it refuses in every library.
 TEST(PortableExecutable, IsALibraryOnlyAsALoaderTakesIt) {
   for (const char* name : {"small_catalog.DLL", "qammsg50.DLL"}) {
-    const Bytes sound = readFile(name);
+    const std::string file = vel::test::readFile(name);
+    const Bytes sound(file.begin(), file.end());
     EXPECT_TRUE(PortableExecutable(sound.data(), sound.size()).isValid()) << name;
     for (std::size_t size = 0; size < sound.size(); ++size) {
       const auto end = sound.begin() + static_cast<std::ptrdiff_t>(size);

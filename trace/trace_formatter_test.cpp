@@ -106,12 +106,9 @@ TEST_F(TraceFormatter, PrintsNumbersInTheFormOfTheStream) {
       << fileOf({{20, Bytes("\0\0\0\0\0\0\xF8\x3F", 8)}, {19, Bytes("\0\0\xC0\x3F", 4)}});
   formatter_.setFormatString("%d;");
   std::ostringstream text;
-  text << std::fixed << std::setprecision(2);
-  formatter_.format(text);
-  text << std::scientific << std::setprecision(1);
-  formatter_.format(text);
-  text << std::setprecision(1'000'000);
-  formatter_.format(text);
+  formatter_.format(text << std::fixed << std::setprecision(2));
+  formatter_.format(text << std::scientific << std::setprecision(1));
+  formatter_.format(text << std::setprecision(1'000'000));
   const std::string zeros(7999, '0');
   EXPECT_EQ(text.str(), "1.50;1.50;1.5e+00;1.5e+00;1.5" + zeros + "e+00;1.5" + zeros + "e+00;");
 }
@@ -120,10 +117,8 @@ TEST_F(TraceFormatter, PrintsTheLargestLongDoubleInFullInFixedForm) {
   std::ofstream(file_, std::ios::binary) << fileOf({{21, Bytes(8, '\xFF') + "\xFE\x7F"}});
   formatter_.setFormatString("%d;");
   std::ostringstream text;
-  text << std::fixed << std::setprecision(0);
-  formatter_.format(text);
-  text << std::setprecision(1'000'000);
-  formatter_.format(text);
+  formatter_.format(text << std::fixed << std::setprecision(0));
+  formatter_.format(text << std::setprecision(1'000'000));
   // 2 to the power of 16384 less 2 to the power of 16320 has 4933 digits.
   const std::string zeros(8000, '0'), shown = text.str(), number = shown.substr(0, 4933);
   EXPECT_TRUE(number.starts_with("118973149535723176502126")) << number;
