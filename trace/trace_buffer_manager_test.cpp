@@ -60,7 +60,7 @@ TEST_F(TraceBufferManager, HandsOverWhenAnEntryReachesTheEnd) {
   write(kRoom - 29);  // exactly the room left: handed over inside the write, and once more, empty, by flush
   EXPECT_THAT(calls_, SizeIs(4));
   manager_.flush();
-  // After a wrap the save position is one past the end, so that the first piece is empty. Keep.
+  // Intentional: after a wrap the save position is one past the end, so that the first piece is empty.
   EXPECT_THAT(calls_, testing::ElementsAre(Pair(SizeIs(kRoom - 1), ""), Pair(SizeIs(1), ""),
                                            Pair("", SizeIs(29)), Pair(SizeIs(kRoom - 29), ""), Pair("", "")));
   EXPECT_EQ(handedOver(), written_);
