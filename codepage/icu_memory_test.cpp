@@ -9,6 +9,7 @@
 #include "codepage/test/loaded_icu.h"
 #include "codepage/test/outcome.h"
 #include "codepage/test/strict_run.h"
+#include "platform/dynamic_libraries.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Aligned output and the settings behind it.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <climits>
 #include <map>
@@ -13,14 +13,18 @@
 
 namespace {
 
+using testing::HasSubstr;
+using testing::Not;
 using vel::test::readTexts;
 
-/// A user interface whose output is kept.
+/// A user interface whose labels have this width and whose output is kept.
 class Tool {
  public:
-  explicit Tool(const char* mustQuote = nullptr) : mustQuote_("VEL_CONSOLEUI_QUOTE_STRINGS", mustQuote) {
+  explicit Tool(unsigned int width = 36, const char* mustQuote = nullptr)
+      : mustQuote_("VEL_CONSOLEUI_QUOTE_STRINGS", mustQuote) {
     ui_.init(nullptr, nullptr, nullptr, nullptr);
     ui_.setOutputStream(stream_);
+    ui_.setFormatWidth(width);
   }
 
   VelClConsoleUI* operator->() { return &ui_; }
@@ -40,14 +44,14 @@ TEST(Format, PlacesTheLabelInItsColumn) {
   tool->setFormatFillChar('_');
   // Of a centred label the right margin is short by the odd remainders of both.
   for (const auto& row : readTexts(VEL_TEST_DATA "test/labels.tsv")) {
-    tool->setFormatStyle(styles.at(row[0]));
+    const uint32_t style = styles.at(row[0]);
     tool->setFormatWidth(static_cast<unsigned int>(std::stoul(row[1])));
+    tool->setFormatStyle(style);
+    tool->format(row[2].c_str());
+    tool->setFormatStyle(VelEnFormatStyle{style});
     tool->format(row[2].c_str());
     const std::string expected = "  " + row.at(3) + ": ";
-    EXPECT_EQ(tool.take(), expected) << row[2] << " in " << row[1];
-    tool->setFormatStyle(VelEnFormatStyle{styles.at(row[0])});
-    tool->format(row[2].c_str());
-    EXPECT_EQ(tool.take(), expected) << row[2] << " in " << row[1];
+    EXPECT_EQ(tool.take(), expected + expected) << row[2] << " in " << row[1];
   }
   tool->setFormatStyle(2);
   EXPECT_EQ(tool->getParams().getFormatStyle(), VelEnFormatStyle::CENTRED);
@@ -58,47 +62,33 @@ TEST(Format, WritesValuesOfEveryKind) {
   tool->format(180UL, "x");
   EXPECT_EQ(tool.take(), "  Trace file..........................: x\n");
   tool->setFormatWidth(1);
-  const auto written = [&](auto value) {
-    tool->format("n", value);
-    return tool.take();
-  };
-  EXPECT_EQ(written(""), "  n: \n");
-  EXPECT_EQ(written(static_cast<const char*>(nullptr)), "  n: \n");
-  EXPECT_EQ(written(INT_MIN), "  n: -2147483648\n");
-  EXPECT_EQ(written(UINT_MAX), "  n: 4294967295\n");
-  EXPECT_EQ(written(-1L), "  n: -1\n");
-  EXPECT_EQ(written(4294967295UL), "  n: 4294967295\n");
-  EXPECT_EQ(written(LLONG_MIN), "  n: -9223372036854775808\n");
-  EXPECT_EQ(written(ULLONG_MAX), "  n: 18446744073709551615\n");
+  const auto format = [&](auto... values) { (tool->format("n", values), ...); };
+  format("", static_cast<const char*>(nullptr), INT_MIN, UINT_MAX, -1L, 4294967295UL, LLONG_MIN, ULLONG_MAX);
   tool->formatBool("n", true);
   tool->formatBool(180UL, false);
-  EXPECT_EQ(tool.take(), "  n: YES\n  Trace file: NO\n");
+  EXPECT_EQ(tool.take(),
+            "  n: \n  n: \n  n: -2147483648\n  n: 4294967295\n  n: -1\n  n: 4294967295\n"
+            "  n: -9223372036854775808\n  n: 18446744073709551615\n  n: YES\n  Trace file: NO\n");
 }
 
 TEST(Format, TakesNullAndNumberZeroForAnEmptyLabel) {
-  Tool tool;
-  tool->setFormatWidth(1);
-  const auto written = [&](VelClUIText label) {
+  Tool tool(1);
+  for (const VelClUIText& label : {VelClUIText(""), VelClUIText(nullptr), VelClUIText(0UL)}) {
     tool->format(label);
     tool->format(label, "x");
     tool->format(label, 5);
     tool->formatBool(label, true);
     tool->dump(label, "x", 1);
-    return tool.take();
-  };
-  const std::string expected = "  .:   .: x\n  .: 5\n  .: YES\n  .: 78\n";
-  EXPECT_EQ(written(""), expected);
-  EXPECT_EQ(written(nullptr), expected);
-  EXPECT_EQ(written(0UL), expected);
+    EXPECT_EQ(tool.take(), "  .:   .: x\n  .: 5\n  .: YES\n  .: 78\n");
+  }
 }
 
 TEST(Format, QuotesTextsOnRequest) {
-  for (const std::string request : {"on", "1", "maybe"}) {
-    Tool tool(request.c_str());
-    tool->setFormatWidth(1);
+  for (const auto& [request, text] : {std::pair("on", "\"a b\""), std::pair("maybe", "a b")}) {
+    Tool tool(1, request);
     tool->format("n", "a b");
     tool->format("n", 5);
-    EXPECT_EQ(tool.take(), request == "maybe" ? "  n: a b\n  n: 5\n" : "  n: \"a b\"\n  n: 5\n") << request;
+    EXPECT_EQ(tool.take(), std::string("  n: ") + text + "\n  n: 5\n") << request;
   }
 }
 
@@ -107,27 +97,18 @@ TEST(Format, DumpsSixteenBytesALine) {
   for (unsigned int i = 0; i < sizeof bytes; ++i) bytes[i] = static_cast<unsigned char>(0xF0 + i);
   const std::string first = "F0 F1 F2 F3 F4 F5 F6 F7 F8 F9 FA FB FC FD FE FF\n";
   const std::string second = "00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F\n";
-  Tool tool;
-  tool->setFormatWidth(6);
-  const auto dumped = [&](const char* label, const void* data, std::size_t size) {
-    tool->dump(label, data, size);
-    return tool.take();
-  };
-  EXPECT_EQ(dumped("Bytes", bytes, 0), "  Bytes.: \n");
-  EXPECT_EQ(dumped("Bytes", nullptr, 5), "  Bytes.: \n");
-  EXPECT_EQ(dumped("Bytes", bytes, 1), "  Bytes.: F0\n");
-  EXPECT_EQ(dumped("Bytes", bytes, 16), "  Bytes.: " + first);
-  EXPECT_EQ(dumped("Bytes", bytes, 33), "  Bytes.: " + first + "          " + second + "          10\n");
-  EXPECT_EQ(dumped("All bytes", bytes, 17), "  All bytes: " + first + "             00\n");
+  Tool tool(6);
+  tool->dump("Bytes", nullptr, 5);
+  for (const std::size_t size : {0U, 1U, 16U, 33U}) tool->dump("Bytes", bytes, size);
+  tool->dump("All bytes", bytes, 17);
+  EXPECT_EQ(tool.take(), "  Bytes.: \n  Bytes.: \n  Bytes.: F0\n  Bytes.: " + first + "  Bytes.: " + first +
+                             "          " + second + "          10\n  All bytes: " + first +
+                             "             00\n");
 }
 
 TEST(Format, NamesErrorsAndTellsExceptions) {
-  Tool tool;
-  tool->setFormatWidth(0);
-  tool->formatErrId(0);
-  tool->formatErrId(1000401);
-  tool->formatErrId(1000501);
-  tool->formatErrId(4294967295UL);
+  Tool tool(0);
+  for (const unsigned long id : {0UL, 1000401UL, 1000501UL, 4294967295UL}) tool->formatErrId(id);
   EXPECT_EQ(tool.take(),
             "  Error ID: NO_ERROR (0)\n  Error ID: FILE_COULD_NOT_COPY (1000401)\n"
             "  Error ID: 1000501\n  Error ID: 4294967295\n");
@@ -140,45 +121,32 @@ TEST(Format, NamesErrorsAndTellsExceptions) {
   const std::string head =
       "  Error ID: INIFILE_INVAL_OPTION (1000002)\n  Error Class: USER_ERROR\n"
       "  Error Severity: PANIC\n  Recommended Action: USER\n";
-  tool->format(full, false);
-  EXPECT_EQ(tool.take(), head);
-  tool->format(full, true);
-  EXPECT_EQ(tool.take(), head +
+  for (const bool detailed : {false, true}) tool->format(full, detailed);
+  EXPECT_EQ(tool.take(), head + head +
                              "  Cause for exception: cause\n  Exception occured in function: here\n"
                              "  Exception occured in line: 4294967295\n");
-  tool->format(plain, false);
-  EXPECT_EQ(tool.take(), "  Error ID: NO_ERROR (0)\n");
-  tool->format(plain, true);
+  for (const bool detailed : {false, true}) tool->format(plain, detailed);
   tool->format(unknown, false);
   EXPECT_EQ(tool.take(),
-            "  Error ID: NO_ERROR (0)\n  Error Class: UNKNOWN\n  Error Severity: NONE\n  Recommended Action: "
-            "IGNORE\n"
+            "  Error ID: NO_ERROR (0)\n"
+            "  Error ID: NO_ERROR (0)\n  Error Class: UNKNOWN\n  Error Severity: NONE\n"
+            "  Recommended Action: IGNORE\n"
             "  Error ID: 5\n  Error Class: 555\n  Error Severity: 3\n  Recommended Action: -9\n");
 }
 
 /// A program's own exception.
-class HostException : public VelClException {
- public:
-  explicit HostException(const char* cause)
-      : VelClException(_VelStUserError(), "the base's"), hostCause_(cause) {}
-  bool isVelException() const override { return false; }
-  const char* getCause() const override { return hostCause_; }
-
- private:
-  const char* hostCause_;
+struct HostException : VelClException {
+  explicit HostException(const char* cause) : VelClException(_VelStUserError(), "base"), hostCause(cause) {}
+  const char* getCause() const override { return hostCause; }
+  const char* hostCause;
 };
 
 TEST(Format, AsksAnExceptionOfTheProgram) {
   Tool tool;
-  try {
-    throw HostException("the host's");
-  } catch (const VelClException& caught) {
-    EXPECT_FALSE(caught.isVelException());
-    tool->format(caught, true);
-  }
-  EXPECT_NE(tool.take().find(": the host's\n"), std::string::npos);
+  tool->format(HostException("host"), true);
+  EXPECT_THAT(tool.take(), HasSubstr(": host\n"));
   tool->format(HostException(nullptr), true);
-  EXPECT_EQ(tool.take().find("Cause"), std::string::npos);
+  EXPECT_THAT(tool.take(), Not(HasSubstr("Cause")));
 }
 
 TEST(Format, KeepsItsStreamInQuietMode) {
@@ -187,7 +155,7 @@ TEST(Format, KeepsItsStreamInQuietMode) {
   tool->getParams().setQuietMode(true);
   tool->setOutputStream(other);
   tool->warning("one", nullptr, "three");
-  EXPECT_NE(tool.take().find("  one: three\n"), std::string::npos);
+  EXPECT_THAT(tool.take(), HasSubstr("  one: three\n"));
   tool->info("unheard");
   tool->displayTitle("Tool", nullptr);
   EXPECT_EQ(tool.take(), "\nTRCCTL - Tool\n");

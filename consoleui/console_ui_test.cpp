@@ -16,6 +16,12 @@ TEST(ConsoleUI, FollowsTheSession) {
   vel::test::expectSession(VEL_TEST_DATA "test/console_ui.session");
 }
 
+// Whole dialogues with redirected input: prompt_child asks. A terminal is platform/posix/console_test.cpp's
+// matter.
+TEST(Prompts, FollowTheSession) {
+  vel::test::expectSession(VEL_TEST_DATA "test/prompts.session");
+}
+
 /// Copies ui_child and the libraries beside it, but no catalog (those end in capitals), and returns the copy.
 std::string copyToolTo(const vel::test::ScratchDirectory& directory) {
   const std::filesystem::path own(vel::test::ownProgram());

@@ -3,7 +3,6 @@
 
 #include <cctype>
 #include <cstring>
-#include <memory>
 #include <string>
 
 #include "platform/test/table.h"
@@ -89,32 +88,6 @@ TEST(UsageCursor, KnowsSwitchesAndDisplayedCharacters) {
   for (int c = 0; c < 256; ++c)
     EXPECT_EQ(VelClUsageCursor::isToBeDisplayed(static_cast<char>(c)), c != '(' && c != ')' && c != '"') << c;
   EXPECT_EQ(walkOver(nullptr), "");
-}
-
-/// Asks everything at every stop. False when the walk does not move forward at each step.
-bool walkAdvances(const char* usage) {
-  VelClUsageCursor cursor(usage);
-  const std::size_t length = std::strlen(usage);
-  std::size_t steps = 0;
-  for (bool more = cursor.setToFirst(); more; more = cursor.setToNext()) {
-    if (++steps > length || !cursor.isValid()) return false;
-    const bool takesValue = cursor.reqArg();
-    if (cursor.reqArgEllipsis() && !takesValue) return false;
-    if (cursor.isSwitch() ? cursor.isFree() : cursor.matchesSwitch("-")) return false;
-  }
-  return !cursor.isValid();
-}
-
-TEST(UsageCursor, EveryShortWalkEndsInsideItsText) {
-  const std::string alphabet = "-/<>.()[]!\"a5 \n";
-  for (std::size_t length = 0, texts = 1; length <= 5; ++length, texts *= alphabet.size())
-    for (std::size_t text = 0; text < texts; ++text) {
-      // Exactly as large as the text, so that a sanitizer sees one byte too many.
-      const auto usage = std::make_unique<char[]>(length + 1);
-      for (std::size_t at = 0, rest = text; at < length; ++at, rest /= alphabet.size())
-        usage[at] = alphabet[rest % alphabet.size()];
-      ASSERT_TRUE(walkAdvances(usage.get())) << usage.get();
-    }
 }
 
 }  // namespace

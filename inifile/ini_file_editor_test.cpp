@@ -1,17 +1,13 @@
 // The editor changes what it is asked to and not one byte else. fuzz/inifile_editor_fuzz.cpp says so of any
 // text.
-#include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 #include <memory>
-#include <string>
 
 #include "inifile/test/ini_fixture.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/table.h"
 #include "vel_include/vel.h"
 
+using testing::Each;
 using vel::test::readFile;
 using vel::test::readTexts;
 using vel::test::shown;
@@ -41,8 +37,8 @@ TEST(IniEditor, ChangesNothingElse) {
     EXPECT_EQ(shown(editor.getIniFile()) == model, !changed) << row[0];
     if (!changed || row[2] == "-" || row[3] == "-") continue;
     const char* value = nullptr;
-    EXPECT_TRUE(editor.getIniFile().getSection(row[1].c_str()) &&
-                editor.getIniFile().getOption(row[2].c_str(), value));
+    EXPECT_TRUE(editor.getIniFile().getSection(row[1].c_str()));
+    EXPECT_TRUE(editor.getIniFile().getOption(row[2].c_str(), value));
     EXPECT_EQ(value, row[3]);
   }
 }
@@ -58,18 +54,6 @@ TEST(IniEditor, MergesAllOrNothing) {
   }
 }
 
-TEST(IniEditor, SavesTheTextAsItIs) {
-  const vel::test::ScratchDirectory directory;
-  const std::string path = directory.write("a.ini", "[A]\r\nx=1\r\n");
-  VelClIniFileEditor editor(path.c_str());
-  EXPECT_TRUE(editor.load(true) && editor.setValue("A", "x", "2") && editor.save());
-  EXPECT_EQ(readFile(path), "[A]\r\nx=2\r\n");
-  EXPECT_FALSE(VelClIniFileEditor(directory.path("none").c_str()).load(true));
-  VelClIniFileEditor created(directory.path("new").c_str());
-  EXPECT_TRUE(created.setValue("A", "x", "1") && created.save());
-  EXPECT_EQ(readFile(directory.path("new.INI")), "[A]\nx = 1\n");
-}
-
 /// Tries to lock at once.
 bool locks(VelClIniFileEditor& editor) {
   return editor.lock(0) == VelEnIniFileLock::LOCKED;
@@ -81,80 +65,83 @@ TEST(IniEditor, LocksOutOtherEditorsUntilItHasSaved) {
     SCOPED_TRACE(path);
     VelClIniFileEditor first(path.c_str()), second(path.c_str());
     EXPECT_TRUE(locks(first));
-    EXPECT_EQ(second.lock(0), VelEnIniFileLock::TIMED_OUT);
-    EXPECT_EQ(second.lock(30), VelEnIniFileLock::TIMED_OUT);
+    for (const unsigned int waitMs : {0U, 30U}) EXPECT_EQ(second.lock(waitMs), VelEnIniFileLock::TIMED_OUT);
     first.load(true);
     EXPECT_TRUE(first.setValue("A", "x", "2"));
     EXPECT_FALSE(locks(second));
-    EXPECT_TRUE(first.save() && locks(second));
+    EXPECT_THAT((std::array{first.save(), locks(second)}), Each(true));
     // Also what was made anew is locked now, and changes follow each other.
     EXPECT_FALSE(locks(first));
-    EXPECT_TRUE(second.load(true) && second.setValue("A", "y", "3") && second.save());
-    const char* value = nullptr;
-    EXPECT_TRUE(locks(first) && locks(first) && first.load(true));
-    EXPECT_TRUE(first.getIniFile().getSection("A") && first.getIniFile().getOption("x", value));
-    EXPECT_STREQ(value, "2");
+    EXPECT_THAT((std::array{second.load(true), second.setValue("A", "y", "3"), second.save(), locks(first),
+                            locks(first), first.load(true)}),
+                Each(true));
+    EXPECT_EQ(shown(first.getIniFile()), "[A]x=2|y=3|");
     first.unlock();
     EXPECT_TRUE(locks(second));
   }
   EXPECT_TRUE(locks(*std::make_unique<VelClIniFileEditor>(directory.path("old.ini").c_str())));
-  EXPECT_EQ(VelClIniFileEditor(directory.path("none/a.ini").c_str()).lock(0), VelEnIniFileLock::FAILED);
-  EXPECT_EQ(VelClIniFileEditor(directory.path(".").c_str()).lock(0), VelEnIniFileLock::FAILED);
+  for (const char* const entry : {"none/a.ini", "."})
+    EXPECT_EQ(VelClIniFileEditor(directory.path(entry).c_str()).lock(0), VelEnIniFileLock::FAILED) << entry;
 }
 
-/// What another program does to a file that is locked, or was read before.
-enum class Meanwhile { Nothing, Replaced, Removed, Made, Changed };
-
-void act(Meanwhile meanwhile, const std::string& path) {
-  if (meanwhile == Meanwhile::Nothing) return;
-  if (meanwhile == Meanwhile::Changed) {
-    std::ofstream(path, std::ios::app) << "y=1\n";
-    return;
-  }
-  if (meanwhile == Meanwhile::Removed) {
-    std::filesystem::remove(path);
-    return;
-  }
+/// What another program does to a file.
+void replace(const std::string& path) {
   // Beside the old one for a while, so that it has a number of its own.
   std::ofstream(path + "2") << "[B]\nx=1\n";
   std::filesystem::rename(path + "2", path);
 }
+void remove(const std::string& path) {
+  std::filesystem::remove(path);
+}
+void append(const std::string& path) {
+  std::ofstream(path, std::ios::app) << "y=1\n";
+}
+
+/// What an editor does, and where the other program acts.
+enum Step { LOCK, READ, SAVE, OTHER };
 
 TEST(IniEditor, SavesOnlyOverTheFileThatItLocked) {
   struct Row {
     const char* name;
-    const char* steps;  ///< l locks, r reads, s saves, ! is where the other program acts
-    Meanwhile meanwhile;
-    bool works;
+    std::vector<Step> steps;
+    void (*other)(const std::string& path);
+    bool works = false;
+    bool isMade = false;
   };
   const Row rows[] = {
-      {"nothing", "l!rs", Meanwhile::Nothing, true},  {"again", "lrslrs!", Meanwhile::Nothing, true},
-      {"before", "!lrs", Meanwhile::Replaced, true},  {"reading", "l!r", Meanwhile::Replaced, false},
-      {"saving", "lr!s", Meanwhile::Replaced, false}, {"unread", "l!s", Meanwhile::Replaced, false},
-      {"stale", "r!ls", Meanwhile::Replaced, false},  {"removed", "lr!s", Meanwhile::Removed, false},
-      {"changed", "lr!s", Meanwhile::Changed, false}, {"made", "l!s", Meanwhile::Made, false},
-      {"free", "r!s", Meanwhile::Replaced, true},
+      {"again", {LOCK, READ, SAVE, LOCK, READ, SAVE}, nullptr, true},
+      {"replaced before", {OTHER, LOCK, READ, SAVE}, replace, true},
+      {"replaced without a lock", {READ, OTHER, SAVE}, replace, true},
+      {"replaced and read", {LOCK, OTHER, READ}, replace},
+      {"replaced and saved", {LOCK, READ, OTHER, SAVE}, replace},
+      {"replaced, saved and never read", {LOCK, OTHER, SAVE}, replace},
+      {"replaced before the lock", {READ, OTHER, LOCK, SAVE}, replace},
+      {"removed", {LOCK, READ, OTHER, SAVE}, remove},
+      {"changed", {LOCK, READ, OTHER, SAVE}, append},
+      {"made", {LOCK, OTHER, SAVE}, replace, false, true},
   };
   const vel::test::ScratchDirectory directory;
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
     const std::string path = directory.path(std::string(row.name) + ".ini");
-    if (row.meanwhile != Meanwhile::Made) directory.write(std::string(row.name) + ".ini", "[A]\nx=1\n");
+    if (!row.isMade) std::ofstream(path) << "[A]\nx=1\n";
     VelClIniFileEditor editor(path.c_str());
     // What is there at the end if the last step fails.
     std::string before;
     bool works = true;
-    for (const char* step = row.steps; *step != '\0' && works; ++step) {
-      if (*step == '!') act(row.meanwhile, path);
+    for (const Step step : row.steps) {
+      EXPECT_TRUE(works) << "before the last step";
+      if (step == OTHER) row.other(path);
       before = readFile(path);
-      if (*step == 'l') works = locks(editor);
-      if (*step == 'r') works = editor.load(true);
-      if (*step == 's') works = editor.setValue("A", "x", "2") && editor.save();
+      if (step == LOCK) works = locks(editor);
+      if (step == READ) works = editor.load(true);
+      if (step == SAVE) works = editor.setValue("A", "x", "2") && editor.save();
     }
     EXPECT_EQ(works, row.works);
     EXPECT_EQ(editor.isReplaced(), !row.works);
-    EXPECT_TRUE(row.works || readFile(path) == before);
-    EXPECT_EQ(std::filesystem::exists(path), row.meanwhile != Meanwhile::Removed);
+    EXPECT_EQ(std::filesystem::exists(path), row.other != remove);
+    if (row.works) continue;
+    EXPECT_EQ(readFile(path), before);
   }
 }
 

@@ -24,9 +24,9 @@ std::string expand(const std::string& text, std::size_t capacity = 4096) {
   return result.complete ? std::string(out.data(), result.length) : kFailed;
 }
 
-std::string substitute(const std::string& text, std::size_t maxLength = 4096, std::uint32_t count = 10) {
-  std::vector<char> out(maxLength + 1, '#');
-  const std::size_t length = expandTableText(text.c_str(), kInserts, count, out.data(), maxLength);
+std::string substitute(const std::string& text, std::uint32_t count = 10) {
+  std::vector<char> out(4097, '#');
+  const std::size_t length = expandTableText(text.c_str(), kInserts, count, out.data(), 4096);
   EXPECT_EQ(std::strlen(out.data()), length) << text;
   return out.data();
 }
@@ -43,12 +43,9 @@ TEST(ResourceText, ReadsNoFurtherThanItsLength) {
   EXPECT_EQ(expandResourceText("a%12", 3, kInserts, out, sizeof out).length, 4U);
 }
 
+// More sizes, of both kinds of texts, are fuzz/message_fuzz.cpp's matter.
 TEST(ResourceText, FitsWholeOrNotAtAll) {
-  for (const char* text :
-       {"abcd", "a%3!3.2s!", "%1d", "d%1", "a%n%t", "\n\n", "%1!4s!", "%1!-4s!", "%2%7%%"}) {
-    for (std::size_t capacity = 0; capacity < 8; ++capacity)
-      EXPECT_EQ(expand(text, capacity) != kFailed, capacity > 4) << text << " into " << capacity;
-  }
+  EXPECT_EQ(expand("", 0), kFailed);
   EXPECT_EQ(expand("%1!99999999999999999999999s!"), kFailed);
   EXPECT_EQ(expand("%1!.99999999999999999999999s!"), "one");
   EXPECT_EQ(expand("%1!4095s!").size(), 4095U);
@@ -58,14 +55,8 @@ TEST(ResourceText, FitsWholeOrNotAtAll) {
 TEST(TableText, SubstitutesVariables) {
   for (const auto& row : readTable(VEL_TEST_DATA "test/table_texts.tsv"))
     EXPECT_EQ(substitute(unescaped(row[0])), unescaped(row.at(1))) << row[0];
-  EXPECT_EQ(substitute("%1 %2", 100, 1), "one ???");
-  EXPECT_EQ(substitute("%1", 100, 0), "???");
-}
-
-TEST(TableText, IsCutAtTheMaximum) {
-  const std::string whole = "a%three???xb";
-  for (std::size_t maxLength = 0; maxLength <= whole.size() + 1; ++maxLength)
-    EXPECT_EQ(substitute("a%%%3%xb", maxLength), whole.substr(0, maxLength)) << maxLength;
+  EXPECT_EQ(substitute("%1 %2", 1), "one ???");
+  EXPECT_EQ(substitute("%1", 0), "???");
 }
 
 }  // namespace

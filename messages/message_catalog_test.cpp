@@ -27,104 +27,97 @@ std::string textOf(const VelClMessageCatalog& catalog, unsigned long id) {
   return VelClMessage(catalog, id, "1").getAsCString();
 }
 
-/// The German catalog under another language's number, below 0x10000. The message compiler makes no catalog
-/// without a language.
-std::string catalogOf(unsigned int language) {
-  std::string bytes = vel::test::readFile("german_catalog.DLL");
-  const std::size_t at = bytes.find(std::string("\x07\x04\0\0", 4));
-  EXPECT_EQ(bytes.find(std::string("\x07\x04\0\0", 4), at + 1), std::string::npos);
-  bytes.at(at) = static_cast<char>(language & 0xFF);
-  bytes.at(at + 1) = static_cast<char>(language >> 8);
-  return bytes;
+VelClMessageCatalog open(const std::string& name) {
+  return VelClMessageCatalog(VelClFilename(name.c_str()));
 }
+
+/// A directory with a small catalog of its own.
+class MessageCatalogFile : public testing::Test {
+ protected:
+  vel::test::ScratchDirectory directory_;
+  const std::string path_ = directory_.write("own.DLL", vel::test::readFile("small_catalog.DLL"));
+};
 
 TEST(MessageCatalog, ReplacesTheExtension) {
   for (const char* name : {"small_catalog", "small_catalog.txt", "small_catalog.DLL", "small_catalog.dll"}) {
-    const VelClMessageCatalog catalog{VelClFilename(name)};
+    const VelClMessageCatalog catalog = open(name);
     EXPECT_TRUE(catalog.isValid()) << name;
     EXPECT_STREQ(catalog.getAsCString(), "small_catalog.DLL");
     EXPECT_FALSE(catalog.hasDefaultVelCatalog());
   }
-  EXPECT_STREQ(VelClMessageCatalog(VelClFilename("no.such.catalog")).getAsCString(), "no.such.DLL");
+  EXPECT_STREQ(open("no.such.catalog").getAsCString(), "no.such.DLL");
 }
 
-TEST(MessageCatalog, LoadsFromADirectory) {
-  const vel::test::ScratchDirectory directory;
-  directory.write("moved.DLL", vel::test::readFile("small_catalog.DLL"));
-  directory.write("garbage.DLL", std::string(1000, 'x'));
-  directory.write("empty.DLL", "");
-  const std::string own = vel::test::readFile("qammsg50.DLL");
-  for (const std::size_t size : {std::size_t{300}, std::size_t{4000}, own.size() / 2, own.size() - 512})
-    directory.write("cut" + std::to_string(size) + ".DLL", own.substr(0, size));
-  std::filesystem::create_directory(directory.path("folder.DLL"));
-  EXPECT_EQ(textOf(VelClMessageCatalog(VelClFilename(directory.path("moved.x").c_str())), 1), "[SMALL]");
-  for (const std::string name :
-       {"garbage", "empty", "folder", "small_catalog", "cut300", "cut4000", "cut16384", "cut32256"}) {
-    const VelClMessageCatalog catalog(VelClFilename(directory.path(name).c_str()));
+TEST_F(MessageCatalogFile, IsLoadedFromADirectory) {
+  directory_.write("garbage.DLL", std::string(1000, 'x'));
+  directory_.write("empty.DLL", "");
+  std::filesystem::create_directory(directory_.path("folder.DLL"));
+  EXPECT_EQ(textOf(open(directory_.path("own.x")), 1), "[SMALL]");
+  for (const std::string name : {"garbage", "empty", "folder", "small_catalog"}) {
+    const VelClMessageCatalog catalog = open(directory_.path(name));
     EXPECT_FALSE(catalog.isValid()) << name;
-    EXPECT_EQ(textOf(catalog, 1), "UNABLE TO LOAD MESSAGE CATALOG: " + directory.path(name) + ".DLL");
+    EXPECT_EQ(textOf(catalog, 1), "UNABLE TO LOAD MESSAGE CATALOG: " + directory_.path(name) + ".DLL");
   }
 }
 
-TEST(MessageCatalog, LoadsALibraryThatTheProcessUsesAlready) {
-  const vel::test::ScratchDirectory directory;
-  const std::string path = directory.write("used.DLL", vel::test::readFile("small_catalog.DLL"));
-  const VelClMessageCatalog first{VelClFilename(path.c_str())};
+TEST_F(MessageCatalogFile, MayBeALibraryThatTheProcessUsesAlready) {
+  const VelClMessageCatalog first = open(path_);
   // Only Windows loads it as a library.
-  const VelClDllFile used{VelClFilename(path.c_str())};
+  const VelClDllFile used{VelClFilename(path_.c_str())};
   EXPECT_EQ(used.isValid(), velGetOperatingSystemId() != 0);
-  const VelClMessageCatalog second{VelClFilename(path.c_str())};
   EXPECT_EQ(textOf(first, 1), "[SMALL]");
-  EXPECT_EQ(textOf(second, 1), "[SMALL]");
+  EXPECT_EQ(textOf(open(path_), 1), "[SMALL]");
 }
 
-TEST(MessageCatalog, DoesNotDependOnItsFileOnceItIsOpen) {
-  const vel::test::ScratchDirectory directory;
-  const std::string path = directory.write("cut.DLL", vel::test::readFile("small_catalog.DLL"));
-  const VelClMessageCatalog catalog{VelClFilename(path.c_str())};
-  std::filesystem::resize_file(path, 0);
+TEST_F(MessageCatalogFile, IsNotNeededOnceItIsOpen) {
+  const VelClMessageCatalog catalog = open(path_);
+  std::filesystem::resize_file(path_, 0);
   EXPECT_EQ(textOf(catalog, 1), "[SMALL]");
-  std::filesystem::remove(path);
-  EXPECT_FALSE(VelClMessageCatalog{VelClFilename(path.c_str())}.isValid());
+  std::filesystem::remove(path_);
+  EXPECT_FALSE(open(path_).isValid());
   EXPECT_EQ(textOf(catalog, 5), userIsGerman() ? "zwei\r\nZeilen" : "two\r\nlines");
 }
 
-TEST(MessageCatalog, FilesOfMoreThan64MegabytesDoNotLoad) {
-  const vel::test::ScratchDirectory directory;
-  const std::string path = directory.write("large.DLL", vel::test::readFile("small_catalog.DLL"));
+TEST_F(MessageCatalogFile, HasAtMost64Megabytes) {
   for (const std::uintmax_t size : {std::uintmax_t{64} << 20, (std::uintmax_t{64} << 20) + 1}) {
-    std::filesystem::resize_file(path, size);
-    EXPECT_EQ(VelClMessageCatalog{VelClFilename(path.c_str())}.isValid(), size == 64U << 20);
+    std::filesystem::resize_file(path_, size);
+    EXPECT_EQ(open(path_).isValid(), size == 64U << 20);
   }
 }
 
 TEST(MessageCatalog, ChoosesItsLanguage) {
   const unsigned int user = userIsGerman() ? kGerman : kEnglish;
   constexpr unsigned int kNeutral = 0, kFrench = 1036;
-  // The catalog's only language, the one chosen, and whether its texts are found.
-  const std::tuple<unsigned int, unsigned int, bool> rows[] = {{kGerman, user, userIsGerman()},
-                                                               {kEnglish, kEnglish, true},
-                                                               {kFrench, kEnglish, false},
-                                                               {kNeutral, user, true}};
+  struct Row {
+    unsigned int only, chosen;
+    bool speaks;
+  };
+  const Row rows[] = {{kGerman, user, userIsGerman()},
+                      {kEnglish, kEnglish, true},
+                      {kFrench, kEnglish, false},
+                      {kNeutral, user, true}};
   for (const auto& [only, chosen, speaks] : rows) {
+    const auto bytes =
+        vel::test::libraryFile({{1, {{only, vel::test::messageTable({{1, "[ONE]%0"}, {2, "only %1%0"}})}}}});
     const vel::test::ScratchDirectory directory;
-    const std::string path = directory.write("one.DLL", catalogOf(only));
-    const VelClMessageCatalog catalog(VelClFilename(path.c_str()));
+    const std::string path = directory.write("one.DLL", {bytes.begin(), bytes.end()});
+    const VelClMessageCatalog catalog = open(path);
     EXPECT_TRUE(catalog.isValid());
     EXPECT_EQ(catalog.getLanguage(), chosen) << only;
-    EXPECT_EQ(textOf(catalog, 2), speaks ? "nur 1" : "UNABLE TO LOAD MESSAGE #2 FROM CATALOG: " + path);
+    EXPECT_EQ(textOf(catalog, 2), speaks ? "only 1" : "UNABLE TO LOAD MESSAGE #2 FROM CATALOG: " + path);
   }
   for (const char* name : {"small_catalog", "small_ansi_catalog"}) {
-    const VelClMessageCatalog catalog{VelClFilename(name)};
-    EXPECT_EQ(catalog.getLanguage(), user);
-    EXPECT_EQ(textOf(catalog, 5), userIsGerman() ? "zwei\r\nZeilen" : "two\r\nlines");
+    EXPECT_EQ(open(name).getLanguage(), user);
+    EXPECT_EQ(textOf(open(name), 5), userIsGerman() ? "zwei\r\nZeilen" : "two\r\nlines");
   }
 }
 
 TEST(MessageCatalog, TheLibrarysOwnReadsLikeTheBuiltInTable) {
   const char* const variables[10] = {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"};
   const VelClMessageCatalog library, table(velMsgCatGetBuiltInTable(nullptr), 221);
-  EXPECT_TRUE(library.isValid() && library.hasDefaultVelCatalog() && !library.hasValidStringTable());
+  EXPECT_TRUE(library.isValid());
+  EXPECT_TRUE(library.hasDefaultVelCatalog());
+  EXPECT_FALSE(library.hasValidStringTable());
   EXPECT_EQ(textOf(library, 17), userIsGerman() ? "Aufruf" : "Usage");
   EXPECT_EQ(textOf(library, 221), "UNABLE TO LOAD MESSAGE #221 FROM CATALOG: qammsg50.DLL");
   for (unsigned long id = 1; id <= 220; ++id) {
@@ -155,25 +148,25 @@ TEST(MessageCatalog, TheLibrarysOwnIsNotTheOneInTheCurrentDirectory) {
 }
 
 TEST(MessageCatalog, AsksItsStringTableWithoutALibrary) {
-  const char* const table[] = {"", "name", "text"};
-  VelClMessageCatalog catalog(VelClFilename("absent"));
+  const char* const table[] = {"", "name", "text", "third"};
+  VelClMessageCatalog catalog = open("absent"), library = open("small_catalog");
   EXPECT_FALSE(catalog.hasValidStringTable());
   catalog.useStringTable(table, 3);
-  EXPECT_TRUE(catalog.hasValidStringTable() && !catalog.isValid());
+  EXPECT_TRUE(catalog.hasValidStringTable());
+  EXPECT_FALSE(catalog.isValid());
   EXPECT_EQ(catalog.getLanguage(), 0U);
   EXPECT_EQ(textOf(catalog, 2), "text");
   catalog.useStringTable(table, 2);
   EXPECT_EQ(textOf(catalog, 2), "UNABLE TO LOAD MESSAGE CATALOG: absent.DLL");
   // A library wins, also for what only the table has.
-  VelClMessageCatalog library(VelClFilename("small_catalog"));
-  const char* const longer[] = {"", "name", "text", "third"};
-  library.useStringTable(longer, 4);
+  library.useStringTable(table, 4);
   EXPECT_EQ(textOf(library, 3), "UNABLE TO LOAD MESSAGE #3 FROM CATALOG: small_catalog.DLL");
   library.useStringTable(nullptr, 5);
   EXPECT_FALSE(library.hasValidStringTable());
   unsigned long size = 0;
   const char* const* builtIn = velMsgCatGetBuiltInTable(&size);
-  EXPECT_TRUE(velMsgCatGetBuiltInTable(nullptr) == builtIn && size == 221);
+  EXPECT_EQ(velMsgCatGetBuiltInTable(nullptr), builtIn);
+  EXPECT_EQ(size, 221U);
   EXPECT_EQ(textOf(VelClMessageCatalog(builtIn, size), 221), "UNABLE TO LOAD MESSAGE CATALOG: ");
 }
 
@@ -200,7 +193,7 @@ TEST(MessageCatalog, OpeningSetsTheLocale) {
   const char* const table[] = {"", "name"};
   const VelClMessageCatalog withoutLibrary(table, 2);
   EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
-  const VelClMessageCatalog absent(VelClFilename("absent"));
+  const VelClMessageCatalog absent = open("absent");
   EXPECT_EQ(std::setlocale(LC_ALL, nullptr), user);
   std::setlocale(LC_ALL, before.c_str());
 }
@@ -214,7 +207,8 @@ std::string listOf(const VelClMessageCatalog& catalog) {
     for (bool more = cursor.setToFirst(); more; more = cursor.setToNext())
       list += std::to_string(cursor.getId()) + '/' + std::to_string(cursor.getLanguage()) + ':' +
               cursor.getAsCString() + '|';
-    EXPECT_FALSE(cursor.isValid() || cursor.setToNext());
+    EXPECT_FALSE(cursor.isValid());
+    EXPECT_FALSE(cursor.setToNext());
     EXPECT_EQ(cursor.getId() + cursor.getLanguage(), 0U);
     EXPECT_STREQ(cursor.getAsCString(), "");
   }
@@ -227,16 +221,16 @@ TEST(MessageCatalogCursor, ListsLibrariesAndTables) {
     return "1/1031:[SMALL]%0|1/1033:[SMALL]%0|2/1031:" + greeting +
            ", %1%0|2/1033:Hello, %1%0|5/1031:zwei\nZeilen|5/1033:two\nlines|";
   };
-  VelClMessageCatalog library(VelClFilename("small_catalog"));
+  VelClMessageCatalog library = open("small_catalog");
   EXPECT_EQ(listOf(library), small("Gr\u00FC\u00DFe"));
-  EXPECT_EQ(listOf(VelClMessageCatalog(VelClFilename("small_ansi_catalog"))), small("Gr\xFC\xDF"
-                                                                                    "e"));
+  EXPECT_EQ(listOf(open("small_ansi_catalog")), small("Gr\xFC\xDF"
+                                                      "e"));
   const char* const table[] = {"signature", "name", "%1", nullptr, "last"};
   EXPECT_EQ(listOf(VelClMessageCatalog(table, 5)), "1/0:name|2/0:%1|3/0:|4/0:last|");
   library.useStringTable(table, 5);
   EXPECT_EQ(listOf(library), small("Gr\u00FC\u00DFe"));
   EXPECT_EQ(listOf(VelClMessageCatalog(table, 1)), "");
-  EXPECT_EQ(listOf(VelClMessageCatalog(VelClFilename("absent"))), "");
+  EXPECT_EQ(listOf(open("absent")), "");
 }
 
 /// The list of a file that a compiler would not write.
@@ -248,7 +242,7 @@ std::string listOf(const vel::test::TestTables& tables, std::u16string_view text
   for (std::size_t i = 0; i < 2 * text.size(); ++i)
     file.at(at + i) = static_cast<char>(text[i / 2] >> (i % 2 == 0 ? 0 : 8));
   const std::string path = directory.write("made.DLL", file);
-  const VelClMessageCatalog catalog(VelClFilename(path.c_str()));
+  const VelClMessageCatalog catalog = open(path);
   EXPECT_EQ(textOf(catalog, 4), "UNABLE TO LOAD MESSAGE #4 FROM CATALOG: " + path);
   return listOf(catalog);
 }
@@ -262,31 +256,26 @@ TEST(MessageCatalogCursor, WritesEveryCharacterAsUtf8) {
   EXPECT_EQ(listOf({{2, {{0, unicode}}}}), "");
 }
 
-/// A table of this many messages without text.
-vel::test::Bytes tableOfNothing(std::uint32_t count) {
-  vel::test::Bytes table;
-  table.add32(1).add32(1).add32(count).add32(16);
-  for (std::uint32_t i = 0; i < count; ++i) table.add16(4).add16(0);
-  return table;
-}
-
 TEST(MessageCatalogCursor, SharedTablesAreListedAsFarAsTheFilesSizeAllows) {
   struct Row {
     std::uint32_t messages, languages;
     bool all;
   };
   for (const auto& [messages, languages, all] : {Row{100, 60, true}, Row{20000, 1000, false}}) {
+    vel::test::Bytes table;
+    table.add32(1).add32(1).add32(messages).add32(16);
+    for (std::uint32_t i = 0; i < messages; ++i) table.add32(4);  // an entry without text
+    const auto bytes = vel::test::libraryOfSharedBranches(table, 1, languages);
     const vel::test::ScratchDirectory directory;
-    const auto bytes = vel::test::libraryOfSharedBranches(tableOfNothing(messages), 1, languages);
-    const std::string path = directory.write("shared.DLL", {bytes.begin(), bytes.end()});
-    const VelClMessageCatalog catalog(VelClFilename(path.c_str()));
+    const VelClMessageCatalog catalog = open(directory.write("shared.DLL", {bytes.begin(), bytes.end()}));
     ASSERT_TRUE(catalog.isValid());
     const vel::test::WatchedMemory memory;
     VelClMessageCatalogCursor cursor(catalog);
     // 24 bytes for an entry, as many entries as cost 16 bytes each, and 1 MB for small files.
     EXPECT_LE(memory.lastSize, 6 * bytes.size() + (2U << 20));
     EXPECT_GE(memory.lastSize, std::size_t{24} * messages);
-    EXPECT_TRUE(cursor.setToFirst() && cursor.getId() == 1 && cursor.getLanguage() == 1);
+    EXPECT_TRUE(cursor.setToFirst());
+    EXPECT_EQ(std::pair(cursor.getId(), cursor.getLanguage()), std::pair(1UL, 1U));
     if (!all) continue;
     std::size_t count = 1;
     while (cursor.setToNext()) ++count;

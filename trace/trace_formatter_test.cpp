@@ -1,16 +1,10 @@
 // What the formatter makes of records: every type of data, formats, and options. Files that are damaged are
 // fuzz/trace_formatter_fuzz.cpp's matter.
-#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <fstream>
 #include <iomanip>
-#include <iterator>
-#include <memory>
-#include <sstream>
-#include <string>
+#include <map>
 
 #include "platform/test/table.h"
 #include "platform/test/thrown.h"
@@ -21,42 +15,32 @@ namespace {
 
 using Bytes = std::string;
 
-/// "4D*3" as three bytes 4D, "4D00" as two bytes.
-Bytes dataOf(const std::string& text) {
-  const std::size_t star = std::min(text.find('*'), text.size());
-  const Bytes bytes = vel::test::bytesOf(text.substr(0, star));
-  return star == text.size() ? bytes : Bytes(std::stoul(text.substr(star + 1)), bytes.front());
-}
-
 Bytes number32(std::uint64_t number) {
   Bytes bytes;
   for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(number >> shift);
   return bytes;
 }
 
-/// A record from "type/data/component/origin/detail/thread/how many bytes of data the file lacks". What is
-/// empty has a default; the ends of functions have no message.
-Bytes recordOf(const std::string& text) {
-  std::string fields[7] = {"", "", "0", "f", "1", "30", "0"};
-  std::istringstream stream(text);
-  std::string field;
-  for (int i = 0; std::getline(stream, field, '/'); ++i)
-    if (!field.empty()) fields[i] = field;
-  const int type = std::stoi(fields[0]);
-  const Bytes data = dataOf(fields[1]);
-  const Bytes message = type == 1 || type == 2 ? "" : "m";
-  const Bytes head = {static_cast<char>(type | std::stoi(fields[4]) << 6),
-                      static_cast<char>(std::stoi(fields[2])), static_cast<char>(message.size()),
-                      static_cast<char>(fields[3].size())};
-  return head + number32(10) + number32(20) + number32(std::stoul(fields[5])) +
-         number32(data.size() + static_cast<std::size_t>(std::stoll(fields[6]))) + message + fields[3] + data;
-}
+struct Record {
+  int type;
+  Bytes data = {};
+  int missing = 0;  ///< bytes that the head tells of, but the file lacks
+  char component = 7;
+  std::string origin = "f";
+  int detail = 1;
+  std::uint32_t thread = 30;
+};
 
-/// Records with blanks between them.
-Bytes fileOf(const std::string& text) {
-  std::istringstream words(text);
+/// The ends of functions have no message.
+Bytes fileOf(const std::vector<Record>& records) {
   Bytes file;
-  for (std::string word; words >> word;) file += recordOf(word);
+  for (const auto& [type, data, missing, component, origin, detail, thread] : records) {
+    const Bytes message = type == 1 || type == 2 ? "" : "m";
+    file += {static_cast<char>(type | detail << 6), component, static_cast<char>(message.size()),
+             static_cast<char>(origin.size())};
+    file += number32(10) + number32(20) + number32(thread) +
+            number32(data.size() + static_cast<std::size_t>(missing)) + message + origin + data;
+  }
   return file;
 }
 
@@ -67,20 +51,21 @@ class TraceFormatter : public vel::test::TraceTest {
   }
 
   /// The text, and the fault that ended it in brackets.
-  std::string format() {
+  static std::string format(VelClTraceFormatter& formatter) {
     std::ostringstream text;
-    const std::string fault = vel::test::thrown([&] { formatter_.format(text); });
+    const std::string fault = vel::test::thrown([&] { formatter.format(text); });
     return text.str() + (fault == "-" ? "" : '[' + fault + ']');
   }
   std::string format(const Bytes& file, const std::string& formatString) {
     std::ofstream(file_, std::ios::binary | std::ios::trunc) << file;
     formatter_.setFormatString(formatString.c_str());
-    return format();
+    return format(formatter_);
   }
 
   void expectTexts(const char* table) {
-    for (const auto& row : vel::test::readTable(std::string(VEL_TEST_DATA "test/") + table))
-      EXPECT_EQ(format(fileOf(row[0]), row[1]), vel::test::unescaped(row[2])) << row[0];
+    for (const auto& row : vel::test::readTexts(std::string(VEL_TEST_DATA "test/") + table))
+      EXPECT_EQ(format(fileOf({{std::stoi(row[0]), row[1], std::stoi(row[2])}}), row[3]), row.at(4))
+          << row[0] << ' ' << row[1];
   }
 
   std::unique_ptr<VelClTraceEnvironment> environment_;
@@ -90,9 +75,26 @@ class TraceFormatter : public vel::test::TraceTest {
 // Every type of data, every directive of formats, every fault of records.
 TEST_F(TraceFormatter, MakesTextOfRecords) {
   expectTexts("formatted.tsv");
-  const std::string dashes(20000, '-');
-  EXPECT_EQ(format(fileOf("8/78*20000"), dashes + "%d" + dashes),
-            dashes + '"' + std::string(20000, 'x') + '"' + dashes);
+  const std::string dashes(20000, '-'), text(20000, 'x');
+  EXPECT_EQ(format(fileOf({{8, text}}), dashes + "%d" + dashes), dashes + '"' + text + '"' + dashes);
+}
+
+TEST_F(TraceFormatter, ReadsRecordsOneAfterTheOther) {
+  const Record a{12, "A"}, text{8, "d"};
+  const std::string shown = "0x41/65/'A';";
+  EXPECT_EQ(format("", "%d;"), "");
+  // What is not shown is skipped, however long it is.
+  EXPECT_EQ(format(fileOf({a, {.type = 8, .data = Bytes(200000, 'x'), .detail = 3}, a}), "%d;"),
+            shown + shown);
+  EXPECT_EQ(format(fileOf({a, {.type = 8, .data = "abc", .missing = -4, .detail = 3}}), "%d;"),
+            shown + "[1000702 502 6 6 , VelClTraceFormatter::skipEntry, line 186]");
+  EXPECT_EQ(format(fileOf({a, {0}}), "%d;"),
+            shown + "[1000703 202 6 6 , VelClTraceFormatter::formatData, line 541]");
+  // Without "%d" the data is taken for a record, here for the head of one that is cut off.
+  EXPECT_EQ(format(fileOf({text, text}), "%m"), "m");
+  const Bytes one = fileOf({a});
+  for (std::size_t size = 0; size < one.size() - 1; ++size)
+    EXPECT_EQ(format(one + one.substr(0, size), "%d;"), shown) << size;
 }
 
 TEST_F(TraceFormatter, MakesTextOfExtremeLongDoubles) {
@@ -100,64 +102,71 @@ TEST_F(TraceFormatter, MakesTextOfExtremeLongDoubles) {
 }
 
 TEST_F(TraceFormatter, PrintsNumbersInTheFormOfTheStream) {
-  const Bytes records = fileOf("20/000000000000F83F 19/0000C03F");
-  std::ofstream(file_, std::ios::binary) << records;
+  std::ofstream(file_, std::ios::binary)
+      << fileOf({{20, Bytes("\0\0\0\0\0\0\xF8\x3F", 8)}, {19, Bytes("\0\0\xC0\x3F", 4)}});
   formatter_.setFormatString("%d;");
   std::ostringstream text;
-  text << std::fixed << std::setprecision(2);
-  formatter_.format(text);
-  text << std::scientific << std::setprecision(1);
-  formatter_.format(text);
-  text << std::setprecision(1'000'000);
-  formatter_.format(text);
+  formatter_.format(text << std::fixed << std::setprecision(2));
+  formatter_.format(text << std::scientific << std::setprecision(1));
+  formatter_.format(text << std::setprecision(1'000'000));
   const std::string zeros(7999, '0');
   EXPECT_EQ(text.str(), "1.50;1.50;1.5e+00;1.5e+00;1.5" + zeros + "e+00;1.5" + zeros + "e+00;");
 }
 
 TEST_F(TraceFormatter, PrintsTheLargestLongDoubleInFullInFixedForm) {
-  std::ofstream(file_, std::ios::binary) << fileOf("21/FFFFFFFFFFFFFFFFFE7F");
+  std::ofstream(file_, std::ios::binary) << fileOf({{21, Bytes(8, '\xFF') + "\xFE\x7F"}});
   formatter_.setFormatString("%d;");
   std::ostringstream text;
-  text << std::fixed << std::setprecision(0);
-  formatter_.format(text);
-  text << std::setprecision(1'000'000);
-  formatter_.format(text);
+  formatter_.format(text << std::fixed << std::setprecision(0));
+  formatter_.format(text << std::setprecision(1'000'000));
   // 2 to the power of 16384 less 2 to the power of 16320 has 4933 digits.
   const std::string zeros(8000, '0'), shown = text.str(), number = shown.substr(0, 4933);
   EXPECT_TRUE(number.starts_with("118973149535723176502126")) << number;
   EXPECT_TRUE(number.ends_with("604419552086811989770240")) << number;
-  EXPECT_TRUE(shown == number + ";" + number + "." + zeros + ";") << shown.size();
-}
-
-TEST_F(TraceFormatter, EndsBeforeARecordWhoseHeadOrTextsAreCutOff) {
-  const Bytes one = fileOf("12/41");
-  for (std::size_t size = 0; size < one.size() - 1; ++size)
-    EXPECT_EQ(format(one + one.substr(0, size), "%d;"), "0x41/65/'A';") << size;
+  EXPECT_EQ(shown, number + ";" + number + "." + zeros + ";");
 }
 
 TEST_F(TraceFormatter, OpensFilesOnly) {
   const std::string fault = "[1000701 503 6 6 , VelClTraceFormatter::format, line 837]";
-  EXPECT_EQ(format(), fault);
+  EXPECT_EQ(format(formatter_), fault);
   environment_->setFilename(directory_.path().c_str());
-  EXPECT_EQ(format(), fault);
+  EXPECT_EQ(format(formatter_), fault);
 }
 
 // Indentation is by the level behind the data, and bounded; values show their bytes on request.
 TEST_F(TraceFormatter, FollowsItsSettings) {
+  std::map<std::pair<std::string, std::string>, std::pair<Bytes, std::string>> files;
   for (const auto& row : vel::test::readTexts(VEL_TEST_DATA "test/formatted_with_settings.tsv")) {
-    const auto has = [&row](const char* setting) { return row[0].find(setting) != std::string::npos; };
-    formatter_.setDisplayIndentation(has("indent") ? ". " : nullptr);
-    formatter_.setShowNestingLevel(has("nest"));
-    formatter_.setShowHex(has("hex"));
-    formatter_.setShowBinary(has("binary"));
-    EXPECT_EQ(format(fileOf(row[1]), row[2]), row.at(3));
+    auto& [file, text] = files[{row[0], row[3]}];
+    file += fileOf({{std::stoi(row[1]), row[2]}});
+    text += row.at(4);
+  }
+  for (const auto& [asked, contents] : files) {
+    const auto has = [&settings = asked.first](const char* name) {
+      return settings.find(name) != settings.npos;
+    };
+    std::ofstream(file_, std::ios::binary | std::ios::trunc) << contents.first;
+    VelClTraceFormatter formatter(*environment_, nullptr);
+    formatter.setFormatString(asked.second.c_str());
+    formatter.setDisplayIndentation(has("indent") ? ". " : nullptr);
+    formatter.setShowNestingLevel(has("nest"));
+    formatter.setShowHex(has("hex"));
+    formatter.setShowBinary(has("binary"));
+    EXPECT_EQ(format(formatter), contents.second);
   }
 }
 
 TEST_F(TraceFormatter, HidesWhatIsNotWanted) {
-  std::ofstream(file_, std::ios::binary) << fileOf(
-      "1/01000000//a 10/78*100//a 10/78*100/7/a/2/31 1/02000000//b "
-      "10/78*100/8/b/3 2/01000000//b 10/78*100/8/a//31 2/00000000//a");
+  const Bytes yes(100, 'x');
+  std::ofstream(file_, std::ios::binary)
+      << fileOf({{.type = 1, .data = number32(1), .component = 0, .origin = "a"},
+                 {.type = 10, .data = yes, .component = 0, .origin = "a"},
+                 {.type = 10, .data = yes, .component = 7, .origin = "a", .detail = 2, .thread = 31},
+                 {.type = 1, .data = number32(2), .component = 0, .origin = "b"},
+                 {.type = 10, .data = yes, .component = 8, .origin = "b", .detail = 3},
+                 {.type = 2, .data = number32(1), .component = 0, .origin = "b"},
+                 {.type = 10, .data = yes, .component = 8, .origin = "a", .thread = 31},
+                 {.type = 2, .data = number32(0), .component = 0, .origin = "a"}});
   struct Row {
     void (*choose)(VelClTraceFormatter&, VelClTraceFilter&);
     const char* text;
@@ -180,9 +189,7 @@ TEST_F(TraceFormatter, HidesWhatIsNotWanted) {
     VelClTraceFormatter formatter(*environment_, &filter);
     row.choose(formatter, filter);
     formatter.setFormatString("%f%x%d ");
-    std::ostringstream stream;
-    formatter.format(stream);
-    EXPECT_EQ(stream.str(), row.text);
+    EXPECT_EQ(format(formatter), row.text);
     EXPECT_EQ(formatter.getNumOfEntries(), 8U);
   }
 }
@@ -199,7 +206,7 @@ TEST_F(TraceFormatter, TakesItsWordsFromACatalog) {
   for (int i = 0; i < 2; ++i) formatter_.attachVelMessageCatalog(catalog);
   formatter_.setShowNestingLevel(true);
   // An exit's level keeps the built-in word.
-  EXPECT_EQ(format(fileOf("1/01000000 6 5 2/00000000"), "%x%d;"),
+  EXPECT_EQ(format(fileOf({{1, number32(1)}, {6}, {5}, {2, number32(0)}}), "%x%d;"),
             "FEdepth 1;DAnull!;DA (0 octets) cut\n;FXNesting level: 0;");
 }
 

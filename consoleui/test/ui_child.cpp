@@ -9,9 +9,9 @@
 //                                        letter as "'x", or its message number as "#10"
 #include <chrono>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <sstream>
 #include <thread>
 
@@ -90,10 +90,7 @@ void progress(VelClConsoleUI& ui, int delayMs) {
 const char* text = nullptr;
 int integer = 0;
 
-constexpr struct {
-  const char* name;
-  void (*run)(VelClConsoleUI& ui);
-} kActions[] = {
+const std::map<std::string, void (*)(VelClConsoleUI& ui)> kActions = {
     {"reqSwitch", [](VelClConsoleUI& ui) { ui.reqArgSwitch(param()); }},
     {"string", tellString},
     {"reqString", [](VelClConsoleUI& ui) { ui.reqArgString(param(), text); }},
@@ -123,14 +120,8 @@ int run(VelClConsoleUI& ui, Words words) {
   if (tagged == "hide") ui.hideTaggedLines();
   if (tagged == "disable") ui.disableTaggedLines();
   ui.handleUsageHelp(words("UI_USAGE"), words("UI_HELP"));
-  const char* wanted = variable("UI_ACTION");
-  if (wanted == nullptr) return 0;
-  for (const auto& action : kActions) {
-    if (std::strcmp(action.name, wanted) != 0) continue;
-    action.run(ui);
-    return 0;
-  }
-  return 1;
+  if (const char* wanted = variable("UI_ACTION")) kActions.at(wanted)(ui);
+  return 0;
 }
 
 }  // namespace

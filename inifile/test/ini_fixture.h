@@ -1,14 +1,21 @@
-// Models as text, for comparing them in tests.
+// What tests of INI files share: models as text, and what nearly all of them need.
 #pragma once
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
+#include "platform/test/scratch_directory.h"
+#include "platform/test/table.h"
 #include "vel_include/vel_inifile.h"
 
 namespace vel::test {
 
-/// "[section]name=value;comment|..." with "|" behind each option; control characters in hexadecimal.
+/// "[section]name=value;comment|..." with "|" after each option.
 inline std::string shown(const VelClIniFile& file) {
   std::string text;
   VelClIniFileSectionCursor section(file);
@@ -21,16 +28,7 @@ inline std::string shown(const VelClIniFile& file) {
       text += "|";
     }
   }
-  std::string readable;
-  for (const char c : text) {
-    constexpr const char* kDigits = "0123456789abcdef";
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte >= 0x20 && byte != 0x7F)
-      readable += c;
-    else
-      readable += {'<', kDigits[byte / 16], kDigits[byte % 16], '>'};
-  }
-  return readable;
+  return text;
 }
 
 inline bool loadText(VelClIniFile& file, std::string_view text, bool keepDuplicates = true,

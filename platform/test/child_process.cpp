@@ -48,6 +48,11 @@ ChildResult runChild(const std::string& program, const std::vector<std::string>&
   return result;
 }
 
+ChildResult runTool(const std::string& tool, const std::vector<std::string>& arguments,
+                    const std::string& input) {
+  return runChild(tool, arguments, {.environment = {{"LC_ALL", "C"}}, .input = input, .rawOutput = true});
+}
+
 // Of a file, a terminal's mode or a window of another process no system tells a test: it has to ask.
 bool waitUntil(const std::function<bool()>& question, int limitMs) {
   for (int passedMs = 0; passedMs < limitMs; ++passedMs) {

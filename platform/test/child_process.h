@@ -42,6 +42,10 @@ struct ChildOptions {
 ChildResult runChild(const std::string& program, const std::vector<std::string>& arguments,
                      const ChildOptions& options = {});
 
+/// A tool that speaks English, and leaves line breaks as they are.
+ChildResult runTool(const std::string& tool, const std::vector<std::string>& arguments,
+                    const std::string& input = {});
+
 /// The path of the running program.
 std::string ownProgram();
 

@@ -12,12 +12,7 @@
 
 namespace {
 
-using Arguments = std::vector<std::string>;
-
-vel::test::ChildResult veldump(const Arguments& arguments, const std::string& input = {}) {
-  return vel::test::runChild("veldump", arguments,
-                             {.environment = {{"LC_ALL", "C"}}, .input = input, .rawOutput = true});
-}
+using vel::test::runTool;
 
 /// Larger than the tool's buffers, no whole number of lines, all byte values, and runs of equal lines.
 std::string manyBytes() {
@@ -33,30 +28,26 @@ std::string libraryDump(const std::string& bytes, bool binary) {
   return dump.str();
 }
 
-class Veldump : public testing::Test {
- protected:
-  vel::test::ScratchDirectory directory_;
-};
-
-TEST_F(Veldump, PrintsTheLibrarysLinesAndTakesThemBack) {
-  const std::string bytes = manyBytes();
-  const std::string file = directory_.write("bytes", bytes);
+TEST(Veldump, PrintsTheLibrarysLinesAndTakesThemBack) {
+  const vel::test::ScratchDirectory directory;
+  const std::string bytes = manyBytes(), file = directory.write("bytes", bytes);
   for (const bool binary : {false, true}) {
-    Arguments arguments = {file};
-    if (binary) arguments.insert(arguments.begin(), "-bin");
-    const auto dump = veldump(arguments);
+    std::vector<std::string> arguments = {file};
+    if (binary) arguments.emplace_back("-bin");
+    const auto dump = runTool("veldump", arguments);
     EXPECT_EQ(dump.exitCode, 0);
     EXPECT_TRUE(dump.output == libraryDump(bytes, binary)) << binary;
-    EXPECT_TRUE(veldump({"-reverse"}, dump.output).output == bytes) << binary;
-    arguments.insert(arguments.begin(), "-squeeze");
-    const auto squeezed = veldump(arguments);
+    EXPECT_TRUE(runTool("veldump", {"-reverse"}, dump.output).output == bytes) << binary;
+    arguments.emplace_back("-squeeze");
+    const auto squeezed = runTool("veldump", arguments);
     EXPECT_LT(squeezed.output.size(), dump.output.size() * 2 / 3);
-    EXPECT_TRUE(veldump({"-reverse", directory_.write("dump", squeezed.output)}).output == bytes) << binary;
+    EXPECT_TRUE(runTool("veldump", {"-reverse", directory.write("dump", squeezed.output)}).output == bytes)
+        << binary;
   }
-  EXPECT_TRUE(veldump({}, bytes).output == libraryDump(bytes, false));
+  EXPECT_TRUE(runTool("veldump", {}, bytes).output == libraryDump(bytes, false));
 }
 
-TEST_F(Veldump, FollowsTheSession) {
+TEST(Veldump, FollowsTheSession) {
   vel::test::expectSession(VEL_TEST_DATA "veldump/test/veldump.session", true);
 }
 

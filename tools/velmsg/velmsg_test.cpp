@@ -12,9 +12,7 @@
 
 namespace {
 
-vel::test::ChildResult velmsg(const std::vector<std::string>& arguments) {
-  return vel::test::runChild("velmsg", arguments, {.environment = {{"LC_ALL", "C"}}, .rawOutput = true});
-}
+using vel::test::runTool;
 
 /// What -list must print, made from the table that the catalog is made from: it uses the same escapes. That
 /// proves that nothing is lost on the way, not that the texts are right.
@@ -29,8 +27,9 @@ std::string expectedListing(bool english, bool german) {
 }
 
 TEST(Velmsg, ListsTheLibraryCatalogInTheSameBytesOnEverySystem) {
-  EXPECT_EQ(velmsg({"-cat", "qammsg50.DLL", "-list"}).output, expectedListing(true, true));
-  EXPECT_EQ(velmsg({"-cat", "qammsg50.txt", "-list", "-lang", "1031"}).output, expectedListing(false, true));
+  EXPECT_EQ(runTool("velmsg", {"-cat", "qammsg50.DLL", "-list"}).output, expectedListing(true, true));
+  EXPECT_EQ(runTool("velmsg", {"-cat", "qammsg50.txt", "-list", "-lang", "1031"}).output,
+            expectedListing(false, true));
 }
 
 TEST(Velmsg, WritesEachTextOnOneLine) {
@@ -47,7 +46,7 @@ TEST(Velmsg, WritesEachTextOnOneLine) {
   const auto bytes = vel::test::libraryFile({{1, {{1033, vel::test::messageTable(messages)}}}});
   const vel::test::ScratchDirectory directory;
   const std::string catalog = directory.write("lines.DLL", {bytes.begin(), bytes.end()});
-  EXPECT_EQ(velmsg({"-cat", catalog, "-list"}).output, listing);
+  EXPECT_EQ(runTool("velmsg", {"-cat", catalog, "-list"}).output, listing);
 }
 
 TEST(Velmsg, AnswersQuestionsAndRefusesWhatMakesNoSense) {

@@ -2,11 +2,14 @@
 // sizes.
 #pragma once
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstring>
 #include <memory>
+#include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "platform/test/scratch_directory.h"
@@ -14,6 +17,12 @@
 #include "vel_include/vel_trace.h"
 
 namespace vel::test {
+
+/// How a record begins; its texts and its data follow.
+struct RecordHead {
+  std::uint8_t type, component, messageLength, originLength;
+  std::uint32_t time, process, thread, dataLength;
+};
 
 class TraceTest : public testing::Test {
  protected:
@@ -28,11 +37,31 @@ class TraceTest : public testing::Test {
     variables_.push_back("UNIT_TRACE_" + suffix);
     VelClEnvironmentVariable(variables_.back().c_str(), value.c_str());
   }
+  /// An active instance, with more variables of the key.
+  VelClTraceInstance* start(std::initializer_list<std::pair<const char*, const char*>> more = {}) {
+    set("ACTIVE", "yes");
+    for (const auto& [suffix, value] : more) set(suffix, value);
+    return velTraceCreateInstance("unit", nullptr);
+  }
   std::unique_ptr<VelClTraceEnvironment> environment(bool controller = false) const {
     return std::make_unique<VelClTraceEnvironment>("unit", nullptr, controller);
   }
   /// What the file holds when everything is saved.
   std::string saved() const { return readFile(file_); }
+  /// Origin, detail, type and data of every entry in the file.
+  std::string entries() const {
+    std::istringstream stream(saved());
+    const auto reader = environment(true);
+    std::string text;
+    for (VelClTraceFileEntry entry(*reader); entry.read(stream); text += '\n') {
+      std::string data(entry.getDumpDataLength(), '\0');
+      stream.read(data.data(), static_cast<std::streamsize>(data.size()));
+      text += std::string(entry.getOrigin()) + " D" + std::to_string(static_cast<int>(entry.getDetail())) +
+              " T" + std::to_string(static_cast<int>(entry.getType()));
+      for (const char byte : data) text += " " + std::to_string(static_cast<unsigned char>(byte));
+    }
+    return text;
+  }
 
   ScratchDirectory directory_;
   std::string file_;
