@@ -46,12 +46,6 @@ Peer icuPeer(const std::string& number) {
   };
 }
 
-Peer iconvPeer(const std::string& page) {
-  const auto iconv = std::make_shared<vel::test::Iconv>(page);
-  if (!iconv->isThere()) return nullptr;
-  return [iconv](const std::string& bytes) { return iconv->convert(bytes); };
-}
-
 constexpr unsigned int kUnmapped = 0xFFFD;
 constexpr unsigned int kSubstitution = 0x1A;
 
@@ -98,7 +92,7 @@ std::string differences(const MappingFile& mapping, const Peer& peer) {
 TEST(PeerTables, DifferAsKnown) {
   std::map<std::string, std::set<bool>> knowPage;
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/peer_tables.tsv")) {
-    const Peer peer = row[1] == "ICU" ? icuPeer(row[2]) : iconvPeer(row[2]);
+    const Peer peer = row[1] == "ICU" ? icuPeer(row[2]) : Peer(vel::test::iconvFrom(row[2]));
     knowPage[row[1]].insert(peer != nullptr);
     if (!peer) continue;
     EXPECT_EQ(differences(MappingFile(std::stoi(row[0])), peer), row[3]) << row[0] << ", " << row[1];

@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <climits>
@@ -15,6 +16,7 @@
 #include "platform/platform.h"
 #include "platform/posix/inheritance.h"
 #include "platform/test/child_process.h"
+#include "platform/test/posix/processes.h"
 #include "platform/test/scratch_directory.h"
 
 namespace vel::platform {
@@ -26,10 +28,7 @@ using Texts = std::vector<std::string>;
 
 /// 0 or the system's number.
 int launch(decltype(launchAndWait) way, Texts texts, std::uint32_t& result) {
-  std::vector<char*> pointers;
-  for (std::string& text : texts) pointers.push_back(text.data());
-  pointers.push_back(nullptr);
-  return static_cast<int>(way({nullptr, pointers.data(), false}, result));
+  return static_cast<int>(way({nullptr, test::pointersTo(texts).data(), false}, result));
 }
 
 /// The exit code; a failed launch as a negative error.
@@ -43,25 +42,8 @@ int runShell(const std::string& script) {
   return run({"/bin/sh", "-c", script});
 }
 
-/// The wait status of a copy of this process that does this and ends.
-int statusOfCopy(const std::function<bool()>& action) {
-  const pid_t child = fork();
-  if (child == 0) _exit(action() ? 0 : 1);
-  int status = -1;
-  waitpid(child, &status, 0);
-  return status;
-}
-
 bool hasNoChildren() {
   return waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD;
-}
-
-/// Whether a process has a descriptor of that kind. Those that its start opens come and go meanwhile.
-bool hasOpen(std::uint32_t process, const fs::path& target) {
-  std::error_code gone;
-  for (const auto& entry : fs::directory_iterator("/proc/" + std::to_string(process) + "/fd"))
-    if (fs::read_symlink(entry.path(), gone) == target) return true;
-  return false;
 }
 
 void reapEverything(int) {
@@ -78,13 +60,12 @@ TEST(PosixLaunching, FailedStartsTellTheSystemsNumber) {
   EXPECT_EQ(run({text}), -EACCES);
   for (const std::string& runnable : {text, script}) chmod(runnable.c_str(), 0700);
   EXPECT_EQ(run({text}), -ENOEXEC);
-  for (const std::string& missing : {scratch.path("absent/program"), scratch.path(), script})
-    EXPECT_EQ(run({missing}), -ENOENT);
   // The longest name that a system takes, and one that is longer.
   const std::string program = "/bin/true",
                     longest = std::string(PATH_MAX - 1 - program.size(), '/') + program;
   EXPECT_EQ(run({longest}), 0);
-  EXPECT_EQ(run({"/" + longest}), -ENOENT);
+  for (const std::string& missing : {scratch.path("absent/program"), scratch.path(), script, "/" + longest})
+    EXPECT_EQ(run({missing}), -ENOENT);
   std::uint32_t id = 0;
   EXPECT_EQ(launch(launchDetached, {text}, id), ENOEXEC);
   EXPECT_TRUE(hasNoChildren());
@@ -96,57 +77,26 @@ TEST(PosixLaunching, OnlyStandardStreamsAreInherited) {
   std::vector<int> open(ends, ends + 2);
   for (const int number : {3, 4, 10, 100})
     if (fcntl(number, F_GETFD) == -1) open.push_back(dup2(ends[0], number));
-  std::string test = "false";
-  for (const int number : open) test += " || [ -e /proc/$$/fd/" + std::to_string(number) + " ]";
-  EXPECT_EQ(runShell(test), 1);
-  // The test can see what is open, too.
-  EXPECT_EQ(runShell("exec 9</dev/null; [ -e /proc/$$/fd/9 ] && [ -e /proc/$$/fd/1 ]"), 0);
-  // The listing itself takes the first free number.
-  for (const bool isInputOpen : {true, false})
-    EXPECT_EQ(statusOfCopy([&open, isInputOpen] {
-                if (!isInputOpen) close(STDIN_FILENO);
-                closeListedDescriptors(4);
-                bool closed = fcntl(STDERR_FILENO, F_GETFD) != -1;
-                for (const int number : open) closed = closed && (number < 4 || fcntl(number, F_GETFD) == -1);
-                return closed && (isInputOpen || fcntl(STDIN_FILENO, F_GETFD) == -1);
-              }),
-              0)
-        << isInputOpen;
-  for (const int number : open) close(number);
+  // Lists what is open from 3 on, but for the directory that is read itself.
+  const std::string list = "cd /proc/$$/fd; for f in *; do [ $f -lt 3 ] || [ ! -e $f ] || echo $f; done";
   testing::internal::CaptureStdout();
-  EXPECT_EQ(runShell("echo printed"), 0);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "printed\n");
+  EXPECT_EQ(runShell(list), 0);
+  EXPECT_EQ(runShell("exec 9</dev/null; " + list), 0);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "9\n");
+  // The listing itself takes the first free number.
+  for (const bool isInputOpen : {true, false}) {
+    const auto closesAll = [&] {
+      if (!isInputOpen) close(STDIN_FILENO);
+      closeListedDescriptors(4);
+      const auto isOpen = [](int number) { return fcntl(number, F_GETFD) != -1; };
+      const auto stays = [&](int number) { return number >= 4 && isOpen(number); };
+      return isOpen(STDERR_FILENO) && isOpen(STDIN_FILENO) == isInputOpen &&
+             std::ranges::none_of(open, stays);
+    };
+    EXPECT_EQ(test::statusOfCopy(closesAll), 0) << isInputOpen;
+  }
+  for (const int number : open) close(number);
 }
-
-/// Copies of this process that live until they are told to end.
-class SleepingCopies {
- public:
-  SleepingCopies() { isReady_ = pipe(ends_) == 0; }
-  SleepingCopies(const SleepingCopies&) = delete;
-  SleepingCopies& operator=(const SleepingCopies&) = delete;
-  ~SleepingCopies() {
-    close(ends_[1]);
-    for (const pid_t child : children_) waitpid(child, nullptr, 0);
-    close(ends_[0]);
-  }
-
-  bool isReady() const { return isReady_; }
-  void add() {
-    const pid_t child = fork();
-    if (child > 0) children_.push_back(child);
-    if (child != 0) return;
-    char byte = 0;
-    close(ends_[1]);
-    while (read(ends_[0], &byte, 1) < 0) {
-    }
-    _exit(0);
-  }
-
- private:
-  int ends_[2];
-  bool isReady_;
-  std::vector<pid_t> children_;
-};
 
 int failedLaunches() {
   int failures = 0;
@@ -158,21 +108,31 @@ int failedLaunches() {
   return failures;
 }
 
+/// A copy of this process that lives until the last writer of the pipe closes it.
+pid_t waitingCopy(const int (&ends)[2]) {
+  const pid_t child = fork();
+  if (child != 0) return child;
+  char byte = 0;
+  close(ends[1]);
+  while (read(ends[0], &byte, 1) < 0) {
+  }
+  _exit(0);
+}
+
 // They have all that was open at their start, and keep it.
 TEST(PosixLaunching, NeverWaitForTheChildrenOfOtherThreads) {
-  std::future<int> failures;
-  bool isDone = false;
-  {
-    SleepingCopies copies;
-    ASSERT_TRUE(copies.isReady());
-    failures = std::async(std::launch::async, failedLaunches);
-    const auto isDoneIn = [&failures](int milliseconds) {
-      return failures.wait_for(std::chrono::milliseconds(milliseconds)) == std::future_status::ready;
-    };
-    for (int left = 300; left > 0 && !isDoneIn(0); --left) copies.add();
-    isDone = isDoneIn(test::kTimeLimitMs);
-  }
-  EXPECT_TRUE(isDone);
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  auto failures = std::async(std::launch::async, failedLaunches);
+  const auto isDoneIn = [&failures](int milliseconds) {
+    return failures.wait_for(std::chrono::milliseconds(milliseconds)) == std::future_status::ready;
+  };
+  std::vector<pid_t> copies;
+  while (copies.size() < 300 && !isDoneIn(0)) copies.push_back(waitingCopy(ends));
+  EXPECT_TRUE(isDoneIn(test::kTimeLimitMs));
+  close(ends[1]);
+  for (const pid_t child : copies) waitpid(child, nullptr, 0);
+  close(ends[0]);
   EXPECT_EQ(failures.get(), 0);
 }
 
@@ -181,13 +141,13 @@ TEST(PosixLaunching, WorksWithoutStandardStreams) {
   const std::string report = scratch.path("report");
   const std::string script = "cd /proc/$$/fd; echo $(readlink 0 1 2) > " + report;
   // What is opened on the way then has their numbers.
-  EXPECT_EQ(statusOfCopy([&script] {
-              for (const int stream : {0, 1, 2}) close(stream);
-              std::uint32_t id = 0;
-              return runShell("exit 3") == 3 && run({"/nowhere/program"}) == -ENOENT &&
-                     launch(launchDetached, {"/bin/sh", "-c", script}, id) == 0 && id != 0;
-            }),
-            0);
+  const auto launchAll = [&script] {
+    for (const int stream : {0, 1, 2}) close(stream);
+    std::uint32_t id = 0;
+    return runShell("exit 3") == 3 && run({"/nowhere/program"}) == -ENOENT &&
+           launch(launchDetached, {"/bin/sh", "-c", script}, id) == 0 && id != 0;
+  };
+  EXPECT_EQ(test::statusOfCopy(launchAll), 0);
   EXPECT_TRUE(test::waitUntil([&report] {
     return test::readFile(report) == "/dev/null /dev/null /dev/null\n";
   })) << test::readFile(report);
@@ -195,7 +155,7 @@ TEST(PosixLaunching, WorksWithoutStandardStreams) {
 
 TEST(PosixThreads, ForkedChildrenAreOtherThreads) {
   const std::uint32_t parent = currentThreadId();
-  EXPECT_EQ(statusOfCopy([] { return currentThreadId() == static_cast<std::uint32_t>(getpid()); }), 0);
+  EXPECT_EQ(test::statusOfCopy([] { return currentThreadId() == static_cast<std::uint32_t>(getpid()); }), 0);
   EXPECT_EQ(currentThreadId(), parent);
 }
 
@@ -240,19 +200,20 @@ TEST(PosixLaunching, ExitCodesSurviveWhateverIsDoneAboutChildSignals) {
   EXPECT_TRUE(hasNoChildren());
 }
 
-TEST(PosixLaunching, CancelledThreadsEndBehindTheirLaunch) {
-  std::vector<int> codes;
+TEST(PosixLaunching, CancelledThreadsEndAfterTheirLaunch) {
+  int code = 0;
   pthread_t thread{};
-  const auto cancelled = [](void* codesOfThread) -> void* {
+  const auto cancelled = [](void* codeOfThread) -> void* {
     pthread_cancel(pthread_self());
-    static_cast<std::vector<int>*>(codesOfThread)->push_back(runShell("exit 5"));
+    *static_cast<int*>(codeOfThread) = runShell("exit 5");
     pthread_testcancel();
     return nullptr;
   };
-  ASSERT_EQ(pthread_create(&thread, nullptr, cancelled, &codes), 0);
+  ASSERT_EQ(pthread_create(&thread, nullptr, cancelled, &code), 0);
   void* result = nullptr;
   EXPECT_EQ(pthread_join(thread, &result), 0);
-  EXPECT_TRUE(result == PTHREAD_CANCELED && codes == std::vector<int>{5});
+  EXPECT_EQ(result, PTHREAD_CANCELED);
+  EXPECT_EQ(code, 5);
 }
 
 TEST(PosixLaunching, DetachedProgramsAreOnTheirOwn) {
@@ -262,15 +223,19 @@ TEST(PosixLaunching, DetachedProgramsAreOnTheirOwn) {
   ASSERT_EQ(launch(launchDetached, {"/bin/sleep", "1200"}, id), 0);
   const auto process = static_cast<pid_t>(id);
   EXPECT_TRUE(hasNoChildren());
-  EXPECT_TRUE(getsid(process) != getsid(0) && getpgid(process) != getpgid(0));
+  EXPECT_NE(getsid(process), getsid(0));
+  EXPECT_NE(getpgid(process), getpgid(0));
   const std::string entry = "/proc/" + std::to_string(id);
   for (const char* stream : {"/fd/0", "/fd/1", "/fd/2"})
     EXPECT_EQ(fs::read_symlink(entry + stream), "/dev/null");
-  // Both ends look alike.
-  EXPECT_FALSE(hasOpen(id, fs::read_symlink("/proc/self/fd/" + std::to_string(ends[0]))));
+  // Descriptors that its start opens come and go meanwhile.
+  std::error_code gone;
+  for (const auto& open : fs::directory_iterator(entry + "/fd"))
+    EXPECT_FALSE(fs::read_symlink(open, gone).string().starts_with("pipe")) << open;
   EXPECT_EQ(fs::read_symlink(entry + "/cwd"), fs::current_path());
   EXPECT_EQ(endProcess(id), EndResult::Ended);
-  EXPECT_TRUE(test::endsWithin(id, test::kTimeLimitMs) && hasNoChildren());
+  EXPECT_TRUE(test::endsWithin(id, test::kTimeLimitMs));
+  EXPECT_TRUE(hasNoChildren());
   for (const int end : ends) close(end);
 }
 

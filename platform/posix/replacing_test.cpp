@@ -16,7 +16,7 @@
 #include "platform/platform.h"
 #include "platform/posix/beside.h"
 #include "platform/posix/target.h"
-#include "platform/test/posix/other_user.h"
+#include "platform/test/posix/processes.h"
 #include "platform/test/scratch_directory.h"
 
 namespace vel::platform {
@@ -26,6 +26,7 @@ namespace {
 namespace fs = std::filesystem;
 using test::readFile;
 using test::ScratchDirectory;
+using namespace std::string_literals;
 
 SystemError replaceWith(const std::string& name, const std::string& bytes) {
   Replacement replacement;
@@ -40,192 +41,177 @@ std::size_t entriesIn(const std::string& directory) {
   return static_cast<std::size_t>(std::distance(fs::directory_iterator(directory), fs::directory_iterator()));
 }
 
-TEST(Replacing, KeepsPermissionsAndLinks) {
-  const ScratchDirectory scratch;
-  const std::string file = scratch.write("deep/file", "old");
-  fs::permissions(file, fs::perms(0640));
-  fs::create_symlink("deep/file", scratch.path("link"));
-  EXPECT_EQ(replaceWith(scratch.path("link"), "new"), 0);
-  EXPECT_EQ(readFile(file), "new");
-  EXPECT_TRUE(fs::is_symlink(scratch.path("link")));
-  EXPECT_EQ(fs::status(file).permissions(), fs::perms(0640));
-  EXPECT_EQ(entriesIn(scratch.path("deep")), 1U);
-  const mode_t before = umask(027);
-  EXPECT_EQ(replaceWith(scratch.path("created"), "x"), 0);
-  umask(before);
-  EXPECT_EQ(fs::status(scratch.path("created")).permissions(), fs::perms(0640));
-  fs::permissions(file, fs::perms(0440));
-  EXPECT_EQ(replaceWith(file, "x"), EACCES);
-  EXPECT_EQ(replaceWith(scratch.path(), "x"), EISDIR);
-  EXPECT_EQ(replaceWith(scratch.path("none/x"), "x"), ENOENT);
+class Replacing : public testing::Test {
+ protected:
+  std::string path(const std::string& entry) const { return scratch_.path(entry); }
+  std::size_t entries() const { return entriesIn(scratch_.path()); }
+  struct stat statusOfFile() const {
+    struct stat status {};
+    EXPECT_EQ(stat(file_.c_str(), &status), 0);
+    return status;
+  }
+  mode_t modeOfFile() const { return statusOfFile().st_mode & 07777; }
+
+  const ScratchDirectory scratch_;
+  const std::string file_ = scratch_.write("file", "old");
+};
+
+TEST_F(Replacing, KeepsPermissionsAndFollowsLinksToTheirEnd) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
-  fs::create_symlink("/proc/self/fd/" + std::to_string(ends[1]), scratch.path("stream"));
-  EXPECT_EQ(replaceWith(scratch.path("stream"), "x"), 0);
+  scratch_.write("a/other", "other");
+  for (const auto& [name, target] : {std::pair{"a/relative", "../file"s},
+                                     {"absolute", path("a/relative")},
+                                     {"directory", "a"},
+                                     {"dangling", "nowhere"},
+                                     {"loop", "loop"},
+                                     {"stream", "/proc/self/fd/" + std::to_string(ends[1])}})
+    fs::create_symlink(target, path(name));
+  chmod(file_.c_str(), 0640);
+  const std::size_t before = entriesIn("/proc/self/fd");
+  EXPECT_EQ(replaceWith(path("absolute"), "new"), 0);
+  EXPECT_EQ(readFile(file_), "new");
+  EXPECT_EQ(modeOfFile(), mode_t{0640});
+  chmod(file_.c_str(), 0440);
+  const std::pair<std::string, SystemError> rows[] = {{path("directory/other"), 0},
+                                                      {path("stream"), 0},
+                                                      {"/dev/null", 0},
+                                                      {"/dev/full", ENOSPC},
+                                                      {file_, EACCES},
+                                                      {path("directory"), EISDIR},
+                                                      {path("none/x"), ENOENT},
+                                                      {path("dangling"), ENOENT},
+                                                      {path("loop"), ELOOP},
+                                                      {path("file/x"), ENOTDIR}};
+  for (const auto& [name, error] : rows) EXPECT_EQ(replaceWith(name, "x"), error) << name;
+  for (const char* link : {"absolute", "a/relative", "dangling"}) EXPECT_TRUE(fs::is_symlink(path(link)));
+  EXPECT_EQ(readFile(path("a/other")), "x");
   char byte = 0;
-  EXPECT_TRUE(read(ends[0], &byte, 1) == 1 && byte == 'x');
-  close(ends[0]);
-  close(ends[1]);
-  fs::create_symlink("nowhere", scratch.path("dangling"));
-  EXPECT_EQ(replaceWith(scratch.path("dangling"), "x"), ENOENT);
-  EXPECT_TRUE(fs::is_symlink(scratch.path("dangling")));
+  EXPECT_EQ(read(ends[0], &byte, 1), 1);
+  EXPECT_EQ(byte, 'x');
+  EXPECT_EQ(entries() + entriesIn(path("a")), 9U) << "something is left behind";
+  EXPECT_EQ(entriesIn("/proc/self/fd"), before);
+  for (const int end : ends) close(end);
 }
 
-TEST(Replacing, TakesNoAccessControlListFromTheDirectory) {
+TEST_F(Replacing, CreatesFilesWithThePermissionsThatTheUserWants) {
+  const mode_t before = umask(027);
+  EXPECT_EQ(replaceWith(path("created"), "x"), 0);
+  umask(before);
+  EXPECT_EQ(fs::status(path("created")).permissions(), fs::perms(0640));
+}
+
+TEST_F(Replacing, TakesNoAccessControlListFromTheDirectory) {
   // As the system stores it: version 2, then per entry its kind, its rights and whose they are.
   const std::uint32_t list[] = {2, 0x70001, ~0U, 0x70002, 1234, 0x50004, ~0U, 0x70010, ~0U, 0x50020, ~0U};
-  const ScratchDirectory scratch;
-  const std::string file = scratch.write("file", "old");
-  fs::permissions(file, fs::perms(0640));
-  if (setxattr(scratch.path().c_str(), "system.posix_acl_default", list, sizeof list, 0) != 0)
+  constexpr const char* kOfFile = "system.posix_acl_access";
+  chmod(file_.c_str(), 0640);
+  if (setxattr(scratch_.path().c_str(), "system.posix_acl_default", list, sizeof list, 0) != 0)
     GTEST_SKIP() << "no access control lists here";
-  EXPECT_EQ(replaceWith(file, "new"), 0);
-  EXPECT_EQ(getxattr(file.c_str(), "system.posix_acl_access", nullptr, 0), -1);
-  EXPECT_EQ(fs::status(file).permissions(), fs::perms(0640));
-  ASSERT_EQ(setxattr(file.c_str(), "system.posix_acl_access", list, sizeof list, 0), 0);
-  EXPECT_EQ(replaceWith(file, "new"), 0);
-  EXPECT_EQ(getxattr(file.c_str(), "system.posix_acl_access", nullptr, 0), ssize_t{sizeof list});
-}
-
-TEST(Replacing, WritesDevicesThemselves) {
-  EXPECT_EQ(replaceWith("/dev/full", "x"), ENOSPC);
-  EXPECT_EQ(replaceWith("/dev/null", "x"), 0);
-}
-
-std::size_t openDescriptors() {
-  return entriesIn("/proc/self/fd");
-}
-
-TEST(Replacing, FollowsLinksToTheirEnd) {
-  const ScratchDirectory scratch;
-  const std::string file = scratch.write("a/file", "old");
-  scratch.write("b/other", "other");
-  fs::create_symlink("../a/file", scratch.path("b/relative"));
-  fs::create_symlink(scratch.path("b/relative"), scratch.path("absolute"));
-  fs::create_symlink("loop", scratch.path("loop"));
-  fs::create_symlink("b", scratch.path("directory"));
-  const std::size_t before = openDescriptors();
-  EXPECT_EQ(replaceWith(scratch.path("absolute"), "new"), 0);
-  EXPECT_EQ(readFile(file), "new");
-  EXPECT_EQ(replaceWith(scratch.path("directory/other"), "new"), 0);
-  EXPECT_EQ(readFile(scratch.path("b/other")), "new");
-  for (const auto& [name, error] : {std::pair{"loop", ELOOP}, {"directory", EISDIR}, {"a/file/x", ENOTDIR}})
-    EXPECT_EQ(replaceWith(scratch.path(name), "x"), error) << name;
-  EXPECT_EQ(entriesIn(scratch.path("a")) + entriesIn(scratch.path("b")), 3U);
-  EXPECT_EQ(replaceWith("/dev/full", "x"), ENOSPC);
-  EXPECT_EQ(openDescriptors(), before);
+  EXPECT_EQ(replaceWith(file_, "new"), 0);
+  EXPECT_EQ(getxattr(file_.c_str(), kOfFile, nullptr, 0), -1);
+  EXPECT_EQ(modeOfFile(), mode_t{0640});
+  ASSERT_EQ(setxattr(file_.c_str(), kOfFile, list, sizeof list, 0), 0);
+  EXPECT_EQ(replaceWith(file_, "new"), 0);
+  EXPECT_EQ(getxattr(file_.c_str(), kOfFile, nullptr, 0), ssize_t{sizeof list});
 }
 
 /// A replacement that was begun, by name.
 struct Begun : Replacement {
   explicit Begun(const std::string& name) : error(startReplacement(name.c_str(), *this)) {
-    EXPECT_TRUE(error != 0 || writeBytes(descriptor, "new", 3));
+    EXPECT_EQ(error, 0);
+    EXPECT_TRUE(writeBytes(descriptor, "new", 3));
   }
   SystemError error;
 };
 
-TEST(Replacing, LosesNothingWhenAnotherFileTakesTheName) {
-  const ScratchDirectory scratch;
-  const std::string file = scratch.write("file", "old"), second = scratch.write("second", "second");
-  const std::size_t before = openDescriptors();
-  const std::pair<const char*, void (*)(const std::string&, const std::string&)> rows[] = {
-      {"second", [](const std::string& name, const std::string& other) { fs::rename(other, name); }},
-      {"second", [](const std::string& name, const std::string& other) {
-         fs::remove(name);
-         fs::create_symlink(other, name);
-       }}};
-  for (const auto& [contents, change] : rows) {
-    scratch.write("second", contents);
-    Begun begun(file);
-    change(file, second);
+TEST_F(Replacing, LosesNothingWhenAnotherFileTakesTheName) {
+  const std::size_t before = entriesIn("/proc/self/fd");
+  for (const bool byLink : {false, true}) {
+    const std::string other = scratch_.write("other", "other");
+    Begun begun(file_);
+    fs::remove(file_);
+    byLink ? fs::create_symlink(other, file_) : fs::rename(other, file_);
     EXPECT_EQ(finishReplacement(begun), ECANCELED);
-    EXPECT_EQ(readFile(file), contents);
+    EXPECT_EQ(readFile(file_), "other");
   }
-  fs::remove(file);
-  Begun first(file), late(file);
+  fs::remove(path("other"));
+  fs::remove(file_);
+  Begun first(file_), late(file_);
   EXPECT_EQ(finishReplacement(first), 0);
   EXPECT_EQ(finishReplacement(late), EEXIST);
-  EXPECT_EQ(readFile(file), "new");
-  Begun gone(file);
-  fs::remove(file);
+  EXPECT_EQ(readFile(file_), "new");
+  Begun gone(file_);
+  fs::remove(file_);
   EXPECT_EQ(finishReplacement(gone), ECANCELED);
-  EXPECT_EQ(entriesIn(scratch.path()), 1U) << "something is left behind";
-  EXPECT_EQ(openDescriptors(), before);
+  EXPECT_EQ(entries(), 0U) << "something is left behind";
+  EXPECT_EQ(entriesIn("/proc/self/fd"), before);
 }
 
-TEST(Replacing, ShowsNoUnfinishedFileWhereTheFileSystemAllowsIt) {
-  const ScratchDirectory scratch;
-  const std::string file = scratch.write("file", "old");
+SystemError beginBeside(const std::string& target, BesideName name, Replacement& replacement) {
+  const SystemError error = findTarget(target.c_str(), LastLink::Follow, replacement);
+  return error != 0 ? error : createBeside(0600, name, replacement);
+}
+
+TEST_F(Replacing, ShowsNoUnfinishedFileWhereTheFileSystemAllowsIt) {
   for (const auto name : {BesideName::None, BesideName::Random}) {
-    Replacement replacement;
-    ASSERT_EQ(findTarget(file.c_str(), LastLink::Follow, replacement), 0);
-    ASSERT_EQ(createBeside(0600, name, replacement), 0);
-    EXPECT_EQ(entriesIn(scratch.path()), replacement.temporary[0] == '\0' ? 1U : 2U);
-    EXPECT_TRUE(name == BesideName::None || std::string(replacement.temporary).size() == 20);
+    const std::string created = path("created");
+    Replacement replacement, late;
+    ASSERT_EQ(beginBeside(file_, name, replacement), 0);
+    const std::size_t length = std::string(replacement.temporary).size();
+    EXPECT_EQ(entries(), length == 0 ? 1U : 2U);
+    EXPECT_TRUE(name == BesideName::None || length == 20) << length;
     EXPECT_TRUE(writeBytes(replacement.descriptor, "new", 3));
     EXPECT_EQ(moveIntoPlace(replacement), 0);
-    EXPECT_EQ(readFile(file), "new");
-    scratch.write("file", "old");
-    closeReplacement(replacement);
-    ASSERT_EQ(findTarget(scratch.path("created").c_str(), LastLink::Follow, replacement), 0);
-    ASSERT_EQ(createBeside(0600, name, replacement), 0);
-    scratch.write("created", "other");
-    EXPECT_EQ(moveIntoPlace(replacement), EEXIST);
-    closeReplacement(replacement);
-    EXPECT_EQ(readFile(scratch.path("created")), "other");
-    fs::remove(scratch.path("created"));
-    EXPECT_EQ(entriesIn(scratch.path()), 1U);
+    EXPECT_EQ(readFile(file_), "new");
+    ASSERT_EQ(beginBeside(created, name, late), 0);
+    scratch_.write("created", "other");
+    EXPECT_EQ(moveIntoPlace(late), EEXIST);
+    EXPECT_EQ(readFile(created), "other");
+    for (Replacement* ended : {&replacement, &late}) closeReplacement(*ended);
+    fs::remove(created);
+    EXPECT_EQ(entries(), 1U);
   }
 }
 
-TEST(Replacing, RemovesTheUnfinishedFileBeforeASignalEndsTheProgram) {
-  const ScratchDirectory scratch;
+TEST_F(Replacing, RemovesTheUnfinishedFileBeforeASignalEndsTheProgram) {
   for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
-    const pid_t child = fork();
-    if (child == 0) {
+    const auto raiseMeanwhile = [&] {
       signal(number, SIG_DFL);
       removeUnfinishedOnSignals();
       Replacement replacement;
-      if (findTarget(scratch.path("file").c_str(), LastLink::Follow, replacement) != 0 ||
-          createBeside(0600, BesideName::Random, replacement) != 0 || entriesIn(scratch.path()) != 1)
-        _exit(1);
-      raise(number);
-      _exit(2);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == number) << status;
-    EXPECT_EQ(entriesIn(scratch.path()), 0U);
+      if (beginBeside(path("new"), BesideName::Random, replacement) == 0 && entries() == 2) raise(number);
+      return false;
+    };
+    const int status = test::statusOfCopy(raiseMeanwhile);
+    EXPECT_TRUE(WIFSIGNALED(status)) << status;
+    EXPECT_EQ(WTERMSIG(status), number);
+    EXPECT_EQ(entries(), 1U);
   }
   const auto isIgnored = [] {
     signal(SIGHUP, SIG_IGN);
     removeUnfinishedOnSignals();
-    return raise(SIGHUP);
+    return raise(SIGHUP) == 0;
   };
-  EXPECT_EQ(test::exitCodeOf([] { return true; }, isIgnored), 0);
+  EXPECT_EQ(test::statusOfCopy(isIgnored), 0);
 }
 
-TEST(Replacing, TellsWhenOwnerOrPermissionsAreLost) {
+TEST_F(Replacing, TellsWhenOwnerOrPermissionsAreLost) {
   if (!test::canBecomeOtherUser()) GTEST_SKIP() << "takes the superuser";
-  const ScratchDirectory scratch;
-  fs::permissions(scratch.path(), fs::perms(0777));
-  const std::string file = scratch.write("file", "old");
-  const auto isTold = [&] {
-    Begun begun(file);
-    return finishReplacement(begun) == 0 && !begun.keepsRights ? 0 : 1;
+  chmod(scratch_.path().c_str(), 0777);
+  const auto keepsRights = [&] {
+    Begun begun(file_);
+    return finishReplacement(begun) != 0 ? -1 : begun.keepsRights ? 1 : 0;
   };
-  struct stat status {};
   // What was the owner's and the group's is no right of others, and what the group had not others get not.
   for (const auto& [before, after] : {std::pair{0606, 0600}, {0646, 0604}, {06777, 0707}}) {
-    ASSERT_EQ(chown(file.c_str(), 0, 0) | chmod(file.c_str(), static_cast<mode_t>(before)), 0);
-    EXPECT_EQ(test::exitCodeOf(test::becomeOtherUser, isTold), 0);
-    EXPECT_EQ(stat(file.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777, static_cast<mode_t>(after)) << std::oct << before;
+    ASSERT_EQ(chown(file_.c_str(), 0, 0), 0);
+    ASSERT_EQ(chmod(file_.c_str(), static_cast<mode_t>(before)), 0);
+    EXPECT_EQ(test::exitCodeOf(test::becomeOtherUser, keepsRights), 0);
+    EXPECT_EQ(modeOfFile(), static_cast<mode_t>(after)) << std::oct << before;
   }
-  Begun begun(file);
-  EXPECT_TRUE(finishReplacement(begun) == 0 && begun.keepsRights);
-  EXPECT_EQ(stat(file.c_str(), &status), 0);
-  EXPECT_EQ(status.st_uid, test::kOtherUser);
+  EXPECT_EQ(keepsRights(), 1);
+  EXPECT_EQ(statusOfFile().st_uid, test::kOtherUser);
 }
 
 /// Lets a name lead to a file of its own and to another user's private one, in turn, until it is ended.
@@ -257,26 +243,26 @@ void saveWhatIsThere(const std::string& name) {
   finishReplacement(replacement);
 }
 
-TEST(Replacing, GivesNothingAwayWhenAnotherUserSwapsNames) {
+TEST_F(Replacing, GivesNothingAwayWhenAnotherUserSwapsNames) {
   if (!test::canBecomeOtherUser()) GTEST_SKIP() << "takes the superuser";
-  const ScratchDirectory scratch;
-  const std::string secret = scratch.write("private/secret", "hidden"),
-                    name = scratch.write("shared/file", "");
-  fs::permissions(scratch.path(), fs::perms(0755));
-  fs::permissions(scratch.path("private"), fs::perms(0700));
-  fs::permissions(secret, fs::perms(0600));
-  ASSERT_EQ(chown(scratch.path("shared").c_str(), test::kOtherUser, test::kOtherUser), 0);
+  const std::string secret = scratch_.write("private/secret", "hidden"),
+                    name = scratch_.write("shared/file", "");
+  for (const auto& [entry, mode] : {std::pair{"", 0755}, {"private", 0700}, {"private/secret", 0600}})
+    ASSERT_EQ(chmod(path(entry).c_str(), static_cast<mode_t>(mode)), 0);
+  ASSERT_EQ(chown(path("shared").c_str(), test::kOtherUser, test::kOtherUser), 0);
   const test::OtherUser other([&] { swapNames(name, secret); });
   for (int round = 0; round < 500 && !HasFailure(); ++round) {
+    SCOPED_TRACE(round);
     saveWhatIsThere(name);
     struct stat status {};
     EXPECT_EQ(stat(secret.c_str(), &status), 0);
-    EXPECT_TRUE(status.st_uid == 0 && (status.st_mode & 07777) == 0600)
-        << "round " << round << ": " << status.st_uid << ' ' << std::oct << status.st_mode;
-    EXPECT_EQ(readFile(secret), "hidden") << round;
+    EXPECT_EQ(status.st_uid, 0U);
+    EXPECT_EQ(status.st_mode & 07777, mode_t{0600});
+    EXPECT_EQ(readFile(secret), "hidden");
     const int file = open(name.c_str(), O_RDONLY | O_NOFOLLOW);
-    char byte = 0;
-    EXPECT_TRUE(file < 0 || read(file, &byte, 1) != 1 || byte == 'm') << round;
+    char byte = 'm';
+    static_cast<void>(!read(file, &byte, 1));
+    EXPECT_EQ(byte, 'm') << "a copy of the secret";
     closeDescriptor(file);
   }
 }

@@ -1,27 +1,16 @@
 // The system's own conversions as a second opinion, where it has them.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
 namespace vel::test {
 
-/// From a page to UTF-16, low byte first.
-class Iconv {
- public:
-  explicit Iconv(const std::string& page);
-  ~Iconv();
-  Iconv(const Iconv&) = delete;
-  Iconv& operator=(const Iconv&) = delete;
+/// Converts from a page to UTF-16, low byte first; nothing for what has no mapping.
+using Iconv = std::function<std::optional<std::string>(std::string bytes)>;
 
-  /// False where the system does not know the page.
-  bool isThere() const { return handle_ != nullptr; }
-
-  /// Nothing for what has no mapping.
-  std::optional<std::string> convert(std::string bytes) const;
-
- private:
-  void* handle_;
-};
+/// Empty where the system does not know the page.
+Iconv iconvFrom(const std::string& page);
 
 }  // namespace vel::test

@@ -15,7 +15,4 @@ using InOwnRoot = std::function<std::string(const std::vector<std::string>& begi
 /// this process whose root it is, on Windows on a drive of its own. Nothing where the system permits neither.
 std::optional<std::string> inOwnRoot(const std::string& directory, const InOwnRoot& action);
 
-/// Whether both names lead to one directory.
-bool isSameDirectory(const std::string& one, const std::string& other);
-
 }  // namespace vel::test

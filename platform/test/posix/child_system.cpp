@@ -1,19 +1,15 @@
-// Child processes by fork, and other processes by their descriptors.
+// Child processes by fork, and other processes by what the system lists of them.
 #include "platform/test/child_system.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/ptrace.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cerrno>
 #include <filesystem>
 
 #include "platform/test/posix/failing_calls.h"
+#include "platform/test/posix/processes.h"
 #include "platform/test/scratch_directory.h"
 
 namespace vel::test {
@@ -22,14 +18,7 @@ namespace {
 
 constexpr int kExitCodeWithoutProgram = 127;
 
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  for (std::string& text : texts) pointers.push_back(text.data());
-  pointers.push_back(nullptr);
-  return pointers;
-}
-
-/// Gone, or left for its parent to notice. For systems that give no descriptor of a process.
+/// Gone, or left for its parent to notice.
 bool isOver(unsigned int processId) {
   const std::string status = readFile("/proc/" + std::to_string(processId) + "/stat");
   const std::size_t name = status.rfind(')');
@@ -68,11 +57,7 @@ std::string ownProgram() {
 }
 
 bool endsWithin(unsigned int processId, int milliseconds) {
-  pollfd process{static_cast<int>(syscall(SYS_pidfd_open, processId, 0)), POLLIN, 0};
-  if (process.fd < 0) return errno == ESRCH || waitUntil([=] { return isOver(processId); }, milliseconds);
-  const bool ended = poll(&process, 1, milliseconds) == 1;
-  close(process.fd);
-  return ended;
+  return waitUntil([=] { return isOver(processId); }, milliseconds);
 }
 
 void closeDescriptor(int descriptor) {

@@ -9,7 +9,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <filesystem>
+#include <map>
 #include <set>
 
 namespace vel::test {
@@ -18,59 +20,48 @@ namespace vel::test {
 
 namespace {
 
-/// One call, and how it is known which descriptors are written to.
+const std::map<std::uint64_t, std::string> kNames = {
+    {SYS_open, "open"},     {SYS_openat, "open"},     {SYS_write, "write"},     {SYS_writev, "write"},
+    {SYS_read, "read"},     {SYS_readv, "read"},      {SYS_pread64, "read"},    {SYS_fsync, "fsync"},
+    {SYS_fchown, "fchown"}, {SYS_fchmod, "fchmod"},   {SYS_linkat, "link"},     {SYS_close, "close"},
+    {SYS_rename, "rename"}, {SYS_renameat, "rename"}, {SYS_renameat2, "rename"}};
+
+/// The calls of a child, and which descriptors it writes to.
 class CallWatch {
  public:
-  CallWatch(pid_t child, std::string directory) : child_(child), directory_(std::move(directory)) {}
+  CallWatch(pid_t child, const std::string& directory) : child_(child), directory_(directory) {}
 
-  /// What the call is, "" for one that fails never.
-  std::string nameOf(const user_regs_struct& call) const {
-    switch (call.orig_rax) {
-      case SYS_open:
-        return (call.rsi & O_ACCMODE) != O_RDONLY ? "open" : "";
-      case SYS_openat:
-        return (call.rdx & O_ACCMODE) != O_RDONLY ? "open" : "";
-      case SYS_write:
-      case SYS_writev:
-        return isWritten(call.rdi) ? "write" : "";
-      case SYS_read:
-      case SYS_readv:
-      case SYS_pread64:
-        return isRead(call.rdi) ? "read" : "";
-      case SYS_fsync:
-        return isWritten(call.rdi) ? "fsync" : "fsync of a directory";
-      case SYS_fchown:
-      case SYS_fchmod:
-        return call.orig_rax == SYS_fchown ? "fchown" : "fchmod";
-      case SYS_linkat:
-        return "link";
-      case SYS_close:
-        return isWritten(call.rdi) ? "close" : "";
-      case SYS_rename:
-      case SYS_renameat:
-      case SYS_renameat2:
-        return "rename";
-      default:
-        return "";
-    }
+  /// What the call is, "" for one that never fails.
+  std::string begin(std::uint64_t number, const std::uint64_t* arguments) {
+    const auto found = kNames.find(number);
+    descriptor_ = arguments[0];
+    name_ = found != kNames.end() ? found->second : "";
+    const bool isWritten = descriptors_.contains(descriptor_);
+    const std::uint64_t mode = arguments[number == SYS_open ? 1 : 2] & O_ACCMODE;
+    if (name_ == "fsync" && !isWritten) return "fsync of a directory";
+    const bool counts = name_ == "open"   ? mode != O_RDONLY
+                        : name_ == "read" ? isRead()
+                                          : isWritten || (name_ != "write" && name_ != "close");
+    if (!counts) name_.clear();
+    return name_;
   }
-  void ended(const std::string& name, const user_regs_struct& call, unsigned long long result) {
-    if (name == "open" && static_cast<long long>(result) >= 0) descriptors_.insert(result);
-    if (name == "close") descriptors_.erase(call.rdi);
+  void end(std::int64_t result) {
+    if (name_ == "open" && result >= 0) descriptors_.insert(static_cast<std::uint64_t>(result));
+    if (name_ == "close") descriptors_.erase(descriptor_);
   }
 
  private:
-  bool isWritten(unsigned long long descriptor) const { return descriptors_.count(descriptor) == 1; }
-  bool isRead(unsigned long long descriptor) const {
-    const auto link = "/proc/" + std::to_string(child_) + "/fd/" + std::to_string(descriptor);
+  bool isRead() const {
+    const auto link = "/proc/" + std::to_string(child_) + "/fd/" + std::to_string(descriptor_);
     std::error_code isClosed;
-    if (directory_.empty()) return false;
-    return std::filesystem::read_symlink(link, isClosed).string().starts_with(directory_ + '/');
+    return !directory_.empty() &&
+           std::filesystem::read_symlink(link, isClosed).string().starts_with(directory_ + '/');
   }
 
   pid_t child_;
-  std::string directory_;
-  std::set<unsigned long long> descriptors_{STDOUT_FILENO};
+  std::string directory_, name_;
+  std::uint64_t descriptor_ = 0;
+  std::set<std::uint64_t> descriptors_{STDOUT_FILENO};
 };
 
 }  // namespace
@@ -80,29 +71,26 @@ int waitFailingCall(pid_t child, int number, const std::string& directory, std::
   waitpid(child, &status, 0);
   ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
   CallWatch watch(child, directory);
-  user_regs_struct call{}, result{};
-  std::string current;
-  bool isInside = false, fails = false;
+  bool fails = false;
   for (int signal = 0; ptrace(PTRACE_SYSCALL, child, nullptr, signal) == 0;) {
     waitpid(child, &status, 0);
     if (!WIFSTOPPED(status)) break;
     const bool isCall = WSTOPSIG(status) == (SIGTRAP | 0x80);
     signal = isCall || WSTOPSIG(status) == SIGTRAP ? 0 : WSTOPSIG(status);
-    if (!isCall) continue;
-    isInside = !isInside;
-    ptrace(PTRACE_GETREGS, child, nullptr, &result);
-    if (isInside) {
-      call = result;
-      current = watch.nameOf(call);
-      fails = !current.empty() && --number == 0;
-      if (!fails) continue;
-      name = current;
-      result.orig_rax = static_cast<unsigned long long>(-1);
+    __ptrace_syscall_info call{};
+    if (!isCall || ptrace(PTRACE_GET_SYSCALL_INFO, child, sizeof call, &call) <= 0) continue;
+    const bool isEntry = call.op == PTRACE_SYSCALL_INFO_ENTRY;
+    if (isEntry) {
+      const std::string begun = watch.begin(call.entry.nr, call.entry.args);
+      fails = !begun.empty() && --number == 0;
+      if (fails) name = begun;
     } else {
-      if (fails) result.rax = static_cast<unsigned long long>(-EIO);
-      watch.ended(current, call, result.rax);
+      watch.end(fails ? -EIO : call.exit.rval);
     }
-    if (fails) ptrace(PTRACE_SETREGS, child, nullptr, &result);
+    // No call has the number -1.
+    if (fails)
+      ptrace(PTRACE_POKEUSER, child, isEntry ? offsetof(user, regs.orig_rax) : offsetof(user, regs.rax),
+             isEntry ? -1L : -long{EIO});
   }
   return status;
 }

@@ -17,7 +17,6 @@ extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* block, std::size_t size);
-void* __libc_memalign(std::size_t alignment, std::size_t size);
 }
 
 namespace {
@@ -68,18 +67,6 @@ __attribute__((visibility("default"))) void* calloc(std::size_t count, std::size
 
 __attribute__((visibility("default"))) void* realloc(void* block, std::size_t size) {
   return fails() ? refuse() : __libc_realloc(block, size);
-}
-
-__attribute__((visibility("default"))) void* aligned_alloc(std::size_t alignment, std::size_t size) {
-  return fails() ? refuse() : __libc_memalign(alignment, size);
-}
-
-__attribute__((visibility("default"))) int posix_memalign(void** block, std::size_t alignment,
-                                                          std::size_t size) {
-  void* const allocated = fails() ? nullptr : __libc_memalign(alignment, size);
-  if (allocated == nullptr) return ENOMEM;
-  *block = allocated;
-  return 0;
 }
 
 }  // extern "C"

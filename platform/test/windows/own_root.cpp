@@ -4,7 +4,7 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
-#include <array>
+#include <fstream>
 
 #include "platform/test/child_process.h"
 #include "platform/test/scratch_directory.h"
@@ -13,18 +13,6 @@
 namespace vel::test {
 
 namespace {
-
-/// All zero for what is no directory.
-std::array<DWORD, 3> numbersOf(const std::string& directory) {
-  BY_HANDLE_FILE_INFORMATION info{};
-  const HANDLE opened =
-      CreateFileA(directory.c_str(), FILE_READ_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                  OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-  if (opened == INVALID_HANDLE_VALUE) return {};
-  if (GetFileInformationByHandle(opened, &info) == FALSE) info = {};
-  CloseHandle(opened);
-  return {info.dwVolumeSerialNumber, info.nFileIndexHigh, info.nFileIndexLow};
-}
 
 /// The link outside Wine that stands for a drive.
 std::string linkOf(const std::string& drive) {
@@ -35,6 +23,7 @@ std::string linkOf(const std::string& drive) {
 class OwnDrive {
  public:
   explicit OwnDrive(const std::string& directory) : directory_(directory), link_(unixName(directory)) {
+    std::ofstream(directory + "\\" + mark_) << "mine";
     for (const char* letter = "YXWVUT"; *letter != '\0' && name_.empty(); ++letter) {
       const std::string drive = {*letter, ':'};
       if (GetDriveTypeA((drive + "\\").c_str()) == DRIVE_NO_ROOT_DIR && define(drive)) name_ = drive;
@@ -47,25 +36,26 @@ class OwnDrive {
     if (link_.empty())
       DefineDosDeviceA(DDD_REMOVE_DEFINITION | DDD_EXACT_MATCH_ON_REMOVE, name_.c_str(), directory_.c_str());
     else if (startUnixProgram("rm", linkOf(name_)))
-      waitUntil([this] { return !isSameDirectory(name_ + "\\", directory_); });
+      waitUntil([this] { return !isOwn(name_); });
   }
 
   /// "Y:", or "" without one.
   const std::string& name() const { return name_; }
 
  private:
+  bool isOwn(const std::string& drive) const {
+    std::error_code ignored;
+    return std::filesystem::exists(drive + "\\" + mark_, ignored);
+  }
   bool define(const std::string& drive) const {
-    const std::string root = drive + "\\";
-    if (link_.empty())
-      return DefineDosDeviceA(0, drive.c_str(), directory_.c_str()) != FALSE &&
-             isSameDirectory(root, directory_);
+    if (link_.empty()) return DefineDosDeviceA(0, drive.c_str(), directory_.c_str()) != FALSE && isOwn(drive);
     // Somebody else may have been faster, and has another directory there.
     return startUnixProgram("ln", "-sn " + link_ + " " + linkOf(drive)) &&
-           waitUntil([&] { return GetFileAttributesA(root.c_str()) != INVALID_FILE_ATTRIBUTES; }) &&
-           isSameDirectory(root, directory_);
+           waitUntil([&] { return GetDriveTypeA((drive + "\\").c_str()) != DRIVE_NO_ROOT_DIR; }) &&
+           isOwn(drive);
   }
 
-  std::string directory_, link_, name_;
+  std::string directory_, link_, name_, mark_ = "mark" + std::to_string(GetCurrentProcessId());
 };
 
 }  // namespace
@@ -75,11 +65,6 @@ std::optional<std::string> inOwnRoot(const std::string& directory, const InOwnRo
   if (drive.name().empty()) return std::nullopt;
   const CurrentDirectory in(drive.name() + "\\");
   return action({drive.name(), "", "\\\\?\\" + drive.name(), "\\\\.\\" + drive.name()});
-}
-
-bool isSameDirectory(const std::string& one, const std::string& other) {
-  const auto numbers = numbersOf(one);
-  return numbers != std::array<DWORD, 3>{} && numbers == numbersOf(other);
 }
 
 }  // namespace vel::test

@@ -1,5 +1,5 @@
-// Children that are another user, for tests of what users can do to each other. Only the superuser can start
-// them.
+// Arguments of programs, and copies of this process, also as another user, for tests of what users can do to
+// each other. Only the superuser can become another user.
 #pragma once
 
 #include <grp.h>
@@ -8,13 +8,34 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <functional>
+#include <string>
+#include <vector>
+
 namespace vel::test {
+
+/// As exec takes them, null at the end.
+inline std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  for (std::string& text : texts) pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
 
 /// Nobody in particular, and no member of any group.
 inline constexpr uid_t kOtherUser = 54321;
 
 inline bool becomeOtherUser() {
   return setgroups(0, nullptr) == 0 && setgid(kOtherUser) == 0 && setuid(kOtherUser) == 0;
+}
+
+/// The wait status of a copy of this process that does this and ends.
+inline int statusOfCopy(const std::function<bool()>& action) {
+  const pid_t child = fork();
+  if (child == 0) _exit(action() ? 0 : 1);
+  int status = -1;
+  waitpid(child, &status, 0);
+  return status;
 }
 
 /// Runs `act` in a child, as `who` changes it, and returns its exit code; -1 when there is none.
@@ -28,6 +49,14 @@ int exitCodeOf(Who who, Act act) {
 
 inline bool canBecomeOtherUser() {
   return geteuid() == 0 && exitCodeOf(becomeOtherUser, [] { return 0; }) == 0;
+}
+
+/// For what the superuser would never be refused: true for everybody else.
+inline bool beUnprivileged() {
+  return geteuid() != 0 || becomeOtherUser();
+}
+inline bool canBeUnprivileged() {
+  return geteuid() != 0 || canBecomeOtherUser();
 }
 
 /// Another user's child as long as this object lives.
