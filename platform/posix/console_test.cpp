@@ -1,6 +1,6 @@
 // The user interface of tools on a pseudo-terminal: keys and the progress display. The texts are the matter
 // of consoleui's own tests.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <poll.h>
 #include <pty.h>
 #include <signal.h>
@@ -14,6 +14,7 @@
 #include <sstream>
 
 #include "platform/test/child_process.h"
+#include "platform/test/posix/processes.h"
 #include "platform/test/scratch_directory.h"
 #include "platform/test/variable.h"
 #include "vel_include/vel_consoleui.h"
@@ -21,6 +22,9 @@
 namespace {
 
 namespace fs = std::filesystem;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
 
 /// A program on a pseudo-terminal of its own, and the user in front of it. The terminal does not control the
 /// program: signals are sent with `signal`, not typed.
@@ -30,9 +34,6 @@ class Tool {
   Tool(const char* program, std::vector<std::string> arguments, bool onlyErrors = false) {
     const std::string path = fs::path(vel::test::ownProgram()).replace_filename(program).string();
     arguments.insert(arguments.begin(), path);
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments) pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
     int terminal = -1;
     EXPECT_EQ(openpty(&master_, &terminal, nullptr, nullptr, nullptr), 0);
     atStart_ = attributes();
@@ -42,15 +43,14 @@ class Tool {
       for (int stream = onlyErrors ? 2 : 0; stream < 3; ++stream) dup2(terminal, stream);
       close(terminal);
       close(master_);
-      execv(pointers[0], pointers.data());
+      execv(path.c_str(), vel::test::pointersTo(arguments).data());
       _exit(127);
     }
     close(terminal);
   }
   Tool(const Tool&) = delete;
   ~Tool() {
-    if (!ended_) kill(child_, SIGKILL);
-    if (!ended_) waitpid(child_, nullptr, 0);
+    if (!ended_ && kill(child_, SIGKILL) == 0) waitpid(child_, nullptr, 0);
     close(master_);
   }
 
@@ -119,7 +119,7 @@ const std::string kInvitation = " === Press any key to continue ===\r\n";
 
 /// prompt_child, waiting for a key.
 struct Prompting : Tool {
-  explicit Prompting(const std::vector<std::string>& script) : Tool("prompt_child", script) {
+  explicit Prompting(std::vector<std::string> script) : Tool("prompt_child", std::move(script)) {
     EXPECT_TRUE(waitsForKey());
   }
 };
@@ -143,7 +143,8 @@ TEST(PromptForKey, RestoresTheTerminalWhenASignalEndsTheTool) {
     Prompting tool({"key"});
     tool.signal(signal);
     const int status = tool.waitForStatus();
-    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << signal << ": " << status;
+    EXPECT_TRUE(WIFSIGNALED(status)) << signal;
+    EXPECT_EQ(WTERMSIG(status), signal);
     EXPECT_TRUE(tool.hasRestoredTerminal()) << signal;
   }
 }
@@ -151,7 +152,8 @@ TEST(PromptForKey, RestoresTheTerminalWhenASignalEndsTheTool) {
 TEST(PromptForKey, RestoresTheTerminalWhileTheToolIsStopped) {
   Prompting tool({"key"});
   tool.signal(SIGTSTP);
-  EXPECT_TRUE(WIFSTOPPED(tool.waitForStatus()) && tool.hasRestoredTerminal());
+  EXPECT_TRUE(WIFSTOPPED(tool.waitForStatus()));
+  EXPECT_TRUE(tool.hasRestoredTerminal());
   tool.signal(SIGCONT);
   ASSERT_TRUE(tool.waitsForKey());
   tool.type("x");
@@ -177,8 +179,8 @@ TEST(PromptForKey, LeavesSignalsToTheToolsOwnHandlerOrIgnored) {
 TEST(PromptForKey, TakesOneCharacterOfRedirectedInput) {
   const auto result = vel::test::runChild("prompt_child", {"string", "A", "-", "key", "string", "B", "-"},
                                           {.input = "one\nxtwo\n"});
-  EXPECT_NE(result.output.find("[one]\n"), std::string::npos) << result.output;
-  EXPECT_NE(result.output.find("[two]\n"), std::string::npos) << result.output;
+  EXPECT_THAT(result.output, HasSubstr("[one]\n"));
+  EXPECT_THAT(result.output, HasSubstr("[two]\n"));
 }
 
 // The second is what is promised, so the clock is asked. On a busy machine the fast tool may take longer:
@@ -201,8 +203,8 @@ TEST(ProgressDisplay, AppearsOnlyOnATerminalAndOnlyAfterASecond) {
   drawn = slow.readThrough("%");
   EXPECT_GE(now() - before, kShownAfter);
   drawn += slow.finish();
-  EXPECT_TRUE(drawn.ends_with("\rWorking [##############################] 100%   0:00 left\r\nnext line\r\n"))
-      << drawn;
+  EXPECT_THAT(drawn,
+              EndsWith("\rWorking [##############################] 100%   0:00 left\r\nnext line\r\n"));
   EXPECT_GE(std::count(drawn.begin(), drawn.end(), '%'), 2) << drawn;
   EXPECT_EQ(quiet.finish(), "next line\r\n");
   const auto toFile = vel::test::runChild("ui_child", {});
@@ -214,8 +216,8 @@ TEST(ProgressDisplay, StaysAwayFromBytesOfUnknownNumber) {
   const std::string command = "(printf a; sleep 1.2; printf b) | '" + veldump.string() + "' >/dev/null";
   Tool tool("/bin/sh", {"-c", command}, true);
   const std::string shown = tool.finish();
-  EXPECT_NE(shown.find("VELDUMP - "), std::string::npos) << shown;
-  EXPECT_EQ(shown.find('%'), std::string::npos) << shown;
+  EXPECT_THAT(shown, HasSubstr("VELDUMP - "));
+  EXPECT_THAT(shown, Not(HasSubstr("%")));
 }
 
 TEST(TerminalOfTools, IsNotControlledByCatalogs) {
@@ -225,10 +227,10 @@ TEST(TerminalOfTools, IsNotControlledByCatalogs) {
   bytes.replace(bytes.find(text), text.size(), std::string("\x1B\0[\0J\0", 6));
   const std::vector<std::string> arguments = {"-cat", directory.write("escape.DLL", bytes), "-list"};
   const std::string shown = Tool("velmsg", arguments).finish();
-  EXPECT_NE(shown.find("\t?[J\\nlines\r\n"), std::string::npos) << shown;
-  EXPECT_EQ(shown.find('\x1B'), std::string::npos);
+  EXPECT_THAT(shown, HasSubstr("\t?[J\\nlines\r\n"));
+  EXPECT_THAT(shown, Not(HasSubstr("\x1B")));
   const auto piped = vel::test::runChild("velmsg", arguments);
-  EXPECT_NE(piped.output.find("\t\x1B[J\\nlines\n"), std::string::npos) << piped.output;
+  EXPECT_THAT(piped.output, HasSubstr("\t\x1B[J\\nlines\n"));
 }
 
 TEST(LabelColumn, CountsCharactersOfUtf8Texts) {
