@@ -11,15 +11,18 @@ namespace {
 
 TEST(DllFile, LoadsALibraryBesideTheProgramOrByItsPath) {
   const VelClDllProcLoaderFile library("sample_library");
-  ASSERT_TRUE(library.isValid() && library.isFoundInSystemPath() && library.getFilename().isAbsolute());
+  ASSERT_TRUE(library.isValid());
+  EXPECT_TRUE(library.isFoundInSystemPath());
+  EXPECT_TRUE(library.getFilename().isAbsolute());
   EXPECT_EQ(library.getLastError().getErrorId(), 0UL);
   const VelProcedure procedure = library.getProcedure("velSampleAnswer");
-  EXPECT_TRUE(procedure != nullptr && procedure() == 42);
+  ASSERT_NE(procedure, nullptr);
+  EXPECT_EQ(procedure(), 42);
   for (const char* missing : {"velNoSuchProcedure", static_cast<const char*>(nullptr)})
     EXPECT_EQ(library.getProcedure(missing), nullptr);
   const auto path = std::filesystem::path(vel::test::ownProgram()).replace_filename("sample_library");
   const VelClDllFile byPath(path.string().c_str());
-  EXPECT_TRUE(byPath.isValid() && !byPath.isFoundInSystemPath());
+  EXPECT_EQ(std::tuple(byPath.isValid(), byPath.isFoundInSystemPath()), std::tuple(true, false));
 }
 
 TEST(DllFile, FailuresLeaveTheSystemsCode) {
@@ -38,7 +41,7 @@ TEST(DllFile, FailuresLeaveTheSystemsCode) {
               {"", ".DLL", true}};
   for (const auto& row : rows) {
     const VelClDllProcLoaderFile library(row.name);
-    EXPECT_FALSE(library.isValid() || library.isFoundInSystemPath()) << row.name;
+    EXPECT_EQ(std::tuple(library.isValid(), library.isFoundInSystemPath()), std::tuple(false, false));
     EXPECT_STREQ(library.getAsCString(), row.completed);
     EXPECT_EQ(library.getLastError().getErrorId(), row.isMissing ? missing : refused) << row.name;
     EXPECT_EQ(library.getLastError().errorClass, VelEnErrorClass::RESOURCE_MISSING);
@@ -49,7 +52,8 @@ TEST(DllFile, FailuresLeaveTheSystemsCode) {
 TEST(DllFile, PlainFunctionsDoTheSame) {
   void* const handle = velDllProcLoaderOpen("sample_library");
   const VelProcedure procedure = velDllProcLoaderGetProcedure(handle, "velSampleAnswer");
-  EXPECT_TRUE(procedure != nullptr && procedure() == 42);
+  ASSERT_NE(procedure, nullptr);
+  EXPECT_EQ(procedure(), 42);
   velDllProcLoaderClose(handle);
   for (const char* missing : {"vel_no_such_library", static_cast<const char*>(nullptr)})
     EXPECT_EQ(velDllProcLoaderOpen(missing), nullptr);

@@ -24,15 +24,18 @@ TEST(EnvironmentVariable, ChangesTheRuntimesEnvironment) {
   VelClEnvironmentVariable variable(kName, "a=b;c");
   EXPECT_STREQ(std::getenv(kName), "a=b;c");
   query.setNewName(kName);
-  EXPECT_TRUE(variable.appendValue(";d") && variable.appendValue(nullptr));
+  for (const char* appended : {";d", static_cast<const char*>(nullptr)})
+    EXPECT_TRUE(variable.appendValue(appended));
   EXPECT_STREQ(query.getValue(), "a=b;c;d");
   variable.resetValue();
-  EXPECT_TRUE(std::getenv(kName) == nullptr && !query.hasValueEnabled());
+  EXPECT_EQ(std::getenv(kName), nullptr);
+  EXPECT_FALSE(query.hasValueEnabled());
   EXPECT_TRUE(variable.appendValue("e"));
   EXPECT_STREQ(VelClEnvironmentVariableQueryOnly(variable).getValue(), "e");
   // Null and the empty text remove, also when there is nothing to remove.
   for (const char* value : {static_cast<const char*>(nullptr), "", ""}) {
-    EXPECT_TRUE(variable.setNewValue(value) && !variable.hasValue() && variable.getValue() == nullptr);
+    EXPECT_EQ(std::tuple(variable.setNewValue(value), variable.hasValue()), std::tuple(true, false));
+    EXPECT_EQ(variable.getValue(), nullptr);
   }
 }
 
@@ -54,7 +57,9 @@ TEST(EnvironmentVariable, LongValuesAreWholeOrRefused) {
 TEST(EnvironmentVariable, NamesAreThoseThatTheEnvironmentCanHold) {
   for (const char* name : {"", "=", "VEL_TEST=X", static_cast<const char*>(nullptr)}) {
     VelClEnvironmentVariable variable(name, "1");
-    EXPECT_FALSE(variable.setNewValue("1") || variable.setNewValue(nullptr) || variable.appendValue("1"));
+    for (const char* value : {"1", static_cast<const char*>(nullptr)})
+      EXPECT_FALSE(variable.setNewValue(value));
+    EXPECT_FALSE(variable.appendValue("1"));
     EXPECT_EQ(variable.getValue(), nullptr);
   }
   EXPECT_EQ(std::getenv("VEL_TEST"), nullptr);
