@@ -1,5 +1,8 @@
 // Operations on real files, by back-slash names on every system, and the last error of each; and the
 // translation mode of descriptors. Binary output is seen in tmp_filename_test.cpp.
+#include <gmock/gmock.h>
+
+#include <array>
 #include <chrono>
 #include <ctime>
 
@@ -33,16 +36,21 @@ TEST(File, TakesADefaultType) {
   EXPECT_STREQ("", VelClFile(VelClFilename("a"), nullptr).getFileType());
 }
 
+auto propertiesOf(const VelClFile& file) {
+  return std::tuple(file.isExistent(), file.isHidden(), file.isReadOnly(),
+                    static_cast<int>(file.getFileSize()));
+}
+
 TEST_F(FileTest, AnswersForFilesThereAndMissing) {
   const VelClFile there = fileWith("there", "12345");
   for (const VelClFile& missing :
        {file("missing"), file("missing\\x"), VelClFile(VelClFilename(""), nullptr)}) {
-    EXPECT_TRUE(missing.isHidden() && missing.isReadOnly() && !missing.isExistent());
-    EXPECT_EQ(0, missing.getDateTimeOfCreation() | missing.getDateTimeOfLastAccess() |
-                     missing.getDateTimeOfLastModification() | static_cast<int64_t>(missing.getFileSize()));
+    EXPECT_EQ(propertiesOf(missing), std::tuple(false, true, true, 0));
+    EXPECT_THAT((std::array{missing.getDateTimeOfCreation(), missing.getDateTimeOfLastAccess(),
+                            missing.getDateTimeOfLastModification()}),
+                testing::Each(0));
   }
-  EXPECT_TRUE(there.isExistent() && !there.isHidden() && !there.isReadOnly());
-  EXPECT_EQ(5U, there.getFileSize());
+  EXPECT_EQ(propertiesOf(there), std::tuple(true, false, false, 5));
   const auto now = static_cast<double>(std::time(nullptr));
   EXPECT_NEAR(now, static_cast<double>(there.getDateTimeOfCreation()), 60);
   EXPECT_NEAR(now, static_cast<double>(there.getDateTimeOfLastAccess()), 60);
@@ -61,9 +69,13 @@ TEST_F(FileTest, CopiesWholeContentsWithOrWithoutAttributes) {
   }
   VelClFile source = file("source.x");
   source.setReadOnly(true);
-  EXPECT_TRUE(source.copyTo(name("kept"), true) && source.copyTo(name("writable"), false));
-  EXPECT_EQ(kNone, left(source));
-  EXPECT_TRUE(source.isReadOnly() && file("kept").isReadOnly() && !file("writable").isReadOnly());
+  for (const bool withAttributes : {true, false}) {
+    EXPECT_TRUE(source.copyTo(name("copy"), withAttributes));
+    EXPECT_EQ(kNone, left(source));
+    EXPECT_EQ(withAttributes, file("copy").isReadOnly());
+    EXPECT_TRUE(file("copy").remove());
+  }
+  EXPECT_TRUE(source.isReadOnly());
   fs::create_directory(scratch_.path("sub"));
   EXPECT_TRUE(source.copyTo(directory("sub").getName(), true));
   EXPECT_EQ(large, contents("sub/source.x"));
@@ -86,16 +98,19 @@ TEST_F(FileTest, FailedCopiesLeaveAllAsItWas) {
   EXPECT_FALSE(source.copyTo(name("SOURCE"), false));
   EXPECT_EQ(Left(FILE_COULD_NOT_COPY_SELF, INCONSISTENT_SITUATION), left(source));
   EXPECT_EQ("keptkept", contents("source") + contents("readOnly"));
-  EXPECT_TRUE(!file("new").isExistent() && fs::is_empty(scratch_.path("sub")));
+  EXPECT_FALSE(file("new").isExistent());
+  EXPECT_TRUE(fs::is_empty(scratch_.path("sub")));
 }
 
 TEST_F(FileTest, RemovesReadOnlyFilesButNoDirectory) {
   VelClFile gone = fileWith("gone", "text"), notAFile(VelClFilename(scratch_.path().c_str()), nullptr);
   gone.setReadOnly(true);
-  EXPECT_TRUE(gone.remove() && !gone.isExistent());
+  EXPECT_TRUE(gone.remove());
+  EXPECT_FALSE(gone.isExistent());
   EXPECT_EQ(kNone, left(gone));
-  EXPECT_FALSE(gone.remove() || notAFile.remove());
+  EXPECT_FALSE(gone.remove());
   EXPECT_EQ(Left(FILE_COULD_NOT_REMOVE, IO_NOT_EXISTENT), left(gone));
+  EXPECT_FALSE(notAFile.remove());
   EXPECT_EQ(Left(FILE_COULD_NOT_REMOVE, IO_PERMISSION_DENIED), left(notAFile));
   EXPECT_TRUE(notAFile.isExistent());
 }
@@ -163,7 +178,8 @@ TEST(OpenMode, AsksWithoutLeavingAnotherMode) {
   }
   // Closed descriptors count as text.
   for (const int notOpen : {-1, 4711, 1 << 30}) {
-    EXPECT_TRUE(velFileIsOpenedInTextMode(notOpen) && !velFileIsOpenedInBinaryMode(notOpen)) << notOpen;
+    EXPECT_TRUE(velFileIsOpenedInTextMode(notOpen)) << notOpen;
+    EXPECT_FALSE(velFileIsOpenedInBinaryMode(notOpen)) << notOpen;
     EXPECT_FALSE(velFileSetBinaryMode(notOpen, true)) << notOpen;
   }
 }
