@@ -1,5 +1,5 @@
 // Operations on real files, by back-slash names on every system, and the last error of each; and the
-// translation mode of descriptors. Binary output is seen in tmp_filename_test.cpp.
+// translation mode of descriptors.
 #include <gmock/gmock.h>
 
 #include <array>
