@@ -156,7 +156,7 @@ TEST_F(PosixFiles, CopiesKeepPermissionBitsAndReplaceOnlyFilesAndTheirLinks) {
   }
   const std::tuple<const char*, const char*, SystemError> refused[] = {
       {"file", "source", EACCES}, {"source", "file", EACCES}, {"file", "directory", EISDIR},
-      {"file", "device", EINVAL}, {"file", "pipe", ENXIO},   {"pipe", "none", EINVAL},
+      {"file", "device", EINVAL}, {"file", "pipe", ENXIO},    {"pipe", "none", EINVAL},
       {"memory", "none", EIO}};
   for (const auto& [from, to, error] : refused) EXPECT_EQ(copy(from, to), error) << from << " to " << to;
   for (const char* link : {"source", "directory", "device"}) EXPECT_TRUE(fs::is_symlink(path(link))) << link;
