@@ -1,9 +1,7 @@
-// What threads may do at once, each with objects of its own, and what they may do in turns. A thread
-// sanitizer tells what they share besides.
+// What threads may do at once, each with objects of its own. A thread sanitizer tells what they share
+// besides. Traces of several threads are the example's matter.
 #include <gmock/gmock.h>
 
-#include <functional>
-#include <mutex>
 #include <sstream>
 #include <thread>
 
@@ -92,12 +90,6 @@ std::string messages(Catalog& catalog) {
   return text(VelClMessage(catalog, 2, "you").isValid(), VelClMessageCatalogCursor(catalog).setToFirst());
 }
 
-void runInThreads(const std::function<void(unsigned int)>& run) {
-  std::vector<std::thread> threads;
-  for (unsigned int i = 0; i < kThreads; ++i) threads.emplace_back(run, i);
-  for (std::thread& thread : threads) thread.join();
-}
-
 TEST(Threads, WorkAtOnceWithObjectsOfTheirOwn) {
   const vel::test::ScratchDirectory scratch;
   const vel::test::Variable directory("TMP", scratch.path().c_str());
@@ -112,31 +104,14 @@ TEST(Threads, WorkAtOnceWithObjectsOfTheirOwn) {
       {messages, "1 1 "}};
   for (const auto& [work, result] : rows) {
     std::string results[kThreads];
-    runInThreads([&, run = work](unsigned int i) { results[i] = run(catalogs[i]) + run(catalogs[i]); });
+    std::vector<std::thread> threads;
+    for (unsigned int i = 0; i < kThreads; ++i)
+      threads.emplace_back([&result = results[i], &catalog = catalogs[i], run = work] {
+        result = run(catalog) + run(catalog);
+      });
+    for (std::thread& thread : threads) thread.join();
     EXPECT_THAT(results, testing::Each(result + result));
   }
-}
-
-// The other way, a callback that locks, is that of the example.
-TEST(Threads, TraceInTurns) {
-  const vel::test::ScratchDirectory scratch;
-  VelClTraceInstance* const instance = VelClTraceInstance::createInstance("threads", nullptr);
-  instance->getEnvironment().setFilename(scratch.path("threads.trc").c_str());
-  instance->activate();
-  instance->enable();
-  std::mutex turn;
-  runInThreads([&turn](unsigned int thread) {
-    for (unsigned int step = 0; step < 500; ++step) {
-      const std::lock_guard lock(turn);
-      velTraceValue(VelEnTraceDetail::LOW, 1, "thread", "step", thread);
-    }
-  });
-  instance->flush();
-  std::ostringstream shown;
-  VelClTraceFormatter formatter(instance->getEnvironment(), nullptr);
-  formatter.format(shown);
-  EXPECT_EQ(formatter.getNumOfEntries(), kThreads * 500);
-  velTraceDeleteInstance();
 }
 
 }  // namespace
