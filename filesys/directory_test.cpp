@@ -18,6 +18,7 @@ using testing::Each;
 using vel::test::kNone;
 using vel::test::Left;
 using vel::test::left;
+using vel::test::outcome;
 using vel::test::readTable;
 
 constexpr size_t kLimit = VEL_MAX_PATH_LENGTH;
@@ -96,11 +97,9 @@ TEST(Directory, GoesDownAndUp) {
     VelClDirectory deep((root + "a\\b").c_str());
     EXPECT_TRUE(deep.detachLastSubDir());
     EXPECT_EQ(root + "a\\", deep.getAsCString());
-    EXPECT_FALSE(deep.detachSubDirs(2));
-    EXPECT_EQ(kNotDetached, left(deep));
+    EXPECT_EQ(outcome(deep.detachSubDirs(2), deep), kNotDetached);
     EXPECT_EQ(root, deep.getAsCString());
-    EXPECT_TRUE(deep.detachSubDirs(0));
-    EXPECT_EQ(kNone, left(deep));
+    EXPECT_EQ(outcome(deep.detachSubDirs(0), deep), kNone);
   }
   VelClDirectory doubled("C:/a/");
   EXPECT_TRUE(doubled.detachLastSubDir());
@@ -121,18 +120,15 @@ TEST_F(DirectoryTest, StartsInTheCurrentDirectory) {
   for (const char* name : {"", "x\\..\\.\\", static_cast<const char*>(nullptr)})
     EXPECT_EQ(current, VelClDirectory(name).getAsCString());
   VelClDirectory sub("sub");
-  EXPECT_FALSE(sub.setAsCurrent());
-  EXPECT_EQ(Left(DIRECTORY_COULD_NOT_CHANGE, IO_NOT_EXISTENT), left(sub));
+  EXPECT_EQ(outcome(sub.setAsCurrent(), sub), Left(DIRECTORY_COULD_NOT_CHANGE, IO_NOT_EXISTENT));
   EXPECT_TRUE(sub.create());
-  EXPECT_TRUE(sub.setAsCurrent());
-  EXPECT_EQ(kNone, left(sub));
+  EXPECT_EQ(outcome(sub.setAsCurrent(), sub), kNone);
   EXPECT_STREQ(sub, VelClDirectory());
 }
 
 TEST_F(DirectoryTest, IsCreatedWithItsParentsAndRemovedWhenEmpty) {
   VelClDirectory created = directory("a\\b"), parent = directory("a"), server("\\\\server");
-  EXPECT_FALSE(created.remove());
-  EXPECT_EQ(kNotRemoved, left(created));
+  EXPECT_EQ(outcome(created.remove(), created), kNotRemoved);
   for (VelClDirectory* made : {&created, &created, &server}) EXPECT_TRUE(made->create());
   EXPECT_EQ(kNone, left(created));
   EXPECT_TRUE(fs::is_directory(scratch_.path("a/b")));
@@ -140,10 +136,8 @@ TEST_F(DirectoryTest, IsCreatedWithItsParentsAndRemovedWhenEmpty) {
   EXPECT_NEAR(static_cast<double>(std::time(nullptr)),
               static_cast<double>(created.getDateTimeOfLastModification()), 60);
   EXPECT_NE(0, VelClDirectory("C:\\").getDateTimeOfLastAccess());
-  EXPECT_FALSE(parent.remove());
-  EXPECT_EQ(kNotRemoved, left(parent));
-  EXPECT_TRUE(created.remove());
-  EXPECT_EQ(kNone, left(created));
+  EXPECT_EQ(outcome(parent.remove(), parent), kNotRemoved);
+  EXPECT_EQ(outcome(created.remove(), created), kNone);
   EXPECT_TRUE(parent.removeAll(true));
 }
 
@@ -164,10 +158,8 @@ TEST_F(DirectoryTest, IsUsableWithADoubledSeparator) {
 TEST_F(DirectoryTest, IsNoFile) {
   scratch_.write("file", "text");
   VelClDirectory file = directory("file"), below = directory("file\\below");
-  EXPECT_FALSE(below.create());
-  EXPECT_EQ(kNotCreated, left(below));
-  EXPECT_FALSE(file.removeAll(true));
-  EXPECT_EQ(kNotRemoved, left(file));
+  EXPECT_EQ(outcome(below.create(), below), kNotCreated);
+  EXPECT_EQ(outcome(file.removeAll(true), file), kNotRemoved);
   EXPECT_TRUE(fs::exists(scratch_.path("file")));
 }
 

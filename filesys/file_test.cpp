@@ -17,6 +17,7 @@ using enum VelEnErrorClass;
 using vel::test::kNone;
 using vel::test::Left;
 using vel::test::left;
+using vel::test::outcome;
 using vel::test::readFile;
 
 class FileTest : public vel::test::DirectoryFixture {
@@ -70,8 +71,7 @@ TEST_F(FileTest, CopiesWholeContentsWithOrWithoutAttributes) {
   VelClFile source = file("source.x");
   source.setReadOnly(true);
   for (const bool withAttributes : {true, false}) {
-    EXPECT_TRUE(source.copyTo(name("copy"), withAttributes));
-    EXPECT_EQ(kNone, left(source));
+    EXPECT_EQ(outcome(source.copyTo(name("copy"), withAttributes), source), kNone);
     EXPECT_EQ(withAttributes, file("copy").isReadOnly());
     EXPECT_TRUE(file("copy").remove());
   }
@@ -91,12 +91,11 @@ TEST_F(FileTest, FailedCopiesLeaveAllAsItWas) {
                                  {"sub", "new"},          {"missing", "new"},      {"", "new"}};
   for (const auto& [from, to] : rows) {
     VelClFile source = file(from);
-    EXPECT_FALSE(source.copyTo(name(to), false)) << to;
-    EXPECT_EQ(Left(FILE_COULD_NOT_COPY, IO_PROBLEM), left(source));
+    EXPECT_EQ(outcome(source.copyTo(name(to), false), source), Left(FILE_COULD_NOT_COPY, IO_PROBLEM)) << to;
   }
   VelClFile source = file("source");
-  EXPECT_FALSE(source.copyTo(name("SOURCE"), false));
-  EXPECT_EQ(Left(FILE_COULD_NOT_COPY_SELF, INCONSISTENT_SITUATION), left(source));
+  EXPECT_EQ(outcome(source.copyTo(name("SOURCE"), false), source),
+            Left(FILE_COULD_NOT_COPY_SELF, INCONSISTENT_SITUATION));
   EXPECT_EQ("keptkept", contents("source") + contents("readOnly"));
   EXPECT_FALSE(file("new").isExistent());
   EXPECT_TRUE(fs::is_empty(scratch_.path("sub")));
@@ -108,10 +107,8 @@ TEST_F(FileTest, RemovesReadOnlyFilesButNoDirectory) {
   EXPECT_TRUE(gone.remove());
   EXPECT_FALSE(gone.isExistent());
   EXPECT_EQ(kNone, left(gone));
-  EXPECT_FALSE(gone.remove());
-  EXPECT_EQ(Left(FILE_COULD_NOT_REMOVE, IO_NOT_EXISTENT), left(gone));
-  EXPECT_FALSE(notAFile.remove());
-  EXPECT_EQ(Left(FILE_COULD_NOT_REMOVE, IO_PERMISSION_DENIED), left(notAFile));
+  EXPECT_EQ(outcome(gone.remove(), gone), Left(FILE_COULD_NOT_REMOVE, IO_NOT_EXISTENT));
+  EXPECT_EQ(outcome(notAFile.remove(), notAFile), Left(FILE_COULD_NOT_REMOVE, IO_PERMISSION_DENIED));
   EXPECT_TRUE(notAFile.isExistent());
 }
 
@@ -120,14 +117,13 @@ TEST_F(FileTest, RenamesButNeverOntoAnExistingEntry) {
   scratch_.write("taken", "taken text");
   fs::create_directory(scratch_.path("empty"));
   for (const char* taken : {"taken", "old", "empty"}) {
-    EXPECT_FALSE(renamed.renameAs(name(taken)));
-    EXPECT_EQ(Left(FILE_COULD_NOT_RENAME, IO_ALREADY_IN_USE), left(renamed));
+    EXPECT_EQ(outcome(renamed.renameAs(name(taken)), renamed),
+              Left(FILE_COULD_NOT_RENAME, IO_ALREADY_IN_USE));
   }
-  EXPECT_FALSE(missing.renameAs(name("other")));
-  EXPECT_EQ(Left(FILE_COULD_NOT_RENAME, IO_PERMISSION_DENIED), left(missing));
+  EXPECT_EQ(outcome(missing.renameAs(name("other")), missing),
+            Left(FILE_COULD_NOT_RENAME, IO_PERMISSION_DENIED));
   for (const char* free : {"new", "NEW"}) {
-    EXPECT_TRUE(renamed.renameAs(name(free)));
-    EXPECT_EQ(kNone, left(renamed));
+    EXPECT_EQ(outcome(renamed.renameAs(name(free)), renamed), kNone);
     EXPECT_STREQ(free, renamed.getFilename().getName());
     EXPECT_EQ("taken textold text", contents("taken") + contents(free));
   }

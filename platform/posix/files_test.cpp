@@ -185,7 +185,7 @@ TEST_F(PosixFiles, CopiesGoIntoAFileWhoseDirectoryTakesNoOther) {
     ASSERT_EQ(chmod(path(name).c_str(), static_cast<mode_t>(mode)), 0);
   for (const auto& [target, error] :
        {std::pair{"closed/existing", 0}, {"sticky/existing", 0}, {"closed/new", EACCES}}) {
-    EXPECT_EQ(test::exitCodeOf(test::beUnprivileged, [&] { return copy("file", target); }), error);
+    EXPECT_EQ(test::exitCodeOf(test::beUnprivileged, [&, to = target] { return copy("file", to); }), error);
     EXPECT_EQ(readFile(path(target)), error == 0 ? "file" : "") << target;
   }
 }
