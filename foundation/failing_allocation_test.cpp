@@ -92,9 +92,7 @@ void convertStrictly(int source, int target) {
 TEST_F(FailingAllocation, OfSingleOperations) {
   const std::pair<const char*, void (*)()> operations[] = {
       {"search", [] { const VelClStringSearch search(kLong.c_str(), true); }},
-      {"block", [] { const VelClMemoryPoolBlock block(100, 64); }},
       {"plain blocks", [] { velFree(velCalloc(2, 8)); }},
-      {"waiting process", [] { VelClNewSyncProcess(VelClExeFile("absent")).addArgument(5L); }},
       {"strict single bytes", [] { convertStrictly(37, 850); }},
       {"strict double bytes", [] { convertStrictly(930, 943); }},
       {"saving", [] { const VelClIniFileSave file("absent.ini"); }},
@@ -121,7 +119,6 @@ TEST_F(FailingAllocation, OfSingleOperations) {
          velTraceCreateInstance("shortage", nullptr);
          velTraceDeleteInstance();
        }},
-      {"settings", [] { const VelClConsoleUIParams params("tool"); }},
       {"interface", [] { const VelClConsoleUI ui(4, kArguments); }},
       {"interface without words", [] { const VelClConsoleUI ui(4, kArguments, VelClFilename("absent"), 0); }},
   };
