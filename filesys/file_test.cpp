@@ -1,5 +1,8 @@
 // Operations on real files, by back-slash names on every system, and the last error of each; and the
-// translation mode of descriptors. Binary output is seen in tmp_filename_test.cpp.
+// translation mode of descriptors.
+#include <gmock/gmock.h>
+
+#include <array>
 #include <chrono>
 #include <ctime>
 
@@ -14,6 +17,7 @@ using enum VelEnErrorClass;
 using vel::test::kNone;
 using vel::test::Left;
 using vel::test::left;
+using vel::test::outcome;
 using vel::test::readFile;
 
 class FileTest : public vel::test::DirectoryFixture {
@@ -33,16 +37,21 @@ TEST(File, TakesADefaultType) {
   EXPECT_STREQ("", VelClFile(VelClFilename("a"), nullptr).getFileType());
 }
 
+auto propertiesOf(const VelClFile& file) {
+  return std::tuple(file.isExistent(), file.isHidden(), file.isReadOnly(),
+                    static_cast<int>(file.getFileSize()));
+}
+
 TEST_F(FileTest, AnswersForFilesThereAndMissing) {
   const VelClFile there = fileWith("there", "12345");
   for (const VelClFile& missing :
        {file("missing"), file("missing\\x"), VelClFile(VelClFilename(""), nullptr)}) {
-    EXPECT_TRUE(missing.isHidden() && missing.isReadOnly() && !missing.isExistent());
-    EXPECT_EQ(0, missing.getDateTimeOfCreation() | missing.getDateTimeOfLastAccess() |
-                     missing.getDateTimeOfLastModification() | static_cast<int64_t>(missing.getFileSize()));
+    EXPECT_EQ(propertiesOf(missing), std::tuple(false, true, true, 0));
+    EXPECT_THAT((std::array{missing.getDateTimeOfCreation(), missing.getDateTimeOfLastAccess(),
+                            missing.getDateTimeOfLastModification()}),
+                testing::Each(0));
   }
-  EXPECT_TRUE(there.isExistent() && !there.isHidden() && !there.isReadOnly());
-  EXPECT_EQ(5U, there.getFileSize());
+  EXPECT_EQ(propertiesOf(there), std::tuple(true, false, false, 5));
   const auto now = static_cast<double>(std::time(nullptr));
   EXPECT_NEAR(now, static_cast<double>(there.getDateTimeOfCreation()), 60);
   EXPECT_NEAR(now, static_cast<double>(there.getDateTimeOfLastAccess()), 60);
@@ -61,9 +70,12 @@ TEST_F(FileTest, CopiesWholeContentsWithOrWithoutAttributes) {
   }
   VelClFile source = file("source.x");
   source.setReadOnly(true);
-  EXPECT_TRUE(source.copyTo(name("kept"), true) && source.copyTo(name("writable"), false));
-  EXPECT_EQ(kNone, left(source));
-  EXPECT_TRUE(source.isReadOnly() && file("kept").isReadOnly() && !file("writable").isReadOnly());
+  for (const bool withAttributes : {true, false}) {
+    EXPECT_EQ(outcome(source.copyTo(name("copy"), withAttributes), source), kNone);
+    EXPECT_EQ(withAttributes, file("copy").isReadOnly());
+    EXPECT_TRUE(file("copy").remove());
+  }
+  EXPECT_TRUE(source.isReadOnly());
   fs::create_directory(scratch_.path("sub"));
   EXPECT_TRUE(source.copyTo(directory("sub").getName(), true));
   EXPECT_EQ(large, contents("sub/source.x"));
@@ -79,24 +91,24 @@ TEST_F(FileTest, FailedCopiesLeaveAllAsItWas) {
                                  {"sub", "new"},          {"missing", "new"},      {"", "new"}};
   for (const auto& [from, to] : rows) {
     VelClFile source = file(from);
-    EXPECT_FALSE(source.copyTo(name(to), false)) << to;
-    EXPECT_EQ(Left(FILE_COULD_NOT_COPY, IO_PROBLEM), left(source));
+    EXPECT_EQ(outcome(source.copyTo(name(to), false), source), Left(FILE_COULD_NOT_COPY, IO_PROBLEM)) << to;
   }
   VelClFile source = file("source");
-  EXPECT_FALSE(source.copyTo(name("SOURCE"), false));
-  EXPECT_EQ(Left(FILE_COULD_NOT_COPY_SELF, INCONSISTENT_SITUATION), left(source));
+  EXPECT_EQ(outcome(source.copyTo(name("SOURCE"), false), source),
+            Left(FILE_COULD_NOT_COPY_SELF, INCONSISTENT_SITUATION));
   EXPECT_EQ("keptkept", contents("source") + contents("readOnly"));
-  EXPECT_TRUE(!file("new").isExistent() && fs::is_empty(scratch_.path("sub")));
+  EXPECT_FALSE(file("new").isExistent());
+  EXPECT_TRUE(fs::is_empty(scratch_.path("sub")));
 }
 
 TEST_F(FileTest, RemovesReadOnlyFilesButNoDirectory) {
   VelClFile gone = fileWith("gone", "text"), notAFile(VelClFilename(scratch_.path().c_str()), nullptr);
   gone.setReadOnly(true);
-  EXPECT_TRUE(gone.remove() && !gone.isExistent());
+  EXPECT_TRUE(gone.remove());
+  EXPECT_FALSE(gone.isExistent());
   EXPECT_EQ(kNone, left(gone));
-  EXPECT_FALSE(gone.remove() || notAFile.remove());
-  EXPECT_EQ(Left(FILE_COULD_NOT_REMOVE, IO_NOT_EXISTENT), left(gone));
-  EXPECT_EQ(Left(FILE_COULD_NOT_REMOVE, IO_PERMISSION_DENIED), left(notAFile));
+  EXPECT_EQ(outcome(gone.remove(), gone), Left(FILE_COULD_NOT_REMOVE, IO_NOT_EXISTENT));
+  EXPECT_EQ(outcome(notAFile.remove(), notAFile), Left(FILE_COULD_NOT_REMOVE, IO_PERMISSION_DENIED));
   EXPECT_TRUE(notAFile.isExistent());
 }
 
@@ -105,14 +117,13 @@ TEST_F(FileTest, RenamesButNeverOntoAnExistingEntry) {
   scratch_.write("taken", "taken text");
   fs::create_directory(scratch_.path("empty"));
   for (const char* taken : {"taken", "old", "empty"}) {
-    EXPECT_FALSE(renamed.renameAs(name(taken)));
-    EXPECT_EQ(Left(FILE_COULD_NOT_RENAME, IO_ALREADY_IN_USE), left(renamed));
+    EXPECT_EQ(outcome(renamed.renameAs(name(taken)), renamed),
+              Left(FILE_COULD_NOT_RENAME, IO_ALREADY_IN_USE));
   }
-  EXPECT_FALSE(missing.renameAs(name("other")));
-  EXPECT_EQ(Left(FILE_COULD_NOT_RENAME, IO_PERMISSION_DENIED), left(missing));
+  EXPECT_EQ(outcome(missing.renameAs(name("other")), missing),
+            Left(FILE_COULD_NOT_RENAME, IO_PERMISSION_DENIED));
   for (const char* free : {"new", "NEW"}) {
-    EXPECT_TRUE(renamed.renameAs(name(free)));
-    EXPECT_EQ(kNone, left(renamed));
+    EXPECT_EQ(outcome(renamed.renameAs(name(free)), renamed), kNone);
     EXPECT_STREQ(free, renamed.getFilename().getName());
     EXPECT_EQ("taken textold text", contents("taken") + contents(free));
   }
@@ -163,7 +174,8 @@ TEST(OpenMode, AsksWithoutLeavingAnotherMode) {
   }
   // Closed descriptors count as text.
   for (const int notOpen : {-1, 4711, 1 << 30}) {
-    EXPECT_TRUE(velFileIsOpenedInTextMode(notOpen) && !velFileIsOpenedInBinaryMode(notOpen)) << notOpen;
+    EXPECT_TRUE(velFileIsOpenedInTextMode(notOpen)) << notOpen;
+    EXPECT_FALSE(velFileIsOpenedInBinaryMode(notOpen)) << notOpen;
     EXPECT_FALSE(velFileSetBinaryMode(notOpen, true)) << notOpen;
   }
 }

@@ -41,7 +41,8 @@ TEST(Location, EndsWithItsStylesSeparator) {
     copy = location;
     EXPECT_EQ(row[1], copy.getAsCString());
     EXPECT_EQ(VelClPathProperty(row[1].c_str()).getPathSep(), copy.getPathSep()) << row[1];
-    EXPECT_EQ(row.at(3) == "yes", location.isRoot() && copy.isRoot()) << row[1];
+    EXPECT_EQ(location.isRoot(), row.at(3) == "yes") << row[1];
+    EXPECT_EQ(copy.isRoot(), location.isRoot()) << row[1];
   }
   EXPECT_STREQ("", VelClLocation(nullptr, false).getAsCString());
 }

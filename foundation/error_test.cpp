@@ -50,7 +50,8 @@ TEST(PlatformErrors, AgreeWithTheFactsAndHaveNoOthers) {
 TEST(Exception, IsCaughtByItsBaseWithAllThatWasSet) {
   VelClExceptionFatal thrown(FILE_COULD_NOT_COPY, VelEnErrorClass::IO_PROBLEM, VelEnErrorAction::ABORT,
                              nullptr);
-  EXPECT_TRUE(thrown.getOrigin() == nullptr && thrown.getLine() == 0);
+  EXPECT_EQ(thrown.getOrigin(), nullptr);
+  EXPECT_EQ(thrown.getLine(), 0);
   thrown.setOrigin("here, line 7", 7);
   thrown.setNewId(FILE_COULD_NOT_RENAME);
   try {

@@ -79,13 +79,6 @@ const char* const kTable[] = {"", "name", "%1", "plain"};
 const char* const kArguments[] = {"tool", "-a", "b", "-quiet"};
 constexpr const char* kNull = nullptr;
 
-void convert(int source, int target) {
-  const VelClCodePage2CodePageConverter converter{VelClCCSID(source), VelClCCSID(target)};
-  const char* text = "\xC1";
-  char out[10];
-  converter.convertBytes(out, sizeof out, &text, 1);
-}
-
 void convertStrictly(int source, int target) {
   struct : VelClConversionSink {
     void write(const char*, size_t) override {}
@@ -99,20 +92,11 @@ void convertStrictly(int source, int target) {
 TEST_F(FailingAllocation, OfSingleOperations) {
   const std::pair<const char*, void (*)()> operations[] = {
       {"search", [] { const VelClStringSearch search(kLong.c_str(), true); }},
-      {"block", [] { const VelClMemoryPoolBlock block(100, 64); }},
       {"plain blocks", [] { velFree(velCalloc(2, 8)); }},
-      {"waiting process", [] { VelClNewSyncProcess(VelClExeFile("absent")).addArgument(5L); }},
-      {"conversion", [] { convert(37, 850); }},
       {"strict single bytes", [] { convertStrictly(37, 850); }},
       {"strict double bytes", [] { convertStrictly(930, 943); }},
-      {"strict UTF-8", [] { convertStrictly(1208, 1200); }},
       {"saving", [] { const VelClIniFileSave file("absent.ini"); }},
       {"environment", [] { const VelClTraceEnvironment environment("shortage", nullptr, true); }},
-      {"controller",
-       [] {
-         VelClTraceInstance::createControllerInstance("shortage", nullptr);
-         velTraceDeleteInstance();
-       }},
       {"library", [] { velDllProcLoaderClose(velDllProcLoaderOpen("qamc5032")); }},
       {"absent library", [] { velDllProcLoaderClose(velDllProcLoaderOpen("absent")); }},
       {"process", [] { const VelClNewAsyncProcess process(VelClExeFile("absent")); }},
@@ -135,7 +119,6 @@ TEST_F(FailingAllocation, OfSingleOperations) {
          velTraceCreateInstance("shortage", nullptr);
          velTraceDeleteInstance();
        }},
-      {"settings", [] { const VelClConsoleUIParams params("tool"); }},
       {"interface", [] { const VelClConsoleUI ui(4, kArguments); }},
       {"interface without words", [] { const VelClConsoleUI ui(4, kArguments, VelClFilename("absent"), 0); }},
   };
@@ -192,17 +175,6 @@ TEST_F(FailingAllocation, OfCatalogs) {
     const bool got = attempt([&] { proxy.getMessage(2, variables); });
     EXPECT_EQ(std::string(text), got ? kLong : "plain");
     attempt([&] { EXPECT_TRUE(proxy.isValidMessageId(2)); });
-  });
-  const vel::test::ScratchDirectory directory;
-  const std::string file = directory.write("empty.trc", "");
-  exhaust("formatter", [&file] {
-    VelClMessageCatalog words;
-    VelClTraceEnvironment environment("shortage", nullptr, true);
-    environment.setFilename(file.c_str());
-    VelClTraceFormatter formatter(environment, nullptr);
-    attempt([&] { formatter.attachVelMessageCatalog(words); });
-    std::ostringstream text;
-    attempt([&] { formatter.format(text); });
   });
   exhaust("handle's texts", [] {
     VelMsgCatHandle handle = velMsgCatOpen("qammsg50");
@@ -273,32 +245,26 @@ TEST_F(FailingAllocation, OfEditedIniFiles) {
         5);
   std::string large;
   for (int i = 0; i < 300; ++i)
-    large.append("[s")
-        .append(std::to_string(i))
-        .append("]\nx=")
-        .append(200, 'x')
-        .append("\n ")
-        .append(300, 'x')
-        .append("\n");
-  for (int i = 0; i < 40; ++i) large += "o" + std::to_string(i) + "=1\n";
+    large +=
+        "[s" + std::to_string(i) + "]\nx=" + std::string(200, 'x') + "\n " + std::string(300, 'x') + "\n";
   const auto change = [&large] {
     VelClIniFileSave file("unused");
     const bool changed = attempt([&] {
       vel::test::loadText(file, large, false);
       EXPECT_TRUE(file.getSection("s299"));
-      for (int i = 40; i < 120; ++i) EXPECT_TRUE(file.addOption(("o" + std::to_string(i)).c_str(), "1"));
+      for (int i = 0; i < 120; ++i) EXPECT_TRUE(file.addOption(("o" + std::to_string(i)).c_str(), "1"));
       EXPECT_TRUE(file.addSection("new"));
     });
     // The model is whole, and the same work can be done.
     if (!changed) vel::test::loadText(file, large, false);
-    EXPECT_TRUE(file.getSection("s299"));
-    EXPECT_NE(file.getExistingOption(*file.getExistingSection("s299"), "o39"), nullptr);
+    EXPECT_NE(file.getExistingOption(*file.getExistingSection("s299"), "x"), nullptr);
   };
   exhaust("model", change, 10);
   exhaust("save", [&] {
     VelClIniFileEditor editor(path.c_str());
     VelClIniFileSave file(path.c_str());
-    EXPECT_TRUE(editor.load(true) && file.load(true));
+    EXPECT_TRUE(editor.load(true));
+    EXPECT_TRUE(file.load(true));
     attempt([&] { EXPECT_TRUE(editor.save()); });
     EXPECT_EQ(vel::test::readFile(path), text);
     const bool saved = attempt([&] { EXPECT_TRUE(file.save()); });
@@ -307,39 +273,26 @@ TEST_F(FailingAllocation, OfEditedIniFiles) {
   });
 }
 
-/// The library's catalog, whose words are short: they need no memory.
-struct ShortWords {
-  VelClConsoleUI ui{4, kArguments};
-};
-
 /// Every word is too long for a message without memory of its own, so that each operation can fail.
-struct LongWords {
-  static const char* const* table() {
-    static std::vector<const char*> words(221, kLong.c_str());
-    words[9] = "copyright";
-    return words.data();
-  }
-  static const char* const* arguments() {
-    static const std::string quiet = "-" + kLong;
-    static const char* const arguments[] = {"tool", "-a", "b", quiet.c_str(), "5"};
-    return arguments;
-  }
-  VelClConsoleUI ui{5, arguments(), VelClFilename("absent"), 0, table(), 221};
-};
+VelClConsoleUI longWordedInterface() {
+  static const std::string quiet = "-" + kLong;
+  static const char* const arguments[] = {"tool", "-a", "b", quiet.c_str(), "5"};
+  static std::vector<const char*> words(221, kLong.c_str());
+  words[9] = "copyright";
+  return {5, arguments, VelClFilename("absent"), 0, words.data(), 221};
+}
 
-template <typename Words>
-void exhaustInterface(const char* name, void (*run)(VelClConsoleUI&), int least) {
-  const auto scenario = [run] {
+void exhaustInterface(const char* name, void (*run)(VelClConsoleUI&)) {
+  exhaust(name, [run] {
     std::ostringstream stream;
-    Words words;
-    words.ui.setOutputStream(stream);
-    words.ui.getParams().setErrorStream(stream);
-    const bool done = attempt([&] { run(words.ui); });
-    words.ui.getParams().setQuietMode(false);
+    VelClConsoleUI ui = longWordedInterface();
+    ui.setOutputStream(stream);
+    ui.getParams().setErrorStream(stream);
+    const bool done = attempt([&] { run(ui); });
+    ui.getParams().setQuietMode(false);
     // After a failure the same object does the same work.
-    if (!done) run(words.ui);
-  };
-  exhaust(name, scenario, least);
+    if (!done) run(ui);
+  });
 }
 
 TEST_F(FailingAllocation, OfUserInterfaces) {
@@ -355,16 +308,12 @@ TEST_F(FailingAllocation, OfUserInterfaces) {
   static const char* textValue = nullptr;
   static int intValue = 0;
   static const VelClException kException(_VelStUserError(), "cause");
-  const struct {
-    const char* name;
-    void (*run)(VelClConsoleUI&);
-    int least = 0;  ///< failures with short words
-  } operations[] = {
+  const std::pair<const char*, void (*)(VelClConsoleUI&)> operations[] = {
       {"init", [](VelClConsoleUI& ui) { ui.init("title", "description", nullptr, nullptr); }},
-      {"init by number", [](VelClConsoleUI& ui) { ui.init(150UL, 2UL, nullptr, nullptr); }, 1},
-      {"usage", [](VelClConsoleUI& ui) { ui.handleUsageHelp("(-a <b>) [-quiet] <c>", kLong.c_str()); }, 2},
-      {"usage by number", [](VelClConsoleUI& ui) { ui.handleUsageHelp(0UL, 152UL); }, 5},
-      {"display", [](VelClConsoleUI& ui) { ui.displayUsageHelp("usage", "help", false); }, 2},
+      {"init by number", [](VelClConsoleUI& ui) { ui.init(150UL, 2UL, nullptr, nullptr); }},
+      {"usage", [](VelClConsoleUI& ui) { ui.handleUsageHelp("(-a <b>) [-quiet] <c>", kLong.c_str()); }},
+      {"usage by number", [](VelClConsoleUI& ui) { ui.handleUsageHelp(0UL, 152UL); }},
+      {"display", [](VelClConsoleUI& ui) { ui.displayUsageHelp("usage", "help", false); }},
       {"switch", [](VelClConsoleUI& ui) { ui.hasArgSwitch(154UL); }},
       {"string", [](VelClConsoleUI& ui) { ui.hasArgString(154UL, textValue); }},
       {"int", [](VelClConsoleUI& ui) { ui.hasArgNumval(154UL, intValue); }},
@@ -380,14 +329,11 @@ TEST_F(FailingAllocation, OfUserInterfaces) {
       {"truth", [](VelClConsoleUI& ui) { ui.formatBool("label", true); }},
       {"prompt", [](VelClConsoleUI& ui) { ui.prompt("question", "hint", "answer"); }},
       {"text prompt", [](VelClConsoleUI& ui) { ui.promptString(180UL, "answer"); }},
-      {"number prompt", [](VelClConsoleUI& ui) { ui.promptNumval("question", 1, 9, 5); }, 2},
+      {"number prompt", [](VelClConsoleUI& ui) { ui.promptNumval("question", 1, 9, 5); }},
       {"decision", [](VelClConsoleUI& ui) { ui.promptYesNo("question", true); }},
       {"format exception", [](VelClConsoleUI& ui) { ui.format(kException, true); }},
   };
-  for (const auto& [name, run, least] : operations) {
-    exhaustInterface<ShortWords>(name, run, least);
-    exhaustInterface<LongWords>(name, run, 1);
-  }
+  for (const auto& [name, run] : operations) exhaustInterface(name, run);
 }
 
 }  // namespace

@@ -44,7 +44,7 @@ TEST_F(MemoryPool, GivesAlignedPiecesThatDoNotOverlap) {
 
 TEST_F(MemoryPool, FillsABlockToItsLastByte) {
   VelClMemoryPool pool(61, 16);
-  EXPECT_TRUE(pool.getBlockSize() == 64 && pool.getNumOfBlocks() == 0);
+  EXPECT_EQ(std::tuple(pool.getBlockSize(), pool.getNumOfBlocks()), std::tuple(64U, 0U));
   const char* const first = static_cast<char*>(pool.allocate(30));
   EXPECT_EQ(static_cast<char*>(pool.allocate(0)), first + 32);
   EXPECT_EQ(static_cast<char*>(pool.allocate(16)), first + 48);
@@ -76,7 +76,8 @@ TEST_F(MemoryPool, ResetKeepsTheBlocksAndClearGivesThemBack) {
     EXPECT_EQ(memory_.live, blocks);
   }
   pool.clear();
-  EXPECT_TRUE(memory_.live.empty() && pool.getNumOfBlocks() == 0);
+  EXPECT_TRUE(memory_.live.empty());
+  EXPECT_EQ(pool.getNumOfBlocks(), 0U);
   EXPECT_NE(pool.allocate(1), nullptr);
 }
 

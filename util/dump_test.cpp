@@ -10,7 +10,6 @@
 #include <iostream>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "vel_include/vel_util.h"
 
@@ -69,17 +68,14 @@ TEST(StringRepresentation, WidensTheAddressToSixteenDigits) {
 }
 
 TEST(StringRepresentation, PrintsAddressesAsStreamsDo) {
-  std::vector<std::uintptr_t> numbers = {0, reinterpret_cast<std::uintptr_t>("x")};
-  for (int bits = 0; bits < 64; ++bits) {
-    numbers.push_back(std::uintptr_t{1} << bits);
-    numbers.push_back(~std::uintptr_t{0} >> bits);
-  }
-  for (const std::uintptr_t number : numbers) {
-    const auto* const address = std::bit_cast<const void*>(number);
-    std::ostringstream expected;
-    expected << address;
-    EXPECT_EQ(VelClStrepAddress(address).getAsCString(), expected.str());
-  }
+  for (int bits = 0; bits < 64; ++bits)
+    for (const std::uint64_t number :
+         {std::uint64_t{1} << bits, ~std::uint64_t{0} >> bits, std::uint64_t{0}}) {
+      const auto* const address = std::bit_cast<const void*>(number);
+      std::ostringstream expected;
+      expected << address;
+      EXPECT_EQ(VelClStrepAddress(address).getAsCString(), expected.str());
+    }
 }
 
 TEST(Dump, PrintsWholeAreasLineByLine) {

@@ -30,6 +30,13 @@ Left left(const Object& object) {
 
 inline const Left kNone(VEL_NO_ERROR, VelEnErrorClass::UNKNOWN);
 
+/// The last error after an operation, which tells by its result whether there is one.
+template <typename Object>
+Left outcome(bool isDone, const Object& object) {
+  EXPECT_EQ(isDone, left(object) == kNone);
+  return left(object);
+}
+
 /// A path that the system takes in any length.
 inline std::filesystem::path unlimited(const std::string& path) {
   return (std::filesystem::path::preferred_separator == '\\' ? "\\\\?\\" : "") + path;

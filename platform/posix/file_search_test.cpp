@@ -88,7 +88,7 @@ std::uint32_t loading(const std::string& name) {
   void* library = nullptr;
   if (const NativeError error = loadLibrary(name.c_str(), library); error != 0) return error;
   const Procedure procedure = findProcedure(library, "velSampleAnswer");
-  EXPECT_TRUE(procedure != nullptr && procedure() == 42) << name;
+  EXPECT_EQ(procedure == nullptr ? 0 : procedure(), 42) << name;
   freeLibrary(library);
   return 0;
 }
@@ -99,8 +99,8 @@ TEST_F(FileSearch, OneLibraryNameStandsForThreeFiles) {
   for (const auto& row : test::readTable(VEL_TEST_DATA "test/posix/library_names.tsv"))
     for (const std::string& name : {path(row[0]), test::backSlashed(path(row[0]))})
       EXPECT_EQ(loading(name), row.at(1) == "yes" ? 0U : std::uint32_t{ENOENT}) << name;
-  EXPECT_EQ(loading(path("bad.DLL")), std::uint32_t{ENOEXEC});
-  EXPECT_EQ(loading(test::backSlashed(path("bad.DLL"))), std::uint32_t{ENOEXEC});
+  for (const std::string& bad : {path("bad.DLL"), test::backSlashed(path("bad.DLL"))})
+    EXPECT_EQ(loading(bad), std::uint32_t{ENOEXEC});
   EXPECT_EQ(loading("C:" + path("GIVEN.dll")), 0U);
   EXPECT_EQ(loading(""), std::uint32_t{ENOENT});
 }
@@ -162,10 +162,9 @@ TEST_F(FileSearch, ADirectoryIsTheOnlyPlaceOfACatalog) {
   scratch_.write("here/Sub/Msgs.DLL", "sub");
   EXPECT_EQ(catalog("sub\\msgs.dll"), "sub");
   EXPECT_EQ(catalog(path("first/msgs.DLL")), "first");
-  for (const std::string& name :
-       {std::string(), std::string("./msgs.DLL"), std::string("C:msgs.DLL"), std::string("sub/msgs.dll"),
-        std::string(300, 'x') + "\\msgs.DLL", std::string(5000, 'x')})
-    EXPECT_EQ(catalog(name), "-") << name;
+  const std::string names[] = {"",           "./msgs.DLL",   std::string(300, 'x') + "\\msgs.DLL",
+                               "C:msgs.DLL", "sub/msgs.dll", std::string(5000, 'x')};
+  for (const std::string& name : names) EXPECT_EQ(catalog(name), "-") << name;
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <clocale>
 
 #include "platform/clocks.h"
@@ -33,8 +32,7 @@ TEST(PosixLanguages, FollowTheLocaleVariables) {
     const test::Variable characters("LC_CTYPE", value(2)), lang("LANG", value(3));
     const std::vector<std::string> found = {std::to_string(userLanguage()), std::to_string(systemLanguage()),
                                             ansiIsUtf8() ? "yes" : "no"};
-    EXPECT_TRUE(std::equal(found.begin(), found.end(), row.begin() + 4, row.end()))
-        << testing::PrintToString(row);
+    EXPECT_EQ(found, std::vector(row.begin() + 4, row.end())) << testing::PrintToString(row);
   }
 }
 

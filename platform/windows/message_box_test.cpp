@@ -78,7 +78,8 @@ void answerBox() {
   PostMessageA(box, WM_COMMAND, IDOK, 0);
   DWORD exitCode = 0;
   EXPECT_TRUE(vel::test::endsWithin(id, vel::test::kTimeLimitMs));
-  EXPECT_TRUE(GetExitCodeProcess(child.started.hProcess, &exitCode) && exitCode == 3);
+  EXPECT_TRUE(GetExitCodeProcess(child.started.hProcess, &exitCode));
+  EXPECT_EQ(exitCode, 3U);
 }
 
 TEST(StopMessage, ShowsTheReportOfAnAssertionAndWaits) {

@@ -10,9 +10,7 @@
 #include <gtest/gtest.h>
 #include <io.h>
 
-#include <array>
 #include <cerrno>
-#include <cstring>
 #include <string>
 
 #include "platform/byte_files.h"
@@ -22,6 +20,7 @@
 #include "platform/system.h"
 #include "platform/test/child_process.h"
 #include "platform/test/scratch_directory.h"
+#include "platform/test/windows/wine.h"
 
 // Both macros are as they were.
 static_assert(static_cast<int>(VelEnErrorAction::NO_ACTION) == IGNORE && VEL_NO_ERROR == NO_ERROR);
@@ -30,65 +29,42 @@ namespace vel::platform {
 
 namespace {
 
-/// A jump through a table entry, in front of or behind it.
+/// A jump through the table entry after it.
 struct Thunk {
-  std::array<std::uint8_t, 8> code;
+  std::uint8_t code[8] = {0xFF, 0x25, 2};
   const void* entry;
-
-  void jumpTo(const void* target) {
-    const std::int32_t distance = offsetof(Thunk, entry) - 6;
-    code = {0xFF, 0x25};
-    std::memcpy(code.data() + 2, &distance, sizeof distance);
-    entry = target;
-  }
 };
 
 TEST(WindowsSystem, ThunksLeadToTheFunctionOfAnNtSystem) {
   const std::uint8_t function[] = {0xFF, 0x24, 0, 0, 0, 0};
-  Thunk inner{}, outer{}, endless{};
-  inner.jumpTo(function);
-  outer.jumpTo(&inner);
-  endless.jumpTo(&endless);
-  for (const void* start : {static_cast<const void*>(function), static_cast<const void*>(&outer)})
+  const Thunk inner{.entry = function}, outer{.entry = &inner}, endless{.entry = &endless};
+  for (const void* start : std::initializer_list<const void*>{function, &inner, &outer})
     EXPECT_EQ(resolveImportThunk(start), function);
-  EXPECT_EQ(resolveImportThunk(nullptr), nullptr);
-  EXPECT_EQ(resolveImportThunk(&endless), &endless);
+  for (const void* same : std::initializer_list<const void*>{nullptr, &endless})
+    EXPECT_EQ(resolveImportThunk(same), same);
   EXPECT_EQ(windowsPlatformId(), 2);
 }
 
 TEST(WindowsSystem, TheNullDeviceIsNoTerminal) {
   const int null = _open("NUL", _O_WRONLY);
-  EXPECT_TRUE(null >= 0 && !isTerminal(null));
+  ASSERT_GE(null, 0);
+  EXPECT_FALSE(isTerminal(null));
   _close(null);
-}
-
-/// Wine makes no links to files, but follows those that its host makes; it cannot wait for that.
-bool makeLink(const char* name, const char* target) {
-  const auto isThere = [name] { return GetFileAttributesA(name) != INVALID_FILE_ATTRIBUTES; };
-  CreateSymbolicLinkA(name, target, SYMBOLIC_LINK_FLAG_ALLOW_UNPRIVILEGED_CREATE);
-  if (isThere()) return true;
-  std::string commandLine = std::string("Z:\\bin\\ln -s ") + target + ' ' + name;
-  std::uint32_t exitCode = 0;
-  const std::uint32_t error = launchAndWait({commandLine.data(), nullptr, false}, exitCode);
-  const bool hasHost = error != ERROR_PATH_NOT_FOUND && error != ERROR_FILE_NOT_FOUND;
-  return hasHost && test::waitUntil(isThere);
 }
 
 TEST(WindowsSystem, ReplacingLeavesLinks) {
   const test::ScratchDirectory scratch;
-  const test::CurrentDirectory here(scratch.path());
-  const std::string file = scratch.write("deep\\file", "old");
-  if (!makeLink("link", "deep/file")) GTEST_SKIP() << "no links here";
+  const std::string file = scratch.write("deep\\file", "old"), name = scratch.path("link");
+  const test::Link link(name, file);
+  if (!link.isMade()) GTEST_SKIP() << "no links here";
   Replacement replacement;
-  EXPECT_EQ(startReplacement("link", replacement), 0);
+  EXPECT_EQ(startReplacement(name.c_str(), replacement), 0);
   EXPECT_EQ(writeBytes(replacement.descriptor, "new", 3), 0);
   EXPECT_EQ(finishReplacement(replacement), 0);
   EXPECT_EQ(test::readFile(file), "new");
   SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_READONLY);
-  EXPECT_EQ(startReplacement("link", replacement), EACCES);
+  EXPECT_EQ(startReplacement(name.c_str(), replacement), EACCES);
   SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_NORMAL);
-  // Without its file it could not be removed under Wine.
-  DeleteFileA("link");
 }
 
 TEST(WindowsSystem, UnfinishedFilesEndWithTheirProgram) {
@@ -96,10 +72,10 @@ TEST(WindowsSystem, UnfinishedFilesEndWithTheirProgram) {
   const std::string file = scratch.write("file", "old");
   Replacement replacement;
   ASSERT_EQ(startReplacement(file.c_str(), replacement), 0);
-  EXPECT_NE(GetFileAttributesA(replacement.temporary), INVALID_FILE_ATTRIBUTES);
+  EXPECT_TRUE(test::isThere(replacement.temporary));
   // As the system does at the end of a program.
   _close(replacement.descriptor);
-  EXPECT_EQ(GetFileAttributesA(replacement.temporary), INVALID_FILE_ATTRIBUTES);
+  EXPECT_FALSE(test::isThere(replacement.temporary));
   EXPECT_EQ(test::readFile(file), "old");
 }
 
@@ -114,7 +90,7 @@ TEST(WindowsSystem, ReplacingLosesNothingWhenAnotherFileTakesTheName) {
   EXPECT_EQ(finishReplacement(replacement), ECANCELED);
   EXPECT_EQ(finishReplacement(made), EEXIST);
   EXPECT_EQ(test::readFile(file) + test::readFile(scratch.path("made")), "otherfirst");
-  EXPECT_EQ(GetFileAttributesA(replacement.temporary), INVALID_FILE_ATTRIBUTES);
+  EXPECT_FALSE(test::isThere(replacement.temporary));
 }
 
 TEST(WindowsSystem, CopiesWhereTheTargetIsOpenOrItsNameIsLong) {

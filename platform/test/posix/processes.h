@@ -4,6 +4,7 @@
 
 #include <grp.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -57,6 +58,12 @@ inline bool beUnprivileged() {
 }
 inline bool canBeUnprivileged() {
   return geteuid() != 0 || canBecomeOtherUser();
+}
+
+/// Lets the files that this process writes have 10 bytes at most, permanently.
+inline bool limitFileSizes() {
+  const rlimit ten{10, 10};
+  return setrlimit(RLIMIT_FSIZE, &ten) == 0;
 }
 
 /// Another user's child as long as this object lives.

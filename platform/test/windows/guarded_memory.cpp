@@ -12,15 +12,9 @@ GuardedMemory::GuardedMemory(std::size_t size) {
   GetSystemInfo(&system);
   const std::size_t page = system.dwPageSize;
   size_ = (size + page - 1) / page * page;
-  wholeSize_ = size_ + 2 * page;
-  whole_ = VirtualAlloc(nullptr, wholeSize_, MEM_RESERVE, PAGE_NOACCESS);
-  if (whole_ == nullptr) throw std::bad_alloc();
-  begin_ = static_cast<char*>(whole_) + page;
+  auto* const whole = static_cast<char*>(VirtualAlloc(nullptr, size_ + 2 * page, MEM_RESERVE, PAGE_NOACCESS));
+  begin_ = whole + page;
   if (VirtualAlloc(begin_, size_, MEM_COMMIT, PAGE_READWRITE) == nullptr) throw std::bad_alloc();
-}
-
-GuardedMemory::~GuardedMemory() {
-  VirtualFree(whole_, 0, MEM_RELEASE);
 }
 
 }  // namespace vel::test

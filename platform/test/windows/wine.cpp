@@ -5,6 +5,8 @@
 
 #include <filesystem>
 
+#include "platform/test/child_process.h"
+
 namespace vel::test {
 
 std::string unixName(const std::string& path) {
@@ -28,6 +30,29 @@ bool startUnixProgram(const std::string& name, const std::string& arguments) {
   std::string line = name + " " + arguments;
   return CreateProcessA(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startUp,
                         &process) != FALSE;
+}
+
+bool isThere(const std::string& path) {
+  return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+Link::Link(const std::string& path, const std::string& target) : path_(path) {
+  const std::size_t separator = path.rfind('\\');
+  const std::string outside = unixName(target);
+  if (outside.empty()) {
+    const DWORD isDirectory = std::filesystem::is_directory(target) ? SYMBOLIC_LINK_FLAG_DIRECTORY : 0;
+    isMade_ = CreateSymbolicLinkA(path.c_str(), target.c_str(),
+                                  isDirectory | SYMBOLIC_LINK_FLAG_ALLOW_UNPRIVILEGED_CREATE) != 0;
+    return;
+  }
+  outside_ = unixName(path.substr(0, separator)) + "/" + path.substr(separator + 1);
+  isMade_ =
+      startUnixProgram("ln", "-sn " + outside + " " + outside_) && waitUntil([&] { return isThere(path); });
+}
+
+Link::~Link() {
+  if (isMade_ && !outside_.empty() && startUnixProgram("rm", outside_))
+    waitUntil([this] { return !isThere(path_); });
 }
 
 }  // namespace vel::test

@@ -11,4 +11,23 @@ std::string unixName(const std::string& path);
 /// Runs "ln" or the like, with names from outside; nobody can wait for its end.
 bool startUnixProgram(const std::string& name, const std::string& arguments);
 
+/// Whether there is such an entry, or a link of that name.
+bool isThere(const std::string& path);
+
+/// A link as long as this object lives: one that stayed would keep its directory from being removed.
+class Link {
+ public:
+  Link(const std::string& path, const std::string& target);
+  Link(const Link&) = delete;
+  Link& operator=(const Link&) = delete;
+  ~Link();
+
+  /// False where this user may not make links.
+  bool isMade() const { return isMade_; }
+
+ private:
+  std::string path_, outside_;
+  bool isMade_;
+};
+
 }  // namespace vel::test
