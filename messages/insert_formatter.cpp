@@ -23,20 +23,20 @@ struct InsertStyle {
   std::size_t precision = kUnlimited;
 };
 
-bool takeFlag(TextReader& text, InsertStyle& style) noexcept {
-  if (text.takeIf('-')) return style.leftAligned = true;
-  if (text.takeIf('0')) return style.zeroFilled = true;
-  return text.takeIf('+') || text.takeIf(' ') || text.takeIf('#');
+bool parseFlag(TextReader& text, InsertStyle& style) noexcept {
+  if (text.consumeIf('-')) return style.leftAligned = true;
+  if (text.consumeIf('0')) return style.zeroFilled = true;
+  return text.consumeIf('+') || text.consumeIf(' ') || text.consumeIf('#');
 }
 
 /// False for everything but a text conversion.
 bool parseStyle(TextReader text, InsertStyle& style) noexcept {
-  while (takeFlag(text, style)) {
+  while (parseFlag(text, style)) {
   }
-  style.width = text.takeNumber();
-  if (text.takeIf('.')) style.precision = text.takeNumber();
-  text.takeIf('h');
-  return text.takeIf('s') && text.atEnd();
+  style.width = text.parseNumber();
+  if (text.consumeIf('.')) style.precision = text.parseNumber();
+  text.consumeIf('h');
+  return text.consumeIf('s') && text.atEnd();
 }
 
 class ResourceTextExpander {
@@ -46,9 +46,9 @@ class ResourceTextExpander {
 
   FormatResult expand() noexcept {
     while (!finished_ && !malformed_ && !out_.overflowed()) {
-      out_.takeUntilAny(text_, Stops<'%', '\r', '\n'>{});
+      out_.copyUntilAny(text_, Stops<'%', '\r', '\n'>{});
       if (text_.atEnd() || out_.overflowed()) break;
-      step(text_.take());
+      step(text_.read());
     }
     const bool complete = !malformed_ && !out_.overflowed();
     return {complete, complete ? out_.length() : 0};
@@ -57,14 +57,14 @@ class ResourceTextExpander {
  private:
   void step(char c) noexcept {
     if (c == '%') return escape();
-    if (c == '\r') text_.takeIf('\n');
+    if (c == '\r') text_.consumeIf('\n');
     out_.lineBreak();
   }
 
   void escape() noexcept {
     malformed_ = text_.atEnd();
     if (malformed_) return;
-    const char c = text_.take();
+    const char c = text_.read();
     switch (c) {
       case '0':
         finished_ = true;
@@ -89,20 +89,20 @@ class ResourceTextExpander {
 
   void insert(char firstDigit) noexcept {
     auto number = appendDigit(std::uint32_t{0}, firstDigit);
-    if (text_.atDigit()) number = appendDigit(number, text_.take());
+    if (text_.atDigit()) number = appendDigit(number, text_.read());
     const bool known = number <= kInsertCount && inserts_[number - 1] != nullptr;
     const char* value = known ? inserts_[number - 1] : kMissing;
 
-    if (!text_.takeIf('!')) return putAll(value);
+    if (!text_.consumeIf('!')) return putAll(value);
     InsertStyle style;
-    if (!takeStyle(style)) value = kMissing;
+    if (!readStyle(style)) value = kMissing;
     if (!malformed_) putFormatted(value, style);
   }
 
   /// False when the insert cannot be shown as the text asks.
-  bool takeStyle(InsertStyle& style) noexcept {
+  bool readStyle(InsertStyle& style) noexcept {
     TextReader part = text_;
-    malformed_ = !text_.takeUntil('!', part);
+    malformed_ = !text_.readUntil('!', part);
     if (!malformed_ && parseStyle(part, style)) return true;
     style = {};
     return false;
@@ -136,9 +136,9 @@ class TableTextExpander {
 
   std::size_t expand() noexcept {
     while (out_.room() > 0) {
-      out_.takeUntilAny(text_, Stops<'%'>{});
+      out_.copyUntilAny(text_, Stops<'%'>{});
       if (text_.atEnd()) break;
-      text_.take();
+      text_.read();
       escape();
     }
     return out_.length();
@@ -147,10 +147,10 @@ class TableTextExpander {
  private:
   void escape() noexcept {
     // No number is as good as 0. Blanks and signs do not belong to one.
-    if (text_.takeIf('%'))
+    if (text_.consumeIf('%'))
       out_.put('%');
     else
-      putVariable(text_.takeNumber());
+      putVariable(text_.parseNumber());
   }
 
   void putVariable(std::size_t number) noexcept {

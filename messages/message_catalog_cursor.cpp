@@ -30,25 +30,25 @@ namespace {
 /// few bytes, end here.
 class Budget {
  public:
-  explicit Budget(std::uint64_t sizeOfFile) : left_(4 * sizeOfFile + kSmallFile) {}
+  explicit Budget(std::uint64_t sizeOfFile) : left_(4 * sizeOfFile + kBaseAllowance) {}
 
-  bool covers(const MessageResource::Entry& entry) {
-    const std::uint64_t cost = kPlace + entry.sizeInBytes;
+  bool spend(const MessageResource::Entry& entry) {
+    const std::uint64_t cost = kCostOfPosition + entry.sizeInBytes;
     if (cost > left_) return false;
     left_ -= cost;
     return true;
   }
 
  private:
-  static constexpr std::uint64_t kPlace = 16;
-  static constexpr std::uint64_t kSmallFile = std::uint64_t{1} << 20;
+  static constexpr std::uint64_t kCostOfPosition = 16;
+  static constexpr std::uint64_t kBaseAllowance = std::uint64_t{1} << 20;
 
   std::uint64_t left_;
 };
 
-/// Hands every entry of the file to `take`, with its language, as far as the budget goes.
-template <typename Take>
-void forEachEntry(const PortableExecutable& file, Take take) {
+/// Hands every entry of the file to `visit`, with its language, as far as the budget goes.
+template <typename Visitor>
+void forEachEntry(const PortableExecutable& file, Visitor visit) {
   Budget budget(file.size());
   PortableExecutable::Cursor tables;
   MessageTable table{};
@@ -58,8 +58,8 @@ void forEachEntry(const PortableExecutable& file, Take take) {
     MessageResource::Cursor entries;
     MessageResource::Entry entry{};
     while (resource.next(entries, entry)) {
-      if (!budget.covers(entry)) return;
-      take(entry, table.language);
+      if (!budget.spend(entry)) return;
+      visit(entry, table.language);
     }
   }
 }

@@ -10,15 +10,15 @@
 namespace vel::messages {
 namespace {
 
-constexpr std::uint16_t kDosSignature = 0x5A4D;     // "MZ"
-constexpr std::uint32_t kHeaderSignature = 0x4550;  // "PE", two zero bytes
-constexpr std::uint64_t kHeaderOffsetField = 0x3C;  // in the DOS header
-constexpr std::uint64_t kMachineField = 4;          // in the header, with its signature
-constexpr std::uint64_t kSectionCountField = 6;     // likewise
-constexpr std::uint64_t kOptionalSizeField = 20;    // likewise
-constexpr std::uint64_t kFlagsField = 22;           // likewise
-constexpr std::uint64_t kOptionalHeaderField = 24;  // likewise
-constexpr std::uint16_t kExecutableImage = 2;       // flag of a file that its linker finished
+constexpr std::uint16_t kDosSignature = 0x5A4D;         // "MZ"
+constexpr std::uint32_t kPeSignature = 0x4550;          // "PE", two zero bytes
+constexpr std::uint64_t kHeaderOffsetField = 0x3C;      // in the DOS header
+constexpr std::uint64_t kMachineField = 4;              // in the header, with its signature
+constexpr std::uint64_t kSectionCountField = 6;         // likewise
+constexpr std::uint64_t kOptionalHeaderSizeField = 20;  // likewise
+constexpr std::uint64_t kCharacteristicsField = 22;     // likewise
+constexpr std::uint64_t kOptionalHeaderField = 24;      // likewise
+constexpr std::uint16_t kExecutableImage = 2;           // flag of a file that its linker finished
 constexpr std::uint16_t kMagic32 = 0x10B;
 constexpr std::uint16_t kMagic64 = 0x20B;
 constexpr std::uint64_t kSizeOfImageField = 56;  // in the optional header
@@ -42,7 +42,7 @@ constexpr std::uint64_t kMostSharing = 64;
 PortableExecutable::PortableExecutable(const std::uint8_t* image, std::size_t sizeInBytes) noexcept
     : file_(image, sizeInBytes) {
   valid_ = readHeaders();
-  if (resources_ != 0) findMessageTableType();
+  if (resources_ != 0) findMessageTables();
 }
 
 bool PortableExecutable::readHeaders() noexcept {
@@ -52,23 +52,23 @@ bool PortableExecutable::readHeaders() noexcept {
   std::uint16_t machine = 0;
   std::uint16_t sectionCount = 0;
   std::uint16_t optionalSize = 0;
-  std::uint16_t flags = 0;
+  std::uint16_t characteristics = 0;
   const bool complete = file_.read16(0, dosSignature) && file_.read32(kHeaderOffsetField, header) &&
                         file_.read32(header, signature) && file_.read16(header + kMachineField, machine) &&
                         file_.read16(header + kSectionCountField, sectionCount) &&
-                        file_.read16(header + kOptionalSizeField, optionalSize) &&
-                        file_.read16(header + kFlagsField, flags);
-  if (!complete || dosSignature != kDosSignature || signature != kHeaderSignature) return false;
-  if (machine == 0 || (flags & kExecutableImage) == 0 || sectionCount > kMostSections) return false;
+                        file_.read16(header + kOptionalHeaderSizeField, optionalSize) &&
+                        file_.read16(header + kCharacteristicsField, characteristics);
+  if (!complete || dosSignature != kDosSignature || signature != kPeSignature) return false;
+  if (machine == 0 || (characteristics & kExecutableImage) == 0 || sectionCount > kMostSections) return false;
 
   const std::uint64_t optionalHeader = header + kOptionalHeaderField;
   OptionalHeader optional{};
   if (!readOptionalHeader(optionalHeader, optionalSize, optional)) return false;
   sectionTable_ = optionalHeader + optionalSize;
   sectionCount_ = sectionCount;
-  if (!hasSoundSections(optional)) return false;
-  const std::uint32_t resources = optional.resourceAddress;
-  if (resources != 0 && !locate(resources, kDirectoryHeaderSize, resources_)) resources_ = 0;
+  if (!hasValidSections(optional)) return false;
+  const std::uint32_t rva = optional.resourceRva;
+  if (rva != 0 && !rvaToFileOffset(rva, kDirectoryHeaderSize, resources_)) resources_ = 0;
   return true;
 }
 
@@ -87,41 +87,42 @@ bool PortableExecutable::readOptionalHeader(std::uint64_t offset, std::uint16_t 
   if (!complete) return false;
   if (count <= kResourceDirectory) return true;
   return resourceField + kDataDirectorySize <= size &&
-         file_.read32(offset + resourceField, header.resourceAddress);
+         file_.read32(offset + resourceField, header.resourceRva);
 }
 
 bool PortableExecutable::readSection(std::uint32_t index, Section& section) const noexcept {
   const std::uint64_t offset = sectionTable_ + index * kSectionSize;
-  return file_.read32(offset + 8, section.sizeInMemory) && file_.read32(offset + 12, section.address) &&
-         file_.read32(offset + 16, section.sizeInFile) && file_.read32(offset + 20, section.fileOffset);
+  return file_.read32(offset + 8, section.virtualSize) && file_.read32(offset + 12, section.virtualAddress) &&
+         file_.read32(offset + 16, section.sizeOfRawData) &&
+         file_.read32(offset + 20, section.pointerToRawData);
 }
 
 /// Whether the headers, with the table of sections, and all sections are in the file, and whether in memory
 /// these follow each other within the image. What fills a section up to its size in the file may be missing.
-bool PortableExecutable::hasSoundSections(const OptionalHeader& header) const noexcept {
+bool PortableExecutable::hasValidSections(const OptionalHeader& header) const noexcept {
   const std::uint64_t tableEnd = sectionTable_ + sectionCount_ * kSectionSize;
   if (tableEnd > header.sizeOfHeaders || !file_.holds(0, header.sizeOfHeaders)) return false;
   std::uint64_t end = header.sizeOfHeaders;
   Section section{};
   for (std::uint32_t index = 0; index < sectionCount_; ++index) {
-    if (!readSection(index, section) || section.address < end) return false;
-    const std::uint32_t size = section.sizeInMemory != 0 ? section.sizeInMemory : section.sizeInFile;
-    const std::uint32_t used = std::min(size, section.sizeInFile);
-    if (used != 0 && !file_.holds(section.fileOffset, used)) return false;
-    end = std::uint64_t{section.address} + size;
+    if (!readSection(index, section) || section.virtualAddress < end) return false;
+    const std::uint32_t size = section.virtualSize != 0 ? section.virtualSize : section.sizeOfRawData;
+    const std::uint32_t used = std::min(size, section.sizeOfRawData);
+    if (used != 0 && !file_.holds(section.pointerToRawData, used)) return false;
+    end = std::uint64_t{section.virtualAddress} + size;
   }
   return end <= header.sizeOfImage;
 }
 
 /// Turns an address in memory into a place in the file, where `size` bytes must exist.
-bool PortableExecutable::locate(std::uint32_t address, std::uint32_t size,
-                                std::uint64_t& fileOffset) const noexcept {
+bool PortableExecutable::rvaToFileOffset(std::uint32_t rva, std::uint32_t size,
+                                         std::uint64_t& fileOffset) const noexcept {
   Section section{};
   for (std::uint32_t index = 0; index < sectionCount_ && readSection(index, section); ++index) {
-    if (address < section.address || address - section.address >= section.sizeInFile) continue;
-    const std::uint32_t distance = address - section.address;
-    fileOffset = std::uint64_t{section.fileOffset} + distance;
-    return size <= section.sizeInFile - distance && file_.holds(fileOffset, size);
+    if (rva < section.virtualAddress || rva - section.virtualAddress >= section.sizeOfRawData) continue;
+    const std::uint32_t distance = rva - section.virtualAddress;
+    fileOffset = std::uint64_t{section.pointerToRawData} + distance;
+    return size <= section.sizeOfRawData - distance && file_.holds(fileOffset, size);
   }
   return false;
 }
@@ -141,31 +142,32 @@ bool PortableExecutable::readEntry(std::uint64_t directory, std::uint32_t index,
   return file_.read32(offset, entry.name) && file_.read32(offset + 4, entry.offset);
 }
 
-bool PortableExecutable::subdirectory(const DirectoryEntry& entry, std::uint64_t& directory) const noexcept {
+bool PortableExecutable::findSubdirectory(const DirectoryEntry& entry,
+                                          std::uint64_t& directory) const noexcept {
   if ((entry.name & kHighBit) != 0 || (entry.offset & kHighBit) == 0) return false;
   directory = resources_ + (entry.offset & ~kHighBit);
   return file_.holds(directory, kDirectoryHeaderSize);
 }
 
-void PortableExecutable::findMessageTableType() noexcept {
+void PortableExecutable::findMessageTables() noexcept {
   const std::uint32_t count = entryCount(resources_);
   DirectoryEntry entry{};
   for (std::uint32_t index = 0; index < count && readEntry(resources_, index, entry); ++index)
-    if (entry.name == kMessageTableType && subdirectory(entry, messageType_)) return;
-  messageType_ = 0;
+    if (entry.name == kMessageTableType && findSubdirectory(entry, messageTables_)) return;
+  messageTables_ = 0;
 }
 
 /// A sound file has each directory entry once, so there are no more than fit into it.
-bool PortableExecutable::mayVisit(Cursor& cursor) const noexcept {
+bool PortableExecutable::countVisit(Cursor& cursor) const noexcept {
   return cursor.visited++ < file_.size() / kDirectoryEntrySize;
 }
 
 bool PortableExecutable::nextMessageTable(Cursor& cursor, MessageTable& table) const noexcept {
-  if (messageType_ == 0) return false;
-  const std::uint32_t count = entryCount(messageType_);
+  if (messageTables_ == 0) return false;
+  const std::uint32_t count = entryCount(messageTables_);
   DirectoryEntry name{};
-  for (; cursor.name < count && readEntry(messageType_, cursor.name, name); ++cursor.name) {
-    if (!mayVisit(cursor)) return false;
+  for (; cursor.name < count && readEntry(messageTables_, cursor.name, name); ++cursor.name) {
+    if (!countVisit(cursor)) return false;
     if (nextLanguage(cursor, name, table)) return true;
     cursor.language = 0;
   }
@@ -175,9 +177,9 @@ bool PortableExecutable::nextMessageTable(Cursor& cursor, MessageTable& table) c
 bool PortableExecutable::nextLanguage(Cursor& cursor, const DirectoryEntry& name,
                                       MessageTable& table) const noexcept {
   std::uint64_t directory = 0;
-  if (!subdirectory(name, directory)) return false;
+  if (!findSubdirectory(name, directory)) return false;
   const std::uint32_t count = entryCount(directory);
-  while (cursor.language < count && mayVisit(cursor)) {
+  while (cursor.language < count && countVisit(cursor)) {
     DirectoryEntry language{};
     if (!readEntry(directory, cursor.language++, language)) return false;
     table.nameId = name.name;
@@ -190,11 +192,11 @@ bool PortableExecutable::nextLanguage(Cursor& cursor, const DirectoryEntry& name
 
 bool PortableExecutable::readTable(const DirectoryEntry& language, MessageTable& table) const noexcept {
   if (((language.name | language.offset) & kHighBit) != 0) return false;
-  std::uint32_t address = 0;
+  std::uint32_t rva = 0;
   std::uint32_t size = 0;
   std::uint64_t data = 0;
   const std::uint64_t entry = resources_ + language.offset;
-  if (!file_.read32(entry, address) || !file_.read32(entry + 4, size) || !locate(address, size, data))
+  if (!file_.read32(entry, rva) || !file_.read32(entry + 4, size) || !rvaToFileOffset(rva, size, data))
     return false;
   table.language = language.name;
   table.data = file_.at(data);

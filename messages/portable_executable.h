@@ -58,16 +58,16 @@ class PortableExecutable {
  private:
   /// Where a section lies in the file and in memory.
   struct Section {
-    std::uint32_t sizeInMemory;
-    std::uint32_t address;
-    std::uint32_t sizeInFile;
-    std::uint32_t fileOffset;
+    std::uint32_t virtualSize;
+    std::uint32_t virtualAddress;
+    std::uint32_t sizeOfRawData;
+    std::uint32_t pointerToRawData;
   };
   /// The fields of the optional header that matter here.
   struct OptionalHeader {
     std::uint32_t sizeOfImage;
     std::uint32_t sizeOfHeaders;
-    std::uint32_t resourceAddress;  ///< 0 in a file without resources
+    std::uint32_t resourceRva;  ///< 0 in a file without resources
   };
   struct DirectoryEntry {
     std::uint32_t name;
@@ -76,22 +76,22 @@ class PortableExecutable {
 
   bool readHeaders() noexcept;
   bool readOptionalHeader(std::uint64_t offset, std::uint16_t size, OptionalHeader& header) const noexcept;
-  bool hasSoundSections(const OptionalHeader& header) const noexcept;
+  bool hasValidSections(const OptionalHeader& header) const noexcept;
   bool readSection(std::uint32_t index, Section& section) const noexcept;
-  bool locate(std::uint32_t address, std::uint32_t size, std::uint64_t& fileOffset) const noexcept;
+  bool rvaToFileOffset(std::uint32_t rva, std::uint32_t size, std::uint64_t& fileOffset) const noexcept;
   std::uint32_t entryCount(std::uint64_t directory) const noexcept;
   bool readEntry(std::uint64_t directory, std::uint32_t index, DirectoryEntry& entry) const noexcept;
-  bool subdirectory(const DirectoryEntry& entry, std::uint64_t& directory) const noexcept;
-  void findMessageTableType() noexcept;
+  bool findSubdirectory(const DirectoryEntry& entry, std::uint64_t& directory) const noexcept;
+  void findMessageTables() noexcept;
   bool nextLanguage(Cursor& cursor, const DirectoryEntry& name, MessageTable& table) const noexcept;
   bool readTable(const DirectoryEntry& language, MessageTable& table) const noexcept;
-  bool mayVisit(Cursor& cursor) const noexcept;
+  bool countVisit(Cursor& cursor) const noexcept;
 
   ByteView file_;
   std::uint64_t sectionTable_ = 0;
   std::uint32_t sectionCount_ = 0;
-  std::uint64_t resources_ = 0;    ///< file offset of the resource tree, 0 without one
-  std::uint64_t messageType_ = 0;  ///< file offset of type 11's directory, 0 without one
+  std::uint64_t resources_ = 0;      ///< file offset of the resource tree, 0 without one
+  std::uint64_t messageTables_ = 0;  ///< file offset of type 11's directory, 0 without one
   bool valid_ = false;
 };
 

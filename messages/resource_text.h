@@ -23,7 +23,7 @@ class AnsiText {
   const char* data_;
   std::size_t size_;
   char inline_[kInlineSize];
-  String other_;
+  String converted_;
 };
 
 /// The same text with Unicode in UTF-8.

@@ -45,24 +45,24 @@ class TextReader {
   TextReader(const char* text, std::size_t length) noexcept : current_(text), end_(text + length) {}
 
   bool atEnd() const noexcept { return current_ == end_; }
-  char take() noexcept { return *current_++; }
+  char read() noexcept { return *current_++; }
   const char* data() const noexcept { return current_; }
   std::size_t size() const noexcept { return static_cast<std::size_t>(end_ - current_); }
   void skip(std::size_t count) noexcept { current_ += count; }
-  bool takeIf(char expected) noexcept {
+  bool consumeIf(char expected) noexcept {
     if (atEnd() || *current_ != expected) return false;
     ++current_;
     return true;
   }
   bool atDigit() const noexcept { return !atEnd() && isAsciiDigit(*current_); }
-  std::size_t takeNumber() noexcept {
+  std::size_t parseNumber() noexcept {
     std::size_t number = 0;
-    while (atDigit()) number = appendDigit(number, take());
+    while (atDigit()) number = appendDigit(number, read());
     return number;
   }
 
   /// Splits off the text before the next `mark` and steps behind it; false without one.
-  bool takeUntil(char mark, TextReader& part) noexcept {
+  bool readUntil(char mark, TextReader& part) noexcept {
     const char* found = std::find(current_, end_, mark);
     if (found == end_) return false;
     part = TextReader(current_, static_cast<std::size_t>(found - current_));
@@ -101,14 +101,14 @@ class TextWriter {
   void appendText(const char* text, std::size_t limit) noexcept { append(text, boundedLength(text, limit)); }
   /// Moves the characters before the first stop from the text; all of them, or all that fit, without one.
   template <typename Stops>
-  void takeUntilAny(TextReader& text, Stops stops) noexcept {
+  void copyUntilAny(TextReader& text, Stops stops) noexcept {
     while (text.size() >= 8 && room() >= 8) {
       const std::size_t count = stops.before(copyEight(text.data()));
       length_ += count;
       text.skip(count);
       if (count != 8) return;
     }
-    while (!text.atEnd() && !stops.has(*text.data()) && !overflowed_) put(text.take());
+    while (!text.atEnd() && !stops.has(*text.data()) && !overflowed_) put(text.read());
   }
   std::size_t room() const noexcept { return room_ - length_; }
   bool overflowed() const noexcept { return overflowed_; }
