@@ -11,7 +11,7 @@ namespace {
 constexpr char kCharacters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-@";
 constexpr std::size_t kCount = sizeof kCharacters - 1;
 
-char mapped(char c) {
+char mapCharacter(char c) {
   if (c == '\\') return ':';
   // Its argument is never the terminator.
   if (std::strchr(kCharacters, c) != nullptr) return c;
@@ -52,7 +52,7 @@ void VelClResourceKeyABase::add(const char* part) {
     if (length_ + 1 < sizeof name_) name_[length_++] = c;
   };
   if (length_ != 0) put(':');
-  for (; *part != '\0'; ++part) put(mapped(*part));
+  for (; *part != '\0'; ++part) put(mapCharacter(*part));
 }
 
 VelClResourceKeySemaphore::VelClResourceKeySemaphore(const char* key, const char* instance)

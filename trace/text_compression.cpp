@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "trace/code_block.h"
+#include "trace/encode_block.h"
 
 namespace vel::trace {
 
@@ -19,7 +19,7 @@ constexpr std::ptrdiff_t kBlockBytes = 12;
 constexpr std::size_t kGroup = 8;
 
 /// No further character is taken up once more bits than these are written.
-constexpr std::size_t kLastStart = (kLongestCompressed - 1) * 8;
+constexpr std::size_t kLastStartBit = (kLongestCompressed - 1) * 8;
 /// The last byte that a block can begin in.
 constexpr std::ptrdiff_t kLastBlockStart = kLongestCompressed - 1 - kBlockBytes - 1;
 
@@ -56,14 +56,14 @@ class BitWriter {
     const std::size_t left = 48 - pending_;
     std::uint64_t bits = bits_;
     unsigned char* out = out_;
-    Block block;
-    while (end - next >= std::ptrdiff_t{kBlock} && out <= start_ + kLastBlockStart &&
-           codeBlock(loadCharacters(next), kAll, block)) {
+    EncodedBlock block;
+    while (end - next >= std::ptrdiff_t{kBlockLength} && out <= start_ + kLastBlockStart &&
+           encodeBlock(loadBlock(next), kAllCharacters, block)) {
       store(bits | block.first >> right, out);
       bits = block.first << left;
       store(bits | block.second >> right, out + kBlockBytes / 2);
       bits = block.second << left;
-      next += kBlock;
+      next += kBlockLength;
       out += kBlockBytes;
     }
     bits_ = bits;
@@ -72,7 +72,7 @@ class BitWriter {
   }
 
   /// The last `count` codes of a block, of which there is one at least.
-  void putLast(const Block& block, std::size_t count) {
+  void putTail(const EncodedBlock& block, std::size_t count) {
     if (count > 8) put(block.first << (96 - 6 * count), 6 * count - 48);
     const std::size_t bits = std::min<std::size_t>(6 * count, 48);
     put(block.second << (48 - bits), bits);
@@ -124,7 +124,7 @@ class BitReader {
   bool has(std::size_t count) const { return position_ + count <= length_ * 8; }
   bool hasGroup() const { return has(6 * kGroup); }
 
-  unsigned int take(std::size_t count) {
+  unsigned int read(std::size_t count) {
     const std::size_t byte = position_ / 8;
     const unsigned int window = stored_[byte] * 256U + (byte + 1 < length_ ? stored_[byte + 1] : 0U);
     const unsigned int value = window >> (16 - position_ % 8 - count) & ((1U << count) - 1);
@@ -133,8 +133,8 @@ class BitReader {
   }
 
   /// Writes a group of characters; false, with the position as it was, when one of them is escaped.
-  bool takeGroup(char* out) {
-    const std::uint64_t bits = highBitsFirst(wordHere()) << position_ % 8;
+  bool readGroup(char* out) {
+    const std::uint64_t bits = highBitsFirst(nextWord()) << position_ % 8;
     const CharacterPair first = kPairs[bits >> 52];
     const CharacterPair second = kPairs[bits >> 40 & 0xFFF];
     const CharacterPair third = kPairs[bits >> 28 & 0xFFF];
@@ -150,7 +150,7 @@ class BitReader {
 
  private:
   /// The next 8 bytes, of which 0 stands for the last two where the text has only 6 or 7 more.
-  std::uint64_t wordHere() const {
+  std::uint64_t nextWord() const {
     const unsigned char* const next = stored_ + position_ / 8;
     const std::size_t left = length_ - position_ / 8;
     std::uint64_t word = 0;
@@ -178,15 +178,16 @@ std::size_t compress(const char* text, std::size_t length, unsigned char* out) n
   const unsigned char* const end = next + length;
   while (true) {
     next = writer.putBlocks(next, end);
-    if (next == end || writer.bits() > kLastStart) break;
+    if (next == end || writer.bits() > kLastStartBit) break;
     // What is left, or a block that is not simple.
-    const auto count = std::min(static_cast<std::size_t>(end - next), kBlock);
-    Block block;
-    if (count < kBlock && writer.hasRoomForBlock() &&
-        codeBlock(loadLast(next + count, count), kAll & kAll << (kBlock - count), block))
-      writer.putLast(block, count);
+    const auto count = std::min(static_cast<std::size_t>(end - next), kBlockLength);
+    EncodedBlock block;
+    if (count < kBlockLength && writer.hasRoomForBlock() &&
+        encodeBlock(loadTail(next + count, count), kAllCharacters & kAllCharacters << (kBlockLength - count),
+                    block))
+      writer.putTail(block, count);
     else
-      for (std::size_t i = 0; i < count && writer.bits() <= kLastStart; ++i) writer.put(next[i]);
+      for (std::size_t i = 0; i < count && writer.bits() <= kLastStartBit; ++i) writer.put(next[i]);
     next += count;
   }
   // An escaped last character can reach one byte too far; that byte is cut.
@@ -197,13 +198,13 @@ std::size_t decompress(const unsigned char* stored, std::size_t length, char* ou
   const char* const start = out;
   BitReader reader(stored, length);
   while (reader.has(6)) {
-    if (reader.hasGroup() && reader.takeGroup(out)) {
+    if (reader.hasGroup() && reader.readGroup(out)) {
       out += kGroup;
       continue;
     }
-    const unsigned int code = reader.take(6);
+    const unsigned int code = reader.read(6);
     if (code == kEscape && !reader.has(8)) break;
-    *out++ = code == kEscape ? static_cast<char>(reader.take(8)) : kAlphabet[code];
+    *out++ = code == kEscape ? static_cast<char>(reader.read(8)) : kAlphabet[code];
   }
   *out = '\0';
   return static_cast<std::size_t>(out - start);

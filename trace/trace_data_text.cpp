@@ -39,11 +39,11 @@ void writeHexadecimal(TextBuffer& out, std::uint64_t number) {
 template <std::size_t size, bool isSigned>
 void writeInteger(TextBuffer& out, const std::uint8_t* bytes, std::size_t) {
   const std::uint64_t number = littleEndian(bytes, size);
-  constexpr int kUnused = 64 - 8 * static_cast<int>(size);
+  constexpr int kUnusedBits = 64 - 8 * static_cast<int>(size);
   writeHexadecimal(out, number);
   out.put('/');
   if (isSigned)
-    out.decimalSigned(static_cast<std::int64_t>(number << kUnused) >> kUnused);
+    out.decimalSigned(static_cast<std::int64_t>(number << kUnusedBits) >> kUnusedBits);
   else
     out.decimal(number);
   if (size > 1) return;
@@ -65,7 +65,7 @@ void writeDouble(TextBuffer& out, const std::uint8_t* bytes, std::size_t) {
 
 /// The x87's 80 bits. Those that are no number to it since the 387 count as not a number, and a leading bit
 /// in the smallest exponent as the next exponent: run-time libraries have stumbled over both.
-long double extendedOf(const std::uint8_t* bytes) {
+long double decodeExtended(const std::uint8_t* bytes) {
   static_assert(std::numeric_limits<long double>::digits == 64, "long double is not the x87's");
   const bool leadingBit = littleEndian(bytes, 8) >> 63 != 0;
   const bool smallest = (littleEndian(bytes + 8, 2) & 0x7FFF) == 0;
@@ -82,10 +82,10 @@ void writeLongDouble(TextBuffer& out, const std::uint8_t* bytes, std::size_t cou
   if (count == sizeof(double))
     writeDouble(out, bytes, count);
   else
-    out.decimalFloat(extendedOf(bytes));
+    out.decimalFloat(decodeExtended(bytes));
 }
 
-constexpr auto kFirst = static_cast<unsigned int>(VelEnTraceDataType::BOOLEAN_VALUE);
+constexpr auto kFirstValueType = static_cast<unsigned int>(VelEnTraceDataType::BOOLEAN_VALUE);
 constexpr ValueType kValueTypes[] = {
     {1, &writeBoolean},
     {1, &writeInteger<1, true>},
@@ -100,22 +100,22 @@ constexpr ValueType kValueTypes[] = {
     {8, &writeDouble},
     {8, &writeLongDouble},
 };
-constexpr unsigned int kLast = kFirst + std::size(kValueTypes) - 1;
-static_assert(kLast == static_cast<unsigned int>(VelEnTraceDataType::LONG_DOUBLE));
+constexpr unsigned int kLastValueType = kFirstValueType + std::size(kValueTypes) - 1;
+static_assert(kLastValueType == static_cast<unsigned int>(VelEnTraceDataType::LONG_DOUBLE));
 
 }  // namespace
 
 bool isValueType(unsigned int type) {
-  return type >= kFirst && type <= kLast;
+  return type >= kFirstValueType && type <= kLastValueType;
 }
 
 bool fitsValue(unsigned int type, std::size_t count) {
-  if (type == kLast) return count == 8 || count == 10 || count == 12 || count == 16;
-  return count >= kValueTypes[type - kFirst].size;
+  if (type == kLastValueType) return count == 8 || count == 10 || count == 12 || count == 16;
+  return count >= kValueTypes[type - kFirstValueType].size;
 }
 
 void writeValue(TextBuffer& out, unsigned int type, const std::uint8_t* bytes, std::size_t count) {
-  kValueTypes[type - kFirst].write(out, bytes, count);
+  kValueTypes[type - kFirstValueType].write(out, bytes, count);
 }
 
 std::uint32_t littleEndian32(const std::uint8_t* bytes) {

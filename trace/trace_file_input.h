@@ -24,7 +24,7 @@ class TraceFileInput final : public std::streambuf {
 
   /// Returns fewer bytes than asked for at the end of the file only.
   std::size_t read(void* out, std::size_t count) {
-    if (static_cast<std::size_t>(egptr() - gptr()) < count) return readSlowly(out, count);
+    if (static_cast<std::size_t>(egptr() - gptr()) < count) return readAcrossRefills(out, count);
     std::memcpy(out, gptr(), count);
     gbump(static_cast<int>(count));
     return count;
@@ -43,7 +43,7 @@ class TraceFileInput final : public std::streambuf {
 
  private:
   static constexpr std::size_t kCapacity = 64 * 1024;
-  std::size_t readSlowly(void* out, std::size_t count) {
+  std::size_t readAcrossRefills(void* out, std::size_t count) {
     return static_cast<std::size_t>(
         std::streambuf::xsgetn(static_cast<char*>(out), static_cast<std::streamsize>(count)));
   }

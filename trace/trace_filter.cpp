@@ -18,18 +18,18 @@ constexpr DetailName kDetails[] = {{"OFF", VelEnTraceDetail::OFF},
                                    {"MED", VelEnTraceDetail::MEDIUM},
                                    {"HIGH", VelEnTraceDetail::HIGH}};
 
-bool beginsWith(const char* text, const char* name) {
+bool startsWithIgnoringCase(const char* text, const char* name) {
   for (; *name != '\0'; ++text, ++name)
     if (vel::toAsciiUpper(*text) != *name) return false;
   return true;
 }
 
-std::uint32_t numberIn(const char* text) {
+std::uint32_t parseNumber(const char* text) {
   return text == nullptr ? 0 : static_cast<std::uint32_t>(vel::vel_atol32(text));
 }
 
 /// One item of a component list while it is read.
-struct Item {
+struct ListItem {
   std::uint32_t low = 0;
   std::uint32_t high = 0;
   bool include = true;
@@ -46,7 +46,7 @@ void VelClTraceFilter::setDetail(const char* text) {
   detail_ = VelEnTraceDetail::OFF;
   if (text == nullptr) return;
   for (const DetailName& row : kDetails)
-    if (beginsWith(text, row.name)) detail_ = row.detail;
+    if (startsWithIgnoringCase(text, row.name)) detail_ = row.detail;
 }
 
 const char* VelClTraceFilter::getDetailAsCString(VelEnTraceDetail detail) {
@@ -56,11 +56,11 @@ const char* VelClTraceFilter::getDetailAsCString(VelEnTraceDetail detail) {
 }
 
 void VelClTraceFilter::setProcessId(const char* text) {
-  processId_ = numberIn(text);
+  processId_ = parseNumber(text);
 }
 
 void VelClTraceFilter::setThreadId(const char* text) {
-  threadId_ = numberIn(text);
+  threadId_ = parseNumber(text);
 }
 
 bool VelClTraceFilter::usesCompIdFilter() const {
@@ -76,10 +76,10 @@ void VelClTraceFilter::setComponentIdSet(unsigned short from, unsigned short to,
 
 void VelClTraceFilter::enableComponentIds(const char* list) {
   if (list == nullptr) return;
-  Item item;
+  ListItem item;
   const auto apply = [this, &item] {
     if (item.low != 0) setBits(item.low, item.high == 0 ? item.low : item.high, item.include);
-    item = Item();
+    item = ListItem();
   };
   while (*list != '\0') {
     if (vel::isAsciiDigit(*list)) {

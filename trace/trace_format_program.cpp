@@ -25,11 +25,11 @@ FormatProgram::FormatProgram(const char* format, std::string_view letters, bool 
 }
 
 void FormatProgram::addDirective(char letter) {
-  const std::size_t place = letters_.find(letter);
+  const std::size_t index = letters_.find(letter);
   if (letter == 'n' && !indented_)
     texts_.push_back('\n');
-  else if (place != std::string_view::npos)
-    endStep(place);
+  else if (index != std::string_view::npos)
+    endStep(index);
   else
     // "%q" prints "%" and drops the q. Keep.
     texts_.push_back('%');

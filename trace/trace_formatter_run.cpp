@@ -23,18 +23,19 @@ using vel::util::LineLayout;
 namespace {
 
 /// What all faults of a file are thrown as; the lines are fixed numbers.
-[[noreturn]] void fault(VelEnErrorId id, VelEnErrorClass errorClass, const char* origin, unsigned int line) {
+[[noreturn]] void throwError(VelEnErrorId id, VelEnErrorClass errorClass, const char* origin,
+                             unsigned int line) {
   VelClException exception(id, errorClass, VelEnErrorSeverity::FATAL, VelEnErrorAction::TERMINATE, "");
   exception.setOrigin(origin, line);
   throw exception;
 }
 
-[[noreturn]] void unexpectedEnd(const char* origin, unsigned int line) {
-  fault(TRACEFORMAT_UNEXPECTED_EOF, VelEnErrorClass::IO_READ_PROBLEM, origin, line);
+[[noreturn]] void throwUnexpectedEnd(const char* origin, unsigned int line) {
+  throwError(TRACEFORMAT_UNEXPECTED_EOF, VelEnErrorClass::IO_READ_PROBLEM, origin, line);
 }
 
-[[noreturn]] void corrupted(const char* origin, unsigned int line) {
-  fault(TRACEFORMAT_FILE_CORRUPTED, VelEnErrorClass::INVALID_DATA, origin, line);
+[[noreturn]] void throwCorrupted(const char* origin, unsigned int line) {
+  throwError(TRACEFORMAT_FILE_CORRUPTED, VelEnErrorClass::INVALID_DATA, origin, line);
 }
 
 constexpr unsigned int numberOf(VelEnTraceDataType type) {
@@ -69,13 +70,14 @@ std::string_view builtInText(unsigned long id) {
 void checkShortData(unsigned int type, std::uint32_t length) {
   if (type == numberOf(VelEnTraceDataType::FUNCTION_ENTRY) ||
       type == numberOf(VelEnTraceDataType::FUNCTION_EXIT)) {
-    if (length != kNestingLevelSize) corrupted("VelClTraceFormatter::formatData, line 405", 405);
+    if (length != kNestingLevelSize) throwCorrupted("VelClTraceFormatter::formatData, line 405", 405);
   } else if (type == numberOf(VelEnTraceDataType::DATA_NONE)) {
-    if (length != 0) corrupted("VelClTraceFormatter::formatData, line 433", 433);
+    if (length != 0) throwCorrupted("VelClTraceFormatter::formatData, line 433", 433);
   } else if (vel::trace::isValueType(type)) {
-    if (!vel::trace::fitsValue(type, length)) corrupted("VelClTraceFormatter::formatData, line 502", 502);
+    if (!vel::trace::fitsValue(type, length))
+      throwCorrupted("VelClTraceFormatter::formatData, line 502", 502);
   } else if (type != numberOf(VelEnTraceDataType::DATA_NULL)) {
-    corrupted("VelClTraceFormatter::formatData, line 541", 541);
+    throwCorrupted("VelClTraceFormatter::formatData, line 541", 541);
   }
 }
 
@@ -93,8 +95,8 @@ VelClTraceFormatter::Run::Run(VelClTraceFormatter& formatter, std::ostream& stre
   for (unsigned long id = kBytes; id < kTextEnd; ++id)
     messages_[id - kBytes] = loadText(static_cast<TextId>(id));
   if (!input_.open(formatter.environment_->getFilename().getAsCString()))
-    fault(TRACEFORMAT_COULD_NOT_OPEN, VelEnErrorClass::IO_PERMISSION_DENIED,
-          "VelClTraceFormatter::format, line 837", 837);
+    throwError(TRACEFORMAT_COULD_NOT_OPEN, VelEnErrorClass::IO_PERMISSION_DENIED,
+               "VelClTraceFormatter::format, line 837", 837);
 }
 
 /// The catalog's message holds one text at a time, so its texts are copied.
@@ -109,7 +111,7 @@ std::string_view VelClTraceFormatter::Run::loadText(TextId id) {
 void VelClTraceFormatter::Run::formatAll() {
   try {
     while (formatEntry()) ++formatter_.entryCount_;
-    if (input_.hasFailed()) unexpectedEnd("VelClTraceFormatter::formatEntry, line 644", 644);
+    if (input_.hasFailed()) throwUnexpectedEnd("VelClTraceFormatter::formatEntry, line 644", 644);
   } catch (...) {
     out_.flush();
     throw;
@@ -122,7 +124,7 @@ bool VelClTraceFormatter::Run::formatEntry() {
   if (!entry_.read(stream_)) return false;
   if (isShown()) {
     hideFunction_ = repeatsFunction();
-    walkFormat();
+    renderEntry();
   } else {
     skipEntry(entry_.getDumpDataLength());
   }
@@ -175,7 +177,7 @@ std::string_view VelClTraceFormatter::Run::directiveLetters() {
   return {kLetters.data(), kLetters.size()};
 }
 
-void VelClTraceFormatter::Run::walkFormat() {
+void VelClTraceFormatter::Run::renderEntry() {
   char* out = out_.reserve(kStepRoom);
   for (const FormatStep& step : program_) {
     if (step.length <= kShortText) {
@@ -243,7 +245,8 @@ void VelClTraceFormatter::Run::showLongType() {
 
 void VelClTraceFormatter::Run::showType(std::string_view TraceTypeNames::*name, const char* origin) {
   const TraceTypeNames* const names = vel::trace::typeNamesOf(numberOf(entry_.getType()));
-  if (names == nullptr) fault(TRACEFORMAT_FILE_CORRUPTED, VelEnErrorClass::DATA_OUT_OF_BOUNDS, origin, 602);
+  if (names == nullptr)
+    throwError(TRACEFORMAT_FILE_CORRUPTED, VelEnErrorClass::DATA_OUT_OF_BOUNDS, origin, 602);
   out_.append(names->*name);
   const bool clipped = entry_.getType() == VelEnTraceDataType::DATA_CLIPPED;
   if (!clipped && entry_.getType() != VelEnTraceDataType::DATA) return;
@@ -261,7 +264,7 @@ void VelClTraceFormatter::Run::displayIndent() {
 }
 
 void VelClTraceFormatter::Run::skipEntry(std::uint32_t length) {
-  if (!input_.skip(length)) unexpectedEnd("VelClTraceFormatter::skipEntry, line 186", 186);
+  if (!input_.skip(length)) throwUnexpectedEnd("VelClTraceFormatter::skipEntry, line 186", 186);
 }
 
 void VelClTraceFormatter::Run::formatData() {
@@ -274,10 +277,10 @@ void VelClTraceFormatter::Run::formatData() {
     case VelEnTraceDataType::C_STRING:
       return formatCString(length);
     case VelEnTraceDataType::ADDRESS:
-      if (length != sizeof(std::uint64_t)) corrupted("VelClTraceFormatter::formatData, line 364", 364);
+      if (length != sizeof(std::uint64_t)) throwCorrupted("VelClTraceFormatter::formatData, line 364", 364);
       return formatAdrs();
     default:
-      if (length > kLongestShortData) corrupted("VelClTraceFormatter::formatData, line 377", 377);
+      if (length > kLongestShortData) throwCorrupted("VelClTraceFormatter::formatData, line 377", 377);
       return formatShortData(length);
   }
 }
@@ -287,7 +290,7 @@ void VelClTraceFormatter::Run::formatShortData(std::uint32_t length) {
   std::uint8_t bytes[kLongestShortData];
   const bool complete = input_.read(bytes, length) == length;
   checkShortData(numberOf(entry_.getType()), length);
-  if (!complete) unexpectedEnd("VelClTraceFormatter::formatEntry, line 644", 644);
+  if (!complete) throwUnexpectedEnd("VelClTraceFormatter::formatEntry, line 644", 644);
   switch (entry_.getType()) {
     case VelEnTraceDataType::FUNCTION_ENTRY:
     case VelEnTraceDataType::FUNCTION_EXIT:
@@ -335,7 +338,8 @@ void VelClTraceFormatter::Run::formatHexDump(std::uint32_t length) {
   for (std::uint32_t offset = 0; offset < length; offset += HexForm::kBytes) {
     std::uint8_t bytes[HexForm::kBytes];
     const std::size_t count = std::min<std::size_t>(length - offset, sizeof bytes);
-    if (input_.read(bytes, count) < count) unexpectedEnd("VelClTraceFormatter::formatHexDump, line 277", 277);
+    if (input_.read(bytes, count) < count)
+      throwUnexpectedEnd("VelClTraceFormatter::formatHexDump, line 277", 277);
     displayIndent();
     char* const out = out_.reserve(LineLayout<HexForm>::kLongest + 1);
     if (count == sizeof bytes)
@@ -349,7 +353,7 @@ void VelClTraceFormatter::Run::formatAdrs() {
   static_assert(sizeof(void*) == sizeof(std::uint64_t));
   const void* address = nullptr;
   if (input_.read(&address, sizeof address) < sizeof address)
-    unexpectedEnd("VelClTraceFormatter::formatAdrs, line 247", 247);
+    throwUnexpectedEnd("VelClTraceFormatter::formatAdrs, line 247", 247);
   out_.append(VelClStrepAddress(address).getAsCString());
 }
 
@@ -360,7 +364,7 @@ void VelClTraceFormatter::Run::formatCString(std::uint32_t length) {
     char* const out = out_.reserve(part);
     const std::size_t count = input_.read(out, part);
     out_.commit(out + count);
-    if (count < part) unexpectedEnd("VelClTraceFormatter::formatCString, line 323", 323);
+    if (count < part) throwUnexpectedEnd("VelClTraceFormatter::formatCString, line 323", 323);
     length -= part;
   }
   out_.put('"');

@@ -30,13 +30,12 @@ class VelClTraceFormatter::Run {
   bool formatEntry();
   bool isShown() const;
   bool repeatsFunction();
-  void walkFormat();
+  void renderEntry();
   /// For directives whose text has no bound.
   template <void (Run::*show)()>
   char* throughBuffer(char* out);
 
   char* showComponent(char* out);
-  void showData();
   char* showDetail(char* out);
   char* showFunction(char* out);
   void showLineBreak();

@@ -23,7 +23,7 @@ static_assert(kAlphabet[kCodeOfUpperA] == 'A' && kAlphabet[kCodeOfLowerA] == 'a'
 inline constexpr std::uint8_t kEscapeMark = 0x80;
 static_assert(sizeof kAlphabet - 1 == kEscape);
 
-consteval std::array<std::uint8_t, 256> makeCodes() {
+consteval std::array<std::uint8_t, 256> makeCodeTable() {
   std::array<std::uint8_t, 256> codes{};
   codes.fill(kEscapeMark | kEscape);
   for (std::uint8_t code = 0; code < kEscape; ++code)
@@ -33,33 +33,33 @@ consteval std::array<std::uint8_t, 256> makeCodes() {
   return codes;
 }
 
-inline constexpr std::array<std::uint8_t, 256> kCodes = makeCodes();
+inline constexpr std::array<std::uint8_t, 256> kCodes = makeCodeTable();
 
-/// Characters that are coded at once.
-inline constexpr std::size_t kBlock = 16;
+/// Characters that are encoded at once.
+inline constexpr std::size_t kBlockLength = 16;
 /// A bit for each character of a block.
-inline constexpr unsigned int kAll = 0xFFFF;
+inline constexpr unsigned int kAllCharacters = 0xFFFF;
 
 /// The codes of a block of characters: of eight each, in the highest 48 bits, with 0 below.
-struct Block {
+struct EncodedBlock {
   std::uint64_t first;
   std::uint64_t second;
 };
 
 /// 16 characters, the earlier ones in the lower bytes.
-struct Characters {
+struct CharacterBlock {
   std::uint64_t low;
   std::uint64_t high;
 };
 
-inline Characters loadCharacters(const unsigned char* text) {
-  Characters characters{};
+inline CharacterBlock loadBlock(const unsigned char* text) {
+  CharacterBlock characters{};
   std::memcpy(&characters, text, sizeof characters);
   return characters;
 }
 
 /// The `count` characters before `end`, fewer than 8, as the last ones; 0 stands before them.
-inline std::uint64_t loadFew(const unsigned char* end, std::size_t count) {
+inline std::uint64_t loadTailWord(const unsigned char* end, std::size_t count) {
   const std::size_t padding = 8 * (8 - count);
   if (count >= 4) {
     std::uint32_t first = 0;
@@ -76,22 +76,22 @@ inline std::uint64_t loadFew(const unsigned char* end, std::size_t count) {
 }
 
 /// The same for up to 15 characters.
-inline Characters loadLast(const unsigned char* end, std::size_t count) {
+inline CharacterBlock loadTail(const unsigned char* end, std::size_t count) {
   static_assert(std::endian::native == std::endian::little);
-  if (count < 8) return {0, loadFew(end, count)};
-  Characters characters{};
+  if (count < 8) return {0, loadTailWord(end, count)};
+  CharacterBlock characters{};
   std::memcpy(&characters.high, end - 8, 8);
-  characters.low = loadFew(end - 8, count - 8);
+  characters.low = loadTailWord(end - 8, count - 8);
   return characters;
 }
 
 /// Codes a block on any processor. False unless the `wanted` characters, a bit each, are in the alphabet.
-inline bool codeBlockPortably(const Characters& characters, unsigned int wanted, Block& block) {
-  unsigned char text[kBlock];
+inline bool encodeBlockPortably(const CharacterBlock& characters, unsigned int wanted, EncodedBlock& block) {
+  unsigned char text[kBlockLength];
   std::memcpy(text, &characters, sizeof text);
   std::uint64_t halves[2] = {};
   unsigned int simple = 0;
-  for (std::size_t i = 0; i < kBlock; ++i) {
+  for (std::size_t i = 0; i < kBlockLength; ++i) {
     const std::uint8_t code = kCodes[text[i]];
     simple |= ((code & kEscapeMark) == 0 ? 1U : 0U) << i;
     halves[i / 8] = halves[i / 8] << 6 | (code & kEscape);
@@ -103,7 +103,7 @@ inline bool codeBlockPortably(const Characters& characters, unsigned int wanted,
 #if defined(__SSE2__)
 
 /// Two codes become 12 bits, two of these 24, and two of these 48; the earlier ones stand higher.
-inline Block join(__m128i codes) {
+inline EncodedBlock packCodes(__m128i codes) {
   const __m128i pairs =
       _mm_or_si128(_mm_srli_epi16(codes, 8), _mm_and_si128(_mm_slli_epi16(codes, 6), _mm_set1_epi16(0x0FC0)));
   const __m128i quads = _mm_madd_epi16(pairs, _mm_set1_epi32(1 << 16 | 1 << 12));
@@ -115,7 +115,7 @@ inline Block join(__m128i codes) {
 
 /// Codes a block, mostly one of a text. False unless the `wanted` characters, a bit each, are letters and
 /// blanks, as nearly all are.
-inline bool codeBlock(const Characters& characters, unsigned int wanted, Block& block) {
+inline bool encodeBlock(const CharacterBlock& characters, unsigned int wanted, EncodedBlock& block) {
   const __m128i text =
       _mm_set_epi64x(static_cast<long long>(characters.high), static_cast<long long>(characters.low));
   const __m128i place = _mm_sub_epi8(_mm_or_si128(text, _mm_set1_epi8(' ')), _mm_set1_epi8('a'));
@@ -126,14 +126,14 @@ inline bool codeBlock(const Characters& characters, unsigned int wanted, Block& 
   const __m128i ofLower =
       _mm_and_si128(_mm_cmpgt_epi8(text, _mm_set1_epi8('Z')), _mm_set1_epi8(kCodeOfLowerA - kCodeOfUpperA));
   const __m128i codes = _mm_add_epi8(_mm_add_epi8(place, _mm_set1_epi8(kCodeOfUpperA)), ofLower);
-  block = join(_mm_and_si128(codes, isLetter));
+  block = packCodes(_mm_and_si128(codes, isLetter));
   return true;
 }
 
 #else
 
-inline bool codeBlock(const Characters& characters, unsigned int wanted, Block& block) {
-  return codeBlockPortably(characters, wanted, block);
+inline bool encodeBlock(const CharacterBlock& characters, unsigned int wanted, EncodedBlock& block) {
+  return encodeBlockPortably(characters, wanted, block);
 }
 
 #endif
