@@ -1,4 +1,5 @@
-// Values as text: "0xFB/-5" for integers, "0x41/65/'A'" for those of one byte, "1.5" for floating point.
+// Formats values as text: "0xFB/-5" for integers, "0x41/65/'A'" for those of one byte, "1.5" for floating
+// point. Reading the values from a file is trace_formatter_run.cpp's work.
 #include "trace/trace_data_text.h"
 
 #include <cstring>
@@ -13,10 +14,11 @@ namespace vel::trace {
 namespace {
 
 struct ValueType {
-  std::size_t size;  ///< at least
+  std::size_t size;  ///< in bytes; longer data is accepted, its surplus ignored
   void (*write)(TextBuffer& out, const std::uint8_t* bytes, std::size_t count);
 };
 
+// Byte by byte: values in a file are not aligned.
 std::uint64_t littleEndian(const std::uint8_t* bytes, std::size_t count) {
   std::uint64_t number = 0;
   while (count > 0) number = number << 8 | bytes[--count];
@@ -43,10 +45,12 @@ void writeInteger(TextBuffer& out, const std::uint8_t* bytes, std::size_t) {
   writeHexadecimal(out, number);
   out.put('/');
   if (isSigned)
+    // Moves the sign bit to the top and shifts it back arithmetically, which extends it.
     out.decimalSigned(static_cast<std::int64_t>(number << kUnusedBits) >> kUnusedBits);
   else
     out.decimal(number);
   if (size > 1) return;
+  // Characters that cannot be printed are left out, not replaced.
   const char quoted[] = {'/', '\'', static_cast<char>(bytes[0]), '\''};
   if (vel::util::shownCharacter(bytes[0]) == quoted[2]) out.append({quoted, sizeof quoted});
 }
@@ -63,8 +67,13 @@ void writeDouble(TextBuffer& out, const std::uint8_t* bytes, std::size_t) {
   out.decimalFloat(floatOf<double>(littleEndian(bytes, 8)));
 }
 
-/// The x87's 80 bits. Those that are no number to it since the 387 count as not a number, and a leading bit
-/// in the smallest exponent as the next exponent: run-time libraries have stumbled over both.
+/// Decodes the x87's extended format: a significand of 64 bits with an explicit leading bit, 15 bits of
+/// exponent and a sign. Run-time libraries have printed nonsense for two kinds of encodings that no processor
+/// since the 387 produces, so these are normalised first: a leading bit of 0 with an exponent (unnormals, and
+/// infinities and NaNs without the bit), which the processor refuses, becomes NaN; a leading bit of 1 with
+/// exponent 0 (pseudo-denormals) gets exponent 1, which is the same value. (Intel 64 and IA-32 Architectures
+/// Software Developer's Manual, volume 1, "Unsupported Double Extended-Precision Floating-Point Encodings and
+/// Pseudo-Denormals".)
 long double decodeExtended(const std::uint8_t* bytes) {
   static_assert(std::numeric_limits<long double>::digits == 64, "long double is not the x87's");
   const bool leadingBit = littleEndian(bytes, 8) >> 63 != 0;
@@ -85,6 +94,7 @@ void writeLongDouble(TextBuffer& out, const std::uint8_t* bytes, std::size_t cou
     out.decimalFloat(decodeExtended(bytes));
 }
 
+// In the order of the data types, from BOOLEAN_VALUE on.
 constexpr auto kFirstValueType = static_cast<unsigned int>(VelEnTraceDataType::BOOLEAN_VALUE);
 constexpr ValueType kValueTypes[] = {
     {1, &writeBoolean},
@@ -101,7 +111,8 @@ constexpr ValueType kValueTypes[] = {
     {8, &writeLongDouble},
 };
 constexpr unsigned int kLastValueType = kFirstValueType + std::size(kValueTypes) - 1;
-static_assert(kLastValueType == static_cast<unsigned int>(VelEnTraceDataType::LONG_DOUBLE));
+constexpr auto kLongDouble = static_cast<unsigned int>(VelEnTraceDataType::LONG_DOUBLE);
+static_assert(kLastValueType == kLongDouble, "the last row is not that of the last value type");
 
 }  // namespace
 
@@ -110,7 +121,8 @@ bool isValueType(unsigned int type) {
 }
 
 bool fitsValue(unsigned int type, std::size_t count) {
-  if (type == kLastValueType) return count == 8 || count == 10 || count == 12 || count == 16;
+  // A double, and the extended format without padding, with that of 32-bit systems and of 64-bit systems.
+  if (type == kLongDouble) return count == 8 || count == 10 || count == 12 || count == 16;
   return count >= kValueTypes[type - kFirstValueType].size;
 }
 
