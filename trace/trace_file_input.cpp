@@ -1,4 +1,4 @@
-// Reads a trace file in large pieces.
+// Reads a trace file through a large buffer. What its bytes mean is the reader's matter.
 #include "trace/trace_file_input.h"
 
 #include "platform/byte_files.h"
@@ -12,7 +12,7 @@ TraceFileInput::~TraceFileInput() {
 
 bool TraceFileInput::open(const char* name) {
   buffer_.reset(static_cast<char*>(VelClMemoryManager::malloc(kCapacity)));
-  // Some systems open directories, too.
+  // POSIX systems open directories for reading, too, and only fail to read them.
   const std::uint32_t attributes = platform::attributesOf(name);
   if (attributes != platform::kAttributesUnreadable && (attributes & platform::kAttributeDirectory) != 0)
     return false;
@@ -20,6 +20,7 @@ bool TraceFileInput::open(const char* name) {
   return descriptor_ != -1;
 }
 
+// Skips by reading: most data is short and in the buffer already, and a pipe cannot seek.
 bool TraceFileInput::skip(std::uint64_t count) {
   while (count > 0) {
     if (gptr() == egptr() && underflow() == traits_type::eof()) return false;
@@ -31,6 +32,7 @@ bool TraceFileInput::skip(std::uint64_t count) {
 }
 
 TraceFileInput::int_type TraceFileInput::underflow() {
+  // A failure to read looks like the end of the file here; the formatter asks hasFailed() afterwards.
   const std::int64_t count = failed_ ? 0 : platform::readBytes(descriptor_, buffer_.get(), kCapacity);
   if (count < 0) failed_ = true;
   char* const start = buffer_.get();

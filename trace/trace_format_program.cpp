@@ -1,4 +1,5 @@
-// Takes a format string apart.
+// Parses a format string into steps. The meaning of the directives is trace_formatter_run.cpp's matter; here
+// they are only letters.
 #include "trace/trace_format_program.h"
 
 #include <cstring>
@@ -12,7 +13,7 @@ FormatProgram::FormatProgram(const char* format, std::string_view letters, bool 
   while (*format != '\0') {
     const char* const sign = format + std::strcspn(format, "%\\");
     texts_.insert(texts_.end(), format, sign);
-    // A sign at the very end has nothing to stand for, and ends the format.
+    // A '%' or a backslash as the last character is dropped.
     if (*sign == '\0' || sign[1] == '\0') break;
     if (*sign == '%')
       addDirective(sign[1]);
@@ -21,6 +22,7 @@ FormatProgram::FormatProgram(const char* format, std::string_view letters, bool 
     format = sign + 2;
   }
   endStep(FormatStep::kNone);
+  // Padding, since texts are copied in whole blocks.
   texts_.resize(texts_.size() + TextBuffer::kBlock);
 }
 
@@ -31,10 +33,12 @@ void FormatProgram::addDirective(char letter) {
   else if (index != std::string_view::npos)
     endStep(index);
   else
-    // "%q" prints "%" and drops the q. Keep.
+    // Intentional: an unknown directive such as "%q" prints "%" and drops its letter, which is how "%%"
+    // works, too.
     texts_.push_back('%');
 }
 
+// "\n" and "%n" are the same; "\t" is a tab; before any other character the backslash is dropped.
 void FormatProgram::addEscape(char letter) {
   if (letter == 'n')
     addDirective(letter);
