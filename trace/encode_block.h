@@ -74,9 +74,9 @@ inline CharacterBlock loadBlock(const unsigned char* text) {
   return characters;
 }
 
-/// Loads the `count` characters before `end`, fewer than 8, into the highest bytes of a word; the bytes below
-/// are 0. Reads no other byte, without a loop: two words or three characters that may overlap cover each
-/// count.
+/// Loads the `count` characters before `end`, fewer than 8, into the highest bytes of a
+/// word; the bytes below are 0. Reads no other byte, without a loop: two words or three
+/// characters that may overlap cover each count.
 inline std::uint64_t loadTailWord(const unsigned char* end, std::size_t count) {
   const std::size_t padding = 8 * (8 - count);
   if (count >= 4) {

@@ -1,9 +1,9 @@
 // Builds the record of a trace entry in the caller's memory: within an entry, or directly in the ring.
 // VelClTraceEntry documents the layout.
 //
-// Tracing has to cost the program little, so a record is built in one pass and in its final place. The texts
-// come first, because compressing them yields their lengths; then the head, one store per field; then the
-// data:
+// Tracing has to cost the program little, so a record is built in one pass and in its final
+// place. The texts come first, because compressing them yields their lengths; then the
+// head, one store per field; then the data:
 //
 //   0                        4     8        12      16           20
 //   | type, id, text lengths | time| process| thread| data length| message | origin | data
@@ -25,8 +25,8 @@ inline constexpr std::size_t kHeadLength = 20;
 /// The largest size of a record without its data. Building one may overwrite kSlack bytes after it.
 inline constexpr std::size_t kLongestRecord = kHeadLength + 2 * kLongestCompressed;
 
-/// Byte 0 of a record: bits 0 to 4 are the data type, bit 5 says whether the texts are compressed, bits 6 and
-/// 7 are the detail.
+/// Byte 0 of a record: bits 0 to 4 are the data type, bit 5 says whether the texts are
+/// compressed, bits 6 and 7 are the detail.
 inline constexpr std::uint32_t kCompressedFlag = 0x20;
 inline constexpr std::uint32_t kTypeAndCompressedMask = 0x3F;
 inline constexpr unsigned int kDetailShift = 6;
@@ -69,8 +69,8 @@ inline void storeNumber(unsigned char* out, std::uint32_t number) {
   std::memcpy(out, &number, sizeof number);
 }
 
-/// Builds a record without its data and returns its length. `out` has room for kLongestRecord and kSlack
-/// bytes.
+/// Builds a record without its data and returns its length. `out` has
+/// room for kLongestRecord and kSlack bytes.
 inline std::size_t buildRecord(const VelClTraceEnvironment& environment, const Event& event,
                                unsigned char* out) {
   const bool compressed = environment.getSettings().usesCompression();

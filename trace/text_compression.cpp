@@ -1,5 +1,5 @@
-// Compresses and decompresses trace texts, many characters at a time where none of them is escaped. How a
-// block of characters becomes codes is encode_block.h's matter.
+// Compresses and decompresses trace texts, many characters at a time where none of them is escaped. Blocks of
+// characters are turned into codes by encode_block.h.
 //
 // BitWriter holds fewer than 8 pending bits at the top of a word. To append bits it ors them in below, stores
 // the whole word, and advances by the complete bytes only; the next store overwrites the rest:
@@ -43,8 +43,8 @@ constexpr std::uint64_t highBitsFirst(std::uint64_t bits) {
   return std::endian::native == std::endian::little ? __builtin_bswap64(bits) : bits;
 }
 
-/// Appends bits to bytes in memory, high bits first. Every call stores 8 bytes, of which only those that are
-/// complete count.
+/// Appends bits to bytes in memory, high bits first. Every call stores 8 bytes, of
+/// which only those that are complete count.
 class BitWriter {
  public:
   explicit BitWriter(unsigned char* out) : start_(out), out_(out) {}
@@ -64,8 +64,8 @@ class BitWriter {
     pending_ %= 8;
   }
 
-  /// Appends whole blocks up to the first one that encodeBlock() refuses or that may not fit; returns where
-  /// it stopped.
+  /// Appends whole blocks up to the first one that encodeBlock() refuses or
+  /// that may not fit; returns where it stopped.
   const unsigned char* putBlocks(const unsigned char* next, const unsigned char* end) {
     // Of each half of a block, 48 bits, the last `pending_` bits wait for the next store.
     const std::size_t right = pending_;
@@ -153,8 +153,8 @@ class BitReader {
     return value;
   }
 
-  /// Decodes the next kGroup characters. Returns false, and neither writes nor moves on, if one of them is
-  /// escaped.
+  /// Decodes the next kGroup characters. Returns false, and neither writes
+  /// nor moves on, if one of them is escaped.
   bool readGroup(char* out) {
     const std::uint64_t bits = highBitsFirst(nextWord()) << position_ % 8;
     const CharacterPair first = kPairs[bits >> 52];

@@ -67,13 +67,16 @@ void writeDouble(TextBuffer& out, const std::uint8_t* bytes, std::size_t) {
   out.decimalFloat(floatOf<double>(littleEndian(bytes, 8)));
 }
 
-/// Decodes the x87's extended format: a significand of 64 bits with an explicit leading bit, 15 bits of
-/// exponent and a sign. Run-time libraries have printed nonsense for two kinds of encodings that no processor
-/// since the 387 produces, so these are normalised first: a leading bit of 0 with an exponent (unnormals, and
-/// infinities and NaNs without the bit), which the processor refuses, becomes NaN; a leading bit of 1 with
-/// exponent 0 (pseudo-denormals) gets exponent 1, which is the same value. (Intel 64 and IA-32 Architectures
-/// Software Developer's Manual, volume 1, "Unsupported Double Extended-Precision Floating-Point Encodings and
-/// Pseudo-Denormals".)
+/// Decodes the x87's extended format: 64 bits of significand with an explicit leading bit, 15 bits of
+/// exponent and a sign. Two kinds of encodings are normalised first. No processor since the 387 produces
+/// them, but a file may contain them, and run-time libraries have gone wrong on both:
+///
+/// - An exponent other than 0 with a leading bit of 0 (unnormals, pseudo-infinities, pseudo-NaNs), which
+///   processors refuse, becomes NaN.
+/// - Exponent 0 with a leading bit of 1 (pseudo-denormals) becomes exponent 1, which means the same value.
+///
+/// See "Unsupported Double Extended-Precision Floating-Point Encodings and Pseudo-Denormals" in volume 1 of
+/// the Intel 64 and IA-32 Architectures Software Developer's Manual.
 long double decodeExtended(const std::uint8_t* bytes) {
   static_assert(std::numeric_limits<long double>::digits == 64, "long double is not the x87's");
   const bool leadingBit = littleEndian(bytes, 8) >> 63 != 0;
@@ -94,7 +97,7 @@ void writeLongDouble(TextBuffer& out, const std::uint8_t* bytes, std::size_t cou
     out.decimalFloat(decodeExtended(bytes));
 }
 
-// In the order of the data types, from BOOLEAN_VALUE on.
+// The rows are in the order of the data types, from BOOLEAN_VALUE on.
 constexpr auto kFirstValueType = static_cast<unsigned int>(VelEnTraceDataType::BOOLEAN_VALUE);
 constexpr ValueType kValueTypes[] = {
     {1, &writeBoolean},

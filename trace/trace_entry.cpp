@@ -1,5 +1,5 @@
-// An entry that owns its record. How records are built is in record.h; how they are read from a file, in
-// trace_file_entry.cpp.
+// An entry that owns its record. How records are built is in record.h; how they are
+// read from a file, in trace_file_entry.cpp.
 #include "trace/record.h"
 
 using vel::trace::kDetailShift;

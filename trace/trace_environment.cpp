@@ -1,5 +1,5 @@
 // The environment of a trace key: owns the settings and the ring, and initialises them from environment
-// variables. How the ring's bytes reach the file is trace_file_writer.cpp's matter.
+// variables. Saving the ring's bytes to the file is trace_file_writer.cpp's work.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -29,8 +29,8 @@ constexpr std::int32_t kLargestBuffer = 0x1000000;
 /// With the longest suffix, 16 characters, a name then has 40, the most that a variable's name may have.
 constexpr std::size_t kLongestVariableKey = 24;
 
-/// Reads the environment variables of a key. Their names are the beginning of the key in upper case and a
-/// suffix.
+/// Reads the environment variables of a key. Their names are the
+/// beginning of the key in upper case and a suffix.
 class Variables {
  public:
   explicit Variables(const char* key) {
@@ -76,8 +76,8 @@ VelClTraceEnvironment::VelClTraceEnvironment(const char* key, const char* instan
       lostBytes_(0),
       lastSystemError_(0),
       isDefaultFile_(false) {
-  // The destructor does not run when the constructor throws, so local owners release what was allocated
-  // before.
+  // The destructor does not run when the constructor throws, so local
+  // owners release what was allocated before.
   vel::OwnedObject<VelClTraceSettings> settings(vel::create<VelClTraceSettings>());
   settings_ = settings.get();
   determineSettingsFromEnvVars(vel::textOrEmpty(key));

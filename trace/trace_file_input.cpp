@@ -1,4 +1,4 @@
-// Reads a trace file through a large buffer. What its bytes mean is the reader's matter.
+// Reads a trace file through a large buffer. The callers know what its bytes mean.
 #include "trace/trace_file_input.h"
 
 #include "platform/byte_files.h"

@@ -24,8 +24,8 @@ class TraceFileInput final : public std::streambuf {
   /// manager fails. Call it once, before anything else.
   bool open(const char* name);
 
-  /// Returns the number of bytes read, which is less than `count` only at the end of the file or after a
-  /// failure.
+  /// Returns the number of bytes read, which is less than `count` only
+  /// at the end of the file or after a failure.
   std::size_t read(void* out, std::size_t count) {
     if (static_cast<std::size_t>(egptr() - gptr()) < count) return readAcrossRefills(out, count);
     std::memcpy(out, gptr(), count);
@@ -47,7 +47,7 @@ class TraceFileInput final : public std::streambuf {
 
  private:
   static constexpr std::size_t kCapacity = 64 * 1024;
-  /// For reads that the buffered bytes do not satisfy.
+  /// Reads more bytes than are buffered.
   std::size_t readAcrossRefills(void* out, std::size_t count) {
     return static_cast<std::size_t>(
         std::streambuf::xsgetn(static_cast<char*>(out), static_cast<std::streamsize>(count)));

@@ -1,8 +1,8 @@
 // Appends the ring's unsaved bytes to the trace file. Tracing must not disturb the program: a failure costs
 // trace data, is counted, and is otherwise ignored.
 //
-// The file is opened for each save and closed after it, so that it can be moved or removed while the program
-// runs.
+// The file is opened for each save and closed after it, so that it can be
+// moved or removed while the program runs.
 #include <cerrno>
 #include <cstdint>
 
@@ -45,15 +45,15 @@ void VelClTraceEnvironment::append(const _VelStTraceBufferCallBackInfo& info) {
     if (verbose) reportOpened(name);
     const vel::platform::Bytes pieces[] = {{info.first, static_cast<std::size_t>(info.firstLength)},
                                            {info.second, static_cast<std::size_t>(info.secondLength)}};
-    // One call for both pieces keeps what other processes append to the same file out of the middle of a
-    // record.
+    // One call for both pieces keeps what other processes append to the
+    // same file out of the middle of a record.
     written = vel::platform::appendBytes(descriptor, pieces[0], pieces[1], error);
     const int closed = vel::platform::closeAppended(descriptor);
     // After EINTR the file is closed all the same, and its bytes are written.
     const SystemError closeError = closed != 0 && errno != EINTR ? errno : 0;
     if (verbose) VerboseLine() << "bytes written: " << written << " file status: " << closed;
-    // Network file systems may report only now that the bytes could not be written: count all of them as
-    // lost.
+    // Network file systems may report only now that the bytes could
+    // not be written: count all of them as lost.
     if (closeError != 0) {
       error = closeError;
       written = 0;

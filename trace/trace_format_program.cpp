@@ -1,5 +1,5 @@
-// Parses a format string into steps. The meaning of the directives is trace_formatter_run.cpp's matter; here
-// they are only letters.
+// Parses a format string into steps. Directives are only letters here; trace_formatter_run.cpp knows their
+// meaning.
 #include "trace/trace_format_program.h"
 
 #include <cstring>
@@ -33,8 +33,8 @@ void FormatProgram::addDirective(char letter) {
   else if (index != std::string_view::npos)
     endStep(index);
   else
-    // Intentional: an unknown directive such as "%q" prints "%" and drops its letter, which is how "%%"
-    // works, too.
+    // Intentional: an unknown directive such as "%q" prints "%" and drops
+    // its letter, which is how "%%" works, too.
     texts_.push_back('%');
 }
 

@@ -22,9 +22,9 @@ struct FormatStep {
 
 class FormatProgram {
  public:
-  /// `letters` are the known directives; steps refer to them by index, and they must outlive this object.
-  /// Unless lines are indented, "%n" becomes literal text instead of a directive. Throws when the memory
-  /// manager fails.
+  /// `letters` are the known directives; steps refer to them by index, and they must outlive
+  /// this object. Unless lines are indented, "%n" becomes literal text instead of a
+  /// directive. Throws when the memory manager fails.
   FormatProgram(const char* format, std::string_view letters, bool indented);
 
   const FormatStep* begin() const { return steps_.data(); }

@@ -1,6 +1,6 @@
-// One pass of the formatter through a trace file: reads, filters and renders entries. The format string is
-// parsed by trace_format_program.cpp, values are formatted by trace_data_text.cpp, lines of dumps by
-// util/dump_line.h.
+// One pass of the formatter through a trace file: reads, filters and renders entries. The
+// format string is parsed by trace_format_program.cpp, values are formatted by
+// trace_data_text.cpp, lines of dumps by util/dump_line.h.
 //
 // An entry is rendered step by step: renderEntry() copies a piece of literal text, calls the directive after
 // it, and so on. Both write to the output buffer at `out` and return the new end. Room for a whole step is
@@ -55,15 +55,15 @@ constexpr unsigned int numberOf(VelEnTraceDataType type) {
   return static_cast<unsigned int>(type);
 }
 
-/// Data of values, function records and the like, in bytes. Types whose data may be longer are shown as a
-/// dump or as text.
+/// Data of values, function records and the like, in bytes. Types whose data may
+/// be longer are shown as a dump or as text.
 constexpr std::size_t kLongestShortData = 127;
 constexpr std::uint32_t kNestingLevelSize = 4;
 constexpr std::size_t kLargestValue = 16;
 /// Literal texts up to this length are copied in blocks.
 constexpr std::size_t kShortText = 64;
-/// Enough for a step without throughBuffer(): a literal text of kShortText characters and a function name or
-/// message of at most 511.
+/// Enough for a step without throughBuffer(): a literal text of kShortText characters and a
+/// function name or message of at most 511.
 constexpr std::size_t kStepRoom = 1024;
 /// Limits the indentation of a line, whose level comes from the file.
 constexpr std::uint32_t kDeepestShown = 1024;
@@ -137,8 +137,8 @@ void VelClTraceFormatter::Run::formatAll() {
   out_.flush();
 }
 
-/// Returns false at the end of the file, also when it ends within a record: the last save may have been cut
-/// off.
+/// Returns false at the end of the file, also when it ends within a
+/// record: the last save may have been cut off.
 bool VelClTraceFormatter::Run::formatEntry() {
   if (!entry_.read(stream_)) return false;
   if (isShown()) {

@@ -35,7 +35,7 @@ class VelClTraceFormatter::Run {
   bool isShown() const;
   bool repeatsFunction();
   void renderEntry();
-  /// For directives whose output may be longer than the room that is reserved for a step.
+  /// Runs a directive whose output may be longer than the room that is reserved for a step.
   template <void (Run::*show)()>
   char* throughBuffer(char* out);
 

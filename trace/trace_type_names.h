@@ -10,8 +10,8 @@ struct TraceTypeNames {
   std::string_view longName;
 };
 
-/// Returns the names of a type, or null for a number that is not a type. The number after the last type has
-/// empty names.
+/// Returns the names of a type, or null for a number that is not a type. The
+/// number after the last type has empty names.
 const TraceTypeNames* typeNamesOf(unsigned int type);
 
 }  // namespace vel::trace
