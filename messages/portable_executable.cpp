@@ -1,5 +1,19 @@
-// Walks the headers and the resource tree of a library file. The depth of the tree is fixed
-// and no directory entry is followed twice over, so that crossed links cannot catch the walk.
+// Parses a library file in the PE format (published as "PE Format" in the Windows documentation) as far as
+// its message tables: headers, sections, resource tree.
+//
+//   file   0      DOS header         at 0x3C the offset of the next one
+//                 PE header          "PE", machine, number of sections, characteristics
+//                 optional header    sizes, and the RVA of the resource tree in data directory 2
+//                 section table      40 bytes for each section: where it is in the file and in memory
+//                 sections           .rsrc among them, with the resource tree and the message tables
+//
+// The file addresses its contents in two ways. The resource tree has offsets from its own start; the tree
+// itself and the tables have RVAs, addresses relative to where the loader maps the file, which
+// rvaToFileOffset() translates with the section table, because the file is read here without being mapped.
+//
+// The file may be crafted. Reads go through ByteView, which checks bounds. The tree has three levels by
+// definition, so no link can make the walk recurse. Directories may share entries and tables may share bytes,
+// so the walk counts both and ends when there are more than a valid file can have.
 
 #include "messages/portable_executable.h"
 
@@ -10,15 +24,16 @@
 namespace vel::messages {
 namespace {
 
+// Offsets of fields, in bytes, and the values that matter here.
 constexpr std::uint16_t kDosSignature = 0x5A4D;         // "MZ"
 constexpr std::uint32_t kPeSignature = 0x4550;          // "PE", two zero bytes
 constexpr std::uint64_t kHeaderOffsetField = 0x3C;      // in the DOS header
-constexpr std::uint64_t kMachineField = 4;              // in the header, with its signature
+constexpr std::uint64_t kMachineField = 4;              // in the PE header, counted from its signature
 constexpr std::uint64_t kSectionCountField = 6;         // likewise
 constexpr std::uint64_t kOptionalHeaderSizeField = 20;  // likewise
 constexpr std::uint64_t kCharacteristicsField = 22;     // likewise
 constexpr std::uint64_t kOptionalHeaderField = 24;      // likewise
-constexpr std::uint16_t kExecutableImage = 2;           // flag of a file that its linker finished
+constexpr std::uint16_t kExecutableImage = 2;           // characteristic of a file that linked without errors
 constexpr std::uint16_t kMagic32 = 0x10B;
 constexpr std::uint16_t kMagic64 = 0x20B;
 constexpr std::uint64_t kSizeOfImageField = 56;  // in the optional header
@@ -32,9 +47,10 @@ constexpr std::uint32_t kMostSections = 96;  // the Windows loader's own limit
 
 constexpr std::uint64_t kDirectoryHeaderSize = 16;
 constexpr std::uint64_t kDirectoryEntrySize = 8;
-constexpr std::uint32_t kHighBit = 0x80000000;  // of a name: text; of an offset: directory
+constexpr std::uint32_t kHighBit = 0x80000000;  // set in a name that is text, and in an offset of a directory
 constexpr std::uint32_t kMessageTableType = 11;
-// Languages may share a table's bytes; this often on average, and the walk ends.
+// Languages may share a table's bytes. The walk ends when all tables
+// together are this many times the file's size.
 constexpr std::uint64_t kMostSharing = 64;
 
 }  // namespace
@@ -72,7 +88,8 @@ bool PortableExecutable::readHeaders() noexcept {
   return true;
 }
 
-/// The address stays 0 in a file without resources, which is no fault.
+/// Reads the fields of the optional header, whose 32-bit and 64-bit forms differ in size before the data
+/// directories. A file without resources is valid: resourceRva stays 0.
 bool PortableExecutable::readOptionalHeader(std::uint64_t offset, std::uint16_t size,
                                             OptionalHeader& header) const noexcept {
   std::uint16_t magic = 0;
@@ -97,8 +114,9 @@ bool PortableExecutable::readSection(std::uint32_t index, Section& section) cons
          file_.read32(offset + 20, section.pointerToRawData);
 }
 
-/// Whether the headers, with the table of sections, and all sections are in the file, and whether in memory
-/// these follow each other within the image. What fills a section up to its size in the file may be missing.
+/// Whether the headers, including the section table, and all sections are in the file, and whether the
+/// sections follow one another in memory within the image. The padding of the raw data after a section's
+/// virtual size may be missing.
 bool PortableExecutable::hasValidSections(const OptionalHeader& header) const noexcept {
   const std::uint64_t tableEnd = sectionTable_ + sectionCount_ * kSectionSize;
   if (tableEnd > header.sizeOfHeaders || !file_.holds(0, header.sizeOfHeaders)) return false;
@@ -114,7 +132,8 @@ bool PortableExecutable::hasValidSections(const OptionalHeader& header) const no
   return end <= header.sizeOfImage;
 }
 
-/// Turns an address in memory into a place in the file, where `size` bytes must exist.
+/// Translates an RVA into an offset in the file. Returns false unless the `size` bytes there are in one
+/// section and in the file.
 bool PortableExecutable::rvaToFileOffset(std::uint32_t rva, std::uint32_t size,
                                          std::uint64_t& fileOffset) const noexcept {
   Section section{};
@@ -127,7 +146,7 @@ bool PortableExecutable::rvaToFileOffset(std::uint32_t rva, std::uint32_t size,
   return false;
 }
 
-/// Entries of a directory, whose header lies within the file; those named by text included.
+/// Returns the number of entries of a directory, those named by text included. Its header is within the file.
 std::uint32_t PortableExecutable::entryCount(std::uint64_t directory) const noexcept {
   std::uint16_t named = 0;
   std::uint16_t numbered = 0;
@@ -142,6 +161,7 @@ bool PortableExecutable::readEntry(std::uint64_t directory, std::uint32_t index,
   return file_.read32(offset, entry.name) && file_.read32(offset + 4, entry.offset);
 }
 
+/// Returns false if the entry is named by text or is not a directory within the file.
 bool PortableExecutable::findSubdirectory(const DirectoryEntry& entry,
                                           std::uint64_t& directory) const noexcept {
   if ((entry.name & kHighBit) != 0 || (entry.offset & kHighBit) == 0) return false;
@@ -157,7 +177,8 @@ void PortableExecutable::findMessageTables() noexcept {
   messageTables_ = 0;
 }
 
-/// A sound file has each directory entry once, so there are no more than fit into it.
+/// Counts a directory entry. Returns false if there were more than fit
+/// into the file: then directories overlap.
 bool PortableExecutable::countVisit(Cursor& cursor) const noexcept {
   return cursor.visited++ < file_.size() / kDirectoryEntrySize;
 }
@@ -184,12 +205,14 @@ bool PortableExecutable::nextLanguage(Cursor& cursor, const DirectoryEntry& name
     if (!readEntry(directory, cursor.language++, language)) return false;
     table.nameId = name.name;
     if (!readTable(language, table)) continue;
+    // Callers read every table they are given, so the time they need is bounded here.
     cursor.tableBytes += table.sizeInBytes;
     return cursor.tableBytes <= kMostSharing * file_.size();
   }
   return false;
 }
 
+/// Reads a leaf of the tree: {RVA, size, code page, reserved}.
 bool PortableExecutable::readTable(const DirectoryEntry& language, MessageTable& table) const noexcept {
   if (((language.name | language.offset) & kHighBit) != 0) return false;
   std::uint32_t rva = 0;
@@ -211,6 +234,7 @@ bool PortableExecutable::findMessageTable(std::uint32_t language, MessageTable& 
   MessageTable current{};
   while (nextMessageTable(cursor, current)) {
     if (current.nameId != kMessageTableName) continue;
+    // Only candidates better than the best so far are searched.
     const auto rank = std::find(candidates.begin(), best, current.language);
     if (rank == best) continue;
     best = rank;
