@@ -156,7 +156,7 @@ void VelClLanguage::extractISOLongCode(char* out) const {
   namesTerritory() ? extractLongCode(out) : static_cast<void>(append(out, getLanguageCode()));
 }
 
-// ISO tags leave out a territory that is unspecified or unknown.
+// ISO tags leave out the territory if it is row 0, which names no territory, or has no row.
 bool VelClLanguage::namesTerritory() const {
   return territory_ != TERRITORY_UNSPECIFIED && territory_ < TERRITORY_UNKNOWN;
 }

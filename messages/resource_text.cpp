@@ -43,7 +43,7 @@ std::size_t copyAsciiInFours(const std::uint8_t* text, std::size_t length, char*
 }
 
 /// Copies a Unicode text as bytes. Returns false if not all of its
-/// characters are ASCII; `out` is unspecified then.
+/// characters are ASCII; `out` must not be used then.
 bool copyAscii(const MessageResource::Entry& entry, char* out) noexcept {
   const std::size_t length = entry.sizeInBytes / 2;
   for (std::size_t i = copyAsciiInFours(entry.text, length, out); i != length; ++i) {
