@@ -1,6 +1,5 @@
-// One pass of the formatter through a trace file: reads, filters and renders entries. The
-// format string is parsed by trace_format_program.cpp, values are formatted by
-// trace_data_text.cpp, lines of dumps by util/dump_line.h.
+// One pass of the formatter through a trace file: reads, filters and renders entries. The format string is
+// parsed by trace_format_program.cpp; values are formatted by trace_data_text.cpp, dumps by util/dump_line.h.
 //
 // An entry is rendered step by step: renderEntry() copies a piece of literal text, calls the directive after
 // it, and so on. Both write to the output buffer at `out` and return the new end. Room for a whole step is
