@@ -1,4 +1,5 @@
-// The table itself is made from messages.tsv by generate_messages.py.
+// Holds the library's own messages as a string table, which generate_messages.py makes from messages.tsv. The
+// same file is the source of the catalog library, so that a message reads alike from either.
 #include "messages/built_in_messages.h"
 
 #include <iterator>

@@ -1,4 +1,5 @@
-// The library's own messages in English, compiled in: they serve where its catalog is not installed.
+// The library's own messages in English, compiled in. They are used
+// where the library's catalog is not installed.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +8,7 @@ namespace vel::messages {
 
 inline constexpr std::uint32_t kBuiltInMessageCount = 221;
 
-/// By id; a literal each.
+/// The table: kBuiltInMessageCount string literals, indexed by message id.
 const char* const* builtInMessages() noexcept;
 
 }  // namespace vel::messages

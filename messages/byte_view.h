@@ -1,5 +1,5 @@
-// A read-only view of foreign bytes: little-endian numbers, read only where all
-// their bytes exist. What the numbers mean is the business of the file parsers.
+// A read-only view of bytes that may be anything: reads little-endian numbers and checks that all of their
+// bytes exist. The meaning of the numbers is left to the parsers of the files.
 #pragma once
 
 #include <cstddef>
@@ -7,6 +7,7 @@
 
 namespace vel::messages {
 
+/// Does not own the bytes.
 class ByteView {
  public:
   ByteView() noexcept = default;
@@ -15,15 +16,15 @@ class ByteView {
 
   std::size_t size() const noexcept { return size_; }
 
-  /// Whether `length` bytes from `offset` on lie within the view.
+  /// Whether the `length` bytes from `offset` on are within the view. Cannot overflow.
   bool holds(std::uint64_t offset, std::uint64_t length) const noexcept {
     return offset <= size_ && length <= size_ - offset;
   }
 
-  /// The bytes from `offset` on; the caller has asked holds() before.
+  /// The bytes from `offset` on. Not checked: the caller has called holds() before.
   const std::uint8_t* at(std::uint64_t offset) const noexcept { return data_ + offset; }
 
-  /// Both leave `value` alone and return false when a byte is missing.
+  /// Read a number. Return false and leave `value` as it is when one of its bytes is missing.
   bool read16(std::uint64_t offset, std::uint16_t& value) const noexcept {
     if (!holds(offset, 2)) return false;
     const std::uint8_t* bytes = at(offset);

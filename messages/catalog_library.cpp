@@ -1,5 +1,7 @@
-// A loaded catalog library. The system finds the file; it is read and its texts are formatted here, by the
-// same code on every system.
+// Loads a catalog library and formats its messages. The system only finds the file; its bytes are parsed by
+// the same code on every system, with portable_executable.cpp and message_resource.cpp.
+//
+// The library is never loaded as code, so nothing of a file that is not trusted can run.
 #include "messages/catalog_library.h"
 
 #include <utility>
@@ -12,7 +14,7 @@
 namespace vel::messages {
 namespace {
 
-/// Reads a whole file. The result is empty if it is too large, or changes while it is read.
+/// Reads a whole file. Returns no bytes if it is too large, cannot be read, or becomes shorter meanwhile.
 CatalogLibrary::FileBytes readAll(int descriptor) {
   const std::uint64_t size = platform::bytesLeft(descriptor);
   if (size == 0 || size > CatalogLibrary::kMostBytes) return {};
@@ -30,6 +32,7 @@ CatalogLibrary::FileBytes readAll(int descriptor) {
 
 }  // namespace
 
+// Refuses what the system's loader would refuse, so that a catalog loads on all systems or on none.
 CatalogLibrary::Owner CatalogLibrary::open(const char* fileName, platform::CatalogOwner owner) {
   int descriptor = -1;
   if (platform::openCatalog(fileName, owner, descriptor) != 0) return nullptr;
@@ -48,6 +51,7 @@ void CatalogLibrary::useLanguage(std::uint32_t language) noexcept {
                                                       : MessageResource(nullptr, 0);
 }
 
+// Intentional: a message that expands to nothing counts as missing; callers then get the text that says so.
 bool CatalogLibrary::expand(std::uint32_t id, const char* const* inserts, char* out, std::size_t capacity,
                             std::size_t& length) const {
   MessageResource::Entry entry{};

@@ -1,4 +1,4 @@
-// A loaded catalog library: its file's bytes, and the messages in them.
+// A loaded catalog library: owns the bytes of its file and looks up messages in them.
 #pragma once
 
 #include <cstddef>
@@ -16,13 +16,14 @@ class CatalogLibrary {
  public:
   using Owner = OwnedObject<CatalogLibrary>;
 
-  /// The largest file that is read.
+  /// The size in bytes of the largest file that is read.
   static constexpr std::size_t kMostBytes = std::size_t{64} << 20;
 
-  /// Null when the file is not found, is larger than that, or is none that the system's loader would take.
+  /// Returns null when the file is not found, is larger than kMostBytes, or would be refused by the system's
+  /// loader. Throws when the memory manager fails.
   static Owner open(const char* fileName, platform::CatalogOwner owner);
 
-  /// The bytes of a file, in managed memory.
+  /// The bytes of a file, in memory of the memory manager.
   struct FileBytes {
     std::unique_ptr<std::uint8_t[], FreeBlock> data;
     std::size_t size = 0;
@@ -32,18 +33,19 @@ class CatalogLibrary {
   CatalogLibrary(const CatalogLibrary&) = delete;
   CatalogLibrary& operator=(const CatalogLibrary&) = delete;
 
-  /// From now on messages come from the table that serves the language; none do where none serves it.
+  /// Selects the message table that serves the language (see
+  /// languageCandidates). Without one, expand() finds no message.
   void useLanguage(std::uint32_t language) noexcept;
 
-  /// Writes the message with its ten inserts into `out`; false when it does not exist in the language in use,
-  /// is empty, or does not fit.
+  /// Writes the message with its ten inserts to `out`, NUL-terminated, and sets `length`. Returns false when
+  /// it does not exist in the selected language, is empty, malformed, or does not fit into `capacity` bytes.
   bool expand(std::uint32_t id, const char* const* inserts, char* out, std::size_t capacity,
               std::size_t& length) const;
 
   const PortableExecutable& file() const noexcept { return file_; }
 
  private:
-  /// A copy, so that it does not matter what becomes of the file.
+  /// A copy: the file may change or disappear while the catalog is in use.
   FileBytes bytes_;
   PortableExecutable file_;
   MessageResource messages_{nullptr, 0};

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Makes the C++ rows of the language and territory tables from languages.tsv and territories.tsv.
+"""Generates the C++ tables of languages and territories from languages.tsv and territories.tsv.
 
 generate_languages.py --languages languages.tsv --territories territories.tsv --out FILE
 
-A row's place in its file is its number. Stops when the rows are not sorted by their two-letter code, which the
-search relies on, or when their number, which is part of the interface, has changed.
+A language's number is the index of its row. The script stops if the rows are not sorted by their two-letter code,
+which the binary search relies on, or if the number of rows, which is part of the interface, has changed.
 """
 import argparse
 import csv
@@ -30,7 +30,7 @@ def rows_of(path, name, count):
     if any(a >= b for a, b in zip(codes, codes[1:])) or any(len(code) != 2 for code in codes):
         sys.exit(f"{path}: the two-letter codes are not in ascending order")
     if any('"' in value or "\\" in value for row in rows for value in row.values()):
-        sys.exit(f"{path}: quotes and back-slashes are not expected")
+        sys.exit(f"{path}: quotes and backslashes are not expected")
     return rows
 
 

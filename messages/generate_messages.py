@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Makes the built-in message table and the message source of its catalog library.
+"""Generates the built-in message table and the message source of the catalog library.
 
 Both come from one file, messages.tsv (id, English, German; UTF-8, with the escapes
-\\n, \\t and \\\\), so that a message reads the same from either source. Data that
-break an assumption of the library stop the build with a message that names the row.
+\\n, \\t and \\\\), so that a message reads alike from either. Data that breaks an
+assumption of the library stops the build with an error that names the row.
 
     generate_messages.py --table messages.tsv --inc built_in_messages.inc --mc qammsg50.mc
 """
@@ -15,15 +15,15 @@ import sys
 ROW_COUNT = 221
 SIGNATURE = f"[VEL_MSGTAB_SIGNATURE] {ROW_COUNT}"
 HEADER = ["id", "english", "german"]
-# Names that the message compiler does not define itself; it keeps all in one list.
+# The message compiler keeps these names and those it predefines in one list, so these must be different ones.
 LANGUAGES = [("TableEnglish", 0x409), ("TableGerman", 0x407)]
 ESCAPES = {"n": "\n", "t": "\t", "\\": "\\"}
-# German reaches single-byte callers through this code page at the least.
+# Texts must be representable in the code page of single-byte programs on German systems.
 GERMAN_CODE_PAGE = "cp1252"
 
 
 class TableError(Exception):
-    """A row that the library cannot work with."""
+    """A row that breaks an assumption of the library."""
 
 
 def require(condition, row_id, problem):
@@ -49,13 +49,13 @@ def read_table(path):
     for expected_id, line in enumerate(lines[1:]):
         columns = line.split("\t")
         require(len(columns) == len(HEADER), expected_id, f"{len(columns)} columns")
-        require(columns[0] == str(expected_id), expected_id, f"id {columns[0]!r} stands in its place")
+        require(columns[0] == str(expected_id), expected_id, f"id {columns[0]!r} is in its place")
         rows.append(tuple(unescape(text, expected_id) for text in columns[1:]))
     return rows
 
 
 def check_inserts(text, row_id):
-    """Leaves only what the built-in substitution and the platform formatter read alike."""
+    """Allows only inserts that string tables and catalog libraries expand alike."""
     for match in re.finditer(r"%(%|[0-9]*)(?=(.?))", text, re.DOTALL):
         kind, following = match.groups()
         known = kind == "%" or (kind and kind[0] != "0" and int(kind) <= 10)

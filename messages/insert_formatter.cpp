@@ -1,5 +1,9 @@
-// The two substitutions. Each is a small class that reads a text from left to right
-// and writes into a fixed buffer.
+// Substitutes variables into message texts, in the two notations that insert_formatter.h documents. There is
+// a class for each: it consumes the text from left to right with a TextReader and writes with a TextWriter,
+// which never leaves the caller's buffer. Runs of characters without an escape are copied eight at a time.
+//
+// Texts are untrusted: catalogs come from files. An insert is copied but never expanded itself, so the output
+// cannot grow out of hand, and the text is consumed once, so the time is linear.
 
 #include "messages/insert_formatter.h"
 
@@ -15,7 +19,7 @@ constexpr const char* kMissing = "???";
 constexpr std::uint32_t kInsertCount = 10;
 constexpr std::size_t kUnlimited = std::numeric_limits<std::size_t>::max();
 
-/// What stands between the "!" behind an insert.
+/// The print style of an insert: "%1!-8.3s!" is left-aligned, with width 8 and precision 3.
 struct InsertStyle {
   bool leftAligned = false;
   bool zeroFilled = false;
@@ -23,22 +27,26 @@ struct InsertStyle {
   std::size_t precision = kUnlimited;
 };
 
-bool takeFlag(TextReader& text, InsertStyle& style) noexcept {
-  if (text.takeIf('-')) return style.leftAligned = true;
-  if (text.takeIf('0')) return style.zeroFilled = true;
-  return text.takeIf('+') || text.takeIf(' ') || text.takeIf('#');
+/// Consumes one flag of printf's. Returns false if there is none. Flags for
+/// numbers are accepted, but have no effect.
+bool parseFlag(TextReader& text, InsertStyle& style) noexcept {
+  if (text.consumeIf('-')) return style.leftAligned = true;
+  if (text.consumeIf('0')) return style.zeroFilled = true;
+  return text.consumeIf('+') || text.consumeIf(' ') || text.consumeIf('#');
 }
 
-/// False for everything but a text conversion.
+/// Parses the text between the "!" of a print style. Returns false for everything but a string conversion:
+/// any other one would make printf read a number, or an address from which to read.
 bool parseStyle(TextReader text, InsertStyle& style) noexcept {
-  while (takeFlag(text, style)) {
+  while (parseFlag(text, style)) {
   }
-  style.width = text.takeNumber();
-  if (text.takeIf('.')) style.precision = text.takeNumber();
-  text.takeIf('h');
-  return text.takeIf('s') && text.atEnd();
+  style.width = text.parseNumber();
+  if (text.consumeIf('.')) style.precision = text.parseNumber();
+  text.consumeIf('h');
+  return text.consumeIf('s') && text.atEnd();
 }
 
+/// Expands texts of catalog libraries. A malformed text, or a result that does not fit, yields nothing.
 class ResourceTextExpander {
  public:
   ResourceTextExpander(TextReader text, const char* const* inserts, TextWriter out) noexcept
@@ -46,9 +54,9 @@ class ResourceTextExpander {
 
   FormatResult expand() noexcept {
     while (!finished_ && !malformed_ && !out_.overflowed()) {
-      out_.takeUntilAny(text_, Stops<'%', '\r', '\n'>{});
+      out_.copyUntilAny(text_, Stops<'%', '\r', '\n'>{});
       if (text_.atEnd() || out_.overflowed()) break;
-      step(text_.take());
+      step(text_.read());
     }
     const bool complete = !malformed_ && !out_.overflowed();
     return {complete, complete ? out_.length() : 0};
@@ -57,14 +65,15 @@ class ResourceTextExpander {
  private:
   void step(char c) noexcept {
     if (c == '%') return escape();
-    if (c == '\r') text_.takeIf('\n');
+    // CR LF is one line break, and so are CR and LF alone.
+    if (c == '\r') text_.consumeIf('\n');
     out_.lineBreak();
   }
 
   void escape() noexcept {
     malformed_ = text_.atEnd();
     if (malformed_) return;
-    const char c = text_.take();
+    const char c = text_.read();
     switch (c) {
       case '0':
         finished_ = true;
@@ -87,29 +96,32 @@ class ResourceTextExpander {
     }
   }
 
+  /// Expands an insert after its first digit, which is not 0: "%0" ends the text, also in "%01".
   void insert(char firstDigit) noexcept {
     auto number = appendDigit(std::uint32_t{0}, firstDigit);
-    if (text_.atDigit()) number = appendDigit(number, text_.take());
+    if (text_.atDigit()) number = appendDigit(number, text_.read());
     const bool known = number <= kInsertCount && inserts_[number - 1] != nullptr;
     const char* value = known ? inserts_[number - 1] : kMissing;
 
-    if (!text_.takeIf('!')) return putAll(value);
+    if (!text_.consumeIf('!')) return putAll(value);
     InsertStyle style;
-    if (!takeStyle(style)) value = kMissing;
+    if (!readStyle(style)) value = kMissing;
     if (!malformed_) putFormatted(value, style);
   }
 
-  /// False when the insert cannot be shown as the text asks.
-  bool takeStyle(InsertStyle& style) noexcept {
+  /// Consumes a print style and its second "!". Returns false when the insert cannot be shown in this style;
+  /// sets malformed_ when the second "!" is missing.
+  bool readStyle(InsertStyle& style) noexcept {
     TextReader part = text_;
-    malformed_ = !text_.takeUntil('!', part);
+    malformed_ = !text_.readUntil('!', part);
     if (!malformed_ && parseStyle(part, style)) return true;
     style = {};
     return false;
   }
 
   void putAll(const char* value) noexcept {
-    // One more than the room is enough to see that it does not fit.
+    // Inserts may be very long. One character more than there is room
+    // for is enough to see that it does not fit.
     out_.appendText(value, out_.room() + 1);
   }
 
@@ -128,6 +140,7 @@ class ResourceTextExpander {
   bool malformed_ = false;
 };
 
+/// Expands texts of string tables. Nothing is malformed here; a result that does not fit is cut.
 class TableTextExpander {
  public:
   TableTextExpander(TextReader text, const char* const* variables, std::uint32_t variableCount,
@@ -136,9 +149,9 @@ class TableTextExpander {
 
   std::size_t expand() noexcept {
     while (out_.room() > 0) {
-      out_.takeUntilAny(text_, Stops<'%'>{});
+      out_.copyUntilAny(text_, Stops<'%'>{});
       if (text_.atEnd()) break;
-      text_.take();
+      text_.read();
       escape();
     }
     return out_.length();
@@ -146,11 +159,12 @@ class TableTextExpander {
 
  private:
   void escape() noexcept {
-    // No number is as good as 0. Blanks and signs do not belong to one.
-    if (text_.takeIf('%'))
+    // Intentional: a missing number counts as 0, which is not a variable; blanks and signs are not part of
+    // one.
+    if (text_.consumeIf('%'))
       out_.put('%');
     else
-      putVariable(text_.takeNumber());
+      putVariable(text_.parseNumber());
   }
 
   void putVariable(std::size_t number) noexcept {

@@ -1,4 +1,6 @@
-// Languages with territories: tags and the two tables, which are made from languages.tsv and territories.tsv.
+// Languages with territories: parses tags such as "en-US" and looks codes up in two tables, which
+// generate_languages.py makes from languages.tsv and territories.tsv. The numbers of rows are part of the
+// interface; the system's own language numbers are unrelated to them.
 #include <algorithm>
 #include <cstring>
 #include <iterator>
@@ -33,7 +35,8 @@ constexpr const char* kUnknown = "??";
 constexpr std::size_t kCodeLength = 2;
 constexpr char kOtherCombiningChar = '_';
 
-/// The number of the row with this code, in any letter case; the number of rows when there is none.
+/// Returns the index of the row with this code, in either case, or the number of rows if there is none; the
+/// latter is the value of LANGUAGE_UNKNOWN or TERRITORY_UNKNOWN. The tables are sorted by code.
 template <typename Row, std::size_t count>
 std::uint32_t find(const Row (&table)[count], std::string_view code) {
   if (code.size() != kCodeLength) return count;
@@ -44,12 +47,13 @@ std::uint32_t find(const Row (&table)[count], std::string_view code) {
   return static_cast<std::uint32_t>(row - table);
 }
 
-/// The row with this number, or null.
+/// Returns a row, or null if there is none with this index.
 template <typename Row, std::size_t count>
 const Row* rowAt(const Row (&table)[count], std::uint32_t index) {
   return index < count ? &table[index] : nullptr;
 }
 
+/// Copies a string with its terminator and returns the address of the terminator, where the next one goes.
 char* append(char* out, const char* text) {
   const std::size_t length = std::strlen(text);
   std::memcpy(out, text, length + 1);
@@ -79,11 +83,12 @@ void VelClLanguage::parse(const char* tag) {
     return;
   }
   const char* separator = std::strchr(tag, getCombiningChar());
+  // Intentional: "_" separates only in tags without "-", so both codes of "en_US-x" are unknown.
   if (separator == nullptr) separator = std::strchr(tag, kOtherCombiningChar);
   territory_ = separator == nullptr ? TERRITORY_UNSPECIFIED
                                     : static_cast<VelEnTerritory>(find(kTerritories, separator + 1));
   const std::string_view text(tag);
-  // Three-letter codes are never searched. Keep.
+  // Intentional: three-letter language codes are not looked up; callers get LANGUAGE_UNKNOWN for them.
   if (text.size() > kCodeLength && tag + kCodeLength != separator) return;
   language_ = static_cast<VelEnLanguage>(find(kLanguages, text.substr(0, kCodeLength)));
 }
@@ -151,6 +156,7 @@ void VelClLanguage::extractISOLongCode(char* out) const {
   namesTerritory() ? extractLongCode(out) : static_cast<void>(append(out, getLanguageCode()));
 }
 
+// ISO tags leave out the territory if it is row 0, which names no territory, or has no row.
 bool VelClLanguage::namesTerritory() const {
   return territory_ != TERRITORY_UNSPECIFIED && territory_ < TERRITORY_UNKNOWN;
 }
@@ -159,6 +165,7 @@ std::ostream& operator<<(std::ostream& stream, const VelClLanguage& language) {
   if (language.getLanguage() >= VelClLanguage::LANGUAGE_UNKNOWN ||
       language.getTerritory() >= VelClLanguage::TERRITORY_UNKNOWN)
     return stream << kUnknown;
+  // Two codes of two letters each and the separator fit.
   char text[7];
   language.extractISOShortCode(text);
   return stream << text;

@@ -1,4 +1,8 @@
-// One message: where its text comes from, and where the text is kept.
+// Loads a message: decides which source supplies its text, has the variables substituted, and stores the
+// result. Substituting is insert_formatter.cpp's work; opening catalogs is message_catalog.cpp's.
+//
+// A loaded library is the only source, even for ids that it lacks; without one it is the string table. If
+// neither has the message, the text says so and names the catalog.
 #include <algorithm>
 #include <cstring>
 #include <ostream>
@@ -45,6 +49,7 @@ VelClMessage::~VelClMessage() {
   if (hasAllocatedMemory()) VelClMemoryManager::free(text_);
 }
 
+// Intentional: copies the text, but not the catalog; setNewMessageId() still loads from this message's own.
 VelClMessage& VelClMessage::operator=(const VelClMessage& other) {
   if (this == &other) return *this;
   store(other.text_, std::strlen(other.text_));
@@ -66,7 +71,8 @@ const char* VelClMessage::setNewMessageId(unsigned long id, const char* var1, co
   return loadMessage(static_cast<uint32_t>(id), variables);
 }
 
-/// A variable that is null is one that was not given; an array that is null gives none.
+/// Loads the message and returns its text. Variables that are null count as not given and are shown as "???";
+/// if the array is null, so are all.
 const char* VelClMessage::loadMessage(uint32_t id, const char* const* variables) {
   if (variables == nullptr) variables = kNoVariables;
   const char* inserts[VEL_MAX_MESSAGE_VARIABLES];
@@ -83,19 +89,21 @@ const char* VelClMessage::loadMessage(uint32_t id, const char* const* variables)
     loaded = true;
   }
   if (!loaded) length = buildFailureText(id, text);
-  // The old text goes last: the variables may point into it.
+  // The old text is replaced last, because variables may point into it.
   store(text, length);
   id_ = id;
   loaded_ = loaded;
   return text_;
 }
 
+// A table may have null entries, which count as "".
 unsigned long VelClMessage::replaceVars(char* out, unsigned long maxLength, const char* source,
                                         const char* const* variables, unsigned long variableCount) const {
   return static_cast<unsigned long>(vel::messages::expandTableText(
       vel::textOrEmpty(source), variables, static_cast<uint32_t>(variableCount), out, maxLength));
 }
 
+// The name is cut rather than the text before it, which says what went wrong.
 size_t VelClMessage::buildFailureText(uint32_t id, char* out) const {
   char number[16];
   velULtoa(id, number);
@@ -109,7 +117,8 @@ size_t VelClMessage::buildFailureText(uint32_t id, char* out) const {
   return length + nameLength;
 }
 
-/// When memory runs out the message keeps what it had.
+/// Stores a copy of the text, in the object if it is short. Allocates before it frees: if the memory manager
+/// throws, the message is as before.
 void VelClMessage::store(const char* text, size_t length) {
   vel::OwnedText block;
   if (length > kInlineLength) block = vel::copyText(text, length);

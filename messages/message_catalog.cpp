@@ -1,5 +1,5 @@
-// Opens a message catalog and chooses its language. Which source serves a message is message.cpp's
-// decision.
+// Opens a message catalog and chooses its language. Which source
+// supplies a message is decided in message.cpp.
 #include <clocale>
 
 #include "messages/catalog_library.h"
@@ -11,6 +11,7 @@ namespace {
 
 constexpr const char* kDefaultCatalog = "qammsg50";
 constexpr const char* kLibraryType = "DLL";
+// A library supports a language if it has this message in it.
 constexpr std::uint32_t kProbeMessage = 1;
 constexpr std::uint32_t kEnglishUnitedStates = 1033;
 
@@ -41,6 +42,8 @@ VelClMessageCatalog::~VelClMessageCatalog() {
   vel::destroy(library_);
 }
 
+// Intentional: callers find the process's locale set to the user's after every opening, even if no library is
+// found. Texts of Unicode libraries are converted to that locale's code page.
 void VelClMessageCatalog::open() {
   std::setlocale(LC_ALL, "");
   using vel::platform::CatalogOwner;
@@ -53,7 +56,8 @@ void VelClMessageCatalog::open() {
   static_cast<void>(library.release());
 }
 
-/// The user's language, the system's, or US English without a further question.
+/// Chooses the user's language, or else the system's, if the library has the probe message in it; otherwise
+/// US English, without a test: messages that are missing then say so themselves.
 void VelClMessageCatalog::chooseLanguage() {
   const char* const noVariables[VEL_MAX_MESSAGE_VARIABLES] = {};
   char text[VEL_MAX_MESSAGE_LENGTH + 1];
@@ -71,6 +75,7 @@ void VelClMessageCatalog::chooseLanguage() {
 
 void VelClMessageCatalog::useStringTable(const char* const* table, unsigned long size) {
   stringTable_ = table;
-  // The size argument alone bounds the table: the number behind the signature does not count. Keep.
+  // Intentional: only the argument bounds the table. Callers may attach a part of a table, so the number in
+  // its signature line is not read.
   stringTableSize_ = table != nullptr ? static_cast<uint32_t>(size) : 0;
 }

@@ -1,4 +1,9 @@
-// Lists every message of a catalog, as it is stored.
+// Lists every message of a catalog as it is stored, without substituting variables.
+//
+// A library keeps its messages by language and then by id, and a file may list them in any order; callers get
+// them by id and then by language. So the cursor collects the positions of all entries once, counting first
+// and then filling an array of that size, and sorts them. Texts are converted one at a time, when the cursor
+// reaches them. A string table is in order already and needs no positions.
 #include <algorithm>
 #include <tuple>
 
@@ -12,7 +17,8 @@ using vel::messages::MessageResource;
 using vel::messages::MessageTable;
 using vel::messages::PortableExecutable;
 
-/// Small, since a file may hold an entry in every few bytes.
+/// The position of an entry in the library's bytes. Kept small,
+/// because a file may have an entry every 4 bytes.
 struct VelClMessageCatalogCursor::Position {
   const uint8_t* text;
   uint32_t id;
@@ -25,30 +31,32 @@ struct VelClMessageCatalogCursor::Position {
 
 namespace {
 
-/// What listing one file may cost, in bytes of its entries and of their places in the list. The entries of a
-/// sound file fit several times, so that languages may share them; those of a made-up one, which all share a
-/// few bytes, end here.
+/// Bounds the cost of listing one file, in bytes of its entries and of their positions. A valid file may list
+/// its entries several times, since languages may share a table. A crafted file can have thousands of
+/// languages share the same bytes, which would fill the memory; its list ends when the budget is spent.
 class Budget {
  public:
-  explicit Budget(std::uint64_t sizeOfFile) : left_(4 * sizeOfFile + kSmallFile) {}
+  explicit Budget(std::uint64_t sizeOfFile) : left_(4 * sizeOfFile + kBaseAllowance) {}
 
-  bool covers(const MessageResource::Entry& entry) {
-    const std::uint64_t cost = kPlace + entry.sizeInBytes;
+  /// Deducts the cost of an entry; returns false if the budget does not cover it.
+  bool spend(const MessageResource::Entry& entry) {
+    const std::uint64_t cost = kCostOfPosition + entry.sizeInBytes;
     if (cost > left_) return false;
     left_ -= cost;
     return true;
   }
 
  private:
-  static constexpr std::uint64_t kPlace = 16;
-  static constexpr std::uint64_t kSmallFile = std::uint64_t{1} << 20;
+  static constexpr std::uint64_t kCostOfPosition = 16;
+  static constexpr std::uint64_t kBaseAllowance = std::uint64_t{1} << 20;
 
   std::uint64_t left_;
 };
 
-/// Hands every entry of the file to `take`, with its language, as far as the budget goes.
-template <typename Take>
-void forEachEntry(const PortableExecutable& file, Take take) {
+/// Calls `visit` with each entry of the file and its language, until the budget is
+/// spent. Visits the same entries each time.
+template <typename Visitor>
+void forEachEntry(const PortableExecutable& file, Visitor visit) {
   Budget budget(file.size());
   PortableExecutable::Cursor tables;
   MessageTable table{};
@@ -58,8 +66,8 @@ void forEachEntry(const PortableExecutable& file, Take take) {
     MessageResource::Cursor entries;
     MessageResource::Entry entry{};
     while (resource.next(entries, entry)) {
-      if (!budget.covers(entry)) return;
-      take(entry, table.language);
+      if (!budget.spend(entry)) return;
+      visit(entry, table.language);
     }
   }
 }
@@ -79,7 +87,7 @@ VelClMessageCatalogCursor::~VelClMessageCatalogCursor() {
   VelClMemoryManager::free(text_);
 }
 
-/// Entry 0 is a table's signature line, not a message: the first position is that of entry 1.
+/// Entry 0 of a table is its signature line, not a message, so the first position is entry 1.
 void VelClMessageCatalogCursor::listTable() {
   if (catalog_.stringTableSize_ < 2) return;
   count_ = catalog_.stringTableSize_ - 1;
@@ -94,7 +102,7 @@ void VelClMessageCatalogCursor::listLibrary() {
   positions_ = static_cast<Position*>(VelClMemoryManager::calloc(count_, sizeof(Position)));
   Position* next = positions_;
   forEachEntry(file, [&next](const MessageResource::Entry& entry, uint32_t language) {
-    // No entry is longer than its length of 16 bits tells.
+    // The file has 16 bits for an entry's size, so it fits.
     *next++ = {entry.text, entry.id, language, static_cast<uint16_t>(entry.sizeInBytes), entry.unicode};
   });
   std::sort(positions_, positions_ + count_, [](const Position& a, const Position& b) {
@@ -112,8 +120,8 @@ bool VelClMessageCatalogCursor::setToNext() {
   return settleAt(isValid() ? index_ + 1 : count_);
 }
 
-/// Moves, and keeps a terminated copy of a library's text. When memory runs out the cursor stays where it
-/// was.
+/// Moves to a position and makes a NUL-terminated copy of a library's text. If the memory manager throws, the
+/// cursor stays where it was.
 bool VelClMessageCatalogCursor::settleAt(size_t index) {
   vel::OwnedText copy;
   if (index < count_ && positions_ != nullptr) {
@@ -138,7 +146,7 @@ unsigned int VelClMessageCatalogCursor::getLanguage() const {
 const char* VelClMessageCatalogCursor::getAsCString() const {
   if (!isValid()) return "";
   if (positions_ != nullptr) return text_;
-  // A table that was replaced by a shorter one lacks the last entries.
+  // The catalog may have been given a shorter table since the cursor was made.
   const size_t id = index_ + 1;
   return vel::textOrEmpty(id < catalog_.stringTableSize_ ? catalog_.stringTable_[id] : nullptr);
 }

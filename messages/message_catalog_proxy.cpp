@@ -1,4 +1,5 @@
-// A handle on a catalog with a buffer for one text; the plain catalog functions work on it.
+// The handle of the plain C catalog functions: a catalog, owned or not, and a buffer for the last text. C
+// programs cannot destroy a message, so its text is copied to the buffer and lives until the next call.
 #include <cstdarg>
 #include <cstring>
 
@@ -18,7 +19,7 @@ VelMsgCatHandle handleOf(CatalogProxy* proxy) {
   return reinterpret_cast<VelMsgCatHandle>(proxy);
 }
 
-/// Gives the proxy back as a handle, or takes it back when its catalog has no library.
+/// Returns the proxy as a handle. If its catalog has no library, destroys it and returns null.
 VelMsgCatHandle handleIfValid(CatalogProxy* proxy) {
   if (proxy->isValid()) return handleOf(proxy);
   vel::destroy(proxy);
@@ -34,6 +35,7 @@ VelClMessageCatalogProxy::VelClMessageCatalogProxy(const VelClFilename& name, co
                                                    unsigned long size)
     : owned_(true), catalog_(nullptr), text_("") {
   auto* catalog = vel::create<VelClMessageCatalog>(name);
+  // The table is only a fallback: a loaded library wins.
   if (!catalog->isValid()) catalog->useStringTable(table, size);
   catalog_ = catalog;
 }
@@ -42,6 +44,7 @@ VelClMessageCatalogProxy::VelClMessageCatalogProxy(const VelClMessageCatalog* ca
     : owned_(false), catalog_(catalog), text_("") {}
 
 VelClMessageCatalogProxy::~VelClMessageCatalogProxy() {
+  // Owned catalogs were created by this class, as objects that are not const.
   if (owned_) vel::destroy(const_cast<VelClMessageCatalog*>(catalog_));
   catalog_ = nullptr;
 }
@@ -66,7 +69,7 @@ const char* VelClMessageCatalogProxy::getMessage(unsigned long id, const char* c
   if (catalog_ == nullptr) return "";
   const VelClMessage message(*catalog_, id, variables);
   const char* text = message.getAsCString();
-  // A message is never longer than the buffer.
+  // VEL_MAX_MESSAGE_LENGTH bounds every message, and the buffer has one byte more.
   std::memcpy(text_, text, std::strlen(text) + 1);
   return text_;
 }
@@ -96,7 +99,8 @@ const char* velMsgCatGetVar(VelMsgCatHandle handle, unsigned long id, ...) {
   const char* variables[VEL_MAX_MESSAGE_VARIABLES] = {};
   std::va_list arguments;
   va_start(arguments, id);
-  // The first variable is not tested for null: the next one is read all the same. Keep.
+  // Intentional: a first variable that is null does not end the list, so
+  // callers without variables pass two nulls.
   variables[0] = va_arg(arguments, const char*);
   for (int i = 1; i < VEL_MAX_MESSAGE_VARIABLES; ++i) {
     variables[i] = va_arg(arguments, const char*);

@@ -1,6 +1,6 @@
-// One message table of a catalog library: the texts of one language, keyed by message id,
-// as the message compiler lays them out. Finding the table in a library is the work of
-// portable_executable.h (or of the system), expanding its texts that of insert_formatter.h.
+// Parses one message table of a catalog library: the texts of one language by message id, in the layout of
+// the message compiler. Finding the table in the library is the work of portable_executable.h, expanding its
+// texts that of insert_formatter.h.
 #pragma once
 
 #include <array>
@@ -11,41 +11,42 @@
 
 namespace vel::messages {
 
-/// The languages of the tables that may serve a request in `language`, best first: that very
-/// language, its primary language without a territory, no language at all. The first table that
-/// exists is taken; when that one lacks a message, the others are not asked.
+/// Returns the languages whose tables serve a request in `language`, best first: the language itself, its
+/// primary language without a territory, and neutral (0). Use the first table that exists; if it lacks a
+/// message, the others are not searched.
 std::array<std::uint32_t, 3> languageCandidates(std::uint32_t language) noexcept;
 
-/// Layout: a count of blocks, then per block {lowest id, highest id, offset of the lowest id's
-/// entry}, all 32-bit; the entries of a block follow each other, each {16-bit length with this
-/// header, 16-bit flags, text}. Ids ascend.
+/// A message table. Layout: the number of blocks; then for each block {lowest id, highest id, offset of the
+/// lowest id's entry}, all numbers of 32 bits. The entries of a block follow one another, each {16-bit length
+/// including this header, 16-bit flags, text}. Ids ascend.
 ///
-/// The view does not own the bytes. They may be anything: nothing outside of them is read, and a
-/// search or a whole walk takes time linear in their number.
+/// Does not own the bytes, which may be anything: nothing outside of them is read, and find() and a whole
+/// walk take time linear in their number.
 class MessageResource {
  public:
   struct Entry {
     std::uint32_t id;
     bool unicode;              ///< UTF-16, little-endian; otherwise single bytes
-    const std::uint8_t* text;  ///< points into the resource, not terminated, not aligned
-    std::size_t sizeInBytes;   ///< up to the first zero character; even when unicode
+    const std::uint8_t* text;  ///< points into the table; neither NUL-terminated nor aligned
+    std::size_t sizeInBytes;   ///< of the text before its first NUL; even if unicode
   };
 
-  /// A place in the walk; default-constructed it stands before the first entry.
+  /// A position in the walk, initially before the first entry.
   struct Cursor {
     std::uint32_t block = 0;     ///< index of the block being walked
-    std::uint64_t nextId = 0;    ///< every smaller id has been passed
-    std::uint64_t offset = 0;    ///< of the entry of nextId, 0 outside of a block
-    std::uint64_t consumed = 0;  ///< bytes of all entries so far
+    std::uint64_t nextId = 0;    ///< all smaller ids have been passed
+    std::uint64_t offset = 0;    ///< of the entry of nextId; 0 between blocks
+    std::uint64_t consumed = 0;  ///< total size in bytes of the entries so far
   };
 
   MessageResource(const std::uint8_t* data, std::size_t sizeInBytes) noexcept;
 
-  /// Looks a message up; false when there is none (`entry` is left alone then).
+  /// Looks a message up. Returns false, and leaves `entry` as it is,
+  /// if there is none or its entry is damaged.
   bool find(std::uint32_t id, Entry& entry) const noexcept;
 
-  /// Moves to the next entry in id order; false at the end. Blocks out of order are left out, and
-  /// so is the rest of a block behind a damaged entry.
+  /// Moves to the next entry by id; returns false at the end. Skips blocks that are out of order, and the
+  /// rest of a block from a damaged entry on.
   bool next(Cursor& cursor, Entry& entry) const noexcept;
 
  private:

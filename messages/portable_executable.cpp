@@ -1,5 +1,19 @@
-// Walks the headers and the resource tree of a library file. The depth of the tree is fixed
-// and no directory entry is followed twice over, so that crossed links cannot catch the walk.
+// Parses a library file in the PE format (published as "PE Format" in the Windows documentation) as far as
+// its message tables: headers, sections, resource tree.
+//
+//   file   0      DOS header         at 0x3C the offset of the next one
+//                 PE header          "PE", machine, number of sections, characteristics
+//                 optional header    sizes, and the RVA of the resource tree in data directory 2
+//                 section table      40 bytes for each section: where it is in the file and in memory
+//                 sections           .rsrc among them, with the resource tree and the message tables
+//
+// The file addresses its contents in two ways. The resource tree has offsets from its own start; the tree
+// itself and the tables have RVAs, addresses relative to where the loader maps the file, which
+// rvaToFileOffset() translates with the section table, because the file is read here without being mapped.
+//
+// The file may be crafted. Reads go through ByteView, which checks bounds. The tree has three levels by
+// definition, so no link can make the walk recurse. Directories may share entries and tables may share bytes,
+// so the walk counts both and ends when there are more than a valid file can have.
 
 #include "messages/portable_executable.h"
 
@@ -10,15 +24,16 @@
 namespace vel::messages {
 namespace {
 
-constexpr std::uint16_t kDosSignature = 0x5A4D;     // "MZ"
-constexpr std::uint32_t kHeaderSignature = 0x4550;  // "PE", two zero bytes
-constexpr std::uint64_t kHeaderOffsetField = 0x3C;  // in the DOS header
-constexpr std::uint64_t kMachineField = 4;          // in the header, with its signature
-constexpr std::uint64_t kSectionCountField = 6;     // likewise
-constexpr std::uint64_t kOptionalSizeField = 20;    // likewise
-constexpr std::uint64_t kFlagsField = 22;           // likewise
-constexpr std::uint64_t kOptionalHeaderField = 24;  // likewise
-constexpr std::uint16_t kExecutableImage = 2;       // flag of a file that its linker finished
+// Offsets of fields, in bytes, and the values that matter here.
+constexpr std::uint16_t kDosSignature = 0x5A4D;         // "MZ"
+constexpr std::uint32_t kPeSignature = 0x4550;          // "PE", two zero bytes
+constexpr std::uint64_t kHeaderOffsetField = 0x3C;      // in the DOS header
+constexpr std::uint64_t kMachineField = 4;              // in the PE header, counted from its signature
+constexpr std::uint64_t kSectionCountField = 6;         // likewise
+constexpr std::uint64_t kOptionalHeaderSizeField = 20;  // likewise
+constexpr std::uint64_t kCharacteristicsField = 22;     // likewise
+constexpr std::uint64_t kOptionalHeaderField = 24;      // likewise
+constexpr std::uint16_t kExecutableImage = 2;           // characteristic of a file that linked without errors
 constexpr std::uint16_t kMagic32 = 0x10B;
 constexpr std::uint16_t kMagic64 = 0x20B;
 constexpr std::uint64_t kSizeOfImageField = 56;  // in the optional header
@@ -32,9 +47,10 @@ constexpr std::uint32_t kMostSections = 96;  // the Windows loader's own limit
 
 constexpr std::uint64_t kDirectoryHeaderSize = 16;
 constexpr std::uint64_t kDirectoryEntrySize = 8;
-constexpr std::uint32_t kHighBit = 0x80000000;  // of a name: text; of an offset: directory
+constexpr std::uint32_t kHighBit = 0x80000000;  // set in a name that is text, and in an offset of a directory
 constexpr std::uint32_t kMessageTableType = 11;
-// Languages may share a table's bytes; this often on average, and the walk ends.
+// Languages may share a table's bytes. The walk ends when all tables
+// together are this many times the file's size.
 constexpr std::uint64_t kMostSharing = 64;
 
 }  // namespace
@@ -42,7 +58,7 @@ constexpr std::uint64_t kMostSharing = 64;
 PortableExecutable::PortableExecutable(const std::uint8_t* image, std::size_t sizeInBytes) noexcept
     : file_(image, sizeInBytes) {
   valid_ = readHeaders();
-  if (resources_ != 0) findMessageTableType();
+  if (resources_ != 0) findMessageTables();
 }
 
 bool PortableExecutable::readHeaders() noexcept {
@@ -52,27 +68,28 @@ bool PortableExecutable::readHeaders() noexcept {
   std::uint16_t machine = 0;
   std::uint16_t sectionCount = 0;
   std::uint16_t optionalSize = 0;
-  std::uint16_t flags = 0;
+  std::uint16_t characteristics = 0;
   const bool complete = file_.read16(0, dosSignature) && file_.read32(kHeaderOffsetField, header) &&
                         file_.read32(header, signature) && file_.read16(header + kMachineField, machine) &&
                         file_.read16(header + kSectionCountField, sectionCount) &&
-                        file_.read16(header + kOptionalSizeField, optionalSize) &&
-                        file_.read16(header + kFlagsField, flags);
-  if (!complete || dosSignature != kDosSignature || signature != kHeaderSignature) return false;
-  if (machine == 0 || (flags & kExecutableImage) == 0 || sectionCount > kMostSections) return false;
+                        file_.read16(header + kOptionalHeaderSizeField, optionalSize) &&
+                        file_.read16(header + kCharacteristicsField, characteristics);
+  if (!complete || dosSignature != kDosSignature || signature != kPeSignature) return false;
+  if (machine == 0 || (characteristics & kExecutableImage) == 0 || sectionCount > kMostSections) return false;
 
   const std::uint64_t optionalHeader = header + kOptionalHeaderField;
   OptionalHeader optional{};
   if (!readOptionalHeader(optionalHeader, optionalSize, optional)) return false;
   sectionTable_ = optionalHeader + optionalSize;
   sectionCount_ = sectionCount;
-  if (!hasSoundSections(optional)) return false;
-  const std::uint32_t resources = optional.resourceAddress;
-  if (resources != 0 && !locate(resources, kDirectoryHeaderSize, resources_)) resources_ = 0;
+  if (!hasValidSections(optional)) return false;
+  const std::uint32_t rva = optional.resourceRva;
+  if (rva != 0 && !rvaToFileOffset(rva, kDirectoryHeaderSize, resources_)) resources_ = 0;
   return true;
 }
 
-/// The address stays 0 in a file without resources, which is no fault.
+/// Reads the fields of the optional header, whose 32-bit and 64-bit forms differ in size before the data
+/// directories. A file without resources is valid: resourceRva stays 0.
 bool PortableExecutable::readOptionalHeader(std::uint64_t offset, std::uint16_t size,
                                             OptionalHeader& header) const noexcept {
   std::uint16_t magic = 0;
@@ -87,46 +104,49 @@ bool PortableExecutable::readOptionalHeader(std::uint64_t offset, std::uint16_t 
   if (!complete) return false;
   if (count <= kResourceDirectory) return true;
   return resourceField + kDataDirectorySize <= size &&
-         file_.read32(offset + resourceField, header.resourceAddress);
+         file_.read32(offset + resourceField, header.resourceRva);
 }
 
 bool PortableExecutable::readSection(std::uint32_t index, Section& section) const noexcept {
   const std::uint64_t offset = sectionTable_ + index * kSectionSize;
-  return file_.read32(offset + 8, section.sizeInMemory) && file_.read32(offset + 12, section.address) &&
-         file_.read32(offset + 16, section.sizeInFile) && file_.read32(offset + 20, section.fileOffset);
+  return file_.read32(offset + 8, section.virtualSize) && file_.read32(offset + 12, section.virtualAddress) &&
+         file_.read32(offset + 16, section.sizeOfRawData) &&
+         file_.read32(offset + 20, section.pointerToRawData);
 }
 
-/// Whether the headers, with the table of sections, and all sections are in the file, and whether in memory
-/// these follow each other within the image. What fills a section up to its size in the file may be missing.
-bool PortableExecutable::hasSoundSections(const OptionalHeader& header) const noexcept {
+/// Whether the headers, including the section table, and all sections are in the file, and whether the
+/// sections follow one another in memory within the image. The padding of the raw data after a section's
+/// virtual size may be missing.
+bool PortableExecutable::hasValidSections(const OptionalHeader& header) const noexcept {
   const std::uint64_t tableEnd = sectionTable_ + sectionCount_ * kSectionSize;
   if (tableEnd > header.sizeOfHeaders || !file_.holds(0, header.sizeOfHeaders)) return false;
   std::uint64_t end = header.sizeOfHeaders;
   Section section{};
   for (std::uint32_t index = 0; index < sectionCount_; ++index) {
-    if (!readSection(index, section) || section.address < end) return false;
-    const std::uint32_t size = section.sizeInMemory != 0 ? section.sizeInMemory : section.sizeInFile;
-    const std::uint32_t used = std::min(size, section.sizeInFile);
-    if (used != 0 && !file_.holds(section.fileOffset, used)) return false;
-    end = std::uint64_t{section.address} + size;
+    if (!readSection(index, section) || section.virtualAddress < end) return false;
+    const std::uint32_t size = section.virtualSize != 0 ? section.virtualSize : section.sizeOfRawData;
+    const std::uint32_t used = std::min(size, section.sizeOfRawData);
+    if (used != 0 && !file_.holds(section.pointerToRawData, used)) return false;
+    end = std::uint64_t{section.virtualAddress} + size;
   }
   return end <= header.sizeOfImage;
 }
 
-/// Turns an address in memory into a place in the file, where `size` bytes must exist.
-bool PortableExecutable::locate(std::uint32_t address, std::uint32_t size,
-                                std::uint64_t& fileOffset) const noexcept {
+/// Translates an RVA into an offset in the file. Returns false unless the `size` bytes there are in one
+/// section and in the file.
+bool PortableExecutable::rvaToFileOffset(std::uint32_t rva, std::uint32_t size,
+                                         std::uint64_t& fileOffset) const noexcept {
   Section section{};
   for (std::uint32_t index = 0; index < sectionCount_ && readSection(index, section); ++index) {
-    if (address < section.address || address - section.address >= section.sizeInFile) continue;
-    const std::uint32_t distance = address - section.address;
-    fileOffset = std::uint64_t{section.fileOffset} + distance;
-    return size <= section.sizeInFile - distance && file_.holds(fileOffset, size);
+    if (rva < section.virtualAddress || rva - section.virtualAddress >= section.sizeOfRawData) continue;
+    const std::uint32_t distance = rva - section.virtualAddress;
+    fileOffset = std::uint64_t{section.pointerToRawData} + distance;
+    return size <= section.sizeOfRawData - distance && file_.holds(fileOffset, size);
   }
   return false;
 }
 
-/// Entries of a directory, whose header lies within the file; those named by text included.
+/// Returns the number of entries of a directory, those named by text included. Its header is within the file.
 std::uint32_t PortableExecutable::entryCount(std::uint64_t directory) const noexcept {
   std::uint16_t named = 0;
   std::uint16_t numbered = 0;
@@ -141,31 +161,34 @@ bool PortableExecutable::readEntry(std::uint64_t directory, std::uint32_t index,
   return file_.read32(offset, entry.name) && file_.read32(offset + 4, entry.offset);
 }
 
-bool PortableExecutable::subdirectory(const DirectoryEntry& entry, std::uint64_t& directory) const noexcept {
+/// Returns false if the entry is named by text or is not a directory within the file.
+bool PortableExecutable::findSubdirectory(const DirectoryEntry& entry,
+                                          std::uint64_t& directory) const noexcept {
   if ((entry.name & kHighBit) != 0 || (entry.offset & kHighBit) == 0) return false;
   directory = resources_ + (entry.offset & ~kHighBit);
   return file_.holds(directory, kDirectoryHeaderSize);
 }
 
-void PortableExecutable::findMessageTableType() noexcept {
+void PortableExecutable::findMessageTables() noexcept {
   const std::uint32_t count = entryCount(resources_);
   DirectoryEntry entry{};
   for (std::uint32_t index = 0; index < count && readEntry(resources_, index, entry); ++index)
-    if (entry.name == kMessageTableType && subdirectory(entry, messageType_)) return;
-  messageType_ = 0;
+    if (entry.name == kMessageTableType && findSubdirectory(entry, messageTables_)) return;
+  messageTables_ = 0;
 }
 
-/// A sound file has each directory entry once, so there are no more than fit into it.
-bool PortableExecutable::mayVisit(Cursor& cursor) const noexcept {
+/// Counts a directory entry. Returns false if there were more than fit
+/// into the file: then directories overlap.
+bool PortableExecutable::countVisit(Cursor& cursor) const noexcept {
   return cursor.visited++ < file_.size() / kDirectoryEntrySize;
 }
 
 bool PortableExecutable::nextMessageTable(Cursor& cursor, MessageTable& table) const noexcept {
-  if (messageType_ == 0) return false;
-  const std::uint32_t count = entryCount(messageType_);
+  if (messageTables_ == 0) return false;
+  const std::uint32_t count = entryCount(messageTables_);
   DirectoryEntry name{};
-  for (; cursor.name < count && readEntry(messageType_, cursor.name, name); ++cursor.name) {
-    if (!mayVisit(cursor)) return false;
+  for (; cursor.name < count && readEntry(messageTables_, cursor.name, name); ++cursor.name) {
+    if (!countVisit(cursor)) return false;
     if (nextLanguage(cursor, name, table)) return true;
     cursor.language = 0;
   }
@@ -175,26 +198,28 @@ bool PortableExecutable::nextMessageTable(Cursor& cursor, MessageTable& table) c
 bool PortableExecutable::nextLanguage(Cursor& cursor, const DirectoryEntry& name,
                                       MessageTable& table) const noexcept {
   std::uint64_t directory = 0;
-  if (!subdirectory(name, directory)) return false;
+  if (!findSubdirectory(name, directory)) return false;
   const std::uint32_t count = entryCount(directory);
-  while (cursor.language < count && mayVisit(cursor)) {
+  while (cursor.language < count && countVisit(cursor)) {
     DirectoryEntry language{};
     if (!readEntry(directory, cursor.language++, language)) return false;
     table.nameId = name.name;
     if (!readTable(language, table)) continue;
+    // Callers read every table they are given, so the time they need is bounded here.
     cursor.tableBytes += table.sizeInBytes;
     return cursor.tableBytes <= kMostSharing * file_.size();
   }
   return false;
 }
 
+/// Reads a leaf of the tree: {RVA, size, code page, reserved}.
 bool PortableExecutable::readTable(const DirectoryEntry& language, MessageTable& table) const noexcept {
   if (((language.name | language.offset) & kHighBit) != 0) return false;
-  std::uint32_t address = 0;
+  std::uint32_t rva = 0;
   std::uint32_t size = 0;
   std::uint64_t data = 0;
   const std::uint64_t entry = resources_ + language.offset;
-  if (!file_.read32(entry, address) || !file_.read32(entry + 4, size) || !locate(address, size, data))
+  if (!file_.read32(entry, rva) || !file_.read32(entry + 4, size) || !rvaToFileOffset(rva, size, data))
     return false;
   table.language = language.name;
   table.data = file_.at(data);
@@ -209,6 +234,7 @@ bool PortableExecutable::findMessageTable(std::uint32_t language, MessageTable& 
   MessageTable current{};
   while (nextMessageTable(cursor, current)) {
     if (current.nameId != kMessageTableName) continue;
+    // Only candidates better than the best so far are searched.
     const auto rank = std::find(candidates.begin(), best, current.language);
     if (rank == best) continue;
     best = rank;

@@ -1,5 +1,5 @@
-// The message tables of a Windows library, read straight from the bytes of its file,
-// for systems whose loader knows nothing of them. What a table holds is read by message_resource.h.
+// Finds the message tables of a Windows library in the bytes of its file, so that catalogs work on systems
+// whose loader does not know the format. The contents of a table are parsed by message_resource.h.
 #pragma once
 
 #include <cstddef>
@@ -9,17 +9,17 @@
 
 namespace vel::messages {
 
-/// A message table resource; the bytes belong to whoever holds the file's image.
+/// A message table resource. It points into the file's bytes and does not own them.
 struct MessageTable {
-  std::uint32_t nameId;    ///< number of the resource; the system's formatter reads number 1 only
+  std::uint32_t nameId;    ///< number of the resource; the Windows message formatter reads number 1 only
   std::uint32_t language;  ///< Windows language number of its texts
   const std::uint8_t* data;
   std::size_t sizeInBytes;
 };
 
-/// A view of a library file (32- or 64-bit), in the layout on disk. It does not own the bytes,
-/// which may be anything: nothing outside of them is read, and walking the tables and all their
-/// messages takes time linear in their number.
+/// A view of a library file (32-bit or 64-bit PE), in its layout on disk. Does not own the bytes, which may
+/// be anything: nothing outside of them is read, and walking the tables and all of their messages takes time
+/// linear in the number of bytes.
 ///
 /// Resources are a tree of three levels, type, number and language:
 ///
@@ -27,48 +27,49 @@ struct MessageTable {
 ///                     +-- 1031 --> {address, size} --> message table
 class PortableExecutable {
  public:
-  /// The number that the message compiler gives its table.
+  /// The number that the message compiler gives to its table.
   static constexpr std::uint32_t kMessageTableName = 1;
 
-  /// A place in the walk; default-constructed it stands before the first table.
+  /// A position in the walk, initially before the first table.
   struct Cursor {
     std::uint32_t name = 0;        ///< index in the directory of numbers
     std::uint32_t language = 0;    ///< index in that number's directory of languages
     std::uint64_t visited = 0;     ///< directory entries read so far
-    std::uint64_t tableBytes = 0;  ///< bytes of all tables so far
+    std::uint64_t tableBytes = 0;  ///< total size in bytes of the tables so far
   };
 
   PortableExecutable(const std::uint8_t* image, std::size_t sizeInBytes) noexcept;
 
-  /// Whether the system's loader would map the file: its headers are sound and all of its sections' bytes are
-  /// there. It may be for any machine and need not have message tables.
+  /// Whether the Windows loader would map the file: its headers are valid, and the bytes of all sections are
+  /// in the file. The file may be for any machine and need not have message tables.
   bool isValid() const noexcept { return valid_; }
 
-  /// Of the file, in bytes.
+  /// The size of the file in bytes.
   std::size_t size() const noexcept { return file_.size(); }
 
-  /// Moves to the next message table in the file's order (numbers, then languages, ascending);
-  /// false at the end. Resources named by text and damaged ones are left out.
+  /// Moves to the next message table in file order (by number, then by language, in a valid file); returns
+  /// false at the end. Skips resources that are named by text or damaged.
   bool nextMessageTable(Cursor& cursor, MessageTable& table) const noexcept;
 
-  /// The table that serves requests in a language, chosen among those numbered kMessageTableName
-  /// by languageCandidates(); false when the file has none for it.
+  /// Finds the table that serves requests in a language, chosen by languageCandidates() among those numbered
+  /// kMessageTableName. Returns false if there is none.
   bool findMessageTable(std::uint32_t language, MessageTable& table) const noexcept;
 
  private:
-  /// Where a section lies in the file and in memory.
+  /// Position and size of a section in memory (virtual) and in the file (raw).
   struct Section {
-    std::uint32_t sizeInMemory;
-    std::uint32_t address;
-    std::uint32_t sizeInFile;
-    std::uint32_t fileOffset;
+    std::uint32_t virtualSize;
+    std::uint32_t virtualAddress;
+    std::uint32_t sizeOfRawData;
+    std::uint32_t pointerToRawData;
   };
-  /// The fields of the optional header that matter here.
+  /// The fields of the optional header that are used here.
   struct OptionalHeader {
     std::uint32_t sizeOfImage;
     std::uint32_t sizeOfHeaders;
-    std::uint32_t resourceAddress;  ///< 0 in a file without resources
+    std::uint32_t resourceRva;  ///< of the resource tree; 0 in a file without resources
   };
+  /// An entry of a directory in the resource tree.
   struct DirectoryEntry {
     std::uint32_t name;
     std::uint32_t offset;
@@ -76,22 +77,22 @@ class PortableExecutable {
 
   bool readHeaders() noexcept;
   bool readOptionalHeader(std::uint64_t offset, std::uint16_t size, OptionalHeader& header) const noexcept;
-  bool hasSoundSections(const OptionalHeader& header) const noexcept;
+  bool hasValidSections(const OptionalHeader& header) const noexcept;
   bool readSection(std::uint32_t index, Section& section) const noexcept;
-  bool locate(std::uint32_t address, std::uint32_t size, std::uint64_t& fileOffset) const noexcept;
+  bool rvaToFileOffset(std::uint32_t rva, std::uint32_t size, std::uint64_t& fileOffset) const noexcept;
   std::uint32_t entryCount(std::uint64_t directory) const noexcept;
   bool readEntry(std::uint64_t directory, std::uint32_t index, DirectoryEntry& entry) const noexcept;
-  bool subdirectory(const DirectoryEntry& entry, std::uint64_t& directory) const noexcept;
-  void findMessageTableType() noexcept;
+  bool findSubdirectory(const DirectoryEntry& entry, std::uint64_t& directory) const noexcept;
+  void findMessageTables() noexcept;
   bool nextLanguage(Cursor& cursor, const DirectoryEntry& name, MessageTable& table) const noexcept;
   bool readTable(const DirectoryEntry& language, MessageTable& table) const noexcept;
-  bool mayVisit(Cursor& cursor) const noexcept;
+  bool countVisit(Cursor& cursor) const noexcept;
 
   ByteView file_;
   std::uint64_t sectionTable_ = 0;
   std::uint32_t sectionCount_ = 0;
-  std::uint64_t resources_ = 0;    ///< file offset of the resource tree, 0 without one
-  std::uint64_t messageType_ = 0;  ///< file offset of type 11's directory, 0 without one
+  std::uint64_t resources_ = 0;      ///< file offset of the resource tree; 0 if there is none
+  std::uint64_t messageTables_ = 0;  ///< file offset of the directory of type 11; 0 if there is none
   bool valid_ = false;
 };
 

@@ -1,4 +1,4 @@
-// Texts of message resources as single-byte texts.
+// Converts texts of message resources to single-byte texts.
 #pragma once
 
 #include "foundation/allocator.h"
@@ -6,7 +6,8 @@
 
 namespace vel::messages {
 
-/// A text in the process's single-byte code page; texts stored as single bytes stay as they are.
+/// A message's text in the process's single-byte code page. Text that is stored as single bytes is not
+/// converted, nor copied: the entry's bytes must outlive this object.
 class AnsiText {
  public:
   explicit AnsiText(const MessageResource::Entry& entry);
@@ -17,16 +18,16 @@ class AnsiText {
   std::size_t size() const noexcept { return size_; }
 
  private:
-  /// Most texts are ASCII and fit here.
+  /// The capacity of inline_ in characters. Most texts are ASCII and fit, so that they need no allocation.
   static constexpr std::size_t kInlineSize = 512;
 
   const char* data_;
   std::size_t size_;
   char inline_[kInlineSize];
-  String other_;
+  String converted_;
 };
 
-/// The same text with Unicode in UTF-8.
+/// Returns a message's text as it is stored, but Unicode as UTF-8.
 String utf8TextOf(const MessageResource::Entry& entry);
 
 }  // namespace vel::messages

@@ -1,5 +1,5 @@
-// What both substitutions of insert_formatter.cpp work with: a reader that consumes a text
-// from left to right, and a writer that never leaves its buffer.
+// The tools of insert_formatter.cpp: a reader that consumes a text from left to right, and a writer that
+// never leaves its buffer. The syntax of the texts is not known here.
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,7 @@
 
 namespace vel::messages {
 
-/// Appends one more digit; stays at the largest number instead of overflowing.
+/// Appends a decimal digit to a number. Saturates at the largest number instead of overflowing.
 template <typename Number>
 Number appendDigit(Number number, char digit) noexcept {
   constexpr Number kLargest = std::numeric_limits<Number>::max();
@@ -24,12 +24,14 @@ Number appendDigit(Number number, char digit) noexcept {
 
 static_assert(std::endian::native == std::endian::little);
 
-/// Characters that end a run of others.
+/// A set of characters at which copying stops.
 template <char... kCharacters>
 struct Stops {
   static bool has(char c) noexcept { return ((c == kCharacters) || ...); }
-  /// How many of eight characters, the first one lowest, stand before the first stop. Below it no byte of the
-  /// differences borrows, so that the lowest bit is a true one.
+  /// Returns how many of eight characters, the first one in the lowest byte, precede the first stop.
+  /// Uses the test for zero bytes of a word by A. Mycroft (S. E. Anderson, Bit Twiddling Hacks:
+  /// "Determine if a word has a zero byte"). It may also mark bytes above a zero byte, because of the
+  /// borrow, but the lowest mark is always right.
   static std::size_t before(std::uint64_t eight) noexcept {
     return static_cast<std::size_t>(std::countr_zero((zeros(eight ^ kOnes * kCharacters) | ...))) / 8;
   }
@@ -39,30 +41,34 @@ struct Stops {
   static std::uint64_t zeros(std::uint64_t eight) noexcept { return (eight - kOnes) & ~eight & kOnes << 7; }
 };
 
-/// A part of a text that is read once, from left to right.
+/// Consumes a part of a text from left to right. Does not own the text.
 class TextReader {
  public:
   TextReader(const char* text, std::size_t length) noexcept : current_(text), end_(text + length) {}
 
   bool atEnd() const noexcept { return current_ == end_; }
-  char take() noexcept { return *current_++; }
+  /// Consumes a character; not at the end.
+  char read() noexcept { return *current_++; }
   const char* data() const noexcept { return current_; }
   std::size_t size() const noexcept { return static_cast<std::size_t>(end_ - current_); }
   void skip(std::size_t count) noexcept { current_ += count; }
-  bool takeIf(char expected) noexcept {
+  /// Consumes the next character if it is the expected one; otherwise returns false.
+  bool consumeIf(char expected) noexcept {
     if (atEnd() || *current_ != expected) return false;
     ++current_;
     return true;
   }
   bool atDigit() const noexcept { return !atEnd() && isAsciiDigit(*current_); }
-  std::size_t takeNumber() noexcept {
+  /// Consumes digits and returns their number, saturated; 0 without a digit.
+  std::size_t parseNumber() noexcept {
     std::size_t number = 0;
-    while (atDigit()) number = appendDigit(number, take());
+    while (atDigit()) number = appendDigit(number, read());
     return number;
   }
 
-  /// Splits off the text before the next `mark` and steps behind it; false without one.
-  bool takeUntil(char mark, TextReader& part) noexcept {
+  /// Consumes the text up to the next `mark` and the mark itself; `part` is the text before it. Returns false
+  /// and consumes nothing if there is no mark.
+  bool readUntil(char mark, TextReader& part) noexcept {
     const char* found = std::find(current_, end_, mark);
     if (found == end_) return false;
     part = TextReader(current_, static_cast<std::size_t>(found - current_));
@@ -75,7 +81,8 @@ class TextReader {
   const char* end_;
 };
 
-/// A buffer that is either filled within its capacity or remembers that it was too small.
+/// Appends to a buffer. What does not fit is not written, not even in part, and nothing more is written after
+/// it: overflowed() stays true.
 class TextWriter {
  public:
   TextWriter(char* out, std::size_t capacity) noexcept : out_(out), room_(capacity) {}
@@ -97,25 +104,27 @@ class TextWriter {
     std::memcpy(out_ + length_, text, count);
     length_ += count;
   }
-  /// Up to `limit` characters of a terminated text.
+  /// Appends at most `limit` characters of a NUL-terminated string.
   void appendText(const char* text, std::size_t limit) noexcept { append(text, boundedLength(text, limit)); }
-  /// Moves the characters before the first stop from the text; all of them, or all that fit, without one.
+  /// Copies characters from the text, consuming them, up to the first stop, the
+  /// end of the text, or the end of the buffer.
   template <typename Stops>
-  void takeUntilAny(TextReader& text, Stops stops) noexcept {
+  void copyUntilAny(TextReader& text, Stops stops) noexcept {
     while (text.size() >= 8 && room() >= 8) {
       const std::size_t count = stops.before(copyEight(text.data()));
       length_ += count;
       text.skip(count);
       if (count != 8) return;
     }
-    while (!text.atEnd() && !stops.has(*text.data()) && !overflowed_) put(text.take());
+    while (!text.atEnd() && !stops.has(*text.data()) && !overflowed_) put(text.read());
   }
   std::size_t room() const noexcept { return room_ - length_; }
   bool overflowed() const noexcept { return overflowed_; }
   std::size_t length() const noexcept { return length_; }
 
  private:
-  /// Copies eight characters behind what has been written and returns them, the first one lowest.
+  /// Copies eight characters to the end of what is written, without appending them, and returns them, the
+  /// first one in the lowest byte.
   std::uint64_t copyEight(const char* text) noexcept {
     std::uint64_t eight = 0;
     std::memcpy(&eight, text, sizeof eight);

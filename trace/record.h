@@ -1,4 +1,13 @@
-// The record of a trace entry, built wherever it is to stand: in an entry, or in the ring itself.
+// Builds the record of a trace entry in the caller's memory: within an entry, or directly in the ring.
+// VelClTraceEntry documents the layout.
+//
+// Tracing has to cost the program little, so a record is built in one pass and in its final
+// place. The texts come first, because compressing them yields their lengths; then the
+// head, one store per field; then the data:
+//
+//   0                        4     8        12      16           20
+//   | type, id, text lengths | time| process| thread| data length| message | origin | data
+//     `------------------ 2. storeNumber ----------------------'   `- 1. storeText -'  3. copyData
 #pragma once
 
 #include <bit>
@@ -14,10 +23,16 @@
 namespace vel::trace {
 
 inline constexpr std::size_t kHeadLength = 20;
-/// A head and two texts, without data; kSlack bytes more may be overwritten.
+/// The largest size of a record without its data. Building one may overwrite kSlack bytes after it.
 inline constexpr std::size_t kLongestRecord = kHeadLength + 2 * kLongestCompressed;
 
-/// What an entry is made of.
+/// Byte 0 of a record: bits 0 to 4 are the data type, bit 5 says whether the texts are
+/// compressed, bits 6 and 7 are the detail.
+inline constexpr std::uint32_t kCompressedFlag = 0x20;
+inline constexpr std::uint32_t kTypeAndCompressedMask = 0x3F;
+inline constexpr unsigned int kDetailShift = 6;
+
+/// The arguments of a trace call; nothing is owned.
 struct Event {
   VelEnTraceDetail detail;
   unsigned short componentId;
@@ -28,7 +43,7 @@ struct Event {
   std::size_t size;
 };
 
-/// Data that is missing or larger than the ring changes size and type.
+/// Makes missing data DATA_NULL of size 0, and clips data that is larger than the ring to DATA_CLIPPED.
 inline void fitData(Event& event, std::uint64_t bufferSize) {
   if (event.data == nullptr) {
     event.size = 0;
@@ -39,6 +54,8 @@ inline void fitData(Event& event, std::uint64_t bufferSize) {
   }
 }
 
+/// Stores a text, compressed or as it is, and returns the stored size in bytes. Texts are cut at
+/// kLongestCompressed stored bytes; null is stored as "".
 inline std::size_t storeText(const char* text, bool compressed, unsigned char* out) {
   if (text == nullptr) return 0;
   if (compressed) return compress(text, boundedLength(text, kLongestPlain), out);
@@ -47,23 +64,25 @@ inline std::size_t storeText(const char* text, bool compressed, unsigned char* o
   return length;
 }
 
+/// Stores a number in the record's byte order, which is the processor's.
 inline void storeNumber(unsigned char* out, std::uint32_t number) {
   static_assert(std::endian::native == std::endian::little);
   std::memcpy(out, &number, sizeof number);
 }
 
-/// Builds the record without its data and returns its length.
+/// Builds a record without its data and returns its length. `out` has
+/// room for kLongestRecord and kSlack bytes.
 inline std::size_t buildRecord(const VelClTraceEnvironment& environment, const Event& event,
                                unsigned char* out) {
   const bool compressed = environment.getSettings().usesCompression();
   unsigned char* const texts = out + kHeadLength;
   const std::size_t messageLength = storeText(event.message, compressed, texts);
   const std::size_t originLength = storeText(event.origin, compressed, texts + messageLength);
-  const auto type = static_cast<std::uint32_t>(event.type) & 0x3F;
+  const auto type = static_cast<std::uint32_t>(event.type) & kTypeAndCompressedMask;
   const auto detail = static_cast<std::uint32_t>(event.detail) & 3;
-  // One at a time: a block that is read back at once from single stores would be waited for.
-  storeNumber(out, type | (compressed ? 0x20U : 0U) | detail << 6 | (event.componentId & 0xFFU) << 8 |
-                       static_cast<std::uint32_t>(messageLength) << 16 |
+  // One store per field: copying the head right after narrow stores would stall store forwarding.
+  storeNumber(out, type | (compressed ? kCompressedFlag : 0U) | detail << kDetailShift |
+                       (event.componentId & 0xFFU) << 8 | static_cast<std::uint32_t>(messageLength) << 16 |
                        static_cast<std::uint32_t>(originLength) << 24);
   storeNumber(out + 4, platform::tickCount());
   storeNumber(out + 8, environment.getProcessId());
@@ -72,7 +91,8 @@ inline std::size_t buildRecord(const VelClTraceEnvironment& environment, const E
   return kHeadLength + messageLength + originLength;
 }
 
-/// Behind the record.
+/// Copies the data to `out`, the end of the record. Most data is a few bytes, for which a call of memcpy
+/// would cost more than the copy.
 inline void copyData(unsigned char* out, const Event& event) {
   constexpr std::size_t kShort = 64;
   if (event.size <= kShort)

@@ -1,4 +1,5 @@
-// Names of resources.
+// Builds the names of resources from type, key and instance: "SEM32:key:instance". Names contain only
+// letters, digits, "_-@" and the separator ':'.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -11,9 +12,11 @@ namespace {
 constexpr char kCharacters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-@";
 constexpr std::size_t kCount = sizeof kCharacters - 1;
 
-char mapped(char c) {
+// Replaces a character that is not allowed by one that is. Different characters may map to the same one, so
+// different keys can produce the same name.
+char mapCharacter(char c) {
   if (c == '\\') return ':';
-  // Its argument is never the terminator.
+  // `c` is never NUL, which strchr would find at the end of the list.
   if (std::strchr(kCharacters, c) != nullptr) return c;
   return kCharacters[static_cast<unsigned char>(c) % kCount];
 }
@@ -23,7 +26,8 @@ char mapped(char c) {
 VelClResourceKeyABase::VelClResourceKeyABase(const char* type, const char* key, const char* instance)
     : length_(0), name_{}, part_(name_) {
   add(vel::textOrEmpty(type));
-  // Behind the separator, unless there is no type or no room.
+  // The part starts after the ":" that the next add() writes. Without a type there is no separator, and in a
+  // full name the part is the terminator.
   if (length_ != 0) part_ = name_ + std::min(static_cast<std::size_t>(length_) + 1, sizeof name_ - 1);
   add(vel::textOrEmpty(key));
   if (instance != nullptr) add(instance);
@@ -37,6 +41,7 @@ VelClResourceKeyABase::VelClResourceKeyABase(const VelClResourceKeyABase& other)
 VelClResourceKeyABase& VelClResourceKeyABase::operator=(const VelClResourceKeyABase& other) {
   length_ = other.length_;
   std::memmove(name_, other.name_, sizeof name_);
+  // part_ points into this object's own name.
   part_ = name_ + (other.part_ - other.name_);
   return *this;
 }
@@ -48,11 +53,12 @@ bool VelClResourceKeyABase::matches(const char* name) const {
 }
 
 void VelClResourceKeyABase::add(const char* part) {
+  // Cuts silently; the last byte of name_ stays NUL.
   const auto put = [this](char c) {
     if (length_ + 1 < sizeof name_) name_[length_++] = c;
   };
   if (length_ != 0) put(':');
-  for (; *part != '\0'; ++part) put(mapped(*part));
+  for (; *part != '\0'; ++part) put(mapCharacter(*part));
 }
 
 VelClResourceKeySemaphore::VelClResourceKeySemaphore(const char* key, const char* instance)

@@ -1,26 +1,29 @@
-// The 6-bit code of trace texts. Codes follow one another without gaps, high bits first; bits of 1 fill the
-// last byte:
+// Compresses trace texts to 6 bits a character. Codes are stored without gaps, high bits first, and the last
+// byte is filled with bits of 1:
 //
 //   "Hi"   H = 18, i = 45                          010010 101101 1111
-//   "1"    63 and the 8 bits of '1'                111111 00110001 11
+//   "1"    the escape, 63, and the 8 bits of '1'   111111 00110001 11
+//
+// The alphabet is in encode_block.h.
 #pragma once
 
 #include <cstddef>
 
 namespace vel::trace {
 
-/// The most bytes that a compressed text takes, and the most characters that fit into them.
+/// The largest size of a compressed text in bytes, and the most characters that fit into it.
 inline constexpr std::size_t kLongestCompressed = 255;
 inline constexpr std::size_t kLongestPlain = kLongestCompressed * 8 / 6;
-/// Bits are stored by the word.
+/// How many bytes after a text may be overwritten, because bits are stored a word at a time.
 inline constexpr std::size_t kSlack = 8;
 
-/// Writes at most kLongestCompressed bytes and returns their number; what does not fit is cut. `out` has room
-/// for kSlack bytes more, which may be overwritten.
+/// Compresses `length` characters into at most kLongestCompressed bytes and returns the number of bytes.
+/// Characters that do not fit are dropped. `out` has room for kLongestCompressed + kSlack bytes.
 std::size_t compress(const char* text, std::size_t length, unsigned char* out) noexcept;
 
-/// Writes at most `length` * 8 / 6 characters and a terminator, and returns how many before it. `out` has
-/// room for 8 characters more than these.
+/// Decompresses `length` bytes into a NUL-terminated string of at most `length` * 8 / 6 characters, and
+/// returns its length. `out` has room for 8 characters more. Any bytes are accepted; an escape whose
+/// character is incomplete ends the text.
 std::size_t decompress(const unsigned char* stored, std::size_t length, char* out) noexcept;
 
 }  // namespace vel::trace

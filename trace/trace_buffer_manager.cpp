@@ -1,4 +1,21 @@
-// The ring of trace bytes.
+// The ring of trace bytes: keeps entries in the caller's memory and hands the unsaved ones to the overflow
+// handler. Writing them to a file is trace_file_writer.cpp's work.
+//
+// The ring knows bytes, not entries. Its unsaved bytes are those from the save position to the write
+// position, in one piece or, if writing has wrapped around, in two:
+//
+//   |..........|save ######### write|..........|       first piece: save to write
+//   |##### write|..........|save ##############|       first piece: save to the end, second: start to write
+//
+// An entry is written in one of three ways:
+//
+// - It is shorter than the room before the end of the ring: its bytes are copied there (append).
+// - It is as long as that room, or longer: the room is filled, the unsaved bytes are handed over, and
+//   writing goes on at the start (fill). So the write position never stays one past the end.
+// - It is known beforehand to be shorter than the room: the caller builds it in place (reserve, commit),
+//   which saves a copy.
+//
+// Without a handler nothing is handed over; the save position stays, and new bytes overwrite the oldest ones.
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
@@ -7,24 +24,28 @@
 #include "platform/processes.h"
 #include "vel_include/vel_trace.h"
 
-/// Lies at the start of the ring's memory. Threads that trace without taking turns damage entries, but never
-/// write outside the ring: a position is read once, checked, and then used.
+/// The first bytes of the ring's memory. Nothing is locked: threads that trace without taking turns may
+/// damage entries, but must never write outside the ring. So each position is read once, checked, and then
+/// used; reading it a second time could yield a value that was not checked.
 struct VelClTraceBufferManager::Header {
   char signature[4];
   uint32_t unused;
   uint64_t dataSize;
   char* dataStart;
   char* dataEnd;  ///< the last byte, which belongs to the data
-  char* save;     ///< the first byte not handed over yet; one past the last byte after a wrap
+  char* save;     ///< the first unsaved byte; one past the last byte after a wrap
   char* write;    ///< where the next byte goes
 
+  /// An atomic load keeps the compiler from reading the position again where it is used.
   static char* readOnce(char*& position) { return std::atomic_ref(position).load(std::memory_order_relaxed); }
   char* writePosition() { return readOnce(write); }
-  /// Two threads that commit to the same place leave a position beyond the end.
+  /// Bytes from `place` to the end of the ring. 0 past the end, where two threads that reserve the same place
+  /// and both commit can leave the write position.
   size_t roomAt(const char* place) const {
     return place <= dataEnd ? static_cast<size_t>(dataEnd + 1 - place) : 0;
   }
-  /// The parent of a fork saves what it has written itself.
+  /// In the child of a fork(), counts all bytes that the parent wrote as saved: the parent saves them itself,
+  /// and the file would have them twice.
   void dropBytesOfParent(uint32_t& forkCount, bool& dirty) {
     if (forkCount == vel::platform::forkCount()) return;
     forkCount = vel::platform::forkCount();
@@ -48,6 +69,7 @@ VelClTraceBufferManager::VelClTraceBufferManager(const VelClResourceKeySemaphore
       dirty_(false),
       forkCount_(vel::platform::forkCount()) {
   static_assert(sizeof(Header) == 48);
+  // A ring that another manager has initialised keeps its contents.
   if (std::memcmp(header_->signature, kSignature, sizeof kSignature) == 0) return;
   std::memcpy(header_->signature, kSignature, sizeof kSignature);
   header_->dataSize = size - sizeof(Header);
@@ -57,6 +79,7 @@ VelClTraceBufferManager::VelClTraceBufferManager(const VelClResourceKeySemaphore
   header_->write = header_->dataStart;
 }
 
+// Does not flush: the owner may have freed the ring's memory already.
 VelClTraceBufferManager::~VelClTraceBufferManager() {
   header_ = nullptr;
   handler_ = nullptr;
@@ -80,8 +103,9 @@ void VelClTraceBufferManager::write(const VelClTraceEntry& entry) {
   write(static_cast<const char*>(entry.getDumpData()), entry.getDumpDataLength());
 }
 
-// What stands behind the write position has been handed over, unless there was no handler for a while: then
-// the save position can be there, too.
+// With a handler, the bytes after the write position are saved and may be overwritten. After a time without
+// one, the save position and unsaved bytes may follow there. Equal positions do not tell whether nothing or
+// everything is unsaved, so they count as the latter.
 unsigned char* VelClTraceBufferManager::reserve(size_t size) {
   header_->dropBytesOfParent(forkCount_, dirty_);
   char* const place = header_->writePosition();
@@ -104,7 +128,7 @@ void VelClTraceBufferManager::flush() {
 }
 
 void VelClTraceBufferManager::write(const char* data, size_t length) {
-  // Once around the ring is the rule; more than once only what is longer than the ring.
+  // Data longer than the ring wraps around more than once; each time the handler saves what it fills.
   for (size_t rest = room(); length >= rest; rest = room()) {
     fill(data, rest);
     data += rest;
@@ -119,6 +143,7 @@ size_t VelClTraceBufferManager::room() const {
 
 void VelClTraceBufferManager::append(const char* data, size_t length) {
   char* const place = header_->writePosition();
+  // Another thread may have moved the position since the caller computed the room.
   length = std::min(length, header_->roomAt(place));
   std::memcpy(place, data, length);
   header_->write = place + length;
@@ -130,9 +155,11 @@ void VelClTraceBufferManager::fill(const char* data, size_t length) {
   header_->write = header_->dataStart;
 }
 
-/// Without a handler nothing is ever handed over, and the oldest bytes are overwritten.
+/// Passes the unsaved bytes to the handler and then counts them as saved, whether or not it could save them:
+/// tracing goes on without the bytes that are lost.
 void VelClTraceBufferManager::handOver() {
   if (handler_ == nullptr) return;
+  // Clipped to the end, since threads that do not take turns may have left positions past it.
   char* const end = header_->dataEnd + 1;
   char* const save = std::min(Header::readOnce(header_->save), end);
   char* const write = std::min(header_->writePosition(), end);

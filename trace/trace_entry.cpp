@@ -1,17 +1,15 @@
-// Builds the record of a trace entry.
+// An entry that owns its record. How records are built is in record.h; how they are
+// read from a file, in trace_file_entry.cpp.
 #include "trace/record.h"
 
-namespace {
-
-constexpr unsigned int kTypeAndCompressed = 0x3F;
-constexpr unsigned int kDetailBits = 0xC0;
-
-}  // namespace
+using vel::trace::kDetailShift;
+using vel::trace::kTypeAndCompressedMask;
 
 VelClTraceEntry::VelClTraceEntry(const VelClTraceEnvironment& environment)
     : environment_(&environment), record_{}, entrySize_(0), dumpData_(nullptr) {}
 
-// The texts' part of the record is filled as far as it is used.
+// record_ is not cleared: only its first entrySize_ bytes are ever read, and clearing more than 500 bytes for
+// each entry would be wasted work.
 VelClTraceEntry::VelClTraceEntry(const VelClTraceEnvironment& environment, VelEnTraceDetail detail,
                                  unsigned short componentId, VelEnTraceDataType type, const char* origin,
                                  const char* message, const void* data, size_t size)
@@ -26,11 +24,12 @@ VelClTraceEntry::VelClTraceEntry(const VelClTraceEnvironment& environment, VelEn
 VelClTraceEntry::~VelClTraceEntry() = default;
 
 void VelClTraceEntry::setType(VelEnTraceDataType type) {
-  record_[0] = static_cast<unsigned char>((record_[0] & kDetailBits) |
-                                          (static_cast<unsigned int>(type) & kTypeAndCompressed));
+  // Intentional: replaces the compression flag along with the type; callers set the flag again afterwards.
+  record_[0] = static_cast<unsigned char>((record_[0] & ~kTypeAndCompressedMask) |
+                                          (static_cast<unsigned int>(type) & kTypeAndCompressedMask));
 }
 
 void VelClTraceEntry::setDetail(VelEnTraceDetail detail) {
-  record_[0] =
-      static_cast<unsigned char>((record_[0] & kTypeAndCompressed) | static_cast<unsigned int>(detail) << 6);
+  record_[0] = static_cast<unsigned char>((record_[0] & kTypeAndCompressedMask) |
+                                          static_cast<unsigned int>(detail) << kDetailShift);
 }

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <random>
 
+#include "trace/encode_block.h"
 #include "trace/test/reference_compression.h"
 #include "trace/test/trace_fixture.h"
 #include "trace/text_compression.h"
@@ -92,6 +93,66 @@ TEST_F(TraceEntry, CutsPlainTexts) {
   const VelClTraceEntry cut = entry(nullptr, text.c_str());
   EXPECT_EQ(cut.getCompressedMessageLength(), 255U);
   EXPECT_EQ(cut.getCompressedOriginLength(), 0U);
+}
+
+/// The 12 bytes of a block whose codes are all wanted; "refused" if one of its characters has none.
+template <typename Encode>
+std::string encoded(Encode encode, const std::string& text) {
+  vel::trace::EncodedBlock block{};
+  const auto characters = vel::trace::loadBlock(reinterpret_cast<const unsigned char*>(text.data()));
+  if (!encode(characters, vel::trace::kAllCharacters, block)) return "refused";
+  std::string bytes;
+  for (const std::uint64_t half : {block.first, block.second})
+    for (int shift = 56; shift > 8; shift -= 8) bytes += static_cast<char>(half >> shift);
+  return bytes;
+}
+
+TEST(EncodeBlock, GivesEachCharacterItsCodeInEachPlace) {
+  const std::string blanks(vel::trace::kBlockLength, ' ');
+  for (std::size_t place = 0; place < blanks.size(); ++place) {
+    for (int byte = 0; byte < 256; ++byte) {
+      std::string text = blanks;
+      text[place] = static_cast<char>(byte);
+      const std::string expected = packed(text).size() == 12 ? packed(text) : "refused";
+      EXPECT_EQ(encoded(vel::trace::encodeBlockPortably, text), expected) << byte << " at " << place;
+      const bool isLetterOrBlank = byte == ' ' || ((byte | 0x20) >= 'a' && (byte | 0x20) <= 'z');
+      const std::string fast = encoded(vel::trace::encodeBlock, text);
+      if (isLetterOrBlank || fast != "refused") {
+        EXPECT_EQ(fast, expected) << byte << " at " << place;
+      }
+    }
+  }
+}
+
+/// The codes of the last `count` characters of a block.
+std::string lastCodes(const vel::trace::EncodedBlock& block, std::size_t count) {
+  std::string codes;
+  for (std::size_t i = vel::trace::kBlockLength - count; i < vel::trace::kBlockLength; ++i)
+    codes += static_cast<char>((i < 8 ? block.first : block.second) >> (58 - 6 * (i % 8)) & 63);
+  return codes;
+}
+
+TEST(EncodeBlock, IsPortable) {
+  std::mt19937 random(2);
+  std::size_t accepted = 0;
+  for (int round = 0; round < 20000; ++round) {
+    const std::size_t count = 1 + random() % vel::trace::kBlockLength;
+    unsigned char text[vel::trace::kBlockLength];
+    for (unsigned char& c : text) {
+      const auto letter = static_cast<unsigned char>("Some letters"[random() % 12]);
+      c = random() % 40 == 0 ? static_cast<unsigned char>(random()) : letter;
+    }
+    const auto characters = count == vel::trace::kBlockLength ? vel::trace::loadBlock(text)
+                                                              : vel::trace::loadTail(text + count, count);
+    const unsigned int wanted = vel::trace::kAllCharacters & vel::trace::kAllCharacters << (16 - count);
+    vel::trace::EncodedBlock fast{};
+    vel::trace::EncodedBlock portable{};
+    if (!vel::trace::encodeBlock(characters, wanted, fast)) continue;
+    ++accepted;
+    ASSERT_TRUE(vel::trace::encodeBlockPortably(characters, wanted, portable)) << "round " << round;
+    ASSERT_EQ(lastCodes(fast, count), lastCodes(portable, count)) << "round " << round;
+  }
+  EXPECT_GT(accepted, 10000U);
 }
 
 TEST_F(TraceEntry, ReadsCutRecords) {

@@ -1,4 +1,5 @@
-// What belongs to one trace key, and the environment variables that set it up.
+// The environment of a trace key: owns the settings and the ring, and initialises them from environment
+// variables. Saving the ring's bytes to the file is trace_file_writer.cpp's work.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -22,14 +23,15 @@ using vel::trace::VerboseLine;
 
 constexpr char kDefaultInstance[] = "VELTRACEINSTANCE0";
 constexpr char kDefaultFormat[] = "%f%n   P: %p, T: %s, D: %l, C: %c%n   Data: %m (%x: %d%n)";
-// One less than 64 KiB. Keep.
+// Intentional: the documented default is 65535 bytes, one less than 64 KiB.
 constexpr std::uint32_t kDefaultBufferSize = 65535;
 constexpr std::int32_t kSmallestBuffer = 4096;
 constexpr std::int32_t kLargestBuffer = 0x1000000;
-/// With the longest suffix a name has the 40 characters of a variable's name.
+/// With the longest suffix, 16 characters, a name then has 40, the most that a variable's name may have.
 constexpr std::size_t kLongestVariableKey = 24;
 
-/// The variables of a key.
+/// Reads the environment variables of a key. Their names are the
+/// beginning of the key in upper case and a suffix.
 class Variables {
  public:
   explicit Variables(const char* key) {
@@ -37,10 +39,10 @@ class Variables {
       name_[keyLength_++] = vel::toAsciiUpper(*key);
   }
 
-  /// Null when it is not set.
+  /// Returns null when the variable is not set. Valid until the environment changes.
   const char* value(const char* suffix) {
     std::memcpy(name_ + keyLength_, suffix, std::strlen(suffix) + 1);
-    // The systems' own calls disagree about keys such as "a=b".
+    // No variable can have a '=' in its name, but systems disagree about what a query for one returns.
     return std::strchr(name_, '=') == nullptr ? vel::platform::settingValue(name_) : nullptr;
   }
   bool isEnabled(const char* suffix) { return vel::isEnabledValue(value(suffix)); }
@@ -50,7 +52,8 @@ class Variables {
   char name_[VelClEnvironmentVariableABase::kMaxNameLength + 1] = {};
 };
 
-/// A number of kilobytes as bytes, shifted in 32 bits and compared with its sign.
+/// Converts a number of kilobytes to a buffer size within the limits. Intentional: computed with 32 bits and
+/// compared as signed, so negative numbers and those from 2 GiB on give the smallest buffer.
 std::uint32_t bufferSizeFrom(const char* kilobytes) {
   const auto bytes = static_cast<std::int32_t>(static_cast<std::uint32_t>(vel::vel_atol32(kilobytes)) << 10);
   return static_cast<std::uint32_t>(std::clamp(bytes, kSmallestBuffer, kLargestBuffer));
@@ -74,7 +77,8 @@ VelClTraceEnvironment::VelClTraceEnvironment(const char* key, const char* instan
       lostBytes_(0),
       lastSystemError_(0),
       isDefaultFile_(false) {
-  // What is made before a later allocation fails goes back.
+  // The destructor does not run when the constructor throws, so local
+  // owners release what was allocated before.
   vel::OwnedObject<VelClTraceSettings> settings(vel::create<VelClTraceSettings>());
   settings_ = settings.get();
   determineSettingsFromEnvVars(vel::textOrEmpty(key));
@@ -83,11 +87,12 @@ VelClTraceEnvironment::VelClTraceEnvironment(const char* key, const char* instan
   manager_ = vel::create<VelClTraceBufferManager>(*this, buffer.get(), bufferSize_);
   buffer_ = buffer.release();
   static_cast<void>(settings.release());
-  // Autosave is on here: no variable switches it off.
+  // Autosave is always on here: it is on by default, and no variable can switch it off.
   manager_->attachOverflowHandler(&save, this);
   if (!controllerMode_ && settings_->usesAutoclear()) VelClFile(filename_, nullptr).remove();
 }
 
+// The manager's destructor does not touch the ring, so the ring's memory may be freed before it.
 VelClTraceEnvironment::~VelClTraceEnvironment() {
   manager_->flush();
   VelClMemoryManager::free(buffer_);
@@ -102,6 +107,8 @@ void VelClTraceEnvironment::add(const VelClTraceEntry& entry) {
 
 void VelClTraceEnvironment::add(VelEnTraceDetail detail, unsigned short componentId, VelEnTraceDataType type,
                                 const char* origin, const char* message, const void* data, size_t size) {
+  // The length of the record is not known before its texts are compressed. If the longest one fits, the
+  // record is built in the ring; otherwise an entry is built outside and copied, wrapping where it has to.
   vel::trace::Event event{detail, componentId, type, origin, message, data, size};
   fitData(event, getBufferSize());
   unsigned char* const place =
@@ -121,6 +128,7 @@ void VelClTraceEnvironment::flush() {
 }
 
 void VelClTraceEnvironment::setFormatString(const char* format) {
+  // The last byte of format_ is never written and stays NUL.
   std::strncpy(format_, vel::textOrEmpty(format), sizeof format_ - 1);
 }
 
@@ -128,6 +136,7 @@ unsigned long VelClTraceEnvironment::getTimeStamp() const {
   return velGetTimeStamp();
 }
 
+// Intentional: totals have 32 bits and wrap.
 void VelClTraceEnvironment::recordCompressionRate(size_t before, size_t after) const {
   plainTotal_ += static_cast<std::uint32_t>(before);
   compressedTotal_ += static_cast<std::uint32_t>(after);
@@ -138,7 +147,8 @@ float VelClTraceEnvironment::getCompressionRate() const {
   return static_cast<float>(compressedTotal_) / static_cast<float>(plainTotal_);
 }
 
-/// Only ACTIVE can switch off; the other flags are on already or get set. Keep.
+/// Intentional: only _TRACE_ACTIVE switches off. Callers see that a "NO" in any other variable changes
+/// nothing: compression and autosave stay on by default.
 void VelClTraceEnvironment::determineSettingsFromEnvVars(const char* key) {
   Variables variables(key);
   active_ = variables.isEnabled("_TRACE_ACTIVE");
@@ -162,6 +172,7 @@ void VelClTraceEnvironment::determineSettingsFromEnvVars(const char* key) {
   report(key);
 }
 
+/// Lists the settings in verbose mode.
 void VelClTraceEnvironment::report(const char* key) const {
   VerboseLine() << "key: " << key;
   VerboseLine() << "active: " << active_;

@@ -1,4 +1,5 @@
-// Reads the record of a trace entry back from a file.
+// Reads the record of an entry from a trace file and decodes its texts. The data after the record is the
+// caller's to read or skip.
 #include <cstring>
 #include <istream>
 
@@ -7,11 +8,12 @@
 
 namespace {
 
-// Two more than the record has; nothing relies on it. Keep.
+// Intentional: callers of getSizeOfEntryData() get the size of an entry from a file as 2 more than its
+// record. Nothing in the library computes with it.
 constexpr std::uint64_t kReadHeadLength = 22;
 
-/// Reads past the stream's formatting layer, which would cost more than the read itself. What is missing at
-/// the end of the file is filled with 0.
+/// Reads from the stream's buffer, since istream::read would spend more time on the stream's state than on
+/// the bytes. At the end of the file sets missing bytes to 0 and the stream's state as istream::read does.
 bool readBytes(std::istream& stream, void* out, std::size_t length) {
   const auto wanted = static_cast<std::streamsize>(length);
   const std::streamsize count = stream.rdbuf()->sgetn(static_cast<char*>(out), wanted);
@@ -29,6 +31,7 @@ VelClTraceFileEntry::VelClTraceFileEntry(const VelClTraceEnvironment& environmen
 VelClTraceFileEntry::~VelClTraceFileEntry() = default;
 
 bool VelClTraceFileEntry::read(std::istream& stream) {
+  // An incomplete head leaves no valid lengths, so the whole record becomes 0.
   if (!stream.good() || !readBytes(stream, record_, kHeadLength)) {
     std::memset(record_, 0, sizeof record_);
     return false;
@@ -42,6 +45,7 @@ bool VelClTraceFileEntry::read(std::istream& stream) {
 }
 
 unsigned int VelClTraceFileEntry::decode(const char* stored, unsigned int length, char* text) const {
+  // Any bytes may be in the file; their number, at most 255, is what keeps the result within the buffer.
   static_assert(sizeof message_ > vel::trace::kLongestPlain + vel::trace::kSlack);
   if (!isCompressed()) {
     std::memcpy(text, stored, length);

@@ -1,4 +1,4 @@
-// Reads a trace file in large pieces.
+// Reads a trace file through a large buffer. The callers know what its bytes mean.
 #include "trace/trace_file_input.h"
 
 #include "platform/byte_files.h"
@@ -10,13 +10,14 @@ TraceFileInput::~TraceFileInput() = default;
 
 bool TraceFileInput::open(const char* name) {
   buffer_.reset(static_cast<char*>(VelClMemoryManager::malloc(kCapacity)));
-  // Some systems open directories, too.
+  // POSIX systems open directories for reading, too, and only fail to read them.
   const std::uint32_t attributes = platform::attributesOf(name);
   if (attributes != platform::kAttributesUnreadable && (attributes & platform::kAttributeDirectory) != 0)
     return false;
   return file_.open(name, platform::PipeWithoutWriter::Refuse) == 0;
 }
 
+// Skips by reading: most data is short and in the buffer already, and a pipe cannot seek.
 bool TraceFileInput::skip(std::uint64_t count) {
   while (count > 0) {
     if (gptr() == egptr() && underflow() == traits_type::eof()) return false;
@@ -28,6 +29,7 @@ bool TraceFileInput::skip(std::uint64_t count) {
 }
 
 TraceFileInput::int_type TraceFileInput::underflow() {
+  // A failure to read looks like the end of the file here; the formatter asks hasFailed() afterwards.
   std::size_t size = 0;
   if (!failed_ && platform::readBytes(file_.descriptor(), buffer_.get(), kCapacity, size) != 0)
     failed_ = true;

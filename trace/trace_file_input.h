@@ -1,5 +1,5 @@
-// The bytes of a trace file, read in large pieces: as a stream buffer for the entries' records, and directly
-// for their data.
+// A buffered reader of trace files. It is a stream buffer, because VelClTraceFileEntry reads records from a
+// stream, and has functions of its own to read and skip the data between them.
 #pragma once
 
 #include <algorithm>
@@ -13,6 +13,7 @@
 
 namespace vel::trace {
 
+/// Owns the file's descriptor and buffer.
 class TraceFileInput final : public std::streambuf {
  public:
   TraceFileInput() = default;
@@ -20,23 +21,26 @@ class TraceFileInput final : public std::streambuf {
   TraceFileInput& operator=(const TraceFileInput&) = delete;
   ~TraceFileInput() override;
 
-  /// False for everything that is no file that can be read.
+  /// Returns false for a directory and for any file that cannot be opened for reading. Throws when the memory
+  /// manager fails. Call it once, before anything else.
   bool open(const char* name);
 
-  /// Returns fewer bytes than asked for at the end of the file only.
+  /// Returns the number of bytes read, which is less than `count` only
+  /// at the end of the file or after a failure.
   std::size_t read(void* out, std::size_t count) {
-    if (static_cast<std::size_t>(egptr() - gptr()) < count) return readSlowly(out, count);
+    if (static_cast<std::size_t>(egptr() - gptr()) < count) return readAcrossRefills(out, count);
     std::memcpy(out, gptr(), count);
     gbump(static_cast<int>(count));
     return count;
   }
-  /// False when the file ends before. Takes no longer than reading the rest of the file.
+  /// Returns false when the file ends before `count` bytes are skipped. A wrong count in a damaged file costs
+  /// no more than reading the rest of the file.
   bool skip(std::uint64_t count);
-  /// Whether the end was in fact a failure to read.
+  /// Whether the end that was reported was in fact a failure to read.
   bool hasFailed() const { return failed_; }
 
  protected:
-  /// After a failure to read there is nothing more.
+  /// Fills the buffer. After a failure to read it reports the end of the file each time.
   int_type underflow() override;
   std::streamsize xsgetn(char* out, std::streamsize count) override {
     return static_cast<std::streamsize>(read(out, static_cast<std::size_t>(count)));
@@ -44,7 +48,8 @@ class TraceFileInput final : public std::streambuf {
 
  private:
   static constexpr std::size_t kCapacity = 64 * 1024;
-  std::size_t readSlowly(void* out, std::size_t count) {
+  /// Reads more bytes than are buffered.
+  std::size_t readAcrossRefills(void* out, std::size_t count) {
     return static_cast<std::size_t>(
         std::streambuf::xsgetn(static_cast<char*>(out), static_cast<std::streamsize>(count)));
   }

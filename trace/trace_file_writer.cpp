@@ -1,4 +1,8 @@
-// Appends what leaves the ring to the trace file. A failure costs trace data and nothing else.
+// Appends the ring's unsaved bytes to the trace file. Tracing must not disturb the program: a failure costs
+// trace data, is counted, and is otherwise ignored.
+//
+// The file is opened for each save and closed after it, so that it can be moved or removed while the program
+// runs.
 #include <cstdint>
 
 #include "platform/append.h"
@@ -27,7 +31,7 @@ void VelClTraceEnvironment::save(const _VelStTraceBufferCallBackInfo& info) {
 }
 
 void VelClTraceEnvironment::append(const _VelStTraceBufferCallBackInfo& info) {
-  // A program may trace before it looks at an error of its own.
+  // The program may trace between a call of its own that failed and its look at errno.
   const vel::platform::LastErrorsKept errorsOfProgram;
   const bool verbose = settings_->isVerbose();
   const char* const name = filename_.getAsCString();
@@ -42,11 +46,13 @@ void VelClTraceEnvironment::append(const _VelStTraceBufferCallBackInfo& info) {
     if (verbose) reportOpened(name);
     const vel::platform::Bytes pieces[] = {{info.first, static_cast<std::size_t>(info.firstLength)},
                                            {info.second, static_cast<std::size_t>(info.secondLength)}};
+    // One call for both pieces keeps what other processes append to the same file out of the middle of a
+    // record.
     error = vel::platform::appendBytes(descriptor, pieces[0], pieces[1], written);
     const SystemError closeError = vel::platform::closeAppended(descriptor);
     if (verbose)
       VerboseLine() << "bytes written: " << written << " file status: " << (closeError != 0 ? -1 : 0);
-    // A file that cannot be closed may have lost all of it.
+    // Network file systems may report only now that bytes could not be written: count all of them as lost.
     if (closeError != 0) {
       error = closeError;
       written = 0;

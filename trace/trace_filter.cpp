@@ -1,4 +1,5 @@
-// The filter of trace entries, and the lists of components that it is set up with.
+// The filter of trace entries, and the parser of the component lists that configure it. The tests that run
+// for each entry are inline in vel_trace.h.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -12,28 +13,28 @@ struct DetailName {
   const char* name;
   VelEnTraceDetail detail;
 };
-/// By number.
 constexpr DetailName kDetails[] = {{"OFF", VelEnTraceDetail::OFF},
                                    {"LOW", VelEnTraceDetail::LOW},
                                    {"MED", VelEnTraceDetail::MEDIUM},
                                    {"HIGH", VelEnTraceDetail::HIGH}};
 
-bool beginsWith(const char* text, const char* name) {
+/// `name` is in upper case. Intentional: only a prefix is compared, so "HIGHEST" selects HIGH.
+bool startsWithIgnoringCase(const char* text, const char* name) {
   for (; *name != '\0'; ++text, ++name)
     if (vel::toAsciiUpper(*text) != *name) return false;
   return true;
 }
 
-std::uint32_t numberIn(const char* text) {
+std::uint32_t parseNumber(const char* text) {
   return text == nullptr ? 0 : static_cast<std::uint32_t>(vel::vel_atol32(text));
 }
 
-/// One item of a component list while it is read.
-struct Item {
-  std::uint32_t low = 0;
-  std::uint32_t high = 0;
+/// The item of a component list that is being parsed: "10.20" has low 10 and high 20.
+struct ListItem {
+  std::uint32_t low = 0;   ///< 0 as long as the item has no number; such an item is ignored
+  std::uint32_t high = 0;  ///< 0 means the same as `low`
   bool include = true;
-  bool readsHigh = false;
+  bool readsHigh = false;  ///< the next number is `high`
 };
 
 }  // namespace
@@ -46,7 +47,7 @@ void VelClTraceFilter::setDetail(const char* text) {
   detail_ = VelEnTraceDetail::OFF;
   if (text == nullptr) return;
   for (const DetailName& row : kDetails)
-    if (beginsWith(text, row.name)) detail_ = row.detail;
+    if (startsWithIgnoringCase(text, row.name)) detail_ = row.detail;
 }
 
 const char* VelClTraceFilter::getDetailAsCString(VelEnTraceDetail detail) {
@@ -56,15 +57,15 @@ const char* VelClTraceFilter::getDetailAsCString(VelEnTraceDetail detail) {
 }
 
 void VelClTraceFilter::setProcessId(const char* text) {
-  processId_ = numberIn(text);
+  processId_ = parseNumber(text);
 }
 
 void VelClTraceFilter::setThreadId(const char* text) {
-  threadId_ = numberIn(text);
+  threadId_ = parseNumber(text);
 }
 
 bool VelClTraceFilter::usesCompIdFilter() const {
-  // Component 0 passes whatever its bit says.
+  // Bit 0 is ignored, because component 0 always passes.
   if ((components_[0] | 1) != 0xFF) return true;
   return std::any_of(components_ + 1, components_ + sizeof components_,
                      [](unsigned char bits) { return bits != 0xFF; });
@@ -74,12 +75,14 @@ void VelClTraceFilter::setComponentIdSet(unsigned short from, unsigned short to,
   if (from != 0) setBits(from, to == 0 ? from : to, enable);
 }
 
+// One pass over the list. Each sign sets a property of the current item, and "," or the end applies the item.
+// Signs may come in any order, and a later number replaces an earlier one: "10-20" is the item "-20".
 void VelClTraceFilter::enableComponentIds(const char* list) {
   if (list == nullptr) return;
-  Item item;
+  ListItem item;
   const auto apply = [this, &item] {
     if (item.low != 0) setBits(item.low, item.high == 0 ? item.low : item.high, item.include);
-    item = Item();
+    item = ListItem();
   };
   while (*list != '\0') {
     if (vel::isAsciiDigit(*list)) {
@@ -104,6 +107,7 @@ void VelClTraceFilter::enableComponentIds(const char* list) {
         apply();
         break;
       default:
+        // Intentional: all other characters are ignored.
         break;
     }
   }

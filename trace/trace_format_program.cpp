@@ -1,4 +1,5 @@
-// Takes a format string apart.
+// Parses a format string into steps. Directives are only letters here; trace_formatter_run.cpp knows their
+// meaning.
 #include "trace/trace_format_program.h"
 
 #include <cstring>
@@ -12,7 +13,7 @@ FormatProgram::FormatProgram(const char* format, std::string_view letters, bool 
   while (*format != '\0') {
     const char* const sign = format + std::strcspn(format, "%\\");
     texts_.insert(texts_.end(), format, sign);
-    // A sign at the very end has nothing to stand for, and ends the format.
+    // A '%' or a backslash as the last character is dropped.
     if (*sign == '\0' || sign[1] == '\0') break;
     if (*sign == '%')
       addDirective(sign[1]);
@@ -21,20 +22,23 @@ FormatProgram::FormatProgram(const char* format, std::string_view letters, bool 
     format = sign + 2;
   }
   endStep(FormatStep::kNone);
+  // Padding, since texts are copied in whole blocks.
   texts_.resize(texts_.size() + TextBuffer::kBlock);
 }
 
 void FormatProgram::addDirective(char letter) {
-  const std::size_t place = letters_.find(letter);
+  const std::size_t index = letters_.find(letter);
   if (letter == 'n' && !indented_)
     texts_.push_back('\n');
-  else if (place != std::string_view::npos)
-    endStep(place);
+  else if (index != std::string_view::npos)
+    endStep(index);
   else
-    // "%q" prints "%" and drops the q. Keep.
+    // Intentional: an unknown directive such as "%q" prints "%" and drops
+    // its letter, which is how "%%" works, too.
     texts_.push_back('%');
 }
 
+// "\n" and "%n" are the same; "\t" is a tab; before any other character the backslash is dropped.
 void FormatProgram::addEscape(char letter) {
   if (letter == 'n')
     addDirective(letter);

@@ -1,5 +1,7 @@
-// A format string taken apart once, so that each entry costs only what it shows: a list of steps, each of
-// them a piece of text and the letter of a directive behind it.
+// A parsed format string. It is parsed once for each pass through a file, so that an entry costs only what it
+// shows. The result is a list of steps, each a piece of literal text and the directive after it:
+//
+//   "%f: %m\n"  ->  {"", 'f'}  {": ", 'm'}  {"\n", none}
 #pragma once
 
 #include <cstddef>
@@ -11,22 +13,23 @@
 namespace vel::trace {
 
 struct FormatStep {
-  std::uint32_t start;      ///< of the text before the directive, within the texts
-  std::uint32_t length;     ///< of that text
-  std::uint32_t directive;  ///< the place of its letter, or kNone
+  std::uint32_t start;      ///< offset of the text before the directive, see FormatProgram::textOf
+  std::uint32_t length;     ///< of that text, in characters
+  std::uint32_t directive;  ///< index of the directive's letter, or kNone
 
   static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 };
 
 class FormatProgram {
  public:
-  /// Directives are numbered by their letters' places in `letters`. Without indentation "%n" is the text of a
-  /// line break. The memory manager's failures throw.
+  /// `letters` are the known directives; steps refer to them by index, and they must outlive
+  /// this object. Unless lines are indented, "%n" becomes literal text instead of a
+  /// directive. Throws when the memory manager fails.
   FormatProgram(const char* format, std::string_view letters, bool indented);
 
   const FormatStep* begin() const { return steps_.data(); }
   const FormatStep* end() const { return steps_.data() + steps_.size(); }
-  /// Can be read in whole blocks of TextBuffer.
+  /// The step's text. It can be read in whole blocks of TextBuffer::kBlock, past its end.
   const char* textOf(const FormatStep& step) const { return texts_.data() + step.start; }
 
  private:

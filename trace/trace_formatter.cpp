@@ -1,4 +1,4 @@
-// The formatter's options; a pass through the file is trace_formatter_run.cpp's.
+// Holds the formatter's options. A pass through the trace file is trace_formatter_run.cpp's work.
 #include "foundation/allocator.h"
 #include "trace/trace_formatter_run.h"
 #include "vel_include/vel_messages.h"
@@ -30,7 +30,8 @@ void VelClTraceFormatter::setFormatString(const char* format) {
 
 void VelClTraceFormatter::attachVelMessageCatalog(VelClMessageCatalog& catalog) {
   if (message_ != nullptr && catalog_ == &catalog) return;
-  // A message stays with the catalog that it was made for.
+  // A message cannot change its catalog, so another catalog needs another message. The old one is destroyed
+  // last: if memory runs out, the formatter is as before.
   auto* message = vel::create<VelClMessage>(catalog, 189UL);
   vel::destroy(message_);
   message_ = message;

@@ -1,5 +1,16 @@
-// One pass of the formatter: entries are read, filtered and rendered. How values look is
-// trace_data_text.cpp's matter, how lines of dumps look that of util/dump_line.h.
+// One pass of the formatter through a trace file: reads, filters and renders entries. The format string is
+// parsed by trace_format_program.cpp; values are formatted by trace_data_text.cpp, dumps by util/dump_line.h.
+//
+// An entry is rendered step by step: renderEntry() copies a piece of literal text, calls the directive after
+// it, and so on. Both write to the output buffer at `out` and return the new end. Room for a whole step is
+// reserved beforehand, so that most steps need neither a check of their own nor a call of the stream.
+// Directives whose output has no bound (data, types, indented lines) go through throughBuffer(), which
+// commits what was written, lets them append to the buffer, and reserves anew:
+//
+//   "%p, %t: %d"    reserve | %p | ", " | %t | ": " | commit, %d appends, reserve | commit
+//
+// The file is untrusted. Its lengths are 32-bit numbers: data is read in pieces of bounded size, and skipped
+// data costs no more than reading the file to its end.
 #include "trace/trace_formatter_run.h"
 
 #include <algorithm>
@@ -22,42 +33,46 @@ using vel::util::LineLayout;
 
 namespace {
 
-/// What all faults of a file are thrown as; the lines are fixed numbers.
-[[noreturn]] void fault(VelEnErrorId id, VelEnErrorClass errorClass, const char* origin, unsigned int line) {
+/// Throws the exception that all bad files are reported with. Intentional: callers see `origin` and `line` as
+/// fixed texts and numbers; they are not lines of this file.
+[[noreturn]] void throwError(VelEnErrorId id, VelEnErrorClass errorClass, const char* origin,
+                             unsigned int line) {
   VelClException exception(id, errorClass, VelEnErrorSeverity::FATAL, VelEnErrorAction::TERMINATE, "");
   exception.setOrigin(origin, line);
   throw exception;
 }
 
-[[noreturn]] void unexpectedEnd(const char* origin, unsigned int line) {
-  fault(TRACEFORMAT_UNEXPECTED_EOF, VelEnErrorClass::IO_READ_PROBLEM, origin, line);
+[[noreturn]] void throwUnexpectedEnd(const char* origin, unsigned int line) {
+  throwError(TRACEFORMAT_UNEXPECTED_EOF, VelEnErrorClass::IO_READ_PROBLEM, origin, line);
 }
 
-[[noreturn]] void corrupted(const char* origin, unsigned int line) {
-  fault(TRACEFORMAT_FILE_CORRUPTED, VelEnErrorClass::INVALID_DATA, origin, line);
+[[noreturn]] void throwCorrupted(const char* origin, unsigned int line) {
+  throwError(TRACEFORMAT_FILE_CORRUPTED, VelEnErrorClass::INVALID_DATA, origin, line);
 }
 
 constexpr unsigned int numberOf(VelEnTraceDataType type) {
   return static_cast<unsigned int>(type);
 }
 
-/// Longer data is always shown as a dump or as text.
+/// Data of values, function records and the like, in bytes. Types whose data may
+/// be longer are shown as a dump or as text.
 constexpr std::size_t kLongestShortData = 127;
 constexpr std::uint32_t kNestingLevelSize = 4;
 constexpr std::size_t kLargestValue = 16;
-/// Shorter texts of a format are copied in blocks.
+/// Literal texts up to this length are copied in blocks.
 constexpr std::size_t kShortText = 64;
-/// More than such a text and an entry's function name or message, of 511 characters at most, can take.
+/// Enough for a step without throughBuffer(): a literal text of kShortText characters and a
+/// function name or message of at most 511.
 constexpr std::size_t kStepRoom = 1024;
-/// What a hostile file can make a line's indentation cost.
+/// Limits the indentation of a line, whose level comes from the file.
 constexpr std::uint32_t kDeepestShown = 1024;
 
 std::uint32_t shownLevels(std::uint32_t nestingLevel) {
-  // A function's exit without its entry leaves "minus one".
+  // A negative level: the exit of a function without its entry.
   return nestingLevel >> 31 != 0 ? 0 : std::min(nestingLevel, kDeepestShown);
 }
 
-/// With all that it calls made part of it: a known length makes the loops three times as fast.
+/// Everything it calls is inlined (flatten): with a constant length the loops run three times as fast.
 [[gnu::flatten]] char* writeFullLine(char* out, std::uint64_t offset, const std::uint8_t* bytes) {
   return vel::util::writeLine<HexForm>(out, offset, bytes, HexForm::kBytes);
 }
@@ -66,16 +81,19 @@ std::string_view builtInText(unsigned long id) {
   return velMsgCatGetBuiltInTable(nullptr)[id];
 }
 
+/// Throws if data of `length` bytes is damaged or its type is unknown. Intentional: a type without data to
+/// show (DATA_NULL) may have any length.
 void checkShortData(unsigned int type, std::uint32_t length) {
   if (type == numberOf(VelEnTraceDataType::FUNCTION_ENTRY) ||
       type == numberOf(VelEnTraceDataType::FUNCTION_EXIT)) {
-    if (length != kNestingLevelSize) corrupted("VelClTraceFormatter::formatData, line 405", 405);
+    if (length != kNestingLevelSize) throwCorrupted("VelClTraceFormatter::formatData, line 405", 405);
   } else if (type == numberOf(VelEnTraceDataType::DATA_NONE)) {
-    if (length != 0) corrupted("VelClTraceFormatter::formatData, line 433", 433);
+    if (length != 0) throwCorrupted("VelClTraceFormatter::formatData, line 433", 433);
   } else if (vel::trace::isValueType(type)) {
-    if (!vel::trace::fitsValue(type, length)) corrupted("VelClTraceFormatter::formatData, line 502", 502);
+    if (!vel::trace::fitsValue(type, length))
+      throwCorrupted("VelClTraceFormatter::formatData, line 502", 502);
   } else if (type != numberOf(VelEnTraceDataType::DATA_NULL)) {
-    corrupted("VelClTraceFormatter::formatData, line 541", 541);
+    throwCorrupted("VelClTraceFormatter::formatData, line 541", 541);
   }
 }
 
@@ -93,11 +111,11 @@ VelClTraceFormatter::Run::Run(VelClTraceFormatter& formatter, std::ostream& stre
   for (unsigned long id = kBytes; id < kTextEnd; ++id)
     messages_[id - kBytes] = loadText(static_cast<TextId>(id));
   if (!input_.open(formatter.environment_->getFilename().getAsCString()))
-    fault(TRACEFORMAT_COULD_NOT_OPEN, VelEnErrorClass::IO_PERMISSION_DENIED,
-          "VelClTraceFormatter::format, line 837", 837);
+    throwError(TRACEFORMAT_COULD_NOT_OPEN, VelEnErrorClass::IO_PERMISSION_DENIED,
+               "VelClTraceFormatter::format, line 837", 837);
 }
 
-/// The catalog's message holds one text at a time, so its texts are copied.
+/// Loads a text once for the pass. The catalog's message holds one text at a time, so its texts are copied.
 std::string_view VelClTraceFormatter::Run::loadText(TextId id) {
   if (formatter_.message_ == nullptr) return builtInText(id);
   const std::string_view text = formatter_.message_->setNewMessageId(id);
@@ -109,20 +127,22 @@ std::string_view VelClTraceFormatter::Run::loadText(TextId id) {
 void VelClTraceFormatter::Run::formatAll() {
   try {
     while (formatEntry()) ++formatter_.entryCount_;
-    if (input_.hasFailed()) unexpectedEnd("VelClTraceFormatter::formatEntry, line 644", 644);
+    if (input_.hasFailed()) throwUnexpectedEnd("VelClTraceFormatter::formatEntry, line 644", 644);
   } catch (...) {
+    // Entries before the damaged one are still written.
     out_.flush();
     throw;
   }
   out_.flush();
 }
 
-/// False when there is no further entry.
+/// Returns false at the end of the file, also when it ends within a
+/// record: the last save may have been cut off.
 bool VelClTraceFormatter::Run::formatEntry() {
   if (!entry_.read(stream_)) return false;
   if (isShown()) {
     hideFunction_ = repeatsFunction();
-    walkFormat();
+    renderEntry();
   } else {
     skipEntry(entry_.getDumpDataLength());
   }
@@ -138,7 +158,8 @@ bool VelClTraceFormatter::Run::isShown() const {
          filter.matchesThreadId(entry_.getThreadId());
 }
 
-/// A function's entry always shows its name and is not remembered itself.
+/// Whether the entry's function name is the last one shown, and updates that one. Intentional: FUNCTION_ENTRY
+/// always shows its name and is not remembered.
 bool VelClTraceFormatter::Run::repeatsFunction() {
   if (formatter_.showRepeatedNames_ || entry_.getType() == VelEnTraceDataType::FUNCTION_ENTRY) return false;
   const std::string_view origin(entry_.getOrigin(), entry_.getOriginLength());
@@ -152,6 +173,7 @@ struct VelClTraceFormatter::Run::Directive {
   char* (Run::*show)(char* out);
 };
 
+// Steps of a format program refer to directives by their index in this table.
 constexpr VelClTraceFormatter::Run::Directive VelClTraceFormatter::Run::kDirectives[] = {
     {'c', &Run::showComponent},
     {'d', &Run::throughBuffer<&Run::formatData>},
@@ -175,7 +197,7 @@ std::string_view VelClTraceFormatter::Run::directiveLetters() {
   return {kLetters.data(), kLetters.size()};
 }
 
-void VelClTraceFormatter::Run::walkFormat() {
+void VelClTraceFormatter::Run::renderEntry() {
   char* out = out_.reserve(kStepRoom);
   for (const FormatStep& step : program_) {
     if (step.length <= kShortText) {
@@ -193,6 +215,7 @@ void VelClTraceFormatter::Run::walkFormat() {
   out_.commit(out);
 }
 
+/// Runs a directive that appends to the buffer instead of writing to `out`.
 template <void (VelClTraceFormatter::Run::*show)()>
 char* VelClTraceFormatter::Run::throughBuffer(char* out) {
   out_.commit(out);
@@ -241,9 +264,11 @@ void VelClTraceFormatter::Run::showLongType() {
   showType(&TraceTypeNames::longName, "VelClTraceFormatter::getTypeAsLongCString, line 602");
 }
 
+/// Only DATA and DATA_CLIPPED show their size after the name: "DATA (5 Bytes)".
 void VelClTraceFormatter::Run::showType(std::string_view TraceTypeNames::*name, const char* origin) {
   const TraceTypeNames* const names = vel::trace::typeNamesOf(numberOf(entry_.getType()));
-  if (names == nullptr) fault(TRACEFORMAT_FILE_CORRUPTED, VelEnErrorClass::DATA_OUT_OF_BOUNDS, origin, 602);
+  if (names == nullptr)
+    throwError(TRACEFORMAT_FILE_CORRUPTED, VelEnErrorClass::DATA_OUT_OF_BOUNDS, origin, 602);
   out_.append(names->*name);
   const bool clipped = entry_.getType() == VelEnTraceDataType::DATA_CLIPPED;
   if (!clipped && entry_.getType() != VelEnTraceDataType::DATA) return;
@@ -261,7 +286,7 @@ void VelClTraceFormatter::Run::displayIndent() {
 }
 
 void VelClTraceFormatter::Run::skipEntry(std::uint32_t length) {
-  if (!input_.skip(length)) unexpectedEnd("VelClTraceFormatter::skipEntry, line 186", 186);
+  if (!input_.skip(length)) throwUnexpectedEnd("VelClTraceFormatter::skipEntry, line 186", 186);
 }
 
 void VelClTraceFormatter::Run::formatData() {
@@ -274,20 +299,20 @@ void VelClTraceFormatter::Run::formatData() {
     case VelEnTraceDataType::C_STRING:
       return formatCString(length);
     case VelEnTraceDataType::ADDRESS:
-      if (length != sizeof(std::uint64_t)) corrupted("VelClTraceFormatter::formatData, line 364", 364);
+      if (length != sizeof(std::uint64_t)) throwCorrupted("VelClTraceFormatter::formatData, line 364", 364);
       return formatAdrs();
     default:
-      if (length > kLongestShortData) corrupted("VelClTraceFormatter::formatData, line 377", 377);
+      if (length > kLongestShortData) throwCorrupted("VelClTraceFormatter::formatData, line 377", 377);
       return formatShortData(length);
   }
 }
 
-/// A type that its data does not fit is reported before data that is cut off.
+/// If data does not suit its type and is cut off as well, the former is reported.
 void VelClTraceFormatter::Run::formatShortData(std::uint32_t length) {
   std::uint8_t bytes[kLongestShortData];
   const bool complete = input_.read(bytes, length) == length;
   checkShortData(numberOf(entry_.getType()), length);
-  if (!complete) unexpectedEnd("VelClTraceFormatter::formatEntry, line 644", 644);
+  if (!complete) throwUnexpectedEnd("VelClTraceFormatter::formatEntry, line 644", 644);
   switch (entry_.getType()) {
     case VelEnTraceDataType::FUNCTION_ENTRY:
     case VelEnTraceDataType::FUNCTION_EXIT:
@@ -304,7 +329,7 @@ void VelClTraceFormatter::Run::formatShortData(std::uint32_t length) {
 void VelClTraceFormatter::Run::showNestingLevel(const std::uint8_t* bytes) {
   formatter_.nestingLevel_ = vel::trace::littleEndian32(bytes);
   if (!formatter_.showNestingLevel_) return;
-  // A function's exit never takes the word from the catalog. Keep.
+  // Intentional: the word of a function's exit is always the built-in English one, even with a catalog.
   const bool isEntry = entry_.getType() == VelEnTraceDataType::FUNCTION_ENTRY;
   out_.append(isEntry ? getMessage(kNestingLevel) : builtInText(kNestingLevel));
   out_.decimal(formatter_.nestingLevel_);
@@ -316,7 +341,7 @@ void VelClTraceFormatter::Run::showValue(const std::uint8_t* bytes, std::size_t 
   if (formatter_.showBinary_) showBytes<BinaryForm>("BIN: ", bytes, count);
 }
 
-/// A line for as many bytes as one can show, and then the next, up to the largest value's.
+/// Shows a value's bytes in lines of at most Form::kBytes. Bytes after the largest value's are left out.
 template <typename Form>
 void VelClTraceFormatter::Run::showBytes(std::string_view label, const std::uint8_t* bytes,
                                          std::size_t count) {
@@ -329,18 +354,20 @@ void VelClTraceFormatter::Run::showBytes(std::string_view label, const std::uint
   }
 }
 
-/// Full lines end with a line break, the last one only if it is full.
+/// Intentional: every full line ends with a line break, but a last line that is not full does not.
 void VelClTraceFormatter::Run::formatHexDump(std::uint32_t length) {
   out_.put('\n');
   for (std::uint32_t offset = 0; offset < length; offset += HexForm::kBytes) {
     std::uint8_t bytes[HexForm::kBytes];
     const std::size_t count = std::min<std::size_t>(length - offset, sizeof bytes);
-    if (input_.read(bytes, count) < count) unexpectedEnd("VelClTraceFormatter::formatHexDump, line 277", 277);
+    if (input_.read(bytes, count) < count)
+      throwUnexpectedEnd("VelClTraceFormatter::formatHexDump, line 277", 277);
     displayIndent();
     char* const out = out_.reserve(LineLayout<HexForm>::kLongest + 1);
     if (count == sizeof bytes)
       out_.commit(writeFullLine(out, offset, bytes));
     else
+      // Without the line break that writeLine adds.
       out_.commit(vel::util::writeLine<HexForm>(out, offset, bytes, count) - 1);
   }
 }
@@ -349,10 +376,11 @@ void VelClTraceFormatter::Run::formatAdrs() {
   static_assert(sizeof(void*) == sizeof(std::uint64_t));
   const void* address = nullptr;
   if (input_.read(&address, sizeof address) < sizeof address)
-    unexpectedEnd("VelClTraceFormatter::formatAdrs, line 247", 247);
+    throwUnexpectedEnd("VelClTraceFormatter::formatAdrs, line 247", 247);
   out_.append(VelClStrepAddress(address).getAsCString());
 }
 
+/// Reads the text into the output buffer, in pieces: its length may be up to 4 GiB.
 void VelClTraceFormatter::Run::formatCString(std::uint32_t length) {
   out_.put('"');
   while (length > 0) {
@@ -360,7 +388,7 @@ void VelClTraceFormatter::Run::formatCString(std::uint32_t length) {
     char* const out = out_.reserve(part);
     const std::size_t count = input_.read(out, part);
     out_.commit(out + count);
-    if (count < part) unexpectedEnd("VelClTraceFormatter::formatCString, line 323", 323);
+    if (count < part) throwUnexpectedEnd("VelClTraceFormatter::formatCString, line 323", 323);
     length -= part;
   }
   out_.put('"');

@@ -1,4 +1,5 @@
-// One pass of the formatter through a file: reading, filtering, and rendering by the steps of the format.
+// One pass of the formatter through a trace file. VelClTraceFormatter holds the options; a Run holds what
+// lasts for a pass: the open file, the parsed format, the output buffer and the current entry.
 #pragma once
 
 #include <istream>
@@ -13,13 +14,16 @@
 
 class VelClTraceFormatter::Run {
  public:
-  /// Opens the file, or throws.
+  /// Opens the trace file; throws if it cannot be opened. Both arguments must outlive the run.
   Run(VelClTraceFormatter& formatter, std::ostream& stream);
 
+  /// Formats all entries. Throws for a damaged file, after writing the entries before the damage.
   void formatAll();
 
  private:
+  /// Message ids of the formatter's words, which come from the catalog or from the built-in table.
   enum TextId : unsigned long { kBytes = 189, kClipped, kNullPointer, kNestingLevel, kTextEnd };
+  /// The letter of a directive and the member function that shows it.
   struct Directive;
 
   static const Directive kDirectives[];
@@ -30,13 +34,14 @@ class VelClTraceFormatter::Run {
   bool formatEntry();
   bool isShown() const;
   bool repeatsFunction();
-  void walkFormat();
-  /// For directives whose text has no bound.
+  void renderEntry();
+  /// Runs a directive whose output may be longer than the room that is reserved for a step.
   template <void (Run::*show)()>
   char* throughBuffer(char* out);
 
+  // Functions with `out` write there, at most a step's room, and return the end; the others append to out_.
+
   char* showComponent(char* out);
-  void showData();
   char* showDetail(char* out);
   char* showFunction(char* out);
   void showLineBreak();
@@ -65,10 +70,11 @@ class VelClTraceFormatter::Run {
   vel::trace::TraceFileInput input_;
   std::istream stream_;
   vel::trace::FormatProgram program_;
-  vel::OwnedText texts_[kTextEnd - kBytes];  ///< those that come from a catalog
+  vel::OwnedText texts_[kTextEnd - kBytes];  ///< copies of a catalog's words; null without a catalog
   std::string_view messages_[kTextEnd - kBytes];
   VelClTraceFileEntry entry_;
   std::string_view indentation_;
+  /// The last function name that was shown, for leaving out repeated ones.
   std::size_t rememberedLength_ = 0;
   char remembered_[512];
   bool hideFunction_ = false;

@@ -1,4 +1,5 @@
-// The plain functions of the trace facility.
+// The plain C functions of the trace facility. Without an instance they do nothing, so that programs may call
+// them whether or not they are traced.
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -36,6 +37,7 @@ void velTraceDump(VelEnTraceDetail detail, unsigned short componentId, VelEnTrac
     instance->dump(detail, componentId, type, origin, message, data, size);
 }
 
+// Asks the instance even while it is disabled: a program may look after it has stopped tracing.
 uint64_t velTraceGetLostBytes(void) {
   const VelClTraceInstance* const instance = VelClTraceInstance::getSingletonInstance();
   return instance == nullptr ? 0 : instance->getEnvironment().getLostBytes();
@@ -52,12 +54,13 @@ int velTraceGetLastSystemError(void) {
   va_start(arguments, format);
   std::vprintf(format, arguments);
   va_end(arguments);
+  // Intentional: a line break anywhere in the format counts, also one that is not at its end.
   if (std::strchr(format, '\n') == nullptr) std::putchar('\n');
   std::fflush(stdout);
 }
 
 void vel_tprint(std::ostream& stream, const char* file, int line) {
-  // Whatever base the stream shows numbers in.
+  // Not by the stream itself, which may be set to another base or to a locale with digit grouping.
   char number[sizeof "-2147483648"] = {};
   std::snprintf(number, sizeof number, "%d", line);
   stream << '[' << file << ':' << number << "] ";

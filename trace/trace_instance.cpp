@@ -1,4 +1,9 @@
-// The process's trace instance: what is enabled, and the way of an entry into the ring.
+// The process's trace instance: creates and deletes it, enables it, and passes entries that the filter lets
+// through to the environment, which owns the ring.
+//
+// Two pointers tell the states apart. cv_pclSingletonInstance is the instance; gs_pclVelTraceInstance is the
+// same instance while it is enabled and null otherwise, so that a trace call in a program that is not traced
+// costs one load and one branch.
 #include <new>
 #include <utility>
 
@@ -10,6 +15,7 @@ VelClTraceInstance* VelClTraceInstance::cv_pclSingletonInstance = nullptr;
 
 namespace {
 
+// Saves the last entries when the process ends or the library is unloaded.
 const VelClTraceAutomaticInstanceDestructor destroyedAtUnload;
 
 }  // namespace
@@ -39,6 +45,7 @@ VelClTraceInstance* VelClTraceInstance::createControllerInstance(const char* key
 
 VelClTraceInstance* VelClTraceInstance::create(const char* key, const char* instance, bool controllerMode) {
   if (cv_pclSingletonInstance == nullptr) {
+    // vel::create cannot call the private constructor.
     vel::OwnedBlock block(VelClMemoryManager::malloc(sizeof(VelClTraceInstance)));
     cv_pclSingletonInstance = ::new (block.get()) VelClTraceInstance(key, instance, controllerMode);
     static_cast<void>(block.release());
@@ -51,6 +58,7 @@ VelClTraceInstance* VelClTraceInstance::getSingletonInstance() {
 }
 
 void VelClTraceInstance::deleteInstance() {
+  // Cleared first, so that nobody finds an instance that is being destroyed.
   VelClTraceInstance* const instance = std::exchange(cv_pclSingletonInstance, nullptr);
   if (instance == nullptr) return;
   instance->~VelClTraceInstance();
@@ -85,13 +93,15 @@ void VelClTraceInstance::registerUserCallback(VelTraceCallback callback, void* c
 
 void VelClTraceInstance::dumpFunction(VelEnTraceDetail detail, unsigned short componentId,
                                       VelEnTraceDataType type, const char* origin) {
-  // An exit without an entry leaves a level below 0.
+  // An exit without its entry makes the level negative; the formatter then shows no indentation.
   nestingLevel_ += type == VelEnTraceDataType::FUNCTION_ENTRY ? 1 : -1;
+  // Intentional: only LOW is lowered. Function records of level LOW then pass every filter of details.
   if (detail == VelEnTraceDetail::LOW) detail = VelEnTraceDetail::OFF;
   dump(detail, componentId, type, origin, "", &nestingLevel_, sizeof nestingLevel_);
 }
 
-// Whether the instance is active does not matter here. Keep.
+// Intentional: does not ask whether the instance is active. Callers of
+// dump() record even when nothing is enabled.
 void VelClTraceInstance::dumpImp(void* context, VelEnTraceDetail detail, unsigned short componentId,
                                  VelEnTraceDataType type, const char* origin, const char* message,
                                  const void* data, size_t size) {

@@ -1,4 +1,5 @@
-// The settings of a trace.
+// The settings of a trace, kept in a record that the object or the caller owns. Reading them from environment
+// variables is trace_environment.cpp's work.
 #include <cstdint>
 #include <new>
 
@@ -6,6 +7,7 @@
 
 namespace {
 
+// "VE", marks a record that has been initialised.
 constexpr std::uint32_t kSignature = 0x5645;
 
 }  // namespace
@@ -14,6 +16,7 @@ VelClTraceSettings::VelClTraceSettings() : record_(&own_) {
   init();
 }
 
+// The caller's record need not be initialised: placement new makes it a record, with a default filter.
 VelClTraceSettings::VelClTraceSettings(void* record) : record_(::new (record) _VelStTraceSettings) {
   init();
 }

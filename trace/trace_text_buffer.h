@@ -1,4 +1,5 @@
-// Gathers the formatter's text, so that the stream is called once for many entries.
+// The formatter's output buffer. It collects the text of many entries, so that the stream, whose every call
+// costs more than formatting a number, is called once for them.
 #pragma once
 
 #include <algorithm>
@@ -14,6 +15,8 @@
 
 namespace vel::trace {
 
+/// Writes numbers as `stream` would at construction (precision, fixed or scientific), but without its locale.
+/// Flush it before it is destroyed; what is left is dropped.
 class TextBuffer {
  public:
   explicit TextBuffer(std::ostream& stream)
@@ -26,7 +29,8 @@ class TextBuffer {
 
   static constexpr std::size_t kCapacity = 16 * 1024;
 
-  /// Room for `size` characters, at most kCapacity; what is used of it is taken by `commit`.
+  /// Returns room for `size` characters, at most kCapacity. Write there, then commit() the end of what was
+  /// written; the rest of the room is given up.
   char* reserve(std::size_t size) {
     if (kCapacity - used_ < size) flush();
     return text_ + used_;
@@ -50,7 +54,7 @@ class TextBuffer {
     const auto magnitude = static_cast<std::uint64_t>(number);
     decimal(number < 0 ? 0 - magnitude : magnitude);
   }
-  /// With the stream's precision, in its general, fixed or scientific form.
+  /// Writes a floating-point number with the stream's precision and format.
   template <typename Float>
   void decimalFloat(Float number) {
     const std::size_t digits = floatFormat_ == std::chars_format::fixed ? kMostDigits : kLongestNumber;
@@ -65,9 +69,10 @@ class TextBuffer {
     stream_->write(text_, static_cast<std::streamsize>(size));
   }
 
-  // The writers below take a place with enough room and return the end, which is faster in a row than to
-  // commit each.
+  // The functions below write to memory that has enough room and return the end. In a row they are faster
+  // than the ones above, which reserve and commit for each piece.
 
+  /// Whether `size` characters fit after `end`.
   bool hasRoom(const char* end, std::size_t size) const {
     return static_cast<std::size_t>(text_ + kCapacity - end) >= size;
   }
@@ -78,7 +83,7 @@ class TextBuffer {
       std::memcpy(out, text.data(), text.size());
     return out + text.size();
   }
-  /// Copies whole blocks of kBlock, for short texts that have so many readable bytes.
+  /// Copies a short text in whole blocks of kBlock: reads and writes up to the end of the last block.
   static char* writeBlocks(char* out, const char* text, std::size_t length) {
     std::size_t done = 0;
     do std::memcpy(out + done, text + done, kBlock);
@@ -87,7 +92,7 @@ class TextBuffer {
   }
   static constexpr std::size_t kBlock = 16;
 
-  // The run-time library's own digits would become names that this library exports.
+  // Not std::to_chars, which would make the run-time library's digit tables exported names of this library.
   static char* writeDecimal(char* out, std::uint64_t number) {
     int digits = 1;
     for (std::uint64_t limit = 10; number >= limit && digits < 20; limit *= 10) ++digits;
@@ -108,7 +113,7 @@ class TextBuffer {
     return flags == std::ios::scientific ? std::chars_format::scientific : std::chars_format::general;
   }
   static constexpr int kMostPrecision = 8000;
-  static constexpr std::size_t kMostDigits = 5000;  ///< of a long double before its point
+  static constexpr std::size_t kMostDigits = 5000;  ///< of a long double before the decimal point
 
   std::ostream* stream_;
   std::chars_format floatFormat_;

@@ -1,4 +1,4 @@
-// The names of the data types, by their numbers.
+// The names of data types, as the formatter's "%x" and "%X" show them.
 #pragma once
 
 #include <string_view>
@@ -10,7 +10,8 @@ struct TraceTypeNames {
   std::string_view longName;
 };
 
-/// Null for a number that is no type. One more than the last type is a number of its own, without names.
+/// Returns the names of a type, or null for a number that is not a type. The
+/// number after the last type has empty names.
 const TraceTypeNames* typeNamesOf(unsigned int type);
 
 }  // namespace vel::trace

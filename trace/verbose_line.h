@@ -1,4 +1,4 @@
-// A line on standard output in verbose mode.
+// Writes a line to standard output in verbose mode.
 #pragma once
 
 #include <iostream>
@@ -9,8 +9,9 @@
 
 namespace vel::trace {
 
-/// Begins with the frame's prefix and ends with its suffix. Numbers are plain decimal ones, and no failure
-/// throws, whatever the program has made of std::cout.
+/// A temporary of this class writes one line: prefix, values, suffix. It uses the buffer of std::cout through
+/// a stream of its own, so that neither the program's settings of std::cout (base, locale, exceptions) change
+/// the line, nor this changes them.
 class VerboseLine {
  public:
   VerboseLine() : out_(std::cout.rdbuf()) {
