@@ -47,7 +47,7 @@ class Answer {
   char firstLetter() const { return toAsciiUpper(text_[0]); }
   /// Digits at the start, behind no sign but "-".
   bool isNumeric() const { return isAsciiDigit(text_[text_[0] == '-' ? 1 : 0]); }
-  std::int32_t number() const { return vel_atol32(text_); }
+  std::int32_t number() const { return parseInt32(text_); }
 
   /// Cut to the room there is.
   void take(const char* text) { end(text, std::strlen(text)); }

@@ -71,7 +71,7 @@ bool VelClConsoleUI::readNumber(VelClSwitchName name, Number& value) const {
     fatalArgument(vel::consoleui::kExitNonNumericValue, static_cast<uint32_t>(Word::NonNumericValue),
                   text.get());
   // No range check: a short takes the low 16 bits. Keep.
-  value = static_cast<Number>(vel::vel_atol32(digits));
+  value = static_cast<Number>(vel::parseInt32(digits));
   return true;
 }
 

@@ -75,10 +75,10 @@ void convert(const char* text, const char*& value) noexcept {
   value = text;
 }
 void convert(const char* text, int& value) noexcept {
-  value = vel_atol32(text);
+  value = parseInt32(text);
 }
 void convert(const char* text, long& value) noexcept {
-  value = vel_atol32(text);
+  value = parseInt32(text);
 }
 void convert(const char* text, unsigned int& value) noexcept {
   value = unsignedOf(text);

@@ -51,7 +51,7 @@ class Variables {
 
 /// A number of kilobytes as bytes, shifted in 32 bits and compared with its sign.
 std::uint32_t bufferSizeFrom(const char* kilobytes) {
-  const auto bytes = static_cast<std::int32_t>(static_cast<std::uint32_t>(vel::vel_atol32(kilobytes)) << 10);
+  const auto bytes = static_cast<std::int32_t>(static_cast<std::uint32_t>(vel::parseInt32(kilobytes)) << 10);
   return static_cast<std::uint32_t>(std::clamp(bytes, kSmallestBuffer, kLargestBuffer));
 }
 

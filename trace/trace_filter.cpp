@@ -25,7 +25,7 @@ bool beginsWith(const char* text, const char* name) {
 }
 
 std::uint32_t numberIn(const char* text) {
-  return text == nullptr ? 0 : static_cast<std::uint32_t>(vel::vel_atol32(text));
+  return text == nullptr ? 0 : static_cast<std::uint32_t>(vel::parseInt32(text));
 }
 
 /// One item of a component list while it is read.
@@ -83,7 +83,7 @@ void VelClTraceFilter::enableComponentIds(const char* list) {
   };
   while (*list != '\0') {
     if (vel::isAsciiDigit(*list)) {
-      (item.readsHigh ? item.high : item.low) = vel::vel_strtoul32(list, &list);
+      (item.readsHigh ? item.high : item.low) = vel::parseUint32(list, &list);
       continue;
     }
     switch (*list++) {
