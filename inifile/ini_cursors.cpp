@@ -1,6 +1,7 @@
 // Cursors over sections and options.
 #include "base/ascii.h"
 #include "inifile/model.h"
+#include "inifile/value_characters.h"
 #include "vel_include/vel_inifile.h"
 
 using vel::equalsIgnoringAsciiCase;

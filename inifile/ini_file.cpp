@@ -3,6 +3,7 @@
 #include "inifile/ini_parser.h"
 #include "inifile/line_source.h"
 #include "inifile/model.h"
+#include "inifile/value_characters.h"
 #include "vel_include/vel_inifile.h"
 
 using vel::inifile::LineSource;

@@ -1,4 +1,4 @@
-// An INI file under edit: reading and writing it. Changes are edited_text.cpp's work.
+// An INI file under edit: reading and writing it. Changes are ini_document.cpp's work.
 #include "base/short_text.h"
 #include "foundation/allocator.h"
 #include "inifile/edited_file.h"
@@ -44,49 +44,49 @@ bool VelClIniFileEditor::load(bool allowContinuation) {
   const OpenFile file{vel::platform::openForReading(getAsCString())};
   String bytes;
   if (file.descriptor < 0 || !readAll(file.descriptor, bytes)) return false;
-  const std::optional<FileState> found = file_->held.stateOfRead(file.descriptor);
+  const std::optional<FileState> found = file_->lock.checkRead(file.descriptor);
   if (!found.has_value()) return false;
-  file_->text.take(std::move(bytes), allowContinuation);
-  file_->held.noteRead(*found);
+  file_->document.adopt(std::move(bytes), allowContinuation);
+  file_->lock.noteRead(*found);
   return true;
 }
 
 void VelClIniFileEditor::loadFromBuffer(const char* buffer, size_t size, bool allowContinuation) {
-  file_->held.forgetRead();
-  file_->text.take(buffer != nullptr ? String(buffer, size) : String(), allowContinuation);
+  file_->lock.forgetRead();
+  file_->document.adopt(buffer != nullptr ? String(buffer, size) : String(), allowContinuation);
 }
 
 bool VelClIniFileEditor::setValue(const char* section, const char* option, const char* value) {
   if (section == nullptr || option == nullptr) return false;
-  return file_->text.setValue(section, option, vel::textOrEmpty(value));
+  return file_->document.setValue(section, option, vel::textOrEmpty(value));
 }
 
 bool VelClIniFileEditor::merge(const VelClIniFile& source) {
-  return file_->text.merge(source);
+  return file_->document.merge(source);
 }
 
 bool VelClIniFileEditor::addSection(const char* name) {
-  return name != nullptr && file_->text.addSection(name);
+  return name != nullptr && file_->document.addSection(name);
 }
 
 bool VelClIniFileEditor::deleteOption(const char* section, const char* option) {
-  return section != nullptr && option != nullptr && file_->text.deleteOption(section, option);
+  return section != nullptr && option != nullptr && file_->document.deleteOption(section, option);
 }
 
 bool VelClIniFileEditor::deleteSection(const char* name) {
-  return name != nullptr && file_->text.deleteSection(name);
+  return name != nullptr && file_->document.deleteSection(name);
 }
 
 const char* VelClIniFileEditor::getText() const {
-  return file_->text.text().c_str();
+  return file_->document.text().c_str();
 }
 
 size_t VelClIniFileEditor::getLength() const {
-  return file_->text.text().size();
+  return file_->document.text().size();
 }
 
 const VelClIniFile& VelClIniFileEditor::getIniFile() const {
-  return file_->text.model();
+  return file_->document.model();
 }
 
 bool VelClIniFileEditor::save() {
@@ -94,10 +94,10 @@ bool VelClIniFileEditor::save() {
   if (!output.open(getAsCString())) return false;
   output.write(getText(), static_cast<std::streamsize>(getLength()));
   // Where it is another file this one is dropped.
-  if (!file_->held.mayReplace(getAsCString(), output.replaced()) || !output.close()) return false;
+  if (!file_->lock.mayReplace(getAsCString(), output.replaced()) || !output.close()) return false;
   file_->hasKeptRights = output.keepsRights();
-  file_->held.release();
-  file_->held.forgetRead();
+  file_->lock.release();
+  file_->lock.forgetRead();
   return true;
 }
 
@@ -106,13 +106,13 @@ bool VelClIniFileEditor::hasKeptRights() const {
 }
 
 VelEnIniFileLock VelClIniFileEditor::lock(unsigned int timeLimitMs) {
-  return file_->held.hold(getAsCString(), timeLimitMs);
+  return file_->lock.acquire(getAsCString(), timeLimitMs);
 }
 
 void VelClIniFileEditor::unlock() {
-  file_->held.release();
+  file_->lock.release();
 }
 
 bool VelClIniFileEditor::isReplaced() const {
-  return file_->held.isReplaced();
+  return file_->lock.isReplaced();
 }

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "inifile/option_text.h"
+#include "inifile/value_parser.h"
 
 namespace vel::inifile {
 
@@ -22,40 +23,40 @@ Span nameInHeader(Span line) noexcept {
 }
 
 bool Parser::parse(LineSource& lines) {
-  struct WithoutPlace {
+  struct PositionReset {
     Parser& parser;
-    explicit WithoutPlace(Parser& user) noexcept : parser(user) { parser.leavePlace(); }
-    ~WithoutPlace() { parser.leavePlace(); }
+    explicit PositionReset(Parser& user) noexcept : parser(user) { parser.resetPosition(); }
+    ~PositionReset() { parser.resetPosition(); }
   };
-  const WithoutPlace atStartAndEnd(*this);
+  const PositionReset atStartAndEnd(*this);
   while (!lines.isAtEnd()) {
     const Span line = lines.next();
     ++file_.lineCount_;
-    if (!take(line)) return false;
+    if (!parseLine(line)) return false;
   }
   return true;
 }
 
-void Parser::leavePlace() noexcept {
+void Parser::resetPosition() noexcept {
   file_.currentSection_ = nullptr;
   model_.openOption = nullptr;
 }
 
-bool Parser::take(Span line) {
+bool Parser::parseLine(Span line) {
   switch (kindOf(line)) {
     case LineKind::Empty:
       return true;
     case LineKind::Header:
-      return takeHeader(line);
+      return parseHeader(line);
     case LineKind::Indented:
-      return file_.currentSection_ == nullptr || takeContinuation(line);
+      return file_.currentSection_ == nullptr || parseContinuation(line);
     case LineKind::Option:
       break;
   }
-  return file_.currentSection_ == nullptr || takeOption(line);
+  return file_.currentSection_ == nullptr || parseOption(line);
 }
 
-bool Parser::takeHeader(Span line) {
+bool Parser::parseHeader(Span line) {
   const Span name = nameInHeader(line);
   if (name.begin == nullptr) return report(INIFILE_INVAL_SECTION);
   VelClIniFileSection* section = nullptr;
@@ -69,7 +70,7 @@ bool Parser::takeHeader(Span line) {
   return true;
 }
 
-bool Parser::takeOption(Span line) {
+bool Parser::parseOption(Span line) {
   const char* const equalSign = line.find('=');
   // The option before stays the one that continuation lines add to. Keep.
   if (equalSign == nullptr) return report(INIFILE_INVAL_OPTION);
@@ -79,7 +80,7 @@ bool Parser::takeOption(Span line) {
   return true;
 }
 
-bool Parser::takeContinuation(Span line) {
+bool Parser::parseContinuation(Span line) {
   VelClIniFileOption* const option = model_.openOption;
   if (!allowContinuation_ || option == nullptr) {
     model_.openOption = nullptr;

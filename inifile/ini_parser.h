@@ -26,11 +26,11 @@ class Parser {
   bool parse(LineSource& lines);
 
  private:
-  void leavePlace() noexcept;
-  bool take(Span line);
-  bool takeHeader(Span line);
-  bool takeOption(Span line);
-  bool takeContinuation(Span line);
+  void resetPosition() noexcept;
+  bool parseLine(Span line);
+  bool parseHeader(Span line);
+  bool parseOption(Span line);
+  bool parseContinuation(Span line);
   bool report(VelEnErrorId error) const;
 
   VelClIniFile& file_;

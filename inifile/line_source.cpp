@@ -53,17 +53,17 @@ Span LineSource::next() {
     delimiter = findDelimiter();
   if (delimiter == nullptr) {
     isAtEnd_ = true;
-    return take(end_);
+    return consumeLine(end_);
   }
   const char* const begin = at_;
   const bool hasReturn = isText_ && delimiter != begin && delimiter[-1] == '\r';
-  const Span line = take(hasReturn ? delimiter - 1 : delimiter);
+  const Span line = consumeLine(hasReturn ? delimiter - 1 : delimiter);
   at_ = delimiter + 1;
   return line;
 }
 
 /// A line that is too long is read up to there, and nothing behind it.
-Span LineSource::take(const char* lineEnd) noexcept {
+Span LineSource::consumeLine(const char* lineEnd) noexcept {
   Span line{at_, lineEnd};
   at_ = lineEnd;
   if (line.length() > kMaxLineLength) {

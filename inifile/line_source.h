@@ -36,7 +36,7 @@ class LineSource {
  private:
   const char* findDelimiter() const noexcept;
   bool refill() noexcept;
-  Span take(const char* lineEnd) noexcept;
+  Span consumeLine(const char* lineEnd) noexcept;
 
   const char* at_ = nullptr;
   const char* end_ = nullptr;

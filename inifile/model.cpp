@@ -63,14 +63,14 @@ Model::Option* Model::findOption(const Section& section, const char* name) {
 }
 
 Model::Section* Model::appendSection(Span name) {
-  constexpr std::size_t kUnits = RecordMemory::unitsFor(sizeof(Section));
-  auto* const section = ::new (memory_.take(kUnits)) Section{};
+  constexpr std::size_t kUnits = RecordPool::unitsFor(sizeof(Section));
+  auto* const section = ::new (pool_.allocate(kUnits)) Section{};
   const std::size_t length = std::min(name.length(), Section::kMaxNameLength);
   if (length != 0) std::memcpy(section->name_, name.begin, length);
   try {
     if (sectionIndex_ != nullptr) sectionIndex_->add(section, file_.lastSection_);
   } catch (...) {
-    memory_.giveBack(section, kUnits);
+    pool_.deallocate(section, kUnits);
     throw;
   }
   (file_.lastSection_ != nullptr ? file_.lastSection_->next_ : file_.firstSection_) = section;
@@ -92,8 +92,8 @@ void Model::fill(Option& option, char* place, const OptionText& text) noexcept {
 
 Model::Option* Model::makeOption(const OptionText& text) {
   static_assert(offsetof(Option, text_) == kTextOffset);
-  const std::size_t units = RecordMemory::unitsFor(std::max(kTextOffset + text.size(), kSmallestRecord));
-  auto* const option = ::new (memory_.take(units)) Option();
+  const std::size_t units = RecordPool::unitsFor(std::max(kTextOffset + text.size(), kSmallestRecord));
+  auto* const option = ::new (pool_.allocate(units)) Option();
   option->next_ = nullptr;
   option->recordUnits_ = static_cast<std::uint8_t>(units);
   option->textUnits_ = 0;
@@ -106,7 +106,7 @@ Model::Option* Model::appendOption(Section& section, const OptionText& text) {
   try {
     if (section.index_ != nullptr) indexOf(section)->add(option, section.lastOption_);
   } catch (...) {
-    memory_.giveBack(option, option->recordUnits_);
+    pool_.deallocate(option, option->recordUnits_);
     throw;
   }
   (section.lastOption_ != nullptr ? section.lastOption_->next_ : section.firstOption_) = option;
@@ -115,23 +115,23 @@ Model::Option* Model::appendOption(Section& section, const OptionText& text) {
   return option;
 }
 
-void Model::giveBackText(Option& option) noexcept {
-  if (option.textUnits_ != 0) memory_.giveBack(const_cast<char*>(option.movedText()), option.textUnits_);
+void Model::freeText(Option& option) noexcept {
+  if (option.textUnits_ != 0) pool_.deallocate(const_cast<char*>(option.movedText()), option.textUnits_);
 }
 
 /// The record stays where it is. A text that grows takes twice the room, so that many small continuation
 /// lines do not leave many texts behind.
 void Model::replaceText(Option& option, const OptionText& text) {
-  constexpr std::size_t kMostUnits = RecordMemory::unitsFor(kOptionTextSize);
-  constexpr std::size_t kUnitSize = RecordMemory::kUnit;
+  constexpr std::size_t kMostUnits = RecordPool::unitsFor(kOptionTextSize);
+  constexpr std::size_t kUnitSize = RecordPool::kUnit;
   const bool isInRecord = option.textUnits_ == 0;
   const std::size_t room =
       isInRecord ? option.recordUnits_ * kUnitSize - kTextOffset : option.textUnits_ * kUnitSize;
   char* place = isInRecord ? textInRecord(option) : const_cast<char*>(option.movedText());
   if (text.size() > room) {
-    const std::size_t units = std::min(RecordMemory::unitsFor(text.size()) * 2, kMostUnits);
-    place = static_cast<char*>(memory_.take(units));
-    giveBackText(option);
+    const std::size_t units = std::min(RecordPool::unitsFor(text.size()) * 2, kMostUnits);
+    place = static_cast<char*>(pool_.allocate(units));
+    freeText(option);
     std::memcpy(textInRecord(option), &place, sizeof place);
     option.textUnits_ = static_cast<std::uint8_t>(units);
   }
@@ -147,15 +147,15 @@ void Model::deleteOption(Section& section, Option& option) noexcept {
   if (openOption == &option) openOption = nullptr;
   for (CursorPlace* place = places_; place != nullptr; place = place->next_)
     if (place->option_ == &option) place->option_ = nullptr;
-  giveBackText(option);
-  memory_.giveBack(&option, option.recordUnits_);
+  freeText(option);
+  pool_.deallocate(&option, option.recordUnits_);
 }
 
 void Model::freeOptions(Section& section) noexcept {
   while (Option* const option = section.firstOption_) {
     section.firstOption_ = option->next_;
-    giveBackText(*option);
-    memory_.giveBack(option, option->recordUnits_);
+    freeText(*option);
+    pool_.deallocate(option, option->recordUnits_);
   }
 }
 
@@ -172,7 +172,7 @@ void Model::deleteSection(Section& section) noexcept {
     if (place->section_ == &section) place->section_ = nullptr, place->option_ = nullptr;  // with its options
   destroy(indexOf(section));
   freeOptions(section);
-  memory_.giveBack(&section, RecordMemory::unitsFor(sizeof(Section)));
+  pool_.deallocate(&section, RecordPool::unitsFor(sizeof(Section)));
 }
 
 void Model::add(CursorPlace& place) noexcept {

@@ -6,7 +6,7 @@
 
 #include "inifile/name_index.h"
 #include "inifile/option_text.h"
-#include "inifile/record_memory.h"
+#include "inifile/record_pool.h"
 #include "inifile/text_rules.h"
 #include "vel_include/vel_inifile.h"
 
@@ -55,11 +55,11 @@ class Model {
   static char* textInRecord(Option& option) noexcept;
   static void fill(Option& option, char* place, const OptionText& text) noexcept;
   Option* makeOption(const OptionText& text);
-  void giveBackText(Option& option) noexcept;
+  void freeText(Option& option) noexcept;
   void freeOptions(Section& section) noexcept;
 
   VelClIniFile& file_;
-  RecordMemory memory_;
+  RecordPool pool_;
   std::size_t sectionCount_ = 0;
   SectionIndex* sectionIndex_ = nullptr;
   CursorPlace* places_ = nullptr;

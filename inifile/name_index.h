@@ -25,13 +25,13 @@ class NameIndex {
       add(first, before);
   }
 
-  Record* find(const char* name) const noexcept { return slots_[place(name, hashOf(name))].record; }
+  Record* find(const char* name) const noexcept { return slots_[findSlot(name, hashOf(name))].record; }
 
   /// A record that was appended to the list, or is about to be, behind `before`.
   void add(Record* record, Record* before) {
     if (used_ * 4 >= slots_.size() * 3) grow();
     const std::uint32_t hash = hashOf(record->getName());
-    Slot& slot = slots_[place(record->getName(), hash)];
+    Slot& slot = slots_[findSlot(record->getName(), hash)];
     if (slot.record != nullptr) {
       slot.isRepeated = true;
       return;
@@ -43,7 +43,7 @@ class NameIndex {
   /// The first record of a name, about to be taken from the list: gives the one before it. Another one of the
   /// same name takes its place.
   Record* remove(const Record* record) noexcept {
-    const std::size_t at = place(record->getName(), hashOf(record->getName()));
+    const std::size_t at = findSlot(record->getName(), hashOf(record->getName()));
     Record* const before = slots_[at].before;
     Record* next = record->getNext();
     if (next != nullptr) setBefore(next, before);
@@ -82,7 +82,7 @@ class NameIndex {
   std::size_t next(std::size_t at) const noexcept { return (at + 1) & (slots_.size() - 1); }
 
   /// Where the name is, or would be.
-  std::size_t place(const char* name, std::uint32_t hash) const noexcept {
+  std::size_t findSlot(const char* name, std::uint32_t hash) const noexcept {
     std::size_t at = hash & (slots_.size() - 1);
     while (slots_[at].record != nullptr &&
            (slots_[at].hash != hash || !isSameName(slots_[at].record->getName(), name)))
@@ -91,7 +91,7 @@ class NameIndex {
   }
 
   void setBefore(const Record* record, Record* before) noexcept {
-    Slot& slot = slots_[place(record->getName(), hashOf(record->getName()))];
+    Slot& slot = slots_[findSlot(record->getName(), hashOf(record->getName()))];
     if (slot.record == record) slot.before = before;
   }
 
@@ -99,7 +99,7 @@ class NameIndex {
     Vector<Slot> old(slots_.size() * 2);
     old.swap(slots_);
     for (const Slot& slot : old)
-      if (slot.record != nullptr) slots_[place(slot.record->getName(), slot.hash)] = slot;
+      if (slot.record != nullptr) slots_[findSlot(slot.record->getName(), slot.hash)] = slot;
   }
 
   /// Moves those behind an emptied slot up, so that every search still passes no empty one.

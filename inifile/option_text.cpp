@@ -33,9 +33,9 @@ void OptionText::addToValue(const char* text, std::size_t length) noexcept {
   const Span added{text, text + std::min(length, kOptionTextSize - 1 - end_)};
   const char* const nul = added.find('\0');
   isEnded_ = nul != nullptr;
-  const std::size_t taken = isEnded_ ? static_cast<std::size_t>(nul - text) : added.length();
-  if (taken != 0) std::memcpy(text_ + end_, text, taken);
-  end_ += taken;
+  const std::size_t count = isEnded_ ? static_cast<std::size_t>(nul - text) : added.length();
+  if (count != 0) std::memcpy(text_ + end_, text, count);
+  end_ += count;
 }
 
 void OptionText::trimValue(std::size_t shortest) noexcept {

@@ -43,13 +43,4 @@ class OptionText {
   char text_[kOptionTextSize];
 };
 
-/// Where a value stands in its line.
-struct ValuePlace {
-  Span raw;          ///< as it is written, without white space around it
-  const char* stop;  ///< the ";" before the comment, or the end of the line
-};
-
-/// Adds the value in `text`, what follows "=" or a continuation line, and sets the comment.
-ValuePlace parseValue(Span text, OptionText& option);
-
 }  // namespace vel::inifile

@@ -2,6 +2,7 @@
 #include "inifile/section_layout.h"
 
 #include "inifile/ini_parser.h"
+#include "inifile/value_parser.h"
 
 namespace vel::inifile {
 
@@ -15,12 +16,12 @@ const char* endOfLine(Span text) noexcept {
 
 }  // namespace
 
-std::span<const ValueLine> takeOptionLines(std::span<const ValueLine>& lines) noexcept {
+std::span<const ValueLine> consumeOptionLines(std::span<const ValueLine>& lines) noexcept {
   std::size_t count = 1;
   while (count < lines.size() && lines[count].continues) ++count;
-  const auto taken = lines.first(count);
+  const auto consumed = lines.first(count);
   lines = lines.subspan(count);
-  return taken;
+  return consumed;
 }
 
 bool SectionScanner::next() {
@@ -46,20 +47,20 @@ void SectionScanner::readToHeader() {
       nextHeader_ = whole;
       return;
     }
-    take(line, whole);
+    scanLine(line, whole);
   }
 }
 
-void SectionScanner::take(Span line, Span whole) {
+void SectionScanner::scanLine(Span line, Span whole) {
   const LineKind kind = kindOf(line);
   // Lines before the first header are nobody's.
   if (kind == LineKind::Empty || layout_.header.begin == nullptr) return;
   layout_.contentEnd = whole.end;
-  if (kind == LineKind::Option) takeOption(line, whole);
-  if (kind == LineKind::Indented) takeIndented(line, whole);
+  if (kind == LineKind::Option) scanOption(line, whole);
+  if (kind == LineKind::Indented) scanIndented(line, whole);
 }
 
-void SectionScanner::takeOption(Span line, Span whole) {
+void SectionScanner::scanOption(Span line, Span whole) {
   const char* const equalSign = line.find('=');
   if (equalSign == nullptr) return;
   OptionText text(Span{line.begin, line.begin});
@@ -71,7 +72,7 @@ void SectionScanner::takeOption(Span line, Span whole) {
   layout_.lines.push_back({whole, place.raw, place.stop != line.end, false});
 }
 
-void SectionScanner::takeIndented(Span line, Span whole) {
+void SectionScanner::scanIndented(Span line, Span whole) {
   isOpen_ = isOpen_ && allowContinuation_;
   if (!isOpen_) return;
   OptionText text(Span{line.begin, line.begin});

@@ -27,7 +27,7 @@ struct SectionLayout {
 };
 
 /// Takes the lines of one option from the front: its own, and those that continue it.
-std::span<const ValueLine> takeOptionLines(std::span<const ValueLine>& lines) noexcept;
+std::span<const ValueLine> consumeOptionLines(std::span<const ValueLine>& lines) noexcept;
 
 /// Gives the sections one by one, in the order in which a model has them, and so do their options stand.
 class SectionScanner {
@@ -45,9 +45,9 @@ class SectionScanner {
 
  private:
   void readToHeader();
-  void take(Span line, Span whole);
-  void takeOption(Span line, Span whole);
-  void takeIndented(Span line, Span whole);
+  void scanLine(Span line, Span whole);
+  void scanOption(Span line, Span whole);
+  void scanIndented(Span line, Span whole);
 
   LineSource lines_;
   bool allowContinuation_;

@@ -1,11 +1,12 @@
 // Escapes and character literals in values, and values as numbers, characters and truth.
+#include "inifile/value_characters.h"
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
 
 #include "base/ascii.h"
 #include "base/digits.h"
-#include "inifile/text_rules.h"
 #include "vel_include/vel_helpers.h"
 #include "vel_include/vel_inifile.h"
 
@@ -16,13 +17,13 @@ namespace {
 /// What each letter behind a back-slash stands for, 0 for itself.
 char namedEscape(char c) noexcept {
   constexpr const char* kLetters = "abfnrtv";
-  constexpr const char* kMeanings = "\a\b\f\n\r\t\v";
+  constexpr const char* kCharacters = "\a\b\f\n\r\t\v";
   const char* const found = c != '\0' ? std::strchr(kLetters, c) : nullptr;
-  return found != nullptr ? kMeanings[found - kLetters] : '\0';
+  return found != nullptr ? kCharacters[found - kLetters] : '\0';
 }
 
 /// As many digits as follow; beyond 32 bits when the number is.
-std::uint64_t takeDigits(Span& text, unsigned int base) noexcept {
+std::uint64_t parseDigits(Span& text, unsigned int base) noexcept {
   constexpr std::uint64_t kBeyond32Bits = std::uint64_t{1} << 32;
   std::uint64_t number = 0;
   for (; !text.isEmpty() && hexDigitValue(*text.begin) < base; ++text.begin)
@@ -31,19 +32,19 @@ std::uint64_t takeDigits(Span& text, unsigned int base) noexcept {
 }
 
 /// Saturates at 31 bits and is then cut to a character; NUL when there is no digit.
-char takeCharacterNumber(Span& text, unsigned int base) noexcept {
+char parseCharacterCode(Span& text, unsigned int base) noexcept {
   constexpr std::uint64_t kMost = std::numeric_limits<std::int32_t>::max();
-  return static_cast<char>(static_cast<unsigned char>(std::min(takeDigits(text, base), kMost)));
+  return static_cast<char>(static_cast<unsigned char>(std::min(parseDigits(text, base), kMost)));
 }
 
 /// As strtoul with base 10, in 32 bits.
-std::uint32_t unsignedOf(const char* value) noexcept {
+std::uint32_t parseUnsigned(const char* value) noexcept {
   constexpr std::uint64_t kMost = std::numeric_limits<std::uint32_t>::max();
   Span text{value, value + std::strlen(value)};
   text.skipSpace();
   const bool isNegative = text.first() == '-';
   if (isNegative || text.first() == '+') text.skip(1);
-  const std::uint64_t magnitude = takeDigits(text, 10);
+  const std::uint64_t magnitude = parseDigits(text, 10);
   if (magnitude > kMost) return kMost;
   const auto number = static_cast<std::uint32_t>(magnitude);
   return isNegative ? 0 - number : number;
@@ -54,9 +55,9 @@ std::uint32_t unsignedOf(const char* value) noexcept {
 char readEscape(Span& text) noexcept {
   const char c = text.first();
   // "\8" and "\9" are no octal digits: NUL, with nothing consumed. Keep.
-  if (isAsciiDigit(c)) return takeCharacterNumber(text, 8);
+  if (isAsciiDigit(c)) return parseCharacterCode(text, 8);
   text.skip(1);
-  if (c == 'x') return takeCharacterNumber(text, 16);
+  if (c == 'x') return parseCharacterCode(text, 16);
   const char named = namedEscape(c);
   return named != '\0' ? named : c;
 }
@@ -81,10 +82,10 @@ void convert(const char* text, long& value) noexcept {
   value = parseInt32(text);
 }
 void convert(const char* text, unsigned int& value) noexcept {
-  value = unsignedOf(text);
+  value = parseUnsigned(text);
 }
 void convert(const char* text, unsigned long& value) noexcept {
-  value = unsignedOf(text);
+  value = parseUnsigned(text);
 }
 void convert(const char* text, char& value) noexcept {
   value = *text == '\'' ? velIniFileGetQuotedCharacter(text) : *text;

@@ -1,10 +1,11 @@
 // Reads a value: plain text, quoted strings, character literals and variables, up to its comment.
+#include "inifile/value_parser.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
 
-#include "inifile/option_text.h"
-#include "inifile/text_rules.h"
+#include "inifile/value_characters.h"
 #include "platform/platform.h"
 
 namespace vel::inifile {
@@ -28,7 +29,7 @@ class ValueParser {
   }
 
   ValuePlace parse() {
-    while (!text_.isEmpty() && *text_.begin != ';') takePiece();
+    while (!text_.isEmpty() && *text_.begin != ';') parsePiece();
     option_.trimValue(shortest_);
     endRaw();
     Span comment = text_;
@@ -39,29 +40,29 @@ class ValueParser {
   }
 
  private:
-  void takePiece() {
+  void parsePiece() {
     const char c = *text_.begin;
-    if (c == '"') return protect(&ValueParser::takeString);
-    if (c == '\'') return protect(&ValueParser::takeCharacter);
+    if (c == '"') return parseProtected(&ValueParser::parseString);
+    if (c == '\'') return parseProtected(&ValueParser::parseCharacter);
     if (c == '$' && text_.length() > 1 && text_.begin[1] == '(' && text_.find(')') != nullptr)
-      return protect(&ValueParser::takeVariable);
-    takePlain();
+      return parseProtected(&ValueParser::parseVariable);
+    parsePlain();
   }
 
   /// What a piece gives is not trimmed.
-  void protect(void (ValueParser::*take)()) {
-    (this->*take)();
+  void parseProtected(void (ValueParser::*parsePart)()) {
+    (this->*parsePart)();
     shortest_ = option_.valueLength();
     raw_.end = text_.begin;
   }
 
-  void takePlain() noexcept {
+  void parsePlain() noexcept {
     const char* const end = std::find_if(text_.begin + 1, text_.end, isSpecial);
     option_.addToValue(text_.begin, static_cast<std::size_t>(end - text_.begin));
     text_.begin = end;
   }
 
-  void takeString() noexcept {
+  void parseString() noexcept {
     text_.skip(1);
     while (!text_.isEmpty() && *text_.begin != '"') {
       const char* const end =
@@ -75,9 +76,9 @@ class ValueParser {
     text_.skip(1);
   }
 
-  void takeCharacter() noexcept { option_.addToValue(readQuotedCharacter(text_)); }
+  void parseCharacter() noexcept { option_.addToValue(readQuotedCharacter(text_)); }
 
-  void takeVariable() {
+  void parseVariable() {
     text_.skip(2);
     const Span name{text_.begin, text_.find(')')};
     text_.begin = name.end + 1;

@@ -1,27 +1,27 @@
 // Makes a text with changes.
-#include "inifile/text_changes.h"
+#include "inifile/text_rewriter.h"
 
 #include <utility>
 
 namespace vel::inifile {
 
-void TextChanges::keepUpTo(const char* end) {
+void TextRewriter::keepUpTo(const char* end) {
   if (end != kept_) changed_.append(kept_, end);
   kept_ = end;
 }
 
-void TextChanges::replace(Span old, const String& piece) {
+void TextRewriter::replace(Span old, const String& piece) {
   remove(old);
   changed_ += piece;
 }
 
 /// The first line's, or "\n".
-const char* TextChanges::lineEnd() const noexcept {
+const char* TextRewriter::lineEnd() const noexcept {
   const char* const end = text_.find('\n');
   return end != nullptr && end != text_.begin && end[-1] == '\r' ? "\r\n" : "\n";
 }
 
-void TextChanges::addLine(const char* at, const String& line) {
+void TextRewriter::addLine(const char* at, const String& line) {
   const bool isLineStart = at == text_.begin || at[-1] == '\n';
   keepUpTo(at);
   if (!isLineStart) changed_ += lineEnd();
@@ -29,13 +29,13 @@ void TextChanges::addLine(const char* at, const String& line) {
   if (isLineStart) changed_ += lineEnd();
 }
 
-void TextChanges::addHeader(const char* section) {
+void TextRewriter::addHeader(const char* section) {
   if (!text_.isEmpty() || !changed_.empty()) addLine(text_.end, "");
   String header = "[";
   addLine(text_.end, header.append(section).append("]"));
 }
 
-String TextChanges::finish() {
+String TextRewriter::finish() {
   keepUpTo(text_.end);
   return std::move(changed_);
 }

@@ -13,11 +13,11 @@ namespace vel::inifile {
 
 using OwnedIniFile = OwnedObject<VelClIniFile>;
 
-class EditedText {
+class IniDocument {
  public:
-  EditedText();
+  IniDocument();
 
-  void take(String text, bool allowContinuation);
+  void adopt(String text, bool allowContinuation);
   const String& text() const noexcept { return text_; }
   const VelClIniFile& model() const noexcept { return *model_; }
 
@@ -30,7 +30,7 @@ class EditedText {
 
  private:
   Span span() const noexcept { return {text_.data(), text_.data() + text_.size()}; }
-  OwnedIniFile read(const String& text) const;
+  OwnedIniFile parse(const String& text) const;
   /// Of a section of the model.
   SectionLayout layoutOf(const VelClIniFileSection& wanted) const;
   template <typename Change>

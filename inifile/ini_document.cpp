@@ -1,12 +1,12 @@
 // Changes to a text that leave everything else in it alone.
-#include "inifile/edited_text.h"
+#include "inifile/ini_document.h"
 
 #include <cstring>
 #include <utility>
 
 #include "inifile/ini_parser.h"
-#include "inifile/text_changes.h"
 #include "inifile/text_merger.h"
+#include "inifile/text_rewriter.h"
 
 namespace vel::inifile {
 
@@ -70,22 +70,22 @@ bool mergeModel(VelClIniFile& file, const VelClIniFile& source) {
 
 }  // namespace
 
-EditedText::EditedText() : model_(read(text_)) {}
+IniDocument::IniDocument() : model_(parse(text_)) {}
 
-void EditedText::take(String text, bool allowContinuation) {
+void IniDocument::adopt(String text, bool allowContinuation) {
   allowContinuation_ = allowContinuation;
-  model_ = read(text);
+  model_ = parse(text);
   text_ = std::move(text);
 }
 
-OwnedIniFile EditedText::read(const String& text) const {
+OwnedIniFile IniDocument::parse(const String& text) const {
   OwnedIniFile file(create<VelClIniFile>(""));
   LineSource lines(text.data(), text.size(), '\n', LineSource::Bytes::Text);
   Parser(*file, true, allowContinuation_).parse(lines);
   return file;
 }
 
-SectionLayout EditedText::layoutOf(const Section& wanted) const {
+SectionLayout IniDocument::layoutOf(const Section& wanted) const {
   SectionScanner scanner(span(), allowContinuation_);
   const Section* section = model_->getFirstSection();
   while (scanner.next() && section != &wanted) section = section->getNext();
@@ -95,57 +95,57 @@ SectionLayout EditedText::layoutOf(const Section& wanted) const {
 /// `change` makes the wanted model of the present one; where it is false, or the parser reads another model
 /// in the changed text, everything stays.
 template <typename Change>
-bool EditedText::replaceIf(String changed, const VelClIniFile* merged, Change change) {
-  const OwnedIniFile wanted = read(text_);
+bool IniDocument::replaceIf(String changed, const VelClIniFile* merged, Change change) {
+  const OwnedIniFile wanted = parse(text_);
   if (!change(*wanted)) return false;
-  OwnedIniFile read = this->read(changed);
-  if (!sameModel(*wanted, *read, merged)) return false;
+  OwnedIniFile parsed = parse(changed);
+  if (!sameModel(*wanted, *parsed, merged)) return false;
   text_ = std::move(changed);
-  model_ = std::move(read);
+  model_ = std::move(parsed);
   return true;
 }
 
-bool EditedText::setValue(const char* section, const char* option, const char* value) {
+bool IniDocument::setValue(const char* section, const char* option, const char* value) {
   const OwnedIniFile source = fileOf(section, option, value);
   return source != nullptr && merge(*source);
 }
 
-bool EditedText::merge(const VelClIniFile& source) {
+bool IniDocument::merge(const VelClIniFile& source) {
   return replaceIf(mergedText(span(), allowContinuation_, *model_, source), &source,
                    [&source](VelClIniFile& file) { return mergeModel(file, source); });
 }
 
 /// A name that is cut when it is read could not be found again.
-bool EditedText::addSection(const char* name) {
+bool IniDocument::addSection(const char* name) {
   if (std::strlen(name) > Section::kMaxNameLength) return false;
-  TextChanges changes(span());
-  changes.addHeader(name);
-  return replaceIf(changes.finish(), nullptr, [name](VelClIniFile& file) { return file.addSection(name); });
+  TextRewriter rewriter(span());
+  rewriter.addHeader(name);
+  return replaceIf(rewriter.finish(), nullptr, [name](VelClIniFile& file) { return file.addSection(name); });
 }
 
-bool EditedText::deleteOption(const char* section, const char* option) {
+bool IniDocument::deleteOption(const char* section, const char* option) {
   const Section* const found = model_->getExistingSection(section);
   const Option* const wanted = found != nullptr ? model_->getExistingOption(*found, option) : nullptr;
   if (wanted == nullptr) return false;
   const SectionLayout layout = layoutOf(*found);
   std::span<const ValueLine> lines(layout.lines);
   for (const Option* before = found->getFirstOption(); before != wanted; before = before->getNext())
-    takeOptionLines(lines);
-  TextChanges changes(span());
-  for (const ValueLine& line : takeOptionLines(lines)) changes.remove(line.whole);
-  return replaceIf(changes.finish(), nullptr, [=](VelClIniFile& file) {
+    consumeOptionLines(lines);
+  TextRewriter rewriter(span());
+  for (const ValueLine& line : consumeOptionLines(lines)) rewriter.remove(line.whole);
+  return replaceIf(rewriter.finish(), nullptr, [=](VelClIniFile& file) {
     file.getSection(section);
     return file.deleteOption(option);
   });
 }
 
-bool EditedText::deleteSection(const char* name) {
+bool IniDocument::deleteSection(const char* name) {
   const Section* const found = model_->getExistingSection(name);
   if (found == nullptr) return false;
   const SectionLayout layout = layoutOf(*found);
-  TextChanges changes(span());
-  changes.remove({layout.header.begin, layout.contentEnd});
-  return replaceIf(changes.finish(), nullptr,
+  TextRewriter rewriter(span());
+  rewriter.remove({layout.header.begin, layout.contentEnd});
+  return replaceIf(rewriter.finish(), nullptr,
                    [name](VelClIniFile& file) { return file.deleteSection(name); });
 }
 

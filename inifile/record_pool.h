@@ -7,35 +7,35 @@
 
 namespace vel::inifile {
 
-class RecordMemory {
+class RecordPool {
  public:
   /// Sizes are counted in units of this many bytes, which is the alignment, too.
   static constexpr std::size_t kUnit = 8;
-  static constexpr std::size_t kMostUnits = 160;
+  static constexpr std::size_t kMaxUnits = 160;
 
   static constexpr std::size_t unitsFor(std::size_t size) noexcept { return (size + kUnit - 1) / kUnit; }
 
-  RecordMemory() noexcept = default;
-  RecordMemory(const RecordMemory&) = delete;
-  RecordMemory& operator=(const RecordMemory&) = delete;
-  ~RecordMemory();
+  RecordPool() noexcept = default;
+  RecordPool(const RecordPool&) = delete;
+  RecordPool& operator=(const RecordPool&) = delete;
+  ~RecordPool();
 
-  /// Not initialised; 1 to kMostUnits. Throws as the memory manager does.
-  void* take(std::size_t units);
-  void giveBack(void* piece, std::size_t units) noexcept;
+  /// Not initialised; 1 to kMaxUnits. Throws as the memory manager does.
+  void* allocate(std::size_t units);
+  void deallocate(void* block, std::size_t units) noexcept;
 
  private:
-  struct Piece {
-    Piece* next;
+  struct Link {
+    Link* next;
   };
 
-  void openBlock();
+  void addChunk();
 
-  Piece* blocks_ = nullptr;
+  Link* chunks_ = nullptr;
   char* free_ = nullptr;
   char* end_ = nullptr;
-  std::size_t blockSize_ = 2048;
-  std::array<Piece*, kMostUnits + 1> givenBack_{};
+  std::size_t chunkSize_ = 2048;
+  std::array<Link*, kMaxUnits + 1> freeLists_{};
 };
 
 }  // namespace vel::inifile

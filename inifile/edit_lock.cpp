@@ -1,5 +1,5 @@
 // Locks of edited files.
-#include "inifile/held_file.h"
+#include "inifile/edit_lock.h"
 
 #include <algorithm>
 
@@ -22,10 +22,10 @@ platform::LockResult lockWithin(std::uint32_t timeLimitMs, const char* name, pla
 
 }  // namespace
 
-VelEnIniFileLock HeldFile::hold(const char* name, std::uint32_t timeLimitMs) {
+VelEnIniFileLock EditLock::acquire(const char* name, std::uint32_t timeLimitMs) {
   release();
   const platform::LockResult result = lockWithin(timeLimitMs, name, lock_);
-  isHeld_ = result == platform::LockResult::Locked || result == platform::LockResult::Unsupported;
+  isGuarding_ = result == platform::LockResult::Locked || result == platform::LockResult::Unsupported;
   switch (result) {
     case platform::LockResult::Locked:
       return VelEnIniFileLock::LOCKED;
@@ -38,26 +38,26 @@ VelEnIniFileLock HeldFile::hold(const char* name, std::uint32_t timeLimitMs) {
   }
 }
 
-void HeldFile::release() {
+void EditLock::release() {
   platform::unlockFile(lock_);
-  isHeld_ = isReplaced_ = false;
+  isGuarding_ = isReplaced_ = false;
 }
 
-std::optional<platform::FileState> HeldFile::stateOfRead(int descriptor) {
+std::optional<platform::FileState> EditLock::checkRead(int descriptor) {
   platform::FileState found;
   const bool isTold = platform::stateOf(descriptor, found);
-  if (isHeld_ && !matches(isTold && found == lock_.file)) return std::nullopt;
+  if (isGuarding_ && !noteMatch(isTold && found == lock_.file)) return std::nullopt;
   return found;
 }
 
-bool HeldFile::mayReplace(const char* name, const platform::FileIdentity& replaced) {
-  if (!isHeld_) return true;
+bool EditLock::mayReplace(const char* name, const platform::FileIdentity& replaced) {
+  if (!isGuarding_) return true;
   platform::FileState found;
-  return matches(platform::stateAt(name, found) && found == lock_.file && replaced == found.identity &&
-                 (!read_.has_value() || *read_ == lock_.file));
+  return noteMatch(platform::stateAt(name, found) && found == lock_.file && replaced == found.identity &&
+                   (!read_.has_value() || *read_ == lock_.file));
 }
 
-bool HeldFile::matches(bool isSame) {
+bool EditLock::noteMatch(bool isSame) {
   isReplaced_ = !isSame;
   return isSame;
 }

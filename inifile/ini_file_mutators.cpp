@@ -32,7 +32,7 @@ bool isOptionName(Span name) {
 }
 
 /// Whether nothing had to be cut.
-bool takesValue(OptionText& text, Span value) {
+bool appendWhole(OptionText& text, Span value) {
   text.addToValue(value.begin, value.length());
   return text.valueLength() == value.length();
 }
@@ -63,7 +63,7 @@ bool VelClIniFile::addOption(const char* name, const char* value, const char* co
   if (currentSection_ == nullptr || !isOptionName(nameSpan) || !isLine(commentSpan)) return false;
   if (model_->findOption(*currentSection_, name) != nullptr) return false;
   OptionText text(nameSpan);
-  if (!takesValue(text, spanOf(value))) return false;
+  if (!appendWhole(text, spanOf(value))) return false;
   text.setComment(commentSpan);
   if (std::strlen(text.data() + text.commentOffset()) != commentSpan.length()) return false;
   model_->appendOption(*currentSection_, text);
@@ -75,7 +75,7 @@ bool VelClIniFile::setNewValue(const char* name, const char* value) {
       currentSection_ != nullptr ? model_->findOption(*currentSection_, name) : nullptr;
   if (option == nullptr) return false;
   OptionText text(spanOf(option->getName()));
-  if (!takesValue(text, spanOf(value))) return false;
+  if (!appendWhole(text, spanOf(value))) return false;
   text.setComment(spanOf(option->getComment()));
   model_->replaceText(*option, text);
   return true;

@@ -7,9 +7,9 @@
 
 namespace vel::inifile {
 
-class TextChanges {
+class TextRewriter {
  public:
-  explicit TextChanges(Span text) : text_(text), kept_(text.begin) {}
+  explicit TextRewriter(Span text) : text_(text), kept_(text.begin) {}
 
   void replace(Span old, const String& piece);
   void remove(Span old) { keepUpTo(old.begin), kept_ = old.end; }

@@ -8,18 +8,18 @@
 
 namespace vel::inifile {
 
-class HeldFile {
+class EditLock {
  public:
-  HeldFile() = default;
-  HeldFile(const HeldFile&) = delete;
-  HeldFile& operator=(const HeldFile&) = delete;
-  ~HeldFile() { release(); }
+  EditLock() = default;
+  EditLock(const EditLock&) = delete;
+  EditLock& operator=(const EditLock&) = delete;
+  ~EditLock() { release(); }
 
-  VelEnIniFileLock hold(const char* name, std::uint32_t timeLimitMs);
+  VelEnIniFileLock acquire(const char* name, std::uint32_t timeLimitMs);
   void release();
 
   /// Of a file that is read; none when it is not the one that is held, or not as it was.
-  std::optional<platform::FileState> stateOfRead(int descriptor);
+  std::optional<platform::FileState> checkRead(int descriptor);
   /// What is edited came from there.
   void noteRead(const platform::FileState& file) { read_ = file; }
   /// What is edited came from no file.
@@ -31,9 +31,9 @@ class HeldFile {
 
  private:
   /// Makes a note of it, too.
-  bool matches(bool isSame);
+  bool noteMatch(bool isSame);
 
-  bool isHeld_ = false;
+  bool isGuarding_ = false;
   bool isReplaced_ = false;
   platform::FileLock lock_;
   std::optional<platform::FileState> read_;
