@@ -3,7 +3,8 @@
 #include <cstring>
 #include <iostream>
 
-#include "consoleui/console_ui_internal.h"
+#include "consoleui/console_ui_format.h"
+#include "consoleui/console_ui_words.h"
 #include "foundation/allocator.h"
 #include "messages/built_in_messages.h"
 #include "vel_include/vel_helpers.h"
@@ -20,7 +21,7 @@ bool isBuiltInSwitch(const VelClArgvCursor& argument, const char* text) {
   return argument.isSwitch() && std::strcmp(argument.getAsCString() + 1, text) == 0;
 }
 
-bool holdsBuiltInSwitch(const VelClConsoleUI& ui, const char* text) {
+bool hasBuiltInSwitch(const VelClConsoleUI& ui, const char* text) {
   VelClArgvCursor argument(ui);
   for (bool more = argument.setToFirst(); more; more = argument.setToNext())
     if (isBuiltInSwitch(argument, text)) return true;
@@ -82,10 +83,9 @@ void VelClConsoleUI::init(const char* title, const char* description, const char
     displayTitle(title, description);
     return;
   }
-  if (holdsBuiltInSwitch(*this, words()[Word::Quiet].getAsCString())) params_->setQuietMode(true);
+  if (hasBuiltInSwitch(*this, words()[Word::Quiet].getAsCString())) params_->setQuietMode(true);
   displayTitle(title, description);
-  if (holdsBuiltInSwitch(*this, words()[Word::Copyright].getAsCString()))
-    displayCopyright(toolLevel, toolDate);
+  if (hasBuiltInSwitch(*this, words()[Word::Copyright].getAsCString())) displayCopyright(toolLevel, toolDate);
 }
 
 void VelClConsoleUI::init(unsigned long titleId, unsigned long descriptionId, const char* toolLevel,
@@ -113,7 +113,7 @@ void VelClConsoleUI::handleHelpSwitches() const {
   const VelClMessage letters = words()[Word::HelpLetters];
   for (const char* letter = letters.getAsCString(); *letter != '\0'; ++letter) {
     const char name[] = {*letter, '\0'};
-    if (!holdsBuiltInSwitch(*this, name)) continue;
+    if (!hasBuiltInSwitch(*this, name)) continue;
     displayUsage(false);
     displayHelp(true);
   }

@@ -1,5 +1,7 @@
 // Aligned output: a label in a column of fixed width, a colon and a value; and the lines that describe an
 // exception.
+#include "consoleui/console_ui_format.h"
+
 #include <algorithm>
 #include <cstring>
 #include <ostream>
@@ -7,7 +9,6 @@
 #include "base/digits.h"
 #include "base/short_text.h"
 #include "base/usage_text.h"
-#include "consoleui/console_ui_internal.h"
 #include "platform/platform.h"
 
 namespace vel::consoleui {
@@ -53,18 +54,18 @@ void writeLabel(std::ostream& stream, const VelClConsoleUIParams& params, const 
   const bool isRight = params.getFormatStyle() == VelEnFormatStyle::RIGHT;
   const bool isCentred = params.getFormatStyle() == VelEnFormatStyle::CENTRED;
   std::size_t before = 0;
-  std::size_t behind = width - used;
+  std::size_t after = width - used;
   if (isRight) {
-    std::swap(before, behind);
+    std::swap(before, after);
   } else if (isCentred) {
     before = width / 2 - used / 2;
     // Short by the odd remainders of both, and never below 0. Keep.
-    behind = before - std::min(before, width % 2 + used % 2);
+    after = before - std::min(before, width % 2 + used % 2);
   }
   stream << "  ";
   writeFill(stream, before, ' ');
   stream << label;
-  writeFill(stream, behind, isRight || isCentred ? ' ' : params.getFormatFillChar());
+  writeFill(stream, after, isRight || isCentred ? ' ' : params.getFormatFillChar());
   stream << ": ";
 }
 
@@ -111,8 +112,8 @@ void writeException(std::ostream& stream, const VelClConsoleUIParams& params, co
 
 }  // namespace vel::consoleui
 
-using vel::consoleui::GivenText;
 using vel::consoleui::NumberText;
+using vel::consoleui::ResolvedText;
 using vel::consoleui::Word;
 
 namespace {
@@ -131,11 +132,11 @@ void writeHexadecimal(std::ostream& stream, const unsigned char* bytes, std::siz
 }  // namespace
 
 void VelClConsoleUI::format(VelClUIText label) const {
-  vel::consoleui::writeLabel(getOutputStream(), *params_, GivenText(label, getMessageCatalog()).get());
+  vel::consoleui::writeLabel(getOutputStream(), *params_, ResolvedText(label, getMessageCatalog()).get());
 }
 
 void VelClConsoleUI::format(VelClUIText label, const char* value) const {
-  vel::consoleui::writeLine(getOutputStream(), *params_, GivenText(label, getMessageCatalog()).get(),
+  vel::consoleui::writeLine(getOutputStream(), *params_, ResolvedText(label, getMessageCatalog()).get(),
                             vel::textOrEmpty(value));
 }
 
@@ -173,7 +174,7 @@ void VelClConsoleUI::formatBool(VelClUIText label, bool value) const {
 void VelClConsoleUI::dump(VelClUIText label, const void* data, size_t sizeInBytes) const {
   const auto* bytes = static_cast<const unsigned char*>(data);
   std::ostream& stream = getOutputStream();
-  const GivenText text(label, getMessageCatalog());
+  const ResolvedText text(label, getMessageCatalog());
   const std::size_t column =
       2 + std::max<std::size_t>(params_->getFormatWidth(), vel::consoleui::widthOf(text.get())) + 2;
   vel::consoleui::writeLabel(stream, *params_, text.get());

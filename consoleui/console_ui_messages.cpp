@@ -3,10 +3,13 @@
 //   --------------------------------------------------------------------------
 //   TOOL: An error occurred:
 //         Unknown command line argument: -x
+#include "consoleui/console_ui_messages.h"
+
 #include <iostream>
 
 #include "base/usage_text.h"
-#include "consoleui/console_ui_internal.h"
+#include "consoleui/console_ui_format.h"
+#include "consoleui/console_ui_words.h"
 
 namespace vel::consoleui {
 

@@ -24,7 +24,7 @@ void replaceText(char*& target, const char* text) {
   target = copy;
 }
 
-const char* behindLastSeparator(const char* path) {
+const char* baseName(const char* path) {
   const char* name = path;
   for (const char* p = path; *p != '\0'; ++p)
     if (*p == '\\' || *p == '/') name = p + 1;
@@ -73,7 +73,7 @@ void VelClConsoleUIParams::setUsageHelp(const char* usage, const char* help) {
 }
 
 void VelClConsoleUIParams::setProcessName(const char* argv0) {
-  const char* name = behindLastSeparator(argv0);
+  const char* name = baseName(argv0);
   // Cut at the first dot, not at the extension's. Keep.
   const std::size_t length = std::min(std::strcspn(name, "."), kMaxProcessNameLength);
   std::transform(name, name + length, processName_, vel::toAsciiUpper);

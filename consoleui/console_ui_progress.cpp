@@ -7,8 +7,8 @@
 
 #include "base/short_text.h"
 #include "base/usage_text.h"
-#include "consoleui/console_ui_internal.h"
 #include "platform/platform.h"
+#include "vel_include/vel_consoleui.h"
 #include "vel_include/vel_helpers.h"
 
 namespace {

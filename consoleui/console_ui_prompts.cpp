@@ -10,7 +10,9 @@
 
 #include "base/ascii.h"
 #include "base/short_text.h"
-#include "consoleui/console_ui_internal.h"
+#include "consoleui/console_ui_format.h"
+#include "consoleui/console_ui_messages.h"
+#include "consoleui/console_ui_words.h"
 #include "foundation/allocator.h"
 #include "platform/platform.h"
 
@@ -50,7 +52,7 @@ class Answer {
   std::int32_t number() const { return parseInt32(text_); }
 
   /// Cut to the room there is.
-  void take(const char* text) { end(text, std::strlen(text)); }
+  void assign(const char* text) { store(text, std::strlen(text)); }
 
   /// A line of standard input without its end, be that LF or CR LF. False at the end of input.
   bool readLine() {
@@ -66,14 +68,14 @@ class Answer {
       ++length;
     }
     if (last == '\r' && !std::cin.eof()) --length;
-    end(text_, length);
+    store(text_, length);
     return found;
   }
 
  private:
   static constexpr std::size_t kRoom = VelClConsoleUIParams::kMaxInputLength;
 
-  void end(const char* text, std::size_t length) {
+  void store(const char* text, std::size_t length) {
     length = std::min(length, kRoom);
     std::memmove(text_, text, length);
     text_[length] = '\0';
@@ -96,7 +98,7 @@ void writeQuestion(const Question& question, const Words& words) {
 bool ask(const Question& question, const Words& words, Answer& answer) {
   writeQuestion(question, words);
   const bool answered = answer.readLine();
-  if (answer.isEmpty() && question.defaultAnswer != nullptr) answer.take(question.defaultAnswer);
+  if (answer.isEmpty() && question.defaultAnswer != nullptr) answer.assign(question.defaultAnswer);
   return answered;
 }
 
@@ -118,8 +120,8 @@ void writeInvitation(const VelClMessage& invitation) {
 
 using vel::consoleui::Answer;
 using vel::consoleui::ask;
-using vel::consoleui::GivenText;
 using vel::consoleui::NumberText;
+using vel::consoleui::ResolvedText;
 using vel::consoleui::Word;
 
 void VelClConsoleUI::prompt(const char* question, const char* hint, const char* defaultAnswer) const {
@@ -129,13 +131,13 @@ void VelClConsoleUI::prompt(const char* question, const char* hint, const char* 
 }
 
 const char* VelClConsoleUI::promptString(VelClUIText question, const char* defaultAnswer) const {
-  prompt(GivenText(question, getMessageCatalog()).get(), nullptr, defaultAnswer);
+  prompt(ResolvedText(question, getMessageCatalog()).get(), nullptr, defaultAnswer);
   return params_->getInput();
 }
 
 int32_t VelClConsoleUI::promptNumval(VelClUIText question, int32_t minimum, int32_t maximum,
                                      int32_t defaultValue) const {
-  const GivenText text(question, getMessageCatalog());
+  const ResolvedText text(question, getMessageCatalog());
   const vel::String hint = vel::consoleui::limitsHint(minimum, maximum, words());
   const NumberText defaultText(static_cast<long long>(defaultValue));
   Answer answer;
@@ -150,7 +152,7 @@ int32_t VelClConsoleUI::promptNumval(VelClUIText question, int32_t minimum, int3
 }
 
 bool VelClConsoleUI::promptYesNo(VelClUIText question, bool defaultAnswer) const {
-  const GivenText text(question, getMessageCatalog());
+  const ResolvedText text(question, getMessageCatalog());
   const VelClMessage hint = words()[Word::YesOrNo];
   const char yes = *words()[Word::Yes].getAsCString();
   const char no = *words()[Word::No].getAsCString();

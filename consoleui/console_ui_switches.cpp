@@ -4,7 +4,8 @@
 #include <optional>
 
 #include "base/ascii.h"
-#include "consoleui/console_ui_internal.h"
+#include "consoleui/console_ui_messages.h"
+#include "consoleui/console_ui_words.h"
 
 using vel::consoleui::Word;
 

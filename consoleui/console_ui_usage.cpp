@@ -2,7 +2,8 @@
 #include <iostream>
 
 #include "base/usage_text.h"
-#include "consoleui/console_ui_internal.h"
+#include "consoleui/console_ui_format.h"
+#include "consoleui/console_ui_words.h"
 
 using vel::TextKind;
 using vel::consoleui::Word;

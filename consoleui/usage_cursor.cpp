@@ -24,7 +24,7 @@ const char* withoutIndicator(const char* text) {
   return VelClUsageCursor::isSwitchIndicator(text) ? text + 1 : text;
 }
 
-bool standsAt(const char* usage, const char* text) {
+bool startsWithElement(const char* usage, const char* text) {
   const std::size_t length = std::strlen(text);
   return std::strncmp(usage, text, length) == 0 && isEndOrDelimiter(usage[length]);
 }
@@ -75,11 +75,12 @@ bool VelClUsageCursor::isArgEllipsis() const {
 }
 
 bool VelClUsageCursor::matches(const char* text) const {
-  return text != nullptr && standsAt(position_, text);
+  return text != nullptr && startsWithElement(position_, text);
 }
 
 bool VelClUsageCursor::matchesSwitch(const char* argument) const {
-  return argument != nullptr && *position_ == '-' && standsAt(position_ + 1, withoutIndicator(argument));
+  return argument != nullptr && *position_ == '-' &&
+         startsWithElement(position_ + 1, withoutIndicator(argument));
 }
 
 bool VelClUsageCursor::reqArg() const {

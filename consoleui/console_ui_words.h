@@ -2,12 +2,11 @@
 // texts that a tool hands over, and the writers that work on any stream.
 #pragma once
 
-#include <iosfwd>
+#include <cstdint>
 #include <optional>
 
 #include "base/short_text.h"
 #include "vel_include/vel_consoleui.h"
-#include "vel_include/vel_helpers.h"
 
 namespace vel::consoleui {
 
@@ -62,45 +61,17 @@ inline constexpr int kExitMissingSwitch = CONUI_ARG_MISSING;
 inline constexpr int kExitMissingValue = CONUI_ARG_EXPECTING_VALUE;
 inline constexpr int kExitNonNumericValue = CONUI_ARG_VALUE_TYPE_MISMATCH;
 
-/// Up to five texts of one message; null ones are left out.
-struct MessageTexts {
-  const char* texts[5];
-};
-
-/// How many columns a text takes: its characters in the process's code page.
-std::size_t widthOf(const char* text);
-
-/// The fixed layout: a separator line, the process name and the label, the indented texts.
-void writeMessage(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
-                  const MessageTexts& message);
-
-/// The line between one dialogue and the next.
-void writeSeparatorLine(std::ostream& stream);
-
-/// The label column of an aligned line.
-void writeLabel(std::ostream& stream, const VelClConsoleUIParams& params, const char* label);
-/// A whole line; the value in double quotes when the parameters say so.
-void writeLine(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
-               const char* value);
-
-/// A decimal number's text.
-struct NumberText {
-  char text[24];
-  explicit NumberText(long long value) { velI64toa(value, text); }
-  explicit NumberText(unsigned long long value) { velW64toa(value, text); }
-};
-
 /// The text itself, whichever way it was given; "" for null and message 0.
-class GivenText {
+class ResolvedText {
  public:
-  GivenText(const VelClUIText& given, const VelClMessageCatalog& catalog)
+  ResolvedText(const VelClUIText& given, const VelClMessageCatalog& catalog)
       : text_(vel::textOrEmpty(given.getText())) {
     if (given.getMessageId() == 0) return;
     message_.emplace(catalog, given.getMessageId());
     text_ = message_->getAsCString();
   }
-  GivenText(const GivenText&) = delete;
-  GivenText& operator=(const GivenText&) = delete;
+  ResolvedText(const ResolvedText&) = delete;
+  ResolvedText& operator=(const ResolvedText&) = delete;
 
   const char* get() const { return text_; }
 
@@ -123,12 +94,5 @@ class Words {
   const VelClMessageCatalog& catalog_;
   std::uint32_t messageBase_;
 };
-
-/// The lines that describe an exception.
-void writeException(std::ostream& stream, const VelClConsoleUIParams& params, const Words& words,
-                    const VelClException& exception, bool verbose);
-/// The line with an error identifier's name and number.
-void writeErrorId(std::ostream& stream, const VelClConsoleUIParams& params, const Words& words,
-                  std::uint32_t errorId);
 
 }  // namespace vel::consoleui
