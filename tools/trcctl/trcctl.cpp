@@ -4,8 +4,8 @@
 #include <iostream>
 #include <string>
 
-#include "tools/run_tool.h"
 #include "tools/standard_switches.h"
+#include "tools/tool_main.h"
 #include "tools/trcctl/texts.h"
 #include "tools/trcctl/trace_status.h"
 #include "vel_include/vel_consoleui.h"
@@ -60,8 +60,8 @@ class Tool {
   const char* optional(TextId name, const char* otherwise) const;
   VelClTraceInstance& createTrace() const;
   static void reportInitialization(std::string key);
-  void takeFile(VelClTraceEnvironment& environment) const;
-  void takeFilter(VelClTraceSettings& settings) const;
+  void selectFile(VelClTraceEnvironment& environment) const;
+  void applyFilter(VelClTraceSettings& settings) const;
   void display(const VelClTraceEnvironment& environment) const;
 
   VelClConsoleUI ui_;
@@ -86,10 +86,10 @@ void Tool::run() {
   ui_.handleUsageHelp(kUsage, kHelp);
   VelClTraceInstance& trace = createTrace();
   VelClTraceEnvironment& environment = trace.getEnvironment();
-  takeFilter(environment.getSettings());
+  applyFilter(environment.getSettings());
   ui_.hasArgString(kSwitchFormat, format_);
   ui_.hasArgString(kSwitchIndentation, indentation_);
-  takeFile(environment);
+  selectFile(environment);
   if (ui_.hasArgSwitch(kSwitchDisplay)) {
     display(environment);
     return;
@@ -122,7 +122,7 @@ void Tool::reportInitialization(std::string name) {
   VelClEnvironmentVariable((name + "_TRACE_VERBOSE").c_str(), "yes");
 }
 
-void Tool::takeFile(VelClTraceEnvironment& environment) const {
+void Tool::selectFile(VelClTraceEnvironment& environment) const {
   const char* const file = optional(kSwitchFile, nullptr);
   // A name that is cut could be that of another file.
   if (file != nullptr && std::strlen(file) > VEL_MAX_PATH_LENGTH) end(kFileNotReadable, file, kExitNoFile);
@@ -135,7 +135,7 @@ void Tool::takeFile(VelClTraceEnvironment& environment) const {
   if (ui_.hasArgSwitch(kSwitchDisplay)) end(kFileNotIdentified, name.getAsCString(), kExitNoFile);
 }
 
-void Tool::takeFilter(VelClTraceSettings& settings) const {
+void Tool::applyFilter(VelClTraceSettings& settings) const {
   const char* value = nullptr;
   if (ui_.hasArgString(kSwitchDetail, value)) settings.setDetailLevel(value);
   if (ui_.hasArgString(kSwitchComponents, value)) settings.initComponentIds(value);
@@ -158,14 +158,18 @@ void Tool::display(const VelClTraceEnvironment& environment) const {
   try {
     formatter.format(std::cout);
   } catch (const VelClException& exception) {
-    vel::tools::passOutOfMemory(exception);
+    vel::tools::rethrowIfOutOfMemory(exception);
     const Fault fault = faultOf(exception);
     end(fault.text, environment.getFilename().getAsCString(), fault.exitCode);
   }
   if (std::cout.flush()) showResult(ui_, environment, formatter);
 }
 
-int run(int argc, char** argv) {
+}  // namespace
+
+const char* const vel::tools::kToolName = "trcctl";
+
+int vel::tools::toolMain(int argc, char** argv) {
   velFileSetBinaryMode(kStandardOutput, true);
   VelClMessageCatalog texts;
   attachTexts(texts);
@@ -173,22 +177,16 @@ int run(int argc, char** argv) {
   const VelClMessage usage(texts, kUsage);
   const VelClMessage help(texts, kHelp);
   if (vel::tools::answerStandardSwitches(
-          argc, argv, {"trcctl", title.getAsCString(), usage.getAsCString(), help.getAsCString()}))
+          argc, argv, {kToolName, title.getAsCString(), usage.getAsCString(), help.getAsCString()}))
     return std::cout.flush() ? 0 : kExitNotWritten;
   Tool tool(argc, argv);
   try {
     tool.run();
   } catch (const VelClException& exception) {
-    vel::tools::passOutOfMemory(exception);
+    vel::tools::rethrowIfOutOfMemory(exception);
     tool.end(kNotInitialized, nullptr, kExitNoTrace);
   }
   if (std::cout.flush()) return 0;
   tool.reportOutputFailure();
   return kExitNotWritten;
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-  return vel::tools::runTool("trcctl", argc, argv, run);
 }

@@ -9,8 +9,8 @@
 #include "platform/byte_files.h"
 #include "platform/platform.h"
 #include "tools/catalog_tool.h"
-#include "tools/run_tool.h"
 #include "tools/standard_switches.h"
+#include "tools/tool_main.h"
 #include "tools/velconv/ccsids.h"
 #include "tools/velconv/output_file.h"
 #include "tools/velconv/texts.h"
@@ -46,8 +46,8 @@ class Tool : public vel::tools::CatalogTool {
   int convertAll();
   bool convert(const char* file, OutputFile& output);
   bool convertBytes(int descriptor, OutputFile& output);
-  void tellFirstFault(const char* file) const;
-  void tellCounts(const char* file) const;
+  void reportFirstFault(const char* file) const;
+  void reportCounts(const char* file) const;
 
   std::vector<char> chunk_;
   std::optional<Conversion> conversion_;
@@ -130,8 +130,8 @@ bool Tool::convert(const char* file, OutputFile& output) {
   progressStop();
   if (!isInput) vel::platform::closeDescriptor(descriptor);
   if (!isRead) report(kNotRead, file);
-  if (conversion_->getFaultCount() != 0) tellFirstFault(file);
-  if (counts_) tellCounts(file);
+  if (conversion_->getFaultCount() != 0) reportFirstFault(file);
+  if (counts_) reportCounts(file);
   return isRead && !conversion_->hasStopped();
 }
 
@@ -148,7 +148,7 @@ bool Tool::convertBytes(int descriptor, OutputFile& output) {
   return size >= 0;
 }
 
-void Tool::tellFirstFault(const char* file) const {
+void Tool::reportFirstFault(const char* file) const {
   constexpr TextId kKinds[] = {kTextEnd, kInvalid, kIncomplete, kNotRepresentable};
   const Conversion::VelStFault& fault = conversion_->getFirstFault();
   std::string what;
@@ -166,7 +166,7 @@ void Tool::tellFirstFault(const char* file) const {
         what.empty() ? nullptr : what.c_str());
 }
 
-void Tool::tellCounts(const char* file) const {
+void Tool::reportCounts(const char* file) const {
   const auto count = [this](Fault kind) { return std::to_string(conversion_->getFaultCount(kind)); };
   const VelClMessage counts(getMessageCatalog(), kCounts, std::to_string(conversion_->getOffset()).c_str(),
                             count(Fault::INVALID_SEQUENCE).c_str(), count(Fault::INCOMPLETE).c_str(),
@@ -174,12 +174,16 @@ void Tool::tellCounts(const char* file) const {
   std::cerr << file << ": " << counts << '\n';
 }
 
-int run(int argc, char** argv) {
+}  // namespace
+
+const char* const vel::tools::kToolName = "velconv";
+
+int vel::tools::toolMain(int argc, char** argv) {
   vel::platform::removeUnfinishedOnSignals();
   velFileSetBinaryMode(vel::platform::kStandardInput, true);
   velFileSetBinaryMode(vel::platform::kStandardOutput, true);
   if (vel::tools::answerStandardSwitches(argc, argv,
-                                         {"velconv", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]}))
+                                         {kToolName, kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]}))
     return std::cout.good() ? 0 : kExitFailed;
   const std::vector<const char*> arguments = vel::tools::withStandardStream(argc, argv);
   Tool tool(argc, arguments.data());
@@ -188,14 +192,8 @@ int run(int argc, char** argv) {
   } catch (const OutputFailure&) {
     return tool.fail(kNotWritten);
   } catch (const VelClException& exception) {
-    vel::tools::passOutOfMemory(exception);
+    vel::tools::rethrowIfOutOfMemory(exception);
     tool.exception(exception, kTexts[kTitle]);
     tool.processExit(CONUI_USAGE);
   }
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-  return vel::tools::runTool("velconv", argc, argv, run);
 }

@@ -29,7 +29,7 @@ bool isMissing(std::string_view group) {
 }  // namespace
 
 template <typename Form>
-bool DumpParser::parseGroups(std::string_view text, Line& line) {
+bool DumpParser::decodeGroups(std::string_view text, Line& line) {
   using Layout = LineLayout<Form>;
   static_assert(Form::kBytes <= kMostBytes);
   if (text.size() <= Layout::kMark || text[Layout::kMark] != '|') return false;
@@ -45,14 +45,14 @@ bool DumpParser::parseGroups(std::string_view text, Line& line) {
   return line.count > 0;
 }
 
-bool DumpParser::parse(std::string_view text, Line& line) {
+bool DumpParser::decode(std::string_view text, Line& line) {
   constexpr std::size_t kLeastDigits = 8;
   const std::size_t digits = text.find(": ");
   if (digits == std::string_view::npos || digits < kLeastDigits) return false;
   if (!parseNumber(text.substr(0, digits), 16, line.address)) return false;
   const std::string_view groups = text.substr(digits + 2);
-  return groups.find(' ') == HexForm::kDigits ? parseGroups<HexForm>(groups, line)
-                                              : parseGroups<BinaryForm>(groups, line);
+  return groups.find(' ') == HexForm::kDigits ? decodeGroups<HexForm>(groups, line)
+                                              : decodeGroups<BinaryForm>(groups, line);
 }
 
 /// A squeezed run consists of whole lines.
@@ -73,7 +73,7 @@ bool DumpParser::repeatUpTo(std::uint64_t address) {
   return true;
 }
 
-bool DumpParser::takeLine(std::string_view text) {
+bool DumpParser::parseLine(std::string_view text) {
   if (text.ends_with('\r')) text.remove_suffix(1);
   if (text == "*") {
     if (!started_ || squeezed_ || previous_.count != previous_.capacity) return false;
@@ -81,7 +81,7 @@ bool DumpParser::takeLine(std::string_view text) {
     return true;
   }
   Line line;
-  if (!parse(text, line) || !follows(line)) return false;
+  if (!decode(text, line) || !follows(line)) return false;
   if (squeezed_ && !repeatUpTo(line.address)) return false;
   output_.append(reinterpret_cast<const char*>(line.bytes), line.count);
   previous_ = line;

@@ -16,7 +16,7 @@ class DumpParser {
 
   /// Takes one line without its line break. False when it is none, its address is not where the line
   /// before ended, or a "*" before it stands for too many bytes; nothing of it is written then.
-  bool takeLine(std::string_view line);
+  bool parseLine(std::string_view line);
   /// Whether the last line was refused for the bytes that a "*" stands for.
   bool isBeyondLimit() const { return beyondLimit_; }
   /// Whether the dump can end here: not behind a "*".
@@ -33,8 +33,8 @@ class DumpParser {
   };
 
   template <typename Form>
-  static bool parseGroups(std::string_view text, Line& line);
-  static bool parse(std::string_view text, Line& line);
+  static bool decodeGroups(std::string_view text, Line& line);
+  static bool decode(std::string_view text, Line& line);
   bool follows(const Line& line) const;
   bool repeatUpTo(std::uint64_t address);
 

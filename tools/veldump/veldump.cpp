@@ -8,8 +8,8 @@
 #include "platform/byte_files.h"
 #include "platform/platform.h"
 #include "tools/catalog_tool.h"
-#include "tools/run_tool.h"
 #include "tools/standard_switches.h"
+#include "tools/tool_main.h"
 #include "tools/veldump/byte_source.h"
 #include "tools/veldump/dump_parser.h"
 #include "tools/veldump/dump_writer.h"
@@ -51,7 +51,7 @@ class Tool : public vel::tools::CatalogTool {
   template <typename Form>
   bool dump(ByteSource& source);
   bool reverse(ByteSource& source, const char* file);
-  bool takeLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineNumber);
+  bool parseLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineNumber);
   void reportLine(const DumpParser& parser, const char* file, std::uint64_t lineNumber);
   bool fillChunk(ByteSource& source, std::size_t& size);
 
@@ -176,11 +176,11 @@ bool Tool::reverse(ByteSource& source, const char* file) {
   std::size_t size = 0;
   std::uint64_t lineNumber = 0;
   bool good = true;
-  while (good && size < chunk_.size() && fillChunk(source, size)) good = takeLines(parser, size, lineNumber);
+  while (good && size < chunk_.size() && fillChunk(source, size)) good = parseLines(parser, size, lineNumber);
   const std::string_view last(reinterpret_cast<const char*>(chunk_.data()), size);
   if (good && !last.empty()) {
     ++lineNumber;
-    good = parser.takeLine(last);
+    good = parser.parseLine(last);
   }
   progressStop();
   if (source.hasFailed()) {
@@ -201,11 +201,11 @@ void Tool::reportLine(const DumpParser& parser, const char* file, std::uint64_t 
 }
 
 /// Hands over the whole lines of the chunk and leaves the rest at its start.
-bool Tool::takeLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineNumber) {
+bool Tool::parseLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineNumber) {
   std::string_view text(reinterpret_cast<const char*>(chunk_.data()), size);
   for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
     ++lineNumber;
-    if (!parser.takeLine(text.substr(0, end))) return false;
+    if (!parser.parseLine(text.substr(0, end))) return false;
     text.remove_prefix(end + 1);
   }
   size = text.size();
@@ -213,11 +213,15 @@ bool Tool::takeLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineN
   return true;
 }
 
-int run(int argc, char** argv) {
+}  // namespace
+
+const char* const vel::tools::kToolName = "veldump";
+
+int vel::tools::toolMain(int argc, char** argv) {
   velFileSetBinaryMode(vel::platform::kStandardInput, true);
   velFileSetBinaryMode(vel::platform::kStandardOutput, true);
   if (vel::tools::answerStandardSwitches(argc, argv,
-                                         {"veldump", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]}))
+                                         {kToolName, kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]}))
     return std::cout.good() ? 0 : kExitNotWritten;
   Tool tool(argc, argv);
   try {
@@ -226,14 +230,8 @@ int run(int argc, char** argv) {
     tool.report(kNotWritten);
     return kExitNotWritten;
   } catch (const VelClException& exception) {
-    vel::tools::passOutOfMemory(exception);
+    vel::tools::rethrowIfOutOfMemory(exception);
     tool.exception(exception, kTexts[kTitle]);
     tool.processExit(CONUI_USAGE);
   }
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-  return vel::tools::runTool("veldump", argc, argv, run);
 }

@@ -8,8 +8,8 @@
 
 #include "platform/platform.h"
 #include "tools/catalog_tool.h"
-#include "tools/run_tool.h"
 #include "tools/standard_switches.h"
+#include "tools/tool_main.h"
 #include "tools/velini/forms.h"
 #include "tools/velini/texts.h"
 #include "vel_include/vel_consoleui.h"
@@ -218,7 +218,7 @@ struct SyntaxError {
   unsigned int line;
 };
 
-bool keepError(const _VelStError& error, unsigned int line, void* errors) {
+bool collectError(const _VelStError& error, unsigned int line, void* errors) {
   static_cast<std::vector<SyntaxError>*>(errors)->push_back({error.getErrorId(), line});
   return true;
 }
@@ -234,7 +234,7 @@ int Tool::check(const VelClIniFileEditor& editor) const {
     if (c[0] != '\r' || c[1] != '\n') lines += *c;
   std::vector<SyntaxError> errors;
   VelClIniFile file(file_);
-  file.setErrorHandler(keepError, &errors);
+  file.setErrorHandler(collectError, &errors);
   file.loadFromBuffer(lines.data(), lines.size(), '\n', true, allowContinuation_);
   for (const SyntaxError& error : errors)
     std::cout << file_ << ':' << error.line << ": " << text(textOf(error)) << '\n';
@@ -264,9 +264,13 @@ int Tool::write(VelClIniFileEditor& editor) const {
   return 0;
 }
 
-int run(int argc, char** argv) {
+}  // namespace
+
+const char* const vel::tools::kToolName = "velini";
+
+int vel::tools::toolMain(int argc, char** argv) {
   velFileSetBinaryMode(kStandardOutput, true);
-  const vel::tools::ToolTexts texts{"velini", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
+  const vel::tools::ToolTexts texts{kToolName, kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
   if (vel::tools::answerStandardSwitches(argc, argv, texts)) return std::cout.good() ? 0 : kExitNotWritten;
   const std::vector<const char*> arguments = vel::tools::withStandardStream(argc, argv);
   Tool tool(argc, arguments.data());
@@ -274,16 +278,10 @@ int run(int argc, char** argv) {
   try {
     exitCode = tool.run();
   } catch (const VelClException& exception) {
-    vel::tools::passOutOfMemory(exception);
+    vel::tools::rethrowIfOutOfMemory(exception);
     tool.exception(exception, kTexts[kTitle]);
     tool.processExit(CONUI_USAGE);
   }
   std::cout.flush();
   return std::cout.good() ? exitCode : kExitNotWritten;
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-  return vel::tools::runTool("velini", argc, argv, run);
 }

@@ -18,10 +18,10 @@ namespace {
 using Inserts = std::vector<std::string>;
 using InsertsByLanguage = std::map<unsigned int, Inserts>;
 
-template <typename Take>
-void forEachMessage(const VelClMessageCatalog& catalog, Take take) {
+template <typename Visit>
+void forEachMessage(const VelClMessageCatalog& catalog, Visit visit) {
   VelClMessageCatalogCursor message(catalog);
-  for (bool more = message.setToFirst(); more; more = message.setToNext()) take(message);
+  for (bool more = message.setToFirst(); more; more = message.setToNext()) visit(message);
 }
 
 /// The mark that ends a library's text without a line break is not part of what the user sees.
@@ -58,7 +58,7 @@ bool isDigit(char c) {
 }
 
 /// The insert behind a percent sign: its number and, in libraries, how it is to be printed ("1!8s!").
-std::string takeInsert(std::string_view text, std::size_t& position) {
+std::string parseInsert(std::string_view text, std::size_t& position) {
   const std::size_t start = position;
   while (position < text.size() && isDigit(text[position])) ++position;
   if (position < text.size() && text[position] == '!') {
@@ -73,7 +73,7 @@ Inserts insertsOf(std::string_view text) {
   for (std::size_t i = text.find('%'); i < text.size(); i = text.find('%', i)) {
     ++i;
     if (i < text.size() && isDigit(text[i]) && text[i] != '0')
-      inserts.push_back(takeInsert(text, i));
+      inserts.push_back(parseInsert(text, i));
     else if (i < text.size())
       ++i;
   }
@@ -114,7 +114,7 @@ std::string joined(const Inserts& inserts) {
 
 using Difference = std::optional<std::pair<const Inserts*, const Inserts*>>;
 
-const Inserts* firstOther(const InsertsByLanguage& texts, const Inserts& inserts) {
+const Inserts* firstDiffering(const InsertsByLanguage& texts, const Inserts& inserts) {
   const auto other =
       std::find_if(texts.begin(), texts.end(), [&](const auto& text) { return text.second != inserts; });
   return other == texts.end() ? nullptr : &other->second;
@@ -122,9 +122,9 @@ const Inserts* firstOther(const InsertsByLanguage& texts, const Inserts& inserts
 
 /// The first text of one that differs from any of the other; none when all of both are alike.
 Difference differing(const InsertsByLanguage& first, const InsertsByLanguage& second) {
-  if (const Inserts* const other = firstOther(second, first.begin()->second))
+  if (const Inserts* const other = firstDiffering(second, first.begin()->second))
     return std::pair(&first.begin()->second, other);
-  if (const Inserts* const other = firstOther(first, second.begin()->second))
+  if (const Inserts* const other = firstDiffering(first, second.begin()->second))
     return std::pair(other, &second.begin()->second);
   return std::nullopt;
 }
