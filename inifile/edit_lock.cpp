@@ -1,4 +1,7 @@
-// Locks of edited files.
+// The lock that keeps two editors from overwriting each other's changes. It binds only programs that ask for
+// it, and every save puts another file under the name. So the state of the file at locking time is kept, and
+// each read and each save compare with it: if another program has replaced or changed the file, this update
+// is refused, so that the other one is not lost.
 #include "inifile/edit_lock.h"
 
 #include <algorithm>
@@ -9,7 +12,8 @@ namespace {
 
 constexpr std::uint32_t kLongestPauseMs = 20;
 
-/// Asks with pauses that grow: the system waits without a limit, or not at all.
+/// Polls for the lock, because the systems wait either without a limit or not at all. The pauses grow from 1
+/// ms, so that a short wait ends soon and a long one costs little.
 platform::LockResult lockWithin(std::uint32_t timeLimitMs, const char* name, platform::FileLock& lock) {
   const std::uint32_t start = platform::tickCount();
   for (std::uint32_t pauseMs = 1;; pauseMs = std::min(2 * pauseMs, kLongestPauseMs)) {
@@ -25,6 +29,7 @@ platform::LockResult lockWithin(std::uint32_t timeLimitMs, const char* name, pla
 VelEnIniFileLock EditLock::acquire(const char* name, std::uint32_t timeLimitMs) {
   release();
   const platform::LockResult result = lockWithin(timeLimitMs, name, lock_);
+  // Without locks in the file system the comparison of states is still possible, and the only protection.
   isGuarding_ = result == platform::LockResult::Locked || result == platform::LockResult::Unsupported;
   switch (result) {
     case platform::LockResult::Locked:

@@ -1,4 +1,4 @@
-// A file that an editor has locked: waiting for the lock, and whether a name still leads to that file.
+// The lock of an editor on its file, and the check that the name still leads to the locked file, unchanged.
 #pragma once
 
 #include <optional>
@@ -15,25 +15,29 @@ class EditLock {
   EditLock& operator=(const EditLock&) = delete;
   ~EditLock() { release(); }
 
+  /// Releases an earlier lock and waits for this one, up to the limit. 0 does not wait.
   VelEnIniFileLock acquire(const char* name, std::uint32_t timeLimitMs);
   void release();
 
-  /// Of a file that is read; none when it is not the one that is held, or not as it was.
+  /// Returns the state of a file that was read, or nothing if a lock is held and the file is not the locked
+  /// one or has changed since.
   std::optional<platform::FileState> checkRead(int descriptor);
-  /// What is edited came from there.
+  /// Records the file that the edited text came from.
   void noteRead(const platform::FileState& file) { read_ = file; }
-  /// What is edited came from no file.
+  /// Records that the edited text came from no file.
   void forgetRead() { read_.reset(); }
-  /// False when a file is held, and the one that is to be replaced, the one that the name leads to or the one
-  /// that was read is another one or has changed.
+  /// Whether the file may be replaced. Without a lock it always may. With one, the file that the replacement
+  /// found, the one that the name leads to now, and the one that was read must all be the locked one,
+  /// unchanged.
   bool mayReplace(const char* name, const platform::FileIdentity& replaced);
+  /// Whether the last of these checks failed.
   bool isReplaced() const { return isReplaced_; }
 
  private:
-  /// Makes a note of it, too.
+  /// Records the result for isReplaced and returns it.
   bool noteMatch(bool isSame);
 
-  bool isGuarding_ = false;
+  bool isGuarding_ = false;  ///< locked, or on a file system without locks
   bool isReplaced_ = false;
   platform::FileLock lock_;
   std::optional<platform::FileState> read_;

@@ -1,4 +1,4 @@
-// What an editor of INI files works on.
+// The state of an editor of INI files: the document, and the lock on its file.
 #pragma once
 
 #include "inifile/edit_lock.h"

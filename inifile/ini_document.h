@@ -1,5 +1,5 @@
-// The text of a file under edit, with the model that the parser reads from it. A change counts only when the
-// parser reads back what was wanted.
+// The text of a file under edit, with the model that the parser reads from it. A change leaves all other
+// bytes as they are, and is made only if the parser reads the wanted model from the changed text.
 #pragma once
 
 #include <memory>
@@ -15,14 +15,18 @@ using OwnedIniFile = OwnedObject<VelClIniFile>;
 
 class IniDocument {
  public:
+  /// An empty text.
   IniDocument();
 
+  /// Replaces the text.
   void adopt(String text, bool allowContinuation);
   const String& text() const noexcept { return text_; }
   const VelClIniFile& model() const noexcept { return *model_; }
 
+  /// These return false, with nothing changed, when the change is refused; see VelClIniFileEditor for each.
+  /// No name or value may be null.
   bool setValue(const char* section, const char* option, const char* value);
-  /// Sets all that questions by name find in another file, or nothing.
+  /// Sets all options that are the first of their name in `source`, or none of them.
   bool merge(const VelClIniFile& source);
   bool addSection(const char* name);
   bool deleteOption(const char* section, const char* option);
@@ -31,7 +35,7 @@ class IniDocument {
  private:
   Span span() const noexcept { return {text_.data(), text_.data() + text_.size()}; }
   OwnedIniFile parse(const String& text) const;
-  /// Of a section of the model.
+  /// Returns the layout of a section of the model.
   SectionLayout layoutOf(const VelClIniFileSection& wanted) const;
   template <typename Change>
   bool replaceIf(String changed, const VelClIniFile* merged, Change change);

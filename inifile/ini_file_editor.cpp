@@ -1,4 +1,5 @@
-// An INI file under edit: reading and writing it. Changes are ini_document.cpp's work.
+// The reading, locking and saving of VelClIniFileEditor. Changing the text is ini_document.cpp's work,
+// waiting for the lock edit_lock.cpp's, and replacing the file file_output.cpp's.
 #include "base/short_text.h"
 #include "foundation/allocator.h"
 #include "inifile/edited_file.h"
@@ -14,6 +15,8 @@ using vel::platform::FileState;
 
 namespace {
 
+/// The editor needs all bytes of the file, also those that the parser never reads, such as those after a line
+/// that is too long.
 bool readAll(int descriptor, String& bytes) {
   constexpr std::size_t kStep = std::size_t{256} * 1024;
   for (;;) {
@@ -44,6 +47,7 @@ bool VelClIniFileEditor::load(bool allowContinuation) {
   const OpenFile file{vel::platform::openForReading(getAsCString())};
   String bytes;
   if (file.descriptor < 0 || !readAll(file.descriptor, bytes)) return false;
+  // The state is taken after reading, so that a change during it is noticed.
   const std::optional<FileState> found = file_->lock.checkRead(file.descriptor);
   if (!found.has_value()) return false;
   file_->document.adopt(std::move(bytes), allowContinuation);
@@ -93,9 +97,12 @@ bool VelClIniFileEditor::save() {
   vel::inifile::FileOutput output;
   if (!output.open(getAsCString())) return false;
   output.write(getText(), static_cast<std::streamsize>(getLength()));
-  // Where it is another file this one is dropped.
+  // The check comes after writing, as late as possible. If it fails, `output` drops the new file and the old
+  // one stays.
   if (!file_->lock.mayReplace(getAsCString(), output.replaced()) || !output.close()) return false;
   file_->hasKeptRights = output.keepsRights();
+  // The lock was on the replaced file. The state of that file is forgotten as well, or the next locked save
+  // would take this program's own change for a foreign one.
   file_->lock.release();
   file_->lock.forgetRead();
   return true;

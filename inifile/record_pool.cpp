@@ -1,4 +1,9 @@
-// Pieces of memory for the records of a model.
+// Allocates records from chunks. A file has thousands of options, so a call of the memory manager for each,
+// and another one to free it, would take longer than parsing. Each block size has a list of its free blocks;
+// the links are in the freed blocks themselves:
+//
+//   chunks_ -> [link|block|block|free.........]     free_ and end_ limit the unused end of the newest chunk
+//   freeLists_[5] -> block -> block -> null         blocks of 5 units
 #include "inifile/record_pool.h"
 
 #include <algorithm>
@@ -9,7 +14,9 @@ namespace vel::inifile {
 
 namespace {
 
+/// Chunks double up to this size: small files need little memory, large ones few calls.
 constexpr std::size_t kLargestChunk = std::size_t{64} * 1024;
+/// Room for the link to the next chunk, rounded up so that blocks keep the alignment of the chunk.
 constexpr std::size_t kChunkHeader = 16;
 
 }  // namespace
@@ -22,7 +29,8 @@ RecordPool::~RecordPool() {
   }
 }
 
-/// What is left of the block before stays unused: no more than the largest block.
+/// The unused end of the chunk before is abandoned. It was too small for the wanted block, so at most one
+/// block of the largest size is wasted per chunk.
 void RecordPool::addChunk() {
   auto* const chunk = static_cast<Link*>(VelClMemoryManager::malloc(chunkSize_));
   chunk->next = chunks_;

@@ -1,5 +1,5 @@
-// Memory for the many small records of a model: pieces of growing blocks from the memory manager. Pieces
-// given back are used again for others of their size.
+// A memory pool for the many small records of a model. Blocks are cut from chunks of the memory manager, and
+// a freed block is used again for the next one of its size. The chunks are freed with the pool.
 #pragma once
 
 #include <array>
@@ -9,8 +9,9 @@ namespace vel::inifile {
 
 class RecordPool {
  public:
-  /// Sizes are counted in units of this many bytes, which is the alignment, too.
+  /// Sizes are counted in units of this many bytes, which is also the alignment.
   static constexpr std::size_t kUnit = 8;
+  /// The largest block. An option with a full text takes 130 units.
   static constexpr std::size_t kMaxUnits = 160;
 
   static constexpr std::size_t unitsFor(std::size_t size) noexcept { return (size + kUnit - 1) / kUnit; }
@@ -20,8 +21,9 @@ class RecordPool {
   RecordPool& operator=(const RecordPool&) = delete;
   ~RecordPool();
 
-  /// Not initialised; 1 to kMaxUnits. Throws as the memory manager does.
+  /// Returns an uninitialised block of 1 to kMaxUnits units. Throws as the memory manager does.
   void* allocate(std::size_t units);
+  /// `units` must be what the block was allocated with.
   void deallocate(void* block, std::size_t units) noexcept;
 
  private:

@@ -1,4 +1,6 @@
-// Merges options into a text in one pass.
+// Merges options into a text in one pass over its sections, in step with the sections of the model: the
+// layout tells where the lines of an option are, the model which option that is. Merging many options
+// therefore takes about as long as setting one. Checking the result is ini_document.cpp's work.
 #include "inifile/text_merger.h"
 
 #include "inifile/section_layout.h"
@@ -12,6 +14,7 @@ namespace {
 using Section = VelClIniFileSection;
 using Option = VelClIniFileOption;
 
+/// A value that was written in quotes keeps them, as a matter of style.
 bool isQuoted(Span raw) noexcept {
   return raw.length() > 1 && raw.first() == '"' && raw.end[-1] == '"';
 }
@@ -22,6 +25,7 @@ class TextMerger {
       : end_(text.end), model_(model), source_(source), rewriter_(text) {}
 
   void mergeSection(const Section& section, const SectionLayout& layout) {
+    // Only the first section of a name is found by queries, so later ones are left alone.
     const Section* const source =
         isFirst(model_, section) ? source_.getExistingSection(section.getName()) : nullptr;
     if (source == nullptr) return;
@@ -48,7 +52,8 @@ class TextMerger {
   String finish() { return rewriter_.finish(); }
 
  private:
-  /// The first line gets the value. Others go, but for their comments.
+  /// Puts the whole value into the first line and removes the continuation lines. Of one with a comment only
+  /// the value is removed, so that nobody loses a comment.
   void setValue(std::span<const ValueLine> lines, const char* value) {
     String written;
     writeValue(written, value, isQuoted(lines.front().value));
@@ -57,7 +62,8 @@ class TextMerger {
       rewriter_.remove(line.hasComment ? line.value : line.whole);
   }
 
-  /// Those that are not in `target`, the model's section.
+  /// Adds at `at` the options that are not in `target`, a section of the model or null. They look like the
+  /// last option of the section, for example "name=value" if it has no blanks around "=".
   void addOptions(const Section& source, const Section* target, const char* at, Span separator) {
     for (const Option* option = source.getFirstOption(); option != nullptr; option = option->getNext()) {
       if (!isFirst(source_, source, *option)) continue;

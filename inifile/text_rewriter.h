@@ -1,5 +1,5 @@
-// A text under change: what is replaced, removed and added, told in the order in which it stands in the text,
-// makes the new text.
+// Rewrites a text in one pass: everything that is not replaced, removed or added is copied. Changes must come
+// in the order of their places in the text.
 #pragma once
 
 #include "foundation/allocator.h"
@@ -9,16 +9,17 @@ namespace vel::inifile {
 
 class TextRewriter {
  public:
+  /// `text` must outlive the rewriter, and so must the spans in it that the functions take.
   explicit TextRewriter(Span text) : text_(text), kept_(text.begin) {}
 
   void replace(Span old, const String& piece);
   void remove(Span old) { keepUpTo(old.begin), kept_ = old.end; }
-  /// At the begin of a line, or behind a last line without end: that gets one, and the new line has none
-  /// then.
+  /// Adds a line at the start of a line, or at the end of the text. If the last line of the text has no line
+  /// break, the break goes before the new line, which then has none either.
   void addLine(const char* at, const String& line);
-  /// At the end, behind an empty line if anything is there.
+  /// Adds a header at the end, after an empty line unless it is the first line.
   void addHeader(const char* section);
-  /// The whole text.
+  /// Copies the rest and returns the new text.
   String finish();
 
  private:
@@ -26,7 +27,7 @@ class TextRewriter {
   const char* lineEnd() const noexcept;
 
   Span text_;
-  const char* kept_;  ///< behind what is in the new text, or replaced
+  const char* kept_;  ///< up to here the old text has been copied, replaced or removed
   String changed_;
 };
 

@@ -1,16 +1,17 @@
-// Escapes and character literals in values, and the conversion of a value's text to the caller's type.
+// Decodes escapes and character literals in values, and converts a value to the type that the caller wants.
 #pragma once
 
 #include "inifile/text_rules.h"
 
 namespace vel::inifile {
 
-/// The character behind a back-slash, and one between single quotes from the opening quote on; the span moves
-/// on.
+/// Decodes the escape after a backslash, or a character literal from its opening quote on. Consumes it from
+/// the span, never beyond its end, and returns the character.
 char readEscape(Span& text) noexcept;
 char readQuotedCharacter(Span& text) noexcept;
 
-/// A value's text as what a question asks for.
+/// Convert the text of a value. Numbers have 32 bits on every system and saturate; 0 when there is none.
+/// Texts are not copied.
 void convert(const char* text, const char*& value) noexcept;
 void convert(const char* text, int& value) noexcept;
 void convert(const char* text, long& value) noexcept;

@@ -1,4 +1,4 @@
-// Reads the value of an option line or a continuation line.
+// Parses the value of an option line or a continuation line.
 #pragma once
 
 #include "inifile/option_text.h"
@@ -6,13 +6,14 @@
 
 namespace vel::inifile {
 
-/// Where a value stands in its line.
+/// The place of a value in its line, for the editor.
 struct ValuePlace {
-  Span raw;          ///< as it is written, without white space around it
+  Span raw;          ///< the value as written, without white space around it
   const char* stop;  ///< the ";" before the comment, or the end of the line
 };
 
-/// Adds the value in `text`, what follows "=" or a continuation line, and sets the comment.
+/// Appends the value in `text` to the option's value and sets the comment, to "" if there is none. `text` is
+/// what follows "=", or a whole continuation line.
 ValuePlace parseValue(Span text, OptionText& option);
 
 }  // namespace vel::inifile
