@@ -1,4 +1,4 @@
-// Writers of aligned lines and of an exception's description, on any stream.
+// Writes aligned lines and the description of an exception to any stream.
 #pragma once
 
 #include <cstddef>
@@ -10,26 +10,27 @@
 
 namespace vel::consoleui {
 
-/// How many columns a text takes: its characters in the process's code page.
+/// Returns the number of characters of a text in the code page of the process.
 std::size_t widthOf(const char* text);
 
-/// The label column of an aligned line.
+/// Writes the label column of an aligned line, up to and with the colon and a blank.
 void writeLabel(std::ostream& stream, const VelClConsoleUIParams& params, const char* label);
-/// A whole line; the value in double quotes when the parameters say so.
+/// Writes a whole aligned line. The value is in double quotes if mustQuoteStrings is set.
 void writeLine(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
                const char* value);
 
-/// A decimal number's text.
+/// The text of a decimal number.
 struct NumberText {
   char text[24];
   explicit NumberText(long long value) { velI64toa(value, text); }
   explicit NumberText(unsigned long long value) { velW64toa(value, text); }
 };
 
-/// The lines that describe an exception.
+/// Writes the lines that describe an exception. Unless `verbose` is true only the identifier is written, and
+/// class, severity and action where they are not 0; with it also cause and origin.
 void writeException(std::ostream& stream, const VelClConsoleUIParams& params, const Words& words,
                     const VelClException& exception, bool verbose);
-/// The line with an error identifier's name and number.
+/// Writes the line with the name and the number of an error identifier, or the number alone.
 void writeErrorId(std::ostream& stream, const VelClConsoleUIParams& params, const Words& words,
                   std::uint32_t errorId);
 

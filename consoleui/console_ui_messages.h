@@ -1,4 +1,4 @@
-// Writers of messages in the fixed layout, on any stream.
+// Writes messages in the fixed layout to any stream.
 #pragma once
 
 #include <iosfwd>
@@ -7,16 +7,17 @@
 
 namespace vel::consoleui {
 
-/// Up to five texts of one message; null ones are left out.
+/// Up to five texts of one message. Null ones are left out.
 struct MessageTexts {
   const char* texts[5];
 };
 
-/// The fixed layout: a separator line, the process name and the label, the indented texts.
+/// Writes a separator line, then the process name and the label, then the indented texts with ": " between
+/// them.
 void writeMessage(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
                   const MessageTexts& message);
 
-/// The line between one dialogue and the next.
+/// Writes the line that separates one dialogue from the next.
 void writeSeparatorLine(std::ostream& stream);
 
 }  // namespace vel::consoleui

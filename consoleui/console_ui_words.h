@@ -1,5 +1,5 @@
-// What the files of the console user interface share: the numbers of its words in the message catalog, the
-// texts that a tool hands over, and the writers that work on any stream.
+// The words of the console user interface and their numbers in the message catalog, its exit codes, and the
+// texts that a tool passes. Defined inline: there is no console_ui_words.cpp.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,8 @@
 
 namespace vel::consoleui {
 
-/// Message numbers, before the message base is added.
+/// Message numbers in the library's own table. A tool's catalog has the same messages from its message base
+/// on.
 enum class Word : std::uint32_t {
   Yes = 3,
   No = 4,
@@ -61,7 +62,8 @@ inline constexpr int kExitMissingSwitch = CONUI_ARG_MISSING;
 inline constexpr int kExitMissingValue = CONUI_ARG_EXPECTING_VALUE;
 inline constexpr int kExitNonNumericValue = CONUI_ARG_VALUE_TYPE_MISMATCH;
 
-/// The text itself, whichever way it was given; "" for null and message 0.
+/// Resolves a label or question to text: a text of the tool's or the number of a message. "" for null and
+/// message 0. The object owns the message and is therefore not copied.
 class ResolvedText {
  public:
   ResolvedText(const VelClUIText& given, const VelClMessageCatalog& catalog)
@@ -87,7 +89,7 @@ class Words {
       : catalog_(catalog), messageBase_(messageBase) {}
 
   VelClMessage operator[](Word word) const { return number(static_cast<std::uint32_t>(word)); }
-  /// A message by its number in the library's own table.
+  /// Returns a message by its number in the library's own table.
   VelClMessage number(std::uint32_t id) const { return {catalog_, messageBase_ + id}; }
 
  private:
