@@ -1,4 +1,9 @@
 // velconv: converts text between code pages.
+//
+// Files are converted in chunks, one after the other and into one output. An output file replaces the old one
+// only after the last of them, so a conversion that stops leaves the old file in place. Conversion, and what
+// becomes of characters that cannot be converted, is the work of the library's strict conversion; the tool
+// reports.
 #include <cstring>
 #include <iostream>
 #include <optional>
@@ -34,8 +39,9 @@ class Tool : public vel::tools::CatalogTool {
  public:
   Tool(int argc, const char* const* argv) : CatalogTool(argc, argv, kTexts, kTextEnd), chunk_(kChunkSize) {}
 
-  /// The exit code.
+  /// Returns the exit code.
   int run();
+  /// Reports an error and returns the exit code for it.
   int fail(TextId id) const;
 
  private:
@@ -93,6 +99,7 @@ VelClCCSID Tool::ccsidOf(const char* switchName) const {
 }
 
 Conversion::VelEnPolicy Tool::policy() const {
+  // In the order of the enumeration.
   constexpr const char* kNames[] = {"stop", "skip", "replace", "escape"};
   const char* name = kNames[0];
   hasArgString("policy", name);
@@ -115,15 +122,16 @@ int Tool::convertAll() {
   return isClean ? 0 : kExitChanged;
 }
 
-/// False when nothing more can be converted.
+/// Converts one file and reports on it. Returns false if the conversion cannot go on with the next one.
 bool Tool::convert(const char* file, OutputFile& output) {
   const bool isInput = file == kStandardStream;
   constexpr auto kAwait = vel::platform::PipeWithoutWriter::Await;
   const int descriptor =
       isInput ? vel::platform::kStandardInput : vel::platform::openForReading(file, kAwait);
   if (descriptor == -1) return report(kNotOpened, file), false;
-  // A terminal that shows the output has no place for a progress bar.
+  // A progress bar would mix with output that is shown on the same terminal.
   const bool isShown = output_ == nullptr && vel::platform::isTerminal(vel::platform::kStandardOutput);
+  // The size of a pipe is not known, so there is no progress bar for it.
   const std::uint64_t expected = isShown ? 0 : vel::platform::bytesLeft(descriptor);
   if (expected > 0) progressStart(expected, file);
   const bool isRead = convertBytes(descriptor, output);
@@ -135,7 +143,8 @@ bool Tool::convert(const char* file, OutputFile& output) {
   return isRead && !conversion_->hasStopped();
 }
 
-/// False when not everything could be read.
+/// Converts the bytes of one file. Returns false if not all of them could be read. Each file begins anew, so
+/// a character cannot extend from one file into the next.
 bool Tool::convertBytes(int descriptor, OutputFile& output) {
   conversion_->restart();
   std::int64_t size = 0;
@@ -148,6 +157,8 @@ bool Tool::convertBytes(int descriptor, OutputFile& output) {
   return size >= 0;
 }
 
+/// Shows the bytes of an ill-formed sequence, or an unmappable character as "U+20AC", with offset, line and
+/// column.
 void Tool::reportFirstFault(const char* file) const {
   constexpr TextId kKinds[] = {kTextEnd, kInvalid, kIncomplete, kNotRepresentable};
   const Conversion::VelStFault& fault = conversion_->getFirstFault();
@@ -156,6 +167,7 @@ void Tool::reportFirstFault(const char* file) const {
     const auto digits = vel::hexPair(fault.bytes[i]);
     what += {digits[0], digits[1], ' '};
   }
+  // Characters have four digits at least, and six beyond U+FFFF.
   for (int shift = fault.character > 0xFFFF ? 20 : 12; fault.character != 0 && shift >= 0; shift -= 4)
     what += vel::kUpperHexDigits[fault.character >> shift & 0xF];
   if (fault.character != 0) what = "U+" + what;
@@ -179,6 +191,7 @@ void Tool::reportCounts(const char* file) const {
 const char* const vel::tools::kToolName = "velconv";
 
 int vel::tools::toolMain(int argc, char** argv) {
+  // An interrupted conversion must not leave the unfinished file.
   vel::platform::removeUnfinishedOnSignals();
   velFileSetBinaryMode(vel::platform::kStandardInput, true);
   velFileSetBinaryMode(vel::platform::kStandardOutput, true);

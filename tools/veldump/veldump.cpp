@@ -1,4 +1,8 @@
 // veldump: shows the bytes of files, and turns dumps back into bytes.
+//
+// Both directions read a file in chunks of 64 KiB. A line may be cut by the end of a chunk: its bytes are
+// moved to the front, and the next read continues after them. So a dump takes little memory for a file of any
+// size. Formatting is dump_writer.h's work, parsing dump_parser.cpp's.
 #include <charconv>
 #include <cstring>
 #include <iostream>
@@ -29,6 +33,8 @@ constexpr int kExitBeyondLimit = 3;
 constexpr std::uint64_t kDefaultLimit = std::uint64_t{1} << 30;
 constexpr std::size_t kChunkSize = std::size_t{64} * 1024;
 
+/// Writes past std::cout: a dump is large, and with -reverse the bytes must arrive unchanged, see
+/// safe_terminal.h.
 bool writeToStandardOutput(const char* bytes, std::size_t size) {
   return vel::platform::writeBytes(vel::platform::kStandardOutput, bytes, size);
 }
@@ -38,7 +44,7 @@ class Tool : public vel::tools::CatalogTool {
  public:
   Tool(int argc, const char* const* argv) : CatalogTool(argc, argv, kTexts, kTextEnd), chunk_(kChunkSize) {}
 
-  /// The exit code.
+  /// Returns the exit code.
   int run();
 
  private:
@@ -58,7 +64,7 @@ class Tool : public vel::tools::CatalogTool {
   std::vector<std::uint8_t> chunk_;
   OutputBuffer output_{writeToStandardOutput};
   Range range_;
-  std::uint64_t limit_ = kDefaultLimit;  ///< of bytes that "*" may still stand for
+  std::uint64_t limit_ = kDefaultLimit;  ///< number of bytes that lines "*" may still stand for
   int exitCode_ = 0;
   bool binary_ = false;
   bool squeeze_ = false;
@@ -66,7 +72,7 @@ class Tool : public vel::tools::CatalogTool {
   bool hasHeading_ = false;
 };
 
-/// A number of elements in bytes, as large as it can be when that is too large.
+/// Returns the size of elements in bytes, saturated.
 std::uint64_t scaled(std::uint64_t count, std::uint64_t width) {
   constexpr std::uint64_t kMost = Range().length;
   return count > kMost / width ? kMost : count * width;
@@ -98,6 +104,7 @@ void Tool::readSwitches() {
   binary_ = hasArgSwitch("bin");
   squeeze_ = hasArgSwitch("squeeze");
   reverse_ = hasArgSwitch("reverse");
+  // A dump tells its form, its addresses and its length, so no switch may say otherwise.
   if (reverse_)
     for (const char* other : {"bin", "squeeze", "offset", "length", "width"})
       if (hasArgSwitch(other)) refuse(kReverseAlone);
@@ -119,6 +126,7 @@ int Tool::run() {
   readSwitches();
   const std::vector<const char*> names = files();
   hasHeading_ = names.size() > 1 && !reverse_;
+  // A file that cannot be read does not keep the others from being shown.
   for (const char* name : names)
     if (!handle(name) && exitCode_ == 0) exitCode_ = kExitNotRead;
   output_.flush();
@@ -130,7 +138,8 @@ void Tool::writeHeading(const char* file) {
   output_.append(heading.data(), heading.size());
 }
 
-/// Null is standard input. False when the file could not be read to its end, or is no dump.
+/// Handles one file; null is standard input. Returns false if it could not be read to its end, or is not a
+/// dump.
 bool Tool::handle(const char* file) {
   ByteSource source(file);
   if (file == nullptr) file = kTexts[kStandardInputName];
@@ -139,7 +148,7 @@ bool Tool::handle(const char* file) {
     return false;
   }
   if (hasHeading_) writeHeading(file);
-  // A terminal that shows the output has no place for a progress bar.
+  // A progress bar would mix with output that is shown on the same terminal.
   const bool isLong = source.narrow(range_) && !vel::platform::isTerminal(vel::platform::kStandardOutput);
   const std::uint64_t expected = isLong ? source.expectedBytes() : 0;
   if (expected > 0) progressStart(expected, file);
@@ -150,7 +159,7 @@ bool Tool::handle(const char* file) {
   return complete;
 }
 
-/// Reads behind the `size` bytes that are left in the chunk. False at the end.
+/// Reads after the `size` bytes that are left in the chunk, and adds to `size`. Returns false at the end.
 bool Tool::fillChunk(ByteSource& source, std::size_t& size) {
   const std::size_t count = source.read(chunk_.data() + size, chunk_.size() - size);
   size += count;
@@ -171,6 +180,7 @@ bool Tool::dump(ByteSource& source) {
   return !source.hasFailed();
 }
 
+/// A chunk that is full of one line ends the loop: no line of a dump is so long.
 bool Tool::reverse(ByteSource& source, const char* file) {
   DumpParser parser(output_, limit_);
   std::size_t size = 0;
@@ -192,7 +202,7 @@ bool Tool::reverse(ByteSource& source, const char* file) {
   return true;
 }
 
-/// Tells why a line was not taken.
+/// Reports why a line was refused. The output is flushed first, so that it ends where the report says.
 void Tool::reportLine(const DumpParser& parser, const char* file, std::uint64_t lineNumber) {
   output_.flush();
   const TextId fault = parser.isBeyondLimit() ? kBeyondLimit : kNoDumpLine;
@@ -200,7 +210,7 @@ void Tool::reportLine(const DumpParser& parser, const char* file, std::uint64_t 
   error(std::cerr, text(fault).c_str(), file, std::to_string(lineNumber).c_str());
 }
 
-/// Hands over the whole lines of the chunk and leaves the rest at its start.
+/// Parses the whole lines in the chunk and moves the rest to its start.
 bool Tool::parseLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineNumber) {
   std::string_view text(reinterpret_cast<const char*>(chunk_.data()), size);
   for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {

@@ -1,4 +1,4 @@
-// What velini says, as a string table: ids are the indexes.
+// The texts of velini as a string table. Their ids are the indexes.
 #pragma once
 
 #include <iterator>

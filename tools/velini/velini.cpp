@@ -1,4 +1,8 @@
 // velini: reads, edits and checks INI files.
+//
+// Every run loads the file into an editor, whatever its task: reading tasks use the model in it. A task that
+// edits locks the file before it loads it and saves it at the end, so that several runs at a time lose no
+// change. Editing is the library's work, the forms of output are forms.cpp's.
 #include <algorithm>
 #include <cstring>
 #include <iostream>
@@ -36,7 +40,7 @@ class Tool : public vel::tools::CatalogTool {
  public:
   Tool(int argc, const char* const* argv) : CatalogTool(argc, argv, kTexts, kTextEnd) {}
 
-  /// The exit code.
+  /// Returns the exit code.
   int run();
 
  private:
@@ -44,7 +48,7 @@ class Tool : public vel::tools::CatalogTool {
   void readSwitches();
   void readFormat();
   bool edits() const;
-  /// The exit code, 0 when the file may be edited.
+  /// Returns the exit code, 0 if the file may be edited.
   int lock(VelClIniFileEditor& editor) const;
   bool read(VelClIniFileEditor& editor, const char* name) const;
   int runTask(VelClIniFileEditor& editor);
@@ -83,6 +87,7 @@ void Tool::readSwitches() {
   reqArgString("file", file_);
   hasArgString("section", section_);
   allowContinuation_ = !hasArgSwitch("nocontinue");
+  // The usage string cannot express that exactly one task must be given, nor which tasks need a section.
   int tasks = 0;
   for (const char* task : {"get", "set", "delete", "delsection", "list", "sections", "merge", "check"})
     tasks += hasArgSwitch(task) ? 1 : 0;
@@ -107,7 +112,8 @@ bool Tool::edits() const {
   return false;
 }
 
-/// A file that is not locked for another reason cannot be read or written, either.
+/// Locks the file if the task edits it. A lock that fails for another reason than time means that the file
+/// cannot be read or written, so that is reported: it tells the user more.
 int Tool::lock(VelClIniFileEditor& editor) const {
   if (file_ == kStandardStream || !edits()) return 0;
   const auto milliseconds =
@@ -124,11 +130,11 @@ int Tool::lock(VelClIniFileEditor& editor) const {
 }
 
 bool Tool::read(VelClIniFileEditor& editor, const char* name) const {
-  // A name that is cut could be that of another file.
+  // A longer name would be cut, and could then be that of another file.
   if (std::strlen(name) > VEL_MAX_PATH_LENGTH) return false;
   if (name != kStandardStream) {
     if (editor.load(allowContinuation_)) return true;
-    // What is set or merged into a missing file makes it.
+    // Setting and merging create a missing file.
     return name == file_ && (hasArgSwitch("set") || hasArgSwitch("merge")) && !editor.isExistent();
   }
   velFileSetBinaryMode(kStandardInput, true);
@@ -150,7 +156,7 @@ int Tool::runTask(VelClIniFileEditor& editor) {
   return 0;
 }
 
-/// All or nothing: half of the assignments must not be evaluated.
+/// Writes the output only as a whole: a script must not evaluate the half before a refused name.
 template <typename Write>
 int Tool::show(Write write) const {
   ShellNames names(prefix_);
@@ -179,6 +185,7 @@ int Tool::edit(VelClIniFileEditor& editor) const {
   const char* value = nullptr;
   if (hasArgString("set", value)) return set(editor, value);
   if (hasArgString("merge", value)) return merge(editor, value);
+  // Looked up before the change, to tell a missing record from a change that was refused.
   const bool isOption = hasArgString("delete", value);
   const VelClIniFileSection* const section = editor.getIniFile().getExistingSection(section_);
   if (section == nullptr) return fail(kExitNotFound, kNotFound, section_);
@@ -189,6 +196,7 @@ int Tool::edit(VelClIniFileEditor& editor) const {
 }
 
 int Tool::set(VelClIniFileEditor& editor, const char* assignment) const {
+  // The first "=" ends the name, which cannot have one; the value can.
   const char* const equalSign = std::strchr(assignment, '=');
   if (equalSign == nullptr) refuse(kAssignmentExpected);
   const std::string option(assignment, equalSign);
@@ -196,7 +204,8 @@ int Tool::set(VelClIniFileEditor& editor, const char* assignment) const {
                                                                   : fail(kExitRefused, kRefused, assignment);
 }
 
-/// The first option that cannot be set by itself.
+/// Returns the name of the first option that cannot be set by itself, or null. For the report of a refused
+/// merge, which does not tell the option; the editor is not saved afterwards.
 const char* refusedOption(VelClIniFileEditor& editor, const VelClIniFile& source) {
   for (auto* section = source.getFirstSection(); section != nullptr; section = section->getNext())
     for (auto* option = section->getFirstOption(); option != nullptr; option = option->getNext())
@@ -228,7 +237,10 @@ TextId textOf(const SyntaxError& error) {
   return error.id == INIFILE_INVAL_OPTION ? kNoEqualSign : kNothingContinued;
 }
 
+/// Parses the text a second time, with a handler that collects the errors. The library reports no error for a
+/// line that is too long: it stops reading there, which shows in the count of lines.
 int Tool::check(const VelClIniFileEditor& editor) const {
+  // Unlike the load of a file, loadFromBuffer does not drop "\r" before a line break.
   std::string lines;
   for (const char* c = editor.getText(); c != editor.getText() + editor.getLength(); ++c)
     if (c[0] != '\r' || c[1] != '\n') lines += *c;
@@ -246,7 +258,7 @@ int Tool::check(const VelClIniFileEditor& editor) const {
   return errors.empty() && !isCut ? 0 : kExitNotFound;
 }
 
-/// Whoever ends the program in between leaves no unfinished file.
+/// Holds back signals that would end the process, so that no unfinished file is left.
 bool saveUninterrupted(VelClIniFileEditor& editor) {
   const std::uint32_t held = vel::platform::holdEndingSignals();
   const bool isSaved = editor.save();
@@ -282,6 +294,7 @@ int vel::tools::toolMain(int argc, char** argv) {
     tool.exception(exception, kTexts[kTitle]);
     tool.processExit(CONUI_USAGE);
   }
+  // A full disk may show only now.
   std::cout.flush();
   return std::cout.good() ? exitCode : kExitNotWritten;
 }

@@ -1,4 +1,4 @@
-// What velmsg says, as a string table: ids are the indexes.
+// The texts of velmsg as a string table. Their ids are the indexes.
 #pragma once
 
 #include <iterator>

@@ -1,4 +1,7 @@
-// velmsg: shows what a message catalog holds.
+// velmsg: shows the contents of a message catalog, compares two, and names error numbers.
+//
+// The usage string tells which switches have values; which switches exclude each other is checked here. The
+// tool's own texts are separate from the catalog that is shown, see CatalogTool.
 #include <iostream>
 #include <memory>
 #include <vector>
@@ -31,6 +34,7 @@ class Tool : public vel::tools::CatalogTool {
  private:
   using Catalog = std::unique_ptr<VelClMessageCatalog>;
 
+  /// Reports a fatal error, after the output so far, and ends the process.
   [[noreturn]] void end(TextId text, const char* argument, int exitCode) const;
   std::vector<const char*> readVariables() const;
   void checkTasks() const;
@@ -61,6 +65,7 @@ void Tool::run() {
   }
 }
 
+/// Exactly one task, which the usage string cannot express.
 void Tool::checkTasks() const {
   int tasks = 0;
   for (const char* task : {"list", "langs", "id", "diff", "error"}) tasks += hasArgSwitch(task) ? 1 : 0;
@@ -69,7 +74,8 @@ void Tool::checkTasks() const {
   readVariables();
 }
 
-/// The texts behind -var; a free argument anywhere else belongs to no switch.
+/// Returns the texts after -var, with nulls up to the largest number of variables. The usage string admits
+/// free arguments because of them, so one anywhere else is refused here.
 std::vector<const char*> Tool::readVariables() const {
   std::vector<const char*> variables;
   bool open = false;
@@ -106,7 +112,7 @@ Tool::Catalog Tool::open(const char* file) const {
   return catalog;
 }
 
-/// False when what was asked for is not there, or catalogs differ.
+/// Returns false if there was nothing to show, or the catalogs differ.
 bool Tool::runTask(const VelClMessageCatalog& catalog) const {
   const char* value = nullptr;
   if (hasArgSwitch("list"))
@@ -118,6 +124,7 @@ bool Tool::runTask(const VelClMessageCatalog& catalog) const {
   return showMessage(catalog, requireNumber(value));
 }
 
+/// Parses a number, or ends the process with the same exit code as the library for a wrong number.
 std::uint32_t Tool::requireNumber(const char* text) const {
   std::uint32_t number = 0;
   if (!parseNumber(text, number)) end(kNumberExpected, text, CONUI_ARG_VALUE_TYPE_MISMATCH);
@@ -126,6 +133,7 @@ std::uint32_t Tool::requireNumber(const char* text) const {
 
 bool Tool::showMessage(const VelClMessageCatalog& catalog, unsigned long id) const {
   const VelClMessage message(catalog, id, readVariables().data());
+  // Message 0 counts as absent. For every id that is not found the library has a text, which is the report.
   const bool found = VelClMessageCatalog::isValidMessageId(id) && message.isValid();
   if (found)
     std::cout << message << '\n';
@@ -154,6 +162,7 @@ int vel::tools::toolMain(int argc, char** argv) {
     tool.exception(exception, kTexts[kTitle]);
     tool.processExit(CONUI_USAGE);
   }
+  // A full disk may show only now.
   std::cout.flush();
   return std::cout.good() ? 0 : kExitNotWritten;
 }
