@@ -1,6 +1,6 @@
-// Allocates records from chunks. A file has thousands of options, so a call of the memory manager for each,
-// and another one to free it, would take longer than parsing. Each block size has a list of its free blocks;
-// the links are in the freed blocks themselves:
+// Allocates records from chunks, since a file may have very many options: one call of the memory manager
+// serves hundreds of them, and one call frees them. Each block size has a list of its free blocks; the links
+// are in the freed blocks themselves:
 //
 //   chunks_ -> [link|block|block|free.........]     free_ and end_ limit the unused end of the newest chunk
 //   freeLists_[5] -> block -> block -> null         blocks of 5 units

@@ -1,6 +1,6 @@
 // Merges options into a text in one pass over its sections, in step with the sections of the model: the
-// layout tells where the lines of an option are, the model which option that is. Merging many options
-// therefore takes about as long as setting one. Checking the result is ini_document.cpp's work.
+// layout tells where the lines of an option are, the model which option that is. Merging therefore takes the
+// time of a few changes, not of one change per option. Checking the result is ini_document.cpp's work.
 #include "inifile/text_merger.h"
 
 #include "inifile/section_layout.h"

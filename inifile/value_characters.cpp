@@ -73,8 +73,8 @@ char readQuotedCharacter(Span& text) noexcept {
   char c = text.first();
   text.skip(1);
   if (c == '\\') c = readEscape(text);
-  // Intentional: the character in the place of the closing quote is skipped, whatever it is, so that the
-  // documented length of a literal never depends on its end.
+  // Intentional: as documented, the cursor moves past the character in the place of the closing quote,
+  // whatever it is.
   text.skip(1);
   return c;
 }

@@ -29,8 +29,7 @@ void forEachMessage(const VelClMessageCatalog& catalog, Visit visit) {
 }
 
 /// Removes the mark "%0", by which the text of a catalog library ends without a line break. Users never see
-/// it. In
-/// "%%0" the first percent sign makes the second one a character.
+/// it. In "%%0" the two percent signs are one character of the text, and the "0" is another one.
 std::string_view withoutEndMark(std::string_view text) {
   constexpr std::string_view kEndMark = "%0";
   if (text.ends_with(kEndMark) && !text.ends_with("%%0")) text.remove_suffix(kEndMark.size());

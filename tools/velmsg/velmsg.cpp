@@ -1,6 +1,6 @@
 // velmsg: shows the contents of a message catalog, compares two, and names error numbers.
 //
-// The usage string tells which switches have values; which switches exclude each other is checked here. The
+// The usage string tells which switches have values; which of them go together is checked here. The
 // tool's own texts are separate from the catalog that is shown, see CatalogTool.
 #include <iostream>
 #include <memory>
