@@ -1,4 +1,5 @@
-// Decimal numbers at the start of a text, with the same answers on every system.
+// Parses decimal numbers with the same results on every system. The runtime's atol and strtoul saturate at
+// the width of long, which is 32 bits on Windows and 64 on Linux.
 #include "base/ascii.h"
 
 #include <algorithm>
@@ -11,11 +12,11 @@ namespace {
 
 struct Decimal {
   bool isNegative;
-  std::uint64_t magnitude;  ///< beyond 32 bits when the number is
+  std::uint64_t magnitude;  ///< capped just above 32 bits, so that no further digit overflows it
   const char* end;          ///< null when there are no digits
 };
 
-Decimal readDecimal(const char* text) noexcept {
+Decimal parseDecimal(const char* text) noexcept {
   constexpr std::uint64_t kBeyond32Bits = std::uint64_t{1} << 32;
   text += std::strspn(text, " \t\n\v\f\r");
   Decimal number{*text == '-', 0, nullptr};
@@ -29,17 +30,17 @@ Decimal readDecimal(const char* text) noexcept {
 
 }  // namespace
 
-std::int32_t vel_atol32(const char* text) noexcept {
+std::int32_t parseInt32(const char* text) noexcept {
   using Limits = std::numeric_limits<std::int32_t>;
-  const Decimal number = readDecimal(text);
+  const Decimal number = parseDecimal(text);
   const auto value = static_cast<std::int64_t>(number.magnitude);
   return static_cast<std::int32_t>(
       std::clamp<std::int64_t>(number.isNegative ? -value : value, Limits::min(), Limits::max()));
 }
 
-std::uint32_t vel_strtoul32(const char* text, const char** end) noexcept {
+std::uint32_t parseUint32(const char* text, const char** end) noexcept {
   constexpr std::uint64_t kHighest = std::numeric_limits<std::uint32_t>::max();
-  const Decimal number = readDecimal(text);
+  const Decimal number = parseDecimal(text);
   if (end != nullptr) *end = number.end == nullptr ? text : number.end;
   return number.isNegative ? 0 : static_cast<std::uint32_t>(std::min(number.magnitude, kHighest));
 }

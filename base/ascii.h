@@ -1,4 +1,4 @@
-// Characters and numbers of single-byte texts, independent of the locale and of the width of long.
+// Classifies ASCII characters and parses decimal numbers, independent of the locale and of the width of long.
 #pragma once
 
 #include <cstdint>
@@ -30,11 +30,11 @@ constexpr bool equalsIgnoringAsciiCase(const char* a, const char* b) noexcept {
   return toAsciiUpper(*a) == toAsciiUpper(*b);
 }
 
-/// The decimal number at the start of `text`, behind blanks and a sign as the runtime's own functions
-/// allow, saturating at the limits of 32 bits on every system. 0 when there is none.
-std::int32_t vel_atol32(const char* text) noexcept;
-/// The same, unsigned: a negative number gives 0. `end`, unless null, is set behind the number, or to
-/// `text` when there is none.
-std::uint32_t vel_strtoul32(const char* text, const char** end) noexcept;
+/// Parses the decimal number at the start of `text`, after optional white space and one sign. Saturates at
+/// the limits of 32 bits, whatever the width of long is. Returns 0 when there is no number.
+std::int32_t parseInt32(const char* text) noexcept;
+/// Parses an unsigned number in the same way; a negative number gives 0. `end`, unless null, is set to the
+/// character after the number, or to `text` when there is no number.
+std::uint32_t parseUint32(const char* text, const char** end) noexcept;
 
 }  // namespace vel

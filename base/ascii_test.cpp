@@ -11,11 +11,11 @@ TEST(Ascii, NumbersSaturateAt32Bits) {
   rows.push_back({" \t\n\v\f\r+42 ", "42", "42", "9"});
   for (const auto& row : rows) {
     const char* end = nullptr;
-    EXPECT_EQ(vel::vel_atol32(row[0].c_str()), std::stol(row.at(1))) << row[0];
-    EXPECT_EQ(vel::vel_strtoul32(row[0].c_str(), &end), std::stoul(row.at(2))) << row[0];
+    EXPECT_EQ(vel::parseInt32(row[0].c_str()), std::stol(row.at(1))) << row[0];
+    EXPECT_EQ(vel::parseUint32(row[0].c_str(), &end), std::stoul(row.at(2))) << row[0];
     EXPECT_EQ(end - row[0].c_str(), std::stol(row.at(3))) << row[0];
   }
-  EXPECT_EQ(vel::vel_strtoul32("12", nullptr), 12u);
+  EXPECT_EQ(vel::parseUint32("12", nullptr), 12u);
 }
 
 }  // namespace

@@ -50,7 +50,7 @@ const char* firstDigit(const char* text) {
 }
 
 VelClCCSID::VelEnCCSID numberAt(const char* text) {
-  return static_cast<VelClCCSID::VelEnCCSID>(vel::vel_atol32(text));
+  return static_cast<VelClCCSID::VelEnCCSID>(vel::parseInt32(text));
 }
 
 /// Two threads may fill in the same row at once.

@@ -1,16 +1,20 @@
-// Compares arguments with the elements of a usage string.
+// Classifies the arguments of a command line by a usage string: known switch, value of a switch, or free
+// argument. Each query walks the usage string anew. That keeps the cursor free of state besides its index,
+// and command lines and usage strings are short.
 #include "base/short_text.h"
 #include "vel_include/vel_consoleui.h"
 
 namespace {
 
-/// Moves to the switch element that the argument names; the first one wins.
+/// Moves to the switch element that the argument names. If the usage string has several, the first one
+/// counts.
 bool findSwitch(VelClUsageCursor& usage, const char* argument) {
   for (bool more = usage.setToFirst(); more; more = usage.setToNext())
     if (usage.isSwitch() && usage.matchesSwitch(argument)) return true;
   return false;
 }
 
+/// Whether the usage string has an argument outside of all groups.
 bool admitsFreeArguments(const char* usageText) {
   VelClUsageCursor usage(usageText);
   for (bool more = usage.setToFirst(); more; more = usage.setToNext())
@@ -30,6 +34,7 @@ VelClArgvCheckCursor::~VelClArgvCheckCursor() = default;
 
 bool VelClArgvCheckCursor::isLegal() const {
   if (!isValid()) return false;
+  // The number of free arguments is not checked: one in the usage string admits any number.
   if (!isSwitch()) return isBound() || admitsFreeArguments(usage_);
   VelClUsageCursor usage(usage_);
   return findSwitch(usage, getAsCString());
@@ -45,6 +50,7 @@ bool VelClArgvCheckCursor::hasArg() const {
   return next != nullptr && !VelClUsageCursor::isSwitchIndicator(next);
 }
 
+// The argument before decides: a switch that takes several values binds only the first one.
 bool VelClArgvCheckCursor::isBound() const {
   return isArg() && takesValue(argumentAt(getIndex() - 1));
 }
@@ -61,6 +67,7 @@ bool VelClArgvCheckCursor::isTagged() const {
   return false;
 }
 
+/// Whether the argument is a known switch with a value. Null, as before the first argument, is not.
 bool VelClArgvCheckCursor::takesValue(const char* argument) const {
   if (!VelClUsageCursor::isSwitchIndicator(argument)) return false;
   VelClUsageCursor usage(usage_);

@@ -1,4 +1,6 @@
-// Walks the arguments of a command line.
+// Walks the arguments of a command line. The cursor is an index and nothing more: every access checks it
+// against the vector, so an index beyond the ends is harmless. Classifying arguments by a usage string is
+// argv_check_cursor.cpp's work.
 #include <cstring>
 #include <limits>
 
@@ -28,11 +30,13 @@ bool VelClArgvCursor::setToFirst() {
 }
 
 bool VelClArgvCursor::setToLast() {
+  // Qualified, here and in positionTo: a derived cursor's override would skip arguments that are not free.
   index_ = count_;
   return VelClArgvCursor::setToPrevious();
 }
 
-// Intentional: the index moves on beyond both ends, so that as many steps lead back. Only overflow stops it.
+// Intentional: the index moves on beyond both ends, so that as many steps lead back. It stops only where it
+// would overflow.
 bool VelClArgvCursor::setToNext() {
   if (index_ < Limits::max()) ++index_;
   return isValid();
@@ -43,6 +47,8 @@ bool VelClArgvCursor::setToPrevious() {
   return isValid();
 }
 
+/// Index 0 is the program, which is no argument. A null pointer in the vector makes the position invalid,
+/// too.
 const char* VelClArgvCursor::argumentAt(int32_t index) const {
   return index >= 1 && index < count_ ? arguments_[index] : nullptr;
 }

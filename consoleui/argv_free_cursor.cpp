@@ -1,4 +1,5 @@
-// Walks the arguments that are neither switches nor values of switches.
+// Walks the free arguments, which are neither switches nor values of switches. Each move is that of the base
+// class, followed by more steps in the same direction until an argument is free.
 #include "vel_include/vel_consoleui.h"
 
 VelClArgvFreeCursor::VelClArgvFreeCursor(int argc, const char* const* argv, const char* usage)

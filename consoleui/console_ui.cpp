@@ -1,9 +1,14 @@
-// The life of a console user interface: its start with the built-in switches, and the end of the process.
+// The start of a console user interface with its built-in switches, the check of the command line, and the
+// end of the process. Reading a tool's own switches is console_ui_switches.cpp's work.
+//
+// A tool calls init, then handleUsageHelp. All words that are shown come from the message catalog, so
+// init first attaches the built-in table to the library's own catalog, which need not be installed.
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
 
-#include "consoleui/console_ui_internal.h"
+#include "consoleui/console_ui_format.h"
+#include "consoleui/console_ui_words.h"
 #include "foundation/allocator.h"
 #include "messages/built_in_messages.h"
 #include "vel_include/vel_helpers.h"
@@ -14,20 +19,20 @@ namespace {
 
 constexpr const char* kCopyrightNotice = "qamc5032, operating-system services library";
 
-/// Whether the current argument is "-" and `text`. Unlike the names of a tool's switches, the texts of the
-/// built-in ones keep a "-" of their own.
+/// Whether the current argument is "-" and `text`. VelClArgvCursor::matches will not do: it strips a "-" from
+/// the name of a switch, but the texts of built-in switches keep one of their own.
 bool isBuiltInSwitch(const VelClArgvCursor& argument, const char* text) {
   return argument.isSwitch() && std::strcmp(argument.getAsCString() + 1, text) == 0;
 }
 
-bool holdsBuiltInSwitch(const VelClConsoleUI& ui, const char* text) {
+bool hasBuiltInSwitch(const VelClConsoleUI& ui, const char* text) {
   VelClArgvCursor argument(ui);
   for (bool more = argument.setToFirst(); more; more = argument.setToNext())
     if (isBuiltInSwitch(argument, text)) return true;
   return false;
 }
 
-/// The text of a message, or null for message 0.
+/// Holds a message and gives its text, or null for message 0, by which tools leave out a title or help.
 class OptionalMessage {
  public:
   OptionalMessage(const VelClMessageCatalog& catalog, unsigned long id) : message_(catalog, id) {}
@@ -69,7 +74,8 @@ vel::consoleui::Words VelClConsoleUI::words() const {
   return {catalog_, messageBase_};
 }
 
-/// False when the catalog then has no source of messages at all.
+/// Returns false when the catalog has no source of messages even then. The tool's own catalog gets no
+/// built-in table: its numbers may mean other messages.
 bool VelClConsoleUI::attachBuiltInTable() {
   if (catalog_.hasDefaultVelCatalog())
     catalog_.useStringTable(vel::messages::builtInMessages(), vel::messages::kBuiltInMessageCount);
@@ -82,10 +88,9 @@ void VelClConsoleUI::init(const char* title, const char* description, const char
     displayTitle(title, description);
     return;
   }
-  if (holdsBuiltInSwitch(*this, words()[Word::Quiet].getAsCString())) params_->setQuietMode(true);
+  if (hasBuiltInSwitch(*this, words()[Word::Quiet].getAsCString())) params_->setQuietMode(true);
   displayTitle(title, description);
-  if (holdsBuiltInSwitch(*this, words()[Word::Copyright].getAsCString()))
-    displayCopyright(toolLevel, toolDate);
+  if (hasBuiltInSwitch(*this, words()[Word::Copyright].getAsCString())) displayCopyright(toolLevel, toolDate);
 }
 
 void VelClConsoleUI::init(unsigned long titleId, unsigned long descriptionId, const char* toolLevel,
@@ -108,18 +113,19 @@ void VelClConsoleUI::handleUsageHelp(unsigned long usageId, unsigned long helpId
   handleUsageHelp(usage.text(), help.text());
 }
 
-/// The letters are tried one by one; without a source of messages they are those of the failure text.
+/// Each letter of the message is a switch. Without a source of messages its text is the one for failures, and
+/// the letters of that are tried.
 void VelClConsoleUI::handleHelpSwitches() const {
   const VelClMessage letters = words()[Word::HelpLetters];
   for (const char* letter = letters.getAsCString(); *letter != '\0'; ++letter) {
     const char name[] = {*letter, '\0'};
-    if (!holdsBuiltInSwitch(*this, name)) continue;
+    if (!hasBuiltInSwitch(*this, name)) continue;
     displayUsage(false);
     displayHelp(true);
   }
 }
 
-/// Every argument is checked before the process ends, so that all faults are seen at once.
+/// Checks every argument before the process ends, so that the user sees all mistakes at once.
 void VelClConsoleUI::checkCommandLine() const {
   bool legal = true;
   VelClArgvCheckCursor argument(*this);
@@ -134,11 +140,13 @@ bool VelClConsoleUI::checkArgument(const VelClArgvCheckCursor& argument) const {
     return false;
   };
   bool legal = true;
-  // -quiet is exempt from this check only: its repetition is a fault. Keep.
+  // Intentional: -quiet is exempt from this check only, so repeating it is an error. The other built-in
+  // switches never get here, because they end the process before.
   if (!argument.isLegal() && !isBuiltInSwitch(argument, words()[Word::Quiet].getAsCString()))
     legal = faulty(Word::UnknownArgument);
   if (params_->mustDisableTaggedLines() && argument.isTagged()) legal = faulty(Word::ArgumentNotAllowed);
   if (!argument.isSwitch()) return legal;
+  // Only later arguments are compared, so each repetition is reported once per pair.
   VelClArgvCheckCursor later(argument);
   while (later.setToNext())
     if (later.matches(argument.getAsCString())) legal = faulty(Word::IllegalRepetition);
@@ -171,6 +179,7 @@ void VelClConsoleUI::displayCopyright(const char* toolLevel, const char* toolDat
   processExit(vel::consoleui::kExitUsage);
 }
 
+/// Leaves by std::exit, which runs exit handlers but no destructors of local objects.
 void VelClConsoleUI::processExit(int exitCode) const {
   if (exitCode != 0) getOutputStream() << '\a';
   getOutputStream().flush();

@@ -1,5 +1,12 @@
-// Aligned output: a label in a column of fixed width, a colon and a value; and the lines that describe an
-// exception.
+// Aligned output, which has one line per value:
+//
+//     File name...........................: "trace.trc"
+//
+// The label is padded to the width of its column, and the value is in quotes if the setting asks for them.
+// The lines that describe an exception are of this kind, too. Widths are counted in characters, since labels
+// may be translated. Messages in their frame are console_ui_messages.cpp's work.
+#include "consoleui/console_ui_format.h"
+
 #include <algorithm>
 #include <cstring>
 #include <ostream>
@@ -7,19 +14,20 @@
 #include "base/digits.h"
 #include "base/short_text.h"
 #include "base/usage_text.h"
-#include "consoleui/console_ui_internal.h"
 #include "platform/languages.h"
 
 namespace vel::consoleui {
 namespace {
 
+/// A line whose value is never quoted, for numbers.
 void writePlainLine(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
                     const char* value) {
   writeLabel(stream, params, label);
   stream << value << '\n';
 }
 
-/// A symbolic name, or the number of a value that has none.
+/// Writes the symbolic name of a value, or its number if the library has no name for it: programs may use
+/// values of their own.
 void writeName(std::ostream& stream, const VelClConsoleUIParams& params, const Words& words, Word label,
                unsigned int nameId, std::int32_t value) {
   const VelClMessage labelText = words[label];
@@ -40,6 +48,7 @@ void writeOrigin(std::ostream& stream, const VelClConsoleUIParams& params, const
 }  // namespace
 
 std::size_t widthOf(const char* text) {
+  // In other code pages a byte counts as a character; in UTF-8 only bytes that begin one do.
   if (!platform::ansiIsUtf8()) return std::strlen(text);
   std::size_t width = 0;
   for (; *text != '\0'; ++text)
@@ -53,18 +62,19 @@ void writeLabel(std::ostream& stream, const VelClConsoleUIParams& params, const 
   const bool isRight = params.getFormatStyle() == VelEnFormatStyle::RIGHT;
   const bool isCentred = params.getFormatStyle() == VelEnFormatStyle::CENTRED;
   std::size_t before = 0;
-  std::size_t behind = width - used;
+  std::size_t after = width - used;
   if (isRight) {
-    std::swap(before, behind);
+    std::swap(before, after);
   } else if (isCentred) {
     before = width / 2 - used / 2;
-    // Short by the odd remainders of both, and never below 0. Keep.
-    behind = before - std::min(before, width % 2 + used % 2);
+    // Intentional: the right margin is short by the odd remainders of width and label, as documented, but
+    // never below 0.
+    after = before - std::min(before, width % 2 + used % 2);
   }
   stream << "  ";
   writeFill(stream, before, ' ');
   stream << label;
-  writeFill(stream, behind, isRight || isCentred ? ' ' : params.getFormatFillChar());
+  writeFill(stream, after, isRight || isCentred ? ' ' : params.getFormatFillChar());
   stream << ": ";
 }
 
@@ -101,7 +111,7 @@ void writeException(std::ostream& stream, const VelClConsoleUIParams& params, co
   if (verbose || action != 0)
     writeName(stream, params, words, Word::ErrorAction, velErrorGetActionAsMessageId(exception.getAction()),
               action);
-  // A program's own exception may have none.
+  // An exception of the program's own may return null.
   const char* const cause = exception.getCause();
   if (verbose && cause != nullptr && *cause != '\0')
     writeLine(stream, params, words[Word::Cause].getAsCString(), cause);
@@ -111,15 +121,15 @@ void writeException(std::ostream& stream, const VelClConsoleUIParams& params, co
 
 }  // namespace vel::consoleui
 
-using vel::consoleui::GivenText;
 using vel::consoleui::NumberText;
+using vel::consoleui::ResolvedText;
 using vel::consoleui::Word;
 
 namespace {
 
-/// The hexadecimal text of up to `kBytesPerLine` bytes, a blank between two.
 constexpr std::size_t kBytesPerLine = 16;
 
+/// Writes the bytes of one line of a dump with blanks between them.
 void writeHexadecimal(std::ostream& stream, const unsigned char* bytes, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) {
     if (i > 0) stream.put(' ');
@@ -131,11 +141,11 @@ void writeHexadecimal(std::ostream& stream, const unsigned char* bytes, std::siz
 }  // namespace
 
 void VelClConsoleUI::format(VelClUIText label) const {
-  vel::consoleui::writeLabel(getOutputStream(), *params_, GivenText(label, getMessageCatalog()).get());
+  vel::consoleui::writeLabel(getOutputStream(), *params_, ResolvedText(label, getMessageCatalog()).get());
 }
 
 void VelClConsoleUI::format(VelClUIText label, const char* value) const {
-  vel::consoleui::writeLine(getOutputStream(), *params_, GivenText(label, getMessageCatalog()).get(),
+  vel::consoleui::writeLine(getOutputStream(), *params_, ResolvedText(label, getMessageCatalog()).get(),
                             vel::textOrEmpty(value));
 }
 
@@ -173,7 +183,8 @@ void VelClConsoleUI::formatBool(VelClUIText label, bool value) const {
 void VelClConsoleUI::dump(VelClUIText label, const void* data, size_t sizeInBytes) const {
   const auto* bytes = static_cast<const unsigned char*>(data);
   std::ostream& stream = getOutputStream();
-  const GivenText text(label, getMessageCatalog());
+  const ResolvedText text(label, getMessageCatalog());
+  // Further lines begin below the first byte, also when the label is wider than its column.
   const std::size_t column =
       2 + std::max<std::size_t>(params_->getFormatWidth(), vel::consoleui::widthOf(text.get())) + 2;
   vel::consoleui::writeLabel(stream, *params_, text.get());

@@ -1,12 +1,18 @@
-// Messages in the fixed layout:
+// Shows messages in the fixed layout and ends the process after fatal ones:
 //
 //   --------------------------------------------------------------------------
 //   TOOL: An error occurred:
 //         Unknown command line argument: -x
+//
+// The layout is the same for every tool and every kind of message. Each kind of message has its stream: info
+// and warning the output stream, fatal and exception the error stream, error the one that the tool passes.
+#include "consoleui/console_ui_messages.h"
+
 #include <iostream>
 
 #include "base/usage_text.h"
-#include "consoleui/console_ui_internal.h"
+#include "consoleui/console_ui_format.h"
+#include "consoleui/console_ui_words.h"
 
 namespace vel::consoleui {
 
@@ -28,6 +34,7 @@ void writeMessage(std::ostream& stream, const VelClConsoleUIParams& params, cons
     stream << separator << text;
     separator = ": ";
   }
+  // Flushed, so that a message is seen even if the tool crashes next.
   stream << std::endl;
 }
 
@@ -70,6 +77,8 @@ void VelClConsoleUI::exception(const VelClException& exception, const char* text
   vel::consoleui::writeException(stream, *params_, words(), exception, true);
 }
 
+// With a usage string the usage is shown, too, and the exit code is that of a bad command line. Without one
+// it is the code of a missing switch.
 void VelClConsoleUI::fatalMissingArg(const char* switchName) const {
   if (*getUsage() == '\0')
     fatalArgument(vel::consoleui::kExitMissingSwitch, static_cast<uint32_t>(Word::MissingSwitch), switchName);

@@ -1,4 +1,5 @@
-// The settings of a console user interface.
+// The settings of a console user interface. Usage and help are owned copies from the memory manager; the
+// answer to a prompt and the process name are in arrays of the object itself.
 #include <algorithm>
 #include <cstring>
 #include <iostream>
@@ -17,14 +18,16 @@ char* newText(const char* text) {
   return vel::copyText(text, std::strlen(text)).release();
 }
 
-/// The copy is made first: the new text may be the old one or part of it.
+/// Copies before it frees, because the new text may be the old one or a part of it.
 void replaceText(char*& target, const char* text) {
   char* copy = newText(text);
   VelClMemoryManager::free(target);
   target = copy;
 }
 
-const char* behindLastSeparator(const char* path) {
+/// Returns the name after the last separator. Both kinds count on every system: argument 0 comes from
+/// whatever program started this one.
+const char* baseName(const char* path) {
   const char* name = path;
   for (const char* p = path; *p != '\0'; ++p)
     if (*p == '\\' || *p == '/') name = p + 1;
@@ -48,6 +51,8 @@ VelClConsoleUIParams::VelClConsoleUIParams(const char* argv0)
       errors_(&std::cerr) {
   input_[0] = '\0';
   setProcessName(vel::textOrEmpty(argv0));
+  // The first text has an owner until the second one is there: the destructor does not run if that allocation
+  // fails.
   vel::OwnedText usage(newText(""));
   help_ = newText("");
   usage_ = usage.release();
@@ -66,6 +71,7 @@ void VelClConsoleUIParams::setHelp(const char* help) {
 }
 
 void VelClConsoleUIParams::setUsageHelp(const char* usage, const char* help) {
+  // Each text is copied before the old text of the other is freed, since it may be a part of that.
   vel::OwnedText newHelp(newText(help));
   setUsage(usage);
   VelClMemoryManager::free(help_);
@@ -73,8 +79,8 @@ void VelClConsoleUIParams::setUsageHelp(const char* usage, const char* help) {
 }
 
 void VelClConsoleUIParams::setProcessName(const char* argv0) {
-  const char* name = behindLastSeparator(argv0);
-  // Cut at the first dot, not at the extension's. Keep.
+  const char* name = baseName(argv0);
+  // Intentional: the documented name ends at its first dot, which need not be that of the extension.
   const std::size_t length = std::min(std::strcspn(name, "."), kMaxProcessNameLength);
   std::transform(name, name + length, processName_, vel::toAsciiUpper);
   processName_[length] = '\0';
@@ -92,6 +98,7 @@ void VelClConsoleUIParams::flushOutputStream() {
 void VelClConsoleUIParams::setInput(const char* text) {
   if (text == nullptr) text = "";
   const std::size_t length = std::min(std::strlen(text), kMaxInputLength);
+  // The text may be the present input itself, so the ranges may overlap.
   std::memmove(input_, text, length);
   input_[length] = '\0';
 }

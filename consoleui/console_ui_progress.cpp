@@ -1,4 +1,9 @@
-// The progress display: one line on standard error that is drawn over again.
+// The progress display: one line on standard error, which is redrawn in place:
+//
+//   trace.trc [##########....................]  34%   0:12 left
+//
+// It appears only on a terminal and after a second, so that neither log files nor short tasks show it. Steps
+// may come very often; a step that does not change the percentage costs a division and no more.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -7,8 +12,8 @@
 
 #include "base/short_text.h"
 #include "base/usage_text.h"
-#include "consoleui/console_ui_internal.h"
 #include "platform/descriptors.h"
+#include "vel_include/vel_consoleui.h"
 #include "vel_include/vel_helpers.h"
 
 namespace {
@@ -23,7 +28,8 @@ int32_t percentageOf(uint64_t done, uint64_t total) {
   return static_cast<int32_t>(static_cast<double>(done) * 100.0 / static_cast<double>(total));
 }
 
-/// "   1:05 left", always as wide, so that it covers what stood there before.
+/// Writes "   1:05 left", minutes and seconds. The width never changes, so that the line covers the one
+/// before.
 void writeRemaining(double seconds) {
   constexpr double kLongest = 99 * 3600.0;
   const auto whole = static_cast<unsigned long>(std::lround(std::min(seconds, kLongest)));
@@ -44,10 +50,11 @@ void VelClConsoleUI::progressStart(unsigned long long total, const char* label) 
 }
 
 void VelClConsoleUI::progressStep(unsigned long long count) {
+  // Compared by subtraction, which cannot overflow.
   progressDone_ = count < progressTotal_ - progressDone_ ? progressDone_ + count : progressTotal_;
   if (!progressActive_) return;
   const int32_t percentage = percentageOf(progressDone_, progressTotal_);
-  // The clock is read at most once per percent.
+  // Reading the clock is a system call on some systems, so it is read at most once per percent.
   if (percentage == progressShown_) return;
   const double passed = VelClTiming().wallClockTime() - progressStarted_;
   if (passed < kSecondsBeforeShown) return;
@@ -57,6 +64,7 @@ void VelClConsoleUI::progressStep(unsigned long long count) {
 
 void VelClConsoleUI::progressStop() {
   if (progressActive_ && progressShown_ >= 0) {
+    // Drawn once more, with no time left, before the terminal goes to the next line.
     drawProgress(percentageOf(progressDone_, progressTotal_), 0);
     std::cerr << std::endl;
   }
@@ -75,6 +83,7 @@ void VelClConsoleUI::drawProgress(int32_t percentage, double secondsPassed) cons
   vel::writeFill(std::cerr, filled, '#');
   vel::writeFill(std::cerr, kBarWidth - filled, '.');
   std::cerr << number;
+  // The estimate assumes that the rest proceeds as fast as the part so far.
   if (percentage > 0) writeRemaining(secondsPassed * (100.0 - percentage) / percentage);
   std::cerr.flush();
 }

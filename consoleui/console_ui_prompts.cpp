@@ -1,8 +1,11 @@
-// Questions to the user in one layout, and the answers as text, number, yes or no:
+// Asks the user questions in one layout and reads the answers as text, number, yes or no:
 //
 //   --------------------------------------------------------------------------
 //    How many (min.: 1, max.: 9):
 //    (default: 5): 7
+//
+// An empty answer selects the default. A wrong one is refused and the question asked again, but not at the
+// end of input, where that would never end: there the default is the answer.
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -10,14 +13,16 @@
 
 #include "base/ascii.h"
 #include "base/short_text.h"
-#include "consoleui/console_ui_internal.h"
+#include "consoleui/console_ui_format.h"
+#include "consoleui/console_ui_messages.h"
+#include "consoleui/console_ui_words.h"
 #include "foundation/allocator.h"
 #include "platform/console.h"
 
 namespace vel::consoleui {
 namespace {
 
-/// Null leaves out the hint or the default.
+/// A null hint or default is left out.
 struct Question {
   const char* text;
   const char* hint;
@@ -26,11 +31,11 @@ struct Question {
 
 using Traits = std::istream::traits_type;
 
-/// The next character of standard input. A signal that the tool handles can break off the wait for it; that
-/// is no end of input, which would take the default.
+/// Reads the next character of standard input. A signal that the tool handles can interrupt the read. That
+/// must not look like the end of input, which selects the default, so the read is repeated.
 Traits::int_type nextCharacter() {
   for (;;) {
-    // What the tool read last may have failed.
+    // The state of the stream may be left from a failed read of the tool.
     std::cin.clear();
     errno = 0;
     const auto c = std::cin.get();
@@ -38,21 +43,22 @@ Traits::int_type nextCharacter() {
   }
 }
 
-/// What one prompt was told. It is apart from the tool's input buffer, into which the question and the
-/// default may point.
+/// The answer to one prompt. It has a buffer of its own, because the question and the default may be in the
+/// parameters' input buffer, from an earlier prompt.
 class Answer {
  public:
   const char* text() const { return text_; }
   bool isEmpty() const { return text_[0] == '\0'; }
   char firstLetter() const { return toAsciiUpper(text_[0]); }
-  /// Digits at the start, behind no sign but "-".
+  /// Whether it starts with a digit, or with "-" and a digit.
   bool isNumeric() const { return isAsciiDigit(text_[text_[0] == '-' ? 1 : 0]); }
-  std::int32_t number() const { return vel_atol32(text_); }
+  std::int32_t number() const { return parseInt32(text_); }
 
-  /// Cut to the room there is.
-  void take(const char* text) { end(text, std::strlen(text)); }
+  /// Replaces the answer. A longer text is cut.
+  void assign(const char* text) { store(text, std::strlen(text)); }
 
-  /// A line of standard input without its end, be that LF or CR LF. False at the end of input.
+  /// Reads a line of standard input without its line break, LF or CR LF. The rest of a line that is too long
+  /// is dropped. Returns false if there was no character before the end of input.
   bool readLine() {
     bool found = false;
     std::size_t length = 0;
@@ -62,18 +68,19 @@ class Answer {
       if (c == '\n') break;
       if (c == '\0') continue;
       last = Traits::to_char_type(c);
+      // Characters beyond the room are counted, too: a CR among them must not cost a stored character.
       if (length < kRoom) text_[length] = last;
       ++length;
     }
     if (last == '\r' && !std::cin.eof()) --length;
-    end(text_, length);
+    store(text_, length);
     return found;
   }
 
  private:
   static constexpr std::size_t kRoom = VelClConsoleUIParams::kMaxInputLength;
 
-  void end(const char* text, std::size_t length) {
+  void store(const char* text, std::size_t length) {
     length = std::min(length, kRoom);
     std::memmove(text_, text, length);
     text_[length] = '\0';
@@ -92,11 +99,11 @@ void writeQuestion(const Question& question, const Words& words) {
   std::cout.flush();
 }
 
-/// False at the end of input, with the default as the answer.
+/// Asks and reads the answer. Returns false at the end of input, with the default as the answer.
 bool ask(const Question& question, const Words& words, Answer& answer) {
   writeQuestion(question, words);
   const bool answered = answer.readLine();
-  if (answer.isEmpty() && question.defaultAnswer != nullptr) answer.take(question.defaultAnswer);
+  if (answer.isEmpty() && question.defaultAnswer != nullptr) answer.assign(question.defaultAnswer);
   return answered;
 }
 
@@ -107,7 +114,7 @@ String limitsHint(std::int32_t minimum, std::int32_t maximum, const Words& words
   return hint.append(": ").append(NumberText(static_cast<long long>(maximum)).text);
 }
 
-/// An invitation to do something before the tool goes on.
+/// Asks the user to press a key before the tool goes on.
 void writeInvitation(const VelClMessage& invitation) {
   std::cout << ' ' << invitation << std::endl;
   std::cerr.flush();
@@ -118,8 +125,8 @@ void writeInvitation(const VelClMessage& invitation) {
 
 using vel::consoleui::Answer;
 using vel::consoleui::ask;
-using vel::consoleui::GivenText;
 using vel::consoleui::NumberText;
+using vel::consoleui::ResolvedText;
 using vel::consoleui::Word;
 
 void VelClConsoleUI::prompt(const char* question, const char* hint, const char* defaultAnswer) const {
@@ -129,13 +136,13 @@ void VelClConsoleUI::prompt(const char* question, const char* hint, const char* 
 }
 
 const char* VelClConsoleUI::promptString(VelClUIText question, const char* defaultAnswer) const {
-  prompt(GivenText(question, getMessageCatalog()).get(), nullptr, defaultAnswer);
+  prompt(ResolvedText(question, getMessageCatalog()).get(), nullptr, defaultAnswer);
   return params_->getInput();
 }
 
 int32_t VelClConsoleUI::promptNumval(VelClUIText question, int32_t minimum, int32_t maximum,
                                      int32_t defaultValue) const {
-  const GivenText text(question, getMessageCatalog());
+  const ResolvedText text(question, getMessageCatalog());
   const vel::String hint = vel::consoleui::limitsHint(minimum, maximum, words());
   const NumberText defaultText(static_cast<long long>(defaultValue));
   Answer answer;
@@ -150,7 +157,7 @@ int32_t VelClConsoleUI::promptNumval(VelClUIText question, int32_t minimum, int3
 }
 
 bool VelClConsoleUI::promptYesNo(VelClUIText question, bool defaultAnswer) const {
-  const GivenText text(question, getMessageCatalog());
+  const ResolvedText text(question, getMessageCatalog());
   const VelClMessage hint = words()[Word::YesOrNo];
   const char yes = *words()[Word::Yes].getAsCString();
   const char no = *words()[Word::No].getAsCString();
@@ -169,6 +176,7 @@ bool VelClConsoleUI::promptYesNo(VelClUIText question, bool defaultAnswer) const
 void VelClConsoleUI::promptForKey() const {
   vel::consoleui::writeInvitation(words()[Word::PressAnyKey]);
   if (vel::platform::waitForConsoleKey()) return;
+  // Standard input is not a terminal: in a pipe or file one character stands for the key.
   vel::consoleui::nextCharacter();
 }
 

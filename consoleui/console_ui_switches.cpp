@@ -1,16 +1,20 @@
-// Reads switches and their values from the command line.
+// Reads the switches of a tool and their values from the command line. Unlike the check against the usage
+// string, which console_ui.cpp makes once at the start, this looks only for the switch that the tool asks
+// for. A missing or wrong value ends the process, so tools need no error handling for it.
 #include <cstdint>
 #include <iostream>
 #include <optional>
 
 #include "base/ascii.h"
-#include "consoleui/console_ui_internal.h"
+#include "consoleui/console_ui_messages.h"
+#include "consoleui/console_ui_words.h"
 
 using vel::consoleui::Word;
 
 namespace {
 
-/// The name of a switch as text, whichever way it was given.
+/// Resolves the name of a switch to text: a name, a letter or the number of a message. The object owns what
+/// it points to and is therefore not copied.
 class SwitchText {
  public:
   SwitchText(const VelClSwitchName& name, const VelClMessageCatalog& catalog)
@@ -36,7 +40,7 @@ class SwitchText {
 
 }  // namespace
 
-/// On standard error, also when the tool's own messages go elsewhere.
+/// Reports on standard error, even if the tool's own messages go elsewhere, and ends the process.
 void VelClConsoleUI::fatalArgument(int exitCode, uint32_t word, const char* switchName) const {
   vel::consoleui::writeMessage(std::cerr, *params_, words()[Word::FatalErrorOccurred].getAsCString(),
                                {{words().number(word).getAsCString(), switchName}});
@@ -57,21 +61,23 @@ bool VelClConsoleUI::hasArgString(VelClSwitchName name, const char*& value) cons
   return true;
 }
 
+/// Serves all overloads of hasArgNumval and reqArgNumval.
 template <typename Number>
 bool VelClConsoleUI::readNumber(VelClSwitchName name, Number& value) const {
   const SwitchText text(name, getMessageCatalog());
   VelClArgvCursor argument(*this);
   if (!argument.positionTo(text.get())) return false;
-  // A switch behind it is taken as its value, unlike with texts. Keep.
+  // Intentional: the next argument is the value even if it looks like a switch, unlike with texts.
   if (!argument.setToNext())
     fatalArgument(vel::consoleui::kExitMissingValue, static_cast<uint32_t>(Word::NoNumericValue), text.get());
   const char* digits = argument.getAsCString();
+  // Intentional: one apostrophe before the number is skipped, as documented.
   if (*digits == '\'') ++digits;
   if (!vel::isAsciiDigit(*digits) && *digits != '-')
     fatalArgument(vel::consoleui::kExitNonNumericValue, static_cast<uint32_t>(Word::NonNumericValue),
                   text.get());
-  // No range check: a short takes the low 16 bits. Keep.
-  value = static_cast<Number>(vel::vel_atol32(digits));
+  // Intentional: there is no range check; a short gets the low 16 bits, as documented.
+  value = static_cast<Number>(vel::parseInt32(digits));
   return true;
 }
 

@@ -1,8 +1,10 @@
-// Shows usage and help, always on standard output.
+// Shows usage and help. They go to standard output, also for tools that write their messages elsewhere, so
+// that users can page and search them. Laying out the texts is base/usage_text.cpp's work.
 #include <iostream>
 
 #include "base/usage_text.h"
-#include "consoleui/console_ui_internal.h"
+#include "consoleui/console_ui_format.h"
+#include "consoleui/console_ui_words.h"
 
 using vel::TextKind;
 using vel::consoleui::Word;
@@ -10,7 +12,7 @@ using vel::consoleui::Words;
 
 namespace {
 
-/// " [-h|-H|-?|-copyright] [-quiet]"
+/// Writes " [-h|-H|-?|-copyright] [-quiet]". The letters and words are those of the catalog.
 void writeBuiltInSwitches(std::ostream& stream, const Words& words) {
   stream << " [";
   const VelClMessage letters = words[Word::HelpLetters];
@@ -23,9 +25,11 @@ void writeBuiltInSwitches(std::ostream& stream, const Words& words) {
 
 void VelClConsoleUI::displayUsage(bool exit) const {
   const VelClMessage heading = words()[Word::Usage];
+  // Further lines begin below the first element: after the heading, ": ", the process name and a blank.
   const std::size_t indentation =
       vel::consoleui::widthOf(heading.getAsCString()) + params_->getIndentation() + 3;
   std::cout << '\n' << heading << ": " << getProcessName();
+  // Without a source of messages the built-in switches have no names to show.
   if (catalog_.isValid() || catalog_.hasValidStringTable()) {
     writeBuiltInSwitches(std::cout, words());
     std::cout << '\n';

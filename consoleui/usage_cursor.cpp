@@ -1,8 +1,14 @@
-// Walks the elements of a usage string. Comparing a command line with them is argv_check_cursor.cpp's
-// work, showing the string base/usage_text.cpp's.
+// Walks the elements of a usage string. Comparing a command line with them is argv_check_cursor.cpp's work,
+// showing the string base/usage_text.cpp's.
 //
-// Over "(-key <key>) [-verbose]" the cursor stops at "-key" and at "<key>", both at group depth 1, and at
-// "-verbose" at depth 0: so -key takes a value and -verbose does not.
+// The string is not parsed into a tree. The cursor scans it once, from left to right, and counts the open
+// brackets. A switch takes a value if the next element is an argument at the same depth inside of a group:
+//
+//   (-key <key>) [-verbose] <file>
+//    ^    ^       ^         ^
+//    1    1       0         0        group depth, counted by "(" and ")" alone
+//
+// So -key takes a value, -verbose does not, and <file> is free.
 #include <cstring>
 
 #include "base/ascii.h"
@@ -12,19 +18,21 @@
 
 namespace {
 
-// No line break among them: a switch at the very end of a line never matches. Keep.
+// Intentional: a line break is not among them, so a switch at the very end of a line never matches. Tools
+// write their usage strings accordingly.
 constexpr const char* kDelimiters = "[]<>(){}-| ";
 
 bool isEndOrDelimiter(char c) {
   return c == '\0' || std::strchr(kDelimiters, c) != nullptr;
 }
 
-/// The text behind its "-", if that marks a switch.
+/// Returns the text without its "-", if that marks a switch.
 const char* withoutIndicator(const char* text) {
   return VelClUsageCursor::isSwitchIndicator(text) ? text + 1 : text;
 }
 
-bool standsAt(const char* usage, const char* text) {
+/// Whether the usage string starts with the text as a whole element: "-file" is not found in "-filename".
+bool startsWithElement(const char* usage, const char* text) {
   const std::size_t length = std::strlen(text);
   return std::strncmp(usage, text, length) == 0 && isEndOrDelimiter(usage[length]);
 }
@@ -46,7 +54,8 @@ bool VelClUsageCursor::isValid() const {
 }
 
 bool VelClUsageCursor::setToFirst() {
-  // Depths and marks stay as they are. Keep.
+  // Intentional: the counters of depth and the marks are not reset. The header documents that a second walk
+  // needs a new cursor.
   position_ = start_;
   return locateNext();
 }
@@ -75,13 +84,15 @@ bool VelClUsageCursor::isArgEllipsis() const {
 }
 
 bool VelClUsageCursor::matches(const char* text) const {
-  return text != nullptr && standsAt(position_, text);
+  return text != nullptr && startsWithElement(position_, text);
 }
 
 bool VelClUsageCursor::matchesSwitch(const char* argument) const {
-  return argument != nullptr && *position_ == '-' && standsAt(position_ + 1, withoutIndicator(argument));
+  return argument != nullptr && *position_ == '-' &&
+         startsWithElement(position_ + 1, withoutIndicator(argument));
 }
 
+// Looks ahead with a copy, which carries the depths along.
 bool VelClUsageCursor::reqArg() const {
   if (groupDepth_ == 0) return false;
   VelClUsageCursor ahead(*this);
@@ -97,20 +108,22 @@ bool VelClUsageCursor::reqArgEllipsis() const {
 }
 
 bool VelClUsageCursor::locateNext() {
-  // A blank counts for the rest of this scan, not only for the character behind it. Keep.
+  // Intentional: a blank counts until the next element, so in " [a]" the letter begins an element, although
+  // a bracket precedes it.
   bool blankSeen = false;
   while (*position_ != '\0') {
     if (!takeCharacter(blankSeen)) return false;
     if (standsOnElement(blankSeen)) return true;
-    // Whatever follows a single dot is passed over unseen. Keep.
+    // Intentional: the character after a single dot is skipped with it, even a bracket, which is then not
+    // counted.
     if (*position_ == '.' && position_[1] != '\0') ++position_;
     ++position_;
   }
   return false;
 }
 
-/// What the current character means for the walk. False when a quoted text does not end: then the walk
-/// stands at the end of the string.
+/// Updates the depths and marks for the current character. A quoted text is skipped up to its closing quote;
+/// without one the position moves to the end of the string and the result is false.
 bool VelClUsageCursor::takeCharacter(bool& blankSeen) {
   switch (*position_) {
     case '\n':
@@ -148,7 +161,8 @@ bool VelClUsageCursor::takeCharacter(bool& blankSeen) {
   return true;
 }
 
-/// Whether an element begins here. An ellipsis moves the position to its last dot.
+/// Whether an element begins at the position. For an ellipsis the position moves to its last dot, so that the
+/// dots are one element.
 bool VelClUsageCursor::standsOnElement(bool blankSeen) {
   switch (*position_) {
     case '-':
@@ -167,7 +181,7 @@ bool VelClUsageCursor::standsOnElement(bool blankSeen) {
 }
 
 void VelClUsageCursor::skipCurrent() {
-  // Every character that locateNext stops at is stepped over; otherwise it would stop there again.
+  // Skips at least the character at which locateNext stopped; otherwise it would stop there again.
   if (*position_ == '-' || *position_ == '/' || *position_ == '<') ++position_;
   while (vel::isAsciiAlnum(*position_) || *position_ == '.' || (inPlaceholder_ && *position_ == ' '))
     ++position_;

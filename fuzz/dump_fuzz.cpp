@@ -43,7 +43,7 @@ bool parse(std::string_view text, OutputBuffer& output, std::uint64_t repeatable
   bool isDump = true;
   for (std::size_t begin = 0; begin < text.size();) {
     const std::size_t end = std::min(text.find('\n', begin), text.size());
-    isDump = parser.takeLine(text.substr(begin, end - begin)) && isDump;
+    isDump = parser.parseLine(text.substr(begin, end - begin)) && isDump;
     begin = end + 1;
   }
   require({repeatable <= limit, written.size() <= text.size() + limit});

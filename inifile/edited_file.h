@@ -1,14 +1,14 @@
-// What an editor of INI files works on.
+// The state of an editor of INI files: the document, and the lock on its file.
 #pragma once
 
-#include "inifile/edited_text.h"
-#include "inifile/held_file.h"
+#include "inifile/edit_lock.h"
+#include "inifile/ini_document.h"
 
 namespace vel::inifile {
 
 struct EditedFile {
-  EditedText text;
-  HeldFile held;
+  IniDocument document;
+  EditLock lock;
   bool hasKeptRights = true;  ///< see VelClIniFileEditor::hasKeptRights
 };
 

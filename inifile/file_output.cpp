@@ -1,4 +1,6 @@
-// Files that are written beside the ones they replace.
+// Writes a file beside the one that it replaces, so that at any time either the old or the new file is in
+// place. How a system does that is the platform's work; here it becomes a stream, because VelClIniFileSave
+// writes models to streams of any kind.
 #include "inifile/file_output.h"
 
 #include "platform/byte_files.h"
@@ -8,6 +10,7 @@ namespace vel::inifile {
 
 namespace {
 
+/// One system call per buffer.
 constexpr std::size_t kBufferSize = std::size_t{64} * 1024;
 
 }  // namespace
@@ -25,6 +28,7 @@ bool ReplacementBuffer::open(const char* name) {
 
 bool ReplacementBuffer::close(bool isComplete) {
   if (!isOpen()) return false;
+  // Without a buffer area later writes call overflow, which fails because no file is open.
   setp(nullptr, nullptr);
   if (isComplete) return platform::finishReplacement(replacement_) == 0;
   platform::dropReplacement(replacement_);
@@ -45,6 +49,7 @@ int ReplacementBuffer::sync() {
 }
 
 bool FileOutput::open(const char* name) {
+  // A failed save leaves the stream in an error state, and a new one must be possible.
   clear();
   return buffer_.open(name);
 }

@@ -1,4 +1,4 @@
-// A stream into a file that replaces another one when it is complete.
+// A stream to a new file, which replaces the old one of its name when it is complete.
 #pragma once
 
 #include <ostream>
@@ -15,14 +15,16 @@ class ReplacementBuffer : public std::streambuf {
   ReplacementBuffer() = default;
   ReplacementBuffer(const ReplacementBuffer&) = delete;
   ReplacementBuffer& operator=(const ReplacementBuffer&) = delete;
-  /// What is not complete is dropped.
+  /// Drops a file that was not closed.
   ~ReplacementBuffer() override;
 
+  /// Begins a new file; the old one stays until close(true).
   bool open(const char* name);
   bool isOpen() const { return replacement_.descriptor >= 0; }
-  /// Puts the file into place if `isComplete`; the old one stays otherwise.
+  /// Replaces the old file if `isComplete`, otherwise drops the new one. Returns whether the old file was
+  /// replaced.
   bool close(bool isComplete);
-  /// Also after closing.
+  /// Valid after closing, too.
   const platform::Replacement& replacement() const { return replacement_; }
 
  protected:
@@ -34,18 +36,18 @@ class ReplacementBuffer : public std::streambuf {
   Vector<char> buffer_;
 };
 
-/// Every write fails as long as no file is open.
+/// Every write fails while no file is open.
 class FileOutput : public std::ostream {
  public:
   FileOutput() : std::ostream(nullptr) { init(&buffer_); }
 
   bool open(const char* name);
   bool isOpen() const { return buffer_.isOpen(); }
-  /// False, with the old file in place, when anything went wrong.
+  /// Flushes and replaces the old file. Returns false, with the old file in place, if anything failed.
   bool close() { return buffer_.close(flush().good()); }
   /// Whether the file has the owner and the permissions of the one that it replaced.
   bool keepsRights() const { return buffer_.replacement().keepsRights; }
-  /// The file that is replaced; zeros for a new one.
+  /// The identity of the file to be replaced; all zeros when there is none.
   const platform::FileIdentity& replaced() const { return buffer_.replacement().old; }
 
  private:

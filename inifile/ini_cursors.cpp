@@ -1,6 +1,9 @@
-// Cursors over sections and options.
+// Cursors over sections and options. Each cursor's place is in a list of the model, from its construction to
+// its destruction. When a record or the file is deleted, the model visits that list and invalidates the
+// places that point to it: so no cursor can point to freed memory. Moving a cursor does not touch the list.
 #include "base/ascii.h"
 #include "inifile/model.h"
+#include "inifile/value_characters.h"
 #include "vel_include/vel_inifile.h"
 
 using vel::equalsIgnoringAsciiCase;
@@ -65,6 +68,8 @@ bool VelClIniFileSectionCursor::setToNext() {
   return isValid();
 }
 
+// Intentional: a cursor that is on a section of this name stays there, even if that is not the first one, so
+// a program can test and move in one call during a walk.
 bool VelClIniFileSectionCursor::setTo(const char* name) {
   if (!matches(name) && place_.file() != nullptr)
     place_.setSection(Model::of(*place_.file()).findSection(name));
@@ -81,7 +86,7 @@ const char* VelClIniFileSectionCursor::getSection() const {
 
 VelClIniFileOptionCursor::VelClIniFileOptionCursor(const VelClIniFile& file,
                                                    const VelClIniFileSection& section)
-    // Only the file's own functions change it.
+    // The place has pointers as the model returns them, not const; a cursor only reads through them.
     : place_(file, const_cast<VelClIniFileSection*>(&section)) {}
 
 VelClIniFileOptionCursor::VelClIniFileOptionCursor(const VelClIniFile& file, const char* section)
@@ -111,6 +116,7 @@ bool VelClIniFileOptionCursor::setToNext() {
   return isValid();
 }
 
+// Intentional: stays on an option of this name, as setTo of the other cursor does.
 bool VelClIniFileOptionCursor::setTo(const char* name) {
   if (!matches(name) && place_.section() != nullptr)
     place_.setOption(Model::of(*place_.file()).findOption(*place_.section(), name));
@@ -129,6 +135,7 @@ const char* VelClIniFileOptionCursor::getValue() const {
   return isValid() ? place_.option()->getValue() : "";
 }
 
+// An invalid cursor leaves the output untouched, so that callers can set a default before.
 bool VelClIniFileOptionCursor::getValue(const char*& value) const {
   if (isValid()) vel::inifile::convert(getValue(), value);
   return isValid();

@@ -1,8 +1,10 @@
-// An INI file: loading, and questions to its model.
+// The loads and queries of VelClIniFile. Parsing is ini_parser.cpp's work, finding records model.cpp's,
+// changing them ini_file_mutators.cpp's, and converting values value_characters.cpp's.
 #include "foundation/allocator.h"
 #include "inifile/ini_parser.h"
 #include "inifile/line_source.h"
 #include "inifile/model.h"
+#include "inifile/value_characters.h"
 #include "vel_include/vel_inifile.h"
 
 using vel::inifile::LineSource;
@@ -28,6 +30,7 @@ void VelClIniFile::setErrorHandler(VelIniFileErrorHandler handler, void* userDat
 }
 
 bool VelClIniFile::load(bool allowContinuation) {
+  // Only this load restarts the line count, even if the file cannot be opened; loadFromBuffer continues it.
   lineCount_ = 0;
   LineSource lines(getAsCString());
   return lines.isOpen() && parse(lines, true, allowContinuation);
@@ -44,6 +47,8 @@ bool VelClIniFile::parse(LineSource& lines, bool keepDuplicateSections, bool all
 }
 
 bool VelClIniFile::getSection(const char* name) const {
+  // Intentional: a section that is not found leaves no current section, so that the options of another one
+  // are not taken for its own.
   currentSection_ = getExistingSection(name);
   return currentSection_ != nullptr;
 }
@@ -57,6 +62,8 @@ const VelClIniFileOption* VelClIniFile::getExistingOption(const VelClIniFileSect
   return model_->findOption(section, name);
 }
 
+/// Serves all overloads of getOption. Both outputs are untouched when the option is not found, so that a
+/// caller can set defaults before.
 template <typename Value>
 bool VelClIniFile::ask(const char* name, Value& value, const char** comment) const {
   const VelClIniFileOption* option =

@@ -1,4 +1,5 @@
-// An INI file under edit: reading and writing it. Changes are edited_text.cpp's work.
+// The reading, locking and saving of VelClIniFileEditor. Changing the text is ini_document.cpp's work,
+// waiting for the lock edit_lock.cpp's, and replacing the file file_output.cpp's.
 #include "base/short_text.h"
 #include "foundation/allocator.h"
 #include "inifile/edited_file.h"
@@ -15,6 +16,8 @@ using vel::platform::FileState;
 
 namespace {
 
+/// The editor needs all bytes of the file, also those that the parser never reads, such as those after a line
+/// that is too long.
 bool readAll(int descriptor, String& bytes) {
   constexpr std::size_t kStep = std::size_t{256} * 1024;
   for (;;) {
@@ -41,60 +44,64 @@ bool VelClIniFileEditor::load(bool allowContinuation) {
   String bytes;
   if (file.open(getAsCString(), vel::platform::PipeWithoutWriter::Refuse) != 0) return false;
   if (!readAll(file.descriptor(), bytes)) return false;
-  const std::optional<FileState> found = file_->held.stateOfRead(file.descriptor());
+  // The state is taken after reading, so that a change during it is noticed.
+  const std::optional<FileState> found = file_->lock.checkRead(file.descriptor());
   if (!found.has_value()) return false;
-  file_->text.take(std::move(bytes), allowContinuation);
-  file_->held.noteRead(*found);
+  file_->document.adopt(std::move(bytes), allowContinuation);
+  file_->lock.noteRead(*found);
   return true;
 }
 
 void VelClIniFileEditor::loadFromBuffer(const char* buffer, size_t size, bool allowContinuation) {
-  file_->held.forgetRead();
-  file_->text.take(buffer != nullptr ? String(buffer, size) : String(), allowContinuation);
+  file_->lock.forgetRead();
+  file_->document.adopt(buffer != nullptr ? String(buffer, size) : String(), allowContinuation);
 }
 
 bool VelClIniFileEditor::setValue(const char* section, const char* option, const char* value) {
   if (section == nullptr || option == nullptr) return false;
-  return file_->text.setValue(section, option, vel::textOrEmpty(value));
+  return file_->document.setValue(section, option, vel::textOrEmpty(value));
 }
 
 bool VelClIniFileEditor::merge(const VelClIniFile& source) {
-  return file_->text.merge(source);
+  return file_->document.merge(source);
 }
 
 bool VelClIniFileEditor::addSection(const char* name) {
-  return name != nullptr && file_->text.addSection(name);
+  return name != nullptr && file_->document.addSection(name);
 }
 
 bool VelClIniFileEditor::deleteOption(const char* section, const char* option) {
-  return section != nullptr && option != nullptr && file_->text.deleteOption(section, option);
+  return section != nullptr && option != nullptr && file_->document.deleteOption(section, option);
 }
 
 bool VelClIniFileEditor::deleteSection(const char* name) {
-  return name != nullptr && file_->text.deleteSection(name);
+  return name != nullptr && file_->document.deleteSection(name);
 }
 
 const char* VelClIniFileEditor::getText() const {
-  return file_->text.text().c_str();
+  return file_->document.text().c_str();
 }
 
 size_t VelClIniFileEditor::getLength() const {
-  return file_->text.text().size();
+  return file_->document.text().size();
 }
 
 const VelClIniFile& VelClIniFileEditor::getIniFile() const {
-  return file_->text.model();
+  return file_->document.model();
 }
 
 bool VelClIniFileEditor::save() {
   vel::inifile::FileOutput output;
   if (!output.open(getAsCString())) return false;
   output.write(getText(), static_cast<std::streamsize>(getLength()));
-  // Where it is another file this one is dropped.
-  if (!file_->held.mayReplace(getAsCString(), output.replaced()) || !output.close()) return false;
+  // The check comes after writing, as late as possible. If it fails, `output` drops the new file and the old
+  // one stays.
+  if (!file_->lock.mayReplace(getAsCString(), output.replaced()) || !output.close()) return false;
   file_->hasKeptRights = output.keepsRights();
-  file_->held.release();
-  file_->held.forgetRead();
+  // The lock was on the replaced file. The state of that file is forgotten as well, or the next locked save
+  // would take this program's own change for a foreign one.
+  file_->lock.release();
+  file_->lock.forgetRead();
   return true;
 }
 
@@ -103,13 +110,13 @@ bool VelClIniFileEditor::hasKeptRights() const {
 }
 
 VelEnIniFileLock VelClIniFileEditor::lock(unsigned int timeLimitMs) {
-  return file_->held.hold(getAsCString(), timeLimitMs);
+  return file_->lock.acquire(getAsCString(), timeLimitMs);
 }
 
 void VelClIniFileEditor::unlock() {
-  file_->held.release();
+  file_->lock.release();
 }
 
 bool VelClIniFileEditor::isReplaced() const {
-  return file_->held.isReplaced();
+  return file_->lock.isReplaced();
 }

@@ -1,4 +1,11 @@
-// Writes a model as an INI file.
+// Writes a model as the lines of an INI file:
+//
+//   [section]
+//   name\t= value\t; comment
+//
+// An empty line precedes each header. Files in place are replaced by file_output.cpp. The quoting differs
+// from value_writer.cpp's: the protected functions are documented for derived classes, so their output must
+// not change.
 #include "base/digits.h"
 #include "foundation/allocator.h"
 #include "inifile/file_output.h"
@@ -15,12 +22,12 @@ bool isPresent(const char* text) {
   return text != nullptr && *text != '\0';
 }
 
-/// Formatting that the stream may be set to plays no part.
+/// Writes unformatted, so that a width or fill character that the program set on the stream has no effect.
 std::ostream& put(std::ostream& stream, const char* text) {
   return text != nullptr ? stream.write(text, static_cast<std::streamsize>(std::strlen(text))) : stream;
 }
 
-/// Room for any 32-bit number.
+/// Room for any 32-bit number with its sign and terminator.
 constexpr std::size_t kDigits = 12;
 
 bool needsQuotes(const char* value) {
@@ -40,7 +47,7 @@ VelClIniFileSave::~VelClIniFileSave() {
 bool VelClIniFileSave::save() {
   if (!opened_ && !output_->open(getAsCString())) return false;
   save(*output_);
-  // Behind save(stream) there is no open file. Keep.
+  // Intentional: the documented result after save(stream) is false, because that opened no file.
   if (!output_->isOpen()) return false;
   opened_ = false;
   return output_->close();
@@ -54,7 +61,7 @@ bool VelClIniFileSave::save(std::ostream& stream) {
   opened_ = true;
   for (const VelClIniFileSection* section = getFirstSection(); section != nullptr;
        section = section->getNext()) {
-    // A header without a name could not be written. Keep.
+    // Intentional: sections without a name are not saved, nor are options without one.
     if (*section->getName() == '\0') continue;
     saveSection(stream, section->getName(), nullptr);
     const VelClIniFileOption* option = section->getFirstOption();
@@ -120,7 +127,7 @@ bool VelClIniFileSave::saveOptionBool(std::ostream& stream, const char* name, bo
 
 bool VelClIniFileSave::saveOption(std::ostream& stream, const char* name, const char* value,
                                   const char* comment) const {
-  // Options with empty values are not saved. Keep.
+  // Intentional: the documented file has no options with empty values.
   if (!isPresent(value)) return stream.good();
   put(put(stream, name), "\t= ");
   if (needsQuotes(value)) {
@@ -137,7 +144,8 @@ bool VelClIniFileSave::saveChar(std::ostream& stream, char c) const {
   constexpr const char* kNamed = "\a\b\t\n\v\f\r\\";
   constexpr const char* kNames = "abtnvfr\\";
   const char* const named = c != '\0' ? std::strchr(kNamed, c) : nullptr;
-  // A double quote stays as it is. Keep.
+  // Intentional: a double quote is not escaped. The documented consequence is that such a value does not read
+  // back.
   if (named == nullptr && !vel::inifile::isControl(c)) return stream.put(c).good();
   stream.put('\\');
   if (named != nullptr) return stream.put(kNames[named - kNamed]).good();

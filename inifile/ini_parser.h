@@ -1,4 +1,4 @@
-// Reads lines into a file's model. Values are value_parser.cpp's work.
+// Parses lines into the model of a file. Parsing values is value_parser.cpp's work.
 #pragma once
 
 #include "inifile/line_source.h"
@@ -9,9 +9,10 @@ namespace vel::inifile {
 
 enum class LineKind { Empty, Header, Indented, Option };
 
-/// What a line is by its beginning alone; blank and comment lines are empty.
+/// Classifies a line by its beginning alone. Blank lines and comment lines are Empty, lines that begin with
+/// white space otherwise Indented.
 LineKind kindOf(Span line) noexcept;
-/// The name in a header; begin is null when the closing bracket is missing.
+/// Returns the name in a header; its begin is null when the closing bracket is missing.
 Span nameInHeader(Span line) noexcept;
 
 class Parser {
@@ -22,15 +23,18 @@ class Parser {
         keepDuplicateSections_(keepDuplicateSections),
         allowContinuation_(allowContinuation) {}
 
-  /// False when the error handler has ended it. No section is current afterwards.
+  /// Parses all lines. Returns false when the error handler ended the load. Afterwards there is no current
+  /// section.
   bool parse(LineSource& lines);
 
  private:
-  void leavePlace() noexcept;
-  bool take(Span line);
-  bool takeHeader(Span line);
-  bool takeOption(Span line);
-  bool takeContinuation(Span line);
+  /// Leaves no current section and no option that a line could continue.
+  void resetPosition() noexcept;
+  bool parseLine(Span line);
+  bool parseHeader(Span line);
+  bool parseOption(Span line);
+  bool parseContinuation(Span line);
+  /// Asks the error handler; false ends the load.
   bool report(VelEnErrorId error) const;
 
   VelClIniFile& file_;

@@ -1,6 +1,6 @@
-// Cuts bytes into lines the way a stream's getline with room for 1,023 characters does: the bytes behind the
-// last delimiter are a line as well, even when there are none, and a longer line leaves nothing behind it to
-// read.
+// Cuts bytes into lines as std::istream::getline does with a buffer for 1,023 characters. The bytes after the
+// last delimiter are a line as well, even if there are none. Reading ends with a line that is longer: only
+// its first 1,023 characters are returned.
 #pragma once
 
 #include <cstddef>
@@ -13,31 +13,31 @@ namespace vel::inifile {
 
 class LineSource {
  public:
-  /// Whether a "\r" before a delimiter is dropped.
+  /// In Text, a "\r" before a delimiter is dropped.
   enum class Bytes { Plain, Text };
 
-  /// Bytes of the caller's, not copied.
+  /// Reads the caller's bytes, which are not copied and must outlive the source.
   LineSource(const char* bytes, std::size_t size, char delimiter, Bytes kind = Bytes::Plain) noexcept
       : at_(bytes), end_(bytes + size), delimiter_(delimiter), isText_(kind == Bytes::Text) {}
-  /// A file's bytes as text, in lines that end in "\n".
+  /// Reads a file as text in lines that end in "\n".
   explicit LineSource(const char* fileName);
   LineSource(const LineSource&) = delete;
   LineSource& operator=(const LineSource&) = delete;
   ~LineSource() = default;
 
-  /// Whether there was such a file.
+  /// Whether the file could be opened.
   bool isOpen() const noexcept { return isOpen_; }
-  /// Whether the last line was read.
+  /// Whether the last line was returned. An empty source has one line, which is empty.
   bool isAtEnd() const noexcept { return isAtEnd_; }
-  /// The next line without its delimiter, from its first NUL on cut, and valid until the next call.
+  /// Returns the next line without its delimiter, cut at its first NUL. It is valid until the next call.
   Span next();
-  /// Where the next line begins.
+  /// Returns the start of the next line.
   const char* position() const noexcept { return at_; }
 
  private:
   const char* findDelimiter() const noexcept;
   bool refill() noexcept;
-  Span take(const char* lineEnd) noexcept;
+  Span consumeLine(const char* lineEnd) noexcept;
 
   const char* at_ = nullptr;
   const char* end_ = nullptr;

@@ -1,4 +1,11 @@
-// Records of sections and options, and their lists.
+// Creates, finds, changes and deletes the records of sections and options, and links them into lists. An
+// option is one block of the pool, its texts included:
+//
+//   next_ | value_ | comment_ | textUnits_ | recordUnits_ | name NUL value NUL comment NUL
+//
+// value_ and comment_ are offsets from the name. A new text that does not fit goes to a block of its own, and
+// a pointer to that replaces the old text. The record itself never moves, because callers hold pointers to
+// it. Building the texts of an option is option_text.cpp's work.
 #include "inifile/model.h"
 
 #include <algorithm>
@@ -11,12 +18,13 @@ namespace vel::inifile {
 
 namespace {
 
-/// Shorter lists are searched as they are.
+/// Shorter lists are searched without an index, whose hash values would cost more than a few comparisons.
 constexpr std::size_t kIndexedLength = 8;
 
-/// Where a text begins in its record.
+/// The offset of the text in its record. text_ is declared with two characters only, but the record extends
+/// as far as the text does.
 constexpr std::size_t kTextOffset = sizeof(void*) + 2 * sizeof(std::uint16_t) + 2;
-/// Room for the pointer to a text that leaves the record.
+/// A record of a short text must still have room for the pointer to a longer one.
 constexpr std::size_t kSmallestRecord = kTextOffset + sizeof(char*);
 
 template <typename Record>
@@ -35,6 +43,7 @@ Record* recordBefore(Record* first, const Record& record) noexcept {
 }  // namespace
 
 Model::~Model() {
+  // Cursors may outlive the file. Records need no loop: their memory goes with the pool.
   for (; places_ != nullptr; places_ = places_->next_) {
     places_->file_ = nullptr;
     places_->section_ = nullptr;
@@ -55,7 +64,7 @@ Model::Section* Model::findSection(const char* name) {
 Model::Option* Model::findOption(const Section& section, const char* name) {
   if (name == nullptr) return nullptr;
   if (section.optionCount_ < kIndexedLength) return findInList(section.firstOption_, name);
-  // An index is no part of what the section holds.
+  // The index is a cache, so building it does not change the section for the caller.
   auto& indexed = const_cast<Section&>(section);
   if (section.index_ == nullptr)
     indexed.index_ = create<OptionIndex>(section.firstOption_, section.optionCount_);
@@ -63,14 +72,15 @@ Model::Option* Model::findOption(const Section& section, const char* name) {
 }
 
 Model::Section* Model::appendSection(Span name) {
-  constexpr std::size_t kUnits = RecordMemory::unitsFor(sizeof(Section));
-  auto* const section = ::new (memory_.take(kUnits)) Section{};
+  constexpr std::size_t kUnits = RecordPool::unitsFor(sizeof(Section));
+  auto* const section = ::new (pool_.allocate(kUnits)) Section{};
   const std::size_t length = std::min(name.length(), Section::kMaxNameLength);
   if (length != 0) std::memcpy(section->name_, name.begin, length);
+  // The index is updated first: when it finds no memory, the list is unchanged.
   try {
     if (sectionIndex_ != nullptr) sectionIndex_->add(section, file_.lastSection_);
   } catch (...) {
-    memory_.giveBack(section, kUnits);
+    pool_.deallocate(section, kUnits);
     throw;
   }
   (file_.lastSection_ != nullptr ? file_.lastSection_->next_ : file_.firstSection_) = section;
@@ -83,7 +93,7 @@ char* Model::textInRecord(Option& option) noexcept {
   return reinterpret_cast<char*>(&option) + kTextOffset;
 }
 
-/// `place` is where the option's text stands from now on.
+/// Copies the text to `place`, its new location, and sets the offsets.
 void Model::fill(Option& option, char* place, const OptionText& text) noexcept {
   std::memcpy(place, text.data(), text.size());
   option.value_ = static_cast<std::uint16_t>(text.valueOffset());
@@ -92,8 +102,8 @@ void Model::fill(Option& option, char* place, const OptionText& text) noexcept {
 
 Model::Option* Model::makeOption(const OptionText& text) {
   static_assert(offsetof(Option, text_) == kTextOffset);
-  const std::size_t units = RecordMemory::unitsFor(std::max(kTextOffset + text.size(), kSmallestRecord));
-  auto* const option = ::new (memory_.take(units)) Option();
+  const std::size_t units = RecordPool::unitsFor(std::max(kTextOffset + text.size(), kSmallestRecord));
+  auto* const option = ::new (pool_.allocate(units)) Option();
   option->next_ = nullptr;
   option->recordUnits_ = static_cast<std::uint8_t>(units);
   option->textUnits_ = 0;
@@ -106,7 +116,7 @@ Model::Option* Model::appendOption(Section& section, const OptionText& text) {
   try {
     if (section.index_ != nullptr) indexOf(section)->add(option, section.lastOption_);
   } catch (...) {
-    memory_.giveBack(option, option->recordUnits_);
+    pool_.deallocate(option, option->recordUnits_);
     throw;
   }
   (section.lastOption_ != nullptr ? section.lastOption_->next_ : section.firstOption_) = option;
@@ -115,23 +125,23 @@ Model::Option* Model::appendOption(Section& section, const OptionText& text) {
   return option;
 }
 
-void Model::giveBackText(Option& option) noexcept {
-  if (option.textUnits_ != 0) memory_.giveBack(const_cast<char*>(option.movedText()), option.textUnits_);
+void Model::freeText(Option& option) noexcept {
+  if (option.textUnits_ != 0) pool_.deallocate(const_cast<char*>(option.movedText()), option.textUnits_);
 }
 
-/// The record stays where it is. A text that grows takes twice the room, so that many small continuation
-/// lines do not leave many texts behind.
+/// The record stays where it is; only the text may move. A text that grows gets twice the room that it needs:
+/// otherwise each of many continuation lines would allocate again, and leave a free block of another size.
 void Model::replaceText(Option& option, const OptionText& text) {
-  constexpr std::size_t kMostUnits = RecordMemory::unitsFor(kOptionTextSize);
-  constexpr std::size_t kUnitSize = RecordMemory::kUnit;
+  constexpr std::size_t kMostUnits = RecordPool::unitsFor(kOptionTextSize);
+  constexpr std::size_t kUnitSize = RecordPool::kUnit;
   const bool isInRecord = option.textUnits_ == 0;
   const std::size_t room =
       isInRecord ? option.recordUnits_ * kUnitSize - kTextOffset : option.textUnits_ * kUnitSize;
   char* place = isInRecord ? textInRecord(option) : const_cast<char*>(option.movedText());
   if (text.size() > room) {
-    const std::size_t units = std::min(RecordMemory::unitsFor(text.size()) * 2, kMostUnits);
-    place = static_cast<char*>(memory_.take(units));
-    giveBackText(option);
+    const std::size_t units = std::min(RecordPool::unitsFor(text.size()) * 2, kMostUnits);
+    place = static_cast<char*>(pool_.allocate(units));
+    freeText(option);
     std::memcpy(textInRecord(option), &place, sizeof place);
     option.textUnits_ = static_cast<std::uint8_t>(units);
   }
@@ -145,17 +155,18 @@ void Model::deleteOption(Section& section, Option& option) noexcept {
   if (section.lastOption_ == &option) section.lastOption_ = before;
   --section.optionCount_;
   if (openOption == &option) openOption = nullptr;
+  // Cursors on the option become invalid.
   for (CursorPlace* place = places_; place != nullptr; place = place->next_)
     if (place->option_ == &option) place->option_ = nullptr;
-  giveBackText(option);
-  memory_.giveBack(&option, option.recordUnits_);
+  freeText(option);
+  pool_.deallocate(&option, option.recordUnits_);
 }
 
 void Model::freeOptions(Section& section) noexcept {
   while (Option* const option = section.firstOption_) {
     section.firstOption_ = option->next_;
-    giveBackText(*option);
-    memory_.giveBack(option, option->recordUnits_);
+    freeText(*option);
+    pool_.deallocate(option, option->recordUnits_);
   }
 }
 
@@ -166,15 +177,16 @@ void Model::deleteSection(Section& section) noexcept {
   if (file_.lastSection_ == &section) file_.lastSection_ = before;
   --sectionCount_;
   if (file_.currentSection_ == &section) file_.currentSection_ = nullptr;
-  // Only while a file is loaded is there one, and it may be this section's.
+  // It may be an option of this section: an error handler can delete sections during a load.
   openOption = nullptr;
   for (CursorPlace* place = places_; place != nullptr; place = place->next_)
-    if (place->section_ == &section) place->section_ = nullptr, place->option_ = nullptr;  // with its options
+    if (place->section_ == &section) place->section_ = nullptr, place->option_ = nullptr;
   destroy(indexOf(section));
   freeOptions(section);
-  memory_.giveBack(&section, RecordMemory::unitsFor(sizeof(Section)));
+  pool_.deallocate(&section, RecordPool::unitsFor(sizeof(Section)));
 }
 
+/// A doubly linked list, so that a cursor is removed in constant time.
 void Model::add(CursorPlace& place) noexcept {
   place.previous_ = nullptr;
   place.next_ = places_;
@@ -190,6 +202,7 @@ void Model::remove(CursorPlace& place) noexcept {
 }  // namespace vel::inifile
 
 const char* VelClIniFileOption::movedText() const {
+  // The pointer is not aligned there, so it is copied.
   const char* text = nullptr;
   std::memcpy(&text, reinterpret_cast<const char*>(this) + vel::inifile::kTextOffset, sizeof text);
   return text;

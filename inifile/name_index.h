@@ -1,6 +1,18 @@
-// Finds the first record of a name in a list that keeps the file's order. Names are compared without regard
-// to the case of ASCII letters. The index stands beside the list, and is made when a long list is first
-// asked.
+// Finds the first record of a name: a hash table with linear probing beside a singly linked list. The list
+// owns the records and keeps the order of the file; the model builds the index when a long list is searched
+// for the first time. Names are compared without regard to the case of ASCII letters.
+//
+// Only the first record of each name has a slot, which also tells its predecessor in the list and whether the
+// name has occurred again:
+//
+//   list    Port -> Host -> port -> Path
+//   slots   {Port, before: null, repeated}  {Host, before: Port}  {Path, before: port}
+//
+// The predecessor lets a record be unlinked without a search of the list. Only when a repeated name loses its
+// first record is the list searched, for the record that takes over the slot.
+//
+// Removal moves the slots that follow back (Knuth, The Art of Computer Programming, volume 3, section 6.4,
+// algorithm R) instead of marking the slot as deleted: searches do not slow down as records come and go.
 #pragma once
 
 #include <cstddef>
@@ -12,26 +24,30 @@
 
 namespace vel::inifile {
 
-/// Depends on a number drawn once per process, so that no file can be made to fill one place of an index.
+/// Hashes a name without regard to the case of ASCII letters. The key is drawn once per process: nobody can
+/// write a file whose names all collide, which would make every search as slow as that of a list.
 std::uint32_t hashOf(const char* name) noexcept;
 
-/// `Record` has getName and getNext.
+/// `Record` must have getName() and getNext(). The table has a power of two of slots and is at most three
+/// quarters full, so every search ends at an empty slot.
 template <typename Record>
 class NameIndex {
  public:
-  /// Takes over the whole list.
+  /// Indexes the whole list, which has `count` records. May throw as the memory manager does.
   NameIndex(Record* first, std::size_t count) : slots_(sizeFor(count)) {
     for (Record* before = nullptr; first != nullptr; before = first, first = first->getNext())
       add(first, before);
   }
 
-  Record* find(const char* name) const noexcept { return slots_[place(name, hashOf(name))].record; }
+  /// Returns the first record of a name, or null.
+  Record* find(const char* name) const noexcept { return slots_[findSlot(name, hashOf(name))].record; }
 
-  /// A record that was appended to the list, or is about to be, behind `before`.
+  /// Adds a record that was appended to the list after `before`, or is about to be. When it throws, nothing
+  /// has changed.
   void add(Record* record, Record* before) {
     if (used_ * 4 >= slots_.size() * 3) grow();
     const std::uint32_t hash = hashOf(record->getName());
-    Slot& slot = slots_[place(record->getName(), hash)];
+    Slot& slot = slots_[findSlot(record->getName(), hash)];
     if (slot.record != nullptr) {
       slot.isRepeated = true;
       return;
@@ -40,10 +56,10 @@ class NameIndex {
     ++used_;
   }
 
-  /// The first record of a name, about to be taken from the list: gives the one before it. Another one of the
-  /// same name takes its place.
+  /// Removes a record that is about to be unlinked and is the first of its name. Returns its predecessor in
+  /// the list, or null. The next record of the same name, if there is one, takes over its slot.
   Record* remove(const Record* record) noexcept {
-    const std::size_t at = place(record->getName(), hashOf(record->getName()));
+    const std::size_t at = findSlot(record->getName(), hashOf(record->getName()));
     Record* const before = slots_[at].before;
     Record* next = record->getNext();
     if (next != nullptr) setBefore(next, before);
@@ -61,14 +77,15 @@ class NameIndex {
   }
 
  private:
+  /// The hash is kept so that a probe compares names only where they are almost certainly equal.
   struct Slot {
     Record* record;
-    Record* before;  ///< in the list
+    Record* before;  ///< the predecessor in the list
     std::uint32_t hash;
-    bool isRepeated;
+    bool isRepeated;  ///< stays set when the later records are gone; costs a search at most
   };
 
-  /// Most names are asked for as they are written.
+  /// Most names are searched for as they are written, and strcmp is faster than ignoring case.
   static bool isSameName(const char* a, const char* b) noexcept {
     return std::strcmp(a, b) == 0 || equalsIgnoringAsciiCase(a, b);
   }
@@ -81,8 +98,8 @@ class NameIndex {
 
   std::size_t next(std::size_t at) const noexcept { return (at + 1) & (slots_.size() - 1); }
 
-  /// Where the name is, or would be.
-  std::size_t place(const char* name, std::uint32_t hash) const noexcept {
+  /// Returns the slot of the name, or the empty slot where it belongs.
+  std::size_t findSlot(const char* name, std::uint32_t hash) const noexcept {
     std::size_t at = hash & (slots_.size() - 1);
     while (slots_[at].record != nullptr &&
            (slots_[at].hash != hash || !isSameName(slots_[at].record->getName(), name)))
@@ -91,7 +108,7 @@ class NameIndex {
   }
 
   void setBefore(const Record* record, Record* before) noexcept {
-    Slot& slot = slots_[place(record->getName(), hashOf(record->getName()))];
+    Slot& slot = slots_[findSlot(record->getName(), hashOf(record->getName()))];
     if (slot.record == record) slot.before = before;
   }
 
@@ -99,10 +116,11 @@ class NameIndex {
     Vector<Slot> old(slots_.size() * 2);
     old.swap(slots_);
     for (const Slot& slot : old)
-      if (slot.record != nullptr) slots_[place(slot.record->getName(), slot.hash)] = slot;
+      if (slot.record != nullptr) slots_[findSlot(slot.record->getName(), slot.hash)] = slot;
   }
 
-  /// Moves those behind an emptied slot up, so that every search still passes no empty one.
+  /// Closes a gap: moves following slots back, so that no search ends at the empty slot too early. A slot
+  /// stays where it is if its home, the slot that its hash selects, comes after the gap.
   void closeGap(std::size_t gap) noexcept {
     --used_;
     slots_[gap].record = nullptr;

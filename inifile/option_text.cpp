@@ -1,4 +1,10 @@
-// The texts of one option.
+// Builds the text of one option in a buffer of fixed size:
+//
+//   name NUL value NUL comment NUL        value_ and comment_ are the offsets of the last two
+//   name NUL value NUL                    an empty comment shares the terminator of the value
+//
+// Most options have no comment and save a byte that way. Texts that do not fit are cut here, and nowhere
+// else.
 #include "inifile/option_text.h"
 
 #include <algorithm>
@@ -30,12 +36,13 @@ void OptionText::startValue(std::size_t nameLength) noexcept {
 
 void OptionText::addToValue(const char* text, std::size_t length) noexcept {
   if (isEnded_) return;
+  // One byte stays free for the terminator.
   const Span added{text, text + std::min(length, kOptionTextSize - 1 - end_)};
   const char* const nul = added.find('\0');
   isEnded_ = nul != nullptr;
-  const std::size_t taken = isEnded_ ? static_cast<std::size_t>(nul - text) : added.length();
-  if (taken != 0) std::memcpy(text_ + end_, text, taken);
-  end_ += taken;
+  const std::size_t count = isEnded_ ? static_cast<std::size_t>(nul - text) : added.length();
+  if (count != 0) std::memcpy(text_ + end_, text, count);
+  end_ += count;
 }
 
 void OptionText::trimValue(std::size_t shortest) noexcept {
@@ -46,6 +53,7 @@ void OptionText::setComment(Span comment) noexcept {
   text_[end_] = '\0';
   comment_ = end_;
   size_ = end_ + 1;
+  // A comment needs room for one character and its terminator; otherwise it is dropped.
   if (comment.isEmpty() || size_ + 1 >= kOptionTextSize) return;
   const std::size_t length = std::min(comment.length(), kOptionTextSize - size_ - 1);
   comment_ = size_;

@@ -1,5 +1,5 @@
-// An option under construction: name, value and comment in one buffer, each terminated. The value is cut to
-// the room that the name leaves, the comment to what is left then.
+// Builds the text of an option: name, value and comment in one buffer, each NUL-terminated. The value is cut
+// to the room that the name leaves, and the comment to what is left after both.
 #pragma once
 
 #include <cstddef>
@@ -10,23 +10,23 @@ namespace vel::inifile {
 
 class OptionText {
  public:
-  /// With an empty value and comment.
+  /// Starts with an empty value and an empty comment.
   explicit OptionText(Span name) noexcept;
-  /// The name is every character that is no white space.
+  /// Takes as the name all characters that are not white space: "a b =" names the option "ab".
   static OptionText named(Span lineBeforeEqualSign) noexcept;
 
-  /// Nothing follows a NUL.
+  /// Appends to the value. A NUL ends the value: nothing is appended after it.
   void addToValue(const char* text, std::size_t length) noexcept;
   void addToValue(char c) noexcept { addToValue(&c, 1); }
-  /// Removes white space from the end of the value, down to this length.
+  /// Removes white space from the end of the value, but never makes it shorter than `shortest`.
   void trimValue(std::size_t shortest) noexcept;
   std::size_t valueLength() const noexcept { return end_ - value_; }
 
-  /// Ends the value.
+  /// Terminates the value and sets the comment.
   void setComment(Span comment) noexcept;
 
   const char* data() const noexcept { return text_; }
-  /// Everything, terminators included.
+  /// Size of all three texts with their terminators.
   std::size_t size() const noexcept { return size_; }
   std::size_t valueOffset() const noexcept { return value_; }
   std::size_t commentOffset() const noexcept { return comment_; }
@@ -36,20 +36,11 @@ class OptionText {
   void startValue(std::size_t nameLength) noexcept;
 
   std::size_t value_;
-  std::size_t end_;  ///< of the value
+  std::size_t end_;  ///< the end of the value
   std::size_t comment_;
   std::size_t size_;
-  bool isEnded_ = false;
+  bool isEnded_ = false;  ///< a NUL has ended the value
   char text_[kOptionTextSize];
 };
-
-/// Where a value stands in its line.
-struct ValuePlace {
-  Span raw;          ///< as it is written, without white space around it
-  const char* stop;  ///< the ";" before the comment, or the end of the line
-};
-
-/// Adds the value in `text`, what follows "=" or a continuation line, and sets the comment.
-ValuePlace parseValue(Span text, OptionText& option);
 
 }  // namespace vel::inifile

@@ -1,4 +1,4 @@
-// Where sections and options stand in a text. Lines are told apart as the parser does it.
+// Finds the lines of sections and options in a text, by the same rules as the parser.
 #pragma once
 
 #include <span>
@@ -10,48 +10,51 @@
 
 namespace vel::inifile {
 
-/// A line with its end, and the value in it.
+/// A line that belongs to an option. All spans are in the scanned text.
 struct ValueLine {
-  Span whole;
-  Span value;
+  Span whole;  ///< with the line break
+  Span value;  ///< as written, without white space around it
   bool hasComment;
-  bool continues;  ///< the option before
+  bool continues;  ///< a continuation line of the option before
 };
 
 struct SectionLayout {
-  Span header{nullptr, nullptr};     ///< with the line's end
-  const char* contentEnd = nullptr;  ///< behind the last line that is neither blank nor a comment
-  Span separator{nullptr,
-                 nullptr};  ///< what stands between name and value of the last option, if there is any
-  Vector<ValueLine> lines;  ///< all options', each with the lines that continue it
+  /// With its line break.
+  Span header{nullptr, nullptr};
+  /// The end of the last line that is neither blank nor a comment.
+  const char* contentEnd = nullptr;
+  /// Between the name and the value of the last option; null when there is no option.
+  Span separator{nullptr, nullptr};
+  /// The lines of all options in their order, each followed by its continuation lines.
+  Vector<ValueLine> lines;
 };
 
-/// Takes the lines of one option from the front: its own, and those that continue it.
-std::span<const ValueLine> takeOptionLines(std::span<const ValueLine>& lines) noexcept;
+/// Removes the lines of the first option from `lines` and returns them. There must be one.
+std::span<const ValueLine> consumeOptionLines(std::span<const ValueLine>& lines) noexcept;
 
-/// Gives the sections one by one, in the order in which a model has them, and so do their options stand.
+/// Iterates over the sections, and over the lines of their options, in the order of the model.
 class SectionScanner {
  public:
-  /// The text must live as long as the scanner and its layouts.
+  /// `text` must outlive the scanner and its layouts.
   SectionScanner(Span text, bool allowContinuation)
       : lines_(text.begin, text.length(), '\n', LineSource::Bytes::Text),
         allowContinuation_(allowContinuation) {
     readToHeader();
   }
 
-  /// False behind the last one.
+  /// Moves to the next section. Returns false when there are no more.
   bool next();
   const SectionLayout& layout() const noexcept { return layout_; }
 
  private:
   void readToHeader();
-  void take(Span line, Span whole);
-  void takeOption(Span line, Span whole);
-  void takeIndented(Span line, Span whole);
+  void scanLine(Span line, Span whole);
+  void scanOption(Span line, Span whole);
+  void scanIndented(Span line, Span whole);
 
   LineSource lines_;
   bool allowContinuation_;
-  bool isOpen_ = false;  ///< whether there is an option that a line could continue
+  bool isOpen_ = false;  ///< whether there is an option that a continuation line would extend
   SectionLayout layout_;
   Span nextHeader_{nullptr, nullptr};
 };

@@ -1,4 +1,4 @@
-// Writes the options of one file into the text of another.
+// Merges the options of one file into the text of another.
 #pragma once
 
 #include "foundation/allocator.h"
@@ -7,7 +7,7 @@
 
 namespace vel::inifile {
 
-/// Whether a question by name finds this one.
+/// Whether a search by name finds this record, and not an earlier one of the same name.
 inline bool isFirst(const VelClIniFile& file, const VelClIniFileSection& section) {
   return file.getExistingSection(section.getName()) == &section;
 }
@@ -15,14 +15,14 @@ inline bool isFirst(const VelClIniFile& file, const VelClIniFileSection& section
                     const VelClIniFileOption& option) {
   return file.getExistingOption(section, option.getName()) == &option;
 }
-/// Whether there are options that a question by name finds.
+/// Whether a search by name finds options in this section.
 inline bool hasOptions(const VelClIniFile& file, const VelClIniFileSection& section) {
   return section.getFirstOption() != nullptr && isFirst(file, section);
 }
 
-/// `model` is what the parser reads in `text`. Values change, continuation lines go, missing options come
-/// behind the last line of their section, and missing sections at the end. Of `source` the first of each name
-/// counts.
+/// Returns `text` with the options of `source`. `model` must be what the parser reads from `text`. Values are
+/// replaced, their continuation lines removed, missing options added after the last line of their section,
+/// and missing sections at the end. Of names that repeat in `source` only the first counts.
 String mergedText(Span text, bool allowContinuation, const VelClIniFile& model, const VelClIniFile& source);
 
 }  // namespace vel::inifile

@@ -1,5 +1,5 @@
-// Characters and names as INI files see them, independent of the locale: in a code page of one's own a byte
-// of a UTF-8 character must not turn into white space.
+// The limits of names and lines in INI files, the classes of characters, and spans of text. The classes do
+// not depend on the locale: in some code pages a byte of a UTF-8 character would count as white space.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,8 @@
 
 namespace vel::inifile {
 
-/// Name, value and comment of an option, with their terminators. An empty comment shares the value's.
+/// Room for name, value and comment of an option with their terminators. An empty comment shares the
+/// terminator of the value, so the longest name leaves room for two.
 inline constexpr std::size_t kOptionTextSize = 1024;
 inline constexpr std::size_t kMaxNameLength = kOptionTextSize - 2;
 inline constexpr std::size_t kMaxLineLength = 1023;
@@ -21,7 +22,7 @@ constexpr bool isControl(char c) noexcept {
   return byte < 0x20 || byte == 0x7F;
 }
 
-/// Part of a text; the end stands for a terminator and is never passed.
+/// Part of a text. Reading at the end gives NUL, and nothing moves beyond it.
 struct Span {
   const char* begin;
   const char* end;
@@ -29,29 +30,15 @@ struct Span {
   bool isEmpty() const noexcept { return begin == end; }
   std::size_t length() const noexcept { return static_cast<std::size_t>(end - begin); }
   char first() const noexcept { return begin != end ? *begin : '\0'; }
-  /// Behind `count` characters, or at the end.
+  /// Skips `count` characters, or all that there are.
   void skip(std::size_t count) noexcept { begin += count < length() ? count : length(); }
   void skipSpace() noexcept {
     while (begin != end && isSpace(*begin)) ++begin;
   }
-  /// The first `c`, or null.
+  /// Returns the position of the first `c`, or null.
   const char* find(char c) const noexcept {
     return begin != end ? static_cast<const char*>(std::memchr(begin, c, length())) : nullptr;
   }
 };
-
-/// The character behind a back-slash, and one between single quotes from the opening quote on; the span moves
-/// on.
-char readEscape(Span& text) noexcept;
-char readQuotedCharacter(Span& text) noexcept;
-
-/// A value's text as what a question asks for.
-void convert(const char* text, const char*& value) noexcept;
-void convert(const char* text, int& value) noexcept;
-void convert(const char* text, long& value) noexcept;
-void convert(const char* text, unsigned int& value) noexcept;
-void convert(const char* text, unsigned long& value) noexcept;
-void convert(const char* text, char& value) noexcept;
-void convert(const char* text, bool& value) noexcept;
 
 }  // namespace vel::inifile

@@ -1,11 +1,13 @@
-// Escapes and character literals in values, and values as numbers, characters and truth.
+// Decodes escapes and character literals, and converts values to numbers, characters and truth. Finding them
+// in a value is value_parser.cpp's work, writing them value_writer.cpp's.
+#include "inifile/value_characters.h"
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
 
 #include "base/ascii.h"
 #include "base/digits.h"
-#include "inifile/text_rules.h"
 #include "vel_include/vel_helpers.h"
 #include "vel_include/vel_inifile.h"
 
@@ -13,16 +15,18 @@ namespace vel::inifile {
 
 namespace {
 
-/// What each letter behind a back-slash stands for, 0 for itself.
+/// Returns the control character that a letter after a backslash stands for, or NUL when it stands for
+/// itself.
 char namedEscape(char c) noexcept {
   constexpr const char* kLetters = "abfnrtv";
-  constexpr const char* kMeanings = "\a\b\f\n\r\t\v";
+  constexpr const char* kCharacters = "\a\b\f\n\r\t\v";
   const char* const found = c != '\0' ? std::strchr(kLetters, c) : nullptr;
-  return found != nullptr ? kMeanings[found - kLetters] : '\0';
+  return found != nullptr ? kCharacters[found - kLetters] : '\0';
 }
 
-/// As many digits as follow; beyond 32 bits when the number is.
-std::uint64_t takeDigits(Span& text, unsigned int base) noexcept {
+/// Consumes all digits that follow. Numbers above 32 bits are capped just above them, so that no count of
+/// digits overflows.
+std::uint64_t parseDigits(Span& text, unsigned int base) noexcept {
   constexpr std::uint64_t kBeyond32Bits = std::uint64_t{1} << 32;
   std::uint64_t number = 0;
   for (; !text.isEmpty() && hexDigitValue(*text.begin) < base; ++text.begin)
@@ -30,20 +34,22 @@ std::uint64_t takeDigits(Span& text, unsigned int base) noexcept {
   return number;
 }
 
-/// Saturates at 31 bits and is then cut to a character; NUL when there is no digit.
-char takeCharacterNumber(Span& text, unsigned int base) noexcept {
+/// Parses the number of an escape: saturated at 31 bits, as a signed 32-bit number, and then cut to its low
+/// byte. So "\x141" gives "A", and "\x123456789" the byte 0xFF. Without digits the result is NUL.
+char parseCharacterCode(Span& text, unsigned int base) noexcept {
   constexpr std::uint64_t kMost = std::numeric_limits<std::int32_t>::max();
-  return static_cast<char>(static_cast<unsigned char>(std::min(takeDigits(text, base), kMost)));
+  return static_cast<char>(static_cast<unsigned char>(std::min(parseDigits(text, base), kMost)));
 }
 
-/// As strtoul with base 10, in 32 bits.
-std::uint32_t unsignedOf(const char* value) noexcept {
+/// Parses as strtoul with base 10 does where long has 32 bits: "-1" gives 4294967295. parseUint32 will not
+/// do, because it gives 0 for every negative number.
+std::uint32_t parseUnsigned(const char* value) noexcept {
   constexpr std::uint64_t kMost = std::numeric_limits<std::uint32_t>::max();
   Span text{value, value + std::strlen(value)};
   text.skipSpace();
   const bool isNegative = text.first() == '-';
   if (isNegative || text.first() == '+') text.skip(1);
-  const std::uint64_t magnitude = takeDigits(text, 10);
+  const std::uint64_t magnitude = parseDigits(text, 10);
   if (magnitude > kMost) return kMost;
   const auto number = static_cast<std::uint32_t>(magnitude);
   return isNegative ? 0 - number : number;
@@ -53,10 +59,11 @@ std::uint32_t unsignedOf(const char* value) noexcept {
 
 char readEscape(Span& text) noexcept {
   const char c = text.first();
-  // "\8" and "\9" are no octal digits: NUL, with nothing consumed. Keep.
-  if (isAsciiDigit(c)) return takeCharacterNumber(text, 8);
+  // Intentional: the documented result for "\8" and "\9", which begin no octal number, is NUL, and the digit
+  // is not consumed.
+  if (isAsciiDigit(c)) return parseCharacterCode(text, 8);
   text.skip(1);
-  if (c == 'x') return takeCharacterNumber(text, 16);
+  if (c == 'x') return parseCharacterCode(text, 16);
   const char named = namedEscape(c);
   return named != '\0' ? named : c;
 }
@@ -66,7 +73,8 @@ char readQuotedCharacter(Span& text) noexcept {
   char c = text.first();
   text.skip(1);
   if (c == '\\') c = readEscape(text);
-  // Whatever stands in the place of the closing quote is skipped. Keep.
+  // Intentional: as documented, the cursor moves past the character in the place of the closing quote,
+  // whatever it is.
   text.skip(1);
   return c;
 }
@@ -75,22 +83,23 @@ void convert(const char* text, const char*& value) noexcept {
   value = text;
 }
 void convert(const char* text, int& value) noexcept {
-  value = vel_atol32(text);
+  value = parseInt32(text);
 }
 void convert(const char* text, long& value) noexcept {
-  value = vel_atol32(text);
+  value = parseInt32(text);
 }
 void convert(const char* text, unsigned int& value) noexcept {
-  value = unsignedOf(text);
+  value = parseUnsigned(text);
 }
 void convert(const char* text, unsigned long& value) noexcept {
-  value = unsignedOf(text);
+  value = parseUnsigned(text);
 }
 void convert(const char* text, char& value) noexcept {
   value = *text == '\'' ? velIniFileGetQuotedCharacter(text) : *text;
 }
 void convert(const char* text, bool& value) noexcept {
-  // The value is looked for in the tokens: "", "N" and "E|Y" are true as well. Keep.
+  // Intentional: the documented result is that of a search for the value in the list of tokens, so "", "N"
+  // and "E|Y" are true as well.
   value = velStrFind(VelClIniFile::getStringAllTrueTokens(), text, true) != nullptr;
 }
 
@@ -100,6 +109,7 @@ namespace {
 
 using vel::inifile::Span;
 
+/// Runs a reader of spans on a NUL-terminated string, and moves the caller's cursor as far as it read.
 char readWith(char (*read)(Span&) noexcept, const char*& cursor) {
   Span text{cursor, cursor + std::strlen(cursor)};
   const char c = read(text);

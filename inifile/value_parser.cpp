@@ -1,17 +1,29 @@
-// Reads a value: plain text, quoted strings, character literals and variables, up to its comment.
+// Parses a value up to its comment. A value is a sequence of parts, and their texts are concatenated:
+//
+//   dir = $(HOME)/"my files; all" '\t' end ; where they are
+//
+//   $(NAME)     a variable of the environment; without one of that name the part is empty
+//   "string"    escapes are resolved, and ";" has no meaning
+//   'c'         one character, which may be an escape
+//   otherwise   plain text; white space around the whole value is trimmed, but never inside another part
+//   ;           ends the value and begins the comment
+//
+// The buffer in OptionText bounds the result. Escapes are value_characters.cpp's work.
+#include "inifile/value_parser.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
 
-#include "inifile/option_text.h"
-#include "inifile/text_rules.h"
+#include "inifile/value_characters.h"
 #include "platform/environment.h"
 
 namespace vel::inifile {
 
 namespace {
 
-/// Most of a file's bytes pass through this question.
+/// The characters that end plain text. Most bytes of a file are tested, so a table look-up replaces four
+/// comparisons.
 constexpr auto kSpecial = [] {
   std::array<bool, 256> table{};
   for (const char c : {';', '"', '\'', '$'}) table[static_cast<unsigned char>(c)] = true;
@@ -19,6 +31,7 @@ constexpr auto kSpecial = [] {
 }();
 constexpr auto isSpecial = [](char c) { return kSpecial[static_cast<unsigned char>(c)]; };
 
+/// One pass over one line. `text_` is what is left of it.
 class ValueParser {
  public:
   ValueParser(Span text, OptionText& option) noexcept
@@ -28,7 +41,7 @@ class ValueParser {
   }
 
   ValuePlace parse() {
-    while (!text_.isEmpty() && *text_.begin != ';') takePiece();
+    while (!text_.isEmpty() && *text_.begin != ';') parsePiece();
     option_.trimValue(shortest_);
     endRaw();
     Span comment = text_;
@@ -39,29 +52,32 @@ class ValueParser {
   }
 
  private:
-  void takePiece() {
+  /// Dispatches on the first character, of which there is one, and consumes at least that: so parse() ends.
+  void parsePiece() {
     const char c = *text_.begin;
-    if (c == '"') return protect(&ValueParser::takeString);
-    if (c == '\'') return protect(&ValueParser::takeCharacter);
+    if (c == '"') return parseProtected(&ValueParser::parseString);
+    if (c == '\'') return parseProtected(&ValueParser::parseCharacter);
     if (c == '$' && text_.length() > 1 && text_.begin[1] == '(' && text_.find(')') != nullptr)
-      return protect(&ValueParser::takeVariable);
-    takePlain();
+      return parseProtected(&ValueParser::parseVariable);
+    parsePlain();
   }
 
-  /// What a piece gives is not trimmed.
-  void protect(void (ValueParser::*take)()) {
-    (this->*take)();
+  /// Parses a part whose text must survive trimming, white space at its end included.
+  void parseProtected(void (ValueParser::*parsePart)()) {
+    (this->*parsePart)();
     shortest_ = option_.valueLength();
     raw_.end = text_.begin;
   }
 
-  void takePlain() noexcept {
+  void parsePlain() noexcept {
+    // The search begins at the second character: the first one may be a "$" that begins no variable.
     const char* const end = std::find_if(text_.begin + 1, text_.end, isSpecial);
     option_.addToValue(text_.begin, static_cast<std::size_t>(end - text_.begin));
     text_.begin = end;
   }
 
-  void takeString() noexcept {
+  /// A string without a closing quote extends to the end of the line.
+  void parseString() noexcept {
     text_.skip(1);
     while (!text_.isEmpty() && *text_.begin != '"') {
       const char* const end =
@@ -75,21 +91,23 @@ class ValueParser {
     text_.skip(1);
   }
 
-  void takeCharacter() noexcept { option_.addToValue(readQuotedCharacter(text_)); }
+  void parseCharacter() noexcept { option_.addToValue(readQuotedCharacter(text_)); }
 
-  void takeVariable() {
+  void parseVariable() {
     text_.skip(2);
     const Span name{text_.begin, text_.find(')')};
     text_.begin = name.end + 1;
-    // A name longer than the variables' classes hold is one all the same.
+    // The environment is asked directly, because the classes for variables cut long names: a variable with
+    // the cut name is a different one.
     char terminated[kMaxLineLength + 1] = {};
     std::memcpy(terminated, name.begin, std::min(name.length(), kMaxLineLength));
+    // No variable can have an empty name or one with "=".
     const bool isName = *terminated != '\0' && std::strchr(terminated, '=') == nullptr;
     const char* const value = isName ? platform::environmentValue(terminated) : nullptr;
     if (value != nullptr) option_.addToValue(value, std::strlen(value));
   }
 
-  /// Behind the last character that is no white space, or the last protected piece.
+  /// Ends the raw value after its last character that is not white space, but not within a protected part.
   void endRaw() noexcept {
     const char* end = text_.begin;
     while (end != raw_.end && isSpace(end[-1])) --end;
@@ -98,8 +116,8 @@ class ValueParser {
 
   Span text_;
   OptionText& option_;
-  std::size_t shortest_;  ///< what trimming leaves of the value
-  Span raw_;
+  std::size_t shortest_;  ///< trimming keeps this many characters: those of earlier lines and protected parts
+  Span raw_;              ///< the value as written; the editor replaces it
 };
 
 }  // namespace

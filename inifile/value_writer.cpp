@@ -1,4 +1,6 @@
-// Values in the form of a file's lines, with every character that means something escaped.
+// Writes values for the editor, in a form that value_parser.cpp reads back unchanged: without quotes where
+// possible, otherwise as one string with escapes. VelClIniFileSave has a simpler form of its own, see
+// ini_file_save.cpp.
 #include "inifile/value_writer.h"
 
 #include <cstring>
@@ -10,6 +12,8 @@ namespace vel::inifile {
 
 namespace {
 
+/// Whether the parser would trim a part of the bare value, end it at a comment or replace a part of it. A
+/// backslash alone needs no quotes: outside of them it is an ordinary character.
 bool needsQuotes(const char* value) noexcept {
   const std::size_t length = std::strlen(value);
   if (length == 0) return false;
@@ -19,13 +23,15 @@ bool needsQuotes(const char* value) noexcept {
   return false;
 }
 
-/// A digit behind the number would belong to it, so the string is begun anew.
+/// Writes a control character as its number. The parser consumes every hexadecimal digit that follows, so
+/// before such a digit the string is closed and a new one begun, "\x01""A", which the parser concatenates.
 void writeNumber(String& out, char c, char next) {
   const auto digits = hexPair(static_cast<unsigned char>(c), kLowerHexDigits);
   out.append("\\x").append(digits.data(), digits.size());
   if (isHexDigit(next)) out += "\"\"";
 }
 
+/// Writes one character of a string. `next` is the one after it.
 void writeQuoted(String& out, char c, char next) {
   constexpr const char* kNamed = "\a\b\t\n\v\f\r\\\"";
   constexpr const char* kNames = "abtnvfr\\\"";

@@ -1,11 +1,11 @@
-// Writes a value so that the parser reads it back.
+// Writes a value so that the parser reads it back unchanged.
 #pragma once
 
 #include "foundation/allocator.h"
 
 namespace vel::inifile {
 
-/// Appends the value, between double quotes if it needs them or `quoted` asks for them.
+/// Appends the value, in double quotes if it needs them or `quoted` is true.
 void writeValue(String& out, const char* value, bool quoted);
 
 }  // namespace vel::inifile

@@ -1,3 +1,6 @@
+// The common part of the tools that have texts of their own. Those texts are tables in each tool's texts.h,
+// so that a tool needs no catalog file; only trcctl has its texts in the library's catalog and does without
+// this class.
 #include "tools/catalog_tool.h"
 
 #include <cstring>
@@ -7,6 +10,7 @@ namespace vel::tools {
 
 namespace {
 
+/// The ids that the tables of all tools share; 0 and 1 are the signature and the name.
 enum FirstTexts : unsigned long { kTitle = 2, kDescription, kUsage, kHelp };
 
 }  // namespace

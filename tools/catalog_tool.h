@@ -1,4 +1,4 @@
-// What tools with texts of their own do alike: the first texts, reports, and arguments without a switch.
+// The common part of the tools that have texts of their own: title and usage, reports, and free arguments.
 #pragma once
 
 #include <string>
@@ -8,30 +8,34 @@
 
 namespace vel::tools {
 
-/// Stands for "-", which the switches' grammar takes for a switch without a name. Compare the pointers.
+/// Replaces the argument "-" by pointer: on the command line "-" would count as a switch without a name.
+/// Compare the pointers, because a file may have this name.
 extern const char* const kStandardStream;
 
-/// The command line with kStandardStream for every "-".
+/// Returns the command line with kStandardStream for every "-". The other arguments are not copied.
 std::vector<const char*> withStandardStream(int argc, const char* const* argv);
 
-/// The console user interface of a tool. Its string table begins, behind signature and name, with title,
-/// description, usage and help.
+/// The console user interface of a tool. Its string table, which is not copied, begins with a signature and a
+/// name, followed by title, description, usage and help.
 class CatalogTool : public VelClConsoleUI {
  public:
   CatalogTool(int argc, const char* const* argv, const char* const* texts, unsigned long count)
       : VelClConsoleUI(argc, argv), texts_(texts, count) {}
 
   const VelClMessageCatalog& getMessageCatalog() const override { return texts_; }
+  /// Returns a text of the tool's own.
   std::string text(unsigned long id) const;
-  /// An error on standard error.
+  /// Reports an error on standard error and returns.
   void report(unsigned long id, const char* argument = nullptr) const;
 
  protected:
-  /// Checks the command line. Standard output is for what was asked for: the title goes to standard error.
+  /// Shows the title and checks the command line against the usage; a mistake ends the process. The title
+  /// goes to standard error, since standard output is for the data that the user asked for.
   void begin();
-  /// Ends the process for a command line that the usage string alone cannot refuse.
+  /// Reports a mistake in the command line that the check against the usage cannot find, shows the usage and
+  /// ends the process.
   [[noreturn]] void refuse(unsigned long id, const char* argument = nullptr) const;
-  /// The arguments that belong to no switch.
+  /// Returns the arguments that are neither switches nor values of switches.
   std::vector<const char*> freeArguments() const;
 
  private:

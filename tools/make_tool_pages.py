@@ -2,7 +2,7 @@
 """Makes a tool's manual page and its completion for bash out of the tool's own usage string and help text.
 
     make_tool_pages.py --tool NAME --version VERSION --man FILE --completion FILE
-    make_tool_pages.py --tool NAME --version VERSION --check COMMAND...   what the tool itself answers is the same
+    make_tool_pages.py --tool NAME --version VERSION --check COMMAND...   fails unless the tool answers the same
 """
 import argparse
 import pathlib
@@ -39,7 +39,7 @@ def roff(text):
 
 
 def options(lines):
-    """Each option of the help text: what stands in front of two blanks, and the text behind them."""
+    """Returns each option of the help text as a pair: the text before two blanks, and the text after them."""
     found = []
     for line in lines:
         term, _, text = line.partition("  ")

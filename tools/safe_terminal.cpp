@@ -1,3 +1,6 @@
+// Replaces control characters in the output to a terminal. The decision is made byte by byte, without
+// decoding: U+0080 to U+009F are C2 80 to C2 9F in UTF-8, so it is enough to remember the byte before, also
+// where the text is ill-formed.
 #include "tools/safe_terminal.h"
 
 #include <algorithm>
@@ -14,10 +17,10 @@ namespace {
 constexpr int kStandardOutput = 1;
 constexpr int kStandardError = 2;
 
-/// Control characters that only move on, or beep.
+/// The control characters that only move the cursor on, or ring the bell.
 constexpr std::string_view kHarmless = "\a\t\n\r";
 
-/// In UTF-8 the first byte of U+0080 to U+009F, whose second byte is that number.
+/// The first byte of U+0080 to U+009F in UTF-8. The second byte has the number of the character.
 constexpr char kFirstOfTwo = '\xC2';
 
 }  // namespace
@@ -36,6 +39,7 @@ SafeBuffer::int_type SafeBuffer::overflow(int_type c) {
 }
 
 std::streamsize SafeBuffer::xsputn(const char* text, std::streamsize size) {
+  // Copied in pieces, because the caller's text is const and the target should not get single characters.
   std::array<char, 512> part;
   for (std::streamsize done = 0; done < size;) {
     const std::streamsize count = std::min<std::streamsize>(size - done, part.size());

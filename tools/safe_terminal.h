@@ -1,5 +1,6 @@
-// What tools show on a terminal does not control it. Texts come from catalogs, which anybody may have made;
-// in files and pipes they stay as they are.
+// Keeps texts from controlling the terminal that shows them. Tools show texts from files and catalogs that
+// anybody may have written, and an escape sequence in one could rewrite the screen or the title of its
+// window. Output to files and pipes is not changed.
 #pragma once
 
 #include <memory>
@@ -8,8 +9,9 @@
 
 namespace vel::tools {
 
-/// Passes characters on, with "?" for each that could begin or end a command of a terminal: the control
-/// characters of ASCII and, in UTF-8, those from U+0080 to U+009F. Line breaks, tabs and the beep pass.
+/// Passes characters to another buffer, with "?" for each one that could begin or end a control sequence of a
+/// terminal: the control characters of ASCII and, in UTF-8, U+0080 to U+009F. Line breaks, tabs and the bell
+/// pass.
 class SafeBuffer : public std::streambuf {
  public:
   explicit SafeBuffer(std::streambuf* target) : target_(target) {}
@@ -20,13 +22,14 @@ class SafeBuffer : public std::streambuf {
   int sync() override { return target_->pubsync(); }
 
  private:
+  /// Returns the character to show. Remembers `c`, since a UTF-8 character may be split over two calls.
   char safe(char c);
 
   std::streambuf* target_;
   char previous_ = '\0';
 };
 
-/// Until its end standard output and standard error are safe, where they are terminals.
+/// While this object lives, std::cout and std::cerr pass through a SafeBuffer where they are terminals.
 class SafeTerminal {
  public:
   SafeTerminal();

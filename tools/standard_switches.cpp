@@ -1,4 +1,6 @@
-// --help and --version, in the manner of other systems' tools: on standard output, with exit code 0.
+// Answers --help and --version the way users of POSIX systems expect it: on standard output, with exit code
+// 0, and whatever else is on the command line. The library's own -h differs: it goes with the title and ends
+// with 201. The manual pages are made from the same texts, see make_tool_pages.py.
 #include "tools/standard_switches.h"
 
 #include <cstring>
@@ -21,6 +23,7 @@ void writeHelp(const ToolTexts& texts) {
 
 }  // namespace
 
+/// Not done through the console user interface, which would refuse "--help" as an unknown switch.
 bool answerStandardSwitches(int argc, const char* const* argv, const ToolTexts& texts) {
   for (int i = 1; i < argc; ++i) {
     if (std::strcmp(argv[i], "--version") == 0) {

@@ -55,7 +55,7 @@ class Variables {
 /// Converts a number of kilobytes to a buffer size within the limits. Intentional: computed with 32 bits and
 /// compared as signed, so negative numbers and those from 2 GiB on give the smallest buffer.
 std::uint32_t bufferSizeFrom(const char* kilobytes) {
-  const auto bytes = static_cast<std::int32_t>(static_cast<std::uint32_t>(vel::vel_atol32(kilobytes)) << 10);
+  const auto bytes = static_cast<std::int32_t>(static_cast<std::uint32_t>(vel::parseInt32(kilobytes)) << 10);
   return static_cast<std::uint32_t>(std::clamp(bytes, kSmallestBuffer, kLargestBuffer));
 }
 

@@ -26,7 +26,7 @@ bool startsWithIgnoringCase(const char* text, const char* name) {
 }
 
 std::uint32_t parseNumber(const char* text) {
-  return text == nullptr ? 0 : static_cast<std::uint32_t>(vel::vel_atol32(text));
+  return text == nullptr ? 0 : static_cast<std::uint32_t>(vel::parseInt32(text));
 }
 
 /// The item of a component list that is being parsed: "10.20" has low 10 and high 20.
@@ -86,7 +86,7 @@ void VelClTraceFilter::enableComponentIds(const char* list) {
   };
   while (*list != '\0') {
     if (vel::isAsciiDigit(*list)) {
-      (item.readsHigh ? item.high : item.low) = vel::vel_strtoul32(list, &list);
+      (item.readsHigh ? item.high : item.low) = vel::parseUint32(list, &list);
       continue;
     }
     switch (*list++) {

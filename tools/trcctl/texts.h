@@ -1,4 +1,4 @@
-// The numbers of the controller's texts among the library's messages.
+// The numbers of trcctl's texts among the library's messages.
 #pragma once
 
 namespace vel::trcctl {
@@ -49,7 +49,7 @@ enum TextId : unsigned long {
   kInvalidData = 199
 };
 
-/// Not in the catalog: every tool says this alike.
+/// Not in the catalog, because all tools report this in the same words.
 inline constexpr char kNotWritten[] = "The output could not be written";
 
 }  // namespace vel::trcctl

@@ -1,4 +1,6 @@
-// Shows the state of a trace.
+// Shows the state of a trace: its settings and filter, or the summary after a display. The labels are
+// messages of the library's catalog, so they follow the language of the user. Reading the trace is the
+// library's work.
 #include "tools/trcctl/trace_status.h"
 
 #include <charconv>
@@ -12,7 +14,8 @@ namespace {
 
 constexpr unsigned short kLastComponent = 255;
 
-/// The component ids that a filter passes, or shuts out, as a list that a filter takes.
+/// Returns the component ids that a filter passes, or those that it excludes, as a list that a filter can be
+/// set by: "1,3.7" is 1 and 3 to 7.
 std::string listComponents(const VelClTraceFilter& filter, bool passed) {
   std::string list;
   for (unsigned short id = 1; id <= kLastComponent; ++id) {
@@ -26,7 +29,7 @@ std::string listComponents(const VelClTraceFilter& filter, bool passed) {
   return list;
 }
 
-/// "*" stands for any.
+/// A filter has 0 for any id; it is shown as "*".
 std::string idText(unsigned int id) {
   return id == 0 ? "*" : std::to_string(id);
 }
@@ -65,6 +68,7 @@ void showStatus(const VelClConsoleUI& ui, const VelClTraceInstance& trace) {
 
 void showResult(const VelClConsoleUI& ui, const VelClTraceEnvironment& environment,
                 const VelClTraceFormatter& formatter) {
+  // to_chars ignores the locale, so the decimal point is the same everywhere.
   char rate[32] = {};
   std::to_chars(rate, rate + sizeof rate - 1, environment.getCompressionRate(), std::chars_format::fixed, 2);
   ui.format(kTraceFile, environment.getFilename().getAsCString());

@@ -1,4 +1,4 @@
-// What the controller tells about a trace, in aligned lines on the console's output stream.
+// Shows the state of a trace in aligned lines on the output stream of the console user interface.
 #pragma once
 
 #include "vel_include/vel_consoleui.h"
@@ -6,10 +6,10 @@
 
 namespace vel::trcctl {
 
-/// The trace's settings and the filter of what it shows.
+/// Shows the settings of a trace and its filter.
 void showStatus(const VelClConsoleUI& ui, const VelClTraceInstance& trace);
 
-/// What a display of the trace found.
+/// Shows a summary after the entries of a trace were displayed.
 void showResult(const VelClConsoleUI& ui, const VelClTraceEnvironment& environment,
                 const VelClTraceFormatter& formatter);
 

@@ -1,11 +1,15 @@
-// trcctl: shows the settings of a trace, or what its file holds.
+// trcctl: shows the settings of a trace, or the entries of its file.
+//
+// The tool attaches to a trace in the controller mode of the library, which is for programs that read one.
+// Its texts, the names of its switches included, are messages of the library's catalog. Formatting entries is
+// the library's work, showing settings trace_status.cpp's.
 #include <algorithm>
 #include <cstring>
 #include <iostream>
 #include <string>
 
-#include "tools/run_tool.h"
 #include "tools/standard_switches.h"
+#include "tools/tool_main.h"
 #include "tools/trcctl/texts.h"
 #include "tools/trcctl/trace_status.h"
 #include "vel_include/vel_consoleui.h"
@@ -23,13 +27,14 @@ constexpr int kExitNotWritten = 3;
 constexpr int kExitNoTrace = 4;
 constexpr int kStandardOutput = 1;
 
-/// The library's own catalog, or what is built in where that is not installed.
+/// Attaches the built-in texts if the library's own catalog is not installed.
 void attachTexts(VelClMessageCatalog& catalog) {
   unsigned long size = 0;
   const char* const* const table = velMsgCatGetBuiltInTable(&size);
   if (!catalog.isValid()) catalog.useStringTable(table, size);
 }
 
+/// The message and the exit code for a failure of the formatter.
 struct Fault {
   TextId text;
   int exitCode;
@@ -60,8 +65,8 @@ class Tool {
   const char* optional(TextId name, const char* otherwise) const;
   VelClTraceInstance& createTrace() const;
   static void reportInitialization(std::string key);
-  void takeFile(VelClTraceEnvironment& environment) const;
-  void takeFilter(VelClTraceSettings& settings) const;
+  void selectFile(VelClTraceEnvironment& environment) const;
+  void applyFilter(VelClTraceSettings& settings) const;
   void display(const VelClTraceEnvironment& environment) const;
 
   VelClConsoleUI ui_;
@@ -74,7 +79,7 @@ void Tool::end(TextId text, const char* argument, int exitCode) const {
   ui_.fatal(exitCode, VelClMessage(ui_.getMessageCatalog(), text).getAsCString(), argument);
 }
 
-/// The value of a switch that need not be given.
+/// Returns the value of a switch, or `otherwise` if it is not given.
 const char* Tool::optional(TextId name, const char* otherwise) const {
   ui_.hasArgString(name, otherwise);
   return otherwise;
@@ -86,15 +91,15 @@ void Tool::run() {
   ui_.handleUsageHelp(kUsage, kHelp);
   VelClTraceInstance& trace = createTrace();
   VelClTraceEnvironment& environment = trace.getEnvironment();
-  takeFilter(environment.getSettings());
+  applyFilter(environment.getSettings());
   ui_.hasArgString(kSwitchFormat, format_);
   ui_.hasArgString(kSwitchIndentation, indentation_);
-  takeFile(environment);
+  selectFile(environment);
   if (ui_.hasArgSwitch(kSwitchDisplay)) {
     display(environment);
     return;
   }
-  // The page is what was asked for, in quiet mode, too.
+  // The status is the data that the user asked for, so it goes to standard output, in quiet mode as well.
   ui_.getParams().forceOutputStream(std::cout);
   showStatus(ui_, trace);
 }
@@ -106,6 +111,7 @@ VelClTraceInstance& Tool::createTrace() const {
   const char* const instance = optional(kSwitchInstance, nullptr);
   if (instance != nullptr && *instance == '\0') end(kInvalidInstance, nullptr, kExitNoTrace);
   const bool verbose = ui_.hasArgSwitch(kSwitchVerbose);
+  // Before the trace is created, since the library reads its variables then.
   if (verbose) reportInitialization(key);
   VelClTraceInstance* const trace = VelClTraceInstance::createControllerInstance(key, instance);
   if (trace == nullptr) end(kNotInitialized, key, kExitNoTrace);
@@ -113,7 +119,8 @@ VelClTraceInstance& Tool::createTrace() const {
   return *trace;
 }
 
-/// The trace reports how it is set up only if its variable says so.
+/// Makes the library report how it initializes the trace. It does so only if a variable of the trace's key is
+/// set, so the tool sets it for its own process, with the key as the library spells it in names of variables.
 void Tool::reportInitialization(std::string name) {
   constexpr std::size_t kLongestVariableKey = 24;
   name.resize(std::min(name.size(), kLongestVariableKey));
@@ -122,20 +129,20 @@ void Tool::reportInitialization(std::string name) {
   VelClEnvironmentVariable((name + "_TRACE_VERBOSE").c_str(), "yes");
 }
 
-void Tool::takeFile(VelClTraceEnvironment& environment) const {
+void Tool::selectFile(VelClTraceEnvironment& environment) const {
   const char* const file = optional(kSwitchFile, nullptr);
-  // A name that is cut could be that of another file.
+  // A longer name would be cut, and could then be that of another file.
   if (file != nullptr && std::strlen(file) > VEL_MAX_PATH_LENGTH) end(kFileNotReadable, file, kExitNoFile);
   if (file != nullptr) environment.setFilename(file);
   const VelClFilename& name = environment.getFilename();
   if (name.getLength() == 0) end(kFileNotIdentified, nullptr, kExitNoFile);
   if (name.isExistent()) return;
   if (file != nullptr) end(kFileNotFound, file, kExitNoFile);
-  // A trace without a file yet has a status all the same.
+  // A trace that has no file yet has a status to show, but no entries.
   if (ui_.hasArgSwitch(kSwitchDisplay)) end(kFileNotIdentified, name.getAsCString(), kExitNoFile);
 }
 
-void Tool::takeFilter(VelClTraceSettings& settings) const {
+void Tool::applyFilter(VelClTraceSettings& settings) const {
   const char* value = nullptr;
   if (ui_.hasArgString(kSwitchDetail, value)) settings.setDetailLevel(value);
   if (ui_.hasArgString(kSwitchComponents, value)) settings.initComponentIds(value);
@@ -158,37 +165,37 @@ void Tool::display(const VelClTraceEnvironment& environment) const {
   try {
     formatter.format(std::cout);
   } catch (const VelClException& exception) {
-    vel::tools::passOutOfMemory(exception);
+    vel::tools::rethrowIfOutOfMemory(exception);
     const Fault fault = faultOf(exception);
     end(fault.text, environment.getFilename().getAsCString(), fault.exitCode);
   }
+  // No summary follows output that could not be written; toolMain reports that.
   if (std::cout.flush()) showResult(ui_, environment, formatter);
 }
 
-int run(int argc, char** argv) {
+}  // namespace
+
+const char* const vel::tools::kToolName = "trcctl";
+
+int vel::tools::toolMain(int argc, char** argv) {
   velFileSetBinaryMode(kStandardOutput, true);
+  // The help needs its texts before there is a console user interface.
   VelClMessageCatalog texts;
   attachTexts(texts);
   const VelClMessage title(texts, kTitle);
   const VelClMessage usage(texts, kUsage);
   const VelClMessage help(texts, kHelp);
   if (vel::tools::answerStandardSwitches(
-          argc, argv, {"trcctl", title.getAsCString(), usage.getAsCString(), help.getAsCString()}))
+          argc, argv, {kToolName, title.getAsCString(), usage.getAsCString(), help.getAsCString()}))
     return std::cout.flush() ? 0 : kExitNotWritten;
   Tool tool(argc, argv);
   try {
     tool.run();
   } catch (const VelClException& exception) {
-    vel::tools::passOutOfMemory(exception);
+    vel::tools::rethrowIfOutOfMemory(exception);
     tool.end(kNotInitialized, nullptr, kExitNoTrace);
   }
   if (std::cout.flush()) return 0;
   tool.reportOutputFailure();
   return kExitNotWritten;
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-  return vel::tools::runTool("trcctl", argc, argv, run);
 }

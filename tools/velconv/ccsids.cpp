@@ -1,3 +1,5 @@
+// Parses CCSIDs as users write them: "37", "CP850", "ccsid1208", or a name that the library knows, such as
+// "UTF-8". Lists those of the library by trying all numbers, since its table is not public.
 #include "tools/velconv/ccsids.h"
 
 #include <charconv>
@@ -31,7 +33,8 @@ std::string propertiesOf(const VelClCCSID& ccsid) {
   return properties.empty() ? "-" : properties;
 }
 
-/// The text behind a prefix that it has in any letter case; else all of it.
+/// Returns the text without a prefix, which is compared in any case and given in lower case. A text without
+/// the prefix is returned as it is.
 std::string_view without(std::string_view prefix, std::string_view text) {
   const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
   if (text.size() < prefix.size()) return text;
@@ -48,11 +51,12 @@ bool parseCcsid(const char* text, VelClCCSID& ccsid) {
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
   const bool isNumber = error == std::errc() && end == digits.data() + digits.size() && number >= 0;
   ccsid = isNumber ? VelClCCSID(number) : VelClCCSID(text);
+  // The library accepts digits with other characters after them; here "37x" is a mistake.
   return ccsid.isValid() && (isNumber || text[0] < '0' || text[0] > '9');
 }
 
 void listCcsids(std::ostream& out) {
-  // The row without a number is none of the valid ones.
+  // 0 has a row in the table, but does not count as valid.
   for (int number = 0; number <= kLargest; ++number) {
     const VelClCCSID ccsid(number);
     if (number != 0 && !ccsid.isValid()) continue;

@@ -1,4 +1,4 @@
-// CCSIDs as users name them, and the list of all of them.
+// Parses CCSIDs as users write them, and lists all of them.
 #pragma once
 
 #include <iosfwd>
@@ -7,11 +7,12 @@
 
 namespace vel::velconv {
 
-/// From the number in decimal digits, also behind "CP" or "CCSID", or from a name, in any letter case. False
-/// when that is no CCSID of the table.
+/// Parses a decimal number, optionally after "CP" or "CCSID", or a name, in any case. Returns false if it is
+/// not a CCSID of the table.
 bool parseCcsid(const char* text, VelClCCSID& ccsid);
 
-/// A line each, with tabs between: number, name, properties, way to UCS-2, way from there.
+/// Writes a line for each CCSID, separated by tabs: number, name, properties, route to UCS-2, route from
+/// UCS-2.
 void listCcsids(std::ostream& out);
 
 }  // namespace vel::velconv

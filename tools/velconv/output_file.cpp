@@ -1,3 +1,5 @@
+// Writes the converted bytes. A failure is an exception, because it arrives in the middle of a conversion,
+// through a sink whose functions return nothing.
 #include "tools/velconv/output_file.h"
 
 #include "platform/byte_files.h"

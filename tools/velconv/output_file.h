@@ -1,4 +1,4 @@
-// Where the converted bytes go: to standard output as they come, or to a file that is replaced at the end.
+// The target of the converted bytes: standard output, or a file that is replaced at the end.
 #pragma once
 
 #include "platform/replacing.h"
@@ -6,19 +6,21 @@
 
 namespace vel::velconv {
 
-/// Thrown when the output cannot be written; nothing goes on after that.
+/// Thrown when the output cannot be written. The tool reports it and ends.
 struct OutputFailure {};
 
 class OutputFile : public VelClConversionSink {
  public:
-  /// Null is standard output.
+  /// Begins a file beside the one of this name; null is standard output. Throws OutputFailure.
   explicit OutputFile(const char* name);
-  /// A file that was not finished stays as it was.
+  /// Drops what was written unless it was finished; the old file stays as it was.
   ~OutputFile() override;
 
+  /// Throws OutputFailure.
   void write(const char* bytes, std::size_t size) override;
+  /// Replaces the old file. Throws OutputFailure, and then the old file stays.
   void finish();
-  /// Afterwards: whether owner and permissions are those of the file that was replaced.
+  /// After finish: whether the file has the owner and the permissions of the one that it replaced.
   bool keepsRights() const { return replacement_.keepsRights; }
 
  private:

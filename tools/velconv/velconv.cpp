@@ -1,4 +1,9 @@
 // velconv: converts text between code pages.
+//
+// Files are converted in chunks, one after the other and into one output. An output file replaces the old one
+// only after the last of them, so a conversion that stops leaves the old file in place. Conversion, and what
+// becomes of characters that cannot be converted, is the work of the library's strict conversion; the tool
+// reports.
 #include <cstring>
 #include <iostream>
 #include <optional>
@@ -9,8 +14,8 @@
 #include "platform/byte_files.h"
 #include "platform/replacing.h"
 #include "tools/catalog_tool.h"
-#include "tools/run_tool.h"
 #include "tools/standard_switches.h"
+#include "tools/tool_main.h"
 #include "tools/velconv/ccsids.h"
 #include "tools/velconv/output_file.h"
 #include "tools/velconv/texts.h"
@@ -34,8 +39,9 @@ class Tool : public vel::tools::CatalogTool {
  public:
   Tool(int argc, const char* const* argv) : CatalogTool(argc, argv, kTexts, kTextEnd), chunk_(kChunkSize) {}
 
-  /// The exit code.
+  /// Returns the exit code.
   int run();
+  /// Reports an error and returns the exit code for it.
   int fail(TextId id) const;
 
  private:
@@ -46,8 +52,8 @@ class Tool : public vel::tools::CatalogTool {
   int convertAll();
   bool convert(const char* file, OutputFile& output);
   bool convertBytes(int descriptor, OutputFile& output);
-  void tellFirstFault(const char* file) const;
-  void tellCounts(const char* file) const;
+  void reportFirstFault(const char* file) const;
+  void reportCounts(const char* file) const;
 
   std::vector<char> chunk_;
   std::optional<Conversion> conversion_;
@@ -93,6 +99,7 @@ VelClCCSID Tool::ccsidOf(const char* switchName) const {
 }
 
 Conversion::VelEnPolicy Tool::policy() const {
+  // In the order of the enumeration.
   constexpr const char* kNames[] = {"stop", "skip", "replace", "escape"};
   const char* name = kNames[0];
   hasArgString("policy", name);
@@ -115,26 +122,28 @@ int Tool::convertAll() {
   return isClean ? 0 : kExitChanged;
 }
 
-/// False when nothing more can be converted.
+/// Converts one file and reports on it. Returns false if the conversion cannot go on with the next one.
 bool Tool::convert(const char* file, OutputFile& output) {
   const bool isInput = file == kStandardStream;
   vel::platform::ReadableFile opened;
   if (!isInput && opened.open(file, vel::platform::PipeWithoutWriter::Await) != 0)
     return report(kNotOpened, file), false;
   const int descriptor = isInput ? vel::platform::kStandardInput : opened.descriptor();
-  // A terminal that shows the output has no place for a progress bar.
+  // A progress bar would mix with output that is shown on the same terminal.
   const bool isShown = output_ == nullptr && vel::platform::isTerminal(vel::platform::kStandardOutput);
+  // The size of a pipe is not known, so there is no progress bar for it.
   const std::uint64_t expected = isShown ? 0 : vel::platform::bytesLeft(descriptor);
   if (expected > 0) progressStart(expected, file);
   const bool isRead = convertBytes(descriptor, output);
   progressStop();
   if (!isRead) report(kNotRead, file);
-  if (conversion_->getFaultCount() != 0) tellFirstFault(file);
-  if (counts_) tellCounts(file);
+  if (conversion_->getFaultCount() != 0) reportFirstFault(file);
+  if (counts_) reportCounts(file);
   return isRead && !conversion_->hasStopped();
 }
 
-/// False when not everything could be read.
+/// Converts the bytes of one file. Returns false if not all of them could be read. Each file begins anew, so
+/// a character cannot extend from one file into the next.
 bool Tool::convertBytes(int descriptor, OutputFile& output) {
   conversion_->restart();
   std::size_t size = 0;
@@ -148,7 +157,9 @@ bool Tool::convertBytes(int descriptor, OutputFile& output) {
   return isRead;
 }
 
-void Tool::tellFirstFault(const char* file) const {
+/// Shows the bytes of an ill-formed sequence, or an unmappable character as "U+20AC", with offset, line and
+/// column.
+void Tool::reportFirstFault(const char* file) const {
   constexpr TextId kKinds[] = {kTextEnd, kInvalid, kIncomplete, kNotRepresentable};
   const Conversion::VelStFault& fault = conversion_->getFirstFault();
   std::string what;
@@ -156,6 +167,7 @@ void Tool::tellFirstFault(const char* file) const {
     const auto digits = vel::hexPair(fault.bytes[i]);
     what += {digits[0], digits[1], ' '};
   }
+  // Characters have four digits at least, and six beyond U+FFFF.
   for (int shift = fault.character > 0xFFFF ? 20 : 12; fault.character != 0 && shift >= 0; shift -= 4)
     what += vel::kUpperHexDigits[fault.character >> shift & 0xF];
   if (fault.character != 0) what = "U+" + what;
@@ -166,7 +178,7 @@ void Tool::tellFirstFault(const char* file) const {
         what.empty() ? nullptr : what.c_str());
 }
 
-void Tool::tellCounts(const char* file) const {
+void Tool::reportCounts(const char* file) const {
   const auto count = [this](Fault kind) { return std::to_string(conversion_->getFaultCount(kind)); };
   const VelClMessage counts(getMessageCatalog(), kCounts, std::to_string(conversion_->getOffset()).c_str(),
                             count(Fault::INVALID_SEQUENCE).c_str(), count(Fault::INCOMPLETE).c_str(),
@@ -174,12 +186,17 @@ void Tool::tellCounts(const char* file) const {
   std::cerr << file << ": " << counts << '\n';
 }
 
-int run(int argc, char** argv) {
+}  // namespace
+
+const char* const vel::tools::kToolName = "velconv";
+
+int vel::tools::toolMain(int argc, char** argv) {
+  // An interrupted conversion must not leave the unfinished file.
   vel::platform::removeUnfinishedOnSignals();
   velFileSetBinaryMode(vel::platform::kStandardInput, true);
   velFileSetBinaryMode(vel::platform::kStandardOutput, true);
   if (vel::tools::answerStandardSwitches(argc, argv,
-                                         {"velconv", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]}))
+                                         {kToolName, kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]}))
     return std::cout.good() ? 0 : kExitFailed;
   const std::vector<const char*> arguments = vel::tools::withStandardStream(argc, argv);
   Tool tool(argc, arguments.data());
@@ -188,14 +205,8 @@ int run(int argc, char** argv) {
   } catch (const OutputFailure&) {
     return tool.fail(kNotWritten);
   } catch (const VelClException& exception) {
-    vel::tools::passOutOfMemory(exception);
+    vel::tools::rethrowIfOutOfMemory(exception);
     tool.exception(exception, kTexts[kTitle]);
     tool.processExit(CONUI_USAGE);
   }
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-  return vel::tools::runTool("velconv", argc, argv, run);
 }

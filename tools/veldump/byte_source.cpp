@@ -1,4 +1,5 @@
-// The bytes of one file or of standard input.
+// Reads the bytes of one file or of standard input within a range. A file is positioned at the offset; a pipe
+// has to be read up to there. Opening a named pipe waits for a program that writes to it.
 #include "tools/veldump/byte_source.h"
 
 #include <algorithm>
@@ -15,9 +16,11 @@ ByteSource::ByteSource(const char* name) {
 
 bool ByteSource::narrow(const Range& range) {
   std::uint64_t toSkip = range.offset;
+  // Skipping stops at the end of a file, so the number of bytes is asked for before.
   const std::uint64_t known = platform::bytesLeft(descriptor_);
   if (toSkip > 0 && platform::skipBytes(descriptor_, toSkip)) toSkip -= std::min(toSkip, known);
-  // What cannot be skipped is read.
+  // The rest cannot be skipped and is read: all of it in a pipe, and in a file to notice that it ends too
+  // early.
   char dropped[4096];
   while (toSkip > 0) {
     const std::size_t count =

@@ -1,4 +1,4 @@
-// The bytes of one file or of standard input, within an offset and a length.
+// Reads the bytes of one file or of standard input, from an offset on and up to a length.
 #pragma once
 
 #include <cstddef>
@@ -16,20 +16,21 @@ struct Range {
 
 class ByteSource {
  public:
-  /// Null is standard input.
+  /// Opens a file; null is standard input.
   explicit ByteSource(const char* name);
   ByteSource(const ByteSource&) = delete;
   ByteSource& operator=(const ByteSource&) = delete;
   ~ByteSource() = default;
 
   bool isOpen() const { return file_.isOpen() || descriptor_ == platform::kStandardInput; }
-  /// Whether a read failed, which then looked like the end.
+  /// Whether a read failed. read() reports a failure like the end of the bytes.
   bool hasFailed() const { return failed_; }
-  /// Leaves out what is before the range and behind it. False when the bytes end before it.
+  /// Skips the bytes before the range and ends reading at its end. Returns false if the bytes end before it
+  /// begins.
   bool narrow(const Range& range);
-  /// How many bytes will come, as far as that is known before; else 0.
+  /// Returns how many bytes can be read, or 0 if that is not known in advance.
   std::uint64_t expectedBytes() const;
-  /// The next bytes, at least one; 0 at the end.
+  /// Reads the next bytes and returns their number, at least one; 0 at the end or after a failure.
   std::size_t read(void* buffer, std::size_t capacity);
 
  private:

@@ -1,5 +1,9 @@
-// Turns the lines of a dump back into bytes. Address and digits count; the characters on the right don't,
-// since whoever edits a dump by hand will not keep them up.
+// Parses the lines of a dump. Only address and digits count; the characters on the right are ignored, because
+// nobody who edits a dump by hand keeps them consistent. "__" is in the places of missing bytes, at the end
+// of a line only.
+//
+// A line "*" stands for repetitions of the line before it. How many there are follows from the address of the
+// next line, so a line of a few bytes can stand for terabytes. Therefore the number is limited.
 #include "tools/veldump/dump_parser.h"
 
 #include <algorithm>
@@ -28,8 +32,9 @@ bool isMissing(std::string_view group) {
 
 }  // namespace
 
+/// Decodes the digits of a line. Its form fixes the column of every digit, so nothing is searched for.
 template <typename Form>
-bool DumpParser::parseGroups(std::string_view text, Line& line) {
+bool DumpParser::decodeGroups(std::string_view text, Line& line) {
   using Layout = LineLayout<Form>;
   static_assert(Form::kBytes <= kMostBytes);
   if (text.size() <= Layout::kMark || text[Layout::kMark] != '|') return false;
@@ -45,17 +50,18 @@ bool DumpParser::parseGroups(std::string_view text, Line& line) {
   return line.count > 0;
 }
 
-bool DumpParser::parse(std::string_view text, Line& line) {
+bool DumpParser::decode(std::string_view text, Line& line) {
   constexpr std::size_t kLeastDigits = 8;
   const std::size_t digits = text.find(": ");
   if (digits == std::string_view::npos || digits < kLeastDigits) return false;
   if (!parseNumber(text.substr(0, digits), 16, line.address)) return false;
   const std::string_view groups = text.substr(digits + 2);
-  return groups.find(' ') == HexForm::kDigits ? parseGroups<HexForm>(groups, line)
-                                              : parseGroups<BinaryForm>(groups, line);
+  // Both forms differ in the number of digits of a byte, so the first blank tells which one it is.
+  return groups.find(' ') == HexForm::kDigits ? decodeGroups<HexForm>(groups, line)
+                                              : decodeGroups<BinaryForm>(groups, line);
 }
 
-/// A squeezed run consists of whole lines.
+/// Whether the line continues where the last one ended. After a "*" whole lines may be between the two.
 bool DumpParser::follows(const Line& line) const {
   if (!started_) return true;
   const std::uint64_t end = previous_.address + previous_.count;
@@ -63,6 +69,7 @@ bool DumpParser::follows(const Line& line) const {
   return line.address >= end && (line.address - end) % previous_.count == 0;
 }
 
+/// Writes the repetitions that a "*" stands for, up to the address of the next line.
 bool DumpParser::repeatUpTo(std::uint64_t address) {
   const std::uint64_t size = address - previous_.address - previous_.count;
   beyondLimit_ = size > repeatable_;
@@ -73,15 +80,16 @@ bool DumpParser::repeatUpTo(std::uint64_t address) {
   return true;
 }
 
-bool DumpParser::takeLine(std::string_view text) {
+bool DumpParser::parseLine(std::string_view text) {
   if (text.ends_with('\r')) text.remove_suffix(1);
   if (text == "*") {
+    // Only a full line can have been repeated.
     if (!started_ || squeezed_ || previous_.count != previous_.capacity) return false;
     squeezed_ = true;
     return true;
   }
   Line line;
-  if (!parse(text, line) || !follows(line)) return false;
+  if (!decode(text, line) || !follows(line)) return false;
   if (squeezed_ && !repeatUpTo(line.address)) return false;
   output_.append(reinterpret_cast<const char*>(line.bytes), line.count);
   previous_ = line;

@@ -1,4 +1,4 @@
-// Turns the lines of a dump, hexadecimal or binary, back into bytes.
+// Parses the lines of a hexadecimal or binary dump and writes the bytes that they show.
 #pragma once
 
 #include <cstddef>
@@ -11,15 +11,18 @@ namespace vel::veldump {
 
 class DumpParser {
  public:
-  /// `repeatable` is how many bytes a "*" may stand for; it counts down.
+  /// `repeatable` is the number of bytes that lines "*" may still stand for; it counts down. Both must
+  /// outlive the parser.
   DumpParser(OutputBuffer& output, std::uint64_t& repeatable) : output_(output), repeatable_(repeatable) {}
 
-  /// Takes one line without its line break. False when it is none, its address is not where the line
-  /// before ended, or a "*" before it stands for too many bytes; nothing of it is written then.
-  bool takeLine(std::string_view line);
-  /// Whether the last line was refused for the bytes that a "*" stands for.
+  /// Parses one line, given without its line break, and writes its bytes. Returns false, with none of them
+  /// written, if it is not a line of a dump, does not follow the line before it, or a "*" before it stands
+  /// for too many bytes.
+  bool parseLine(std::string_view line);
+  /// Whether the last line was refused because a "*" stands for too many bytes.
   bool isBeyondLimit() const { return beyondLimit_; }
-  /// Whether the dump can end here: not behind a "*".
+  /// Whether the dump can end here. After a "*" it cannot: only the next line tells how many bytes that
+  /// stands for.
   bool canEnd() const { return !squeezed_; }
 
  private:
@@ -27,14 +30,14 @@ class DumpParser {
 
   struct Line {
     std::uint64_t address = 0;
-    std::size_t capacity = 0;  ///< of a line of this form
+    std::size_t capacity = 0;  ///< bytes in a full line of this form
     std::size_t count = 0;
     std::uint8_t bytes[kMostBytes] = {};
   };
 
   template <typename Form>
-  static bool parseGroups(std::string_view text, Line& line);
-  static bool parse(std::string_view text, Line& line);
+  static bool decodeGroups(std::string_view text, Line& line);
+  static bool decode(std::string_view text, Line& line);
   bool follows(const Line& line) const;
   bool repeatUpTo(std::uint64_t address);
 

@@ -1,4 +1,4 @@
-// Turns bytes into the lines of a dump, many at once, and squeezes lines that repeat.
+// Formats bytes as the lines of a dump, many at once, and writes "*" for lines that repeat.
 #pragma once
 
 #include <algorithm>
@@ -18,7 +18,7 @@ class DumpWriter {
   DumpWriter(OutputBuffer& output, std::uint64_t offset, bool squeeze)
       : output_(output), offset_(offset), squeeze_(squeeze) {}
 
-  /// Takes all whole lines and returns how many bytes these are.
+  /// Writes all whole lines and returns the number of bytes in them. The caller keeps the rest.
   std::size_t write(const std::uint8_t* data, std::size_t size) {
     const std::size_t whole = size - size % Form::kBytes;
     for (std::size_t done = 0; done < whole;)
@@ -26,8 +26,8 @@ class DumpWriter {
     return whole;
   }
 
-  /// Takes the rest, which is less than a line. Behind a squeezed run the last line is shown, so that the
-  /// dump tells how long the bytes are.
+  /// Writes the rest, which is shorter than a line. After a "*" the last line is written even if it repeats
+  /// the one before, so that the dump tells where the bytes end.
   void finish(const std::uint8_t* rest, std::size_t size) {
     if (size > 0) {
       endRun();
@@ -43,6 +43,7 @@ class DumpWriter {
   static constexpr std::size_t kLongest = util::LineLayout<Form>::kLongest + 1;
   static constexpr std::size_t kMostLines = OutputBuffer::kCapacity / kLongest;
 
+  /// Formats as many lines as the output buffer holds, which checks its room once for all of them.
   std::size_t writeMany(const std::uint8_t* data, std::size_t size) {
     const std::size_t lines = std::min(size / Form::kBytes, kMostLines);
     char* out = output_.reserve(lines * kLongest);

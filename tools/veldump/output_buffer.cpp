@@ -1,3 +1,5 @@
+// Collects output. Lines are formatted directly in the buffer, between reserve and commit, so that no line is
+// copied; a stream would copy each one. The destructor does not flush, because it could not report a failure.
 #include "tools/veldump/output_buffer.h"
 
 #include <algorithm>
@@ -24,6 +26,7 @@ void OutputBuffer::append(const char* text, std::size_t size) {
 }
 
 void OutputBuffer::flush() {
+  // Emptied first, so that bytes that could not be written are not written again later.
   const std::size_t size = used_;
   used_ = 0;
   if (!sink_(buffer_.get(), size)) throw OutputFailure();

@@ -1,4 +1,4 @@
-// What veldump says, as a string table: ids are the indexes.
+// The texts of veldump as a string table. Their ids are the indexes.
 #pragma once
 
 #include <iterator>

@@ -1,4 +1,8 @@
 // veldump: shows the bytes of files, and turns dumps back into bytes.
+//
+// Both directions read a file in chunks of 64 KiB. A line may be cut by the end of a chunk: its bytes are
+// moved to the front, and the next read continues after them. So a dump takes little memory for a file of any
+// size. Formatting is dump_writer.h's work, parsing dump_parser.cpp's.
 #include <charconv>
 #include <cstring>
 #include <iostream>
@@ -7,8 +11,8 @@
 
 #include "platform/byte_files.h"
 #include "tools/catalog_tool.h"
-#include "tools/run_tool.h"
 #include "tools/standard_switches.h"
+#include "tools/tool_main.h"
 #include "tools/veldump/byte_source.h"
 #include "tools/veldump/dump_parser.h"
 #include "tools/veldump/dump_writer.h"
@@ -28,6 +32,8 @@ constexpr int kExitBeyondLimit = 3;
 constexpr std::uint64_t kDefaultLimit = std::uint64_t{1} << 30;
 constexpr std::size_t kChunkSize = std::size_t{64} * 1024;
 
+/// Writes past std::cout: a dump is large, and with -reverse the bytes must arrive unchanged, see
+/// safe_terminal.h.
 bool writeToStandardOutput(const char* bytes, std::size_t size) {
   return vel::platform::writeBytes(vel::platform::kStandardOutput, bytes, size) == 0;
 }
@@ -37,7 +43,7 @@ class Tool : public vel::tools::CatalogTool {
  public:
   Tool(int argc, const char* const* argv) : CatalogTool(argc, argv, kTexts, kTextEnd), chunk_(kChunkSize) {}
 
-  /// The exit code.
+  /// Returns the exit code.
   int run();
 
  private:
@@ -50,14 +56,14 @@ class Tool : public vel::tools::CatalogTool {
   template <typename Form>
   bool dump(ByteSource& source);
   bool reverse(ByteSource& source, const char* file);
-  bool takeLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineNumber);
+  bool parseLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineNumber);
   void reportLine(const DumpParser& parser, const char* file, std::uint64_t lineNumber);
   bool fillChunk(ByteSource& source, std::size_t& size);
 
   std::vector<std::uint8_t> chunk_;
   OutputBuffer output_{writeToStandardOutput};
   Range range_;
-  std::uint64_t limit_ = kDefaultLimit;  ///< of bytes that "*" may still stand for
+  std::uint64_t limit_ = kDefaultLimit;  ///< number of bytes that lines "*" may still stand for
   int exitCode_ = 0;
   bool binary_ = false;
   bool squeeze_ = false;
@@ -65,7 +71,7 @@ class Tool : public vel::tools::CatalogTool {
   bool hasHeading_ = false;
 };
 
-/// A number of elements in bytes, as large as it can be when that is too large.
+/// Returns the size of elements in bytes, saturated.
 std::uint64_t scaled(std::uint64_t count, std::uint64_t width) {
   constexpr std::uint64_t kMost = Range().length;
   return count > kMost / width ? kMost : count * width;
@@ -97,6 +103,7 @@ void Tool::readSwitches() {
   binary_ = hasArgSwitch("bin");
   squeeze_ = hasArgSwitch("squeeze");
   reverse_ = hasArgSwitch("reverse");
+  // A dump tells its form, its addresses and its length, so no switch may say otherwise.
   if (reverse_)
     for (const char* other : {"bin", "squeeze", "offset", "length", "width"})
       if (hasArgSwitch(other)) refuse(kReverseAlone);
@@ -118,6 +125,7 @@ int Tool::run() {
   readSwitches();
   const std::vector<const char*> names = files();
   hasHeading_ = names.size() > 1 && !reverse_;
+  // A file that cannot be read does not keep the others from being shown.
   for (const char* name : names)
     if (!handle(name) && exitCode_ == 0) exitCode_ = kExitNotRead;
   output_.flush();
@@ -129,7 +137,8 @@ void Tool::writeHeading(const char* file) {
   output_.append(heading.data(), heading.size());
 }
 
-/// Null is standard input. False when the file could not be read to its end, or is no dump.
+/// Handles one file; null is standard input. Returns false if it could not be read to its end, or is not a
+/// dump.
 bool Tool::handle(const char* file) {
   ByteSource source(file);
   if (file == nullptr) file = kTexts[kStandardInputName];
@@ -138,7 +147,7 @@ bool Tool::handle(const char* file) {
     return false;
   }
   if (hasHeading_) writeHeading(file);
-  // A terminal that shows the output has no place for a progress bar.
+  // A progress bar would mix with output that is shown on the same terminal.
   const bool isLong = source.narrow(range_) && !vel::platform::isTerminal(vel::platform::kStandardOutput);
   const std::uint64_t expected = isLong ? source.expectedBytes() : 0;
   if (expected > 0) progressStart(expected, file);
@@ -149,7 +158,7 @@ bool Tool::handle(const char* file) {
   return complete;
 }
 
-/// Reads behind the `size` bytes that are left in the chunk. False at the end.
+/// Reads after the `size` bytes that are left in the chunk, and adds to `size`. Returns false at the end.
 bool Tool::fillChunk(ByteSource& source, std::size_t& size) {
   const std::size_t count = source.read(chunk_.data() + size, chunk_.size() - size);
   size += count;
@@ -170,16 +179,17 @@ bool Tool::dump(ByteSource& source) {
   return !source.hasFailed();
 }
 
+/// A chunk that is full of one line ends the loop: no line of a dump is so long.
 bool Tool::reverse(ByteSource& source, const char* file) {
   DumpParser parser(output_, limit_);
   std::size_t size = 0;
   std::uint64_t lineNumber = 0;
   bool good = true;
-  while (good && size < chunk_.size() && fillChunk(source, size)) good = takeLines(parser, size, lineNumber);
+  while (good && size < chunk_.size() && fillChunk(source, size)) good = parseLines(parser, size, lineNumber);
   const std::string_view last(reinterpret_cast<const char*>(chunk_.data()), size);
   if (good && !last.empty()) {
     ++lineNumber;
-    good = parser.takeLine(last);
+    good = parser.parseLine(last);
   }
   progressStop();
   if (source.hasFailed()) {
@@ -191,7 +201,7 @@ bool Tool::reverse(ByteSource& source, const char* file) {
   return true;
 }
 
-/// Tells why a line was not taken.
+/// Reports why a line was refused. The output is flushed first, so that it ends where the report says.
 void Tool::reportLine(const DumpParser& parser, const char* file, std::uint64_t lineNumber) {
   output_.flush();
   const TextId fault = parser.isBeyondLimit() ? kBeyondLimit : kNoDumpLine;
@@ -199,12 +209,12 @@ void Tool::reportLine(const DumpParser& parser, const char* file, std::uint64_t 
   error(std::cerr, text(fault).c_str(), file, std::to_string(lineNumber).c_str());
 }
 
-/// Hands over the whole lines of the chunk and leaves the rest at its start.
-bool Tool::takeLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineNumber) {
+/// Parses the whole lines in the chunk and moves the rest to its start.
+bool Tool::parseLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineNumber) {
   std::string_view text(reinterpret_cast<const char*>(chunk_.data()), size);
   for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
     ++lineNumber;
-    if (!parser.takeLine(text.substr(0, end))) return false;
+    if (!parser.parseLine(text.substr(0, end))) return false;
     text.remove_prefix(end + 1);
   }
   size = text.size();
@@ -212,11 +222,15 @@ bool Tool::takeLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineN
   return true;
 }
 
-int run(int argc, char** argv) {
+}  // namespace
+
+const char* const vel::tools::kToolName = "veldump";
+
+int vel::tools::toolMain(int argc, char** argv) {
   velFileSetBinaryMode(vel::platform::kStandardInput, true);
   velFileSetBinaryMode(vel::platform::kStandardOutput, true);
   if (vel::tools::answerStandardSwitches(argc, argv,
-                                         {"veldump", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]}))
+                                         {kToolName, kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]}))
     return std::cout.good() ? 0 : kExitNotWritten;
   Tool tool(argc, argv);
   try {
@@ -225,14 +239,8 @@ int run(int argc, char** argv) {
     tool.report(kNotWritten);
     return kExitNotWritten;
   } catch (const VelClException& exception) {
-    vel::tools::passOutOfMemory(exception);
+    vel::tools::rethrowIfOutOfMemory(exception);
     tool.exception(exception, kTexts[kTitle]);
     tool.processExit(CONUI_USAGE);
   }
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-  return vel::tools::runTool("veldump", argc, argv, run);
 }

@@ -1,4 +1,13 @@
-// Plain text, INI lines, shell assignments and JSON.
+// Writes plain text, INI lines, shell assignments and JSON. Values come from files that anybody may have
+// written, so each form escapes what has a meaning in it:
+//
+//   plain    one line per option, separated by tabs: tab, line break and backslash are escaped
+//   ini      as VelClIniFileSave writes it
+//   shell    NAME='value', where only the quote itself is special; names are shell_names.cpp's work
+//   json     one object of objects; control characters, quotes and bytes that are not UTF-8 are escaped
+//
+// Names may repeat in a file. Plain and ini show all of them, shell and json only the first of each name,
+// which is the one that programs find.
 #include "tools/velini/forms.h"
 
 #include <cstdint>
@@ -18,7 +27,7 @@ namespace {
 using Section = VelClIniFileSection;
 using Option = VelClIniFileOption;
 
-/// Lends the lines of a saved file.
+/// Gives access to the protected functions that write single lines of an INI file.
 class Lines : public VelClIniFileSave {
  public:
   Lines() : VelClIniFileSave("") {}
@@ -26,7 +35,7 @@ class Lines : public VelClIniFileSave {
   using VelClIniFileSave::saveSection;
 };
 
-/// Whether a question by name finds this one.
+/// Whether a search by name finds this record, and not an earlier one of the same name.
 bool isFirst(const VelClIniFile& file, const Section& section) {
   return file.getExistingSection(section.getName()) == &section;
 }
@@ -46,6 +55,8 @@ std::string escaped(const char* text) {
   return result;
 }
 
+/// Nothing can be escaped between single quotes: the string ends, an escaped quote follows, and a new one
+/// begins.
 std::string shellQuoted(const char* text) {
   std::string quoted = "'";
   for (; *text != '\0'; ++text) quoted += *text == '\'' ? std::string("'\\''") : std::string(1, *text);
@@ -64,7 +75,8 @@ void addUnit(std::string& json, unsigned char byte) {
   json.append("\\u00").append(digits.data(), digits.size());
 }
 
-/// A byte that belongs to no UTF-8 character stands for the character of its number.
+/// JSON must be well-formed UTF-8. A byte that belongs to no UTF-8 character becomes the character of its
+/// number, as if it were Latin-1, since there is no escape for bytes.
 std::string jsonText(std::string_view text) {
   std::string json = "\"";
   while (!text.empty()) {
@@ -107,7 +119,7 @@ void writeJson(std::ostream& out, const VelClIniFile& file) {
   out << "\n}\n";
 }
 
-/// Variables are named for the option alone, or for both.
+/// Whether variables are named for the option alone, or for section and option.
 enum class Named { Alone, WithSection };
 
 void writeSection(std::ostream& out, Form form, const VelClIniFile& file, const Section& section,
@@ -146,6 +158,7 @@ void writeName(std::ostream& out, Form form, const char* name) {
 }  // namespace
 
 bool parseForm(const char* name, Form& form) {
+  // In the order of the enumeration.
   constexpr const char* kNames[] = {"plain", "ini", "shell", "json"};
   for (std::size_t i = 0; i < std::size(kNames); ++i) {
     if (std::strcmp(name, kNames[i]) != 0) continue;

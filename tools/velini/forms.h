@@ -1,4 +1,4 @@
-// Sections, options and values in the forms that scripts read.
+// Writes sections, options and values in forms that scripts can read.
 #pragma once
 
 #include <iosfwd>
@@ -10,14 +10,14 @@ namespace vel::velini {
 
 enum class Form { Plain, Ini, Shell, Json };
 
-/// False for a name of no form.
+/// Returns false if no form has this name.
 bool parseForm(const char* name, Form& form);
 
-/// Here and below, `names` is asked for the variables of the shell form. What is written is of no use when it
-/// has refused one.
+/// Write a value, the names of all sections, or options. `names` gives the variables of the shell form. If it
+/// has refused one, the output must not be used.
 void writeValue(std::ostream& out, Form form, const VelClIniFileOption& option, ShellNames& names);
 void writeSections(std::ostream& out, Form form, const VelClIniFile& file);
-/// Null lists all sections.
+/// Writes the options of one section, or of all if `only` is null.
 void writeOptions(std::ostream& out, Form form, const VelClIniFile& file, const VelClIniFileSection* only,
                   ShellNames& names);
 

@@ -1,7 +1,8 @@
-// A file must not be able to change what the script that reads it does. No list of the variables that steer
-// shells, loaders and programs is complete. But names without a lower-case letter are the system's by
-// convention, and nearly all that matter are among them: they need a prefix that the script chooses. Lists
-// are left for the others, and for prefixes that are the system's as well.
+// Makes names of shell variables. A script evaluates what velini writes, so a file with an option named PATH
+// or LD_PRELOAD could take the script over. No list of the variables that control shells, loaders and
+// programs is complete. But by convention names without a lower-case letter belong to the system, and nearly
+// all that matter are among them: those need a prefix that the script chooses. Lists are needed only for the
+// other variables, and for prefixes that belong to the system as well.
 #include "tools/velini/shell_names.h"
 
 #include <algorithm>
@@ -14,14 +15,14 @@ namespace vel::velini {
 
 namespace {
 
-/// Variables of shells. Programs take some in any case.
+/// Variables of shells, in lower case. Some programs read them in any case.
 constexpr std::string_view kSteering[] = {
     "aliases",   "argv",      "auto_resume", "builtins",  "cdpath",     "commands", "dirstack",    "fignore",
     "fpath",     "functions", "galiases",    "histchars", "mailpath",   "manpath",  "module_path", "modules",
     "nameddirs", "options",   "parameters",  "path",      "pipestatus", "prompt",   "psvar",       "reswords",
     "saliases",  "signals",   "status",      "termcap",   "terminfo",   "userdirs", "watch",       "widgets"};
 
-/// How the names of families begin that a prefix could belong to.
+/// Families of variables that a prefix could select by mistake.
 constexpr std::string_view kFamilies[] = {
     "ASAN_",  "BASH_",    "COMP_",   "DYLD_",  "FUNC",        "GCC_", "GCONV_", "GIT_",      "GLIBC_",
     "HIST",   "JAVA_",    "JDK_",    "KSH_",   "LC_",         "LD_",  "LSAN_",  "MALLOC_",   "NODE_",
@@ -40,7 +41,7 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-/// The hooks of a shell, and the ways of programs to the net.
+/// Endings of a shell's hooks, and of the variables by which programs find their proxy.
 constexpr std::string_view kEnds[] = {"_functions", "_proxy"};
 
 bool steersPrograms(const std::string& name) {
@@ -68,7 +69,8 @@ std::string ShellNames::variable(const std::string& name) {
   return variable;
 }
 
-/// Whoever chooses a prefix may have set such variables before.
+/// Without a prefix a variable that is set already is refused, since other programs may rely on it. A script
+/// that chose a prefix may have set its own variables before.
 bool ShellNames::isSafe(const std::string& variable) const {
   if (steersPrograms(variable)) return false;
   return hasPrefix_ || (std::any_of(variable.begin(), variable.end(), isLowerCase) &&

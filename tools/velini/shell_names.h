@@ -1,4 +1,4 @@
-// Names of shell variables for options, and which of them a script can evaluate without harm.
+// Makes names of shell variables from names of options, and refuses those that would harm a script.
 #pragma once
 
 #include <string>
@@ -6,19 +6,20 @@
 
 namespace vel::velini {
 
-/// A letter, then letters, digits and "_", one of these at the end: a family of names of the script's own.
+/// Whether the text can begin the names of variables: a letter, then letters, digits and "_", and a "_" at
+/// the end, so that the script has a family of names of its own.
 bool isShellPrefix(std::string_view text);
 
 class ShellNames {
  public:
-  /// Null: names have no prefix.
+  /// With a null prefix, names get none.
   explicit ShellNames(const char* prefix)
       : hasPrefix_(prefix != nullptr), prefix_(hasPrefix_ ? prefix : "") {}
 
-  /// The variable for the name of an option, or of section and option, with "_" for what it cannot hold.
-  /// Keeps the first one that is not safe.
+  /// Returns the variable for the name of an option, or of section and option, with "_" for each character
+  /// that a variable cannot have. Records the first one that is not safe.
   std::string variable(const std::string& name);
-  /// "" when all were safe.
+  /// Returns the first variable that was not safe, or "" if all were.
   const std::string& refused() const { return refused_; }
 
  private:

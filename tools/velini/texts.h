@@ -1,4 +1,4 @@
-// What velini says, as a string table: ids are the indexes.
+// The texts of velini as a string table. Their ids are the indexes.
 #pragma once
 
 #include <iterator>
@@ -65,7 +65,7 @@ inline constexpr const char* kTexts[] = {
     "Editing leaves every other byte as it is. The file is replaced in one step, and not\n"
     "at all when the change would not be read back. Lists are plain as section, option\n"
     "and value with tabs between; \\n, \\t, \\r and \\\\ stand for line break, tab, return\n"
-    "and back-slash there. Of options and sections that repeat, shell and json show the\n"
+    "and backslash there. Of options and sections that repeat, shell and json show the\n"
     "first.\n"
     "@\n"
     "Shell variables are named for section and option, with _ for what a name cannot hold,\n"
@@ -103,7 +103,7 @@ inline constexpr const char* kTexts[] = {
     "the header has no closing bracket",
     "the option has no equal sign",
     "there is nothing that white space could continue",
-    "the line is too long, and nothing behind it is read",
+    "the line is too long, and nothing after it is read",
 };
 static_assert(std::size(kTexts) == kTextEnd);
 

@@ -1,4 +1,8 @@
 // velini: reads, edits and checks INI files.
+//
+// Every run loads the file into an editor, whatever its task: reading tasks use the model in it. A task that
+// edits locks the file before it loads it and saves it at the end, so that several runs at a time lose no
+// change. Editing is the library's work, the forms of output are forms.cpp's.
 #include <algorithm>
 #include <cstring>
 #include <iostream>
@@ -9,8 +13,8 @@
 #include "platform/descriptors.h"
 #include "platform/ending_signals.h"
 #include "tools/catalog_tool.h"
-#include "tools/run_tool.h"
 #include "tools/standard_switches.h"
+#include "tools/tool_main.h"
 #include "tools/velini/forms.h"
 #include "tools/velini/texts.h"
 #include "vel_include/vel_consoleui.h"
@@ -37,7 +41,7 @@ class Tool : public vel::tools::CatalogTool {
  public:
   Tool(int argc, const char* const* argv) : CatalogTool(argc, argv, kTexts, kTextEnd) {}
 
-  /// The exit code.
+  /// Returns the exit code.
   int run();
 
  private:
@@ -45,7 +49,7 @@ class Tool : public vel::tools::CatalogTool {
   void readSwitches();
   void readFormat();
   bool edits() const;
-  /// The exit code, 0 when the file may be edited.
+  /// Returns the exit code, 0 if the file may be edited.
   int lock(VelClIniFileEditor& editor) const;
   bool read(VelClIniFileEditor& editor, const char* name) const;
   int runTask(VelClIniFileEditor& editor);
@@ -84,6 +88,7 @@ void Tool::readSwitches() {
   reqArgString("file", file_);
   hasArgString("section", section_);
   allowContinuation_ = !hasArgSwitch("nocontinue");
+  // The usage string cannot express that exactly one task must be given, nor which tasks need a section.
   int tasks = 0;
   for (const char* task : {"get", "set", "delete", "delsection", "list", "sections", "merge", "check"})
     tasks += hasArgSwitch(task) ? 1 : 0;
@@ -108,7 +113,8 @@ bool Tool::edits() const {
   return false;
 }
 
-/// A file that is not locked for another reason cannot be read or written, either.
+/// Locks the file if the task edits it. A lock that fails for another reason than time means that the file
+/// cannot be read or written, so that is reported: it tells the user more.
 int Tool::lock(VelClIniFileEditor& editor) const {
   if (file_ == kStandardStream || !edits()) return 0;
   const auto milliseconds =
@@ -125,11 +131,11 @@ int Tool::lock(VelClIniFileEditor& editor) const {
 }
 
 bool Tool::read(VelClIniFileEditor& editor, const char* name) const {
-  // A name that is cut could be that of another file.
+  // A longer name would be cut, and could then be that of another file.
   if (std::strlen(name) > VEL_MAX_PATH_LENGTH) return false;
   if (name != kStandardStream) {
     if (editor.load(allowContinuation_)) return true;
-    // What is set or merged into a missing file makes it.
+    // Setting and merging create a missing file.
     return name == file_ && (hasArgSwitch("set") || hasArgSwitch("merge")) && !editor.isExistent();
   }
   velFileSetBinaryMode(kStandardInput, true);
@@ -151,7 +157,7 @@ int Tool::runTask(VelClIniFileEditor& editor) {
   return 0;
 }
 
-/// All or nothing: half of the assignments must not be evaluated.
+/// Writes the output only as a whole: a script must not evaluate the half before a refused name.
 template <typename Write>
 int Tool::show(Write write) const {
   ShellNames names(prefix_);
@@ -180,6 +186,7 @@ int Tool::edit(VelClIniFileEditor& editor) const {
   const char* value = nullptr;
   if (hasArgString("set", value)) return set(editor, value);
   if (hasArgString("merge", value)) return merge(editor, value);
+  // Looked up before the change, to tell a missing record from a change that was refused.
   const bool isOption = hasArgString("delete", value);
   const VelClIniFileSection* const section = editor.getIniFile().getExistingSection(section_);
   if (section == nullptr) return fail(kExitNotFound, kNotFound, section_);
@@ -190,6 +197,7 @@ int Tool::edit(VelClIniFileEditor& editor) const {
 }
 
 int Tool::set(VelClIniFileEditor& editor, const char* assignment) const {
+  // The first "=" ends the name, which cannot have one; the value can.
   const char* const equalSign = std::strchr(assignment, '=');
   if (equalSign == nullptr) refuse(kAssignmentExpected);
   const std::string option(assignment, equalSign);
@@ -197,7 +205,8 @@ int Tool::set(VelClIniFileEditor& editor, const char* assignment) const {
                                                                   : fail(kExitRefused, kRefused, assignment);
 }
 
-/// The first option that cannot be set by itself.
+/// Returns the name of the first option that cannot be set by itself, or null. For the report of a refused
+/// merge, which does not tell the option; the editor is not saved afterwards.
 const char* refusedOption(VelClIniFileEditor& editor, const VelClIniFile& source) {
   for (auto* section = source.getFirstSection(); section != nullptr; section = section->getNext())
     for (auto* option = section->getFirstOption(); option != nullptr; option = option->getNext())
@@ -219,7 +228,7 @@ struct SyntaxError {
   unsigned int line;
 };
 
-bool keepError(const _VelStError& error, unsigned int line, void* errors) {
+bool collectError(const _VelStError& error, unsigned int line, void* errors) {
   static_cast<std::vector<SyntaxError>*>(errors)->push_back({error.getErrorId(), line});
   return true;
 }
@@ -229,13 +238,16 @@ TextId textOf(const SyntaxError& error) {
   return error.id == INIFILE_INVAL_OPTION ? kNoEqualSign : kNothingContinued;
 }
 
+/// Parses the text a second time, with a handler that collects the errors. The library reports no error for a
+/// line that is too long: it stops reading there, which shows in the count of lines.
 int Tool::check(const VelClIniFileEditor& editor) const {
+  // Unlike the load of a file, loadFromBuffer does not drop "\r" before a line break.
   std::string lines;
   for (const char* c = editor.getText(); c != editor.getText() + editor.getLength(); ++c)
     if (c[0] != '\r' || c[1] != '\n') lines += *c;
   std::vector<SyntaxError> errors;
   VelClIniFile file(file_);
-  file.setErrorHandler(keepError, &errors);
+  file.setErrorHandler(collectError, &errors);
   file.loadFromBuffer(lines.data(), lines.size(), '\n', true, allowContinuation_);
   for (const SyntaxError& error : errors)
     std::cout << file_ << ':' << error.line << ": " << text(textOf(error)) << '\n';
@@ -247,7 +259,7 @@ int Tool::check(const VelClIniFileEditor& editor) const {
   return errors.empty() && !isCut ? 0 : kExitNotFound;
 }
 
-/// Whoever ends the program in between leaves no unfinished file.
+/// Holds back signals that would end the process, so that no unfinished file is left.
 bool saveUninterrupted(VelClIniFileEditor& editor) {
   const std::uint32_t held = vel::platform::holdEndingSignals();
   const bool isSaved = editor.save();
@@ -265,9 +277,13 @@ int Tool::write(VelClIniFileEditor& editor) const {
   return 0;
 }
 
-int run(int argc, char** argv) {
+}  // namespace
+
+const char* const vel::tools::kToolName = "velini";
+
+int vel::tools::toolMain(int argc, char** argv) {
   velFileSetBinaryMode(kStandardOutput, true);
-  const vel::tools::ToolTexts texts{"velini", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
+  const vel::tools::ToolTexts texts{kToolName, kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
   if (vel::tools::answerStandardSwitches(argc, argv, texts)) return std::cout.good() ? 0 : kExitNotWritten;
   const std::vector<const char*> arguments = vel::tools::withStandardStream(argc, argv);
   Tool tool(argc, arguments.data());
@@ -275,16 +291,11 @@ int run(int argc, char** argv) {
   try {
     exitCode = tool.run();
   } catch (const VelClException& exception) {
-    vel::tools::passOutOfMemory(exception);
+    vel::tools::rethrowIfOutOfMemory(exception);
     tool.exception(exception, kTexts[kTitle]);
     tool.processExit(CONUI_USAGE);
   }
+  // A full disk may show only now.
   std::cout.flush();
   return std::cout.good() ? exitCode : kExitNotWritten;
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-  return vel::tools::runTool("velini", argc, argv, run);
 }

@@ -1,4 +1,8 @@
-// Lists catalogs' messages and languages, and compares two catalogs.
+// Lists the messages and languages of a catalog, and compares two catalogs.
+//
+// Catalogs differ by the inserts of their messages ("%1", "%2!8s!"), not by their wording: a translation is
+// expected to have other words, but a program passes the same variables to it. Ids come in ascending order
+// from a catalog, so two catalogs are compared in one pass, as sorted lists are merged.
 #include "tools/velmsg/catalog_report.h"
 
 #include <algorithm>
@@ -14,24 +18,25 @@
 namespace vel::velmsg {
 namespace {
 
-/// Sorted, each once.
+/// Sorted, without duplicates: where and how often a text shows an insert is a matter of language.
 using Inserts = std::vector<std::string>;
 using InsertsByLanguage = std::map<unsigned int, Inserts>;
 
-template <typename Take>
-void forEachMessage(const VelClMessageCatalog& catalog, Take take) {
+template <typename Visit>
+void forEachMessage(const VelClMessageCatalog& catalog, Visit visit) {
   VelClMessageCatalogCursor message(catalog);
-  for (bool more = message.setToFirst(); more; more = message.setToNext()) take(message);
+  for (bool more = message.setToFirst(); more; more = message.setToNext()) visit(message);
 }
 
-/// The mark that ends a library's text without a line break is not part of what the user sees.
+/// Removes the mark "%0", by which the text of a catalog library ends without a line break. Users never see
+/// it. In "%%0" the two percent signs are one character of the text, and the "0" is another one.
 std::string_view withoutEndMark(std::string_view text) {
   constexpr std::string_view kEndMark = "%0";
   if (text.ends_with(kEndMark) && !text.ends_with("%%0")) text.remove_suffix(kEndMark.size());
   return text;
 }
 
-/// On one line: line breaks, tabs and back-slashes are escaped.
+/// Writes a text on one line: line breaks, tabs and backslashes are escaped. CR LF counts as one line break.
 void writeEscaped(std::ostream& stream, std::string_view text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     switch (text[i]) {
@@ -57,8 +62,9 @@ bool isDigit(char c) {
   return std::isdigit(static_cast<unsigned char>(c)) != 0;
 }
 
-/// The insert behind a percent sign: its number and, in libraries, how it is to be printed ("1!8s!").
-std::string takeInsert(std::string_view text, std::size_t& position) {
+/// Parses the insert after a percent sign: its number and, in catalog libraries, its format, as in "1!8s!".
+/// Moves the position after it.
+std::string parseInsert(std::string_view text, std::size_t& position) {
   const std::size_t start = position;
   while (position < text.size() && isDigit(text[position])) ++position;
   if (position < text.size() && text[position] == '!') {
@@ -73,7 +79,7 @@ Inserts insertsOf(std::string_view text) {
   for (std::size_t i = text.find('%'); i < text.size(); i = text.find('%', i)) {
     ++i;
     if (i < text.size() && isDigit(text[i]) && text[i] != '0')
-      inserts.push_back(takeInsert(text, i));
+      inserts.push_back(parseInsert(text, i));
     else if (i < text.size())
       ++i;
   }
@@ -82,7 +88,7 @@ Inserts insertsOf(std::string_view text) {
   return inserts;
 }
 
-/// Walks the ids of a catalog, with the inserts that one id has in each language.
+/// Walks the ids of a catalog, and collects the inserts that an id has in each language.
 class InsertWalk {
  public:
   explicit InsertWalk(const VelClMessageCatalog& catalog) : message_(catalog) {
@@ -114,23 +120,24 @@ std::string joined(const Inserts& inserts) {
 
 using Difference = std::optional<std::pair<const Inserts*, const Inserts*>>;
 
-const Inserts* firstOther(const InsertsByLanguage& texts, const Inserts& inserts) {
+const Inserts* firstDiffering(const InsertsByLanguage& texts, const Inserts& inserts) {
   const auto other =
       std::find_if(texts.begin(), texts.end(), [&](const auto& text) { return text.second != inserts; });
   return other == texts.end() ? nullptr : &other->second;
 }
 
-/// The first text of one that differs from any of the other; none when all of both are alike.
+/// Compares every text of one catalog with every text of the other. Returns the inserts of two that differ,
+/// or nothing.
 Difference differing(const InsertsByLanguage& first, const InsertsByLanguage& second) {
-  if (const Inserts* const other = firstOther(second, first.begin()->second))
+  if (const Inserts* const other = firstDiffering(second, first.begin()->second))
     return std::pair(&first.begin()->second, other);
-  if (const Inserts* const other = firstOther(first, second.begin()->second))
+  if (const Inserts* const other = firstDiffering(first, second.begin()->second))
     return std::pair(other, &second.begin()->second);
   return std::nullopt;
 }
 
-/// Where both catalogs have a language in common, texts of the same language are compared, otherwise every
-/// text with every other.
+/// Compares the texts of one id. If the catalogs have a language in common, only texts of the same language
+/// are compared, otherwise every text with every other.
 Difference compare(const InsertsByLanguage& first, const InsertsByLanguage& second) {
   bool common = false;
   for (const auto& [language, inserts] : first) {
@@ -142,7 +149,8 @@ Difference compare(const InsertsByLanguage& first, const InsertsByLanguage& seco
   return common ? std::nullopt : differing(first, second);
 }
 
-/// Writes how two catalogs differ at the next id, and moves on in those that have it; false when they do.
+/// Writes how the catalogs differ at the lower of their current ids, and moves on in those that have it.
+/// Returns false if they differ.
 bool compareNext(std::ostream& stream, InsertWalk& first, InsertWalk& second) {
   const bool only1 = !first.atEnd() && (second.atEnd() || first.id() < second.id());
   const bool only2 = !second.atEnd() && (first.atEnd() || second.id() < first.id());

@@ -1,4 +1,4 @@
-// What velmsg finds out about catalogs.
+// Lists the messages and languages of catalogs, and compares catalogs.
 #pragma once
 
 #include <cstdint>
@@ -9,16 +9,16 @@
 
 namespace vel::velmsg {
 
-/// One line a message: id, language number, text on one line; of all languages or of one. False when there is
-/// nothing to list.
+/// Writes a line per message, of all languages or of one: id, language number and the escaped text. Returns
+/// false if there is nothing to list.
 bool listMessages(std::ostream& stream, const VelClMessageCatalog& catalog,
                   std::optional<std::uint32_t> language = std::nullopt);
 
-/// One line a language: its number and its number of messages.
+/// Writes a line per language: its number and its number of messages. Returns false if there is none.
 bool listLanguages(std::ostream& stream, const VelClMessageCatalog& catalog);
 
-/// One line a difference: "<" id only in the first, ">" id only in the second, "!" id with different
-/// inserts and what these are. True when there is none.
+/// Writes a line per difference: "<" for an id only in the first catalog, ">" for one only in the second, "!"
+/// for one with different inserts, and those. Returns true if there is no difference.
 bool listDifferences(std::ostream& stream, const VelClMessageCatalog& first,
                      const VelClMessageCatalog& second);
 

@@ -1,4 +1,5 @@
-// The names that an error number has, in the library and on the Windows platform.
+// Lists the names that an error number has in the library and on Windows. A bare number from a log does not
+// tell its kind, so all kinds are tried: 5 is a severity, an action and a Windows error.
 #include "tools/velmsg/error_names.h"
 
 #include <charconv>
@@ -12,7 +13,8 @@
 namespace vel::velmsg {
 namespace {
 
-/// Symbolic names are the same in every language: the built-in table has them.
+/// Returns a symbolic name, or null. Those are the same in every language, so the built-in table has them and
+/// no catalog is needed.
 const char* builtInMessage(unsigned int id) {
   unsigned long size = 0;
   const char* const* table = velMsgCatGetBuiltInTable(&size);
@@ -21,6 +23,7 @@ const char* builtInMessage(unsigned int id) {
 
 }  // namespace
 
+/// "-8" and "0xFFFFFFF8" are the same number: logs show both.
 bool parseNumber(const char* text, std::uint32_t& number) {
   std::string_view digits(text);
   const bool negative = digits.starts_with('-');

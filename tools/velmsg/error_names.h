@@ -1,4 +1,4 @@
-// The names that an error number has.
+// Lists the names that an error number has.
 #pragma once
 
 #include <cstdint>
@@ -6,12 +6,12 @@
 
 namespace vel::velmsg {
 
-/// Reads a decimal or, behind "0x", hexadecimal number of 32 bits, signed or unsigned. False for anything
-/// else.
+/// Parses a number of 32 bits, signed or unsigned, decimal or, after "0x", hexadecimal. Returns false for
+/// anything else.
 bool parseNumber(const char* text, std::uint32_t& number);
 
-/// One line a name: what it is a name of (identifier, class, severity, action, platform), and the name.
-/// False when there is none.
+/// Writes a line per name: its kind (identifier, class, severity, action, platform) and the name. Returns
+/// false if the number has no name.
 bool listErrorNames(std::ostream& stream, std::uint32_t number);
 
 }  // namespace vel::velmsg

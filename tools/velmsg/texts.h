@@ -1,4 +1,4 @@
-// What velmsg says, as a string table: ids are the indexes.
+// The texts of velmsg as a string table. Their ids are the indexes.
 #pragma once
 
 #include <iterator>
@@ -43,9 +43,9 @@ inline constexpr const char* kTexts[] = {
     "@\n"
     "Data goes to standard output, everything else to standard error. Columns are\n"
     "separated by tabs; in listed texts \\n, \\t and \\\\ stand for line break, tab and\n"
-    "back-slash. Listings of Unicode catalogs are in UTF-8 on every system, a message\n"
+    "backslash. Listings of Unicode catalogs are in UTF-8 on every system, a message\n"
     "by -id is in the process's code page, as programs see it. A number is decimal or,\n"
-    "behind 0x, hexadecimal. --help and --version are answered before anything else.\n"
+    "after 0x, hexadecimal. --help and --version are answered before anything else.\n"
     "Exit codes: 0 success, 1 not found or different, 2 catalog not loaded, 3 output not\n"
     "written, 200 out of memory, 201 to 204 faults of the command line.",
     "The message catalog could not be loaded",

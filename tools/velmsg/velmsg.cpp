@@ -1,11 +1,14 @@
-// velmsg: shows what a message catalog holds.
+// velmsg: shows the contents of a message catalog, compares two, and names error numbers.
+//
+// The usage string tells which switches have values; which of them go together is checked here. The
+// tool's own texts are separate from the catalog that is shown, see CatalogTool.
 #include <iostream>
 #include <memory>
 #include <vector>
 
 #include "tools/catalog_tool.h"
-#include "tools/run_tool.h"
 #include "tools/standard_switches.h"
+#include "tools/tool_main.h"
 #include "tools/velmsg/catalog_report.h"
 #include "tools/velmsg/error_names.h"
 #include "tools/velmsg/texts.h"
@@ -31,13 +34,14 @@ class Tool : public vel::tools::CatalogTool {
  private:
   using Catalog = std::unique_ptr<VelClMessageCatalog>;
 
+  /// Reports a fatal error, after the output so far, and ends the process.
   [[noreturn]] void end(TextId text, const char* argument, int exitCode) const;
-  std::vector<const char*> takeVariables() const;
+  std::vector<const char*> readVariables() const;
   void checkTasks() const;
   Catalog openSource() const;
   Catalog open(const char* file) const;
   bool runTask(const VelClMessageCatalog& catalog) const;
-  std::uint32_t takeNumber(const char* text) const;
+  std::uint32_t requireNumber(const char* text) const;
   bool showMessage(const VelClMessageCatalog& catalog, unsigned long id) const;
   void showErrorNames(const char* number) const;
 };
@@ -61,16 +65,18 @@ void Tool::run() {
   }
 }
 
+/// Exactly one task, which the usage string cannot express.
 void Tool::checkTasks() const {
   int tasks = 0;
   for (const char* task : {"list", "langs", "id", "diff", "error"}) tasks += hasArgSwitch(task) ? 1 : 0;
   if (tasks != 1) refuse(kOneTask);
   if (hasArgSwitch("lang") && !hasArgSwitch("list")) refuse(kLanguageOfList);
-  takeVariables();
+  readVariables();
 }
 
-/// The texts behind -var; a free argument anywhere else belongs to no switch.
-std::vector<const char*> Tool::takeVariables() const {
+/// Returns the texts after -var, with nulls up to the largest number of variables. The usage string admits
+/// free arguments because of them, so one anywhere else is refused here.
+std::vector<const char*> Tool::readVariables() const {
   std::vector<const char*> variables;
   bool open = false;
   VelClArgvCheckCursor argument(*this);
@@ -106,26 +112,28 @@ Tool::Catalog Tool::open(const char* file) const {
   return catalog;
 }
 
-/// False when what was asked for is not there, or catalogs differ.
+/// Returns false if there was nothing to show, or the catalogs differ.
 bool Tool::runTask(const VelClMessageCatalog& catalog) const {
   const char* value = nullptr;
   if (hasArgSwitch("list"))
-    return hasArgString("lang", value) ? listMessages(std::cout, catalog, takeNumber(value))
+    return hasArgString("lang", value) ? listMessages(std::cout, catalog, requireNumber(value))
                                        : listMessages(std::cout, catalog);
   if (hasArgSwitch("langs")) return listLanguages(std::cout, catalog);
   if (hasArgString("diff", value)) return listDifferences(std::cout, catalog, *open(value));
   reqArgString("id", value);
-  return showMessage(catalog, takeNumber(value));
+  return showMessage(catalog, requireNumber(value));
 }
 
-std::uint32_t Tool::takeNumber(const char* text) const {
+/// Parses a number, or ends the process with the same exit code as the library for a wrong number.
+std::uint32_t Tool::requireNumber(const char* text) const {
   std::uint32_t number = 0;
   if (!parseNumber(text, number)) end(kNumberExpected, text, CONUI_ARG_VALUE_TYPE_MISMATCH);
   return number;
 }
 
 bool Tool::showMessage(const VelClMessageCatalog& catalog, unsigned long id) const {
-  const VelClMessage message(catalog, id, takeVariables().data());
+  const VelClMessage message(catalog, id, readVariables().data());
+  // Message 0 counts as absent. For every id that is not found the library has a text, which is the report.
   const bool found = VelClMessageCatalog::isValidMessageId(id) && message.isValid();
   if (found)
     std::cout << message << '\n';
@@ -135,27 +143,26 @@ bool Tool::showMessage(const VelClMessageCatalog& catalog, unsigned long id) con
 }
 
 void Tool::showErrorNames(const char* text) const {
-  if (!listErrorNames(std::cout, takeNumber(text))) end(kUnknownNumber, text, kExitNotFound);
+  if (!listErrorNames(std::cout, requireNumber(text))) end(kUnknownNumber, text, kExitNotFound);
 }
 
-int run(int argc, char** argv) {
+}  // namespace
+
+const char* const vel::tools::kToolName = "velmsg";
+
+int vel::tools::toolMain(int argc, char** argv) {
   velFileSetBinaryMode(kStandardOutput, true);
-  const vel::tools::ToolTexts texts{"velmsg", kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
+  const vel::tools::ToolTexts texts{kToolName, kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
   if (vel::tools::answerStandardSwitches(argc, argv, texts)) return std::cout.good() ? 0 : kExitNotWritten;
   Tool tool(argc, argv);
   try {
     tool.run();
   } catch (const VelClException& exception) {
-    vel::tools::passOutOfMemory(exception);
+    vel::tools::rethrowIfOutOfMemory(exception);
     tool.exception(exception, kTexts[kTitle]);
     tool.processExit(CONUI_USAGE);
   }
+  // A full disk may show only now.
   std::cout.flush();
   return std::cout.good() ? 0 : kExitNotWritten;
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-  return vel::tools::runTool("velmsg", argc, argv, run);
 }

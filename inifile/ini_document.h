@@ -1,5 +1,5 @@
-// The text of a file under edit, with the model that the parser reads from it. A change counts only when the
-// parser reads back what was wanted.
+// The text of a file under edit, with the model that the parser reads from it. A change leaves all other
+// bytes as they are, and is made only if the parser reads the wanted model from the changed text.
 #pragma once
 
 #include <memory>
@@ -13,16 +13,20 @@ namespace vel::inifile {
 
 using OwnedIniFile = OwnedObject<VelClIniFile>;
 
-class EditedText {
+class IniDocument {
  public:
-  EditedText();
+  /// An empty text.
+  IniDocument();
 
-  void take(String text, bool allowContinuation);
+  /// Replaces the text.
+  void adopt(String text, bool allowContinuation);
   const String& text() const noexcept { return text_; }
   const VelClIniFile& model() const noexcept { return *model_; }
 
+  /// These return false, with nothing changed, when the change is refused; see VelClIniFileEditor for each.
+  /// No name or value may be null.
   bool setValue(const char* section, const char* option, const char* value);
-  /// Sets all that questions by name find in another file, or nothing.
+  /// Sets all options that are the first of their name in `source`, or none of them.
   bool merge(const VelClIniFile& source);
   bool addSection(const char* name);
   bool deleteOption(const char* section, const char* option);
@@ -30,8 +34,8 @@ class EditedText {
 
  private:
   Span span() const noexcept { return {text_.data(), text_.data() + text_.size()}; }
-  OwnedIniFile read(const String& text) const;
-  /// Of a section of the model.
+  OwnedIniFile parse(const String& text) const;
+  /// Returns the layout of a section of the model.
   SectionLayout layoutOf(const VelClIniFileSection& wanted) const;
   template <typename Change>
   bool replaceIf(String changed, const VelClIniFile* merged, Change change);

@@ -1,12 +1,23 @@
-// Changes to a text that leave everything else in it alone.
-#include "inifile/edited_text.h"
+// Edits the text of an INI file so that every other byte stays, and proves each change before it counts. A
+// change is made twice, on the model with the functions of VelClIniFile, and on the text by rewriting single
+// lines:
+//
+//   text --parse--> model --change--> wanted
+//     |                                  must be equal
+//     +----rewrite----> changed --parse--> parsed
+//
+// The change is refused unless both models are equal. So no rule lists the names and values that a file
+// cannot hold, or the places that the parser never reaches: whatever the parser would read otherwise is not
+// saved. Finding lines is section_layout.cpp's work, rewriting them text_rewriter.cpp's and
+// text_merger.cpp's.
+#include "inifile/ini_document.h"
 
 #include <cstring>
 #include <utility>
 
 #include "inifile/ini_parser.h"
-#include "inifile/text_changes.h"
 #include "inifile/text_merger.h"
+#include "inifile/text_rewriter.h"
 
 namespace vel::inifile {
 
@@ -15,7 +26,8 @@ namespace {
 using Section = VelClIniFileSection;
 using Option = VelClIniFileOption;
 
-/// The comment of an option that was merged does not count: it may have stood on a line that is gone.
+/// Whether the option was set by a merge. Its comment is not compared then: a comment on a continuation line
+/// stays in the text, but as a comment line, which belongs to no option.
 bool isMerged(const VelClIniFile* merged, const Section& section, const Option& option) {
   const Section* const found = merged != nullptr ? merged->getExistingSection(section.getName()) : nullptr;
   return found != nullptr && merged->getExistingOption(*found, option.getName()) != nullptr;
@@ -42,7 +54,8 @@ bool sameModel(const VelClIniFile& a, const VelClIniFile& b, const VelClIniFile*
   return left == right;
 }
 
-/// A file of this option alone; null when the names or the value are none that a file can hold.
+/// Creates a file with one section and one option, so that setting a value is a merge as well. Returns null
+/// when the names do not read back from a file, or the value is too long.
 OwnedIniFile fileOf(const char* section, const char* option, const char* value) {
   String text = "[";
   text.append(section).append("]\n").append(option).append("=");
@@ -53,6 +66,7 @@ OwnedIniFile fileOf(const char* section, const char* option, const char* value) 
   return isMade && file->setNewValue(option, value) ? std::move(file) : nullptr;
 }
 
+/// Merges on the model: of options that repeat, the first one counts, as in the text.
 bool mergeSection(VelClIniFile& file, const VelClIniFile& source, const Section& section) {
   if (!file.getSection(section.getName()) && !file.addSection(section.getName())) return false;
   for (const Option* option = section.getFirstOption(); option != nullptr; option = option->getNext())
@@ -70,82 +84,86 @@ bool mergeModel(VelClIniFile& file, const VelClIniFile& source) {
 
 }  // namespace
 
-EditedText::EditedText() : model_(read(text_)) {}
+IniDocument::IniDocument() : model_(parse(text_)) {}
 
-void EditedText::take(String text, bool allowContinuation) {
+void IniDocument::adopt(String text, bool allowContinuation) {
   allowContinuation_ = allowContinuation;
-  model_ = read(text);
+  model_ = parse(text);
   text_ = std::move(text);
 }
 
-OwnedIniFile EditedText::read(const String& text) const {
+OwnedIniFile IniDocument::parse(const String& text) const {
   OwnedIniFile file(create<VelClIniFile>(""));
   LineSource lines(text.data(), text.size(), '\n', LineSource::Bytes::Text);
   Parser(*file, true, allowContinuation_).parse(lines);
   return file;
 }
 
-SectionLayout EditedText::layoutOf(const Section& wanted) const {
+/// The scanner finds the sections in the order of the model, so both advance together. Names would not do:
+/// they may repeat.
+SectionLayout IniDocument::layoutOf(const Section& wanted) const {
   SectionScanner scanner(span(), allowContinuation_);
   const Section* section = model_->getFirstSection();
   while (scanner.next() && section != &wanted) section = section->getNext();
   return scanner.layout();
 }
 
-/// `change` makes the wanted model of the present one; where it is false, or the parser reads another model
-/// in the changed text, everything stays.
+/// Applies `change` to a copy of the model, and commits `changed` only if parsing it gives that same model.
+/// Otherwise, or if `change` returns false, nothing changes and false is returned. `merged` is the source of
+/// a merge, or null. The copy comes from parsing the old text again, since a model cannot be copied.
 template <typename Change>
-bool EditedText::replaceIf(String changed, const VelClIniFile* merged, Change change) {
-  const OwnedIniFile wanted = read(text_);
+bool IniDocument::replaceIf(String changed, const VelClIniFile* merged, Change change) {
+  const OwnedIniFile wanted = parse(text_);
   if (!change(*wanted)) return false;
-  OwnedIniFile read = this->read(changed);
-  if (!sameModel(*wanted, *read, merged)) return false;
+  OwnedIniFile parsed = parse(changed);
+  if (!sameModel(*wanted, *parsed, merged)) return false;
   text_ = std::move(changed);
-  model_ = std::move(read);
+  model_ = std::move(parsed);
   return true;
 }
 
-bool EditedText::setValue(const char* section, const char* option, const char* value) {
+bool IniDocument::setValue(const char* section, const char* option, const char* value) {
   const OwnedIniFile source = fileOf(section, option, value);
   return source != nullptr && merge(*source);
 }
 
-bool EditedText::merge(const VelClIniFile& source) {
+bool IniDocument::merge(const VelClIniFile& source) {
   return replaceIf(mergedText(span(), allowContinuation_, *model_, source), &source,
                    [&source](VelClIniFile& file) { return mergeModel(file, source); });
 }
 
-/// A name that is cut when it is read could not be found again.
-bool EditedText::addSection(const char* name) {
+/// A longer name would be cut when it is read, and could not be found again.
+bool IniDocument::addSection(const char* name) {
   if (std::strlen(name) > Section::kMaxNameLength) return false;
-  TextChanges changes(span());
-  changes.addHeader(name);
-  return replaceIf(changes.finish(), nullptr, [name](VelClIniFile& file) { return file.addSection(name); });
+  TextRewriter rewriter(span());
+  rewriter.addHeader(name);
+  return replaceIf(rewriter.finish(), nullptr, [name](VelClIniFile& file) { return file.addSection(name); });
 }
 
-bool EditedText::deleteOption(const char* section, const char* option) {
+bool IniDocument::deleteOption(const char* section, const char* option) {
   const Section* const found = model_->getExistingSection(section);
   const Option* const wanted = found != nullptr ? model_->getExistingOption(*found, option) : nullptr;
   if (wanted == nullptr) return false;
   const SectionLayout layout = layoutOf(*found);
   std::span<const ValueLine> lines(layout.lines);
+  // The lines of the options come in the order of the model, so those of earlier options are skipped.
   for (const Option* before = found->getFirstOption(); before != wanted; before = before->getNext())
-    takeOptionLines(lines);
-  TextChanges changes(span());
-  for (const ValueLine& line : takeOptionLines(lines)) changes.remove(line.whole);
-  return replaceIf(changes.finish(), nullptr, [=](VelClIniFile& file) {
+    consumeOptionLines(lines);
+  TextRewriter rewriter(span());
+  for (const ValueLine& line : consumeOptionLines(lines)) rewriter.remove(line.whole);
+  return replaceIf(rewriter.finish(), nullptr, [=](VelClIniFile& file) {
     file.getSection(section);
     return file.deleteOption(option);
   });
 }
 
-bool EditedText::deleteSection(const char* name) {
+bool IniDocument::deleteSection(const char* name) {
   const Section* const found = model_->getExistingSection(name);
   if (found == nullptr) return false;
   const SectionLayout layout = layoutOf(*found);
-  TextChanges changes(span());
-  changes.remove({layout.header.begin, layout.contentEnd});
-  return replaceIf(changes.finish(), nullptr,
+  TextRewriter rewriter(span());
+  rewriter.remove({layout.header.begin, layout.contentEnd});
+  return replaceIf(rewriter.finish(), nullptr,
                    [name](VelClIniFile& file) { return file.deleteSection(name); });
 }
 

@@ -1,0 +1,81 @@
+// The main function of every tool, and the end of a tool that runs out of memory.
+//
+// Lack of memory arrives in two ways. Most of it is an exception that passes through toolMain. The rest comes
+// from functions that must not throw: there the C++ runtime calls the terminate handler instead, in the
+// middle of whatever ran. Both ways give the same message and exit code, so that scripts need to know one
+// only.
+#include "tools/tool_main.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <new>
+
+#include "tools/safe_terminal.h"
+
+namespace vel::tools {
+namespace {
+
+std::terminate_handler previousHandler = nullptr;
+
+bool isOutOfMemory(const VelClException& exception) {
+  return exception.getClass() == VelEnErrorClass::OUT_OF_MEMORY;
+}
+
+/// Allocates nothing, because the C library does not buffer standard error.
+void reportOutOfMemory() noexcept {
+  std::fputs(kToolName, stderr);
+  std::fputs(": out of memory\n", stderr);
+}
+
+/// Whether the process ends for lack of memory. There is no current exception when not even the exception
+/// object could be allocated.
+bool endsForLackOfMemory() noexcept {
+  const std::exception_ptr current = std::current_exception();
+  if (current == nullptr) return true;
+  try {
+    std::rethrow_exception(current);
+  } catch (const std::bad_alloc&) {
+    return true;
+  } catch (const VelClException& exception) {
+    return isOutOfMemory(exception);
+  } catch (...) {
+    return false;
+  }
+}
+
+/// The terminate handler. It leaves with _Exit: destructors and exit handlers could need memory again, and
+/// the objects that they work on may be half changed.
+[[noreturn]] void terminate() {
+  if (!endsForLackOfMemory()) previousHandler();
+  reportOutOfMemory();
+  std::_Exit(kExitOutOfMemory);
+}
+
+int runTool(int argc, char** argv) {
+  previousHandler = std::set_terminate(terminate);
+  const SafeTerminal terminal;
+  try {
+    return toolMain(argc, argv);
+  } catch (const std::bad_alloc&) {
+    reportOutOfMemory();
+  } catch (const VelClException& exception) {
+    // Any other exception that nobody handled is a bug in the tool. It leaves main, so that the runtime
+    // reports it and a debugger stops.
+    if (!isOutOfMemory(exception)) throw;
+    reportOutOfMemory();
+  }
+  return kExitOutOfMemory;
+}
+
+}  // namespace
+
+void rethrowIfOutOfMemory(const VelClException& exception) {
+  if (isOutOfMemory(exception)) throw;
+}
+
+}  // namespace vel::tools
+
+int main(int argc, char** argv) {
+  return vel::tools::runTool(argc, argv);
+}
