@@ -42,7 +42,7 @@ inline void writeUnit(char* to, std::uint16_t unit) noexcept {
 }
 
 /// How many whole units the source has. An odd size is reported.
-inline std::size_t takeWholeUnits(const Call& call) noexcept {
+inline std::size_t countWholeUnits(const Call& call) noexcept {
   if (call.sourceSize % kUnitSize != 0) call.setError(kIncomplete);
   return call.sourceSize / kUnitSize;
 }

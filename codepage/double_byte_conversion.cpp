@@ -8,12 +8,12 @@
 namespace {
 
 using vel::codepage::Call;
+using vel::codepage::Cursor;
 using vel::codepage::DoubleByteTable;
 using vel::codepage::kShiftIn;
 using vel::codepage::kShiftOut;
 using vel::codepage::kSingleBytesPage;
 using vel::codepage::kUnitSize;
-using vel::codepage::Progress;
 
 constexpr std::size_t kPageSize = 256;
 
@@ -70,10 +70,10 @@ WalkEnd walkEbcdic(const Call& call, const char* start, bool isDouble, Single si
 
 /// Writes looked-up units to the target.
 template <bool foldsNextLine>
-class Writer {
+class UnitWriter {
  public:
   // Members instead of the table: what is written could change the table, as far as the compiler knows.
-  Writer(const DoubleByteTable& table, char* target)
+  UnitWriter(const DoubleByteTable& table, char* target)
       : units_(table.pages[0]), pageNumbers_(table.pageNumbers), target_(target) {}
 
   void single(unsigned char byte) {
@@ -108,25 +108,25 @@ std::size_t finish(Call& call, const WalkEnd& walk, const char* targetEnd) {
 }  // namespace
 
 size_t velConvertByTablesDBCS_ASCIItoUCS2(VelClConverterABase::_VelStConverter& call) {
-  Progress progress = vel::codepage::progressOf(call);
-  vel::codepage::kernels().decodeMixed(progress, tableOf(call));
-  Writer<false> writer(tableOf(call), progress.target);
+  Cursor cursor = vel::codepage::cursorOf(call);
+  vel::codepage::kernels().decodeMixed(cursor, tableOf(call));
+  UnitWriter<false> units(tableOf(call), cursor.target);
   const WalkEnd walk = walkAscii(
-      call, progress.source, [&writer](unsigned char byte) { writer.single(byte); },
-      [&writer](unsigned char lead, unsigned char trail) { writer.pair(lead, trail); });
-  return finish(call, walk, writer.end());
+      call, cursor.source, [&units](unsigned char byte) { units.single(byte); },
+      [&units](unsigned char lead, unsigned char trail) { units.pair(lead, trail); });
+  return finish(call, walk, units.end());
 }
 
 // No shift state is kept between calls: every one begins with single bytes.
 size_t velConvertByTablesDBCS_EBCDICtoUCS2(VelClConverterABase::_VelStConverter& call) {
-  Progress progress = vel::codepage::progressOf(call);
+  Cursor cursor = vel::codepage::cursorOf(call);
   bool isDouble = false;
-  vel::codepage::kernels().decodeShifted(progress, tableOf(call), isDouble);
-  Writer<true> writer(tableOf(call), progress.target);
+  vel::codepage::kernels().decodeShifted(cursor, tableOf(call), isDouble);
+  UnitWriter<true> units(tableOf(call), cursor.target);
   const WalkEnd walk = walkEbcdic(
-      call, progress.source, isDouble, [&writer](unsigned char byte) { writer.single(byte); },
-      [&writer](unsigned char lead, unsigned char trail) { writer.pair(lead, trail); });
-  return finish(call, walk, writer.end());
+      call, cursor.source, isDouble, [&units](unsigned char byte) { units.single(byte); },
+      [&units](unsigned char lead, unsigned char trail) { units.pair(lead, trail); });
+  return finish(call, walk, units.end());
 }
 
 size_t velConvertByTablesEUCtoUCS2(VelClConverterABase::_VelStConverter&) {

@@ -60,7 +60,7 @@ const IcuConverter* openIcuConverter(const IcuFunctions& icu, std::uint32_t ccsi
   return converter;
 }
 
-std::size_t continueToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text,
+std::size_t continueToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text,
                               bool isEnd) {
   auto* const begin = reinterpret_cast<char16_t*>(text.target);
   // ICU refuses a target with half a unit.
@@ -73,7 +73,7 @@ std::size_t continueToUnicode(const IcuFunctions& icu, const IcuConverter* conve
   return static_cast<std::size_t>(position - begin) * sizeof(char16_t);
 }
 
-std::size_t continueFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text,
+std::size_t continueFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text,
                                 bool isEnd) {
   char* position = text.target;
   const auto* source = reinterpret_cast<const char16_t*>(text.source);
@@ -85,25 +85,25 @@ std::size_t continueFromUnicode(const IcuFunctions& icu, const IcuConverter* con
   return static_cast<std::size_t>(position - text.target);
 }
 
-std::size_t convertToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text) {
+std::size_t convertToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text) {
   const std::size_t written = continueToUnicode(icu, converter, text, true);
   if (text.status == kSuccess) return written;
   dropPending([&icu, converter](IcuStatus& status) {
     char16_t scrap[64];
-    IcuText nothing{reinterpret_cast<char*>(scrap), sizeof scrap, "", 0, 0};
+    IcuBuffers nothing{reinterpret_cast<char*>(scrap), sizeof scrap, "", 0, 0};
     continueToUnicode(icu, converter, nothing, true);
     status = nothing.status;
   });
   return written;
 }
 
-std::size_t convertFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text) {
+std::size_t convertFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text) {
   const std::size_t written = continueFromUnicode(icu, converter, text, true);
   if (text.status == kSuccess) return written;
   dropPending([&icu, converter](IcuStatus& status) {
     char scrap[64];
     alignas(char16_t) const char none[] = "";
-    IcuText nothing{scrap, sizeof scrap, none, 0, 0};
+    IcuBuffers nothing{scrap, sizeof scrap, none, 0, 0};
     continueFromUnicode(icu, converter, nothing, true);
     status = nothing.status;
   });

@@ -11,7 +11,7 @@ namespace vel::codepage {
 const IcuConverter* openIcuConverter(const IcuFunctions& icu, std::uint32_t ccsid, IcuStatus& status);
 
 /// One conversion: both ends of both texts, and what became of it.
-struct IcuText {
+struct IcuBuffers {
   char* target;
   std::size_t targetSize;
   const char* source;  ///< moves behind what was consumed
@@ -27,14 +27,14 @@ inline constexpr IcuStatus kIcuOutOfMemory = 7;
 
 /// Both return the bytes written. What does not fit stays in the converter, and what is incomplete, too,
 /// unless this is the end.
-std::size_t continueToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text,
+std::size_t continueToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text,
                               bool isEnd);
-std::size_t continueFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text,
+std::size_t continueFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text,
                                 bool isEnd);
 
 /// The same for a whole text. What an error leaves in the converter is dropped.
-std::size_t convertToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text);
-std::size_t convertFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text);
+std::size_t convertToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text);
+std::size_t convertFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text);
 
 /// The target bytes that are enough for any text of so many units.
 std::size_t sufficientSizeFromUnicode(const IcuFunctions& icu, const IcuConverter* converter,

@@ -5,10 +5,10 @@
 namespace {
 
 using vel::codepage::Call;
+using vel::codepage::IcuBuffers;
 using vel::codepage::IcuConverter;
 using vel::codepage::IcuFunctions;
 using vel::codepage::IcuStatus;
-using vel::codepage::IcuText;
 
 /// ICU's own status for what it does not have; here for all of it.
 constexpr IcuStatus kUnsupported = 16;
@@ -18,10 +18,10 @@ void* loadLibrary(const char* name) {
   return vel::platform::loadInstalledLibrary(name, error);
 }
 
-using Conversion = std::size_t (*)(const IcuFunctions& icu, const IcuConverter* converter, IcuText& text);
+using Conversion = std::size_t (*)(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text);
 
 std::size_t convert(Call& call, Conversion conversion) {
-  IcuText text{call.target, call.targetSize, *call.source, call.sourceSize, 0};
+  IcuBuffers text{call.target, call.targetSize, *call.source, call.sourceSize, 0};
   const std::size_t written = conversion(*vel::codepage::installedIcu(), call.getConversionData(), text);
   *call.source = text.source;
   _VelStError error;

@@ -17,10 +17,10 @@
 
 namespace {
 
+using vel::codepage::IcuBuffers;
 using vel::codepage::IcuConverter;
 using vel::codepage::IcuFunctions;
 using vel::codepage::IcuStatus;
-using vel::codepage::IcuText;
 using vel::platform::Procedure;
 using vel::test::thrown;
 
@@ -167,14 +167,14 @@ TEST(IcuCalls, DropWhatAnErrorLeavesBehind) {
   const std::vector<std::string> dropped = {"3 to 3", "0 to 64", "0 to 64"};
   for (const IcuStatus status : {0, 15, -127, 12}) {
     script = {{}, {status, status == 0 ? 0 : 15}};
-    IcuText text{target, 7, "abc", 3, 0};
+    IcuBuffers text{target, 7, "abc", 3, 0};
     EXPECT_EQ(vel::codepage::convertToUnicode(kFakes, &script, text), 2U);
     EXPECT_EQ(text.status, status);
     EXPECT_EQ(script.asked, status == 0 ? std::vector<std::string>{"3 to 3"} : dropped);
   }
   // A converter that overflows for ever does not keep the caller.
   script = {{}, std::vector<IcuStatus>(1000, 15)};
-  IcuText text{target, 8, "", 0, 0};
+  IcuBuffers text{target, 8, "", 0, 0};
   vel::codepage::convertToUnicode(kFakes, &script, text);
   EXPECT_LT(script.asked.size(), 100U);
 }

@@ -9,14 +9,14 @@ namespace vel::codepage {
 namespace {
 
 /// "portable" in this environment variable does without the others, so that they can be compared.
-bool arePortableWanted() {
+bool isPortableForced() {
   const char* const wanted = platform::settingValue("VEL_KERNELS");
   return wanted != nullptr && std::strcmp(wanted, "portable") == 0;
 }
 
 const Kernels& choose() {
   const Kernels* const vector = vectorKernels();
-  return vector != nullptr && !arePortableWanted() ? *vector : kPortableKernels;
+  return vector != nullptr && !isPortableForced() ? *vector : kPortableKernels;
 }
 
 }  // namespace

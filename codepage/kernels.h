@@ -10,7 +10,7 @@
 namespace vel::codepage {
 
 /// A text on its way from one encoding to the other. Loops move the starts of both.
-struct Progress {
+struct Cursor {
   const char* source;
   const char* sourceEnd;
   char* target;
@@ -20,7 +20,7 @@ struct Progress {
   std::size_t targetSize() const noexcept { return static_cast<std::size_t>(targetEnd - target); }
 };
 
-inline Progress progressOf(const VelClConverterABase::_VelStConverter& call) noexcept {
+inline Cursor cursorOf(const VelClConverterABase::_VelStConverter& call) noexcept {
   return {*call.source, *call.source + call.sourceSize, call.target, call.target + call.targetSize};
 }
 
@@ -35,12 +35,12 @@ struct Kernels {
   /// UTF-8 to UCS-2, and back, for a while: from the start of a character on, and stopping at the start of
   /// one, at the latest before one that is not well-formed, or where source or target are nearly at their
   /// ends. What is behind the last unit written may be overwritten, too, up to the target's end.
-  void (*decodeUtf8)(Progress& progress) noexcept;
-  void (*encodeUtf8)(Progress& progress) noexcept;
+  void (*decodeUtf8)(Cursor& cursor) noexcept;
+  void (*encodeUtf8)(Cursor& cursor) noexcept;
   /// Mixed single and double bytes to UCS-2 for a while, in the same way; never ends within a pair.
-  void (*decodeMixed)(Progress& progress, const VelStDoubleByteTable& table) noexcept;
+  void (*decodeMixed)(Cursor& cursor, const VelStDoubleByteTable& table) noexcept;
   /// The same with shifts. `isDouble` is the mode at the start, and then the one at the end.
-  void (*decodeShifted)(Progress& progress, const VelStDoubleByteTable& table, bool& isDouble) noexcept;
+  void (*decodeShifted)(Cursor& cursor, const VelStDoubleByteTable& table, bool& isDouble) noexcept;
 };
 
 extern const Kernels kPortableKernels;

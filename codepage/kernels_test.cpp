@@ -5,15 +5,15 @@
 
 #include <random>
 
-#include "codepage/test/loop_run.h"
+#include "codepage/test/kernel_run.h"
 #include "codepage/test/reference_mixed.h"
 #include "codepage/test/reference_utf8.h"
 #include "platform/test/guarded_memory.h"
 
 namespace {
 
+using vel::codepage::Cursor;
 using vel::codepage::Kernels;
-using vel::codepage::Progress;
 
 std::vector<const Kernels*> kernelTables() {
   std::vector<const Kernels*> tables{&vel::codepage::kPortableKernels};
@@ -79,13 +79,13 @@ TEST(Kernels, MoveBytesInEverySize) {
     }
 }
 
-using Loop = void (*)(Progress& progress) noexcept;
+using Loop = void (*)(Cursor& cursor) noexcept;
 using Reference = Outcome (*)(std::string_view source, std::size_t targetSize);
 
 /// What a loop did must be what the reference makes of the same part of the source. Returns the size of that
 /// part.
 std::size_t check(Loop loop, Reference reference, const std::string& source, std::size_t room) {
-  const Outcome done = runLoop(loop, source, room);
+  const Outcome done = runKernel(loop, source, room);
   EXPECT_EQ(done, reference(std::string_view(source).substr(0, done.consumed), room)) << hex(source);
   return done.consumed;
 }
@@ -221,11 +221,11 @@ class Guarded {
 template <typename Loop>
 auto asConversion(Loop loop) {
   return [loop](const char* source, std::size_t size, char* target, std::size_t room) {
-    Progress progress{source, source + size, target, target + room};
-    loop(progress);
-    EXPECT_LE(progress.source, source + size);
-    EXPECT_LE(progress.target, target + room);
-    return static_cast<std::size_t>(progress.target - target);
+    Cursor cursor{source, source + size, target, target + room};
+    loop(cursor);
+    EXPECT_LE(cursor.source, source + size);
+    EXPECT_LE(cursor.target, target + room);
+    return static_cast<std::size_t>(cursor.target - target);
   };
 }
 
@@ -263,10 +263,10 @@ TEST(Kernels, StayWithinTheirTexts) {
       return asConversion(kernels->encodeUtf8)(source, size / 2 * 2, target, room);
     };
     guarded.run("encodeUtf8", encode, twice, kLessRoom);
-    guarded.run("decodeMixed", asConversion([&](Progress& it) { kernels->decodeMixed(it, leads); }), twice,
+    guarded.run("decodeMixed", asConversion([&](Cursor& it) { kernels->decodeMixed(it, leads); }), twice,
                 kLessRoom);
     for (bool isDouble : {false, true})
-      guarded.run("decodeShifted", asConversion([&, isDouble](Progress& it) {
+      guarded.run("decodeShifted", asConversion([&, isDouble](Cursor& it) {
                     bool mode = isDouble;
                     kernels->decodeShifted(it, shifts, mode);
                   }),

@@ -3,7 +3,7 @@
 #include <iterator>
 
 #include "codepage/conversion.h"
-#include "codepage/page_characters.h"
+#include "codepage/page_decoder.h"
 #include "codepage/strict_reader.h"
 #include "foundation/allocator.h"
 
@@ -12,9 +12,9 @@ namespace vel::codepage {
 namespace {
 
 using Route = VelClConverterABase::VelEnRoute;
-using Kind = Meaning::Kind;
+using Kind = DecodeResult::Kind;
 
-struct SingleBytes {
+struct SingleByteMap {
   char16_t units[256];
   bool isUnmapped[256];
   bool hasUnmapped;
@@ -22,17 +22,19 @@ struct SingleBytes {
 
 class SingleByteReader : public Reader {
  public:
-  SingleByteReader(const VelClCCSID& source, const SingleBytes& bytes) : converter_(source), bytes_(bytes) {}
+  SingleByteReader(const VelClCCSID& source, const SingleByteMap& bytes)
+      : converter_(source), bytes_(bytes) {}
 
-  Reading read(const char* source, std::size_t size, bool, char16_t* units, std::size_t capacity) override {
-    Reading reading;
+  ReadResult read(const char* source, std::size_t size, bool, char16_t* units,
+                  std::size_t capacity) override {
+    ReadResult result;
     const std::size_t room = std::min(size, capacity);
-    reading.consumed = reading.units = bytes_.hasUnmapped ? mappedPrefix(source, room) : room;
-    convert(source, reading.units, units);
-    if (reading.consumed == room) return reading;
-    reading.fault = Fault::INVALID_SEQUENCE;
-    reading.faultSize = 1;
-    return reading;
+    result.consumed = result.units = bytes_.hasUnmapped ? mappedPrefix(source, room) : room;
+    convert(source, result.units, units);
+    if (result.consumed == room) return result;
+    result.fault = Fault::INVALID_SEQUENCE;
+    result.faultSize = 1;
+    return result;
   }
 
   std::size_t sizeBefore(const char*, std::size_t, std::size_t unit) const override { return unit; }
@@ -54,23 +56,23 @@ class SingleByteReader : public Reader {
     for (std::size_t i = 0; i < size; ++i) units[i] = bytes_.units[static_cast<unsigned char>(source[i])];
   }
 
-  ReadyToUnicode converter_;
-  SingleBytes bytes_;
+  CheckedToUnicode converter_;
+  SingleByteMap bytes_;
 };
 
-/// Keeps the meanings of the sequences that a text has, each in one place that its bytes give.
-class MeaningMemo {
+/// Keeps the results of the sequences that a text has, each in one place that its bytes give.
+class DecodeCache {
  public:
-  MeaningMemo() : entries_(kCount) {}
+  DecodeCache() : entries_(kCount) {}
 
   /// Unknown at first; the caller puts in what it finds out.
-  Meaning& at(const unsigned char* bytes, std::size_t size, bool isShifted) {
+  DecodeResult& at(const unsigned char* bytes, std::size_t size, bool isShifted) {
     std::uint32_t key = 0;
     for (std::size_t i = 0; i < size; ++i) key = key << 8 | bytes[i];
     const auto length = static_cast<std::uint8_t>(isShifted ? 0x80 + size : size);
     Entry& entry = entries_[(key + length) * 2654435761U >> (32 - kBits)];
     if (entry.key != key || entry.length != length) entry = {key, length, {}};
-    return entry.meaning;
+    return entry.decoded;
   }
 
  private:
@@ -80,7 +82,7 @@ class MeaningMemo {
   struct Entry {
     std::uint32_t key = 0;
     std::uint8_t length = 0;
-    Meaning meaning;
+    DecodeResult decoded;
   };
 
   Vector<Entry> entries_;
@@ -88,33 +90,33 @@ class MeaningMemo {
 
 class MixedReader : public Reader {
  public:
-  MixedReader(const VelClCCSID& source, const Meaning (&singles)[256])
-      : converter_(source), characters_(makePageCharacters(converter_)) {
+  MixedReader(const VelClCCSID& source, const DecodeResult (&singles)[256])
+      : converter_(source), decoder_(makePageDecoder(converter_)) {
     std::ranges::copy(singles, singles_);
   }
 
-  Reading read(const char* source, std::size_t size, bool isLast, char16_t* units,
-               std::size_t capacity) override {
+  ReadResult read(const char* source, std::size_t size, bool isLast, char16_t* units,
+                  std::size_t capacity) override {
     wasDouble_ = isDouble_;
-    Reading reading;
+    ReadResult result;
     Text text{reinterpret_cast<const unsigned char*>(source), size};
-    if (!walk(isDouble_, text, reading, units, capacity)) return reading;
-    if (isLast && reading.consumed < size && reading.fault == Fault::NONE && isCutOff_) {
-      reading.fault = Fault::INCOMPLETE;
-      reading.faultSize = size - reading.consumed;
+    if (!walk(isDouble_, text, result, units, capacity)) return result;
+    if (isLast && result.consumed < size && result.fault == Fault::NONE && endsTruncated_) {
+      result.fault = Fault::INCOMPLETE;
+      result.faultSize = size - result.consumed;
       isDouble_ = false;
-    } else if (isLast && reading.consumed == size && isDouble_) {
-      reading.fault = Fault::INCOMPLETE;
+    } else if (isLast && result.consumed == size && isDouble_) {
+      result.fault = Fault::INCOMPLETE;
       isDouble_ = false;
     }
-    return reading;
+    return result;
   }
 
   std::size_t sizeBefore(const char* source, std::size_t size, std::size_t unit) const override {
     bool isDouble = wasDouble_;
-    Reading reading;
-    walk(isDouble, {reinterpret_cast<const unsigned char*>(source), size}, reading, nullptr, unit);
-    return reading.consumed;
+    ReadResult result;
+    walk(isDouble, {reinterpret_cast<const unsigned char*>(source), size}, result, nullptr, unit);
+    return result.consumed;
   }
 
   void restart() override { isDouble_ = false; }
@@ -125,85 +127,86 @@ class MixedReader : public Reader {
     std::size_t size;
   };
   struct Step {
-    const Meaning* meaning;
+    const DecodeResult* decoded;
     std::size_t size;
   };
 
   /// Until the end, a fault, or the first character that does not fit; false for the last. Null units are
   /// only counted.
-  bool walk(bool& isDouble, const Text& text, Reading& reading, char16_t* units, std::size_t capacity) const {
-    isCutOff_ = false;
-    while (reading.consumed < text.size) {
-      const Text rest{text.bytes + reading.consumed, text.size - reading.consumed};
-      if (passShift(isDouble, *rest.bytes)) {
-        ++reading.consumed;
+  bool walk(bool& isDouble, const Text& text, ReadResult& result, char16_t* units,
+            std::size_t capacity) const {
+    endsTruncated_ = false;
+    while (result.consumed < text.size) {
+      const Text rest{text.bytes + result.consumed, text.size - result.consumed};
+      if (consumeShift(isDouble, *rest.bytes)) {
+        ++result.consumed;
         continue;
       }
       const Step step = isDouble ? pairAt(rest) : characterAt(rest);
-      if (step.meaning->kind == Kind::Prefix) {
-        isCutOff_ = true;
+      if (step.decoded->kind == Kind::Prefix) {
+        endsTruncated_ = true;
         return true;
       }
-      if (step.meaning->kind != Kind::Units) {
-        reading.fault = Fault::INVALID_SEQUENCE;
-        reading.faultSize = step.size;
+      if (step.decoded->kind != Kind::Units) {
+        result.fault = Fault::INVALID_SEQUENCE;
+        result.faultSize = step.size;
         return true;
       }
-      if (reading.units + step.meaning->count > capacity) return false;
-      if (units != nullptr) std::copy_n(step.meaning->units, step.meaning->count, units + reading.units);
-      reading.units += step.meaning->count;
-      reading.consumed += step.size;
+      if (result.units + step.decoded->count > capacity) return false;
+      if (units != nullptr) std::copy_n(step.decoded->units, step.decoded->count, units + result.units);
+      result.units += step.decoded->count;
+      result.consumed += step.size;
     }
     return true;
   }
 
   /// Whether a byte is a shift and no part of a character.
-  bool passShift(bool& isDouble, unsigned char byte) const {
-    if (!characters_->hasShifts() || (byte != kShiftOut && byte != kShiftIn)) return false;
+  bool consumeShift(bool& isDouble, unsigned char byte) const {
+    if (!decoder_->hasShifts() || (byte != kShiftOut && byte != kShiftIn)) return false;
     const bool toDouble = byte == kShiftOut;
-    if (toDouble == isDouble && !characters_->dropsIdleShifts()) return false;
+    if (toDouble == isDouble && !decoder_->ignoresRedundantShifts()) return false;
     isDouble = toDouble;
     return true;
   }
 
   Step pairAt(const Text& text) const {
-    if (text.size < 2) return {&kCutOff, 1};
-    Meaning& meaning = memo_.at(text.bytes, 2, true);
-    if (meaning.kind == Kind::Unknown) meaning = characters_->shiftedPair(text.bytes[0], text.bytes[1]);
-    return {&meaning, 2};
+    if (text.size < 2) return {&kTruncated, 1};
+    DecodeResult& decoded = cache_.at(text.bytes, 2, true);
+    if (decoded.kind == Kind::Unknown) decoded = decoder_->decodePair(text.bytes[0], text.bytes[1]);
+    return {&decoded, 2};
   }
 
   Step characterAt(const Text& text) const {
-    const Meaning* meaning = &singles_[*text.bytes];
+    const DecodeResult* decoded = &singles_[*text.bytes];
     std::size_t size = 1;
-    for (; meaning->kind == Kind::Prefix && size < std::min(text.size, kLongestSequence); ++size) {
-      Meaning& longer = memo_.at(text.bytes, size + 1, false);
-      if (longer.kind == Kind::Unknown) longer = characters_->sequence(text.bytes, size + 1);
-      meaning = &longer;
+    for (; decoded->kind == Kind::Prefix && size < std::min(text.size, kMaxSequence); ++size) {
+      DecodeResult& longer = cache_.at(text.bytes, size + 1, false);
+      if (longer.kind == Kind::Unknown) longer = decoder_->decodeSequence(text.bytes, size + 1);
+      decoded = &longer;
     }
-    if (meaning->kind == Kind::Prefix && size == kLongestSequence) meaning = &kNothing;
-    return {meaning, meaning->kind == Kind::FirstByteFault ? 1 : size};
+    if (decoded->kind == Kind::Prefix && size == kMaxSequence) decoded = &kInvalid;
+    return {decoded, decoded->kind == Kind::InvalidFirstByte ? 1 : size};
   }
 
-  static constexpr Meaning kCutOff{Kind::Prefix, 0, {}};
-  static constexpr Meaning kNothing{Kind::FirstByteFault, 0, {}};
+  static constexpr DecodeResult kTruncated{Kind::Prefix, 0, {}};
+  static constexpr DecodeResult kInvalid{Kind::InvalidFirstByte, 0, {}};
 
-  ReadyToUnicode converter_;
-  OwnedObject<PageCharacters> characters_;
-  Meaning singles_[256];
-  mutable MeaningMemo memo_;
-  mutable bool isCutOff_ = false;  ///< the last walk ended within a character
+  CheckedToUnicode converter_;
+  OwnedObject<PageDecoder> decoder_;
+  DecodeResult singles_[256];
+  mutable DecodeCache cache_;
+  mutable bool endsTruncated_ = false;  ///< the last walk ended within a character
   bool isDouble_ = false;
-  bool wasDouble_ = false;  ///< at the beginning of the last reading
+  bool wasDouble_ = false;  ///< at the beginning of the last result
 };
 
 /// False when not every byte is one unit, or none.
-bool takeSingleBytes(const Meaning (&meanings)[256], SingleBytes& bytes) {
+bool fillSingleByteMap(const DecodeResult (&results)[256], SingleByteMap& bytes) {
   for (std::size_t i = 0; i < 256; ++i) {
-    const Meaning& meaning = meanings[i];
-    const bool isFault = meaning.kind == Kind::Fault || meaning.kind == Kind::FirstByteFault;
-    if (!isFault && (meaning.kind != Kind::Units || meaning.count != 1)) return false;
-    bytes.units[i] = meaning.units[0];
+    const DecodeResult& decoded = results[i];
+    const bool isFault = decoded.kind == Kind::Invalid || decoded.kind == Kind::InvalidFirstByte;
+    if (!isFault && (decoded.kind != Kind::Units || decoded.count != 1)) return false;
+    bytes.units[i] = decoded.units[0];
     bytes.isUnmapped[i] = isFault;
   }
   bytes.hasUnmapped = std::ranges::find(bytes.isUnmapped, true) != std::end(bytes.isUnmapped);
@@ -213,16 +216,16 @@ bool takeSingleBytes(const Meaning (&meanings)[256], SingleBytes& bytes) {
 }  // namespace
 
 Reader* makePageReader(const VelClCCSID& source) {
-  const ReadyToUnicode converter(source);
+  const CheckedToUnicode converter(source);
   if (!converter.isSupported()) return nullptr;
-  const OwnedObject<PageCharacters> characters(makePageCharacters(converter));
-  Meaning meanings[256];
+  const OwnedObject<PageDecoder> decoder(makePageDecoder(converter));
+  DecodeResult results[256];
   for (unsigned int byte = 0; byte < 256; ++byte)
-    meanings[byte] = characters->single(static_cast<unsigned char>(byte));
-  const bool hasShifts = characters->hasShifts();
-  SingleBytes bytes;
-  if (!hasShifts && takeSingleBytes(meanings, bytes)) return create<SingleByteReader>(source, bytes);
-  return create<MixedReader>(source, meanings);
+    results[byte] = decoder->decodeSingle(static_cast<unsigned char>(byte));
+  const bool hasShifts = decoder->hasShifts();
+  SingleByteMap bytes;
+  if (!hasShifts && fillSingleByteMap(results, bytes)) return create<SingleByteReader>(source, bytes);
+  return create<MixedReader>(source, results);
 }
 
 }  // namespace vel::codepage

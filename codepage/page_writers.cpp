@@ -4,7 +4,7 @@
 
 #include "codepage/conversion.h"
 #include "codepage/conversion_tables.h"
-#include "codepage/page_characters.h"
+#include "codepage/page_decoder.h"
 #include "codepage/strict_writer.h"
 
 namespace vel::codepage {
@@ -22,7 +22,7 @@ constexpr unsigned char kAsciiSubstitute = 0x1A;
 struct Encoded {
   unsigned char bytes[16];
   std::size_t size;
-  bool comesBack;
+  bool roundTrips;
 };
 
 /// Tries characters with a converter that keeps nothing between them.
@@ -40,26 +40,26 @@ class Encoder {
     const std::size_t size = unitsOf(character, units) * kUnitSize;
     Encoded encoded{};
     if (isIcu()) {
-      IcuText text{reinterpret_cast<char*>(encoded.bytes), sizeof encoded.bytes,
-                   reinterpret_cast<const char*>(units), size, 0};
+      IcuBuffers text{reinterpret_cast<char*>(encoded.bytes), sizeof encoded.bytes,
+                      reinterpret_cast<const char*>(units), size, 0};
       encoded.size = callIcu(convertFromUnicode, conversionDataOf(converter_), text);
-      encoded.comesBack =
-          isFromIcu(encoded, units, size) && (character != kReplacement || !isSubstitute(encoded));
+      encoded.roundTrips =
+          roundTripsByIcu(encoded, units, size) && (character != kReplacement || !isSubstitute(encoded));
       return encoded;
     }
     encoded.size = converter_.convertBytes(reinterpret_cast<char*>(encoded.bytes), sizeof encoded.bytes,
                                            reinterpret_cast<const char*>(units), size);
-    encoded.comesBack = isFromTable(encoded, character);
+    encoded.roundTrips = roundTripsByTable(encoded, character);
     // Truncation leaves nothing that could stand for the character.
-    if (converter_.getRoute() == Route::ALGORITHM && !encoded.comesBack)
+    if (converter_.getRoute() == Route::ALGORITHM && !encoded.roundTrips)
       encoded = {{kAsciiSubstitute}, 1, false};
     return encoded;
   }
 
  private:
-  bool isFromIcu(const Encoded& encoded, const char16_t (&units)[2], std::size_t size) const {
+  bool roundTripsByIcu(const Encoded& encoded, const char16_t (&units)[2], std::size_t size) const {
     char back[16];
-    IcuText text{back, sizeof back, reinterpret_cast<const char*>(encoded.bytes), encoded.size, 0};
+    IcuBuffers text{back, sizeof back, reinterpret_cast<const char*>(encoded.bytes), encoded.size, 0};
     const std::size_t length = callIcu(convertToUnicode, conversionDataOf(converter_), text);
     return length == size && std::memcmp(back, units, size) == 0;
   }
@@ -71,13 +71,13 @@ class Encoder {
   }
 
   /// Without a table it is the system's conversion, which writes "?" for what is lacking.
-  bool isFromTable(const Encoded& encoded, char32_t character) const {
+  bool roundTripsByTable(const Encoded& encoded, char32_t character) const {
     if (encoded.size == 0) return false;
     if (table_ == nullptr) return encoded.bytes[0] != '?' || character == '?';
     return encoded.size == 1 && toHostOrder(table_[encoded.bytes[0]]) == character;
   }
 
-  ReadyFromUnicode converter_;
+  CheckedFromUnicode converter_;
   const std::uint16_t* table_;
 };
 
@@ -86,9 +86,9 @@ bool Encoder::isSingleByte() const {
   for (unsigned int byte = 0; byte < 256; ++byte) {
     const char in = static_cast<char>(byte);
     char16_t out[8];
-    IcuText text{reinterpret_cast<char*>(out), sizeof out, &in, 1, 0};
+    IcuBuffers text{reinterpret_cast<char*>(out), sizeof out, &in, 1, 0};
     const std::size_t size = callIcu(continueToUnicode, conversionDataOf(converter_), text, false);
-    IcuText end{reinterpret_cast<char*>(out), sizeof out, &in, 0, 0};
+    IcuBuffers end{reinterpret_cast<char*>(out), sizeof out, &in, 0, 0};
     callIcu(convertToUnicode, conversionDataOf(converter_), end);
     if (size == 0) return false;
   }
@@ -96,16 +96,16 @@ bool Encoder::isSingleByte() const {
 }
 
 /// What is known of characters, in pages that come with the first character of theirs.
-class CharacterMemo {
+class EncodingCache {
  public:
   using Entry = std::uint16_t;
-  static constexpr Entry kComesBack = 0x100;  ///< the low byte is that of single-byte targets
-  static constexpr Entry kLacking = 0x200;
+  static constexpr Entry kRoundTrips = 0x100;  ///< the low byte is that of single-byte targets
+  static constexpr Entry kUnmappable = 0x200;
 
-  CharacterMemo() : pages_(kPages) {}
-  CharacterMemo(const CharacterMemo&) = delete;
-  CharacterMemo& operator=(const CharacterMemo&) = delete;
-  ~CharacterMemo() {
+  EncodingCache() : pages_(kPages) {}
+  EncodingCache(const EncodingCache&) = delete;
+  EncodingCache& operator=(const EncodingCache&) = delete;
+  ~EncodingCache() {
     for (const Slot& slot : pages_)
       if (slot.page != &kUnknown) destroy(const_cast<Page*>(slot.page));
   }
@@ -113,13 +113,13 @@ class CharacterMemo {
   /// 0 for what is not known.
   Entry at(char32_t character) const { return pages_[character >> 8].page->entries[character & 0xFF]; }
   /// Writes the bytes of units, up to the first one that is not known to come back; returns how many.
-  std::size_t lookUp(const char16_t* __restrict units, std::size_t count, char* __restrict to) const {
+  std::size_t encodeCached(const char16_t* __restrict units, std::size_t count, char* __restrict to) const {
     constexpr std::size_t kSome = 4;
     std::size_t i = 0;
-    while (i + kSome <= count && lookUpSome(units + i, to + i)) i += kSome;
+    while (i + kSome <= count && encodeFour(units + i, to + i)) i += kSome;
     for (; i < count; ++i) {
       const Entry entry = at(units[i]);
-      if ((entry & kComesBack) == 0) break;
+      if ((entry & kRoundTrips) == 0) break;
       to[i] = static_cast<char>(entry);
     }
     return i;
@@ -141,7 +141,7 @@ class CharacterMemo {
   };
 
   /// Four units, mostly all of the first page; false when one of them does not come back.
-  bool lookUpSome(const char16_t* __restrict units, char* __restrict to) const {
+  bool encodeFour(const char16_t* __restrict units, char* __restrict to) const {
     constexpr std::uint64_t kHighBytes = 0xFF00FF00FF00FF00;
     std::uint64_t word;
     std::memcpy(&word, units, sizeof word);
@@ -151,7 +151,7 @@ class CharacterMemo {
     const Entry b = isFirst ? first[word >> 16 & 0xFF] : at(units[1]);
     const Entry c = isFirst ? first[word >> 32 & 0xFF] : at(units[2]);
     const Entry d = isFirst ? first[word >> 48] : at(units[3]);
-    if ((a & b & c & d & kComesBack) == 0) return false;
+    if ((a & b & c & d & kRoundTrips) == 0) return false;
     const std::uint32_t bytes = (a & 0xFFU) | (b & 0xFFU) << 8 | (c & 0xFFU) << 16 | (d & 0xFFU) << 24;
     std::memcpy(to, &bytes, sizeof bytes);
     return true;
@@ -160,7 +160,7 @@ class CharacterMemo {
   Vector<Slot> pages_;
 };
 
-constinit const CharacterMemo::Page CharacterMemo::kUnknown{};
+constinit const EncodingCache::Page EncodingCache::kUnknown{};
 
 class PageWriter : public Writer {
  public:
@@ -168,23 +168,24 @@ class PageWriter : public Writer {
 
  protected:
   const Encoder& encoder() const { return encoder_; }
-  const CharacterMemo& memo() const { return memo_; }
+  const EncodingCache& cache() const { return cache_; }
 
-  CharacterMemo::Entry entryOf(char32_t character) {
-    const CharacterMemo::Entry known = memo_.at(character);
+  EncodingCache::Entry entryOf(char32_t character) {
+    const EncodingCache::Entry known = cache_.at(character);
     if (known != 0) return known;
     Encoded encoded = encoder_.encode(character);
-    const CharacterMemo::Entry flag = encoded.comesBack ? CharacterMemo::kComesBack : CharacterMemo::kLacking;
+    const EncodingCache::Entry flag =
+        encoded.roundTrips ? EncodingCache::kRoundTrips : EncodingCache::kUnmappable;
     // Some characters become nothing at all.
     if (encoded.size == 0) encoded = encoder_.encode(kReplacement);
-    const auto entry = static_cast<CharacterMemo::Entry>(flag | encoded.bytes[0]);
-    memo_.set(character, entry);
+    const auto entry = static_cast<EncodingCache::Entry>(flag | encoded.bytes[0]);
+    cache_.set(character, entry);
     return entry;
   }
 
  private:
   Encoder encoder_;
-  CharacterMemo memo_;
+  EncodingCache cache_;
 };
 
 class SingleByteWriter : public PageWriter {
@@ -195,14 +196,14 @@ class SingleByteWriter : public PageWriter {
     char* to = output.reserve(count);
     std::size_t i = 0;
     while (i < count) {
-      const std::size_t known = memo().lookUp(units + i, count - i, to);
+      const std::size_t known = cache().encodeCached(units + i, count - i, to);
       i += known;
       to += known;
       output.commit(known);
       if (i == count) break;
       const Character character = characterAt(units + i);
-      const CharacterMemo::Entry entry = entryOf(character.value);
-      if ((entry & CharacterMemo::kComesBack) == 0) break;
+      const EncodingCache::Entry entry = entryOf(character.value);
+      if ((entry & EncodingCache::kRoundTrips) == 0) break;
       *to++ = static_cast<char>(entry);
       output.commit(1);
       i += character.units;
@@ -210,7 +211,7 @@ class SingleByteWriter : public PageWriter {
     return i;
   }
 
-  void force(char32_t character, Output& output) override {
+  void writeOrSubstitute(char32_t character, Output& output) override {
     *output.reserve(1) = static_cast<char>(entryOf(character));
     output.commit(1);
   }
@@ -225,17 +226,17 @@ class MixedWriter : public PageWriter {
     std::size_t i = 0;
     while (i < count) {
       const Character character = characterAt(units + i);
-      if ((entryOf(character.value) & CharacterMemo::kComesBack) == 0) break;
+      if ((entryOf(character.value) & EncodingCache::kRoundTrips) == 0) break;
       i += character.units;
     }
     convert(units, i, false, output);
     return i;
   }
 
-  void force(char32_t character, Output& output) override {
-    const bool vanishes = encoder().encode(character).size == 0;
+  void writeOrSubstitute(char32_t character, Output& output) override {
+    const bool isDropped = encoder().encode(character).size == 0;
     char16_t units[2];
-    convert(units, unitsOf(vanishes ? kReplacement : character, units), false, output);
+    convert(units, unitsOf(isDropped ? kReplacement : character, units), false, output);
   }
 
   void finish(Output& output) override { convert(nullptr, 0, true, output); }
@@ -246,7 +247,7 @@ class MixedWriter : public PageWriter {
     if (encoder().isIcu()) return convertByIcu(source, count * kUnitSize, isEnd, output);
     // The system's conversion takes an empty text for a failure.
     if (count == 0) return;
-    const std::size_t room = count * kLongestSequence;
+    const std::size_t room = count * kMaxSequence;
     output.commit(converter_.convertBytes(output.reserve(room), room, source, count * kUnitSize));
   }
 
@@ -254,7 +255,7 @@ class MixedWriter : public PageWriter {
     constexpr std::size_t kSome = 256;
     alignas(char16_t) const char none[kUnitSize] = {};
     const char* const end = size != 0 ? source + size : none;
-    IcuText text{nullptr, 0, size != 0 ? source : none, size, 0};
+    IcuBuffers text{nullptr, 0, size != 0 ? source : none, size, 0};
     do {
       text.target = output.reserve(kSome);
       text.targetSize = output.room();
@@ -263,7 +264,7 @@ class MixedWriter : public PageWriter {
     } while (text.status == kBufferOverflow);
   }
 
-  ReadyFromUnicode converter_;  ///< another one: it keeps the state of the text
+  CheckedFromUnicode converter_;  ///< another one: it keeps the state of the text
 };
 
 }  // namespace

@@ -15,8 +15,8 @@
 
 namespace {
 
+using vel::codepage::IcuBuffers;
 using vel::codepage::IcuFunctions;
-using vel::codepage::IcuText;
 
 /// UTF-16 for a character's bytes, or nothing.
 using Peer = std::function<std::optional<std::string>(const std::string& bytes)>;
@@ -40,7 +40,7 @@ Peer icuPeer(const std::string& number) {
                                               [](const void* it) { icu.close(const_cast<void*>(it)); });
   return [converter](const std::string& bytes) {
     std::string units(16, '\0');
-    IcuText text{units.data(), units.size(), bytes.data(), bytes.size(), 0};
+    IcuBuffers text{units.data(), units.size(), bytes.data(), bytes.size(), 0};
     units.resize(vel::codepage::convertToUnicode(icu, converter.get(), text));
     return units;
   };

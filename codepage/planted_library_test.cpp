@@ -45,9 +45,9 @@ TEST(PlantedLibrary, IsNotTakenForIcu) {
   const vel::test::CurrentDirectory inside(directory.path());
   // The copy finds this library, with ICU beside it, along PATH.
   for (const auto& [program, path] : {std::pair{own, directory.path()}, {copy, own.parent_path().string()}}) {
-    const auto child = vel::test::runChild(
-        program.string(), {"--gtest_filter=*.DoesNotHideTheInstalledIcu", "--gtest_brief=1"},
-        {.environment = {{"PATH", path}}});
+    const auto child = vel::test::runChild(program.string(),
+                                           {"--gtest_filter=*.DoesNotHideTheInstalledIcu", "--gtest_brief=1"},
+                                           {.environment = {{"PATH", path}}});
     EXPECT_EQ(child.exitCode, 0) << child.output << child.errors;
     EXPECT_FALSE(fs::exists(mark)) << path;
   }

@@ -46,10 +46,10 @@ void lookUpBytes(char* target, const char* source, std::size_t size, const std::
 
 /// The loops below look at a piece of the source, and write a piece of the target, of which only a part may
 /// count.
-constexpr std::size_t kPiece = 32;
+constexpr std::size_t kBlock = 32;
 
-bool hasPieces(const Progress& progress) {
-  return progress.sourceSize() >= kPiece && progress.targetSize() >= kPiece;
+bool hasBlock(const Cursor& cursor) {
+  return cursor.sourceSize() >= kBlock && cursor.targetSize() >= kBlock;
 }
 
 /// Eight bytes to eight units, spread within numbers: compilers make worse of a loop among other code.
@@ -63,70 +63,70 @@ void widenEight(char* target, std::uint64_t bytes) {
 }
 
 /// All of 16 bytes, or those before the first of eight that is not ASCII. False when that one is next.
-bool decodeAscii(Progress& progress) {
+bool decodeAscii(Cursor& cursor) {
   constexpr std::uint64_t kTopBits = 0x8080808080808080;
-  const std::uint64_t first = readWord(progress.source);
-  const std::uint64_t second = readWord(progress.source + 8);
+  const std::uint64_t first = readWord(cursor.source);
+  const std::uint64_t second = readWord(cursor.source + 8);
   if (((first | second) & kTopBits) == 0) {
-    widenEight(progress.target, first);
-    widenEight(progress.target + 8 * kUnitSize, second);
-    progress.source += 16;
-    progress.target += 16 * kUnitSize;
+    widenEight(cursor.target, first);
+    widenEight(cursor.target + 8 * kUnitSize, second);
+    cursor.source += 16;
+    cursor.target += 16 * kUnitSize;
     return true;
   }
-  widenEight(progress.target, first);
+  widenEight(cursor.target, first);
   const auto count = static_cast<std::size_t>(std::countr_zero(first & kTopBits)) / 8;
-  progress.source += count;
-  progress.target += count * kUnitSize;
+  cursor.source += count;
+  cursor.target += count * kUnitSize;
   return count == 8;
 }
 
 /// Two or three bytes, of which nothing is checked but that the sum is one unit.
-bool decodeUnit(Progress& progress, std::uint32_t value, std::size_t size) {
+bool decodeUnit(Cursor& cursor, std::uint32_t value, std::size_t size) {
   if (value > 0xFFFF) return false;
-  writeUnit(progress.target, static_cast<std::uint16_t>(value));
-  progress.source += size;
-  progress.target += kUnitSize;
+  writeUnit(cursor.target, static_cast<std::uint16_t>(value));
+  cursor.source += size;
+  cursor.target += kUnitSize;
   return true;
 }
 
 /// Four bytes that become a pair.
-bool decodePair(Progress& progress, std::uint32_t value) {
+bool decodePair(Cursor& cursor, std::uint32_t value) {
   if (value < 0x10000 || value > 0x10FFFF) return false;
-  writeUnit(progress.target, static_cast<std::uint16_t>(0xD7C0 + (value >> 10)));
-  writeUnit(progress.target + kUnitSize, static_cast<std::uint16_t>(0xDC00 + (value & 0x3FF)));
-  progress.source += 4;
-  progress.target += 2 * kUnitSize;
+  writeUnit(cursor.target, static_cast<std::uint16_t>(0xD7C0 + (value >> 10)));
+  writeUnit(cursor.target + kUnitSize, static_cast<std::uint16_t>(0xDC00 + (value & 0x3FF)));
+  cursor.source += 4;
+  cursor.target += 2 * kUnitSize;
   return true;
 }
 
 /// A character that is not ASCII, of up to four bytes. False, with nothing done, for any other.
-bool decodeSequence(Progress& progress) {
-  const auto* const text = reinterpret_cast<const unsigned char*>(progress.source);
+bool decodeSequence(Cursor& cursor) {
+  const auto* const text = reinterpret_cast<const unsigned char*>(cursor.source);
   const std::uint32_t lead = text[0];
   if (lead < 0xC0 || lead > 0xF4) return false;
   const std::uint32_t two = (lead << 6) + text[1];
-  if (lead < 0xE0) return decodeUnit(progress, two - 0x3080, 2);
+  if (lead < 0xE0) return decodeUnit(cursor, two - 0x3080, 2);
   const std::uint32_t three = (two << 6) + text[2];
-  if (lead < 0xF0) return decodeUnit(progress, three - 0xE2080, 3);
-  return decodePair(progress, (three << 6) + text[3] - 0x3C82080);
+  if (lead < 0xF0) return decodeUnit(cursor, three - 0xE2080, 3);
+  return decodePair(cursor, (three << 6) + text[3] - 0x3C82080);
 }
 
 /// False when only single characters go on.
-bool decodePieces(Progress& progress) {
-  if (decodeAscii(progress)) return true;
+bool decodeBlocks(Cursor& cursor) {
+  if (decodeAscii(cursor)) return true;
   do {
-    if (!hasPieces(progress) || !decodeSequence(progress)) return false;
-  } while (static_cast<signed char>(*progress.source) < 0);
+    if (!hasBlock(cursor) || !decodeSequence(cursor)) return false;
+  } while (static_cast<signed char>(*cursor.source) < 0);
   return true;
 }
 
-void decodeUtf8(Progress& progress) noexcept {
+void decodeUtf8(Cursor& cursor) noexcept {
   // A copy can live in registers: what is written to the target cannot change it.
-  Progress here = progress;
-  while (hasPieces(here) && decodePieces(here)) {
+  Cursor local = cursor;
+  while (hasBlock(local) && decodeBlocks(local)) {
   }
-  progress = here;
+  cursor = local;
 }
 
 // ---- UCS-2 to UTF-8 --------------------------------------------------------------------------
@@ -142,105 +142,105 @@ constexpr std::size_t kUnitsInWord = 4;
 
 /// Units below 0x800: one or two bytes are written, and as many counted. There is no jump, as long as the
 /// compiler does not see a condition.
-void encodeShort(Progress& progress, std::uint64_t units) {
+void encodeUpToTwoBytes(Cursor& cursor, std::uint64_t units) {
   for (std::size_t i = 0; i < kUnitsInWord; ++i) {
     const std::uint32_t unit = units >> (16 * i) & 0x7FF;
     const std::uint32_t isTwo = (0x7F - unit) >> 31;
     const std::uint32_t two = 0x80C0 | unit >> 6 | (unit & 0x3F) << 8;
-    writeUnit(progress.target, static_cast<std::uint16_t>(unit ^ ((two ^ unit) & (0 - isTwo))));
-    progress.target += 1 + isTwo;
+    writeUnit(cursor.target, static_cast<std::uint16_t>(unit ^ ((two ^ unit) & (0 - isTwo))));
+    cursor.target += 1 + isTwo;
   }
-  progress.source += kUnitsInWord * kUnitSize;
+  cursor.source += kUnitsInWord * kUnitSize;
 }
 
 /// 16 ASCII units, or four below 0x800. False when there are others among the next four.
-bool encodeSome(Progress& progress) {
+bool encodeRun(Cursor& cursor) {
   constexpr std::uint64_t kNotAscii = 0xFF80FF80FF80FF80;
-  constexpr std::uint64_t kNotShort = 0xF800F800F800F800;
-  const std::uint64_t first = readWord(progress.source);
-  const std::uint64_t second = readWord(progress.source + 8);
-  const std::uint64_t third = readWord(progress.source + 16);
-  const std::uint64_t fourth = readWord(progress.source + 24);
+  constexpr std::uint64_t kAboveTwoBytes = 0xF800F800F800F800;
+  const std::uint64_t first = readWord(cursor.source);
+  const std::uint64_t second = readWord(cursor.source + 8);
+  const std::uint64_t third = readWord(cursor.source + 16);
+  const std::uint64_t fourth = readWord(cursor.source + 24);
   if (((first | second | third | fourth) & kNotAscii) == 0) {
-    narrowFour(progress.target, first);
-    narrowFour(progress.target + 4, second);
-    narrowFour(progress.target + 8, third);
-    narrowFour(progress.target + 12, fourth);
-    progress.source += 4 * kUnitsInWord * kUnitSize;
-    progress.target += 4 * kUnitsInWord;
+    narrowFour(cursor.target, first);
+    narrowFour(cursor.target + 4, second);
+    narrowFour(cursor.target + 8, third);
+    narrowFour(cursor.target + 12, fourth);
+    cursor.source += 4 * kUnitsInWord * kUnitSize;
+    cursor.target += 4 * kUnitsInWord;
     return true;
   }
-  if ((first & kNotShort) != 0) return false;
-  encodeShort(progress, first);
+  if ((first & kAboveTwoBytes) != 0) return false;
+  encodeUpToTwoBytes(cursor, first);
   return true;
 }
 
 /// Writes four bytes, the lowest first, of which `size` count.
-void writeSequence(Progress& progress, std::uint32_t bytes, std::size_t size) {
-  std::memcpy(progress.target, &bytes, sizeof bytes);
-  progress.target += size;
-  progress.source += size == 4 ? 2 * kUnitSize : kUnitSize;
+void writeSequence(Cursor& cursor, std::uint32_t bytes, std::size_t size) {
+  std::memcpy(cursor.target, &bytes, sizeof bytes);
+  cursor.target += size;
+  cursor.source += size == 4 ? 2 * kUnitSize : kUnitSize;
 }
 
 /// A pair of surrogates; false, with nothing done, for one alone.
-bool encodePair(Progress& progress, std::uint32_t high) {
-  const std::uint32_t low = readUnit(progress.source + kUnitSize);
+bool encodePair(Cursor& cursor, std::uint32_t high) {
+  const std::uint32_t low = readUnit(cursor.source + kUnitSize);
   if (!isHighSurrogate(high) || !isLowSurrogate(low)) return false;
   const std::uint32_t value = characterOfPair(high, low);
   writeSequence(
-      progress,
+      cursor,
       0x808080F0 | value >> 18 | (value >> 12 & 0x3F) << 8 | (value >> 6 & 0x3F) << 16 | (value & 0x3F) << 24,
       4);
   return true;
 }
 
-void encodeThree(Progress& progress, std::uint32_t unit) {
-  writeSequence(progress, 0x8080E0 | unit >> 12 | (unit >> 6 & 0x3F) << 8 | (unit & 0x3F) << 16, 3);
+void encodeThreeBytes(Cursor& cursor, std::uint32_t unit) {
+  writeSequence(cursor, 0x8080E0 | unit >> 12 | (unit >> 6 & 0x3F) << 8 | (unit & 0x3F) << 16, 3);
 }
 
 /// A character; false, with nothing done, for one that is invalid. Most are of the first kind.
-bool encodeCharacter(Progress& progress) {
-  const std::uint32_t unit = readUnit(progress.source);
+bool encodeCharacter(Cursor& cursor) {
+  const std::uint32_t unit = readUnit(cursor.source);
   if (unit >= 0x800 && unit < 0xD800) {
-    encodeThree(progress, unit);
+    encodeThreeBytes(cursor, unit);
     return true;
   }
   if (unit < 0x80) {
-    *progress.target++ = static_cast<char>(unit);
-    progress.source += kUnitSize;
+    *cursor.target++ = static_cast<char>(unit);
+    cursor.source += kUnitSize;
     return true;
   }
   if (unit < 0x800) {
-    writeSequence(progress, 0x80C0 | unit >> 6 | (unit & 0x3F) << 8, 2);
+    writeSequence(cursor, 0x80C0 | unit >> 6 | (unit & 0x3F) << 8, 2);
     return true;
   }
-  if (unit < 0xE000) return encodePair(progress, unit);
+  if (unit < 0xE000) return encodePair(cursor, unit);
   if (unit >= 0xFFFE || (unit >= 0xFDD0 && unit <= 0xFDEF)) return false;
-  encodeThree(progress, unit);
+  encodeThreeBytes(cursor, unit);
   return true;
 }
 
 /// False when only single characters go on.
-bool encodePieces(Progress& progress) {
-  if (encodeSome(progress)) return true;
+bool encodeBlocks(Cursor& cursor) {
+  if (encodeRun(cursor)) return true;
   do {
-    if (!hasPieces(progress) || !encodeCharacter(progress)) return false;
-  } while (readUnit(progress.source) >= 0x800);
+    if (!hasBlock(cursor) || !encodeCharacter(cursor)) return false;
+  } while (readUnit(cursor.source) >= 0x800);
   return true;
 }
 
-void encodeUtf8(Progress& progress) noexcept {
-  Progress here = progress;
-  while (hasPieces(here) && encodePieces(here)) {
+void encodeUtf8(Cursor& cursor) noexcept {
+  Cursor local = cursor;
+  while (hasBlock(local) && encodeBlocks(local)) {
   }
-  progress = here;
+  cursor = local;
 }
 
 // ---- Mixed bytes -----------------------------------------------------------------------------
 
 /// All is left to the walk, character by character, that follows.
-void decodeMixed(Progress&, const VelStDoubleByteTable&) noexcept {}
-void decodeShifted(Progress&, const VelStDoubleByteTable&, bool&) noexcept {}
+void decodeMixed(Cursor&, const VelStDoubleByteTable&) noexcept {}
+void decodeShifted(Cursor&, const VelStDoubleByteTable&, bool&) noexcept {}
 
 }  // namespace
 

@@ -6,7 +6,7 @@ namespace {
 
 struct Alias {
   std::uint32_t ccsid;
-  std::uint32_t meant;
+  std::uint32_t resolved;
 };
 
 // Tables and ICU know these under other numbers; from UCS-2 only the first two count. Keep.
@@ -15,9 +15,9 @@ constexpr Alias kAliases[] = {{18030, 1392}, {5488, 1392}, {5026, 930}, {5035, 9
 constexpr std::size_t kAliasesFromUcs2 = 2;
 
 template <std::size_t count>
-std::uint32_t meantBy(std::uint32_t ccsid, const Alias (&aliases)[count], std::size_t used = count) {
+std::uint32_t resolveAlias(std::uint32_t ccsid, const Alias (&aliases)[count], std::size_t used = count) {
   for (std::size_t i = 0; i < used; ++i)
-    if (aliases[i].ccsid == ccsid) return aliases[i].meant;
+    if (aliases[i].ccsid == ccsid) return aliases[i].resolved;
   return ccsid;
 }
 
@@ -49,18 +49,18 @@ void VelClConverterABase::initCodePage2Unicode() {
   if (const VelConversionFunction function = functionBetweenUcs2(ccsid))
     return useFunction(function, nullptr);
   if (ccsid == VelClCCSID::CCSID_UTF8) return useFunction(&velConvertByAlgorithmUTF8toUCS2, nullptr);
-  const std::uint32_t meant = meantBy(ccsid, kAliases);
-  if (const uint16_t* const table = velGetSBCStoUCS2Table(meant)) {
+  const std::uint32_t resolved = resolveAlias(ccsid, kAliases);
+  if (const uint16_t* const table = velGetSBCStoUCS2Table(resolved)) {
     return useFunction(
         source_.isEBCDIC() ? &velConvertByTablesSBCS_EBCDICtoUCS2 : &velConvertByTablesSBCS_ASCIItoUCS2,
         table);
   }
   bool isEbcdic = false;
-  if (const VelStDoubleByteTable* const table = velGetDBCStoUCS2Table(meant, isEbcdic)) {
+  if (const VelStDoubleByteTable* const table = velGetDBCStoUCS2Table(resolved, isEbcdic)) {
     return useFunction(isEbcdic ? &velConvertByTablesDBCS_EBCDICtoUCS2 : &velConvertByTablesDBCS_ASCIItoUCS2,
                        table);
   }
-  if (!useIcu(meant, &velConvertByAlgorithmIcuToUnicode)) useNothing();
+  if (!useIcu(resolved, &velConvertByAlgorithmIcuToUnicode)) useNothing();
 }
 
 void VelClConverterABase::initUnicode2CodePage() {
@@ -72,9 +72,9 @@ void VelClConverterABase::initUnicode2CodePage() {
     return useFunction(&velConvertByTablesUCS2toSBCS, table);
   if (ccsid == VelClCCSID::CCSID_819) return useFunction(&velConvertByAlgorithmUCS2to819, nullptr);
   if (ccsid == VelClCCSID::CCSID_UTF8) return useFunction(&velConvertByAlgorithmUCS2toUTF8, nullptr);
-  const std::uint32_t meant = meantBy(ccsid, kAliases, kAliasesFromUcs2);
-  if (useIcu(meant, &velConvertByAlgorithmIcuFromUnicode)) return;
-  if (isCodePageOfSystem(meant)) return useFunction(&velConvertByWindowsCallUCS2ToWinCP, nullptr);
+  const std::uint32_t resolved = resolveAlias(ccsid, kAliases, kAliasesFromUcs2);
+  if (useIcu(resolved, &velConvertByAlgorithmIcuFromUnicode)) return;
+  if (isCodePageOfSystem(resolved)) return useFunction(&velConvertByWindowsCallUCS2ToWinCP, nullptr);
   useNothing();
 }
 

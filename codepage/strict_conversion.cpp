@@ -8,14 +8,14 @@
 
 #include "base/digits.h"
 #include "codepage/conversion.h"
-#include "codepage/page_characters.h"
+#include "codepage/page_decoder.h"
 #include "codepage/strict_reader.h"
 #include "codepage/strict_writer.h"
 
 namespace {
 
 using vel::codepage::kLineFeed;
-using vel::codepage::kMostUnits;
+using vel::codepage::kMaxUnits;
 using vel::codepage::kNextLine;
 using vel::codepage::Output;
 
@@ -33,10 +33,10 @@ VelClCCSID withProperties(const VelClCCSID& ccsid) {
 
 /// A back-slash, a letter, and as many hexadecimal digits.
 void escape(vel::codepage::Writer& writer, Output& output, char letter, unsigned int number, int digits) {
-  writer.force(U'\\', output);
-  writer.force(static_cast<unsigned char>(letter), output);
+  writer.writeOrSubstitute(U'\\', output);
+  writer.writeOrSubstitute(static_cast<unsigned char>(letter), output);
   for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4)
-    writer.force(static_cast<unsigned char>(vel::kUpperHexDigits[number >> shift & 0xF]), output);
+    writer.writeOrSubstitute(static_cast<unsigned char>(vel::kUpperHexDigits[number >> shift & 0xF]), output);
 }
 
 void foldNextLines(char16_t* units, std::size_t count) {
@@ -46,7 +46,7 @@ void foldNextLines(char16_t* units, std::size_t count) {
 /// Compilers make vectors of it when the count is no wider than the units, of which there are few at once.
 template <typename Condition>
 std::uint16_t countUnits(const char16_t* begin, const char16_t* end, Condition condition) {
-  static_assert(kMostUnits <= 0xFFFF);
+  static_assert(kMaxUnits <= 0xFFFF);
   std::uint16_t count = 0;
   for (; begin != end; ++begin) count = static_cast<std::uint16_t>(count + (condition(*begin) ? 1 : 0));
   return count;
@@ -68,7 +68,7 @@ VelClStrictConversion::VelClStrictConversion(const VelClCCSID& source, const Vel
   // The object owns all of them, or none when memory runs out.
   vel::OwnedObject<vel::codepage::Reader> reader(vel::codepage::makeReader(source_));
   vel::OwnedObject<vel::codepage::Writer> writer(vel::codepage::makeWriter(withProperties(target)));
-  vel::OwnedBlock units(allocate<char16_t>(kMostUnits));
+  vel::OwnedBlock units(allocate<char16_t>(kMaxUnits));
   outputBuffer_ = allocate<char>(Output::kCapacity);
   units_ = static_cast<char16_t*>(units.release());
   writer_ = writer.release();
@@ -84,11 +84,11 @@ VelClStrictConversion::~VelClStrictConversion() {
 }
 
 VelClStrictConversion::VelEnRoute VelClStrictConversion::getRouteToUcs2(const VelClCCSID& source) {
-  return vel::codepage::ReadyToUnicode(withProperties(source)).getRoute();
+  return vel::codepage::CheckedToUnicode(withProperties(source)).getRoute();
 }
 
 VelClStrictConversion::VelEnRoute VelClStrictConversion::getRouteFromUcs2(const VelClCCSID& target) {
-  return vel::codepage::ReadyFromUnicode(withProperties(target)).getRoute();
+  return vel::codepage::CheckedFromUnicode(withProperties(target)).getRoute();
 }
 
 void VelClStrictConversion::restart() {
@@ -160,19 +160,19 @@ bool VelClStrictConversion::convertKept(const char*& source, size_t& size, bool 
 size_t VelClStrictConversion::convertBlock(const char* source, size_t size, bool isLast, Output& output) {
   const char* const begin = source;
   while (!hasStopped_) {
-    const vel::codepage::Reading reading = reader_->read(source, size, isLast, units_, kMostUnits);
-    if (foldsNextLine_) foldNextLines(units_, reading.units);
-    if (!writeUnits(source, size, reading.units, output)) break;
-    source += reading.consumed;
-    size -= reading.consumed;
-    offset_ += reading.consumed;
-    if (reading.fault != VelEnFault::NONE) {
-      takeBadBytes(reading.fault, source, reading.faultSize, output);
+    const vel::codepage::ReadResult result = reader_->read(source, size, isLast, units_, kMaxUnits);
+    if (foldsNextLine_) foldNextLines(units_, result.units);
+    if (!writeUnits(source, size, result.units, output)) break;
+    source += result.consumed;
+    size -= result.consumed;
+    offset_ += result.consumed;
+    if (result.fault != VelEnFault::NONE) {
+      takeBadBytes(result.fault, source, result.faultSize, output);
       if (hasStopped_) break;
-      source += reading.faultSize;
-      size -= reading.faultSize;
-      offset_ += reading.faultSize;
-    } else if (reading.consumed == 0) {
+      source += result.faultSize;
+      size -= result.faultSize;
+      offset_ += result.faultSize;
+    } else if (result.consumed == 0) {
       break;
     }
   }
@@ -201,7 +201,7 @@ size_t VelClStrictConversion::takeLackingCharacter(const char* source, size_t si
   if (!this->count(VelEnFault::NOT_REPRESENTABLE, offset_ + before, character.value, nullptr, 0)) {
     offset_ += before;
   } else if (policy_ == VelEnPolicy::REPLACE) {
-    writer_->force(character.value, output);
+    writer_->writeOrSubstitute(character.value, output);
   } else if (policy_ == VelEnPolicy::ESCAPE) {
     const bool isLong = character.value > 0xFFFF;
     escape(*writer_, output, isLong ? 'U' : 'u', character.value, isLong ? 8 : 4);
@@ -212,7 +212,7 @@ size_t VelClStrictConversion::takeLackingCharacter(const char* source, size_t si
 void VelClStrictConversion::takeBadBytes(VelEnFault kind, const char* bytes, size_t size, Output& output) {
   if (!count(kind, offset_, 0, bytes, size) || size == 0) return;
   column_ += 1;
-  if (policy_ == VelEnPolicy::REPLACE) writer_->force(kReplacement, output);
+  if (policy_ == VelEnPolicy::REPLACE) writer_->writeOrSubstitute(kReplacement, output);
   if (policy_ != VelEnPolicy::ESCAPE) return;
   for (size_t i = 0; i < size; ++i) escape(*writer_, output, 'x', static_cast<unsigned char>(bytes[i]), 2);
 }

@@ -35,7 +35,7 @@ class Output {
 };
 
 /// What a writer is given at once; every target has room for it in the output.
-inline constexpr std::size_t kMostUnits = 8192;
+inline constexpr std::size_t kMaxUnits = 8192;
 
 class Writer {
  public:
@@ -44,7 +44,7 @@ class Writer {
   /// Writes units that are whole characters, up to the first one that the target lacks; returns how many.
   virtual std::size_t write(const char16_t* units, std::size_t count, Output& output) = 0;
   /// Writes a character, or what the target has in its place.
-  virtual void force(char32_t character, Output& output) = 0;
+  virtual void writeOrSubstitute(char32_t character, Output& output) = 0;
   /// Closes shifts.
   virtual void finish(Output&) {}
 };

@@ -12,7 +12,7 @@ using vel::codepage::Call;
 using vel::codepage::kUnitSize;
 
 /// The bytes that both sides have, without an odd one.
-std::size_t takeCommonSize(const Call& call) {
+std::size_t determineCommonSize(const Call& call) {
   const std::size_t size = std::min(call.sourceSize, call.targetSize);
   // An odd target size is reported like an odd source size. Keep.
   if (size % kUnitSize != 0) call.setError(vel::codepage::kIncomplete);
@@ -30,21 +30,21 @@ void lookUpUnits(char* __restrict target, const char* __restrict source, std::si
 }  // namespace
 
 size_t velConvertByCopying(VelClConverterABase::_VelStConverter& call) {
-  const std::size_t size = takeCommonSize(call);
+  const std::size_t size = determineCommonSize(call);
   if (size != 0) std::memcpy(call.target, *call.source, size);
   *call.source += size;
   return size;
 }
 
 size_t velConvertByEndianSwap(VelClConverterABase::_VelStConverter& call) {
-  const std::size_t size = takeCommonSize(call);
+  const std::size_t size = determineCommonSize(call);
   vel::codepage::kernels().swap(call.target, *call.source, size / kUnitSize);
   *call.source += size;
   return size;
 }
 
 size_t velConvertByTablesUCS2toSBCS(VelClConverterABase::_VelStConverter& call) {
-  const std::size_t units = vel::codepage::takeWholeUnits(call);
+  const std::size_t units = vel::codepage::countWholeUnits(call);
   assert(units <= call.targetSize);
   lookUpUnits(call.target, *call.source, units, static_cast<const unsigned char*>(call.getConversionData()));
   *call.source += units * kUnitSize;
@@ -53,7 +53,7 @@ size_t velConvertByTablesUCS2toSBCS(VelClConverterABase::_VelStConverter& call) 
 
 // Units above 0xFF lose their high byte; nothing is substituted. Keep.
 size_t velConvertByAlgorithmUCS2to819(VelClConverterABase::_VelStConverter& call) {
-  const std::size_t units = vel::codepage::takeWholeUnits(call);
+  const std::size_t units = vel::codepage::countWholeUnits(call);
   assert(units <= call.targetSize);
   vel::codepage::kernels().narrow(call.target, *call.source, units);
   *call.source += units * kUnitSize;

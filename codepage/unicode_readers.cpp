@@ -21,24 +21,37 @@ class WellFormedness {
     return kRows.rows[byte] >> (state & kPlaceMask);
   }
   static constexpr bool isWhole(std::uint64_t state) { return (state & kPlaceMask) == kWhole; }
-  static constexpr bool isWrong(std::uint64_t state) { return (state & kPlaceMask) == placeOf(kWrong); }
+  static constexpr bool isIllFormed(std::uint64_t state) {
+    return (state & kPlaceMask) == placeOf(kIllFormed);
+  }
 
  private:
-  enum State : unsigned int { kStart, kOneMore, kTwoMore, kThreeMore, kE0, kEd, kF0, kF4, kWrong, kStates };
+  enum State : unsigned int {
+    kStart,
+    kOneMore,
+    kTwoMore,
+    kThreeMore,
+    kE0,
+    kEd,
+    kF0,
+    kF4,
+    kIllFormed,
+    kStates
+  };
   static constexpr unsigned int kBits = 6;
   static constexpr std::uint64_t kPlaceMask = 0x3F;
   static constexpr std::uint64_t placeOf(State state) { return std::uint64_t{state} * kBits; }
 
   static consteval State afterLead(unsigned int byte) {
     if (byte < 0x80) return kStart;
-    if (byte < 0xC2 || byte > 0xF4) return kWrong;
+    if (byte < 0xC2 || byte > 0xF4) return kIllFormed;
     if (byte < 0xE0) return kOneMore;
     if (byte < 0xF0) return byte == 0xE0 ? kE0 : byte == 0xED ? kEd : kTwoMore;
     return byte == 0xF0 ? kF0 : byte == 0xF4 ? kF4 : kThreeMore;
   }
   static consteval State next(State state, unsigned int byte) {
     if (state == kStart) return afterLead(byte);
-    if (byte < 0x80 || byte > 0xBF) return kWrong;
+    if (byte < 0x80 || byte > 0xBF) return kIllFormed;
     switch (state) {
       case kOneMore:
         return kStart;
@@ -47,15 +60,15 @@ class WellFormedness {
       case kThreeMore:
         return kTwoMore;
       case kE0:
-        return byte >= 0xA0 ? kOneMore : kWrong;
+        return byte >= 0xA0 ? kOneMore : kIllFormed;
       case kEd:
-        return byte < 0xA0 ? kOneMore : kWrong;
+        return byte < 0xA0 ? kOneMore : kIllFormed;
       case kF0:
-        return byte >= 0x90 ? kTwoMore : kWrong;
+        return byte >= 0x90 ? kTwoMore : kIllFormed;
       case kF4:
-        return byte < 0x90 ? kTwoMore : kWrong;
+        return byte < 0x90 ? kTwoMore : kIllFormed;
       default:
-        return kWrong;
+        return kIllFormed;
     }
   }
   struct Rows {
@@ -71,11 +84,11 @@ class WellFormedness {
 
 constinit const WellFormedness::Rows WellFormedness::kRows;
 
-constexpr std::size_t kPiece = 32;
+constexpr std::size_t kBlock = 32;
 
-bool isAscii(const unsigned char* piece) {
-  std::uint64_t words[kPiece / 8];
-  std::memcpy(words, piece, sizeof words);
+bool isAscii(const unsigned char* block) {
+  std::uint64_t words[kBlock / 8];
+  std::memcpy(words, block, sizeof words);
   return ((words[0] | words[1] | words[2] | words[3]) & 0x8080808080808080) == 0;
 }
 
@@ -83,14 +96,14 @@ bool isAscii(const unsigned char* piece) {
 std::size_t wellFormedPrefix(const unsigned char* text, std::size_t size) {
   std::size_t i = 0;
   std::uint64_t state = WellFormedness::kWhole;
-  for (; i + kPiece <= size; i += kPiece) {
+  for (; i + kBlock <= size; i += kBlock) {
     if (WellFormedness::isWhole(state) && isAscii(text + i)) continue;
     std::uint64_t next = state;
-    for (std::size_t at = 0; at < kPiece; ++at) next = WellFormedness::step(next, text[i + at]);
-    if (WellFormedness::isWrong(next)) break;
+    for (std::size_t at = 0; at < kBlock; ++at) next = WellFormedness::step(next, text[i + at]);
+    if (WellFormedness::isIllFormed(next)) break;
     state = next;
   }
-  // The character that a piece began within is looked at from its beginning.
+  // The character that a block began within is looked at from its beginning.
   if (!WellFormedness::isWhole(state)) {
     do --i;
     while (text[i] < 0xC0);
@@ -107,20 +120,20 @@ class Utf8Reader : public Reader {
  public:
   explicit Utf8Reader(const VelClCCSID& source) : converter_(source) {}
 
-  Reading read(const char* source, std::size_t size, bool isLast, char16_t* units,
-               std::size_t capacity) override {
+  ReadResult read(const char* source, std::size_t size, bool isLast, char16_t* units,
+                  std::size_t capacity) override {
     const auto* const text = reinterpret_cast<const unsigned char*>(source);
     // No byte makes more than one unit.
-    Reading reading{.consumed = wellFormedPrefix(text, std::min(size, capacity))};
-    reading.units = converter_.convertBytes(reinterpret_cast<char*>(units), capacity * kUnitSize, source,
-                                            reading.consumed) /
-                    kUnitSize;
-    if (reading.consumed == size) return reading;
-    const Utf8Sequence next = utf8SequenceAt(text + reading.consumed, size - reading.consumed);
-    if (next.isWhole || (next.isCutOff && !isLast)) return reading;
-    reading.fault = next.isCutOff ? Fault::INCOMPLETE : Fault::INVALID_SEQUENCE;
-    reading.faultSize = next.size;
-    return reading;
+    ReadResult result{.consumed = wellFormedPrefix(text, std::min(size, capacity))};
+    result.units = converter_.convertBytes(reinterpret_cast<char*>(units), capacity * kUnitSize, source,
+                                           result.consumed) /
+                   kUnitSize;
+    if (result.consumed == size) return result;
+    const Utf8Sequence next = utf8SequenceAt(text + result.consumed, size - result.consumed);
+    if (next.isWhole || (next.isCutOff && !isLast)) return result;
+    result.fault = next.isCutOff ? Fault::INCOMPLETE : Fault::INVALID_SEQUENCE;
+    result.faultSize = next.size;
+    return result;
   }
 
   std::size_t sizeBefore(const char* source, std::size_t, std::size_t unit) const override {
@@ -162,23 +175,23 @@ class Utf16Reader : public Reader {
  public:
   explicit Utf16Reader(const VelClCCSID& source) : converter_(source) {}
 
-  Reading read(const char* source, std::size_t size, bool isLast, char16_t* units,
-               std::size_t capacity) override {
+  ReadResult read(const char* source, std::size_t size, bool isLast, char16_t* units,
+                  std::size_t capacity) override {
     const std::size_t count = std::min(size / kUnitSize, capacity);
     converter_.convertBytes(reinterpret_cast<char*>(units), capacity * kUnitSize, source, count * kUnitSize);
-    Reading reading;
-    reading.units = wholeCharacters(units, count);
-    reading.consumed = reading.units * kUnitSize;
-    const std::size_t left = size - reading.consumed;
-    if (reading.units < count && (reading.units + 1 < count || isLowSurrogate(units[reading.units]))) {
-      reading.fault = Fault::INVALID_SEQUENCE;
-      reading.faultSize = kUnitSize;
+    ReadResult result;
+    result.units = wholeCharacters(units, count);
+    result.consumed = result.units * kUnitSize;
+    const std::size_t left = size - result.consumed;
+    if (result.units < count && (result.units + 1 < count || isLowSurrogate(units[result.units]))) {
+      result.fault = Fault::INVALID_SEQUENCE;
+      result.faultSize = kUnitSize;
     } else if (isLast && left > 0 && left < 2 * kUnitSize && count < capacity) {
       // Half a pair, half a unit or both.
-      reading.fault = Fault::INCOMPLETE;
-      reading.faultSize = left;
+      result.fault = Fault::INCOMPLETE;
+      result.faultSize = left;
     }
-    return reading;
+    return result;
   }
 
   std::size_t sizeBefore(const char*, std::size_t, std::size_t unit) const override {

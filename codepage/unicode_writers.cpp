@@ -13,13 +13,13 @@ class UnicodeWriter : public Writer {
   explicit UnicodeWriter(const VelClCCSID& target) : converter_(target) {}
 
   std::size_t write(const char16_t* units, std::size_t count, Output& output) override {
-    constexpr std::size_t kMostBytes = 3;
-    char* const to = output.reserve(count * kMostBytes);
-    output.commit(converter_.convertBytes(to, count * kMostBytes, reinterpret_cast<const char*>(units),
+    constexpr std::size_t kMaxBytes = 3;
+    char* const to = output.reserve(count * kMaxBytes);
+    output.commit(converter_.convertBytes(to, count * kMaxBytes, reinterpret_cast<const char*>(units),
                                           count * kUnitSize));
     return count;
   }
-  void force(char32_t character, Output& output) override {
+  void writeOrSubstitute(char32_t character, Output& output) override {
     char16_t units[2];
     write(units, unitsOf(character, units), output);
   }

@@ -9,8 +9,8 @@
 namespace {
 
 using vel::codepage::Call;
+using vel::codepage::Cursor;
 using vel::codepage::kUnitSize;
-using vel::codepage::Progress;
 
 constexpr std::uint32_t kOffsets[] = {0x00000000, 0x00003080, 0x000E2080, 0x03C82080, 0xFA082080, 0x82082080};
 /// Sums beyond it have wrapped.
@@ -30,65 +30,65 @@ std::uint32_t decode(const unsigned char* text, unsigned int trailing) {
 }
 
 /// False when the target has no room.
-bool writeValue(Progress& progress, std::uint32_t value) {
+bool writeValue(Cursor& cursor, std::uint32_t value) {
   const bool isPair = value >= vel::kFirstSupplementary && value <= kMaxValue;
-  if (progress.targetSize() < (isPair ? 2 : 1) * kUnitSize) return false;
+  if (cursor.targetSize() < (isPair ? 2 : 1) * kUnitSize) return false;
   if (!isPair) {
     const char32_t unit = value > kMaxValue ? vel::kReplacementCharacter : char32_t{value};
-    vel::codepage::writeUnit(progress.target, static_cast<std::uint16_t>(unit));
-    progress.target += kUnitSize;
+    vel::codepage::writeUnit(cursor.target, static_cast<std::uint16_t>(unit));
+    cursor.target += kUnitSize;
     return true;
   }
   // Values above 0x10FFFF are not rejected; the high surrogate's place then holds some other unit. Keep.
-  vel::codepage::writeUnit(progress.target, vel::highSurrogateOf(value));
-  vel::codepage::writeUnit(progress.target + kUnitSize, vel::lowSurrogateOf(value));
-  progress.target += 2 * kUnitSize;
+  vel::codepage::writeUnit(cursor.target, vel::highSurrogateOf(value));
+  vel::codepage::writeUnit(cursor.target + kUnitSize, vel::lowSurrogateOf(value));
+  cursor.target += 2 * kUnitSize;
   return true;
 }
 
 /// One character; false when the conversion ends with an error.
-bool decodeCharacter(const Call& call, Progress& progress) {
-  const auto* const text = reinterpret_cast<const unsigned char*>(progress.source);
+bool decodeCharacter(const Call& call, Cursor& cursor) {
+  const auto* const text = reinterpret_cast<const unsigned char*>(cursor.source);
   const unsigned int trailing = trailingBytes(*text);
-  if (progress.sourceSize() <= trailing) {
+  if (cursor.sourceSize() <= trailing) {
     call.setError(vel::codepage::kIncomplete);
     return false;
   }
   // The character counts as consumed even when it does not fit. Keep.
-  progress.source += trailing + 1;
-  if (writeValue(progress, decode(text, trailing))) return true;
+  cursor.source += trailing + 1;
+  if (writeValue(cursor, decode(text, trailing))) return true;
   call.setError(vel::codepage::kTooBig);
   return false;
 }
 
 /// ASCII, as far as there is room.
-void decodeAscii(Progress& progress) {
-  std::size_t size = std::min(progress.sourceSize(), progress.targetSize() / kUnitSize);
-  for (; size > 0 && static_cast<signed char>(*progress.source) >= 0; --size) {
-    vel::codepage::writeUnit(progress.target, static_cast<unsigned char>(*progress.source++));
-    progress.target += kUnitSize;
+void decodeAscii(Cursor& cursor) {
+  std::size_t size = std::min(cursor.sourceSize(), cursor.targetSize() / kUnitSize);
+  for (; size > 0 && static_cast<signed char>(*cursor.source) >= 0; --size) {
+    vel::codepage::writeUnit(cursor.target, static_cast<unsigned char>(*cursor.source++));
+    cursor.target += kUnitSize;
   }
 }
 
 /// Some characters, before larger pieces are tried again.
-bool decodeCharacters(const Call& call, Progress& progress) {
+bool decodeCharacters(const Call& call, Cursor& cursor) {
   constexpr std::size_t kSome = 32;
-  decodeAscii(progress);
-  for (std::size_t i = 0; i < kSome && progress.source != progress.sourceEnd; ++i)
-    if (!decodeCharacter(call, progress)) return false;
+  decodeAscii(cursor);
+  for (std::size_t i = 0; i < kSome && cursor.source != cursor.sourceEnd; ++i)
+    if (!decodeCharacter(call, cursor)) return false;
   return true;
 }
 
 }  // namespace
 
 size_t velConvertByAlgorithmUTF8toUCS2(VelClConverterABase::_VelStConverter& call) {
-  Progress progress = vel::codepage::progressOf(call);
+  Cursor cursor = vel::codepage::cursorOf(call);
   const vel::codepage::Kernels& kernels = vel::codepage::kernels();
   do {
-    kernels.decodeUtf8(progress);
-  } while (progress.source != progress.sourceEnd && decodeCharacters(call, progress));
-  *call.source = progress.source;
-  return static_cast<std::size_t>(progress.target - call.target);
+    kernels.decodeUtf8(cursor);
+  } while (cursor.source != cursor.sourceEnd && decodeCharacters(call, cursor));
+  *call.source = cursor.source;
+  return static_cast<std::size_t>(cursor.target - call.target);
 }
 
 uint32_t VelClConverterABase::convertUtf8CharToUtf32(const char* text) {

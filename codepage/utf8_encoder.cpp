@@ -5,8 +5,8 @@
 namespace {
 
 using vel::codepage::Call;
+using vel::codepage::Cursor;
 using vel::codepage::kUnitSize;
-using vel::codepage::Progress;
 
 // U+FFFF stands for what is invalid, not U+FFFD. Keep.
 constexpr char32_t kInvalid = 0xFFFF;
@@ -31,36 +31,36 @@ Character characterAt(const char* source, std::size_t units) {
 }
 
 /// One character; false when it does not fit.
-bool encodeCharacter(Progress& progress) {
-  const Character character = characterAt(progress.source, progress.sourceSize() / kUnitSize);
+bool encodeCharacter(Cursor& cursor) {
+  const Character character = characterAt(cursor.source, cursor.sourceSize() / kUnitSize);
   // The character counts as consumed even when it does not fit. Keep.
-  progress.source += character.units * kUnitSize;
-  if (vel::utf8Length(character.value) > progress.targetSize()) return false;
-  progress.target += vel::encodeUtf8(character.value, progress.target);
+  cursor.source += character.units * kUnitSize;
+  if (vel::utf8Length(character.value) > cursor.targetSize()) return false;
+  cursor.target += vel::encodeUtf8(character.value, cursor.target);
   return true;
 }
 
 /// Some characters, before larger pieces are tried again.
-bool encodeCharacters(Progress& progress) {
+bool encodeCharacters(Cursor& cursor) {
   constexpr std::size_t kSome = 32;
-  for (std::size_t i = 0; i < kSome && progress.source != progress.sourceEnd; ++i)
-    if (!encodeCharacter(progress)) return false;
+  for (std::size_t i = 0; i < kSome && cursor.source != cursor.sourceEnd; ++i)
+    if (!encodeCharacter(cursor)) return false;
   return true;
 }
 
 }  // namespace
 
 size_t velConvertByAlgorithmUCS2toUTF8(VelClConverterABase::_VelStConverter& call) {
-  const std::size_t size = vel::codepage::takeWholeUnits(call) * kUnitSize;
-  Progress progress{*call.source, *call.source + size, call.target, call.target + call.targetSize};
+  const std::size_t size = vel::codepage::countWholeUnits(call) * kUnitSize;
+  Cursor cursor{*call.source, *call.source + size, call.target, call.target + call.targetSize};
   const vel::codepage::Kernels& kernels = vel::codepage::kernels();
   bool fits = true;
   do {
-    kernels.encodeUtf8(progress);
-    if (progress.source == progress.sourceEnd) break;
-    fits = encodeCharacters(progress);
+    kernels.encodeUtf8(cursor);
+    if (cursor.source == cursor.sourceEnd) break;
+    fits = encodeCharacters(cursor);
   } while (fits);
   if (!fits) call.setError(vel::codepage::kTooBig);
-  *call.source = progress.source;
-  return static_cast<std::size_t>(progress.target - call.target);
+  *call.source = cursor.source;
+  return static_cast<std::size_t>(cursor.target - call.target);
 }

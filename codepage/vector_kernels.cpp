@@ -15,11 +15,11 @@ constexpr Kernels kVectorKernels{&vectors::widen,       &vectors::narrow,       
 
 const Kernels* vectorKernels() noexcept {
   __builtin_cpu_init();
-  const bool isThere = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
-                       __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi") &&
-                       __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("bmi2") &&
-                       __builtin_cpu_supports("pclmul");
-  return isThere ? &kVectorKernels : nullptr;
+  const bool isSupported = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+                           __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi") &&
+                           __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("bmi2") &&
+                           __builtin_cpu_supports("pclmul");
+  return isSupported ? &kVectorKernels : nullptr;
 }
 
 #else

@@ -33,18 +33,18 @@ struct Starts {
 };
 
 /// What one block leaves to the next.
-struct Between {
-  std::uint64_t isDouble;  ///< both are 0 or 1: as numbers they need no jumps
+struct Carry {
+  std::uint64_t isDouble;  ///< both are 0 or 1: as indexes they need no jumps
   std::uint64_t trail;     ///< 1 when the first byte is a trail byte
 };
 
 /// Bytes that can be lead bytes come in rows, of which every second one begins a pair. The difference borrows
 /// from the start of a row to its end.
-inline Starts findPairs(std::uint64_t canLead, Between& between) {
-  const std::uint64_t rows = canLead & ~between.trail;
+inline Starts findPairs(std::uint64_t canLead, Carry& carry) {
+  const std::uint64_t rows = canLead & ~carry.trail;
   const std::uint64_t ends = ((rows << 1 | ~kEven) - rows) ^ ~kEven;
-  const Starts starts{~(ends ^ (rows | between.trail)), ends & rows};
-  between.trail = starts.pairs >> 63;
+  const Starts starts{~(ends ^ (rows | carry.trail)), ends & rows};
+  carry.trail = starts.pairs >> 63;
   return starts;
 }
 
@@ -54,108 +54,108 @@ inline std::uint64_t lowest(std::size_t count) {
 }
 
 /// Runs of pairs and of single bytes by turns.
-inline Starts findRuns(std::uint64_t shiftOut, std::uint64_t shiftIn, Between& between) {
+inline Starts findRuns(std::uint64_t shiftOut, std::uint64_t shiftIn, Carry& carry) {
   Starts starts{0, 0};
-  for (std::size_t at = between.trail; at < kBlock; ++at, between.isDouble ^= 1) {
-    const std::uint64_t shifts = between.isDouble != 0 ? shiftIn >> at & kEven : shiftOut >> at;
+  for (std::size_t at = carry.trail; at < kBlock; ++at, carry.isDouble ^= 1) {
+    const std::uint64_t shifts = carry.isDouble != 0 ? shiftIn >> at & kEven : shiftOut >> at;
     const auto run = std::min(static_cast<std::size_t>(std::countr_zero(shifts)), kBlock - at);
-    starts.all |= (lowest(run) & (between.isDouble != 0 ? kEven : ~0ULL)) << at;
-    if (between.isDouble != 0) starts.pairs |= (lowest(run) & kEven) << at;
+    starts.all |= (lowest(run) & (carry.isDouble != 0 ? kEven : ~0ULL)) << at;
+    if (carry.isDouble != 0) starts.pairs |= (lowest(run) & kEven) << at;
     at += run;
     if (at == kBlock) break;
   }
-  between.trail = starts.pairs >> 63;
+  carry.trail = starts.pairs >> 63;
   return starts;
 }
 
 /// In each bit, whether the number of bits up to it is odd.
-VEL_VECTOR inline std::uint64_t parities(std::uint64_t bits) {
+VEL_VECTOR inline std::uint64_t prefixXor(std::uint64_t bits) {
   const __m128i product =
       _mm_clmulepi64_si128(_mm_set_epi64x(0, static_cast<long long>(bits)), _mm_set1_epi8(-1), 0);
   return static_cast<std::uint64_t>(_mm_cvtsi128_si64(product));
 }
 
 /// The same without a loop, for shifts that come by turns and do not divide a pair.
-VEL_VECTOR inline Starts findTidyRuns(std::uint64_t shiftOut, std::uint64_t shiftIn, Between& between) {
-  const std::uint64_t in = shiftIn & ~between.trail;
-  const std::uint64_t out = shiftOut & ~between.trail;
-  const std::uint64_t isDoubleBehind = parities(in | out) ^ (0 - between.isDouble);
-  const std::uint64_t isDouble = isDoubleBehind << 1 | between.isDouble;
-  const std::uint64_t pairBytes = isDouble & ~in & ~between.trail;
+VEL_VECTOR inline Starts findAlternatingRuns(std::uint64_t shiftOut, std::uint64_t shiftIn, Carry& carry) {
+  const std::uint64_t in = shiftIn & ~carry.trail;
+  const std::uint64_t out = shiftOut & ~carry.trail;
+  const std::uint64_t isDoubleAfter = prefixXor(in | out) ^ (0 - carry.isDouble);
+  const std::uint64_t isDouble = isDoubleAfter << 1 | carry.isDouble;
+  const std::uint64_t pairBytes = isDouble & ~in & ~carry.trail;
   // When no pair is divided, every second byte of all runs together is a lead byte.
   const std::uint64_t pairs = _pdep_u64(kEven, pairBytes);
-  const std::uint64_t trails = (pairBytes & ~pairs) | between.trail;
-  const std::uint64_t mayEnd = (trails | out) << 1 | between.isDouble;
+  const std::uint64_t trails = (pairBytes & ~pairs) | carry.trail;
+  const std::uint64_t mayEnd = (trails | out) << 1 | carry.isDouble;
   if (((in & ~mayEnd) | (out & isDouble)) != 0) [[unlikely]]
-    return findRuns(shiftOut, shiftIn, between);
-  between = {isDoubleBehind >> 63, pairs >> 63};
+    return findRuns(shiftOut, shiftIn, carry);
+  carry = {isDoubleAfter >> 63, pairs >> 63};
   return {pairs | ~(isDouble | out), pairs};
 }
 
-/// Looks up what stands at `numbers`, four of them read at once, and writes as many units or a few more.
-inline void writeUnits(char* target, const std::uint16_t* units, const std::uint16_t* numbers,
-                       std::size_t count) {
+/// Looks up what stands at `indexes`, four of them read at once, and writes as many units or a few more.
+inline void writeIndexedUnits(char* target, const std::uint16_t* units, const std::uint16_t* indexes,
+                              std::size_t count) {
   constexpr std::size_t kStep = 8;
   for (std::size_t i = 0; i < count; i += kStep)
     for (std::size_t k = i; k < i + kStep; k += 4) {
       std::uint64_t four;
-      std::memcpy(&four, numbers + k, sizeof four);
+      std::memcpy(&four, indexes + k, sizeof four);
       for (std::size_t j = 0; j < 4; ++j)
         writeUnit(target + (k + j) * kUnitSize, toHostOrder(units[four >> 16 * j & 0xFFFF]));
     }
 }
 
 /// The number of a character's unit, counted from the first page on, has its page as the high byte.
-VEL_VECTOR inline void decodeBlock(Progress& progress, const DoubleByteTable& table, const ByteTable& pages,
+VEL_VECTOR inline void decodeBlock(Cursor& cursor, const DoubleByteTable& table, const ByteTable& pages,
                                    __m512i block, const Starts& starts) {
-  alignas(64) std::uint16_t numbers[kBlock];
+  alignas(64) std::uint16_t indexes[kBlock];
   const __m512i high =
       _mm512_mask_sub_epi8(bytes(int{kSingleBytesPage}), starts.pairs, lookUp(pages.part, block), bytes(1));
-  const __m512i low = _mm512_mask_mov_epi8(block, starts.pairs, load(progress.source + 1));
-  storeUnits(reinterpret_cast<char*>(numbers), _mm512_maskz_compress_epi8(starts.all, low),
+  const __m512i low = _mm512_mask_mov_epi8(block, starts.pairs, load(cursor.source + 1));
+  storeUnits(reinterpret_cast<char*>(indexes), _mm512_maskz_compress_epi8(starts.all, low),
              _mm512_maskz_compress_epi8(starts.all, high));
   const auto count = static_cast<std::size_t>(std::popcount(starts.all));
-  writeUnits(progress.target, table.pages[0], numbers, count);
-  progress.source += kBlock;
-  progress.target += count * kUnitSize;
+  writeIndexedUnits(cursor.target, table.pages[0], indexes, count);
+  cursor.source += kBlock;
+  cursor.target += count * kUnitSize;
 }
 
-VEL_VECTOR inline bool hasBlock(const Progress& progress) {
-  return progress.sourceSize() > kBlock && progress.targetSize() >= kBlock * kUnitSize;
+VEL_VECTOR inline bool hasBlock(const Cursor& cursor) {
+  return cursor.sourceSize() > kBlock && cursor.targetSize() >= kBlock * kUnitSize;
 }
 
 }  // namespace
 
-VEL_VECTOR void vectors::decodeMixed(Progress& progress, const DoubleByteTable& table) noexcept {
+VEL_VECTOR void vectors::decodeMixed(Cursor& cursor, const DoubleByteTable& table) noexcept {
   const ByteTable leads = loadBytes(table.leadBytes);
   const ByteTable pages = loadBytes(table.pageNumbers);
-  Progress here = progress;
-  Between between{};
-  while (hasBlock(here)) {
-    const __m512i block = load(here.source);
+  Cursor local = cursor;
+  Carry carry{};
+  while (hasBlock(local)) {
+    const __m512i block = load(local.source);
     const __m512i isLead = lookUp(leads.part, block);
-    decodeBlock(here, table, pages, block, findPairs(_mm512_test_epi8_mask(isLead, isLead), between));
+    decodeBlock(local, table, pages, block, findPairs(_mm512_test_epi8_mask(isLead, isLead), carry));
   }
-  here.source += between.trail;
-  progress = here;
+  local.source += carry.trail;
+  cursor = local;
 }
 
-VEL_VECTOR void vectors::decodeShifted(Progress& progress, const DoubleByteTable& table,
+VEL_VECTOR void vectors::decodeShifted(Cursor& cursor, const DoubleByteTable& table,
                                        bool& isDouble) noexcept {
   const ByteTable pages = loadBytes(table.pageNumbers);
-  Progress here = progress;
-  Between between{isDouble, 0};
-  while (hasBlock(here)) {
-    const __m512i block = load(here.source);
-    const Starts starts = findTidyRuns(_mm512_cmpeq_epi8_mask(block, bytes(kShiftOut)),
-                                       _mm512_cmpeq_epi8_mask(block, bytes(kShiftIn)), between);
+  Cursor local = cursor;
+  Carry carry{isDouble, 0};
+  while (hasBlock(local)) {
+    const __m512i block = load(local.source);
+    const Starts starts = findAlternatingRuns(_mm512_cmpeq_epi8_mask(block, bytes(kShiftOut)),
+                                              _mm512_cmpeq_epi8_mask(block, bytes(kShiftIn)), carry);
     const __mmask64 nextLines =
         _mm512_mask_cmpeq_epi8_mask(starts.all & ~starts.pairs, block, bytes(kNextLineByte));
-    decodeBlock(here, table, pages, _mm512_mask_mov_epi8(block, nextLines, bytes(kLineFeedByte)), starts);
+    decodeBlock(local, table, pages, _mm512_mask_mov_epi8(block, nextLines, bytes(kLineFeedByte)), starts);
   }
-  here.source += between.trail;
-  progress = here;
-  isDouble = between.isDouble != 0;
+  local.source += carry.trail;
+  cursor = local;
+  isDouble = carry.isDouble != 0;
 }
 
 }  // namespace vel::codepage

@@ -24,9 +24,10 @@ struct Window {
 };
 
 /// Trailing bytes behind the block that belong to its last character: three bits.
-inline unsigned int trailsBehind(const Leads& leads) {
-  const auto behind = static_cast<unsigned int>((leads.two >> 63) | (leads.three >> 62) | (leads.four >> 61));
-  return behind & 7;
+inline unsigned int trailsAfterBlock(const Leads& leads) {
+  const auto trailsAfter =
+      static_cast<unsigned int>((leads.two >> 63) | (leads.three >> 62) | (leads.four >> 61));
+  return trailsAfter & 7;
 }
 
 /// Half a block, one unit for each byte. The sums are those of the portable decoder, in 16 bits.
@@ -56,11 +57,11 @@ VEL_VECTOR inline __m512i decodeHalf(const Window& window, const Leads& leads, i
 }
 
 /// Whether every trailing byte is where a lead byte wants it, and none elsewhere.
-VEL_VECTOR inline bool isWellFormed(const Window& window, const Leads& leads, unsigned int behind,
+VEL_VECTOR inline bool isWellFormed(const Window& window, const Leads& leads, unsigned int trailsAfter,
                                     __m512i third) {
   if (leads.trail != ((leads.two << 1) | (leads.three << 2) | (leads.four << 3))) return false;
   const __mmask64 next = _mm512_cmplt_epi8_mask(third, bytes(0xC0));
-  if ((behind & ~static_cast<unsigned int>(next >> 61)) != 0) return false;
+  if ((trailsAfter & ~static_cast<unsigned int>(next >> 61)) != 0) return false;
   // Five and six bytes, and four bytes for what takes less, are the portable decoder's.
   if (leads.four == 0) return true;
   const __mmask64 isLong = _mm512_cmpge_epu8_mask(window.at[0], bytes(0xF8));
@@ -68,55 +69,55 @@ VEL_VECTOR inline bool isWellFormed(const Window& window, const Leads& leads, un
   return (isLong | _mm512_mask_cmplt_epu8_mask(isF0, window.at[1], bytes(0x90))) == 0;
 }
 
-VEL_VECTOR inline void storeUnits(Progress& progress, __m512i units, __mmask32 lanes) {
-  store(progress.target, _mm512_maskz_compress_epi16(lanes, units));
-  progress.target += kUnitSize * static_cast<std::size_t>(std::popcount(lanes));
+VEL_VECTOR inline void storeUnits(Cursor& cursor, __m512i units, __mmask32 lanes) {
+  store(cursor.target, _mm512_maskz_compress_epi16(lanes, units));
+  cursor.target += kUnitSize * static_cast<std::size_t>(std::popcount(lanes));
 }
 
-VEL_VECTOR inline void decodeAscii(Progress& progress, __m512i block) {
-  store(progress.target, _mm512_cvtepu8_epi16(_mm512_castsi512_si256(block)));
-  store(progress.target + kBlock, _mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(block, 1)));
-  progress.source += kBlock;
-  progress.target += kBlock * kUnitSize;
+VEL_VECTOR inline void decodeAscii(Cursor& cursor, __m512i block) {
+  store(cursor.target, _mm512_cvtepu8_epi16(_mm512_castsi512_si256(block)));
+  store(cursor.target + kBlock, _mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(block, 1)));
+  cursor.source += kBlock;
+  cursor.target += kBlock * kUnitSize;
 }
 
 /// False when the block is not well-formed.
-VEL_VECTOR inline bool decodeBlock(Progress& progress, __m512i block) {
-  const Window window{{block, load(progress.source + 1), load(progress.source + 2)}};
+VEL_VECTOR inline bool decodeBlock(Cursor& cursor, __m512i block) {
+  const Window window{{block, load(cursor.source + 1), load(cursor.source + 2)}};
   Leads leads{_mm512_cmplt_epi8_mask(block, bytes(0xC0)), _mm512_cmpge_epu8_mask(block, bytes(0xC0)),
               _mm512_cmpge_epu8_mask(block, bytes(0xE0)), _mm512_cmpge_epu8_mask(block, bytes(0xF0))};
-  const unsigned int behind = trailsBehind(leads);
-  if (!isWellFormed(window, leads, behind, load(progress.source + 3))) return false;
-  std::size_t size = kBlock + static_cast<std::size_t>(std::popcount(behind));
+  const unsigned int trailsAfter = trailsAfterBlock(leads);
+  if (!isWellFormed(window, leads, trailsAfter, load(cursor.source + 3))) return false;
+  std::size_t size = kBlock + static_cast<std::size_t>(std::popcount(trailsAfter));
   __mmask64 lanes = ~leads.trail | (leads.four << 1);
   // A low surrogate has no lane when its character begins with the last byte: the next block takes it.
   if ((leads.four >> 63) != 0) {
     size = kBlock - 1;
     lanes &= ~(1ULL << 63);
   }
-  storeUnits(progress, decodeHalf(window, leads, 0), static_cast<__mmask32>(lanes));
-  storeUnits(progress, decodeHalf(window, leads, 1), static_cast<__mmask32>(lanes >> 32));
-  progress.source += size;
+  storeUnits(cursor, decodeHalf(window, leads, 0), static_cast<__mmask32>(lanes));
+  storeUnits(cursor, decodeHalf(window, leads, 1), static_cast<__mmask32>(lanes >> 32));
+  cursor.source += size;
   return true;
 }
 
-VEL_VECTOR void decodeUtf8Blocks(Progress& progress) noexcept {
-  Progress here = progress;
-  while (here.sourceSize() >= kBlock + 3 && here.targetSize() >= kBlock * kUnitSize) {
-    const __m512i block = load(here.source);
+VEL_VECTOR void decodeUtf8Blocks(Cursor& cursor) noexcept {
+  Cursor local = cursor;
+  while (local.sourceSize() >= kBlock + 3 && local.targetSize() >= kBlock * kUnitSize) {
+    const __m512i block = load(local.source);
     if (_mm512_movepi8_mask(block) == 0)
-      decodeAscii(here, block);
-    else if (!decodeBlock(here, block))
+      decodeAscii(local, block);
+    else if (!decodeBlock(local, block))
       break;
   }
-  progress = here;
+  cursor = local;
 }
 
 }  // namespace
 
-void vectors::decodeUtf8(Progress& progress) noexcept {
-  decodeUtf8Blocks(progress);
-  convertEnd(progress, {&decodeUtf8Blocks, kBlock + 2, 1, kUnitSize});
+void vectors::decodeUtf8(Cursor& cursor) noexcept {
+  decodeUtf8Blocks(cursor);
+  convertTail(cursor, {&decodeUtf8Blocks, kBlock + 2, 1, kUnitSize});
 }
 
 }  // namespace vel::codepage

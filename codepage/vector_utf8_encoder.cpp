@@ -52,11 +52,11 @@ VEL_VECTOR inline __mmask16 noncharacters(__m512i units) {
 }
 
 /// 16 units, and one more when the last of them begins a pair.
-VEL_VECTOR inline void encodeBlock(Progress& progress) {
-  const auto* const at = reinterpret_cast<const __m256i*>(progress.source);
-  const auto* const behind = reinterpret_cast<const __m256i*>(progress.source + kUnitSize);
+VEL_VECTOR inline void encodeBlock(Cursor& cursor) {
+  const auto* const at = reinterpret_cast<const __m256i*>(cursor.source);
+  const auto* const following = reinterpret_cast<const __m256i*>(cursor.source + kUnitSize);
   const __m512i units = _mm512_cvtepu16_epi32(_mm256_loadu_si256(at));
-  const __m512i next = _mm512_cvtepu16_epi32(_mm256_loadu_si256(behind));
+  const __m512i next = _mm512_cvtepu16_epi32(_mm256_loadu_si256(following));
   const auto tops = [](__m512i of, std::uint32_t mask, std::uint32_t value) VEL_VECTOR {
     return _mm512_cmpeq_epi32_mask(_mm512_and_si512(of, dwords(mask)), dwords(value));
   };
@@ -70,48 +70,48 @@ VEL_VECTOR inline void encodeBlock(Progress& progress) {
   const Encoded encoded = encodeLanes(values, pairs);
   const __m512i counts = _mm512_mask_mov_epi32(encoded.counts, seconds, _mm512_setzero_si512());
   const __mmask64 lanes = _mm512_test_epi8_mask(counts, counts);
-  store(progress.target, _mm512_maskz_compress_epi8(lanes, encoded.bytes));
-  progress.target += std::popcount(static_cast<std::uint64_t>(lanes));
-  progress.source += kUnitSize * (kUnits + (pairs >> 15));
+  store(cursor.target, _mm512_maskz_compress_epi8(lanes, encoded.bytes));
+  cursor.target += std::popcount(static_cast<std::uint64_t>(lanes));
+  cursor.source += kUnitSize * (kUnits + (pairs >> 15));
 }
 
-VEL_VECTOR inline void encodeAscii(Progress& progress, __m512i units) {
-  _mm256_storeu_si256(reinterpret_cast<__m256i*>(progress.target), _mm512_cvtepi16_epi8(units));
-  progress.source += kBlock;
-  progress.target += kBlock / kUnitSize;
+VEL_VECTOR inline void encodeAscii(Cursor& cursor, __m512i units) {
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(cursor.target), _mm512_cvtepi16_epi8(units));
+  cursor.source += kBlock;
+  cursor.target += kBlock / kUnitSize;
 }
 
 /// 32 units below 0x800.
-VEL_VECTOR inline void encodeShort(Progress& progress, __m512i units) {
+VEL_VECTOR inline void encodeUpToTwoBytes(Cursor& cursor, __m512i units) {
   const __mmask32 two = _mm512_cmpge_epu16_mask(units, words(0x80));
   const __m512i tail = _mm512_slli_epi16(_mm512_and_si512(units, words(0x3F)), 8);
   const __m512i lead = _mm512_or_si512(_mm512_srli_epi16(units, 6), words(0x80C0));
   const __m512i encoded = _mm512_mask_mov_epi16(units, two, _mm512_or_si512(lead, tail));
   const __mmask64 lanes = _mm512_movepi8_mask(_mm512_mask_mov_epi16(words(0xFF), two, words(0xFFFF)));
-  store(progress.target, _mm512_maskz_compress_epi8(lanes, encoded));
-  progress.source += kBlock;
-  progress.target += std::popcount(std::uint64_t{lanes});
+  store(cursor.target, _mm512_maskz_compress_epi8(lanes, encoded));
+  cursor.source += kBlock;
+  cursor.target += std::popcount(std::uint64_t{lanes});
 }
 
-VEL_VECTOR void encodeUtf8Blocks(Progress& progress) noexcept {
-  Progress here = progress;
-  while (here.sourceSize() >= kBlock && here.targetSize() >= kBlock) {
-    const __m512i units = load(here.source);
+VEL_VECTOR void encodeUtf8Blocks(Cursor& cursor) noexcept {
+  Cursor local = cursor;
+  while (local.sourceSize() >= kBlock && local.targetSize() >= kBlock) {
+    const __m512i units = load(local.source);
     if (_mm512_test_epi16_mask(units, words(0xFF80)) == 0)
-      encodeAscii(here, units);
+      encodeAscii(local, units);
     else if (_mm512_test_epi16_mask(units, words(0xF800)) == 0)
-      encodeShort(here, units);
+      encodeUpToTwoBytes(local, units);
     else
-      encodeBlock(here);
+      encodeBlock(local);
   }
-  progress = here;
+  cursor = local;
 }
 
 }  // namespace
 
-void vectors::encodeUtf8(Progress& progress) noexcept {
-  encodeUtf8Blocks(progress);
-  convertEnd(progress, {&encodeUtf8Blocks, kBlock - 1, kUnitSize, 1});
+void vectors::encodeUtf8(Cursor& cursor) noexcept {
+  encodeUtf8Blocks(cursor);
+  convertTail(cursor, {&encodeUtf8Blocks, kBlock - 1, kUnitSize, 1});
 }
 
 }  // namespace vel::codepage

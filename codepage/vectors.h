@@ -19,10 +19,10 @@ void widen(char* target, const char* source, std::size_t count) noexcept;
 void narrow(char* target, const char* source, std::size_t count) noexcept;
 void swap(char* target, const char* source, std::size_t count) noexcept;
 void lookUpBytes(char* target, const char* source, std::size_t size, const std::uint16_t* table) noexcept;
-void decodeUtf8(Progress& progress) noexcept;
-void encodeUtf8(Progress& progress) noexcept;
-void decodeMixed(Progress& progress, const VelStDoubleByteTable& table) noexcept;
-void decodeShifted(Progress& progress, const VelStDoubleByteTable& table, bool& isDouble) noexcept;
+void decodeUtf8(Cursor& cursor) noexcept;
+void encodeUtf8(Cursor& cursor) noexcept;
+void decodeMixed(Cursor& cursor, const VelStDoubleByteTable& table) noexcept;
+void decodeShifted(Cursor& cursor, const VelStDoubleByteTable& table, bool& isDouble) noexcept;
 
 inline constexpr std::size_t kBlock = 64;
 
@@ -64,33 +64,33 @@ VEL_VECTOR inline void storeUnits(char* target, __m512i low, __m512i high, Store
 }
 
 /// A loop, what it leaves at the end of a text at most, and what zeros are on both sides.
-struct Loop {
-  void (*convert)(Progress& progress) noexcept;
-  std::size_t rest;
-  std::size_t sizeOfZero;
-  std::size_t sizeOfResult;
+struct BlockKernel {
+  void (*convert)(Cursor& cursor) noexcept;
+  std::size_t maxTail;
+  std::size_t sourceNulSize;
+  std::size_t targetNulSize;
 };
 
 /// The end of a text, which is too short for a loop: it gets the end with zeros behind.
-inline void convertEnd(Progress& progress, const Loop& loop) {
-  constexpr std::size_t kLongest = kBlock + 3;
-  char source[kLongest * 2] = {};
+inline void convertTail(Cursor& cursor, const BlockKernel& kernel) {
+  constexpr std::size_t kMaxSize = kBlock + 3;
+  char source[kMaxSize * 2] = {};
   char target[sizeof source * 3];
-  const std::size_t size = progress.sourceSize();
-  if (size == 0 || size > kLongest) return;
-  std::memcpy(source, progress.source, size);
-  Progress end{source, source + size + loop.rest, target, target + sizeof target};
-  loop.convert(end);
+  const std::size_t size = cursor.sourceSize();
+  if (size == 0 || size > kMaxSize) return;
+  std::memcpy(source, cursor.source, size);
+  Cursor end{source, source + size + kernel.maxTail, target, target + sizeof target};
+  kernel.convert(end);
   auto consumed = static_cast<std::size_t>(end.source - source);
   auto written = static_cast<std::size_t>(end.target - target);
   if (consumed > size) {
-    written -= (consumed - size) / loop.sizeOfZero * loop.sizeOfResult;
+    written -= (consumed - size) / kernel.sourceNulSize * kernel.targetNulSize;
     consumed = size;
   }
-  if (written > progress.targetSize()) return;
-  std::memcpy(progress.target, target, written);
-  progress.source += consumed;
-  progress.target += written;
+  if (written > cursor.targetSize()) return;
+  std::memcpy(cursor.target, target, written);
+  cursor.source += consumed;
+  cursor.target += written;
 }
 
 }  // namespace vel::codepage::vectors

@@ -1,13 +1,13 @@
 // Any bytes through the tables of single and double bytes, as a whole and through each kind of loops, beside
 // a slow conversion.
-#include "codepage/test/loop_run.h"
+#include "codepage/test/kernel_run.h"
 #include "codepage/test/reference_mixed.h"
 #include "fuzz/conversion_run.h"
 
 namespace {
 
-void requireLoop(const vel::codepage::Kernels& kernels, const VelStDoubleByteTable& table,
-                 const fuzz::Input& input) {
+void requireKernel(const vel::codepage::Kernels& kernels, const VelStDoubleByteTable& table,
+                   const fuzz::Input& input) {
   bool isDouble = false;
   Outcome done = runMixed(kernels, table, input.source, input.room(input.source.size() * 2), isDouble);
   const std::string part = std::string(input.source.substr(0, done.consumed)) + (isDouble ? "\x0F" : "");
@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const VelStDoubleByteTable& table = *velGetDBCStoUCS2Table(page, isEbcdic);
   fuzz::requireAll(VelClCodePage2UnicodeConverter(VelClCCSID(static_cast<int>(page))), input,
                    referenceMixedToUcs2(table, input.source));
-  requireLoop(vel::codepage::kPortableKernels, table, input);
-  if (vel::codepage::vectorKernels() != nullptr) requireLoop(*vel::codepage::vectorKernels(), table, input);
+  requireKernel(vel::codepage::kPortableKernels, table, input);
+  if (vel::codepage::vectorKernels() != nullptr) requireKernel(*vel::codepage::vectorKernels(), table, input);
   return 0;
 }

@@ -5,12 +5,12 @@
 #include "codepage/test/outcome.h"
 
 template <typename Loop>
-Outcome runLoop(Loop loop, std::string_view source, std::size_t room) {
+Outcome runKernel(Loop loop, std::string_view source, std::size_t room) {
   return runInBuffers(source, room, [&](const char*& position, char* target) {
-    vel::codepage::Progress progress{position, position + source.size(), target, target + room};
-    loop(progress);
-    position = progress.source;
-    return static_cast<std::size_t>(progress.target - target);
+    vel::codepage::Cursor cursor{position, position + source.size(), target, target + room};
+    loop(cursor);
+    position = cursor.source;
+    return static_cast<std::size_t>(cursor.target - target);
   });
 }
 
@@ -18,12 +18,12 @@ Outcome runLoop(Loop loop, std::string_view source, std::size_t room) {
 inline Outcome runMixed(const vel::codepage::Kernels& kernels, const VelStDoubleByteTable& table,
                         std::string_view source, std::size_t room, bool& isDouble) {
   isDouble = false;
-  return runLoop(
-      [&](vel::codepage::Progress& progress) {
+  return runKernel(
+      [&](vel::codepage::Cursor& cursor) {
         if (table.isEbcdic != 0)
-          kernels.decodeShifted(progress, table, isDouble);
+          kernels.decodeShifted(cursor, table, isDouble);
         else
-          kernels.decodeMixed(progress, table);
+          kernels.decodeMixed(cursor, table);
       },
       source, room);
 }
