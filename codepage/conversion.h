@@ -47,23 +47,10 @@ inline std::size_t countWholeUnits(const Call& call) noexcept {
   return call.sourceSize / kUnitSize;
 }
 
-/// The target bytes that a call takes whose function does not check the target's size; 0 for the others.
-std::size_t requiredTargetSize(VelClConverterABase::VelConversionFunction function,
-                               const Call& call) noexcept;
-
-/// The same for the double-byte functions, by a walk over the source.
-std::size_t sizeOfMixedAscii(const Call& call) noexcept;
-std::size_t sizeOfMixedEbcdic(const Call& call) noexcept;
-
-/// The target bytes that are enough for any source of that size, whatever it has.
-std::size_t sufficientTargetSize(VelClConverterABase::VelConversionFunction function,
-                                 const Call& call) noexcept;
-/// The same for ICU's conversion from UCS-2.
-std::size_t sufficientSizeFromIcu(const Call& call) noexcept;
-
-/// As large as it can be, where the product is larger still.
-constexpr std::size_t productOf(std::size_t a, std::size_t b) noexcept {
-  return b != 0 && a > static_cast<std::size_t>(-1) / b ? static_cast<std::size_t>(-1) : a * b;
+/// Returns the table or the ICU converter that a converter works with; null for an algorithm.
+inline const void* conversionDataOf(const VelClConverterABase& converter) noexcept {
+  const char* source = nullptr;
+  return Call{converter, nullptr, 0, &source, 0}.getConversionData();
 }
 
 }  // namespace vel::codepage

@@ -31,8 +31,4 @@ constexpr std::uint16_t toHostOrder(std::uint16_t stored) noexcept {
   return static_cast<std::uint16_t>(stored << 8 | stored >> 8);
 }
 
-/// The 256 units of velGetSBCStoUCS2Table's answer in the order of the host, so that a loop need not exchange
-/// bytes; with U+000A for U+0085 if that is asked for.
-const std::uint16_t* hostTableOf(const std::uint16_t* values, bool foldsNextLine) noexcept;
-
 }  // namespace vel::codepage

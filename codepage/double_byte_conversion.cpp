@@ -1,7 +1,8 @@
 // Conversions from mixed single and double bytes to UCS-2 by the tables.
+#include "codepage/double_byte_conversion.h"
+
 #include <cassert>
 
-#include "codepage/conversion.h"
 #include "codepage/conversion_tables.h"
 #include "codepage/kernels.h"
 

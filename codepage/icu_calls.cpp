@@ -1,6 +1,6 @@
 #include "codepage/icu_calls.h"
 
-#include "codepage/conversion.h"
+#include "codepage/target_sizes.h"
 
 namespace vel::codepage {
 
@@ -114,7 +114,7 @@ std::size_t sufficientSizeFromUnicode(const IcuFunctions& icu, const IcuConverte
                                       std::size_t units) noexcept {
   // What shifts and escapes at both ends of a text take, as ICU counts it.
   constexpr std::size_t kForBothEnds = 10;
-  return productOf(units + kForBothEnds, static_cast<std::size_t>(icu.getMaxCharSize(converter)));
+  return saturatingProduct(units + kForBothEnds, static_cast<std::size_t>(icu.getMaxCharSize(converter)));
 }
 
 }  // namespace vel::codepage

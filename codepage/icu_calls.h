@@ -19,9 +19,6 @@ struct IcuBuffers {
   IcuStatus status;
 };
 
-/// The ICU of this process; null when there is none. It is looked for once.
-const IcuFunctions* installedIcu();
-
 /// ICU's status when memory ran out.
 inline constexpr IcuStatus kIcuOutOfMemory = 7;
 

@@ -1,5 +1,6 @@
 // Converters and conversions of the ICU that this process found.
-#include "codepage/conversion.h"
+#include "codepage/icu_conversion.h"
+
 #include "codepage/icu_calls.h"
 
 namespace {
@@ -12,11 +13,6 @@ using vel::codepage::IcuStatus;
 
 /// ICU's own status for what it does not have; here for all of it.
 constexpr IcuStatus kUnsupported = 16;
-
-void* loadLibrary(const char* name) {
-  std::uint32_t error;
-  return vel::platform::loadInstalledLibrary(name, error);
-}
 
 using Conversion = std::size_t (*)(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text);
 
@@ -35,16 +31,6 @@ std::size_t convert(Call& call, Conversion conversion) {
 
 std::size_t vel::codepage::sufficientSizeFromIcu(const Call& call) noexcept {
   return sufficientSizeFromUnicode(*installedIcu(), call.getConversionData(), call.sourceSize / kUnitSize);
-}
-
-const IcuFunctions* vel::codepage::installedIcu() {
-  struct Installed {
-    IcuFunctions functions{};
-    bool isThere = bindIcu({&loadLibrary, &vel::platform::findProcedure, &vel::platform::freeLibrary},
-                           VEL_ICU_VERSION, functions);
-  };
-  static const Installed installed;
-  return installed.isThere ? &installed.functions : nullptr;
 }
 
 const void* velGetICUConverter(unsigned int ccsid, _VelStError& error) {

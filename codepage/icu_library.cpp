@@ -89,6 +89,11 @@ bool bindVersionedLibrary(const LibraryLoader& loader, int version, IcuFunctions
   return false;
 }
 
+void* loadLibrary(const char* name) {
+  std::uint32_t error;
+  return platform::loadInstalledLibrary(name, error);
+}
+
 }  // namespace
 
 bool bindIcu(const LibraryLoader& loader, int ownVersion, IcuFunctions& functions) noexcept {
@@ -98,6 +103,16 @@ bool bindIcu(const LibraryLoader& loader, int ownVersion, IcuFunctions& function
   for (int version = kNewestVersion; version >= kOldestVersion; --version)
     if (version != ownVersion && bindVersionedLibrary(loader, version, functions)) return true;
   return false;
+}
+
+const IcuFunctions* installedIcu() {
+  struct Installed {
+    IcuFunctions functions{};
+    bool isThere =
+        bindIcu({&loadLibrary, &platform::findProcedure, &platform::freeLibrary}, VEL_ICU_VERSION, functions);
+  };
+  static const Installed installed;
+  return installed.isThere ? &installed.functions : nullptr;
 }
 
 }  // namespace vel::codepage

@@ -41,4 +41,8 @@ struct LibraryLoader {
 /// all seven functions. The library stays loaded.
 bool bindIcu(const LibraryLoader& loader, int ownVersion, IcuFunctions& functions) noexcept;
 
+/// Returns the functions of the ICU that is installed, or null when there is none. The first call looks for
+/// it, the others return the same answer; ICU stays loaded until the process ends.
+const IcuFunctions* installedIcu();
+
 }  // namespace vel::codepage

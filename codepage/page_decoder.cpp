@@ -179,11 +179,6 @@ void throwOutOfMemory() {
   throw exception;
 }
 
-const void* conversionDataOf(const VelClConverterABase& converter) {
-  const char* none = nullptr;
-  return Call{converter, nullptr, 0, &none, 0}.getConversionData();
-}
-
 PageDecoder* makePageDecoder(const VelClCodePage2UnicodeConverter& converter) {
   const void* const data = conversionDataOf(converter);
   if (converter.getRoute() == VelClConverterABase::VelEnRoute::ICU) return create<IcuDecoder>(data);

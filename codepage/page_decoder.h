@@ -66,7 +66,4 @@ class PageDecoder {
 /// caller destroys.
 PageDecoder* makePageDecoder(const VelClCodePage2UnicodeConverter& converter);
 
-/// What the converter uses: a table or ICU's converter.
-const void* conversionDataOf(const VelClConverterABase& converter);
-
 }  // namespace vel::codepage

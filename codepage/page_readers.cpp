@@ -1,10 +1,11 @@
 // Strict readers of code pages: those of single bytes, and all others, with lead bytes or shifts.
+#include "codepage/page_readers.h"
+
 #include <algorithm>
 #include <iterator>
 
 #include "codepage/conversion.h"
 #include "codepage/page_decoder.h"
-#include "codepage/strict_reader.h"
 #include "foundation/allocator.h"
 
 namespace vel::codepage {

@@ -1,11 +1,12 @@
 // Strict writers of code pages. Each character is tried once: only what comes back from its bytes is written.
+#include "codepage/page_writers.h"
+
 #include <algorithm>
 #include <iterator>
 
 #include "codepage/conversion.h"
 #include "codepage/conversion_tables.h"
 #include "codepage/page_decoder.h"
-#include "codepage/strict_writer.h"
 
 namespace vel::codepage {
 

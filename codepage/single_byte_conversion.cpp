@@ -2,8 +2,8 @@
 #include <cassert>
 
 #include "codepage/conversion.h"
-#include "codepage/conversion_tables.h"
 #include "codepage/kernels.h"
+#include "codepage/single_byte_tables.h"
 
 namespace {
 

@@ -1,4 +1,6 @@
 // The single-byte conversion tables, and the same for the loops.
+#include "codepage/single_byte_tables.h"
+
 #include <algorithm>
 #include <array>
 #include <iterator>

@@ -34,9 +34,8 @@ class Reader {
   virtual void restart() {}
 };
 
-/// Null when there is no way; otherwise the caller destroys it.
+/// Returns the reader of a code page, or of a form of Unicode; the caller destroys it. Null when the source
+/// cannot be converted.
 Reader* makeReader(const VelClCCSID& source);
-/// Those for everything but the forms of Unicode.
-Reader* makePageReader(const VelClCCSID& source);
 
 }  // namespace vel::codepage

@@ -49,10 +49,9 @@ class Writer {
   virtual void finish(Output&) {}
 };
 
-/// Null when there is no way; otherwise the caller destroys it.
+/// Returns the writer of a code page, or of a form of Unicode; the caller destroys it. Null when the target
+/// cannot be converted to.
 Writer* makeWriter(const VelClCCSID& target);
-/// Those for everything but the forms of Unicode.
-Writer* makePageWriter(const VelClCCSID& target);
 
 /// The first character of some units, which must be whole.
 struct Character {

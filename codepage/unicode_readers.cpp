@@ -1,8 +1,9 @@
 // Strict readers of UTF-8 and of UCS-2 with pairs. What is well-formed is left to the converters.
+#include "codepage/unicode_readers.h"
+
 #include <algorithm>
 
 #include "codepage/conversion.h"
-#include "codepage/strict_reader.h"
 #include "foundation/allocator.h"
 
 namespace vel::codepage {
@@ -204,9 +205,12 @@ class Utf16Reader : public Reader {
 
 }  // namespace
 
-Reader* makeReader(const VelClCCSID& source) {
-  if (source.getCCSID() == VelClCCSID::CCSID_UTF8) return create<Utf8Reader>(source);
-  return source.isUCS2() ? create<Utf16Reader>(source) : makePageReader(source);
+Reader* makeUtf8Reader(const VelClCCSID& source) {
+  return create<Utf8Reader>(source);
+}
+
+Reader* makeUtf16Reader(const VelClCCSID& source) {
+  return create<Utf16Reader>(source);
 }
 
 }  // namespace vel::codepage

@@ -1,8 +1,9 @@
 // Strict writers of UTF-8 and of UCS-2 with pairs, which lack nothing.
+#include "codepage/unicode_writers.h"
+
 #include <algorithm>
 
 #include "codepage/conversion.h"
-#include "codepage/strict_writer.h"
 
 namespace vel::codepage {
 
@@ -61,24 +62,12 @@ class Utf8Writer : public UnicodeWriter {
 
 }  // namespace
 
-Character characterAt(const char16_t* units) {
-  if (!isHighSurrogate(units[0])) return {units[0], 1};
-  return {characterOfPair(units[0], units[1]), 2};
+Writer* makeUtf8Writer(const VelClCCSID& target) {
+  return create<Utf8Writer>(target);
 }
 
-std::size_t unitsOf(char32_t character, char16_t (&units)[2]) {
-  if (character < kFirstSupplementary) {
-    units[0] = static_cast<char16_t>(character);
-    return 1;
-  }
-  units[0] = highSurrogateOf(character);
-  units[1] = lowSurrogateOf(character);
-  return 2;
-}
-
-Writer* makeWriter(const VelClCCSID& target) {
-  if (target.getCCSID() == VelClCCSID::CCSID_UTF8) return create<Utf8Writer>(target);
-  return target.isUCS2() ? create<UnicodeWriter>(target) : makePageWriter(target);
+Writer* makeUtf16Writer(const VelClCCSID& target) {
+  return create<UnicodeWriter>(target);
 }
 
 }  // namespace vel::codepage
