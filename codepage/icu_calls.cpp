@@ -6,9 +6,6 @@ namespace vel::codepage {
 
 namespace {
 
-constexpr IcuStatus kSuccess = 0;
-constexpr IcuStatus kBufferOverflow = 15;
-
 /// Converters that are opened by name. The first two names are in data made for this library only; the next
 /// ones are the same converters in any ICU, which finds another edition for the number 943.
 struct NamedConverter {
@@ -25,9 +22,9 @@ IcuConverter* openByName(const IcuFunctions& icu, std::uint32_t ccsid, bool& has
   for (const NamedConverter& named : kNamedConverters) {
     if (named.ccsid != ccsid) continue;
     hasName = true;
-    status = kSuccess;
+    status = kIcuSuccess;
     IcuConverter* const converter = icu.open(named.name, &status);
-    if (status <= kSuccess) return converter;
+    if (status <= kIcuSuccess) return converter;
   }
   return nullptr;
 }
@@ -38,9 +35,9 @@ template <typename Drop>
 void dropPending(Drop drop) {
   // More than a few rounds are never needed; a converter that never ends is left alone.
   constexpr int kRounds = 64;
-  IcuStatus status = kBufferOverflow;
-  for (int round = 0; round < kRounds && status == kBufferOverflow; ++round) {
-    status = kSuccess;
+  IcuStatus status = kIcuBufferOverflow;
+  for (int round = 0; round < kRounds && status == kIcuBufferOverflow; ++round) {
+    status = kIcuSuccess;
     drop(status);
   }
 }
@@ -51,11 +48,11 @@ const IcuConverter* openIcuConverter(const IcuFunctions& icu, std::uint32_t ccsi
   bool hasName = false;
   IcuConverter* converter = openByName(icu, ccsid, hasName, status);
   if (!hasName) {
-    status = kSuccess;
+    status = kIcuSuccess;
     converter = icu.openCcsid(static_cast<std::int32_t>(ccsid), 0, &status);
   }
   // A negative status is a warning, such as for an ambiguous name.
-  if (status > kSuccess || converter == nullptr) return nullptr;
+  if (status > kIcuSuccess || converter == nullptr) return nullptr;
   icu.setFallback(converter, 1);
   return converter;
 }
@@ -66,7 +63,7 @@ std::size_t continueToUnicode(const IcuFunctions& icu, const IcuConverter* conve
   // ICU refuses a target with half a unit.
   const char16_t* const limit = begin + text.targetSize / sizeof(char16_t);
   char16_t* position = begin;
-  text.status = kSuccess;
+  text.status = kIcuSuccess;
   const char* const end = text.source + text.sourceSize;
   icu.toUnicode(const_cast<IcuConverter*>(converter), &position, limit, &text.source, end, nullptr,
                 static_cast<IcuBool>(isEnd), &text.status);
@@ -78,7 +75,7 @@ std::size_t continueFromUnicode(const IcuFunctions& icu, const IcuConverter* con
   char* position = text.target;
   const auto* source = reinterpret_cast<const char16_t*>(text.source);
   const auto* const end = reinterpret_cast<const char16_t*>(text.source + text.sourceSize);
-  text.status = kSuccess;
+  text.status = kIcuSuccess;
   icu.fromUnicode(const_cast<IcuConverter*>(converter), &position, text.target + text.targetSize, &source,
                   end, nullptr, static_cast<IcuBool>(isEnd), &text.status);
   text.source = reinterpret_cast<const char*>(source);
@@ -87,7 +84,7 @@ std::size_t continueFromUnicode(const IcuFunctions& icu, const IcuConverter* con
 
 std::size_t convertToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text) {
   const std::size_t written = continueToUnicode(icu, converter, text, true);
-  if (text.status == kSuccess) return written;
+  if (text.status == kIcuSuccess) return written;
   dropPending([&icu, converter](IcuStatus& status) {
     char16_t scrap[64];
     IcuBuffers nothing{reinterpret_cast<char*>(scrap), sizeof scrap, "", 0, 0};
@@ -99,7 +96,7 @@ std::size_t convertToUnicode(const IcuFunctions& icu, const IcuConverter* conver
 
 std::size_t convertFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text) {
   const std::size_t written = continueFromUnicode(icu, converter, text, true);
-  if (text.status == kSuccess) return written;
+  if (text.status == kIcuSuccess) return written;
   dropPending([&icu, converter](IcuStatus& status) {
     char scrap[64];
     alignas(char16_t) const char none[] = "";

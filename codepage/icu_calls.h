@@ -19,8 +19,12 @@ struct IcuBuffers {
   IcuStatus status;
 };
 
-/// ICU's status when memory ran out.
+/// The statuses that the library itself looks at; VelClIcuInterface translates all of them. Warnings are
+/// negative, errors positive.
+inline constexpr IcuStatus kIcuSuccess = 0;
 inline constexpr IcuStatus kIcuOutOfMemory = 7;
+inline constexpr IcuStatus kIcuBufferOverflow = 15;
+inline constexpr IcuStatus kIcuUnsupported = 16;
 
 /// Both return the bytes written. What does not fit stays in the converter, and what is incomplete, too,
 /// unless this is the end.

@@ -11,9 +11,6 @@ using vel::codepage::IcuConverter;
 using vel::codepage::IcuFunctions;
 using vel::codepage::IcuStatus;
 
-/// ICU's own status for what it does not have; here for all of it.
-constexpr IcuStatus kUnsupported = 16;
-
 using Conversion = std::size_t (*)(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text);
 
 std::size_t convert(Call& call, Conversion conversion) {
@@ -34,7 +31,7 @@ std::size_t vel::codepage::sufficientSizeFromIcu(const Call& call) noexcept {
 }
 
 const void* velGetICUConverter(unsigned int ccsid, _VelStError& error) {
-  IcuStatus status = kUnsupported;
+  IcuStatus status = vel::codepage::kIcuUnsupported;
   const IcuFunctions* const icu = vel::codepage::installedIcu();
   const IcuConverter* const converter =
       icu != nullptr ? vel::codepage::openIcuConverter(*icu, ccsid, status) : nullptr;

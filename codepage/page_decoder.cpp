@@ -6,6 +6,7 @@
 
 #include "codepage/conversion.h"
 #include "codepage/conversion_tables.h"
+#include "codepage/icu_page_codec.h"
 #include "foundation/allocator.h"
 
 namespace vel::codepage {
@@ -81,7 +82,7 @@ class DoubleByteDecoder : public PageDecoder {
 /// Asks a converter that keeps its state what becomes of the bytes so far, and what else at their end.
 class IcuDecoder : public PageDecoder {
  public:
-  explicit IcuDecoder(const void* converter) : converter_(converter) {
+  explicit IcuDecoder(const VelClConverterABase& converter) : codec_(converter) {
     const unsigned char shifts[] = {kShiftOut, kShiftIn};
     hasShifts_ = decode(shifts, 1).kind == DecodeResult::Kind::Prefix &&
                  decode(shifts, sizeof shifts).kind == DecodeResult::Kind::Prefix;
@@ -109,7 +110,7 @@ class IcuDecoder : public PageDecoder {
   struct Units {
     char16_t text[32];
     std::size_t count = 0;
-    bool isGood = true;
+    bool isValid = true;
   };
 
   DecodeResult decode(const unsigned char* bytes, std::size_t size) const {
@@ -122,17 +123,16 @@ class IcuDecoder : public PageDecoder {
 
   /// False when no unit came.
   bool feed(Units& units, const char* bytes, std::size_t size, bool isEnd) const {
-    IcuBuffers text{reinterpret_cast<char*>(units.text + units.count),
-                    sizeof units.text - units.count * kUnitSize, bytes, size, 0};
-    const std::size_t count = callIcu(continueToUnicode, converter_, text, isEnd) / kUnitSize;
-    units.count += count;
-    units.isGood = units.isGood && text.status <= 0;
-    return count > 0;
+    const std::size_t room = std::size(units.text) - units.count;
+    const auto piece = codec_.decodePiece(bytes, size, units.text + units.count, room, isEnd);
+    units.count += piece.units;
+    units.isValid = units.isValid && piece.isValid;
+    return piece.units > 0;
   }
 
   DecodeResult classify(const Units& units, const char* bytes, std::size_t size) const {
     DecodeResult result{DecodeResult::Kind::Invalid, 0, {}};
-    if (!units.isGood || units.count == 0 || units.count > std::size(result.units)) return result;
+    if (!units.isValid || units.count == 0 || units.count > std::size(result.units)) return result;
     const bool isSubstituted = std::any_of(units.text, units.text + units.count, [](char16_t unit) {
       return unit == kUnmapped || unit == kUnmappedSingle;
     });
@@ -150,8 +150,7 @@ class IcuDecoder : public PageDecoder {
   /// Whether these bytes are what the unit becomes.
   bool roundTrips(char16_t unit, const char* bytes, std::size_t size) const {
     char back[16];
-    IcuBuffers text{back, sizeof back, reinterpret_cast<const char*>(&unit), kUnitSize, 0};
-    const std::size_t length = callIcu(convertFromUnicode, converter_, text);
+    const std::size_t length = codec_.encode(&unit, 1, back, sizeof back);
     // A substitute is not what the unit becomes.
     return length == size && std::memcmp(back, bytes, size) == 0 && !isSubstitute(bytes, size);
   }
@@ -160,32 +159,23 @@ class IcuDecoder : public PageDecoder {
   bool isSubstitute(const char* bytes, std::size_t size) const {
     const char16_t unmappable[] = {0xDBFF, 0xDFFD};
     char back[16];
-    IcuBuffers text{back, sizeof back, reinterpret_cast<const char*>(unmappable), sizeof unmappable, 0};
-    const std::size_t length = callIcu(convertFromUnicode, converter_, text);
+    const std::size_t length = codec_.encode(unmappable, std::size(unmappable), back, sizeof back);
     return length == size && std::memcmp(back, bytes, size) == 0 && size > 1;
   }
 
-  const void* converter_;
+  IcuPageCodec codec_;
   bool hasShifts_ = false;
 };
 
 }  // namespace
 
-void throwOutOfMemory() {
-  constexpr const char* kOrigin = "VelClStrictConversion, ICU";
-  VelClExceptionFatal exception(ICU_MEMORY_ALLOCATION_ERROR, VelEnErrorClass::OUT_OF_MEMORY,
-                                VelEnErrorAction::TERMINATE, "");
-  exception.setOrigin(kOrigin, 0);
-  throw exception;
-}
-
 PageDecoder* makePageDecoder(const VelClCodePage2UnicodeConverter& converter) {
-  const void* const data = conversionDataOf(converter);
-  if (converter.getRoute() == VelClConverterABase::VelEnRoute::ICU) return create<IcuDecoder>(data);
+  if (converter.getRoute() == VelClConverterABase::VelEnRoute::ICU) return create<IcuDecoder>(converter);
+  const void* const table = conversionDataOf(converter);
   // Other numbers stand for double-byte tables only.
   const bool isSingleByte = velGetSBCStoUCS2Table(converter.getSourceCCSID().getCCSID()) != nullptr;
-  if (isSingleByte) return create<SingleByteDecoder>(data);
-  return create<DoubleByteDecoder>(data);
+  if (isSingleByte) return create<SingleByteDecoder>(table);
+  return create<DoubleByteDecoder>(table);
 }
 
 }  // namespace vel::codepage

@@ -4,34 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "codepage/icu_calls.h"
 #include "vel_include/vel_codepage.h"
 
 namespace vel::codepage {
 
 inline constexpr std::size_t kMaxSequence = 4;
-
-/// Throws VelClExceptionFatal: what ICU left undone for want of memory must not look like an answer.
-[[noreturn]] void throwOutOfMemory();
-
-/// A converter whose set-up found out all that it had to.
-template <typename Converter>
-class Checked : public Converter {
- public:
-  explicit Checked(const VelClCCSID& ccsid) : Converter(ccsid) {
-    if (this->getLastError().errorClass == VelEnErrorClass::OUT_OF_MEMORY) throwOutOfMemory();
-  }
-};
-using CheckedToUnicode = Checked<VelClCodePage2UnicodeConverter>;
-using CheckedFromUnicode = Checked<VelClUnicode2CodePageConverter>;
-
-/// Runs one of the calls of icu_calls.h with the ICU of this process; `end` is for those that need it.
-template <typename Call, typename... End>
-std::size_t callIcu(Call call, const IcuConverter* converter, IcuBuffers& text, End... end) {
-  const std::size_t written = call(*installedIcu(), converter, text, end...);
-  if (text.status == kIcuOutOfMemory) throwOutOfMemory();
-  return written;
-}
 
 struct DecodeResult {
   enum class Kind : std::uint8_t {

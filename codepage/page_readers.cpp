@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "codepage/checked_converter.h"
 #include "codepage/conversion.h"
 #include "codepage/page_decoder.h"
 #include "foundation/allocator.h"

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "codepage/checked_converter.h"
 #include "codepage/conversion.h"
 #include "codepage/conversion_tables.h"
 #include "codepage/page_decoder.h"
@@ -14,7 +15,6 @@ namespace {
 
 using Route = VelClConverterABase::VelEnRoute;
 
-constexpr IcuStatus kBufferOverflow = 15;
 constexpr char32_t kReplacement = 0xFFFD;
 constexpr char32_t kLastPrivate = 0x10FFFD;
 constexpr unsigned char kAsciiSubstitute = 0x1A;
@@ -30,7 +30,7 @@ struct Encoded {
 class Encoder {
  public:
   explicit Encoder(const VelClCCSID& target)
-      : converter_(target), table_(velGetSBCStoUCS2Table(target.getCCSID())) {}
+      : converter_(target), codec_(converter_), table_(velGetSBCStoUCS2Table(target.getCCSID())) {}
 
   const VelClUnicode2CodePageConverter& converter() const { return converter_; }
   bool isIcu() const { return converter_.getRoute() == Route::ICU; }
@@ -38,18 +38,17 @@ class Encoder {
 
   Encoded encode(char32_t character) const {
     char16_t units[2];
-    const std::size_t size = unitsOf(character, units) * kUnitSize;
+    const std::size_t count = unitsOf(character, units);
     Encoded encoded{};
     if (isIcu()) {
-      IcuBuffers text{reinterpret_cast<char*>(encoded.bytes), sizeof encoded.bytes,
-                      reinterpret_cast<const char*>(units), size, 0};
-      encoded.size = callIcu(convertFromUnicode, conversionDataOf(converter_), text);
+      char* const bytes = reinterpret_cast<char*>(encoded.bytes);
+      encoded.size = codec_.encode(units, count, bytes, sizeof encoded.bytes);
       encoded.roundTrips =
-          roundTripsByIcu(encoded, units, size) && (character != kReplacement || !isSubstitute(encoded));
+          roundTripsByIcu(encoded, units, count) && (character != kReplacement || !isSubstitute(encoded));
       return encoded;
     }
     encoded.size = converter_.convertBytes(reinterpret_cast<char*>(encoded.bytes), sizeof encoded.bytes,
-                                           reinterpret_cast<const char*>(units), size);
+                                           reinterpret_cast<const char*>(units), count * kUnitSize);
     encoded.roundTrips = roundTripsByTable(encoded, character);
     // Truncation leaves nothing that could stand for the character.
     if (converter_.getRoute() == Route::ALGORITHM && !encoded.roundTrips)
@@ -58,11 +57,11 @@ class Encoder {
   }
 
  private:
-  bool roundTripsByIcu(const Encoded& encoded, const char16_t (&units)[2], std::size_t size) const {
-    char back[16];
-    IcuBuffers text{back, sizeof back, reinterpret_cast<const char*>(encoded.bytes), encoded.size, 0};
-    const std::size_t length = callIcu(convertToUnicode, conversionDataOf(converter_), text);
-    return length == size && std::memcmp(back, units, size) == 0;
+  bool roundTripsByIcu(const Encoded& encoded, const char16_t (&units)[2], std::size_t count) const {
+    char16_t back[8];
+    const auto* const bytes = reinterpret_cast<const char*>(encoded.bytes);
+    const std::size_t length = codec_.decode(bytes, encoded.size, back, std::size(back));
+    return length == count && std::equal(back, back + length, units);
   }
 
   /// Whether the last private character, which most pages lack, becomes the same.
@@ -79,6 +78,7 @@ class Encoder {
   }
 
   CheckedFromUnicode converter_;
+  IcuPageCodec codec_;  ///< used only if isIcu()
   const std::uint16_t* table_;
 };
 
@@ -87,11 +87,9 @@ bool Encoder::isSingleByte() const {
   for (unsigned int byte = 0; byte < 256; ++byte) {
     const char in = static_cast<char>(byte);
     char16_t out[8];
-    IcuBuffers text{reinterpret_cast<char*>(out), sizeof out, &in, 1, 0};
-    const std::size_t size = callIcu(continueToUnicode, conversionDataOf(converter_), text, false);
-    IcuBuffers end{reinterpret_cast<char*>(out), sizeof out, &in, 0, 0};
-    callIcu(convertToUnicode, conversionDataOf(converter_), end);
-    if (size == 0) return false;
+    const std::size_t count = codec_.decodePiece(&in, 1, out, std::size(out), false).units;
+    codec_.decode(&in, 0, out, std::size(out));
+    if (count == 0) return false;
   }
   return true;
 }
@@ -221,7 +219,8 @@ class SingleByteWriter : public PageWriter {
 /// Targets with lead bytes or shifts. ICU keeps the shift state.
 class MixedWriter : public PageWriter {
  public:
-  explicit MixedWriter(const VelClCCSID& target) : PageWriter(target), converter_(target) {}
+  explicit MixedWriter(const VelClCCSID& target)
+      : PageWriter(target), converter_(target), codec_(converter_) {}
 
   std::size_t write(const char16_t* units, std::size_t count, Output& output) override {
     std::size_t i = 0;
@@ -244,28 +243,29 @@ class MixedWriter : public PageWriter {
 
  private:
   void convert(const char16_t* units, std::size_t count, bool isEnd, Output& output) const {
-    const char* const source = reinterpret_cast<const char*>(units);
-    if (encoder().isIcu()) return convertByIcu(source, count * kUnitSize, isEnd, output);
+    if (encoder().isIcu()) return convertByIcu(units, count, isEnd, output);
     // The system's conversion takes an empty text for a failure.
     if (count == 0) return;
     const std::size_t room = count * kMaxSequence;
+    const char* const source = reinterpret_cast<const char*>(units);
     output.commit(converter_.convertBytes(output.reserve(room), room, source, count * kUnitSize));
   }
 
-  void convertByIcu(const char* source, std::size_t size, bool isEnd, Output& output) const {
-    constexpr std::size_t kSome = 256;
-    alignas(char16_t) const char none[kUnitSize] = {};
-    const char* const end = size != 0 ? source + size : none;
-    IcuBuffers text{nullptr, 0, size != 0 ? source : none, size, 0};
+  void convertByIcu(const char16_t* units, std::size_t count, bool isEnd, Output& output) const {
+    constexpr std::size_t kMinRoom = 256;
+    constexpr char16_t kNone[1] = {};
+    const char16_t* position = count != 0 ? units : kNone;
+    const char16_t* const end = position + count;
+    IcuPageCodec::EncodedPiece piece;
     do {
-      text.target = output.reserve(kSome);
-      text.targetSize = output.room();
-      text.sourceSize = static_cast<std::size_t>(end - text.source);
-      output.commit(callIcu(continueFromUnicode, conversionDataOf(converter_), text, isEnd));
-    } while (text.status == kBufferOverflow);
+      char* const to = output.reserve(kMinRoom);
+      piece = codec_.encodePiece(position, end, to, output.room(), isEnd);
+      output.commit(piece.size);
+    } while (piece.isFull);
   }
 
   CheckedFromUnicode converter_;  ///< another one: it keeps the state of the text
+  IcuPageCodec codec_;            ///< used only if the encoder is ICU's
 };
 
 }  // namespace

@@ -7,8 +7,8 @@
 #include <numeric>
 
 #include "base/digits.h"
+#include "codepage/checked_converter.h"
 #include "codepage/conversion.h"
-#include "codepage/page_decoder.h"
 #include "codepage/strict_reader.h"
 #include "codepage/strict_writer.h"
 
