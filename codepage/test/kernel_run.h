@@ -1,7 +1,7 @@
 // Runs inner loops as conversions.
 #pragma once
 
-#include "codepage/kernels.h"
+#include "codepage/kernels/kernels.h"
 #include "codepage/test/outcome.h"
 
 template <typename Loop>

@@ -1,0 +1,118 @@
+#include "codepage/icu/icu_library.h"
+
+#include <cstdio>
+
+namespace vel::codepage {
+
+namespace {
+
+/// Versions count 3.2, ... 4.8, 49, 50, ...; files have them without the point.
+constexpr int kOldestVersion = 32;
+constexpr int kFirstPlainVersion = 49;
+constexpr int kNewestVersion = 99;
+constexpr int kAnyVersion = 0;
+
+/// Names of files without a version. Windows has ICU of its own in "icu.dll".
+constexpr const char* kPlainNames[] = {"icu.dll", "icuuc.dll", "libicuuc.so"};
+struct VersionedName {
+  const char* before;
+  const char* after;
+};
+constexpr VersionedName kVersionedNames[] = {{"icuuc", ".dll"}, {"libicuuc.so.", ""}};
+
+using Name = char[40];
+
+/// What ICU appends to its functions' names, such as "_72", and "_3_2" in the old days.
+void formatSuffix(Name& out, int version) {
+  if (version >= kFirstPlainVersion)
+    std::snprintf(out, sizeof out, "_%d", version);
+  else
+    std::snprintf(out, sizeof out, "_%d_%d", version / 10, version % 10);
+}
+
+/// The functions of one library.
+class Binder {
+ public:
+  Binder(const LibraryLoader& loader, void* library, const char* suffix)
+      : loader_(loader), library_(library), suffix_(suffix) {}
+
+  template <typename Function>
+  bool bind(const char* name, Function& function) const {
+    Name full;
+    std::snprintf(full, sizeof full, "%s%s", name, suffix_);
+    function = reinterpret_cast<Function>(reinterpret_cast<void (*)()>(loader_.find(library_, full)));
+    return function != nullptr;
+  }
+
+  bool bindAll(IcuFunctions& functions) const {
+    return bind("ucnv_open", functions.open) && bind("ucnv_openCCSID", functions.openCcsid) &&
+           bind("ucnv_close", functions.close) && bind("ucnv_setFallback", functions.setFallback) &&
+           bind("ucnv_toUnicode", functions.toUnicode) && bind("ucnv_fromUnicode", functions.fromUnicode) &&
+           bind("ucnv_getMaxCharSize", functions.getMaxCharSize);
+  }
+
+ private:
+  const LibraryLoader& loader_;
+  void* library_;
+  const char* suffix_;
+};
+
+bool bindVersion(const LibraryLoader& loader, void* library, int version, IcuFunctions& functions) {
+  Name suffix;
+  formatSuffix(suffix, version);
+  return Binder(loader, library, suffix).bindAll(functions);
+}
+
+bool bindAnyVersion(const LibraryLoader& loader, void* library, IcuFunctions& functions) {
+  for (int version = kNewestVersion; version > kOldestVersion; --version)
+    if (bindVersion(loader, library, version, functions)) return true;
+  return false;
+}
+
+bool bindLibrary(const LibraryLoader& loader, const char* name, int version, IcuFunctions& functions) {
+  void* const library = loader.load(name);
+  if (library == nullptr) return false;
+  const bool isBound = Binder(loader, library, "").bindAll(functions) ||
+                       bindVersion(loader, library, kOldestVersion, functions) ||
+                       (version == kAnyVersion ? bindAnyVersion(loader, library, functions)
+                                               : bindVersion(loader, library, version, functions));
+  if (!isBound) loader.free(library);
+  return isBound;
+}
+
+bool bindVersionedLibrary(const LibraryLoader& loader, int version, IcuFunctions& functions) {
+  for (const VersionedName& parts : kVersionedNames) {
+    Name name;
+    std::snprintf(name, sizeof name, "%s%d%s", parts.before, version, parts.after);
+    if (bindLibrary(loader, name, version, functions)) return true;
+  }
+  return false;
+}
+
+void* loadLibrary(const char* name) {
+  std::uint32_t error;
+  return platform::loadInstalledLibrary(name, error);
+}
+
+}  // namespace
+
+bool bindIcu(const LibraryLoader& loader, int ownVersion, IcuFunctions& functions) noexcept {
+  if (ownVersion != kAnyVersion && bindVersionedLibrary(loader, ownVersion, functions)) return true;
+  for (const char* const name : kPlainNames)
+    if (bindLibrary(loader, name, kAnyVersion, functions)) return true;
+  for (int version = kNewestVersion; version >= kOldestVersion; --version)
+    if (version != ownVersion && bindVersionedLibrary(loader, version, functions)) return true;
+  return false;
+}
+
+const IcuFunctions* installedIcu() {
+  struct Installed {
+    IcuFunctions functions{};
+    bool isThere =
+        bindIcu({&loadLibrary, &platform::findProcedure, &platform::freeLibrary}, VEL_ICU_VERSION, functions);
+  };
+  static const Installed installed;
+  return installed.isThere ? &installed.functions : nullptr;
+}
+
+}  // namespace vel::codepage
