@@ -1,4 +1,5 @@
-// The base of the converters: set-up, release, and the call of the conversion function.
+// VelClConverterABase: set-up and release of a converter, and the call of its conversion function. routes.cpp
+// chooses that function.
 #include "codepage/conversion.h"
 #include "codepage/converters/target_sizes.h"
 
@@ -33,11 +34,12 @@ VelClConverterABase::VelEnRoute VelClConverterABase::getRoute() const {
   if (function_ == &velConvertError) return VelEnRoute::NONE;
   if (VelClConverterABase::requiresExternalICUData()) return VelEnRoute::ICU;
   if (function_ == &velConvertByWindowsCallUCS2ToWinCP) return VelEnRoute::SYSTEM;
-  // Only tables and ICU's converters are data.
+  // ICU is already excluded, so data can only be a table; algorithms have none.
   return conversionData_ != nullptr ? VelEnRoute::TABLE : VelEnRoute::ALGORITHM;
 }
 
 size_t VelClConverterABase::getSufficientSizeForSize(size_t size) const {
+  // Not a virtual function, because a new one would move the slots of the exported vtables.
   const auto* const stages = dynamic_cast<const VelClCodePage2CodePageConverter*>(this);
   return stages != nullptr ? stages->sufficientSize(size) : sufficientSizeOfStage(size);
 }
@@ -60,6 +62,7 @@ size_t VelClConverterABase::convertBytes(char* target, size_t targetSize, const 
 size_t VelClConverterABase::runConversion(char* target, size_t targetSize, const char** source,
                                           size_t sourceSize) const {
   lastError_.reset();
+  // Functions that do not check the target's size themselves run only if all of their output fits.
   _VelStConverter call{*this, target, targetSize, source, sourceSize};
   if (vel::codepage::requiredTargetSize(function_, call) > targetSize) {
     lastError_ = vel::codepage::kTooBig;
@@ -68,6 +71,7 @@ size_t VelClConverterABase::runConversion(char* target, size_t targetSize, const
   return function_(call);
 }
 
+// Reads the second byte only if the first one matches, and so never past a terminating NUL.
 bool VelClConverterABase::isUCS2BigEndianId(const char* text) {
   return text[0] == '\xFE' && text[1] == '\xFF';
 }
@@ -83,7 +87,8 @@ void VelClConverterABase::initNewCodePage2Unicode(const VelClCCSID& source) {
 }
 
 void VelClConverterABase::deinit() {
-  // The answer of this class counts: a derived one may look at other converters, too.
+  // Qualified: an override may answer for its second stage too, whose ICU converter is not in
+  // conversionData_.
   if (VelClConverterABase::requiresExternalICUData()) velDeleteICUConverter(conversionData_);
   conversionData_ = nullptr;
   setConverterError();
@@ -94,7 +99,7 @@ void VelClConverterABase::setConverterError() {
 }
 
 void VelClConverterABase::setConversionByUsingIconv() {
-  // There is no external routine; only the names are asked for.
+  // No external routine exists; what is left of that route is the look-up of both names.
   source_.getName();
   target_.getName();
 }

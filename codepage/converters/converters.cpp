@@ -1,4 +1,5 @@
-// The converters between code pages and UCS-2, and through it between code pages.
+// The converters from a code page to UCS-2, from UCS-2 to a code page, and through UCS-2 from one code page
+// to another. What a single conversion does is in the conversion functions; routes.cpp chooses them.
 #include <algorithm>
 
 #include "codepage/conversion.h"
@@ -8,14 +9,18 @@ namespace {
 
 using vel::codepage::kUnitSize;
 
-/// What the intermediate buffer has beyond the need of the moment, so that it seldom grows.
+/// Bytes that the intermediate buffer is allocated larger than needed, so that slightly longer texts do not
+/// reallocate it.
 constexpr std::size_t kSpare = 32769;
 
-/// The most UCS-2 bytes that `size` bytes of a code page can become.
+/// Returns the most UCS-2 bytes that `size` source bytes can become: no byte of a code page becomes more than
+/// one unit.
 std::size_t sizeInUcs2(const VelClCCSID& source, std::size_t size) {
   return source.isUCS2() ? size : kUnitSize * size;
 }
 
+/// GB18030: its characters have up to four bytes and up to two units, which the CCSID's properties do not
+/// say.
 bool isGb18030(const VelClCCSID& ccsid) {
   return ccsid.getCCSID() == VelClCCSID::CCSID_1392;
 }
@@ -46,8 +51,9 @@ VelClUnicode2CodePageConverter::~VelClUnicode2CodePageConverter() = default;
 
 size_t VelClUnicode2CodePageConverter::getMaximumSizeForLength(size_t length) const {
   const VelClCCSID& target = VelClConverterABase::getTargetCCSID();
+  // Intentional: the documented result is five bytes for a character, although none needs more than four.
   if (target.getCCSID() == VelClCCSID::CCSID_UTF8) return 5 * length;
-  // Single-byte targets count like double-byte ones. Keep.
+  // Intentional: the documented result for single-byte targets is that for double-byte ones.
   return isGb18030(target) ? 4 * length : 2 * length;
 }
 
@@ -63,6 +69,8 @@ VelClCodePage2CodePageConverter::VelClCodePage2CodePageConverter(const VelClCCSI
                                                                  const VelClCCSID& target)
     : VelClCodePage2UnicodeConverter(source), secondStage_(target), buffer_(nullptr), bufferSize_(0) {
   const _VelStError& second = secondStage_.getLastError();
+  // Of the second stage's errors only this one must show before a conversion: the route that was chosen
+  // without memory may not be the right one.
   if (second.errorClass == VelEnErrorClass::OUT_OF_MEMORY) lastError_ = second;
 }
 
@@ -93,13 +101,15 @@ size_t VelClCodePage2CodePageConverter::getMaximumSizeForLength(size_t length) c
 size_t VelClCodePage2CodePageConverter::getMaximumSizeForSize(size_t size) const {
   if (getSourceCCSID() == getTargetCCSID()) return size;
   const std::size_t inUcs2 = sizeInUcs2(getSourceCCSID(), size);
+  // Intentional: the documented result for GB18030 is the buffer's size, which UTF-8 can exceed.
   if (isGb18030(getSourceCCSID())) return inUcs2;
   const std::size_t inTarget = secondStage_.getMaximumSizeForSize(inUcs2);
   if (getSourceCCSID().isUCS2()) return inTarget;
+  // A source byte is at most one character, which bounds the result, too.
   return std::min(inTarget, secondStage_.getMaximumSizeForLength(size));
 }
 
-/// By the ways that convertBytes takes.
+// Follows the branches of convertBytes: one stage is enough where a side is already UCS-2 in host order.
 size_t VelClCodePage2CodePageConverter::sufficientSize(size_t size) const {
   if (getSourceCCSID() == getTargetCCSID()) return size;
   if (getSourceCCSID().isUCS2HostEndian()) return secondStage_.getSufficientSizeForSize(size);
@@ -119,6 +129,7 @@ size_t VelClCodePage2CodePageConverter::convertBytes(char* target, size_t target
   return convertInTwoStages(target, targetSize, source, sourceSize);
 }
 
+// Neither the text nor a half character at the end is looked at: equal CCSIDs need no route.
 size_t VelClCodePage2CodePageConverter::copyBytes(char* target, size_t targetSize, const char** source,
                                                   size_t sourceSize) const {
   lastError_.reset();
@@ -135,12 +146,15 @@ size_t VelClCodePage2CodePageConverter::convertInTwoStages(char* target, size_t 
   if (lastError_.errorId != VEL_NO_ERROR && lastError_.errorId != CPCONVERTER_INCOMPLETE) return 0;
   const std::size_t written =
       secondStage_.convertBytes(target, targetSize, static_cast<const char*>(buffer_), size);
-  // An incomplete source is forgotten here. Keep.
+  // Intentional: the documented error is that of the second stage; callers see an incomplete source by the
+  // source pointer alone.
   lastError_ = secondStage_.getLastError();
   return written;
 }
 
 void VelClCodePage2CodePageConverter::growBuffer(size_t size) const {
+  // The old contents are not needed: every conversion starts with an empty buffer. The fields are cleared
+  // before the allocation, which may throw.
   if (size + 1 <= bufferSize_) return;
   VelClMemoryManager::free(buffer_);
   buffer_ = nullptr;

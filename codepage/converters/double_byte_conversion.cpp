@@ -1,4 +1,10 @@
-// Conversions from mixed single and double bytes to UCS-2 by the tables.
+// Conversions from mixed single and double bytes to UCS-2 by table. There are two kinds of pages:
+//
+//   lead bytes (ASCII-based)    41 88 9F 42        "A", one pair, "B": byte 88 says that a pair begins
+//   shifts (EBCDIC-based)       C1 0E 48 5C 0F C2  the pairs are between shift-out (0E) and shift-in (0F)
+//
+// A kernel converts a prefix as fast as it can; the walks below do the rest, character by character, and
+// alone report errors. They serve the conversion and, before it, the count of the target bytes.
 #include "codepage/converters/double_byte_conversion.h"
 
 #include <cassert>
@@ -22,7 +28,7 @@ const DoubleByteTable& tableOf(const Call& call) {
   return *static_cast<const DoubleByteTable*>(call.getConversionData());
 }
 
-/// Where a walk over the source stopped.
+/// Where a walk over the source stopped: at its end, or before an incomplete character.
 struct WalkEnd {
   const unsigned char* position;
   bool isComplete;
@@ -32,7 +38,8 @@ const unsigned char* bytesAt(const char* text) {
   return reinterpret_cast<const unsigned char*>(text);
 }
 
-/// Calls `single(byte)` or `pair(lead, trail)` for each character. A lead byte without a trail is not passed.
+/// Walks over text with lead bytes from `start`, calling `single(byte)` or `pair(lead, trail)` for each
+/// character. Stops before a lead byte at the very end.
 template <typename Single, typename Pair>
 WalkEnd walkAscii(const Call& call, const char* start, Single single, Pair pair) {
   const std::uint8_t* const leadBytes = tableOf(call).leadBytes;
@@ -50,30 +57,32 @@ WalkEnd walkAscii(const Call& call, const char* start, Single single, Pair pair)
   return {position, true};
 }
 
-/// The same between shifts.
+/// Walks over text with shifts, from `start` and in the mode `isDouble`, in the same way. The end in
+/// double-byte mode is incomplete, too.
 template <typename Single, typename Pair>
 WalkEnd walkEbcdic(const Call& call, const char* start, bool isDouble, Single single, Pair pair) {
   const unsigned char* position = bytesAt(start);
   const unsigned char* const end = bytesAt(*call.source) + call.sourceSize;
   for (;; ++position, isDouble = false) {
     if (!isDouble) {
-      // Shift-in counts as a character among single bytes. Keep.
+      // Intentional: a shift-in in single-byte mode is a character, with the unit that the table has for it.
       for (; position != end && *position != kShiftOut; ++position) single(*position);
       if (position == end) return {position, true};
       ++position;
     }
-    // Only the lead byte's place is looked at: a trail byte can have the value of shift-in.
+    // Only positions of lead bytes are compared: a trail byte can have the value of shift-in.
     const unsigned char* const lastPair = position + static_cast<std::size_t>(end - position) / 2 * 2;
     for (; position != lastPair && *position != kShiftIn; position += 2) pair(position[0], position[1]);
     if (position == end || *position != kShiftIn) return {position, false};
   }
 }
 
-/// Writes looked-up units to the target.
+/// Looks up characters and appends their units to the target, which is large enough for all of them.
 template <bool foldsNextLine>
 class UnitWriter {
  public:
-  // Members instead of the table: what is written could change the table, as far as the compiler knows.
+  // Copies the table's pointers: the compiler must assume that a write to the target changes the table
+  // itself, and would load them again for each character.
   UnitWriter(const DoubleByteTable& table, char* target)
       : units_(table.pages[0]), pageNumbers_(table.pageNumbers), target_(target) {}
 
@@ -81,7 +90,7 @@ class UnitWriter {
     const std::uint16_t unit = vel::codepage::toHostOrder(units_[kSingleBytesPage * kPageSize + byte]);
     write(foldsNextLine && unit == vel::codepage::kNextLine ? vel::codepage::kLineFeed : unit);
   }
-  // No table has a double-byte next line: the generator sees to it.
+  // Pairs need no folding: generate_conversion_tables.py stops if a pair is U+0085.
   void pair(unsigned char lead, unsigned char trail) {
     write(vel::codepage::toHostOrder(units_[pageNumbers_[lead] * kPageSize + trail - kPageSize]));
   }
@@ -118,7 +127,7 @@ size_t velConvertByTablesDBCS_ASCIItoUCS2(VelClConverterABase::_VelStConverter& 
   return finish(call, walk, units.end());
 }
 
-// No shift state is kept between calls: every one begins with single bytes.
+// Every call starts in single-byte mode: converters keep no state between calls.
 size_t velConvertByTablesDBCS_EBCDICtoUCS2(VelClConverterABase::_VelStConverter& call) {
   Cursor cursor = vel::codepage::cursorOf(call);
   bool isDouble = false;
@@ -130,6 +139,7 @@ size_t velConvertByTablesDBCS_EBCDICtoUCS2(VelClConverterABase::_VelStConverter&
   return finish(call, walk, units.end());
 }
 
+// There are no tables of extended UNIX codes, so no route leads here; ICU converts these pages.
 size_t velConvertByTablesEUCtoUCS2(VelClConverterABase::_VelStConverter&) {
   return 0;
 }

@@ -1,4 +1,6 @@
-// Which way a conversion takes, by its CCSID: own algorithms and tables first, then ICU, then the system.
+// Chooses the conversion function of a converter by its CCSID: algorithms and tables of the library first,
+// since they are fastest and the same everywhere; then ICU; then, from UCS-2 only, the system. The functions
+// themselves are in the other files of this folder and in icu/.
 #include "codepage/conversion.h"
 #include "platform/platform.h"
 
@@ -9,7 +11,9 @@ struct Alias {
   std::uint32_t resolved;
 };
 
-// Tables and ICU know these under other numbers; from UCS-2 only the first two count. Keep.
+// CCSIDs whose tables, or whose ICU converters, go by another number.
+// Intentional: from UCS-2 only the first two count. Callers that write 5026 get ICU's own converter, or none,
+// not that of 930.
 constexpr Alias kAliases[] = {{18030, 1392}, {5488, 1392}, {5026, 930}, {5035, 939},
                               {936, 1386},   {938, 948},   {954, 33722}};
 constexpr std::size_t kAliasesFromUcs2 = 2;
@@ -21,7 +25,8 @@ std::uint32_t resolveAlias(std::uint32_t ccsid, const Alias (&aliases)[count], s
   return ccsid;
 }
 
-/// The function between UCS-2 and UCS-2 in the host's order, null for another CCSID.
+/// Returns the function that converts a form of UCS-2 to or from UCS-2 in host order; null for any other
+/// CCSID. Swapping bytes is its own inverse, so both directions share it.
 VelClConverterABase::VelConversionFunction functionBetweenUcs2(std::uint32_t ccsid) {
   switch (ccsid) {
     case VelClCCSID::CCSID_UCS2_BIG_ENDIAN:
@@ -37,6 +42,7 @@ VelClConverterABase::VelConversionFunction functionBetweenUcs2(std::uint32_t ccs
   }
 }
 
+/// Zero means that the system did not name its code page; it must not match an unknown CCSID.
 bool isCodePageOfSystem(std::uint32_t ccsid) {
   return ccsid != 0 && (ccsid == vel::platform::ansiCodePage() || ccsid == vel::platform::oemCodePage());
 }
@@ -86,7 +92,8 @@ void VelClConverterABase::useFunction(VelConversionFunction function, const void
 bool VelClConverterABase::useIcu(uint32_t ccsid, VelConversionFunction function) {
   _VelStError error;
   const void* const converter = velGetICUConverter(ccsid, error);
-  // Then another way, or none, is not chosen because ICU does not know the page.
+  // Without memory ICU's answer says nothing about the page. The error stays visible, so that callers can
+  // tell this from a page that ICU does not have.
   if (error.errorClass == VelEnErrorClass::OUT_OF_MEMORY) lastError_ = error;
   if (converter == nullptr) return false;
   useFunction(function, converter);

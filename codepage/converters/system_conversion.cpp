@@ -1,4 +1,4 @@
-// The system's conversion to its own code pages, and the function of converters that have no way.
+// The system's conversion to its own code pages, and the function of converters that have no route.
 #include "codepage/conversion.h"
 #include "platform/platform.h"
 
@@ -7,7 +7,8 @@ size_t velConvertByWindowsCallUCS2ToWinCP(VelClConverterABase::_VelStConverter& 
   const std::size_t written = vel::platform::utf16ToCodePage(
       ccsid, reinterpret_cast<const char16_t*>(*call.source), call.sourceSize / vel::codepage::kUnitSize,
       call.target, call.targetSize);
-  // An empty source counts as a failure, too. Keep.
+  // Intentional: CPCONVERTER_TOO_BIG is the documented result of every failure, also for an empty source,
+  // which the system refuses; and the source pointer is not advanced, even on success.
   if (written == 0) call.setError(vel::codepage::kTooBig);
   return written;
 }

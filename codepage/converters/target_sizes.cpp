@@ -14,14 +14,16 @@ std::size_t requiredTargetSize(VelClConverterABase::VelConversionFunction functi
     return call.sourceSize / kUnitSize;
   const bool isMixedAscii = function == &velConvertByTablesDBCS_ASCIItoUCS2;
   if (!isMixedAscii && function != &velConvertByTablesDBCS_EBCDICtoUCS2) return 0;
-  // Mostly there is room for two bytes each, and nothing has to be counted.
+  // A character has at least one byte and becomes one unit, so twice the source is always enough. Most
+  // callers give that much and are spared the walk over the source.
   if (call.sourceSize * kUnitSize <= call.targetSize) return 0;
   return isMixedAscii ? sizeOfMixedAscii(call) : sizeOfMixedEbcdic(call);
 }
 
 std::size_t sufficientTargetSize(VelClConverterABase::VelConversionFunction function,
                                  const Call& call) noexcept {
-  /// Of the system's code pages, which all have at most four bytes for a character.
+  // The code pages of systems have at most four bytes for a character. UTF-8 has three for a unit: the four
+  // bytes of a surrogate pair are two for each of its units.
   constexpr std::size_t kLongestOfSystem = 4;
   constexpr std::size_t kLongestUtf8Unit = 3;
   const std::size_t size = call.sourceSize;

@@ -1,4 +1,4 @@
-// Conversions from UCS-2 by moving bytes: in the same and in the other byte order, to ISO8859-1, and by the
+// Conversions from UCS-2 that look at one unit at a time: copying, swapping bytes, to ISO8859-1, and by the
 // reverse tables.
 #include <algorithm>
 #include <cassert>
@@ -11,14 +11,17 @@ namespace {
 using vel::codepage::Call;
 using vel::codepage::kUnitSize;
 
-/// The bytes that both sides have, without an odd one.
+/// Returns the bytes that fit into both sides, rounded down to whole units.
 std::size_t determineCommonSize(const Call& call) {
   const std::size_t size = std::min(call.sourceSize, call.targetSize);
-  // An odd target size is reported like an odd source size. Keep.
+  // Intentional: the documented result of an odd size is CPCONVERTER_INCOMPLETE, even if the target is the
+  // odd side.
   if (size % kUnitSize != 0) call.setError(vel::codepage::kIncomplete);
   return size - size % kUnitSize;
 }
 
+/// `pages` has the layout of velGetUCS2toSBCSTable: the first 256 bytes map the high byte of a unit to the
+/// page that has its low byte.
 void lookUpUnits(char* __restrict target, const char* __restrict source, std::size_t units,
                  const unsigned char* __restrict pages) {
   for (std::size_t i = 0; i < units; ++i) {
@@ -31,6 +34,7 @@ void lookUpUnits(char* __restrict target, const char* __restrict source, std::si
 
 size_t velConvertByCopying(VelClConverterABase::_VelStConverter& call) {
   const std::size_t size = determineCommonSize(call);
+  // Pointers may be null when there is nothing to copy, which memcpy does not allow.
   if (size != 0) std::memcpy(call.target, *call.source, size);
   *call.source += size;
   return size;
@@ -51,7 +55,8 @@ size_t velConvertByTablesUCS2toSBCS(VelClConverterABase::_VelStConverter& call) 
   return units;
 }
 
-// Units above 0xFF lose their high byte; nothing is substituted. Keep.
+// Intentional: units above 0xFF lose their high byte and nothing is substituted. Callers that must not lose
+// data silently use VelClStrictConversion.
 size_t velConvertByAlgorithmUCS2to819(VelClConverterABase::_VelStConverter& call) {
   const std::size_t units = vel::codepage::countWholeUnits(call);
   assert(units <= call.targetSize);

@@ -1,4 +1,5 @@
-// UCS-2 with surrogate pairs to UTF-8.
+// UCS-2 with surrogate pairs to UTF-8. The kernel encodes a prefix; this file encodes the rest, character by
+// character, and defines the result for invalid units.
 #include "codepage/conversion.h"
 #include "codepage/kernels/kernels.h"
 
@@ -8,7 +9,7 @@ using vel::codepage::Call;
 using vel::codepage::Cursor;
 using vel::codepage::kUnitSize;
 
-// U+FFFF stands for what is invalid, not U+FFFD. Keep.
+// Intentional: the documented replacement for invalid units is U+FFFF (EF BF BF), not U+FFFD.
 constexpr char32_t kInvalid = 0xFFFF;
 
 constexpr bool isInvalid(char32_t unit) {
@@ -20,7 +21,8 @@ struct Character {
   std::size_t units;
 };
 
-/// The character at the start of `units` units, which are at least one.
+/// Returns the first character of a text of `units` units, at least one. An unpaired surrogate, also one that
+/// the text ends with, is invalid.
 Character characterAt(const char* source, std::size_t units) {
   const char32_t first = vel::codepage::readUnit(source);
   if (vel::isHighSurrogate(first) && units > 1) {
@@ -30,17 +32,18 @@ Character characterAt(const char* source, std::size_t units) {
   return {isInvalid(first) ? kInvalid : first, 1};
 }
 
-/// One character; false when it does not fit.
+/// Encodes one character. Returns false if it does not fit.
 bool encodeCharacter(Cursor& cursor) {
   const Character character = characterAt(cursor.source, cursor.sourceSize() / kUnitSize);
-  // The character counts as consumed even when it does not fit. Keep.
+  // Intentional: the documented source position after CPCONVERTER_TOO_BIG is past the character that did not
+  // fit.
   cursor.source += character.units * kUnitSize;
   if (vel::utf8Length(character.value) > cursor.targetSize()) return false;
   cursor.target += vel::encodeUtf8(character.value, cursor.target);
   return true;
 }
 
-/// Some characters, before larger pieces are tried again.
+/// Encodes a few characters that the kernel left, then lets it try again. Returns false if one does not fit.
 bool encodeCharacters(Cursor& cursor) {
   constexpr std::size_t kSome = 32;
   for (std::size_t i = 0; i < kSome && cursor.source != cursor.sourceEnd; ++i)

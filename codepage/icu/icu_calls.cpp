@@ -1,3 +1,6 @@
+// ICU converters keep state from one call to the next. The functions for pieces leave it to the caller; those
+// for whole texts always end with an empty converter, because VelClConverterABase keeps nothing between
+// calls.
 #include "codepage/icu/icu_calls.h"
 
 #include "codepage/converters/target_sizes.h"
@@ -6,8 +9,9 @@ namespace vel::codepage {
 
 namespace {
 
-/// Converters that are opened by name. The first two names are in data made for this library only; the next
-/// ones are the same converters in any ICU, which finds another edition for the number 943.
+/// Converters that are opened by name, the first name that ICU knows: by its number ICU would open another
+/// edition of 943, for example. The names with VSUB and VPUA exist only in ICU data made for this library;
+/// the ones after them are the same converters in any other ICU.
 struct NamedConverter {
   std::uint32_t ccsid;
   const char* name;
@@ -24,16 +28,19 @@ IcuConverter* openByName(const IcuFunctions& icu, std::uint32_t ccsid, bool& has
     hasName = true;
     status = kIcuSuccess;
     IcuConverter* const converter = icu.open(named.name, &status);
+    // A warning comes with a converter.
     if (status <= kIcuSuccess) return converter;
   }
   return nullptr;
 }
 
-/// Converters keep output that did not fit, and input that is incomplete, for the next call. With an empty
-/// source and "flush" they give it out and begin anew.
+/// Empties a converter. Converters keep output that did not fit, and incomplete input, for the next call; an
+/// empty source with "flush" makes them write it out and start anew. `drop` makes such a call and sets the
+/// status.
 template <typename Drop>
 void dropPending(Drop drop) {
-  // More than a few rounds are never needed; a converter that never ends is left alone.
+  // A few rounds are always enough, since little fits into a converter. The bound keeps one that overflows
+  // for ever from hanging its caller.
   constexpr int kRounds = 64;
   IcuStatus status = kIcuBufferOverflow;
   for (int round = 0; round < kRounds && status == kIcuBufferOverflow; ++round) {
@@ -60,7 +67,7 @@ const IcuConverter* openIcuConverter(const IcuFunctions& icu, std::uint32_t ccsi
 std::size_t continueToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text,
                               bool isEnd) {
   auto* const begin = reinterpret_cast<char16_t*>(text.target);
-  // ICU refuses a target with half a unit.
+  // Rounds down: ICU takes a limit within a unit for an invalid argument.
   const char16_t* const limit = begin + text.targetSize / sizeof(char16_t);
   char16_t* position = begin;
   text.status = kIcuSuccess;
@@ -109,7 +116,8 @@ std::size_t convertFromUnicode(const IcuFunctions& icu, const IcuConverter* conv
 
 std::size_t sufficientSizeFromUnicode(const IcuFunctions& icu, const IcuConverter* converter,
                                       std::size_t units) noexcept {
-  // What shifts and escapes at both ends of a text take, as ICU counts it.
+  // ICU's own formula, UCNV_GET_MAX_BYTES_FOR_STRING: ten units more account for shifts and escapes at both
+  // ends.
   constexpr std::size_t kForBothEnds = 10;
   return saturatingProduct(units + kForBothEnds, static_cast<std::size_t>(icu.getMaxCharSize(converter)));
 }

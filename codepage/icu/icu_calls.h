@@ -1,4 +1,5 @@
-// What is asked of ICU's functions, whichever they are; their statuses mean nothing here.
+// Thin wrappers over ICU's converter functions, which tests can replace. Status numbers are passed through;
+// what they mean in the library's terms is icu_interface.cpp's work.
 #pragma once
 
 #include <cstddef>
@@ -7,14 +8,15 @@
 
 namespace vel::codepage {
 
-/// Opens the converter for a CCSID with fallback mappings; null with an error in `status`.
+/// Opens ICU's converter of a CCSID, with fallback mappings switched on; the caller closes it. Returns null
+/// and sets `status` when ICU has none.
 const IcuConverter* openIcuConverter(const IcuFunctions& icu, std::uint32_t ccsid, IcuStatus& status);
 
-/// One conversion: both ends of both texts, and what became of it.
+/// The buffers of one call, in bytes, and its resulting status.
 struct IcuBuffers {
   char* target;
   std::size_t targetSize;
-  const char* source;  ///< moves behind what was consumed
+  const char* source;  ///< moved past what was consumed
   std::size_t sourceSize;
   IcuStatus status;
 };
@@ -26,18 +28,19 @@ inline constexpr IcuStatus kIcuOutOfMemory = 7;
 inline constexpr IcuStatus kIcuBufferOverflow = 15;
 inline constexpr IcuStatus kIcuUnsupported = 16;
 
-/// Both return the bytes written. What does not fit stays in the converter, and what is incomplete, too,
-/// unless this is the end.
+/// Convert a piece of a text and return the bytes written. Output that does not fit stays in the converter
+/// for the next call, and so does an incomplete character, unless `isEnd`.
 std::size_t continueToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text,
                               bool isEnd);
 std::size_t continueFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text,
                                 bool isEnd);
 
-/// The same for a whole text. What an error leaves in the converter is dropped.
+/// Convert a whole text and return the bytes written. Whatever an error leaves in the converter is dropped,
+/// so that the next text does not begin with it.
 std::size_t convertToUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text);
 std::size_t convertFromUnicode(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text);
 
-/// The target bytes that are enough for any text of so many units.
+/// Returns a number of target bytes that is enough for any text of `units` units.
 std::size_t sufficientSizeFromUnicode(const IcuFunctions& icu, const IcuConverter* converter,
                                       std::size_t units) noexcept;
 

@@ -1,4 +1,5 @@
-// Converters and conversions of the ICU that this process found.
+// The public functions that open, use and close converters of the installed ICU. Every call but the opening
+// relies on a converter that was opened, and so on ICU being there.
 #include "codepage/icu/icu_conversion.h"
 
 #include "codepage/icu/icu_calls.h"
@@ -18,7 +19,8 @@ std::size_t convert(Call& call, Conversion conversion) {
   const std::size_t written = conversion(*vel::codepage::installedIcu(), call.getConversionData(), text);
   *call.source = text.source;
   _VelStError error;
-  // It throws for warnings, too. Keep.
+  // Intentional: mapIcuError throws for statuses without an identifier, warnings among them; the documented
+  // result is the exception ICU_UNEXPECTED_ICU_ERROR.
   VelClIcuInterface::mapIcuError(error, text.status);
   call.setError(error);
   return written;
@@ -31,6 +33,7 @@ std::size_t vel::codepage::sufficientSizeFromIcu(const Call& call) noexcept {
 }
 
 const void* velGetICUConverter(unsigned int ccsid, _VelStError& error) {
+  // Without ICU every page gets the status that ICU has for unsupported operations.
   IcuStatus status = vel::codepage::kIcuUnsupported;
   const IcuFunctions* const icu = vel::codepage::installedIcu();
   const IcuConverter* const converter =

@@ -1,4 +1,5 @@
-// What ICU's statuses mean in the library's terms, from icu_errors.tsv.
+// VelClIcuInterface: translates ICU's status numbers into identifiers, classes, actions and severities of the
+// library, by a table that is generated from icu_errors.tsv.
 #include <algorithm>
 #include <iterator>
 
@@ -14,14 +15,15 @@ struct VelClIcuInterface::_VelStIcuRc2VelIdMap {
 
 namespace {
 
-// ICU 3.2's numbers: the last one, U_ERROR_LIMIT, is another in every version.
+// The numbers are those of ICU 3.2. U_ERROR_LIMIT, the last one, is a different number in every version.
 constexpr VelClIcuInterface::_VelStIcuRc2VelIdMap kMap[] = {
 // clang-format off
 #include "icu_errors.inc"
     // clang-format on
 };
 
-// Fixed texts and numbers: part of the interface, not these lines' positions.
+// Intentional: callers see these origins in messages and traces; they are fixed texts, not positions in this
+// file.
 constexpr const char* kHandleOrigin = "VelClIcuInterface::handleIcuErrorCode, line 325";
 constexpr unsigned int kHandleLine = 325;
 constexpr const char* kUnexpectedOrigin = "VelClIcuInterface::getVelEntryForIcuError, line 252";

@@ -1,3 +1,11 @@
+// ICU puts its version into the names of its libraries and of their functions: version 72 is libicuuc.so.72
+// with ucnv_open_72. No name is known beforehand, so both are formatted and tried:
+//
+//   library            functions tried
+//   with a version     plain, those of 3.2, those of this version
+//   without one        plain, those of 3.2, then of every version, newest first
+//
+// The version that the build machine has comes first: it is the one that the library was tested with.
 #include "codepage/icu/icu_library.h"
 
 #include <cstdio>
@@ -6,13 +14,14 @@ namespace vel::codepage {
 
 namespace {
 
-/// Versions count 3.2, ... 4.8, 49, 50, ...; files have them without the point.
+/// Versions count 3.2, ... 4.8, 49, 50, ...; here, and in file names, they are written without the point.
 constexpr int kOldestVersion = 32;
 constexpr int kFirstPlainVersion = 49;
 constexpr int kNewestVersion = 99;
 constexpr int kAnyVersion = 0;
 
-/// Names of files without a version. Windows has ICU of its own in "icu.dll".
+/// Library names without a version. Windows itself comes with ICU in icu.dll, whose functions have plain
+/// names.
 constexpr const char* kPlainNames[] = {"icu.dll", "icuuc.dll", "libicuuc.so"};
 struct VersionedName {
   const char* before;
@@ -22,7 +31,7 @@ constexpr VersionedName kVersionedNames[] = {{"icuuc", ".dll"}, {"libicuuc.so.",
 
 using Name = char[40];
 
-/// What ICU appends to its functions' names, such as "_72", and "_3_2" in the old days.
+/// Writes the suffix of a version's function names: "_72", or "_3_2" below version 49.
 void formatSuffix(Name& out, int version) {
   if (version >= kFirstPlainVersion)
     std::snprintf(out, sizeof out, "_%d", version);
@@ -30,7 +39,7 @@ void formatSuffix(Name& out, int version) {
     std::snprintf(out, sizeof out, "_%d_%d", version / 10, version % 10);
 }
 
-/// The functions of one library.
+/// Binds functions of one library under one suffix.
 class Binder {
  public:
   Binder(const LibraryLoader& loader, void* library, const char* suffix)
@@ -69,6 +78,7 @@ bool bindAnyVersion(const LibraryLoader& loader, void* library, IcuFunctions& fu
   return false;
 }
 
+/// Unloads the library again if it lacks a function, so that the search can go on.
 bool bindLibrary(const LibraryLoader& loader, const char* name, int version, IcuFunctions& functions) {
   void* const library = loader.load(name);
   if (library == nullptr) return false;
@@ -106,6 +116,7 @@ bool bindIcu(const LibraryLoader& loader, int ownVersion, IcuFunctions& function
 }
 
 const IcuFunctions* installedIcu() {
+  // A local static: threads that ask at the same time wait for one search.
   struct Installed {
     IcuFunctions functions{};
     bool isThere =

@@ -1,5 +1,5 @@
-// ICU at run time: its seven functions that the library uses, bound by name from whatever version is
-// installed.
+// Finds ICU at run time and binds the seven of its functions that the library uses, from whatever version is
+// installed. Programs start without ICU, and no header of it is needed to build.
 #pragma once
 
 #include <cstdint>
@@ -8,14 +8,15 @@
 
 namespace vel::codepage {
 
-/// ICU's own types, as far as they are known here.
+/// ICU's types UConverter, UErrorCode and UBool.
 using IcuConverter = void;
 using IcuStatus = std::int32_t;
 using IcuBool = std::int8_t;
 
+/// The functions ucnv_open, ucnv_openCCSID, and so on, as ICU declares them.
 struct IcuFunctions {
   IcuConverter* (*open)(const char* name, IcuStatus* status);
-  /// By number; `platform` is always 0.
+  /// Opens a converter by its CCSID; `platform` must be 0.
   IcuConverter* (*openCcsid)(std::int32_t ccsid, int platform, IcuStatus* status);
   void (*close)(IcuConverter* converter);
   void (*setFallback)(IcuConverter* converter, IcuBool usesFallback);
@@ -25,20 +26,21 @@ struct IcuFunctions {
   void (*fromUnicode)(IcuConverter* converter, char** target, const char* targetLimit,
                       const char16_t** source, const char16_t* sourceLimit, std::int32_t* offsets,
                       IcuBool flush, IcuStatus* status);
-  /// The most bytes for one unit, on average over a text of at least ten units.
+  /// Returns the most bytes for one unit, where a text of n units is counted as n + 10 of them.
   std::int8_t (*getMaxCharSize)(const IcuConverter* converter);
 };
 
-/// How libraries are loaded.
+/// How libraries are loaded; tests pass their own.
 struct LibraryLoader {
   void* (*load)(const char* name);
   platform::Procedure (*find)(void* library, const char* name);
   void (*free)(void* library);
 };
 
-/// Looks for ICU under the names that it has on any system: first the version that the build knows, 0 for
-/// none, then names without a version, then the other versions, newest first. False when there is none with
-/// all seven functions. The library stays loaded.
+/// Looks for ICU under the names that its libraries have on any system: first in the version `ownVersion`,
+/// unless that is 0, then under names without a version, then in the other versions, newest first. Binds the
+/// first library that has all seven functions, which stays loaded, and returns true; returns false if there
+/// is none.
 bool bindIcu(const LibraryLoader& loader, int ownVersion, IcuFunctions& functions) noexcept;
 
 /// Returns the functions of the ICU that is installed, or null when there is none. The first call looks for

@@ -1,3 +1,5 @@
+// Translates between strict conversion, which counts units and throws when memory runs out, and icu_calls,
+// which counts bytes and returns statuses.
 #include "codepage/icu/icu_page_codec.h"
 
 #include "codepage/conversion.h"
@@ -14,6 +16,7 @@ void requireMemory(const IcuBuffers& buffers) {
 }  // namespace
 
 void throwIcuOutOfMemory() {
+  // Callers see this text in the exception: it names the class that they use, not this function.
   constexpr const char* kOrigin = "VelClStrictConversion, ICU";
   VelClExceptionFatal exception(ICU_MEMORY_ALLOCATION_ERROR, VelEnErrorClass::OUT_OF_MEMORY,
                                 VelEnErrorAction::TERMINATE, "");

@@ -14,7 +14,8 @@ namespace vel::codepage {
 /// Every member but the constructor throws VelClExceptionFatal when ICU runs out of memory.
 class IcuPageCodec {
  public:
-  /// `converter` must use ICU, and live as long as the codec, which works with that ICU converter.
+  /// Works with the ICU converter of `converter`, which must live as long as the codec. If `converter` does
+  /// not use ICU, no other member may be called.
   explicit IcuPageCodec(const VelClConverterABase& converter);
 
   struct DecodedPiece {

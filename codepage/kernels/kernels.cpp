@@ -1,3 +1,4 @@
+// The choice between the portable and the vector kernels, made once in a process.
 #include "codepage/kernels/kernels.h"
 
 #include <cstring>
@@ -8,7 +9,7 @@ namespace vel::codepage {
 
 namespace {
 
-/// "portable" in this environment variable does without the others, so that they can be compared.
+/// Tests and benchmarks compare the two sets on one processor by this variable.
 bool isPortableForced() {
   const char* const wanted = platform::settingValue("VEL_KERNELS");
   return wanted != nullptr && std::strcmp(wanted, "portable") == 0;
@@ -22,6 +23,7 @@ const Kernels& choose() {
 }  // namespace
 
 const Kernels& kernels() noexcept {
+  // Chosen once: all conversions of a process use the same kernels.
   static const Kernels& best = choose();
   return best;
 }

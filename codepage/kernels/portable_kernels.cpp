@@ -1,4 +1,9 @@
-// The inner loops in plain C++, written so that the compiler can use the vectors that every processor has.
+// The kernels in portable C++. Loops over fixed steps are written so that the compiler can vectorise them
+// with the vectors that every processor has.
+//
+// The UTF-8 kernels avoid a branch per byte by working on 64-bit words, as several characters at once ("SIMD
+// within a register"): one test tells whether eight bytes are ASCII, and shifts and masks spread or pack
+// them. Only characters that are not ASCII are decoded one by one, all of them with plain arithmetic.
 #include <bit>
 
 #include "codepage/conversion.h"
@@ -30,7 +35,7 @@ void swap(char* __restrict target, const char* __restrict source, std::size_t co
   }
 }
 
-/// Eight bytes are read as one number.
+/// Reads eight bytes as one word: one load and shifts are faster than eight loads.
 void lookUpBytes(char* target, const char* source, std::size_t size, const std::uint16_t* table) noexcept {
   constexpr std::size_t kBytes = sizeof(std::uint64_t);
   std::size_t i = 0;
@@ -44,15 +49,17 @@ void lookUpBytes(char* target, const char* source, std::size_t size, const std::
 
 // ---- UTF-8 to UCS-2 --------------------------------------------------------------------------
 
-/// The loops below look at a piece of the source, and write a piece of the target, of which only a part may
-/// count.
+/// The kernels below read up to a block of source and write up to a block of target in each step, and then
+/// advance by the part that is used. They run only while a whole block is left of both, so that no step needs
+/// a bounds check.
 constexpr std::size_t kBlock = 32;
 
 bool hasBlock(const Cursor& cursor) {
   return cursor.sourceSize() >= kBlock && cursor.targetSize() >= kBlock;
 }
 
-/// Eight bytes to eight units, spread within numbers: compilers make worse of a loop among other code.
+/// Widens eight bytes to eight units within two words, for example 44434241 to 0044004300420041. A loop over
+/// the bytes would be vectorised badly among the other code.
 void widenEight(char* target, std::uint64_t bytes) {
   for (std::size_t half = 0; half < 2; ++half) {
     std::uint64_t units = bytes >> (half * 32) & 0xFFFFFFFF;
@@ -62,7 +69,8 @@ void widenEight(char* target, std::uint64_t bytes) {
   }
 }
 
-/// All of 16 bytes, or those before the first of eight that is not ASCII. False when that one is next.
+/// Decodes 16 ASCII bytes; or else those of the first eight that precede the first other byte, returning
+/// false if that byte is next. Always writes eight units, of which only the decoded ones are used.
 bool decodeAscii(Cursor& cursor) {
   constexpr std::uint64_t kTopBits = 0x8080808080808080;
   const std::uint64_t first = readWord(cursor.source);
@@ -81,7 +89,8 @@ bool decodeAscii(Cursor& cursor) {
   return count == 8;
 }
 
-/// Two or three bytes, of which nothing is checked but that the sum is one unit.
+/// Writes the value of two or three bytes; returns false, with nothing done, if it is not one unit. Trailing
+/// bytes are not checked: utf8_decoder.cpp has the same results for them.
 bool decodeUnit(Cursor& cursor, std::uint32_t value, std::size_t size) {
   if (value > 0xFFFF) return false;
   writeUnit(cursor.target, static_cast<std::uint16_t>(value));
@@ -90,7 +99,8 @@ bool decodeUnit(Cursor& cursor, std::uint32_t value, std::size_t size) {
   return true;
 }
 
-/// Four bytes that become a pair.
+/// Writes the value of four bytes as a surrogate pair; returns false, with nothing done, for one that is not
+/// a pair.
 bool decodePair(Cursor& cursor, std::uint32_t value) {
   if (value < 0x10000 || value > 0x10FFFF) return false;
   writeUnit(cursor.target, static_cast<std::uint16_t>(0xD7C0 + (value >> 10)));
@@ -100,7 +110,8 @@ bool decodePair(Cursor& cursor, std::uint32_t value) {
   return true;
 }
 
-/// A character that is not ASCII, of up to four bytes. False, with nothing done, for any other.
+/// Decodes a character of two to four bytes; returns false, with nothing done, for any other. The constants
+/// and sums are those of utf8_decoder.cpp.
 bool decodeSequence(Cursor& cursor) {
   const auto* const text = reinterpret_cast<const unsigned char*>(cursor.source);
   const std::uint32_t lead = text[0];
@@ -112,7 +123,8 @@ bool decodeSequence(Cursor& cursor) {
   return decodePair(cursor, (three << 6) + text[3] - 0x3C82080);
 }
 
-/// False when only single characters go on.
+/// Alternates between runs of ASCII and of other characters. Returns false if the caller must go on, because
+/// the source or target is nearly used up or a character is ill-formed.
 bool decodeBlocks(Cursor& cursor) {
   if (decodeAscii(cursor)) return true;
   do {
@@ -122,7 +134,8 @@ bool decodeBlocks(Cursor& cursor) {
 }
 
 void decodeUtf8(Cursor& cursor) noexcept {
-  // A copy can live in registers: what is written to the target cannot change it.
+  // A local copy can live in registers: through a reference, the compiler must assume that writes to the
+  // target change the cursor.
   Cursor local = cursor;
   while (hasBlock(local) && decodeBlocks(local)) {
   }
@@ -131,7 +144,7 @@ void decodeUtf8(Cursor& cursor) noexcept {
 
 // ---- UCS-2 to UTF-8 --------------------------------------------------------------------------
 
-/// Four units below 0x100 to four bytes.
+/// Packs four units below 0x100 into four bytes.
 void narrowFour(char* target, std::uint64_t units) {
   units = (units | units >> 8) & 0x0000FFFF0000FFFF;
   const auto bytes = static_cast<std::uint32_t>(units | units >> 16);
@@ -140,8 +153,9 @@ void narrowFour(char* target, std::uint64_t units) {
 
 constexpr std::size_t kUnitsInWord = 4;
 
-/// Units below 0x800: one or two bytes are written, and as many counted. There is no jump, as long as the
-/// compiler does not see a condition.
+/// Encodes four units below 0x800. Each is written as two bytes, and the target advances by one or two of
+/// them. The length is computed, not compared, so that the compiler does not make it a branch, which mixed
+/// text would mispredict.
 void encodeUpToTwoBytes(Cursor& cursor, std::uint64_t units) {
   for (std::size_t i = 0; i < kUnitsInWord; ++i) {
     const std::uint32_t unit = units >> (16 * i) & 0x7FF;
@@ -153,7 +167,8 @@ void encodeUpToTwoBytes(Cursor& cursor, std::uint64_t units) {
   cursor.source += kUnitsInWord * kUnitSize;
 }
 
-/// 16 ASCII units, or four below 0x800. False when there are others among the next four.
+/// Encodes 16 ASCII units, or four units below 0x800; returns false, with nothing done, if one of the next
+/// four is above.
 bool encodeRun(Cursor& cursor) {
   constexpr std::uint64_t kNotAscii = 0xFF80FF80FF80FF80;
   constexpr std::uint64_t kAboveTwoBytes = 0xF800F800F800F800;
@@ -175,14 +190,15 @@ bool encodeRun(Cursor& cursor) {
   return true;
 }
 
-/// Writes four bytes, the lowest first, of which `size` count.
+/// Writes four bytes, the lowest first, and advances past the first `size` of them. Four bytes are a
+/// surrogate pair.
 void writeSequence(Cursor& cursor, std::uint32_t bytes, std::size_t size) {
   std::memcpy(cursor.target, &bytes, sizeof bytes);
   cursor.target += size;
   cursor.source += size == 4 ? 2 * kUnitSize : kUnitSize;
 }
 
-/// A pair of surrogates; false, with nothing done, for one alone.
+/// Encodes a surrogate pair; returns false, with nothing done, for an unpaired surrogate.
 bool encodePair(Cursor& cursor, std::uint32_t high) {
   const std::uint32_t low = readUnit(cursor.source + kUnitSize);
   if (!isHighSurrogate(high) || !isLowSurrogate(low)) return false;
@@ -198,7 +214,8 @@ void encodeThreeBytes(Cursor& cursor, std::uint32_t unit) {
   writeSequence(cursor, 0x8080E0 | unit >> 12 | (unit >> 6 & 0x3F) << 8 | (unit & 0x3F) << 16, 3);
 }
 
-/// A character; false, with nothing done, for one that is invalid. Most are of the first kind.
+/// Encodes a character; returns false, with nothing done, for an invalid one, whose replacement is the
+/// caller's decision. The most frequent range is tested first: shorter ones mostly went through encodeRun.
 bool encodeCharacter(Cursor& cursor) {
   const std::uint32_t unit = readUnit(cursor.source);
   if (unit >= 0x800 && unit < 0xD800) {
@@ -220,7 +237,8 @@ bool encodeCharacter(Cursor& cursor) {
   return true;
 }
 
-/// False when only single characters go on.
+/// Alternates between runs of short characters and single longer ones. Returns false if the caller must go
+/// on.
 bool encodeBlocks(Cursor& cursor) {
   if (encodeRun(cursor)) return true;
   do {
@@ -238,7 +256,8 @@ void encodeUtf8(Cursor& cursor) noexcept {
 
 // ---- Mixed bytes -----------------------------------------------------------------------------
 
-/// All is left to the walk, character by character, that follows.
+/// Converts nothing, which is a prefix, too. Without wide vectors nothing is faster than the walk over single
+/// characters that follows.
 void decodeMixed(Cursor&, const VelStDoubleByteTable&) noexcept {}
 void decodeShifted(Cursor&, const VelStDoubleByteTable&, bool&) noexcept {}
 

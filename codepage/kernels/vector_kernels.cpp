@@ -1,4 +1,5 @@
-// The table of vector loops, for processors that have what they need.
+// The table of vector kernels, and the check that the processor and the operating system support all
+// instructions that they use.
 #include "codepage/kernels/vectors.h"
 
 namespace vel::codepage {

@@ -1,4 +1,4 @@
-// Bytes and units moved by vectors, 32 at a time.
+// Widening, narrowing and swapping bytes by vectors, 32 units at a time.
 #include "codepage/kernels/vectors.h"
 
 #if defined(__x86_64__)
@@ -11,8 +11,9 @@ namespace {
 
 constexpr std::size_t kUnits = kBlock / kUnitSize;
 
-/// Moves blocks, and what is left behind the last one by `rest(first, count)`. Nothing is moved twice: source
-/// and target may be the same.
+/// Calls `move(i)` for whole blocks, and `rest(i, count)` once for the units after the last one. A last block
+/// that overlaps the one before would be faster, but would swap units twice where source and target are the
+/// same buffer.
 template <typename Move, typename Rest>
 VEL_VECTOR inline void moveBlocks(std::size_t count, Move move, Rest rest) {
   std::size_t i = 0;

@@ -1,4 +1,6 @@
-// Single bytes to UCS-2 by vectors: a table of 256 units in registers.
+// Single bytes to UCS-2 by vectors. The whole table is kept in registers: its 256 units are split into a
+// plane of low bytes and one of high bytes, four vectors each. Two look-ups give the low and the high bytes
+// of 64 units, which are interleaved when they are stored; memory is read for the source alone.
 #include "codepage/kernels/vectors.h"
 
 #if defined(__x86_64__)
@@ -9,13 +11,13 @@ using namespace vectors;
 
 namespace {
 
-/// A table with the low and the high bytes of its units apart.
+/// A table of units, with their low and high bytes apart.
 struct Planes {
   __m512i low[4];
   __m512i high[4];
 };
 
-/// Every second byte of two vectors, from byte `first` on.
+/// Returns every second byte of two vectors, starting with byte `first`.
 VEL_VECTOR inline __m512i everySecond(__m512i a, __m512i b, int first) {
   alignas(64) static constexpr unsigned char kEven[64] = {
       0,  2,  4,  6,  8,  10, 12,  14,  16,  18,  20,  22,  24,  26,  28,  30,  32,  34,  36,  38, 40, 42,
@@ -39,10 +41,13 @@ VEL_VECTOR inline void lookUpBlock(char* target, const char* source, const Plane
   storeUnits(target, lookUp(planes.low, index), lookUp(planes.high, index), store);
 }
 
-/// From here on caches do not keep the result anyway: it goes past them, which saves reading its lines first.
+/// From this size on the caches do not keep the result anyway. Streaming stores bypass them, which saves
+/// reading each line of the target before it is overwritten.
 constexpr std::size_t kStreamedSize = std::size_t{8} << 20;
 
-/// How many bytes it has looked up: whole blocks, from the first unit of an aligned block of the target on.
+/// Returns how many bytes it has looked up. Streaming stores need aligned blocks, so the first block is
+/// stored normally and the aligned ones begin within it; a target at an odd address has no unit on a boundary
+/// and is left alone.
 VEL_VECTOR inline std::size_t streamBlocks(char* target, const char* source, std::size_t size,
                                            const Planes& planes) {
   const std::size_t address = reinterpret_cast<std::uintptr_t>(target);
@@ -50,6 +55,7 @@ VEL_VECTOR inline std::size_t streamBlocks(char* target, const char* source, std
   lookUpBlock(target, source, planes, store);
   std::size_t i = (kBlock - address % kBlock) / kUnitSize;
   for (; size - i >= kBlock; i += kBlock) lookUpBlock(target + i * kUnitSize, source + i, planes, stream);
+  // Streaming stores are weakly ordered: without a fence, another thread could see a later store before them.
   _mm_sfence();
   return i;
 }
@@ -63,7 +69,7 @@ VEL_VECTOR void vectors::lookUpBytes(char* target, const char* source, std::size
   split(table, planes);
   std::size_t i = size >= kStreamedSize ? streamBlocks(target, source, size, planes) : 0;
   for (; i < size; i += kBlock) {
-    // The last block may overlap the one before.
+    // The last block may overlap the one before, which writes the same units again.
     if (size - i < kBlock) i = size - kBlock;
     lookUpBlock(target + i * kUnitSize, source + i, planes, store);
   }

@@ -1,5 +1,12 @@
-// UCS-2 to UTF-8 by vectors: every unit is encoded in a lane of its own, and the bytes that count are moved
-// together.
+// UCS-2 to UTF-8 by vectors. Every unit is encoded in a lane of its own, which is as wide as the longest
+// result: two bytes for 32 units below 800, four bytes for 16 units otherwise. Then the bytes that belong to
+// a result are compressed:
+//
+//   unit       0041         00E9         20AC
+//   lane       41 .. .. ..  C3 A9 .. ..  E2 82 AC ..
+//   compressed 41 C3 A9 E2 82 AC
+//
+// Each lane is computed for all lengths, and masks choose one, so that there is no branch per character.
 #include "codepage/kernels/vectors.h"
 
 #if defined(__x86_64__)
@@ -12,13 +19,14 @@ namespace {
 
 constexpr std::size_t kUnits = 16;
 
-/// 16 characters, one for each lane, as encoded bytes from the lowest on, and which of those count.
+/// 16 characters, one in each lane, as encoded bytes with the first one lowest; and FF for each byte that is
+/// part of the result.
 struct Encoded {
   __m512i bytes;
   __m512i counts;
 };
 
-/// `value` shifted right, of which the lowest six bits move to byte `place`.
+/// Returns six bits of `value`, from bit `from` on, moved to byte `place`.
 VEL_VECTOR inline __m512i sixBits(__m512i value, unsigned int from, unsigned int place) {
   return _mm512_slli_epi32(_mm512_and_si512(_mm512_srli_epi32(value, from), dwords(0x3F)), place * 8);
 }
@@ -45,13 +53,15 @@ VEL_VECTOR inline Encoded encodeLanes(__m512i value, __mmask16 pairs) {
   return encoded;
 }
 
-/// Which of 16 units cannot stand for themselves, surrogates not counted.
+/// Returns which of 16 units are noncharacters, which the caller replaces: U+FDD0 to U+FDEF, U+FFFE and
+/// U+FFFF.
 VEL_VECTOR inline __mmask16 noncharacters(__m512i units) {
   const __mmask16 arabic = _mm512_cmplt_epu32_mask(_mm512_sub_epi32(units, dwords(0xFDD0)), dwords(0x20));
   return static_cast<__mmask16>(arabic | _mm512_cmpge_epu32_mask(units, dwords(0xFFFE)));
 }
 
-/// 16 units, and one more when the last of them begins a pair.
+/// Encodes 16 units, and one more if the last of them begins a pair. A pair is encoded in the lane of its
+/// first unit; the lane of the second one gets no bytes.
 VEL_VECTOR inline void encodeBlock(Cursor& cursor) {
   const auto* const at = reinterpret_cast<const __m256i*>(cursor.source);
   const auto* const following = reinterpret_cast<const __m256i*>(cursor.source + kUnitSize);
@@ -81,7 +91,7 @@ VEL_VECTOR inline void encodeAscii(Cursor& cursor, __m512i units) {
   cursor.target += kBlock / kUnitSize;
 }
 
-/// 32 units below 0x800.
+/// Encodes 32 units below 0x800.
 VEL_VECTOR inline void encodeUpToTwoBytes(Cursor& cursor, __m512i units) {
   const __mmask32 two = _mm512_cmpge_epu16_mask(units, words(0x80));
   const __m512i tail = _mm512_slli_epi16(_mm512_and_si512(units, words(0x3F)), 8);

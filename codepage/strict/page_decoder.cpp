@@ -1,3 +1,7 @@
+// Converters replace what they cannot decode, by U+FFFD or U+001A. Strict conversion has to tell such a
+// substitute from the same character in the source. A table answers that by itself, up to the substitutes of
+// single bytes. ICU is asked twice: a unit that may be a substitute counts as a character only if ICU encodes
+// it to the same bytes again.
 #include "codepage/strict/page_decoder.h"
 
 #include <algorithm>
@@ -13,10 +17,11 @@ namespace vel::codepage {
 
 namespace {
 
-/// What stands where a table, or ICU, has no character.
+/// The units that tables and ICU have for unmapped bytes.
 constexpr char16_t kUnmapped = 0xFFFD;
 constexpr char16_t kUnmappedSingle = 0x001A;
 
+/// The result of one unit of a table.
 DecodeResult resultOf(char16_t unit, bool isMapped) {
   return {isMapped ? DecodeResult::Kind::Units : DecodeResult::Kind::Invalid, 1, {unit}};
 }
@@ -27,7 +32,8 @@ class SingleByteDecoder : public PageDecoder {
  public:
   explicit SingleByteDecoder(const void* table) : table_(static_cast<const std::uint16_t*>(table)) {}
 
-  // Tables of single bytes have no other substitute.
+  // U+FFFD is the only substitute in these tables: generate_conversion_tables.py writes it, and U+001A is a
+  // character.
   DecodeResult decodeSingle(unsigned char byte) override {
     const std::uint16_t unit = toHostOrder(table_[byte]);
     return resultOf(unit, unit != kUnmapped);
@@ -64,7 +70,8 @@ class DoubleByteDecoder : public PageDecoder {
  private:
   char16_t singleUnit(unsigned char byte) const { return toHostOrder(table_.pages[1][byte]); }
 
-  /// The byte that U+001A really has; unmapped ones of some tables have it, too.
+  /// Returns the byte of the control character U+001A; 0 if there is none. In some tables unmapped single
+  /// bytes have this unit, too, so the byte must be one where pages of this family have the character.
   unsigned char findSubstitute() const {
     constexpr unsigned char kPlaces[] = {0x1A, 0x7F, 0x3F};
     const auto* const place = std::ranges::find_if(kPlaces, [this](unsigned char byte) {
@@ -79,10 +86,15 @@ class DoubleByteDecoder : public PageDecoder {
 
 // ---- ICU -------------------------------------------------------------------------------------
 
-/// Asks a converter that keeps its state what becomes of the bytes so far, and what else at their end.
+/// Finds out how ICU decodes a sequence by feeding it in two steps: the bytes themselves, as a piece of a
+/// text that goes on, and then the end of that text. If no unit comes of the first step, the bytes are a
+/// prefix; units that come of the second step show what ICU makes of a truncated character. The end also
+/// resets the converter for the next question.
 class IcuDecoder : public PageDecoder {
  public:
   explicit IcuDecoder(const VelClConverterABase& converter) : codec_(converter) {
+    // In pages with shifts, neither shift yields a unit. In others 0E and 0F are control characters, which
+    // do.
     const unsigned char shifts[] = {kShiftOut, kShiftIn};
     hasShifts_ = decode(shifts, 1).kind == DecodeResult::Kind::Prefix &&
                  decode(shifts, sizeof shifts).kind == DecodeResult::Kind::Prefix;
@@ -98,7 +110,8 @@ class IcuDecoder : public PageDecoder {
     Units units;
     feed(units, text, sizeof text, true);
     DecodeResult result = classify(units, text, sizeof text);
-    // Pairs stay pairs.
+    // In double-byte mode the trail byte belongs to the pair even if it is unmapped: decoding resumes after
+    // it.
     if (result.kind != DecodeResult::Kind::Units) result.kind = DecodeResult::Kind::Invalid;
     return result;
   }
@@ -107,6 +120,8 @@ class IcuDecoder : public PageDecoder {
   bool ignoresRedundantShifts() const override { return true; }
 
  private:
+  /// The units of one sequence; room for far more than a character has, so that ICU never finds the target
+  /// full.
   struct Units {
     char16_t text[32];
     std::size_t count = 0;
@@ -121,7 +136,7 @@ class IcuDecoder : public PageDecoder {
     return isPrefix ? DecodeResult{DecodeResult::Kind::Prefix, 0, {}} : classify(units, text, size);
   }
 
-  /// False when no unit came.
+  /// Appends the units of a piece to `units`; returns false if there were none.
   bool feed(Units& units, const char* bytes, std::size_t size, bool isEnd) const {
     const std::size_t room = std::size(units.text) - units.count;
     const auto piece = codec_.decodePiece(bytes, size, units.text + units.count, room, isEnd);
@@ -136,6 +151,7 @@ class IcuDecoder : public PageDecoder {
     const bool isSubstituted = std::any_of(units.text, units.text + units.count, [](char16_t unit) {
       return unit == kUnmapped || unit == kUnmappedSingle;
     });
+    // A substitute and other units: ICU took the first byte for ill-formed and went on with the others.
     if (isSubstituted && units.count > 1) {
       result.kind = DecodeResult::Kind::InvalidFirstByte;
       return result;
@@ -147,15 +163,15 @@ class IcuDecoder : public PageDecoder {
     return result;
   }
 
-  /// Whether these bytes are what the unit becomes.
+  /// Whether ICU encodes the unit to these bytes, and not because it substitutes them.
   bool roundTrips(char16_t unit, const char* bytes, std::size_t size) const {
     char back[16];
     const std::size_t length = codec_.encode(&unit, 1, back, sizeof back);
-    // A substitute is not what the unit becomes.
     return length == size && std::memcmp(back, bytes, size) == 0 && !isSubstitute(bytes, size);
   }
 
-  /// Whether the bytes stand for what the page lacks: for the last private character, too.
+  /// Whether the bytes are the page's double-byte substitute: ICU encodes an unmappable character to them,
+  /// too. U+10FFFD, the last private-use character, is unmappable in nearly all pages.
   bool isSubstitute(const char* bytes, std::size_t size) const {
     const char16_t unmappable[] = {0xDBFF, 0xDFFD};
     char back[16];
@@ -172,7 +188,8 @@ class IcuDecoder : public PageDecoder {
 PageDecoder* makePageDecoder(const VelClCodePage2UnicodeConverter& converter) {
   if (converter.getRoute() == VelClConverterABase::VelEnRoute::ICU) return create<IcuDecoder>(converter);
   const void* const table = conversionDataOf(converter);
-  // Other numbers stand for double-byte tables only.
+  // Aliases, such as 5026 for 930, have double-byte tables only: a search by the alias finds no single-byte
+  // table.
   const bool isSingleByte = velGetSBCStoUCS2Table(converter.getSourceCCSID().getCCSID()) != nullptr;
   if (isSingleByte) return create<SingleByteDecoder>(table);
   return create<DoubleByteDecoder>(table);

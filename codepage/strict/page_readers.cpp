@@ -1,4 +1,9 @@
-// Strict readers of code pages: those of single bytes, and all others, with lead bytes or shifts.
+// Strict readers of code pages: one for pages of single bytes, and one for all others, with lead bytes or
+// shifts.
+//
+// The single-byte reader knows all 256 results from the start and leaves the conversion to the converter's
+// kernel. The mixed reader decodes character by character. Asking the decoder is slow with ICU, so results
+// are cached: those of single bytes in an array, those of longer sequences in a direct-mapped cache.
 #include "codepage/strict/page_readers.h"
 
 #include <algorithm>
@@ -16,6 +21,7 @@ namespace {
 using Route = VelClConverterABase::VelEnRoute;
 using Kind = DecodeResult::Kind;
 
+/// A page of single bytes: their units, and which bytes are unmapped.
 struct SingleByteMap {
   char16_t units[256];
   bool isUnmapped[256];
@@ -50,7 +56,7 @@ class SingleByteReader : public Reader {
 
   void convert(const char* source, std::size_t size, char16_t* units) const {
     if (converter_.getRoute() == Route::TABLE) {
-      // This one folds no next line, whatever the source is.
+      // Uses the function for ASCII-based pages even for EBCDIC, because it does not fold next lines.
       Call call{converter_, reinterpret_cast<char*>(units), size * kUnitSize, &source, size};
       velConvertByTablesSBCS_ASCIItoUCS2(call);
       return;
@@ -62,16 +68,21 @@ class SingleByteReader : public Reader {
   SingleByteMap bytes_;
 };
 
-/// Keeps the results of the sequences that a text has, each in one place that its bytes give.
+/// A direct-mapped cache of decode results: a hash of the bytes gives the only entry that a sequence can be
+/// in, and a sequence replaces the one that was there before. Texts use a few thousand characters, so nearly
+/// all are found.
 class DecodeCache {
  public:
   DecodeCache() : entries_(kCount) {}
 
-  /// Unknown at first; the caller puts in what it finds out.
+  /// Returns the entry of a sequence. Its kind is Unknown if the sequence is not cached; the caller then
+  /// stores the result. `isShifted` tells pairs in double-byte mode from the same bytes in single-byte mode.
   DecodeResult& at(const unsigned char* bytes, std::size_t size, bool isShifted) {
     std::uint32_t key = 0;
     for (std::size_t i = 0; i < size; ++i) key = key << 8 | bytes[i];
     const auto length = static_cast<std::uint8_t>(isShifted ? 0x80 + size : size);
+    // Multiplicative hashing by 2^32 divided by the golden ratio (Knuth, The Art of Computer
+    // Programming, 6.4): the top bits depend on all bits of the key.
     Entry& entry = entries_[(key + length) * 2654435761U >> (32 - kBits)];
     if (entry.key != key || entry.length != length) entry = {key, length, {}};
     return entry.decoded;
@@ -108,6 +119,7 @@ class MixedReader : public Reader {
       result.faultSize = size - result.consumed;
       isDouble_ = false;
     } else if (isLast && result.consumed == size && isDouble_) {
+      // The end in double-byte mode is a fault, too; it has no bytes.
       result.fault = Fault::INCOMPLETE;
       isDouble_ = false;
     }
@@ -133,8 +145,8 @@ class MixedReader : public Reader {
     std::size_t size;
   };
 
-  /// Until the end, a fault, or the first character that does not fit; false for the last. Null units are
-  /// only counted.
+  /// Decodes up to the end, a fault, or the first character for which `units` has no room, and then returns
+  /// false. Counts the units without writing them if `units` is null.
   bool walk(bool& isDouble, const Text& text, ReadResult& result, char16_t* units,
             std::size_t capacity) const {
     endsTruncated_ = false;
@@ -162,7 +174,7 @@ class MixedReader : public Reader {
     return true;
   }
 
-  /// Whether a byte is a shift and no part of a character.
+  /// Changes the mode and returns true if the byte is a shift; returns false if it belongs to a character.
   bool consumeShift(bool& isDouble, unsigned char byte) const {
     if (!decoder_->hasShifts() || (byte != kShiftOut && byte != kShiftIn)) return false;
     const bool toDouble = byte == kShiftOut;
@@ -171,6 +183,7 @@ class MixedReader : public Reader {
     return true;
   }
 
+  /// Decodes the pair at the start of text in double-byte mode.
   Step pairAt(const Text& text) const {
     if (text.size < 2) return {&kTruncated, 1};
     DecodeResult& decoded = cache_.at(text.bytes, 2, true);
@@ -178,6 +191,8 @@ class MixedReader : public Reader {
     return {&decoded, 2};
   }
 
+  /// Decodes the character at the start of text in single-byte mode, byte by byte as long as they are a
+  /// prefix.
   Step characterAt(const Text& text) const {
     const DecodeResult* decoded = &singles_[*text.bytes];
     std::size_t size = 1;
@@ -186,6 +201,8 @@ class MixedReader : public Reader {
       if (longer.kind == Kind::Unknown) longer = decoder_->decodeSequence(text.bytes, size + 1);
       decoded = &longer;
     }
+    // A prefix of full length can never become a character; without this a reader would wait for more for
+    // ever.
     if (decoded->kind == Kind::Prefix && size == kMaxSequence) decoded = &kInvalid;
     return {decoded, decoded->kind == Kind::InvalidFirstByte ? 1 : size};
   }
@@ -199,10 +216,10 @@ class MixedReader : public Reader {
   mutable DecodeCache cache_;
   mutable bool endsTruncated_ = false;  ///< the last walk ended within a character
   bool isDouble_ = false;
-  bool wasDouble_ = false;  ///< at the beginning of the last result
+  bool wasDouble_ = false;  ///< the mode at the start of the last read(), for sizeBefore()
 };
 
-/// False when not every byte is one unit, or none.
+/// Returns false if the page is not one of single bytes: a byte is a prefix, or several units.
 bool fillSingleByteMap(const DecodeResult (&results)[256], SingleByteMap& bytes) {
   for (std::size_t i = 0; i < 256; ++i) {
     const DecodeResult& decoded = results[i];

@@ -1,4 +1,9 @@
-// Strict writers of code pages. Each character is tried once: only what comes back from its bytes is written.
+// Strict writers of code pages. A character is written only if its bytes round-trip: decoded again, they are
+// the same character. Best fits, substitutes and truncation do not, and make a character unmappable.
+//
+// Each character is tried once, by Encoder; EncodingCache keeps the answer. The single-byte writer then looks
+// up bytes in the cache. The mixed writer only asks the cache how far the text round-trips, and passes that
+// to ICU as a whole, because the bytes of a character depend on the shift state.
 #include "codepage/strict/page_writers.h"
 
 #include <algorithm>
@@ -19,14 +24,14 @@ constexpr char32_t kReplacement = 0xFFFD;
 constexpr char32_t kLastPrivate = 0x10FFFD;
 constexpr unsigned char kAsciiSubstitute = 0x1A;
 
-/// What a character becomes in the target.
+/// A character in the target's code page: its bytes, or those of its substitute if it does not round-trip.
 struct Encoded {
   unsigned char bytes[16];
   std::size_t size;
   bool roundTrips;
 };
 
-/// Tries characters with a converter that keeps nothing between them.
+/// Encodes single characters, each as a text of its own, and decodes them again.
 class Encoder {
  public:
   explicit Encoder(const VelClCCSID& target)
@@ -50,7 +55,8 @@ class Encoder {
     encoded.size = converter_.convertBytes(reinterpret_cast<char*>(encoded.bytes), sizeof encoded.bytes,
                                            reinterpret_cast<const char*>(units), count * kUnitSize);
     encoded.roundTrips = roundTripsByTable(encoded, character);
-    // Truncation leaves nothing that could stand for the character.
+    // Units that ISO8859-1 cuts to their low byte would be replaced by an unrelated character: it has no
+    // substitute of its own, so the ASCII one is used.
     if (converter_.getRoute() == Route::ALGORITHM && !encoded.roundTrips)
       encoded = {{kAsciiSubstitute}, 1, false};
     return encoded;
@@ -64,13 +70,15 @@ class Encoder {
     return length == count && std::equal(back, back + length, units);
   }
 
-  /// Whether the last private character, which most pages lack, becomes the same.
+  /// Whether U+10FFFD, the last private-use character, which nearly all pages lack, has the same bytes: then
+  /// they are the page's substitute, which decodes to U+FFFD and would seem to round-trip.
   bool isSubstitute(const Encoded& encoded) const {
     const Encoded other = encode(kLastPrivate);
     return other.size == encoded.size && std::memcmp(other.bytes, encoded.bytes, other.size) == 0;
   }
 
-  /// Without a table it is the system's conversion, which writes "?" for what is lacking.
+  /// By the table of the other direction. Without one the system converts, and only its "?" shows what is
+  /// unmappable.
   bool roundTripsByTable(const Encoded& encoded, char32_t character) const {
     if (encoded.size == 0) return false;
     if (table_ == nullptr) return encoded.bytes[0] != '?' || character == '?';
@@ -94,11 +102,15 @@ bool Encoder::isSingleByte() const {
   return true;
 }
 
-/// What is known of characters, in pages that come with the first character of theirs.
+/// Caches whether characters round-trip, and their bytes in single-byte targets. A two-level table: 0x1100
+/// pages of 256 entries cover all of Unicode, and a page is allocated when the first of its characters is
+/// used. Until then all pages are the same one of zeros, so that a look-up needs no test for a page that is
+/// missing.
 class EncodingCache {
  public:
   using Entry = std::uint16_t;
-  static constexpr Entry kRoundTrips = 0x100;  ///< the low byte is that of single-byte targets
+  // The low byte of an entry is the character's byte, or its substitute's, in a single-byte target.
+  static constexpr Entry kRoundTrips = 0x100;
   static constexpr Entry kUnmappable = 0x200;
 
   EncodingCache() : pages_(kPages) {}
@@ -109,9 +121,10 @@ class EncodingCache {
       if (slot.page != &kUnknown) destroy(const_cast<Page*>(slot.page));
   }
 
-  /// 0 for what is not known.
+  /// Returns the entry of a character, or 0 if it is not cached.
   Entry at(char32_t character) const { return pages_[character >> 8].page->entries[character & 0xFF]; }
-  /// Writes the bytes of units, up to the first one that is not known to come back; returns how many.
+  /// Writes the cached bytes up to the first unit not known to round-trip; returns the number written.
+  /// Surrogates are never known: their entries stay 0.
   std::size_t encodeCached(const char16_t* __restrict units, std::size_t count, char* __restrict to) const {
     constexpr std::size_t kSome = 4;
     std::size_t i = 0;
@@ -139,7 +152,9 @@ class EncodingCache {
     const Page* page = &kUnknown;
   };
 
-  /// Four units, mostly all of the first page; false when one of them does not come back.
+  /// Writes the bytes of four units; returns false, with nothing written, if one of them is not known to
+  /// round-trip. Most text in single-byte pages has all four in the first page, which one test on a word
+  /// tells.
   bool encodeFour(const char16_t* __restrict units, char* __restrict to) const {
     constexpr std::uint64_t kHighBytes = 0xFF00FF00FF00FF00;
     std::uint64_t word;
@@ -161,6 +176,7 @@ class EncodingCache {
 
 constinit const EncodingCache::Page EncodingCache::kUnknown{};
 
+/// The base of both writers: the encoder and the cache.
 class PageWriter : public Writer {
  public:
   explicit PageWriter(const VelClCCSID& target) : encoder_(target) {}
@@ -175,7 +191,7 @@ class PageWriter : public Writer {
     Encoded encoded = encoder_.encode(character);
     const EncodingCache::Entry flag =
         encoded.roundTrips ? EncodingCache::kRoundTrips : EncodingCache::kUnmappable;
-    // Some characters become nothing at all.
+    // ICU drops some unmappable characters altogether, such as invisible ones. U+FFFD has a substitute.
     if (encoded.size == 0) encoded = encoder_.encode(kReplacement);
     const auto entry = static_cast<EncodingCache::Entry>(flag | encoded.bytes[0]);
     cache_.set(character, entry);
@@ -199,6 +215,7 @@ class SingleByteWriter : public PageWriter {
       i += known;
       to += known;
       output.commit(known);
+      // Not cached, not in the first plane, or unmappable: settle this character, then go on as before.
       if (i == count) break;
       const Character character = characterAt(units + i);
       const EncodingCache::Entry entry = entryOf(character.value);
@@ -216,7 +233,7 @@ class SingleByteWriter : public PageWriter {
   }
 };
 
-/// Targets with lead bytes or shifts. ICU keeps the shift state.
+/// Writes to targets with lead bytes or shifts. ICU keeps the shift state from one call to the next.
 class MixedWriter : public PageWriter {
  public:
   explicit MixedWriter(const VelClCCSID& target)
@@ -244,7 +261,7 @@ class MixedWriter : public PageWriter {
  private:
   void convert(const char16_t* units, std::size_t count, bool isEnd, Output& output) const {
     if (encoder().isIcu()) return convertByIcu(units, count, isEnd, output);
-    // The system's conversion takes an empty text for a failure.
+    // The system's conversion reports an empty text as a failure, and has no shifts to close.
     if (count == 0) return;
     const std::size_t room = count * kMaxSequence;
     const char* const source = reinterpret_cast<const char*>(units);
@@ -264,7 +281,7 @@ class MixedWriter : public PageWriter {
     } while (piece.isFull);
   }
 
-  CheckedFromUnicode converter_;  ///< another one: it keeps the state of the text
+  CheckedFromUnicode converter_;  ///< not the encoder's, whose tries would disturb the shift state
   IcuPageCodec codec_;            ///< used only if the encoder is ICU's
 };
 

@@ -1,5 +1,10 @@
-// Passes pieces of a text from a reader to a writer, and treats the faults that they stop at. What a fault
-// is, is the readers' and the writers' matter.
+// VelClStrictConversion: passes a text, in pieces of any size, through a reader and a writer, and handles the
+// faults that stop them as the policy says.
+//
+//   source -> [kept_] -> reader -> units_ -> writer -> output buffer -> sink
+//
+// Readers and writers decide what is a fault. A character that is divided between two pieces
+// is kept in kept_ until the next piece completes it. The shift state is in the reader and in the writer.
 #include "vel_include/vel_strict_conversion.h"
 
 #include <algorithm>
@@ -26,12 +31,13 @@ T* allocate(std::size_t count) {
   return static_cast<T*>(VelClMemoryManager::malloc(count * sizeof(T)));
 }
 
-/// The CCSID with the properties of its number.
+/// Returns the CCSID of this number, with the properties that the table has for it: one that was made from a
+/// misspelt name has none.
 VelClCCSID withProperties(const VelClCCSID& ccsid) {
   return VelClCCSID(ccsid.getCCSID());
 }
 
-/// A back-slash, a letter, and as many hexadecimal digits.
+/// Writes a backslash, a letter, and `number` in `digits` hexadecimal digits.
 void escape(vel::codepage::Writer& writer, Output& output, char letter, unsigned int number, int digits) {
   writer.writeOrSubstitute(U'\\', output);
   writer.writeOrSubstitute(static_cast<unsigned char>(letter), output);
@@ -43,7 +49,8 @@ void foldNextLines(char16_t* units, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) units[i] = units[i] == kNextLine ? kLineFeed : units[i];
 }
 
-/// Compilers make vectors of it when the count is no wider than the units, of which there are few at once.
+/// Counts the units that meet a condition. The counter is as wide as the units, so that compilers vectorise
+/// the loop well; kMaxUnits keeps it from overflowing.
 template <typename Condition>
 std::uint16_t countUnits(const char16_t* begin, const char16_t* end, Condition condition) {
   static_assert(kMaxUnits <= 0xFFFF);
@@ -65,7 +72,8 @@ VelClStrictConversion::VelClStrictConversion(const VelClCCSID& source, const Vel
       writer_(nullptr),
       units_(nullptr),
       outputBuffer_(nullptr) {
-  // The object owns all of them, or none when memory runs out.
+  // The destructor does not run if this constructor throws, so locals own everything until the
+  // last allocation has succeeded.
   vel::OwnedObject<vel::codepage::Reader> reader(vel::codepage::makeReader(source_));
   vel::OwnedObject<vel::codepage::Writer> writer(vel::codepage::makeWriter(withProperties(target)));
   vel::OwnedBlock units(allocate<char16_t>(kMaxUnits));
@@ -101,7 +109,8 @@ void VelClStrictConversion::restart() {
   firstFault_ = {};
   if (!isSupported()) return;
   reader_->restart();
-  // What an ended text may have left in the writer goes nowhere.
+  // A text that was not finished may have left the writer in double-byte mode: the shift-in that closes it is
+  // dropped.
   struct : VelClConversionSink {
     void write(const char*, size_t) override {}
   } nowhere;
@@ -136,7 +145,8 @@ bool VelClStrictConversion::run(const char* source, size_t size, bool isLast, Ve
   return !hasStopped_;
 }
 
-/// The beginning of a character that was kept goes on with the next bytes. False when they are used up.
+// Completes the character that was kept from the piece before, by bytes of this one, and converts it.
+// Advances `source` and `size` past the bytes that it used. Returns false if nothing is left to convert.
 bool VelClStrictConversion::convertKept(const char*& source, size_t& size, bool isLast, Output& output) {
   const size_t added = std::min(size, sizeof kept_ - keptSize_);
   if (added != 0) std::memcpy(kept_ + keptSize_, source, added);
@@ -146,7 +156,7 @@ bool VelClStrictConversion::convertKept(const char*& source, size_t& size, bool 
   keptSize_ = 0;
   if (hasStopped_) return false;
   if (converted < before) {
-    // The character is still not whole, so all that was added belongs to it.
+    // The character is still incomplete, so all the bytes that were added belong to it.
     keptSize_ = whole - converted;
     std::memmove(kept_, kept_ + converted, keptSize_);
     return false;
@@ -156,7 +166,8 @@ bool VelClStrictConversion::convertKept(const char*& source, size_t& size, bool 
   return size != 0;
 }
 
-/// Returns how many bytes are done with.
+// Converts whole characters, and handles faults, until the reader needs more bytes. Returns the number of
+// bytes that were consumed.
 size_t VelClStrictConversion::convertBlock(const char* source, size_t size, bool isLast, Output& output) {
   const char* const begin = source;
   while (!hasStopped_) {
@@ -179,7 +190,8 @@ size_t VelClStrictConversion::convertBlock(const char* source, size_t size, bool
   return static_cast<size_t>(source - begin);
 }
 
-/// False when the conversion has stopped.
+// Writes the first `count` of units_, and handles unmappable characters. `source` and `size` are the bytes
+// that they were read from. Returns false if the conversion has stopped.
 bool VelClStrictConversion::writeUnits(const char* source, size_t size, size_t count, Output& output) {
   size_t written = 0;
   while (true) {
@@ -192,11 +204,11 @@ bool VelClStrictConversion::writeUnits(const char* source, size_t size, size_t c
   }
 }
 
-/// Returns how many units it has.
+// Counts and handles the unmappable character at `unit`. Returns the number of its units.
 size_t VelClStrictConversion::takeLackingCharacter(const char* source, size_t size, size_t unit,
                                                    Output& output) {
   const vel::codepage::Character character = vel::codepage::characterAt(units_ + unit);
-  // Only the first fault is worth the look.
+  // Only the first fault is reported with its offset, and finding that may mean to decode the source again.
   const size_t before = getFaultCount() == 0 ? reader_->sizeBefore(source, size, unit) : 0;
   if (!this->count(VelEnFault::NOT_REPRESENTABLE, offset_ + before, character.value, nullptr, 0)) {
     offset_ += before;
@@ -209,6 +221,7 @@ size_t VelClStrictConversion::takeLackingCharacter(const char* source, size_t si
   return character.units;
 }
 
+// Counts and handles bytes that are not a character. The end in double-byte mode is a fault without bytes.
 void VelClStrictConversion::takeBadBytes(VelEnFault kind, const char* bytes, size_t size, Output& output) {
   if (!count(kind, offset_, 0, bytes, size) || size == 0) return;
   column_ += 1;
@@ -217,7 +230,7 @@ void VelClStrictConversion::takeBadBytes(VelEnFault kind, const char* bytes, siz
   for (size_t i = 0; i < size; ++i) escape(*writer_, output, 'x', static_cast<unsigned char>(bytes[i]), 2);
 }
 
-/// False when the conversion ends here.
+// Counts a fault, and describes it if it is the first one. Returns false if the conversion stops at it.
 bool VelClStrictConversion::count(VelEnFault kind, uint64_t offset, uint32_t character, const char* bytes,
                                   size_t size) {
   if (getFaultCount() == 0) {
@@ -229,7 +242,8 @@ bool VelClStrictConversion::count(VelEnFault kind, uint64_t offset, uint32_t cha
   return !hasStopped_;
 }
 
-/// Lines and columns are of use up to the first fault only.
+// Moves line and column past these units. They are reported for the first fault only, and not counted after
+// it.
 void VelClStrictConversion::advance(size_t firstUnit, size_t endUnit) {
   if (getFaultCount() != 0) return;
   const char16_t* const begin = units_ + firstUnit;
@@ -244,7 +258,7 @@ void VelClStrictConversion::advance(size_t firstUnit, size_t endUnit) {
     lineBegin = end;
     while (!endsLine(lineBegin[-1])) --lineBegin;
   }
-  // A pair is one character.
+  // A surrogate pair is one character, and its low surrogate is not counted.
   const auto lows = countUnits(lineBegin, end, [](char16_t unit) { return vel::isLowSurrogate(unit); });
   column_ += static_cast<uint64_t>(end - lineBegin - lows);
 }

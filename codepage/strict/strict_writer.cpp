@@ -1,4 +1,4 @@
-// Chooses the strict writer of a target, and takes UTF-16 apart for all of them.
+// Chooses the strict writer of a target; and converts single characters from and to UTF-16 for all writers.
 #include "codepage/strict/strict_writer.h"
 
 #include "base/utf.h"

@@ -1,4 +1,5 @@
-// Strict readers of UTF-8 and of UCS-2 with pairs. What is well-formed is left to the converters.
+// Strict readers of UTF-8 and of UTF-16 in either byte order. They find the well-formed prefix; the
+// converters, which accept more, convert it.
 #include "codepage/strict/unicode_readers.h"
 
 #include <algorithm>
@@ -12,8 +13,14 @@ namespace {
 
 // ---- UTF-8 -----------------------------------------------------------------------------------
 
-/// The states in which well-formed text goes on, as an automaton whose every step is one shift: a byte's row
-/// holds the next state for each state, six bits each, and a state is the place of its own bits.
+/// A finite automaton of well-formed UTF-8 (RFC 3629) whose every step is one load and one shift, without a
+/// branch. It is a shift-based DFA: each byte has a 64-bit row with the next state for every state, six bits
+/// each; and a state is represented by the position of its own six bits in the rows. So
+///
+///   next state = (row of the byte >> state) & 0x3F
+///
+/// and the mask can wait until the result is used, because shifts look at six bits only. Ten states would
+/// fit; there are nine. P. Vognsen has described the technique under this name.
 class WellFormedness {
  public:
   static constexpr std::uint64_t kWhole = 0;
@@ -93,7 +100,9 @@ bool isAscii(const unsigned char* block) {
   return ((words[0] | words[1] | words[2] | words[3]) & 0x8080808080808080) == 0;
 }
 
-/// How many bytes at the start are whole, well-formed characters.
+/// Returns the size of the prefix that is whole, well-formed characters. Blocks are checked first, pure ASCII
+/// by one test and others by the automaton. From the first ill-formed block on, or at the end, characters are
+/// examined one by one, which finds the exact place.
 std::size_t wellFormedPrefix(const unsigned char* text, std::size_t size) {
   std::size_t i = 0;
   std::uint64_t state = WellFormedness::kWhole;
@@ -104,7 +113,8 @@ std::size_t wellFormedPrefix(const unsigned char* text, std::size_t size) {
     if (WellFormedness::isIllFormed(next)) break;
     state = next;
   }
-  // The character that a block began within is looked at from its beginning.
+  // The block before may end within a character: go back to its lead byte. There is one, since the state says
+  // that a character has begun.
   if (!WellFormedness::isWhole(state)) {
     do --i;
     while (text[i] < 0xC0);
@@ -124,7 +134,7 @@ class Utf8Reader : public Reader {
   ReadResult read(const char* source, std::size_t size, bool isLast, char16_t* units,
                   std::size_t capacity) override {
     const auto* const text = reinterpret_cast<const unsigned char*>(source);
-    // No byte makes more than one unit.
+    // No byte becomes more than one unit, so this many bytes fit.
     ReadResult result{.consumed = wellFormedPrefix(text, std::min(size, capacity))};
     result.units = converter_.convertBytes(reinterpret_cast<char*>(units), capacity * kUnitSize, source,
                                            result.consumed) /
@@ -151,7 +161,7 @@ class Utf8Reader : public Reader {
   VelClCodePage2UnicodeConverter converter_;
 };
 
-// ---- UCS-2 with pairs ------------------------------------------------------------------------
+// ---- UTF-16 ----------------------------------------------------------------------------------
 
 bool hasSurrogates(const char16_t* units, std::size_t count) {
   std::uint16_t found = 0;
@@ -160,7 +170,8 @@ bool hasSurrogates(const char16_t* units, std::size_t count) {
   return found != 0;
 }
 
-/// How many units at the start are whole characters.
+/// Returns how many units at the start are whole characters. Most text has no surrogates, which a vectorised
+/// loop finds out; only other text is walked through.
 std::size_t wholeCharacters(const char16_t* units, std::size_t count) {
   if (!hasSurrogates(units, count)) return count;
   std::size_t i = 0;
@@ -188,7 +199,7 @@ class Utf16Reader : public Reader {
       result.fault = Fault::INVALID_SEQUENCE;
       result.faultSize = kUnitSize;
     } else if (isLast && left > 0 && left < 2 * kUnitSize && count < capacity) {
-      // Half a pair, half a unit or both.
+      // Left are a high surrogate, half a unit, or both.
       result.fault = Fault::INCOMPLETE;
       result.faultSize = left;
     }

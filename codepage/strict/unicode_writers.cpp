@@ -1,4 +1,5 @@
-// Strict writers of UTF-8 and of UCS-2 with pairs, which lack nothing.
+// Strict writers of UTF-8 and of UTF-16 in either byte order. No character is unmappable; the converters do
+// the work.
 #include "codepage/strict/unicode_writers.h"
 
 #include <algorithm>
@@ -9,6 +10,7 @@ namespace vel::codepage {
 
 namespace {
 
+/// Writes UTF-16, and UTF-8 of characters that the converter does not replace.
 class UnicodeWriter : public Writer {
  public:
   explicit UnicodeWriter(const VelClCCSID& target) : converter_(target) {}
@@ -29,13 +31,15 @@ class UnicodeWriter : public Writer {
   VelClUnicode2CodePageConverter converter_;
 };
 
-/// Characters for which the converter writes another one.
+/// Whether velConvertByAlgorithmUCS2toUTF8 would write U+FFFF for this character, which is valid here.
+/// Surrogates are paired in a writer's input, and U+FFFF itself is written as it is.
 constexpr bool isReplaced(char16_t unit) {
-  // Comparisons for equality are what vectors do best.
+  // Two comparisons for equality are vectorised better than a range.
   const bool isInBlock = ((unit & 0xFFF0) == 0xFDD0) | ((unit & 0xFFF0) == 0xFDE0);
   return isInBlock | (unit == 0xFFFE);
 }
 
+/// Writes the characters that the converter would replace itself, and passes the text between them on.
 class Utf8Writer : public UnicodeWriter {
  public:
   using UnicodeWriter::UnicodeWriter;

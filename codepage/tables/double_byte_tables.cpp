@@ -1,4 +1,5 @@
-// The double-byte conversion tables, and the table of those of extended UNIX codes, which is empty.
+// The tables from mixed single and double bytes to UCS-2; and those from extended UNIX codes, of which there
+// are none: ICU converts these pages.
 #include <algorithm>
 
 #include "codepage/ccsid_search.h"
@@ -18,6 +19,7 @@ static_assert(std::ranges::is_sorted(kDoubleByteTables, {}, &DoubleByteTable::cc
 
 const VelStDoubleByteTable* velGetDBCStoUCS2Table(unsigned int ccsid, bool& isEbcdic) {
   const DoubleByteTable* const table = vel::codepage::findByCcsid(kDoubleByteTables, ccsid);
+  // The documented result leaves `isEbcdic` unchanged when there is no table.
   if (table != nullptr) isEbcdic = table->isEbcdic != 0;
   return table;
 }

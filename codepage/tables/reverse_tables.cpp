@@ -1,4 +1,4 @@
-// The tables from UCS-2 to single bytes.
+// The tables from UCS-2 to single bytes. Only a few pages have one; ICU converts to most of the others.
 #include <algorithm>
 
 #include "codepage/ccsid_search.h"

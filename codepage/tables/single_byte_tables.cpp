@@ -1,4 +1,7 @@
-// The single-byte conversion tables, and the same for the loops.
+// The tables from single bytes to UCS-2, generated and in the form that kernels look up. Callers get the
+// generated ones, whose units have the high byte first. Swapping bytes would cost the kernel time for every
+// byte, so the compiler derives swapped copies here: one with U+0085 as it is, one with U+0085 folded to
+// U+000A.
 #include "codepage/tables/single_byte_tables.h"
 
 #include <algorithm>
@@ -38,6 +41,7 @@ constexpr HostTables kFoldedHostTables = hostTables(true);
 }  // namespace
 
 const std::uint16_t* vel::codepage::hostTableOf(const std::uint16_t* values, bool foldsNextLine) noexcept {
+  // The tables are rows of one array, so the distance from the first is the index: no search by CCSID.
   const auto* const first = reinterpret_cast<const char*>(kSingleByteTables[0].values);
   const auto distance = static_cast<std::size_t>(reinterpret_cast<const char*>(values) - first);
   const HostTables& tables = foldsNextLine ? kFoldedHostTables : kHostTables;

@@ -1,4 +1,4 @@
-// Runs inner loops as conversions.
+// Runs kernels as conversions.
 #pragma once
 
 #include "codepage/kernels/kernels.h"
@@ -14,7 +14,7 @@ Outcome runKernel(Loop loop, std::string_view source, std::size_t room) {
   });
 }
 
-/// What the loops for mixed bytes do.
+/// Runs the kernel of mixed bytes that the table is for.
 inline Outcome runMixed(const vel::codepage::Kernels& kernels, const VelStDoubleByteTable& table,
                         std::string_view source, std::size_t room, bool& isDouble) {
   isDouble = false;
