@@ -65,7 +65,8 @@ def path_of(file):
 
 def is_wanted(file, root, rooms):
     path = path_of(file)
-    return any(path.parent == root / room for room in rooms) and not path.stem.endswith("_test")
+    folders = path.parent.relative_to(root).parts if path.is_relative_to(root) else ()
+    return bool(folders) and folders[0] in rooms and "test" not in folders and not path.stem.endswith("_test")
 
 
 def places(file, root):

@@ -1,5 +1,5 @@
-// CCSIDs: numbers, names and properties, from a table made from ccsids.tsv. Which way a conversion takes is
-// routes.cpp's matter.
+// VelClCCSID: numbers, names and properties of CCSIDs, from a table that is generated from ccsids.tsv. How a
+// CCSID is converted is decided in routes.cpp.
 #include <algorithm>
 #include <atomic>
 #include <cstring>
@@ -18,6 +18,7 @@ struct VelStCcsid {
 
 namespace {
 
+// Bits of the table's flags; a row may have several or none.
 constexpr std::uint32_t kAscii = 0x01;
 constexpr std::uint32_t kEbcdic = 0x02;
 constexpr std::uint32_t kDoubleByte = 0x04;
@@ -31,6 +32,7 @@ constexpr VelStCcsid kCcsids[] = {
 static_assert(std::size(kCcsids) == 430);
 static_assert(std::ranges::is_sorted(kCcsids, {}, &VelStCcsid::ccsid));
 
+/// Row 0, "???", has no flags: it stands in for every CCSID that the table does not have.
 constexpr const VelStCcsid* kUnknown = &kCcsids[0];
 
 const VelStCcsid* rowOrUnknown(std::uint32_t ccsid) {
@@ -38,6 +40,7 @@ const VelStCcsid* rowOrUnknown(std::uint32_t ccsid) {
   return row != nullptr ? row : kUnknown;
 }
 
+/// Searches linearly: names are resolved once for many texts, and the table is sorted by number.
 const VelStCcsid* rowOfName(const char* name) {
   const auto* const row = std::ranges::find_if(
       kCcsids, [name](const VelStCcsid& each) { return vel::equalsIgnoringAsciiCase(each.name, name); });
@@ -53,7 +56,8 @@ VelClCCSID::VelEnCCSID numberAt(const char* text) {
   return static_cast<VelClCCSID::VelEnCCSID>(vel::parseInt32(text));
 }
 
-/// Two threads may fill in the same row at once.
+// getName() and the properties are const and fill in the row when it is first needed, so two threads may
+// store it at once. Both store the same pointer to constant data: relaxed atomic accesses suffice.
 const VelStCcsid* load(const VelStCcsid*& row) {
   return std::atomic_ref(row).load(std::memory_order_relaxed);
 }
@@ -61,10 +65,14 @@ void store(const VelStCcsid*& row, const VelStCcsid* value) {
   std::atomic_ref(row).store(value, std::memory_order_relaxed);
 }
 
+/// Maps the two CCSIDs of UCS-2 in host order to one, for comparisons.
+// Intentional: 1200, 17584 and 61955 convert like 13488, but callers see them as different CCSIDs.
 VelClCCSID::VelEnCCSID folded(VelClCCSID::VelEnCCSID ccsid) {
   return ccsid == VelClCCSID::CCSID_UCS2_LITTLE_ENDIAN ? VelClCCSID::CCSID_UCS2 : ccsid;
 }
 
+/// 0 until the console's code page is first asked for. A program that changes it later gets the first answer
+/// again.
 constinit std::atomic<std::uint32_t> gs_consoleCcsid = 0;
 
 }  // namespace
@@ -78,6 +86,8 @@ VelClCCSID::VelClCCSID(const char* name) : ccsid_(CCSID_UNKNOWN), row_(nullptr) 
     ccsid_ = static_cast<VelEnCCSID>(row->ccsid);
     row_ = row;
   } else {
+    // Intentional: "CP1252" gets the number 1252 but stays invalid; callers tell a misspelt name by
+    // isValid().
     ccsid_ = numberAt(firstDigit(name));
     row_ = kUnknown;
   }
@@ -145,6 +155,7 @@ bool VelClCCSID::isUCS2BigEndian() const {
   return isUCS2() && ccsid_ == CCSID_UCS2_BIG_ENDIAN;
 }
 
+// CCSIDs of UCS-2 that say nothing of the byte order have the host's, which is little-endian.
 bool VelClCCSID::isUCS2LittleEndian() const {
   return isUCS2() && ccsid_ != CCSID_UCS2_BIG_ENDIAN;
 }

@@ -1,4 +1,4 @@
-// The one search in tables that are sorted by CCSID.
+// Binary search in the tables that are sorted by CCSID; all such tables share it.
 #pragma once
 
 #include <algorithm>
@@ -8,7 +8,7 @@
 
 namespace vel::codepage {
 
-/// The row whose `ccsid` it is, or null.
+/// Returns the row with this `ccsid`, or null.
 template <typename Row, std::size_t count>
 const Row* findByCcsid(const Row (&rows)[count], std::uint32_t ccsid) noexcept {
   const Row* const row = std::ranges::lower_bound(rows, ccsid, {}, &Row::ccsid);

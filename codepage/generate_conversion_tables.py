@@ -51,11 +51,11 @@ class Mapping:
                 key, value = line.split("\t")
                 self.head[key] = value
             else:
-                self.take(section, *line.split(": "))
+                self.parse_line(section, *line.split(": "))
         self.ccsid = int(self.head["ccsid"])
         self.is_ebcdic = self.head["family"] == "ebcdic"
 
-    def take(self, section, start, values):
+    def parse_line(self, section, start, values):
         position = int(start, 16)
         for token in values.split():
             for value in spread(token):

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "codepage/test/loop_run.h"
+#include "codepage/test/kernel_run.h"
 #include "codepage/test/reference_mixed.h"
 #include "codepage/test/reference_utf8.h"
 #include "fuzz/conversion_run.h"
@@ -12,8 +12,8 @@ namespace {
 
 using fuzz::Input;
 using fuzz::require;
+using vel::codepage::Cursor;
 using vel::codepage::Kernels;
-using vel::codepage::Progress;
 using From = VelClCodePage2UnicodeConverter;
 using To = VelClUnicode2CodePageConverter;
 
@@ -26,9 +26,9 @@ void requireAll(const VelClConverterABase& converter, const Input& input, const 
 
 // ---- UTF-8 -----------------------------------------------------------------------------------
 
-void requireLoop(void (*loop)(Progress&) noexcept, decltype(referenceUtf8ToUcs2) reference,
+void requireLoop(void (*loop)(Cursor&) noexcept, decltype(referenceUtf8ToUcs2) reference,
                  std::string_view source, std::size_t room) {
-  const Outcome done = runLoop(loop, source, room);
+  const Outcome done = runKernel(loop, source, room);
   require(done == reference(source.substr(0, done.consumed), room));
 }
 

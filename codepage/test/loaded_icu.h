@@ -1,7 +1,7 @@
 // ICU as the library itself finds it, for tests that call it directly.
 #pragma once
 
-#include "codepage/icu_library.h"
+#include "codepage/icu/icu_library.h"
 #include "vel_include/vel_process.h"
 
 struct LoadedIcu {

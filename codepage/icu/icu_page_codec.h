@@ -1,0 +1,47 @@
+// ICU's converter of one code page, as strict conversion uses it: pieces and whole texts in both directions.
+// Status numbers and running out of memory are dealt with here.
+#pragma once
+
+#include <cstddef>
+
+#include "vel_include/vel_codepage.h"
+
+namespace vel::codepage {
+
+/// Throws VelClExceptionFatal. A conversion that ICU cut short for want of memory must not pass for a result.
+[[noreturn]] void throwIcuOutOfMemory();
+
+/// Every member but the constructor throws VelClExceptionFatal when ICU runs out of memory.
+class IcuPageCodec {
+ public:
+  /// Works with the ICU converter of `converter`, which must live as long as the codec. If `converter` does
+  /// not use ICU, no other member may be called.
+  explicit IcuPageCodec(const VelClConverterABase& converter);
+
+  struct DecodedPiece {
+    std::size_t units;
+    bool isValid;  ///< false after an error of ICU's; substituted characters are not errors
+  };
+  /// Decodes the next bytes of a text. ICU keeps an incomplete character, and units for which `units` has no
+  /// room, for the next piece, unless `isEnd`.
+  DecodedPiece decodePiece(const char* bytes, std::size_t size, char16_t* units, std::size_t capacity,
+                           bool isEnd) const;
+
+  struct EncodedPiece {
+    std::size_t size;
+    bool isFull;  ///< bytes are left in ICU that did not fit: call again with what is left of the units
+  };
+  /// Encodes the next units of a text and moves `units` past those consumed. `isEnd` closes shifts.
+  EncodedPiece encodePiece(const char16_t*& units, const char16_t* unitsEnd, char* bytes,
+                           std::size_t capacity, bool isEnd) const;
+
+  /// Convert a whole text and return the units or bytes written. What does not fit is dropped, and the next
+  /// text begins anew.
+  std::size_t decode(const char* bytes, std::size_t size, char16_t* units, std::size_t capacity) const;
+  std::size_t encode(const char16_t* units, std::size_t count, char* bytes, std::size_t capacity) const;
+
+ private:
+  const void* converter_;
+};
+
+}  // namespace vel::codepage

@@ -1,0 +1,61 @@
+// Kernels: the inner loops of conversions, which wide vectors make faster. There are two sets with the same
+// results, one of portable C++ and one for AVX-512; the processor decides once which one is used.
+//
+// Kernels of a prefix report no errors. They convert what is easy and fast, with the results that the
+// caller's own code defines, and the caller converts the rest character by character.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "vel_include/vel_codepage.h"
+
+namespace vel::codepage {
+
+/// The rest of a source, and of the target for it. Kernels advance `source` and `target`.
+struct Cursor {
+  const char* source;
+  const char* sourceEnd;
+  char* target;
+  char* targetEnd;
+
+  std::size_t sourceSize() const noexcept { return static_cast<std::size_t>(sourceEnd - source); }
+  std::size_t targetSize() const noexcept { return static_cast<std::size_t>(targetEnd - target); }
+};
+
+inline Cursor cursorOf(const VelClConverterABase::_VelStConverter& call) noexcept {
+  return {*call.source, *call.source + call.sourceSize, call.target, call.target + call.targetSize};
+}
+
+struct Kernels {
+  /// Convert `count` bytes to units, units to their low bytes, and units to the other byte order.
+  void (*widen)(char* target, const char* source, std::size_t count) noexcept;
+  void (*narrow)(char* target, const char* source, std::size_t count) noexcept;
+  void (*swap)(char* target, const char* source, std::size_t count) noexcept;
+  /// Writes the unit that `table` has, in host order, for each of `size` bytes.
+  void (*lookUpBytes)(char* target, const char* source, std::size_t size,
+                      const std::uint16_t* table) noexcept;
+  /// Convert a prefix, UTF-8 to UCS-2 and back. Start and stop on character boundaries: when less than one
+  /// block of source or target is left, or before a character that is left to the caller, such as an
+  /// ill-formed one. Target bytes past the last unit written may be clobbered, up to `targetEnd`.
+  void (*decodeUtf8)(Cursor& cursor) noexcept;
+  void (*encodeUtf8)(Cursor& cursor) noexcept;
+  /// Converts a prefix of mixed single and double bytes to UCS-2, in the same way. Never stops within a pair.
+  void (*decodeMixed)(Cursor& cursor, const VelStDoubleByteTable& table) noexcept;
+  /// Converts a prefix of text with shifts, folding next lines. `isDouble` is the mode at its start and is
+  /// set to the one at its end.
+  void (*decodeShifted)(Cursor& cursor, const VelStDoubleByteTable& table, bool& isDouble) noexcept;
+};
+
+/// The kernels of portable C++, for every processor.
+extern const Kernels kPortableKernels;
+
+/// Returns the kernels with AVX-512 (VBMI2), or null where the processor or the operating system does not
+/// support it.
+const Kernels* vectorKernels() noexcept;
+
+/// Returns the kernels to use: the vector ones where they are supported, unless VEL_KERNELS=portable is set
+/// when this is first called.
+const Kernels& kernels() noexcept;
+
+}  // namespace vel::codepage

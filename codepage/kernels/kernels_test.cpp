@@ -1,0 +1,177 @@
+// Every table of inner loops, whichever this processor would choose, against the slow conversions, between
+// inaccessible pages. Noise is the matter of fuzz/codepage_fuzz.cpp.
+#include "codepage/kernels/kernels.h"
+
+#include <gtest/gtest.h>
+
+#include "codepage/test/kernel_run.h"
+#include "codepage/test/reference_mixed.h"
+#include "codepage/test/reference_utf8.h"
+#include "platform/test/guarded_memory.h"
+
+namespace {
+
+using vel::codepage::Cursor;
+using vel::codepage::Kernels;
+using vel::codepage::kPortableKernels;
+
+std::string repeated(std::string_view piece, std::size_t size) {
+  std::string text;
+  while (text.size() < size) text += piece;
+  return text;
+}
+
+const VelStDoubleByteTable& doubleByteTable(unsigned int number) {
+  bool isEbcdic = false;
+  return *velGetDBCStoUCS2Table(number, isEbcdic);
+}
+
+constexpr std::string_view kOfEachLength = "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80";
+constexpr std::string_view kLeadBytes = "A\xA4\x40\xA4\x41\xA4\x42yz";
+constexpr std::string_view kShifted = "\xC1\x0E\x42\xC1\x42\xC2\x42\xC3\x0F\xC2\x15";
+
+TEST(Kernels, LookUpBytesOfLongTextsWhereverTheTargetLies) {
+  std::uint16_t table[256];
+  for (unsigned int i = 0; i < 256; ++i) table[i] = static_cast<std::uint16_t>(i * 257 + 1);
+  std::string source((std::size_t{8} << 20) + 77, ' ');
+  for (std::size_t i = 0; i < source.size(); ++i) source[i] = static_cast<char>(i ^ i >> 7);
+  std::string expected(2 * source.size(), ' ');
+  kPortableKernels.lookUpBytes(expected.data(), source.data(), source.size(), table);
+  expected += std::string(64, 'Z');
+  for (const std::size_t offset : {0U, 1U, 2U, 48U}) {
+    std::string target(offset + expected.size(), 'Z');
+    kernelTables().back()->lookUpBytes(target.data() + offset, source.data(), source.size(), table);
+    ASSERT_TRUE(target.substr(offset) == expected) << offset;
+  }
+}
+
+TEST(Kernels, LeaveOnlyTheEndsToTheCaller) {
+  if (vel::codepage::vectorKernels() == nullptr) GTEST_SKIP() << "this processor has no vectors for it";
+  const Kernels& kernels = *vel::codepage::vectorKernels();
+  const std::string text = repeated(kOfEachLength, 900);
+  const std::string units = referenceUtf8ToUcs2(text, 2 * text.size()).bytes;
+  // A cut pair is not one for the loop.
+  EXPECT_GT(runKernel(kernels.encodeUtf8, units, text.size() + 64).consumed + 64, units.size());
+  EXPECT_GT(runKernel(kernels.decodeUtf8, text, units.size() + 128).consumed + 67, text.size());
+  bool isDouble = false;
+  for (const auto& [number, piece] : {std::pair{948U, kLeadBytes}, {930U, kShifted}})
+    EXPECT_GT(runMixed(kernels, doubleByteTable(number), repeated(piece, 900), 1800, isDouble).consumed + 66,
+              900U);
+}
+
+// Every way in which characters can lie across the ends of a block.
+TEST(Kernels, DecodeBlocksThatEndAnywhere) {
+  const std::string characters[] = {"a", "\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"};
+  const std::string broken[] = {
+      "\x80", "\xC3",         "\xE2\x82",         "\xF0\x9F\x98", "\xF0\x8F\xBF\xBF", "\xF8\x88\x80\x80\x80",
+      "\xFF", "\xED\xA0\x80", "\xF7\xBF\xBF\xBF", "\xC0\x80",     "\xE0\x80\x80",     "y"};
+  for (const Kernels* const kernels : kernelTables())
+    for (std::size_t start = 50; start < 70; ++start)
+      for (const std::string& character : characters)
+        for (const std::string& piece : broken) {
+          const std::string text = std::string(start, 'x') + repeated(character, 3 * character.size()) +
+                                   piece + std::string(100, 'y');
+          const Outcome done = runKernel(kernels->decodeUtf8, text, 1000);
+          EXPECT_EQ(done, referenceUtf8ToUcs2(text.substr(0, done.consumed), 1000)) << hex(text);
+        }
+}
+
+// ---- Between inaccessible pages --------------------------------------------------------------
+
+constexpr std::size_t kMostGuarded = 200;
+
+/// UTF-8 of one, of three, and of all numbers of bytes with an ill-formed one between, pairs with lead bytes
+/// or shifts, and every byte.
+std::vector<std::string> guardedTexts() {
+  std::vector<std::string> texts;
+  for (const std::string_view piece :
+       {std::string_view("a"), std::string_view("\xE2\x82\xAC"), kOfEachLength, kLeadBytes, kShifted})
+    texts.push_back(repeated(piece, kMostGuarded));
+  texts[2][100] = '\xFF';
+  texts.emplace_back();
+  for (std::size_t i = 0; i < kMostGuarded; ++i) texts.back() += static_cast<char>(i * 37);
+  return texts;
+}
+
+/// Bytes that a loop reads at once, and the most that it writes for them.
+struct Units {
+  std::size_t source, target;
+};
+
+/// Runs a loop on texts of every size, both ends of source and target at inaccessible pages in turn: what it
+/// has written must be what `reference(source, room)` makes of what it has read.
+template <typename Loop, typename Reference>
+void runGuarded(const char* what, Units units, Loop loop, Reference reference) {
+  const vel::test::GuardedMemory sourceMemory(kMostGuarded), targetMemory(2 * kMostGuarded);
+  for (const std::string& text : guardedTexts())
+    for (std::size_t size = 0; size <= kMostGuarded; size += units.source)
+      // Enough, one byte less, and a block less.
+      for (const std::size_t less : {0U, 1U, 65U})
+        for (const auto& [sourceAtEnd, targetAtEnd] : {std::pair{true, true}, {true, false}, {false, true}}) {
+          const std::size_t most = size / units.source * units.target, room = most - std::min(most, less);
+          char* const source = sourceMemory.place(size, sourceAtEnd);
+          char* const target = targetMemory.place(room, targetAtEnd);
+          text.copy(source, size);
+          Cursor progress{source, source + size, target, target + room};
+          loop(progress);
+          const std::string_view read(source, static_cast<std::size_t>(progress.source - source));
+          const std::string written(target, static_cast<std::size_t>(progress.target - target));
+          ASSERT_EQ(written, reference(read, room)) << what << " of " << size << " to " << room;
+        }
+}
+
+/// A move of as many units as there are and have room; `unitFor` tells what each of them becomes.
+template <typename Move, typename UnitFor>
+void runGuardedMove(const char* what, Units units, Move move, UnitFor unitFor) {
+  const auto loop = [=](Cursor& it) {
+    const std::size_t count = std::min(it.sourceSize() / units.source, it.targetSize() / units.target);
+    move(it.target, it.source, count);
+    it.source += count * units.source;
+    it.target += count * units.target;
+  };
+  runGuarded(what, units, loop, [=](std::string_view source, std::size_t) {
+    std::string moved;
+    for (; !source.empty(); source.remove_prefix(units.source)) moved += unitFor(source);
+    return moved;
+  });
+}
+
+TEST(Kernels, StayWithinTheirTexts) {
+  const vel::test::GuardedMemory guard(1);
+  EXPECT_DEATH(guard.place(1, true)[1] = 'x', "");
+  EXPECT_DEATH(guard.place(1, false)[-1] = 'x', "");
+  const VelStDoubleByteTable &leads = doubleByteTable(948), &shifts = doubleByteTable(930);
+  const uint16_t* const singles = velGetSBCStoUCS2Table(37);
+  using Text = std::string_view;
+  for (const Kernels* const kernels : kernelTables()) {
+    runGuardedMove("widen", {1, 2}, kernels->widen, [](Text it) { return std::string{it[0], '\0'}; });
+    runGuardedMove("narrow", {2, 1}, kernels->narrow, [](Text it) { return std::string{it[0]}; });
+    runGuardedMove("swap", {2, 2}, kernels->swap, [](Text it) { return std::string{it[1], it[0]}; });
+    const auto lookUp = [&](char* target, const char* source, std::size_t size) {
+      kernels->lookUpBytes(target, source, size, singles);
+    };
+    runGuardedMove("lookUpBytes", {1, 2}, lookUp, [&](Text it) {
+      return std::string(reinterpret_cast<const char*>(singles + static_cast<unsigned char>(it[0])), 2);
+    });
+    runGuarded("decodeUtf8", {1, 2}, kernels->decodeUtf8,
+               [](Text source, std::size_t room) { return referenceUtf8ToUcs2(source, room).bytes; });
+    runGuarded("encodeUtf8", {2, 4}, kernels->encodeUtf8,
+               [](Text source, std::size_t room) { return referenceUcs2ToUtf8(source, room).bytes; });
+    runGuarded(
+        "decodeMixed", {1, 2}, [&](Cursor& it) { kernels->decodeMixed(it, leads); },
+        [&](Text source, std::size_t) { return referenceMixedToUcs2(leads, source).bytes; });
+    for (const bool isDouble : {false, true})
+      runGuarded(
+          "decodeShifted", {1, 2},
+          [&](Cursor& it) {
+            bool mode = isDouble;
+            kernels->decodeShifted(it, shifts, mode);
+          },
+          [&](Text source, std::size_t) {
+            const std::string whole = (isDouble ? "\x0E" : "") + std::string(source);
+            return referenceMixedToUcs2(shifts, whole).bytes;
+          });
+  }
+}
+
+}  // namespace

@@ -1,0 +1,297 @@
+// Strict writers of code pages. A character is written only if its bytes round-trip: decoded again, they are
+// the same character. Best fits, substitutes and truncation do not, and make a character unmappable.
+//
+// Each character is tried once, by Encoder; EncodingCache keeps the answer. The single-byte writer then looks
+// up bytes in the cache. The mixed writer only asks the cache how far the text round-trips, and passes that
+// to ICU as a whole, because the bytes of a character depend on the shift state.
+#include "codepage/strict/page_writers.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "codepage/conversion.h"
+#include "codepage/strict/checked_converter.h"
+#include "codepage/strict/page_decoder.h"
+#include "codepage/tables/conversion_tables.h"
+
+namespace vel::codepage {
+
+namespace {
+
+using Route = VelClConverterABase::VelEnRoute;
+
+constexpr char32_t kReplacement = 0xFFFD;
+constexpr char32_t kLastPrivate = 0x10FFFD;
+constexpr unsigned char kAsciiSubstitute = 0x1A;
+
+/// A character in the target's code page: its bytes, or those of its substitute if it does not round-trip.
+struct Encoded {
+  unsigned char bytes[16];
+  std::size_t size;
+  bool roundTrips;
+};
+
+/// Encodes single characters, each as a text of its own, and decodes them again.
+class Encoder {
+ public:
+  explicit Encoder(const VelClCCSID& target)
+      : converter_(target), codec_(converter_), table_(velGetSBCStoUCS2Table(target.getCCSID())) {}
+
+  const VelClUnicode2CodePageConverter& converter() const { return converter_; }
+  bool isIcu() const { return converter_.getRoute() == Route::ICU; }
+  bool isSingleByte() const;
+
+  Encoded encode(char32_t character) const {
+    char16_t units[2];
+    const std::size_t count = unitsOf(character, units);
+    Encoded encoded{};
+    if (isIcu()) {
+      char* const bytes = reinterpret_cast<char*>(encoded.bytes);
+      encoded.size = codec_.encode(units, count, bytes, sizeof encoded.bytes);
+      encoded.roundTrips =
+          roundTripsByIcu(encoded, units, count) && (character != kReplacement || !isSubstitute(encoded));
+      return encoded;
+    }
+    encoded.size = converter_.convertBytes(reinterpret_cast<char*>(encoded.bytes), sizeof encoded.bytes,
+                                           reinterpret_cast<const char*>(units), count * kUnitSize);
+    encoded.roundTrips = roundTripsByTable(encoded, character);
+    // Units that ISO8859-1 cuts to their low byte would be replaced by an unrelated character: it has no
+    // substitute of its own, so the ASCII one is used.
+    if (converter_.getRoute() == Route::ALGORITHM && !encoded.roundTrips)
+      encoded = {{kAsciiSubstitute}, 1, false};
+    return encoded;
+  }
+
+ private:
+  bool roundTripsByIcu(const Encoded& encoded, const char16_t (&units)[2], std::size_t count) const {
+    char16_t back[8];
+    const auto* const bytes = reinterpret_cast<const char*>(encoded.bytes);
+    const std::size_t length = codec_.decode(bytes, encoded.size, back, std::size(back));
+    return length == count && std::equal(back, back + length, units);
+  }
+
+  /// Whether U+10FFFD, the last private-use character, which nearly all pages lack, has the same bytes: then
+  /// they are the page's substitute, which decodes to U+FFFD and would seem to round-trip.
+  bool isSubstitute(const Encoded& encoded) const {
+    const Encoded other = encode(kLastPrivate);
+    return other.size == encoded.size && std::memcmp(other.bytes, encoded.bytes, other.size) == 0;
+  }
+
+  /// By the table of the other direction. Without one the system converts, and only its "?" shows what is
+  /// unmappable.
+  bool roundTripsByTable(const Encoded& encoded, char32_t character) const {
+    if (encoded.size == 0) return false;
+    if (table_ == nullptr) return encoded.bytes[0] != '?' || character == '?';
+    return encoded.size == 1 && toHostOrder(table_[encoded.bytes[0]]) == character;
+  }
+
+  CheckedFromUnicode converter_;
+  IcuPageCodec codec_;  ///< used only if isIcu()
+  const std::uint16_t* table_;
+};
+
+bool Encoder::isSingleByte() const {
+  if (!isIcu()) return converter_.getRoute() != Route::SYSTEM || table_ != nullptr;
+  for (unsigned int byte = 0; byte < 256; ++byte) {
+    const char in = static_cast<char>(byte);
+    char16_t out[8];
+    const std::size_t count = codec_.decodePiece(&in, 1, out, std::size(out), false).units;
+    codec_.decode(&in, 0, out, std::size(out));
+    if (count == 0) return false;
+  }
+  return true;
+}
+
+/// Caches whether characters round-trip, and their bytes in single-byte targets. A two-level table: 0x1100
+/// pages of 256 entries cover all of Unicode, and a page is allocated when the first of its characters is
+/// used. Until then all pages are the same one of zeros, so that a look-up needs no test for a page that is
+/// missing.
+class EncodingCache {
+ public:
+  using Entry = std::uint16_t;
+  // The low byte of an entry is the character's byte, or its substitute's, in a single-byte target.
+  static constexpr Entry kRoundTrips = 0x100;
+  static constexpr Entry kUnmappable = 0x200;
+
+  EncodingCache() : pages_(kPages) {}
+  EncodingCache(const EncodingCache&) = delete;
+  EncodingCache& operator=(const EncodingCache&) = delete;
+  ~EncodingCache() {
+    for (const Slot& slot : pages_)
+      if (slot.page != &kUnknown) destroy(const_cast<Page*>(slot.page));
+  }
+
+  /// Returns the entry of a character, or 0 if it is not cached.
+  Entry at(char32_t character) const { return pages_[character >> 8].page->entries[character & 0xFF]; }
+  /// Writes the cached bytes up to the first unit not known to round-trip; returns the number written.
+  /// Surrogates are never known: their entries stay 0.
+  std::size_t encodeCached(const char16_t* __restrict units, std::size_t count, char* __restrict to) const {
+    constexpr std::size_t kSome = 4;
+    std::size_t i = 0;
+    while (i + kSome <= count && encodeFour(units + i, to + i)) i += kSome;
+    for (; i < count; ++i) {
+      const Entry entry = at(units[i]);
+      if ((entry & kRoundTrips) == 0) break;
+      to[i] = static_cast<char>(entry);
+    }
+    return i;
+  }
+  void set(char32_t character, Entry entry) {
+    const Page*& page = pages_[character >> 8].page;
+    if (page == &kUnknown) page = create<Page>();
+    const_cast<Page*>(page)->entries[character & 0xFF] = entry;
+  }
+
+ private:
+  static constexpr std::size_t kPages = 0x1100;
+  struct Page {
+    Entry entries[256] = {};
+  };
+  static const Page kUnknown;
+  struct Slot {
+    const Page* page = &kUnknown;
+  };
+
+  /// Writes the bytes of four units; returns false, with nothing written, if one of them is not known to
+  /// round-trip. Most text in single-byte pages has all four in the first page, which one test on a word
+  /// tells.
+  bool encodeFour(const char16_t* __restrict units, char* __restrict to) const {
+    constexpr std::uint64_t kHighBytes = 0xFF00FF00FF00FF00;
+    std::uint64_t word;
+    std::memcpy(&word, units, sizeof word);
+    const Entry* const first = pages_[0].page->entries;
+    const bool isFirst = (word & kHighBytes) == 0;
+    const Entry a = isFirst ? first[word & 0xFF] : at(units[0]);
+    const Entry b = isFirst ? first[word >> 16 & 0xFF] : at(units[1]);
+    const Entry c = isFirst ? first[word >> 32 & 0xFF] : at(units[2]);
+    const Entry d = isFirst ? first[word >> 48] : at(units[3]);
+    if ((a & b & c & d & kRoundTrips) == 0) return false;
+    const std::uint32_t bytes = (a & 0xFFU) | (b & 0xFFU) << 8 | (c & 0xFFU) << 16 | (d & 0xFFU) << 24;
+    std::memcpy(to, &bytes, sizeof bytes);
+    return true;
+  }
+
+  Vector<Slot> pages_;
+};
+
+constinit const EncodingCache::Page EncodingCache::kUnknown{};
+
+/// The base of both writers: the encoder and the cache.
+class PageWriter : public Writer {
+ public:
+  explicit PageWriter(const VelClCCSID& target) : encoder_(target) {}
+
+ protected:
+  const Encoder& encoder() const { return encoder_; }
+  const EncodingCache& cache() const { return cache_; }
+
+  EncodingCache::Entry entryOf(char32_t character) {
+    const EncodingCache::Entry known = cache_.at(character);
+    if (known != 0) return known;
+    Encoded encoded = encoder_.encode(character);
+    const EncodingCache::Entry flag =
+        encoded.roundTrips ? EncodingCache::kRoundTrips : EncodingCache::kUnmappable;
+    // ICU drops some unmappable characters altogether, such as invisible ones. U+FFFD has a substitute.
+    if (encoded.size == 0) encoded = encoder_.encode(kReplacement);
+    const auto entry = static_cast<EncodingCache::Entry>(flag | encoded.bytes[0]);
+    cache_.set(character, entry);
+    return entry;
+  }
+
+ private:
+  Encoder encoder_;
+  EncodingCache cache_;
+};
+
+class SingleByteWriter : public PageWriter {
+ public:
+  using PageWriter::PageWriter;
+
+  std::size_t write(const char16_t* units, std::size_t count, Output& output) override {
+    char* to = output.reserve(count);
+    std::size_t i = 0;
+    while (i < count) {
+      const std::size_t known = cache().encodeCached(units + i, count - i, to);
+      i += known;
+      to += known;
+      output.commit(known);
+      // Not cached, not in the first plane, or unmappable: settle this character, then go on as before.
+      if (i == count) break;
+      const Character character = characterAt(units + i);
+      const EncodingCache::Entry entry = entryOf(character.value);
+      if ((entry & EncodingCache::kRoundTrips) == 0) break;
+      *to++ = static_cast<char>(entry);
+      output.commit(1);
+      i += character.units;
+    }
+    return i;
+  }
+
+  void writeOrSubstitute(char32_t character, Output& output) override {
+    *output.reserve(1) = static_cast<char>(entryOf(character));
+    output.commit(1);
+  }
+};
+
+/// Writes to targets with lead bytes or shifts. ICU keeps the shift state from one call to the next.
+class MixedWriter : public PageWriter {
+ public:
+  explicit MixedWriter(const VelClCCSID& target)
+      : PageWriter(target), converter_(target), codec_(converter_) {}
+
+  std::size_t write(const char16_t* units, std::size_t count, Output& output) override {
+    std::size_t i = 0;
+    while (i < count) {
+      const Character character = characterAt(units + i);
+      if ((entryOf(character.value) & EncodingCache::kRoundTrips) == 0) break;
+      i += character.units;
+    }
+    convert(units, i, false, output);
+    return i;
+  }
+
+  void writeOrSubstitute(char32_t character, Output& output) override {
+    const bool isDropped = encoder().encode(character).size == 0;
+    char16_t units[2];
+    convert(units, unitsOf(isDropped ? kReplacement : character, units), false, output);
+  }
+
+  void finish(Output& output) override { convert(nullptr, 0, true, output); }
+
+ private:
+  void convert(const char16_t* units, std::size_t count, bool isEnd, Output& output) const {
+    if (encoder().isIcu()) return convertByIcu(units, count, isEnd, output);
+    // The system's conversion reports an empty text as a failure, and has no shifts to close.
+    if (count == 0) return;
+    const std::size_t room = count * kMaxSequence;
+    const char* const source = reinterpret_cast<const char*>(units);
+    output.commit(converter_.convertBytes(output.reserve(room), room, source, count * kUnitSize));
+  }
+
+  void convertByIcu(const char16_t* units, std::size_t count, bool isEnd, Output& output) const {
+    constexpr std::size_t kMinRoom = 256;
+    constexpr char16_t kNone[1] = {};
+    const char16_t* position = count != 0 ? units : kNone;
+    const char16_t* const end = position + count;
+    IcuPageCodec::EncodedPiece piece;
+    do {
+      char* const to = output.reserve(kMinRoom);
+      piece = codec_.encodePiece(position, end, to, output.room(), isEnd);
+      output.commit(piece.size);
+    } while (piece.isFull);
+  }
+
+  CheckedFromUnicode converter_;  ///< not the encoder's, whose tries would disturb the shift state
+  IcuPageCodec codec_;            ///< used only if the encoder is ICU's
+};
+
+}  // namespace
+
+Writer* makePageWriter(const VelClCCSID& target) {
+  const Encoder encoder(target);
+  if (!encoder.converter().isSupported()) return nullptr;
+  if (encoder.isSingleByte()) return create<SingleByteWriter>(target);
+  return create<MixedWriter>(target);
+}
+
+}  // namespace vel::codepage

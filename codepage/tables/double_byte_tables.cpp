@@ -1,0 +1,29 @@
+// The tables from mixed single and double bytes to UCS-2; and those from extended UNIX codes, of which there
+// are none: ICU converts these pages.
+#include <algorithm>
+
+#include "codepage/ccsid_search.h"
+#include "codepage/tables/conversion_tables.h"
+
+namespace {
+
+using vel::codepage::DoubleByteTable;
+
+// clang-format off
+#include "double_byte_tables.inc"
+// clang-format on
+
+static_assert(std::ranges::is_sorted(kDoubleByteTables, {}, &DoubleByteTable::ccsid));
+
+}  // namespace
+
+const VelStDoubleByteTable* velGetDBCStoUCS2Table(unsigned int ccsid, bool& isEbcdic) {
+  const DoubleByteTable* const table = vel::codepage::findByCcsid(kDoubleByteTables, ccsid);
+  // The documented result leaves `isEbcdic` unchanged when there is no table.
+  if (table != nullptr) isEbcdic = table->isEbcdic != 0;
+  return table;
+}
+
+const void* velGetEUCtoUCS2Table(unsigned int) {
+  return nullptr;
+}

@@ -1,0 +1,38 @@
+// Runs kernels as conversions.
+#pragma once
+
+#include <vector>
+
+#include "codepage/kernels/kernels.h"
+#include "codepage/test/outcome.h"
+
+/// All that this processor has the instructions for.
+inline std::vector<const vel::codepage::Kernels*> kernelTables() {
+  std::vector<const vel::codepage::Kernels*> tables{&vel::codepage::kPortableKernels};
+  if (vel::codepage::vectorKernels() != nullptr) tables.push_back(vel::codepage::vectorKernels());
+  return tables;
+}
+
+template <typename Loop>
+Outcome runKernel(Loop loop, std::string_view source, std::size_t room) {
+  return runInBuffers(source, room, [&](const char*& position, char* target) {
+    vel::codepage::Cursor cursor{position, position + source.size(), target, target + room};
+    loop(cursor);
+    position = cursor.source;
+    return static_cast<std::size_t>(cursor.target - target);
+  });
+}
+
+/// Runs the kernel of mixed bytes that the table is for.
+inline Outcome runMixed(const vel::codepage::Kernels& kernels, const VelStDoubleByteTable& table,
+                        std::string_view source, std::size_t room, bool& isDouble) {
+  isDouble = false;
+  return runKernel(
+      [&](vel::codepage::Cursor& cursor) {
+        if (table.isEbcdic != 0)
+          kernels.decodeShifted(cursor, table, isDouble);
+        else
+          kernels.decodeMixed(cursor, table);
+      },
+      source, room);
+}
