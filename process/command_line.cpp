@@ -17,7 +17,7 @@ class Splitter {
  public:
   explicit Splitter(char* line) noexcept : in_(line), out_(line) {}
 
-  void takeProgramName() noexcept {
+  void parseProgramName() noexcept {
     bool quoted = false;
     for (; *in_ != '\0' && (quoted || !isBlank(*in_)); ++in_) {
       if (*in_ == '"')
@@ -28,25 +28,25 @@ class Splitter {
     terminate();
   }
 
-  bool skipToNext() noexcept {
+  bool skipBlanks() noexcept {
     while (isBlank(*in_)) ++in_;
     return *in_ != '\0';
   }
 
-  void takeArgument() noexcept {
+  void parseArgument() noexcept {
     bool quoted = false;
     while (*in_ != '\0' && (quoted || !isBlank(*in_))) {
-      const std::size_t backSlashes = std::strspn(in_, "\\");
-      in_ += backSlashes;
+      const std::size_t backslashes = std::strspn(in_, "\\");
+      in_ += backslashes;
       if (*in_ == '"')
-        takeQuote(backSlashes, quoted);
+        parseQuote(backslashes, quoted);
       else
-        takePlain(backSlashes, quoted);
+        parseCharacter(backslashes, quoted);
     }
     terminate();
   }
 
-  char* place() const noexcept { return out_; }
+  char* writePosition() const noexcept { return out_; }
 
  private:
   void write(char c, std::size_t count) noexcept {
@@ -54,12 +54,12 @@ class Splitter {
     out_ += count;
   }
 
-  void takeQuote(std::size_t backSlashes, bool& quoted) noexcept {
-    write('\\', backSlashes / 2);
-    const bool isDouble = quoted && in_[1] == '"';
-    if (backSlashes % 2 != 0) {
+  void parseQuote(std::size_t backslashes, bool& quoted) noexcept {
+    write('\\', backslashes / 2);
+    const bool isDoubled = quoted && in_[1] == '"';
+    if (backslashes % 2 != 0) {
       write('"', 1);
-    } else if (isDouble) {
+    } else if (isDoubled) {
       write('"', 1);
       ++in_;
     } else {
@@ -68,8 +68,8 @@ class Splitter {
     ++in_;
   }
 
-  void takePlain(std::size_t backSlashes, bool quoted) noexcept {
-    write('\\', backSlashes);
+  void parseCharacter(std::size_t backslashes, bool quoted) noexcept {
+    write('\\', backslashes);
     if (*in_ != '\0' && (quoted || !isBlank(*in_))) write(*in_++, 1);
   }
 
@@ -87,11 +87,11 @@ class Splitter {
 
 Arguments::Arguments(const char* commandLine) : texts_(copyText(commandLine, std::strlen(commandLine))) {
   Splitter splitter(texts_.get());
-  pointers_.push_back(splitter.place());
-  splitter.takeProgramName();
-  while (splitter.skipToNext()) {
-    pointers_.push_back(splitter.place());
-    splitter.takeArgument();
+  pointers_.push_back(splitter.writePosition());
+  splitter.parseProgramName();
+  while (splitter.skipBlanks()) {
+    pointers_.push_back(splitter.writePosition());
+    splitter.parseArgument();
   }
   pointers_.push_back(nullptr);
 }

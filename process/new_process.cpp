@@ -15,7 +15,7 @@ namespace platform = vel::platform;
 namespace {
 
 /// Sign, 20 digits of 64 bits, terminator.
-constexpr std::size_t kMostDigits = 22;
+constexpr std::size_t kDecimalCapacity = 22;
 
 }  // namespace
 
@@ -44,13 +44,13 @@ void VelClNewProcessABase::addArgument(const char* text) {
 }
 
 void VelClNewProcessABase::addArgument(long value) {
-  char digits[kMostDigits];
+  char digits[kDecimalCapacity];
   velI64toa(value, digits);
   addArgument(digits);
 }
 
 void VelClNewProcessABase::addArgument(unsigned long value) {
-  char digits[kMostDigits];
+  char digits[kDecimalCapacity];
   velW64toa(value, digits);
   addArgument(digits);
 }
