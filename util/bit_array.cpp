@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr std::uint64_t kMostPersistentBytes = std::numeric_limits<std::int32_t>::max();
+constexpr std::uint64_t kMaxPersistentBytes = std::numeric_limits<std::int32_t>::max();
 
 unsigned char* allocate(std::uint64_t size) {
   return static_cast<unsigned char*>(VelClMemoryManager::malloc(static_cast<size_t>(size)));
@@ -53,7 +53,7 @@ std::uint64_t VelClBitArray::usableBytes() const {
 
 void VelClBitArray::write(std::ostream& stream) const {
   const std::uint64_t size = usableBytes();
-  if (size > kMostPersistentBytes) {
+  if (size > kMaxPersistentBytes) {
     stream.setstate(std::ios::failbit);
     return;
   }
@@ -63,7 +63,7 @@ void VelClBitArray::write(std::ostream& stream) const {
 
 void VelClBitArray::read(std::istream& stream) {
   const std::uint64_t size = usableBytes();
-  if (size > kMostPersistentBytes) {
+  if (size > kMaxPersistentBytes) {
     stream.setstate(std::ios::failbit);
     return;
   }

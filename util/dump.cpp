@@ -16,7 +16,7 @@ constexpr std::size_t kLinesAtOnce = 64;
 template <typename Form>
 void dump(std::ostream& stream, const char* data, size_t count) {
   const auto* bytes = reinterpret_cast<const std::uint8_t*>(data);
-  char text[kLinesAtOnce * (LineLayout<Form>::kLongest + 1)];
+  char text[kLinesAtOnce * (LineLayout<Form>::kMaxLength + 1)];
   for (size_t offset = 0; offset < count && stream.good();) {
     char* out = text;
     for (std::size_t line = 0; line < kLinesAtOnce && offset < count; ++line) {

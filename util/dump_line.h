@@ -61,16 +61,16 @@ struct BinaryForm {
 /// Sizes and places within a line, behind its address.
 template <typename Form>
 struct LineLayout {
-  static constexpr std::size_t kGroup = Form::kDigits + 1;
-  static constexpr std::size_t kMark = Form::kBytes * kGroup + 1;
-  static constexpr std::size_t kCharacters = kMark + 2;
+  static constexpr std::size_t kGroupWidth = Form::kDigits + 1;
+  static constexpr std::size_t kBar = Form::kBytes * kGroupWidth + 1;
+  static constexpr std::size_t kCharacters = kBar + 2;
   static constexpr std::size_t kLength = kCharacters + Form::kBytes;
   /// With an address of 16 digits.
-  static constexpr std::size_t kLongest = 16 + 2 + kLength;
+  static constexpr std::size_t kMaxLength = 16 + 2 + kLength;
 
   /// One more blank stands in the middle.
   static constexpr std::size_t groupAt(std::size_t index) {
-    return index * kGroup + (index < Form::kBytes / 2 ? 0 : 1);
+    return index * kGroupWidth + (index < Form::kBytes / 2 ? 0 : 1);
   }
 };
 
@@ -107,7 +107,7 @@ inline char* writeAddress(char* out, std::uint64_t offset) {
   return out;
 }
 
-constexpr char shownCharacter(std::uint8_t byte) {
+constexpr char printableOrDot(std::uint8_t byte) {
   return byte >= 0x20 && byte < 0x7F ? static_cast<char>(byte) : '.';
 }
 
@@ -116,11 +116,11 @@ template <std::size_t count>
 void writeCharacters(char* out, const std::uint8_t* data) {
   if constexpr (count == sizeof(ByteBlock)) {
     const ByteBlock block = blockAt(reinterpret_cast<const char*>(data));
-    const auto isShown = reinterpret_cast<ByteBlock>(block - blockOf(0x20) < blockOf(0x7F - 0x20));
-    const ByteBlock shown = (block & isShown) | (blockOf('.') & ~isShown);
+    const auto isPrintable = reinterpret_cast<ByteBlock>(block - blockOf(0x20) < blockOf(0x7F - 0x20));
+    const ByteBlock shown = (block & isPrintable) | (blockOf('.') & ~isPrintable);
     std::memcpy(out, &shown, count);
   } else {
-    for (std::size_t i = 0; i < count; ++i) out[i] = shownCharacter(data[i]);
+    for (std::size_t i = 0; i < count; ++i) out[i] = printableOrDot(data[i]);
   }
 }
 
@@ -140,7 +140,7 @@ void writeShortLine(char* out, const std::uint8_t* data, std::size_t count) {
     std::memset(out + Layout::groupAt(i), kMissing, Form::kDigits);
     out[Layout::groupAt(i) + Form::kDigits] = ' ';
   }
-  for (std::size_t i = 0; i < count; ++i) out[Layout::kCharacters + i] = shownCharacter(data[i]);
+  for (std::size_t i = 0; i < count; ++i) out[Layout::kCharacters + i] = printableOrDot(data[i]);
   std::memset(out + Layout::kCharacters + count, kMissing, Form::kBytes - count);
 }
 
@@ -153,12 +153,12 @@ char* writeData(char* out, const std::uint8_t* data, std::size_t count) {
   else
     writeShortLine<Form>(out, data, count);
   out[Layout::groupAt(Form::kBytes / 2) - 1] = ' ';
-  out[Layout::kMark] = '|';
-  out[Layout::kMark + 1] = ' ';
+  out[Layout::kBar] = '|';
+  out[Layout::kBar + 1] = ' ';
   return out + Layout::kLength;
 }
 
-/// A whole line of a dump with its line break; Layout::kLongest + 1 characters suffice.
+/// A whole line of a dump with its line break; Layout::kMaxLength + 1 characters suffice.
 template <typename Form>
 char* writeLine(char* out, std::uint64_t offset, const std::uint8_t* data, std::size_t count) {
   out = writeData<Form>(writeAddress(out, offset), data, count);

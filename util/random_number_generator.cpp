@@ -7,7 +7,7 @@
 namespace {
 
 constexpr std::uint32_t kStateSize = 256;
-constexpr std::uint32_t kLargest = 0xFFFFFFFF;
+constexpr std::uint32_t kMaxNumber = 0xFFFFFFFF;
 
 constexpr std::uint32_t stateIndex(std::uint32_t value) {
   return value % kStateSize;
@@ -61,6 +61,6 @@ unsigned long VelClRandomNumberGenerator::getRandomNumber() const {
 }
 
 unsigned long VelClRandomNumberGenerator::getRandomNumber(unsigned long max) const {
-  const double share = static_cast<double>(next()) / static_cast<double>(kLargest);
+  const double share = static_cast<double>(next()) / static_cast<double>(kMaxNumber);
   return static_cast<std::uint32_t>(share * static_cast<double>(static_cast<std::uint32_t>(max)));
 }

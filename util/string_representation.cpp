@@ -25,7 +25,7 @@ void endLine(char* out, const void* data, size_t count) {
 VelClStringRepresentationABase::~VelClStringRepresentationABase() = default;
 
 VelClStrepHexDump::VelClStrepHexDump(const void* data, size_t count) {
-  static_assert(sizeof text_ == LineLayout<HexForm>::kLongest + 1);
+  static_assert(sizeof text_ == LineLayout<HexForm>::kMaxLength + 1);
   endLine<HexForm>(text_, data, count);
 }
 
@@ -40,7 +40,7 @@ const char* VelClStrepHexDump::getAsCString() const {
 }
 
 VelClStrepBinDump::VelClStrepBinDump(const void* data, size_t count) {
-  static_assert(sizeof text_ == LineLayout<BinaryForm>::kLongest + 1);
+  static_assert(sizeof text_ == LineLayout<BinaryForm>::kMaxLength + 1);
   endLine<BinaryForm>(text_, data, count);
 }
 

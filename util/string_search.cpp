@@ -15,7 +15,7 @@ unsigned char byteOf(char c) {
   return static_cast<unsigned char>(c);
 }
 
-unsigned char compared(char c, bool ignoreCase) {
+unsigned char foldedByte(char c, bool ignoreCase) {
   return ignoreCase ? static_cast<unsigned char>(std::toupper(byteOf(c))) : byteOf(c);
 }
 
@@ -23,33 +23,34 @@ const char* upperCasedCopy(const char* text) {
   const std::size_t length = std::strlen(text);
   vel::OwnedText copy = vel::copyText(text, length);
   std::transform(copy.get(), copy.get() + length, copy.get(),
-                 [](char c) { return static_cast<char>(compared(c, true)); });
+                 [](char c) { return static_cast<char>(foldedByte(c, true)); });
   return copy.release();
 }
 
-bool matchesHere(const char* pattern, std::size_t patternLength, const char* text, bool ignoreCase) {
+bool matchesAt(const char* pattern, std::size_t patternLength, const char* text, bool ignoreCase) {
   for (std::size_t i = patternLength; i > 0; --i)
-    if (byteOf(pattern[i - 1]) != compared(text[i - 1], ignoreCase)) return false;
+    if (byteOf(pattern[i - 1]) != foldedByte(text[i - 1], ignoreCase)) return false;
   return true;
 }
 
 /// Passes over parts of a long text in which the pattern's first and last bytes do not stand as far apart as
 /// in the pattern. Returns from where on it can still be found; texts that hold the pair all the time are
 /// left to the shift table.
-std::size_t findLikelyStart(const char* pattern, std::size_t patternLength, const char* text,
+std::size_t skipToCandidate(const char* pattern, std::size_t patternLength, const char* text,
                             std::size_t length) {
   const std::size_t distance = patternLength - 1;
   const std::size_t middle = patternLength / 2;
   const vel::BytePair ends(vel::OneByte{byteOf(pattern[0])}, vel::OneByte{byteOf(pattern[distance])},
                            distance);
   std::size_t block = 0;
-  for (std::size_t compared = 0; length - block >= vel::kBytesAtOnce + distance; block += vel::kBytesAtOnce) {
+  for (std::size_t comparedBytes = 0; length - block >= vel::kBytesAtOnce + distance;
+       block += vel::kBytesAtOnce) {
     const char* const place = ends.find(text + block, [&](const char* candidate) {
-      compared += patternLength;
+      comparedBytes += patternLength;
       return candidate[middle] == pattern[middle] && std::memcmp(candidate, pattern, patternLength) == 0;
     });
     if (place != nullptr) return static_cast<std::size_t>(place - text);
-    if (compared > 4096 + 2 * block) return block + vel::kBytesAtOnce;
+    if (comparedBytes > 4096 + 2 * block) return block + vel::kBytesAtOnce;
   }
   return block;
 }
@@ -59,10 +60,10 @@ const char* find(const char* pattern, const uint32_t (&shift)[256], const char* 
   const std::size_t patternLength = shift[0];
   if (patternLength == 0) return text;
   std::size_t start = 0;
-  if (!ignoreCase && length >= patternLength) start = findLikelyStart(pattern, patternLength, text, length);
+  if (!ignoreCase && length >= patternLength) start = skipToCandidate(pattern, patternLength, text, length);
   while (length - start >= patternLength) {
-    if (matchesHere(pattern, patternLength, text + start, ignoreCase)) return text + start;
-    start += shift[compared(text[start + patternLength - 1], ignoreCase)];
+    if (matchesAt(pattern, patternLength, text + start, ignoreCase)) return text + start;
+    start += shift[foldedByte(text[start + patternLength - 1], ignoreCase)];
   }
   return nullptr;
 }

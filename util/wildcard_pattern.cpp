@@ -7,7 +7,7 @@
 
 namespace {
 
-char folded(char c) {
+char toUpper(char c) {
   return static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
 }
 
@@ -17,7 +17,7 @@ bool matchesOneByte(char patternByte, char textByte, bool caseSensitive) {
   // Two ASCII characters have the same upper case only as letters of both cases, in every locale.
   const int difference = patternByte ^ textByte;
   const bool areAscii = ((patternByte | textByte) & 0x80) == 0;
-  return (!areAscii || difference == 0x20) && folded(patternByte) == folded(textByte);
+  return (!areAscii || difference == 0x20) && toUpper(patternByte) == toUpper(textByte);
 }
 
 /// Whether a text ends with what a pattern without "*" matches.
@@ -38,23 +38,23 @@ bool matchesAtEnd(const char* pattern, const char* text, bool caseSensitive) {
 bool velMatchesWildcardPattern(const char* pattern, const char* text, bool caseSensitive) {
   if (pattern == nullptr) pattern = "";
   if (text == nullptr) text = "";
-  const char* behindStar = nullptr;
-  const char* resume = nullptr;
+  const char* afterStar = nullptr;
+  const char* starText = nullptr;
   while (*text != '\0') {
     if (*pattern == *text && *pattern != '*') {
       ++pattern;
       ++text;
     } else if (*pattern == '*') {
-      behindStar = ++pattern;
-      resume = text;
+      afterStar = ++pattern;
+      starText = text;
       if (*pattern == '\0') return true;
       if (std::strchr(pattern, '*') == nullptr) return matchesAtEnd(pattern, text, caseSensitive);
     } else if (*pattern != '\0' && matchesOneByte(*pattern, *text, caseSensitive)) {
       ++pattern;
       ++text;
-    } else if (behindStar != nullptr) {
-      pattern = behindStar;
-      text = ++resume;
+    } else if (afterStar != nullptr) {
+      pattern = afterStar;
+      text = ++starText;
     } else {
       return false;
     }

@@ -40,7 +40,7 @@ class DumpWriter {
   }
 
  private:
-  static constexpr std::size_t kLongest = util::LineLayout<Form>::kLongest + 1;
+  static constexpr std::size_t kLongest = util::LineLayout<Form>::kMaxLength + 1;
   static constexpr std::size_t kMostLines = OutputBuffer::kCapacity / kLongest;
 
   std::size_t writeMany(const std::uint8_t* data, std::size_t size) {
