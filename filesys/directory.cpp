@@ -27,7 +27,7 @@ const char* driveFor(const char* name) {
 }
 
 // A location chooses its separator before it is normalized, so that "C:/a/" ends with two. Keep.
-void endAsLocation(WantedName& name) {
+void appendSeparator(WantedName& name) {
   const char separator = VelClPathProperty(name.text()).getPathSep();
   if (name.length() != 0 && name.last() != separator) name.append(separator);
 }
@@ -44,7 +44,7 @@ VelEnErrorClass classOfFailedRemoval(platform::SystemError error) {
   return error == EACCES ? VelEnErrorClass::IO_STILL_IN_USE : VelEnErrorClass::IO_INVALID_NAME;
 }
 
-bool makeUnlessExistent(const char* path) {
+bool ensureDirectory(const char* path) {
   if (platform::entryExists(path)) return true;
   const platform::SystemError error = platform::makeDirectory(path);
   // Somebody else may have been faster.
@@ -65,7 +65,7 @@ VelClDirectory::VelClDirectory() : VelClDirectory("") {}
 VelClDirectory::VelClDirectory(const char* name) : name_("", false) {
   WantedName wanted;
   wanted.append(textOrEmpty(name));
-  endAsLocation(wanted);
+  appendSeparator(wanted);
   setNewName(driveFor(wanted.text()), wanted.text());
 }
 
@@ -149,7 +149,7 @@ bool VelClDirectory::create() {
   for (char* end = path + std::min<std::size_t>(root, name_.getLength());
        (end = std::strchr(end, '\\')) != nullptr; *end++ = '\\') {
     *end = '\0';
-    if (!makeUnlessExistent(path)) return fail(DIRECTORY_COULD_NOT_CREATE, VelEnErrorClass::IO_NOT_EXISTENT);
+    if (!ensureDirectory(path)) return fail(DIRECTORY_COULD_NOT_CREATE, VelEnErrorClass::IO_NOT_EXISTENT);
   }
   return succeed();
 }

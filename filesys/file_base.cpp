@@ -62,7 +62,7 @@ bool dropLastComponent(Expansion& output, std::size_t root) {
 }
 
 // A component that merely ends in dots counts like "." or "..". Keep.
-bool takeComponent(Expansion& output, std::size_t root, const char* component, std::size_t length) {
+bool resolveComponent(Expansion& output, std::size_t root, const char* component, std::size_t length) {
   const bool endsInDot = length >= 1 && component[length - 1] == '.';
   if (endsInDot && length >= 2 && component[length - 2] == '.') return dropLastComponent(output, root);
   if (endsInDot) return true;
@@ -74,7 +74,7 @@ bool takeComponent(Expansion& output, std::size_t root, const char* component, s
 bool expand(ExpansionStart& start) {
   const char* component = start.scan;
   while (const char* end = std::strchr(component, '\\')) {
-    if (!takeComponent(start.output, start.root, component, static_cast<std::size_t>(end - component)))
+    if (!resolveComponent(start.output, start.root, component, static_cast<std::size_t>(end - component)))
       return false;
     component = end + 1;
   }

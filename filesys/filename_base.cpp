@@ -22,7 +22,7 @@ const char* startOfLastComponent(const char* path) {
   return separator != nullptr ? separator + 1 : path;
 }
 
-bool matchesBeginning(const char* a, const char* b, std::size_t length, bool caseSensitive) {
+bool matchesPrefix(const char* a, const char* b, std::size_t length, bool caseSensitive) {
   for (std::size_t i = 0; i < length; ++i) {
     const bool equal = caseSensitive ? a[i] == b[i] : vel::toAsciiUpper(a[i]) == vel::toAsciiUpper(b[i]);
     if (!equal) return false;
@@ -111,13 +111,13 @@ bool VelClFilenameABase::operator==(const VelClFilenameABase& other) const {
 }
 
 bool VelClFilenameABase::matchesPath(const VelClFilenameABase& other) const {
-  return matchesBeginning(getPtrToPath(), other.getPtrToPath(),
-                          static_cast<std::size_t>(base_ - getPtrToPath()), isCaseSensitive());
+  return matchesPrefix(getPtrToPath(), other.getPtrToPath(), static_cast<std::size_t>(base_ - getPtrToPath()),
+                       isCaseSensitive());
 }
 
 bool VelClFilenameABase::matchesBase(const VelClFilenameABase& other) const {
   const auto length = std::max(extension_ - base_, other.extension_ - other.base_);
-  return matchesBeginning(base_, other.base_, static_cast<std::size_t>(length), isCaseSensitive());
+  return matchesPrefix(base_, other.base_, static_cast<std::size_t>(length), isCaseSensitive());
 }
 
 bool VelClFilenameABase::matchesExtension(const char* extension) const {

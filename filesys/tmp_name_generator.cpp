@@ -1,5 +1,5 @@
 // The form of temporary names.
-#include "filesys/tmp_name.h"
+#include "filesys/tmp_name_generator.h"
 
 #include <cstdint>
 #include <cstring>
@@ -19,7 +19,7 @@ constexpr auto kLetters = static_cast<std::uint32_t>(kAlphabet.size());
 
 }  // namespace
 
-TmpName::TmpName(const char* prefix) : prefixLength_(0), text_{} {
+TmpNameGenerator::TmpNameGenerator(const char* prefix) : prefixLength_(0), text_{} {
   prefixLength_ = boundedLength(textOrEmpty(prefix), kMaxPrefixLength);
   std::memcpy(text_, textOrEmpty(prefix), prefixLength_);
   text_[kBaseLength] = '.';
@@ -29,14 +29,14 @@ TmpName::TmpName(const char* prefix) : prefixLength_(0), text_{} {
     text_[at] = static_cast<char>('0' + id % 10);
 }
 
-const char* TmpName::draw() {
+const char* TmpNameGenerator::next() {
   auto number = static_cast<std::uint32_t>(numbers_.getRandomNumber());
   for (std::size_t at = kBaseLength; at-- > prefixLength_; number /= kLetters)
     text_[at] = kAlphabet[number % kLetters];
   return text_;
 }
 
-bool Repetitions::mayGoOn(const char* text) {
+bool RetryLimit::mayRetry(const char* text) {
   if (*first_ == '\0') copyBounded(first_, text, kMaxLength);
   return std::strcmp(first_, text) != 0 || left_-- > 0;
 }

@@ -8,16 +8,16 @@
 
 namespace vel::filesys {
 
-class TmpName {
+class TmpNameGenerator {
  public:
   /// Prefix and random characters, a dot, and three digits.
   static constexpr std::size_t kLength = 12;
 
   /// Null counts as "". Seeded by the system's milliseconds.
-  explicit TmpName(const char* prefix);
+  explicit TmpNameGenerator(const char* prefix);
 
   /// The next name, owned by the object.
-  const char* draw();
+  const char* next();
 
  private:
   VelClRandomNumberGenerator numbers_;
@@ -27,10 +27,10 @@ class TmpName {
 
 /// Ends a search whose names come round again: it counts how often the first one does. With few random
 /// characters every possible name has been tried by then, as good as certainly.
-class Repetitions {
+class RetryLimit {
  public:
   /// False when the first text has come too often.
-  bool mayGoOn(const char* text);
+  bool mayRetry(const char* text);
 
  private:
   int left_ = 16;

@@ -34,18 +34,18 @@ class OpenDirectory {
 
 /// The roots that a name leads below. Spellings of a root have no end, so what was opened is compared, and
 /// at every level: another name of a root can lie anywhere.
-class Roots {
+class ProtectedRoots {
  public:
-  explicit Roots(const char* directory) noexcept {
+  explicit ProtectedRoots(const char* directory) noexcept {
     platform::FileIdentity identity;
     // Who was allowed to open a directory may look at it, too: then it is not this one.
     const platform::SystemError error = platform::identityOfRoot(directory, identity);
-    error == 0 ? add(identity) : note(error == EACCES);
+    error == 0 ? add(identity) : requireKnown(error == EACCES);
     addShareOf(VelClPathProperty(directory));
   }
 
   /// True, too, where that is not known.
-  bool include(const platform::DirectoryHandle& directory) const noexcept {
+  bool contains(const platform::DirectoryHandle& directory) const noexcept {
     platform::FileIdentity identity;
     const auto* const end = identities_ + count_;
     return !areKnown_ || platform::identityOf(directory, identity) != 0 ||
@@ -54,7 +54,7 @@ class Roots {
 
  private:
   void add(const platform::FileIdentity& identity) noexcept { identities_[count_++] = identity; }
-  void note(bool isKnown) noexcept { areKnown_ = areKnown_ && isKnown; }
+  void requireKnown(bool isKnown) noexcept { areKnown_ = areKnown_ && isKnown; }
 
   void addShareOf(const VelClPathProperty& name) noexcept {
     if (!name.isUNC()) return;
@@ -65,7 +65,7 @@ class Roots {
     platform::SystemError error =
         platform::openDirectory(share.text(), platform::DirectoryLink::Follow, opened.handle());
     if (error == 0) error = platform::identityOf(opened.handle(), identity);
-    error == 0 ? add(identity) : note(error == EACCES || error == ENOENT || error == ENOTDIR);
+    error == 0 ? add(identity) : requireKnown(error == EACCES || error == ENOENT || error == ENOTDIR);
   }
 
   platform::FileIdentity identities_[2];
@@ -77,10 +77,10 @@ bool isDirectory(const platform::DirectoryEntry& entry) noexcept {
   return (entry.attributes & platform::kAttributeDirectory) != 0;
 }
 
-bool removeEntriesOf(platform::DirectoryHandle& directory, const Roots& roots, int depth) noexcept;
+bool removeEntriesOf(platform::DirectoryHandle& directory, const ProtectedRoots& roots, int depth) noexcept;
 
-bool emptyEntry(const platform::DirectoryHandle& parent, platform::DirectoryEntry& entry, const Roots& roots,
-                int depth) noexcept {
+bool emptyEntry(const platform::DirectoryHandle& parent, platform::DirectoryEntry& entry,
+                const ProtectedRoots& roots, int depth) noexcept {
   OpenDirectory directory;
   const platform::SystemError error = platform::openEntry(parent, entry, directory.handle());
   if (error == 0) return removeEntriesOf(directory.handle(), roots, depth);
@@ -90,14 +90,14 @@ bool emptyEntry(const platform::DirectoryHandle& parent, platform::DirectoryEntr
 }
 
 bool removeWithContents(const platform::DirectoryHandle& parent, platform::DirectoryEntry& entry,
-                        const Roots& roots, int depth) noexcept {
+                        const ProtectedRoots& roots, int depth) noexcept {
   if (isDirectory(entry) && !isSubDirectoryName(entry.name)) return true;
   if (isDirectory(entry) && !emptyEntry(parent, entry, roots, depth)) return false;
   return platform::removeEntry(parent, entry) == 0;
 }
 
-bool removeEntriesOf(platform::DirectoryHandle& directory, const Roots& roots, int depth) noexcept {
-  if (depth > kMaxDepth || roots.include(directory)) return false;
+bool removeEntriesOf(platform::DirectoryHandle& directory, const ProtectedRoots& roots, int depth) noexcept {
+  if (depth > kMaxDepth || roots.contains(directory)) return false;
   platform::DirectoryEntry entry;
   platform::WalkStep step;
   // What a listing that failed has left out is told by the removal of the directory itself.
@@ -111,7 +111,7 @@ bool removeEntriesOf(platform::DirectoryHandle& directory, const Roots& roots, i
 void removeContents(const char* directory) noexcept {
   OpenDirectory opened;
   if (platform::openDirectory(directory, platform::DirectoryLink::Refuse, opened.handle()) == 0)
-    static_cast<void>(removeEntriesOf(opened.handle(), Roots(directory), 0));
+    static_cast<void>(removeEntriesOf(opened.handle(), ProtectedRoots(directory), 0));
 }
 
 }  // namespace vel::filesys
