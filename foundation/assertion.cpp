@@ -25,7 +25,7 @@ class Report {
   std::size_t count() const noexcept { return count_; }
 
  private:
-  const char* pieces_[16];  ///< as many as `build` adds at most
+  const char* pieces_[16];  ///< as many as `buildReport` adds at most
   std::size_t count_ = 0;
 };
 
@@ -35,8 +35,8 @@ struct Decimal {
 };
 
 /// The numbers must live as long as the report.
-void build(Report& report, const char* expression, const char* module, const Decimal& line,
-           const Decimal& process, const char* function, const char* message) noexcept {
+void buildReport(Report& report, const char* expression, const char* module, const Decimal& line,
+                 const Decimal& process, const char* function, const char* message) noexcept {
   // "OCCURED" is the report's established spelling. Keep.
   report << "\n*** INTERNAL ERROR OCCURED ***\n";
   if (message != nullptr) {
@@ -84,9 +84,9 @@ void write(const Report& report) noexcept {
 
 /// Only the process's first assertion asks the environment; every later one shows the window. Keep.
 bool mayShowWindow() noexcept {
-  static bool asked = false;
-  if (asked) return true;
-  asked = true;
+  static bool wasAsked = false;
+  if (wasAsked) return true;
+  wasAsked = true;
   return !vel::isEnabledValue(vel::platform::settingValue("VEL_NO_ASSERT_POPUP"));
 }
 
@@ -97,7 +97,7 @@ void vel__assert_msg(const char* expression, const char* module, unsigned int li
   const Decimal lineText(line);
   const Decimal process(static_cast<std::int32_t>(vel::platform::currentProcessId()));
   Report report;
-  build(report, expression, module, lineText, process, function, message);
+  buildReport(report, expression, module, lineText, process, function, message);
   write(report);
   if (mayShowWindow())
     vel::platform::showStopMessage("Internal error occured: Assertion failed!", report.pieces(),

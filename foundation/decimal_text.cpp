@@ -14,19 +14,19 @@ namespace {
 static_assert(std::endian::native == std::endian::little);
 
 /// One or two digits, without a jump: what stands behind a single one is written over. Returns their number.
-unsigned int writeFirst(char* out, std::uint64_t pair) noexcept {
-  const unsigned int isSingle = pair < 10 ? 1 : 0;
+unsigned int writeLeadingPair(char* out, std::uint64_t pair) noexcept {
+  const unsigned int isOneDigit = pair < 10 ? 1 : 0;
   std::uint16_t text = 0;
   std::memcpy(&text, vel::kDecimalPairs[pair].data(), sizeof text);
-  text = static_cast<std::uint16_t>(text >> 8 * isSingle);
+  text = static_cast<std::uint16_t>(text >> 8 * isOneDigit);
   std::memcpy(out, &text, sizeof text);
-  return 2 - isSingle;
+  return 2 - isOneDigit;
 }
 
 /// A number below 100 to the power of `pairs` as a fraction of that power's hundredth with 32 bits behind the
 /// point: a little too large, by less than what would change a digit.
 template <unsigned int pairs>
-std::uint64_t fractionOf(std::uint32_t number) noexcept {
+std::uint64_t fixedPointOf(std::uint32_t number) noexcept {
   static_assert(pairs >= 2 && pairs <= 5);
   if constexpr (pairs == 2) return std::uint64_t{number} * 42949673;
   if constexpr (pairs == 3) return std::uint64_t{number} * 429497;
@@ -36,49 +36,49 @@ std::uint64_t fractionOf(std::uint32_t number) noexcept {
 
 /// The digits behind the point, and the terminator.
 template <unsigned int pairs>
-void writeFraction(std::uint64_t fraction, char* out) noexcept {
+void writeFractionDigits(std::uint64_t fraction, char* out) noexcept {
   if constexpr (pairs == 0) {
     *out = '\0';
   } else {
     fraction = (fraction & 0xFFFFFFFF) * 100;
     vel::writeDecimalPair(out, fraction >> 32);
-    writeFraction<pairs - 1>(fraction, out + 2);
+    writeFractionDigits<pairs - 1>(fraction, out + 2);
   }
 }
 
 template <unsigned int pairs>
 unsigned int writePairs(std::uint32_t number, char* out) noexcept {
-  const std::uint64_t fraction = fractionOf<pairs>(number);
-  const unsigned int count = writeFirst(out, fraction >> 32);
-  writeFraction<pairs - 1>(fraction, out + count);
+  const std::uint64_t fraction = fixedPointOf<pairs>(number);
+  const unsigned int count = writeLeadingPair(out, fraction >> 32);
+  writeFractionDigits<pairs - 1>(fraction, out + count);
   return count + 2 * (pairs - 1);
 }
 
-constexpr std::uint32_t kEightDigits = 100'000'000;
+constexpr std::uint32_t kTenToTheEighth = 100'000'000;
 
 /// All eight digits, with zeros in front.
 void writeEight(std::uint32_t number, char* out) noexcept {
-  const std::uint64_t fraction = fractionOf<4>(number);
+  const std::uint64_t fraction = fixedPointOf<4>(number);
   vel::writeDecimalPair(out, fraction >> 32);
-  writeFraction<3>(fraction, out + 2);
+  writeFractionDigits<3>(fraction, out + 2);
 }
 
 /// Terminated digits; returns their number.
 unsigned int writeDigits(std::uint32_t number, char* out) noexcept {
   if (number < 100) {
-    const unsigned int count = writeFirst(out, number);
+    const unsigned int count = writeLeadingPair(out, number);
     out[count] = '\0';
     return count;
   }
   if (number < 10'000) return writePairs<2>(number, out);
   if (number < 1'000'000) return writePairs<3>(number, out);
-  return number < kEightDigits ? writePairs<4>(number, out) : writePairs<5>(number, out);
+  return number < kTenToTheEighth ? writePairs<4>(number, out) : writePairs<5>(number, out);
 }
 
 unsigned int writeDigits(std::uint64_t number, char* out) noexcept {
   if (number >> 32 == 0) return writeDigits(static_cast<std::uint32_t>(number), out);
-  const unsigned int count = writeDigits(number / kEightDigits, out);
-  writeEight(static_cast<std::uint32_t>(number % kEightDigits), out + count);
+  const unsigned int count = writeDigits(number / kTenToTheEighth, out);
+  writeEight(static_cast<std::uint32_t>(number % kTenToTheEighth), out + count);
   return count + 8;
 }
 

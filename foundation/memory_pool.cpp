@@ -14,7 +14,7 @@ constexpr const char* kBlockConstructor = "VelClMemoryPoolBlock::VelClMemoryPool
 constexpr const char* kConstructor = "VelClMemoryPool::VelClMemoryPool";
 constexpr const char* kAllocate = "VelClMemoryPool::allocate";
 
-[[noreturn]] void throwTooBig(VelEnErrorClass errorClass, const char* origin, unsigned int line) {
+[[noreturn]] void throwChunkTooBig(VelEnErrorClass errorClass, const char* origin, unsigned int line) {
   VelClException exception(MEMORYPOOL_CHUNK_TOO_BIG, errorClass, VelEnErrorSeverity::NORMAL,
                            VelEnErrorAction::USER, "");
   exception.setOrigin(origin, line);
@@ -28,33 +28,34 @@ constexpr const char* kAllocate = "VelClMemoryPool::allocate";
   throw exception;
 }
 
-constexpr size_t kMost = std::numeric_limits<size_t>::max();
+constexpr size_t kMaxSize = std::numeric_limits<size_t>::max();
 
 /// The alignment, which must be a power of two.
-size_t checked(size_t alignment, const char* origin, unsigned int line) {
-  if (!std::has_single_bit(alignment)) throwTooBig(VelEnErrorClass::INVALID_DATA, origin, line);
+size_t checkedAlignment(size_t alignment, const char* origin, unsigned int line) {
+  if (!std::has_single_bit(alignment)) throwChunkTooBig(VelEnErrorClass::INVALID_DATA, origin, line);
   return alignment;
 }
 
 /// With what it takes to begin at a multiple of the alignment; a size that cannot be had when there is none.
-size_t sizeToOwn(size_t size, size_t alignment) {
-  return size > kMost - alignment ? kMost : size + alignment;
+size_t paddedSize(size_t size, size_t alignment) {
+  return size > kMaxSize - alignment ? kMaxSize : size + alignment;
 }
 
 /// The nearest multiple, which is below only when there is none above.
-size_t roundedUp(size_t size, size_t alignment) {
-  return (size > kMost - alignment ? size : size + alignment - 1) & ~(alignment - 1);
+size_t roundUp(size_t size, size_t alignment) {
+  return (size > kMaxSize - alignment ? size : size + alignment - 1) & ~(alignment - 1);
 }
 
 }  // namespace
 
 VelClMemoryPoolBlock::VelClMemoryPoolBlock(size_t size, size_t alignment)
-    : owned_(VelClMemoryManager::malloc(sizeToOwn(size, checked(alignment, kBlockConstructor, __LINE__)))),
+    : owned_(VelClMemoryManager::malloc(
+          paddedSize(size, checkedAlignment(alignment, kBlockConstructor, __LINE__)))),
       begin_(static_cast<char*>(owned_)),
       size_(size),
       next_(nullptr) {
-  const size_t beyond = reinterpret_cast<std::uintptr_t>(owned_) % alignment;
-  if (beyond != 0) begin_ += alignment - beyond;
+  const size_t misalignment = reinterpret_cast<std::uintptr_t>(owned_) % alignment;
+  if (misalignment != 0) begin_ += alignment - misalignment;
 }
 
 VelClMemoryPoolBlock::~VelClMemoryPoolBlock() {
@@ -69,9 +70,9 @@ VelClMemoryPool::VelClMemoryPool(size_t blockSize, size_t alignment)
       first_(nullptr),
       current_(nullptr),
       blockCount_(0) {
-  if (checked(alignment, kConstructor, __LINE__) > kMaxAlignment)
-    throwTooBig(VelEnErrorClass::INVALID_DATA, kConstructor, __LINE__);
-  blockSize_ = roundedUp(blockSize, alignment);
+  if (checkedAlignment(alignment, kConstructor, __LINE__) > kMaxAlignment)
+    throwChunkTooBig(VelEnErrorClass::INVALID_DATA, kConstructor, __LINE__);
+  blockSize_ = roundUp(blockSize, alignment);
 }
 
 VelClMemoryPool::~VelClMemoryPool() {
@@ -80,7 +81,7 @@ VelClMemoryPool::~VelClMemoryPool() {
 
 /// Moves on to a block that reset kept, or takes a new one.
 void VelClMemoryPool::openBlockFor(size_t size) {
-  if (size > blockSize_) throwTooBig(VelEnErrorClass::DATA_OUT_OF_BOUNDS, kAllocate, __LINE__);
+  if (size > blockSize_) throwChunkTooBig(VelEnErrorClass::DATA_OUT_OF_BOUNDS, kAllocate, __LINE__);
   VelClMemoryPoolBlock*& next = current_ == nullptr ? first_ : current_->next_;
   if (next == nullptr) {
     try {

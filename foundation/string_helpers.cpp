@@ -14,7 +14,7 @@ bool equalInLowerCase(char a, char b) noexcept {
 }
 
 /// The characters that count as the same; false when there are more than two.
-bool findChoice(char c, vel::ByteChoice& choice) noexcept {
+bool findCaseVariants(char c, vel::ByteChoice& choice) noexcept {
   int count = 0;
   for (int byte = 1; byte < 256; ++byte) {
     if (!equalInLowerCase(static_cast<char>(byte), c)) continue;
@@ -25,31 +25,31 @@ bool findChoice(char c, vel::ByteChoice& choice) noexcept {
 }
 
 /// Passes over parts of a text in which a pattern's first two characters do not stand side by side.
-class StartFinder {
+class CandidateFinder {
  public:
-  explicit StartFinder(const char* pattern) noexcept : first_{}, second_{} {
+  explicit CandidateFinder(const char* pattern) noexcept : first_{}, second_{} {
     distance_ = pattern[1] == '\0' ? 0 : 1;
-    usable_ = findChoice(*pattern, first_) && findChoice(pattern[distance_], second_);
+    isUsable_ = findCaseVariants(*pattern, first_) && findCaseVariants(pattern[distance_], second_);
   }
 
   /// The next place where the search, which is to compare `start` with the pattern's first character, will do
   /// so again: where they stand, or near the end.
   const char* find(const char* start, const char* end) const noexcept {
-    if (!usable_) return start;
+    if (!isUsable_) return start;
     const vel::BytePair pair(first_, second_, distance_);
     const char* block = start;
     for (; end - block > static_cast<std::ptrdiff_t>(vel::kBytesAtOnce); block += vel::kBytesAtOnce) {
       const char* const place =
-          pair.find(block, [&](const char* candidate) { return isCompared(start, candidate); });
+          pair.find(block, [&](const char* candidate) { return isComparedWithStart(start, candidate); });
       if (place != nullptr) return place;
     }
-    const bool isMismatch = block != start && first_.has(block[-1]) && isCompared(start, block - 1);
-    return isMismatch ? block + 1 : block;
+    const bool wasMismatch = block != start && first_.has(block[-1]) && isComparedWithStart(start, block - 1);
+    return wasMismatch ? block + 1 : block;
   }
 
  private:
   /// Of characters like the first one in a row, every second is only the mismatch of the one before.
-  bool isCompared(const char* start, const char* place) const noexcept {
+  bool isComparedWithStart(const char* start, const char* place) const noexcept {
     const char* row = place;
     while (row != start && first_.has(row[-1])) --row;
     return (place - row) % 2 == 0;
@@ -58,19 +58,19 @@ class StartFinder {
   vel::ByteChoice first_;
   vel::ByteChoice second_;
   std::size_t distance_;
-  bool usable_;
+  bool isUsable_;
 };
 
-class CaselessSearch {
+class CaseInsensitiveSearch {
  public:
-  CaselessSearch(const char* text, const char* pattern) noexcept
+  CaseInsensitiveSearch(const char* text, const char* pattern) noexcept
       : text_(text), pattern_(pattern), expected_(pattern) {}
 
   const char* find() noexcept {
     // For a short text it does not pay to find out which characters count as the same.
     constexpr int kShortText = 512;
     for (int i = 0; i < kShortText || expected_ != pattern_; ++i) {
-      if (isFound()) return place();
+      if (isFound()) return matchStart();
       if (*text_ == '\0') return nullptr;
       step();
     }
@@ -79,18 +79,18 @@ class CaselessSearch {
 
  private:
   const char* findInLongText() noexcept {
-    const StartFinder starts(pattern_);
+    const CandidateFinder candidates(pattern_);
     const char* const end = text_ + std::strlen(text_);
     while (!isFound()) {
-      if (expected_ == pattern_) text_ = starts.find(text_, end);
+      if (expected_ == pattern_) text_ = candidates.find(text_, end);
       if (text_ == end) return nullptr;
       step();
     }
-    return place();
+    return matchStart();
   }
 
   bool isFound() const noexcept { return *expected_ == '\0'; }
-  const char* place() const noexcept { return text_ - (expected_ - pattern_); }
+  const char* matchStart() const noexcept { return text_ - (expected_ - pattern_); }
   void step() noexcept {
     // A mismatching character is not compared with the pattern's start again. Keep.
     expected_ = equalInLowerCase(*text_, *expected_) ? expected_ + 1 : pattern_;
@@ -105,7 +105,8 @@ class CaselessSearch {
 }  // namespace
 
 char* velStrFind(const char* text, const char* pattern, bool ignoreCase) {
-  return const_cast<char*>(ignoreCase ? CaselessSearch(text, pattern).find() : std::strstr(text, pattern));
+  return const_cast<char*>(ignoreCase ? CaseInsensitiveSearch(text, pattern).find()
+                                      : std::strstr(text, pattern));
 }
 
 unsigned int velStrCount(const char* text, char c) {
