@@ -1,4 +1,9 @@
-// Names of temporary files, temporary files themselves, and names of backup copies.
+// Generates the names of temporary files and of backup copies, and creates temporary files. The form of the
+// names is tmp_name_generator.cpp's work.
+//
+// VelClTmpFilename only finds a name that is free at that moment; another process can create a file of the
+// same name before the program does. velTmpFileCreate has no such gap: it creates the file in the same step,
+// and fails if the name exists, even as a link.
 #include <cerrno>
 #include <cstring>
 
@@ -51,13 +56,15 @@ int velTmpFileCreate(const char* directory, const char* prefix, char* name) {
     const char* const candidate = names.next();
     const VelClFilename file(VelClLocation(directory != nullptr ? directory : velGetTmpDirectory(), false),
                              candidate, nullptr);
-    // A name that was cut may be anybody's, and one with a separator or colon is no name in the directory.
+    // Refuse a joined name that was cut, because it may be that of another file, and a prefix with a
+    // separator or colon, because the file would be created elsewhere.
     if (std::strcmp(file.getName(), candidate) != 0 || std::strpbrk(candidate, "/\\:") != nullptr) return -1;
     int descriptor = -1;
     const vel::platform::SystemError error =
         vel::platform::createExclusively(file.getAsCString(), descriptor);
     if (error == 0) vel::filesys::copyBounded(name, file.getAsCString(), file.getLength());
     if (error == 0) return descriptor;
+    // Only a name that is in use is worth a retry; any other failure would occur again.
     if (error != EEXIST || !retries.mayRetry(candidate)) return -1;
   }
 }

@@ -1,4 +1,4 @@
-// Draws names for temporary files; whether one is free is the caller's question.
+// Generates names for temporary files. Whether a name is free is for the caller to find out.
 #pragma once
 
 #include <cstddef>
@@ -8,15 +8,17 @@
 
 namespace vel::filesys {
 
+/// Generates random names in a fixed form; not thread-safe.
 class TmpNameGenerator {
  public:
-  /// Prefix and random characters, a dot, and three digits.
+  /// The length of a name: eight characters, which are the prefix and random ones, a dot, and three digits.
   static constexpr std::size_t kLength = 12;
 
-  /// Null counts as "". Seeded by the system's milliseconds.
+  /// Uses the first 5 characters of `prefix`; null counts as "". Seeded by the system's tick count in
+  /// milliseconds.
   explicit TmpNameGenerator(const char* prefix);
 
-  /// The next name, owned by the object.
+  /// Returns the next name, owned by the object and valid until the next call.
   const char* next();
 
  private:
@@ -25,11 +27,11 @@ class TmpNameGenerator {
   char text_[kLength + 1];
 };
 
-/// Ends a search whose names come round again: it counts how often the first one does. With few random
-/// characters every possible name has been tried by then, as good as certainly.
+/// Bounds the retry loop: gives up once the first name has come up 16 times more, by when every possible name
+/// has almost certainly been tried. With few random characters, names repeat soon.
 class RetryLimit {
  public:
-  /// False when the first text has come too often.
+  /// Call with each name that is in use. Returns false when the first of them has come up too often.
   bool mayRetry(const char* text);
 
  private:
