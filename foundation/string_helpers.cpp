@@ -1,4 +1,14 @@
-// Searching, counting and copying characters.
+// Searches, counts and copies characters of NUL-terminated strings. Searching many texts for one pattern is
+// util/string_search.cpp's work.
+//
+// The case-insensitive search has no backtracking. It walks the text once with a position in the pattern; a
+// mismatch resets the position to the start, and the mismatching character is consumed:
+//
+//   pattern "ab"   text "xaab"    x  a=a  a!=b  b!=a    not found
+//                  text "aaab"    a=a  a!=b  a=a  b=b   found at 2
+//
+// Long texts are first scanned in blocks for the pattern's first two characters; it may only skip
+// to positions that the walk would compare with the pattern's start, or the results would differ.
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
@@ -13,7 +23,8 @@ bool equalInLowerCase(char a, char b) noexcept {
   return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
 }
 
-/// The characters that count as the same; false when there are more than two.
+/// Finds the bytes that equal `c` in lower case. Returns false if there are more than two, as a locale
+/// may have; the block scan cannot be used then.
 bool findCaseVariants(char c, vel::ByteChoice& choice) noexcept {
   int count = 0;
   for (int byte = 1; byte < 256; ++byte) {
@@ -24,7 +35,8 @@ bool findCaseVariants(char c, vel::ByteChoice& choice) noexcept {
   return count == 1 || count == 2;
 }
 
-/// Passes over parts of a text in which a pattern's first two characters do not stand side by side.
+/// Skips parts of a text that do not contain the pattern's first two characters side by side (or its only
+/// character).
 class CandidateFinder {
  public:
   explicit CandidateFinder(const char* pattern) noexcept : first_{}, second_{} {
@@ -32,8 +44,9 @@ class CandidateFinder {
     isUsable_ = findCaseVariants(*pattern, first_) && findCaseVariants(pattern[distance_], second_);
   }
 
-  /// The next place where the search, which is to compare `start` with the pattern's first character, will do
-  /// so again: where they stand, or near the end.
+  /// Returns the next position where the walk may find the pattern and compares with its start: a candidate,
+  /// or a position at most one block before the end (`start` if the locale rules out the scan). The walk
+  /// compares `start` itself with the pattern's start.
   const char* find(const char* start, const char* end) const noexcept {
     if (!isUsable_) return start;
     const vel::BytePair pair(first_, second_, distance_);
@@ -43,12 +56,16 @@ class CandidateFinder {
           pair.find(block, [&](const char* candidate) { return isComparedWithStart(start, candidate); });
       if (place != nullptr) return place;
     }
+    // The last character scanned may have matched the first one; the walk consumes the next as its mismatch.
     const bool wasMismatch = block != start && first_.has(block[-1]) && isComparedWithStart(start, block - 1);
     return wasMismatch ? block + 1 : block;
   }
 
  private:
-  /// Of characters like the first one in a row, every second is only the mismatch of the one before.
+  /// Whether the walk compares `place` with the pattern's start. In a run of characters that equal the first
+  /// one, the walk matches one and consumes the next as its mismatch, so only those at an even distance from
+  /// the run's beginning count. (If the second character equals the first, the run's beginning is a
+  /// candidate.)
   bool isComparedWithStart(const char* start, const char* place) const noexcept {
     const char* row = place;
     while (row != start && first_.has(row[-1])) --row;
@@ -61,13 +78,15 @@ class CandidateFinder {
   bool isUsable_;
 };
 
+/// The walk described at the top of this file.
 class CaseInsensitiveSearch {
  public:
   CaseInsensitiveSearch(const char* text, const char* pattern) noexcept
       : text_(text), pattern_(pattern), expected_(pattern) {}
 
   const char* find() noexcept {
-    // For a short text it does not pay to find out which characters count as the same.
+    // Finding the case variants compares 255 characters, which does not pay off for a short text. The walk
+    // changes over only between two attempts.
     constexpr int kShortText = 512;
     for (int i = 0; i < kShortText || expected_ != pattern_; ++i) {
       if (isFound()) return matchStart();
@@ -92,14 +111,15 @@ class CaseInsensitiveSearch {
   bool isFound() const noexcept { return *expected_ == '\0'; }
   const char* matchStart() const noexcept { return text_ - (expected_ - pattern_); }
   void step() noexcept {
-    // A mismatching character is not compared with the pattern's start again. Keep.
+    // Intentional: a mismatching character is consumed and not compared with the pattern's start; the
+    // documented result is that of this walk, which misses "ab" in "aab".
     expected_ = equalInLowerCase(*text_, *expected_) ? expected_ + 1 : pattern_;
     ++text_;
   }
 
   const char* text_;
   const char* pattern_;
-  const char* expected_;  ///< in the pattern, what the next character is compared with
+  const char* expected_;  ///< position in the pattern to compare the next character with
 };
 
 }  // namespace
