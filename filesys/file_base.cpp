@@ -22,8 +22,8 @@ using vel::filesys::PathText;
 
 namespace {
 
-// Room for the current directory and a whole path after it: the sum may exceed the limit for a while, as ".."
-// shortens it again.
+// Room for the current directory and a whole path after it: the sum may exceed the limit until ".." shortens
+// it again.
 using Expansion = PathText<2 * kMaxLength + 2>;
 
 // The state in which an expansion begins: the first `root` characters of `output` can never be removed by

@@ -7,8 +7,8 @@
 //   pattern "ab"   text "xaab"    x  a=a  a!=b  b!=a    not found
 //                  text "aaab"    a=a  a!=b  a=a  b=b   found at 2
 //
-// Long texts are first scanned in blocks for the pattern's first two characters; it may only skip
-// to positions that the walk would compare with the pattern's start, or the results would differ.
+// Long texts are scanned in blocks for the pattern's first two characters. The scan may only skip to
+// positions that the walk would compare with the pattern's start, or the results would differ.
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
@@ -67,9 +67,9 @@ class CandidateFinder {
   /// the run's beginning count. (If the second character equals the first, the run's beginning is a
   /// candidate.)
   bool isComparedWithStart(const char* start, const char* place) const noexcept {
-    const char* row = place;
-    while (row != start && first_.has(row[-1])) --row;
-    return (place - row) % 2 == 0;
+    const char* run = place;
+    while (run != start && first_.has(run[-1])) --run;
+    return (place - run) % 2 == 0;
   }
 
   vel::ByteChoice first_;
