@@ -11,8 +11,8 @@
 //             0.56...   * 100  = 56.0...      "56"
 //
 // The number of pairs is known before the first store, so that only the leading pair needs a decision (one
-// digit or two), and that one is made without a branch. The technique is Terje Mathisen's; J. E. Anhalt
-// published this form of it as the "jeaiii" conversion.
+// digit or two), and that one is made without a branch. The method is J. E. Anhalt's ("jeaiii"), explained
+// by J. Jeon in "Faster integer formatting" (2022).
 #include <bit>
 #include <cstddef>
 #include <cstdint>
