@@ -1,4 +1,6 @@
-// A directory by its absolute name. Emptying it is tree_removal.cpp's work.
+// Implements operations on a directory by its absolute name: creating, entering, changing the name level by
+// level, and removing. Removing the contents is tree_removal.cpp's work; the expansion of relative names is
+// in file_base.cpp.
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -17,22 +19,27 @@ using vel::filesys::PathText;
 
 namespace {
 
-// Room to see that a name is too long, after a directory of the full length.
+// Twice the limit: the name may follow a directory of the full length, and a name that is cut here would no
+// longer be recognised as too long.
 using WantedName = PathText<2 * kMaxLength + 2>;
 
-// Absolute names in slash style would lose their root with their style.
+// Returns the drive that has to precede the name. On systems where "/dir" is absolute, it would become a
+// relative name once its slashes are replaced.
 const char* driveFor(const char* name) {
   const VelClPathProperty property(name);
   return property.isStyleUNIX() && property.isAbsolute() ? platform::driveOfSlashNames() : "";
 }
 
-// A location chooses its separator before it is normalized, so that "C:/a/" ends with two. Keep.
-void endAsLocation(WantedName& name) {
+// Appends the separator of the name's style, as VelClLocation does.
+// Intentional: the separator is chosen before slashes are replaced; "C:/a/" is in the backslash style because
+// of its drive, so the documented result ends with two backslashes.
+void appendSeparator(WantedName& name) {
   const char separator = VelClPathProperty(name.text()).getPathSep();
   if (name.length() != 0 && name.last() != separator) name.append(separator);
 }
 
-// Normalizes behind the server part. False for a name that is too long.
+// Copies the name and replaces the slashes after its server and share. Returns false, without writing, for a
+// name that is too long.
 bool normalize(const WantedName& wanted, char* name) {
   if (wanted.length() > kMaxLength) return false;
   vel::filesys::copyBounded(name, wanted.text(), wanted.length());
@@ -40,18 +47,20 @@ bool normalize(const WantedName& wanted, char* name) {
   return true;
 }
 
+// Intentional: the documented class of a refusal is IO_STILL_IN_USE, whatever the reason for the refusal.
 VelEnErrorClass classOfFailedRemoval(platform::SystemError error) {
   return error == EACCES ? VelEnErrorClass::IO_STILL_IN_USE : VelEnErrorClass::IO_INVALID_NAME;
 }
 
-bool makeUnlessExistent(const char* path) {
+bool ensureDirectory(const char* path) {
   if (platform::entryExists(path)) return true;
   const platform::SystemError error = platform::makeDirectory(path);
-  // Somebody else may have been faster.
+  // Another thread or process may have created it since the check.
   return error == 0 || error == EEXIST;
 }
 
-// The times belong to the name without its separator, but for a root, which would not be one without it.
+// Removes the final separator, with which some systems refuse to report the times of a directory. A root
+// keeps it: "C:" is the drive's current directory and "" no directory.
 const char* withoutSeparator(const VelClLocation& name, PathText<>& text) {
   text.append(name.getAsCString());
   if (text.length() != 0 && !name.isRoot()) text.cutTo(text.length() - 1);
@@ -65,7 +74,7 @@ VelClDirectory::VelClDirectory() : VelClDirectory("") {}
 VelClDirectory::VelClDirectory(const char* name) : name_("", false) {
   WantedName wanted;
   wanted.append(textOrEmpty(name));
-  endAsLocation(wanted);
+  appendSeparator(wanted);
   setNewName(driveFor(wanted.text()), wanted.text());
 }
 
@@ -73,6 +82,8 @@ VelClDirectory::VelClDirectory(const VelClLocation& name) : VelClDirectory(name.
 
 VelClDirectory::~VelClDirectory() = default;
 
+// Joins both texts and makes the result absolute. A failure leaves the empty name, so that a later removal or
+// creation cannot affect a directory that the caller did not name.
 void VelClDirectory::setNewName(const char* begin, const char* rest) {
   WantedName wanted;
   wanted.append(begin);
@@ -139,17 +150,20 @@ unsigned int VelClDirectory::getNumOfSubDirs() const {
   return separators > 0 ? static_cast<unsigned int>(separators - 1) : 0;
 }
 
+// Creates the directories from the root down: each separator is replaced by a NUL for a moment, so that the
+// buffer holds the name of one level after the other. What was created stays when a later level fails.
 bool VelClDirectory::create() {
   if (name_.getLength() == 0) return fail(DIRECTORY_COULD_NOT_CREATE, VelEnErrorClass::IO_NOT_EXISTENT);
   char path[kMaxLength + 1];
   vel::filesys::copyBounded(path, getAsCString(), kMaxLength);
   const std::size_t root =
       static_cast<std::size_t>(name_.getPtrToPath() - getAsCString()) + (name_.hasDrive() ? 3 : 1);
-  // A server without a share has no path proper to begin in.
+  // The root itself cannot be created, so the loop begins after it. A server without a share has no path; the
+  // minimum keeps the loop within the name.
   for (char* end = path + std::min<std::size_t>(root, name_.getLength());
        (end = std::strchr(end, '\\')) != nullptr; *end++ = '\\') {
     *end = '\0';
-    if (!makeUnlessExistent(path)) return fail(DIRECTORY_COULD_NOT_CREATE, VelEnErrorClass::IO_NOT_EXISTENT);
+    if (!ensureDirectory(path)) return fail(DIRECTORY_COULD_NOT_CREATE, VelEnErrorClass::IO_NOT_EXISTENT);
   }
   return succeed();
 }
@@ -159,6 +173,7 @@ bool VelClDirectory::setAsCurrent() {
   return fail(DIRECTORY_COULD_NOT_CHANGE, VelEnErrorClass::IO_NOT_EXISTENT);
 }
 
+// "..\\" components of `sub` are resolved with the rest, so they lead up from this directory.
 void VelClDirectory::attachSubDir(const VelClLocation& sub) {
   setNewName(getAsCString(), sub.getPtrToPath());
 }
@@ -167,6 +182,7 @@ bool VelClDirectory::detachLastSubDir() {
   const char* const name = getAsCString();
   std::size_t length = name_.getLength();
   if (length == 0 || name_.isRoot()) return fail(DIRECTORY_COULD_NOT_DETACH, VelEnErrorClass::LOGIC);
+  // The name ends with a separator, which belongs to the level that is detached.
   do --length;
   while (length > 0 && name[length - 1] != '\\');
   name_ = VelClLocation(name, length, false);
@@ -184,6 +200,8 @@ bool VelClDirectory::remove() {
 }
 
 bool VelClDirectory::removeAll(bool withContents) {
+  // Whether contents are left shows when the directory itself is removed: systems refuse one that is not
+  // empty.
   if (withContents) vel::filesys::removeContents(getAsCString());
   const platform::SystemError error = platform::removeDirectory(getAsCString());
   return error == 0 ? succeed() : fail(DIRECTORY_COULD_NOT_REMOVE, classOfFailedRemoval(error));

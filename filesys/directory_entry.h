@@ -1,9 +1,11 @@
-// What the name of a directory's entry says about it.
+// The rule for names of sub-directories, which the walker and the removal of trees share.
 #pragma once
 
 namespace vel::filesys {
 
-/// ".cache" and "a.b" count neither as sub-directory nor as parent. Keep.
+/// Whether a directory of this name counts as a sub-directory.
+/// Intentional: a dot as first or second character excludes it. The documented result is false not only for
+/// "." and "..", but also for ".cache" and "a.b".
 inline bool isSubDirectoryName(const char* name) noexcept {
   return name[0] != '.' && name[0] != '\0' && name[1] != '.';
 }

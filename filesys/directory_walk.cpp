@@ -1,4 +1,5 @@
-// The public walk: a walker with the error record that it reports to.
+// Implements the walk that programs use: a directory walker together with the error record that it reports
+// to, and wildcard matching under the case rule of the directory's name.
 #include "vel_include/vel_filesys.h"
 #include "vel_include/vel_util.h"
 

@@ -1,4 +1,8 @@
-// One directory's entries, with what their names and attributes tell.
+// Lists the entries of one directory and answers queries about their names and attributes. The listing itself
+// is the platform's work.
+//
+// buffer_ holds the directory's name once, and name_ points to its end: each step overwrites only the entry's
+// name, so that the full name needs no joining.
 #include <cstring>
 
 #include "filesys/directory_entry.h"
@@ -19,6 +23,7 @@ VelClOSSDirectoryWalker::VelClOSSDirectoryWalker(const VelClLocation& directory,
       attributes_(0) {
   vel::filesys::copyBounded(buffer_, directory.getAsCString(), directory.getLength());
   platform::DirectoryHandle opened;
+  // The empty location is the current directory, which the systems know as ".".
   const char* const place = directory.getLength() != 0 ? directory.getAsCString() : ".";
   if (platform::openDirectory(place, platform::DirectoryLink::Follow, opened) == 0) search_ = opened.system;
   if (search_ == nullptr || !takeNext()) error_ = {DIRWALK_COULD_NOT_INIT, VelEnErrorClass::IO_PROBLEM};
@@ -28,6 +33,7 @@ VelClOSSDirectoryWalker::~VelClOSSDirectoryWalker() {
   close();
 }
 
+// Makes the walker invalid. The attributes are cleared so that all queries return false from then on.
 void VelClOSSDirectoryWalker::close() {
   platform::DirectoryHandle handle{search_, listed_};
   platform::closeDirectory(handle);
@@ -37,6 +43,8 @@ void VelClOSSDirectoryWalker::close() {
   *name_ = '\0';
 }
 
+// Copies the next entry into this object. The end of the listing closes the directory at once, so that a
+// finished walk does not keep it from being removed; it is not an error.
 bool VelClOSSDirectoryWalker::takeNext() {
   platform::DirectoryHandle handle{search_, listed_};
   platform::DirectoryEntry entry;
@@ -74,7 +82,8 @@ bool VelClOSSDirectoryWalker::isCurrentDirectory() const {
 }
 
 bool VelClOSSDirectoryWalker::isParentDirectory() const {
-  // "..x" counts, too. Keep.
+  // Intentional: the documented result is true for every directory whose name begins with "..", as "..x"
+  // does.
   return isDirectory() && name_[0] == '.' && name_[1] == '.';
 }
 

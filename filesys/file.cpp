@@ -1,4 +1,5 @@
-// A file by its name: questions, and the operations that leave their failure in the last error.
+// Implements queries and operations on a file by its name. Operations report failures through the last error;
+// copying and renaming themselves are the platform's work.
 #include <cerrno>
 #include <cstring>
 
@@ -13,6 +14,7 @@ namespace platform = vel::platform;
 
 namespace {
 
+// A rename that fails although the target does not exist counts as refused.
 VelEnErrorClass classOfFailedRename(const VelClFilenameABase& newName) {
   return newName.isExistent() ? VelEnErrorClass::IO_ALREADY_IN_USE : VelEnErrorClass::IO_PERMISSION_DENIED;
 }
@@ -80,6 +82,7 @@ void VelClFile::setReadOnly(bool readOnly) {
 unsigned long VelClFile::getFileSize() const {
   platform::EntryStatus status{};
   if (platform::statusOf(getAsCString(), status) != 0) return 0;
+  // Intentional: sizes wrap at 4 GB on every system, since unsigned long has 32 bits on Windows.
   return static_cast<std::uint32_t>(status.sizeInBytes);
 }
 
@@ -93,6 +96,7 @@ bool VelClFile::succeed() {
   return true;
 }
 
+// Equal names get an error of their own: a file copied to itself could be truncated before it is read.
 bool VelClFile::copyTo(const VelClFilenameABase& target, bool keepAttributes) {
   if (filename_ == target) return fail(FILE_COULD_NOT_COPY_SELF, VelEnErrorClass::INCONSISTENT_SITUATION);
   if (platform::copyFile(getAsCString(), target.getAsCString(), !keepAttributes) != 0)
@@ -118,15 +122,17 @@ bool VelClFile::renameAs(const VelClFilenameABase& newName) {
   return succeed();
 }
 
+// Tries the directories of a list such as "C:\\bin;D:\\tools" in turn. Empty entries are skipped; they do not
+// mean the current directory.
 bool VelClFile::determineFileInEnvVarPath(VelClFilename& file, const char* variableName) const {
   if (file.isExistent()) return true;
   const char* entry = VelClEnvironmentVariableQueryOnly(variableName).getValue();
   if (entry == nullptr) return false;
-  // A directory that splits the name anew must not cost the following ones its beginning.
+  // Join with the original name each time: a directory without a separator may re-split `file`.
   const VelClFilename wanted = file.getName();
   while (*(entry += std::strspn(entry, ";")) != '\0') {
     const std::size_t length = std::strcspn(entry, ";");
-    // Cut to the limit, a name could be found that nobody asked for.
+    // A joined name that is too long is skipped: cut to the limit, it could name another file.
     if (length + 1 + wanted.getLength() <= vel::filesys::kMaxLength) {
       vel::filesys::PathText<> directory;
       directory.append(entry, length);

@@ -1,4 +1,15 @@
-// What files and directories share: times by name, and the expansion of relative directory paths.
+// Implements the base of files and directories: times of an entry by its name, and the expansion of relative
+// directory paths.
+//
+// An expansion appends one component after the other to an output that begins with the root or the current
+// directory; ".." removes the last component again:
+//
+//   C:\a\b  +  ..\c\.\d\    the current directory and the path
+//   C:\a                   after ".."
+//   C:\a\c                 after "c", and after "."
+//   C:\a\c\d\              after "d" and the final separator
+//
+// Only the text is examined, not the file system, so a component may be missing or a link.
 #include <cstring>
 
 #include "filesys/path_text.h"
@@ -11,11 +22,13 @@ using vel::filesys::PathText;
 
 namespace {
 
-// Room for the current directory and a whole path behind it, since ".." may shorten the sum again.
+// Room for the current directory and a whole path after it: the sum may exceed the limit until ".." shortens
+// it again.
 using Expansion = PathText<2 * kMaxLength + 2>;
 
-// Where an expansion begins: `root` characters of `output` may never be dropped, and `kept`
-// characters of the caller's path stay in place in front of the output.
+// The state in which an expansion begins: the first `root` characters of `output` can never be removed by
+// "..", the first `kept` characters of the caller's path remain before the output, and `scan` is the first
+// component to resolve.
 struct ExpansionStart {
   Expansion output;
   std::size_t root = 0;
@@ -28,6 +41,7 @@ std::size_t rootLengthOf(const VelClPathProperty& directory) {
   return directory.hasDrive() ? 2 : 0;
 }
 
+// The final separator is removed, since each component brings one before it.
 bool startInCurrentDirectory(ExpansionStart& start) {
   char current[kMaxLength + 1];
   if (vel::platform::currentDirectory(current, sizeof current) != 0) return false;
@@ -41,7 +55,8 @@ bool determineStart(const VelClPathProperty& path, ExpansionStart& start) {
   const char* proper = path.getPtrToPath();
   start.scan = proper;
   if (path.isRelative()) return startInCurrentDirectory(start);
-  // "/:" looks like a drive, but nothing need follow it.
+  // "/:" looks like a drive as well, but need not have a third character; therefore the style is checked,
+  // too.
   if (path.hasDrive() && path.isStyleMSDOS() && !path.isUNC()) {
     start.kept = 2;
     start.scan = proper + 3;
@@ -53,6 +68,7 @@ bool determineStart(const VelClPathProperty& path, ExpansionStart& start) {
   return true;
 }
 
+// Removes the last component. Returns false where that would lead above the root.
 bool dropLastComponent(Expansion& output, std::size_t root) {
   if (output.length() <= root) return false;
   std::size_t length = output.length() - 1;
@@ -61,8 +77,9 @@ bool dropLastComponent(Expansion& output, std::size_t root) {
   return true;
 }
 
-// A component that merely ends in dots counts like "." or "..". Keep.
-bool takeComponent(Expansion& output, std::size_t root, const char* component, std::size_t length) {
+// Intentional: a component that merely ends in dots counts as "." or ".."; the documented result leaves out
+// "a." and goes up one level for "a..".
+bool resolveComponent(Expansion& output, std::size_t root, const char* component, std::size_t length) {
   const bool endsInDot = length >= 1 && component[length - 1] == '.';
   if (endsInDot && length >= 2 && component[length - 2] == '.') return dropLastComponent(output, root);
   if (endsInDot) return true;
@@ -71,10 +88,12 @@ bool takeComponent(Expansion& output, std::size_t root, const char* component, s
   return true;
 }
 
+// Resolves all components that end with a separator; text after the last separator is dropped. Returns false
+// above the root and for a result that is too long.
 bool expand(ExpansionStart& start) {
   const char* component = start.scan;
   while (const char* end = std::strchr(component, '\\')) {
-    if (!takeComponent(start.output, start.root, component, static_cast<std::size_t>(end - component)))
+    if (!resolveComponent(start.output, start.root, component, static_cast<std::size_t>(end - component)))
       return false;
     component = end + 1;
   }
@@ -82,6 +101,7 @@ bool expand(ExpansionStart& start) {
   return start.kept + start.output.length() <= kMaxLength;
 }
 
+// Returns the chosen time, or 0 if the entry cannot be examined.
 std::int64_t timeOf(const char* name, std::int64_t vel::platform::EntryStatus::*time) {
   vel::platform::EntryStatus status{};
   return vel::platform::statusOf(textOrEmpty(name), status) == 0 ? status.*time : 0;
@@ -95,7 +115,8 @@ VelClFileABase::~VelClFileABase() = default;
 
 bool VelClFileABase::isRelativePath(const char* path) {
   const VelClPathProperty property(path);
-  // Absolute paths that still need expansion count as relative. Keep.
+  // Intentional: absolute paths that contain ".\\" count as relative, because callers ask in order to know
+  // whether a path needs expansion.
   return property.isRelative() || std::strstr(property.getAsCString(), ".\\") != nullptr;
 }
 

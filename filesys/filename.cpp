@@ -1,11 +1,12 @@
-// Changing a file name part by part. Every text handed in may lie in the name itself.
+// Changes a file name part by part. Splitting it is filename_base.cpp's work. Every text passed in may be
+// part of the name itself, so a joined name is built in a buffer of its own before it replaces the old one.
 #include <cstring>
 
 #include "filesys/path_text.h"
 #include "vel_include/vel_filesys.h"
 
-using vel::filesys::PathText;
 using vel::textOrEmpty;
+using vel::filesys::PathText;
 
 VelClFilename::VelClFilename() = default;
 
@@ -41,7 +42,8 @@ void VelClFilename::setNewBaseName(const char* base) {
   init(VelClLocation(*this, false).getAsCString(), base, hasExtension() ? extension_ : nullptr);
 }
 
-// Only the text from the old extension on changes: of "tar.gz" both dots belong to the new extension.
+// Replaces only the text from the old extension on, without splitting the name again: after setting "tar.gz",
+// both dots belong to the extension.
 void VelClFilename::setNewExtension(const char* extension) {
   extension = textOrEmpty(extension);
   PathText<> changed;
@@ -61,7 +63,7 @@ void VelClFilename::setNewPath(const VelClLocation& location) {
   setNewPath(location.getAsCString());
 }
 
-// The style stays as the directory had it, and so does the place of the extension.
+// Keeps the style, which the remaining name alone could not show, and the position of the extension.
 void VelClFilename::removePath() {
   if (!hasPath()) return;
   const auto extensionOffset = extension_ - base_;
@@ -73,6 +75,8 @@ void VelClFilename::removePath() {
   extension_ = name_ + extensionOffset;
 }
 
+// The parts are not determined again, so the extension begins where it did: that of "a.txt.BAK" is
+// ".txt.BAK".
 void VelClFilename::appendBehindExtension(const char* text) {
   PathText<> appended;
   appended.append(name_);

@@ -1,5 +1,11 @@
-// A file name's parts: splitting, joining, comparing and copying them out. Changing single parts is
-// filename.cpp's work.
+// Splits a file name into its parts, joins, compares and copies them. Changing single parts is filename.cpp's
+// work; style, server and drive are found by path_property.cpp.
+//
+// The parts are pointers into one buffer:
+//
+//   \\server\share\dir\name.ext
+//   ^name_        ^path^base_
+//                          ^extension_; without an extension it points to the NUL
 #include <algorithm>
 #include <cstring>
 
@@ -16,13 +22,15 @@ using vel::filesys::PathText;
 namespace {
 
 const char* startOfLastComponent(const char* path) {
-  // One back-slash makes every "/" an ordinary character. Keep.
+  // Intentional: one backslash makes every "/" an ordinary character, as the name is then in backslash style.
   const char* separator = std::strrchr(path, '\\');
   if (separator == nullptr) separator = std::strrchr(path, '/');
   return separator != nullptr ? separator + 1 : path;
 }
 
-bool matchesBeginning(const char* a, const char* b, std::size_t length, bool caseSensitive) {
+// Case is folded in ASCII only, so that the result does not depend on the process's locale. A NUL in only one
+// of the texts is a difference, which ends the loop before it reads past it.
+bool matchesPrefix(const char* a, const char* b, std::size_t length, bool caseSensitive) {
   for (std::size_t i = 0; i < length; ++i) {
     const bool equal = caseSensitive ? a[i] == b[i] : vel::toAsciiUpper(a[i]) == vel::toAsciiUpper(b[i]);
     if (!equal) return false;
@@ -34,7 +42,9 @@ void copyPart(char* out, const char* begin, const char* end) {
   vel::filesys::copyBounded(out, begin, static_cast<std::size_t>(end - begin));
 }
 
-// Characters since the last separator are counted; the ones behind the dot are not looked at. Keep.
+// Whether every component before the extension has the 8.3 form.
+// Intentional: the documented result does not depend on the characters of the extension, which are not
+// checked.
 bool hasFat83Components(const char* begin, const char* end) {
   int count = 0;
   for (const char* c = begin; c < end; ++c) {
@@ -69,6 +79,7 @@ VelClFilenameABase& VelClFilenameABase::operator=(const VelClFilenameABase& othe
   return *this;
 }
 
+// Copies the text and rebases all pointers to this object's buffer.
 void VelClFilenameABase::copyFrom(const VelClFilenameABase& other) {
   std::memcpy(name_, other.name_, sizeof name_);
   rebase(other, name_);
@@ -90,6 +101,7 @@ void VelClFilenameABase::init(const char* text, size_t length) {
 void VelClFilenameABase::init(const char* path, const char* name, const char* extension) {
   PathText<> joined;
   joined.append(textOrEmpty(path));
+  // The directory alone decides the separator; the name's style does not count.
   const char separator = VelClPathProperty(joined.text()).getPathSep();
   if (joined.length() != 0 && joined.last() != separator) joined.append(separator);
   joined.append(textOrEmpty(name));
@@ -111,13 +123,15 @@ bool VelClFilenameABase::operator==(const VelClFilenameABase& other) const {
 }
 
 bool VelClFilenameABase::matchesPath(const VelClFilenameABase& other) const {
-  return matchesBeginning(getPtrToPath(), other.getPtrToPath(),
-                          static_cast<std::size_t>(base_ - getPtrToPath()), isCaseSensitive());
+  return matchesPrefix(getPtrToPath(), other.getPtrToPath(), static_cast<std::size_t>(base_ - getPtrToPath()),
+                       isCaseSensitive());
 }
 
+// Compares over the longer length, so that a base name that is only a prefix of the other one differs: the
+// shorter one's dot or NUL is compared as well.
 bool VelClFilenameABase::matchesBase(const VelClFilenameABase& other) const {
   const auto length = std::max(extension_ - base_, other.extension_ - other.base_);
-  return matchesBeginning(base_, other.base_, static_cast<std::size_t>(length), isCaseSensitive());
+  return matchesPrefix(base_, other.base_, static_cast<std::size_t>(length), isCaseSensitive());
 }
 
 bool VelClFilenameABase::matchesExtension(const char* extension) const {

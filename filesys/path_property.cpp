@@ -1,5 +1,6 @@
-// What a name's text alone tells: style, network server and share, drive, absolute or not. Splitting
-// into directory, base name and extension is filename_base.cpp's work.
+// Determines the properties of a name from its text alone: style, network server and share, drive, absolute
+// or relative. Splitting into directory, base name and extension is filename_base.cpp's work. These rules are
+// the same on every system; the file system is never asked.
 #include <algorithm>
 #include <cstring>
 
@@ -13,7 +14,8 @@ bool beginsAsNetworkName(const char* text) {
   return text[0] == '\\' && text[1] == '\\';
 }
 
-// Behind server and share, or the start of a text without them.
+// Returns the position after server and share ("\\\\server\\share"), or the start of a text without them. The
+// server has at least one character; a share is what follows the next backslash, even if it is empty.
 const char* pathProperOf(const char* text) {
   if (!beginsAsNetworkName(text) || text[2] == '\0') return text;
   const char* share = std::strchr(text + 3, '\\');
@@ -22,6 +24,8 @@ const char* pathProperOf(const char* text) {
   return path != nullptr ? path : share + std::strlen(share);
 }
 
+// A drive or a single backslash decides for the backslash style, since neither occurs in ordinary names of
+// the slash style.
 bool isSlashStyle(const char* path) {
   if (vel::isAsciiLetter(path[0]) && path[1] == ':') return false;
   return std::strchr(path, '\\') == nullptr && std::strchr(path, '/') != nullptr;
@@ -41,6 +45,7 @@ void VelClPathProperty::init(const char* text) {
   style_ = isSlashStyle(path_) ? UNIX : MSDOS;
 }
 
+// `text` is a copy of the other object's text at another address, so only the offset of the path is kept.
 void VelClPathProperty::rebase(const VelClPathProperty& other, const char* text) {
   path_ = text + (other.path_ - other.text_);
   style_ = other.style_;
@@ -54,7 +59,7 @@ bool VelClPathProperty::hasDrive() const {
 bool VelClPathProperty::isAbsolute() const {
   if (isUNC()) return true;
   if (isStyleUNIX()) return path_[0] == '/';
-  // "\\dir" lacks the drive. Keep.
+  // Intentional: "\\dir" counts as relative, since it depends on the current drive.
   return hasDrive() && path_[2] == '\\';
 }
 

@@ -1,4 +1,4 @@
-// Texts of names under the length limit: the one owner of cutting them.
+// Copies and builds names under the length limit. Names are cut here and nowhere else.
 #pragma once
 
 #include <algorithm>
@@ -10,10 +10,12 @@
 
 namespace vel::filesys {
 
+/// In characters, without the NUL.
 inline constexpr std::size_t kMaxLength = VEL_MAX_PATH_LENGTH;
 
-/// Copies at most `length` and never more than 260 characters into a buffer of 261, which `text` may
-/// lie in. Returns the length of the copy.
+/// Copies at most `length` and never more than 260 characters into a buffer of 261, and a NUL. `text` may be
+/// part of the buffer, need not be NUL-terminated within `length`, and null counts as "". Returns the length
+/// of the copy.
 inline std::size_t copyBounded(char* buffer, const char* text, std::size_t length) noexcept {
   const std::size_t copied = text != nullptr ? boundedLength(text, std::min(length, kMaxLength)) : 0;
   if (copied != 0) std::memmove(buffer, text, copied);
@@ -21,13 +23,14 @@ inline std::size_t copyBounded(char* buffer, const char* text, std::size_t lengt
   return copied;
 }
 
-/// A name under construction, apart from the texts that it is made of. Whatever exceeds the
-/// capacity is cut.
+/// Builds a name in a buffer of its own, so that its parts may come from the name that it will replace. Text
+/// that exceeds the capacity is cut.
 template <std::size_t kCapacity = kMaxLength>
 class PathText {
  public:
   const char* text() const noexcept { return text_; }
   std::size_t length() const noexcept { return length_; }
+  /// The last character, or NUL in an empty name.
   char last() const noexcept { return length_ != 0 ? text_[length_ - 1] : '\0'; }
 
   void append(const char* text, std::size_t length) noexcept {
@@ -37,6 +40,7 @@ class PathText {
   }
   void append(const char* text) noexcept { append(text, std::strlen(text)); }
   void append(char c) noexcept { append(&c, 1); }
+  /// Shortens the name; `length` must not exceed the present one.
   void cutTo(std::size_t length) noexcept {
     length_ = length;
     text_[length] = '\0';

@@ -1,4 +1,5 @@
-// Where scratch files go.
+// Finds the directory for scratch files. The variables are read as settings, which a program with more rights
+// than its caller ignores: the caller must not choose where such a program writes.
 #include <initializer_list>
 
 #include "platform/environment.h"

@@ -1,15 +1,20 @@
-// Names of temporary files, temporary files themselves, and names of backup copies.
+// Generates the names of temporary files and of backup copies, and creates temporary files. The form of the
+// names is tmp_name_generator.cpp's work.
+//
+// VelClTmpFilename only finds a name that is free at that moment; another process can create a file of the
+// same name before the program does. velTmpFileCreate has no such gap: it creates the file in the same step,
+// and fails if the name exists, even as a link.
 #include <cerrno>
 #include <cstring>
 
 #include "filesys/path_text.h"
-#include "filesys/tmp_name.h"
+#include "filesys/tmp_name_generator.h"
 #include "platform/files.h"
 #include "platform/system_error.h"
 #include "vel_include/vel_filesys.h"
 
-using vel::filesys::Repetitions;
-using vel::filesys::TmpName;
+using vel::filesys::RetryLimit;
+using vel::filesys::TmpNameGenerator;
 
 namespace {
 
@@ -37,28 +42,30 @@ VelClTmpFilename::VelClTmpFilename(const VelClFilename& model, const char* prefi
 
 void VelClTmpFilename::initPrefix(const char* prefix) {
   const VelClLocation directory(*this, false);
-  TmpName names(prefix);
-  Repetitions repetitions;
-  do setNew(directory, names.draw());
-  while (isExistent() && repetitions.mayGoOn(getAsCString()));
+  TmpNameGenerator names(prefix);
+  RetryLimit retries;
+  do setNew(directory, names.next());
+  while (isExistent() && retries.mayRetry(getAsCString()));
 }
 
 int velTmpFileCreate(const char* directory, const char* prefix, char* name) {
   *name = '\0';
-  TmpName names(prefix != nullptr ? prefix : kPrefix);
-  Repetitions repetitions;
+  TmpNameGenerator names(prefix != nullptr ? prefix : kPrefix);
+  RetryLimit retries;
   for (;;) {
-    const char* const drawn = names.draw();
+    const char* const candidate = names.next();
     const VelClFilename file(VelClLocation(directory != nullptr ? directory : velGetTmpDirectory(), false),
-                             drawn, nullptr);
-    // A name that was cut may be anybody's, and one with a separator or colon is no name in the directory.
-    if (std::strcmp(file.getName(), drawn) != 0 || std::strpbrk(drawn, "/\\:") != nullptr) return -1;
+                             candidate, nullptr);
+    // Refuse a joined name that was cut, because it may be that of another file, and a prefix with a
+    // separator or colon, because the file would be created elsewhere.
+    if (std::strcmp(file.getName(), candidate) != 0 || std::strpbrk(candidate, "/\\:") != nullptr) return -1;
     int descriptor = -1;
     const vel::platform::SystemError error =
         vel::platform::createExclusively(file.getAsCString(), descriptor);
     if (error == 0) vel::filesys::copyBounded(name, file.getAsCString(), file.getLength());
     if (error == 0) return descriptor;
-    if (error != EEXIST || !repetitions.mayGoOn(drawn)) return -1;
+    // Only a name that is in use is worth a retry; any other failure would occur again.
+    if (error != EEXIST || !retries.mayRetry(candidate)) return -1;
   }
 }
 

@@ -1,12 +1,13 @@
-// Removes what is in a directory and below it.
+// Removes the contents of a directory, recursively.
 #pragma once
 
 namespace vel::filesys {
 
-/// Empties the directory up to the first entry that cannot be removed. Links are never followed: they are
-/// removed themselves, and one in the place of `directory` is left as it is. Directories whose names
-/// isSubDirectoryName rejects stay, with their contents, and so do the contents of a root: of this process,
-/// on Windows of the drive, and of the share that the name begins with.
+/// Removes entries until one cannot be removed. Links are never followed: they are removed themselves, but a
+/// link in the place of `directory` stays unchanged. Not removed are directories whose names
+/// isSubDirectoryName rejects, with their contents, and the contents of a root: that of this process, on
+/// Windows that of the drive, and that of the share in the name. Failures are not reported; they show when
+/// the directory itself is removed.
 void removeContents(const char* directory) noexcept;
 
 }  // namespace vel::filesys

@@ -1,5 +1,5 @@
-// The memory manager in the forms that the rest of the library allocates through: a standard
-// allocator, owning pointers, and objects made in managed memory.
+// The rest of the library allocates through these forms of the memory manager: an allocator for standard
+// containers, owning pointers, and a pair of functions for single objects.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +14,7 @@
 
 namespace vel {
 
-/// Lets standard containers obey the host's memory manager.
+/// A standard allocator, so that containers use the memory manager that the host program installed.
 template <typename T>
 struct Allocator {
   using value_type = T;
@@ -39,13 +39,14 @@ using String = std::basic_string<char, std::char_traits<char>, Allocator<char>>;
 template <typename T>
 using Vector = std::vector<T, Allocator<T>>;
 
+/// The deleter of memory that the manager allocated; runs no destructor.
 struct FreeBlock {
   void operator()(void* block) const noexcept { VelClMemoryManager::free(block); }
 };
-/// Owns a terminated text.
+/// Owns a NUL-terminated string.
 using OwnedText = std::unique_ptr<char[], FreeBlock>;
 
-/// A copy of the first `length` characters, terminated.
+/// Returns a NUL-terminated copy of the first `length` characters.
 inline OwnedText copyText(const char* text, std::size_t length) {
   OwnedText copy(static_cast<char*>(VelClMemoryManager::malloc(length + 1)));
   std::memcpy(copy.get(), text, length);
@@ -53,10 +54,11 @@ inline OwnedText copyText(const char* text, std::size_t length) {
   return copy;
 }
 
-/// A block that goes back to the memory manager unless it is released.
+/// Owns a block of memory without type.
 using OwnedBlock = std::unique_ptr<void, FreeBlock>;
 
-/// Makes an object in managed memory; destroy takes it back.
+/// Constructs an object in managed memory; pass it to destroy(). If the constructor throws, the memory is
+/// freed.
 template <typename T, typename... Arguments>
 T* create(Arguments&&... arguments) {
   OwnedBlock block(VelClMemoryManager::malloc(sizeof(T)));
@@ -65,6 +67,7 @@ T* create(Arguments&&... arguments) {
   return object;
 }
 
+/// Destructs the object and frees its memory; null is ignored.
 template <typename T>
 void destroy(T* object) noexcept {
   if (object == nullptr) return;
@@ -72,13 +75,14 @@ void destroy(T* object) noexcept {
   VelClMemoryManager::free(object);
 }
 
+/// The deleter of objects that create() returned.
 struct DestroyObject {
   template <typename T>
   void operator()(T* object) const noexcept {
     destroy(object);
   }
 };
-/// Owns what create made.
+/// Owns an object that create() returned.
 template <typename T>
 using OwnedObject = std::unique_ptr<T, DestroyObject>;
 

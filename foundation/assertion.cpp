@@ -1,5 +1,6 @@
-// The report of a failed assertion. It is the library's last resort: it allocates nothing, throws nothing
-// and never returns.
+// Reports a failed assertion on standard error, shows it in a window where the system has one, and aborts the
+// process. The heap may be what is broken, so the report is built on the stack: nothing here allocates,
+// throws or returns. How the window is shown is the platform's work.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -14,7 +15,8 @@
 
 namespace {
 
-/// The texts that make up the report, which are the caller's: copying all of them would take memory.
+/// The report as a list of borrowed strings. Their lengths have no limit, so copying them into one text would
+/// need the heap; the two outputs, stream and window, take the list as it is.
 class Report {
  public:
   Report& operator<<(const char* text) noexcept {
@@ -25,23 +27,24 @@ class Report {
   std::size_t count() const noexcept { return count_; }
 
  private:
-  const char* pieces_[16];  ///< as many as `build` adds at most
+  const char* pieces_[16];  ///< the most that `buildReport` adds
   std::size_t count_ = 0;
 };
 
+/// A number as text; owns the characters that the report refers to.
 struct Decimal {
   char text[24];
   explicit Decimal(long long value) noexcept { std::snprintf(text, sizeof text, "%lld", value); }
 };
 
-/// The numbers must live as long as the report.
-void build(Report& report, const char* expression, const char* module, const Decimal& line,
-           const Decimal& process, const char* function, const char* message) noexcept {
-  // "OCCURED" is the report's established spelling. Keep.
+/// Fills the report. It only keeps pointers, so all arguments must outlive it.
+void buildReport(Report& report, const char* expression, const char* module, const Decimal& line,
+                 const Decimal& process, const char* function, const char* message) noexcept {
+  // Intentional: "OCCURED" is the established spelling, which searches of logs rely on.
   report << "\n*** INTERNAL ERROR OCCURED ***\n";
   if (message != nullptr) {
     report << "*** " << message << " ***\n";
-    // Only together with a message. Keep.
+    // Intentional: the function is reported only together with a message; vel__assert passes neither.
     if (function != nullptr) report << "***         FUNCTION: " << function << "\n";
   }
   report << "*** ASSERTION FAILED: " << vel::textOrEmpty(expression);
@@ -50,7 +53,8 @@ void build(Report& report, const char* expression, const char* module, const Dec
   report << "\n***       PROCESS ID: " << process.text << "\n\n";
 }
 
-/// Writes to standard error: short reports at once, so that other threads' output does not come between.
+/// Buffers the report and writes it to standard error in one piece if it fits in 4 KB, so that the output of
+/// other threads does not get between its lines. A longer report is written in pieces of that size.
 class ErrorOutput {
  public:
   ~ErrorOutput() { flush(); }
@@ -82,11 +86,13 @@ void write(const Report& report) noexcept {
   output.append("\n");
 }
 
-/// Only the process's first assertion asks the environment; every later one shows the window. Keep.
+/// Whether this assertion may show the window.
+/// Intentional: only the first assertion of the process reads VEL_NO_ASSERT_POPUP. A later one, from another
+/// thread while the first is being reported, shows the window whatever the variable says.
 bool mayShowWindow() noexcept {
-  static bool asked = false;
-  if (asked) return true;
-  asked = true;
+  static bool wasAsked = false;
+  if (wasAsked) return true;
+  wasAsked = true;
   return !vel::isEnabledValue(vel::platform::settingValue("VEL_NO_ASSERT_POPUP"));
 }
 
@@ -95,9 +101,11 @@ bool mayShowWindow() noexcept {
 void vel__assert_msg(const char* expression, const char* module, unsigned int line, const char* function,
                      const char* message) {
   const Decimal lineText(line);
+  // Intentional: the identifier is printed as a signed 32-bit number.
   const Decimal process(static_cast<std::int32_t>(vel::platform::currentProcessId()));
   Report report;
-  build(report, expression, module, lineText, process, function, message);
+  buildReport(report, expression, module, lineText, process, function, message);
+  // Standard error first: nobody may be there to close the window.
   write(report);
   if (mayShowWindow())
     vel::platform::showStopMessage("Internal error occured: Assertion failed!", report.pieces(),

@@ -1,5 +1,5 @@
-// Finds the message number of an error identifier, class, severity or action. The tables are made
-// from errors.tsv by generate_error_tables.py; the texts live in the messages room.
+// Maps error identifiers, classes, severities and actions to message numbers. The tables are generated from
+// errors.tsv by generate_error_tables.py, which also sorts them; the texts are in the messages room.
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
@@ -15,6 +15,7 @@ struct MessageRow {
 
 #include "error_messages.inc"
 
+/// Returns the message number of a value, or 0 if it has none. The rows are sorted by value.
 template <std::size_t count>
 unsigned int messageOf(const MessageRow (&rows)[count], std::uint32_t value) noexcept {
   const auto* row = std::lower_bound(std::begin(rows), std::end(rows), value,
@@ -36,7 +37,8 @@ unsigned int velErrorGetSeverityAsMessageId(VelEnErrorSeverity severity) {
   return messageOf(kSeverityMessages, static_cast<std::uint32_t>(severity));
 }
 
-// RETRYDELAY (4) and USER (5) have their messages in the opposite order, 146 and 145. Keep.
+// Intentional: RETRYDELAY (4) has message 146 and USER (5) has 145, against the order of their values. The
+// texts are numbered that way; exchanging the numbers would exchange the two texts.
 unsigned int velErrorGetActionAsMessageId(VelEnErrorAction action) {
   return messageOf(kActionMessages, static_cast<std::uint32_t>(action));
 }

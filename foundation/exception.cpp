@@ -1,4 +1,6 @@
-// The exception classes: they keep pointers and numbers, nothing that could fail.
+// Implements the exception classes. They hold only pointers and numbers, so that copying one while the stack
+// unwinds, perhaps because memory ran out, cannot fail. Cause and origin are not copied: pass strings that
+// outlive the exception, such as literals.
 #include <cstdint>
 
 #include "base/short_text.h"

@@ -1,4 +1,5 @@
-// The process's memory manager and its plain functions.
+// Implements the process's memory manager, through which the library allocates, and the plain functions that
+// wrap it. Containers and smart pointers over it are in allocator.h, pools in memory_pool.cpp.
 #include "vel_include/vel_memmgr.h"
 
 #include <cstdlib>
@@ -7,7 +8,8 @@
 #include "platform/system.h"
 #include "vel_include/vel_error.h"
 
-// Fixed texts and numbers: part of the interface, not these lines' positions.
+// Intentional: origins and line numbers are fixed. Programs compare them, so they do not follow the lines
+// that throw in this file.
 namespace {
 constexpr const char* kAllocationOrigin = "vel_include\\vel_memmgr.h:359";
 constexpr int kAllocationLine = 359;
@@ -16,8 +18,9 @@ constexpr int kNoReallocatorLine = 267;
 constexpr const char* kReallocationOrigin = "VelClMemoryManager::realloc, line 277";
 constexpr int kReallocationLine = 277;
 
-/// The same function has different addresses in a program and in a DLL when each calls it through
-/// an import thunk of its own.
+/// Whether the allocator is the runtime's malloc. On Windows a program and a DLL may each have an import
+/// thunk (a jump to the real function) of their own, so that &malloc differs between them; both addresses are
+/// followed to the function before they are compared.
 bool isRuntimeMalloc(VelAllocatorCallback allocator) noexcept {
   if (allocator == &std::malloc) return true;
   return vel::platform::resolveImportThunk(reinterpret_cast<const void*>(allocator)) ==
@@ -25,6 +28,7 @@ bool isRuntimeMalloc(VelAllocatorCallback allocator) noexcept {
 }
 }  // namespace
 
+// constinit: static initialisers of other files, in any order, may allocate before this file's would run.
 constinit VelAllocatorCallback VelClMemoryManager::cv_pfuAllocatorCallback = &std::malloc;
 constinit VelReallocatorCallback VelClMemoryManager::cv_pfuReallocatorCallback = &std::realloc;
 constinit VelDeallocatorCallback VelClMemoryManager::cv_pfuDeallocatorCallback = &std::free;
@@ -36,7 +40,8 @@ void* VelClMemoryManager::malloc(size_t size) {
 }
 
 void* VelClMemoryManager::calloc(size_t count, size_t size) {
-  // The product wraps and the platform's calloc is never used: the allocator sees one size. Keep.
+  // Intentional: the product wraps, and the runtime's calloc is never used. A manager consists of three
+  // functions, and its allocator gets a single size.
   const size_t product = count * size;
   return std::memset(malloc(product), 0, product);
 }
@@ -49,11 +54,13 @@ void* VelClMemoryManager::realloc(void* block, size_t size) {
     throw exception;
   }
   void* moved = cv_pfuReallocatorCallback(block, size);
-  // The runtime frees the block and returns null for size 0: reported like any other failure. Keep.
+  // Intentional: for size 0 the runtime's realloc frees the block and returns null, and callers get an
+  // exception as for any other null. Only in that case the block is gone; otherwise it is still valid.
   if (moved == nullptr) outOfMemory(kReallocationOrigin, kReallocationLine, size);
   return moved;
 }
 
+// A deallocator need not accept null, so null never reaches it.
 void VelClMemoryManager::free(void* block) {
   if (block != nullptr) cv_pfuDeallocatorCallback(block);
 }
@@ -63,6 +70,7 @@ void VelClMemoryManager::setNewMemoryManager(VelAllocatorCallback allocator,
                                              VelDeallocatorCallback deallocator) {
   cv_pfuAllocatorCallback = allocator;
   cv_pfuDeallocatorCallback = deallocator;
+  // Only the runtime's realloc can resize what the runtime's malloc returned, so it may be left out for it.
   cv_pfuReallocatorCallback =
       reallocator == nullptr && isRuntimeMalloc(allocator) ? &std::realloc : reallocator;
 }
@@ -72,7 +80,8 @@ bool VelClMemoryManager::hasUserDefinedMgr() {
 }
 
 void VelClMemoryManager::outOfMemory(const char* origin, int line, size_t size) {
-  // The allocator decides also when it was the reallocation that failed. Keep.
+  // Intentional: the identifier depends on whose allocator is installed, even if the reallocator failed: a
+  // manager is installed as a whole.
   const unsigned long id = size == 0             ? MEMMGR_ZERO_SIZE_OBJECT
                            : hasUserDefinedMgr() ? MEMMGR_USER_OUT_OF_MEMORY
                                                  : MEMMGR_RUNTIME_OUT_OF_MEMORY;

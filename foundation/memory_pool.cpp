@@ -1,4 +1,9 @@
-// Memory pools and their blocks. The fast path is in the header.
+// Implements memory pools: a singly linked list of blocks of equal size, with a bump pointer in the current
+// one. allocate() in the header is the fast path and moves the pointer; this file adds, rewinds and frees
+// blocks.
+//
+//   first_ -> [ full ] -> [ used | free ] -> [ kept by reset() ] -> null
+//                         ^current_; free_ and end_ delimit what is left of it
 #include <bit>
 #include <cstdint>
 #include <limits>
@@ -14,7 +19,7 @@ constexpr const char* kBlockConstructor = "VelClMemoryPoolBlock::VelClMemoryPool
 constexpr const char* kConstructor = "VelClMemoryPool::VelClMemoryPool";
 constexpr const char* kAllocate = "VelClMemoryPool::allocate";
 
-[[noreturn]] void throwTooBig(VelEnErrorClass errorClass, const char* origin, unsigned int line) {
+[[noreturn]] void throwChunkTooBig(VelEnErrorClass errorClass, const char* origin, unsigned int line) {
   VelClException exception(MEMORYPOOL_CHUNK_TOO_BIG, errorClass, VelEnErrorSeverity::NORMAL,
                            VelEnErrorAction::USER, "");
   exception.setOrigin(origin, line);
@@ -28,33 +33,34 @@ constexpr const char* kAllocate = "VelClMemoryPool::allocate";
   throw exception;
 }
 
-constexpr size_t kMost = std::numeric_limits<size_t>::max();
+constexpr size_t kMaxSize = std::numeric_limits<size_t>::max();
 
-/// The alignment, which must be a power of two.
-size_t checked(size_t alignment, const char* origin, unsigned int line) {
-  if (!std::has_single_bit(alignment)) throwTooBig(VelEnErrorClass::INVALID_DATA, origin, line);
+/// Returns the alignment; throws if it is not a power of two.
+size_t checkedAlignment(size_t alignment, const char* origin, unsigned int line) {
+  if (!std::has_single_bit(alignment)) throwChunkTooBig(VelEnErrorClass::INVALID_DATA, origin, line);
   return alignment;
 }
 
-/// With what it takes to begin at a multiple of the alignment; a size that cannot be had when there is none.
-size_t sizeToOwn(size_t size, size_t alignment) {
-  return size > kMost - alignment ? kMost : size + alignment;
+/// Size plus alignment padding; SIZE_MAX on overflow, which no allocator can satisfy.
+size_t paddedSize(size_t size, size_t alignment) {
+  return size > kMaxSize - alignment ? kMaxSize : size + alignment;
 }
 
-/// The nearest multiple, which is below only when there is none above.
-size_t roundedUp(size_t size, size_t alignment) {
-  return (size > kMost - alignment ? size : size + alignment - 1) & ~(alignment - 1);
+/// Rounds up to a multiple of `alignment`; rounds down where rounding up would overflow.
+size_t roundUp(size_t size, size_t alignment) {
+  return (size > kMaxSize - alignment ? size : size + alignment - 1) & ~(alignment - 1);
 }
 
 }  // namespace
 
 VelClMemoryPoolBlock::VelClMemoryPoolBlock(size_t size, size_t alignment)
-    : owned_(VelClMemoryManager::malloc(sizeToOwn(size, checked(alignment, kBlockConstructor, __LINE__)))),
+    : owned_(VelClMemoryManager::malloc(
+          paddedSize(size, checkedAlignment(alignment, kBlockConstructor, __LINE__)))),
       begin_(static_cast<char*>(owned_)),
       size_(size),
       next_(nullptr) {
-  const size_t beyond = reinterpret_cast<std::uintptr_t>(owned_) % alignment;
-  if (beyond != 0) begin_ += alignment - beyond;
+  const size_t misalignment = reinterpret_cast<std::uintptr_t>(owned_) % alignment;
+  if (misalignment != 0) begin_ += alignment - misalignment;
 }
 
 VelClMemoryPoolBlock::~VelClMemoryPoolBlock() {
@@ -69,23 +75,26 @@ VelClMemoryPool::VelClMemoryPool(size_t blockSize, size_t alignment)
       first_(nullptr),
       current_(nullptr),
       blockCount_(0) {
-  if (checked(alignment, kConstructor, __LINE__) > kMaxAlignment)
-    throwTooBig(VelEnErrorClass::INVALID_DATA, kConstructor, __LINE__);
-  blockSize_ = roundedUp(blockSize, alignment);
+  if (checkedAlignment(alignment, kConstructor, __LINE__) > kMaxAlignment)
+    throwChunkTooBig(VelEnErrorClass::INVALID_DATA, kConstructor, __LINE__);
+  blockSize_ = roundUp(blockSize, alignment);
 }
 
 VelClMemoryPool::~VelClMemoryPool() {
   clear();
 }
 
-/// Moves on to a block that reset kept, or takes a new one.
+/// Makes the next block current: one that reset() kept, or a new one at the end of the list. The rest of the
+/// previous block stays unused. The list and the pointers change only after the allocation succeeded, so that
+/// a failure leaves the pool as it was.
 void VelClMemoryPool::openBlockFor(size_t size) {
-  if (size > blockSize_) throwTooBig(VelEnErrorClass::DATA_OUT_OF_BOUNDS, kAllocate, __LINE__);
+  if (size > blockSize_) throwChunkTooBig(VelEnErrorClass::DATA_OUT_OF_BOUNDS, kAllocate, __LINE__);
   VelClMemoryPoolBlock*& next = current_ == nullptr ? first_ : current_->next_;
   if (next == nullptr) {
     try {
       next = vel::create<VelClMemoryPoolBlock>(blockSize_, alignment_);
     } catch (const VelClExceptionFatal&) {
+      // Callers see the pool's own identifier; which of the block's two allocations failed does not matter.
       throwCouldNotGrow(__LINE__);
     }
     ++blockCount_;
@@ -95,6 +104,7 @@ void VelClMemoryPool::openBlockFor(size_t size) {
   end_ = current_->getEnd();
 }
 
+// Without a current block, the next allocation starts again at first_.
 void VelClMemoryPool::reset() {
   current_ = nullptr;
   free_ = nullptr;

@@ -1,4 +1,5 @@
-// The family of the operating system.
+// Maps the Windows platform number to the library's identifiers of operating systems. Other systems, and
+// those that cannot be determined, get 0.
 #include "platform/system.h"
 #include "vel_include/vel_helpers.h"
 

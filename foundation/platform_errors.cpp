@@ -1,5 +1,5 @@
-// Names of the Windows error codes, on every system. The table is made from platform_errors.tsv by
-// generate_error_tables.py.
+// Names Windows error codes, on every system: a trace or message read on Linux may come from Windows. The
+// table is generated from platform_errors.tsv by generate_error_tables.py.
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
@@ -20,6 +20,7 @@ constexpr PlatformErrorRow kPlatformErrors[] = {
 }  // namespace
 
 const char* velWinGetErrorAsString(unsigned long code) {
+  // The table is sorted as signed numbers: it begins with negative codes.
   const auto wanted = static_cast<std::int32_t>(static_cast<std::uint32_t>(code));
   const auto* row = std::lower_bound(std::begin(kPlatformErrors), std::end(kPlatformErrors), wanted,
                                      [](const PlatformErrorRow& a, std::int32_t b) { return a.code < b; });

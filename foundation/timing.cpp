@@ -1,4 +1,4 @@
-// Sleeping, time stamps and the stopwatch.
+// Implements sleeping, time stamps and the stopwatch on top of the platform's clocks.
 #include <utility>
 
 #include "platform/clocks.h"
@@ -6,7 +6,8 @@
 
 namespace {
 
-/// Counts wrap in 32 bits on every system.
+/// Sleeps for `count` units. The milliseconds wrap in 32 bits on every system, as unsigned long is only that
+/// large on Windows: 1194 hours become 57 minutes.
 void sleepUnits(unsigned long count, std::uint32_t millisecondsPerUnit) {
   vel::platform::sleepMilliseconds(static_cast<std::uint32_t>(count) * millisecondsPerUnit);
 }
@@ -38,6 +39,8 @@ VelClTiming::VelClTiming() {
   start();
 }
 
+// The frequency is fixed from boot, so it is read once per object. 0 means that there is no counter, and all
+// times are 0.
 void VelClTiming::init(bool readFrequency) {
   frequency_ = readFrequency ? vel::platform::performanceFrequency() : 0;
   start_ = 0.0;
@@ -57,6 +60,7 @@ double VelClTiming::elapsed() const {
   return wallClockTime() - start_;
 }
 
+// Reads the clock once, so that successive laps add up without gaps.
 double VelClTiming::restart() {
   const double now = wallClockTime();
   return now - std::exchange(start_, now);

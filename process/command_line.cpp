@@ -1,5 +1,12 @@
-// Splitting a command line. The arguments are written over a copy of the line: none is longer than the text
-// it is made from.
+// Splits a command line into arguments by the rules that command_line.h states. Building a command line is
+// new_process.cpp's work.
+//
+// The arguments are written over the copy of the line that they are parsed from. Removing quotes and
+// backslashes only shortens them, so the write position never passes the read position, and one allocation
+// holds all of them:
+//
+//   line        prog "b c" d
+//   arguments   prog0b c0d0      (0 is a NUL)
 #include "process/command_line.h"
 
 #include <cstring>
@@ -8,16 +15,19 @@ namespace vel::process {
 
 namespace {
 
+/// Blanks and tabs separate arguments; line breaks do not.
 bool isBlank(char c) noexcept {
   return c == ' ' || c == '\t';
 }
 
-/// Reads a line behind the place where the arguments are written to.
+/// A parser whose output replaces its input; see the top of this file.
 class Splitter {
  public:
   explicit Splitter(char* line) noexcept : in_(line), out_(line) {}
 
-  void takeProgramName() noexcept {
+  /// Copies the program's name. Backslashes are ordinary here, also before a quote:
+  /// `"C:\dir\"` is a directory in quotes.
+  void parseProgramName() noexcept {
     bool quoted = false;
     for (; *in_ != '\0' && (quoted || !isBlank(*in_)); ++in_) {
       if (*in_ == '"')
@@ -28,25 +38,29 @@ class Splitter {
     terminate();
   }
 
-  bool skipToNext() noexcept {
+  /// Skips separators; returns false at the end of the line.
+  bool skipBlanks() noexcept {
     while (isBlank(*in_)) ++in_;
     return *in_ != '\0';
   }
 
-  void takeArgument() noexcept {
+  /// Backslashes are counted before anything is written, since their meaning depends on whether a quote
+  /// follows.
+  void parseArgument() noexcept {
     bool quoted = false;
     while (*in_ != '\0' && (quoted || !isBlank(*in_))) {
-      const std::size_t backSlashes = std::strspn(in_, "\\");
-      in_ += backSlashes;
+      const std::size_t backslashes = std::strspn(in_, "\\");
+      in_ += backslashes;
       if (*in_ == '"')
-        takeQuote(backSlashes, quoted);
+        parseQuote(backslashes, quoted);
       else
-        takePlain(backSlashes, quoted);
+        parseCharacter(backslashes, quoted);
     }
     terminate();
   }
 
-  char* place() const noexcept { return out_; }
+  /// Where the next argument will begin.
+  char* writePosition() const noexcept { return out_; }
 
  private:
   void write(char c, std::size_t count) noexcept {
@@ -54,12 +68,14 @@ class Splitter {
     out_ += count;
   }
 
-  void takeQuote(std::size_t backSlashes, bool& quoted) noexcept {
-    write('\\', backSlashes / 2);
-    const bool isDouble = quoted && in_[1] == '"';
-    if (backSlashes % 2 != 0) {
+  /// Consumes a quote that follows `backslashes` backslashes. A quote after an odd number of them, and the
+  /// first of two quotes within quotes, is an ordinary character; any other begins or ends a quoted section.
+  void parseQuote(std::size_t backslashes, bool& quoted) noexcept {
+    write('\\', backslashes / 2);
+    const bool isDoubled = quoted && in_[1] == '"';
+    if (backslashes % 2 != 0) {
       write('"', 1);
-    } else if (isDouble) {
+    } else if (isDoubled) {
       write('"', 1);
       ++in_;
     } else {
@@ -68,12 +84,13 @@ class Splitter {
     ++in_;
   }
 
-  void takePlain(std::size_t backSlashes, bool quoted) noexcept {
-    write('\\', backSlashes);
+  /// Writes backslashes that no quote follows, and the character after them unless it ends the argument.
+  void parseCharacter(std::size_t backslashes, bool quoted) noexcept {
+    write('\\', backslashes);
     if (*in_ != '\0' && (quoted || !isBlank(*in_))) write(*in_++, 1);
   }
 
-  /// The separator is read before the terminator can take its place.
+  /// Ends an argument. The separator is consumed first, because the NUL may be written over it.
   void terminate() noexcept {
     if (*in_ != '\0') ++in_;
     *out_++ = '\0';
@@ -87,11 +104,11 @@ class Splitter {
 
 Arguments::Arguments(const char* commandLine) : texts_(copyText(commandLine, std::strlen(commandLine))) {
   Splitter splitter(texts_.get());
-  pointers_.push_back(splitter.place());
-  splitter.takeProgramName();
-  while (splitter.skipToNext()) {
-    pointers_.push_back(splitter.place());
-    splitter.takeArgument();
+  pointers_.push_back(splitter.writePosition());
+  splitter.parseProgramName();
+  while (splitter.skipBlanks()) {
+    pointers_.push_back(splitter.writePosition());
+    splitter.parseArgument();
   }
   pointers_.push_back(nullptr);
 }

@@ -1,4 +1,4 @@
-// A command line split into arguments by the rules of the Windows C runtime.
+// Splits a command line into arguments by the rules of the Windows C runtime.
 #pragma once
 
 #include <cstddef>
@@ -7,16 +7,17 @@
 
 namespace vel::process {
 
-/// The arguments of one command line. The first is the program's name, where quotes keep blanks together and
-/// back-slashes mean nothing. In the others blanks and tabs separate outside quotes; 2n back-slashes before
-/// a quote are n, 2n + 1 are n and make the quote an ordinary character; two quotes inside quotes are
-/// one ordinary quote. Other back-slashes stand for themselves. Quotes that do not end reach to the end.
+/// The arguments of one command line. The first one is the program's name, in which quotes protect blanks and
+/// backslashes are ordinary. The other arguments are separated by blanks and tabs outside quotes. 2n
+/// backslashes before a quote yield n backslashes; 2n + 1 yield n backslashes and an ordinary quote. Two
+/// quotes within quotes yield one ordinary quote. All other backslashes are ordinary. A quoted section that
+/// is not closed ends with the line.
 class Arguments {
  public:
   explicit Arguments(const char* commandLine);
 
   std::size_t count() const noexcept { return pointers_.size() - 1; }
-  /// The texts, with a null pointer behind the last one. At least one.
+  /// The arguments, at least one, with a null pointer after the last; owned by this object.
   char* const* get() const noexcept { return pointers_.data(); }
 
  private:

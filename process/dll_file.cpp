@@ -1,4 +1,5 @@
-// Dynamic libraries, their procedures, and the same for callers of plain functions.
+// Loads dynamic libraries and looks up their procedures, for users of the classes and of the plain functions.
+// Finding the file is exe_file.cpp's work, and that of the system's loader.
 #include "foundation/allocator.h"
 #include "platform/dynamic_libraries.h"
 #include "vel_include/vel_process.h"
@@ -17,11 +18,12 @@ VelClDllFile::~VelClDllFile() {
 
 void VelClDllFile::load() {
   const platform::NativeError error = platform::loadLibrary(getAsCString(), handle_);
-  // The system's own code, none of the library's identifiers. Keep.
+  // Intentional: the identifier is the system's own error code, as none of the library's would tell why the
+  // loader refused the file.
   if (handle_ == nullptr) fail(error, VelEnErrorClass::RESOURCE_MISSING);
 }
 
-// Unlike a program's type it has its dot. Keep.
+// Intentional: the documented result has a dot, unlike a program's type. setNewExtension accepts both.
 const char* VelClDllFile::getDefaultFileType() {
   return ".DLL";
 }
@@ -39,6 +41,7 @@ VelProcedure VelClDllProcLoaderFile::getProcedure(const char* name) const {
   return platform::findProcedure(getHandle(), name);
 }
 
+// The handle is the object itself, so closing it releases the library.
 void* velDllProcLoaderOpen(const char* fileName) {
   auto* const loader = vel::create<VelClDllProcLoaderFile>(VelClFilename(fileName));
   if (loader->isValid()) return loader;

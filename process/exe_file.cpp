@@ -1,4 +1,5 @@
-// A program's file name, completed along the system's search path.
+// Completes the file name of a program or dynamic library along the system's search path. The search itself
+// is the platform's; this file decides which names are searched.
 #include "base/enabled_rule.h"
 #include "platform/dynamic_libraries.h"
 #include "platform/environment.h"
@@ -10,6 +11,7 @@ namespace platform = vel::platform;
 VelClExeFile::VelClExeFile(const VelClFilename& name)
     : VelClFile(name, getDefaultFileType()), foundInSystemPath_(false) {
   if (getFilename().hasPath()) {
+    // A wrong directory is an error of the caller, so it is dropped and PATH searched only on request.
     const bool usesPath = vel::isEnabledValue(platform::settingValue("VEL_NEWPROCESS_USEPATH"));
     if (platform::programExists(getAsCString()) || !usesPath) return;
     VelClFilename withoutPath(getFilename());
@@ -26,6 +28,7 @@ VelClExeFile::VelClExeFile(const VelClFilename& name, const char* defaultType, V
 
 VelClExeFile::~VelClExeFile() = default;
 
+// The name stays as given unless a file was found; using it then fails for the system's own reason.
 void VelClExeFile::search(VelEnKind kind) {
   char found[VEL_MAX_PATH_LENGTH + 1];
   foundInSystemPath_ = kind == PROGRAM ? platform::searchProgram(getAsCString(), found, sizeof found)

@@ -1,4 +1,6 @@
-// Starting programs: the command line under construction, and the two ways to launch it.
+// Builds the command line of a program and launches the program, waiting for it or detached. How a process is
+// started is the platform's work. Windows takes the command line as it is; for POSIX it is split by
+// command_line.cpp, so that a program sees the same arguments on both systems.
 #include <algorithm>
 #include <cstring>
 #include <string_view>
@@ -14,8 +16,8 @@ namespace platform = vel::platform;
 
 namespace {
 
-/// Sign, 20 digits of 64 bits, terminator.
-constexpr std::size_t kMostDigits = 22;
+/// A sign, the 20 digits of a 64-bit number and the NUL.
+constexpr std::size_t kDecimalCapacity = 22;
 
 }  // namespace
 
@@ -36,7 +38,8 @@ VelClNewProcessABase::~VelClNewProcessABase() {
 
 void VelClNewProcessABase::addArgument(const char* text) {
   if (text == nullptr) return;
-  // Only a blank triggers quoting, and one back-slash at the end is doubled, however many there are. Keep.
+  // Intentional: only a blank triggers quoting, and one backslash at the end is doubled, however many there
+  // are. Callers that need more put the quotes into the text themselves, which full escaping would break.
   if (std::strchr(text, ' ') == nullptr)
     appendArgument("", text, "");
   else
@@ -44,19 +47,20 @@ void VelClNewProcessABase::addArgument(const char* text) {
 }
 
 void VelClNewProcessABase::addArgument(long value) {
-  char digits[kMostDigits];
+  char digits[kDecimalCapacity];
   velI64toa(value, digits);
   addArgument(digits);
 }
 
 void VelClNewProcessABase::addArgument(unsigned long value) {
-  char digits[kMostDigits];
+  char digits[kDecimalCapacity];
   velW64toa(value, digits);
   addArgument(digits);
 }
 
 void VelClNewProcessABase::appendArgument(const char* before, const char* text, const char* after) {
-  // Measured first, and read before the old block goes: the text may be this command line itself.
+  // The text may be part of this command line. Its length is therefore determined before anything is
+  // appended, and the old block is freed only after it was copied.
   const std::string_view pieces[] = {argumentCount_ != 0 ? " " : "", before, text, after};
   size_t length = length_;
   for (const std::string_view piece : pieces) length += piece.size();
@@ -69,8 +73,8 @@ void VelClNewProcessABase::appendArgument(const char* before, const char* text, 
   ++argumentCount_;
 }
 
-/// Makes room for so many characters and a terminator. Returns the block that was too small, if any, which
-/// the caller gives back.
+/// Makes room for `length` characters and the NUL. Returns the previous block if it was too small, which the
+/// caller frees, else null. Doubling the capacity keeps many arguments from copying the line each time.
 char* VelClNewProcessABase::reserve(size_t length) {
   if (length < capacity_) return nullptr;
   const size_t capacity = std::max<size_t>(length + 1, capacity_ * 2);
@@ -80,6 +84,7 @@ char* VelClNewProcessABase::reserve(size_t length) {
   return std::exchange(commandLine_, grown);
 }
 
+// Derived classes can write to the command line through getArgs(), so the NUL is set again.
 void VelClNewProcessABase::prepareLaunch() {
   lastError_ = {PROCESS_COULD_NOT_LAUNCH, VelEnErrorClass::UNKNOWN_PROCESS};
   commandLine_[length_] = '\0';

@@ -1,4 +1,4 @@
-// Ending a process by its identifier.
+// Ends a process by its identifier. Launching one is new_process.cpp's work.
 #include "platform/launching.h"
 #include "vel_include/vel_process.h"
 
@@ -10,7 +10,8 @@ VelClProcess::VelClProcess(unsigned int id) : VelClProcessProperty(id) {}
 
 bool VelClProcess::kill() {
   lastError_ = {PROCESS_COULD_NOT_KILL, VelEnErrorClass::INVALID_DATA};
-  // A process that cannot be opened counts as ended. Keep.
+  // Intentional: the documented result for a process that cannot be opened, because it has ended or may not
+  // be ended by this one, is true.
   if (platform::endProcess(getProcessId()) == platform::EndResult::Failed) return false;
   lastError_.reset();
   return true;

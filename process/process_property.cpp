@@ -1,4 +1,5 @@
-// Identifiers of the current process and thread.
+// Reads the identifiers of the current process and thread when the objects are built; they do not follow a
+// later fork.
 #include "platform/processes.h"
 #include "vel_include/vel_process.h"
 

@@ -52,7 +52,7 @@ void writeInteger(TextBuffer& out, const std::uint8_t* bytes, std::size_t) {
   if (size > 1) return;
   // Characters that cannot be printed are left out, not replaced.
   const char quoted[] = {'/', '\'', static_cast<char>(bytes[0]), '\''};
-  if (vel::util::shownCharacter(bytes[0]) == quoted[2]) out.append({quoted, sizeof quoted});
+  if (vel::util::printableOrDot(bytes[0]) == quoted[2]) out.append({quoted, sizeof quoted});
 }
 
 void writeBoolean(TextBuffer& out, const std::uint8_t* bytes, std::size_t) {

@@ -349,7 +349,7 @@ void VelClTraceFormatter::Run::showBytes(std::string_view label, const std::uint
   for (std::size_t done = 0; done < count; done += Form::kBytes) {
     showLineBreak();
     out_.append(label);
-    char* const out = out_.reserve(LineLayout<Form>::kLongest);
+    char* const out = out_.reserve(LineLayout<Form>::kMaxLength);
     out_.commit(vel::util::writeData<Form>(out, bytes + done, std::min(Form::kBytes, count - done)));
   }
 }
@@ -363,7 +363,7 @@ void VelClTraceFormatter::Run::formatHexDump(std::uint32_t length) {
     if (input_.read(bytes, count) < count)
       throwUnexpectedEnd("VelClTraceFormatter::formatHexDump, line 277", 277);
     displayIndent();
-    char* const out = out_.reserve(LineLayout<HexForm>::kLongest + 1);
+    char* const out = out_.reserve(LineLayout<HexForm>::kMaxLength + 1);
     if (count == sizeof bytes)
       out_.commit(writeFullLine(out, offset, bytes));
     else

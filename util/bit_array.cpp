@@ -1,4 +1,8 @@
-// The bit array and its persistent form.
+// Implements the bit array and its persistent form. Access to single bits is inline in the header.
+//
+// Two sizes can differ after reading a stream: bitCount_ is what the stream said, allocated_ is what this
+// array has had since it was built. Every access to bits_ is therefore bounded by the smaller of the two, so
+// that a corrupt or foreign stream cannot make the array read or write beyond its memory.
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -12,7 +16,8 @@
 
 namespace {
 
-constexpr std::uint64_t kMostPersistentBytes = std::numeric_limits<std::int32_t>::max();
+/// The persistent form is limited to what a signed 32-bit byte count can express.
+constexpr std::uint64_t kMaxPersistentBytes = std::numeric_limits<std::int32_t>::max();
 
 unsigned char* allocate(std::uint64_t size) {
   return static_cast<unsigned char*>(VelClMemoryManager::malloc(static_cast<size_t>(size)));
@@ -35,6 +40,7 @@ VelClBitArray::VelClBitArray(const VelClBitArray& other)
   std::memcpy(bits_, other.bits_, static_cast<size_t>(allocated_));
 }
 
+// Copies first and swaps then, so that a failed allocation leaves this array unchanged.
 VelClBitArray& VelClBitArray::operator=(const VelClBitArray& other) {
   VelClBitArray copy(other);
   std::swap(bitCount_, copy.bitCount_);
@@ -53,7 +59,7 @@ std::uint64_t VelClBitArray::usableBytes() const {
 
 void VelClBitArray::write(std::ostream& stream) const {
   const std::uint64_t size = usableBytes();
-  if (size > kMostPersistentBytes) {
+  if (size > kMaxPersistentBytes) {
     stream.setstate(std::ios::failbit);
     return;
   }
@@ -63,12 +69,15 @@ void VelClBitArray::write(std::ostream& stream) const {
 
 void VelClBitArray::read(std::istream& stream) {
   const std::uint64_t size = usableBytes();
-  if (size > kMostPersistentBytes) {
+  if (size > kMaxPersistentBytes) {
     stream.setstate(std::ios::failbit);
     return;
   }
   std::uint64_t bitCount = 0;
+  // Read into a local variable: a truncated number must not change the array.
   if (!stream.read(reinterpret_cast<char*>(&bitCount), sizeof bitCount)) return;
+  // Intentional: the memory is not resized, and `size` bytes are read whatever the stream's array had; the
+  // documented use is to read into an array of the same size.
   bitCount_ = bitCount;
   stream.read(reinterpret_cast<char*>(bits_), static_cast<std::streamsize>(size));
 }
@@ -78,6 +87,8 @@ bool VelClBitArray::operator==(const VelClBitArray& other) const {
   return other.allocated_ >= size && std::memcmp(bits_, other.bits_, static_cast<size_t>(size)) == 0;
 }
 
+// Counts whole bytes first. The last byte may have bits above bitCount_, which must not count, so its bits
+// are tested one by one.
 size_t VelClBitArray::getNumOfSetBits() const {
   const auto whole = static_cast<size_t>(std::min(bitCount_ / 8, allocated_));
   size_t count = 0;

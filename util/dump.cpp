@@ -1,4 +1,5 @@
-// Dumps of whole memory areas: lines are gathered and written many at once.
+// Dumps whole memory areas to a stream. Lines are formatted by dump_line.h into a buffer on the stack and
+// written 64 at a time, so that the cost of a stream operation is shared by many lines.
 #include <algorithm>
 #include <iostream>
 
@@ -13,10 +14,12 @@ using vel::util::LineLayout;
 
 constexpr std::size_t kLinesAtOnce = 64;
 
+/// Writes the lines of `count` bytes. Stops as soon as the stream fails: formatting the rest of a large area
+/// for a full disk would only take time.
 template <typename Form>
 void dump(std::ostream& stream, const char* data, size_t count) {
   const auto* bytes = reinterpret_cast<const std::uint8_t*>(data);
-  char text[kLinesAtOnce * (LineLayout<Form>::kLongest + 1)];
+  char text[kLinesAtOnce * (LineLayout<Form>::kMaxLength + 1)];
   for (size_t offset = 0; offset < count && stream.good();) {
     char* out = text;
     for (std::size_t line = 0; line < kLinesAtOnce && offset < count; ++line) {

@@ -1,5 +1,7 @@
-// The one place that knows how a line of a dump looks. Lines are written into the caller's memory from
-// tables, group by group, so that whole areas can be rendered at the speed of memory.
+// Defines the layout of a line of a dump, for all that write or parse one. A line consists of an optional
+// address, a group of digits per byte, a bar, and the bytes as characters. Lines are written into the
+// caller's memory, one table look-up and one store per group, so that formatting keeps up with the speed of
+// memory.
 //
 //   00000010: 41 42 43 44 45 46 47 48  49 4A __ __ __ __ __ __ | ABCDEFGHIJ______
 //   00000008: 01000001 00001010 ________ ________  ________ ________ ________ ________ | A.______
@@ -19,7 +21,8 @@ namespace vel::util {
 template <std::size_t size>
 using GroupTable = std::array<std::array<char, size>, 256>;
 
-/// Two digits and a blank for every byte, and one more blank, so that a group is one store.
+/// Two digits and a blank for every byte, and one more blank, so that a group is written by one store of four
+/// bytes.
 constexpr GroupTable<4> makeHexGroups() {
   GroupTable<4> table{};
   for (std::size_t byte = 0; byte < table.size(); ++byte) {
@@ -29,6 +32,7 @@ constexpr GroupTable<4> makeHexGroups() {
   return table;
 }
 
+/// Eight digits for every byte, the highest bit first; the blank is a second store.
 constexpr GroupTable<8> makeBinaryGroups() {
   GroupTable<8> table{};
   for (std::size_t byte = 0; byte < table.size(); ++byte)
@@ -38,14 +42,15 @@ constexpr GroupTable<8> makeBinaryGroups() {
 
 inline constexpr GroupTable<4> kHexGroups = makeHexGroups();
 inline constexpr GroupTable<8> kBinaryGroups = makeBinaryGroups();
+/// Fills the groups and characters of bytes that a short line does not have.
 inline constexpr char kMissing = '_';
 
-/// How bytes are shown: two hexadecimal or eight binary digits each.
+/// The two forms of a dump: each byte has two hexadecimal or eight binary digits.
 struct HexForm {
   static constexpr std::size_t kBytes = 16;
   static constexpr std::size_t kDigits = 2;
   static constexpr int kBase = 16;
-  /// Writes one byte more than the group has.
+  /// Writes one character more than kGroupWidth; the next group, the bar or the middle blank overwrites it.
   static void writeGroup(char* out, std::uint8_t byte) { std::memcpy(out, kHexGroups[byte].data(), 4); }
 };
 struct BinaryForm {
@@ -58,42 +63,45 @@ struct BinaryForm {
   }
 };
 
-/// Sizes and places within a line, behind its address.
+/// Sizes and offsets within the data part of a line, which follows the address.
 template <typename Form>
 struct LineLayout {
-  static constexpr std::size_t kGroup = Form::kDigits + 1;
-  static constexpr std::size_t kMark = Form::kBytes * kGroup + 1;
-  static constexpr std::size_t kCharacters = kMark + 2;
+  static constexpr std::size_t kGroupWidth = Form::kDigits + 1;
+  /// The offset of "| ".
+  static constexpr std::size_t kBar = Form::kBytes * kGroupWidth + 1;
+  static constexpr std::size_t kCharacters = kBar + 2;
+  /// The length of the data part, which does not depend on the number of bytes.
   static constexpr std::size_t kLength = kCharacters + Form::kBytes;
-  /// With an address of 16 digits.
-  static constexpr std::size_t kLongest = 16 + 2 + kLength;
+  /// The length of a line with an address of 16 digits, without line break.
+  static constexpr std::size_t kMaxLength = 16 + 2 + kLength;
 
-  /// One more blank stands in the middle.
+  /// The offset of a group; there is one more blank in the middle of the line.
   static constexpr std::size_t groupAt(std::size_t index) {
-    return index * kGroup + (index < Form::kBytes / 2 ? 0 : 1);
+    return index * kGroupWidth + (index < Form::kBytes / 2 ? 0 : 1);
   }
 };
 
-/// The two digits of a number's byte, counted from the lowest.
+/// Writes the two digits of one byte of a number; byte 0 is the lowest.
 inline void writeDigitsOf(char* out, std::uint64_t number, int byte) {
   std::memcpy(out, kHexGroups[number >> (8 * byte) & 0xFF].data(), 2);
 }
 
+/// Writes 9 to 16 digits and returns the end; for numbers above 32 bits.
 inline char* writeLongDigits(char* out, std::uint64_t number) {
   int bytes = 5;
   while (bytes < 8 && number >> (8 * bytes) != 0) ++bytes;
   char* end = out;
   for (int byte = bytes - 1; byte >= 0; --byte, end += 2) writeDigitsOf(end, number, byte);
-  // More than 8 digits have no leading zero.
+  // Only addresses of 8 digits have leading zeros; bytes come in pairs of digits, so one may have to go.
   if (*out != '0') return end;
   std::memmove(out, out + 1, static_cast<std::size_t>(end - out - 1));
   return end - 1;
 }
 
-/// Writes "0000001F: ", with more digits where 8 don't suffice, and returns where it ends.
+/// Writes "0000001F: ", with up to 16 digits where 8 do not suffice, and returns the end.
 inline char* writeAddress(char* out, std::uint64_t offset) {
   if (offset >> 32 == 0) {
-    // By far the most frequent, and without a loop.
+    // By far the most frequent case, therefore without a loop.
     writeDigitsOf(out, offset, 3);
     writeDigitsOf(out + 2, offset, 2);
     writeDigitsOf(out + 4, offset, 1);
@@ -107,24 +115,25 @@ inline char* writeAddress(char* out, std::uint64_t offset) {
   return out;
 }
 
-constexpr char shownCharacter(std::uint8_t byte) {
+/// Only printable ASCII is shown, so that a dump is the same in every locale.
+constexpr char printableOrDot(std::uint8_t byte) {
   return byte >= 0x20 && byte < 0x7F ? static_cast<char>(byte) : '.';
 }
 
-/// The characters of a line's bytes.
+/// Writes the bytes of a full line as characters. 16 bytes are compared and blended in one vector.
 template <std::size_t count>
 void writeCharacters(char* out, const std::uint8_t* data) {
   if constexpr (count == sizeof(ByteBlock)) {
     const ByteBlock block = blockAt(reinterpret_cast<const char*>(data));
-    const auto isShown = reinterpret_cast<ByteBlock>(block - blockOf(0x20) < blockOf(0x7F - 0x20));
-    const ByteBlock shown = (block & isShown) | (blockOf('.') & ~isShown);
+    const auto isPrintable = reinterpret_cast<ByteBlock>(block - blockOf(0x20) < blockOf(0x7F - 0x20));
+    const ByteBlock shown = (block & isPrintable) | (blockOf('.') & ~isPrintable);
     std::memcpy(out, &shown, count);
   } else {
-    for (std::size_t i = 0; i < count; ++i) out[i] = shownCharacter(data[i]);
+    for (std::size_t i = 0; i < count; ++i) out[i] = printableOrDot(data[i]);
   }
 }
 
-/// A line of as many bytes as there are indexes, without loops.
+/// Writes a full line: the pack expansion makes one store per group, with constant offsets and no loop.
 template <typename Form, std::size_t... index>
 void writeFullLine(char* out, const std::uint8_t* data, std::index_sequence<index...>) {
   using Layout = LineLayout<Form>;
@@ -132,6 +141,7 @@ void writeFullLine(char* out, const std::uint8_t* data, std::index_sequence<inde
   writeCharacters<sizeof...(index)>(out + Layout::kCharacters, data);
 }
 
+/// Writes the last line of a dump, which may have fewer bytes.
 template <typename Form>
 void writeShortLine(char* out, const std::uint8_t* data, std::size_t count) {
   using Layout = LineLayout<Form>;
@@ -140,11 +150,11 @@ void writeShortLine(char* out, const std::uint8_t* data, std::size_t count) {
     std::memset(out + Layout::groupAt(i), kMissing, Form::kDigits);
     out[Layout::groupAt(i) + Form::kDigits] = ' ';
   }
-  for (std::size_t i = 0; i < count; ++i) out[Layout::kCharacters + i] = shownCharacter(data[i]);
+  for (std::size_t i = 0; i < count; ++i) out[Layout::kCharacters + i] = printableOrDot(data[i]);
   std::memset(out + Layout::kCharacters + count, kMissing, Form::kBytes - count);
 }
 
-/// Writes a line's data part for at most Form::kBytes bytes and returns where it ends.
+/// Writes the data part of a line for at most Form::kBytes bytes and returns the end, which has no NUL.
 template <typename Form>
 char* writeData(char* out, const std::uint8_t* data, std::size_t count) {
   using Layout = LineLayout<Form>;
@@ -152,13 +162,15 @@ char* writeData(char* out, const std::uint8_t* data, std::size_t count) {
     writeFullLine<Form>(out, data, std::make_index_sequence<Form::kBytes>());
   else
     writeShortLine<Form>(out, data, count);
+  // Groups overwrite the following character, so blank and bar come last.
   out[Layout::groupAt(Form::kBytes / 2) - 1] = ' ';
-  out[Layout::kMark] = '|';
-  out[Layout::kMark + 1] = ' ';
+  out[Layout::kBar] = '|';
+  out[Layout::kBar + 1] = ' ';
   return out + Layout::kLength;
 }
 
-/// A whole line of a dump with its line break; Layout::kLongest + 1 characters suffice.
+/// Writes a line with its address and line break and returns the end. `out` must have room for
+/// LineLayout<Form>::kMaxLength + 1 characters.
 template <typename Form>
 char* writeLine(char* out, std::uint64_t offset, const std::uint8_t* data, std::size_t count) {
   out = writeData<Form>(writeAddress(out, offset), data, count);

@@ -1,4 +1,10 @@
-// The IBAA random number generator: seeding, passes over its state, and scaling.
+// Implements the IBAA random number generator (R. J. Jenkins, "ISAAC", Fast Software Encryption 1996):
+// seeding, passes over the state, and scaling.
+//
+// The state is 256 words. One pass replaces every word and yields one result per word. The new word is the
+// sum of a word that the old one selects (indirection), the accumulator and the previous result; the result
+// is the sum of a word that the new one selects and the old word. Programs rely on equal seeds giving equal
+// sequences, so no step may be changed. The numbers are not suited for keys: the seed has only 32 bits.
 #include <bit>
 
 #include "platform/clocks.h"
@@ -7,8 +13,9 @@
 namespace {
 
 constexpr std::uint32_t kStateSize = 256;
-constexpr std::uint32_t kLargest = 0xFFFFFFFF;
+constexpr std::uint32_t kMaxNumber = 0xFFFFFFFF;
 
+/// The indirection: the low bits of a word select a word of the state.
 constexpr std::uint32_t stateIndex(std::uint32_t value) {
   return value % kStateSize;
 }
@@ -23,9 +30,12 @@ VelClRandomNumberGenerator::VelClRandomNumberGenerator(unsigned long seed) {
 }
 
 void VelClRandomNumberGenerator::init(unsigned long seed) const {
-  // What an earlier pass left here would make equal seeds give different numbers.
+  // Reset, because values left by an earlier pass would make equal seeds give different numbers.
   accumulator_ = 0;
   previous_ = 0;
+  // A multiplicative congruential generator with Schrage's decomposition of 16807 * x mod (2^31 - 1).
+  // Intentional: Schrage's correction of negative values is left out, the products wrap in 32 bits. The seed
+  // is made odd, since 0 would fill the state with zeros.
   std::uint32_t fill = static_cast<std::uint32_t>(seed) | 1U;
   for (std::uint32_t& word : memory_) {
     fill = fill * 16807U - fill / 127773U * 2147483647U;
@@ -35,7 +45,7 @@ void VelClRandomNumberGenerator::init(unsigned long seed) const {
 }
 
 void VelClRandomNumberGenerator::ibaa() const {
-  // Copies that no store into an array can change stay in registers.
+  // Local copies stay in registers: the compiler need not assume that a store into an array changes them.
   std::uint32_t accumulator = accumulator_;
   std::uint32_t previous = previous_;
   for (std::uint32_t i = 0; i < kStateSize; ++i) {
@@ -60,7 +70,9 @@ unsigned long VelClRandomNumberGenerator::getRandomNumber() const {
   return next();
 }
 
+// Intentional: the scaled number is truncated, not rounded, so that `max` itself comes only from the largest
+// number. VelClRandomBitGenerator serves callers that need an even distribution.
 unsigned long VelClRandomNumberGenerator::getRandomNumber(unsigned long max) const {
-  const double share = static_cast<double>(next()) / static_cast<double>(kLargest);
+  const double share = static_cast<double>(next()) / static_cast<double>(kMaxNumber);
   return static_cast<std::uint32_t>(share * static_cast<double>(static_cast<std::uint32_t>(max)));
 }

@@ -1,4 +1,5 @@
-// The base of the pattern objects, and those that need no search of their own.
+// Implements the base of the pattern objects, the wildcard pattern, which calls velMatchesWildcardPattern,
+// and VelClGrep. Plain-text search is in string_search.cpp.
 #include "base/short_text.h"
 #include "vel_include/vel_util.h"
 
@@ -16,6 +17,8 @@ const char* VelClStringMatchWildcards::getPattern(const char* text) const {
   return velMatchesWildcardPattern(pattern_, text, flag_) ? text : nullptr;
 }
 
+// Intentional: there is no regular expression search. The class exists so that programs that name it link and
+// run; it never finds anything.
 VelClGrep::VelClGrep(const char* pattern, bool flag) : VelClStringMatchABase(pattern, flag), state_(0) {
   init(pattern, 0);
 }

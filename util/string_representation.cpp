@@ -1,4 +1,5 @@
-// Pieces of memory and addresses as lines of text. How the lines look is dump_line.h's matter.
+// Implements the objects that hold a piece of memory or an address as one line of text. The layout of a line
+// is in dump_line.h.
 #include <algorithm>
 
 #include "base/digits.h"
@@ -11,9 +12,10 @@ using vel::util::BinaryForm;
 using vel::util::HexForm;
 using vel::util::LineLayout;
 
-// Texts are left uninitialised behind their terminators: clearing them takes as long as writing a line.
+// Buffers are left uninitialised after the NUL: clearing them takes as long as writing a line.
 
-/// Ends the line that `out` is in with the data part.
+/// Writes the data part at `out`, after the address if there is one, and the NUL. Bytes beyond one line are
+/// left out.
 template <typename Form>
 void endLine(char* out, const void* data, size_t count) {
   const auto* bytes = static_cast<const std::uint8_t*>(data);
@@ -25,7 +27,7 @@ void endLine(char* out, const void* data, size_t count) {
 VelClStringRepresentationABase::~VelClStringRepresentationABase() = default;
 
 VelClStrepHexDump::VelClStrepHexDump(const void* data, size_t count) {
-  static_assert(sizeof text_ == LineLayout<HexForm>::kLongest + 1);
+  static_assert(sizeof text_ == LineLayout<HexForm>::kMaxLength + 1);
   endLine<HexForm>(text_, data, count);
 }
 
@@ -40,7 +42,7 @@ const char* VelClStrepHexDump::getAsCString() const {
 }
 
 VelClStrepBinDump::VelClStrepBinDump(const void* data, size_t count) {
-  static_assert(sizeof text_ == LineLayout<BinaryForm>::kLongest + 1);
+  static_assert(sizeof text_ == LineLayout<BinaryForm>::kMaxLength + 1);
   endLine<BinaryForm>(text_, data, count);
 }
 
@@ -56,6 +58,7 @@ const char* VelClStrepBinDump::getAsCString() const {
 
 VelClStrepAddress::VelClStrepAddress(const void* address) : text_{} {
   const auto number = reinterpret_cast<std::uintptr_t>(address);
+  // Intentional: null is "0" without a prefix, as streams print it.
   char* out = text_;
   if (number != 0) {
     *out++ = '0';

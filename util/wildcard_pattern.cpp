@@ -1,4 +1,5 @@
-// Matching a whole text against "*" and "?". Finding a pattern within a text is string_search.cpp's work.
+// Matches a whole text against a pattern with "*" and "?". Finding a pattern within a text is
+// string_search.cpp's work.
 #include <cctype>
 #include <cstddef>
 #include <cstring>
@@ -7,20 +8,22 @@
 
 namespace {
 
-char folded(char c) {
+char toUpper(char c) {
   return static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
 }
 
 bool matchesOneByte(char patternByte, char textByte, bool caseSensitive) {
   if (patternByte == '?' || patternByte == textByte) return true;
   if (caseSensitive) return false;
-  // Two ASCII characters have the same upper case only as letters of both cases, in every locale.
+  // Two different ASCII characters have the same upper case only if they are the two cases of a letter, which
+  // differ in bit 0x20, in every locale. This avoids two calls of toupper for nearly every mismatch.
   const int difference = patternByte ^ textByte;
   const bool areAscii = ((patternByte | textByte) & 0x80) == 0;
-  return (!areAscii || difference == 0x20) && folded(patternByte) == folded(textByte);
+  return (!areAscii || difference == 0x20) && toUpper(patternByte) == toUpper(textByte);
 }
 
-/// Whether a text ends with what a pattern without "*" matches.
+/// Whether the end of a text matches a pattern without "*". After the last "*" of a pattern only this place
+/// is possible, so no search is needed.
 bool matchesAtEnd(const char* pattern, const char* text, bool caseSensitive) {
   const std::size_t patternLength = std::strlen(pattern);
   const std::size_t textLength = std::strlen(text);
@@ -33,28 +36,33 @@ bool matchesAtEnd(const char* pattern, const char* text, bool caseSensitive) {
 
 }  // namespace
 
-// When bytes differ, only the last "*" passed needs to give way by one byte: whatever an earlier
-// one could skip, the last one can skip as well. That bounds the steps by the product of the lengths.
+// Greedy matching with one point of return instead of recursion. When bytes differ, only the last "*" passed
+// has to match one byte more: whatever an earlier "*" could match in addition, the last one can match as
+// well. That bounds the steps by the product of the lengths, where a recursive matcher takes exponential
+// time.
+//
+//   pattern "*ab*"  text "aabc"   "*" = "",  'a' = 'a', 'b' != 'a'
+//                                 "*" = "a", 'a' = 'a', 'b' = 'b', "*" = "c"
 bool velMatchesWildcardPattern(const char* pattern, const char* text, bool caseSensitive) {
   if (pattern == nullptr) pattern = "";
   if (text == nullptr) text = "";
-  const char* behindStar = nullptr;
-  const char* resume = nullptr;
+  const char* afterStar = nullptr;
+  const char* starText = nullptr;
   while (*text != '\0') {
     if (*pattern == *text && *pattern != '*') {
       ++pattern;
       ++text;
     } else if (*pattern == '*') {
-      behindStar = ++pattern;
-      resume = text;
+      afterStar = ++pattern;
+      starText = text;
       if (*pattern == '\0') return true;
       if (std::strchr(pattern, '*') == nullptr) return matchesAtEnd(pattern, text, caseSensitive);
     } else if (*pattern != '\0' && matchesOneByte(*pattern, *text, caseSensitive)) {
       ++pattern;
       ++text;
-    } else if (behindStar != nullptr) {
-      pattern = behindStar;
-      text = ++resume;
+    } else if (afterStar != nullptr) {
+      pattern = afterStar;
+      text = ++starText;
     } else {
       return false;
     }

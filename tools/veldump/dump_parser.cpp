@@ -37,7 +37,7 @@ template <typename Form>
 bool DumpParser::decodeGroups(std::string_view text, Line& line) {
   using Layout = LineLayout<Form>;
   static_assert(Form::kBytes <= kMostBytes);
-  if (text.size() <= Layout::kMark || text[Layout::kMark] != '|') return false;
+  if (text.size() <= Layout::kBar || text[Layout::kBar] != '|') return false;
   line.capacity = Form::kBytes;
   bool missing = false;
   for (std::size_t i = 0; i < Form::kBytes; ++i) {

@@ -40,7 +40,7 @@ class DumpWriter {
   }
 
  private:
-  static constexpr std::size_t kLongest = util::LineLayout<Form>::kLongest + 1;
+  static constexpr std::size_t kLongest = util::LineLayout<Form>::kMaxLength + 1;
   static constexpr std::size_t kMostLines = OutputBuffer::kCapacity / kLongest;
 
   /// Formats as many lines as the output buffer holds, which checks its room once for all of them.
