@@ -186,10 +186,9 @@ class VEL_API VelClArgvFreeCursor : public VelClArgvCheckCursor {
 
 /// Alignment of the label in the label column of aligned output. Other numbers count as LEFT.
 enum class VelEnFormatStyle : uint32_t {
-  LEFT = 0,   ///< followed by fill characters
-  RIGHT = 1,  ///< preceded by blanks
-  CENTRED =
-      2  ///< between blanks; with an odd width or label the right margin is shorter by each odd remainder
+  LEFT = 0,    ///< followed by fill characters
+  RIGHT = 1,   ///< preceded by blanks
+  CENTRED = 2  ///< between blanks; an odd width, and an odd label, each narrow the right margin by one
 };
 
 /// The settings of a console user interface.
@@ -209,7 +208,7 @@ class VEL_API VelClConsoleUIParams {
   void setHelp(const char* help);
   /// Sets both at once; each may be all or part of one of the old texts.
   void setUsageHelp(const char* usage, const char* help);
-  /// Returns argument 0 from its last separator to the first ".", at most 25 characters, in upper case.
+  /// Returns argument 0 without its directory, cut at the first ".", at most 25 characters, in upper case.
   const char* getProcessName() const { return processName_; }
   /// Returns the length of the process name in characters.
   unsigned int getIndentation() const { return indentation_; }
