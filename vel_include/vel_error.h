@@ -37,14 +37,14 @@ enum VelEnErrorId VEL_ENUM_TYPE(uint32_t) {
   CONUI_MSGCAT_CORRUPTED = 205,            ///< not reported by the library
   INIFILE_INVAL_SECTION = 1000001,         ///< a section header without "]"
   INIFILE_INVAL_OPTION = 1000002,          ///< an option without "="
-  INIFILE_INVAL_WHITESPACE = 1000003,      ///< a line begins with white space, but there is nothing to continue
+  INIFILE_INVAL_WHITESPACE = 1000003,      ///< a line begins with white space but continues nothing
   DIRECTORY_EXPANSION_FAILED = 1000101,    ///< a name goes above the root, or is too long
   DIRECTORY_COULD_NOT_CHANGE = 1000102,    ///< the current directory could not be changed
   DIRECTORY_COULD_NOT_CREATE = 1000103,    ///< a directory could not be created
   DIRECTORY_COULD_NOT_REMOVE = 1000104,    ///< a directory, or some of its contents, could not be removed
   DIRECTORY_COULD_NOT_DETACH = 1000105,    ///< there is no level above the root
   PROCESS_COULD_NOT_KILL = 1000201,        ///< the system failed to end a process
-  PROCESS_COULD_NOT_LAUNCH = 1000202,      ///< a program could not be started; getResult has the system's code
+  PROCESS_COULD_NOT_LAUNCH = 1000202,      ///< a program was not started; getResult has the system's code
   THREAD_COULD_NOT_KILL = 1000301,         ///< not reported; the library starts no threads
   THREAD_COULD_NOT_LAUNCH = 1000302,       ///< not reported
   THREAD_COULD_NOT_SUSPEND = 1000303,      ///< not reported
@@ -52,14 +52,14 @@ enum VelEnErrorId VEL_ENUM_TYPE(uint32_t) {
   FILE_COULD_NOT_COPY = 1000401,           ///< a file could not be copied
   FILE_COULD_NOT_REMOVE = 1000402,         ///< a file could not be removed
   FILE_COULD_NOT_COPY_SELF = 1000403,      ///< the target of the copy has the file's own name
-  FILE_COULD_NOT_RENAME = 1000404,         ///< a file could not be renamed, for instance because the new name exists
+  FILE_COULD_NOT_RENAME = 1000404,         ///< a file was not renamed, for example because the name exists
   DIRWALK_COULD_NOT_INIT = 1000601,        ///< a directory cannot be listed
   DIRWALK_NO_CONTINUATION = 1000602,       ///< the listing of a directory broke off
   TRACEFORMAT_COULD_NOT_OPEN = 1000701,    ///< the trace file cannot be opened
   TRACEFORMAT_UNEXPECTED_EOF = 1000702,    ///< the trace file ends within an entry's data
   TRACEFORMAT_FILE_CORRUPTED = 1000703,    ///< data in the trace file does not fit its type
   MEMORYPOOL_COULD_NOT_GROW = 1000801,     ///< no memory for another block
-  MEMORYPOOL_CHUNK_TOO_BIG = 1000802,      ///< a request is larger than a block, or its alignment is impossible
+  MEMORYPOOL_CHUNK_TOO_BIG = 1000802,      ///< a request exceeds the block size; impossible alignment
   CPCONVERTER_UNSUPPORTED = 1000901,       ///< there is no conversion between the two code pages
   CPCONVERTER_INVALID_SEQ = 1000902,       ///< ICU found an ill-formed sequence
   CPCONVERTER_TOO_BIG = 1000903,           ///< the target is too small

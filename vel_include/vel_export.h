@@ -1,4 +1,4 @@
-// The compiler-specific export attributes. Symbols without VEL_API are hidden inside the shared library.
+// The export attributes of the compilers. Symbols without VEL_API are hidden inside the shared library.
 #ifndef VEL_EXPORT_H_
 #define VEL_EXPORT_H_
 

@@ -66,7 +66,7 @@ class VEL_API VelClTiming {
  public:
   VelClTiming();
 
-  /// Returns seconds since a fixed but unspecified moment, usually the start of the system.
+  /// Returns seconds since a fixed but arbitrary moment, usually the start of the system.
   double wallClockTime() const;
   /// Restarts the measurement now.
   void start();

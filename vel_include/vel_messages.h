@@ -278,7 +278,7 @@ class VEL_API VelClLanguage {
   explicit VelClLanguage(const char* tag);
 
   /// Returns the language of the current user: on Windows from the regional settings, on Linux from the first
-  /// of LC_ALL, LC_MESSAGES and LANG that is set; en-US if these do not specify one.
+  /// of LC_ALL, LC_MESSAGES and LANG that is set; en-US if these name none.
   static VelClLanguage getUserLanguage();
 
   /// Return the number that the constructor accepts, and its two halves.

@@ -112,7 +112,8 @@ class VEL_API VelClStrictConversion {
   /// Everything converted is written to the sink before the call returns; a character that continues in the
   /// next piece is kept.
   bool convert(const char* source, size_t size, VelClConversionSink& sink);
-  /// Ends the source. An incomplete character is a fault; a shift is closed, even after a stop.
+  /// Ends the source. An unfinished character, or double-byte mode, is a fault. An open shift is closed, even
+  /// after a stop.
   bool finish(VelClConversionSink& sink);
   /// Resets the conversion for another source text.
   void restart();

@@ -354,7 +354,7 @@ class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
   /// Saves the unsaved bytes.
   ~VelClTraceEnvironment() override;
 
-  /// Whether the environment is active: initially the value of <KEY>_TRACE_ACTIVE, true after activate().
+  /// Make the environment active, or query it; initially <KEY>_TRACE_ACTIVE decides.
   void activate() { active_ = true; }
   bool isActive() const { return active_; }
   /// Appends an entry to the ring.
