@@ -206,7 +206,7 @@ class VEL_API VelClTraceSettings {
 };
 
 /// The name of a resource: type, key and instance joined with ":", of 255 characters at most. A backslash
-/// becomes ":"; every other character except letters, digits and "_-@" is replaced by one of these.
+/// becomes ":". Letters, digits and "_-@" are kept, and every other character is mapped to one of them.
 class VEL_API VelClResourceKeyABase {
  public:
   VelClResourceKeyABase(const VelClResourceKeyABase& other);
