@@ -1,6 +1,6 @@
 // Code pages, named by their coded character set identifiers (CCSIDs), and the conversion of text between
-// them. Processors with wide vectors (AVX-512 with VBMI2) use them, with the same results; not with
-// VEL_KERNELS=portable in the environment when the first conversion begins.
+// them. On processors with wide vectors (AVX-512 with VBMI2) conversions use vector kernels, with the same
+// results. VEL_KERNELS=portable in the environment at the time of the first conversion disables them.
 #ifndef VEL_CODEPAGE_H_
 #define VEL_CODEPAGE_H_
 
@@ -10,17 +10,17 @@
 #include "vel_error.h"
 #include "vel_export.h"
 
-/// 256 UCS-2 units, one for each byte, stored with the high byte first; U+FFFD where nothing is mapped. This
-/// and the other tables are constant. Null for a CCSID without such a table.
+/// Returns 256 UCS-2 units, one per byte, stored with the high byte first; unmapped bytes have U+FFFD.
+/// Returns null for a CCSID without such a table. This table and those below are constant.
 VEL_C_API const uint16_t* velGetSBCStoUCS2Table(unsigned int ccsid);
-/// 256-byte pages. Page 0 gives the page number of a unit's high byte; the byte for unit v is at
-/// (page number * 256 + low byte of v). What the code page lacks is its substitution byte. Null for a CCSID
-/// without such a table.
+/// Returns a two-level table of 256-byte pages. Page 0 maps a unit's high byte to a page number; the byte for
+/// unit v is at index (page number * 256 + low byte of v). Unmappable units have the substitution byte of the
+/// code page. Returns null for a CCSID without such a table.
 VEL_C_API const unsigned char* velGetUCS2toSBCSTable(unsigned int ccsid);
-/// Always null: there are no tables of this kind.
+/// Always returns null: there are no tables of this kind.
 VEL_C_API const void* velGetEUCtoUCS2Table(unsigned int ccsid);
 
-/// Closes what velGetICUConverter opened; null is ignored.
+/// Closes a converter that velGetICUConverter opened; null is ignored.
 VEL_C_API void velDeleteICUConverter(const void* converter);
 
 #if defined(VEL_HAS_CLASSES)
@@ -28,20 +28,20 @@ VEL_C_API void velDeleteICUConverter(const void* converter);
 /// A row of the table of CCSIDs.
 struct VelStCcsid;
 
-/// A coded character set identifier: the number of an encoding, resolved against a built-in table of 430
-/// CCSIDs when a property is asked for. A plain value; nothing here allocates, throws or reports.
+/// A coded character set identifier: the number of an encoding. Properties are looked up in a built-in table
+/// of 430 CCSIDs. It is a plain value type: nothing here allocates, throws or reports errors.
 ///
 ///   VelClCCSID(VelClCCSID::CCSID_850).isASCII()   // true
 ///   VelClCCSID("utf-8").getAsInt()                // 1208
 ///
-/// 1250 and 1252 are the pages without the euro sign; 5346 and 5348 have it.
+/// 1250 and 1252 are the code pages without the euro sign; 5346 and 5348 have it.
 class VEL_API VelClCCSID {
  public:
-  /// The values are the CCSIDs themselves; any other number converts, too.
+  /// The values are the CCSIDs themselves. Numbers not listed here may be converted to this type, too.
   enum VelEnCCSID : uint32_t {
     CCSID_UNKNOWN = 0,                 ///< not valid
     CCSID_UTF8 = 1208,                 ///< the same number as CCSID_1208
-    CCSID_UCS2 = 13488,                ///< in the order of the host, without a mark
+    CCSID_UCS2 = 13488,                ///< in host byte order, without a byte order mark
     CCSID_UCS2_BIG_ENDIAN = 65500,     ///< high byte first
     CCSID_UCS2_LITTLE_ENDIAN = 65501,  ///< low byte first
     // clang-format off
@@ -130,53 +130,55 @@ class VEL_API VelClCCSID {
     // clang-format on
   };
 
-  /// From a number, in the table or not.
+  /// Construct from a number, whether or not the table contains it.
   VelClCCSID(VelEnCCSID ccsid) : ccsid_(ccsid), row_(nullptr) {}
   explicit VelClCCSID(int ccsid) : VelClCCSID(static_cast<VelEnCCSID>(ccsid)) {}
-  /// From a text that begins with a digit: the decimal number at its start, "1252abc" is 1252. Otherwise from
-  /// one of the table's names in any letter case: "UTF-8", "ucs-2b", "ISO8859-15".
-  // The table is not asked a second time: "CP1252" has the number 1252, and is not valid. Keep.
-  /// Any other text gives the first number in it, 0 without one, and is never valid. Null counts as "".
+  /// Parses a name. A text that begins with a digit yields the decimal number at its start: "1252abc" is
+  /// 1252. Otherwise the names in the table are compared ignoring case: "UTF-8", "ucs-2b", "ISO8859-15".
+  // Intentional: the documented result for "CP1252" is the number 1252 and not valid; the number is not
+  // looked up.
+  /// Any other text yields the first number in it, or 0 without one, and is never valid. Null counts as "".
   VelClCCSID(const char* name);
   VelClCCSID(const VelClCCSID& other);
   VelClCCSID& operator=(const VelClCCSID& other);
 
-  // Only 65501 is the same as 13488; 1200, 17584 and 61955 are not. Keep.
-  /// Equal numbers, where 65501 counts as 13488.
+  // Intentional: only 65501 equals 13488; 1200, 17584 and 61955 are different encodings to callers that
+  // compare.
+  /// Compares the numbers, where 65501 counts as 13488.
   bool operator==(const VelClCCSID& other) const;
   bool operator==(VelEnCCSID ccsid) const;
 
-  /// The number as it was given.
+  /// Return the number as it was given.
   int getAsInt() const { return static_cast<int>(ccsid_); }
   VelEnCCSID getCCSID() const { return ccsid_; }
-  /// The table's name, mostly the number; that of the base page for a variant. "???" when it is not in the
-  /// table.
+  /// Returns the name from the table, in most cases the number; a variant has the name of its base page.
+  /// Returns "???" for a CCSID that is not in the table.
   const char* getName() const;
-  /// Whether the table has it. 0 is not valid.
+  /// True if the table contains the CCSID. 0 is not valid.
   bool isValid() const;
 
-  /// Properties from the table; all are false for a CCSID that is not in it. 806, 813 and 838 are
-  /// single-byte, but neither ASCII- nor EBCDIC-based; mixed and multi-byte pages can be neither single- nor
-  /// double-byte.
+  /// Return properties from the table; all are false for a CCSID that is not in it. 806, 813 and 838 are
+  /// single-byte, but neither ASCII- nor EBCDIC-based; mixed and multi-byte code pages may be neither single-
+  /// nor double-byte.
   bool isASCII() const;
   bool isEBCDIC() const;
   bool isDBCS() const;
   bool isSBCS() const;
   bool isUCS2() const;
-  /// 65500.
+  /// True for 65500.
   bool isUCS2BigEndian() const;
-  /// 65501 and, because the library's hosts are little-endian, those without a mark: 1200, 13488, 17584,
-  /// 61955.
+  /// True for 65501 and, because the library's hosts are little-endian, for the CCSIDs without a stated byte
+  /// order: 1200, 13488, 17584, 61955.
   bool isUCS2LittleEndian() const;
-  /// The same.
+  /// Same as isUCS2LittleEndian.
   bool isUCS2HostEndian() const;
 
-  /// 65500 or 65501 for a text of at least two bytes that begins with FE FF or FF FE, else 0.
+  /// Returns 65500 or 65501 for a text of at least two bytes that begins with FE FF or FF FE, else 0.
   static VelEnCCSID getCCSIDForUCS2EndianId(const char* mark);
-  /// The process's single-byte code page (Windows: ANSI; elsewhere the locale's), asked on every call. Its
-  /// number is the CCSID. 0 when the system does not tell.
+  /// Returns the single-byte code page of the process (Windows: ANSI; elsewhere that of the locale), queried
+  /// on every call. The code page number is used as the CCSID. Returns 0 if the system does not report one.
   static VelEnCCSID getSystemCCSID();
-  /// That of the console (Windows: OEM), asked once in a process.
+  /// Returns the code page of the console (Windows: OEM), queried once per process.
   static VelEnCCSID getConsoleCCSID();
 
  private:
@@ -184,49 +186,50 @@ class VEL_API VelClCCSID {
   bool hasFlag(uint32_t flag) const;
 
   VelEnCCSID ccsid_;
-  mutable const VelStCcsid* row_;  ///< null until it is needed
+  mutable const VelStCcsid* row_;  ///< null until first needed
 };
 
-/// The base of all converters. A converter is made for a source and a target CCSID and chooses its way once:
+/// The base class of all converters. A converter is constructed for a source and a target CCSID and selects
+/// its conversion route once:
 ///
 ///   VelClCodePage2CodePageConverter converter(VelClCCSID::CCSID_500, VelClCCSID::CCSID_850);
 ///   if (!converter.isSupported()) return false;
 ///   size = converter.convertBytes(target, targetSize, source, sourceSize);
 ///   if (converter.getLastError().errorId != VEL_NO_ERROR) ...
 ///
-/// Own tables and algorithms come first, then ICU where it is installed (versions from 3.2 on, found at run
-/// time), then, from UCS-2 only, the system's own conversion to the process's code pages.
+/// The library's own tables and algorithms come first, then ICU if it is installed (version 3.2 or later,
+/// found at run time), then, from UCS-2 only, the system's own conversion to the code pages of the process.
 ///
-/// UCS-2 has surrogate pairs, where the other side knows them; it is in the order of the host but for 65500.
-/// No shift state and no part of a character is kept between calls.
+/// UCS-2 may contain surrogate pairs if the other side supports them. It is in host byte order, except for
+/// 65500. No shift state and no partial character is kept between calls.
 ///
-/// Conversions report through getLastError and do not throw, with two exceptions: memory
-/// (VelClExceptionFatal), and a status of ICU that has no identifier (ICU_UNEXPECTED_ICU_ERROR). One
-/// converter must not be used by two threads at once.
+/// Conversions report errors through getLastError and do not throw, with two exceptions: when there is no
+/// memory (VelClExceptionFatal), and when ICU returns a status that has no identifier
+/// (ICU_UNEXPECTED_ICU_ERROR). One converter must not be used by two threads at once.
 class VEL_API VelClConverterABase {
  public:
-  /// The kinds of ways that conversions take.
+  /// The routes that a conversion can use.
   enum class VelEnRoute : int32_t {
     NONE = 0,       ///< not supported
-    ALGORITHM = 1,  ///< also between the forms of UCS-2
+    ALGORITHM = 1,  ///< an algorithm, also between the forms of UCS-2
     TABLE = 2,      ///< a table of the library
     ICU = 3,        ///< ICU, bound at run time
     SYSTEM = 4      ///< the system's own conversion to its code pages
   };
 
   struct _VelStConverter;
-  /// Converts what the call describes; returns the bytes written.
+  /// Converts as the record describes; returns the number of bytes written.
   using VelConversionFunction = size_t (*)(_VelStConverter& call);
 
-  /// What a conversion function works on.
+  /// The arguments of a conversion function.
   struct _VelStConverter {
     const VelClConverterABase& converter;  ///< for its table or ICU converter, target CCSID and last error
-    char* target;                          ///< where the bytes go
+    char* target;                          ///< receives the bytes
     uint64_t targetSize;                   ///< in bytes
     const char** source;                   ///< advanced past what was consumed
     uint64_t sourceSize;                   ///< in bytes
 
-    /// For conversion functions: the table or the ICU converter of the way, and where a failure goes.
+    /// For conversion functions: returns the table or the ICU converter of the route, and stores an error.
     const void* getConversionData() const { return converter.conversionData_; }
     void setError(const _VelStError& error) const { converter.lastError_ = error; }
   };
@@ -235,68 +238,72 @@ class VEL_API VelClConverterABase {
   VelClConverterABase& operator=(const VelClConverterABase&) = delete;
   virtual ~VelClConverterABase();
 
-  /// What it converts to.
+  /// Returns the target CCSID.
   virtual const VelClCCSID& getTargetCCSID() const;
-  /// Whether there is a way. Without one every conversion fails with CPCONVERTER_UNSUPPORTED.
+  /// True if there is a route. Without one every conversion fails with CPCONVERTER_UNSUPPORTED.
   virtual bool isSupported() const;
-  /// The opposite: no external routine is known.
+  /// True if there is no route: only an external routine, of which none is known, could convert.
   virtual bool requiresExternalICONVRoutine() const;
-  /// Whether ICU converts.
+  /// True if ICU converts.
   virtual bool requiresExternalICUData() const;
-  /// The most target bytes that `length` characters can need.
+  /// Returns the maximum number of target bytes for `length` characters.
   virtual size_t getMaximumSizeForLength(size_t length) const = 0;
-  /// The most target bytes that `size` source bytes can need, as far as the CCSIDs' properties tell it:
-  /// shifts and longer characters of pages that ICU converts are not counted. See getSufficientSizeForSize.
+  /// Returns the maximum number of target bytes for `size` source bytes, as far as the properties of the
+  /// CCSIDs tell: shifts and longer characters of code pages that ICU converts are not included. See
+  /// getSufficientSizeForSize.
   virtual size_t getMaximumSizeForSize(size_t size) const = 0;
-  /// So many target bytes that no source of `size` bytes ends with CPCONVERTER_TOO_BIG, whatever is in it,
-  /// for CCSIDs that are valid; the system's own conversion still does so when it fails. The largest number
-  /// there is when it would be larger.
+  /// Returns a number of target bytes with which no source of `size` bytes can end with CPCONVERTER_TOO_BIG,
+  /// whatever its content, if the CCSIDs are valid; the system's own conversion still reports that error
+  /// whenever it fails. Saturates at the largest number.
   size_t getSufficientSizeForSize(size_t size) const;
-  /// Convert, advance `source` past what was consumed, and return the bytes written. The last error is
-  /// - CPCONVERTER_INCOMPLETE when the source ends within a character (which is not consumed), with an odd
-  ///   size of UCS-2, or in double-byte mode; what came before is converted;
-  /// - CPCONVERTER_TOO_BIG when the target is too small. Table conversions and those to ISO8859-1 then
-  ///   convert nothing; to and from UTF-8 the character that did not fit counts as consumed;
+  /// Convert, advance `source` past the consumed bytes, and return the number of bytes written. Sizes are in
+  /// bytes. The last error is
+  /// - CPCONVERTER_INCOMPLETE if the source ends within a character (which is not consumed), after an odd
+  ///   number of bytes of UCS-2, or in double-byte mode; everything before that is converted;
+  /// - CPCONVERTER_TOO_BIG if the target is too small. Table conversions and those to ISO8859-1 then convert
+  ///   nothing; to and from UTF-8 the character that did not fit counts as consumed;
   /// - an identifier of ICU, or CPCONVERTER_UNSUPPORTED.
-  /// Characters that the target lacks are replaced, without an error.
+  /// Unmappable characters are replaced, without an error.
   virtual size_t convertBytes(char* target, size_t targetSize, const char** source, size_t sourceSize) const;
   virtual size_t convertBytes(char* target, size_t targetSize, const char* source, size_t sourceSize) const;
 
-  /// What it converts from.
+  /// Returns the source CCSID.
   const VelClCCSID& getSourceCCSID() const { return source_; }
-  /// The way of the conversion; between two code pages that of the first stage, to UCS-2.
+  /// Returns the route of the conversion; between two code pages that of the first stage, to UCS-2.
   VelEnRoute getRoute() const;
-  /// Of the last conversion; of the set-up when there was none yet: CPCONVERTER_UNSUPPORTED, or
-  /// ICU_MEMORY_ALLOCATION_ERROR of class OUT_OF_MEMORY when there was no memory to find out.
+  /// Returns the error of the last conversion. If there was none yet, returns the error of the construction:
+  /// CPCONVERTER_UNSUPPORTED, or ICU_MEMORY_ALLOCATION_ERROR of class OUT_OF_MEMORY if there was not enough
+  /// memory to select a route.
   const _VelStError& getLastError() const { return lastError_; }
 
-  /// The byte order marks, two bytes and a NUL; "host" is little-endian.
+  /// Return the byte order marks: two bytes and a NUL. The host is little-endian.
   static const char* getUCS2BigEndianId() { return "\xFE\xFF"; }
   static const char* getUCS2LittleEndianId() { return "\xFF\xFE"; }
   static const char* getUCS2HostEndianId() { return getUCS2LittleEndianId(); }
-  /// Whether a text begins with the mark; it is not read behind a NUL.
+  /// True if a NUL-terminated text begins with the mark; nothing after the NUL is read.
   static bool isUCS2BigEndianId(const char* text);
   static bool isUCS2LittleEndianId(const char* text);
 
-  /// The scalar value of the UTF-8 character at `text`, whose bytes must all be there; nothing is checked.
+  /// Decodes the UTF-8 character at `text` to its scalar value. All its bytes must be present; nothing is
+  /// validated.
   static uint32_t convertUtf8CharToUtf32(const char* text);
 
  protected:
-  /// Without a way yet: derived classes choose one.
+  /// Constructs a converter without a route; derived classes select one.
   VelClConverterABase(const VelClCCSID& source, const VelClCCSID& target);
 
-  /// Choose the way of this direction.
+  /// Select the route for this direction.
   void initCodePage2Unicode();
   void initUnicode2CodePage();
-  /// The same for another source, from now on.
+  /// Selects a route for another source; it replaces the present one.
   void initNewCodePage2Unicode(const VelClCCSID& source);
-  /// Gives the ICU converter back; there is no way any more.
+  /// Closes the ICU converter; afterwards there is no route.
   void deinit();
-  /// There is no way.
+  /// Removes the route; every conversion then fails with CPCONVERTER_UNSUPPORTED.
   void setConverterError();
   /// Clears the last error and runs the conversion function, unless its output could overflow the target.
   size_t runConversion(char* target, size_t targetSize, const char** source, size_t sourceSize) const;
-  /// That of getSufficientSizeForSize for this conversion function alone.
+  /// Returns getSufficientSizeForSize for this conversion function alone.
   size_t sufficientSizeOfStage(size_t size) const;
 
   /// See getLastError.
@@ -315,10 +322,10 @@ class VEL_API VelClConverterABase {
   VelConversionFunction function_;
 };
 
-/// From a code page to UCS-2 in the order of the host (13488).
+/// Converts from a code page to UCS-2 in host byte order (13488).
 class VEL_API VelClCodePage2UnicodeConverter : public VelClConverterABase {
  public:
-  /// Chooses the way; isSupported tells whether there is one. So do the converters below.
+  /// Selects the route; isSupported tells whether there is one. The same applies to the converters below.
   explicit VelClCodePage2UnicodeConverter(const VelClCCSID& source);
   ~VelClCodePage2UnicodeConverter() override;
 
@@ -326,10 +333,10 @@ class VEL_API VelClCodePage2UnicodeConverter : public VelClConverterABase {
   size_t getMaximumSizeForSize(size_t size) const override;
 };
 
-/// From UCS-2 in the order of the host to a code page.
+/// Converts from UCS-2 in host byte order to a code page.
 class VEL_API VelClUnicode2CodePageConverter : public VelClConverterABase {
  public:
-  /// For this target.
+  /// Selects the route to `target`.
   explicit VelClUnicode2CodePageConverter(const VelClCCSID& target);
   ~VelClUnicode2CodePageConverter() override;
 
@@ -337,11 +344,12 @@ class VEL_API VelClUnicode2CodePageConverter : public VelClConverterABase {
   size_t getMaximumSizeForSize(size_t size) const override;
 };
 
-/// From a code page to a code page, through UCS-2 in a buffer that grows with the largest source and is kept.
-/// Equal CCSIDs copy bytes, as many as fit and without any error, also where nothing else is supported.
+/// Converts from one code page to another, through UCS-2 in a buffer that grows with the largest source and
+/// is then kept. If both CCSIDs are equal the bytes are copied, as many as fit and without an error, even if
+/// no route is supported.
 class VEL_API VelClCodePage2CodePageConverter : public VelClCodePage2UnicodeConverter {
  public:
-  /// Chooses a way for each stage.
+  /// Selects a route for each of the two stages.
   VelClCodePage2CodePageConverter(const VelClCCSID& source, const VelClCCSID& target);
   ~VelClCodePage2CodePageConverter() override;
 
@@ -350,10 +358,10 @@ class VEL_API VelClCodePage2CodePageConverter : public VelClCodePage2UnicodeConv
   bool requiresExternalICONVRoutine() const override;
   bool requiresExternalICUData() const override;
   size_t getMaximumSizeForLength(size_t length) const override;
-  // For source 1392 it is the size of the buffer, which UTF-8 can exceed. Keep.
+  // Intentional: for source 1392 the documented result is the size of the buffer, which UTF-8 can exceed.
   size_t getMaximumSizeForSize(size_t size) const override;
   using VelClConverterABase::convertBytes;
-  /// When the target is too small, the source may be consumed all the same.
+  /// If the target is too small, the source may be consumed nevertheless.
   size_t convertBytes(char* target, size_t targetSize, const char** source, size_t sourceSize) const override;
 
  private:
@@ -370,87 +378,89 @@ class VEL_API VelClCodePage2CodePageConverter : public VelClCodePage2UnicodeConv
   mutable size_t bufferSize_;
 };
 
-/// From a code page to UTF-8.
+/// Converts from a code page to UTF-8.
 class VEL_API VelClCodePage2UTF8Converter : public VelClCodePage2CodePageConverter {
  public:
-  /// For this source.
+  /// Selects the route from `source`.
   explicit VelClCodePage2UTF8Converter(const VelClCCSID& source);
   ~VelClCodePage2UTF8Converter() override;
 };
 
-/// What velGetDBCStoUCS2Table finds. Single bytes are looked up in page 1; the pair (lead, trail) is at index
-/// trail of page (page number of lead - 1). Units are stored with the high byte first; U+FFFD where nothing
-/// is mapped.
+/// The result of velGetDBCStoUCS2Table. Single bytes are looked up in page 1; the pair (lead, trail) is at
+/// index trail of page (page number of lead - 1). Units are stored with the high byte first; unmapped entries
+/// have U+FFFD.
 struct VelStDoubleByteTable {
-  uint32_t ccsid;                ///< whose table this is
+  uint32_t ccsid;                ///< the CCSID of the table
   uint8_t isEbcdic;              ///< 1 for shifted tables, else 0
   uint8_t pageNumbers[256];      ///< never 0
   const void* reserved;          ///< null
-  const uint16_t (*pages)[256];  ///< as many as the page numbers name
-  const uint8_t* leadBytes;      ///< 256 bytes, not 0 for a lead byte; null when `isEbcdic`
+  const uint16_t (*pages)[256];  ///< as many pages as the page numbers refer to
+  const uint8_t* leadBytes;      ///< 256 bytes, non-zero for a lead byte; null if `isEbcdic`
 };
 
-/// Null, and `isEbcdic` unchanged, for a CCSID without such a table.
+/// Returns null, and leaves `isEbcdic` unchanged, for a CCSID without such a table.
 VEL_API const VelStDoubleByteTable* velGetDBCStoUCS2Table(unsigned int ccsid, bool& isEbcdic);
 
-/// The conversion functions return the bytes written and advance the source past what they consumed;
-/// where the target's size is not checked, the caller gives enough for all of the source. Converters check
-/// that before.
+/// The functions below return the number of bytes written and advance the source past the consumed bytes.
+/// Where the size of the target is not checked, the caller provides enough room for the whole source;
+/// converters check that in advance.
 ///
-/// UCS-2, as many bytes as both sides have. CPCONVERTER_INCOMPLETE when that is an odd number.
+/// Copies UCS-2: as many bytes as are available on both sides. CPCONVERTER_INCOMPLETE if that number is odd.
 VEL_API size_t velConvertByCopying(VelClConverterABase::_VelStConverter& call);
-/// The same, exchanging the bytes of each unit.
+/// Same, swapping the bytes of each unit.
 VEL_API size_t velConvertByEndianSwap(VelClConverterABase::_VelStConverter& call);
-/// Two target bytes for each byte; not checked.
+/// Writes two target bytes per source byte. The size of the target is not checked.
 VEL_API size_t velConvertByTablesSBCS_ASCIItoUCS2(VelClConverterABase::_VelStConverter& call);
-/// The same, with U+0085 (NEL) as U+000A (LF).
+/// Same, with U+0085 (NEL) as U+000A (LF).
 VEL_API size_t velConvertByTablesSBCS_EBCDICtoUCS2(VelClConverterABase::_VelStConverter& call);
-/// Mixed single and double bytes; two target bytes for each character, not checked. A lead byte at the end is
-/// CPCONVERTER_INCOMPLETE.
+/// Converts mixed single and double bytes to two target bytes per character. The size of the target is not
+/// checked. A lead byte at the end of the source is CPCONVERTER_INCOMPLETE.
 VEL_API size_t velConvertByTablesDBCS_ASCIItoUCS2(VelClConverterABase::_VelStConverter& call);
-/// The same with shift-out (0E) and shift-in (0F), from single-byte mode, and U+0085 as U+000A. The end in
-/// double-byte mode is CPCONVERTER_INCOMPLETE.
+/// Same with shift-out (0E) and shift-in (0F), beginning in single-byte mode, and U+0085 as U+000A. A source
+/// that ends in double-byte mode is CPCONVERTER_INCOMPLETE.
 VEL_API size_t velConvertByTablesDBCS_EBCDICtoUCS2(VelClConverterABase::_VelStConverter& call);
 /// Converts nothing.
 VEL_API size_t velConvertByTablesEUCtoUCS2(VelClConverterABase::_VelStConverter& call);
-/// One byte for each unit; not checked. CPCONVERTER_INCOMPLETE for an odd source size.
+/// Writes one byte per unit. The size of the target is not checked. CPCONVERTER_INCOMPLETE for an odd source
+/// size.
 VEL_API size_t velConvertByTablesUCS2toSBCS(VelClConverterABase::_VelStConverter& call);
-/// The same by taking each unit's low byte.
+/// Same, using the low byte of each unit.
 VEL_API size_t velConvertByAlgorithmUCS2to819(VelClConverterABase::_VelStConverter& call);
-/// By the decoder of the Unicode Consortium's ConvertUTF, 2001, sequences of up to six bytes. Trailing bytes
-/// are not checked; 80 to BF as lead bytes stand for themselves. A value beyond 31 bits gives U+FFFD.
+/// Decodes UTF-8 as in the Unicode Consortium's ConvertUTF, 2001: sequences of up to six bytes. Trailing
+/// bytes are not validated; 80 to BF as lead bytes stand for themselves. A value beyond 31 bits yields
+/// U+FFFD.
 VEL_API size_t velConvertByAlgorithmUTF8toUCS2(VelClConverterABase::_VelStConverter& call);
-// Invalid units give U+FFFF, not U+FFFD. Keep.
+// Intentional: ill-formed input yields U+FFFF, not U+FFFD; the documented result is EF BF BF.
 /// Unpaired surrogates, U+FDD0 to U+FDEF, U+FFFE and U+FFFF are written as EF BF BF.
 VEL_API size_t velConvertByAlgorithmUCS2toUTF8(VelClConverterABase::_VelStConverter& call);
-// The source is not advanced, even on success. Keep.
-/// The system's own conversion to the code page whose number is the target CCSID; the source is not advanced.
-/// CPCONVERTER_TOO_BIG when it fails, also for an empty source or target.
+// Intentional: callers rely on the source staying put, even on success.
+/// Uses the system's own conversion to the code page whose number is the target CCSID. The source is not
+/// advanced. CPCONVERTER_TOO_BIG if the conversion fails, also for an empty source or target.
 VEL_API size_t velConvertByWindowsCallUCS2ToWinCP(VelClConverterABase::_VelStConverter& call);
-/// CPCONVERTER_UNSUPPORTED.
+/// Writes nothing and sets CPCONVERTER_UNSUPPORTED.
 VEL_API size_t velConvertError(VelClConverterABase::_VelStConverter& call);
-/// ICU's conversions, with replacements for what cannot be converted. The last error is that of ICU's status;
-/// a warning, or a status without an identifier, throws ICU_UNEXPECTED_ICU_ERROR.
+/// Convert with ICU and replace what cannot be converted. The last error corresponds to ICU's status; a
+/// warning, or a status without an identifier, throws ICU_UNEXPECTED_ICU_ERROR.
 VEL_API size_t velConvertByAlgorithmIcuToUnicode(VelClConverterABase::_VelStConverter& call);
 VEL_API size_t velConvertByAlgorithmIcuFromUnicode(VelClConverterABase::_VelStConverter& call);
 
-/// Opens ICU's converter for a CCSID, with fallback mappings. Null with the reason in `error`:
-/// ICU_UNSUPPORTED_ERROR when there is no ICU, mostly ICU_FILE_ACCESS_ERROR when it does not know the CCSID.
-/// The caller closes it. 65502 is ICU's LMBCS.
+/// Opens the ICU converter for a CCSID, with fallback mappings; the caller closes it with
+/// velDeleteICUConverter. On failure returns null and stores the reason in `error`: ICU_UNSUPPORTED_ERROR if
+/// there is no ICU, usually ICU_FILE_ACCESS_ERROR if ICU does not know the CCSID. 65502 is ICU's LMBCS.
 VEL_API const void* velGetICUConverter(unsigned int ccsid, _VelStError& error);
 
-/// What ICU's status numbers (UErrorCode) mean in the library's terms. A number that is not known throws
-/// VelClException ICU_UNEXPECTED_ICU_ERROR from every function but isIcuError.
+/// Translates ICU's status codes (UErrorCode) to the library's errors. An unknown status throws
+/// VelClException ICU_UNEXPECTED_ICU_ERROR from every function except isIcuError.
 class VEL_API VelClIcuInterface {
  public:
-  /// A status and what it means.
+  /// A status code and the error it corresponds to.
   struct _VelStIcuRc2VelIdMap;
 
   VelClIcuInterface() = delete;
 
-  /// Above 0; warnings are below.
+  /// True for a status above 0; warnings are below 0.
   static bool isIcuError(int32_t status);
-  /// What a status is as identifier, class, action and severity, one by one or filled into a record.
+  /// Return the identifier, class, action and severity of a status one by one, or store them in a record.
   static unsigned long getVelErrorIdForIcuError(int32_t status);
   static VelEnErrorClass getVelErrorClassForIcuError(int32_t status);
   static VelEnErrorAction getVelErrorActionForIcuError(int32_t status);

@@ -1,5 +1,5 @@
-// The front end of command-line tools: usage strings, argument cursors, built-in switches, messages,
-// exit codes, aligned output and a progress display.
+// Front end of command-line tools: usage strings, argument cursors, built-in switches, messages, exit codes,
+// aligned output and a progress bar.
 #ifndef VEL_CONSOLEUI_H_
 #define VEL_CONSOLEUI_H_
 
@@ -22,13 +22,13 @@ class Words;
 struct MessageTexts;
 }  // namespace vel::consoleui
 
-/// Walks the elements of a usage string. The same text is shown to the user and tells the library which
-/// switches a tool has and which of them take values:
+/// Iterates over the elements of a usage string. The same string is shown to the user and tells the library
+/// which switches a tool has and which of them take values:
 ///
 ///   (-key <key>) [-verbose] [(-file <name> ...)] <word>
 ///
 ///   -name      a switch: "-" and letters, digits or dots. "-5" is a number, not a switch.
-///   <text>     a value or argument; so is a word behind a blank.
+///   <text>     a value or argument; so is a word after a blank.
 ///   ( )        a group: a switch takes the arguments that follow it in its group. Not shown to the user.
 ///   [ ]        optional; for the reader only.
 ///   ..         two dots or more: the value before them may repeat.
@@ -36,42 +36,41 @@ struct MessageTexts;
 ///   "text"     is shown without its quotes and holds no elements.
 ///   @          at the start of a line: shown as an empty line.
 ///
-/// A switch must be followed by one of "[]<>(){}-| " or the end of the string; one that a line break
-/// follows never matches. The string is not copied.
+/// A switch must be followed by one of "[]<>(){}-| " or the end of the string; a switch followed by a line
+/// break never matches. The string is not copied.
 class VEL_API VelClUsageCursor : public VelClUniDirCursorABase {
  public:
-  /// Stands on no element until setToFirst. Null counts as "".
+  /// The cursor is invalid until setToFirst. A null usage counts as "".
   explicit VelClUsageCursor(const char* usage);
   ~VelClUsageCursor() override;
 
   bool isValid() const override;
-  /// For the start of a walk: nesting depths and marks are not taken back, so a second walk needs a new
-  /// cursor.
+  /// Starts the iteration. Nesting depths and marks are not reset, so a second iteration needs a new cursor.
   bool setToFirst() override;
   bool setToNext() override;
 
-  /// What kind of element it stands on.
+  /// Tell the kind of the current element.
   bool isSwitch() const;
   bool isArg() const { return !isSwitch(); }
-  /// An argument outside of every group.
+  /// True for an argument outside every group.
   bool isFree() const;
-  /// On a line marked with "!", behind the mark.
+  /// True after the mark on a line marked with "!".
   bool isTagged() const { return tagged_; }
-  /// On an ellipsis, two dots or more.
+  /// True on an ellipsis: two dots or more.
   bool isArgEllipsis() const;
 
-  /// Whether a command-line argument looks like a switch: "-" and no digit behind it. Null does not.
+  /// True if a command-line argument looks like a switch: "-" not followed by a digit. False for null.
   static bool isSwitchIndicator(const char* argument);
-  /// Whether a character of the usage string is shown to the user; not so "(", ")" and double quotes.
+  /// True if a character of the usage string is shown to the user; false for "(", ")" and double quotes.
   static bool isToBeDisplayed(char c);
 
-  /// Whether `text` stands here, followed by the end or a delimiter.
+  /// True if `text` is found at the cursor, followed by a delimiter or the end of the string.
   bool matches(const char* text) const;
-  /// Whether the switch here is the command-line argument `argument`, with or without its "-".
+  /// True if the current switch is the command-line argument `argument`, given with or without its "-".
   bool matchesSwitch(const char* argument) const;
-  /// Whether the switch here takes a value.
+  /// True if the current switch takes a value.
   bool reqArg() const;
-  /// Whether the switch here takes a list of values that ends in an ellipsis.
+  /// True if the current switch takes a list of values that ends in an ellipsis.
   bool reqArgEllipsis() const;
 
  private:
@@ -91,12 +90,12 @@ class VEL_API VelClUsageCursor : public VelClUniDirCursorABase {
   bool inPlaceholder_;
 };
 
-/// Walks the arguments of a command line; argument 0, the program, is never visited. The vector is not
-/// copied. setToNext and setToPrevious move the position by one beyond the ends, too: what is two steps
-/// before the first argument is two steps away from it.
+/// Iterates over the arguments of a command line. Argument 0, the program, is never visited. The argument
+/// vector is not copied. setToNext and setToPrevious also move an invalid cursor by one: a cursor two steps
+/// before the first argument takes two steps to return to it.
 class VEL_API VelClArgvCursor : public VelClBiDirCursorABase {
  public:
-  /// Stands at the first argument, if there is one; of a user interface, its command line.
+  /// Moves to the first argument, if there is one. The second form uses the command line of a user interface.
   VelClArgvCursor(int argc, const char* const* argv);
   explicit VelClArgvCursor(const VelClConsoleUI& ui);
   VelClArgvCursor(const VelClArgvCursor&) = default;
@@ -109,22 +108,23 @@ class VEL_API VelClArgvCursor : public VelClBiDirCursorABase {
   bool setToLast() override;
   bool setToPrevious() override;
 
-  /// The current argument, "" on an invalid position.
+  /// Returns the current argument, or "" if the cursor is invalid.
   const char* getAsCString() const;
-  /// Argument 0, "" when there is none.
+  /// Returns argument 0, or "" if there is none.
   const char* getArgv0() const;
-  /// All false on an invalid position.
+  /// Tell the kind of the current argument; both return false if the cursor is invalid.
   bool isSwitch() const;
   bool isArg() const;
-  /// Whether the current argument is the switch `name`, given with or without "-"; never abbreviated.
+  /// True if the current argument is the switch `name`, which may be given with or without "-". Abbreviations
+  /// do not match.
   bool matches(const char* name) const;
-  /// Moves to the first argument that is the switch `name`; the position is invalid when there is none.
+  /// Moves to the first argument that is the switch `name`; if there is none the cursor becomes invalid.
   bool positionTo(const char* name);
 
  protected:
-  /// The argument at an index from 1 on, or null.
+  /// Returns the argument at an index from 1 on, or null.
   const char* argumentAt(int32_t index) const;
-  /// The position and the number of arguments, both counted as in `argv`.
+  /// The index of the current argument and the number of arguments, both counted as in `argv`.
   int32_t getIndex() const { return index_; }
   void setIndex(int32_t index) { index_ = index; }
   int32_t getCount() const { return count_; }
@@ -135,8 +135,8 @@ class VEL_API VelClArgvCursor : public VelClBiDirCursorABase {
   const char* const* arguments_;
 };
 
-/// Asks about arguments in the light of a usage string, which is not copied. All questions are false
-/// on an invalid position.
+/// Classifies arguments by a usage string, which is not copied. All queries return false if the cursor is
+/// invalid.
 class VEL_API VelClArgvCheckCursor : public VelClArgvCursor {
  public:
   /// A null usage counts as "".
@@ -146,17 +146,17 @@ class VEL_API VelClArgvCheckCursor : public VelClArgvCursor {
   VelClArgvCheckCursor& operator=(const VelClArgvCheckCursor&) = default;
   ~VelClArgvCheckCursor() override;
 
-  /// A known switch, the value of one, or any argument where the usage admits free ones.
+  /// True for a known switch, for the value of one, and for any argument if the usage allows free ones.
   bool isLegal() const;
-  /// A known switch that takes a value.
+  /// True for a known switch that takes a value.
   bool reqArg() const;
-  /// A switch with an argument behind it that is not a switch.
+  /// True for a switch followed by an argument that is not a switch.
   bool hasArg() const;
-  /// The value of the switch in front of it.
+  /// True for the value of the preceding switch.
   bool isBound() const;
-  /// Neither a switch nor the value of one.
+  /// True for an argument that is neither a switch nor the value of one.
   bool isFree() const;
-  /// Matches an element on a line marked with "!", "-" included.
+  /// True for an argument that matches an element on a line marked with "!", "-" included.
   bool isTagged() const;
 
  private:
@@ -165,10 +165,10 @@ class VEL_API VelClArgvCheckCursor : public VelClArgvCursor {
   const char* usage_;
 };
 
-/// Walks free arguments only.
+/// Iterates over free arguments only.
 class VEL_API VelClArgvFreeCursor : public VelClArgvCheckCursor {
  public:
-  /// As for VelClArgvCheckCursor.
+  /// See VelClArgvCheckCursor.
   VelClArgvFreeCursor(int argc, const char* const* argv, const char* usage);
   explicit VelClArgvFreeCursor(const VelClConsoleUI& ui);
   VelClArgvFreeCursor(const VelClArgvFreeCursor&) = default;
@@ -184,11 +184,11 @@ class VEL_API VelClArgvFreeCursor : public VelClArgvCheckCursor {
   bool settle(int32_t step);
 };
 
-/// Where the label is in the label column of aligned output. Other numbers count as LEFT.
+/// Alignment of the label in the label column of aligned output. Other numbers count as LEFT.
 enum class VelEnFormatStyle : uint32_t {
   LEFT = 0,    ///< followed by fill characters
-  RIGHT = 1,   ///< behind blanks
-  CENTRED = 2  ///< between blanks; the right margin is short by the odd remainders of width and label
+  RIGHT = 1,   ///< preceded by blanks
+  CENTRED = 2  ///< between blanks; an odd width, and an odd label, each narrow the right margin by one
 };
 
 /// The settings of a console user interface.
@@ -200,56 +200,57 @@ class VEL_API VelClConsoleUIParams {
   VelClConsoleUIParams& operator=(const VelClConsoleUIParams&) = delete;
   ~VelClConsoleUIParams();
 
-  /// Both are copied; null counts as "". A tool with the usage "" has none.
+  /// The usage string and the help text. Both are copied; null counts as "". A tool whose usage is "" has no
+  /// usage.
   const char* getUsage() const { return usage_; }
   const char* getHelp() const { return help_; }
   void setUsage(const char* usage);
   void setHelp(const char* help);
-  /// Both at once; each may be (part of) one of the old texts.
+  /// Sets both at once; each may be all or part of one of the old texts.
   void setUsageHelp(const char* usage, const char* help);
-  /// Argument 0 behind its last separator, cut at its first ".", at most 25 characters, in upper case.
+  /// Returns argument 0 without its directory, cut at the first ".", at most 25 characters, in upper case.
   const char* getProcessName() const { return processName_; }
-  /// In characters: the length of the process name.
+  /// Returns the length of the process name in characters.
   unsigned int getIndentation() const { return indentation_; }
 
-  /// Quiet mode silences info and progress, and holds back setOutputStream. Hidden lines of the usage are not
-  /// shown; disabled ones are errors on the command line as well. All off at first.
+  /// Initially all are off. Quiet mode suppresses info and progress, and ignores setOutputStream. Hidden
+  /// lines of the usage are not shown; switches on disabled lines are errors on the command line as well.
   bool mustBeQuiet() const { return quiet_; }
   void setQuietMode(bool quiet) { quiet_ = quiet; }
   bool mustHideTaggedLines() const { return hideTaggedLines_; }
   void setHideTaggedLines(bool hide) { hideTaggedLines_ = hide; }
   bool mustDisableTaggedLines() const { return disableTaggedLines_; }
   void setDisableTaggedLines(bool disable) { disableTaggedLines_ = disable; }
-  /// Whether aligned output puts values between double quotes: VEL_CONSOLEUI_QUOTE_STRINGS was enabled
-  /// when this object was made.
+  /// True if aligned output encloses values in double quotes, which it does if VEL_CONSOLEUI_QUOTE_STRINGS
+  /// was enabled when this object was constructed.
   bool mustQuoteStrings() const { return quoteStrings_; }
 
-  /// In characters; 36 at first.
+  /// The width of the label column in characters; initially 36.
   unsigned int getFormatWidth() const { return formatWidth_; }
   void setFormatWidth(unsigned int width) { formatWidth_ = width; }
-  /// LEFT at first. Set by name or by number.
+  /// The alignment of the label; initially LEFT. It can be set by name or by number.
   VelEnFormatStyle getFormatStyle() const { return formatStyle_; }
   void setFormatStyle(VelEnFormatStyle style) { formatStyle_ = style; }
   void setFormatStyle(uint32_t style) { formatStyle_ = static_cast<VelEnFormatStyle>(style); }
-  /// '.' at first.
+  /// The fill character; initially '.'.
   char getFormatFillChar() const { return fillChar_; }
   void setFormatFillChar(char c) { fillChar_ = c; }
 
-  /// Streams are not owned. Standard output and standard error at first.
+  /// The streams; initially standard output and standard error. They are not owned.
   std::ostream& getOutputStream() const { return *output_; }
   std::ostream& getErrorStream() const { return *errors_; }
-  /// Has no effect in quiet mode.
+  /// Sets the output stream; has no effect in quiet mode.
   void setOutputStream(std::ostream& stream);
-  /// Takes effect in quiet mode too.
+  /// Sets the output stream, in quiet mode as well.
   void forceOutputStream(std::ostream& stream) { output_ = &stream; }
-  /// For fatal and exception.
+  /// Sets the stream of fatal and exception.
   void setErrorStream(std::ostream& stream) { errors_ = &stream; }
-  /// Writes what the output stream still holds.
+  /// Flushes the output stream.
   void flushOutputStream();
 
-  /// The answer to the last prompt, "" before the first; valid until the next.
+  /// Returns the answer to the last prompt, or "" before the first one; valid until the next prompt.
   const char* getInput() const { return input_; }
-  /// Copied, cut to what the buffer holds: 80 characters. Null counts as "".
+  /// Stores a copy of the text, cut to 80 characters, which is the size of the buffer. Null counts as "".
   void setInput(const char* text);
   /// The longest answer in characters.
   static constexpr size_t kMaxInputLength = 80;
@@ -275,17 +276,17 @@ class VEL_API VelClConsoleUIParams {
   std::ostream* errors_;
 };
 
-/// A switch as the functions below take it: by its name with or without "-", by its one letter, or by the
-/// number of the message that holds its name. Write numbers as `10UL`.
+/// Identifies a switch: by its name with or without "-", by its single letter, or by the number of the
+/// message that holds its name. Write numbers as `10UL`.
 class VelClSwitchName {
  public:
-  /// From any of the three.
+  /// Convert from any of the three.
   VelClSwitchName(const char* name) : name_(name), letter_('\0'), messageId_(0) {}
   VelClSwitchName(char letter) : name_(nullptr), letter_(letter), messageId_(0) {}
   VelClSwitchName(unsigned long messageId)
       : name_(nullptr), letter_('\0'), messageId_(static_cast<uint32_t>(messageId)) {}
 
-  /// What it was made from; null, NUL or 0 for the two others.
+  /// Return the value it was constructed from; the two others return null, NUL or 0.
   const char* getName() const { return name_; }
   char getLetter() const { return letter_; }
   unsigned long getMessageId() const { return messageId_; }
@@ -296,17 +297,17 @@ class VelClSwitchName {
   uint32_t messageId_;
 };
 
-/// A text for the user, such as the label of an aligned line or a question: itself, or the number of the
-/// message that holds it. Write numbers as `10UL`. Null and number 0 are the empty text.
+/// A text for the user, such as the label of an aligned line or a question: either the text itself, or the
+/// number of the message that holds it. Write numbers as `10UL`. Null and number 0 mean the empty text.
 class VelClUIText {
  public:
-  /// From either.
+  /// Convert from either.
   VelClUIText(const char* text) : text_(text), messageId_(0) {}
   VelClUIText(unsigned long messageId) : text_(nullptr), messageId_(static_cast<uint32_t>(messageId)) {}
 
-  /// Null for a text by number.
+  /// Returns null for a text given by number.
   const char* getText() const { return text_; }
-  /// 0 for a text.
+  /// Returns 0 for a text given directly.
   unsigned long getMessageId() const { return messageId_; }
 
  private:
@@ -314,8 +315,8 @@ class VelClUIText {
   uint32_t messageId_;
 };
 
-/// The front end of a command-line tool. A tool makes one, calls init with its title and handleUsageHelp
-/// with its usage string, and reads its switches:
+/// The front end of a command-line tool. A tool constructs one, calls init with its title and handleUsageHelp
+/// with its usage string, and then reads its switches:
 ///
 ///   VelClConsoleUI ui(argc, argv);
 ///   ui.init("Frobnicator", "turns files around", "1.2", "Nov 21 2026");
@@ -323,87 +324,91 @@ class VelClUIText {
 ///   const char* name;
 ///   ui.reqArgString("file", name);
 ///
-/// Built-in switches: -quiet; -copyright, -h, -H and -? (which end the process with 201).
-/// Exit codes: 201 after usage, help or copyright and for a bad command line, 202 for a missing switch of
-/// a tool without usage, 203 for a switch without its value, 204 for a value that is no number.
-/// Every end with another code than 0 first writes the bell character to the output stream.
+/// Built-in switches are -quiet, and -copyright, -h, -H and -?, which end the process with 201.
+/// Exit codes: 201 after usage, help or copyright, and for an invalid command line; 202 for a missing switch
+/// in a tool without usage; 203 for a switch without its value; 204 for a value that is not a number. Every
+/// exit with a code other than 0 first writes the bell character to the output stream.
 ///
-/// The words come from a message catalog at fixed numbers plus a base: for the library's own catalog, or
-/// its built-in table where that is not installed, the base is 0. Message numbers that the tool hands
-/// over (titles, switch names, labels) are taken as they are, from getMessageCatalog.
+/// The library's own texts come from a message catalog, at fixed numbers plus a base. The base is 0 for the
+/// library's catalog, and for the built-in table that replaces it where it is not installed. Message numbers
+/// that the tool passes (titles, switch names, labels) are used without the base, in getMessageCatalog.
 class VEL_API VelClConsoleUI {
  public:
-  /// With the library's own catalog. The vector is not copied.
+  /// Uses the library's catalog. The argument vector is not copied.
   VelClConsoleUI(int argc, const char* const* argv);
-  /// With a catalog of the tool's, which holds the library's messages from `messageBase` on. When its library
-  /// cannot be loaded, a string table of `size` entries serves instead, unless it is null; it is not copied.
+  /// Uses the tool's catalog, which contains the library's messages from number `messageBase` on. If its
+  /// library cannot be loaded, a string table of `size` entries is used instead, unless `table` is null; the
+  /// table is not copied.
   VelClConsoleUI(int argc, const char* const* argv, const VelClFilename& catalogFile,
                  unsigned long messageBase, const char* const* table = nullptr, unsigned long size = 0);
   VelClConsoleUI(const VelClConsoleUI&) = delete;
   VelClConsoleUI& operator=(const VelClConsoleUI&) = delete;
   virtual ~VelClConsoleUI();
 
-  /// The catalog behind message numbers that the tool hands over; overridden by tools that have their own.
+  /// Returns the catalog for the message numbers that the tool passes. A tool that has its own catalog
+  /// overrides it.
   virtual const VelClMessageCatalog& getMessageCatalog() const;
 
-  /// Shows the title and handles -quiet and -copyright. Null texts and messages 0 count as absent; level
-  /// and date are shown on the copyright page.
+  /// Shows the title and handles -quiet and -copyright. Null texts and message number 0 count as absent;
+  /// level and date are shown on the copyright page.
   void init(const char* title, const char* description, const char* toolLevel, const char* toolDate);
   void init(unsigned long titleId, unsigned long descriptionId, const char* toolLevel, const char* toolDate);
-  /// Handles -h, -H and -?, and checks the command line against the usage unless that is "". Every fault is
-  /// reported on standard error; then the usage is shown and the process ends with 201.
+  /// Handles -h, -H and -?, and checks the command line against the usage unless the usage is "". Every error
+  /// is reported on standard error; then the usage is shown and the process ends with 201.
   void handleUsageHelp(const char* usage, const char* help);
   void handleUsageHelp(unsigned long usageId, unsigned long helpId);
 
-  /// These write to standard output. In the usage "(", ")", double quotes and "!" are left out, in both texts
-  /// a line that begins with "@" is shown empty, and further lines are indented to the first.
+  /// Write to standard output. "(", ")", double quotes and "!" of the usage are omitted. In both texts a line
+  /// that begins with "@" is shown as an empty line, and further lines are indented like the first.
   void displayUsageHelp(const char* usage, const char* help, bool exit);
   void displayUsage(bool exit) const;
   void displayHelp(bool exit) const;
   [[noreturn]] void displayCopyright(const char* toolLevel, const char* toolDate) const;
-  /// Writes to the output stream.
+  /// Writes the title to the output stream.
   void displayTitle(const char* title, const char* description) const;
 
-  /// Whether the switch is given.
+  /// True if the switch is given.
   bool hasArgSwitch(VelClSwitchName name) const;
-  /// False, leaving `value` alone, when the switch is not given; otherwise `value` is the argument behind it,
-  /// not copied. A switch without a value ends the process with 203.
+  /// Returns false and leaves `value` unchanged if the switch is not given; otherwise sets `value` to the
+  /// argument after it, which is not copied. A switch without a value ends the process with 203.
   bool hasArgString(VelClSwitchName name, const char*& value) const;
-  /// The same for decimal numbers of 32 bits, saturated; a short takes the low 16 bits. An apostrophe
-  /// in front is skipped. A missing value ends the process with 203, one that begins with neither a digit
-  /// nor "-" with 204; "-x" reads as 0.
+  /// Same, for decimal numbers of 32 bits, which saturate; a short receives the low 16 bits. A leading
+  /// apostrophe is skipped. A missing value ends the process with 203; a value that begins with neither a
+  /// digit nor "-" ends it with 204. "-x" is read as 0.
   bool hasArgNumval(VelClSwitchName name, short& value) const;
   bool hasArgNumval(VelClSwitchName name, int& value) const;
   bool hasArgNumval(VelClSwitchName name, long& value) const;
-  /// The same, but a switch that is not given ends the process, see fatalMissingArg.
+  /// Same, but a switch that is not given ends the process, see fatalMissingArg.
   void reqArgSwitch(VelClSwitchName name) const;
   void reqArgString(VelClSwitchName name, const char*& value) const;
   void reqArgNumval(VelClSwitchName name, short& value) const;
   void reqArgNumval(VelClSwitchName name, int& value) const;
   void reqArgNumval(VelClSwitchName name, long& value) const;
 
-  /// Write a message: the first text, and each further one that is not null behind ": ". info says nothing in
-  /// quiet mode; info and warning go to the output stream, fatal and exception to the error stream.
+  /// Write a message: the first text, then each further text that is not null, preceded by ": ". info writes
+  /// nothing in quiet mode. info and warning write to the output stream, fatal and exception to the error
+  /// stream.
   void info(const char* text, const char* text2 = nullptr, const char* text3 = nullptr,
             const char* text4 = nullptr, const char* text5 = nullptr) const;
   void warning(const char* text, const char* text2 = nullptr, const char* text3 = nullptr,
                const char* text4 = nullptr, const char* text5 = nullptr) const;
   void error(std::ostream& stream, const char* text, const char* text2 = nullptr, const char* text3 = nullptr,
              const char* text4 = nullptr, const char* text5 = nullptr) const;
-  /// Ends the process with `exitCode`.
+  /// Writes the message and ends the process with `exitCode`.
   [[noreturn]] void fatal(int exitCode, const char* text, const char* text2 = nullptr,
                           const char* text3 = nullptr, const char* text4 = nullptr,
                           const char* text5 = nullptr) const;
-  /// Adds all that the exception tells.
+  /// Writes the message and every property of the exception.
   void exception(const VelClException& exception, const char* text, const char* text2 = nullptr,
                  const char* text3 = nullptr, const char* text4 = nullptr, const char* text5 = nullptr) const;
-  /// Ends the process with 202 for a tool without usage; otherwise shows the usage and ends it with 201.
+  /// Ends the process with 202 for a tool without usage; otherwise shows the usage and ends the process with
+  /// 201.
   [[noreturn]] void fatalMissingArg(const char* switchName) const;
-  /// Ends the process; any code but 0 is announced by the bell.
+  /// Ends the process; for any code other than 0 the bell character is written first.
   [[noreturn]] void processExit(int exitCode) const;
 
-  /// Aligned output, to the output stream. The first writes the label column only: two blanks, the label
-  /// in its width, and ": ". The others write a whole line.
+  /// Write aligned text to the output stream. The first writes only the label column: two blanks, the label
+  /// padded to its width, and ": ". The others write a whole line.
   void format(VelClUIText label) const;
   void format(VelClUIText label, const char* value) const;
   void format(VelClUIText label, int value) const;
@@ -412,52 +417,56 @@ class VEL_API VelClConsoleUI {
   void format(VelClUIText label, unsigned long value) const;
   void format(VelClUIText label, long long value) const;
   void format(VelClUIText label, unsigned long long value) const;
-  /// "YES" or "NO", in the catalog's language.
+  /// Writes "YES" or "NO", in the language of the catalog.
   void formatBool(VelClUIText label, bool value) const;
-  /// Bytes in hexadecimal, 16 a line, each line with the label column or blanks of its width.
+  /// Writes bytes in hexadecimal, 16 per line; each line begins with the label column or with blanks of its
+  /// width.
   void dump(VelClUIText label, const void* data, size_t sizeInBytes) const;
-  /// The name of an error identifier and its number; only the number when it has no name.
+  /// Writes the name and the number of an error identifier, or only the number if it has no name.
   void formatErrId(unsigned long errorId) const;
-  /// What an exception tells; without `verbose` only the identifier and what is not 0.
+  /// Writes the properties of an exception; without `verbose` only the identifier and the properties that are
+  /// not 0.
   void format(const VelClException& exception, bool verbose) const;
 
-  /// Ask the user, on standard output and from standard input, also in quiet mode. An empty answer takes
-  /// the default. A line is cut to 80 characters and its rest dropped; NUL bytes are left out. At the end
-  /// of input every prompt takes its default as it is, unchecked, so none asks for ever. The answer is
-  /// left in the input buffer, see VelClConsoleUIParams::getInput; texts may point into it.
+  /// Prompts for an answer. Questions go to standard output and answers come from standard input, in quiet
+  /// mode as well. An empty answer selects the default. A line is cut to 80 characters and the rest
+  /// discarded; NUL bytes are removed. At the end of input every prompt uses its default without checking it,
+  /// so no prompt repeats endlessly. The answer remains in the input buffer, see
+  /// VelClConsoleUIParams::getInput; arguments may point into it.
   ///
-  /// Asks once. Null leaves out the hint or the default; a null question is empty.
+  /// Asks once. A null hint or default is omitted; a null question is empty.
   void prompt(const char* question, const char* hint, const char* defaultAnswer) const;
-  /// Asks once and returns the answer, valid until the next prompt; "" at the end of input without default.
+  /// Asks once and returns the answer, valid until the next prompt. Returns "" at the end of input if there
+  /// is no default.
   const char* promptString(VelClUIText question, const char* defaultAnswer = nullptr) const;
-  /// Asks until the answer begins with a number, both limits included. Numbers saturate at 32 bits; "+5" is
-  /// none, "5x" is 5.
+  /// Repeats until the answer begins with a number from `minimum` to `maximum`, both inclusive. Numbers
+  /// saturate at 32 bits. "+5" is not a number; "5x" is 5.
   int32_t promptNumval(VelClUIText question, int32_t minimum, int32_t maximum, int32_t defaultValue) const;
-  /// Asks until the answer begins with the catalog's letter for yes or no, which are the first ones of its
-  /// messages 3 and 4 and must be capitals there; the answer's may be small.
+  /// Repeats until the answer begins with the catalog's letter for yes or no: the first letters of messages 3
+  /// and 4, which must be capitals there. The answer may be in lower case.
   bool promptYesNo(VelClUIText question, bool defaultAnswer) const;
-  /// Waits for one key, without echo and without Enter, and leaves the terminal as it was, also when a
-  /// signal ends or stops the process meanwhile. Returns at once when there is no console to wait at; where
-  /// keys come from standard input only and that is redirected, one character of it is taken.
+  /// Waits for one key, without echo and without Enter, and restores the terminal settings, even if a signal
+  /// ends or stops the process meanwhile. Returns immediately if there is no console. Where keys can only be
+  /// read from standard input and standard input is redirected, one character of it is consumed.
   void promptForKey() const;
-  /// Waits for a whole line and drops it; the last answer stays.
+  /// Waits for a whole line and discards it; the last answer is kept.
   void promptForEnter() const;
 
-  /// A progress bar on standard error, with percentage and remaining time. It appears only on a terminal,
-  /// not in quiet mode, and only after a second. `label` is not copied and may be null.
+  /// A progress bar on standard error, with percentage and remaining time. It is shown only on a terminal,
+  /// not in quiet mode, and not before one second has passed. `label` is not copied and may be null.
   void progressStart(unsigned long long total, const char* label = nullptr);
-  /// Adds to what is done; draws at most when the percentage changes.
+  /// Adds to the work done; redraws at most when the percentage changes.
   void progressStep(unsigned long long count = 1);
-  /// Leaves one clean line behind the bar, if it was shown.
+  /// Ends the bar and leaves one clean line after it, if it was shown.
   void progressStop();
 
-  /// What the user interface was made with, and its settings; see VelClConsoleUIParams.
+  /// The arguments of the constructor, and the settings; see VelClConsoleUIParams.
   const char* getProcessName() const { return params_->getProcessName(); }
   const char* getUsage() const { return params_->getUsage(); }
   int getArgc() const { return argc_; }
   const char* const* getArgv() const { return argv_; }
   std::ostream& getOutputStream() const { return params_->getOutputStream(); }
-  /// Has no effect in quiet mode.
+  /// Sets the output stream; has no effect in quiet mode.
   void setOutputStream(std::ostream& stream) { params_->setOutputStream(stream); }
   /// See VelClConsoleUIParams.
   bool mustBeQuiet() const { return params_->mustBeQuiet(); }
@@ -465,10 +474,10 @@ class VEL_API VelClConsoleUI {
   void setFormatStyle(VelEnFormatStyle style) { params_->setFormatStyle(style); }
   void setFormatStyle(uint32_t style) { params_->setFormatStyle(style); }
   void setFormatFillChar(char c) { params_->setFormatFillChar(c); }
-  /// Leave lines marked with "!" out of the usage; the second makes their switches errors as well.
+  /// Omit lines marked with "!" from the usage; the second also treats their switches as errors.
   void hideTaggedLines() { params_->setHideTaggedLines(true); }
   void disableTaggedLines() { params_->setDisableTaggedLines(true); }
-  /// The settings, to read and to change.
+  /// Returns the settings, for reading and changing.
   VelClConsoleUIParams& getParams() const { return *params_; }
 
  private:
@@ -492,7 +501,7 @@ class VEL_API VelClConsoleUI {
   uint64_t progressDone_ = 0;
   double progressStarted_ = 0;
   const char* progressLabel_ = "";
-  int32_t progressShown_ = -1;  ///< percentage on the screen, -1 for none
+  int32_t progressShown_ = -1;  ///< percentage on the screen, -1 if none
   bool progressActive_ = false;
 };
 

@@ -1,4 +1,4 @@
-// The bases of all cursors: objects that walk over the elements of something.
+// The base classes of all cursors, which iterate over the elements of a collection.
 #ifndef VEL_CURSOR_H_
 #define VEL_CURSOR_H_
 
@@ -6,8 +6,8 @@
 
 #if defined(VEL_HAS_CLASSES)
 
-/// Walks forward. Every move returns isValid after it, so that a walk reads
-/// `for (bool more = c.setToFirst(); more; more = c.setToNext())`.
+/// A forward cursor. Every move returns the new value of isValid, which allows loops such as `for (bool more
+/// = c.setToFirst(); more; more = c.setToNext())`.
 class VEL_API VelClUniDirCursorABase {
  public:
   VelClUniDirCursorABase() = default;
@@ -15,14 +15,14 @@ class VEL_API VelClUniDirCursorABase {
   VelClUniDirCursorABase& operator=(const VelClUniDirCursorABase&) = default;
   virtual ~VelClUniDirCursorABase();
 
-  /// Whether the cursor stands on an element.
+  /// True if the cursor is on an element.
   virtual bool isValid() const = 0;
-  /// Move; without an element there, the cursor becomes invalid.
+  /// Move to the first or the next element; if there is none the cursor becomes invalid.
   virtual bool setToFirst() = 0;
   virtual bool setToNext() = 0;
 };
 
-/// Walks both ways.
+/// A cursor that moves in both directions.
 class VEL_API VelClBiDirCursorABase : public VelClUniDirCursorABase {
  public:
   VelClBiDirCursorABase() = default;
@@ -30,7 +30,7 @@ class VEL_API VelClBiDirCursorABase : public VelClUniDirCursorABase {
   VelClBiDirCursorABase& operator=(const VelClBiDirCursorABase&) = default;
   ~VelClBiDirCursorABase() override;
 
-  /// Move, as those of VelClUniDirCursorABase do.
+  /// Move to the last or the previous element; if there is none the cursor becomes invalid.
   virtual bool setToLast() = 0;
   virtual bool setToPrevious() = 0;
 };

@@ -1,5 +1,4 @@
-// The compilers' export words, in one place. Everything without VEL_API is
-// hidden inside the shared library.
+// The export attributes of the compilers. Symbols without VEL_API are hidden inside the shared library.
 #ifndef VEL_EXPORT_H_
 #define VEL_EXPORT_H_
 
@@ -10,24 +9,23 @@
 #define VEL_API __declspec(dllimport)
 #endif
 #else
-/// Exports a class or function of C++.
+/// Exports a C++ class or function from the library.
 #define VEL_API __attribute__((visibility("default")))
 #endif
 
 #if defined(_WIN32)
 #define VEL_LOCAL
 #else
-/// Hides what belongs to an exported class and is none of its users' business.
+/// Hides an internal member of an exported class.
 #define VEL_LOCAL __attribute__((visibility("hidden")))
 #endif
 
 #if defined(__cplusplus)
-/// Marks a plain function: exported under its own, undecorated name and declared with types that a C program
-/// knows.
+/// Declares a plain function: exported under its own, undecorated name, with types that a C program knows.
 #define VEL_C_API extern "C" VEL_API
 #if !defined(VEL_PLAIN_FUNCTIONS_ONLY)
-/// Tells whether the C++ classes are declared. A C++ program whose ABI differs from the library's defines
-/// VEL_PLAIN_FUNCTIONS_ONLY, or includes vel_c.h first, and sees the plain functions alone.
+/// Defined if the C++ classes are declared. A C++ program whose ABI differs from the library's defines
+/// VEL_PLAIN_FUNCTIONS_ONLY, or includes vel_c.h first, and gets the plain functions only.
 #define VEL_HAS_CLASSES 1
 #endif
 #else

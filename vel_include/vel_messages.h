@@ -1,5 +1,5 @@
-// Numbered messages: catalogs that hold their texts per language, and messages with variables; and the names
-// of languages and territories.
+// Numbered messages: catalogs that hold their texts in several languages, and messages with variables; also
+// the names of languages and territories.
 #ifndef VEL_MESSAGES_H_
 #define VEL_MESSAGES_H_
 
@@ -15,9 +15,9 @@
 #include "vel_filesys.h"
 #endif
 
-/// The longest message in characters, variables included.
+/// The longest message in characters, including its variables.
 #define VEL_MAX_MESSAGE_LENGTH 4096
-/// A message takes at most this many variables.
+/// The maximum number of variables in a message.
 #define VEL_MAX_MESSAGE_VARIABLES 10
 
 #if defined(__cplusplus)
@@ -26,35 +26,34 @@ class VelClMessageCatalog;
 typedef struct VelClMessageCatalog VelClMessageCatalog;
 #endif
 
-/// An open catalog of the functions below; it must not be null for any of them but velMsgCatClose. A file
-/// name that is null counts as "", and a table that is null as none.
+/// An open catalog for the functions below. It must not be null, except for velMsgCatClose. A null file name
+/// counts as "", and a null table means no table.
 typedef struct VelStMsgCat* VelMsgCatHandle;
 
-/// Opens the catalog library `fileName`, whose extension is replaced by ".DLL". Null when it cannot
-/// be loaded. Sets the process's locale, as every opening of a catalog does, see
-/// VelClMessageCatalog.
+/// Opens the catalog library `fileName`, whose extension is replaced with ".DLL". Returns null if it cannot
+/// be loaded. Like every opening of a catalog it sets the locale of the process, see VelClMessageCatalog.
 VEL_C_API VelMsgCatHandle velMsgCatOpen(const char* fileName);
-/// A handle on a catalog that stays its owner's and must live longer. Null when that catalog's
-/// library is not loaded.
+/// Returns a handle for an existing catalog, which its owner keeps and which must outlive the handle. Returns
+/// null if the library of that catalog is not loaded.
 VEL_C_API VelMsgCatHandle velMsgCatOpenAttach(const VelClMessageCatalog* catalog);
-/// Opens the library, or takes the string table of `size` entries when it cannot be loaded; the table
-/// is not copied. Never null.
+/// Opens the library, or uses the string table of `size` entries if it cannot be loaded; the table is not
+/// copied. Never returns null.
 VEL_C_API VelMsgCatHandle velMsgCatOpenOrUseStringTable(const char* fileName, const char* const* table,
                                                         unsigned long size);
-/// Whether the message can be loaded.
+/// True if the message can be loaded.
 VEL_C_API bool velMsgCatIsValid(VelMsgCatHandle handle, unsigned long id);
-/// The message, or the text that says why there is none. The text lies in the handle and is valid
+/// Returns the message, or a text that says why it cannot be loaded. The handle owns the text, which is valid
 /// until the next call of velMsgCatGet or velMsgCatGetVar.
 VEL_C_API const char* velMsgCatGet(VelMsgCatHandle handle, unsigned long id);
-/// The same with variables: up to ten texts, ended by a null pointer if there are fewer. The first one is
-/// taken without a test for null, so a call without variables passes two nulls, as pointers.
+/// Same with variables: up to ten texts, followed by a null pointer if there are fewer. The first one is not
+/// tested for null, so a call without variables passes two nulls, as pointers.
 VEL_C_API const char* velMsgCatGetVar(VelMsgCatHandle handle, unsigned long id, ...);
-/// The language number that the catalog chose, 0 without a library.
+/// Returns the language number that the catalog selected, or 0 without a library.
 VEL_C_API unsigned int velMsgCatGetLanguage(VelMsgCatHandle handle);
-/// Null is ignored.
+/// Closes the catalog; null is ignored.
 VEL_C_API void velMsgCatClose(VelMsgCatHandle handle);
-/// The library's own messages in English, as they are compiled in: a string table for ids below `*size`.
-/// Entry 0 is the signature line, messages start at 2. `size` may be null.
+/// Returns the library's own messages in English, which are compiled in: a string table for ids below
+/// `*size`. Entry 0 is the signature line; messages start at 2. `size` may be null.
 VEL_C_API const char* const* velMsgCatGetBuiltInTable(unsigned long* size);
 
 #if defined(VEL_HAS_CLASSES)
@@ -64,46 +63,49 @@ class CatalogLibrary;
 }
 
 /// A catalog of messages, numbered from 1. Its texts come from a message-table resource library (a Windows
-/// DLL, read from its file on every system) in the user's language; without a loaded library
-/// they come from a string table that the program attaches. A loaded library wins over the
-/// table, also for ids that only the table has.
+/// DLL, read from its file on every system) in the user's language. If no library is loaded, they come from a
+/// string table that the program attaches. A loaded library takes precedence over the table, even for ids
+/// that only the table contains.
 ///
-/// Language: the user's, if the library has message 1 in it, else the system's, else 1033 (US English).
-/// Texts of Unicode libraries arrive in the process's single-byte code page (UTF-8 on most Linux
-/// systems), those of single-byte libraries as they are stored.
+/// The language is that of the user if the library has message 1 in it, else that of the system, else 1033
+/// (US English). Texts of Unicode libraries are returned in the single-byte code page of the process (UTF-8
+/// on most Linux systems), those of single-byte libraries as they are stored.
 ///
-/// Opening sets the process's locale for all categories to the user's (setlocale). From then on
-/// isprint, toupper and their like judge bytes above 0x7F by that locale, everywhere in the process. So one
-/// thread opens catalogs while no other goes by the locale.
+/// Opening a catalog sets the locale of the process, in all categories, to that of the user (setlocale). From
+/// then on isprint, toupper and similar functions classify bytes above 0x7F by that locale, everywhere in the
+/// process. Therefore open catalogs in one thread, while no other thread uses the locale.
 class VEL_API VelClMessageCatalog : public VelClFile {
  public:
-  /// The library's own catalog, "qammsg50.DLL". It is looked for beside this library, beside the program,
-  /// along PATH, and only then as other catalogs are, so that a file in the current directory replaces no
-  /// installed one.
+  /// Opens the library's own catalog, "qammsg50.DLL". It is searched beside this library, beside the program
+  /// and along PATH, and only then like other catalogs, so that a file in the current directory cannot
+  /// replace an installed catalog.
   VelClMessageCatalog();
-  /// The library `name` with its extension replaced by ".DLL"; a name without a directory is searched for
-  /// as the system's loader does: beside the program, in the current directory, along PATH; on Linux
-  /// at last beside this library too. It is read as data, none of its code runs. A file of more than 64 MB,
-  /// or one that is cut or damaged so that the system's loader would refuse it, does not load.
+  /// Opens the library `name` with its extension replaced by ".DLL". A name without a directory is searched
+  /// in the order of the system's loader: beside the program, in the current directory, along PATH, and on
+  /// Linux finally beside this library. The file is read as data; none of its code runs. A file of more than
+  /// 64 MB does not load, nor does one that is truncated or so damaged that the system's loader would reject
+  /// it.
   explicit VelClMessageCatalog(const VelClFilename& name);
-  /// A catalog without a library: only the table's messages, and no change of the locale.
+  /// Constructs a catalog without a library: it has only the messages of the table, and does not change the
+  /// locale.
   VelClMessageCatalog(const char* const* table, unsigned long size);
   VelClMessageCatalog(const VelClMessageCatalog&) = delete;
   VelClMessageCatalog& operator=(const VelClMessageCatalog&) = delete;
   ~VelClMessageCatalog() override;
 
-  /// Whether the library was loaded; a string table does not count.
+  /// True if the library was loaded; a string table does not count.
   bool isValid() const { return loaded_; }
-  /// Whether this is the library's own catalog, loaded or not.
+  /// True if this is the library's own catalog, loaded or not.
   bool hasDefaultVelCatalog() const { return default_; }
-  /// Whether a string table is attached.
+  /// True if a string table is attached.
   bool hasValidStringTable() const { return stringTable_ != nullptr; }
-  /// Attaches a table of `size` entries, which must outlive the catalog; ids below `size` can be asked for.
-  /// Entry 0 is the table's signature line and entry 1 its name.
+  /// Attaches a table of `size` entries, which must outlive the catalog and holds the messages with ids below
+  /// `size`. Entry 0 is the signature line of the table and entry 1 its name.
   void useStringTable(const char* const* table, unsigned long size);
-  /// True for every id but 0. No catalog is asked; entry 0 of a string table loads all the same.
+  /// True for every id except 0. No catalog is consulted; entry 0 of a string table can be loaded
+  /// nevertheless.
   static bool isValidMessageId(unsigned long id) { return static_cast<uint32_t>(id) != 0; }
-  /// The Windows language number chosen at opening, 0 without a library.
+  /// Returns the Windows language number selected at opening, or 0 without a library.
   unsigned int getLanguage() const { return language_; }
 
  private:
@@ -120,12 +122,12 @@ class VEL_API VelClMessageCatalog : public VelClFile {
   uint32_t languageFound_ = 0;
 };
 
-/// Walks every message that a catalog's library or, without one, its string table holds, by id and within
-/// an id by language. The catalog must stay alive and keep its table. A library that repeats the same few
-/// bytes as the messages of ever more languages is listed up to about four times its size.
+/// Iterates over all messages of a catalog's library or, without a library, of its string table, ordered by
+/// id and then by language. The catalog must outlive the cursor and keep its table. Where a library repeats
+/// the same few bytes as messages of ever more languages, at most about four times its size is listed.
 class VEL_API VelClMessageCatalogCursor : public VelClUniDirCursorABase {
  public:
-  /// Lists what the catalog holds now. Call setToFirst before you ask.
+  /// Lists the current content of the catalog. The cursor is invalid until setToFirst.
   explicit VelClMessageCatalogCursor(const VelClMessageCatalog& catalog);
   VelClMessageCatalogCursor(const VelClMessageCatalogCursor&) = delete;
   VelClMessageCatalogCursor& operator=(const VelClMessageCatalogCursor&) = delete;
@@ -135,12 +137,13 @@ class VEL_API VelClMessageCatalogCursor : public VelClUniDirCursorABase {
   bool setToFirst() override;
   bool setToNext() override;
 
-  /// 0 on an invalid position.
+  /// Returns the id, or 0 if the cursor is invalid.
   unsigned long getId() const;
-  /// The Windows language number of this text, 0 for texts of a string table and on an invalid position.
+  /// Returns the Windows language number of this text; 0 for a text of a string table, or if the cursor is
+  /// invalid.
   unsigned int getLanguage() const;
-  /// The text as stored, with its inserts; "" on an invalid position. Texts of Unicode libraries are given
-  /// in UTF-8 on every system, so that listings can be compared. Valid until the cursor moves.
+  /// Returns the text as stored, with its inserts, or "" if the cursor is invalid. Texts of Unicode libraries
+  /// are returned in UTF-8 on every system, so that listings can be compared. Valid until the cursor moves.
   const char* getAsCString() const;
 
  private:
@@ -156,12 +159,12 @@ class VEL_API VelClMessageCatalogCursor : public VelClUniDirCursorABase {
   char* text_;
 };
 
-/// One message with its variables substituted. It always has a text: that of a message that cannot be loaded
-/// says so and names the catalog's file.
+/// One message with its variables substituted. It always has a text: if the message cannot be loaded, the
+/// text says so and names the file of the catalog.
 ///
-/// Variables are "%1" to "%10" in the catalog's text; one that is not given, or null, stands for "???".
-/// Texts from a library follow all rules of the Windows message formatter ("%n", "%0", "%1!8s!"), texts
-/// from a string table know "%%" besides.
+/// Variables are "%1" to "%10" in the text of the catalog; a variable that is not given, or is null, is
+/// replaced with "???". Texts from a library follow all rules of the Windows message formatter ("%n", "%0",
+/// "%1!8s!"); texts from a string table additionally support "%%".
 class VEL_API VelClMessage {
  public:
   /// Loads the message. The catalog must outlive it.
@@ -170,15 +173,15 @@ class VEL_API VelClMessage {
                const char* var2 = nullptr, const char* var3 = nullptr, const char* var4 = nullptr,
                const char* var5 = nullptr, const char* var6 = nullptr, const char* var7 = nullptr,
                const char* var8 = nullptr, const char* var9 = nullptr, const char* var10 = nullptr);
-  /// `variables` holds ten pointers, or is null: none is given then.
+  /// `variables` points to ten pointers, or is null, which means no variables.
   VelClMessage(const VelClMessageCatalog& catalog, unsigned long id, const char* const* variables);
   VelClMessage(const VelClMessage& other);
-  /// Takes over text, id and validity; this message keeps its own catalog.
+  /// Copies text, id and validity; this message keeps its own catalog.
   VelClMessage& operator=(const VelClMessage& other);
   ~VelClMessage();
 
-  /// Load another message of the same catalog and return its text. The variables may point into the text
-  /// of this message.
+  /// Load another message of the same catalog and return its text. The variables may point into the present
+  /// text of this object.
   const char* setNewMessageId(unsigned long id);
   const char* setNewMessageId(unsigned long id, const char* var1, const char* var2 = nullptr,
                               const char* var3 = nullptr, const char* var4 = nullptr,
@@ -186,13 +189,13 @@ class VEL_API VelClMessage {
                               const char* var7 = nullptr, const char* var8 = nullptr,
                               const char* var9 = nullptr, const char* var10 = nullptr);
 
-  /// Never null; valid until the message changes.
+  /// Returns the text; never null; valid until the message changes.
   const char* getAsCString() const { return text_; }
-  /// The number that was asked for.
+  /// Returns the requested number.
   unsigned long getId() const { return id_; }
-  /// Whether the text came from the catalog.
+  /// True if the text came from the catalog.
   bool isValid() const { return loaded_; }
-  /// Whether the text is too long, over 80 characters, for the buffer inside the object.
+  /// True if the text is too long, over 80 characters, for the buffer inside the object.
   bool hasAllocatedMemory() const { return text_ != inline_; }
 
  private:
@@ -211,31 +214,32 @@ class VEL_API VelClMessage {
   bool loaded_;
 };
 
-/// Writes the message's text.
+/// Writes the text of the message.
 VEL_API std::ostream& operator<<(std::ostream& stream, const VelClMessage& message);
 
-/// A handle on a catalog, owned or not, with a buffer for one text.
+/// A handle for a catalog, owned or not, with a buffer for one text.
 class VEL_API VelClMessageCatalogProxy {
  public:
   /// Opens and owns a catalog.
   explicit VelClMessageCatalogProxy(const VelClFilename& name);
-  /// The same; when its library cannot be loaded the table is attached.
+  /// Same; if its library cannot be loaded the table is attached.
   VelClMessageCatalogProxy(const VelClFilename& name, const char* const* table, unsigned long size);
-  /// Refers to a catalog that stays its owner's.
+  /// Refers to a catalog that its owner keeps.
   explicit VelClMessageCatalogProxy(const VelClMessageCatalog* catalog);
   VelClMessageCatalogProxy(const VelClMessageCatalogProxy&) = delete;
   VelClMessageCatalogProxy& operator=(const VelClMessageCatalogProxy&) = delete;
   ~VelClMessageCatalogProxy();
 
-  /// Whether the catalog's library is loaded.
+  /// True if the library of the catalog is loaded.
   bool isValid() const;
-  /// Whether the message can be loaded.
+  /// True if the message can be loaded.
   bool isValidMessageId(unsigned long id) const;
-  /// The language number that the catalog chose, 0 without a library.
+  /// Returns the language number that the catalog selected, or 0 without a library.
   unsigned int getLanguage() const;
-  /// The message, or the text that says why there is none, in this object's buffer until the next call.
+  /// Returns the message, or a text that says why it cannot be loaded, in this object's buffer; valid until
+  /// the next call.
   const char* getMessage(unsigned long id);
-  /// `variables` as those of VelClMessage.
+  /// Same with variables, see VelClMessage.
   const char* getMessage(unsigned long id, const char* const* variables);
 
  private:
@@ -244,63 +248,64 @@ class VEL_API VelClMessageCatalogProxy {
   char text_[VEL_MAX_MESSAGE_LENGTH + 1];
 };
 
-/// A language together with a territory: a country or region. Both are rows of fixed tables, of 143 languages
-/// (ISO 639 codes) and 242 territories (ISO 3166 codes), as the codes were in 1997; there is no connection to
-/// the system's language numbers. All texts are literals, and codes are in lower case.
+/// A language combined with a territory: a country or region. Both are rows of fixed tables, of 143 languages
+/// (ISO 639 codes) and 242 territories (ISO 3166 codes), as the codes were in 1997. They are unrelated to the
+/// language numbers of the system. All texts are literals, and codes are in lower case.
 class VEL_API VelClLanguage {
  public:
-  /// Row numbers, in the order of the two-letter codes.
+  /// Row numbers of languages, in the order of the two-letter codes.
   enum VelEnLanguage : uint32_t {
     LANGUAGE_UNSPECIFIED = 0,  ///< row 0
-    LANGUAGE_UNKNOWN = 143     ///< behind the last row
+    LANGUAGE_UNKNOWN = 143     ///< after the last row
   };
-  /// Likewise.
+  /// Row numbers of territories, in the order of the two-letter codes.
   enum VelEnTerritory : uint32_t {
     TERRITORY_UNSPECIFIED = 0,  ///< row 0
-    TERRITORY_UNKNOWN = 242     ///< behind the last row
+    TERRITORY_UNKNOWN = 242     ///< after the last row
   };
 
-  /// "-", which stands between the two codes; tags may use "_" instead.
+  /// Return "-", the separator of the two codes; tags may use "_" instead.
   static const char* const cv_cpszCombiningCharString;
   static char getCombiningChar() { return '-'; }
   static const char* getCombiningCharAsCString() { return cv_cpszCombiningCharString; }
 
-  /// The language's number in the high 16 bits, the territory's in the low ones. Write 0 as `0U`.
+  /// Combines the number of the language in the high 16 bits and that of the territory in the low ones. Write
+  /// 0 as `0U`.
   explicit VelClLanguage(unsigned int number);
-  /// A tag of two-letter codes in any letter case, such as "en-US", "en_us" or "en"; "x-all" and
-  /// "x-unspecified" leave both unspecified. A code that is not in its table is unknown, three-letter codes
-  /// included. "_" separates only where the tag holds no "-". Null counts as "".
+  /// Parses a tag of two-letter codes in any case, such as "en-US", "en_us" or "en"; "x-all" and
+  /// "x-unspecified" leave both unspecified. A code that is not in its table is unknown; so are three-letter
+  /// codes. "_" is a separator only if the tag contains no "-". Null counts as "".
   explicit VelClLanguage(const char* tag);
 
-  /// What the current user's settings say: on Windows the regional settings, on Linux the first of LC_ALL,
-  /// LC_MESSAGES and LANG that is set; en-US when these say nothing.
+  /// Returns the language of the current user: on Windows from the regional settings, on Linux from the first
+  /// of LC_ALL, LC_MESSAGES and LANG that is set; en-US if these name none.
   static VelClLanguage getUserLanguage();
 
-  /// The number that the constructor takes, and its halves.
+  /// Return the number that the constructor accepts, and its two halves.
   unsigned int asNumber() const;
   VelEnLanguage getLanguage() const { return language_; }
   VelEnTerritory getTerritory() const { return territory_; }
 
-  /// "??" when unknown, here and below.
+  /// Return codes; here and below "??" if unknown.
   const char* getLanguageCode() const { return getLanguageCode(language_); }
   const char* getTerritoryCodeShort() const { return getTerritoryCodeShort(territory_); }
   const char* getTerritoryCodeLong() const { return getTerritoryCodeLong(territory_); }
   static const char* getLanguageCode(unsigned int language);
   static const char* getTerritoryCodeShort(unsigned int territory);
   static const char* getTerritoryCodeLong(unsigned int territory);
-  /// In English.
+  /// Return names in English.
   static const char* getLanguageName(unsigned int language);
   static const char* getTerritoryName(unsigned int territory);
-  /// The number of ISO 3166, 0 for territories without one; -1 when unknown.
+  /// Returns the ISO 3166 number; 0 for a territory without one, -1 if unknown.
   static int getTerritoryIdNumber(unsigned int territory);
-  /// The rows of the tables, "unspecified" included.
+  /// Return the number of rows in the tables, including "unspecified".
   static unsigned int getNumberOfLanguagesSupported();
   static unsigned int getNumberOfTerritoriesSupported();
 
   /// Write "en-us", or "en-usa", into a buffer of 7 or 8 characters.
   void extractShortCode(char* out) const;
   void extractLongCode(char* out) const;
-  /// The same, but the language's code alone when the territory is unspecified or unknown.
+  /// Same, but write the language code alone if the territory is unspecified or unknown.
   void extractISOShortCode(char* out) const;
   void extractISOLongCode(char* out) const;
 
@@ -312,7 +317,7 @@ class VEL_API VelClLanguage {
   VelEnTerritory territory_;
 };
 
-/// Writes "en-us", "en" when the territory is unspecified, or "??" when either is unknown.
+/// Writes "en-us", or "en" if the territory is unspecified, or "??" if either is unknown.
 VEL_API std::ostream& operator<<(std::ostream& stream, const VelClLanguage& language);
 
 #endif

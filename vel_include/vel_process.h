@@ -11,44 +11,46 @@
 #include "vel_export.h"
 #include "vel_filesys.h"
 
-/// A procedure of a dynamic library, as far as its type is known without its header.
+/// A procedure of a dynamic library; without the library's header its real type is not known. Cast it before
+/// the call.
 typedef int (*VelProcedure)(void);
 
-/// Loads a dynamic library, see VelClDllProcLoaderFile for how it is found. Returns a handle for the
-/// functions below, or null when the library cannot be loaded (the reason is lost). Memory comes from the
-/// memory manager, whose failure throws.
+/// Loads a dynamic library, see VelClDllProcLoaderFile for the search. Returns a handle for the functions
+/// below, or null if the library cannot be loaded (the reason is not reported). Memory comes from the memory
+/// manager, which throws when it has none.
 VEL_C_API void* velDllProcLoaderOpen(const char* fileName);
-/// The procedure of this name, or null when the library has none. It is valid until the handle is closed.
+/// Returns the procedure of this name, or null if the library has none. It is valid until the handle is
+/// closed.
 VEL_C_API VelProcedure velDllProcLoaderGetProcedure(void* handle, const char* procedureName);
-/// Releases library and handle; null is ignored.
+/// Releases the library and the handle; null is ignored.
 VEL_C_API void velDllProcLoaderClose(void* handle);
 
 #if defined(VEL_HAS_CLASSES)
 
-/// Names a process by its identifier.
+/// Identifies a process by its number.
 class VEL_API VelClProcessProperty {
  public:
-  /// The current process.
+  /// Identifies the current process.
   VelClProcessProperty();
-  /// Any process; whether it exists is not asked.
+  /// Identifies any process; the number is not checked.
   explicit VelClProcessProperty(unsigned int id) : id_(id) {}
 
-  /// The system's number.
+  /// Returns the number that the system has assigned.
   unsigned int getProcessId() const { return id_; }
 
  private:
   uint32_t id_;
 };
 
-/// Names a thread by its identifier, the system's number and not the runtime's handle.
+/// Identifies a thread by its number, which is that of the system and not a handle of the runtime.
 class VEL_API VelClThreadProperty {
  public:
-  /// The current thread.
+  /// Identifies the current thread.
   VelClThreadProperty();
-  /// Any thread; whether it exists is not asked.
+  /// Identifies any thread; the number is not checked.
   explicit VelClThreadProperty(unsigned int id) : id_(id) {}
 
-  /// The system's number.
+  /// Returns the number that the system has assigned.
   unsigned int getThreadId() const { return id_; }
 
  private:
@@ -58,55 +60,56 @@ class VEL_API VelClThreadProperty {
 /// A running process.
 class VEL_API VelClProcess : public VelClProcessProperty {
  public:
-  /// The current process.
+  /// Refers to the current process.
   VelClProcess();
-  /// Any process; whether it exists is not asked.
+  /// Refers to any process; the number is not checked.
   explicit VelClProcess(unsigned int id);
 
-  /// Ends the process at once, with exit code 0 on Windows and by SIGKILL on Linux; it may still be
-  /// ending on return. A process that does not exist, or that this one may not end, counts as ended:
-  /// true, and nothing happens. So do 0 and, on Linux, numbers above 2147483647, which name no single
-  /// process. False with PROCESS_COULD_NOT_KILL and class INVALID_DATA when the system fails.
+  /// Ends the process immediately, with exit code 0 on Windows and by SIGKILL on Linux; it may still be
+  /// ending when the call returns. Returns true and does nothing for a process that does not exist or that
+  /// this process is not permitted to end. The same applies to 0 and, on Linux, to numbers above 2147483647,
+  /// which do not identify a single process. Returns false with PROCESS_COULD_NOT_KILL and class INVALID_DATA
+  /// if the system fails.
   bool kill();
 
-  /// Of the last kill.
+  /// The error of the last kill.
   const _VelStError& getLastError() const { return lastError_; }
 
  private:
   _VelStError lastError_;
 };
 
-/// A program's file, completed along the system's search path when the object is built.
-/// On Linux a program is looked for under the name as given, then without ".EXE", first as it is spelled and
-/// then in any letter case; only files with permission to run count in a search.
+/// The file of a program, located along the search path of the system when the object is constructed.
+/// On Linux a program is looked up under the name as given and then without ".EXE", first as spelled and then
+/// ignoring case. A search considers only files with execute permission.
 class VEL_API VelClExeFile : public VelClFile {
  public:
-  /// A name without extension gets "EXE". A name without directory is searched: on Windows in the
-  /// system's order, on Linux in the current directory, then along PATH. A file that is
-  /// found replaces the name by its full path (on Linux in slash style), otherwise the name stays. A
-  /// name with a directory is searched, without it, only if the program is not there and the
-  /// environment variable VEL_NEWPROCESS_USEPATH is ON, YES, TRUE or 1 in any letter case. A full
-  /// path of more than 260 characters counts as not found.
+  /// A name without extension gets "EXE". A name without a directory is searched: on Windows in the order of
+  /// the system, on Linux in the current directory and then along PATH. If a file is found its full path
+  /// replaces the name (on Linux in slash style), otherwise the name stays. A name with a directory is
+  /// searched, without the directory, only if the program is not there and the environment variable
+  /// VEL_NEWPROCESS_USEPATH is ON, YES, TRUE or 1 in any case. A file whose full path has more than 260
+  /// characters counts as not found.
   explicit VelClExeFile(const VelClFilename& name);
   VelClExeFile(const VelClExeFile&) = default;
   VelClExeFile& operator=(const VelClExeFile&) = default;
   ~VelClExeFile() override;
 
-  /// Whether a search, and not the name alone, led to the file.
+  /// True if the file was found by a search, and not by its name alone.
   bool isFoundInSystemPath() const { return foundInSystemPath_; }
 
-  /// "EXE", without a dot.
+  /// Returns "EXE", without a dot.
   static const char* getDefaultFileType();
-  /// "PATH".
+  /// Returns "PATH".
   static const char* getSystemPathEnvironmentVariable();
 
  protected:
-  /// What is searched for.
+  /// The kind of file that is searched for.
   enum VelEnKind : int32_t {
     PROGRAM = 0,  ///< an executable file
     LIBRARY = 1   ///< a dynamic library
   };
-  /// Searches a name without directory and no other; VEL_NEWPROCESS_USEPATH has no effect.
+  /// Searches only a name without a directory; VEL_NEWPROCESS_USEPATH has no effect.
   VelClExeFile(const VelClFilename& name, const char* defaultType, VelEnKind kind);
 
  private:
@@ -115,55 +118,57 @@ class VEL_API VelClExeFile : public VelClFile {
   bool foundInSystemPath_;
 };
 
-/// Starts a program with arguments, once or several times. The arguments become one command line, which
-/// the program's C runtime splits again; on Linux the library splits it by the same rules:
-/// blanks and tabs separate, quotes keep text together and are dropped, and a back-slash makes the
-/// following quote an ordinary character but is itself ordinary before anything else.
-/// The program inherits environment, current directory and standard streams, and no other open file.
+/// Starts a program with arguments, once or several times. The arguments are joined into one command line,
+/// which the C runtime of the program splits again. On Linux the library splits it by the same rules: blanks
+/// and tabs separate arguments, quotes group text and are removed, and a backslash makes a following quote an
+/// ordinary character but is itself ordinary before anything else.
+/// The program inherits the environment, the current directory and the standard streams, but no other open
+/// file.
 class VEL_API VelClNewProcessABase {
  public:
   VelClNewProcessABase(const VelClNewProcessABase&) = delete;
   VelClNewProcessABase& operator=(const VelClNewProcessABase&) = delete;
   virtual ~VelClNewProcessABase();
 
-  /// False with PROCESS_COULD_NOT_LAUNCH, class UNKNOWN_PROCESS and the system's own error code as result:
-  /// 2 for a missing program on every system, otherwise a Windows error code or an errno. The
-  /// arguments stay for another launch.
+  /// Starts the program. Returns false with PROCESS_COULD_NOT_LAUNCH, class UNKNOWN_PROCESS and the system's
+  /// own error code as the result: 2 for a missing program on every system, otherwise a Windows error code or
+  /// an errno. The arguments are kept for another launch.
   virtual bool launch() = 0;
 
-  /// Appends an argument. A text with a blank is put in quotes, with one more back-slash when it
-  /// ends in one; nothing else is changed, so a text with tabs or quotes is split as it stands. Null
-  /// is ignored; "" leaves only its separator, and the program does not see it: write "\"\"" for an
-  /// empty argument. Numbers are written in decimal; for a literal say which, 5L or 5UL.
-  /// Only a failed allocation throws, and leaves the arguments as they were.
+  /// Appends an argument. A text with a blank is enclosed in quotes, with an additional backslash if it ends
+  /// in one. Nothing else is changed, so a text with tabs or quotes is split as it is. Null is ignored; ""
+  /// adds only a separator, which the program does not see: write "\"\"" for an empty argument. Numbers are
+  /// written in decimal; give a literal a suffix, 5L or 5UL. Throws only if an allocation fails, which leaves
+  /// the arguments unchanged.
   void addArgument(const char* text);
   void addArgument(long value);
   void addArgument(unsigned long value);
 
-  /// Arguments so far; the program's name is the first.
+  /// Returns the number of arguments so far, including the program's name.
   unsigned int getArgumentCount() const { return argumentCount_; }
-  /// Set before launch: the program gets a console window of its own (off at first). Linux has no such
-  /// windows, and nothing changes there.
+  /// Call before launch: gives the program its own console window (initially off). Has no effect on Linux,
+  /// which has no such windows.
   void setNewConsole(bool newConsole) { newConsole_ = newConsole; }
-  /// What setNewConsole set.
+  /// Returns the value set by setNewConsole.
   bool hasNewConsole() const { return newConsole_; }
-  /// After launch: the exit code of VelClNewSyncProcess, the process identifier of
-  /// VelClNewAsyncProcess, or the system's error code. 0 before.
+  /// Returns, after launch, the exit code (VelClNewSyncProcess), the process identifier
+  /// (VelClNewAsyncProcess), or the system's error code. 0 before launch.
   unsigned long getResult() const { return result_; }
-  /// Of the last launch.
+  /// The error of the last launch.
   const _VelStError& getLastError() const { return lastError_; }
 
  protected:
-  /// Writes the program's name as first argument. `exe` is not copied and must outlive the object.
+  /// Writes the program's name as the first argument. `exe` is not copied and must outlive the object.
   explicit VelClNewProcessABase(const VelClExeFile& exe);
 
-  /// The program.
+  /// Returns the program's file.
   const VelClExeFile& getExeFile() const { return exe_; }
-  /// The command line, terminated; owned by the object and valid until the next argument.
+  /// Returns the command line, NUL-terminated; the object owns it, and it is valid until the next argument is
+  /// added.
   char* getArgs() { return commandLine_; }
-  /// Presets the last error to PROCESS_COULD_NOT_LAUNCH, and terminates the command line.
+  /// Sets the last error to PROCESS_COULD_NOT_LAUNCH in advance, and terminates the command line.
   void prepareLaunch();
-  /// Keep the outcome of a launch; they return false and true.
+  /// Store the outcome of a launch; they return false and true.
   bool fail(unsigned long systemError);
   bool succeed(unsigned long result);
 
@@ -181,21 +186,22 @@ class VEL_API VelClNewProcessABase {
   uint32_t result_;
 };
 
-/// Starts a program and waits for its end.
+/// Starts a program and waits until it ends.
 class VEL_API VelClNewSyncProcess : public VelClNewProcessABase {
  public:
   /// `exe` is not copied and must outlive the object.
   explicit VelClNewSyncProcess(const VelClExeFile& exe);
   ~VelClNewSyncProcess() override;
 
-  /// True when the program was started and has ended, whatever its exit code. On Linux the exit code
-  /// of a program that a signal ended is 128 plus the signal's number, and a handler of SIGCHLD that waits
-  /// for every child can, when it runs in another thread, take the exit code away: false then, with ECHILD.
+  /// Returns true if the program was started and has ended, whatever its exit code. On Linux the exit code of
+  /// a program ended by a signal is 128 plus the number of the signal. A handler of SIGCHLD in another thread
+  /// that waits for every child can consume the exit code; the call then returns false with ECHILD.
   bool launch() override;
 };
 
-/// Starts a program detached from this one and does not wait: without a console unless it gets its own;
-/// on Linux in a new session, with /dev/null as its standard streams, and as nobody's zombie.
+/// Starts a program detached from this one and does not wait for it. The program has no console unless it
+/// gets its own; on Linux it runs in a new session, has /dev/null as its standard streams, and does not
+/// become a zombie of this process.
 class VEL_API VelClNewAsyncProcess : public VelClNewProcessABase {
  public:
   /// `exe` is not copied and must outlive the object.
@@ -205,28 +211,28 @@ class VEL_API VelClNewAsyncProcess : public VelClNewProcessABase {
   bool launch() override;
 };
 
-/// A dynamic library, loaded as long as the object lives.
-/// On Linux "x.DLL" is looked for as given, then as "x.so" and "libx.so".
+/// A dynamic library, loaded for the lifetime of the object. On Linux "x.DLL" is looked up as given, then as
+/// "x.so" and "libx.so".
 class VEL_API VelClDllFile : public VelClExeFile {
  public:
-  /// A name without extension gets ".DLL". A name without directory is searched: on Windows in the
-  /// system's order, on Linux in the program's directory, the current directory, and along PATH; then
-  /// the system's loader looks where it usually does. On failure getLastError has the system's own
-  /// error code as identifier, which is none of the library's, and class RESOURCE_MISSING. On Linux
-  /// that is an errno: 2 for a missing file, 8 for one that the loader refuses.
+  /// A name without extension gets ".DLL". A name without a directory is searched: on Windows in the order of
+  /// the system; on Linux in the program's directory, the current directory, and along PATH; after that the
+  /// system's loader searches its usual places. On failure getLastError has class RESOURCE_MISSING and, as
+  /// its identifier, the error code of the system, which is not an identifier of this library. On Linux that
+  /// is an errno: 2 for a missing file, 8 for a file that the loader rejects.
   explicit VelClDllFile(const VelClFilename& name);
   VelClDllFile(const VelClDllFile&) = delete;
   VelClDllFile& operator=(const VelClDllFile&) = delete;
   ~VelClDllFile() override;
 
-  /// Whether the library is loaded.
+  /// True if the library is loaded.
   bool isValid() const { return handle_ != nullptr; }
-  /// The system's handle of the library, or null.
+  /// Returns the system's handle of the library, or null.
   void* getHandle() const { return handle_; }
 
-  /// ".DLL", with its dot.
+  /// Returns ".DLL", with its dot.
   static const char* getDefaultFileType();
-  /// "PATH".
+  /// Returns "PATH".
   static const char* getSystemPathEnvironmentVariable();
 
  private:
@@ -235,14 +241,14 @@ class VEL_API VelClDllFile : public VelClExeFile {
   void* handle_;
 };
 
-/// A dynamic library whose procedures are asked for by name.
+/// A dynamic library whose procedures are looked up by name.
 class VEL_API VelClDllProcLoaderFile : public VelClDllFile {
  public:
-  /// Loads it as VelClDllFile does.
+  /// Loads the library, see VelClDllFile.
   explicit VelClDllProcLoaderFile(const VelClFilename& name);
   ~VelClDllProcLoaderFile() override;
 
-  /// Null when the library is not loaded or has no such procedure. Valid as long as this object.
+  /// Returns null if the library is not loaded or has no such procedure. Valid as long as this object.
   VelProcedure getProcedure(const char* name) const;
 };
 

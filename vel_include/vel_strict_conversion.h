@@ -1,5 +1,5 @@
-// Conversion between code pages for those who must not lose data silently: every fault is found, counted and
-// treated as the caller decides.
+// Conversion between code pages without silent data loss: every fault is detected, counted and handled as the
+// caller chooses.
 #ifndef VEL_STRICT_CONVERSION_H_
 #define VEL_STRICT_CONVERSION_H_
 
@@ -17,7 +17,7 @@ class Writer;
 class Output;
 }  // namespace vel::codepage
 
-/// Takes what a strict conversion writes.
+/// Receives the output of a strict conversion.
 class VEL_API VelClConversionSink {
  public:
   VelClConversionSink() = default;
@@ -25,7 +25,8 @@ class VEL_API VelClConversionSink {
   VelClConversionSink& operator=(const VelClConversionSink&) = delete;
   virtual ~VelClConversionSink();
 
-  /// The next bytes, not kept. What it throws ends the conversion, which must be restarted then.
+  /// Receives the next bytes, which are valid during the call only. An exception thrown here ends the
+  /// conversion, which must then be restarted.
   virtual void write(const char* bytes, size_t size) = 0;
 };
 
@@ -36,94 +37,95 @@ class VEL_API VelClConversionSink {
 ///   }
 ///   if (!conversion.finish(sink)) report(conversion.getFirstFault().offset);
 ///
-/// It stands on the converters and takes their ways, through UCS-2 with surrogate pairs, for 1200, 13488,
-/// 17584, 61955, 65500 and 65501 alike. Of a text without faults it makes what they make of it, but for the
-/// next line (see setNextLineFolding), for U+FDD0 to U+FDEF and U+FFFE, which stay themselves in UTF-8, and
-/// for shifts (0E, 0F) that change nothing, which are left out where ICU converts, and are faults of a table.
-/// Byte order marks count as characters. How a text is cut in pieces never shows.
+/// The conversion uses the converters and their routes, through UCS-2 with surrogate pairs; this also applies
+/// to 1200, 13488, 17584, 61955, 65500 and 65501. A text without faults is converted as the converters would,
+/// with three exceptions: the next line (see setNextLineFolding); U+FDD0 to U+FDEF and U+FFFE, which are
+/// preserved in UTF-8; and redundant shifts (0E, 0F), which are dropped where ICU converts and are faults
+/// where a table does. Byte order marks count as characters. The result does not depend on how the text is
+/// divided into pieces.
 ///
-/// A character counts as representable when the target's own converter, or its table, brings its bytes back
-/// to the same character: best fits, truncation and substitution are faults. Of the system's own conversion
-/// to a page without a table here only its "?" can be told. A byte without a character is
-/// an invalid sequence, and so is everything in UTF-8 that RFC 3629 forbids. Half a pair of surrogates is
-/// one, too.
+/// A character counts as representable if it round-trips through the target's own converter or table: best
+/// fits, truncation and substitution are faults. Where the system converts to a code page without a table in
+/// this library, only its "?" can be recognised as a substitution. A byte without a character is an invalid
+/// sequence, and so is everything that RFC 3629 forbids in UTF-8, and an unpaired surrogate.
 ///
-/// Nothing here throws but for memory (VelClExceptionFatal) and what the sink throws. One conversion must not
-/// be used by two threads at once.
+/// Nothing here throws, except when there is no memory (VelClExceptionFatal) or when the sink throws. One
+/// conversion must not be used by two threads at once.
 class VEL_API VelClStrictConversion {
  public:
-  /// The kinds of ways, as the converters have them.
+  /// The conversion routes, see VelClConverterABase.
   using VelEnRoute = VelClConverterABase::VelEnRoute;
 
-  /// What becomes of a fault.
+  /// Selects how a fault is handled.
   enum class VelEnPolicy : int32_t {
-    STOP = 0,     ///< the conversion ends before it
-    SKIP = 1,     ///< nothing is written for it
+    STOP = 0,     ///< the conversion ends before the fault
+    SKIP = 1,     ///< nothing is written for the fault
     REPLACE = 2,  ///< one substitute is written: U+FFFD, the converters' best fit, or the target's substitute
-    ESCAPE = 3    ///< \u20AC, \U0001F600; \xFF for each byte that is no character. Back-slashes stay as they
-                  ///< are
+    ESCAPE = 3    ///< \u20AC, \U0001F600, or \xFF for each ill-formed byte; backslashes are not escaped
   };
 
   /// The kinds of faults.
   enum class VelEnFault : int32_t {
     NONE = 0,               ///< no fault
-    INVALID_SEQUENCE = 1,   ///< these bytes are no character of the source's code page
+    INVALID_SEQUENCE = 1,   ///< the bytes are ill-formed in the source's code page
     INCOMPLETE = 2,         ///< the source ends within a character, or in double-byte mode
-    NOT_REPRESENTABLE = 3,  ///< a character that the target's code page lacks
+    NOT_REPRESENTABLE = 3,  ///< the character is unmappable in the target's code page
   };
 
-  /// What is known of a fault, and where it is.
+  /// Describes a fault and its position.
   struct VelStFault {
-    VelEnFault kind;  ///< what is wrong
-    /// Of the source in bytes, from its beginning, before the fault.
+    VelEnFault kind;  ///< the kind of fault
+    /// The number of source bytes before the fault.
     uint64_t offset;
-    /// From 1; lines end with U+000A, and with U+0085 where the source is EBCDIC-based.
+    /// The line, from 1; lines end with U+000A, and with U+0085 if the source is EBCDIC-based.
     uint64_t line;
-    /// In characters, from 1.
+    /// The column in characters, from 1.
     uint64_t column;
-    /// The character, 0 unless `kind` is NOT_REPRESENTABLE.
+    /// The character, or 0 unless `kind` is NOT_REPRESENTABLE.
     uint32_t character;
-    /// The bytes of any other fault, at most 4, and how many they are; 0 at the end in double-byte mode.
+    /// The bytes of any other fault, at most 4, and their number; 0 if the source ended in double-byte mode.
     uint32_t size;
     unsigned char bytes[4];
   };
 
-  /// From the numbers of the CCSIDs; properties that they lack do not count.
+  /// Uses the numbers of the CCSIDs, even if the table of properties does not contain them.
   VelClStrictConversion(const VelClCCSID& source, const VelClCCSID& target,
                         VelEnPolicy policy = VelEnPolicy::STOP);
   VelClStrictConversion(const VelClStrictConversion&) = delete;
   VelClStrictConversion& operator=(const VelClStrictConversion&) = delete;
   ~VelClStrictConversion();
 
-  /// The ways of single conversions; NONE without one.
+  /// Return the route of a single conversion; NONE if there is none.
   static VelEnRoute getRouteToUcs2(const VelClCCSID& source);
   static VelEnRoute getRouteFromUcs2(const VelClCCSID& target);
 
-  /// Whether there is a way from the source and one to the target; also between equal CCSIDs. Without them
-  /// nothing is ever converted.
+  /// True if there is a route from the source and one to the target, which is also required for equal CCSIDs.
+  /// Without both nothing is ever converted.
   bool isSupported() const { return reader_ != nullptr && writer_ != nullptr; }
 
-  // The converters fold where they have a table of their own; here it is a matter of the source alone.
-  /// Whether the next line (U+0085) of an EBCDIC-based source becomes a line feed (U+000A). Not so at first,
-  /// because line feeds do not come back as next lines.
+  // The converters fold if they use a table of the library; here folding depends on the source alone.
+  /// Sets whether the next line (U+0085) of an EBCDIC-based source becomes a line feed (U+000A). Initially
+  /// off, because line feeds do not round-trip to next lines.
   void setNextLineFolding(bool isFolded) { foldsNextLine_ = isFolded && source_.isEBCDIC(); }
 
-  /// Converts the next piece of the source. False when the conversion has stopped, or is not supported. All
-  /// that was converted is written before it returns; a character that goes on in the next piece is kept.
+  /// Converts the next piece of the source. Returns false if the conversion has stopped, or is not supported.
+  /// Everything converted is written to the sink before the call returns; a character that continues in the
+  /// next piece is kept.
   bool convert(const char* source, size_t size, VelClConversionSink& sink);
-  /// The end of the source. What is left is a fault; shifts are closed, also after a stop.
+  /// Ends the source. An unfinished character, or double-byte mode, is a fault. An open shift is closed, even
+  /// after a stop.
   bool finish(VelClConversionSink& sink);
-  /// Makes ready for another source text.
+  /// Resets the conversion for another source text.
   void restart();
 
-  /// Whether the policy STOP has met a fault.
+  /// True if a fault was found with the policy STOP.
   bool hasStopped() const { return hasStopped_; }
-  /// All faults of a kind, or of every kind, so far.
+  /// Return the number of faults of one kind, or of every kind, so far.
   uint64_t getFaultCount(VelEnFault kind) const { return faultCounts_[static_cast<int32_t>(kind)]; }
   uint64_t getFaultCount() const;
-  /// Its kind is NONE when there is none.
+  /// Returns the first fault; its kind is NONE if there was none.
   const VelStFault& getFirstFault() const { return firstFault_; }
-  /// The bytes converted so far.
+  /// Returns the number of source bytes converted so far.
   uint64_t getOffset() const { return offset_; }
 
  private:
@@ -140,11 +142,11 @@ class VEL_API VelClStrictConversion {
   VelEnPolicy policy_;
   bool foldsNextLine_;
   bool hasStopped_;
-  vel::codepage::Reader* reader_;  ///< owned, null without a way
-  vel::codepage::Writer* writer_;  ///< owned, null without a way
+  vel::codepage::Reader* reader_;  ///< owned; null if there is no route
+  vel::codepage::Writer* writer_;  ///< owned; null if there is no route
   char16_t* units_;                ///< owned
   char* outputBuffer_;             ///< owned
-  char kept_[16];                  ///< the beginning of a character
+  char kept_[16];                  ///< the start of a character that continues in the next piece
   size_t keptSize_;
   uint64_t offset_;
   uint64_t line_;

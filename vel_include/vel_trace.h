@@ -1,18 +1,19 @@
-// Tracing a program from within: entries land in a ring in memory, the ring is saved to a file, and the
-// formatter makes text of the file. What is traced, and where to, is set by environment variables that begin
-// with the trace key in upper case, for the key abc: ABC_TRACE_ACTIVE=yes, ABC_TRACE_DETAIL=HIGH,
-// ABC_TRACE_FILE=abc.trc; VelClTraceEnvironment has all of them.
+// Traces a program from within: entries are recorded in a ring buffer in memory, the ring is saved to a file,
+// and the formatter renders the file as text. Environment variables that begin with the trace key in upper
+// case select what is traced and where it goes; for the key abc: ABC_TRACE_ACTIVE=yes, ABC_TRACE_DETAIL=HIGH,
+// ABC_TRACE_FILE=abc.trc. VelClTraceEnvironment lists all of them.
 //
 //   velTraceCreateInstance("abc", NULL);
 //   if (velTraceIsEnabled())
 //     velTraceDump(VelEnTraceDetail::LOW, 3, VelEnTraceDataType::C_STRING, "main", "file", name,
 //     strlen(name));
 //
-// Trace calls come from one thread, or from threads that take turns; nothing here locks. Tracing never
-// harms the program: what cannot be saved is lost and counted, and saving leaves errno as it was.
+// Trace calls must come from one thread, or from threads that synchronise with each other: nothing here
+// locks. Tracing never disturbs the program: bytes that cannot be saved are lost and counted, and saving
+// preserves errno.
 //
-// What an entry is stands in vel_trace_entry.h, what makes text of a file in vel_trace_formatter.h; this
-// header includes both.
+// vel_trace_entry.h describes a single entry, and vel_trace_formatter.h renders a trace file; this header
+// includes both.
 #ifndef VEL_TRACE_H_
 #define VEL_TRACE_H_
 
@@ -36,33 +37,33 @@ class VelClTraceInstance;
 typedef struct VelClTraceInstance VelClTraceInstance;
 #endif
 
-/// Creates the process's trace instance; when there is one, that one is returned and the key is ignored.
-/// A null instance name means "VELTRACEINSTANCE0". It starts enabled only if <KEY>_TRACE_ACTIVE is. Memory
-/// comes from the memory manager, whose failure throws.
+/// Creates the process's trace instance. If one exists already, that one is returned and the key is ignored.
+/// A null instance name means "VELTRACEINSTANCE0". The instance starts enabled only if <KEY>_TRACE_ACTIVE is
+/// on. Memory comes from the memory manager, which throws when it has none.
 VEL_C_API VelClTraceInstance* velTraceCreateInstance(const char* key, const char* instance);
-/// Saves what is not saved yet and ends tracing; without an instance it does nothing. The end of the process,
-/// or the unload of the library, does the same.
+/// Saves the unsaved bytes and ends tracing; does nothing without an instance. The same happens when the
+/// process ends or the library is unloaded.
 VEL_C_API void velTraceDeleteInstance(void);
-/// Whether entries are recorded now: ask before preparing one. C++ programs ask
+/// True if entries are recorded now: test it before preparing one. C++ programs test
 /// `VelClTraceInstance::getInstance() != nullptr`, which costs one load and one branch.
 VEL_C_API bool velTraceIsEnabled(void);
-/// The enabled instance, or null.
+/// Returns the enabled instance, or null.
 VEL_C_API VelClTraceInstance* VelClTraceInstance_getInstance(void);
-/// Saves what is not saved yet. Does nothing when no instance is enabled.
+/// Saves the unsaved bytes. Does nothing when no instance is enabled.
 VEL_C_API void velTraceFlush(void);
-/// Records one entry, if `detail` and `componentId` pass the filter. Texts may be null, which counts as "",
-/// and are cut at 255 stored bytes. Data of null makes the type DATA_NULL, data longer than the ring is cut,
-/// with the type DATA_CLIPPED. The types FUNCTION_ENTRY and FUNCTION_EXIT count the nesting level and ignore
-/// message and data. Component 0 always passes; components above 255 never do. Does nothing when no instance
-/// is enabled.
+/// Records one entry, if `detail` and `componentId` pass the filter. `size` is the length of `data` in bytes.
+/// Texts may be null, which counts as "", and are cut at 255 stored bytes. Null data changes the type to
+/// DATA_NULL; data longer than the ring is cut and gets the type DATA_CLIPPED. The types FUNCTION_ENTRY and
+/// FUNCTION_EXIT update the nesting level and ignore message and data. Component 0 always passes; components
+/// above 255 never do. Does nothing when no instance is enabled.
 VEL_C_API void velTraceDump(VelEnTraceDetail detail, unsigned short componentId, VelEnTraceDataType type,
                             const char* origin, const char* message, const void* data, size_t size);
-/// How many bytes of the instance's trace could not be written to its file so far, and the runtime's errno
-/// of the last failure, 0 without one. Both 0 without an instance.
+/// Return how many bytes of the instance's trace could not be written to its file so far, and the runtime's
+/// errno of the last failure, or 0 if there was none. Both return 0 without an instance.
 VEL_C_API uint64_t velTraceGetLostBytes(void);
 VEL_C_API int velTraceGetLastSystemError(void);
-/// Prints "[file:line] ", then as printf does, then a line break if `format` holds none anywhere, and flushes
-/// standard output. Null texts are not allowed.
+/// Prints "[file:line] " and the arguments as printf does, adds a line break if `format` contains none, and
+/// flushes standard output. Null texts are not allowed.
 VEL_C_API void vel_tprintf(const char* file, int line, const char* format, ...);
 
 #if defined(VEL_HAS_CLASSES)
@@ -70,22 +71,24 @@ VEL_C_API void vel_tprintf(const char* file, int line, const char* format, ...);
 /// Prints "[file:line] ".
 VEL_API void vel_tprint(std::ostream& stream, const char* file, int line);
 
-/// Which entries are of interest. The settings ask it for detail and component when an entry is made, the
-/// formatter for everything when an entry is shown.
+/// Selects the entries of interest. The settings test detail and component when an entry is recorded; the
+/// formatter tests every property when an entry is shown.
 class VEL_API VelClTraceFilter {
  public:
-  /// Passes detail low and off, of every process, thread and component.
+  /// Passes the details LOW and OFF, of every process, thread and component.
   VelClTraceFilter();
 
-  /// The most detailed level that passes.
+  /// Get and set the most detailed level that passes.
   VelEnTraceDetail getDetail() const { return detail_; }
   void setDetail(VelEnTraceDetail detail) { detail_ = detail; }
-  /// HIGH, MED and LOW in any letter case, with anything behind them; all else, also null, means OFF.
+  /// Accepts HIGH, MED and LOW in any case, with any text after them; everything else, including null, means
+  /// OFF.
   void setDetail(const char* text);
-  /// "OFF", "LOW", "MED" or "HIGH"; null for any other number.
+  /// Returns "OFF", "LOW", "MED" or "HIGH", or null for any other number.
   static const char* getDetailAsCString(VelEnTraceDetail detail);
 
-  /// 0 means any. Texts are decimal numbers; text without one counts as 0.
+  /// Select one process or thread; 0 selects all. A text is read as a decimal number, and counts as 0 if it
+  /// does not begin with one.
   void setProcessId(unsigned int id) { processId_ = id; }
   void setProcessId(const char* text);
   void setThreadId(unsigned int id) { threadId_ = id; }
@@ -93,7 +96,7 @@ class VEL_API VelClTraceFilter {
   unsigned int getProcessId() const { return processId_; }
   unsigned int getThreadId() const { return threadId_; }
 
-  /// Whether an entry with this property passes.
+  /// Tell whether an entry with this property passes.
   bool matchesDetail(VelEnTraceDetail detail) const { return detail <= detail_; }
   bool matchesProcessId(unsigned int id) const { return processId_ == 0 || processId_ == id; }
   bool matchesThreadId(unsigned int id) const { return threadId_ == 0 || threadId_ == id; }
@@ -101,27 +104,28 @@ class VEL_API VelClTraceFilter {
   bool matchesCompId(unsigned short id) const {
     return id == 0 || (id < kComponents && (components_[id / 8] >> id % 8 & 1) != 0);
   }
-  /// Whether a process, or a thread, is chosen.
+  /// True if a single process, or a single thread, is selected.
   bool usesProcessIdFilter() const { return processId_ != 0; }
   bool usesThreadIdFilter() const { return threadId_ != 0; }
-  /// Whether a component from 1 to 255 is shut out.
+  /// True if any component from 1 to 255 is excluded.
   bool usesCompIdFilter() const;
 
-  /// Ids above 255 are ignored.
+  /// Include or exclude one component. Ids above 255 are ignored.
   void enableComponentId(unsigned short id) { setBits(id, id, true); }
   void disableComponentId(unsigned short id) { setBits(id, id, false); }
-  /// From 0 to 255.
+  /// Include or exclude all components from 0 to 255.
   void enableAllComponentIds() { setBits(0, kComponents - 1, true); }
   void disableAllComponentIds() { setBits(0, kComponents - 1, false); }
-  /// From one id to another, both included; nothing when `from` is above `to`.
+  /// Include or exclude the components `from` to `to`, both inclusive; do nothing if `from` is greater than
+  /// `to`.
   void enableComponentIdSet(unsigned short from, unsigned short to) { setBits(from, to, true); }
   void disableComponentIdSet(unsigned short from, unsigned short to) { setBits(from, to, false); }
-  /// The same, but nothing for a `from` of 0, and `from` alone for a `to` of 0.
+  /// Same, but does nothing if `from` is 0, and changes `from` alone if `to` is 0.
   void setComponentIdSet(unsigned short from, unsigned short to, bool enable);
-  /// Applies a list of items separated by ",": "7", "10.20" for a range, "*" for 1 to 255, each of them
-  /// behind "-" to shut out instead of in. "-" marks its own item only: "-3,4" shuts 3 out and lets 4 in.
-  /// It is no range sign: "10-20" shuts 20 out. Other characters, and items that begin above 255, are
-  /// ignored; so is null.
+  /// Applies a comma-separated list of items: "7", "10.20" for a range, "*" for 1 to 255. A "-" before an
+  /// item excludes it instead of including it. It applies to that item only: "-3,4" excludes 3 and includes
+  /// 4. It does not form a range: "10-20" excludes 20. Other characters are ignored, as are items that begin
+  /// above 255, and a null list.
   void enableComponentIds(const char* list);
 
  private:
@@ -134,58 +138,58 @@ class VEL_API VelClTraceFilter {
   unsigned char components_[kComponents / 8];  ///< component n: bit n % 8 of byte n / 8
 };
 
-/// The settings in a form that can lie in anybody's memory.
+/// The settings as a plain record, which can be placed in memory that the caller provides.
 struct VEL_API _VelStTraceSettings {
-  uint32_t signature;       ///< tells that a VelClTraceSettings has initialised the record
-  uint32_t flags;           ///< VelClTraceSettings knows the bits
+  uint32_t signature;       ///< set once a VelClTraceSettings has initialised the record
+  uint32_t flags;           ///< bits private to VelClTraceSettings
   VelClTraceFilter filter;  ///< detail and components
 
-  /// Leaves signature and flags as they are in memory.
+  /// Leaves signature and flags uninitialised; VelClTraceSettings sets them.
   _VelStTraceSettings() {}  // NOLINT(cppcoreguidelines-pro-type-member-init)
 };
 
-/// What is recorded, and how. Only compression and autosave are on at first.
+/// Selects what is recorded, and how. Initially only compression and autosave are on.
 class VEL_API VelClTraceSettings {
  public:
   VelClTraceSettings();
-  /// Works on a record that the caller owns, and resets it; it must live longer.
+  /// Resets and uses a record that the caller owns; the record must outlive this object.
   explicit VelClTraceSettings(void* record);
   VelClTraceSettings(const VelClTraceSettings&) = delete;
   VelClTraceSettings& operator=(const VelClTraceSettings&) = delete;
 
-  /// Texts are packed to 6 bits a character.
+  /// True if texts are packed to 6 bits per character.
   bool usesCompression() const { return hasFlag(COMPRESSION); }
-  /// The ring is saved to the trace file when it is full, on flush and at the end.
+  /// True if the ring is saved to the trace file when it is full, on flush and at the end.
   bool usesAutosave() const { return hasFlag(AUTOSAVE); }
-  /// An old trace file is removed at the start.
+  /// True if an old trace file is removed at the start.
   bool usesAutoclear() const { return hasFlag(AUTOCLEAR); }
-  /// Every entry is saved at once.
+  /// True if every entry is saved immediately.
   bool usesAutoflush() const { return hasFlag(AUTOFLUSH); }
-  /// The trace facility reports what it does on standard output.
+  /// True if the trace facility reports its actions on standard output.
   bool isVerbose() const { return hasFlag(VERBOSE); }
 
   /// Switch these on and off.
   void enableCompression(bool enable) { setFlag(COMPRESSION, enable); }
-  // The trace file's writer is attached when the environment is built. Keep.
-  /// The environment has looked at autosave when it was built: this only changes what usesAutosave tells.
+  // Intentional: the environment attaches the writer of the trace file in its constructor.
+  /// Read only when the environment is constructed; later calls change usesAutosave() and nothing else.
   void enableAutosave(bool enable) { setFlag(AUTOSAVE, enable); }
   /// Switch these on and off.
   void enableAutoclear(bool enable) { setFlag(AUTOCLEAR, enable); }
   void enableAutoflush(bool enable) { setFlag(AUTOFLUSH, enable); }
   void enableVerbose(bool enable) { setFlag(VERBOSE, enable); }
 
-  /// The filter's detail, see VelClTraceFilter::setDetail.
+  /// The detail of the filter, see VelClTraceFilter::setDetail.
   VelEnTraceDetail getDetailLevel() const { return record_->filter.getDetail(); }
   void setDetailLevel(const char* text) { record_->filter.setDetail(text); }
-  /// Shuts all components out, then applies the list.
+  /// Excludes all components, then applies the list, see VelClTraceFilter::enableComponentIds.
   void initComponentIds(const char* list);
-  /// What entries are asked, as isToBeDumped does.
+  /// The filter, and its decision on an entry of this detail and component.
   VelClTraceFilter& getFilter() const { return record_->filter; }
   bool isToBeDumped(VelEnTraceDetail detail, unsigned short componentId) const {
     return record_->filter.matchesDetail(detail) && record_->filter.matchesCompId(componentId);
   }
 
-  /// "[VEL: TRACE: " and "]\n", the frame of every report in verbose mode.
+  /// Return "[VEL: TRACE: " and "]\n", which enclose every report in verbose mode.
   static const char* getVerbosePrefix();
   static const char* getVerboseSuffix();
 
@@ -201,21 +205,21 @@ class VEL_API VelClTraceSettings {
   _VelStTraceSettings own_;
 };
 
-/// The name of a resource, made of type, key and instance with ":" between them, of 255 characters at most. A
-/// back-slash becomes ":", every other character except letters, digits and "_-@" becomes one of these.
+/// The name of a resource: type, key and instance joined with ":", of 255 characters at most. A backslash
+/// becomes ":". Letters, digits and "_-@" are kept, and every other character is mapped to one of them.
 class VEL_API VelClResourceKeyABase {
  public:
   VelClResourceKeyABase(const VelClResourceKeyABase& other);
   VelClResourceKeyABase& operator=(const VelClResourceKeyABase& other);
   virtual ~VelClResourceKeyABase();
 
-  /// The whole name.
+  /// Returns the whole name.
   const char* getAsCstring() const { return name_; }
-  /// The name behind the type.
+  /// Returns the name after the type.
   const char* getPart() const { return part_; }
 
  protected:
-  /// Null texts are left out; a key of null counts as "".
+  /// A null type or instance is left out; a null key counts as "".
   VelClResourceKeyABase(const char* type, const char* key, const char* instance);
 
  private:
@@ -237,62 +241,63 @@ class VEL_API VelClResourceKeySemaphore : public VelClResourceKeyABase {
   ~VelClResourceKeySemaphore() override;
 };
 
-/// The place of a lock around the ring. The ring belongs to one process and one thread at a time: it does
-/// nothing.
+/// Placeholder for a lock around the ring. It does nothing, because the ring belongs to one process and one
+/// thread at a time.
 class VEL_API VelClTraceBufferAccessSemaphore {
  public:
-  /// The key is not used.
+  /// The key is ignored.
   explicit VelClTraceBufferAccessSemaphore(const VelClResourceKeySemaphore&) {}
 };
 
-/// What the ring hands to be saved: the first piece, then the second, are the unsaved bytes in order. The
-/// pieces lie in the ring and are valid during the call.
+/// The bytes to be saved: the first piece followed by the second holds the unsaved bytes in order. The pieces
+/// point into the ring and are valid during the call.
 struct _VelStTraceBufferCallBackInfo {
-  void* context;          ///< what was attached with the handler
+  void* context;          ///< the context that was attached with the handler
   const char* first;      ///< never null
   uint64_t firstLength;   ///< in bytes, may be 0
-  const char* second;     ///< null when there is none
+  const char* second;     ///< null if there is no second piece
   uint64_t secondLength;  ///< in bytes
 };
 
-/// Takes the pieces; called within write and flush.
+/// Saves the pieces; called from write and flush.
 typedef void (*VelTraceOverflowHandler)(const _VelStTraceBufferCallBackInfo& info);
 
-/// The ring of bytes that trace entries pass through, in memory that the caller owns. Without a handler it
-/// keeps the newest bytes and overwrites the oldest; with one, bytes are handed over before that.
+/// A ring buffer of trace bytes, in memory that the caller owns. Without a handler it keeps the newest bytes
+/// and overwrites the oldest; with a handler, unsaved bytes are passed to it before they are overwritten.
 ///
 ///   header   data start                                          data end
 ///   | 48     |                                                          |
 ///   |--------|....saved....|######### unsaved #########|....saved........|
 ///                          ^ save position             ^ write position
 ///
-/// In the child of a fork() what its parent has not saved yet counts as saved: the parent hands it over.
+/// In the child of a fork() the bytes that its parent has not saved yet count as saved, because the parent
+/// saves them.
 class VEL_API VelClTraceBufferManager {
  public:
-  /// `size` bytes, of which 48 are the header; at least 49, aligned for pointers. Memory that a manager has
-  /// initialised before keeps its contents, all other is taken as empty.
+  /// `buffer` has `size` bytes, of which 48 are the header; it needs at least 49 and the alignment of a
+  /// pointer, and must outlive the manager. Memory that a manager has initialised before keeps its contents;
+  /// any other memory is treated as empty.
   VelClTraceBufferManager(const VelClResourceKeySemaphore& key, char* buffer, size_t size);
   VelClTraceBufferManager(const VelClTraceBufferManager&) = delete;
   VelClTraceBufferManager& operator=(const VelClTraceBufferManager&) = delete;
-  /// Saves nothing, and touches no memory of the ring: that may be gone.
+  /// Saves nothing, and does not access the ring, which may have been freed already.
   ~VelClTraceBufferManager();
 
-  /// In bytes, without the header.
+  /// Returns the room for data in bytes, without the header.
   size_t getDataBufferSize() const;
-  /// One handler at a time; `context` comes back with every call.
+  /// Sets the handler, of which there is at most one; `context` is passed to every call.
   void attachOverflowHandler(VelTraceOverflowHandler handler, void* context);
   /// Without a handler the oldest bytes are overwritten.
   void detachOverflowHandler() { handler_ = nullptr; }
 
-  /// Appends an entry: its record and its data. One that is longer than the ring goes around it more than
-  /// once.
+  /// Appends an entry: its record and its data. An entry longer than the ring wraps around it more than once.
   void write(const VelClTraceEntry& entry);
-  /// Where the next entry goes, if more than `size` bytes may be overwritten there that nobody waits for;
-  /// otherwise null. Nothing is written yet.
+  /// Returns the write position when more than `size` contiguous bytes there are already saved, else null.
+  /// Writes nothing; follow with commit().
   unsigned char* reserve(size_t size);
-  /// Appends what was put there.
+  /// Appends the `size` bytes that the caller stored at the reserved position.
   void commit(size_t size);
-  /// Hands over what has not been saved yet, if anything was written since the last flush.
+  /// Passes the unsaved bytes to the handler, if anything was written since the last flush.
   void flush();
 
  private:
@@ -312,8 +317,8 @@ class VEL_API VelClTraceBufferManager {
   uint32_t forkCount_;
 };
 
-/// What belongs to one trace key: the settings, the ring and the trace file's name. Environment variables,
-/// named by the first 24 characters of the key in upper case, set:
+/// The state of one trace key: the settings, the ring and the trace file's name. Environment variables
+/// configure it; their names begin with the first 24 characters of the key in upper case:
 ///
 ///   <KEY>_TRACE_ACTIVE     yes: trace
 ///   <KEY>_TRACE_DETAIL     HIGH, MED, LOW or OFF; LOW at first
@@ -325,72 +330,75 @@ class VEL_API VelClTraceBufferManager {
 ///   <KEY>_TRACE_BUFSIZE    the ring's size in kilobytes, 4 to 16384; 65535 bytes at first
 ///   <KEY>_TRACE_FILE       the trace file's name; <key>trace.trc in the directory for scratch files at first
 ///   <KEY>_TRACE_FORMAT     the formatter's format string
-///   <KEY>_TRACE_VERBOSE    yes: report all this, and every save, on standard output
+///   <KEY>_TRACE_VERBOSE    yes: report these settings, and every save, on standard output
 ///
-/// "yes" may be ON, YES, TRUE or 1 in any letter case. Other values switch nothing off, except in
-/// <KEY>_TRACE_ACTIVE. Values that make no sense count as the least: detail OFF, 4 kilobytes. In a program on
-/// Linux that has more rights than its caller (setuid, setgid, capabilities) all these variables are ignored.
+/// "yes" may be ON, YES, TRUE or 1 in any case. Other values do not switch anything off, except in
+/// <KEY>_TRACE_ACTIVE. Invalid values select the minimum: detail OFF, 4 kilobytes. A program on Linux that
+/// has more privileges than its caller (setuid, setgid, capabilities) ignores all these variables.
 ///
-/// On Linux a trace file that no variable and no call has named is written only if it is the user's own: no
-/// link, no second name, not of another user, and not writable for others. A file that is named is taken as
-/// it is.
+/// On Linux a trace file under the default name is written only if it is the user's own: it must not be a
+/// link, have a second name, belong to another user, or be writable by others. A file named by a variable or
+/// a call is used without these checks.
 ///
-/// The trace file is appended to and has no header, so that processes can share it; but a record that wraps
-/// around the end of the ring is saved in two parts, between which another process may write. Give each
-/// process a file of its own where that matters. A save that fails may leave a part of a record in the file;
-/// remove the file then.
+/// The trace file has no header and is only appended to, so processes can share it. However, a record that
+/// wraps around the end of the ring is saved in two parts, and another process may write between them. Give
+/// each process its own file where that matters. A failed save may leave part of a record in the file; remove
+/// the file in that case.
 class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
  public:
-  /// A null key counts as ""; a null instance means "VELTRACEINSTANCE0". In controller mode, for
-  /// reading a trace, an old trace file is never removed.
+  /// A null key counts as ""; a null instance means "VELTRACEINSTANCE0". In controller mode, used to read a
+  /// trace, an old trace file is never removed.
   VelClTraceEnvironment(const char* key, const char* instance, bool controllerMode);
   VelClTraceEnvironment(const VelClTraceEnvironment&) = delete;
   VelClTraceEnvironment& operator=(const VelClTraceEnvironment&) = delete;
-  /// Saves what is not saved yet.
+  /// Saves the unsaved bytes.
   ~VelClTraceEnvironment() override;
 
-  /// <KEY>_TRACE_ACTIVE, or what was activated since.
+  /// Make the environment active, or query it; initially <KEY>_TRACE_ACTIVE decides.
   void activate() { active_ = true; }
   bool isActive() const { return active_; }
-  /// Puts an entry into the ring.
+  /// Appends an entry to the ring.
   void add(const VelClTraceEntry& entry);
-  /// The same for an entry that is made of these; it is built where it will stand, if there is room.
+  /// Appends an entry made of these values, see velTraceDump; it is built directly in the ring if there is
+  /// room.
   void add(VelEnTraceDetail detail, unsigned short componentId, VelEnTraceDataType type, const char* origin,
            const char* message, const void* data, size_t size);
-  /// Saves what is not saved yet; without autosave it stays in the ring, too.
+  /// Saves the unsaved bytes; without autosave they stay in the ring as well.
   void flush();
 
-  /// The ring's room for entries, in bytes.
+  /// Returns the ring's room for entries in bytes.
   uint64_t getBufferSize() const { return manager_->getDataBufferSize(); }
-  /// The trace file's.
+  /// Returns the name of the trace file.
   const VelClFilename& getFilename() const { return filename_; }
-  /// For saving and formatting from now on. Longer names than 260 characters are cut.
+  /// Sets the file for saving and formatting from now on. A name of more than 260 characters is cut.
   void setFilename(const char* name) {
     filename_ = name;
     isDefaultFile_ = false;
   }
-  /// Of setFormatString or <KEY>_TRACE_FORMAT; without these, one that shows everything.
+  /// Returns the text of setFormatString or <KEY>_TRACE_FORMAT; if neither was set, a format that shows
+  /// everything.
   const char* getFormatString() const { return format_; }
-  /// Cut at 512 characters; null counts as "".
+  /// Sets the format. Cut at 512 characters; null counts as "".
   void setFormatString(const char* format);
-  /// To read and to change.
+  /// Returns the settings, for reading and changing.
   VelClTraceSettings& getSettings() const { return *settings_; }
-  /// Of the process that made the environment.
+  /// Returns the identifier of the process that constructed the environment.
   unsigned int getProcessId() const { return processId_; }
-  /// velGetTimeStamp.
+  /// Returns velGetTimeStamp().
   unsigned long getTimeStamp() const;
-  /// Whether the ring lies in memory that processes share; always false.
+  /// True if the ring is in memory shared by processes; always false.
   bool usesSharedMemory() const { return sharedMemory_; }
-  /// Whether it was made in controller mode.
+  /// True if constructed in controller mode.
   bool isController() const { return controllerMode_; }
 
-  /// Count texts for the compression rate: their sizes in bytes before and after compression. The totals
-  /// have 32 bits and wrap.
+  /// Adds to the totals for the compression rate: the sizes of a text in bytes before and after compression.
+  /// The totals have 32 bits and wrap.
   void recordCompressionRate(size_t before, size_t after) const;
-  /// Compressed size divided by plain size, 0.0 when nothing was recorded.
+  /// Returns the compressed size divided by the plain size, or 0.0 if nothing was recorded.
   float getCompressionRate() const;
 
-  /// What could not be written to the trace file, and the errno of the last failure.
+  /// Return the number of bytes that could not be written to the trace file, and the errno of the last
+  /// failure.
   uint64_t getLostBytes() const { return lostBytes_; }
   int getLastSystemError() const { return lastSystemError_; }
 
@@ -414,61 +422,64 @@ class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
   mutable uint32_t compressedTotal_;
   uint64_t lostBytes_;
   int lastSystemError_;
-  bool isDefaultFile_;  ///< no variable and no call has named the file
+  bool isDefaultFile_;  ///< the name is the default one: no variable and no call has set it
 };
 
-/// Where entries go. `context` is what was registered with it; the other arguments are those of
+/// Receives entries. `context` is the value registered with the callback; the other arguments are those of
 /// velTraceDump.
 typedef void (*VelTraceCallback)(void* context, VelEnTraceDetail detail, unsigned short componentId,
                                  VelEnTraceDataType type, const char* origin, const char* message,
                                  const void* data, size_t size);
 
-/// The enabled instance, or null: nothing is traced. Read it through VelClTraceInstance::getInstance.
+/// The enabled instance, or null when nothing is traced. Read it through VelClTraceInstance::getInstance.
 extern VEL_API VelClTraceInstance* gs_pclVelTraceInstance;
 
-/// The process's trace.
+/// The trace of the process.
 class VEL_API VelClTraceInstance {
  public:
   VelClTraceInstance(const VelClTraceInstance&) = delete;
   VelClTraceInstance& operator=(const VelClTraceInstance&) = delete;
 
-  /// See velTraceCreateInstance. The instance belongs to the library.
+  /// Same as velTraceCreateInstance. The library owns the instance.
   static VelClTraceInstance* createInstance(const char* key, const char* instance);
-  /// The same in controller mode, for programs that read a trace.
+  /// Same, in controller mode, for programs that read a trace.
   static VelClTraceInstance* createControllerInstance(const char* key, const char* instance);
-  /// See velTraceDeleteInstance.
+  /// Same as velTraceDeleteInstance.
   static void deleteInstance();
-  /// The instance, enabled or not, or null when there is none.
+  /// Returns the instance, enabled or not, or null if there is none.
   static VelClTraceInstance* getSingletonInstance();
-  /// The enabled instance, or null.
+  /// Returns the enabled instance, or null.
   static VelClTraceInstance* getInstance() { return gs_pclVelTraceInstance; }
 
-  /// Switch recording on, which needs an active environment, and off; off saves first.
+  /// Switch recording on, which requires an active environment, and off. Switching off saves the unsaved
+  /// bytes first.
   void enable();
   void disable();
-  /// Makes the environment active; enable comes afterwards.
+  /// Makes the environment active. It does not enable recording: call enable() afterwards.
   void activate();
-  /// Whether the environment is active.
+  /// True if the environment is active.
   bool isActive() const;
-  /// Whether any instance is enabled.
+  /// True if any instance is enabled.
   bool isEnabled() const { return gs_pclVelTraceInstance != nullptr; }
-  /// Saves what is not saved yet, if the environment is active.
+  /// Saves the unsaved bytes, if the environment is active.
   void flush();
-  /// The environment of the key, owned by the instance.
+  /// Returns the environment of the key; the instance owns it.
   VelClTraceEnvironment& getEnvironment() const { return *environment_; }
 
-  /// Hands every entry to another back end instead of the ring; serialise the entries of several threads
-  /// there.
+  /// Redirects every entry to `callback` instead of the ring. The callback must serialise the entries of
+  /// several threads itself.
   void registerUserCallback(VelTraceCallback callback, void* context);
-  /// Whether entries go to the ring.
+  /// True if entries go to the ring.
   bool usesVelBackEnd() const { return callback_ == &dumpImp; }
-  /// Hands an entry to the back end as it is, also when nothing is enabled. See velTraceDump.
+  /// Passes an entry to the back end unchanged, even when no instance is enabled; the ring's back end applies
+  /// the filter. See velTraceDump.
   void dump(VelEnTraceDetail detail, unsigned short componentId, VelEnTraceDataType type, const char* origin,
             const char* message, const void* data, size_t size) {
     callback_(context_, detail, componentId, type, origin, message, data, size);
   }
-  /// Records a function's entry (FUNCTION_ENTRY) or exit (any other type) with the nesting level behind it.
-  // Only LOW is lowered. Keep.
+  /// Records a function's entry (FUNCTION_ENTRY) or exit (any other type), with the resulting nesting level
+  /// as data.
+  // Intentional: only LOW is lowered; MEDIUM and HIGH are filtered as usual.
   /// The detail LOW becomes OFF, so that such records pass every filter of details.
   void dumpFunction(VelEnTraceDetail detail, unsigned short componentId, VelEnTraceDataType type,
                     const char* origin);
@@ -490,13 +501,14 @@ class VEL_API VelClTraceInstance {
   int32_t nestingLevel_;
 };
 
-/// Deletes the trace instance when it goes: the library has one, which is destroyed at its unload.
+/// Deletes the trace instance on destruction. The library holds one such object, which is destroyed when the
+/// library is unloaded.
 class VEL_API VelClTraceAutomaticInstanceDestructor {
  public:
   ~VelClTraceAutomaticInstanceDestructor();
 };
 
-/// Traces a function's entry and, at the end of its scope, its exit. `origin` is a literal.
+/// Traces a function's entry and, at the end of the scope, its exit. `origin` is not copied: pass a literal.
 class VelClTraceFunction {
  public:
   /// Records the entry.
@@ -519,7 +531,7 @@ class VelClTraceFunction {
   const char* origin_;
 };
 
-/// The data type of a number, a bool or a pointer; DATA for everything else.
+/// Returns the data type for a number, a bool or a pointer, and DATA for every other type.
 template <typename Value>
 constexpr VelEnTraceDataType velTraceTypeOf() {
   if constexpr (std::is_pointer_v<Value>) return VelEnTraceDataType::ADDRESS;
@@ -528,14 +540,14 @@ constexpr VelEnTraceDataType velTraceTypeOf() {
   if constexpr (std::is_same_v<Value, double>) return VelEnTraceDataType::FLOAT_64;
   if constexpr (std::is_same_v<Value, long double>) return VelEnTraceDataType::LONG_DOUBLE;
   if constexpr (!std::is_integral_v<Value> || sizeof(Value) > 8) return VelEnTraceDataType::DATA;
-  // SIGNED_8, UNSIGNED_8, SIGNED_16 and so on follow one another.
+  // SIGNED_8, UNSIGNED_8, SIGNED_16 and so on are consecutive.
   const int bytesAsPower = sizeof(Value) == 1 ? 0 : sizeof(Value) == 2 ? 1 : sizeof(Value) == 4 ? 2 : 3;
   return static_cast<VelEnTraceDataType>(static_cast<int>(VelEnTraceDataType::SIGNED_8) + 2 * bytesAsPower +
                                          (std::is_signed_v<Value> ? 0 : 1));
 }
 
-/// Traces one value with the data type that it has; costs one load and one branch when nothing is enabled.
-/// A pointer is traced itself, not what it leads to.
+/// Traces one value with its own data type; costs one load and one branch when nothing is enabled. For a
+/// pointer its address is recorded, not the object it points to.
 template <typename Value>
 void velTraceValue(VelEnTraceDetail detail, unsigned short componentId, const char* origin,
                    const char* message, const Value& value) {

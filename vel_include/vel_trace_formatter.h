@@ -1,5 +1,5 @@
-// Makes text of trace files, for programs that show what others traced; trcctl is one. The environment that
-// names the file, and the filter, are those of vel_trace.h, which includes this header.
+// Renders trace files as text, for programs that show what others traced, such as trcctl. The environment,
+// which names the file, and the filter are declared in vel_trace.h, which includes this header.
 #ifndef VEL_TRACE_FORMATTER_H_
 #define VEL_TRACE_FORMATTER_H_
 
@@ -15,51 +15,53 @@ class VelClMessageCatalog;
 class VelClTraceEnvironment;
 class VelClTraceFilter;
 
-/// Makes text of a trace file, one entry after the other, by a format string:
+/// Renders a trace file as text, entry by entry, according to a format string:
 ///
 ///   %f origin     %m message     %d data (exactly once)    %x, %X type, short and long
 ///   %p process    %t thread      %s time stamp             %l detail    %c component
-///   %n and \n line break with indentation, \t tab, \\ back-slash, %% percent sign
+///   %n and \n line break with indentation, \t tab, \\ backslash, %% percent sign
 ///
-/// Every format string must have "%d" exactly once: it alone moves behind the data of the entry. "%" or "\"
-/// before any other character is shown as "%" or as that character; at the very end it is ignored.
-/// Of a nesting level 1,024 levels are shown as indentation at most, and none of one above 2147483647.
-/// Faults of the file are thrown as VelClException with severity FATAL and action TERMINATE; what was
-/// formatted before stays written: TRACEFORMAT_COULD_NOT_OPEN with class IO_PERMISSION_DENIED,
-/// TRACEFORMAT_UNEXPECTED_EOF with IO_READ_PROBLEM for data that is cut off or that the system fails to read,
-/// TRACEFORMAT_FILE_CORRUPTED with INVALID_DATA or DATA_OUT_OF_BOUNDS for data that does not fit its type.
-/// Nothing is allocated per entry.
+/// Every format string must contain "%d" exactly once, because only this directive consumes the data of the
+/// entry. "%" or "\" before any other character is shown as "%" or as that character; at the very end of the
+/// string it is ignored.
+/// Of a nesting level 1,024 levels are shown as indentation at most, and none of a level above 2147483647.
+/// Errors in the file are thrown as VelClException with severity FATAL and action TERMINATE; text formatted
+/// before the error has been written. The identifiers are TRACEFORMAT_COULD_NOT_OPEN with class
+/// IO_PERMISSION_DENIED, TRACEFORMAT_UNEXPECTED_EOF with IO_READ_PROBLEM for data that is truncated or that
+/// the system fails to read, and TRACEFORMAT_FILE_CORRUPTED with INVALID_DATA or DATA_OUT_OF_BOUNDS for data
+/// that does not fit its type. No memory is allocated per entry.
 class VEL_API VelClTraceFormatter {
  public:
-  /// The file's name, and the format string at first, come from `environment`; a null filter means that of
-  /// its settings. Neither is copied.
+  /// Uses the file name and the format string of `environment`. If `filter` is null, uses the filter in the
+  /// settings of the environment. Neither object is copied.
   VelClTraceFormatter(const VelClTraceEnvironment& environment, const VelClTraceFilter* filter);
   VelClTraceFormatter(const VelClTraceFormatter&) = delete;
   VelClTraceFormatter& operator=(const VelClTraceFormatter&) = delete;
   ~VelClTraceFormatter();
 
-  /// Texts are not copied; null means the environment's format, and no indentation.
+  /// Sets the format; null restores that of the environment. The text is not copied.
   void setFormatString(const char* format);
-  /// What stands once for each nesting level at the start of each line.
+  /// Sets the text that is repeated for each nesting level at the start of each line; null means no
+  /// indentation. The text is not copied.
   void setDisplayIndentation(const char* indentation) { indentation_ = indentation; }
-  /// Shows the nesting level of function records; off at first.
+  /// Shows the nesting level of function records; initially off.
   void setShowNestingLevel(bool show) { showNestingLevel_ = show; }
-  /// Shows function records at all; on at first.
+  /// Shows function records; initially on.
   void setShowFunctionRecords(bool show) { showFunctionRecords_ = show; }
-  /// Shows a function's name also in records that follow one of the same function; on at first.
+  /// Repeats the function name in consecutive records of the same function; initially on.
   void setShowRepeatedFunctionNames(bool show) { showRepeatedNames_ = show; }
-  /// Shows numbers and booleans also as a line "HEX: ", or as lines "BIN: ", with their bytes; off at first.
+  /// Adds the bytes of numbers and booleans as a line "HEX: ", or as lines "BIN: "; initially off.
   void setShowHex(bool show) { showHex_ = show; }
   void setShowBinary(bool show) { showBinary_ = show; }
-  /// Takes the formatter's own words (messages 189 to 192) from a catalog, which must live longer.
+  /// Reads the formatter's own texts (messages 189 to 192) from a catalog, which must outlive the formatter.
   void attachVelMessageCatalog(VelClMessageCatalog& catalog);
 
-  /// Formats the whole file. Characters that count as printable are those of ASCII, and numbers have no
-  /// locale: the same file gives the same text on every system. Floating-point numbers have the stream's
-  /// precision, up to 8,000, and its general, fixed or scientific form.
+  /// Formats the whole file. Output does not depend on the system or the locale: printable characters are
+  /// those of ASCII, and numbers have no locale. Floating-point numbers use the stream's precision, up to
+  /// 8,000, and its general, fixed or scientific notation.
   void format(std::ostream& stream);
-  // Entries that are kept out count, too. Keep.
-  /// The entries that the last format read, whether shown or not.
+  // Intentional: the documented result includes entries that the filter excludes.
+  /// Returns the number of entries read by the last format, whether shown or not.
   unsigned int getNumOfEntries() const { return entryCount_; }
 
  private:
