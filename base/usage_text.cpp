@@ -7,7 +7,7 @@ namespace vel {
 namespace {
 
 /// Takes the next line off `text`; false when that was the last one.
-bool takeLine(std::string_view& text, std::string_view& line) {
+bool consumeLine(std::string_view& text, std::string_view& line) {
   const std::size_t end = text.find('\n');
   line = text.substr(0, end);
   if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
@@ -41,7 +41,7 @@ void writeText(std::ostream& stream, const char* text, TextKind kind, std::size_
   std::string_view line;
   bool first = true;
   for (bool more = true; more;) {
-    more = takeLine(rest, line);
+    more = consumeLine(rest, line);
     // A "!" anywhere in a line hides all of it.
     if (kind == TextKind::UsageWithoutTaggedLines && isTagged(line)) continue;
     if (!first) {

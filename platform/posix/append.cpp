@@ -58,7 +58,7 @@ bool isOwnFile(int descriptor) noexcept {
          status.st_nlink <= 1 && (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
 }
 
-void moveOn(iovec& piece, std::size_t count) noexcept {
+void advance(iovec& piece, std::size_t count) noexcept {
   piece.iov_base = static_cast<char*>(piece.iov_base) + count;
   piece.iov_len -= count;
 }
@@ -99,8 +99,8 @@ SystemError appendBytes(int descriptor, const Bytes& first, const Bytes& second,
     }
     const auto step = static_cast<std::size_t>(count);
     const std::size_t ofFirst = step < pieces[0].iov_len ? step : pieces[0].iov_len;
-    moveOn(pieces[0], ofFirst);
-    moveOn(pieces[1], step - ofFirst);
+    advance(pieces[0], ofFirst);
+    advance(pieces[1], step - ofFirst);
     written += step;
   }
   return 0;

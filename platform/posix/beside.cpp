@@ -1,7 +1,6 @@
 #include "platform/posix/beside.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <stdio.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -22,9 +21,9 @@ namespace vel::platform {
 namespace {
 
 constexpr mode_t kPermissionBits = 07777;
-constexpr int kMostNames = 100;
+constexpr int kMaxNames = 100;
 
-/// For removeUnfinishedOnSignals.
+/// For removeUnfinished.
 std::atomic<const Replacement*> unfinished{nullptr};
 
 /// No program is ended between two steps of the file system, or between one and its note.
@@ -44,7 +43,7 @@ class EndingSignalsHeld {
 };
 
 /// A name of 20 characters that nobody can guess, and so nobody can take before.
-SystemError drawName(Replacement& replacement) noexcept {
+SystemError makeTemporaryName(Replacement& replacement) noexcept {
   std::uint64_t number = 0;
   if (getentropy(&number, sizeof number) != 0) return errno;
   snprintf(replacement.temporary, sizeof replacement.temporary, "~%015llx.tmp",
@@ -56,8 +55,8 @@ SystemError drawName(Replacement& replacement) noexcept {
 template <typename Make>
 SystemError makeUnderNewName(Replacement& replacement, Make make) noexcept {
   SystemError error = EEXIST;
-  for (int attempt = 0; attempt < kMostNames && error == EEXIST; ++attempt) {
-    error = drawName(replacement);
+  for (int attempt = 0; attempt < kMaxNames && error == EEXIST; ++attempt) {
+    error = makeTemporaryName(replacement);
     if (error == 0 && !make()) error = errno;
   }
   if (error != 0) replacement.temporary[0] = '\0';
@@ -103,13 +102,6 @@ SystemError moveOverTarget(Replacement& replacement) noexcept {
   return renameat(directory, replacement.temporary, directory, replacement.target) == 0 ? 0 : errno;
 }
 
-void removeAndEnd(int signal) {
-  const Replacement* const replacement = unfinished;
-  if (replacement != nullptr) unlinkat(replacement->directory, replacement->temporary, 0);
-  // Takes effect behind this handler, whose place the system's own action has taken.
-  raise(signal);
-}
-
 }  // namespace
 
 SystemError createBeside(mode_t mode, BesideName name, Replacement& replacement) noexcept {
@@ -126,7 +118,7 @@ SystemError createBeside(mode_t mode, BesideName name, Replacement& replacement)
 // that is lost goes to nobody else. Neither is a refusal lost: whoever was in the old group now counts among
 // the others, who get no more than the group had; without the list, which may refuse single users, they get
 // nothing. What counts is what is there in the end: some file systems set the wanted owner by themselves.
-bool takeOverRights(const Replacement& replacement, mode_t mode) noexcept {
+bool copyRights(const Replacement& replacement, mode_t mode) noexcept {
   constexpr mode_t kGroupBits = S_IRWXG | S_ISGID;
   const mode_t othersOfGroup = (mode & S_IRWXG) >> 3;
   struct stat old, now;
@@ -178,14 +170,9 @@ void closeReplacement(Replacement& replacement) noexcept {
     if (*descriptor >= 0) close(std::exchange(*descriptor, -1));
 }
 
-void removeUnfinishedOnSignals() noexcept {
-  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
-    struct sigaction action = {};
-    if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) continue;
-    action.sa_handler = removeAndEnd;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    sigaction(signal, &action, nullptr);
-  }
+void removeUnfinished() noexcept {
+  const Replacement* const replacement = unfinished;
+  if (replacement != nullptr) unlinkat(replacement->directory, replacement->temporary, 0);
 }
 
 }  // namespace vel::platform

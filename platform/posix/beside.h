@@ -17,7 +17,7 @@ SystemError createBeside(mode_t mode, BesideName name, Replacement& replacement)
 
 /// Gives the file the owner, the group and the access control list of the target, and the permissions `mode`
 /// but for those of a group or owner that cannot be kept. Whether it has all that now.
-bool takeOverRights(const Replacement& replacement, mode_t mode) noexcept;
+bool copyRights(const Replacement& replacement, mode_t mode) noexcept;
 
 /// Gives the file the target's name: in one step, and in place of nothing but the entry that findTarget held
 /// (ECANCELED), or of none (EEXIST). After a failure the file is gone.
@@ -32,5 +32,8 @@ SystemError storeDirectory(const Replacement& replacement) noexcept;
 
 /// Closes what is open, and removes a file that is not in place.
 void closeReplacement(Replacement& replacement) noexcept;
+
+/// Removes the temporary file of the latest replacement under way, if it has a name. Async-signal-safe.
+void removeUnfinished() noexcept;
 
 }  // namespace vel::platform

@@ -23,7 +23,7 @@ int openRetrying(const char* path, int flags) noexcept {
 
 /// Opens without waiting for anybody's other end of a pipe. A file that is leased, to a file server for
 /// example, fails with EWOULDBLOCK until the kernel has broken the lease, which takes up to 45 seconds.
-int openAtOnce(const char* path) noexcept {
+int openWithoutWaiting(const char* path) noexcept {
   constexpr timespec kPause{0, 50'000'000};
   int descriptor = openRetrying(path, O_NONBLOCK);
   for (int left = 1000; descriptor == -1 && errno == EWOULDBLOCK && left > 0; --left) {
@@ -39,7 +39,7 @@ SystemError openForReading(const char* name, PipeWithoutWriter pipe, int& descri
   const NativePath path(name);
   if (!path.fits()) return ENAMETOOLONG;
   const bool awaits = pipe == PipeWithoutWriter::Await;
-  Descriptor file(awaits ? openRetrying(path.get(), 0) : openAtOnce(path.get()));
+  Descriptor file(awaits ? openRetrying(path.get(), 0) : openWithoutWaiting(path.get()));
   if (!file.isOpen()) return errno;
   if (!awaits && isNamedPipe(file.get()) && !hasWriter(file.get())) return ENXIO;
   if (!awaits && fcntl(file.get(), F_SETFL, fcntl(file.get(), F_GETFL) & ~O_NONBLOCK) != 0) return errno;

@@ -22,7 +22,7 @@ constexpr int kSignalCount = sizeof kSignals / sizeof kSignals[0];
 
 volatile sig_atomic_t signalPipe = -1;
 
-extern "C" void passSignalOn(int number) {
+extern "C" void forwardSignal(int number) {
   const int savedError = errno;
   const auto byte = static_cast<unsigned char>(number);
   // A full pipe holds enough signals already.
@@ -38,7 +38,7 @@ class SignalWatch {
     if (pipe2(pipe_, O_CLOEXEC | O_NONBLOCK) != 0) return;
     signalPipe = pipe_[1];
     struct sigaction action {};
-    action.sa_handler = passSignalOn;
+    action.sa_handler = forwardSignal;
     action.sa_flags = SA_RESTART;
     sigfillset(&action.sa_mask);
     for (int i = 0; i < kSignalCount; ++i) {

@@ -26,9 +26,9 @@ namespace {
 constexpr mode_t kWriteBits = 0222;
 
 /// A path that ends in its last component: with separators behind it, the system would follow a link.
-class PathWithoutEnd {
+class PathWithoutFinalSeparators {
  public:
-  explicit PathWithoutEnd(const char* name) noexcept : fits_(false), text_{} {
+  explicit PathWithoutFinalSeparators(const char* name) noexcept : fits_(false), text_{} {
     const NativePath path(name);
     if (!path.fits()) return;
     std::size_t length = std::strlen(path.get());
@@ -100,7 +100,7 @@ SystemError openAt(int place, const char* path, int flags, DirectoryHandle& dire
 
 SystemError openDirectory(const char* name, DirectoryLink link, DirectoryHandle& directory) noexcept {
   directory = {};
-  const PathWithoutEnd path(name);
+  const PathWithoutFinalSeparators path(name);
   if (!path.fits()) return ENAMETOOLONG;
   return openAt(AT_FDCWD, path.get(), link == DirectoryLink::Refuse ? O_NOFOLLOW : 0, directory);
 }
@@ -157,7 +157,7 @@ SystemError makeDirectory(const char* name) noexcept {
 }
 
 SystemError removeDirectory(const char* name) noexcept {
-  const PathWithoutEnd path(name);
+  const PathWithoutFinalSeparators path(name);
   if (!path.fits()) return ENAMETOOLONG;
   if (rmdir(path.get()) == 0) return 0;
   if (errno != ENOTDIR) return errno;

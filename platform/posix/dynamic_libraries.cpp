@@ -31,10 +31,10 @@ bool loadFile(const char* path, void* context) noexcept {
 
 bool searchLibrary(const char* name, char* out, std::size_t capacity) noexcept {
   FoundPath found{out, capacity};
-  const TakeFile take = [](const char* path, void* context) noexcept {
+  const PathVisitor visit = [](const char* path, void* context) noexcept {
     return isRegularFile(path) && static_cast<FoundPath*>(context)->set(path);
   };
-  return searchFile(NameForms::ofLibrary(name), kBesideProgram | kInCurrentDirectory | kAlongPath, take,
+  return searchFile(NameForms::ofLibrary(name), kBesideProgram | kInCurrentDirectory | kAlongPath, visit,
                     &found);
 }
 

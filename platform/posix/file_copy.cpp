@@ -20,7 +20,7 @@ namespace {
 constexpr mode_t kPermissionBits = 0777;
 constexpr mode_t kWriteBits = 0222;
 /// After so many others that came first something else is wrong.
-constexpr int kMostAttempts = 16;
+constexpr int kMaxAttempts = 16;
 
 /// Never waits for the other end of a pipe.
 Descriptor openSource(const char* path) noexcept {
@@ -99,9 +99,9 @@ bool isFile(int descriptor) noexcept {
 }
 
 /// File systems without permission bits refuse; the contents are there all the same.
-void giveRights(const Replacement& target, mode_t mode) noexcept {
+void applyRights(const Replacement& target, mode_t mode) noexcept {
   if (isFile(target.heldTarget))
-    takeOverRights(target, mode);
+    copyRights(target, mode);
   else
     static_cast<void>(fchmod(target.descriptor, mode));
 }
@@ -114,7 +114,7 @@ SystemError copyInPlace(int target, const Copy& copy) noexcept {
 }
 
 SystemError placeCopy(Replacement& target, const Copy& copy) noexcept {
-  giveRights(target, copy.mode);
+  applyRights(target, copy.mode);
   return moveIntoPlace(target);
 }
 
@@ -155,7 +155,7 @@ SystemError copyFile(const char* from, const char* to, bool writable) noexcept {
   SystemError error = 0;
   int attempt = 0;
   do error = copyOnce(targetPath.get(), status, {source.get(), mode});
-  while ((error == ECANCELED || error == EEXIST) && ++attempt < kMostAttempts);
+  while ((error == ECANCELED || error == EEXIST) && ++attempt < kMaxAttempts);
   return error;
 }
 

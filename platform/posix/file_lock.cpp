@@ -20,7 +20,7 @@ namespace vel::platform {
 namespace {
 
 /// How often the name may lead somewhere else, before the file counts as busy.
-constexpr int kMostRounds = 100;
+constexpr int kMaxRounds = 100;
 
 /// What became of one round; `isMoved` when the name leads somewhere else by now.
 struct Round {
@@ -80,7 +80,7 @@ bool directoryOf(const char* path, char (&directory)[PATH_MAX]) noexcept {
   return true;
 }
 
-Round lockPlaceOf(const char* path, FileLock& lock) noexcept {
+Round lockDirectoryOf(const char* path, FileLock& lock) noexcept {
   char directory[PATH_MAX];
   if (!directoryOf(path, directory)) return {LockResult::Failed};
   const Round round = lockAt(directory, O_DIRECTORY, lock);
@@ -95,7 +95,8 @@ Round lockPlaceOf(const char* path, FileLock& lock) noexcept {
 
 Round lockOnce(const char* path, FileLock& lock) noexcept {
   struct stat found;
-  if (stat(path, &found) != 0) return errno == ENOENT ? lockPlaceOf(path, lock) : Round{LockResult::Failed};
+  if (stat(path, &found) != 0)
+    return errno == ENOENT ? lockDirectoryOf(path, lock) : Round{LockResult::Failed};
   if (S_ISDIR(found.st_mode)) return {LockResult::Failed};
   if (S_ISREG(found.st_mode)) return lockAt(path, 0, lock);
   lock.file = stateIn(found);
@@ -126,7 +127,7 @@ LockResult tryLockFile(const char* name, FileLock& lock) noexcept {
   const NativePath path(name);
   if (!path.fits()) return LockResult::Failed;
   Round round = kMoved;
-  for (int left = kMostRounds; left > 0 && round.isMoved; --left) round = lockOnce(path.get(), lock);
+  for (int left = kMaxRounds; left > 0 && round.isMoved; --left) round = lockOnce(path.get(), lock);
   return round.result;
 }
 

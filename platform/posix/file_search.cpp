@@ -40,24 +40,24 @@ bool join(std::initializer_list<std::string_view> pieces, PathBuffer& path) noex
 struct Search {
   const NameForm& form;
   bool ignoreCase;
-  TakeFile take;
+  PathVisitor visit;
   void* context;
 
-  bool lookIn(std::string_view directory) const noexcept {
+  bool tryDirectory(std::string_view directory) const noexcept {
     PathBuffer path;
     const std::string_view separator = directory.ends_with('/') ? "" : "/";
     if (directory.empty() || !join({directory, separator, form.prefix, form.stem, form.suffix}, path))
       return false;
     if (ignoreCase) matchSpelling(path.data());
-    return take(path.data(), context);
+    return visit(path.data(), context);
   }
 
-  bool lookAlongPath() const noexcept {
+  bool tryAlongPath() const noexcept {
     const char* const variable = std::getenv("PATH");
     std::string_view rest = variable == nullptr ? "" : variable;
     while (!rest.empty()) {
       const std::size_t length = std::min(rest.find(':'), rest.size());
-      if (lookIn(rest.substr(0, length))) return true;
+      if (tryDirectory(rest.substr(0, length))) return true;
       rest.remove_prefix(std::min(length + 1, rest.size()));
     }
     return false;
@@ -65,10 +65,10 @@ struct Search {
 
   bool run(unsigned places) const noexcept {
     PathBuffer program;
-    return ((places & kBesideProgram) != 0 && lookIn(programDirectory(program))) ||
-           ((places & kInCurrentDirectory) != 0 && lookIn(".")) ||
-           ((places & kAlongPath) != 0 && lookAlongPath()) ||
-           ((places & kBesideThisLibrary) != 0 && lookIn(libraryDirectory()));
+    return ((places & kBesideProgram) != 0 && tryDirectory(programDirectory(program))) ||
+           ((places & kInCurrentDirectory) != 0 && tryDirectory(".")) ||
+           ((places & kAlongPath) != 0 && tryAlongPath()) ||
+           ((places & kBesideThisLibrary) != 0 && tryDirectory(libraryDirectory()));
   }
 };
 
@@ -110,38 +110,38 @@ NameForms NameForms::ofLibrary(std::string_view name) noexcept {
   return forms;
 }
 
-bool searchFile(const NameForms& forms, unsigned places, TakeFile take, void* context) noexcept {
+bool searchFile(const NameForms& forms, unsigned places, PathVisitor visit, void* context) noexcept {
   if ((places & kAlsoPrivileged) == 0 && isPrivileged()) places &= ~(kInCurrentDirectory | kAlongPath);
   // The exact spelling first, everywhere: reading whole directories is slow.
   for (const bool ignoreCase : {false, true})
     for (const NameForm& form : forms)
-      if (Search{form, ignoreCase, take, context}.run(places)) return true;
+      if (Search{form, ignoreCase, visit, context}.run(places)) return true;
   return false;
 }
 
-bool tryNames(const NameForms& forms, TakeFile take, void* context) noexcept {
+bool tryNames(const NameForms& forms, PathVisitor visit, void* context) noexcept {
   for (const NameForm& form : forms) {
     PathBuffer name;
-    if (join({form.directory, form.prefix, form.stem, form.suffix}, name) && take(name.data(), context))
+    if (join({form.directory, form.prefix, form.stem, form.suffix}, name) && visit(name.data(), context))
       return true;
   }
   return false;
 }
 
-bool tryPaths(const NameForms& forms, TakeFile take, void* context) noexcept {
+bool tryPaths(const NameForms& forms, PathVisitor visit, void* context) noexcept {
   struct Native {
-    TakeFile take;
+    PathVisitor visit;
     void* context;
-  } native{take, context};
-  const TakeFile takeNative = [](const char* name, void* of) noexcept {
+  } native{visit, context};
+  const PathVisitor visitNative = [](const char* name, void* of) noexcept {
     const NativePath path(name);
     if (!path.fits()) return false;
-    const auto& [taker, its] = *static_cast<const Native*>(of);
+    const auto& [visitor, its] = *static_cast<const Native*>(of);
     PathBuffer rooted;
     const std::string_view start = std::strchr(path.get(), '/') == nullptr ? "./" : "";
-    return join({start, path.get()}, rooted) && taker(rooted.data(), its);
+    return join({start, path.get()}, rooted) && visitor(rooted.data(), its);
   };
-  return tryNames(forms, takeNative, &native);
+  return tryNames(forms, visitNative, &native);
 }
 
 bool isRegularFile(const char* path) noexcept {

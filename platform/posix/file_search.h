@@ -48,16 +48,16 @@ enum SearchPlaces : unsigned {
 };
 
 /// Takes a path that may be a file's, or declines it so that the search goes on.
-using TakeFile = bool (*)(const char* path, void* context) noexcept;
+using PathVisitor = bool (*)(const char* path, void* context) noexcept;
 
 /// Offers every place where a name without directory could be. Directories along PATH may be relative.
-bool searchFile(const NameForms& forms, unsigned places, TakeFile take, void* context) noexcept;
+bool searchFile(const NameForms& forms, unsigned places, PathVisitor visit, void* context) noexcept;
 
 /// Offers the forms as they are.
-bool tryNames(const NameForms& forms, TakeFile take, void* context) noexcept;
+bool tryNames(const NameForms& forms, PathVisitor visit, void* context) noexcept;
 /// Offers the forms of a name that has a directory, in native spelling. A "/" is in each: without one the
 /// system's loader would search.
-bool tryPaths(const NameForms& forms, TakeFile take, void* context) noexcept;
+bool tryPaths(const NameForms& forms, PathVisitor visit, void* context) noexcept;
 
 /// Returns the path's directory with its final "/", "" when the path has none.
 std::string_view directoryOf(std::string_view path) noexcept;

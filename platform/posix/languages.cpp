@@ -40,7 +40,7 @@ bool isUtf8Name(const char* codeSet) noexcept {
 }
 
 /// The first character or unpaired surrogate, which is removed from the text.
-wchar_t takeCharacter(const char16_t*& text, const char16_t* end) noexcept {
+wchar_t consumeCharacter(const char16_t*& text, const char16_t* end) noexcept {
   const char16_t* const units = text;
   const std::size_t count = utf16Length(text, static_cast<std::size_t>(end - text));
   text += count;
@@ -89,7 +89,7 @@ std::size_t utf16ToAnsi(const char16_t* text, std::size_t length, char* out, std
   std::size_t written = 0;
   while (text != end) {
     char bytes[MB_LEN_MAX];
-    const std::size_t count = encode(takeCharacter(text, end), bytes);
+    const std::size_t count = encode(consumeCharacter(text, end), bytes);
     if (count > capacity - written) break;
     std::memcpy(out + written, bytes, count);
     written += count;

@@ -48,15 +48,15 @@ class SharedOutcome {
  public:
   SharedOutcome() noexcept
       : memory_(mmap(nullptr, sizeof(Outcome), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)) {
-    if (isThere()) new (memory_) Outcome;
+    if (isMapped()) new (memory_) Outcome;
   }
   SharedOutcome(const SharedOutcome&) = delete;
   SharedOutcome& operator=(const SharedOutcome&) = delete;
   ~SharedOutcome() {
-    if (isThere()) munmap(memory_, sizeof(Outcome));
+    if (isMapped()) munmap(memory_, sizeof(Outcome));
   }
 
-  bool isThere() const noexcept { return memory_ != MAP_FAILED; }
+  bool isMapped() const noexcept { return memory_ != MAP_FAILED; }
   Outcome* get() const noexcept { return static_cast<Outcome*>(memory_); }
 
  private:
@@ -65,35 +65,35 @@ class SharedOutcome {
 
 /// What this process does about SIGCHLD must not take exit codes away. That is one setting for all threads: a
 /// launch that finds such an action puts it aside, and the last of those under way puts it back.
-class ChildAction {
+class SigchldDisposition {
  public:
-  void putAside() noexcept {
+  void useDefault() noexcept {
     const std::lock_guard lock(guard_);
     ++launches_;
     struct sigaction current {};
     sigaction(SIGCHLD, nullptr, &current);
     if (current.sa_handler != SIG_IGN && (current.sa_flags & SA_NOCLDWAIT) == 0) return;
-    kept_ = current;
-    isAside_ = true;
+    previous_ = current;
+    isReplaced_ = true;
     struct sigaction standard {};
     standard.sa_handler = SIG_DFL;
     sigaction(SIGCHLD, &standard, nullptr);
   }
-  void putBack() noexcept {
+  void restore() noexcept {
     const std::lock_guard lock(guard_);
-    if (--launches_ != 0 || !isAside_) return;
-    isAside_ = false;
-    sigaction(SIGCHLD, &kept_, nullptr);
+    if (--launches_ != 0 || !isReplaced_) return;
+    isReplaced_ = false;
+    sigaction(SIGCHLD, &previous_, nullptr);
   }
 
  private:
   std::mutex guard_;
   int launches_ = 0;
-  bool isAside_ = false;
-  struct sigaction kept_ {};
+  bool isReplaced_ = false;
+  struct sigaction previous_ {};
 };
 
-constinit ChildAction childAction;
+constinit SigchldDisposition sigchldDisposition;
 
 /// A thread that is cancelled ends after its launch. Within, that would end the process; and in a child that
 /// shares memory, what this thread has on its stack.
@@ -115,12 +115,12 @@ class SignalsDuringLaunch {
     sigset_t all;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before_);
-    childAction.putAside();
+    sigchldDisposition.useDefault();
   }
   SignalsDuringLaunch(const SignalsDuringLaunch&) = delete;
   SignalsDuringLaunch& operator=(const SignalsDuringLaunch&) = delete;
   ~SignalsDuringLaunch() {
-    childAction.putBack();
+    sigchldDisposition.restore();
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
   }
 
@@ -164,7 +164,7 @@ void useNullStreams() noexcept {
 }
 
 /// Returns only without the program.
-void become(const Plan& plan) noexcept {
+void execProgram(const Plan& plan) noexcept {
   resetHandlers();
   pthread_sigmask(SIG_SETMASK, &plan.signalMask, nullptr);
   execve(plan.program, plan.arguments, environ);
@@ -187,7 +187,7 @@ void startDetached(const Plan& plan) noexcept {
   if (plan.outcome->error != 0) return;
   const pid_t program = _Fork();
   if (program == 0) {
-    become(plan);
+    execProgram(plan);
     const int error = errno;
     static_cast<void>(retrying([&] { return write(ends[1], &error, sizeof error); }));
     _exit(kExitCodeWithoutProgram);
@@ -204,7 +204,7 @@ void startDetached(const Plan& plan) noexcept {
     startDetached(plan);
     _exit(0);
   }
-  become(plan);
+  execProgram(plan);
   plan.outcome->error = errno;
   _exit(kExitCodeWithoutProgram);
 }
@@ -226,17 +226,17 @@ bool isRunnable(const char* path) noexcept {
   return isRegularFile(path) && faccessat(AT_FDCWD, path, X_OK, AT_EACCESS) == 0;
 }
 
-bool takeExisting(const char* path, void* found) noexcept {
+bool acceptExisting(const char* path, void* found) noexcept {
   return isRegularFile(path) && static_cast<FoundPath*>(found)->set(path);
 }
 
-bool takeRunnable(const char* path, void* found) noexcept {
+bool acceptRunnable(const char* path, void* found) noexcept {
   return isRunnable(path) && static_cast<FoundPath*>(found)->set(path);
 }
 
 bool findProgram(const char* name, FoundPath found) noexcept {
   // With a directory the file need not be runnable: exec tells what is wrong with it.
-  if (hasDirectory(name)) return tryPaths(NameForms::ofProgram(name), takeExisting, &found);
+  if (hasDirectory(name)) return tryPaths(NameForms::ofProgram(name), acceptExisting, &found);
   return searchProgram(name, found.out, found.capacity);
 }
 
@@ -260,7 +260,7 @@ int run(const Launch& launch, Style style, Outcome& outcome, int& status) noexce
   PathBuffer program;
   if (!findProgram(launch.arguments[0], {program.data(), program.size()})) return ENOENT;
   const SharedOutcome shared;
-  if (!shared.isThere()) return errno;
+  if (!shared.isMapped()) return errno;
   const SignalsDuringLaunch signals;
   const Plan plan{program.data(), launch.arguments, style, signals.before(), shared.get()};
   const pid_t child = startChild(plan);
@@ -307,7 +307,7 @@ bool programExists(const char* name) noexcept {
 bool searchProgram(const char* name, char* out, std::size_t capacity) noexcept {
   FoundPath found{out, capacity};
   constexpr unsigned kPlaces = kInCurrentDirectory | kAlongPath | kAlsoPrivileged;
-  return searchFile(NameForms::ofProgram(name), kPlaces, takeRunnable, &found);
+  return searchFile(NameForms::ofProgram(name), kPlaces, acceptRunnable, &found);
 }
 
 }  // namespace vel::platform

@@ -2,7 +2,7 @@
 #include <pthread.h>
 #include <unistd.h>
 
-#include "platform/posix/thread_number.h"
+#include "platform/posix/thread_id.h"
 #include "platform/processes.h"
 
 namespace vel::platform {
@@ -22,8 +22,8 @@ const int registered = pthread_atfork(nullptr, nullptr, [] {
 });
 
 /// Without the handler above a cached number could be the parent's, so nothing is cached then.
-std::uint32_t askThreadId() noexcept {
-  const std::uint32_t id = askThreadNumber();
+std::uint32_t queryAndCacheThreadId() noexcept {
+  const std::uint32_t id = queryThreadId();
   if (registered == 0) threadId = id;
   return id;
 }
@@ -35,7 +35,7 @@ std::uint32_t currentProcessId() noexcept {
 }
 
 std::uint32_t currentThreadId() noexcept {
-  return threadId != 0 ? threadId : askThreadId();
+  return threadId != 0 ? threadId : queryAndCacheThreadId();
 }
 
 }  // namespace vel::platform

@@ -11,7 +11,7 @@ namespace vel::platform {
 
 namespace {
 
-SystemError renameAfterAsking(int directory, const char* from, const char* to) noexcept {
+SystemError renameAfterCheck(int directory, const char* from, const char* to) noexcept {
   struct stat status;
   if (fstatat(directory, to, &status, AT_SYMLINK_NOFOLLOW) == 0) return EEXIST;
   return renameat(directory, from, directory, to) == 0 ? 0 : errno;
@@ -22,7 +22,7 @@ SystemError renameAfterAsking(int directory, const char* from, const char* to) n
 SystemError renameByLink(int directory, const char* from, const char* to) noexcept {
   if (linkat(directory, from, directory, to, 0) != 0) {
     const bool hasNoLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS || errno == EMLINK;
-    return hasNoLinks ? renameAfterAsking(directory, from, to) : errno;
+    return hasNoLinks ? renameAfterCheck(directory, from, to) : errno;
   }
   if (unlinkat(directory, from, 0) == 0) return 0;
   const SystemError error = errno;

@@ -1,5 +1,6 @@
 // Replacing a file by another one written beside it.
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,7 +20,7 @@ constexpr mode_t kPermissionBits = 07777;
 constexpr mode_t kWriteBits = 0222;
 
 /// Devices and pipes cannot be replaced.
-SystemError writeItself(Replacement& replacement) noexcept {
+SystemError writeInPlace(Replacement& replacement) noexcept {
   replacement.descriptor = std::exchange(replacement.heldTarget, -1);
   const int flags = fcntl(replacement.descriptor, F_GETFL);
   return fcntl(replacement.descriptor, F_SETFL, flags & ~O_NONBLOCK) == 0 ? 0 : errno;
@@ -31,19 +32,19 @@ SystemError startFound(Replacement& replacement) noexcept {
   struct stat status;
   if (fstat(replacement.heldTarget, &status) != 0) return errno;
   replacement.old = identityOf(status);
-  if (!S_ISREG(status.st_mode)) return writeItself(replacement);
+  if (!S_ISREG(status.st_mode)) return writeInPlace(replacement);
   // The superuser may write to everything, but must not do so by mistake.
   if ((status.st_mode & kWriteBits) == 0) return EACCES;
   return createBeside(S_IRUSR | S_IWUSR, BesideName::None, replacement);
 }
 
 /// Only now, so that nobody reads what is half written.
-SystemError takeOver(Replacement& replacement) noexcept {
+SystemError copyOldRights(Replacement& replacement) noexcept {
   if (replacement.heldTarget < 0) return 0;
   struct stat status;
   if (fstat(replacement.heldTarget, &status) != 0) return errno;
   if (!isStillTarget(replacement)) return ECANCELED;
-  replacement.keepsRights = takeOverRights(replacement, status.st_mode & kPermissionBits);
+  replacement.keepsRights = copyRights(replacement, status.st_mode & kPermissionBits);
   return 0;
 }
 
@@ -52,11 +53,17 @@ SystemError closeWritten(Replacement& replacement) noexcept {
 }
 
 SystemError finishBeside(Replacement& replacement) noexcept {
-  SystemError error = takeOver(replacement);
+  SystemError error = copyOldRights(replacement);
   if (error == 0) error = store(replacement.descriptor);
   if (error == 0) error = flushWrites(replacement.descriptor);
   if (error == 0) error = moveIntoPlace(replacement);
   return error == 0 ? storeDirectory(replacement) : error;
+}
+
+void removeAndEnd(int signal) {
+  removeUnfinished();
+  // SA_RESETHAND restored the default action, which ends the process as soon as this handler returns.
+  raise(signal);
 }
 
 }  // namespace
@@ -83,6 +90,16 @@ SystemError finishReplacement(Replacement& replacement) noexcept {
 
 void dropReplacement(Replacement& replacement) noexcept {
   closeReplacement(replacement);
+}
+
+void removeUnfinishedOnSignals() noexcept {
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+    struct sigaction action = {};
+    if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) continue;
+    action.sa_handler = removeAndEnd;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigaction(signal, &action, nullptr);
+  }
 }
 
 }  // namespace vel::platform

@@ -15,7 +15,7 @@ namespace vel::platform {
 namespace {
 
 /// As many as the system itself follows.
-constexpr int kMostLinks = 40;
+constexpr int kMaxLinks = 40;
 /// A pipe without reader is a failure and nothing to wait for.
 constexpr int kForWriting = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
@@ -24,7 +24,7 @@ int openTarget(const Replacement& replacement, int flags) noexcept {
 }
 
 /// Moves on to the directory of a path, which may begin in the one that is held, and its last component.
-SystemError enter(const char* path, Replacement& replacement) noexcept {
+SystemError enterDirectoryOf(const char* path, Replacement& replacement) noexcept {
   const char* const separator = std::strrchr(path, '/');
   const char* name = separator != nullptr ? separator + 1 : path;
   const auto length = static_cast<std::size_t>(name - path);
@@ -67,7 +67,7 @@ SystemError follow(Replacement& replacement) noexcept {
   if (length < 0) return errno == EINVAL ? ECANCELED : errno;
   if (static_cast<std::size_t>(length) == sizeof path) return ENAMETOOLONG;
   path[length] = '\0';
-  return enter(path, replacement);
+  return enterDirectoryOf(path, replacement);
 }
 
 SystemError holdLink(Replacement& replacement) noexcept {
@@ -78,13 +78,13 @@ SystemError holdLink(Replacement& replacement) noexcept {
 }  // namespace
 
 SystemError findTarget(const char* path, LastLink links, Replacement& replacement) noexcept {
-  SystemError error = enter(path, replacement);
+  SystemError error = enterDirectoryOf(path, replacement);
   for (int followed = 0; error == 0 && replacement.heldTarget < 0; ++followed) {
     replacement.heldTarget = openTarget(replacement, kForWriting | O_NOFOLLOW);
     if (replacement.heldTarget >= 0) return 0;
     // What a link that leads nowhere names is not made.
     if (errno == ENOENT && followed == 0) return 0;
-    if (errno != ELOOP || followed == kMostLinks) return errno;
+    if (errno != ELOOP || followed == kMaxLinks) return errno;
     error = links == LastLink::Follow ? follow(replacement) : holdLink(replacement);
   }
   return error;

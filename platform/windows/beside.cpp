@@ -15,7 +15,7 @@ bool isDevice(const char* fullName) noexcept {
   return std::strncmp(fullName, "\\\\.\\", 4) == 0;
 }
 
-HANDLE openForAsking(const char* name, DWORD access) noexcept {
+HANDLE openForQuery(const char* name, DWORD access) noexcept {
   constexpr DWORD kEveryone = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
   return CreateFileA(name, FILE_READ_ATTRIBUTES | access, kEveryone, nullptr, OPEN_EXISTING,
                      FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -27,7 +27,7 @@ FileIdentity identityOf(HANDLE file) noexcept {
   return {status.dwVolumeSerialNumber, std::uint64_t{status.nFileIndexHigh} << 32 | status.nFileIndexLow};
 }
 
-SystemError drawName(Replacement& replacement) noexcept {
+SystemError makeTemporaryName(Replacement& replacement) noexcept {
   unsigned int high = 0, low = 0;
   if (rand_s(&high) != 0 || rand_s(&low) != 0) return EIO;
   const char* const separator = std::strrchr(replacement.target, '\\');
@@ -37,7 +37,7 @@ SystemError drawName(Replacement& replacement) noexcept {
   return length > 0 && static_cast<std::size_t>(length) < sizeof replacement.temporary ? 0 : ENAMETOOLONG;
 }
 
-bool takeOverRights(HANDLE from, HANDLE to) noexcept {
+bool copyRights(HANDLE from, HANDLE to) noexcept {
   alignas(void*) unsigned char rights[4096];
   DWORD size = 0;
   return GetKernelObjectSecurity(from, DACL_SECURITY_INFORMATION, rights, sizeof rights, &size) != FALSE &&

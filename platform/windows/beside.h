@@ -33,16 +33,16 @@ class FileHandle {
 bool isDevice(const char* fullName) noexcept;
 
 /// To ask about a file, or change its rights; whoever has it open is not disturbed. A link is followed.
-HANDLE openForAsking(const char* name, DWORD access) noexcept;
+HANDLE openForQuery(const char* name, DWORD access) noexcept;
 
 /// All zeros when the system cannot tell.
 FileIdentity identityOf(HANDLE file) noexcept;
 
 /// Sets `temporary` to a full name of 20 characters in the target's directory that nobody can guess, and so
 /// nobody can take before.
-SystemError drawName(Replacement& replacement) noexcept;
+SystemError makeTemporaryName(Replacement& replacement) noexcept;
 
 /// Gives a file the access rights of another one; false when that cannot be done.
-bool takeOverRights(HANDLE from, HANDLE to) noexcept;
+bool copyRights(HANDLE from, HANDLE to) noexcept;
 
 }  // namespace vel::platform

@@ -59,9 +59,10 @@ bool isDirectory(HANDLE file, DirectoryLink link) noexcept {
 
 /// The name without the separators behind a directory that is no root: it could lead through a link. Or with
 /// one of them: some paths must not have more.
-class PathWithoutEnd {
+class PathWithoutFinalSeparators {
  public:
-  explicit PathWithoutEnd(const char* name, std::size_t kept = 0) noexcept : fits_(false), text_{} {
+  explicit PathWithoutFinalSeparators(const char* name, std::size_t kept = 0) noexcept
+      : fits_(false), text_{} {
     const std::size_t whole = std::strlen(name);
     std::size_t length = whole;
     const auto isSeparator = [](char c) { return c == '\\' || c == '/'; };
@@ -132,7 +133,7 @@ DWORD identityOfDirectory(const char* path, FileIdentity& identity) noexcept {
 
 /// Where a full path's first directory may end: behind a drive, or behind server and share, which can only be
 /// opened together. The dot or question mark of a device's path is no server.
-char* firstEnd(char* path) noexcept {
+char* endOfFirstRoot(char* path) noexcept {
   const std::string_view start(path, 4);
   char* end = std::strchr(path, '\\');
   if (!start.starts_with("\\\\")) return end;
@@ -194,7 +195,7 @@ void describe(const FILE_FULL_DIR_INFORMATION& found, DirectoryEntry& entry) noe
 
 SystemError openDirectory(const char* name, DirectoryLink link, DirectoryHandle& directory) noexcept {
   directory = {};
-  const PathWithoutEnd path(name);
+  const PathWithoutFinalSeparators path(name);
   if (!path.fits()) return ENAMETOOLONG;
   if (link == DirectoryLink::Refuse && isLinkByPath(path.get())) return ENOTDIR;
   const DWORD flags = link == DirectoryLink::Refuse ? FILE_FLAG_OPEN_REPARSE_POINT : 0;
@@ -219,7 +220,7 @@ SystemError identityOfRoot(const char* name, FileIdentity& identity) noexcept {
   const DWORD length = GetFullPathNameA(name, static_cast<DWORD>(path.size() - 1), path.data(), nullptr);
   if (length == 0 || length >= path.size() - 1) return ENAMETOOLONG;
   if (path[length - 1] != '\\') std::strcpy(path.data() + length, "\\");
-  for (char* end = firstEnd(path.data()); end != nullptr; end = std::strchr(end + 1, '\\')) {
+  for (char* end = endOfFirstRoot(path.data()); end != nullptr; end = std::strchr(end + 1, '\\')) {
     const char next = std::exchange(end[1], '\0');
     const DWORD error = identityOfDirectory(path.data(), identity);
     end[1] = next;
@@ -271,9 +272,9 @@ SystemError makeDirectory(const char* name) noexcept {
 }
 
 SystemError removeDirectory(const char* name) noexcept {
-  const PathWithoutEnd path(name, 1);
+  const PathWithoutFinalSeparators path(name, 1);
   if (!path.fits()) return ENAMETOOLONG;
-  if (leadsElsewhere(PathWithoutEnd(name).get())) return ENOTDIR;
+  if (leadsElsewhere(PathWithoutFinalSeparators(name).get())) return ENOTDIR;
   return _rmdir(path.get()) == 0 ? 0 : errno;
 }
 

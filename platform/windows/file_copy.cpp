@@ -11,7 +11,7 @@ namespace vel::platform {
 namespace {
 
 FileIdentity identityAt(const char* name) noexcept {
-  const FileHandle file(openForAsking(name, 0));
+  const FileHandle file(openForQuery(name, 0));
   return file.isOpen() ? identityOf(file.get()) : FileIdentity{};
 }
 
@@ -30,24 +30,24 @@ void removeCopy(const char* name) noexcept {
 DWORD makeCopy(const char* from, Replacement& target) noexcept {
   DWORD error = ERROR_FILE_EXISTS;
   while (error == ERROR_FILE_EXISTS) {
-    if (drawName(target) != 0) return ERROR_FILENAME_EXCED_RANGE;
+    if (makeTemporaryName(target) != 0) return ERROR_FILENAME_EXCED_RANGE;
     error = CopyFileA(from, target.temporary, TRUE) != FALSE ? ERROR_SUCCESS : GetLastError();
   }
   return error;
 }
 
 /// Those of the file that is replaced. A link has none of its own that would count.
-void takeOverOldRights(const Replacement& target, DWORD attributes) noexcept {
+void copyOldRights(const Replacement& target, DWORD attributes) noexcept {
   if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) return;
-  const FileHandle old(openForAsking(target.target, READ_CONTROL));
-  const FileHandle copy(openForAsking(target.temporary, WRITE_DAC));
-  if (old.isOpen() && copy.isOpen()) takeOverRights(old.get(), copy.get());
+  const FileHandle old(openForQuery(target.target, READ_CONTROL));
+  const FileHandle copy(openForQuery(target.temporary, WRITE_DAC));
+  if (old.isOpen() && copy.isOpen()) copyRights(old.get(), copy.get());
 }
 
 DWORD copyBeside(const char* from, Replacement& target, DWORD attributes, bool writable) noexcept {
   if (const DWORD error = makeCopy(from, target); error != ERROR_SUCCESS) return error;
   if (writable) makeWritable(target.temporary);
-  if (attributes != INVALID_FILE_ATTRIBUTES) takeOverOldRights(target, attributes);
+  if (attributes != INVALID_FILE_ATTRIBUTES) copyOldRights(target, attributes);
   if (MoveFileExA(target.temporary, target.target, MOVEFILE_REPLACE_EXISTING) != FALSE) return ERROR_SUCCESS;
   const DWORD error = GetLastError();
   removeCopy(target.temporary);

@@ -15,10 +15,10 @@ namespace {
 std::size_t encode(const char16_t* character, std::size_t units, char (&out)[8]) noexcept {
   wchar_t text[2];
   std::memcpy(text, character, units * sizeof(wchar_t));
-  BOOL lacked = FALSE;
+  BOOL isUnmappable = FALSE;
   const int count =
-      WideCharToMultiByte(CP_ACP, 0, text, static_cast<int>(units), out, sizeof out, nullptr, &lacked);
-  if (count > 0 && lacked == FALSE) return static_cast<std::size_t>(count);
+      WideCharToMultiByte(CP_ACP, 0, text, static_cast<int>(units), out, sizeof out, nullptr, &isUnmappable);
+  if (count > 0 && isUnmappable == FALSE) return static_cast<std::size_t>(count);
   out[0] = '?';
   return 1;
 }

@@ -15,7 +15,7 @@ namespace vel::platform {
 
 namespace {
 
-constexpr int kMostNames = 100;
+constexpr int kMaxNames = 100;
 
 HANDLE handleOf(const Replacement& replacement) noexcept {
   return reinterpret_cast<HANDLE>(_get_osfhandle(replacement.descriptor));
@@ -35,8 +35,8 @@ HANDLE createFile(const char* name) noexcept {
 
 SystemError openBeside(Replacement& replacement) noexcept {
   replacement.isBeside = true;
-  for (int attempt = 0; attempt < kMostNames; ++attempt) {
-    if (const SystemError error = drawName(replacement); error != 0) return error;
+  for (int attempt = 0; attempt < kMaxNames; ++attempt) {
+    if (const SystemError error = makeTemporaryName(replacement); error != 0) return error;
     FileHandle file(createFile(replacement.temporary));
     if (!file.isOpen() && GetLastError() == ERROR_FILE_EXISTS) continue;
     if (!file.isOpen()) return errnoOf(GetLastError());
@@ -51,17 +51,17 @@ SystemError openBeside(Replacement& replacement) noexcept {
 }
 
 /// Those of the old file, if that is what the name still leads to.
-SystemError keepRights(Replacement& replacement) noexcept {
+SystemError copyOldRights(Replacement& replacement) noexcept {
   if (replacement.old == FileIdentity{}) return 0;
-  const FileHandle old(openForAsking(replacement.target, READ_CONTROL));
+  const FileHandle old(openForQuery(replacement.target, READ_CONTROL));
   if (!old.isOpen()) return errnoOf(GetLastError());
   if (identityOf(old.get()) != replacement.old) return ECANCELED;
-  replacement.keepsRights = takeOverRights(old.get(), handleOf(replacement));
+  replacement.keepsRights = copyRights(old.get(), handleOf(replacement));
   return 0;
 }
 
 /// Last, because writing changes them.
-void takeOverAttributes(const Replacement& replacement) noexcept {
+void copyAttributes(const Replacement& replacement) noexcept {
   const DWORD attributes = GetFileAttributesA(replacement.target);
   if (attributes != INVALID_FILE_ATTRIBUTES) SetFileAttributesA(replacement.temporary, attributes);
 }
@@ -69,15 +69,15 @@ void takeOverAttributes(const Replacement& replacement) noexcept {
 /// One step of the file system. ReplaceFile takes several, and a process that ends between them leaves no
 /// file.
 SystemError moveIntoPlace(const Replacement& replacement) noexcept {
-  takeOverAttributes(replacement);
+  copyAttributes(replacement);
   const bool isNew = replacement.old == FileIdentity{};
   const DWORD flags = MOVEFILE_WRITE_THROUGH | (isNew ? DWORD{0} : DWORD{MOVEFILE_REPLACE_EXISTING});
   return MoveFileExA(replacement.temporary, replacement.target, flags) != FALSE ? 0 : errnoOf(GetLastError());
 }
 
 /// The full name of the file that this name leads to; false when the system cannot tell.
-bool findLinked(const char* name, char (&linked)[sizeof Replacement::target]) noexcept {
-  const FileHandle file(openForAsking(name, 0));
+bool resolveLink(const char* name, char (&linked)[sizeof Replacement::target]) noexcept {
+  const FileHandle file(openForQuery(name, 0));
   if (!file.isOpen()) return false;
   const DWORD length = GetFinalPathNameByHandleA(file.get(), linked, sizeof linked, FILE_NAME_NORMALIZED);
   // Characters that the code page lacks name no file or another one.
@@ -87,14 +87,14 @@ bool findLinked(const char* name, char (&linked)[sizeof Replacement::target]) no
 /// So that a link stays. One that leads nowhere stays, too, and what it names is not made.
 SystemError followLink(Replacement& replacement, DWORD attributes) noexcept {
   char linked[sizeof replacement.target];
-  if (findLinked(replacement.target, linked)) {
+  if (resolveLink(replacement.target, linked)) {
     std::memcpy(replacement.target, linked, std::strlen(linked) + 1);
     return 0;
   }
   return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 ? ENOENT : 0;
 }
 
-SystemError openItself(Replacement& replacement) noexcept {
+SystemError openInPlace(Replacement& replacement) noexcept {
   replacement.descriptor = _open(replacement.target, _O_WRONLY | _O_BINARY | _O_NOINHERIT);
   return replacement.descriptor >= 0 ? 0 : errno;
 }
@@ -105,7 +105,7 @@ SystemError startBesideExisting(Replacement& replacement, DWORD attributes) noex
   if (const SystemError error = followLink(replacement, attributes); error != 0) return error;
   // A link has attributes of its own.
   if ((GetFileAttributesA(replacement.target) & kUnwritable) != 0) return EACCES;
-  const FileHandle old(openForAsking(replacement.target, 0));
+  const FileHandle old(openForQuery(replacement.target, 0));
   if (!old.isOpen()) return errnoOf(GetLastError());
   replacement.old = identityOf(old.get());
   return openBeside(replacement);
@@ -116,7 +116,7 @@ SystemError closeWritten(Replacement& replacement) noexcept {
 }
 
 SystemError finishBeside(Replacement& replacement) noexcept {
-  SystemError error = keepRights(replacement);
+  SystemError error = copyOldRights(replacement);
   if (error == 0 && _commit(replacement.descriptor) != 0) error = errno;
   if (error == 0) markForDeletion(handleOf(replacement), false);
   if (const SystemError failed = closeWritten(replacement); error == 0) error = failed;
@@ -135,7 +135,7 @@ SystemError startReplacement(const char* name, Replacement& replacement) noexcep
   const DWORD length = GetFullPathNameA(name, sizeof replacement.target, replacement.target, nullptr);
   if (length == 0) return errnoOf(GetLastError());
   if (length >= sizeof replacement.target) return ENAMETOOLONG;
-  if (isDevice(replacement.target)) return openItself(replacement);
+  if (isDevice(replacement.target)) return openInPlace(replacement);
   const DWORD attributes = GetFileAttributesA(replacement.target);
   return attributes == INVALID_FILE_ATTRIBUTES ? openBeside(replacement)
                                                : startBesideExisting(replacement, attributes);

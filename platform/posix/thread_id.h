@@ -6,6 +6,6 @@
 namespace vel::platform {
 
 /// Asks the kernel; see processes.cpp for the cached one.
-std::uint32_t askThreadNumber() noexcept;
+std::uint32_t queryThreadId() noexcept;
 
 }  // namespace vel::platform

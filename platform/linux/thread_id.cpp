@@ -1,11 +1,11 @@
-#include "platform/posix/thread_number.h"
+#include "platform/posix/thread_id.h"
 
 #include <sys/syscall.h>
 #include <unistd.h>
 
 namespace vel::platform {
 
-std::uint32_t askThreadNumber() noexcept {
+std::uint32_t queryThreadId() noexcept {
   return static_cast<std::uint32_t>(syscall(SYS_gettid));
 }
 
