@@ -1,3 +1,5 @@
+// Renames without replacing by hard links, on file systems that have no atomic rename of that kind. link()
+// fails with EEXIST if the target exists, which is the test that rename() lacks.
 #include "platform/posix/rename.h"
 
 #include <fcntl.h>
@@ -11,6 +13,7 @@ namespace vel::platform {
 
 namespace {
 
+/// Not atomic: an entry that appears between the two calls is replaced.
 SystemError renameAfterCheck(int directory, const char* from, const char* to) noexcept {
   struct stat status;
   if (fstatat(directory, to, &status, AT_SYMLINK_NOFOLLOW) == 0) return EEXIST;
@@ -26,6 +29,7 @@ SystemError renameByLink(int directory, const char* from, const char* to) noexce
   }
   if (unlinkat(directory, from, 0) == 0) return 0;
   const SystemError error = errno;
+  // The file must not keep two names.
   unlinkat(directory, to, 0);
   return error;
 }

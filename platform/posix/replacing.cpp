@@ -1,4 +1,8 @@
-// Replacing a file by another one written beside it.
+// Replaces a file atomically: the order of the steps from finding the target to storing the directory. The
+// steps themselves are in target.cpp (finding) and beside.cpp (the temporary file).
+//
+// The order matters: contents first, then rights, then fsync, then the rename, then fsync of the directory. A
+// rename that reached the disk before the contents would leave an empty file after a power failure.
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/stat.h>
@@ -19,7 +23,8 @@ namespace {
 constexpr mode_t kPermissionBits = 07777;
 constexpr mode_t kWriteBits = 0222;
 
-/// Devices and pipes cannot be replaced.
+/// Writes to a device or pipe directly, because replacing it would put a regular file in its place.
+/// O_NONBLOCK, which kept the open from waiting, is removed: writes may wait.
 SystemError writeInPlace(Replacement& replacement) noexcept {
   replacement.descriptor = std::exchange(replacement.heldTarget, -1);
   const int flags = fcntl(replacement.descriptor, F_GETFL);
@@ -33,12 +38,12 @@ SystemError startFound(Replacement& replacement) noexcept {
   if (fstat(replacement.heldTarget, &status) != 0) return errno;
   replacement.old = identityOf(status);
   if (!S_ISREG(status.st_mode)) return writeInPlace(replacement);
-  // The superuser may write to everything, but must not do so by mistake.
+  // Access checks do not stop root, so look at the bits: a read-only file must not be replaced by mistake.
   if ((status.st_mode & kWriteBits) == 0) return EACCES;
   return createBeside(S_IRUSR | S_IWUSR, BesideName::None, replacement);
 }
 
-/// Only now, so that nobody reads what is half written.
+/// Done after writing: until then the file is private, so that nobody reads half of it.
 SystemError copyOldRights(Replacement& replacement) noexcept {
   if (replacement.heldTarget < 0) return 0;
   struct stat status;
@@ -49,6 +54,7 @@ SystemError copyOldRights(Replacement& replacement) noexcept {
 }
 
 SystemError closeWritten(Replacement& replacement) noexcept {
+  // An interrupted close has closed the descriptor all the same; retrying could close another thread's.
   return close(std::exchange(replacement.descriptor, -1)) == 0 || errno == EINTR ? 0 : errno;
 }
 
@@ -69,6 +75,7 @@ void removeAndEnd(int signal) {
 }  // namespace
 
 SystemError startReplacement(const char* name, Replacement& replacement) noexcept {
+  // Field by field: `Replacement{}` would clear both name buffers, 8 KiB for each save.
   replacement.descriptor = replacement.directory = replacement.heldTarget = -1;
   replacement.isBeside = false;
   replacement.keepsRights = true;
@@ -95,6 +102,7 @@ void dropReplacement(Replacement& replacement) noexcept {
 void removeUnfinishedOnSignals() noexcept {
   for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
     struct sigaction action = {};
+    // A program with a handler of its own, or one that ignores the signal, keeps it.
     if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) continue;
     action.sa_handler = removeAndEnd;
     action.sa_flags = static_cast<int>(SA_RESETHAND);

@@ -1,11 +1,11 @@
-// The system's number of a thread.
+// The system's ID of a thread.
 #pragma once
 
 #include <cstdint>
 
 namespace vel::platform {
 
-/// Asks the kernel; see processes.cpp for the cached one.
+/// Queries the kernel each time; processes.cpp caches the result.
 std::uint32_t queryThreadId() noexcept;
 
 }  // namespace vel::platform
