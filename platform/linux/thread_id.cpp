@@ -1,3 +1,4 @@
+// Queries the thread ID by system call: gettid() itself is missing in older C libraries.
 #include "platform/posix/thread_id.h"
 
 #include <sys/syscall.h>
