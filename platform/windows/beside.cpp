@@ -1,4 +1,7 @@
-// The runtime declares its random numbers, which are the system's, only then.
+// The temporary file beside a target: its name, identity and rights. Creating and moving it are the work of
+// replacing.cpp and file_copy.cpp.
+
+// Makes stdlib.h declare rand_s, which gives random numbers of the system.
 #define _CRT_RAND_S
 
 #include "platform/windows/beside.h"
@@ -12,6 +15,7 @@
 namespace vel::platform {
 
 bool isDevice(const char* fullName) noexcept {
+  // GetFullPathName puts the names of devices into the device namespace.
   return std::strncmp(fullName, "\\\\.\\", 4) == 0;
 }
 
@@ -24,6 +28,7 @@ HANDLE openForQuery(const char* name, DWORD access) noexcept {
 FileIdentity identityOf(HANDLE file) noexcept {
   BY_HANDLE_FILE_INFORMATION status;
   if (GetFileInformationByHandle(file, &status) == FALSE) return {};
+  // Volume and file index together identify a file while it is open.
   return {status.dwVolumeSerialNumber, std::uint64_t{status.nFileIndexHigh} << 32 | status.nFileIndexLow};
 }
 
@@ -38,6 +43,7 @@ SystemError makeTemporaryName(Replacement& replacement) noexcept {
 }
 
 bool copyRights(HANDLE from, HANDLE to) noexcept {
+  // Only the access list: setting an owner needs a privilege. A list that does not fit counts as not copied.
   alignas(void*) unsigned char rights[4096];
   DWORD size = 0;
   return GetKernelObjectSecurity(from, DACL_SECURITY_INFORMATION, rights, sizeof rights, &size) != FALSE &&
