@@ -29,7 +29,7 @@ SystemError renameByLink(int directory, const char* from, const char* to) noexce
   }
   if (unlinkat(directory, from, 0) == 0) return 0;
   const SystemError error = errno;
-  // The file must not keep two names.
+  // The old name could not be removed, and the file must not keep two.
   unlinkat(directory, to, 0);
   return error;
 }

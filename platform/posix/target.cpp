@@ -4,8 +4,8 @@
 // open() of the whole path. Only so is the directory known in which the temporary file must be created and
 // renamed, and a component that is swapped afterwards cannot divert the rename:
 //
-//   save("a/link")  ->  hold a/, open "link": ELOOP  ->  read the link, "../b/file"  ->  hold a/../b/, open
-//   "file"
+//   "a/link"     hold a/, open "link": ELOOP, so read the link
+//   "../b/file"  hold a/../b/, open "file"
 //
 // The directory is held as a place (O_PATH), for which permission to read it is not needed.
 #include "platform/posix/target.h"
