@@ -24,6 +24,7 @@ bool isTagged(std::string_view line) {
 }
 
 void writeLine(std::ostream& stream, std::string_view line, TextKind kind) {
+  // The line break before it was written already, so the line shows as empty.
   if (!line.empty() && line.front() == '@') return;
   if (kind == TextKind::Help) {
     stream << line;
