@@ -1,5 +1,14 @@
-// Looking through long texts many bytes at once, for places where one byte stands before another. What is
-// to be done at such a place is the caller's matter.
+// Searches long texts for a pair of bytes at a fixed distance, 64 positions at a time. The caller decides
+// what to do at a match.
+//
+// Each block of 16 bytes is compared with the first byte of the pair, and the block `distance` bytes further
+// with the second; the AND of both results marks the matches. Looking for two characters of a search word
+// instead of one makes false matches rare, so the caller's slow comparison runs seldom.
+//
+//   pair "a", "c", distance 2      text   x a b c a b d a b c
+//                                  "a"    . 1 . . 1 . . 1 . .
+//                                  "c"    . 1 . . . . . 1 . .    two bytes further
+//                                  AND    . 1 . . . . . 1 . .
 #pragma once
 
 #include <array>
@@ -10,12 +19,14 @@
 
 namespace vel {
 
-/// Sixteen bytes; compilers make one vector of them on every processor that has such.
+/// Sixteen bytes, as a vector type of the compiler: it becomes one register on processors that have vectors
+/// of this size.
 using ByteBlock = unsigned char __attribute__((vector_size(16)));
 
 inline constexpr std::size_t kBlocksAtOnce = 4;
 inline constexpr std::size_t kBytesAtOnce = kBlocksAtOnce * sizeof(ByteBlock);
 
+/// A block with the same byte everywhere.
 inline ByteBlock blockOf(unsigned char byte) noexcept {
   return byte - ByteBlock{};
 }
@@ -26,6 +37,7 @@ inline ByteBlock blockAt(const char* text) noexcept {
   return block;
 }
 
+/// One byte to compare with. `hits` sets each byte of its result to 0xFF where it matches, else to 0.
 struct OneByte {
   unsigned char byte;
 
@@ -35,7 +47,7 @@ struct OneByte {
   }
 };
 
-/// Two bytes that count as the same; they may be.
+/// Two bytes that count as equal, such as both cases of a letter. They may be the same.
 struct ByteChoice {
   unsigned char one;
   unsigned char other;
@@ -46,18 +58,18 @@ struct ByteChoice {
   }
 };
 
-/// A pair of bytes that stand `distance` apart.
+/// A pair of bytes at a fixed distance from each other.
 template <typename Byte>
 class BytePair {
  public:
   BytePair(Byte first, Byte second, std::size_t distance) noexcept
       : first_(first), second_(second), distance_(distance) {}
 
-  /// The first place within the kBytesAtOnce bytes from `text` on where it stands and that `isWanted` takes,
-  /// or null; reads `distance` bytes beyond them.
+  /// Returns the first match within kBytesAtOnce bytes from `text` on that `isWanted` accepts, or null. Reads
+  /// `distance` bytes beyond them.
   template <typename IsWanted>
   const char* find(const char* text, IsWanted isWanted) const noexcept {
-    // Spelled out, so that they stay in registers.
+    // Not a loop, so that the four results stay in registers.
     constexpr std::size_t kSize = sizeof(ByteBlock);
     const ByteBlock found[kBlocksAtOnce] = {hitsIn(text), hitsIn(text + kSize), hitsIn(text + 2 * kSize),
                                             hitsIn(text + 3 * kSize)};
@@ -65,6 +77,8 @@ class BytePair {
     if ((halves[0] | halves[1]) == 0) return nullptr;
     for (const ByteBlock& hits : found)
       for (std::uint64_t half : halvesOf(hits)) {
+        // On little-endian processors the lowest set bit belongs to the first match. Each match has eight
+        // bits, which are cleared together.
         for (; half != 0; half &= ~(std::uint64_t{0xFF} << std::countr_zero(half))) {
           const char* const place = text + std::countr_zero(half) / 8;
           if (isWanted(place)) return place;

@@ -1,4 +1,4 @@
-// Decimal and hexadecimal digits as characters.
+// Decimal and hexadecimal digits.
 #pragma once
 
 #include <array>
@@ -13,8 +13,8 @@ namespace vel {
 inline constexpr const char* kUpperHexDigits = "0123456789ABCDEF";
 inline constexpr const char* kLowerHexDigits = "0123456789abcdef";
 
-/// The value of a hexadecimal digit in either case, or 16, which is too large for any base, for other
-/// characters.
+/// Returns the value of a hexadecimal digit in either case; 16, which is not a digit in any supported base,
+/// for other characters.
 constexpr unsigned int hexDigitValue(char c) noexcept {
   if (isAsciiDigit(c)) return static_cast<unsigned int>(c - '0');
   const char upper = toAsciiUpper(c);
@@ -24,7 +24,7 @@ constexpr bool isHexDigit(char c) noexcept {
   return hexDigitValue(c) < 16;
 }
 
-/// The two digits of a byte.
+/// Returns the two hexadecimal digits of a byte.
 constexpr std::array<char, 2> hexPair(unsigned char byte, const char* digits = kUpperHexDigits) noexcept {
   return {digits[byte >> 4], digits[byte & 0xF]};
 }
@@ -32,7 +32,7 @@ constexpr std::array<char, 2> hexPair(unsigned char byte, const char* digits = k
 /// The most characters that writeHex writes.
 inline constexpr std::size_t kMostHexDigits = 16;
 
-/// Writes a number without leading zeros, but at least one digit, and returns the end.
+/// Writes a number in hexadecimal without leading zeros, but at least one digit, and returns the end.
 constexpr char* writeHex(char* out, std::uint64_t number, const char* digits = kUpperHexDigits) noexcept {
   int count = 1;
   while (count < 16 && number >> (4 * count) != 0) ++count;
@@ -49,7 +49,7 @@ consteval DecimalPairs makeDecimalPairs() {
   return pairs;
 }
 
-/// The two digits of each number below 100: half as many divisions as digit by digit.
+/// The two digits of each number below 100. Writing two digits per division halves the number of divisions.
 inline constexpr DecimalPairs kDecimalPairs = makeDecimalPairs();
 
 inline void writeDecimalPair(char* out, std::uint64_t number) noexcept {

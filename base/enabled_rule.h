@@ -1,4 +1,4 @@
-// The one rule for a setting that switches something on.
+// Decides whether the value of a setting switches it on. Everything that has such settings uses this rule.
 #pragma once
 
 #include <initializer_list>
@@ -7,7 +7,7 @@
 
 namespace vel {
 
-/// ON, YES, TRUE or 1, in any letter case; nothing is trimmed. Null is not enabled.
+/// True for ON, YES, TRUE or 1, in any case, without trimming blanks. False for null.
 constexpr bool isEnabledValue(const char* value) noexcept {
   if (value == nullptr) return false;
   for (const char* enabled : {"ON", "YES", "TRUE", "1"})

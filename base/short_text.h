@@ -1,5 +1,6 @@
-// NUL-terminated strings that may be null or lack a terminator, and copies of short texts without a call: a
-// trace entry has two texts, and some systems' own functions look at one byte at a time.
+// NUL-terminated strings that may be null or lack a terminator, and copies of short texts. Everything is
+// inline, because a trace entry copies two texts: a call costs more than the copy, and the functions of some
+// C libraries handle one byte at a time.
 #pragma once
 
 #if defined(__SSE2__)
@@ -19,8 +20,9 @@ constexpr const char* textOrEmpty(const char* text) noexcept {
 
 #if defined(__SSE2__) && !defined(VEL_SANITIZED)
 
-/// Returns the length of a string, at most `limit`. Reads whole aligned blocks, which never cross the end of
-/// the page that the last character is in; a sanitizer would take that for an overrun.
+/// Returns the length of a string, at most `limit`. Reads whole aligned blocks, so it may read bytes outside
+/// the string, but never outside the page of its last character. A sanitizer would report that as an overrun,
+/// hence the plain variant below.
 inline std::size_t boundedLength(const char* text, std::size_t limit) noexcept {
   constexpr std::size_t kBlock = sizeof(__m128i);
   if (limit == 0) return 0;
@@ -51,7 +53,8 @@ inline std::size_t boundedLength(const char* text, std::size_t limit) noexcept {
 
 #endif
 
-/// Copies at least sizeof(Word) and at most twice as many bytes, as two words that may overlap.
+/// Copies between sizeof(Word) and twice as many bytes as two words, which overlap for sizes in between. This
+/// avoids a loop over the remaining bytes.
 template <typename Word>
 void copyAsTwo(unsigned char* out, const unsigned char* in, std::size_t count) noexcept {
   Word first, last;
@@ -61,12 +64,13 @@ void copyAsTwo(unsigned char* out, const unsigned char* in, std::size_t count) n
   std::memcpy(out + count - sizeof last, &last, sizeof last);
 }
 
-/// Copies bytes to where they do not overlap; fast for at most some dozens.
+/// Copies bytes between areas that do not overlap; fast for up to some dozens of bytes.
 inline void copyShort(void* to, const void* from, std::size_t count) noexcept {
   constexpr std::size_t kBlock = 16;
   auto* const out = static_cast<unsigned char*>(to);
   const auto* const in = static_cast<const unsigned char*>(from);
   if (count >= kBlock) {
+    // The last block may overlap the one before.
     for (std::size_t i = 0; i < count - kBlock; i += kBlock) std::memcpy(out + i, in + i, kBlock);
     std::memcpy(out + count - kBlock, in + count - kBlock, kBlock);
   } else if (count >= sizeof(std::uint64_t)) {

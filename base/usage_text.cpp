@@ -1,3 +1,5 @@
+// Writes usage and help strings line by line. The marks in them instruct the check of a command line, which
+// interprets them itself; here they are only hidden.
 #include "base/usage_text.h"
 
 #include <ostream>
@@ -6,8 +8,8 @@
 namespace vel {
 namespace {
 
-/// Takes the next line off `text`; false when that was the last one.
-bool takeLine(std::string_view& text, std::string_view& line) {
+/// Consumes the next line of `text`, without its line break; false if that was the last one.
+bool consumeLine(std::string_view& text, std::string_view& line) {
   const std::size_t end = text.find('\n');
   line = text.substr(0, end);
   if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
@@ -16,17 +18,20 @@ bool takeLine(std::string_view& text, std::string_view& line) {
   return true;
 }
 
+/// A "!" anywhere in a line makes it a tagged line.
 bool isTagged(std::string_view line) {
   return line.find('!') != std::string_view::npos;
 }
 
 void writeLine(std::ostream& stream, std::string_view line, TextKind kind) {
+  // The line break before it was written already, so the line shows as empty.
   if (!line.empty() && line.front() == '@') return;
   if (kind == TextKind::Help) {
     stream << line;
     return;
   }
   for (const char c : line)
+    // Only the marks are hidden; the names and blanks between them stay in place.
     if (c != '!' && isShownInUsage(c)) stream.put(c);
 }
 
@@ -41,9 +46,10 @@ void writeText(std::ostream& stream, const char* text, TextKind kind, std::size_
   std::string_view line;
   bool first = true;
   for (bool more = true; more;) {
-    more = takeLine(rest, line);
-    // A "!" anywhere in a line hides all of it.
+    more = consumeLine(rest, line);
+    // The whole line is hidden, not just what follows the "!".
     if (kind == TextKind::UsageWithoutTaggedLines && isTagged(line)) continue;
+    // Line breaks are written between lines, so that hidden lines leave no gap and nothing follows the last.
     if (!first) {
       stream.put('\n');
       if (!line.empty() && line.front() != '@') writeFill(stream, indentation, ' ');

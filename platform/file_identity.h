@@ -1,4 +1,4 @@
-// What tells files apart whatever their names are.
+// Identifies a file independently of its names.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,6 @@
-// Closing descriptors in a child. The kernel lists them; reading the directory through the C library would
-// allocate.
+// Closes descriptors in a child between fork and exec. close_range does it in one call; older kernels list
+// the open descriptors in /proc, which is read with getdents64 directly, because opendir() allocates and is
+// not async-signal-safe.
 #include "platform/posix/inheritance.h"
 
 #include <fcntl.h>
@@ -17,16 +18,17 @@ namespace vel::platform {
 
 namespace {
 
-/// One entry as the kernel writes it, up to its name.
+/// The start of linux_dirent64, which getdents64 returns; the NUL-terminated name follows.
 struct KernelEntry {
   std::uint64_t inode;
   std::int64_t offset;
   std::uint16_t length;
   std::uint8_t type;
 };
+/// The name follows without padding, before sizeof(KernelEntry).
 constexpr std::size_t kNameOffset = 19;
 
-/// The number in decimal, -1 for "." and "..".
+/// Parses a decimal number; -1 for "." and "..".
 int numberIn(const char* name) noexcept {
   int number = 0;
   for (; *name != '\0'; ++name) {
@@ -36,7 +38,8 @@ int numberIn(const char* name) noexcept {
   return number;
 }
 
-/// The first listed descriptor from `first` on, other than the listing's own; -1 when there is none.
+/// Returns the first listed descriptor from `first` on, other than the listing's own; -1 if there is none.
+/// Starts over each time: closing a descriptor removes its entry, and reading on could skip one.
 int nextDescriptor(int listing, int first) noexcept {
   char entries[1024];
   lseek(listing, 0, SEEK_SET);

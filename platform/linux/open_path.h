@@ -1,5 +1,5 @@
-// Places of the file system held by descriptors, and a path to what a descriptor has open. Another system
-// supplies both in a folder of its own.
+// Opens file system entries as mere places, and gives a path to the file that a descriptor has open. A port
+// to another system supplies both in a folder of its own.
 #pragma once
 
 #include <fcntl.h>
@@ -8,7 +8,7 @@
 
 namespace vel::platform {
 
-/// The flag that opens an entry only as a place: neither its contents nor permission to read it are needed.
+/// Opens an entry only as a place: needs no permission to read it, and gives no access to its contents.
 inline constexpr int kOpenAsPlace = O_PATH;
 
 /// A path that leads to the open file whatever its name is by now, even if it has none.

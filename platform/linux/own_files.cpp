@@ -1,4 +1,4 @@
-// The program's path is in /proc, the library's in the loader's list of what it has loaded.
+// Locates the program by /proc/self/exe, and this library by the dynamic loader's list of loaded objects.
 #include "platform/posix/own_files.h"
 
 #include <dlfcn.h>
@@ -11,8 +11,7 @@ namespace vel::platform {
 
 namespace {
 
-/// The library's path may be relative to the directory that was current when it was loaded, so it is resolved
-/// at once.
+/// Resolved once, when the library is loaded: its path may be relative to the directory that is current then.
 class LibraryDirectory {
  public:
   LibraryDirectory() noexcept {
@@ -21,7 +20,7 @@ class LibraryDirectory {
     void* map = nullptr;
     if (dladdr1(&kInsideThisLibrary, &info, &map, RTLD_DL_LINKMAP) == 0) return;
     const char* const path = static_cast<const link_map*>(map)->l_name;
-    // Code that is linked into the program has the empty path.
+    // The loader gives the program itself, into which this code may be linked, an empty path.
     if (*path == '\0')
       directory_ = programDirectory(buffer_);
     else if (realpath(path, buffer_.data()) != nullptr)
@@ -41,6 +40,7 @@ const LibraryDirectory ownDirectory;
 
 std::string_view programDirectory(PathBuffer& buffer) noexcept {
   const ssize_t length = readlink("/proc/self/exe", buffer.data(), buffer.size());
+  // readlink truncates silently, so a full buffer may hold half a path.
   if (length <= 0 || static_cast<std::size_t>(length) == buffer.size()) return {};
   return directoryOf({buffer.data(), static_cast<std::size_t>(length)});
 }

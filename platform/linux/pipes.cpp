@@ -1,3 +1,4 @@
+// Queries about pipes, with tee() and the magic number of the kernel's own file system of pipes.
 #include "platform/posix/pipes.h"
 
 #include <fcntl.h>
@@ -12,11 +13,12 @@ bool isNamedPipe(int descriptor) noexcept {
   struct stat status {};
   struct statfs system {};
   if (fstat(descriptor, &status) != 0 || !S_ISFIFO(status.st_mode)) return false;
-  // Pipes without a name are in a file system of their own.
+  // Unnamed pipes are in a file system of their own (pipefs).
   return fstatfs(descriptor, &system) != 0 || system.f_type != PIPEFS_MAGIC;
 }
 
-// tee() copies a byte into another pipe and leaves it where it is; without a writer it returns 0 at once.
+// tee() copies a byte into another pipe without consuming it. It returns 0 at once if there is no writer and
+// no byte; with a writer but no byte it fails with EAGAIN.
 bool hasWriter(int pipe) noexcept {
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) return false;

@@ -1,13 +1,13 @@
-// Programs that have more rights than whoever started them.
+// Tells programs that have more rights than the user who started them.
 #pragma once
 
 #include <sys/auxv.h>
 
 namespace vel::platform {
 
-/// Whether the kernel marked this program when it started: it is setuid or setgid for another user or group,
-/// or has capabilities of its own. Its caller may choose the environment and the current directory, but must
-/// not gain the program's rights by them.
+/// Whether the kernel marked this program at its start as privileged (AT_SECURE): it is setuid or setgid for
+/// another user or group, or has capabilities of its own. Its caller chooses environment and current
+/// directory, but must not gain the program's rights through them.
 inline bool isPrivileged() noexcept {
   return getauxval(AT_SECURE) != 0;
 }

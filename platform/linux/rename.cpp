@@ -1,5 +1,5 @@
-// Renaming in one step that never replaces an entry: renameat2, which older kernels and some file systems
-// lack.
+// Renames atomically without replacing, by renameat2. Older kernels (ENOSYS) and some file systems (EINVAL)
+// lack it.
 #include <stdio.h>
 #include <sys/syscall.h>
 #include <unistd.h>

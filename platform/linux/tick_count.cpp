@@ -1,6 +1,9 @@
-// The time since the system started, from the kernel's tick: reading it costs a fraction of what the precise
-// clocks cost, which matters because every trace entry has such a time. The tick stands still while the
-// system sleeps, so the time asleep is added; it is asked for once a second.
+// Milliseconds since the system started, from the coarse clock of the kernel's timer tick. Reading it costs a
+// fraction of a precise clock, which matters because every trace entry has such a time.
+//
+// The coarse clock stops while the system sleeps, so the time asleep is added. It is computed once a second:
+//
+//   tickCount = CLOCK_MONOTONIC_COARSE + (CLOCK_BOOTTIME - CLOCK_MONOTONIC)
 #include <time.h>
 
 #include <atomic>
@@ -18,7 +21,7 @@ std::int64_t nanosecondsOf(clockid_t clock) noexcept {
   return clock_gettime(clock, &now) == 0 ? nanosecondsIn(now) : 0;
 }
 
-/// How long the system has slept since its start, in milliseconds; 0 where it cannot tell.
+/// Returns how long the system has slept since its start, in milliseconds; 0 if it cannot tell.
 std::int64_t millisecondsAsleep() noexcept {
   const std::int64_t all = nanosecondsOf(CLOCK_BOOTTIME);
   const std::int64_t awake = nanosecondsOf(CLOCK_MONOTONIC);
@@ -34,7 +37,7 @@ std::uint32_t tickCount() noexcept {
   clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
   const std::int64_t awake = now.tv_sec * kMillisecondsPerSecond + now.tv_nsec / kNanosecondsPerMillisecond;
   if (awake >= nextLook.load(std::memory_order_relaxed)) {
-    // Rounding alone must not set the count back.
+    // Ignore a difference of 1 ms, which rounding causes: the count must not go backwards for it.
     const std::int64_t found = millisecondsAsleep();
     if (std::abs(found - asleep.load(std::memory_order_relaxed)) > 1)
       asleep.store(found, std::memory_order_relaxed);

@@ -1,5 +1,5 @@
-// Unnamed files by O_TMPFILE. They get a name through /proc, which is not mounted everywhere: without it
-// there is no use in creating one.
+// Unnamed files by O_TMPFILE. Naming one needs its path in /proc, because linkat with AT_EMPTY_PATH needs a
+// capability. Where /proc is not mounted none is created, since it could never get a name.
 #include "platform/posix/unnamed_file.h"
 
 #include <fcntl.h>

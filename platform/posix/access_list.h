@@ -1,11 +1,10 @@
-// Access control lists of files, which stand beside the permission bits.
+// Access control lists of files, which refine the permission bits.
 #pragma once
 
 namespace vel::platform {
 
-/// Gives an open file the access control list of another one. Without a list there the file keeps none
-/// either, not even the one that its directory gave it. Returns whether the two agree now, or the system has
-/// no lists.
+/// Copies the access control list from one open file to another. If `from` has no list, removes the one that
+/// `to` may have inherited from its directory. Returns whether the lists agree now, or the system has none.
 bool copyAccessList(int from, int to) noexcept;
 
 }  // namespace vel::platform

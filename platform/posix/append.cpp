@@ -1,4 +1,5 @@
-// Appending to files from within a program that must not notice any failure.
+// Appends to files on behalf of a program that must not notice any failure: no signal, no changed errno, no
+// wait for the reader of a pipe.
 #include <fcntl.h>
 #include <pthread.h>
 #include <signal.h>
@@ -18,8 +19,10 @@ namespace vel::platform {
 
 namespace {
 
-/// Holds back the signals that end a process for a write beyond its limit of file sizes or into a pipe that
-/// nobody reads; those that came meanwhile are dropped.
+/// Blocks SIGXFSZ and SIGPIPE, which end a process that writes beyond its file size limit or into a pipe that
+/// nobody reads. Both are sent to the writing thread, so one that a failed write raised is still pending here
+/// and is consumed before the mask is restored. A signal that was pending before is not this write's and
+/// stays.
 class WriteSignalsHeld {
  public:
   WriteSignalsHeld() {
@@ -50,15 +53,17 @@ class WriteSignalsHeld {
   bool failed_ = false;
 };
 
-/// Another user can have linked a second name to a file that they may write to. Who else may read it was
-/// decided by its owner.
+/// Refuses files that another user can write to or has linked under a second name: in a shared directory they
+/// could have been planted so that the caller's bytes land elsewhere. Read permission does not matter; the
+/// owner granted it.
 bool isOwnFile(int descriptor) noexcept {
   struct stat status;
   return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid() &&
          status.st_nlink <= 1 && (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
 }
 
-void moveOn(iovec& piece, std::size_t count) noexcept {
+/// Drops the bytes that a short write has written.
+void advance(iovec& piece, std::size_t count) noexcept {
   piece.iov_base = static_cast<char*>(piece.iov_base) + count;
   piece.iov_len -= count;
 }
@@ -74,11 +79,12 @@ LastErrorsKept::~LastErrorsKept() {
 SystemError openForAppending(const char* name, AppendTo target, int& descriptor) noexcept {
   const NativePath path(name);
   if (!path.fits()) return ENAMETOOLONG;
-  // Without O_NONBLOCK opening a pipe would wait for a reader.
+  // Without O_NONBLOCK, opening a pipe would wait for a reader.
   constexpr int kFlags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
   const int flags = target == AppendTo::OwnFile ? kFlags | O_NOFOLLOW : kFlags;
   Descriptor file(retrying([&] { return open(path.get(), flags, S_IRUSR | S_IWUSR); }));
   if (!file.isOpen()) return errno;
+  // Checked on the descriptor, not on the name, which may lead to another file by now.
   if (target == AppendTo::OwnFile && !isOwnFile(file.get())) return EPERM;
   descriptor = file.release();
   return 0;
@@ -92,6 +98,8 @@ SystemError appendBytes(int descriptor, const Bytes& first, const Bytes& second,
   const std::size_t total = first.size + second.size;
   written = 0;
   while (written < total) {
+    // One call for both pieces: with O_APPEND the entries of other processes come before or after, not
+    // between.
     const ssize_t count = retrying([&] { return writev(descriptor, pieces, 2); });
     if (count <= 0) {
       signals.writeFailed();
@@ -99,14 +107,14 @@ SystemError appendBytes(int descriptor, const Bytes& first, const Bytes& second,
     }
     const auto step = static_cast<std::size_t>(count);
     const std::size_t ofFirst = step < pieces[0].iov_len ? step : pieces[0].iov_len;
-    moveOn(pieces[0], ofFirst);
-    moveOn(pieces[1], step - ofFirst);
+    advance(pieces[0], ofFirst);
+    advance(pieces[1], step - ofFirst);
     written += step;
   }
   return 0;
 }
 
-// An interrupted close has closed the descriptor all the same; it says nothing about the bytes.
+// An interrupted close has closed the descriptor all the same, and says nothing about the bytes.
 SystemError closeAppended(int descriptor) noexcept {
   return close(descriptor) == 0 || errno == EINTR ? 0 : errno;
 }

@@ -1,7 +1,19 @@
+// Creates the temporary file beside a target, gives it the target's rights and moves it into place. Locating
+// the target is target.cpp's work; the order of the steps is decided in replacing.cpp and file_copy.cpp.
+//
+// The file is written without a name if the file system allows it (O_TMPFILE on Linux), so that a crash
+// leaves nothing behind. Naming it cannot overwrite an existing target, so an unnamed file gets a random name
+// first and is renamed over the target; with no target it is linked directly under its final name:
+//
+//   no target:   unnamed --link--> target            (EEXIST if somebody was faster)
+//   target:      unnamed --link--> ~random.tmp --rename--> target
+//
+// Without unnamed files the first step creates ~random.tmp, which is renamed in both cases. Readers see the
+// complete old or the complete new contents, because rename() is atomic. Signals that end the process are
+// blocked while a random name exists that is not yet recorded in `unfinished`.
 #include "platform/posix/beside.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <stdio.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -22,12 +34,15 @@ namespace vel::platform {
 namespace {
 
 constexpr mode_t kPermissionBits = 07777;
-constexpr int kMostNames = 100;
+/// Bounds the search for a free name. With 60 random bits even one collision is unlikely.
+constexpr int kMaxNames = 100;
 
-/// For removeUnfinishedOnSignals.
+/// The replacement whose temporary file a signal handler is to remove. Only files that have a name are
+/// recorded; an unnamed one vanishes with its descriptor.
 std::atomic<const Replacement*> unfinished{nullptr};
 
-/// No program is ended between two steps of the file system, or between one and its note.
+/// Blocks the signals that end programs, so that none arrives between creating a file and recording its name,
+/// or between two steps that belong together. Preserves errno.
 class EndingSignalsHeld {
  public:
   EndingSignalsHeld() noexcept : held_(holdEndingSignals()) {}
@@ -43,8 +58,9 @@ class EndingSignalsHeld {
   std::uint32_t held_;
 };
 
-/// A name of 20 characters that nobody can guess, and so nobody can take before.
-SystemError drawName(Replacement& replacement) noexcept {
+/// Makes an unpredictable name of 20 characters, so that nobody can create the file, or a link in its place,
+/// beforehand.
+SystemError makeTemporaryName(Replacement& replacement) noexcept {
   std::uint64_t number = 0;
   if (getentropy(&number, sizeof number) != 0) return errno;
   snprintf(replacement.temporary, sizeof replacement.temporary, "~%015llx.tmp",
@@ -52,12 +68,13 @@ SystemError drawName(Replacement& replacement) noexcept {
   return 0;
 }
 
-/// Tries names until one is free.
+/// Calls `make` with new names until one is free. `make` returns false and sets errno on failure; any error
+/// but EEXIST ends the loop.
 template <typename Make>
 SystemError makeUnderNewName(Replacement& replacement, Make make) noexcept {
   SystemError error = EEXIST;
-  for (int attempt = 0; attempt < kMostNames && error == EEXIST; ++attempt) {
-    error = drawName(replacement);
+  for (int attempt = 0; attempt < kMaxNames && error == EEXIST; ++attempt) {
+    error = makeTemporaryName(replacement);
     if (error == 0 && !make()) error = errno;
   }
   if (error != 0) replacement.temporary[0] = '\0';
@@ -85,12 +102,15 @@ void removeTemporary(Replacement& replacement) noexcept {
   replacement.temporary[0] = '\0';
 }
 
+/// Moves the file to a name that does not exist. Neither way replaces an entry that appears meanwhile.
 SystemError moveToNewName(Replacement& replacement) noexcept {
   if (replacement.temporary[0] == '\0')
     return nameUnnamed(replacement.descriptor, replacement.directory, replacement.target);
   return renameWithoutReplacing(replacement.directory, replacement.temporary, replacement.target);
 }
 
+/// Replaces the target. The check just before the rename narrows the moment in which a file that somebody
+/// else has put in the target's place would be lost; POSIX has no rename that compares.
 SystemError moveOverTarget(Replacement& replacement) noexcept {
   if (replacement.temporary[0] == '\0') {
     const SystemError error = makeUnderNewName(replacement, [&] {
@@ -101,13 +121,6 @@ SystemError moveOverTarget(Replacement& replacement) noexcept {
   if (!isStillTarget(replacement)) return ECANCELED;
   const int directory = replacement.directory;
   return renameat(directory, replacement.temporary, directory, replacement.target) == 0 ? 0 : errno;
-}
-
-void removeAndEnd(int signal) {
-  const Replacement* const replacement = unfinished;
-  if (replacement != nullptr) unlinkat(replacement->directory, replacement->temporary, 0);
-  // Takes effect behind this handler, whose place the system's own action has taken.
-  raise(signal);
 }
 
 }  // namespace
@@ -122,11 +135,15 @@ SystemError createBeside(mode_t mode, BesideName name, Replacement& replacement)
   return createNamed(mode, replacement);
 }
 
-// Only root can give files away; otherwise try to keep the group. A permission of an owner, group or list
-// that is lost goes to nobody else. Neither is a refusal lost: whoever was in the old group now counts among
-// the others, who get no more than the group had; without the list, which may refuse single users, they get
-// nothing. What counts is what is there in the end: some file systems set the wanted owner by themselves.
-bool takeOverRights(const Replacement& replacement, mode_t mode) noexcept {
+// Only root can give files away; otherwise try to keep the group. Permissions must not pass to somebody else
+// when an owner, group or list is lost:
+// - owner lost: drop the set-user-ID bit;
+// - group lost: drop the group bits. Members of the old group now count as others, so others keep only the
+//   bits that the group had too, or a refusal would be lifted;
+// - list lost: drop group and other bits, because the list may have refused single users.
+// The result is read back instead of trusting fchown: some file systems set the wanted owner by themselves
+// and refuse the call. Ownership comes before permissions, because fchown clears the set-ID bits.
+bool copyRights(const Replacement& replacement, mode_t mode) noexcept {
   constexpr mode_t kGroupBits = S_IRWXG | S_ISGID;
   const mode_t othersOfGroup = (mode & S_IRWXG) >> 3;
   struct stat old, now;
@@ -155,37 +172,37 @@ SystemError moveIntoPlace(Replacement& replacement) noexcept {
 }
 
 SystemError flushWrites(int descriptor) noexcept {
+  // Closing any descriptor of a file makes network file systems report deferred write errors.
   const int second = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
   return second < 0 || close(second) == 0 || errno == EINTR ? 0 : errno;
 }
 
 SystemError store(int descriptor) noexcept {
+  // EINVAL and ENOSYS: the file system cannot synchronise this kind of file.
   return fsync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS ? 0 : errno;
 }
 
 SystemError storeDirectory(const Replacement& replacement) noexcept {
+  // The held descriptor was opened only as a place, which fsync refuses.
   const Descriptor directory(openat(replacement.directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  // Names can be changed in directories that cannot be read.
+  // A directory that may be written but not read cannot be opened for fsync; that is not an error of this
+  // save.
   if (!directory.isOpen()) return errno == EACCES ? 0 : errno;
   return store(directory.get());
 }
 
 void closeReplacement(Replacement& replacement) noexcept {
   removeTemporary(replacement);
+  // A newer replacement may be recorded by now; leave that one alone.
   const Replacement* mine = &replacement;
   unfinished.compare_exchange_strong(mine, nullptr);
   for (int* const descriptor : {&replacement.descriptor, &replacement.heldTarget, &replacement.directory})
     if (*descriptor >= 0) close(std::exchange(*descriptor, -1));
 }
 
-void removeUnfinishedOnSignals() noexcept {
-  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
-    struct sigaction action = {};
-    if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) continue;
-    action.sa_handler = removeAndEnd;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    sigaction(signal, &action, nullptr);
-  }
+void removeUnfinished() noexcept {
+  const Replacement* const replacement = unfinished;
+  if (replacement != nullptr) unlinkat(replacement->directory, replacement->temporary, 0);
 }
 
 }  // namespace vel::platform

@@ -1,4 +1,4 @@
-// The file that is written beside a target and takes its place: for saving and for copying.
+// Creates the file that is written beside a target and takes its place, for saving and for copying.
 #pragma once
 
 #include <sys/types.h>
@@ -8,29 +8,34 @@
 
 namespace vel::platform {
 
-/// Without a name nobody sees the file, and nothing can be left behind. Not every file system can do that;
-/// where it cannot, the file has a random name from the start.
+/// An unnamed file is invisible, and nothing of it can be left behind. File systems that do not support it
+/// get a file with a random name from the start.
 enum class BesideName { None, Random };
 
-/// Creates the file in the directory that findTarget opened, with these permissions at most.
+/// Creates the file in the directory that findTarget opened, with at most these permissions. Sets
+/// `descriptor`.
 SystemError createBeside(mode_t mode, BesideName name, Replacement& replacement) noexcept;
 
-/// Gives the file the owner, the group and the access control list of the target, and the permissions `mode`
-/// but for those of a group or owner that cannot be kept. Whether it has all that now.
-bool takeOverRights(const Replacement& replacement, mode_t mode) noexcept;
+/// Gives the file the owner, group and access control list of the target and the permissions `mode`, without
+/// those of an owner or group that could not be kept. Returns whether nothing was lost.
+bool copyRights(const Replacement& replacement, mode_t mode) noexcept;
 
-/// Gives the file the target's name: in one step, and in place of nothing but the entry that findTarget held
-/// (ECANCELED), or of none (EEXIST). After a failure the file is gone.
+/// Gives the file the target's name atomically. Replaces only the entry that findTarget held (else
+/// ECANCELED), or none if there was none (else EEXIST). After a failure the temporary file is gone.
 SystemError moveIntoPlace(Replacement& replacement) noexcept;
 
-/// Some file systems report a failed write only when the file is closed. This makes them do so, and leaves it
+/// Makes file systems that report a failed write only when the file is closed report it now; the file stays
 /// open.
 SystemError flushWrites(int descriptor) noexcept;
-/// Not every file system can promise that a file or directory is stored; that is no failure.
+/// Waits until the file, or the directory with its new name, is on stable storage. Succeeds where the file
+/// system cannot promise that.
 SystemError store(int descriptor) noexcept;
 SystemError storeDirectory(const Replacement& replacement) noexcept;
 
-/// Closes what is open, and removes a file that is not in place.
+/// Closes all descriptors, and removes the temporary file if it is not in place.
 void closeReplacement(Replacement& replacement) noexcept;
+
+/// Removes the temporary file of the latest replacement under way, if it has a name. Async-signal-safe.
+void removeUnfinished() noexcept;
 
 }  // namespace vel::platform

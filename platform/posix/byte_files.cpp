@@ -1,4 +1,4 @@
-// Bytes of files and standard streams.
+// Reads and writes the bytes of files and standard streams.
 #include "platform/byte_files.h"
 
 #include <fcntl.h>
@@ -21,9 +21,10 @@ int openRetrying(const char* path, int flags) noexcept {
   return retrying([&] { return open(path, flags | O_RDONLY | O_CLOEXEC | O_NOCTTY); });
 }
 
-/// Opens without waiting for anybody's other end of a pipe. A file that is leased, to a file server for
-/// example, fails with EWOULDBLOCK until the kernel has broken the lease, which takes up to 45 seconds.
-int openAtOnce(const char* path) noexcept {
+/// Opens without waiting for the other end of a pipe. Opening a file that somebody holds a lease on, a file
+/// server for example, fails with EWOULDBLOCK until the kernel has broken the lease, which takes up to 45
+/// seconds; so this tries for 50 seconds.
+int openWithoutWaiting(const char* path) noexcept {
   constexpr timespec kPause{0, 50'000'000};
   int descriptor = openRetrying(path, O_NONBLOCK);
   for (int left = 1000; descriptor == -1 && errno == EWOULDBLOCK && left > 0; --left) {
@@ -39,9 +40,11 @@ SystemError openForReading(const char* name, PipeWithoutWriter pipe, int& descri
   const NativePath path(name);
   if (!path.fits()) return ENAMETOOLONG;
   const bool awaits = pipe == PipeWithoutWriter::Await;
-  Descriptor file(awaits ? openRetrying(path.get(), 0) : openAtOnce(path.get()));
+  Descriptor file(awaits ? openRetrying(path.get(), 0) : openWithoutWaiting(path.get()));
   if (!file.isOpen()) return errno;
+  // A pipe without writer opens for reading, but reads as empty: refuse it like a missing file.
   if (!awaits && isNamedPipe(file.get()) && !hasWriter(file.get())) return ENXIO;
+  // Only the open must not wait; reads from a pipe wait for its writers.
   if (!awaits && fcntl(file.get(), F_SETFL, fcntl(file.get(), F_GETFL) & ~O_NONBLOCK) != 0) return errno;
   descriptor = file.release();
   return 0;
@@ -71,6 +74,7 @@ SystemError writeBytes(int descriptor, const void* data, std::size_t size) noexc
 
 std::uint64_t bytesLeft(int descriptor) noexcept {
   struct stat status {};
+  // fstat gives no size for pipes and terminals.
   if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return 0;
   const off_t position = lseek(descriptor, 0, SEEK_CUR);
   return position < 0 || position >= status.st_size ? 0
@@ -78,6 +82,7 @@ std::uint64_t bytesLeft(int descriptor) noexcept {
 }
 
 bool skipBytes(int descriptor, std::uint64_t count) noexcept {
+  // lseek accepts positions beyond the end, so the step is limited here.
   const auto step = static_cast<off_t>(std::min(count, bytesLeft(descriptor)));
   return step > 0 && lseek(descriptor, step, SEEK_CUR) != -1;
 }

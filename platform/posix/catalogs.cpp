@@ -1,4 +1,5 @@
-// Finds message catalog libraries and opens their files; the system's loader has no part in it.
+// Finds message catalog libraries and opens their files as data. The system's loader is not involved:
+// catalogs are Windows DLLs on every system.
 #include <fcntl.h>
 
 #include <cerrno>
@@ -13,7 +14,7 @@ namespace vel::platform {
 
 namespace {
 
-/// Regular files with contents only; anything else lets the search go on.
+/// A visitor for searchFile. Accepts regular files with contents; anything else continues the search.
 bool openFile(const char* path, void* descriptor) noexcept {
   Descriptor file(retrying([&] { return open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
   if (!file.isOpen() || bytesLeft(file.get()) == 0) return false;
@@ -25,7 +26,8 @@ bool search(const char* fileName, unsigned places, int& descriptor) noexcept {
   return searchFile(NameForms(fileName), places, openFile, &descriptor);
 }
 
-/// One place after the other, so that the exact spelling at a later one does not win.
+/// Searches the places one by one, the safest first. A single search would try the exact spelling everywhere
+/// before it ignores case, so a file in the current directory could win over the installed one.
 bool searchOwn(const char* fileName, int& descriptor) noexcept {
   for (const unsigned place : {kBesideThisLibrary, kBesideProgram, kAlongPath, kInCurrentDirectory})
     if (search(fileName, place, descriptor)) return true;
@@ -36,6 +38,7 @@ bool searchOwn(const char* fileName, int& descriptor) noexcept {
 
 SystemError openCatalog(const char* fileName, CatalogOwner owner, int& descriptor) noexcept {
   bool isFound = false;
+  // A name with a directory is opened where it says and nowhere else.
   if (hasDirectory(fileName)) {
     const NativePath path(fileName);
     isFound = path.fits() && openFile(path.get(), &descriptor);

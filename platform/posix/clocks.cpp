@@ -1,4 +1,4 @@
-// Clocks and sleeping. tickCount is in tick_count.cpp.
+// High-resolution clock and sleeping. tickCount needs a clock that POSIX does not have: see tick_count.cpp.
 #include "platform/clocks.h"
 
 #include <time.h>
@@ -20,7 +20,8 @@ bool performanceCounter(std::int64_t& value) noexcept {
   return true;
 }
 
-// Sleeping until a time, rather than for one, cannot last longer because of signals.
+// Sleeps until a point in time instead of for a duration: restarting a relative sleep after each signal would
+// add up to a longer one.
 void sleepMilliseconds(std::uint32_t milliseconds) noexcept {
   timespec end{};
   if (clock_gettime(CLOCK_MONOTONIC, &end) != 0) return;

@@ -1,4 +1,5 @@
-// The locale's code set as a code page, and conversion to it.
+// Maps the locale's code set to a CCSID and converts UTF-16 to it with iconv. Only the process's own code
+// page is converted here; the library's code pages are in codepage/.
 #include <iconv.h>
 #include <langinfo.h>
 #include <strings.h>
@@ -20,6 +21,8 @@ struct CodeSet {
   std::uint32_t ccsid;
 };
 
+/// Code sets by the names that systems report (with and without the first hyphen) and their CCSIDs. The first
+/// name of a CCSID is the one given to iconv. In no order: the list is searched from its start.
 constexpr CodeSet kCodeSets[] = {
     {"ANSI_X3.4-1968", 367}, {"US-ASCII", 367},   {"UTF-8", 1208},      {"UTF8", 1208},
     {"ISO-8859-1", 819},     {"ISO8859-1", 819},  {"ISO-8859-2", 912},  {"ISO8859-2", 912},
@@ -32,7 +35,8 @@ constexpr CodeSet kCodeSets[] = {
     {"GBK", 1386},           {"GB18030", 1392},   {"BIG5", 950},        {"SHIFT_JIS", 943},
 };
 
-/// The value of the first variable that is set and not empty, else "".
+/// Returns the value of the first variable that is set and not empty, else "". The order is the one of
+/// setlocale().
 const char* localeFromEnvironment() noexcept {
   for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
     const char* const value = std::getenv(variable);
@@ -53,7 +57,7 @@ const char* nameOfCcsid(std::uint32_t ccsid) noexcept {
   return nullptr;
 }
 
-/// A text that is left to convert, and the room for it, in bytes.
+/// The UTF-16 text left to convert and the space left for it; sizes in bytes.
 struct Conversion {
   iconv_t converter;
   char* text;
@@ -68,7 +72,8 @@ std::size_t sizeOfFirstCharacter(const Conversion& todo) noexcept {
   return utf16Length(units, 2) * sizeof *units;
 }
 
-/// Converts one character, so that a failure is this character's; false when the target is full.
+/// Converts one character, so that an error can only be this character's: it is unmappable and becomes "?".
+/// False if the target is full.
 bool convertCharacter(Conversion& todo) noexcept {
   std::size_t left = sizeOfFirstCharacter(todo);
   char* const next = todo.text + left;
@@ -87,8 +92,10 @@ bool convertCharacter(Conversion& todo) noexcept {
 std::uint32_t ansiCodePage() noexcept {
   const char* const codeSet = nl_langinfo(CODESET);
   const std::uint32_t ccsid = ccsidOfName(codeSet, std::strlen(codeSet));
+  // CCSID 367 is ASCII.
   if (ccsid != 367) return ccsid;
-  // A program that sets no locale has ASCII, whatever its user has.
+  // A program that never calls setlocale() runs in the ASCII locale "C", whatever its user's locale is. The
+  // environment tells what the terminal expects.
   const char* const named = std::strchr(localeFromEnvironment(), '.');
   if (named == nullptr) return ccsid;
   return ccsidOfName(named + 1, std::strcspn(named + 1, "@"));

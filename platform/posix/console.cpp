@@ -1,6 +1,12 @@
-// One key from the terminal on standard input. While it waits, the terminal hands over every key at once
-// and shows none. Signals that end or stop the process arrive in a pipe meanwhile; the terminal is restored
-// first, then they take their course, and the wait goes on if the process does.
+// Waits for one key from the terminal on standard input.
+//
+// The terminal is switched to deliver keys at once and without echo. If a signal ended the process then, the
+// user's shell would be left with an unusable terminal. So signals that end or stop the process are caught
+// meanwhile and their numbers written into a pipe, which poll() watches beside the terminal (the "self-pipe
+// trick"):
+//
+//   key    ->  read it, restore the terminal, done
+//   signal ->  restore the terminal, raise the signal with its own action; if the process goes on, wait anew
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
@@ -20,25 +26,26 @@ namespace {
 constexpr int kSignals[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGTSTP, SIGALRM, SIGUSR1, SIGUSR2};
 constexpr int kSignalCount = sizeof kSignals / sizeof kSignals[0];
 
+/// The write end of the pipe, for the handler; -1 while nobody waits.
 volatile sig_atomic_t signalPipe = -1;
 
-extern "C" void passSignalOn(int number) {
+extern "C" void forwardSignal(int number) {
   const int savedError = errno;
   const auto byte = static_cast<unsigned char>(number);
-  // A full pipe holds enough signals already.
+  // If the pipe is full, the signals in it suffice to end the wait.
   [[maybe_unused]] const ssize_t written = write(signalPipe, &byte, 1);
   errno = savedError;
 }
 
-/// Holds the signals back in a pipe for as long as it lives, then lets them take their course; ignored ones
-/// stay ignored.
+/// Collects signals in a pipe while it exists; the destructor restores their actions and raises the collected
+/// ones. Ignored signals stay ignored.
 class SignalWatch {
  public:
   SignalWatch() noexcept {
     if (pipe2(pipe_, O_CLOEXEC | O_NONBLOCK) != 0) return;
     signalPipe = pipe_[1];
     struct sigaction action {};
-    action.sa_handler = passSignalOn;
+    action.sa_handler = forwardSignal;
     action.sa_flags = SA_RESTART;
     sigfillset(&action.sa_mask);
     for (int i = 0; i < kSignalCount; ++i) {
@@ -58,7 +65,7 @@ class SignalWatch {
   }
 
   bool isValid() const noexcept { return pipe_[0] >= 0; }
-  /// Readable when a signal has arrived.
+  /// Becomes readable when a signal has arrived.
   int descriptor() const noexcept { return pipe_[0]; }
 
  private:
@@ -70,7 +77,8 @@ void setAttributes(const termios& attributes) noexcept {
   static_cast<void>(retrying([&] { return tcsetattr(STDIN_FILENO, TCSANOW, &attributes); }));
 }
 
-/// Keys arrive at once and unseen for as long as it lives; those that send signals still do.
+/// While it exists, the terminal delivers each key at once and without echo. ISIG stays set, so that Ctrl+C
+/// and its like still send signals.
 class KeyMode {
  public:
   KeyMode() noexcept : valid_(tcgetattr(STDIN_FILENO, &previous_) == 0) {
@@ -99,7 +107,8 @@ bool hasInput() noexcept {
   return poll(&input, 1, 0) == 1 && (input.revents & POLLIN) != 0;
 }
 
-/// Function keys and characters beyond ASCII send several bytes, which arrive together.
+/// Reads one key. Function keys (which begin with ESC) and characters beyond ASCII send several bytes, which
+/// arrive together; the rest must not be left to the next reader.
 void readKey() noexcept {
   constexpr int kLongestKey = 16;
   constexpr unsigned char kEscape = 0x1B;
@@ -112,7 +121,7 @@ void readKey() noexcept {
 
 enum class Wait { Done, Interrupted, NoTerminal };
 
-/// Waits for a key and takes it, unless a signal comes first.
+/// Waits for a key and reads it, unless a signal comes first.
 Wait readKeyUnlessSignal(const SignalWatch& signals) noexcept {
   pollfd sources[] = {{STDIN_FILENO, POLLIN, 0}, {signals.descriptor(), POLLIN, 0}};
   while (poll(sources, 2, -1) < 0)
@@ -122,9 +131,10 @@ Wait readKeyUnlessSignal(const SignalWatch& signals) noexcept {
   return Wait::Done;
 }
 
-/// One wait until a key or a signal; when it returns, the signal has taken its course.
+/// Waits once for a key or a signal. When it returns, the terminal is restored and the signal has been
+/// raised.
 Wait waitOnce() noexcept {
-  // In this order: signals take their course when the terminal is restored.
+  // The order matters: destructors run in reverse, so the terminal is restored before signals are raised.
   const SignalWatch signals;
   if (!signals.isValid()) return Wait::NoTerminal;
   const KeyMode keys;
@@ -134,6 +144,7 @@ Wait waitOnce() noexcept {
 }  // namespace
 
 bool waitForConsoleKey() noexcept {
+  // Terminal mode and signal actions belong to the process, so two threads must not change them at once.
   static std::mutex oneAtATime;
   const std::lock_guard<std::mutex> lock(oneAtATime);
   Wait result = Wait::Interrupted;

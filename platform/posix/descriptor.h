@@ -1,4 +1,4 @@
-// File descriptors that close themselves, and repeating calls that a signal interrupted.
+// Owns file descriptors (RAII), and repeats calls that a signal interrupted.
 #pragma once
 
 #include <unistd.h>
@@ -8,7 +8,7 @@
 
 namespace vel::platform {
 
-/// Calls a system function until it is not interrupted any more. `call` returns -1 for a failure.
+/// Calls a system function again while it fails with EINTR. `call` returns -1 on failure.
 template <typename Call>
 auto retrying(Call call) noexcept {
   auto result = call();
@@ -26,7 +26,7 @@ class Descriptor {
     std::swap(descriptor_, other.descriptor_);
     return *this;
   }
-  /// Leaves errno as it is.
+  /// Preserves errno, so that an early return can report it.
   ~Descriptor() {
     const int error = errno;
     if (isOpen()) close(descriptor_);

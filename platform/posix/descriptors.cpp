@@ -1,4 +1,5 @@
-// Descriptors: there is no translation of line breaks, so every open one is in binary mode.
+// Translation modes of descriptors: POSIX systems do not translate line breaks, so every open descriptor is
+// in binary mode.
 #include <fcntl.h>
 #include <unistd.h>
 

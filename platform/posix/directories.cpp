@@ -1,5 +1,8 @@
-// Directories: their entries, and making, entering and removing them. Operations on entries go
-// through the open directory, so that nothing put into the place of a path's component diverts them.
+// Lists, creates, enters and removes directories.
+//
+// A tree is removed through directory descriptors: each entry is opened or unlinked relative to the open
+// directory that listed it (openat, unlinkat), never by its path. Somebody who replaces a component of the
+// path by a link meanwhile cannot divert the removal to another tree.
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -25,10 +28,11 @@ namespace {
 
 constexpr mode_t kWriteBits = 0222;
 
-/// A path that ends in its last component: with separators behind it, the system would follow a link.
-class PathWithoutEnd {
+/// A path without final separators: with one, the system would follow a link in the last component even for
+/// lstat and O_NOFOLLOW.
+class PathWithoutFinalSeparators {
  public:
-  explicit PathWithoutEnd(const char* name) noexcept : fits_(false), text_{} {
+  explicit PathWithoutFinalSeparators(const char* name) noexcept : fits_(false), text_{} {
     const NativePath path(name);
     if (!path.fits()) return;
     std::size_t length = std::strlen(path.get());
@@ -72,7 +76,8 @@ std::uint32_t attributesFrom(const struct stat& status, const char* name) noexce
   return attributes;
 }
 
-/// False for an entry that has gone since it was listed.
+/// Describes an entry. False if it was removed after it had been listed, or if its name is too long. An entry
+/// whose status cannot be read for another reason is listed as a file without permissions.
 bool describe(const DirectoryHandle& directory, const char* name, DirectoryEntry& entry) noexcept {
   struct stat status;
   if (std::strlen(name) >= sizeof entry.systemName) return false;
@@ -89,6 +94,7 @@ SystemError openAt(int place, const char* path, int flags, DirectoryHandle& dire
   directory = {};
   Descriptor opened(
       retrying([&] { return openat(place, path, O_RDONLY | O_DIRECTORY | O_CLOEXEC | flags); }));
+  // O_NOFOLLOW reports a link as ELOOP (ENOTDIR with O_DIRECTORY on some systems).
   if (!opened.isOpen()) return errno == ELOOP ? ENOTDIR : errno;
   directory.system = fdopendir(opened.get());
   if (directory.system == nullptr) return errno;
@@ -100,7 +106,7 @@ SystemError openAt(int place, const char* path, int flags, DirectoryHandle& dire
 
 SystemError openDirectory(const char* name, DirectoryLink link, DirectoryHandle& directory) noexcept {
   directory = {};
-  const PathWithoutEnd path(name);
+  const PathWithoutFinalSeparators path(name);
   if (!path.fits()) return ENAMETOOLONG;
   return openAt(AT_FDCWD, path.get(), link == DirectoryLink::Refuse ? O_NOFOLLOW : 0, directory);
 }
@@ -125,11 +131,13 @@ SystemError identityOfRoot(const char*, FileIdentity& identity) noexcept {
 }
 
 SystemError nextEntry(DirectoryHandle& directory, DirectoryEntry& entry, WalkStep& step) noexcept {
+  // "." and ".." always come first; readdir may list them anywhere, or not at all.
   constexpr std::array<const char*, 2> kDots = {".", ".."};
   step = WalkStep::Entry;
   while (directory.listed < kDots.size())
     if (describe(directory, kDots[directory.listed++], entry)) return 0;
   for (;;) {
+    // readdir returns null both at the end and on failure; only errno tells them apart.
     errno = 0;
     const dirent* const found = readdir(streamOf(directory));
     if (found == nullptr) {
@@ -157,9 +165,10 @@ SystemError makeDirectory(const char* name) noexcept {
 }
 
 SystemError removeDirectory(const char* name) noexcept {
-  const PathWithoutEnd path(name);
+  const PathWithoutFinalSeparators path(name);
   if (!path.fits()) return ENAMETOOLONG;
   if (rmdir(path.get()) == 0) return 0;
+  // rmdir refuses a link. A link to a directory is removed itself, never its target.
   if (errno != ENOTDIR) return errno;
   struct stat link;
   struct stat target;

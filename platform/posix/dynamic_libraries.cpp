@@ -1,4 +1,4 @@
-// Finding, loading and using dynamic libraries.
+// Finds, loads and unloads dynamic libraries. Which names and places are tried is file_search.cpp's work.
 #include <dlfcn.h>
 #include <unistd.h>
 
@@ -17,11 +17,13 @@ struct Loading {
   int error = ENOENT;
 };
 
+/// A visitor: loads the library, or ends the search at a file that exists but cannot be loaded.
 bool loadFile(const char* path, void* context) noexcept {
   auto& loading = *static_cast<Loading*>(context);
   loading.library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
   if (loading.library != nullptr) return true;
-  // The loader tells no number. A file that is there but refused ends the search.
+  // dlopen reports errors as text only, so the number is derived. A file that exists but was refused ends the
+  // search: loading another one instead would hide the mistake.
   if (!isRegularFile(path)) return false;
   loading.error = access(path, R_OK) == 0 ? ENOEXEC : errno;
   return true;
@@ -31,17 +33,17 @@ bool loadFile(const char* path, void* context) noexcept {
 
 bool searchLibrary(const char* name, char* out, std::size_t capacity) noexcept {
   FoundPath found{out, capacity};
-  const TakeFile take = [](const char* path, void* context) noexcept {
+  const PathVisitor visit = [](const char* path, void* context) noexcept {
     return isRegularFile(path) && static_cast<FoundPath*>(context)->set(path);
   };
-  return searchFile(NameForms::ofLibrary(name), kBesideProgram | kInCurrentDirectory | kAlongPath, take,
+  return searchFile(NameForms::ofLibrary(name), kBesideProgram | kInCurrentDirectory | kAlongPath, visit,
                     &found);
 }
 
 NativeError loadLibrary(const char* name, void*& library) noexcept {
   Loading loading;
   const NameForms forms = NameForms::ofLibrary(name);
-  // The loader takes "" for the program itself.
+  // dlopen("") would return the program itself.
   if (hasDirectory(name))
     tryPaths(forms, loadFile, &loading);
   else if (*name != '\0')
@@ -50,7 +52,8 @@ NativeError loadLibrary(const char* name, void*& library) noexcept {
   return library != nullptr ? 0 : static_cast<NativeError>(loading.error);
 }
 
-// The loader itself looks for names without directory in the system's folders only.
+// For a name without a directory, dlopen searches only the directories configured for libraries: neither the
+// current directory nor PATH.
 NativeError loadInstalledLibrary(const char* name, void*& library) noexcept {
   return loadLibrary(name, library);
 }

@@ -1,4 +1,5 @@
-// Holding back the signals by which users and systems end programs.
+// Blocks and unblocks the signals by which users and systems end programs. Holding may nest: only signals
+// that this call blocked are released.
 #include <pthread.h>
 #include <signal.h>
 

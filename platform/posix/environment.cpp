@@ -1,4 +1,4 @@
-// The process's environment.
+// Reads and changes the process's environment.
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -19,6 +19,7 @@ const char* settingValue(const char* name) noexcept {
 SystemError putEnvironment(char* assignment) noexcept {
   char* const equals = std::strchr(assignment, '=');
   if (equals == nullptr) return EINVAL;
+  // Split in place and put together again: setenv wants name and value apart, and a copy could fail.
   *equals = '\0';
   const char* const value = equals + 1;
   const int result = *value == '\0' ? unsetenv(assignment) : setenv(assignment, value, 1);

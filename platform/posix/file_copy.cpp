@@ -1,4 +1,7 @@
-// Copying a file's contents and permission bits.
+// Copies a file's contents and permission bits. The copy is written beside the target and renamed over it, so
+// a failure halfway leaves the old target intact; see beside.cpp.
+//
+// If the directory accepts no new file, the existing target is overwritten in place, as a last resort.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -19,14 +22,15 @@ namespace {
 
 constexpr mode_t kPermissionBits = 0777;
 constexpr mode_t kWriteBits = 0222;
-/// After so many others that came first something else is wrong.
-constexpr int kMostAttempts = 16;
+/// How often somebody else may replace or create the target first, before this gives up.
+constexpr int kMaxAttempts = 16;
 
-/// Never waits for the other end of a pipe.
+/// Opens without waiting for a pipe's writer; pipes are refused afterwards.
 Descriptor openSource(const char* path) noexcept {
   return Descriptor(retrying([&] { return open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
 }
 
+/// Closes everything and removes an unfinished copy when it goes out of scope.
 class Target : public Replacement {
  public:
   Target() = default;
@@ -42,7 +46,7 @@ SystemError statusOfRegularFile(int descriptor, struct stat& status) noexcept {
   return S_ISREG(status.st_mode) ? 0 : EINVAL;
 }
 
-/// A link itself is the target, unless it leads to the source or to what is no file.
+/// A link itself is replaced, unless it leads to the source (EACCES), a directory or a special file.
 SystemError checkLink(const Replacement& target, const struct stat& source) noexcept {
   struct stat status;
   if (fstatat(target.directory, target.target, &status, 0) != 0) return 0;
@@ -51,8 +55,8 @@ SystemError checkLink(const Replacement& target, const struct stat& source) noex
   return S_ISREG(status.st_mode) ? 0 : EINVAL;
 }
 
-/// Refuses the source itself under another name, and read-only files: the superuser may write to them, but
-/// must not do so by mistake.
+/// Refuses the source itself under another name: overwriting it would destroy it. Refuses read-only files by
+/// their bits, because access checks do not stop root.
 SystemError checkExisting(const Replacement& target, const struct stat& source) noexcept {
   struct stat status;
   if (fstat(target.heldTarget, &status) != 0) return errno;
@@ -89,6 +93,7 @@ struct Copy {
 };
 
 SystemError fill(int target, const Copy& copy) noexcept {
+  // A failed earlier attempt may have read some of it.
   if (lseek(copy.source, 0, SEEK_SET) == -1) return errno;
   return copyContents(copy.source, target);
 }
@@ -98,10 +103,10 @@ bool isFile(int descriptor) noexcept {
   return descriptor >= 0 && statusOfRegularFile(descriptor, status) == 0;
 }
 
-/// File systems without permission bits refuse; the contents are there all the same.
-void giveRights(const Replacement& target, mode_t mode) noexcept {
+/// Failures are ignored: on file systems without permission bits the contents still count.
+void applyRights(const Replacement& target, mode_t mode) noexcept {
   if (isFile(target.heldTarget))
-    takeOverRights(target, mode);
+    copyRights(target, mode);
   else
     static_cast<void>(fchmod(target.descriptor, mode));
 }
@@ -114,16 +119,17 @@ SystemError copyInPlace(int target, const Copy& copy) noexcept {
 }
 
 SystemError placeCopy(Replacement& target, const Copy& copy) noexcept {
-  giveRights(target, copy.mode);
+  applyRights(target, copy.mode);
   return moveIntoPlace(target);
 }
 
-/// The directory takes no new file, or does not give this entry away.
+/// The directory accepts no new file, or the system does not let this entry be replaced.
 bool isFixed(SystemError error) noexcept {
   return error == EACCES || error == EPERM || error == EBUSY;
 }
 
 SystemError copyBeside(Replacement& target, const Copy& copy) noexcept {
+  // Private while it is written; the final rights come with placeCopy.
   SystemError error = createBeside(S_IRUSR | S_IWUSR, BesideName::None, target);
   if (error == 0) {
     error = fill(target.descriptor, copy);
@@ -154,8 +160,9 @@ SystemError copyFile(const char* from, const char* to, bool writable) noexcept {
   const mode_t mode = (status.st_mode & kPermissionBits) | (writable ? mode_t{S_IWUSR} : mode_t{0});
   SystemError error = 0;
   int attempt = 0;
+  // ECANCELED and EEXIST: somebody changed the target meanwhile. Start again with what is there now.
   do error = copyOnce(targetPath.get(), status, {source.get(), mode});
-  while ((error == ECANCELED || error == EEXIST) && ++attempt < kMostAttempts);
+  while ((error == ECANCELED || error == EEXIST) && ++attempt < kMaxAttempts);
   return error;
 }
 

@@ -1,6 +1,13 @@
-// Advisory locks of files.
-// Whoever replaces a file puts another inode in its place, so a lock counts only if the name still leads to
-// what was locked. A file that does not exist yet is locked by its directory.
+// Advisory locks of files with flock().
+//
+// A lock belongs to an inode, but callers lock a name, and a file is saved by renaming a new inode over that
+// name. A process that waited for the old inode would then hold a lock that nobody else respects. So after
+// locking, the name is looked up again, and unless it still leads to the locked inode, the lock is released
+// and the next round begins:
+//
+//   open "x" (inode 7) -> another process saves: "x" is inode 8 -> lock 7 -> "x" is not 7: unlock, next round
+//
+// A file that does not exist yet is locked by its directory.
 #include <fcntl.h>
 #include <limits.h>
 #include <sys/file.h>
@@ -19,10 +26,10 @@ namespace vel::platform {
 
 namespace {
 
-/// How often the name may lead somewhere else, before the file counts as busy.
-constexpr int kMostRounds = 100;
+/// Rounds before the file counts as busy; each one means that the file was replaced or removed within it.
+constexpr int kMaxRounds = 100;
 
-/// What became of one round; `isMoved` when the name leads somewhere else by now.
+/// The result of one round; `isMoved` if the name leads to another file by now, so that another round is due.
 struct Round {
   LockResult result;
   bool isMoved = false;
@@ -41,12 +48,14 @@ LockResult lockDescriptor(int descriptor) noexcept {
   return errno == EWOULDBLOCK ? LockResult::Busy : LockResult::Unsupported;
 }
 
-/// A network's file system may lock only what is open for writing.
+/// Opens and locks. Tries a second time for writing, because some network file systems grant exclusive locks
+/// only on descriptors open for writing (EBADF).
 LockResult openLocked(const char* path, int flags, int& descriptor) noexcept {
   LockResult result = LockResult::Failed;
   for (const int access : {O_RDONLY, O_RDWR}) {
     const int opened = open(path, access | flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     if (opened < 0) break;
+    // After a failed second open the first descriptor is still in use, so it is replaced only now.
     if (descriptor >= 0) close(descriptor);
     descriptor = opened;
     result = lockDescriptor(descriptor);
@@ -55,6 +64,7 @@ LockResult openLocked(const char* path, int flags, int& descriptor) noexcept {
   return result;
 }
 
+/// Locks what `path` leads to and verifies that it still does. Leaves nothing open if that fails.
 Round lockAt(const char* path, int flags, FileLock& lock) noexcept {
   const LockResult result = openLocked(path, flags, lock.descriptor);
   if (lock.descriptor < 0) return errno == ENOENT ? kMoved : Round{LockResult::Failed};
@@ -69,7 +79,7 @@ Round lockAt(const char* path, int flags, FileLock& lock) noexcept {
   return isThere ? Round{result} : kMoved;
 }
 
-/// False when the path is too long.
+/// Copies the directory of `path`, "." if it has none. False if it is too long.
 bool directoryOf(const char* path, char (&directory)[PATH_MAX]) noexcept {
   const char* const separator = std::strrchr(path, '/');
   const char* const from = separator != nullptr ? path : ".";
@@ -80,7 +90,9 @@ bool directoryOf(const char* path, char (&directory)[PATH_MAX]) noexcept {
   return true;
 }
 
-Round lockPlaceOf(const char* path, FileLock& lock) noexcept {
+/// Locks the directory in which a missing file is to be created, so that two processes do not create it at
+/// once.
+Round lockDirectoryOf(const char* path, FileLock& lock) noexcept {
   char directory[PATH_MAX];
   if (!directoryOf(path, directory)) return {LockResult::Failed};
   const Round round = lockAt(directory, O_DIRECTORY, lock);
@@ -88,16 +100,18 @@ Round lockPlaceOf(const char* path, FileLock& lock) noexcept {
   lock.file = {};
   struct stat made;
   if (stat(path, &made) != 0 && errno == ENOENT) return round;
-  // Somebody made the file while this waited for the directory.
+  // Somebody created the file before the directory was locked: lock the file itself in the next round.
   unlockFile(lock);
   return kMoved;
 }
 
 Round lockOnce(const char* path, FileLock& lock) noexcept {
   struct stat found;
-  if (stat(path, &found) != 0) return errno == ENOENT ? lockPlaceOf(path, lock) : Round{LockResult::Failed};
+  if (stat(path, &found) != 0)
+    return errno == ENOENT ? lockDirectoryOf(path, lock) : Round{LockResult::Failed};
   if (S_ISDIR(found.st_mode)) return {LockResult::Failed};
   if (S_ISREG(found.st_mode)) return lockAt(path, 0, lock);
+  // A device or pipe cannot be replaced, so it needs no lock.
   lock.file = stateIn(found);
   return {LockResult::Locked};
 }
@@ -126,11 +140,12 @@ LockResult tryLockFile(const char* name, FileLock& lock) noexcept {
   const NativePath path(name);
   if (!path.fits()) return LockResult::Failed;
   Round round = kMoved;
-  for (int left = kMostRounds; left > 0 && round.isMoved; --left) round = lockOnce(path.get(), lock);
+  for (int left = kMaxRounds; left > 0 && round.isMoved; --left) round = lockOnce(path.get(), lock);
   return round.result;
 }
 
-// A child that was forked meanwhile has the descriptor, too: closing alone would leave the file locked.
+// LOCK_UN first: a child forked meanwhile shares the open file description, and closing this descriptor alone
+// would leave the file locked until the child ends.
 void unlockFile(FileLock& lock) noexcept {
   if (lock.descriptor < 0) return;
   flock(lock.descriptor, LOCK_UN);

@@ -1,4 +1,4 @@
-// Forms of file names, and the directories that are searched.
+// Derives the forms of a program's or library's name and tries them in the places that are searched.
 #include "platform/posix/file_search.h"
 
 #include <sys/stat.h>
@@ -18,6 +18,7 @@ namespace vel::platform {
 
 namespace {
 
+/// Returns the length of a name's directory in either style, including the final separator or drive.
 std::size_t lengthOfDirectory(std::string_view name) noexcept {
   const std::size_t separator = name.find_last_of("/\\");
   if (separator != std::string_view::npos) return separator + 1;
@@ -25,7 +26,7 @@ std::size_t lengthOfDirectory(std::string_view name) noexcept {
   return hasDrive ? 2 : 0;
 }
 
-/// The pieces as one terminated text; false when they do not fit.
+/// Concatenates the pieces into a NUL-terminated string. False if they do not fit.
 bool join(std::initializer_list<std::string_view> pieces, PathBuffer& path) noexcept {
   std::size_t length = 0;
   for (const std::string_view piece : pieces) {
@@ -36,28 +37,29 @@ bool join(std::initializer_list<std::string_view> pieces, PathBuffer& path) noex
   return true;
 }
 
-/// Looks for one form, as it is spelled or in any letter case.
+/// Searches for one form, as it is spelled or in any case.
 struct Search {
   const NameForm& form;
   bool ignoreCase;
-  TakeFile take;
+  PathVisitor visit;
   void* context;
 
-  bool lookIn(std::string_view directory) const noexcept {
+  bool tryDirectory(std::string_view directory) const noexcept {
     PathBuffer path;
     const std::string_view separator = directory.ends_with('/') ? "" : "/";
     if (directory.empty() || !join({directory, separator, form.prefix, form.stem, form.suffix}, path))
       return false;
     if (ignoreCase) matchSpelling(path.data());
-    return take(path.data(), context);
+    return visit(path.data(), context);
   }
 
-  bool lookAlongPath() const noexcept {
+  bool tryAlongPath() const noexcept {
+    // Empty elements, which shells take for the current directory, are skipped: tryDirectory refuses "".
     const char* const variable = std::getenv("PATH");
     std::string_view rest = variable == nullptr ? "" : variable;
     while (!rest.empty()) {
       const std::size_t length = std::min(rest.find(':'), rest.size());
-      if (lookIn(rest.substr(0, length))) return true;
+      if (tryDirectory(rest.substr(0, length))) return true;
       rest.remove_prefix(std::min(length + 1, rest.size()));
     }
     return false;
@@ -65,10 +67,10 @@ struct Search {
 
   bool run(unsigned places) const noexcept {
     PathBuffer program;
-    return ((places & kBesideProgram) != 0 && lookIn(programDirectory(program))) ||
-           ((places & kInCurrentDirectory) != 0 && lookIn(".")) ||
-           ((places & kAlongPath) != 0 && lookAlongPath()) ||
-           ((places & kBesideThisLibrary) != 0 && lookIn(libraryDirectory()));
+    return ((places & kBesideProgram) != 0 && tryDirectory(programDirectory(program))) ||
+           ((places & kInCurrentDirectory) != 0 && tryDirectory(".")) ||
+           ((places & kAlongPath) != 0 && tryAlongPath()) ||
+           ((places & kBesideThisLibrary) != 0 && tryDirectory(libraryDirectory()));
   }
 };
 
@@ -110,38 +112,40 @@ NameForms NameForms::ofLibrary(std::string_view name) noexcept {
   return forms;
 }
 
-bool searchFile(const NameForms& forms, unsigned places, TakeFile take, void* context) noexcept {
+bool searchFile(const NameForms& forms, unsigned places, PathVisitor visit, void* context) noexcept {
+  // The caller of a setuid program chooses both places, and could plant a library there.
   if ((places & kAlsoPrivileged) == 0 && isPrivileged()) places &= ~(kInCurrentDirectory | kAlongPath);
-  // The exact spelling first, everywhere: reading whole directories is slow.
+  // Try the exact spelling everywhere first: ignoring case means reading whole directories.
   for (const bool ignoreCase : {false, true})
     for (const NameForm& form : forms)
-      if (Search{form, ignoreCase, take, context}.run(places)) return true;
+      if (Search{form, ignoreCase, visit, context}.run(places)) return true;
   return false;
 }
 
-bool tryNames(const NameForms& forms, TakeFile take, void* context) noexcept {
+bool tryNames(const NameForms& forms, PathVisitor visit, void* context) noexcept {
   for (const NameForm& form : forms) {
     PathBuffer name;
-    if (join({form.directory, form.prefix, form.stem, form.suffix}, name) && take(name.data(), context))
+    if (join({form.directory, form.prefix, form.stem, form.suffix}, name) && visit(name.data(), context))
       return true;
   }
   return false;
 }
 
-bool tryPaths(const NameForms& forms, TakeFile take, void* context) noexcept {
+bool tryPaths(const NameForms& forms, PathVisitor visit, void* context) noexcept {
   struct Native {
-    TakeFile take;
+    PathVisitor visit;
     void* context;
-  } native{take, context};
-  const TakeFile takeNative = [](const char* name, void* of) noexcept {
+  } native{visit, context};
+  const PathVisitor visitNative = [](const char* name, void* of) noexcept {
     const NativePath path(name);
     if (!path.fits()) return false;
-    const auto& [taker, its] = *static_cast<const Native*>(of);
+    const auto& [visitor, its] = *static_cast<const Native*>(of);
     PathBuffer rooted;
+    // dlopen and exec search for a name without "/" along their own paths.
     const std::string_view start = std::strchr(path.get(), '/') == nullptr ? "./" : "";
-    return join({start, path.get()}, rooted) && taker(rooted.data(), its);
+    return join({start, path.get()}, rooted) && visitor(rooted.data(), its);
   };
-  return tryNames(forms, takeNative, &native);
+  return tryNames(forms, visitNative, &native);
 }
 
 bool isRegularFile(const char* path) noexcept {
@@ -152,6 +156,7 @@ bool isRegularFile(const char* path) noexcept {
 bool FoundPath::set(const char* path) const noexcept {
   PathBuffer current{};
   if (*path != '/') {
+    // The search adds "./", which the caller does not expect in a full path.
     if (std::strncmp(path, "./", 2) == 0) path += 2;
     if (getcwd(current.data(), current.size()) == nullptr) return false;
   }

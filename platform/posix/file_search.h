@@ -1,5 +1,5 @@
-// Finds files by name, as other systems name programs and libraries: under several forms of the name, first
-// as it is spelled and then in any letter case.
+// Finds files the way Windows finds programs and libraries: by several forms of the name, first as spelled
+// and then in any case.
 #pragma once
 
 #include <array>
@@ -11,15 +11,15 @@ namespace vel::platform {
 
 using PathBuffer = std::array<char, PATH_MAX>;
 
-/// One form of a file name: its directory with the final separator, and three texts behind it.
+/// One form of a file name: the directory with its final separator, followed by prefix, stem and suffix.
 struct NameForm {
   std::string_view directory, prefix, stem, suffix;
 };
 
-/// The forms of one name in the order in which they are looked for.
+/// The forms of one name in the order in which they are tried.
 class NameForms {
  public:
-  /// The name alone.
+  /// Only the name as it is.
   explicit NameForms(std::string_view name) noexcept;
   /// "x.EXE", then "x".
   static NameForms ofProgram(std::string_view name) noexcept;
@@ -37,8 +37,8 @@ class NameForms {
   std::size_t count_;
 };
 
-/// Where to look, in this order. A privileged program takes nothing from the current directory and along
-/// PATH, which its caller chooses, except where kAlsoPrivileged says so.
+/// Places to search, in this order. A privileged program skips the current directory and PATH, which its
+/// caller chooses, unless kAlsoPrivileged is set.
 enum SearchPlaces : unsigned {
   kBesideProgram = 1,
   kInCurrentDirectory = 2,
@@ -47,29 +47,30 @@ enum SearchPlaces : unsigned {
   kAlsoPrivileged = 16,
 };
 
-/// Takes a path that may be a file's, or declines it so that the search goes on.
-using TakeFile = bool (*)(const char* path, void* context) noexcept;
+/// Visits a path where the file may be: returns true to accept it, false to continue the search.
+using PathVisitor = bool (*)(const char* path, void* context) noexcept;
 
-/// Offers every place where a name without directory could be. Directories along PATH may be relative.
-bool searchFile(const NameForms& forms, unsigned places, TakeFile take, void* context) noexcept;
+/// Calls `visit` for every place where a name without directory could be, until it accepts one. Returns
+/// whether it did. Directories along PATH may be relative.
+bool searchFile(const NameForms& forms, unsigned places, PathVisitor visit, void* context) noexcept;
 
-/// Offers the forms as they are.
-bool tryNames(const NameForms& forms, TakeFile take, void* context) noexcept;
-/// Offers the forms of a name that has a directory, in native spelling. A "/" is in each: without one the
-/// system's loader would search.
-bool tryPaths(const NameForms& forms, TakeFile take, void* context) noexcept;
+/// Calls `visit` for the forms themselves, without searching directories.
+bool tryNames(const NameForms& forms, PathVisitor visit, void* context) noexcept;
+/// Calls `visit` for the forms of a name that has a directory, in native spelling. Each contains a "/",
+/// because the system's loader would search for a name without one.
+bool tryPaths(const NameForms& forms, PathVisitor visit, void* context) noexcept;
 
-/// Returns the path's directory with its final "/", "" when the path has none.
+/// Returns the path's directory with its final "/"; "" if the path has none.
 std::string_view directoryOf(std::string_view path) noexcept;
 
 bool isRegularFile(const char* path) noexcept;
 
-/// A searched file's full path, for `take` functions.
+/// Receives the full path of the file that a visitor accepts.
 struct FoundPath {
   char* out;
   std::size_t capacity;
 
-  /// Makes the path absolute and copies it; false when it does not fit.
+  /// Makes the path absolute and copies it; false if it does not fit.
   bool set(const char* path) const noexcept;
 };
 

@@ -1,4 +1,5 @@
-// Files and attributes. Copying is file_copy.cpp's work.
+// Status, attributes and permissions of files by name; removing, renaming and exclusive creation. Copying is
+// in file_copy.cpp.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -27,7 +28,7 @@ bool readStatus(const NativePath& path, struct stat& status) noexcept {
   return path.fits() && stat(path.get(), &status) == 0;
 }
 
-/// Whether the last component, a final separator aside, begins with a dot; "." and ".." do not count.
+/// Whether the last component begins with a dot. Final separators are ignored; "." and ".." are not hidden.
 bool isHiddenName(const char* path) noexcept {
   const char* end = path + std::strlen(path);
   while (end != path && end[-1] == '/') --end;
@@ -38,7 +39,8 @@ bool isHiddenName(const char* path) noexcept {
   return length > 2 || start[1] != '.';
 }
 
-/// A regular file made writable for its owner. What was opened is changed, and not what has its name by then.
+/// Makes a regular file writable for its owner. The file is held open, so that exactly this one gets its
+/// permissions back, whatever its name leads to by then.
 class WritableFile {
  public:
   explicit WritableFile(const char* path) noexcept
@@ -54,7 +56,7 @@ class WritableFile {
   }
 
  private:
-  /// A place has no descriptor that fchmod accepts; it is changed through the path to it.
+  /// fchmod refuses a descriptor opened as a place, so the mode is changed through a path to the descriptor.
   bool change(mode_t mode) const noexcept { return chmod(OpenPath(file_.get()).text, mode) == 0; }
 
   Descriptor file_;
@@ -72,7 +74,7 @@ bool entryExists(const char* name) noexcept {
 bool isWritable(const char* name) noexcept {
   const NativePath path(name);
   struct stat status;
-  // The superuser may write to everything, so the bits are asked too.
+  // access() ignores the permission bits for root, so they are checked separately.
   return readStatus(path, status) && (status.st_mode & kWriteBits) != 0 && access(path.get(), W_OK) == 0;
 }
 
@@ -92,7 +94,7 @@ SystemError statusOf(const char* name, EntryStatus& out) noexcept {
   struct stat status;
   if (!path.fits()) return ENAMETOOLONG;
   if (stat(path.get(), &status) != 0) return errno;
-  // A directory has no size of its own, on any system.
+  // Directories report 0 on every system; a POSIX system would give the size of its list of entries.
   out.sizeInBytes = S_ISDIR(status.st_mode) ? 0 : static_cast<std::uint64_t>(status.st_size);
   out.changed = status.st_ctime;
   out.accessed = status.st_atime;
@@ -113,11 +115,12 @@ SystemError setReadOnly(const char* name, bool readOnly) noexcept {
 SystemError removeFile(const char* name) noexcept {
   const NativePath path(name);
   if (!path.fits()) return ENOENT;
+  // POSIX itself removes read-only files; some file systems, those of Windows servers for example, do not.
   const WritableFile file(path.get());
   if (unlink(path.get()) == 0) return 0;
   const SystemError error = errno;
   file.restore();
-  // A name that no file can have is not there, as on Windows.
+  // A name that no file can have counts as missing, as on Windows.
   return error == ENOTDIR || error == ENAMETOOLONG ? ENOENT : error;
 }
 
@@ -127,7 +130,8 @@ SystemError renameFile(const char* from, const char* to) noexcept {
   if (!source.fits() || !target.fits()) return ENAMETOOLONG;
   if (std::strcmp(source.get(), target.get()) != 0)
     return renameWithoutReplacing(AT_FDCWD, source.get(), target.get());
-  // A file found under its new name may get other letter case.
+  // Both names lead to the same entry, found ignoring case: "name" is to become "Name". Match only the
+  // parents of the new name then, so that its spelling is kept as typed.
   const NativePath typed(to, NativePath::Match::AllButLast);
   return renameWithoutReplacing(AT_FDCWD, source.get(), typed.get());
 }
@@ -135,10 +139,11 @@ SystemError renameFile(const char* from, const char* to) noexcept {
 SystemError currentDirectory(char* out, std::size_t capacity) noexcept {
   std::array<char, PATH_MAX> path;
   if (getcwd(path.data(), path.size()) == nullptr) return errno;
-  // A directory outside this process's root has no absolute path. A backslash inside a component cannot be
-  // told from a separator.
+  // getcwd may give "(unreachable)..." for a directory outside this process's root. A backslash inside a
+  // component could not be told from a separator.
   if (path[0] != '/' || std::strchr(path.data(), '\\') != nullptr) return EINVAL;
   const std::size_t length = std::strlen(path.data());
+  // The path, the drive's two characters and the terminator.
   if (length + 3 > capacity) return ERANGE;
   out[0] = 'C';
   out[1] = ':';

@@ -1,4 +1,4 @@
-// What a child must not inherit.
+// Closes the descriptors that a child process must not inherit.
 #pragma once
 
 namespace vel::platform {
@@ -6,7 +6,8 @@ namespace vel::platform {
 /// Closes every descriptor from `first` on. Async-signal-safe, for use between fork and exec.
 void closeDescriptorsFrom(int first) noexcept;
 
-/// The same without the system call that does it at once, for kernels that lack it.
+/// Same result by reading the list of open descriptors, for kernels without a system call that closes a
+/// range.
 void closeListedDescriptors(int first) noexcept;
 
 }  // namespace vel::platform

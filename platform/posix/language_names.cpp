@@ -1,4 +1,4 @@
-// The table of locale names and the search in it.
+// The table of locale names and the binary search in it.
 
 #include "platform/posix/language_names.h"
 
@@ -203,13 +203,14 @@ static_assert(std::ranges::is_sorted(kLocaleRows, {}, &LocaleRow::name));
 
 constexpr char kTerritoryMark = '_';
 
-/// Form of a character in the table.
+/// Folds a character to its form in the table: lower case, "_" for "-". The table is searched with folded
+/// characters, so that the name need not be copied.
 constexpr char folded(char c) noexcept {
   if (c >= 'A' && c <= 'Z') return static_cast<char>(c - 'A' + 'a');
   return c == '-' ? kTerritoryMark : c;
 }
 
-/// Whether a table name sorts before a name as the caller wrote it.
+/// Whether a row's name sorts before a name as the caller spelled it.
 bool sortsBefore(std::string_view row, std::string_view name) noexcept {
   return std::ranges::lexicographical_compare(row, name, {}, {}, folded);
 }
@@ -229,6 +230,7 @@ std::uint32_t languageIdOfLocaleName(const char* localeName) noexcept {
   if (localeName == nullptr) return 0;
   std::string_view name(localeName);
   name = name.substr(0, name.find_first_of(".@"));
+  // First with the territory, then the bare language: the table lists only territories that differ from it.
   const std::uint32_t exact = languageOf(name);
   return exact != 0 ? exact : languageOf(name.substr(0, name.find_first_of("_-")));
 }

@@ -1,4 +1,4 @@
-// The user's language and code page, from the environment and the locale.
+// Determines the user's language and code page from the environment and the locale, and converts text to it.
 #include <langinfo.h>
 #include <strings.h>
 
@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::uint32_t kEnglishUnitedStates = 1033;
 
-/// The value of the first of three variables that is set and not empty, else "".
+/// Returns the value of the first variable that is set and not empty, else "".
 const char* firstValue(const char* first, const char* second, const char* third) noexcept {
   for (const char* name : {first, second, third}) {
     const char* const value = std::getenv(name);
@@ -32,22 +32,23 @@ std::uint32_t languageOrDefault(const char* localeName) noexcept {
   return language == 0 ? kEnglishUnitedStates : language;
 }
 
-/// A code set's name; what follows an "@" does not matter.
+/// Compares a code set's name; an "@" and what follows it, such as "@euro", are ignored.
 bool isUtf8Name(const char* codeSet) noexcept {
   const std::size_t length = std::strcspn(codeSet, "@");
   return (length == 5 && strncasecmp(codeSet, "UTF-8", length) == 0) ||
          (length == 4 && strncasecmp(codeSet, "UTF8", length) == 0);
 }
 
-/// The first character or unpaired surrogate, which is removed from the text.
-wchar_t takeCharacter(const char16_t*& text, const char16_t* end) noexcept {
+/// Consumes the first character, or an unpaired surrogate, and returns it.
+wchar_t consumeCharacter(const char16_t*& text, const char16_t* end) noexcept {
   const char16_t* const units = text;
   const std::size_t count = utf16Length(text, static_cast<std::size_t>(end - text));
   text += count;
   return static_cast<wchar_t>(count == 2 ? characterOfPair(units[0], units[1]) : char32_t{units[0]});
 }
 
-/// The bytes of one character; "?" when the code page lacks it.
+/// Encodes one character; "?" if it is unmappable. A new shift state each time, because locales have
+/// stateless encodings in practice.
 std::size_t encode(wchar_t character, char* out) noexcept {
   std::mbstate_t state{};
   const std::size_t count = std::wcrtomb(out, character, &state);
@@ -69,7 +70,7 @@ std::uint32_t systemLanguage() noexcept {
 bool userLanguageTag(char* out, std::size_t capacity) noexcept {
   const char* const name = firstValue("LC_ALL", "LC_MESSAGES", "LANG");
   const std::size_t length = std::strcspn(name, ".@");
-  // "C" and "POSIX" are no languages.
+  // "C" and "POSIX" are not languages; ISO codes have two or three letters.
   const std::size_t languageLength = std::strcspn(name, "_-.@");
   if (languageLength < 2 || languageLength > 3 || length >= capacity) return false;
   std::memcpy(out, name, length);
@@ -79,7 +80,7 @@ bool userLanguageTag(char* out, std::size_t capacity) noexcept {
 
 bool ansiIsUtf8() noexcept {
   if (isUtf8Name(nl_langinfo(CODESET))) return true;
-  // A locale that is not installed cannot be set, but the terminal is of that kind all the same.
+  // setlocale() fails for a locale that is not installed, but the terminal uses its encoding all the same.
   const char* const codeSet = std::strchr(firstValue("LC_ALL", "LC_CTYPE", "LANG"), '.');
   return codeSet != nullptr && isUtf8Name(codeSet + 1);
 }
@@ -89,7 +90,8 @@ std::size_t utf16ToAnsi(const char16_t* text, std::size_t length, char* out, std
   std::size_t written = 0;
   while (text != end) {
     char bytes[MB_LEN_MAX];
-    const std::size_t count = encode(takeCharacter(text, end), bytes);
+    const std::size_t count = encode(consumeCharacter(text, end), bytes);
+    // Stop before a character that does not fit: half of one would be ill-formed.
     if (count > capacity - written) break;
     std::memcpy(out + written, bytes, count);
     written += count;

@@ -1,7 +1,17 @@
-// Starting, finding and ending programs. Between fork and exec only async-signal-safe calls are made, and
-// what a waited child does until then it does in this process's memory: it changes nothing but its own
-// variables and its report. No pipe carries that: other threads' children could hold it open for as long as
-// they live.
+// Starts, finds and ends programs. Splitting a command line into arguments is the caller's work.
+//
+//   waited:    this process --vfork--> child, which executes the program; this process waits for its end
+//   detached:  this process --fork--> child --fork--> grandchild, which executes the program;
+//              the child exits at once, so the system's first process adopts and later reaps the program
+//
+// A vfork child runs in this process's memory while the calling thread is suspended. It is cheap however
+// large this process is, but the child may change nothing except its own variables and the Outcome. Between
+// fork and exec only async-signal-safe functions are called, because another thread may have held any lock,
+// that of malloc for example, when the child was forked.
+//
+// Children report errors through an Outcome in shared memory. A pipe to this process would not do: a child
+// that another thread forks in the same moment inherits the write end and could hold it open for as long as
+// it lives.
 #include <fcntl.h>
 #include <pthread.h>
 #include <signal.h>
@@ -24,10 +34,11 @@ namespace vel::platform {
 
 namespace {
 
-constexpr int kFirstInherited = 3;  ///< the first descriptor behind the standard streams
+constexpr int kFirstInherited = 3;  ///< the first descriptor after the standard streams
+/// The shell's exit code for a command that cannot be found.
 constexpr int kExitCodeWithoutProgram = 127;
 
-/// What the children tell, until the program begins or all of them are gone.
+/// The report of the children; complete once the program runs or all of them have ended.
 struct Outcome {
   int error = 0;
   pid_t program = 0;
@@ -39,64 +50,66 @@ struct Plan {
   const char* program;
   char* const* arguments;
   Style style;
-  sigset_t signalMask;  ///< the program's
-  Outcome* outcome;     ///< in memory that the children share
+  sigset_t signalMask;  ///< restored before the program starts
+  Outcome* outcome;     ///< in memory shared with the children
 };
 
-/// An outcome that children write to, also where the system makes an ordinary fork of every other.
+/// An outcome that children can write to after an ordinary fork, too. Some systems implement vfork as one.
 class SharedOutcome {
  public:
   SharedOutcome() noexcept
       : memory_(mmap(nullptr, sizeof(Outcome), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)) {
-    if (isThere()) new (memory_) Outcome;
+    if (isMapped()) new (memory_) Outcome;
   }
   SharedOutcome(const SharedOutcome&) = delete;
   SharedOutcome& operator=(const SharedOutcome&) = delete;
   ~SharedOutcome() {
-    if (isThere()) munmap(memory_, sizeof(Outcome));
+    if (isMapped()) munmap(memory_, sizeof(Outcome));
   }
 
-  bool isThere() const noexcept { return memory_ != MAP_FAILED; }
+  bool isMapped() const noexcept { return memory_ != MAP_FAILED; }
   Outcome* get() const noexcept { return static_cast<Outcome*>(memory_); }
 
  private:
   void* memory_;
 };
 
-/// What this process does about SIGCHLD must not take exit codes away. That is one setting for all threads: a
-/// launch that finds such an action puts it aside, and the last of those under way puts it back.
-class ChildAction {
+/// While SIGCHLD is ignored (or SA_NOCLDWAIT is set) the kernel reaps children itself and their exit codes
+/// are lost. The disposition is per process, so concurrent launches share it: a launch that finds such a
+/// disposition sets SIG_DFL, and the last launch under way restores it.
+class SigchldDisposition {
  public:
-  void putAside() noexcept {
+  void useDefault() noexcept {
     const std::lock_guard lock(guard_);
     ++launches_;
     struct sigaction current {};
     sigaction(SIGCHLD, nullptr, &current);
     if (current.sa_handler != SIG_IGN && (current.sa_flags & SA_NOCLDWAIT) == 0) return;
-    kept_ = current;
-    isAside_ = true;
+    previous_ = current;
+    isReplaced_ = true;
     struct sigaction standard {};
     standard.sa_handler = SIG_DFL;
     sigaction(SIGCHLD, &standard, nullptr);
   }
-  void putBack() noexcept {
+  void restore() noexcept {
     const std::lock_guard lock(guard_);
-    if (--launches_ != 0 || !isAside_) return;
-    isAside_ = false;
-    sigaction(SIGCHLD, &kept_, nullptr);
+    if (--launches_ != 0 || !isReplaced_) return;
+    isReplaced_ = false;
+    sigaction(SIGCHLD, &previous_, nullptr);
   }
 
  private:
   std::mutex guard_;
   int launches_ = 0;
-  bool isAside_ = false;
-  struct sigaction kept_ {};
+  bool isReplaced_ = false;
+  struct sigaction previous_ {};
 };
 
-constinit ChildAction childAction;
+constinit SigchldDisposition sigchldDisposition;
 
-/// A thread that is cancelled ends after its launch. Within, that would end the process; and in a child that
-/// shares memory, what this thread has on its stack.
+/// Defers the cancellation of this thread until its launch is over. Unwinding from within would pass noexcept
+/// functions, which ends the process; in a vfork child it would also destroy what this thread has on the
+/// shared stack.
 class NoCancellation {
  public:
   NoCancellation() noexcept { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before_); }
@@ -108,25 +121,27 @@ class NoCancellation {
   int before_ = PTHREAD_CANCEL_ENABLE;
 };
 
-/// Keeps this process's signal handlers from running in the child.
+/// Blocks all signals while the child starts, so that no handler of this process runs in the child, where it
+/// would change this process's memory.
 class SignalsDuringLaunch {
  public:
   SignalsDuringLaunch() noexcept {
     sigset_t all;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before_);
-    childAction.putAside();
+    sigchldDisposition.useDefault();
   }
   SignalsDuringLaunch(const SignalsDuringLaunch&) = delete;
   SignalsDuringLaunch& operator=(const SignalsDuringLaunch&) = delete;
   ~SignalsDuringLaunch() {
-    childAction.putBack();
+    sigchldDisposition.restore();
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
   }
 
   const sigset_t& before() const noexcept { return before_; }
-  /// A handler of SIGCHLD that reaps every child must wait for the end of this one. In another thread it
-  /// cannot be kept from running.
+  /// Unblocks all signals but SIGCHLD for the wait: a SIGCHLD handler that reaps every child would steal this
+  /// one's exit code. This covers the calling thread only; a handler in another thread cannot be held back,
+  /// and its theft shows as ECHILD.
   void blockChildSignalOnly() const noexcept {
     sigset_t mask = before_;
     sigaddset(&mask, SIGCHLD);
@@ -139,7 +154,8 @@ class SignalsDuringLaunch {
 
 // ---- In the child ----
 
-/// Handlers would be gone after exec anyway, but must not run before.
+/// Exec resets handlers anyway, but one that ran between unblocking the signals and exec would run this
+/// process's code in the child.
 void resetHandlers() noexcept {
   for (int number = 1; number < NSIG; ++number) {
     struct sigaction action {};
@@ -152,33 +168,35 @@ void resetHandlers() noexcept {
 }
 
 void useNullStreams() noexcept {
+  // Without a null device the streams are closed: the program must not use the caller's terminal.
   const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
   for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
     if (null < 0)
       close(stream);
-    else if (null == stream)
+    else if (null == stream)  // dup2 onto itself would keep O_CLOEXEC
       fcntl(null, F_SETFD, 0);
     else
       dup2(null, stream);
   }
 }
 
-/// Returns only without the program.
-void become(const Plan& plan) noexcept {
+/// Replaces the child by the program. Returns, with errno set, only if that fails.
+void execProgram(const Plan& plan) noexcept {
   resetHandlers();
   pthread_sigmask(SIG_SETMASK, &plan.signalMask, nullptr);
   execve(plan.program, plan.arguments, environ);
 }
 
-/// 0 when the pipe was closed by the program's start.
+/// Reads the error that the program's process sent. 0 if exec closed the pipe instead, which means that the
+/// program runs.
 int errorFrom(int pipe) noexcept {
   int error = 0;
   const ssize_t length = retrying([&] { return read(pipe, &error, sizeof error); });
   return length == static_cast<ssize_t>(sizeof error) ? error : 0;
 }
 
-/// Its parent ends at once, so that the system's first process takes care of the program's end. Between the
-/// two is a pipe that no other thread's child can have.
+/// Starts the program as a grandchild in a new session. The pipe between child and grandchild is private: the
+/// child has only this thread, so nobody else can fork and inherit it.
 void startDetached(const Plan& plan) noexcept {
   setsid();
   useNullStreams();
@@ -187,7 +205,7 @@ void startDetached(const Plan& plan) noexcept {
   if (plan.outcome->error != 0) return;
   const pid_t program = _Fork();
   if (program == 0) {
-    become(plan);
+    execProgram(plan);
     const int error = errno;
     static_cast<void>(retrying([&] { return write(ends[1], &error, sizeof error); }));
     _exit(kExitCodeWithoutProgram);
@@ -198,49 +216,53 @@ void startDetached(const Plan& plan) noexcept {
   plan.outcome->error = program < 0 ? error : errorFrom(ends[0]);
 }
 
+/// Not inlined: a vfork child runs on the parent's stack, so what it writes belongs in a frame of its own and
+/// not in slots that the parent still needs.
 [[noreturn, gnu::noinline]] void runChild(const Plan& plan) noexcept {
   closeDescriptorsFrom(kFirstInherited);
   if (plan.style == Style::Detached) {
     startDetached(plan);
     _exit(0);
   }
-  become(plan);
+  execProgram(plan);
   plan.outcome->error = errno;
   _exit(kExitCodeWithoutProgram);
 }
 
 // ---- In this process ----
 
-/// The wait status of a child; false when the system does not give it.
+/// Waits for a child and gives its wait status. False if somebody else reaped it.
 bool waitFor(pid_t child, int& status) noexcept {
   return retrying([&] { return waitpid(child, &status, 0); }) == child;
 }
 
 std::uint32_t exitCodeOf(int status) noexcept {
+  // The shell's convention for a process that a signal ended.
   constexpr int kFirstCodeOfSignals = 128;
   return static_cast<std::uint32_t>(WIFSIGNALED(status) ? kFirstCodeOfSignals + WTERMSIG(status)
                                                         : WEXITSTATUS(status));
 }
 
+/// With the effective IDs, as exec decides; access() would check the real ones.
 bool isRunnable(const char* path) noexcept {
   return isRegularFile(path) && faccessat(AT_FDCWD, path, X_OK, AT_EACCESS) == 0;
 }
 
-bool takeExisting(const char* path, void* found) noexcept {
+bool acceptExisting(const char* path, void* found) noexcept {
   return isRegularFile(path) && static_cast<FoundPath*>(found)->set(path);
 }
 
-bool takeRunnable(const char* path, void* found) noexcept {
+bool acceptRunnable(const char* path, void* found) noexcept {
   return isRunnable(path) && static_cast<FoundPath*>(found)->set(path);
 }
 
 bool findProgram(const char* name, FoundPath found) noexcept {
-  // With a directory the file need not be runnable: exec tells what is wrong with it.
-  if (hasDirectory(name)) return tryPaths(NameForms::ofProgram(name), takeExisting, &found);
+  // A name with a directory need not be executable to be found: exec then reports the more precise error.
+  if (hasDirectory(name)) return tryPaths(NameForms::ofProgram(name), acceptExisting, &found);
   return searchProgram(name, found.out, found.capacity);
 }
 
-/// A detached child forks once more, which one in shared memory must not.
+/// A detached child forks again, which a vfork child must not do.
 pid_t startChild(const Plan& plan) noexcept {
   if (plan.style == Style::Detached) {
     const pid_t child = _Fork();
@@ -254,13 +276,14 @@ pid_t startChild(const Plan& plan) noexcept {
   return child;
 }
 
-/// Starts a program and waits for the first child's end.
+/// Starts a program and waits for the end of the direct child: of the program itself if waited for, else of
+/// the child that forked it.
 int run(const Launch& launch, Style style, Outcome& outcome, int& status) noexcept {
   const NoCancellation whole;
   PathBuffer program;
   if (!findProgram(launch.arguments[0], {program.data(), program.size()})) return ENOENT;
   const SharedOutcome shared;
-  if (!shared.isThere()) return errno;
+  if (!shared.isMapped()) return errno;
   const SignalsDuringLaunch signals;
   const Plan plan{program.data(), launch.arguments, style, signals.before(), shared.get()};
   const pid_t child = startChild(plan);
@@ -269,7 +292,7 @@ int run(const Launch& launch, Style style, Outcome& outcome, int& status) noexce
   const bool known = waitFor(child, status);
   outcome = *shared.get();
   if (outcome.error != 0) return outcome.error;
-  // Of a detached program there is what was told, whoever took notice of the child's end.
+  // A detached program's process ID is in the report even if somebody else reaped the child between.
   const bool isStarted = style == Style::Detached ? outcome.program > 0 : known;
   return isStarted ? 0 : ECHILD;
 }
@@ -293,7 +316,7 @@ NativeError launchDetached(const Launch& launch, std::uint32_t& processId) noexc
 }
 
 EndResult endProcess(std::uint32_t id) noexcept {
-  // As a signed number, 0 and everything above would address whole groups of processes.
+  // kill() addresses process groups with 0 and with negative numbers, which larger IDs would become.
   if (id == 0 || id > INT_MAX) return EndResult::CannotOpen;
   if (kill(static_cast<pid_t>(id), SIGKILL) == 0) return EndResult::Ended;
   return errno == ESRCH || errno == EPERM ? EndResult::CannotOpen : EndResult::Failed;
@@ -307,7 +330,7 @@ bool programExists(const char* name) noexcept {
 bool searchProgram(const char* name, char* out, std::size_t capacity) noexcept {
   FoundPath found{out, capacity};
   constexpr unsigned kPlaces = kInCurrentDirectory | kAlongPath | kAlsoPrivileged;
-  return searchFile(NameForms::ofProgram(name), kPlaces, takeRunnable, &found);
+  return searchFile(NameForms::ofProgram(name), kPlaces, acceptRunnable, &found);
 }
 
 }  // namespace vel::platform

@@ -1,4 +1,4 @@
-// Times of the system's clocks as one number.
+// Converts times of the system's clocks to a number of nanoseconds.
 #pragma once
 
 #include <time.h>

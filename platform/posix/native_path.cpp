@@ -1,4 +1,4 @@
-// Translation of back-slash names and the search that ignores letter case.
+// Translates backslash names, and finds existing entries ignoring case.
 #include "platform/posix/native_path.h"
 
 #include <dirent.h>
@@ -26,7 +26,8 @@ bool isEntry(const char* path) noexcept {
   return lstat(path, &status) == 0;
 }
 
-/// Opens the directory of the path's last component, which begins at `component`.
+/// Opens the directory of the path's last component, which begins at `component`. The path is cut there for
+/// the call and restored, which saves a copy.
 DIR* openDirectoryOf(const char* path, char* component) noexcept {
   if (component == path) return opendir(".");
   const char first = *component;
@@ -36,7 +37,8 @@ DIR* openDirectoryOf(const char* path, char* component) noexcept {
   return directory;
 }
 
-/// Gives the last component the spelling of an entry of its directory; false when none matches.
+/// Replaces the last component by the spelling of a matching entry; false if none matches. The first in byte
+/// order wins, because the order of readdir is arbitrary.
 bool matchLastComponent(const char* path, char* component) noexcept {
   DIR* const directory = openDirectoryOf(path, component);
   if (directory == nullptr) return false;
@@ -55,7 +57,7 @@ char* skipSeparators(char* text) noexcept {
   return text + std::strspn(text, "/");
 }
 
-/// Matches the path without its last component.
+/// Matches all components but the last.
 void matchParents(char* path) noexcept {
   char* const separator = std::strrchr(path, '/');
   if (separator == nullptr || separator == path) return;
@@ -71,6 +73,7 @@ bool hasDirectory(const char* name) noexcept {
 }
 
 void matchSpelling(char* path) noexcept {
+  // Nearly every name exists as it is written: then no directory is read.
   if (isEntry(path)) return;
   for (char* component = skipSeparators(path); *component != '\0';) {
     char* const end = component + std::strcspn(component, "/");
@@ -91,7 +94,7 @@ NativePath::NativePath(const char* name, Match match) noexcept : path_(name), te
   if (std::strlen(name) > kMaxLength) return;
   std::replace_copy(path, path + length, text_.begin(), '\\', '/');
   path_ = text_.data();
-  // A bare drive is its current directory, which is the process's own.
+  // A bare drive ("C:") means its current directory, which is the process's.
   if (length == 0 && path != name) path_ = ".";
   if (match == Match::All) matchSpelling(text_.data());
   if (match == Match::AllButLast) matchParents(text_.data());

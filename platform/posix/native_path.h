@@ -1,8 +1,10 @@
-// File names as the system takes them.
-// A name is in back-slash style when it begins with a drive, holds a back-slash, or has no separator
-// at all; any other name with a "/" is in slash style and passes untouched. A back-slash name loses its
-// drive, and "\\" becomes "/". When there is no entry of exactly that name, each component
-// that does not exist as written is looked for in its directory ignoring ASCII letter case.
+// Translates file names to the spelling that the system expects.
+// A name is in backslash style if it begins with a drive, contains a backslash, or has no separator at all;
+// any other name with a "/" is in slash style and is passed unchanged. A backslash name loses its drive, and
+// backslashes become "/". If there is no entry of exactly that name, each component that does not exist as
+// written is searched for in its directory, ignoring ASCII case:
+//
+//   C:\Data\Tool.INI  ->  /Data/Tool.INI  ->  /data/tool.ini, if that is what exists
 #pragma once
 
 #include <array>
@@ -12,16 +14,17 @@ namespace vel::platform {
 
 class NativePath {
  public:
-  /// Which components take the spelling of existing entries. A component without an entry stays as
-  /// it was typed.
+  /// The components that are replaced by the spelling of existing entries. A component without a matching
+  /// entry stays as typed.
   enum class Match { All, AllButLast };
 
-  /// `name` outlives the object.
+  /// `name` must outlive the object.
   explicit NativePath(const char* name, Match match = Match::All) noexcept;
   NativePath(const NativePath&) = delete;
   NativePath& operator=(const NativePath&) = delete;
 
-  /// False for a back-slash name above 260 characters, which is never cut: no entry has it.
+  /// False for a backslash name of more than 260 characters. It is not truncated, because the shorter name
+  /// could be another file's.
   bool fits() const noexcept { return path_ != nullptr; }
   const char* get() const noexcept { return path_; }
 
@@ -32,11 +35,11 @@ class NativePath {
   std::array<char, kMaxLength + 1> text_;
 };
 
-/// Whether a name says where its entry is: it holds a separator or a drive.
+/// Whether a name contains a separator or a drive.
 bool hasDirectory(const char* name) noexcept;
 
-/// Gives the components of a slash-separated path the spelling of existing entries, in place; the
-/// length stays. Of several entries that differ in letter case only, the first in byte order is taken.
+/// Replaces the components of a slash-separated path by the spelling of existing entries, in place; the
+/// length stays the same. Of several entries that differ only in case, the first in byte order is used.
 void matchSpelling(char* path) noexcept;
 
 }  // namespace vel::platform

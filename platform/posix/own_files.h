@@ -1,4 +1,4 @@
-// Where the program and this library were loaded from.
+// Locates the files of the program and of this library.
 #pragma once
 
 #include <string_view>
@@ -7,7 +7,7 @@
 
 namespace vel::platform {
 
-/// Returns the program's directory with its final "/", in `buffer`; "" when the system cannot tell.
+/// Returns the program's directory with its final "/", in `buffer`; "" if the system cannot tell.
 std::string_view programDirectory(PathBuffer& buffer) noexcept;
 /// Returns this library's directory with its final "/"; the program's if the library is linked into it.
 std::string_view libraryDirectory() noexcept;

@@ -1,8 +1,8 @@
-// Identifiers of processes and threads.
+// IDs of processes and threads, and the count of forks.
 #include <pthread.h>
 #include <unistd.h>
 
-#include "platform/posix/thread_number.h"
+#include "platform/posix/thread_id.h"
 #include "platform/processes.h"
 
 namespace vel::platform {
@@ -11,19 +11,19 @@ std::uint32_t detail::forks = 0;
 
 namespace {
 
-/// Asking the kernel costs more than the rest of a trace entry, so the number is cached. Initial-exec TLS,
-/// because the general-dynamic model costs nearly as much as the call.
+/// gettid() costs more than the rest of a trace entry, so the ID is cached. Initial-exec TLS, because the
+/// general-dynamic model costs nearly as much as the call.
 thread_local std::uint32_t threadId __attribute__((tls_model("initial-exec"))) = 0;
 
-/// The child of a fork is another process and another thread.
+/// A forked child is another process with another thread: it must not use the cached ID.
 const int registered = pthread_atfork(nullptr, nullptr, [] {
   ++detail::forks;
   threadId = 0;
 });
 
-/// Without the handler above a cached number could be the parent's, so nothing is cached then.
-std::uint32_t askThreadId() noexcept {
-  const std::uint32_t id = askThreadNumber();
+/// Caches the ID only if the fork handler is registered; without it a child could report its parent's thread.
+std::uint32_t queryAndCacheThreadId() noexcept {
+  const std::uint32_t id = queryThreadId();
   if (registered == 0) threadId = id;
   return id;
 }
@@ -35,7 +35,7 @@ std::uint32_t currentProcessId() noexcept {
 }
 
 std::uint32_t currentThreadId() noexcept {
-  return threadId != 0 ? threadId : askThreadId();
+  return threadId != 0 ? threadId : queryAndCacheThreadId();
 }
 
 }  // namespace vel::platform

@@ -1,3 +1,5 @@
+// Renames without replacing by hard links, on file systems that have no atomic rename of that kind. link()
+// fails with EEXIST if the target exists, which is the test that rename() lacks.
 #include "platform/posix/rename.h"
 
 #include <fcntl.h>
@@ -11,7 +13,8 @@ namespace vel::platform {
 
 namespace {
 
-SystemError renameAfterAsking(int directory, const char* from, const char* to) noexcept {
+/// Not atomic: an entry that appears between the two calls is replaced.
+SystemError renameAfterCheck(int directory, const char* from, const char* to) noexcept {
   struct stat status;
   if (fstatat(directory, to, &status, AT_SYMLINK_NOFOLLOW) == 0) return EEXIST;
   return renameat(directory, from, directory, to) == 0 ? 0 : errno;
@@ -22,10 +25,11 @@ SystemError renameAfterAsking(int directory, const char* from, const char* to) n
 SystemError renameByLink(int directory, const char* from, const char* to) noexcept {
   if (linkat(directory, from, directory, to, 0) != 0) {
     const bool hasNoLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS || errno == EMLINK;
-    return hasNoLinks ? renameAfterAsking(directory, from, to) : errno;
+    return hasNoLinks ? renameAfterCheck(directory, from, to) : errno;
   }
   if (unlinkat(directory, from, 0) == 0) return 0;
   const SystemError error = errno;
+  // The old name could not be removed, and the file must not keep two.
   unlinkat(directory, to, 0);
   return error;
 }

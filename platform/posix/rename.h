@@ -1,4 +1,4 @@
-// Renaming that never replaces an entry. Both names are relative to the same directory, which is open, or
+// Renames without ever replacing an entry. Both names are relative to the same open directory, or to
 // AT_FDCWD.
 #pragma once
 
@@ -6,12 +6,12 @@
 
 namespace vel::platform {
 
-/// Fails with EEXIST if the target exists. In one step where the system can do that, else by renameByLink.
+/// Fails with EEXIST if the target exists. Atomic where the system supports it, else done by renameByLink.
 SystemError renameWithoutReplacing(int directory, const char* from, const char* to) noexcept;
 
-/// The way for file systems that cannot do that in one step: makes a second link, then removes the first.
-/// Where there are no links (none to directories anywhere) it looks for the target first, which leaves a
-/// moment for others.
+/// The fallback: makes a second link, then removes the first. Without hard links (never allowed for
+/// directories) it checks for the target and renames, which leaves a moment in which an entry that appears
+/// would be replaced.
 SystemError renameByLink(int directory, const char* from, const char* to) noexcept;
 
 }  // namespace vel::platform

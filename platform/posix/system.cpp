@@ -1,4 +1,4 @@
-// What only Windows has: platform identifiers, import thunks and message boxes.
+// Answers for queries about features that only Windows has: platform IDs, import thunks and message boxes.
 #include "platform/system.h"
 
 namespace vel::platform {

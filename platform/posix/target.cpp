@@ -1,3 +1,13 @@
+// Finds the file or link that a name leads to and holds it open, together with its directory.
+//
+// Links are followed here, one at a time and relative to a held directory descriptor, instead of by one
+// open() of the whole path. Only so is the directory known in which the temporary file must be created and
+// renamed, and a component that is swapped afterwards cannot divert the rename:
+//
+//   "a/link"     hold a/, open "link": ELOOP, so read the link
+//   "../b/file"  hold a/../b/, open "file"
+//
+// The directory is held as a place (O_PATH), for which permission to read it is not needed.
 #include "platform/posix/target.h"
 
 #include <fcntl.h>
@@ -14,17 +24,18 @@ namespace vel::platform {
 
 namespace {
 
-/// As many as the system itself follows.
-constexpr int kMostLinks = 40;
-/// A pipe without reader is a failure and nothing to wait for.
+/// As many links as Linux itself follows in one path.
+constexpr int kMaxLinks = 40;
+/// With O_NONBLOCK, opening a pipe that nobody reads fails at once instead of waiting.
 constexpr int kForWriting = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
 int openTarget(const Replacement& replacement, int flags) noexcept {
   return retrying([&] { return openat(replacement.directory, replacement.target, flags); });
 }
 
-/// Moves on to the directory of a path, which may begin in the one that is held, and its last component.
-SystemError enter(const char* path, Replacement& replacement) noexcept {
+/// Holds the directory of `path` and stores its last component as the target. A relative path starts at the
+/// directory held before, or at the current one.
+SystemError enterDirectoryOf(const char* path, Replacement& replacement) noexcept {
   const char* const separator = std::strrchr(path, '/');
   const char* name = separator != nullptr ? separator + 1 : path;
   const auto length = static_cast<std::size_t>(name - path);
@@ -49,8 +60,8 @@ bool isStream(const struct stat& status) noexcept {
   return !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
 }
 
-/// Devices and pipes may have no name of their own: "/dev/stdout" leads to some. So the system follows there,
-/// and what it opened counts.
+/// Lets the system follow the link to a device or pipe: "/dev/stdout" may lead to a pipe that has no name,
+/// which readlink cannot express. The opened file is checked again, because the link may have changed since.
 SystemError openStream(Replacement& replacement) noexcept {
   struct stat status;
   replacement.heldTarget = openTarget(replacement, kForWriting);
@@ -64,10 +75,11 @@ SystemError follow(Replacement& replacement) noexcept {
     return openStream(replacement);
   char path[PATH_MAX];
   const ssize_t length = readlinkat(replacement.directory, replacement.target, path, sizeof path);
+  // EINVAL: it is not a link any more.
   if (length < 0) return errno == EINVAL ? ECANCELED : errno;
   if (static_cast<std::size_t>(length) == sizeof path) return ENAMETOOLONG;
   path[length] = '\0';
-  return enter(path, replacement);
+  return enterDirectoryOf(path, replacement);
 }
 
 SystemError holdLink(Replacement& replacement) noexcept {
@@ -78,18 +90,20 @@ SystemError holdLink(Replacement& replacement) noexcept {
 }  // namespace
 
 SystemError findTarget(const char* path, LastLink links, Replacement& replacement) noexcept {
-  SystemError error = enter(path, replacement);
+  SystemError error = enterDirectoryOf(path, replacement);
   for (int followed = 0; error == 0 && replacement.heldTarget < 0; ++followed) {
     replacement.heldTarget = openTarget(replacement, kForWriting | O_NOFOLLOW);
     if (replacement.heldTarget >= 0) return 0;
-    // What a link that leads nowhere names is not made.
+    // A missing file is created only under the name that the caller gave, never where a dangling link points.
     if (errno == ENOENT && followed == 0) return 0;
-    if (errno != ELOOP || followed == kMostLinks) return errno;
+    // O_NOFOLLOW reports a link as ELOOP.
+    if (errno != ELOOP || followed == kMaxLinks) return errno;
     error = links == LastLink::Follow ? follow(replacement) : holdLink(replacement);
   }
   return error;
 }
 
+// The held descriptor keeps the inode from being reused, so equal identities mean the same file.
 bool isStillTarget(const Replacement& replacement) noexcept {
   struct stat held, now;
   return fstat(replacement.heldTarget, &held) == 0 &&

@@ -1,5 +1,5 @@
-// What a name leads to, found through directories that are held open: whoever swaps names meanwhile changes
-// nothing about a file that was found.
+// Finds the entry that a name leads to through directories that are held open, so that swapping names
+// afterwards cannot change which file was found.
 #pragma once
 
 #include <sys/stat.h>
@@ -10,15 +10,15 @@
 
 namespace vel::platform {
 
-/// What becomes of a link in the last place of a path.
+/// Whether a link in the last component is followed or is the target itself.
 enum class LastLink { Follow, Hold };
 
-/// Opens the directory and, for writing, the target itself, which stays untouched; `heldTarget` stays -1 when
-/// there is none. Never waits for the reader of a pipe. A link that is followed leads to an existing target,
-/// or ENOENT; one that is held is the target itself.
+/// Opens the target's directory and, for writing, the target itself, without changing it. `heldTarget` stays
+/// -1 if there is no such file. Never waits for the reader of a pipe. LastLink::Follow leads to an existing
+/// target or fails with ENOENT; LastLink::Hold makes the link itself the target.
 SystemError findTarget(const char* path, LastLink links, Replacement& replacement) noexcept;
 
-/// Whether the target's name still leads to the entry that is held.
+/// Whether the target's name still leads to the held entry.
 bool isStillTarget(const Replacement& replacement) noexcept;
 
 FileIdentity identityOf(const struct stat& status) noexcept;

@@ -1,4 +1,4 @@
-// Files without a name, which nobody else sees and which vanish with their last descriptor.
+// Files without a name: invisible to others, and removed by the system with their last descriptor.
 #pragma once
 
 #include <sys/types.h>
@@ -7,9 +7,10 @@
 
 namespace vel::platform {
 
-/// Creates a file without a name in an open directory, for writing. Not every file system can do that: -1.
+/// Creates an unnamed file in an open directory, for writing. Returns its descriptor, or -1 where the file
+/// system does not support that.
 int createUnnamed(int directory, mode_t mode) noexcept;
-/// Gives such a file a name in an open directory. Fails with EEXIST if there is an entry of that name.
+/// Gives an unnamed file a name in an open directory. Fails with EEXIST if the name exists.
 SystemError nameUnnamed(int descriptor, int directory, const char* name) noexcept;
 
 }  // namespace vel::platform

@@ -1,4 +1,4 @@
-// Appending to files from within a program that must not notice any failure.
+// Appends to files on behalf of a program that must not notice any failure, not even by a changed last error.
 #include <fcntl.h>
 #include <io.h>
 #include <sys/stat.h>
@@ -18,10 +18,12 @@ namespace vel::platform {
 
 namespace {
 
+/// WriteFile counts in 32 bits.
 constexpr std::size_t kLargestWrite = std::size_t{1} << 30;
 
-/// Adds the number of bytes written to `total`. The runtime would move to the end and write in two steps,
-/// between which another process may write.
+/// Appends one piece and adds the number of bytes written to `total`. An offset of all ones makes WriteFile
+/// append atomically; the runtime's write seeks to the end first, and another process may write between the
+/// two steps.
 SystemError appendPiece(HANDLE file, const Bytes& piece, std::uint64_t& total) noexcept {
   for (std::size_t written = 0; written < piece.size;) {
     OVERLAPPED atEnd{};
@@ -37,7 +39,7 @@ SystemError appendPiece(HANDLE file, const Bytes& piece, std::uint64_t& total) n
   return 0;
 }
 
-/// Both pieces as one, or null data when there is no memory.
+/// Joins both pieces in one block, so that a single write appends them. Null data if there is no memory.
 Bytes joined(const Bytes& first, const Bytes& second) noexcept {
   const std::size_t size = first.size + second.size;
   auto* const block = static_cast<char*>(HeapAlloc(GetProcessHeap(), 0, size));
@@ -68,6 +70,8 @@ SystemError appendBytes(int descriptor, const Bytes& first, const Bytes& second,
   auto* const file = reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
   const Bytes both = first.size != 0 && second.size != 0 ? joined(first, second) : Bytes{};
   written = 0;
+  // Without memory the pieces are written one after the other: another process's entry between them is better
+  // than a lost one.
   SystemError error = appendPiece(file, both.data != nullptr ? both : first, written);
   if (both.data != nullptr)
     HeapFree(GetProcessHeap(), 0, const_cast<char*>(both.data));

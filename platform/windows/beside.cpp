@@ -1,4 +1,7 @@
-// The runtime declares its random numbers, which are the system's, only then.
+// The temporary file beside a target: its name, identity and rights. Creating and moving it are the work of
+// replacing.cpp and file_copy.cpp.
+
+// Makes stdlib.h declare rand_s, which gives random numbers of the system.
 #define _CRT_RAND_S
 
 #include "platform/windows/beside.h"
@@ -12,10 +15,11 @@
 namespace vel::platform {
 
 bool isDevice(const char* fullName) noexcept {
+  // GetFullPathName puts the names of devices into the device namespace.
   return std::strncmp(fullName, "\\\\.\\", 4) == 0;
 }
 
-HANDLE openForAsking(const char* name, DWORD access) noexcept {
+HANDLE openForQuery(const char* name, DWORD access) noexcept {
   constexpr DWORD kEveryone = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
   return CreateFileA(name, FILE_READ_ATTRIBUTES | access, kEveryone, nullptr, OPEN_EXISTING,
                      FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -24,10 +28,11 @@ HANDLE openForAsking(const char* name, DWORD access) noexcept {
 FileIdentity identityOf(HANDLE file) noexcept {
   BY_HANDLE_FILE_INFORMATION status;
   if (GetFileInformationByHandle(file, &status) == FALSE) return {};
+  // Volume and file index together identify a file while it is open.
   return {status.dwVolumeSerialNumber, std::uint64_t{status.nFileIndexHigh} << 32 | status.nFileIndexLow};
 }
 
-SystemError drawName(Replacement& replacement) noexcept {
+SystemError makeTemporaryName(Replacement& replacement) noexcept {
   unsigned int high = 0, low = 0;
   if (rand_s(&high) != 0 || rand_s(&low) != 0) return EIO;
   const char* const separator = std::strrchr(replacement.target, '\\');
@@ -37,7 +42,8 @@ SystemError drawName(Replacement& replacement) noexcept {
   return length > 0 && static_cast<std::size_t>(length) < sizeof replacement.temporary ? 0 : ENAMETOOLONG;
 }
 
-bool takeOverRights(HANDLE from, HANDLE to) noexcept {
+bool copyRights(HANDLE from, HANDLE to) noexcept {
+  // Only the access list: setting an owner needs a privilege. A list that does not fit counts as not copied.
   alignas(void*) unsigned char rights[4096];
   DWORD size = 0;
   return GetKernelObjectSecurity(from, DACL_SECURITY_INFORMATION, rights, sizeof rights, &size) != FALSE &&

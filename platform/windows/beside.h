@@ -1,4 +1,4 @@
-// The file that is written beside a target and takes its place: for saving and for copying.
+// The file that is written beside a target and takes its place, for saving and for copying.
 #pragma once
 
 #define WIN32_LEAN_AND_MEAN
@@ -12,6 +12,7 @@
 
 namespace vel::platform {
 
+/// Owns a file handle.
 class FileHandle {
  public:
   explicit FileHandle(HANDLE handle) noexcept : handle_(handle) {}
@@ -29,20 +30,21 @@ class FileHandle {
   HANDLE handle_;
 };
 
-/// "nul", "con" and their like, as full names. They cannot be replaced.
+/// Whether a full name is a device's: "nul", "con" and their like, which cannot be replaced.
 bool isDevice(const char* fullName) noexcept;
 
-/// To ask about a file, or change its rights; whoever has it open is not disturbed. A link is followed.
-HANDLE openForAsking(const char* name, DWORD access) noexcept;
+/// Opens a file to query it or to change its rights, sharing it with everybody who has it open. A link is
+/// followed.
+HANDLE openForQuery(const char* name, DWORD access) noexcept;
 
-/// All zeros when the system cannot tell.
+/// Returns all zeros if the system cannot tell.
 FileIdentity identityOf(HANDLE file) noexcept;
 
-/// Sets `temporary` to a full name of 20 characters in the target's directory that nobody can guess, and so
-/// nobody can take before.
-SystemError drawName(Replacement& replacement) noexcept;
+/// Sets `temporary` to an unpredictable name of 20 characters in the target's directory, so that nobody can
+/// create the file beforehand.
+SystemError makeTemporaryName(Replacement& replacement) noexcept;
 
-/// Gives a file the access rights of another one; false when that cannot be done.
-bool takeOverRights(HANDLE from, HANDLE to) noexcept;
+/// Copies the access control list from one file to another; false if that fails.
+bool copyRights(HANDLE from, HANDLE to) noexcept;
 
 }  // namespace vel::platform

@@ -1,4 +1,5 @@
-// Bytes of files and standard streams.
+// Reads and writes the bytes of files and standard streams through the C runtime. Files are opened in binary
+// mode; the mode of a standard stream is the caller's matter.
 #include "platform/byte_files.h"
 
 #include <fcntl.h>
@@ -13,7 +14,7 @@ namespace vel::platform {
 
 namespace {
 
-/// The runtime takes 32-bit counts, and pipes refuse very large ones.
+/// The runtime's counts have 32 bits, and pipes refuse very large ones.
 constexpr std::size_t kLargestStep = std::size_t{1} << 20;
 
 unsigned int stepOf(std::size_t size) noexcept {
@@ -22,7 +23,7 @@ unsigned int stepOf(std::size_t size) noexcept {
 
 }  // namespace
 
-// A pipe exists only as long as somebody serves it.
+// PipeWithoutWriter needs no check: a pipe exists only as long as its server does.
 SystemError openForReading(const char* name, PipeWithoutWriter, int& descriptor) noexcept {
   descriptor = _open(name, _O_RDONLY | _O_BINARY | _O_NOINHERIT);
   return descriptor == -1 ? errno : 0;
@@ -52,6 +53,7 @@ SystemError writeBytes(int descriptor, const void* data, std::size_t size) noexc
 
 std::uint64_t bytesLeft(int descriptor) noexcept {
   struct _stat64 status {};
+  // Only regular files have a size that is known in advance.
   if (_fstat64(descriptor, &status) != 0 || (status.st_mode & _S_IFMT) != _S_IFREG) return 0;
   const std::int64_t position = _telli64(descriptor);
   return position < 0 || position >= status.st_size ? 0
@@ -59,6 +61,7 @@ std::uint64_t bytesLeft(int descriptor) noexcept {
 }
 
 bool skipBytes(int descriptor, std::uint64_t count) noexcept {
+  // Seeking accepts positions beyond the end, so the step is limited here.
   const auto step = static_cast<std::int64_t>(std::min(count, bytesLeft(descriptor)));
   return step > 0 && _lseeki64(descriptor, step, SEEK_CUR) != -1;
 }

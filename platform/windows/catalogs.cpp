@@ -1,8 +1,14 @@
-// Finds message catalog libraries, mostly by the loader's own search, and opens their files.
+// Finds message catalog libraries, mostly by the loader's own search, and opens their files for reading
+// bytes.
+//
+// The loader knows which file it would load, but gives only a mapped module. So the catalog is loaded as
+// data, which runs none of its code; the name of the mapped file is queried, and that file is opened and the
+// module freed. The bytes are read from the file and not from the mapping, because a library that is already
+// loaded as code is laid out differently in memory.
 #define PSAPI_VERSION 2
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
-// windows.h comes first.
+// windows.h must come before psapi.h and winternl.h.
 #include <fcntl.h>
 #include <io.h>
 #include <psapi.h>
@@ -26,7 +32,7 @@ constexpr ULONG kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELE
 
 using PathBuffer = std::array<wchar_t, kPathCapacity>;
 
-/// Nobody is asked about a missing disk, or a file that is no library.
+/// Suppresses the system's dialogs about missing disks and invalid library files.
 class QuietErrors {
  public:
   QuietErrors() noexcept { SetThreadErrorMode(SEM_FAILCRITICALERRORS, &previous_); }
@@ -38,11 +44,12 @@ class QuietErrors {
   DWORD previous_ = 0;
 };
 
-/// Takes over the handle; -1 for an empty file or no handle.
+/// Adopts the handle and returns a descriptor; -1 for an empty file or an invalid handle.
 int descriptorOf(HANDLE file) noexcept {
   if (file == INVALID_HANDLE_VALUE) return -1;
   const int descriptor =
       _open_osfhandle(reinterpret_cast<std::intptr_t>(file), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+  // A failed _open_osfhandle leaves the handle to the caller.
   if (descriptor == -1) {
     CloseHandle(file);
   } else if (bytesLeft(descriptor) == 0) {
@@ -52,7 +59,8 @@ int descriptorOf(HANDLE file) noexcept {
   return descriptor;
 }
 
-/// Opens a file under the name that the system itself uses.
+/// Opens a file by its native name, such as "\Device\HarddiskVolume1\...", which GetMappedFileName returns
+/// and CreateFile does not accept.
 HANDLE openSystemName(wchar_t* text, DWORD length) noexcept {
   const auto size = static_cast<USHORT>(length * sizeof(wchar_t));
   UNICODE_STRING name{size, size, text};
@@ -66,21 +74,20 @@ HANDLE openSystemName(wchar_t* text, DWORD length) noexcept {
   return NT_SUCCESS(result) ? file : INVALID_HANDLE_VALUE;
 }
 
-/// The two lowest bits of a module's handle tell how it is mapped; the rest is its address.
+/// The two lowest bits of a module handle tell how it is mapped; the rest is its address.
 constexpr std::uintptr_t kHandleBits = 3;
 
-/// Opens the file behind a module. Only files that are mapped as data could be read in memory: a library that
-/// is loaded already has the form of a program there, and its file may be longer than what is mapped.
+/// Opens the file that a module is mapped from.
 HANDLE openFileOf(HMODULE module) noexcept {
   PathBuffer path;
   void* const address = reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(module) & ~kHandleBits);
   const DWORD length = GetMappedFileNameW(GetCurrentProcess(), address, path.data(), kPathCapacity);
-  // A name that does not fit is cut.
+  // A name that fills the buffer may have been truncated.
   return length == 0 || length >= kPathCapacity - 1 ? INVALID_HANDLE_VALUE
                                                     : openSystemName(path.data(), length);
 }
 
-/// The loader decides which file it is. It takes the file as data, so that none of its code runs.
+/// Lets the loader find the file. It is mapped as data, so that none of its code runs.
 int openAsLoaderFinds(const char* fileName) noexcept {
   const HMODULE module = LoadLibraryExA(fileName, nullptr, LOAD_LIBRARY_AS_DATAFILE);
   if (module == nullptr) return -1;
@@ -100,7 +107,7 @@ int openIn(std::wstring_view directory, const char* fileName) noexcept {
                                   FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
-/// Null stands for the program.
+/// Opens the catalog in the directory of a module; null means the program.
 int openBeside(HMODULE module, const char* fileName) noexcept {
   PathBuffer path;
   const DWORD length = GetModuleFileNameW(module, path.data(), kPathCapacity);
@@ -130,6 +137,7 @@ HMODULE thisLibrary() noexcept {
   return module;
 }
 
+/// The loader would search the current directory before PATH, where another user may have put a file.
 int openBeforeLoaderSearches(const char* fileName) noexcept {
   int descriptor = openBeside(thisLibrary(), fileName);
   if (descriptor == -1) descriptor = openBeside(nullptr, fileName);

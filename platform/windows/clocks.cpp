@@ -1,4 +1,4 @@
-// Clocks and sleeping.
+// Clocks and sleeping. Windows adds the time asleep to its tick count itself.
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
@@ -23,7 +23,7 @@ bool performanceCounter(std::int64_t& value) noexcept {
 }
 
 void sleepMilliseconds(std::uint32_t milliseconds) noexcept {
-  // The highest count means "for ever" to the system.
+  // Sleep(INFINITE) never returns, so the highest count is slept in two steps.
   if (milliseconds == INFINITE) Sleep(1);
   Sleep(milliseconds == INFINITE ? INFINITE - 1 : milliseconds);
 }

@@ -1,4 +1,4 @@
-// The process's code pages, and conversion to them.
+// The process's ANSI and OEM code pages, and conversion to them by the system.
 #include <algorithm>
 #include <climits>
 
@@ -19,7 +19,7 @@ std::uint32_t oemCodePage() noexcept {
 
 std::size_t utf16ToCodePage(std::uint32_t codePage, const char16_t* text, std::size_t length, char* out,
                             std::size_t capacity) noexcept {
-  // A capacity of 0 would ask for the size that is needed.
+  // With a capacity of 0 the system would return the required size instead.
   if (length > INT_MAX || capacity == 0) return 0;
   const auto room = static_cast<int>(std::min<std::size_t>(capacity, INT_MAX));
   const int count = WideCharToMultiByte(codePage, 0, reinterpret_cast<const wchar_t*>(text),

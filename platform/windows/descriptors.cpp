@@ -1,4 +1,4 @@
-// Translation modes of the C runtime's descriptors.
+// Translation modes of the C runtime's descriptors, and whether one is a console.
 #include <fcntl.h>
 #include <io.h>
 
@@ -16,7 +16,8 @@ namespace {
 
 void ignoreParameter(const wchar_t*, const wchar_t*, const wchar_t*, unsigned int, std::uintptr_t) {}
 
-/// Keeps the runtime from ending the process when it is asked about a descriptor that is not open.
+/// By default the runtime ends the process when it is asked about a descriptor that is not open. While this
+/// exists, it returns an error instead.
 class ToleratedParameters {
  public:
   ToleratedParameters() noexcept : previous_(_set_invalid_parameter_handler(ignoreParameter)) {}
@@ -46,7 +47,7 @@ DescriptorMode setDescriptorMode(int descriptor, DescriptorMode mode) noexcept {
 
 bool isTerminal(int descriptor) noexcept {
   const ToleratedParameters tolerated;
-  // The runtime's own test also takes the null device for a terminal.
+  // _isatty is also true for the null device and other character devices; only a console has a console mode.
   DWORD mode = 0;
   return GetConsoleMode(reinterpret_cast<HANDLE>(_get_osfhandle(descriptor)), &mode) != FALSE;
 }

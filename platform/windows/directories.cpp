@@ -1,6 +1,11 @@
-// Directories: their entries, and making, entering and removing them. Operations on entries go
-// through the open directory, so that nothing put into the place of a path's component diverts them;
-// only the system's native calls can do that.
+// Lists, creates, enters and removes directories.
+//
+// A tree is removed through handles: each entry is opened relative to the handle of the directory that listed
+// it, and deleted by its own handle. Somebody who replaces a component of the path by a junction meanwhile
+// cannot divert the removal to another tree. The Win32 functions accept paths only, so the native calls are
+// used, whose OBJECT_ATTRIBUTES have a root directory:
+//
+//   RootDirectory = handle of the directory, ObjectName = "entry", FILE_OPEN_REPARSE_POINT for links
 #include <direct.h>
 
 #include <algorithm>
@@ -22,7 +27,7 @@
 #include "platform/system_error.h"
 #include "platform/windows/system_errors.h"
 
-// The compiler's headers for programs lack this one.
+// This function of ntdll is documented, but mingw-w64 declares it only in its headers for drivers.
 extern "C" NTSTATUS NTAPI NtQueryDirectoryFile(HANDLE directory, HANDLE event, PIO_APC_ROUTINE routine,
                                                PVOID context, PIO_STATUS_BLOCK status, PVOID buffer,
                                                ULONG length, FILE_INFORMATION_CLASS informationClass,
@@ -38,14 +43,15 @@ constexpr ULONG kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELE
 constexpr ULONG kListing = FILE_LIST_DIRECTORY | FILE_READ_ATTRIBUTES | SYNCHRONIZE;
 constexpr ULONG kLinkItself = FILE_OPEN_REPARSE_POINT | FILE_OPEN_FOR_BACKUP_INTENT;
 
-/// One entry with a name of up to 260 characters.
+/// Space for one entry with a name of up to 260 characters.
 union EntryBuffer {
   FILE_FULL_DIR_INFORMATION entry;
   std::array<char, sizeof(FILE_FULL_DIR_INFORMATION) + 260 * sizeof(WCHAR)> bytes;
 };
 
-/// Some file systems put a directory's contents elsewhere without making it a link: only tags that stand
-/// for another name do. A tag of 0 is an unknown one.
+/// Whether a reparse point is a link. Cloud and deduplicating file systems use reparse points for ordinary
+/// directories, too; only tags with the name surrogate bit stand for another name. A tag of 0 is unknown and
+/// counts as a link.
 bool isLink(DWORD attributes, DWORD tag) noexcept {
   return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 && (tag == 0 || IsReparseTagNameSurrogate(tag));
 }
@@ -57,11 +63,12 @@ bool isDirectory(HANDLE file, DirectoryLink link) noexcept {
   return link == DirectoryLink::Follow || !isLink(info.FileAttributes, info.ReparseTag);
 }
 
-/// The name without the separators behind a directory that is no root: it could lead through a link. Or with
-/// one of them: some paths must not have more.
-class PathWithoutEnd {
+/// A path without final separators, except a root's: with one, the system would follow a link. `kept` final
+/// separators stay, for functions that require one.
+class PathWithoutFinalSeparators {
  public:
-  explicit PathWithoutEnd(const char* name, std::size_t kept = 0) noexcept : fits_(false), text_{} {
+  explicit PathWithoutFinalSeparators(const char* name, std::size_t kept = 0) noexcept
+      : fits_(false), text_{} {
     const std::size_t whole = std::strlen(name);
     std::size_t length = whole;
     const auto isSeparator = [](char c) { return c == '\\' || c == '/'; };
@@ -78,7 +85,8 @@ class PathWithoutEnd {
   std::array<char, 1024> text_;
 };
 
-/// Not every system opens a link itself; then its handle is the target's, and only the path shows the link.
+/// Looks at the path, for systems that open a link's target despite FILE_FLAG_OPEN_REPARSE_POINT: their
+/// handle does not show the link.
 bool isLinkByPath(const char* path) noexcept {
   WIN32_FIND_DATAA found{};
   const HANDLE search = FindFirstFileA(path, &found);
@@ -87,7 +95,8 @@ bool isLinkByPath(const char* path) noexcept {
   return isLink(found.dwFileAttributes, found.dwReserved0);
 }
 
-/// Whether removing this would remove a link's target.
+/// Whether removing this path would remove a link's target instead of the link: the path is a link, but the
+/// handle opened with FILE_FLAG_OPEN_REPARSE_POINT is an ordinary directory's. True if it cannot be opened.
 bool leadsElsewhere(const char* path) noexcept {
   if (!isLinkByPath(path)) return false;
   const HANDLE opened = CreateFileA(path, FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
@@ -98,7 +107,7 @@ bool leadsElsewhere(const char* path) noexcept {
   return isTarget;
 }
 
-/// Stands for the number of a file where the file system has none: of its name within its volume.
+/// Replaces the file index on file systems without one: a hash (FNV-1a) of the name within the volume.
 std::uint64_t hashOfName(HANDLE file) noexcept {
   struct {
     FILE_NAME_INFO info;
@@ -120,7 +129,8 @@ SystemError identityOf(HANDLE file, FileIdentity& identity) noexcept {
   return 0;
 }
 
-/// The system's error, or that it is no directory.
+/// Opens a directory and reads its identity. Returns the system's error; ERROR_DIRECTORY if it is not a
+/// directory.
 DWORD identityOfDirectory(const char* path, FileIdentity& identity) noexcept {
   const HANDLE opened = CreateFileA(path, FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS, nullptr);
@@ -130,9 +140,13 @@ DWORD identityOfDirectory(const char* path, FileIdentity& identity) noexcept {
   return isKnown ? ERROR_SUCCESS : ERROR_DIRECTORY;
 }
 
-/// Where a full path's first directory may end: behind a drive, or behind server and share, which can only be
-/// opened together. The dot or question mark of a device's path is no server.
-char* firstEnd(char* path) noexcept {
+/// Returns the separator after the shortest prefix of a full path that can be a root: a drive, or a server
+/// with its share, which can only be opened together. The "." or "?" of a device path is not a server:
+///
+///   C:\dir               ends after  C:
+///   \\server\share\dir   ends after  \\server\share
+///   \\?\C:\dir           ends after  \\?
+char* endOfFirstRoot(char* path) noexcept {
   const std::string_view start(path, 4);
   char* end = std::strchr(path, '\\');
   if (!start.starts_with("\\\\")) return end;
@@ -154,6 +168,7 @@ DWORD openAt(HANDLE place, const DirectoryEntry& entry, ACCESS_MASK access, ULON
                                             FILE_OPEN, options | kLinkItself, nullptr, 0));
 }
 
+/// Adopts the handle if it is a directory's, else closes it.
 SystemError keepIfDirectory(HANDLE opened, DirectoryLink link, DirectoryHandle& directory) noexcept {
   if (!isDirectory(opened, link)) {
     CloseHandle(opened);
@@ -169,7 +184,7 @@ SystemError markRemoved(HANDLE file) noexcept {
   return done != FALSE ? 0 : errnoOf(GetLastError());
 }
 
-/// In the code page that file names are given in; cut to what fits.
+/// Converts the name to the code page of file names. A name that is too long is shortened until it fits.
 void setShownName(DirectoryEntry& entry, const WCHAR* name, int length) noexcept {
   const UINT codePage = AreFileApisANSI() != FALSE ? CP_ACP : CP_OEMCP;
   int shown = 0;
@@ -186,7 +201,7 @@ void describe(const FILE_FULL_DIR_INFORMATION& found, DirectoryEntry& entry) noe
   std::memcpy(entry.systemName, name.data(), sizeof entry.systemName);
   setShownName(entry, name.data(), static_cast<int>(length));
   entry.attributes = found.FileAttributes & kKnownAttributes;
-  // Of a link, this field holds the tag.
+  // For a reparse point, this field holds the tag instead of the size of the extended attributes.
   if (isLink(found.FileAttributes, found.EaSize)) entry.attributes &= ~kAttributeDirectory;
 }
 
@@ -194,8 +209,10 @@ void describe(const FILE_FULL_DIR_INFORMATION& found, DirectoryEntry& entry) noe
 
 SystemError openDirectory(const char* name, DirectoryLink link, DirectoryHandle& directory) noexcept {
   directory = {};
-  const PathWithoutEnd path(name);
+  const PathWithoutFinalSeparators path(name);
   if (!path.fits()) return ENAMETOOLONG;
+  // Both checks are needed: this one for systems whose handles do not show links, keepIfDirectory for a link
+  // that is put in place between the two.
   if (link == DirectoryLink::Refuse && isLinkByPath(path.get())) return ENOTDIR;
   const DWORD flags = link == DirectoryLink::Refuse ? FILE_FLAG_OPEN_REPARSE_POINT : 0;
   const HANDLE opened = CreateFileA(path.get(), kListing, kShareAll, nullptr, OPEN_EXISTING,
@@ -213,13 +230,14 @@ SystemError identityOf(const DirectoryHandle& directory, FileIdentity& identity)
   return identityOf(static_cast<HANDLE>(directory.system), identity);
 }
 
-// The first of the directories on the way that can be opened is the root: what is before it only leads there.
+// Tries longer and longer prefixes of the path: the first directory that can be opened is the root, since
+// whatever precedes it (a device namespace, a server) only leads there.
 SystemError identityOfRoot(const char* name, FileIdentity& identity) noexcept {
   std::array<char, 1024> path{};
   const DWORD length = GetFullPathNameA(name, static_cast<DWORD>(path.size() - 1), path.data(), nullptr);
   if (length == 0 || length >= path.size() - 1) return ENAMETOOLONG;
   if (path[length - 1] != '\\') std::strcpy(path.data() + length, "\\");
-  for (char* end = firstEnd(path.data()); end != nullptr; end = std::strchr(end + 1, '\\')) {
+  for (char* end = endOfFirstRoot(path.data()); end != nullptr; end = std::strchr(end + 1, '\\')) {
     const char next = std::exchange(end[1], '\0');
     const DWORD error = identityOfDirectory(path.data(), identity);
     end[1] = next;
@@ -254,6 +272,7 @@ SystemError openEntry(const DirectoryHandle& directory, const DirectoryEntry& en
 }
 
 SystemError removeEntry(const DirectoryHandle& directory, const DirectoryEntry& entry) noexcept {
+  // An entry that was listed as a file but has become a directory meanwhile must not be removed.
   const bool isListed = (entry.attributes & kAttributeDirectory) != 0;
   HANDLE file = nullptr;
   if (const DWORD error = openAt(directory.system, entry, DELETE | FILE_READ_ATTRIBUTES,
@@ -271,9 +290,9 @@ SystemError makeDirectory(const char* name) noexcept {
 }
 
 SystemError removeDirectory(const char* name) noexcept {
-  const PathWithoutEnd path(name, 1);
+  const PathWithoutFinalSeparators path(name, 1);
   if (!path.fits()) return ENAMETOOLONG;
-  if (leadsElsewhere(PathWithoutEnd(name).get())) return ENOTDIR;
+  if (leadsElsewhere(PathWithoutFinalSeparators(name).get())) return ENOTDIR;
   return _rmdir(path.get()) == 0 ? 0 : errno;
 }
 

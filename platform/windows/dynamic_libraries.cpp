@@ -1,4 +1,4 @@
-// Finding, loading and using dynamic libraries.
+// Finds, loads and unloads dynamic libraries by the system's loader.
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
@@ -12,7 +12,7 @@ namespace vel::platform {
 
 namespace {
 
-/// The loader asks nobody about a file that is no library.
+/// Loads without the system's dialog about invalid library files.
 template <typename Load>
 NativeError loadQuietly(Load load, void*& library) noexcept {
   DWORD previous = 0;
@@ -23,7 +23,7 @@ NativeError loadQuietly(Load load, void*& library) noexcept {
   return error;
 }
 
-/// A name in ASCII with the folder of the module that this code belongs to.
+/// The full path of an ASCII name in the folder of the module that contains this code.
 class PathBesideThisLibrary {
  public:
   explicit PathBesideThisLibrary(const char* name) noexcept {
@@ -42,6 +42,7 @@ class PathBesideThisLibrary {
   const WCHAR* get() const noexcept { return text_.data(); }
 
  private:
+  // The longest path that the system supports, in UTF-16 units.
   static constexpr std::size_t kLongestPath = 0x8000;
 
   bool fits_;
@@ -62,7 +63,7 @@ NativeError loadInstalledLibrary(const char* name, void*& library) noexcept {
   constexpr DWORD kFolders = LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32;
   const PathBesideThisLibrary beside(name);
   const auto load = [&]() noexcept {
-    // What the library needs itself comes from the same folders.
+    // The library's own dependencies are searched in the same folders.
     const HMODULE found =
         beside.fits() ? LoadLibraryExW(beside.get(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | kFolders)
                       : nullptr;

@@ -1,4 +1,4 @@
-// This system has no signals that a thread could hold back, and removes unfinished files by itself.
+// Windows has no signals that a thread could block, and removes unfinished files itself.
 #include "platform/ending_signals.h"
 
 namespace vel::platform {

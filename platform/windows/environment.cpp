@@ -1,4 +1,4 @@
-// The C runtime's environment of the process.
+// The process's environment as the C runtime keeps it.
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -16,8 +16,8 @@ const char* settingValue(const char* name) noexcept {
 }
 
 SystemError putEnvironment(char* assignment) noexcept {
-  // The runtime takes a bare name without complaint or effect, and destroys a variable whose new value is
-  // longer than the system's limit.
+  // _putenv accepts a name without "=" and does nothing. It deletes a variable whose new value exceeds the
+  // system's limit of 32,766 characters, so both are refused here.
   constexpr std::size_t kLongestValue = 32766;
   const char* const value = std::strchr(assignment, '=');
   if (value == nullptr || std::strlen(value + 1) > kLongestValue) return EINVAL;

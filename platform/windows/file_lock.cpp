@@ -1,5 +1,11 @@
-// Locks of files by named objects: what is there under the name is the lock, and goes with its process.
-// A lock of the file itself would not do, because a file that is open cannot be replaced.
+// Advisory locks of files by named objects.
+//
+// A lock of the file itself would keep it open, and an open file cannot be replaced. So the lock is a named
+// kernel object, whose name is a hash of the file's full name. Whoever creates the object has the lock;
+// whoever finds it there already does not. The system removes the object when its last handle closes, at the
+// latest with the process:
+//
+//   "C:\dir\x.ini" -> links resolved, upper case -> hash -> "Global\...-file-<hash>" -> created or busy
 #include <fcntl.h>
 #include <io.h>
 
@@ -19,7 +25,7 @@ namespace {
 constexpr DWORD kLongestName = 4100;
 constexpr DWORD kEveryone = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-/// Null when there is nothing of this name; directories are opened, too.
+/// Opens a file or directory to query it. Null if there is none of this name.
 HANDLE openAttributes(const char* name) noexcept {
   const HANDLE file = CreateFileA(name, FILE_READ_ATTRIBUTES, kEveryone, nullptr, OPEN_EXISTING,
                                   FILE_FLAG_BACKUP_SEMANTICS, nullptr);
@@ -43,7 +49,7 @@ bool isMissing(DWORD error) noexcept {
   return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
 }
 
-/// The name without links; false when there is no such entry.
+/// Returns the name with all links resolved; false if there is no such entry.
 bool findFinalName(const char* name, char (&found)[kLongestName]) noexcept {
   const HANDLE entry = openAttributes(name);
   if (entry == nullptr) return false;
@@ -52,8 +58,9 @@ bool findFinalName(const char* name, char (&found)[kLongestName]) noexcept {
   return length > 0 && length < kLongestName;
 }
 
-/// A name that every way to the file has in common. The file is opened only where it is a link: who waits for
-/// the lock must not keep its holder from replacing the file.
+/// Finds one name for all paths to a file: links resolved and the name completed. Opens the file only if it
+/// is a link, because a process that waits for the lock must not keep its holder from replacing the file;
+/// otherwise opens only the directory, which a missing file has, too.
 bool findCommonName(const char* name, char (&common)[kLongestName]) noexcept {
   const DWORD attributes = GetFileAttributesA(name);
   if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
@@ -72,15 +79,18 @@ bool findCommonName(const char* name, char (&common)[kLongestName]) noexcept {
   return added > 0 && size + static_cast<std::size_t>(added) < sizeof common;
 }
 
+/// FNV-1a. Two files with the same hash would exclude each other, which is harmless.
 std::uint64_t hashOf(const char* text) noexcept {
   std::uint64_t hash = 0xcbf29ce484222325;
   for (; *text != '\0'; ++text) hash = (hash ^ static_cast<unsigned char>(*text)) * 0x100000001b3;
   return hash;
 }
 
-/// The object, when this made it: its being there is the lock. Every user may have it.
+/// Creates the named object and returns it; null if it existed already (`isBusy`) or cannot be created. Its
+/// existence is the lock, it is never waited for. Its null access list lets every user find it.
 HANDLE makeObject(const char* commonName, bool& isBusy) noexcept {
   char upperCase[kLongestName];
+  // File names ignore case, object names do not. The invariant locale gives every process the same spelling.
   if (LCMapStringA(LOCALE_INVARIANT, LCMAP_UPPERCASE, commonName, -1, upperCase, sizeof upperCase) == 0)
     return nullptr;
   char name[64];
@@ -91,14 +101,14 @@ HANDLE makeObject(const char* commonName, bool& isBusy) noexcept {
   SetSecurityDescriptorDacl(&everyone, TRUE, nullptr, FALSE);
   SECURITY_ATTRIBUTES attributes{sizeof attributes, &everyone, FALSE};
   const HANDLE object = CreateMutexA(&attributes, FALSE, name);
-  // Access is denied to an object that somebody made for himself alone.
+  // Access is denied if somebody created the object for themselves alone.
   const DWORD error = GetLastError();
   isBusy = error == ERROR_ALREADY_EXISTS || error == ERROR_ACCESS_DENIED;
   if (isBusy && object != nullptr) CloseHandle(object);
   return isBusy ? nullptr : object;
 }
 
-/// "nul", "con" and their like.
+/// Whether the name is a device's: "nul", "con" and their like.
 bool isDevice(const char* name) noexcept {
   char full[kLongestName];
   const DWORD length = GetFullPathNameA(name, sizeof full, full, nullptr);
@@ -114,7 +124,7 @@ bool isDirectory(const char* name) noexcept {
 
 SystemError stateOf(int descriptor, FileState& state) noexcept {
   const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
-  // Devices and pipes have no numbers; they cannot be replaced, either.
+  // Devices and pipes have no file index; they cannot be replaced, either.
   if (GetFileType(file) == FILE_TYPE_DISK) return stateIn(file, state);
   state = {};
   return 0;
@@ -138,6 +148,7 @@ LockResult tryLockFile(const char* name, FileLock& lock) noexcept {
   bool isBusy = false;
   lock.system = makeObject(commonName, isBusy);
   if (lock.system == nullptr) return isBusy ? LockResult::Busy : LockResult::Failed;
+  // The state is read under the lock; one read before could be an older file's.
   if (stateAt(name, lock.file) == 0) return LockResult::Locked;
   unlockFile(lock);
   return LockResult::Failed;

@@ -1,4 +1,5 @@
-// Files and attributes. Copying is file_copy.cpp's work.
+// Status, attributes and permissions of files by name; removing, renaming and exclusive creation. Copying is
+// in file_copy.cpp.
 #include <direct.h>
 #include <fcntl.h>
 #include <io.h>
@@ -20,12 +21,14 @@ namespace vel::platform {
 namespace {
 
 constexpr std::uint32_t kKnownAttributes = kAttributeReadOnly | kAttributeHidden | kAttributeDirectory;
+/// The mode of _access that asks for write permission.
 constexpr int kTestForWriting = 2;
 
 std::uint64_t joined(DWORD high, DWORD low) noexcept {
   return (static_cast<std::uint64_t>(high) << 32) | low;
 }
 
+/// FILETIME counts ticks of 100 ns since 1601.
 std::int64_t secondsSince1970(FILETIME time) noexcept {
   constexpr std::int64_t kTicksPerSecond = 10'000'000;
   constexpr std::int64_t kSecondsFrom1601 = 11'644'473'600;
@@ -33,7 +36,8 @@ std::int64_t secondsSince1970(FILETIME time) noexcept {
          kSecondsFrom1601;
 }
 
-/// Some file systems keep the time of the last modification only; the others are 0 there.
+/// Converts a time, replacing 0 by the time of the last modification, the only one that some file systems
+/// keep.
 std::int64_t secondsOr(FILETIME time, FILETIME modified) noexcept {
   const bool isKept = time.dwHighDateTime != 0 || time.dwLowDateTime != 0;
   return secondsSince1970(isKept ? time : modified);
@@ -71,6 +75,7 @@ SystemError setReadOnly(const char* name, bool readOnly) noexcept {
 SystemError removeFile(const char* name) noexcept {
   const std::uint32_t attributes = attributesOf(name);
   const bool isReadOnly = attributes != kAttributesUnreadable && (attributes & kAttributeReadOnly) != 0;
+  // Windows refuses to delete read-only files.
   if (isReadOnly) static_cast<void>(setReadOnly(name, false));
   if (_unlink(name) == 0) return 0;
   const SystemError error = errno;
@@ -79,7 +84,7 @@ SystemError removeFile(const char* name) noexcept {
 }
 
 SystemError renameFile(const char* from, const char* to) noexcept {
-  // The runtime takes a rename to the very same name for done.
+  // The runtime reports success for a rename to the very same name, but the target exists.
   if (std::strcmp(from, to) == 0 && entryExists(to)) return EEXIST;
   return std::rename(from, to) == 0 ? 0 : errno;
 }

@@ -1,4 +1,4 @@
-// The user's language and the process's code page.
+// The user's language from the system's settings, and conversion to the process's code page.
 #include <cstring>
 
 #define WIN32_LEAN_AND_MEAN
@@ -11,14 +11,15 @@ namespace vel::platform {
 
 namespace {
 
-/// The bytes of one character of one or two units; "?" when the code page lacks it.
+/// Encodes one character of one or two units; "?" if it is unmappable. The system's default character is not
+/// "?" in every code page, so its use is detected instead.
 std::size_t encode(const char16_t* character, std::size_t units, char (&out)[8]) noexcept {
   wchar_t text[2];
   std::memcpy(text, character, units * sizeof(wchar_t));
-  BOOL lacked = FALSE;
+  BOOL isUnmappable = FALSE;
   const int count =
-      WideCharToMultiByte(CP_ACP, 0, text, static_cast<int>(units), out, sizeof out, nullptr, &lacked);
-  if (count > 0 && lacked == FALSE) return static_cast<std::size_t>(count);
+      WideCharToMultiByte(CP_ACP, 0, text, static_cast<int>(units), out, sizeof out, nullptr, &isUnmappable);
+  if (count > 0 && isUnmappable == FALSE) return static_cast<std::size_t>(count);
   out[0] = '?';
   return 1;
 }
@@ -58,6 +59,7 @@ std::size_t utf16ToAnsi(const char16_t* text, std::size_t length, char* out, std
     const std::size_t units = utf16Length(text, static_cast<std::size_t>(end - text));
     char bytes[8];
     const std::size_t count = encode(text, units, bytes);
+    // Stop before a character that does not fit: half of one would be ill-formed.
     if (count > capacity - written) break;
     std::memcpy(out + written, bytes, count);
     written += count;

@@ -1,4 +1,4 @@
-// Starting, finding and ending programs.
+// Starts, finds and ends programs. The command line is passed on whole; the program itself splits it.
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
@@ -12,7 +12,7 @@ namespace {
 DWORD createProcess(const Launch& launch, DWORD otherwise, PROCESS_INFORMATION& process) noexcept {
   STARTUPINFOA startUp{};
   startUp.cb = sizeof startUp;
-  // For a new console's buffer.
+  // The size of a new console's buffer, in characters.
   startUp.dwFlags = STARTF_USECOUNTCHARS;
   startUp.dwXCountChars = 80;
   startUp.dwYCountChars = 256;

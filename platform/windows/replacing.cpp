@@ -1,5 +1,11 @@
-// Replacing a file by another one written beside it. Until that is complete it is marked for deletion, so
-// that the system removes it whatever ends the program.
+// Replaces a file atomically by another one written beside it. The new file is marked for deletion from the
+// moment it exists until it is complete, so the system removes it even if the process is killed:
+//
+//   create ~random.tmp, mark it for deletion -> write -> copy the rights -> flush -> remove the mark -> close
+//   -> rename over the target
+//
+// A killed process can leave a temporary file only just after its creation, and between removing the mark and
+// the rename.
 #include <fcntl.h>
 #include <io.h>
 #include <sys/stat.h>
@@ -15,7 +21,8 @@ namespace vel::platform {
 
 namespace {
 
-constexpr int kMostNames = 100;
+/// Bounds the search for a free name. With 60 random bits even one collision is unlikely.
+constexpr int kMaxNames = 100;
 
 HANDLE handleOf(const Replacement& replacement) noexcept {
   return reinterpret_cast<HANDLE>(_get_osfhandle(replacement.descriptor));
@@ -27,7 +34,7 @@ bool markForDeletion(HANDLE file, bool isMarked) noexcept {
   return SetFileInformationByHandle(file, FileDispositionInfo, &disposition, sizeof disposition) != FALSE;
 }
 
-/// The file is open for nobody else.
+/// Creates the file without sharing, so that nobody reads it while it is written.
 HANDLE createFile(const char* name) noexcept {
   return CreateFileA(name, GENERIC_WRITE | DELETE | WRITE_DAC, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL,
                      nullptr);
@@ -35,8 +42,8 @@ HANDLE createFile(const char* name) noexcept {
 
 SystemError openBeside(Replacement& replacement) noexcept {
   replacement.isBeside = true;
-  for (int attempt = 0; attempt < kMostNames; ++attempt) {
-    if (const SystemError error = drawName(replacement); error != 0) return error;
+  for (int attempt = 0; attempt < kMaxNames; ++attempt) {
+    if (const SystemError error = makeTemporaryName(replacement); error != 0) return error;
     FileHandle file(createFile(replacement.temporary));
     if (!file.isOpen() && GetLastError() == ERROR_FILE_EXISTS) continue;
     if (!file.isOpen()) return errnoOf(GetLastError());
@@ -44,57 +51,60 @@ SystemError openBeside(Replacement& replacement) noexcept {
     replacement.descriptor =
         _open_osfhandle(reinterpret_cast<intptr_t>(file.get()), _O_WRONLY | _O_BINARY | _O_NOINHERIT);
     if (replacement.descriptor < 0) return errno;
+    // The descriptor owns the handle now.
     file.release();
     return 0;
   }
   return EEXIST;
 }
 
-/// Those of the old file, if that is what the name still leads to.
-SystemError keepRights(Replacement& replacement) noexcept {
+/// Copies the rights of the old file, if its name still leads to it (else ECANCELED).
+SystemError copyOldRights(Replacement& replacement) noexcept {
   if (replacement.old == FileIdentity{}) return 0;
-  const FileHandle old(openForAsking(replacement.target, READ_CONTROL));
+  const FileHandle old(openForQuery(replacement.target, READ_CONTROL));
   if (!old.isOpen()) return errnoOf(GetLastError());
   if (identityOf(old.get()) != replacement.old) return ECANCELED;
-  replacement.keepsRights = takeOverRights(old.get(), handleOf(replacement));
+  replacement.keepsRights = copyRights(old.get(), handleOf(replacement));
   return 0;
 }
 
-/// Last, because writing changes them.
-void takeOverAttributes(const Replacement& replacement) noexcept {
+/// Copies the attributes. Done last, because writing sets some of them.
+void copyAttributes(const Replacement& replacement) noexcept {
   const DWORD attributes = GetFileAttributesA(replacement.target);
   if (attributes != INVALID_FILE_ATTRIBUTES) SetFileAttributesA(replacement.temporary, attributes);
 }
 
-/// One step of the file system. ReplaceFile takes several, and a process that ends between them leaves no
-/// file.
+/// Renames in one step. ReplaceFile would keep more of the old file's properties, but takes several steps,
+/// and a process killed between them leaves no file under the name.
 SystemError moveIntoPlace(const Replacement& replacement) noexcept {
-  takeOverAttributes(replacement);
+  copyAttributes(replacement);
   const bool isNew = replacement.old == FileIdentity{};
   const DWORD flags = MOVEFILE_WRITE_THROUGH | (isNew ? DWORD{0} : DWORD{MOVEFILE_REPLACE_EXISTING});
   return MoveFileExA(replacement.temporary, replacement.target, flags) != FALSE ? 0 : errnoOf(GetLastError());
 }
 
-/// The full name of the file that this name leads to; false when the system cannot tell.
-bool findLinked(const char* name, char (&linked)[sizeof Replacement::target]) noexcept {
-  const FileHandle file(openForAsking(name, 0));
+/// Resolves links: gives the full name of the file that a name leads to; false if the system cannot tell.
+bool resolveLink(const char* name, char (&linked)[sizeof Replacement::target]) noexcept {
+  const FileHandle file(openForQuery(name, 0));
   if (!file.isOpen()) return false;
   const DWORD length = GetFinalPathNameByHandleA(file.get(), linked, sizeof linked, FILE_NAME_NORMALIZED);
-  // Characters that the code page lacks name no file or another one.
+  // Characters unmappable to the code page become others, so the converted name may lead nowhere.
   return length > 0 && length < sizeof linked && GetFileAttributesA(linked) != INVALID_FILE_ATTRIBUTES;
 }
 
-/// So that a link stays. One that leads nowhere stays, too, and what it names is not made.
+/// Continues with the link's target, so that the link stays. A dangling link is an error: its target is not
+/// created.
 SystemError followLink(Replacement& replacement, DWORD attributes) noexcept {
   char linked[sizeof replacement.target];
-  if (findLinked(replacement.target, linked)) {
+  if (resolveLink(replacement.target, linked)) {
     std::memcpy(replacement.target, linked, std::strlen(linked) + 1);
     return 0;
   }
   return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 ? ENOENT : 0;
 }
 
-SystemError openItself(Replacement& replacement) noexcept {
+/// Opens a device for writing, which cannot be replaced.
+SystemError openInPlace(Replacement& replacement) noexcept {
   replacement.descriptor = _open(replacement.target, _O_WRONLY | _O_BINARY | _O_NOINHERIT);
   return replacement.descriptor >= 0 ? 0 : errno;
 }
@@ -103,9 +113,9 @@ SystemError startBesideExisting(Replacement& replacement, DWORD attributes) noex
   constexpr DWORD kUnwritable = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY;
   if ((attributes & kUnwritable) != 0) return EACCES;
   if (const SystemError error = followLink(replacement, attributes); error != 0) return error;
-  // A link has attributes of its own.
+  // The attributes before were the link's own.
   if ((GetFileAttributesA(replacement.target) & kUnwritable) != 0) return EACCES;
-  const FileHandle old(openForAsking(replacement.target, 0));
+  const FileHandle old(openForQuery(replacement.target, 0));
   if (!old.isOpen()) return errnoOf(GetLastError());
   replacement.old = identityOf(old.get());
   return openBeside(replacement);
@@ -116,8 +126,9 @@ SystemError closeWritten(Replacement& replacement) noexcept {
 }
 
 SystemError finishBeside(Replacement& replacement) noexcept {
-  SystemError error = keepRights(replacement);
+  SystemError error = copyOldRights(replacement);
   if (error == 0 && _commit(replacement.descriptor) != 0) error = errno;
+  // Closing a marked file would delete it.
   if (error == 0) markForDeletion(handleOf(replacement), false);
   if (const SystemError failed = closeWritten(replacement); error == 0) error = failed;
   if (error == 0) error = moveIntoPlace(replacement);
@@ -135,7 +146,7 @@ SystemError startReplacement(const char* name, Replacement& replacement) noexcep
   const DWORD length = GetFullPathNameA(name, sizeof replacement.target, replacement.target, nullptr);
   if (length == 0) return errnoOf(GetLastError());
   if (length >= sizeof replacement.target) return ENAMETOOLONG;
-  if (isDevice(replacement.target)) return openItself(replacement);
+  if (isDevice(replacement.target)) return openInPlace(replacement);
   const DWORD attributes = GetFileAttributesA(replacement.target);
   return attributes == INVALID_FILE_ATTRIBUTES ? openBeside(replacement)
                                                : startBesideExisting(replacement, attributes);

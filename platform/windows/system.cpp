@@ -1,4 +1,4 @@
-// Platform identifiers, import thunks and message boxes.
+// Platform IDs, import thunks and message boxes.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -12,14 +12,19 @@ namespace vel::platform {
 
 int windowsPlatformId() noexcept {
   OSVERSIONINFOA version{};
+  // GetVersionEx recognises the structure by its size.
   static_assert(sizeof version == 148);
   version.dwOSVersionInfoSize = sizeof version;
   return GetVersionExA(&version) != FALSE ? static_cast<int>(version.dwPlatformId) : -1;
 }
 
-// A program's address of a function of another library may be that of a jump through the program's
-// import table: FF 25 and the distance of the table's entry from the next instruction.
+// The address that a program has of another library's function may be that of a thunk, a jump through the
+// program's import table: FF 25, then the distance from the next instruction to the table's entry. Follow
+// such jumps, so that both addresses compare equal:
+//
+//   FF 25 d0 d1 d2 d3      jmp [next instruction + d]
 const void* resolveImportThunk(const void* function) noexcept {
+  // Bounds a chain of thunks that leads back to itself.
   constexpr int kMaxJumps = 4;
   constexpr std::uint8_t kJump[] = {0xFF, 0x25};
   constexpr std::size_t kJumpSize = 6;
@@ -36,6 +41,8 @@ const void* resolveImportThunk(const void* function) noexcept {
 void showStopMessage(const char* title, const char* const* pieces, std::size_t count) noexcept {
   std::size_t length = 0;
   for (std::size_t i = 0; i < count; ++i) length += std::strlen(pieces[i]);
+  // The process's heap is not used, because it may be what failed. If the system has no memory either, the
+  // text is truncated to this buffer.
   char cut[4096];
   auto* text =
       static_cast<char*>(VirtualAlloc(nullptr, length + 1, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));

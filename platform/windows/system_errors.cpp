@@ -1,4 +1,4 @@
-// The runtime's numbers for Windows' own.
+// Translates Windows error numbers to errno, the vocabulary of the seam.
 #include "platform/windows/system_errors.h"
 
 #include <cerrno>

@@ -1,4 +1,4 @@
-// What operations on files and directories report for Windows' own error numbers.
+// Translates the error numbers of Windows' functions on files and directories.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,8 @@
 
 namespace vel::platform {
 
-/// The runtime's number; EACCES for errors that have none of their own, 0 for none.
+/// Returns the errno of a Windows error number; EACCES for numbers without one of their own, 0 for
+/// ERROR_SUCCESS.
 SystemError errnoOf(std::uint32_t error) noexcept;
 
 }  // namespace vel::platform
