@@ -67,7 +67,7 @@ TEST(UsageCursor, ComparesNamesUpToADelimiter) {
     const std::string usage = std::string("-ab") + static_cast<char>(c) + "x";
     VelClUsageCursor cursor(usage.c_str());
     cursor.setToFirst();
-    // A line break is not among them. Keep.
+    // Intentional: a line break does not end a name.
     const bool delimits = std::strchr("[]<>(){}-| ", c) != nullptr;
     EXPECT_EQ(cursor.matchesSwitch("-ab"), delimits) << c;
     EXPECT_EQ(cursor.matches("-ab"), delimits) << c;
