@@ -162,7 +162,8 @@ class Suite:
         failing = []
         for test in list(self.tests.values()):
             start = os.times()
-            if not self.passes(test, threading.Event()):
+            # A machine that is busy may make one attempt fail.
+            if not any(self.passes(test, threading.Event()) for _ in range(2)):
                 failing.append(test.name)
                 del self.tests[test.name]
             end = os.times()
