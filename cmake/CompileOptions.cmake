@@ -21,6 +21,13 @@ function(vel_use_project_options target)
   endif()
 endfunction()
 
+# For sources that are written in the compiler's vectors: their own headers leave vectors uninitialized on purpose.
+set(VEL_VECTOR_OPTIONS $<$<NOT:$<CONFIG:Debug>>:-O3> $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+if(MINGW)
+  # The compiler assumes an aligned stack when it spills vectors; 64-bit Windows aligns it to 16 bytes only.
+  list(APPEND VEL_VECTOR_OPTIONS -Wa,-muse-unaligned-vector-move)
+endif()
+
 # vel_add_parts(NAME SOURCES <files>...): what several programs are made of, compiled once and only where one of them is
 # built. Programs link it like a library.
 function(vel_add_parts name)

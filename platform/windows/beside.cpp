@@ -12,6 +12,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "platform/windows/file_words.h"
+
 namespace vel::platform {
 
 bool isDevice(const char* fullName) noexcept {
@@ -20,8 +22,7 @@ bool isDevice(const char* fullName) noexcept {
 }
 
 HANDLE openForQuery(const char* name, DWORD access) noexcept {
-  constexpr DWORD kEveryone = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  return CreateFileA(name, FILE_READ_ATTRIBUTES | access, kEveryone, nullptr, OPEN_EXISTING,
+  return CreateFileA(name, FILE_READ_ATTRIBUTES | access, kShareAll, nullptr, OPEN_EXISTING,
                      FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
@@ -29,7 +30,7 @@ FileIdentity identityOf(HANDLE file) noexcept {
   BY_HANDLE_FILE_INFORMATION status;
   if (GetFileInformationByHandle(file, &status) == FALSE) return {};
   // Volume and file index together identify a file while it is open.
-  return {status.dwVolumeSerialNumber, std::uint64_t{status.nFileIndexHigh} << 32 | status.nFileIndexLow};
+  return {status.dwVolumeSerialNumber, joined(status.nFileIndexHigh, status.nFileIndexLow)};
 }
 
 SystemError makeTemporaryName(Replacement& replacement) noexcept {

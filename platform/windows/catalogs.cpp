@@ -22,13 +22,13 @@
 
 #include "platform/byte_files.h"
 #include "platform/catalogs.h"
+#include "platform/windows/file_words.h"
 
 namespace vel::platform {
 
 namespace {
 
 constexpr DWORD kPathCapacity = 4096;
-constexpr ULONG kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 using PathBuffer = std::array<wchar_t, kPathCapacity>;
 

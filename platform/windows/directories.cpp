@@ -25,6 +25,7 @@
 #include "platform/file_identity.h"
 #include "platform/files.h"
 #include "platform/system_error.h"
+#include "platform/windows/file_words.h"
 #include "platform/windows/system_errors.h"
 
 // This function of ntdll is documented, but mingw-w64 declares it only in its headers for drivers.
@@ -39,7 +40,6 @@ namespace vel::platform {
 namespace {
 
 constexpr std::uint32_t kKnownAttributes = kAttributeReadOnly | kAttributeHidden | kAttributeDirectory;
-constexpr ULONG kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr ULONG kListing = FILE_LIST_DIRECTORY | FILE_READ_ATTRIBUTES | SYNCHRONIZE;
 constexpr ULONG kLinkItself = FILE_OPEN_REPARSE_POINT | FILE_OPEN_FOR_BACKUP_INTENT;
 

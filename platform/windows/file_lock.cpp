@@ -16,6 +16,7 @@
 #include <windows.h>
 
 #include "platform/file_lock.h"
+#include "platform/windows/file_words.h"
 #include "platform/windows/system_errors.h"
 
 namespace vel::platform {
@@ -23,17 +24,12 @@ namespace vel::platform {
 namespace {
 
 constexpr DWORD kLongestName = 4100;
-constexpr DWORD kEveryone = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 /// Opens a file or directory to query it. Null if there is none of this name.
 HANDLE openAttributes(const char* name) noexcept {
-  const HANDLE file = CreateFileA(name, FILE_READ_ATTRIBUTES, kEveryone, nullptr, OPEN_EXISTING,
+  const HANDLE file = CreateFileA(name, FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
                                   FILE_FLAG_BACKUP_SEMANTICS, nullptr);
   return file != INVALID_HANDLE_VALUE ? file : nullptr;
-}
-
-std::uint64_t joined(DWORD high, DWORD low) noexcept {
-  return (static_cast<std::uint64_t>(high) << 32) | low;
 }
 
 SystemError stateIn(HANDLE file, FileState& state) noexcept {

@@ -14,6 +14,7 @@
 
 #include "platform/files.h"
 #include "platform/system_error.h"
+#include "platform/windows/file_words.h"
 #include "platform/windows/system_errors.h"
 
 namespace vel::platform {
@@ -23,10 +24,6 @@ namespace {
 constexpr std::uint32_t kKnownAttributes = kAttributeReadOnly | kAttributeHidden | kAttributeDirectory;
 /// The mode of _access that asks for write permission.
 constexpr int kTestForWriting = 2;
-
-std::uint64_t joined(DWORD high, DWORD low) noexcept {
-  return (static_cast<std::uint64_t>(high) << 32) | low;
-}
 
 /// FILETIME counts ticks of 100 ns since 1601.
 std::int64_t secondsSince1970(FILETIME time) noexcept {
