@@ -40,6 +40,8 @@ class Tool {
     child_ = fork();
     if (child_ == 0) {
       setpgid(0, 0);
+      // A session without a terminal may ignore some, and programs inherit that.
+      for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) ::signal(number, SIG_DFL);
       for (int stream = onlyErrors ? 2 : 0; stream < 3; ++stream) dup2(terminal, stream);
       close(terminal);
       close(master_);
