@@ -214,10 +214,14 @@ class Suite:
         return failing[0] if failing else None
 
     def ordered(self, near):
-        """These first, then the quick ones."""
+        """These, and the others, the quick ones first."""
         others = sorted((test for test in self.tests.values() if test.name not in near),
                         key=lambda test: test.seconds)
-        return [name for name in near if name in self.tests] + [test.name for test in others]
+        return [name for name in near if name in self.tests], [test.name for test in others]
+
+    def programs(self, names):
+        """What the build calls the programs of these tests."""
+        return [os.path.relpath(self.tests[name].command[0], self.build.folder) for name in names]
 
 
 def tests_of_room(checkout, room):
