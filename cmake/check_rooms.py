@@ -1,8 +1,8 @@
-"""Fails when a file of a room includes a header of a room that its own does not use.
+"""Fails if a file of a room includes a header of a room that its own room does not list in USES.
 
---rooms is a table with a line for each room: its name, the rooms that it uses, its public headers. A folder of programs
-"uses" the word public, which stands for all public headers, and has in the last column the single files of other rooms
-that it includes. Files that only the build of another system compiles are checked as well.
+--rooms is a table with a line for each room: its name, the rooms that it uses, and its public headers. For a directory
+of programs, the second column contains the word "public", which means all public headers, and the third column lists
+single files of other rooms that it may include. Files that are compiled only on another system are checked as well.
 """
 import argparse
 import pathlib

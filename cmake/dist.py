@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Makes packages of a build: Debian packages (library, -dev, tools) of a Linux one, a zip file of a Windows one. The
-same sources and SOURCE_DATE_EPOCH give the same bytes, in whatever folder they were built.
+"""Makes packages from a build: Debian packages (library, -dev, tools) from a Linux build, or a zip file from a Windows
+build. The same sources and the same SOURCE_DATE_EPOCH produce the same bytes, in whatever directory they were built.
 
     SOURCE_DATE_EPOCH=SECONDS dist.py --build FOLDER --out FOLDER --version VERSION (--deb | --zip)
 """

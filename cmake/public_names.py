@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""The names that the public headers declare for export.
+"""Finds the names that the public headers declare for export.
 
-    public_names.py --headers DIRECTORY --def FILE   module definitions of the plain functions, to make an import
-                                                     library of for compilers with another C++ ABI
+    public_names.py --headers DIRECTORY --def FILE   writes a module-definition file with the plain functions, from
+                                                     which an import library for compilers with another C++ ABI is made
 """
 import argparse
 import pathlib

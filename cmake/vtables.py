@@ -1,4 +1,4 @@
-"""The slots of a built library's virtual function tables, read with nm and objdump from an ELF or a PE file."""
+"""Reads the slots of the virtual function tables of a built library (ELF or PE) with nm and objdump."""
 import bisect
 import re
 import struct

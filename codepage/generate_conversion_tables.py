@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Makes the C++ conversion tables from the mappings.
+"""Generates the C++ conversion tables from the mappings.
 
 generate_conversion_tables.py --mappings DIRECTORY --out DIRECTORY
 
-Reads DIRECTORY/NNN.txt (mappings/README.md explains the form) and writes single_byte_tables.inc,
-double_byte_tables.inc and reverse_tables.inc. conversion_tables.h explains the layout. Values are written with their
-bytes exchanged: on a little-endian processor the high byte then comes first in memory. Stops when a mapping breaks an
-assumption of the conversion functions.
+Reads every file DIRECTORY/<ccsid>.txt (mappings/README.md explains the format) and writes single_byte_tables.inc,
+double_byte_tables.inc and reverse_tables.inc. tables/conversion_tables.h explains the layout. The bytes of each value
+are swapped, so that the high byte comes first in the memory of a little-endian processor. Stops if a mapping violates
+an assumption of the conversion functions.
 """
 import argparse
 import pathlib

@@ -1,11 +1,12 @@
-"""Runs fuzz targets and keeps what they find from one run to the next.
+"""Runs fuzz targets and keeps the inputs that they find for the next run.
 
-  campaign.py [target...] [minutes]   each target, or the named ones, for a minute unless told otherwise
-  campaign.py hours N                 all targets, N hours together; started again, it goes on where it ended
+  campaign.py [target...] [minutes]   runs all targets, or these, for one minute each or for as many minutes as given
+  campaign.py hours N                 runs all targets for N hours altogether; a restart resumes an interrupted run
 
-Each target has a folder in --found: corpus/ with the inputs that reach something new, merged with the seeds and
-minimised at the end of a run; artifacts/ with the inputs that failed; log, what the fuzzer wrote. An artifact that
-no longer fails becomes an input of the corpus.
+Each target has a directory in --found with these entries:
+  corpus/     inputs that reach new code, merged with the seeds and minimized at the end of a run
+  artifacts/  inputs that failed; one that no longer fails moves to the corpus
+  log         the output of the fuzzer
 """
 import argparse
 import concurrent.futures

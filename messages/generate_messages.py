@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Generates the built-in message table and the message source of the catalog library.
 
-Both come from one file, messages.tsv (id, English, German; UTF-8, with the escapes
-\\n, \\t and \\\\), so that a message reads alike from either. Data that breaks an
-assumption of the library stops the build with an error that names the row.
+Both are generated from messages.tsv (id, English, German; UTF-8, with the escapes \\n, \\t and \\\\), so that a message
+has the same text in both. If a row violates an assumption of the library, the build stops with an error that names
+the row.
 
     generate_messages.py --table messages.tsv --inc built_in_messages.inc --mc qammsg50.mc
 """

@@ -1,6 +1,8 @@
-"""The changes of a C++ source that a good set of tests notices, one operator, constant or statement each.
+"""Generates changes (mutations) of a C++ source that good tests detect. Each changes one operator, constant or
+statement.
 
-Works on formatted sources: binary operators have blanks around them, template brackets have none.
+Requires sources formatted by clang-format: it relies on blanks around binary operators, and on none inside template
+brackets.
 """
 import bisect
 import collections

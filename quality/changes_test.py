@@ -1,4 +1,4 @@
-"""What changes.py makes of single lines: one row a line, with all of its changes."""
+"""Tests changes.py: each row has a line of code and all changes that must be generated for it."""
 import unittest
 
 import changes

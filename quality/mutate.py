@@ -1,11 +1,11 @@
-"""Changes production code at random and tells which changes no test notices.
+"""Changes production code at random and lists the changes that no test detects.
 
-  mutate.py [room...] [count]   count changes that have an effect, 40 unless told otherwise, in each room
+  mutate.py [room...] [count]   tries this number of changes that have an effect (default 40) in each room
 
-Works in a copy below build/mutate and leaves the checkout alone. The same --seed makes the same changes; results are
-kept as long as no file differs, so that a run that was ended goes on. Changes that do not compile, or to the same
-object code, do not count. A test that hangs has noticed. --sanitize shows the survivors to the build with
-sanitizers, too.
+Works in a copy in build/mutate and does not change the checkout. The same --seed makes the same changes. Results are
+kept as long as no file changes, so an interrupted run can be resumed. A change does not count if it does not compile,
+or if it compiles to the same object code. A test that hangs has detected the change. With --sanitize the surviving
+changes are also tested in the build with sanitizers.
 """
 import argparse
 import collections

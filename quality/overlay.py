@@ -1,4 +1,4 @@
-"""A copy of the checkout that changes are tried in, its builds, and its tests in the sandbox."""
+"""Manages the copy of the checkout in which changes are tried: its builds, and its tests in the sandbox."""
 import concurrent.futures
 import hashlib
 import json

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes a tool's manual page and its completion for bash out of the tool's own usage string and help text.
+"""Generates the manual page of a tool and its completion for bash from the tool's usage string and help text.
 
     make_tool_pages.py --tool NAME --version VERSION --man FILE --completion FILE
     make_tool_pages.py --tool NAME --version VERSION --check COMMAND...   fails unless the tool answers the same

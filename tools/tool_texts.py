@@ -1,5 +1,5 @@
-"""Reads what the tools say about themselves where they keep it: title, usage string and help text from a tool's
-texts.h, or from the library's message table for a tool that speaks through that one."""
+"""Reads the title, the usage string and the help text of a tool: from its texts.h, or from the library's message table
+if texts.h contains only message numbers."""
 import ast
 import pathlib
 import re
@@ -9,8 +9,8 @@ from dataclasses import dataclass, field
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 TOKEN = re.compile(r'//[^\n]*|"(?:\\.|[^"\\])*"|\w+|\S')
 ELEMENT = re.compile(r'"[^"]*"|-(?!\d)[A-Za-z0-9.]+|<[^>]*>|[()]')
-# Never typed in, but answered by tools/standard_switches.cpp for every tool.
-STANDARD_SWITCHES = {"--help": "this text", "--version": "the library's version"}
+# Not in any usage string: tools/standard_switches.cpp answers them for every tool.
+STANDARD_SWITCHES = {"--help": "print the help text", "--version": "print the version of the library"}
 
 
 @dataclass

@@ -1,9 +1,9 @@
-"""Brings the public headers into the form that Doxygen reads: in them a comment speaks for all declarations
-below it up to the next comment or empty line, words are plain text, and what is indented by three blanks behind
-an empty comment line is an example.
+"""Converts the comments of the public headers for Doxygen. In the headers, a comment applies to all declarations below
+it up to the next comment or empty line, its words are plain text, and lines that are indented by three blanks after an
+empty comment line are an example.
 
-Declarations that override another take over its comment (Doxygen does that). Destructors without a comment are
-left out of the reference, and copying without one is named as such."""
+Doxygen copies the comment of an overridden function to its overrides. Destructors without a comment are left out of the
+reference; copy operations without a comment are described as such."""
 import re
 import sys
 
@@ -141,7 +141,7 @@ class Header:
                 index += 1
             self.doc, self.uses = comment(block), 0
             if not self.lines[index].strip():
-                sys.exit(f"a comment that speaks for nothing: {block[0]}")
+                sys.exit(f"a comment without a declaration: {block[0]}")
             return index
         if ENUMERATORS.search(line) and line.count("CCSID_") > 1:
             self.ccsids(line)
