@@ -15,7 +15,7 @@ COLUMNS = ("job", "own", "peer", "goal", "limit", "note")
 
 
 def median_times(files):
-    """Nanoseconds of processor time, or those that a benchmark has measured itself, by name."""
+    """Returns the nanoseconds per benchmark name: processor time, or the time that the benchmark itself measured."""
     units = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
     runs = {}
     for file in files:

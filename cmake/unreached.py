@@ -39,7 +39,7 @@ def lines_without_count(segments):
 
 
 def unreached_lines(segments):
-    """Each first line, and how many follow each other."""
+    """Returns the first line and the length of each run of consecutive lines."""
     runs = []
     for line in lines_without_count(segments) if segments else ():
         if runs and line == sum(runs[-1]):
@@ -50,7 +50,7 @@ def unreached_lines(segments):
 
 
 def unreached_outcomes(branches):
-    """Of all instances of a template together. What was neither true nor false follows from another place."""
+    """Adds up all instances of a template. A condition that was never evaluated is left out: the reason is elsewhere."""
     sums = collections.defaultdict(lambda: [0, 0])
     for *place, true_count, false_count, _, _, _ in branches:
         sums[tuple(place)][0] += true_count

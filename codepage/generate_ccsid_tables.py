@@ -32,7 +32,7 @@ def ccsid_rows(rows):
     for row in rows:
         require(int(row["flags"], 16) in FLAGS, f"unexpected flags of {row['ccsid']}")
         require(row["name"] and '"' not in row["name"], f"unexpected name of {row['ccsid']}")
-    # "?\?" keeps the compiler from seeing a trigraph.
+    # "?\?" prevents the compiler from reading a trigraph.
     return [f'{{{row["ccsid"]}, {row["flags"]}, "{row["name"].replace("??", "?" + chr(92) + "?")}"}},' for row in rows]
 
 

@@ -14,7 +14,7 @@ from tool_texts import STANDARD_SWITCHES, parse_usage, tool_texts
 
 FILE_VALUES = {"file", "filename", "directory", "path"}
 COMPLETION = """\
-# Completion of {name}'s command line. Made from its usage string.
+# Completion for the command line of {name}, generated from its usage string.
 _{name}() {{
   local current=${{COMP_WORDS[COMP_CWORD]}} previous=${{COMP_WORDS[COMP_CWORD - 1]}} names=
   COMPREPLY=()

@@ -29,7 +29,7 @@ class Texts:
     help: str
 
     def shown_usage(self, tagged=False):
-        """As the usage writer shows it, with or without the lines that are tagged as internal."""
+        """Returns the usage as the library shows it, with or without tagged lines."""
         return [re.sub(r'[()"!]', "", line) for line in self.usage.split("\n") if tagged or "!" not in line]
 
 
@@ -50,12 +50,12 @@ def parse_usage(usage):
 
 
 def string_of(tokens, constants):
-    """Neighbouring literals are one text; a name stands for its constant."""
+    """Returns the string that adjacent literals and names of constants form."""
     return "".join(ast.literal_eval(t) if t.startswith('"') else constants[t] for t in tokens)
 
 
 def header_texts(path):
-    """The enumeration's names with their numbers, and the constants and table entries by name or number."""
+    """Returns the numbers of the enumerators by name, and the strings of constants and entries by name or index."""
     tokens = [t for t in TOKEN.findall(path.read_text(encoding="utf-8")) if not t.startswith("//")]
     numbers, constants, following = {}, {}, 0
     start = tokens.index("{", tokens.index("enum"))

@@ -14,7 +14,7 @@ ENUMERATORS = re.compile(r"CCSID_(\d+) = \d+,")
 
 
 def escaped(words):
-    """Plain text as Doxygen's Markdown shows it; what stands between back-quotes is left as it is."""
+    """Escapes plain text for Doxygen's Markdown; text between backquotes is not changed."""
     parts = re.split(r"(`[^`]*`)", words)
     return "".join(part if part.startswith("`") else
                    re.sub(r"([\\@<>#%&*~])", r"\\\1", part).replace('"', "&quot;") for part in parts)
@@ -26,7 +26,7 @@ def prose(words):
 
 
 def comment(lines):
-    """A block of comment texts with its examples marked."""
+    """Returns the lines of a comment with its examples marked as code."""
     result, example = [], []
 
     def close_example():
@@ -50,7 +50,7 @@ def comment(lines):
 
 
 def code_of(line):
-    """A line without comments and literals, for counting its brackets."""
+    """Returns the line without comments and literals, so that its brackets can be counted."""
     line = re.sub(r'"(?:\\.|[^"\\])*"|\'(?:\\.|[^\'\\])\'', '""', line)
     return re.sub(r"//.*", "", line).rstrip()
 
@@ -68,7 +68,7 @@ def is_complete(statement, in_enum):
 
 
 def special_member(text, scope):
-    """What to say about a destructor or a copying member without a comment; None for any other member."""
+    """Returns the comment for a destructor or a copy operation that has none, or None for any other member."""
     if not scope:
         return None
     if re.search(rf"~{scope}\(\)", text):
