@@ -35,6 +35,8 @@ endif()
 function(vel_add_parts name)
   cmake_parse_arguments(ARG "" "" "SOURCES" ${ARGN})
   add_library(${name} OBJECT EXCLUDE_FROM_ALL ${ARG_SOURCES})
+  # CMake cannot deduce the language of headers alone.
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
   vel_use_project_options(${name})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
 endfunction()
