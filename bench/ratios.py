@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Prints how long our jobs take beside those of their peers: ratios of medians of one or more runs of
-vel_bench, with the goals of goals.tsv; and writes them, without absolute times, to a table for the manual.
+"""Compares the times of the library with those of its peers. Prints the ratios of the medians of one or more runs of
+vel_bench together with the goals in goals.tsv, and writes them, without absolute times, to a table for the manual.
 
   ratios.py goals.tsv ratios.tsv results.json...
 
-A row of goals.tsv names benchmarks; a "*" at the end of its own one stands for every argument that the run
-has, and in the others for the same one. What was not run is left out."""
+A row of goals.tsv names benchmarks. A "*" at the end of the library's benchmark means every argument that was run; in
+the peers' names it means the same argument. Benchmarks that were not run are left out."""
 import json
 import re
 import statistics
@@ -15,7 +15,7 @@ COLUMNS = ("job", "own", "peer", "goal", "limit", "note")
 
 
 def median_times(files):
-    """Nanoseconds of processor time, or those that a benchmark has measured itself, by name."""
+    """Returns the nanoseconds per benchmark name: processor time, or the time that the benchmark itself measured."""
     units = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
     runs = {}
     for file in files:

@@ -1,4 +1,4 @@
-# Warnings, sanitizers and the run-time libraries that programs need beside them.
+# Warnings, sanitizers, and the run-time DLLs that Windows programs need in their directory.
 
 function(vel_use_project_options target)
   target_compile_options(${target} PRIVATE
@@ -16,31 +16,35 @@ function(vel_use_project_options target)
     target_link_options(${target} PRIVATE -fprofile-instr-generate)
   endif()
   if(VEL_BUILD_FUZZERS)
-    # The fuzzer sees which code an input reaches, within the library too.
+    # Instruments the library as well, so that the fuzzer sees which code an input reaches.
     target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
   endif()
 endfunction()
 
-# For sources that are written in the compiler's vectors: their own headers leave vectors uninitialized on purpose.
+# Options for sources with vector intrinsics. The intrinsics' own headers leave vectors uninitialized on purpose, which
+# g++ warns about.
 set(VEL_VECTOR_OPTIONS $<$<NOT:$<CONFIG:Debug>>:-O3> $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 if(MINGW)
-  # The compiler assumes an aligned stack when it spills vectors; 64-bit Windows aligns it to 16 bytes only.
+  # The compiler spills vectors with instructions that need an aligned stack, but 64-bit Windows aligns the stack to 16
+  # bytes only.
   list(APPEND VEL_VECTOR_OPTIONS -Wa,-muse-unaligned-vector-move)
 endif()
 
-# vel_add_parts(NAME SOURCES <files>...): what several programs are made of, compiled once and only where one of them is
-# built. Programs link it like a library.
+# vel_add_parts(NAME SOURCES <files>...): sources that several programs share. They are compiled once, and only if one
+# of the programs is built. A program links them like a library.
 function(vel_add_parts name)
   cmake_parse_arguments(ARG "" "" "SOURCES" ${ARGN})
   add_library(${name} OBJECT EXCLUDE_FROM_ALL ${ARG_SOURCES})
+  # CMake cannot deduce the language of headers alone.
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
   vel_use_project_options(${name})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
 endfunction()
 
-# The C++ runtime is shared, so that exceptions and streams cross the DLL
-# boundary; on Windows its DLLs have to lie beside the programs.
+# The C++ runtime is linked as a shared library, so that exceptions and streams can cross the DLL boundary. On Windows
+# its DLLs must be in the directory of the programs.
 if(MINGW)
-  # The same sources make the same files.
+  # A time stamp would make every build different.
   add_link_options(LINKER:--no-insert-timestamp)
   set(VEL_RUNTIME_DLLS)
   foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)

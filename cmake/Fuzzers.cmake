@@ -1,9 +1,10 @@
-# Fuzz targets: with libFuzzer for ./dev fuzz; otherwise every test run replays their seeds, which are in
-# corpus/<target without "_fuzz">, and what replay.cpp makes of them. A dictionary lies beside that folder, under the
-# target's name or its first word.
+# Fuzz targets. ./dev fuzz builds them with libFuzzer. In all other builds each target is a test that replays its
+# seeds and the variations that replay.cpp makes of them. The seeds are in corpus/<target without "_fuzz">. A
+# dictionary for a target is beside that directory and has the name of the target or its first word.
 
-# Thousands of bytes that a replay works through, which is what bounds it: a busy machine takes longer, but does not
-# fail. With sanitizers a byte costs twenty times as much, and under Wine a file does.
+# The number of kilobytes that a replay processes. A limit in bytes instead of in seconds does not fail on a busy
+# machine. It is lower where the same work takes longer: with sanitizers a byte costs twenty times as much, and under
+# Wine a file does.
 set(VEL_REPLAY_WORK 16000)
 if(VEL_SANITIZE OR CMAKE_CROSSCOMPILING)
   set(VEL_REPLAY_WORK 4000)
@@ -15,8 +16,9 @@ else()
   vel_add_parts(fuzz_entry SOURCES replay.cpp)
 endif()
 
-# vel_add_fuzzer(NAME [INSIDE] [POSIX] [DIVISOR <number>] [PARTS <targets>...]): NAME.cpp. With INSIDE it also calls what
-# the library hides. DIVISOR is for slow targets: they do less work. POSIX is for what Windows does not have.
+# vel_add_fuzzer(NAME [INSIDE] [POSIX] [DIVISOR <number>] [PARTS <targets>...]): adds the target in NAME.cpp. INSIDE is
+# required if it calls functions that the shared library hides. DIVISOR reduces the work of slow targets. POSIX is for
+# targets that use something that Windows does not have.
 function(vel_add_fuzzer name)
   cmake_parse_arguments(ARG "INSIDE;POSIX" "DIVISOR" "PARTS" ${ARGN})
   if(ARG_POSIX AND WIN32)

@@ -1,7 +1,7 @@
 # vel_add_generated_tables(<target> OUTPUTS <files>... DEPENDS <files>... ARGUMENTS <words>...): tables that a Python
-# script of this folder, the first of DEPENDS, makes from data files into `generated`; the room
-# that names the target after GENERATED includes them.
-# "@OUT@" in the arguments stands for that folder.
+# script generates from data files. The script is the first file of DEPENDS; the outputs are in the directory
+# `generated` of the current build directory, for which the arguments have "@OUT@". A room that includes the tables
+# names the target after GENERATED.
 function(vel_add_generated_tables target)
   cmake_parse_arguments(ARG "" "" "OUTPUTS;DEPENDS;ARGUMENTS" ${ARGN})
   set(out ${CMAKE_CURRENT_BINARY_DIR}/generated)

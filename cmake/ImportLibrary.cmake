@@ -1,5 +1,5 @@
-# qamc5032.lib: what linkers for the other C++ ABI of Windows take, with the plain functions alone. Classes stay out:
-# their names and layouts are those of this library's own compiler.
+# qamc5032.lib: the import library for linkers of the other C++ ABI on Windows. It has only the plain functions, because
+# names and layouts of classes depend on the compiler that built this library.
 find_program(VEL_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14)
 if(NOT VEL_DLLTOOL)
   message(FATAL_ERROR "llvm-dlltool not found: run ./dev setup")

@@ -1,10 +1,10 @@
-# The installed library: `find_package(qamc5032)` gives the target qamc5032::qamc5032 and, on Windows, the folder
-# of the DLLs that programs need beside them, qamc5032_RUNTIME_DIR; pkg-config calls that one bindir.
-# Three components: runtime, development and tools. The tools' files are installed by their own folder.
+# Installs the library. `find_package(qamc5032)` defines the target qamc5032::qamc5032 and qamc5032_RUNTIME_DIR, the
+# directory with the DLLs that Windows programs need in their own directory. pkg-config calls that directory bindir.
+# There are three components: runtime, development and tools. tools/CMakeLists.txt installs the files of the tools.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/qamc5032)
-# The message catalog is found beside the programs, and on Linux beside the library too.
+# The library finds its message catalog in the directory of the program, and in its own directory.
 set(catalog_dir $<IF:$<BOOL:${WIN32}>,${CMAKE_INSTALL_BINDIR},${CMAKE_INSTALL_LIBDIR}>)
 
 install(TARGETS qamc5032 EXPORT qamc5032
@@ -15,15 +15,13 @@ install(TARGETS qamc5032 EXPORT qamc5032
 if(VEL_HAS_CATALOG_TOOLS)
   install(FILES ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/qammsg50.DLL DESTINATION ${catalog_dir} COMPONENT runtime)
 endif()
-# The licence goes along as soon as the owner has put one there.
-install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime OPTIONAL)
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/THIRD_PARTY_NOTICES.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
 if(WIN32)
   install(FILES ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/qamc5032.def ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/qamc5032.lib
           DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
   install(FILES ${VEL_RUNTIME_DLLS} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
-  # The notices of the C++ runtime's own makers go where its DLLs go.
+  # The notices of the C++ runtime's authors must accompany its DLLs.
   foreach(source gcc-mingw-w64-base mingw-w64-x86-64-dev)
     install(FILES /usr/share/doc/${source}/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME ${source}.txt
             COMPONENT runtime OPTIONAL)
@@ -37,7 +35,7 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/qamc5032ConfigVersion.cmake
 install(FILES ${CMAKE_BINARY_DIR}/qamc5032Config.cmake ${CMAKE_BINARY_DIR}/qamc5032ConfigVersion.cmake
         DESTINATION ${package_dir} COMPONENT development)
 
-# Relocatable: all folders are told from the place of the file itself.
+# The file is relocatable: all directories are relative to its own location.
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH prefix_of_pkgconfig ${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir} ${CMAKE_INSTALL_PREFIX})
 string(REGEX REPLACE "/$" "" prefix_of_pkgconfig "${prefix_of_pkgconfig}")

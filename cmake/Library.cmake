@@ -1,4 +1,4 @@
-# The shared library. Its objects are those of the rooms, see Rooms.cmake.
+# The shared library. Rooms.cmake adds the objects of the rooms.
 add_library(qamc5032 SHARED)
 add_library(qamc5032::qamc5032 ALIAS qamc5032)
 vel_use_project_options(qamc5032)
@@ -8,7 +8,8 @@ set_target_properties(qamc5032 PROPERTIES
   VERSION ${PROJECT_VERSION}
   VERIFY_INTERFACE_HEADER_SETS ON)
 
-# VEL_SYSTEM names the list of exported names; VEL_DEF_FILE_OPTION tells its check of another one.
+# VEL_SYSTEM selects the list of exported names, vel_include/exported_names/<system>.txt. VEL_DEF_FILE_OPTION is an
+# argument for its check: on Windows the names are in a module-definition file.
 if(WIN32)
   set(VEL_SYSTEM windows)
   include(cmake/ImportLibrary.cmake)
@@ -22,6 +23,7 @@ else()
   target_link_options(qamc5032 PRIVATE LINKER:-Bsymbolic-functions)
 endif()
 if(NOT WIN32 AND NOT VEL_SANITIZE)
-  # A missing symbol shows here and not when the first program is linked. The sanitizers' own come with it.
+  # Reports undefined symbols now instead of when the first program is linked. With sanitizers some symbols are
+  # defined only in the program.
   target_link_options(qamc5032 PRIVATE LINKER:--no-undefined)
 endif()

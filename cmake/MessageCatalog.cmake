@@ -1,5 +1,5 @@
-# Message catalogs: resource-only Windows DLLs, compiled from a message source with the
-# same tools on every system, since the library reads the same file on all of them.
+# Message catalogs: resource-only Windows DLLs, compiled from message sources. The tools are the same on every system,
+# because the library reads the same file on every system.
 
 find_program(VEL_WINDMC x86_64-w64-mingw32-windmc)
 find_program(VEL_WINDRES x86_64-w64-mingw32-windres)
@@ -14,10 +14,9 @@ else()
                   "the library uses its built-in texts")
 endif()
 
-# vel_add_message_catalog(<target> MC <file.mc> OUTPUT_NAME <name> [ANSI]): a target, part
-# of every build, that makes <name>.DLL beside the programs. The message source is UTF-8;
-# its texts are stored as UTF-16, with ANSI as bytes of code page 1252. MC may be the
-# output of a custom command of the same folder.
+# vel_add_message_catalog(<target> MC <file.mc> OUTPUT_NAME <name> [ANSI]): a target, part of every build, that makes
+# <name>.DLL in the directory of the programs. The message source is UTF-8. Its texts are stored as UTF-16 or, with
+# ANSI, in code page 1252. MC may be the output of a custom command in the same directory.
 function(vel_add_message_catalog target)
   if(NOT VEL_HAS_CATALOG_TOOLS)
     add_custom_target(${target})
@@ -26,7 +25,7 @@ function(vel_add_message_catalog target)
   cmake_parse_arguments(ARG "ANSI" "MC;OUTPUT_NAME" "" ${ARGN})
   get_filename_component(source ${ARG_MC} ABSOLUTE)
   get_filename_component(base ${ARG_MC} NAME_WLE)
-  # The message compiler names the files of a language alike for every source.
+  # The message compiler uses the same output names for every source, so each catalog needs a directory of its own.
   set(work ${CMAKE_CURRENT_BINARY_DIR}/${target}.catalog)
   set(library ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${ARG_OUTPUT_NAME}.DLL)
   set(entries --unicode_out)

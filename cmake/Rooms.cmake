@@ -1,19 +1,20 @@
-# Rooms: the folders that the library is made of, and which of them may use which. Every source is compiled once a
-# preset. The shared library has the objects of all rooms. Two static ones, never installed, have objects that it hides:
-# qamc5032_inside has all, for programs that test it from inside and are linked with it instead of the shared library;
-# qamc5032_seam has the rooms without public names, for tools, which are linked with it beside the shared library.
+# Rooms: the directories that make up the library, and which room may use which. Every source is compiled once per
+# preset. The shared library contains the objects of all rooms. Two static libraries, which are never installed, give
+# access to objects that the shared library hides:
+# - qamc5032_inside contains the objects of all rooms. White-box tests link it instead of the shared library.
+# - qamc5032_seam contains the rooms without public headers. Tools link it in addition to the shared library.
 
 add_library(qamc5032_inside STATIC EXCLUDE_FROM_ALL)
 add_library(qamc5032_seam STATIC EXCLUDE_FROM_ALL)
 set_target_properties(qamc5032_inside qamc5032_seam PROPERTIES LINKER_LANGUAGE CXX)
-# Nothing is imported from a DLL then.
+# Programs that link this library must not declare its functions as imported from a DLL.
 target_compile_definitions(qamc5032_inside INTERFACE VEL_BUILDING_LIBRARY)
 
 # vel_add_room(<name> SOURCES <files>... [PUBLIC <headers>...] [USES <rooms>...] [GENERATED <targets>...]
 #              [LIBRARIES <libraries>...])
-# PUBLIC are the headers of vel_include/ that the room implements. A file of the room includes headers of the room
-# itself, of the rooms that it USES, and no others: the build checks that. GENERATED are its generated tables.
-# LIBRARIES are the system's that the room's objects need.
+# PUBLIC lists the headers of vel_include/ that the room implements. A file of the room may include headers of the
+# room itself and of the rooms that it USES, and no others; the build checks that. GENERATED lists the targets of its
+# generated tables, and LIBRARIES the system libraries that its objects need.
 function(vel_add_room name)
   cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;USES;GENERATED;LIBRARIES" ${ARGN})
   set(room room_${name})
@@ -27,7 +28,8 @@ function(vel_add_room name)
     add_dependencies(${room} ${ARG_GENERATED})
   endif()
   if(NOT WIN32)
-    # Calls within the library go straight to their targets: no program replaces single functions of it.
+    # Lets the compiler inline and bind calls within the library directly; programs cannot replace single functions of
+    # it.
     target_compile_options(${room} PRIVATE -fno-semantic-interposition)
   endif()
   set(libraries qamc5032 qamc5032_inside)
@@ -46,8 +48,9 @@ function(vel_add_room name)
   set_property(GLOBAL APPEND_STRING PROPERTY VEL_ROOMS "${name}\t${uses}\t${headers}\n")
 endfunction()
 
-# vel_add_room_of_programs(<name> [USES <rooms>...] [HEADERS <files>...]): a folder of programs that use the public headers
-# and, for a reason that its build file gives, these rooms without public headers and these single files.
+# vel_add_room_of_programs(<name> [USES <rooms>...] [HEADERS <files>...]): a directory of programs that use the public
+# headers. Its build file gives the reason if they also use rooms without public headers (USES) or single other headers
+# (HEADERS).
 function(vel_add_room_of_programs name)
   cmake_parse_arguments(ARG "" "" "USES;HEADERS" ${ARGN})
   list(JOIN ARG_USES " " uses)
@@ -57,8 +60,8 @@ function(vel_add_room_of_programs name)
   set_property(GLOBAL APPEND_STRING PROPERTY VEL_ROOMS "${name}\t${uses} public\t${headers}\n")
 endfunction()
 
-# vel_check_rooms(): part of every build, after all rooms are declared. It fails when a file includes a header of a room
-# that its own does not use.
+# vel_check_rooms(): adds the check of all rooms to every build. Call it after all rooms are declared. The build fails
+# if a file includes a header of a room that its own room does not list.
 function(vel_check_rooms)
   get_property(rooms GLOBAL PROPERTY VEL_ROOMS)
   get_property(sources GLOBAL PROPERTY VEL_ROOM_SOURCES)

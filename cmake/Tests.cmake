@@ -1,5 +1,5 @@
-# GoogleTest from Debian's sources, so that the cross build gets it too, and the
-# function that adds one test program for a folder.
+# Builds GoogleTest from the sources in Debian's package, because the cross build needs it too, and defines the
+# functions that add test programs.
 
 set(VEL_GOOGLETEST_DIR /usr/src/googletest CACHE PATH "GoogleTest sources")
 if(NOT EXISTS ${VEL_GOOGLETEST_DIR}/CMakeLists.txt)
@@ -33,8 +33,8 @@ if(CMAKE_CROSSCOMPILING)
   add_dependencies(qamc5032 wine_icu)
 endif()
 
-# vel_limit_test(NAME): what all of the tests need. A test that hangs ends at some time, at one that no busy machine
-# reaches.
+# vel_limit_test(NAME): properties that every test needs. The time limit ends a test that hangs; it is so long that a
+# busy machine does not reach it.
 function(vel_limit_test name)
   set_tests_properties(${name} PROPERTIES TIMEOUT 1500)
   if(CMAKE_CROSSCOMPILING)
@@ -42,8 +42,8 @@ function(vel_limit_test name)
   endif()
 endfunction()
 
-# vel_add_test_program(NAME [POSIX] SOURCES <files>...): a program that tests start as a child. POSIX is for what Windows
-# does not have.
+# vel_add_test_program(NAME [POSIX] SOURCES <files>...): a program that tests start as a child process. POSIX is for
+# programs that use something that Windows does not have.
 function(vel_add_test_program name)
   cmake_parse_arguments(ARG "POSIX" "" "SOURCES" ${ARGN})
   if(ARG_POSIX AND WIN32)
@@ -69,9 +69,10 @@ function(vel_add_test_library name)
 endfunction()
 
 # vel_add_tests(NAME [INSIDE] [POSIX] SOURCES <files>... [POSIX_SOURCES <files>...] [PARTS <targets>...]
-#               [DEPENDS <targets>...] [ENVIRONMENT <assignments>...]): one program, one ctest entry; under Wine starting
-# a process costs more than most tests. With INSIDE they also call what the library hides. POSIX and POSIX_SOURCES are
-# for what Windows does not have.
+#               [DEPENDS <targets>...] [ENVIRONMENT <assignments>...])
+# Adds one test program as one ctest entry, because under Wine starting a process costs more than most tests. INSIDE is
+# required if the tests call functions that the shared library hides. POSIX (the whole program) and POSIX_SOURCES (these
+# files) are for tests of something that Windows does not have.
 function(vel_add_tests name)
   cmake_parse_arguments(ARG "INSIDE;POSIX" "" "SOURCES;POSIX_SOURCES;PARTS;DEPENDS;ENVIRONMENT" ${ARGN})
   if(ARG_POSIX AND WIN32)
@@ -88,7 +89,7 @@ function(vel_add_tests name)
   vel_use_test_options(${name})
   target_precompile_headers(${name} REUSE_FROM test_headers)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
-  # The folder of the data files that tests read.
+  # The directory with the data files of the tests.
   target_compile_definitions(${name} PRIVATE VEL_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/")
   target_link_libraries(${name} PRIVATE ${ARG_PARTS} ${library} test_support gmock_main)
   add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})

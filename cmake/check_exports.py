@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Compares what the built library exports with what the public headers declare and with the list of what programs
-were linked to: a name that is gone, or a virtual function in another slot, breaks them.
+"""Compares the exported names of the built library with the declarations in the public headers and with the list of
+names and virtual function slots that programs were linked with. A removed name, or a virtual function in another slot,
+breaks these programs.
 
 check_exports.py --headers DIRECTORY --library FILE [--def FILE] --list FILE [--renew]
                  --nm PROGRAM --objdump PROGRAM --cxxfilt PROGRAM
@@ -20,8 +21,8 @@ from vtables import slots
 CLASS_DATA = re.compile(r"^(?:typeinfo for|typeinfo name for|vtable for|guard variable for|VTT for) (\w+)$")
 RENEW = """\
 The exported names or virtual functions differ from {list}.
-If that is meant, build the target renew_exported_names for both systems and commit the lists with the change;
-what programs were linked to and is gone or has moved needs a new SOVERSION."""
+If you changed them on purpose, build the target renew_exported_names for both systems and commit the lists with the
+change. Removed names and moved slots break linked programs and require a new SOVERSION."""
 
 
 def names_of_library(nm, library):

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Installs a build, moves it to another folder and uses it there as strangers would: through CMake, through
-# pkg-config, with another compiler's linker, from the command line and from a shell's completion.
+# Installs a build, moves it to another directory and uses it there as a user would: with CMake, with pkg-config, with
+# the linker of another compiler, on the command line, and with the completion of a shell.
 # check_install.sh BUILD_FOLDER EXAMPLES_FOLDER COMPILER EMULATOR|"" CMAKE [CMAKE_ARGUMENT...]
 set -euo pipefail
 build=$1 examples=$2 compiler=$3 emulator=$4 cmake=$5
 shift 5
 work=$build/install-check prefix=$build/install-check/moved
 
-# expect TEXT COMMAND...: the command's output holds the text.
+# expect TEXT COMMAND...: fails unless the output of the command contains the text.
 expect() {
   local text=$1 output
   shift
@@ -31,12 +31,12 @@ through_pkg_config() {
   read -ra flags < <(pkg-config --cflags --libs qamc5032)
   mkdir "$work/pkg-config"
   "$compiler" -std=c++20 "$examples/greet.cpp" "${flags[@]}" -o "$work/pkg-config/greet"
-  # Windows finds a DLL beside the program.
+  # Windows finds a DLL in the directory of the program.
   if [ -n "$emulator" ]; then cp "$(pkg-config --variable=bindir qamc5032)"/*.[dD][lL][lL] "$work/pkg-config"; fi
   LD_LIBRARY_PATH=$(pkg-config --variable=libdir qamc5032) run "$work/pkg-config/greet" -name pkg-config
 }
 
-# Without any C runtime: the headers and the import library are all that such a compiler takes from here.
+# Links without a C runtime, because such a compiler uses only the headers and the import library of the installation.
 through_other_linker() {
   local program=$work/pkg-config/plain
   printf '#include <vel_c.h>\nint start(void) { return velMatchesWildcardPattern("*.INI", "tool.ini", false) ? 0 : 9; }\n' \
@@ -46,7 +46,7 @@ through_other_linker() {
   run "$program" && echo "linked and ran"
 }
 
-# complete_line WORD...: what the shell offers for the last word.
+# complete_line WORD...: prints the completions that the shell offers for the last word.
 complete_line() {
   local COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)) COMPREPLY
   source "$prefix/share/bash-completion/completions/$1"

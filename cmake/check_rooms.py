@@ -1,8 +1,8 @@
-"""Fails when a file of a room includes a header of a room that its own does not use.
+"""Fails if a file of a room includes a header of a room that its own room does not list in USES.
 
---rooms is a table with a line for each room: its name, the rooms that it uses, its public headers. A folder of programs
-"uses" the word public, which stands for all public headers, and has in the last column the single files of other rooms
-that it includes. Files that only the build of another system compiles are checked as well.
+--rooms is a table with a line for each room: its name, the rooms that it uses, and its public headers. For a directory
+of programs, the second column contains the word "public", which means all public headers, and the third column lists
+single files of other rooms that it may include. Files that are compiled only on another system are checked as well.
 """
 import argparse
 import pathlib
@@ -11,7 +11,7 @@ import sys
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 PUBLIC = "vel_include"
-# They gather the others for programs, and belong to no room.
+# These headers include all others and do not belong to a room.
 GATHERING = {"vel.h", "vel_c.h"}
 
 
@@ -32,7 +32,7 @@ class Rooms:
         self.owners = {header: name for name, room in self.rooms.items() for header in room.public}
 
     def faults_of_table(self, public):
-        """A room may use only what is declared before it, so that there is no circle."""
+        """A room may use only rooms that are declared before it, so that there is no cycle."""
         known = set()
         for name, room in self.rooms.items():
             for other in sorted(room.uses - known):
@@ -42,7 +42,7 @@ class Rooms:
             yield f"{PUBLIC}/{header} belongs to no room"
 
     def fault(self, name, included):
-        """Why a file of this room must not include that one; None when it may."""
+        """Returns the reason why a file of this room must not include that one, or None if it may."""
         folder, _, rest = included.partition("/")
         room = self.rooms[name]
         if included in room.single_files or (folder == PUBLIC and room.is_programs and rest not in GATHERING):
@@ -54,7 +54,7 @@ class Rooms:
 
     def faults_of_file(self, room, path, text):
         for included in INCLUDE.findall(text):
-            # Public headers include each other, and generated tables are included, by their names alone.
+            # Public headers include each other without a directory; so do includes of generated tables.
             whole = included if "/" in included else f"{path.partition('/')[0]}/{included}"
             if (why := self.fault(room, whole)) is not None:
                 yield f"{path}: includes {included}: {why}"

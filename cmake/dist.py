@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Makes packages of a build: Debian packages (library, -dev, tools) of a Linux one, a zip file of a Windows one. The
-same sources and SOURCE_DATE_EPOCH give the same bytes, in whatever folder they were built.
+"""Makes packages from a build: Debian packages (library, -dev, tools) from a Linux build, or a zip file from a Windows
+build. The same sources and the same SOURCE_DATE_EPOCH produce the same bytes, in whatever directory they were built.
 
     SOURCE_DATE_EPOCH=SECONDS dist.py --build FOLDER --out FOLDER --version VERSION (--deb | --zip)
 """
@@ -18,7 +18,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 EPOCH = int(os.environ["SOURCE_DATE_EPOCH"])
 LIBRARY = "libqamc5032-5"
 LIBRARY_SHLIBS = "libqamc5032 5 libqamc5032-5 (>= {version})\n"
-# Package name: component, section, dependencies beside those of its programs, what it is in a line and in full.
+# Package name: component, section, dependencies in addition to those of its programs, short and long description.
 PACKAGES = {
     LIBRARY: ("runtime", "libs", "", "operating-system services library",
               "Files, processes, messages, console front ends, tracing, INI files and code\n"
@@ -69,7 +69,7 @@ def normalize(root):
 
 
 def program_dependencies(work, root):
-    """What the package's programs and libraries are linked to, as the packages that hold it."""
+    """Returns the packages of the libraries that the programs and libraries of the package are linked with."""
     linked = [path for path in files(root) if not path.is_symlink() and path.read_bytes()[:4] == b"\x7fELF"]
     if not linked:
         return ""
@@ -80,7 +80,7 @@ def program_dependencies(work, root):
 
 
 def add_notices(root, name):
-    """The licence and all notices, in the one file where this system looks for them."""
+    """Returns the licence and all notices as one text, for the one file where Debian expects them."""
     documents = root / "usr/share/doc"
     shutil.rmtree(documents, ignore_errors=True)
     (documents / name).mkdir(parents=True)

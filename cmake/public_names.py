@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""The names that the public headers declare for export.
+"""Finds the names that the public headers declare for export.
 
-    public_names.py --headers DIRECTORY --def FILE   module definitions of the plain functions, to make an import
-                                                     library of for compilers with another C++ ABI
+    public_names.py --headers DIRECTORY --def FILE   writes a module-definition file with the plain functions, from
+                                                     which an import library for compilers with another C++ ABI is made
 """
 import argparse
 import pathlib
@@ -10,13 +10,13 @@ import re
 
 
 def declared(directory):
-    """The plain functions, the classes, and the other functions and data."""
+    """Returns three sets of names: plain functions, classes, and other functions and data."""
     text = "\n".join(path.read_text(encoding="utf-8") for path in sorted(directory.glob("*.h")))
     text = re.sub(r"//[^\n]*", "", text)
     plain = set(re.findall(r"^VEL_C_API\b[^;(]*?\b(\w+)\s*\(", text, re.MULTILINE))
     classes = set(re.findall(r"\b(?:class|struct) VEL_API (\w+)", text))
     functions = {name.replace(" ", "") for name in re.findall(r"^VEL_API\b[^;(]*?(operator\S+|\b\w+)\s*\(", text, re.MULTILINE)}
-    # Data is told apart by its leading word.
+    # Declarations of data begin with "extern".
     functions |= set(re.findall(r"^extern VEL_API\b[^;(]*?(\w+);", text, re.MULTILINE))
     return plain, classes, functions
 

@@ -1,5 +1,5 @@
-# 64-bit Windows from Debian's mingw-w64 with the POSIX thread model, so that
-# the C++ runtime is complete. Test programs run under Wine through wine-run.
+# Cross build for 64-bit Windows with Debian's mingw-w64. Only its POSIX thread model has a complete C++ runtime. Test
+# programs run under Wine, started by wine-run.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 

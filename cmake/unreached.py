@@ -1,15 +1,16 @@
 #!/usr/bin/env python3
-"""Lists the lines and branches that no test reached, and compares them with the list of those that are justified.
+"""Lists the lines and branches that no test reached, and compares them with the list of justified ones.
 
 unreached.py --root DIRECTORY --list FILE --out FILE ROOM... <(llvm-cov export)
 
-A row of the list has a file, what is missing, where it is, the text of the source line, and the reason:
-  lines  the number of lines, of which this is the first
-  true   a condition on this line that is never true
-  false  a condition on this line that is never false
-With "perhaps" before one of these words chance decides; then the line has to be there, and no more.
-Fails for each place without a row, and for each row without a place. What only an unreached condition keeps
-from running has no place of its own.
+A row of the list has five columns: the file, what is missing, where, the text of the source line, and the reason.
+What is missing is one of these:
+  lines  unreached lines, of which this is the first; the third column is their number
+  true   a condition on this line that is never true; the third column is the condition
+  false  a condition on this line that is never false; the third column is the condition
+"perhaps true" and "perhaps false" are for conditions that depend on chance: such a row only requires that the line
+exists. Fails for each unreached place without a row, and for each row without an unreached place. Code that does not
+run only because a listed condition never has the required value needs no row of its own.
 """
 import argparse
 import collections
@@ -38,7 +39,7 @@ def lines_without_count(segments):
 
 
 def unreached_lines(segments):
-    """Each first line, and how many follow each other."""
+    """Returns the first line and the length of each run of consecutive lines."""
     runs = []
     for line in lines_without_count(segments) if segments else ():
         if runs and line == sum(runs[-1]):
@@ -49,7 +50,7 @@ def unreached_lines(segments):
 
 
 def unreached_outcomes(branches):
-    """Of all instances of a template together. What was neither true nor false follows from another place."""
+    """Adds up all instances of a template. A condition that was never evaluated is left out: the reason is elsewhere."""
     sums = collections.defaultdict(lambda: [0, 0])
     for *place, true_count, false_count, _, _, _ in branches:
         sums[tuple(place)][0] += true_count

@@ -1,4 +1,4 @@
-"""The slots of a built library's virtual function tables, read with nm and objdump from an ELF or a PE file."""
+"""Reads the slots of the virtual function tables of a built library (ELF or PE) with nm and objdump."""
 import bisect
 import re
 import struct
@@ -18,7 +18,7 @@ class Image:
         self.symbols = [(int(address, 16), name) for address, name in
                         re.findall(r"^([0-9a-f]+) \w (\S+)$", run(nm, "--defined-only", str(library)), re.MULTILINE)]
         self.addresses = sorted({address for address, _ in self.symbols})
-        # Of several names for one place the shortest that the language made is the plainest.
+        # If several symbols have the same address, prefer the shortest mangled C++ name.
         self.names = {}
         for address, name in sorted(self.symbols, key=lambda s: (not s[1].startswith("_Z"), len(s[1]), s[1])):
             self.names.setdefault(address, name)
@@ -31,7 +31,7 @@ class Image:
                 self.relocations[int(place, 16)] = self.names.get(int(addend or "0", 16)) if target == "*ABS*" else target
 
     def word(self, address):
-        """The name of what the word points to, or its value."""
+        """Returns the name of the symbol that the word points to, or the value of the word."""
         if address in self.relocations:
             return self.relocations[address]
         for size, start, offset in self.sections:
@@ -49,8 +49,9 @@ class Image:
 
 
 def slots(library, nm, objdump):
-    """Mangled table name -> what its slots hold, in order: mangled names, 0 for what an abstract class leaves empty,
-    other numbers between two parts of a table. Zeros at the end cannot be told from padding; a PE file has zeros for
-    pure virtual functions too, so that its abstract classes show in their derived classes only."""
+    """Returns a dictionary from the mangled name of each table to the contents of its slots, in order: mangled names, 0
+    for functions that an abstract class does not define, and other numbers between two parts of a table. Zeros at the
+    end are left out, because they may be padding. A PE file has zeros for pure virtual functions too, so changes of its
+    abstract classes show only in their derived classes."""
     image = Image(library, nm, objdump)
     return {name: image.table(address) for address, name in image.symbols if name.startswith("_ZTV")}

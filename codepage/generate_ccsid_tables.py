@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Makes the C++ rows of the tables of CCSIDs and of ICU's errors from ccsids.tsv and icu_errors.tsv.
+"""Generates the C++ tables of CCSIDs and of ICU's error codes from ccsids.tsv and icu_errors.tsv.
 
 generate_ccsid_tables.py --ccsids ccsids.tsv --icu icu_errors.tsv --out DIRECTORY
 
-Writes ccsids.inc (sorted by number, which the search relies on) and icu_errors.inc (in the file's order, the
-first row with a status wins). Stops when the data break an assumption of the code.
+Writes ccsids.inc (sorted by number, because the search requires it) and icu_errors.inc (in the order of the file; if
+several rows have the same status, the first one counts). Stops if the data violate an assumption of the code.
 """
 import argparse
 import csv
@@ -32,7 +32,7 @@ def ccsid_rows(rows):
     for row in rows:
         require(int(row["flags"], 16) in FLAGS, f"unexpected flags of {row['ccsid']}")
         require(row["name"] and '"' not in row["name"], f"unexpected name of {row['ccsid']}")
-    # "?\?" keeps the compiler from seeing a trigraph.
+    # "?\?" prevents the compiler from reading a trigraph.
     return [f'{{{row["ccsid"]}, {row["flags"]}, "{row["name"].replace("??", "?" + chr(92) + "?")}"}},' for row in rows]
 
 

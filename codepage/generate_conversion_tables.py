@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Makes the C++ conversion tables from the mappings.
+"""Generates the C++ conversion tables from the mappings.
 
 generate_conversion_tables.py --mappings DIRECTORY --out DIRECTORY
 
-Reads DIRECTORY/NNN.txt (mappings/README.md explains the form) and writes single_byte_tables.inc,
-double_byte_tables.inc and reverse_tables.inc. conversion_tables.h explains the layout. Values are written with their
-bytes exchanged: on a little-endian processor the high byte then comes first in memory. Stops when a mapping breaks an
-assumption of the conversion functions.
+Reads every file DIRECTORY/<ccsid>.txt (mappings/README.md explains the format) and writes single_byte_tables.inc,
+double_byte_tables.inc and reverse_tables.inc. tables/conversion_tables.h explains the layout. The bytes of each value
+are swapped, so that the high byte comes first in the memory of a little-endian processor. Stops if a mapping violates
+an assumption of the conversion functions.
 """
 import argparse
 import pathlib
@@ -14,12 +14,13 @@ import sys
 
 REVERSE_CCSIDS = (500, 850)
 REPLACEMENT = 0xFFFD
-# Page numbers are indices into the pages, plus one for lead bytes: page 0 is without mappings, page 1 has the single
-# bytes, rows follow from page 2.
+# A double-byte table has pages: page 0 has no mappings, page 1 has the single bytes, and each further page has the
+# characters of one lead byte. Page numbers are indices of pages plus one.
 UNMAPPED_PAGE_NUMBER = 1
 SINGLE_BYTES_PAGE = 1
 FIRST_ROW_PAGE_NUMBER = 3
-# Where pages with shifts have these units, if they have single bytes; conversion.h has the numbers, too.
+# The bytes of line ends that the code relies on in EBCDIC pages with single bytes. codepage/conversion.h has the same
+# numbers.
 NEXT_LINE, NEXT_LINE_BYTE = 0x0085, 0x15
 LINE_FEED, LINE_FEED_BYTE = 0x000A, 0x25
 ROUND_TRIP, TO_UNICODE, FROM_UNICODE, SUBSTITUTED = "[round-trip]", "[to-unicode]", "[from-unicode]", "[substituted]"
@@ -31,7 +32,7 @@ def require(condition, message):
 
 
 def spread(token):
-    """The values of one token, which is a value or a run of values that grow by one."""
+    """Returns the values of a token, which is one value or a run of consecutive values."""
     if "-" not in token:
         return [token]
     first, last = token.split("-")
@@ -39,7 +40,7 @@ def spread(token):
 
 
 class Mapping:
-    """One code page: `head`, `to` (bytes to Unicode) and `back` (Unicode to bytes)."""
+    """A code page: `head` (keys and values), `to` (bytes to Unicode) and `back` (Unicode to bytes)."""
 
     def __init__(self, path):
         self.head, self.to, self.back = {}, {}, {}
@@ -66,7 +67,7 @@ class Mapping:
         if section in (ROUND_TRIP, TO_UNICODE):
             key = bytes.fromhex(key)
             require(key not in self.to, f"{key.hex()} is mapped twice")
-            # What one unit cannot hold is a replacement character.
+            # A value that does not fit into one unit becomes the replacement character.
             self.to[key] = int(value, 16) if len(value) == 4 else REPLACEMENT
             if section == ROUND_TRIP and len(value) == 4:
                 self.back[int(value, 16)] = key
@@ -86,7 +87,7 @@ class Mapping:
         return sorted({key[0] for key in self.to if len(key) == 2})
 
     def lead_marks(self):
-        """1 for each byte that begins a double-byte character, which its own table tells."""
+        """Returns 1 for each byte that begins a double-byte character. A table of its own stores these marks."""
         marks = [0] * 256
         for part in self.head["lead-bytes"].split():
             first, _, last = part.partition("-")
@@ -148,7 +149,7 @@ def reverse_table(mapping):
     for unit, key in mapping.back.items():
         require(unit < 0x10000 and len(key) == 1, f"{mapping.ccsid}: a reverse mapping that does not fit")
         rows.setdefault(unit >> 8, [substitution] * 256)[unit & 0xFF] = key[0]
-    # Page 1 is for all high bytes without a mapping.
+    # Page 1 serves all high bytes without a mapping.
     index, pages = [1] * 256, [[substitution] * 256]
     for high in sorted(rows):
         pages.append(rows[high])

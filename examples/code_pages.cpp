@@ -1,4 +1,5 @@
-// Converts between code pages: what the ways do, what is lost on them, and how nothing is lost silently.
+// Converts text between code pages. Shows which characters plain conversions lose without an error, and how a
+// strict conversion reports them.
 #include <vel.h>
 
 #include <iostream>
@@ -32,7 +33,8 @@ class Text : public VelClConversionSink {
 int main() {
   show("to EBCDIC", converted(VelClCCSID::CCSID_850, VelClCCSID::CCSID_500, "A\x81\n"));
   show("and back ", converted(VelClCCSID::CCSID_500, VelClCCSID::CCSID_850, "\xC1\xDC\x15"));
-  // 1252 is from before the euro sign, and a PC page's control 1A is not that of ASCII.
+  // 1252 does not have the euro sign, and byte 1A of a PC code page is not the same control character as in
+  // ASCII.
   show("80 of 1252 in UTF-8", converted(VelClCCSID::CCSID_1252, VelClCCSID::CCSID_UTF8, "\x80"));
   show("1A of 850 in 819   ", converted(VelClCCSID::CCSID_850, VelClCCSID::CCSID_819, "\x1A"));
   show("euro sign in 819   ", converted(VelClCCSID::CCSID_UTF8, VelClCCSID::CCSID_819, "\xE2\x82\xAC"));

@@ -1,4 +1,4 @@
-// The examples print what they promise.
+// Runs the examples and compares their output with the output that the manual shows.
 #include <gtest/gtest.h>
 
 #include "platform/test/session.h"

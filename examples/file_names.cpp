@@ -1,4 +1,5 @@
-// Names of files, a scratch directory with files in it, a walk over them, and what a failure tells.
+// Splits file names, creates a temporary directory with files, walks through it, and reports the identifier
+// of an error.
 #include <vel.h>
 
 #include <iostream>
@@ -29,11 +30,11 @@ int main(int, char** argv) {
   showParts("C:\\data\\July.report.txt");
   showParts("/data/July.report.txt");
 
-  // A name that is free, and a directory of that name.
+  // Finds an unused name and creates a directory with it.
   VelClDirectory directory(VelClTmpFilename("DEMO").getAsCString());
   if (!directory.create()) return 1;
 
-  // Something to copy: this program.
+  // Copies this program, because it is a file that exists.
   VelClFile file(argv[0], nullptr);
   file.copyTo(VelClFilename(directory.getName(), "first", "txt"), false);
   file.copyTo(VelClFilename(directory.getName(), "second", "txt"), false);

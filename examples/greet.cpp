@@ -1,5 +1,5 @@
-// A small complete tool: a title, a usage string that is also the check of the command line, switches with
-// values, and the library's messages and exit codes. Try it with -h, -times 2 and -times many.
+// A small complete tool with a title, switches with values, and the library's messages and exit codes. Its
+// usage string is also the grammar of its command line. Try it with -h, -times 2 and -times many.
 #include <vel.h>
 
 #include <iostream>

@@ -1,6 +1,5 @@
-// Imports a file of EBCDIC records into a text of UTF-8 lines: settings from an INI file, messages in two
-// languages, code page conversion, a progress display, and a trace of what happens within
-// (IMPORT_TRACE_ACTIVE=yes).
+// Converts a file of EBCDIC records to lines of UTF-8 text. Reads its settings from an INI file, prints
+// messages in two languages, shows its progress, and writes a trace if IMPORT_TRACE_ACTIVE=yes.
 #include <vel.h>
 
 #include <fstream>
@@ -32,7 +31,7 @@ struct Settings {
   bool trimBlanks = false;
 };
 
-/// The front end with this program's own catalog behind the numbers above.
+/// The front end. The numbers above are messages in this program's own catalog.
 class Importer : public VelClConsoleUI {
  public:
   Importer(int argc, char** argv)
@@ -90,7 +89,7 @@ void Importer::convert(std::istream& in, std::ostream& out, const Settings& sett
     std::string_view line(text.data(), converter.convertBytes(text.data(), text.size(), &next, length));
     velTraceDump(VelEnTraceDetail::HIGH, kRecords, VelEnTraceDataType::DATA, here, "record", record.data(),
                  16);
-    // Not found gives the largest number, and one more is 0.
+    // If no character is found the result is npos, and npos + 1 is 0.
     if (settings.trimBlanks) line = line.substr(0, line.find_last_not_of(' ') + 1);
     out << line << '\n';
     progressStep(length);

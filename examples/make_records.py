@@ -1,4 +1,4 @@
-"""Makes a file of EBCDIC records (German, CCSID 273) of a UTF-8 text: a record of fixed length for each line."""
+"""Makes a file of EBCDIC records (German, CCSID 273) from a UTF-8 text: one record of fixed length per line."""
 import argparse
 import pathlib
 

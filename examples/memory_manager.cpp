@@ -1,4 +1,4 @@
-// Puts an allocator of the program's own under the library: it counts, and it has a limit.
+// Installs an allocator of the program's own, which counts allocations and has a limit.
 #include <vel.h>
 
 #include <cstdio>
@@ -28,7 +28,7 @@ void deallocate(void* block) {
 }  // namespace
 
 int main() {
-  // Before the library is used for anything else.
+  // Must come before any other use of the library.
   velSetNewMemoryManager(&allocate, &reallocate, &deallocate);
   {
     const VelClStringSearch search("Needle", true);

@@ -1,5 +1,5 @@
-// Starts another program with arguments, waits for it, and tells how it ended. Try "run_program example_greet
-// -name Ada". Without a program it ends with 1.
+// Starts another program with arguments, waits until it ends, and prints its exit code. Try
+// "example_run_program example_greet -name Ada". Without arguments it ends with exit code 1.
 #include <vel.h>
 
 #include <iostream>

@@ -1,4 +1,5 @@
-// Asks an INI file, changes it, and saves it in two ways: written anew from the model, and edited in place.
+// Reads options of an INI file, changes them, and saves the file in two ways: written from the model, and
+// edited in place.
 #include <vel.h>
 
 #include <iostream>

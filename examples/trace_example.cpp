@@ -1,6 +1,6 @@
-// Traces three functions that call one another, with every type of data, into the file that TOUR_TRACE_FILE
-// names. Nothing is traced unless TOUR_TRACE_ACTIVE=yes; TOUR_TRACE_DETAIL=HIGH traces all of it. Afterwards
-// "trcctl -key tour -display" shows it.
+// Traces three functions that call one another, with every type of data, to the file in TOUR_TRACE_FILE.
+// Nothing is traced unless TOUR_TRACE_ACTIVE=yes. TOUR_TRACE_DETAIL=HIGH traces everything. Afterwards
+// "trcctl -key tour -display" shows the trace.
 #include <vel_trace.h>
 
 #include <cstring>
@@ -25,7 +25,7 @@ void measure() {
   velTraceValue(detail, kMeasuring, here, "key", 0xFEDCBA9876543210ULL);
   velTraceValue(detail, kMeasuring, here, "ratio", 0.5F);
   velTraceValue(detail, kMeasuring, here, "volume", -1.25e-9);
-  // Only 10 of its 16 bytes have a value.
+  // Only 10 of the 16 bytes are part of the value; the others are padding.
   unsigned char bytes[sizeof(long double)] = {};
   const long double distance = 6.5e300L * 1e300L;
   std::memcpy(bytes, &distance, 10);
@@ -37,7 +37,7 @@ void store(const char* name) {
   const VelClTraceFunction function(VelEnTraceDetail::LOW, kStoring, here);
   const char16_t title[] = u"Übersicht";
   const char block[] = "sixteen bytes... and two more";
-  // Stands for a pointer: those of variables differ from run to run.
+  // A fixed number in place of a pointer, whose value would differ from run to run.
   const uint64_t place = 0x12AB34;
   velTraceDump(VelEnTraceDetail::LOW, kStoring, VelEnTraceDataType::C_STRING, here, "name", name,
                std::strlen(name));

@@ -1,5 +1,5 @@
-// Traces from several threads: the instance's own ring takes one thread at a time, so entries go through a
-// callback that locks, and into an environment of the program's own.
+// Traces from several threads. The ring of the trace instance supports only one thread at a time, so a
+// callback takes a lock and stores the entries in an environment of the program's own.
 #include <vel_trace.h>
 
 #include <cstdio>
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Where the entries of all threads meet.
+/// Stores the entries of all threads.
 struct BackEnd {
   std::mutex mutex;
   VelClTraceEnvironment environment{"demo", "callback", true};
@@ -24,7 +24,7 @@ void record(void* context, VelEnTraceDetail detail, unsigned short componentId, 
 }
 
 void work(unsigned int worker) {
-  // dumpFunction counts the nesting level without a lock, so that threads leave functions out.
+  // Threads do not trace functions, because dumpFunction counts the nesting level without a lock.
   for (unsigned int step = 0; step < 1000; ++step)
     velTraceValue(VelEnTraceDetail::LOW, 7, "work", "step", worker * 1000 + step);
 }

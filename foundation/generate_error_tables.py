@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Makes the error tables' C++ rows from errors.tsv and platform_errors.tsv.
+"""Generates the C++ tables of errors from errors.tsv and platform_errors.tsv.
 
 generate_error_tables.py --errors errors.tsv --platform platform_errors.tsv --out DIRECTORY
 
-Writes error_messages.inc (a sorted table of {value, message number} for each kind, with a
-compile-time check of every enumerator's value) and platform_errors.inc ({code, name}, sorted
-by the signed code). Stops when the data break an assumption of the look-ups.
+Writes error_messages.inc (for each kind a sorted table of {value, message number}, and a static assertion for the value
+of each enumerator) and platform_errors.inc ({code, name}, sorted by the signed code). Stops if the data violate an
+assumption of the searches.
 """
 import argparse
 import csv

@@ -1,11 +1,12 @@
-"""Runs fuzz targets and keeps what they find from one run to the next.
+"""Runs fuzz targets and keeps the inputs that they find for the next run.
 
-  campaign.py [target...] [minutes]   each target, or the named ones, for a minute unless told otherwise
-  campaign.py hours N                 all targets, N hours together; started again, it goes on where it ended
+  campaign.py [target...] [minutes]   runs all targets, or these, for one minute each or for as many minutes as given
+  campaign.py hours N                 runs all targets for N hours altogether; a restart resumes an interrupted run
 
-Each target has a folder in --found: corpus/ with the inputs that reach something new, merged with the seeds and
-minimised at the end of a run; artifacts/ with the inputs that failed; log, what the fuzzer wrote. An artifact that
-no longer fails becomes an input of the corpus.
+Each target has a directory in --found with these entries:
+  corpus/     inputs that reach new code, merged with the seeds and minimized at the end of a run
+  artifacts/  inputs that failed; one that no longer fails moves to the corpus
+  log         the output of the fuzzer
 """
 import argparse
 import concurrent.futures
@@ -23,9 +24,9 @@ import time
 
 MAX_LENGTH = 256 * 1024
 SECONDS_PER_INPUT = 60
-# A campaign that is ended loses no more than its present slices' statistics.
+# An interrupted campaign loses only the statistics of its current slices.
 SECONDS_PER_SLICE = 600
-# With so many failing inputs there is enough to mend.
+# A target with this many failing inputs is not fuzzed further, because they must be fixed first.
 MOST_ARTIFACTS = 10
 
 stopping = threading.Event()
@@ -51,7 +52,7 @@ class Target:
         self.dictionary = next((path for path in dictionaries if path.exists()), None)
 
     def prepare(self):
-        """Also mends what an end amid minimise() left."""
+        """Also restores the corpus if an earlier run ended during minimise()."""
         before = self.folder / "corpus.before"
         if before.exists() and not self.corpus.exists():
             before.rename(self.corpus)
@@ -62,7 +63,7 @@ class Target:
         self.log.write_bytes(b"")
 
     def run(self, *arguments):
-        """The exit code, and what was written, which is also added to the log."""
+        """Returns the exit code and the output, which is also appended to the log."""
         command = [self.program, f"-max_len={MAX_LENGTH}", f"-timeout={SECONDS_PER_INPUT}",
                    f"-artifact_prefix={self.artifacts}/", *arguments]
         process = subprocess.Popen([str(part) for part in command], stdout=subprocess.DEVNULL,
@@ -91,7 +92,7 @@ class Target:
         return [folder for folder in (self.seeds, self.corpus) if folder.is_dir()]
 
     def fuzz(self, seconds, result):
-        """For so long, also past inputs that fail."""
+        """Fuzzes for this time, and continues after inputs that fail."""
         end = time.monotonic() + seconds
         while not self.has_enough() and not stopping.is_set() and (left := round(end - time.monotonic())) > 0:
             dictionary = [f"-dict={self.dictionary}"] if self.dictionary else []
@@ -118,7 +119,7 @@ class Target:
 
 
 class Result:
-    """What was done for a target, over all runs of a campaign."""
+    """The statistics of a target over all runs of a campaign."""
 
     def __init__(self, seconds=0.0, executions=0, features=0, minimised=False):
         self.seconds, self.executions, self.features, self.minimised = seconds, executions, features, minimised
@@ -130,7 +131,7 @@ class Result:
 
 
 class Campaign:
-    """Results that outlive this process, when there is a file for them."""
+    """The results of all targets. If there is a file for them, they are kept for the next run."""
 
     def __init__(self, names, seconds, file=None):
         self.seconds, self.file, self.lock = seconds, file, threading.Lock()
@@ -160,13 +161,13 @@ class Campaign:
             new.replace(self.file)
 
     def finish(self):
-        """The next one starts anew."""
+        """Deletes the stored results, so that the next campaign starts from the beginning."""
         if self.file is not None:
             self.file.unlink(missing_ok=True)
 
 
 def fuzz_slice(campaign, target):
-    """Returns whether there is more to do."""
+    """Fuzzes one target for one slice. Returns whether the target needs more time."""
     result = campaign.results[target.name]
     if result.minimised or stopping.is_set():
         return False
@@ -177,7 +178,7 @@ def fuzz_slice(campaign, target):
             target.fuzz(min(left, SECONDS_PER_SLICE), result)
         finally:
             result.seconds += time.monotonic() - start
-    # The fuzzer counts whole seconds.
+    # Less than a second cannot be used, because the fuzzer counts whole seconds.
     if (target.has_enough() or campaign.seconds - result.seconds < 1) and not stopping.is_set():
         target.minimise()
         result.minimised = not stopping.is_set()
@@ -186,8 +187,8 @@ def fuzz_slice(campaign, target):
 
 
 def run_all(campaign, targets, jobs):
-    """Slices of all targets in turn, so that each has had some time when a campaign is ended early. Returns whether
-    the fuzzer worked for all of them."""
+    """Runs slices of all targets in turn, so that each target gets some time even if the campaign is interrupted.
+    Returns whether the fuzzer worked for all of them."""
     worked = True
     with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
         list(pool.map(Target.retry_artifacts, targets))
@@ -205,7 +206,7 @@ def run_all(campaign, targets, jobs):
 
 
 def report(campaign, targets):
-    """A line per target; returns how many inputs fail."""
+    """Prints a line per target. Returns the number of failing inputs."""
     print(f"{'target':24}{'minutes':>9}{'executions':>13}{'features':>10}{'corpus':>8}{'failing':>9}")
     failing = []
     for target in targets:
@@ -230,15 +231,15 @@ def parse_arguments():
 
 
 def plan(options):
-    """The names of the targets, and the campaign."""
+    """Returns the names of the targets, and the campaign."""
     every = sorted(path.name.removesuffix("_fuzz") for path in options.programs.glob("*_fuzz"))
     if options.words[:1] == ["hours"]:
         if len(options.words) != 2 or not re.fullmatch(r"\d+(\.\d+)?", options.words[1]):
-            sys.exit("how many hours?")
+            sys.exit("usage: hours N")
         seconds = float(options.words[1]) * 3600 * min(options.jobs, len(every)) / len(every)
         return every, Campaign(every, seconds, options.found / "campaign.json")
     numbers = [word for word in options.words if re.fullmatch(r"\d+", word)]
-    # Also as a path of the source or the name of the program.
+    # A target may also be given as the path of its source or the name of its program.
     names = [re.sub(r"_fuzz(\.cpp)?$", "", pathlib.Path(word).name) for word in options.words if word not in numbers]
     if unknown := set(names) - set(every):
         sys.exit(f"no fuzz target: {', '.join(sorted(unknown))}; there are: {', '.join(every)}")
@@ -257,7 +258,7 @@ def main():
     try:
         fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
     except BlockingIOError:
-        sys.exit(f"another run is at work in {options.found}")
+        sys.exit(f"another run is using {options.found}")
     targets = [Target(name, options) for name in names]
     for target in targets:
         target.prepare()
@@ -265,7 +266,7 @@ def main():
     worked = run_all(campaign, targets, options.jobs)
     failing = report(campaign, targets)
     if stopping.is_set():
-        print("ended early; the same command goes on" if campaign.file else "ended early")
+        print("interrupted; run the same command to resume" if campaign.file else "interrupted")
         return 130
     if worked:
         campaign.finish()

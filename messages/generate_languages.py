@@ -3,8 +3,8 @@
 
 generate_languages.py --languages languages.tsv --territories territories.tsv --out FILE
 
-A language's number is the index of its row. The script stops if the rows are not sorted by their two-letter code,
-which the binary search relies on, or if the number of rows, which is part of the interface, has changed.
+The number of a language is the index of its row. Stops if the rows are not sorted by their two-letter code, which the
+binary search requires, or if the number of rows, which is part of the interface, has changed.
 """
 import argparse
 import csv

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Generates the built-in message table and the message source of the catalog library.
 
-Both come from one file, messages.tsv (id, English, German; UTF-8, with the escapes
-\\n, \\t and \\\\), so that a message reads alike from either. Data that breaks an
-assumption of the library stops the build with an error that names the row.
+Both are generated from messages.tsv (id, English, German; UTF-8, with the escapes \\n, \\t and \\\\), so that a message
+has the same text in both. If a row violates an assumption of the library, the build stops with an error that names
+the row.
 
     generate_messages.py --table messages.tsv --inc built_in_messages.inc --mc qammsg50.mc
 """
@@ -15,15 +15,15 @@ import sys
 ROW_COUNT = 221
 SIGNATURE = f"[VEL_MSGTAB_SIGNATURE] {ROW_COUNT}"
 HEADER = ["id", "english", "german"]
-# The message compiler keeps these names and those it predefines in one list, so these must be different ones.
+# These names must differ from those that the message compiler predefines.
 LANGUAGES = [("TableEnglish", 0x409), ("TableGerman", 0x407)]
 ESCAPES = {"n": "\n", "t": "\t", "\\": "\\"}
-# Texts must be representable in the code page of single-byte programs on German systems.
+# Texts must be mappable to the code page of single-byte programs on German systems.
 GERMAN_CODE_PAGE = "cp1252"
 
 
 class TableError(Exception):
-    """A row that breaks an assumption of the library."""
+    """A row that violates an assumption of the library."""
 
 
 def require(condition, row_id, problem):
@@ -55,7 +55,7 @@ def read_table(path):
 
 
 def check_inserts(text, row_id):
-    """Allows only inserts that string tables and catalog libraries expand alike."""
+    """Allows only inserts that string tables and catalog libraries expand in the same way."""
     for match in re.finditer(r"%(%|[0-9]*)(?=(.?))", text, re.DOTALL):
         kind, following = match.groups()
         known = kind == "%" or (kind and kind[0] != "0" and int(kind) <= 10)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Breaks the message table in every way that its generator has to notice."""
+"""Tests that the generator rejects every kind of invalid message table."""
 
 import pathlib
 import subprocess

@@ -1,12 +1,14 @@
-"""The changes of a C++ source that a good set of tests notices, one operator, constant or statement each.
+"""Generates changes (mutations) of a C++ source that good tests detect. Each changes one operator, constant or
+statement.
 
-Works on formatted sources: binary operators have blanks around them, template brackets have none.
+Requires sources formatted by clang-format: it relies on blanks around binary operators, and on none inside template
+brackets.
 """
 import bisect
 import collections
 import re
 
-# The bytes from `start` to `end` of a file become `new`.
+# A change replaces the bytes from `start` to `end` of a file with `new`.
 Change = collections.namedtuple("Change", "kind start end new")
 
 RELATIONS = {"<": ("<=", ">="), "<=": ("<", ">"), ">": (">=", "<="), ">=": (">", "<"), "==": ("!=",), "!=": ("==",)}
@@ -23,14 +25,14 @@ NUMBER = re.compile(r"(?<![\w.'])(?:0[xX][0-9a-fA-F']+|\d[\d']*)[uUlLzZ]*(?![\w.
 PURE = re.compile(r"\) *(?:const)? *(?:noexcept)? *= 0;")
 CONDITION = re.compile(r"\b(?:if|while) \(")
 DECLARATION = re.compile(r"(?:const )?[\w:<>]+[&*]* (?:const )?[&*]?[\w\[]")
-# What is changed or called, without a type before it.
+# An expression that is assigned or called, without a type before it.
 PLACE = r"\*?[A-Za-z_][\w:]*(?:(?:\.|->)\w+|\[[^\]\n]*\]|\([^()\n]*\))*"
 STATEMENT = re.compile(rf"(?:{PLACE}(?:\(.*\)| (?:[-+*/%&|^]|<<|>>)?= .*)|(?:\+\+|--){PLACE}|{PLACE}(?:\+\+|--));")
 LEAVING = re.compile(r"(?:return\b.*|break|continue);")
 
 
 def visible(source):
-    """The source with blanks for comments, literals of text, directives and compile-time checks."""
+    """Returns the source with blanks in place of comments, string literals, directives and static assertions."""
     return HIDDEN.sub(lambda match: re.sub(r"[^\n]", " ", match[0]), source)
 
 
@@ -54,7 +56,7 @@ def operators(code):
 
 
 def closing(code, opening):
-    """The place of the bracket that closes the one at `opening`."""
+    """Returns the position of the bracket that closes the one at `opening`."""
     depth = 0
     for place in range(opening, len(code)):
         depth += (code[place] == "(") - (code[place] == ")")
@@ -81,7 +83,7 @@ def constants(code):
 
 
 def statement_after_condition(code, line_start, line_end):
-    """Where the statement of an `if (...) statement;` begins."""
+    """Returns the position of the statement in `if (...) statement;`."""
     match = re.compile(r"\s*(?:else )?(?:(?:if|while|for) \(|else )").match(code, line_start, line_end)
     if match is None:
         return None
@@ -89,7 +91,7 @@ def statement_after_condition(code, line_start, line_end):
 
 
 def statements(code):
-    """Removes statements of one line, and returns before them."""
+    """Generates the removal of single-line statements, and early returns before them."""
     start, before = 0, "{"
     for line in code.split("\n"):
         end, text = start + len(line.rstrip()), line.strip()
@@ -107,7 +109,7 @@ def statements(code):
 
 
 def find_changes(source):
-    """All of them, in the order of the source."""
+    """Returns all changes, in source order."""
     code = visible(source)
     found = [*operators(code), *negations(source, code), *constants(code), *statements(code)]
     return sorted(found, key=lambda change: (change.start, change.end, change.new))
@@ -118,7 +120,7 @@ def apply(source, change):
 
 
 def line_of(source, change):
-    """The number of the line, and what it is before and after."""
+    """Returns the line number, and the line before and after the change."""
     starts = [0] + [match.end() for match in re.finditer("\n", source)]
     number = bisect.bisect_right(starts, change.start)
     after = apply(source, change)

@@ -1,4 +1,4 @@
-"""What changes.py makes of single lines: one row a line, with all of its changes."""
+"""Tests changes.py: each row has a line of code and all changes that must be generated for it."""
 import unittest
 
 import changes
@@ -13,12 +13,12 @@ ROWS = [
     ("while (i != end) ++i;", ["while (i == end) ++i;", "while (!(i != end)) ++i;", "while (i != end) {}",
                                "while (i != end) --i;"]),
     ("n = 1'000;", ["n = (1'000 + 1);", "n = (1'000 - 1);", "{}", "return; n = 1'000;", "return {}; n = 1'000;"]),
-    # Types, declarations and names are no operators, statements and numbers.
+    # Types, declarations and names must not be changed like operators, statements and numbers.
     ("std::vector<int> list2;", []),
     ("const char* get(const T& x) const;", []),
     ("virtual void run() = 0;", []),
     ("if (const auto at = find(x)) use(at);", ["if (const auto at = find(x)) {}"]),
-    # Texts, comments, directives, and what the compiler proves.
+    # Strings, comments, directives and static assertions must not be changed.
     ('call("a < 1 \\" && 2", \'1\'); // b == 3', ["{} // b == 3", 'return; call("a < 1 \\" && 2", \'1\'); // b == 3',
                                                 'return {}; call("a < 1 \\" && 2", \'1\'); // b == 3']),
     ('return R"(a < 1)";', []),

@@ -1,11 +1,11 @@
-"""Changes production code at random and tells which changes no test notices.
+"""Changes production code at random and lists the changes that no test detects.
 
-  mutate.py [room...] [count]   count changes that have an effect, 40 unless told otherwise, in each room
+  mutate.py [room...] [count]   tries this number of changes that have an effect (default 40) in each room
 
-Works in a copy below build/mutate and leaves the checkout alone. The same --seed makes the same changes; results are
-kept as long as no file differs, so that a run that was ended goes on. Changes that do not compile, or to the same
-object code, do not count. A test that hangs has noticed. --sanitize shows the survivors to the build with
-sanitizers, too.
+Works in a copy in build/mutate and does not change the checkout. The same --seed makes the same changes. Results are
+kept as long as no file changes, so an interrupted run can be resumed. A change does not count if it does not compile,
+or if it compiles to the same object code. A test that hangs has detected the change. With --sanitize the surviving
+changes are also tested in the build with sanitizers.
 """
 import argparse
 import collections
@@ -29,7 +29,7 @@ stop = threading.Event()
 
 
 class Results:
-    """One line for each change tried, below the digest of the tree it was tried in."""
+    """A file with one line per change tried, after the digest of the tree in which it was tried."""
 
     def __init__(self, file, digest):
         self.file, self.digest, self.known = file, digest, {}
@@ -47,14 +47,14 @@ class Results:
 
 
 def is_production(name):
-    """Code that runs on this system."""
+    """Returns the production sources that run on this system."""
     path = pathlib.PurePosixPath(name)
     return (path.suffix in (".cpp", ".h") and not path.stem.endswith("_test")
             and not {"test", "windows"} & set(path.parts[:-1]))
 
 
 def candidates(tree, room, seed):
-    """Changes of a room in random order, of each kind about as many."""
+    """Yields changes of a room in random order, about the same number of each kind."""
     listed = overlay.check(["git", "ls-files", "-co", "--exclude-standard", room], CHECKOUT).splitlines()
     by_kind = collections.defaultdict(list)
     for name in filter(is_production, listed):
@@ -71,7 +71,7 @@ def candidates(tree, room, seed):
 
 
 class Trial:
-    """Everything that a change is tried with."""
+    """The tree, the build and the tests with which changes are tried."""
 
     def __init__(self, tree, preset):
         print(f"building {preset} in {tree.folder}", flush=True)
@@ -86,12 +86,12 @@ class Trial:
         self.hashes = {}
 
     def outcome(self, name, change, room):
-        """What became of it, and the test that noticed."""
+        """Returns the outcome of a change, and the test that detected it."""
         near, others = self.suite.ordered(near_tests(room))
         source = (self.tree.folder / name).read_text()
         objects = self.build.objects(name)
         if name not in self.hashes:
-            # Other changes of this tree are undone, but perhaps not yet built.
+            # Earlier changes were undone in this tree, but the originals may not have been rebuilt.
             self.build.compiles(objects)
             self.hashes[name] = self.build.hashes(objects)
         self.tree.write(name, changes.apply(source, change).encode())
@@ -132,7 +132,7 @@ def try_one(trial, results, room, name, change):
 
 
 def run_room(trial, results, room, options):
-    """Tries changes until enough of them count."""
+    """Tries changes until the required number of them counts."""
     tried, counted = [], 0
     for name, change in candidates(trial.tree, room, options.seed):
         if counted == options.count or stop.is_set():
@@ -149,7 +149,7 @@ def run_room(trial, results, room, options):
 
 
 def sanitize(tree, results, tried):
-    """Shows the survivors to the tests with sanitizers."""
+    """Runs the tests with sanitizers on the surviving changes."""
     survivors = [row for row in tried if row[2]["outcome"] == "survived" and not row[2].get("sanitized")]
     if not survivors or stop.is_set():
         return

@@ -1,4 +1,4 @@
-"""A copy of the checkout that changes are tried in, its builds, and its tests in the sandbox."""
+"""Manages the copy of the checkout in which changes are tried: its builds, and its tests in the sandbox."""
 import concurrent.futures
 import hashlib
 import json
@@ -12,11 +12,11 @@ import threading
 import time
 
 HERE = pathlib.Path(__file__).resolve().parent
-# Changed code may leave a parameter unused, or brackets out.
+# Changed code may have an unused parameter or lack brackets, which must not be an error.
 WARNINGS = (b"-Werror", b"-Werror -Wno-error")
-# A test that computes so much longer than it should, or not at all for so long, hangs.
+# A test counts as hanging if it uses this many times its normal processor time, or runs or idles for this long.
 MOST_COMPUTING, MOST_SECONDS, IDLE_SECONDS = 10, 300, 30
-# What has no effect on tests.
+# Files that have no effect on tests.
 BESIDE = re.compile(r"docs/|quality/|bench/|dev$|.*\.md$")
 
 
@@ -32,14 +32,14 @@ def check(command, folder):
 
 
 class Tree:
-    """The copy. What changes leave alone keeps its time, so that builds stay small."""
+    """The copy. Unchanged files keep their time stamps, so that little is rebuilt."""
 
     def __init__(self, checkout, folder):
         self.checkout, self.folder = checkout, folder
         self.digest = self.refresh()
 
     def refresh(self):
-        """Copies what differs; returns what identifies the contents that tests see."""
+        """Copies the files that differ. Returns a digest of the contents on which tests depend."""
         listed = check(["git", "ls-files", "-z", "-co", "--exclude-standard"], self.checkout).split("\0")
         names = sorted(name for name in listed if name and (self.checkout / name).is_file())
         digest = hashlib.sha256()
@@ -74,7 +74,7 @@ class Tree:
 
 
 class Build:
-    """A preset of the tree."""
+    """The build of one preset in the tree."""
 
     def __init__(self, tree, preset):
         self.tree, self.preset = tree, preset
@@ -84,16 +84,16 @@ class Build:
         launcher = []
         if shutil.which("ccache"):
             launcher = [f"-DCMAKE_{language}_COMPILER_LAUNCHER=ccache" for language in ("C", "CXX")]
-            # What the checkout's own builds have made serves here, too.
+            # Shares the compiler cache with the builds of the checkout.
             os.environ.update(CCACHE_BASEDIR=str(self.tree.folder), CCACHE_NOHASHDIR="1",
                               CCACHE_IGNOREOPTIONS="-Wno-error")
-        # Nothing that programs see of the library's file changes, so they need not be linked again.
+        # The interface of the shared library does not change, so programs need not be linked again.
         check(["cmake", "--preset", self.preset, "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON", *launcher], self.tree.folder)
         check(["ninja"], self.folder)
         self.dependents = self.read_dependents()
 
     def read_dependents(self):
-        """For each file of the tree the objects made of it."""
+        """Returns a dictionary from each file of the tree to the objects that depend on it."""
         dependents, target = {}, None
         for line in check(["ninja", "-t", "deps"], self.folder).splitlines():
             if line.startswith("    "):
@@ -110,7 +110,7 @@ class Build:
         return run(["ninja", *targets], self.folder).returncode == 0
 
     def hashes(self, objects):
-        """Of what runs: without debugging information."""
+        """Returns the hash of each object without its debugging information."""
         stripped, found = self.folder / "stripped.o", []
         for path in objects:
             check(["objcopy", "--strip-debug", path, stripped], self.folder)
@@ -128,7 +128,7 @@ class Test:
 
 
 def descendants_ticks(process):
-    """The processor time of a process and all below it."""
+    """Returns the processor time of a process and its descendants."""
     times, parents = {}, {}
     for entry in pathlib.Path("/proc").iterdir():
         if not entry.name.isdigit():
@@ -148,7 +148,7 @@ def descendants_ticks(process):
 
 
 class Suite:
-    """The tests of a build that run its programs."""
+    """The tests of a build."""
 
     def __init__(self, build, stop):
         self.build, self.stop = build, stop
@@ -158,11 +158,11 @@ class Suite:
                       if entry.get("command", [""])[0].startswith(programs)}
 
     def measure(self):
-        """Leaves out what does not pass without changes, and returns its names."""
+        """Measures the tests without changes. Leaves out those that fail and returns their names."""
         failing = []
         for test in list(self.tests.values()):
             start = os.times()
-            # A machine that is busy may make one attempt fail.
+            # One attempt may fail because the machine is busy.
             if not any(self.passes(test, threading.Event()) for _ in range(2)):
                 failing.append(test.name)
                 del self.tests[test.name]
@@ -171,7 +171,7 @@ class Suite:
         return failing
 
     def passes(self, test, ended):
-        """Not if it hangs. True when `ended` comes first."""
+        """Returns whether the test passes, which a hanging test does not. Returns True if `ended` is set first."""
         limit = int(MOST_COMPUTING * (test.seconds if test.seconds is not None else 60)) + 10
         environment = {**os.environ, **test.variables, "GTEST_FAIL_FAST": "1", "GTEST_BRIEF": "1"}
         process = subprocess.Popen([HERE / "sandbox", self.build.tree.folder, test.folder, str(limit), *test.command],
@@ -202,7 +202,7 @@ class Suite:
                 return False
 
     def first_failing(self, names):
-        """Runs them in this order, some at a time; None when all pass."""
+        """Runs the tests in this order, several at a time. Returns the name of one that fails, or None."""
         failing, ended = [], threading.Event()
 
         def run_one(name):
@@ -214,17 +214,17 @@ class Suite:
         return failing[0] if failing else None
 
     def ordered(self, near):
-        """These, and the others, the quick ones first."""
+        """Returns the names of these tests and of the others, the fastest first."""
         others = sorted((test for test in self.tests.values() if test.name not in near),
                         key=lambda test: test.seconds)
         return [name for name in near if name in self.tests], [test.name for test in others]
 
     def programs(self, names):
-        """What the build calls the programs of these tests."""
+        """Returns the names that the build gives the programs of these tests."""
         return [os.path.relpath(self.tests[name].command[0], self.build.folder) for name in names]
 
 
 def tests_of_room(checkout, room):
-    """The names that a room's CMake file adds."""
+    """Returns the names of the tests that the room's CMake file adds."""
     text = (checkout / room.split("/")[0] / "CMakeLists.txt").read_text()
     return re.findall(r"(?:vel_add_tests\(|add_test\(NAME )\s*(\w+)", text)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes a tool's manual page and its completion for bash out of the tool's own usage string and help text.
+"""Generates the manual page of a tool and its completion for bash from the tool's usage string and help text.
 
     make_tool_pages.py --tool NAME --version VERSION --man FILE --completion FILE
     make_tool_pages.py --tool NAME --version VERSION --check COMMAND...   fails unless the tool answers the same
@@ -14,7 +14,7 @@ from tool_texts import STANDARD_SWITCHES, parse_usage, tool_texts
 
 FILE_VALUES = {"file", "filename", "directory", "path"}
 COMPLETION = """\
-# Completion of {name}'s command line. Made from its usage string.
+# Completion for the command line of {name}, generated from its usage string.
 _{name}() {{
   local current=${{COMP_WORDS[COMP_CWORD]}} previous=${{COMP_WORDS[COMP_CWORD - 1]}} names=
   COMPREPLY=()

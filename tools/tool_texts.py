@@ -1,5 +1,5 @@
-"""Reads what the tools say about themselves where they keep it: title, usage string and help text from a tool's
-texts.h, or from the library's message table for a tool that speaks through that one."""
+"""Reads the title, the usage string and the help text of a tool: from its texts.h, or from the library's message table
+if texts.h contains only message numbers."""
 import ast
 import pathlib
 import re
@@ -9,8 +9,8 @@ from dataclasses import dataclass, field
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 TOKEN = re.compile(r'//[^\n]*|"(?:\\.|[^"\\])*"|\w+|\S')
 ELEMENT = re.compile(r'"[^"]*"|-(?!\d)[A-Za-z0-9.]+|<[^>]*>|[()]')
-# Never typed in, but answered by tools/standard_switches.cpp for every tool.
-STANDARD_SWITCHES = {"--help": "this text", "--version": "the library's version"}
+# Not in any usage string: tools/standard_switches.cpp answers them for every tool.
+STANDARD_SWITCHES = {"--help": "print the help text", "--version": "print the version of the library"}
 
 
 @dataclass
@@ -29,7 +29,7 @@ class Texts:
     help: str
 
     def shown_usage(self, tagged=False):
-        """As the usage writer shows it, with or without the lines that are tagged as internal."""
+        """Returns the usage as the library shows it, with or without tagged lines."""
         return [re.sub(r'[()"!]', "", line) for line in self.usage.split("\n") if tagged or "!" not in line]
 
 
@@ -50,12 +50,12 @@ def parse_usage(usage):
 
 
 def string_of(tokens, constants):
-    """Neighbouring literals are one text; a name stands for its constant."""
+    """Returns the string that adjacent literals and names of constants form."""
     return "".join(ast.literal_eval(t) if t.startswith('"') else constants[t] for t in tokens)
 
 
 def header_texts(path):
-    """The enumeration's names with their numbers, and the constants and table entries by name or number."""
+    """Returns the numbers of the enumerators by name, and the strings of constants and entries by name or index."""
     tokens = [t for t in TOKEN.findall(path.read_text(encoding="utf-8")) if not t.startswith("//")]
     numbers, constants, following = {}, {}, 0
     start = tokens.index("{", tokens.index("enum"))

@@ -3,9 +3,9 @@
 
 generate_trace_types.py --types trace_types.tsv --out FILE
 
-A type's number is the index of its row. To add a type, append a row: numbers in use are in trace files and never
-change. A record has 5 bits for the type, so 31 is the last number there can be; the format has no room for more.
-The script stops when a number is not its row's index or does not fit.
+The number of a type is the index of its row. To add a type, append a row: numbers in use are stored in trace files and
+must never change. A record has 5 bits for the type, so the highest possible number is 31. Stops if a number is not the
+index of its row, or does not fit into 5 bits.
 """
 import argparse
 import csv

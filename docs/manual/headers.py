@@ -1,9 +1,9 @@
-"""Brings the public headers into the form that Doxygen reads: in them a comment speaks for all declarations
-below it up to the next comment or empty line, words are plain text, and what is indented by three blanks behind
-an empty comment line is an example.
+"""Converts the comments of the public headers for Doxygen. In the headers, a comment applies to all declarations below
+it up to the next comment or empty line, its words are plain text, and lines that are indented by three blanks after an
+empty comment line are an example.
 
-Declarations that override another take over its comment (Doxygen does that). Destructors without a comment are
-left out of the reference, and copying without one is named as such."""
+Doxygen copies the comment of an overridden function to its overrides. Destructors without a comment are left out of the
+reference; copy operations without a comment are described as such."""
 import re
 import sys
 
@@ -14,7 +14,7 @@ ENUMERATORS = re.compile(r"CCSID_(\d+) = \d+,")
 
 
 def escaped(words):
-    """Plain text as Doxygen's Markdown shows it; what stands between back-quotes is left as it is."""
+    """Escapes plain text for Doxygen's Markdown; text between backquotes is not changed."""
     parts = re.split(r"(`[^`]*`)", words)
     return "".join(part if part.startswith("`") else
                    re.sub(r"([\\@<>#%&*~])", r"\\\1", part).replace('"', "&quot;") for part in parts)
@@ -26,7 +26,7 @@ def prose(words):
 
 
 def comment(lines):
-    """A block of comment texts with its examples marked."""
+    """Returns the lines of a comment with its examples marked as code."""
     result, example = [], []
 
     def close_example():
@@ -50,7 +50,7 @@ def comment(lines):
 
 
 def code_of(line):
-    """A line without comments and literals, for counting its brackets."""
+    """Returns the line without comments and literals, so that its brackets can be counted."""
     line = re.sub(r'"(?:\\.|[^"\\])*"|\'(?:\\.|[^\'\\])\'', '""', line)
     return re.sub(r"//.*", "", line).rstrip()
 
@@ -68,7 +68,7 @@ def is_complete(statement, in_enum):
 
 
 def special_member(text, scope):
-    """What to say about a destructor or a copying member without a comment; None for any other member."""
+    """Returns the comment for a destructor or a copy operation that has none, or None for any other member."""
     if not scope:
         return None
     if re.search(rf"~{scope}\(\)", text):
@@ -141,7 +141,7 @@ class Header:
                 index += 1
             self.doc, self.uses = comment(block), 0
             if not self.lines[index].strip():
-                sys.exit(f"a comment that speaks for nothing: {block[0]}")
+                sys.exit(f"a comment without a declaration: {block[0]}")
             return index
         if ENUMERATORS.search(line) and line.count("CCSID_") > 1:
             self.ccsids(line)

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Makes the manual: a reference of the public headers and the pages of this folder, as HTML.
+"""Makes the manual as HTML: the reference of the public headers, and the pages in this directory.
 
-make_manual.py --doxygen PROGRAM --out DIRECTORY
+make_manual.py [--doxygen PROGRAM] --out DIRECTORY
 
-Everything is prepared below DIRECTORY, and Doxygen runs there; its warnings are errors."""
+Prepares all input in DIRECTORY and runs Doxygen there. Warnings of Doxygen are errors."""
 import argparse
 import csv
 import pathlib
@@ -18,7 +18,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 
 
 def ccsid_words():
-    """What the reference says about each number: the kind of its code page."""
+    """Returns the description of each CCSID for the reference: the kind of its code page."""
     result = {}
     with open(ROOT / "codepage/ccsids.tsv", newline="", encoding="ascii") as file:
         for row in csv.DictReader(file, delimiter="\t"):

@@ -1,12 +1,13 @@
-"""Fills the pages in, so that no fact stands in them a second time. In a page,
+"""Replaces the directives in the pages of the manual, so that a page does not repeat a fact that is stated elsewhere:
 
-  {{source FILE}}            is a source file
-  {{output SESSION: WORDS}}  is the command that begins with these words, and what it prints
-  {{stated HEADER: WORDS}}   is the number in these words, which must stand in that header's comments
-  {{value HEADER: NAME}}     is the number of a constant
-  {{tool NAME}}              is what a tool says of itself
-  {{code-pages}}, {{errors}}, {{classes}}, {{icu-errors}}, {{trace-types}}   are tables of the data files
-  {{ratios}}                 is the table of a whole run of the benchmarks"""
+  {{source FILE}}              the text of a source file
+  {{output SESSION: COMMAND}}  this command of a session file, and the lines that it prints
+  {{stated HEADER: WORDS}}     the number in these words, which must be in a comment of that header
+  {{value HEADER: NAME}}       the value of a constant
+  {{tool NAME}}                the title, usage string and help text of a tool
+  {{code-pages}}, {{errors}}, {{classes}}, {{icu-errors}}, {{trace-types}}   tables of the data files
+  {{rooms}}                    the table of rooms and their dependencies, from the build files
+  {{ratios}}                   the table of ratios that a whole run of the benchmarks wrote"""
 import csv
 import pathlib
 import re
@@ -24,7 +25,7 @@ def rows_of(path):
 
 
 def kind_of(row):
-    """What the table of CCSIDs says of one of them."""
+    """Describes a row of the table of CCSIDs."""
     words = [word for flag, word in FLAGS.items() if int(row["flags"], 16) & flag]
     if "UCS-2" not in words and not {"double-byte", "single-byte"} & set(words):
         words.append("single and more bytes" if words else "neither of these")
@@ -56,7 +57,7 @@ class Page:
         return re.sub(r"\{\{([a-z-]+)(?: ([^}]*))?\}\}", self.fill, text)
 
     def check_names(self, text):
-        """Doxygen makes links of the names that it knows, and says nothing about others."""
+        """Stops at a name that no header has: Doxygen links the names that it knows and does not report others."""
         headers = "".join(path.read_text(encoding="utf-8") for path in (self.root / "vel_include").glob("*.h"))
         known = set(re.findall(r"\w+", headers))
         for name in re.findall(r"\b_?(?:Vel|vel)[A-Z][\w:]*\w\b(?!\.\.\.)|\bVEL_[A-Z_]+\b", text):
@@ -91,7 +92,7 @@ class Page:
         name, words = (part.strip() for part in argument.split(":", 1))
         comments = " ".join(re.sub(r"[\s/<|]+", " ", self.header(name)).split())
         if words not in comments:
-            self.stop(f"'{words}' does not stand in {name}")
+            self.stop(f"'{words}' is not in the comments of {name}")
         return re.search(r"\d[\d,]*", words)[0]
 
     def value(self, argument):

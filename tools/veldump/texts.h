@@ -32,36 +32,36 @@ inline constexpr const char* kTexts[] = {
     "[VEL_MSGTAB_SIGNATURE] 15",
     "[VELDUMP]",
     "Hexadecimal and binary dump",
-    "shows the bytes of files, and turns dumps back into bytes",
+    "shows the bytes of files, and converts dumps back to bytes",
     kUsageText,
-    "-bin              binary digits, 8 bytes a line, instead of hexadecimal, 16 a line\n"
-    "-offset <number>  begin there; decimal, or hexadecimal with 0x\n"
-    "-length <number>  show at most as many\n"
-    "-width <bytes>    size of an element, 1, 2, 4 or 8: offset and length count elements.\n"
-    "                  The lines look the same: bytes in the order of the file\n"
-    "-squeeze          a line \"*\" stands for all lines that repeat the one before;\n"
+    "-bin              binary digits, 8 bytes per line, instead of hexadecimal, 16 per line\n"
+    "-offset <number>  start at this offset; decimal, or hexadecimal after 0x\n"
+    "-length <number>  show at most this many bytes\n"
+    "-width <bytes>    size of an element, 1, 2, 4 or 8: offset and length then count elements.\n"
+    "                  The lines do not change; they show bytes in the order of the file\n"
+    "-squeeze          show a line \"*\" for all lines that repeat the line before them;\n"
     "                  the last line is always shown\n"
-    "-reverse          write the bytes that a dump shows; of its lines address and digits\n"
-    "                  count. The first address is where the bytes begin\n"
-    "-limit <bytes>    with -reverse: how many bytes all lines \"*\" may stand for together;\n"
-    "                  1073741824 (1 GiB) unless given\n"
-    "<file> ...        standard input without one; several get headings\n"
+    "-reverse          convert a dump back to bytes, using the address and the digits of its\n"
+    "                  lines. The bytes before the first address are not written\n"
+    "-limit <bytes>    with -reverse: the maximum number of bytes that all lines \"*\" may\n"
+    "                  expand to; default 1073741824 (1 GiB)\n"
+    "<file> ...        files to dump (default: standard input); several get headings\n"
     "@\n"
-    "Addresses are the bytes' offsets in their file. \"__\" stands where a line has no byte,\n"
-    "\".\" for a byte without a printable ASCII character.\n"
-    "Dumps go to standard output, everything else to standard error.\n"
-    "Exit codes: 0 success, 1 a file could not be read or is no dump, 2 output could not\n"
-    "be written, 3 lines \"*\" stand for more bytes than -limit allows, 200 out of memory,\n"
-    "201 to 204 faults of the command line.",
+    "Addresses are offsets in bytes. In a line, \"__\" marks a byte that the line does not have,\n"
+    "and \".\" replaces a byte that is not a printable ASCII character.\n"
+    "Dumps are written to standard output, everything else to standard error.\n"
+    "Exit codes: 0 success, 1 a file could not be read or is not a dump, 2 output could not\n"
+    "be written, 3 lines \"*\" expand to more bytes than -limit allows, 200 out of memory,\n"
+    "201 to 204 errors in the command line.",
     "The file could not be opened",
     "The file could not be read to its end",
     "The output could not be written",
     "A number is expected",
     "The width must be 1, 2, 4 or 8",
-    "Beside -reverse only -limit and file names can be given",
-    "-limit is for -reverse only",
-    "This is no line of a dump, or does not follow the line before it",
-    "The lines \"*\" stand for more bytes than -limit allows",
+    "-reverse can be combined only with -limit and file names",
+    "-limit requires -reverse",
+    "This line is not part of a dump, or does not follow the line before it",
+    "The lines \"*\" expand to more bytes than -limit allows",
     "standard input",
 };
 static_assert(std::size(kTexts) == kTextEnd);
