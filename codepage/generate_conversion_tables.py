@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Makes the C++ conversion tables from the mappings.
 
-generate_conversion_tables.py --mappings DIRECTORY --out DIRECTORY
+generate_conversion_tables.py --out DIRECTORY FILE...
 
-Reads DIRECTORY/NNN.txt (mappings/README.md explains the form) and writes single_byte_tables.inc,
+Reads these mappings (mappings/README.md explains the form) and writes single_byte_tables.inc,
 double_byte_tables.inc and reverse_tables.inc. conversion_tables.h explains the layout. Values are written with their
 bytes exchanged: on a little-endian processor the high byte then comes first in memory. Stops when a mapping breaks an
 assumption of the conversion functions.
@@ -171,13 +171,13 @@ def write(path, lines):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--mappings", required=True, type=pathlib.Path)
+    parser.add_argument("mappings", nargs="+", type=pathlib.Path)
     parser.add_argument("--out", required=True, type=pathlib.Path)
     options = parser.parse_args()
-    mappings = sorted((Mapping(path) for path in options.mappings.glob("*.txt")), key=lambda mapping: mapping.ccsid)
+    mappings = sorted(map(Mapping, options.mappings), key=lambda mapping: mapping.ccsid)
     single = [mapping for mapping in mappings if mapping.head["kind"] == "sbcs"]
     double = [mapping for mapping in mappings if mapping.head["kind"] == "dbcs"]
-    require((len(single), len(double)) == (49, 11), f"{len(single)} single- and {len(double)} double-byte mappings")
+    require(len(single) + len(double) == len(mappings), "a mapping of another kind than sbcs and dbcs")
     write(options.out / "single_byte_tables.inc", single_byte_tables(single))
     write(options.out / "double_byte_tables.inc", double_byte_tables(double))
     write(options.out / "reverse_tables.inc", reverse_tables([m for m in single if m.ccsid in REVERSE_CCSIDS]))

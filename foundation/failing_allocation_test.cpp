@@ -273,13 +273,19 @@ TEST_F(FailingAllocation, OfEditedIniFiles) {
   });
 }
 
+unsigned long builtInMessageCount() {
+  unsigned long count = 0;
+  velMsgCatGetBuiltInTable(&count);
+  return count;
+}
+
 /// Every word is too long for a message without memory of its own, so that each operation can fail.
 VelClConsoleUI longWordedInterface() {
   static const std::string quiet = "-" + kLong;
   static const char* const arguments[] = {"tool", "-a", "b", quiet.c_str(), "5"};
-  static std::vector<const char*> words(221, kLong.c_str());
+  static std::vector<const char*> words(builtInMessageCount(), kLong.c_str());
   words[9] = "copyright";
-  return {5, arguments, VelClFilename("absent"), 0, words.data(), 221};
+  return {5, arguments, VelClFilename("absent"), 0, words.data(), builtInMessageCount()};
 }
 
 void exhaustInterface(const char* name, void (*run)(VelClConsoleUI&)) {

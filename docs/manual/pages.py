@@ -4,6 +4,7 @@
   {{output SESSION: WORDS}}  is the command that begins with these words, and what it prints
   {{stated HEADER: WORDS}}   is the number in these words, which must stand in that header's comments
   {{value HEADER: NAME}}     is the number of a constant
+  {{count FILE}}             is the number of rows of a data file
   {{tool NAME}}              is what a tool says of itself
   {{code-pages}}, {{errors}}, {{classes}}, {{icu-errors}}, {{trace-types}}   are tables of the data files
   {{ratios}}                 is the table of a whole run of the benchmarks"""
@@ -100,6 +101,9 @@ class Page:
         if not found:
             self.stop(f"{name} has no constant {constant}")
         return f"{int(found[1]):,}"
+
+    def count(self, name):
+        return f"{len(rows_of(self.root / name)):,}"
 
     def tool(self, name):
         texts = tool_texts(name)
