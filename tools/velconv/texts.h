@@ -1,7 +1,7 @@
 // The texts of velconv as a string table. Their ids are the indexes.
 #pragma once
 
-#include <iterator>
+#include "tools/string_table.h"
 
 namespace vel::velconv {
 
@@ -78,6 +78,6 @@ inline constexpr const char* kTexts[] = {
     "Not in the target code page",
     "%1 bytes, %2 invalid, %3 incomplete, %4 not in the target code page",
 };
-static_assert(std::size(kTexts) == kTextEnd);
+static_assert(tools::isStringTable(kTexts, kTextEnd));
 
 }  // namespace vel::velconv
