@@ -227,6 +227,11 @@ TEST_F(FailingAllocation, OfEditedIniFiles) {
       {"merge", [](VelClIniFileEditor& editor) { return editor.merge(*merged); }},
       {"delete option", [](VelClIniFileEditor& editor) { return editor.deleteOption("A", "x"); }},
       {"delete section", [](VelClIniFileEditor& editor) { return editor.deleteSection("A"); }},
+      {"another text",
+       [](VelClIniFileEditor& editor) {
+         editor.loadFromBuffer("[E]\n", 4, false);
+         return true;
+       }},
   };
   for (const auto& [name, change] : changes)
     exhaust(
@@ -237,7 +242,8 @@ TEST_F(FailingAllocation, OfEditedIniFiles) {
           if (!loaded) editor.loadFromBuffer(text.data(), text.size(), true);
           const bool changed = attempt([&] { EXPECT_TRUE(change(editor)); });
           EXPECT_EQ(std::string(editor.getText(), editor.getLength()) == text, !changed);
-          // The model is the text's, whatever happened.
+          // The model is the text's, whatever happened, and later changes are parsed as the text was.
+          EXPECT_TRUE(editor.addSection("last"));
           VelClIniFileEditor again("unused");
           again.loadFromBuffer(editor.getText(), editor.getLength(), true);
           EXPECT_EQ(vel::test::shown(editor.getIniFile()), vel::test::shown(again.getIniFile()));
