@@ -150,7 +150,7 @@ class VEL_API VelClMessageCatalogCursor : public VelClUniDirCursorABase {
   struct Position;
   void listTable();
   void listLibrary();
-  bool settleAt(size_t index);
+  bool moveTo(size_t index);
 
   const VelClMessageCatalog& catalog_;
   Position* positions_;  ///< those of a library, sorted by id, then language; null with a string table
