@@ -19,7 +19,8 @@ REPLACEMENT = 0xFFFD
 UNMAPPED_PAGE_NUMBER = 1
 SINGLE_BYTES_PAGE = 1
 FIRST_ROW_PAGE_NUMBER = 3
-# Where pages with shifts have these units, if they have single bytes; conversion.h has the numbers, too.
+# Where pages with shifts have these units, if they have single bytes. The code has these numbers in conversion.h; what
+# this script writes proves that they are the same.
 NEXT_LINE, NEXT_LINE_BYTE = 0x0085, 0x15
 LINE_FEED, LINE_FEED_BYTE = 0x000A, 0x25
 ROUND_TRIP, TO_UNICODE, FROM_UNICODE, SUBSTITUTED = "[round-trip]", "[to-unicode]", "[from-unicode]", "[substituted]"
@@ -114,8 +115,14 @@ def single_byte_tables(mappings):
     return lines + ["};"]
 
 
+def proofs():
+    values = {"kSingleBytesPage": SINGLE_BYTES_PAGE, "kNextLine": NEXT_LINE, "kNextLineByte": NEXT_LINE_BYTE,
+              "kLineFeed": LINE_FEED, "kLineFeedByte": LINE_FEED_BYTE}
+    return [f"static_assert(vel::codepage::{name} == {value});" for name, value in values.items()]
+
+
 def double_byte_tables(mappings):
-    lines, heads = [], []
+    lines, heads = proofs(), []
     for mapping in mappings:
         name, leads = mapping.ccsid, mapping.leads_with_rows()
         pages = [[REPLACEMENT] * 256, mapping.single_bytes(), *(mapping.row(lead) for lead in leads)]
