@@ -29,7 +29,8 @@ VEL_C_API void velDeleteICUConverter(const void* converter);
 struct VelStCcsid;
 
 /// A coded character set identifier: the number of an encoding. Properties are looked up in a built-in table,
-/// which has the CCSIDs listed below. It is a plain value type: nothing here allocates, throws or reports errors.
+/// which has the CCSIDs listed below. It is a plain value type: nothing here allocates, throws or reports
+/// errors.
 ///
 ///   VelClCCSID(VelClCCSID::CCSID_850).isASCII()   // true
 ///   VelClCCSID("utf-8").getAsInt()                // 1208
