@@ -4,7 +4,7 @@ add_library(qamc5032::qamc5032 ALIAS qamc5032)
 vel_use_project_options(qamc5032)
 set_target_properties(qamc5032 PROPERTIES
   LINKER_LANGUAGE CXX
-  SOVERSION 5
+  SOVERSION ${PROJECT_VERSION_MAJOR}
   VERSION ${PROJECT_VERSION}
   VERIFY_INTERFACE_HEADER_SETS ON)
 

@@ -16,8 +16,9 @@ import zipfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 EPOCH = int(os.environ["SOURCE_DATE_EPOCH"])
-LIBRARY = "libqamc5032-5"
-LIBRARY_SHLIBS = "libqamc5032 5 libqamc5032-5 (>= {version})\n"
+# In the texts, {major} is the major version, which is also the library's SOVERSION.
+LIBRARY = "libqamc5032-{major}"
+LIBRARY_SHLIBS = "libqamc5032 {major} " + LIBRARY + " (>= {version})\n"
 # Package name: component, section, dependencies in addition to those of its programs, short and long description.
 PACKAGES = {
     LIBRARY: ("runtime", "libs", "", "operating-system services library",
@@ -68,14 +69,14 @@ def normalize(root):
         os.utime(path, (EPOCH, EPOCH), follow_symlinks=False)
 
 
-def program_dependencies(work, root):
+def program_dependencies(work, root, library):
     """Returns the packages of the libraries that the programs and libraries of the package are linked with."""
     linked = [path for path in files(root) if not path.is_symlink() and path.read_bytes()[:4] == b"\x7fELF"]
     if not linked:
         return ""
     (work / "debian").mkdir(exist_ok=True)
     (work / "debian/control").write_text("Source: qamc5032\n\nPackage: any\nArchitecture: any\n", encoding="ascii")
-    answer = run("dpkg-shlibdeps", "-O", f"-S{work / LIBRARY}", *linked, cwd=work, stdout=subprocess.PIPE).stdout
+    answer = run("dpkg-shlibdeps", "-O", f"-S{work / library}", *linked, cwd=work, stdout=subprocess.PIPE).stdout
     return answer.strip().partition("=")[2]
 
 
@@ -90,6 +91,8 @@ def add_notices(root, name):
 
 def deb(build, work, out, version, name):
     component, section, depends, description, text = PACKAGES[name]
+    numbers = {"version": version, "major": version.partition(".")[0]}
+    name, library = name.format(**numbers), LIBRARY.format(**numbers)
     root = work / name
     install(build, root, "--component", component, DESTDIR=str(root))
     for page in root.glob("usr/share/man/*/*"):
@@ -97,10 +100,10 @@ def deb(build, work, out, version, name):
     add_notices(root, name)
     control = root / "DEBIAN"
     control.mkdir()
-    if name == LIBRARY:
-        (control / "shlibs").write_text(LIBRARY_SHLIBS.format(version=version), encoding="ascii")
+    if name == library:
+        (control / "shlibs").write_text(LIBRARY_SHLIBS.format(**numbers), encoding="ascii")
         (control / "triggers").write_text("activate-noawait ldconfig\n", encoding="ascii")
-    depends = ", ".join(filter(None, [depends.format(version=version), program_dependencies(work, root)]))
+    depends = ", ".join(filter(None, [depends.format(**numbers), program_dependencies(work, root, library)]))
     installed = [path for path in files(root) if control not in path.parents]
     sums = [f"{hashlib.md5(path.read_bytes()).hexdigest()}  {path.relative_to(root)}\n"
             for path in installed if not path.is_symlink()]

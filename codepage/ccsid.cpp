@@ -29,7 +29,6 @@ constexpr VelStCcsid kCcsids[] = {
 #include "ccsids.inc"
 };
 
-static_assert(std::size(kCcsids) == 430);
 static_assert(std::ranges::is_sorted(kCcsids, {}, &VelStCcsid::ccsid));
 
 /// Row 0, "???", has no flags: it stands in for every CCSID that the table does not have.

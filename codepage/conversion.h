@@ -28,7 +28,8 @@ inline constexpr std::uint16_t kLineFeed = 0x000A;
 inline constexpr unsigned char kShiftOut = 0x0E;  ///< to double-byte mode
 inline constexpr unsigned char kShiftIn = 0x0F;   ///< to single-byte mode
 /// Index of the page of single bytes in a double-byte table, and the bytes that have U+0085 and U+000A there
-/// in pages with shifts. generate_conversion_tables.py stops if a mapping breaks this.
+/// in pages with shifts. generate_conversion_tables.py stops if a mapping breaks this,
+/// and proves that it has the same numbers.
 inline constexpr std::size_t kSingleBytesPage = 1;
 inline constexpr unsigned char kNextLineByte = 0x15;
 inline constexpr unsigned char kLineFeedByte = 0x25;

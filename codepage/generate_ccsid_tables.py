@@ -3,8 +3,9 @@
 
 generate_ccsid_tables.py --ccsids ccsids.tsv --icu icu_errors.tsv --out DIRECTORY
 
-Writes ccsids.inc (sorted by number, because the search requires it) and icu_errors.inc (in the order of the file; if
-several rows have the same status, the first one counts). Stops if the data violate an assumption of the code.
+Writes ccsids.inc (sorted by number, because the search requires it, and with the enumerators, so that a row without
+one does not compile) and icu_errors.inc (in the order of the file; if several rows have the same status, the first one
+counts). Stops if the data violate an assumption of the code.
 """
 import argparse
 import csv
@@ -26,14 +27,16 @@ def require(condition, message):
 
 def ccsid_rows(rows):
     numbers = [int(row["ccsid"]) for row in rows]
-    require(len(rows) == 430, f"{len(rows)} CCSIDs instead of 430")
     require(numbers[0] == 0 and rows[0]["name"] == "???", "row 0 is not the unknown CCSID")
     require(all(a < b for a, b in zip(numbers, numbers[1:])), "the CCSIDs are not in ascending order")
     for row in rows:
         require(int(row["flags"], 16) in FLAGS, f"unexpected flags of {row['ccsid']}")
         require(row["name"] and '"' not in row["name"], f"unexpected name of {row['ccsid']}")
     # "?\?" prevents the compiler from reading a trigraph.
-    return [f'{{{row["ccsid"]}, {row["flags"]}, "{row["name"].replace("??", "?" + chr(92) + "?")}"}},' for row in rows]
+    names = [row["name"].replace("??", "?" + chr(92) + "?") for row in rows]
+    enumerators = ["CCSID_UNKNOWN", *(f"CCSID_{number}" for number in numbers[1:])]
+    return [f'{{VelClCCSID::{enumerator}, {row["flags"]}, "{name}"}},'
+            for row, enumerator, name in zip(rows, enumerators, names)]
 
 
 def icu_rows(rows):

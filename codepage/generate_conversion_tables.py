@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Generates the C++ conversion tables from the mappings.
 
-generate_conversion_tables.py --mappings DIRECTORY --out DIRECTORY
+generate_conversion_tables.py --out DIRECTORY FILE...
 
-Reads every file DIRECTORY/<ccsid>.txt (mappings/README.md explains the format) and writes single_byte_tables.inc,
+Reads these mappings (mappings/README.md explains the format) and writes single_byte_tables.inc,
 double_byte_tables.inc and reverse_tables.inc. tables/conversion_tables.h explains the layout. The bytes of each value
 are swapped, so that the high byte comes first in the memory of a little-endian processor. Stops if a mapping violates
 an assumption of the conversion functions.
@@ -19,8 +19,8 @@ REPLACEMENT = 0xFFFD
 UNMAPPED_PAGE_NUMBER = 1
 SINGLE_BYTES_PAGE = 1
 FIRST_ROW_PAGE_NUMBER = 3
-# The bytes of line ends that the code relies on in EBCDIC pages with single bytes. codepage/conversion.h has the same
-# numbers.
+# The bytes of line ends in EBCDIC pages with single bytes. codepage/conversion.h has the same numbers; the static
+# assertions that this script writes compare them.
 NEXT_LINE, NEXT_LINE_BYTE = 0x0085, 0x15
 LINE_FEED, LINE_FEED_BYTE = 0x000A, 0x25
 ROUND_TRIP, TO_UNICODE, FROM_UNICODE, SUBSTITUTED = "[round-trip]", "[to-unicode]", "[from-unicode]", "[substituted]"
@@ -115,8 +115,14 @@ def single_byte_tables(mappings):
     return lines + ["};"]
 
 
+def proofs():
+    values = {"kSingleBytesPage": SINGLE_BYTES_PAGE, "kNextLine": NEXT_LINE, "kNextLineByte": NEXT_LINE_BYTE,
+              "kLineFeed": LINE_FEED, "kLineFeedByte": LINE_FEED_BYTE}
+    return [f"static_assert(vel::codepage::{name} == {value});" for name, value in values.items()]
+
+
 def double_byte_tables(mappings):
-    lines, heads = [], []
+    lines, heads = proofs(), []
     for mapping in mappings:
         name, leads = mapping.ccsid, mapping.leads_with_rows()
         pages = [[REPLACEMENT] * 256, mapping.single_bytes(), *(mapping.row(lead) for lead in leads)]
@@ -172,13 +178,13 @@ def write(path, lines):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--mappings", required=True, type=pathlib.Path)
+    parser.add_argument("mappings", nargs="+", type=pathlib.Path)
     parser.add_argument("--out", required=True, type=pathlib.Path)
     options = parser.parse_args()
-    mappings = sorted((Mapping(path) for path in options.mappings.glob("*.txt")), key=lambda mapping: mapping.ccsid)
+    mappings = sorted(map(Mapping, options.mappings), key=lambda mapping: mapping.ccsid)
     single = [mapping for mapping in mappings if mapping.head["kind"] == "sbcs"]
     double = [mapping for mapping in mappings if mapping.head["kind"] == "dbcs"]
-    require((len(single), len(double)) == (49, 11), f"{len(single)} single- and {len(double)} double-byte mappings")
+    require(len(single) + len(double) == len(mappings), "a mapping of another kind than sbcs and dbcs")
     write(options.out / "single_byte_tables.inc", single_byte_tables(single))
     write(options.out / "double_byte_tables.inc", double_byte_tables(double))
     write(options.out / "reverse_tables.inc", reverse_tables([m for m in single if m.ccsid in REVERSE_CCSIDS]))

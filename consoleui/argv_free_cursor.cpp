@@ -11,26 +11,26 @@ VelClArgvFreeCursor::~VelClArgvFreeCursor() = default;
 
 bool VelClArgvFreeCursor::setToFirst() {
   VelClArgvCheckCursor::setToFirst();
-  return settle(+1);
+  return skipToFree(+1);
 }
 
 bool VelClArgvFreeCursor::setToLast() {
   VelClArgvCheckCursor::setToLast();
-  return settle(-1);
+  return skipToFree(-1);
 }
 
 bool VelClArgvFreeCursor::setToNext() {
   VelClArgvCheckCursor::setToNext();
-  return settle(+1);
+  return skipToFree(+1);
 }
 
 bool VelClArgvFreeCursor::setToPrevious() {
   VelClArgvCheckCursor::setToPrevious();
-  return settle(-1);
+  return skipToFree(-1);
 }
 
 /// Moves on by `step` to a free argument, from the current position on.
-bool VelClArgvFreeCursor::settle(int32_t step) {
+bool VelClArgvFreeCursor::skipToFree(int32_t step) {
   while (isValid() && !isFree()) setIndex(getIndex() + step);
   return isValid();
 }

@@ -10,7 +10,6 @@
 #include "consoleui/console_ui_format.h"
 #include "consoleui/console_ui_words.h"
 #include "foundation/allocator.h"
-#include "messages/built_in_messages.h"
 #include "vel_include/vel_helpers.h"
 
 using vel::consoleui::Word;
@@ -77,8 +76,11 @@ vel::consoleui::Words VelClConsoleUI::words() const {
 /// Returns false when the catalog has no source of messages even then. The tool's own catalog gets no
 /// built-in table: its numbers may mean other messages.
 bool VelClConsoleUI::attachBuiltInTable() {
-  if (catalog_.hasDefaultVelCatalog())
-    catalog_.useStringTable(vel::messages::builtInMessages(), vel::messages::kBuiltInMessageCount);
+  if (catalog_.hasDefaultVelCatalog()) {
+    unsigned long size = 0;
+    const char* const* const table = velMsgCatGetBuiltInTable(&size);
+    catalog_.useStringTable(table, size);
+  }
   return catalog_.isValid() || catalog_.hasValidStringTable();
 }
 

@@ -87,5 +87,5 @@ void VelClConsoleUI::fatalMissingArg(const char* switchName) const {
   vel::writeFill(std::cerr, params_->getIndentation() + 2, ' ');
   std::cerr << words()[Word::HelpHint] << std::endl;
   displayUsage(false);
-  exitBehindUsage();
+  exitAfterUsage();
 }

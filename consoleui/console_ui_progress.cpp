@@ -21,7 +21,6 @@ namespace {
 constexpr double kSecondsBeforeShown = 1.0;
 constexpr std::size_t kBarWidth = 30;
 constexpr std::size_t kMaxLabelLength = 24;
-constexpr int kStandardError = 2;
 
 int32_t percentageOf(uint64_t done, uint64_t total) {
   if (done >= total) return 100;
@@ -46,7 +45,7 @@ void VelClConsoleUI::progressStart(unsigned long long total, const char* label) 
   progressStarted_ = VelClTiming().wallClockTime();
   progressLabel_ = vel::textOrEmpty(label);
   progressShown_ = -1;
-  progressActive_ = !mustBeQuiet() && vel::platform::isTerminal(kStandardError);
+  progressActive_ = !mustBeQuiet() && vel::platform::isTerminal(vel::platform::kStandardError);
 }
 
 void VelClConsoleUI::progressStep(unsigned long long count) {

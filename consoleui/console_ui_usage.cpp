@@ -41,10 +41,10 @@ void VelClConsoleUI::displayUsage(bool exit) const {
   vel::writeText(std::cout, getUsage(), hide ? TextKind::UsageWithoutTaggedLines : TextKind::Usage,
                  indentation);
   std::cout.flush();
-  if (exit) exitBehindUsage();
+  if (exit) exitAfterUsage();
 }
 
-void VelClConsoleUI::exitBehindUsage() const {
+void VelClConsoleUI::exitAfterUsage() const {
   std::cout << std::endl;
   processExit(vel::consoleui::kExitUsage);
 }

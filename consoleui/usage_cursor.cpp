@@ -112,8 +112,8 @@ bool VelClUsageCursor::locateNext() {
   // a bracket precedes it.
   bool blankSeen = false;
   while (*position_ != '\0') {
-    if (!takeCharacter(blankSeen)) return false;
-    if (standsOnElement(blankSeen)) return true;
+    if (!updateState(blankSeen)) return false;
+    if (isAtElement(blankSeen)) return true;
     // Intentional: the character after a single dot is skipped with it, even a bracket, which is then not
     // counted.
     if (*position_ == '.' && position_[1] != '\0') ++position_;
@@ -124,7 +124,7 @@ bool VelClUsageCursor::locateNext() {
 
 /// Updates the depths and marks for the current character. A quoted text is skipped up to its closing quote;
 /// without one the position moves to the end of the string and the result is false.
-bool VelClUsageCursor::takeCharacter(bool& blankSeen) {
+bool VelClUsageCursor::updateState(bool& blankSeen) {
   switch (*position_) {
     case '\n':
       tagged_ = false;
@@ -163,7 +163,7 @@ bool VelClUsageCursor::takeCharacter(bool& blankSeen) {
 
 /// Whether an element begins at the position. For an ellipsis the position moves to its last dot, so that the
 /// dots are one element.
-bool VelClUsageCursor::standsOnElement(bool blankSeen) {
+bool VelClUsageCursor::isAtElement(bool blankSeen) {
   switch (*position_) {
     case '-':
     case '/':

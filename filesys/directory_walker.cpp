@@ -26,7 +26,7 @@ VelClOSSDirectoryWalker::VelClOSSDirectoryWalker(const VelClLocation& directory,
   // The empty location is the current directory, which the systems know as ".".
   const char* const place = directory.getLength() != 0 ? directory.getAsCString() : ".";
   if (platform::openDirectory(place, platform::DirectoryLink::Follow, opened) == 0) search_ = opened.system;
-  if (search_ == nullptr || !takeNext()) error_ = {DIRWALK_COULD_NOT_INIT, VelEnErrorClass::IO_PROBLEM};
+  if (search_ == nullptr || !fetchNext()) error_ = {DIRWALK_COULD_NOT_INIT, VelEnErrorClass::IO_PROBLEM};
 }
 
 VelClOSSDirectoryWalker::~VelClOSSDirectoryWalker() {
@@ -45,7 +45,7 @@ void VelClOSSDirectoryWalker::close() {
 
 // Copies the next entry into this object. The end of the listing closes the directory at once, so that a
 // finished walk does not keep it from being removed; it is not an error.
-bool VelClOSSDirectoryWalker::takeNext() {
+bool VelClOSSDirectoryWalker::fetchNext() {
   platform::DirectoryHandle handle{search_, listed_};
   platform::DirectoryEntry entry;
   platform::WalkStep step;
@@ -62,7 +62,7 @@ bool VelClOSSDirectoryWalker::takeNext() {
 }
 
 bool VelClOSSDirectoryWalker::setToNext() {
-  return isValid() && takeNext();
+  return isValid() && fetchNext();
 }
 
 bool VelClOSSDirectoryWalker::isDirectory() const {

@@ -77,7 +77,7 @@ void VelClFilename::removePath() {
 
 // The parts are not determined again, so the extension begins where it did: that of "a.txt.BAK" is
 // ".txt.BAK".
-void VelClFilename::appendBehindExtension(const char* text) {
+void VelClFilename::appendAfterExtension(const char* text) {
   PathText<> appended;
   appended.append(name_);
   appended.append(text);

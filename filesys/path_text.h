@@ -6,16 +6,18 @@
 #include <cstring>
 
 #include "base/short_text.h"
+#include "platform/path_length.h"
 #include "vel_include/vel_filesys.h"
 
 namespace vel::filesys {
 
 /// In characters, without the NUL.
 inline constexpr std::size_t kMaxLength = VEL_MAX_PATH_LENGTH;
+static_assert(kMaxLength == platform::kMaxPathLength);
 
-/// Copies at most `length` and never more than 260 characters into a buffer of 261, and a NUL. `text` may be
-/// part of the buffer, need not be NUL-terminated within `length`, and null counts as "". Returns the length
-/// of the copy.
+/// Copies at most `length` and never more than kMaxLength characters, and a NUL, into a buffer for that many.
+/// `text` may be part of the buffer, need not be NUL-terminated within `length`, and null counts as "".
+/// Returns the length of the copy.
 inline std::size_t copyBounded(char* buffer, const char* text, std::size_t length) noexcept {
   const std::size_t copied = text != nullptr ? boundedLength(text, std::min(length, kMaxLength)) : 0;
   if (copied != 0) std::memmove(buffer, text, copied);

@@ -70,5 +70,5 @@ int velTmpFileCreate(const char* directory, const char* prefix, char* name) {
 }
 
 VelClBakFilename::VelClBakFilename(const VelClFilenameABase& name) : VelClFilename(name) {
-  appendBehindExtension(".BAK");
+  appendAfterExtension(".BAK");
 }

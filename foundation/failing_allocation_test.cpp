@@ -227,6 +227,11 @@ TEST_F(FailingAllocation, OfEditedIniFiles) {
       {"merge", [](VelClIniFileEditor& editor) { return editor.merge(*merged); }},
       {"delete option", [](VelClIniFileEditor& editor) { return editor.deleteOption("A", "x"); }},
       {"delete section", [](VelClIniFileEditor& editor) { return editor.deleteSection("A"); }},
+      {"another text",
+       [](VelClIniFileEditor& editor) {
+         editor.loadFromBuffer("[E]\n", 4, false);
+         return true;
+       }},
   };
   for (const auto& [name, change] : changes)
     exhaust(
@@ -237,7 +242,8 @@ TEST_F(FailingAllocation, OfEditedIniFiles) {
           if (!loaded) editor.loadFromBuffer(text.data(), text.size(), true);
           const bool changed = attempt([&] { EXPECT_TRUE(change(editor)); });
           EXPECT_EQ(std::string(editor.getText(), editor.getLength()) == text, !changed);
-          // The model is the text's, whatever happened.
+          // The model is the text's, whatever happened, and later changes are parsed as the text was.
+          EXPECT_TRUE(editor.addSection("last"));
           VelClIniFileEditor again("unused");
           again.loadFromBuffer(editor.getText(), editor.getLength(), true);
           EXPECT_EQ(vel::test::shown(editor.getIniFile()), vel::test::shown(again.getIniFile()));
@@ -273,13 +279,19 @@ TEST_F(FailingAllocation, OfEditedIniFiles) {
   });
 }
 
+unsigned long builtInMessageCount() {
+  unsigned long count = 0;
+  velMsgCatGetBuiltInTable(&count);
+  return count;
+}
+
 /// Every word is too long for a message without memory of its own, so that each operation can fail.
 VelClConsoleUI longWordedInterface() {
   static const std::string quiet = "-" + kLong;
   static const char* const arguments[] = {"tool", "-a", "b", quiet.c_str(), "5"};
-  static std::vector<const char*> words(221, kLong.c_str());
+  static std::vector<const char*> words(builtInMessageCount(), kLong.c_str());
   words[9] = "copyright";
-  return {5, arguments, VelClFilename("absent"), 0, words.data(), 221};
+  return {5, arguments, VelClFilename("absent"), 0, words.data(), builtInMessageCount()};
 }
 
 void exhaustInterface(const char* name, void (*run)(VelClConsoleUI&)) {

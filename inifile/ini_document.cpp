@@ -84,18 +84,19 @@ bool mergeModel(VelClIniFile& file, const VelClIniFile& source) {
 
 }  // namespace
 
-IniDocument::IniDocument() : model_(parse(text_)) {}
+IniDocument::IniDocument() : model_(parse(text_, allowContinuation_)) {}
 
 void IniDocument::adopt(String text, bool allowContinuation) {
+  // Only parsing can fail: after a failure text, setting and model still belong together.
+  model_ = parse(text, allowContinuation);
   allowContinuation_ = allowContinuation;
-  model_ = parse(text);
   text_ = std::move(text);
 }
 
-OwnedIniFile IniDocument::parse(const String& text) const {
+OwnedIniFile IniDocument::parse(const String& text, bool allowContinuation) {
   OwnedIniFile file(create<VelClIniFile>(""));
   LineSource lines(text.data(), text.size(), '\n', LineSource::Bytes::Text);
-  Parser(*file, true, allowContinuation_).parse(lines);
+  Parser(*file, true, allowContinuation).parse(lines);
   return file;
 }
 
@@ -113,9 +114,9 @@ SectionLayout IniDocument::layoutOf(const Section& wanted) const {
 /// a merge, or null. The copy comes from parsing the old text again, since a model cannot be copied.
 template <typename Change>
 bool IniDocument::replaceIf(String changed, const VelClIniFile* merged, Change change) {
-  const OwnedIniFile wanted = parse(text_);
+  const OwnedIniFile wanted = parse(text_, allowContinuation_);
   if (!change(*wanted)) return false;
-  OwnedIniFile parsed = parse(changed);
+  OwnedIniFile parsed = parse(changed, allowContinuation_);
   if (!sameModel(*wanted, *parsed, merged)) return false;
   text_ = std::move(changed);
   model_ = std::move(parsed);

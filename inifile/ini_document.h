@@ -18,7 +18,7 @@ class IniDocument {
   /// An empty text.
   IniDocument();
 
-  /// Replaces the text.
+  /// Replaces the text, and how it is parsed. After a failed allocation everything is as before.
   void adopt(String text, bool allowContinuation);
   const String& text() const noexcept { return text_; }
   const VelClIniFile& model() const noexcept { return *model_; }
@@ -34,7 +34,7 @@ class IniDocument {
 
  private:
   Span span() const noexcept { return {text_.data(), text_.data() + text_.size()}; }
-  OwnedIniFile parse(const String& text) const;
+  static OwnedIniFile parse(const String& text, bool allowContinuation);
   /// Returns the layout of a section of the model.
   SectionLayout layoutOf(const VelClIniFileSection& wanted) const;
   template <typename Change>

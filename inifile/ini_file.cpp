@@ -65,7 +65,7 @@ const VelClIniFileOption* VelClIniFile::getExistingOption(const VelClIniFileSect
 /// Serves all overloads of getOption. Both outputs are untouched when the option is not found, so that a
 /// caller can set defaults before.
 template <typename Value>
-bool VelClIniFile::ask(const char* name, Value& value, const char** comment) const {
+bool VelClIniFile::queryOption(const char* name, Value& value, const char** comment) const {
   const VelClIniFileOption* option =
       currentSection_ != nullptr ? model_->findOption(*currentSection_, name) : nullptr;
   if (option == nullptr) return false;
@@ -75,44 +75,44 @@ bool VelClIniFile::ask(const char* name, Value& value, const char** comment) con
 }
 
 bool VelClIniFile::getOption(const char* name, const char*& value) const {
-  return ask(name, value, nullptr);
+  return queryOption(name, value, nullptr);
 }
 bool VelClIniFile::getOption(const char* name, const char*& value, const char*& comment) const {
-  return ask(name, value, &comment);
+  return queryOption(name, value, &comment);
 }
 bool VelClIniFile::getOption(const char* name, int& value) const {
-  return ask(name, value, nullptr);
+  return queryOption(name, value, nullptr);
 }
 bool VelClIniFile::getOption(const char* name, int& value, const char*& comment) const {
-  return ask(name, value, &comment);
+  return queryOption(name, value, &comment);
 }
 bool VelClIniFile::getOption(const char* name, long& value) const {
-  return ask(name, value, nullptr);
+  return queryOption(name, value, nullptr);
 }
 bool VelClIniFile::getOption(const char* name, long& value, const char*& comment) const {
-  return ask(name, value, &comment);
+  return queryOption(name, value, &comment);
 }
 bool VelClIniFile::getOption(const char* name, unsigned int& value) const {
-  return ask(name, value, nullptr);
+  return queryOption(name, value, nullptr);
 }
 bool VelClIniFile::getOption(const char* name, unsigned int& value, const char*& comment) const {
-  return ask(name, value, &comment);
+  return queryOption(name, value, &comment);
 }
 bool VelClIniFile::getOption(const char* name, unsigned long& value) const {
-  return ask(name, value, nullptr);
+  return queryOption(name, value, nullptr);
 }
 bool VelClIniFile::getOption(const char* name, unsigned long& value, const char*& comment) const {
-  return ask(name, value, &comment);
+  return queryOption(name, value, &comment);
 }
 bool VelClIniFile::getOption(const char* name, char& value) const {
-  return ask(name, value, nullptr);
+  return queryOption(name, value, nullptr);
 }
 bool VelClIniFile::getOption(const char* name, char& value, const char*& comment) const {
-  return ask(name, value, &comment);
+  return queryOption(name, value, &comment);
 }
 bool VelClIniFile::getOptionBool(const char* name, bool& value) const {
-  return ask(name, value, nullptr);
+  return queryOption(name, value, nullptr);
 }
 bool VelClIniFile::getOption(const char* name, bool& value, const char*& comment) const {
-  return ask(name, value, &comment);
+  return queryOption(name, value, &comment);
 }

@@ -53,8 +53,8 @@ bool VelClIniFileEditor::load(bool allowContinuation) {
 }
 
 void VelClIniFileEditor::loadFromBuffer(const char* buffer, size_t size, bool allowContinuation) {
-  file_->lock.forgetRead();
   file_->document.adopt(buffer != nullptr ? String(buffer, size) : String(), allowContinuation);
+  file_->lock.forgetRead();
 }
 
 bool VelClIniFileEditor::setValue(const char* section, const char* option, const char* value) {

@@ -2,19 +2,12 @@
 #pragma once
 
 #include "foundation/allocator.h"
+#include "inifile/first_records.h"
 #include "inifile/text_rules.h"
 #include "vel_include/vel_inifile.h"
 
 namespace vel::inifile {
 
-/// Whether a search by name finds this record, and not an earlier one of the same name.
-inline bool isFirst(const VelClIniFile& file, const VelClIniFileSection& section) {
-  return file.getExistingSection(section.getName()) == &section;
-}
-inline bool isFirst(const VelClIniFile& file, const VelClIniFileSection& section,
-                    const VelClIniFileOption& option) {
-  return file.getExistingOption(section, option.getName()) == &option;
-}
 /// Whether a search by name finds options in this section.
 inline bool hasOptions(const VelClIniFile& file, const VelClIniFileSection& section) {
   return section.getFirstOption() != nullptr && isFirst(file, section);

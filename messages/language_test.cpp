@@ -20,7 +20,8 @@ std::string printed(const VelClLanguage& language) {
 
 TEST(Language, FindsEveryLanguage) {
   const auto rows = vel::test::readTable(VEL_TEST_DATA "languages.tsv");
-  ASSERT_EQ(rows.size(), 143U);
+  // The interface has the number of rows.
+  ASSERT_EQ(rows.size(), VelClLanguage::LANGUAGE_UNKNOWN);
   EXPECT_EQ(VelClLanguage::getNumberOfLanguagesSupported(), 143U);
   for (unsigned int i = 0; i < rows.size(); ++i) {
     const VelClLanguage language(rows[i][0].c_str());
@@ -34,7 +35,7 @@ TEST(Language, FindsEveryLanguage) {
 
 TEST(Language, FindsEveryTerritory) {
   const auto rows = vel::test::readTable(VEL_TEST_DATA "territories.tsv");
-  ASSERT_EQ(rows.size(), 242U);
+  ASSERT_EQ(rows.size(), VelClLanguage::TERRITORY_UNKNOWN);
   EXPECT_EQ(VelClLanguage::getNumberOfTerritoriesSupported(), 242U);
   for (unsigned int i = 0; i < rows.size(); ++i) {
     const VelClLanguage language(("de_" + rows[i][0]).c_str());
@@ -44,8 +45,8 @@ TEST(Language, FindsEveryTerritory) {
     EXPECT_EQ(VelClLanguage::getTerritoryIdNumber(i), std::stoi(rows[i][2]));
     EXPECT_EQ(VelClLanguage::getTerritoryName(i), rows[i][3]);
   }
-  EXPECT_EQ(VelClLanguage::getTerritoryIdNumber(242), -1);
-  EXPECT_STREQ(VelClLanguage::getTerritoryName(242), "??");
+  EXPECT_EQ(VelClLanguage::getTerritoryIdNumber(VelClLanguage::TERRITORY_UNKNOWN), -1);
+  EXPECT_STREQ(VelClLanguage::getTerritoryName(VelClLanguage::TERRITORY_UNKNOWN), "??");
   EXPECT_STREQ(VelClLanguage::getTerritoryCodeLong(0xFFFFFFFF), "??");
 }
 

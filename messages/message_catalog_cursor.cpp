@@ -114,15 +114,15 @@ bool VelClMessageCatalogCursor::isValid() const {
   return index_ < count_;
 }
 bool VelClMessageCatalogCursor::setToFirst() {
-  return settleAt(0);
+  return moveTo(0);
 }
 bool VelClMessageCatalogCursor::setToNext() {
-  return settleAt(isValid() ? index_ + 1 : count_);
+  return moveTo(isValid() ? index_ + 1 : count_);
 }
 
 /// Moves to a position and makes a NUL-terminated copy of a library's text. If the memory manager throws, the
 /// cursor stays where it was.
-bool VelClMessageCatalogCursor::settleAt(size_t index) {
+bool VelClMessageCatalogCursor::moveTo(size_t index) {
   vel::OwnedText copy;
   if (index < count_ && positions_ != nullptr) {
     const vel::String text = vel::messages::utf8TextOf(positions_[index].entry());

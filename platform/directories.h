@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "platform/file_identity.h"
+#include "platform/path_length.h"
 #include "platform/system_error.h"
 
 namespace vel::platform {
@@ -22,12 +23,12 @@ struct DirectoryHandle {
 
 /// One directory entry, described alike on every system. A link is never a directory.
 struct DirectoryEntry {
-  static constexpr std::size_t kNameCapacity = 261;
-  /// 260 UTF-16 units, or 521 bytes.
-  static constexpr std::size_t kSystemNameCapacity = 522;
+  static constexpr std::size_t kNameCapacity = kMaxPathLength + 1;
+  /// A name of UTF-16 units, or of bytes, with its terminator.
+  static constexpr std::size_t kSystemNameCapacity = 2 * kNameCapacity;
 
   std::uint32_t attributes;
-  char name[kNameCapacity];  ///< cut to 260 characters, NUL-terminated
+  char name[kNameCapacity];  ///< cut to kMaxPathLength characters, NUL-terminated
   /// The system's own spelling, NUL-terminated, for openEntry and removeEntry.
   alignas(2) unsigned char systemName[kSystemNameCapacity];
 };

@@ -10,5 +10,8 @@ namespace vel::platform {
 std::uint32_t holdEndingSignals() noexcept;
 /// Unblocks them; signals that arrived meanwhile take effect.
 void releaseEndingSignals(std::uint32_t held) noexcept;
+/// For programs that own their process and start no others: from now on a write beyond the file size limit
+/// fails (EFBIG) instead of ending the process by SIGXFSZ. Windows has no such limit.
+void ignoreFileSizeSignal() noexcept;
 
 }  // namespace vel::platform

@@ -2,7 +2,10 @@
 // contents or all of the new.
 #pragma once
 
+#include <cstddef>
+
 #include "platform/file_identity.h"
+#include "platform/path_length.h"
 #include "platform/system_error.h"
 
 namespace vel::platform {
@@ -16,16 +19,14 @@ struct Replacement {
 
   // The rest belongs to replacing.cpp.
 
-  /// Longest name, as far as the systems know one: PATH_MAX is 4,096 on Linux, and the temporary's name is
-  /// longer by a random part.
-  static constexpr int kTargetCapacity = 4100;
-  static constexpr int kTemporaryCapacity = 4200;
+  /// The temporary's name is longer than the target's by a random part.
+  static constexpr std::size_t kTemporaryCapacity = kFullNameCapacity + 100;
 
   int directory =
       -1;  ///< the directory of both names, held open; -1 where the system has no such descriptors
   int heldTarget = -1;  ///< the old file, held open so that no other file can get its identity meanwhile
   char temporary[kTemporaryCapacity] = "";  ///< the system's own spelling; "" while the new file has no name
-  char target[kTargetCapacity];
+  char target[kFullNameCapacity];
 };
 
 /// Begins to replace a file, or to create one. Links are followed and stay. The new file gets the permissions

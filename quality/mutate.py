@@ -22,7 +22,9 @@ import changes
 import overlay
 
 CHECKOUT = pathlib.Path(__file__).resolve().parent.parent
-ROOMS = ("base environment foundation process util filesys messages consoleui trace codepage inifile platform tools").split()
+# The folders that the build declares as rooms.
+ROOMS = [folder for folder in re.findall(r"^add_subdirectory\((\w+)\)", (CHECKOUT / "CMakeLists.txt").read_text(), re.M)
+         if re.search(r"^vel_add_room", (CHECKOUT / folder / "CMakeLists.txt").read_text(), re.M)]
 COUNTED = ("noticed", "noticed with sanitizers", "survived")
 
 stop = threading.Event()

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "platform/test/child_process.h"
+#include "platform/test/posix/processes.h"
 #include "platform/test/scratch_directory.h"
 #include "platform/test/table.h"
 
@@ -18,7 +19,7 @@ using Row = std::vector<std::string>;
 class Directory : public vel::test::ScratchDirectory {
  public:
   Directory() {
-    write("a.ini", "[A]\no0=old ; comment\n");
+    write("a.ini", "[A]\no0=old value ; comment\n");
     write("b.ini", "[B]\nx=1\n");
     write("dump", vel::test::runChild("veldump", {path("a.ini")}).output);
     write("tour.trc", vel::test::readFile(VEL_TEST_DATA "../trace/test/tour.trc"));
@@ -32,12 +33,16 @@ struct Outcome {
   std::ptrdiff_t entries;
 };
 
-Outcome run(const Row& row, int failingCall, const vel::test::Variables& more = {}) {
-  const Directory directory;
+std::vector<std::string> argumentsOf(const Row& row, const Directory& directory) {
   std::vector<std::string> arguments;
   std::istringstream words(row[1]);
   for (std::string word; words >> word;)
     arguments.push_back(word.starts_with('@') ? directory.path() + word.substr(1) : word);
+  return arguments;
+}
+
+Outcome run(const Row& row, int failingCall, const vel::test::Variables& more = {}) {
+  const Directory directory;
   // The sanitizer cannot look for leaks in a process that is watched already.
   vel::test::Variables variables = {{"FAILING_TRACE_ACTIVE", "yes"},
                                     {"FAILING_TRACE_BUFSIZE", "1024"},
@@ -45,7 +50,8 @@ Outcome run(const Row& row, int failingCall, const vel::test::Variables& more = 
                                     {"ASAN_OPTIONS", "detect_leaks=0"}};
   variables.insert(variables.end(), more.begin(), more.end());
   const std::string reads = row.at(4) != "-" ? fs::canonical(directory.path()).string() : "";
-  const auto child = vel::test::runChild(row[0], arguments, {variables, "", true, failingCall, reads});
+  const auto child =
+      vel::test::runChild(row[0], argumentsOf(row, directory), {variables, "", true, failingCall, reads});
   std::string written = vel::test::readFile(directory.path(row[2]));
   if (row[2] == "-" && child.exitCode == 0) written = child.output;
   // Entries of a trace have times, but not in every run the same.
@@ -143,6 +149,23 @@ TEST(FailedCalls, AreToldAndCostNoFile) {
   for (const char* name :
        {"open", "read", "fsync", "close", "rename", "fchown", "fchmod", "fsync of a directory"})
     EXPECT_THAT(names, testing::HasSubstr(name));
+}
+
+// The limit would end the process by a signal if the tools did not ignore that.
+TEST(FileSizeLimit, IsToldByExitCodesOfTools) {
+  for (const Row& row : vel::test::readTable(VEL_TEST_DATA "test/failed_calls.tsv")) {
+    if (row.size() < 6) continue;
+    const Directory directory, untouched;
+    const auto runLimited = [&] {
+      const auto child = vel::test::runChild(row[0], argumentsOf(row, directory));
+      return child.endedAbnormally ? -1 : child.exitCode;
+    };
+    EXPECT_EQ(std::to_string(vel::test::exitCodeOf(vel::test::limitFileSizes, runLimited)), row[3])
+        << row[0] << ' ' << row[1];
+    // For "-", standard output, both are empty.
+    EXPECT_EQ(vel::test::readFile(directory.path(row[2])), vel::test::readFile(untouched.path(row[2])));
+    EXPECT_EQ(directory.entries(), untouched.entries()) << "something is left behind";
+  }
 }
 
 }  // namespace

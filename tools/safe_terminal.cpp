@@ -14,9 +14,6 @@ namespace vel::tools {
 
 namespace {
 
-constexpr int kStandardOutput = 1;
-constexpr int kStandardError = 2;
-
 /// The control characters that only move the cursor on, or ring the bell.
 constexpr std::string_view kHarmless = "\a\t\n\r";
 
@@ -56,6 +53,7 @@ SafeTerminal::Stream::Stream(std::ostream& stream, int descriptor)
   if (platform::isTerminal(descriptor)) stream_.rdbuf(&buffer_);
 }
 
-SafeTerminal::SafeTerminal() : output_(std::cout, kStandardOutput), errors_(std::cerr, kStandardError) {}
+SafeTerminal::SafeTerminal()
+    : output_(std::cout, platform::kStandardOutput), errors_(std::cerr, platform::kStandardError) {}
 
 }  // namespace vel::tools

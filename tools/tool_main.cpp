@@ -1,4 +1,4 @@
-// The main function of every tool, and the end of a tool that runs out of memory.
+// The main function of every tool, and the end of a tool that runs out of memory or may write no more.
 //
 // Lack of memory arrives in two ways. Most of it is an exception that passes through toolMain. The rest comes
 // from functions that must not throw: there the C++ runtime calls the terminate handler instead, in the
@@ -11,6 +11,7 @@
 #include <exception>
 #include <new>
 
+#include "platform/ending_signals.h"
 #include "tools/safe_terminal.h"
 
 namespace vel::tools {
@@ -54,6 +55,8 @@ bool endsForLackOfMemory() noexcept {
 
 int runTool(int argc, char** argv) {
   previousHandler = std::set_terminate(terminate);
+  // A tool reports what it cannot write, and ends with the exit code for that.
+  platform::ignoreFileSizeSignal();
   const SafeTerminal terminal;
   try {
     return toolMain(argc, argv);

@@ -123,7 +123,7 @@ void VelClTraceBufferManager::flush() {
   const VelClTraceBufferAccessSemaphore access(*key_);
   header_->dropBytesOfParent(forkCount_, dirty_);
   if (!dirty_) return;
-  handOver();
+  callHandler();
   dirty_ = false;
 }
 
@@ -157,7 +157,7 @@ void VelClTraceBufferManager::fill(const char* data, size_t length) {
 
 /// Passes the unsaved bytes to the handler and then counts them as saved, whether or not it could save them:
 /// tracing goes on without the bytes that are lost.
-void VelClTraceBufferManager::handOver() {
+void VelClTraceBufferManager::callHandler() {
   if (handler_ == nullptr) return;
   // Clipped to the end, since threads that do not take turns may have left positions past it.
   char* const end = header_->dataEnd + 1;

@@ -28,8 +28,9 @@ VEL_C_API void velDeleteICUConverter(const void* converter);
 /// A row of the table of CCSIDs.
 struct VelStCcsid;
 
-/// A coded character set identifier: the number of an encoding. Properties are looked up in a built-in table
-/// of 430 CCSIDs. It is a plain value type: nothing here allocates, throws or reports errors.
+/// A coded character set identifier: the number of an encoding. Properties are looked up in a built-in table,
+/// which has the CCSIDs listed below. It is a plain value type: nothing here allocates, throws or reports
+/// errors.
 ///
 ///   VelClCCSID(VelClCCSID::CCSID_850).isASCII()   // true
 ///   VelClCCSID("utf-8").getAsInt()                // 1208

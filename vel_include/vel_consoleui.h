@@ -78,8 +78,8 @@ class VEL_API VelClUsageCursor : public VelClUniDirCursorABase {
   VelClUsageCursor& operator=(const VelClUsageCursor&) = delete;
 
   bool locateNext();
-  bool takeCharacter(bool& blankSeen);
-  bool standsOnElement(bool blankSeen);
+  bool updateState(bool& blankSeen);
+  bool isAtElement(bool blankSeen);
   void skipCurrent();
 
   const char* start_;
@@ -181,7 +181,7 @@ class VEL_API VelClArgvFreeCursor : public VelClArgvCheckCursor {
   bool setToPrevious() override;
 
  private:
-  bool settle(int32_t step);
+  bool skipToFree(int32_t step);
 };
 
 /// Alignment of the label in the label column of aligned output. Other numbers count as LEFT.
@@ -485,7 +485,7 @@ class VEL_API VelClConsoleUI {
   bool attachBuiltInTable();
   void handleHelpSwitches() const;
   void checkCommandLine() const;
-  [[noreturn]] void exitBehindUsage() const;
+  [[noreturn]] void exitAfterUsage() const;
   bool checkArgument(const VelClArgvCheckCursor& argument) const;
   [[noreturn]] void fatalArgument(int exitCode, uint32_t word, const char* switchName) const;
   template <typename Number>

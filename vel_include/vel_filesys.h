@@ -216,7 +216,7 @@ class VEL_API VelClFilename : public VelClFilenameABase {
 
  protected:
   /// Appends `text` to the whole name; the extension still begins where it did before.
-  void appendBehindExtension(const char* text);
+  void appendAfterExtension(const char* text);
 };
 
 /// The name of a directory. It ends with a separator unless it is empty, and has at most 260 characters
@@ -515,7 +515,7 @@ class VEL_API VelClOSSDirectoryWalker {
   const char* getFullName() const { return buffer_; }
 
  private:
-  bool takeNext();
+  bool fetchNext();
   void close();
 
   char buffer_[2 * VEL_MAX_PATH_LENGTH + 1];

@@ -238,7 +238,7 @@ class VEL_API VelClIniFile : public VelClFile {
 
   bool parse(vel::inifile::LineSource& lines, bool keepDuplicateSections, bool allowContinuation);
   template <typename Value>
-  bool ask(const char* name, Value& value, const char** comment) const;
+  bool queryOption(const char* name, Value& value, const char** comment) const;
 
   VelClIniFileSection* firstSection_;
   VelClIniFileSection* lastSection_;

@@ -150,7 +150,7 @@ class VEL_API VelClMessageCatalogCursor : public VelClUniDirCursorABase {
   struct Position;
   void listTable();
   void listLibrary();
-  bool settleAt(size_t index);
+  bool moveTo(size_t index);
 
   const VelClMessageCatalog& catalog_;
   Position* positions_;  ///< those of a library, sorted by id, then language; null with a string table
@@ -248,8 +248,8 @@ class VEL_API VelClMessageCatalogProxy {
   char text_[VEL_MAX_MESSAGE_LENGTH + 1];
 };
 
-/// A language combined with a territory: a country or region. Both are rows of fixed tables, of 143 languages
-/// (ISO 639 codes) and 242 territories (ISO 3166 codes), as the codes were in 1997. They are unrelated to the
+/// A language combined with a territory: a country or region. Both are rows of fixed tables, of languages
+/// (ISO 639 codes) and of territories (ISO 3166 codes), as the codes were in 1997. They are unrelated to the
 /// language numbers of the system. All texts are literals, and codes are in lower case.
 class VEL_API VelClLanguage {
  public:

@@ -133,8 +133,8 @@ class VEL_API VelClStrictConversion {
   bool convertKept(const char*& source, size_t& size, bool isLast, vel::codepage::Output& output);
   bool run(const char* source, size_t size, bool isLast, VelClConversionSink& sink);
   bool writeUnits(const char* source, size_t size, size_t count, vel::codepage::Output& output);
-  size_t takeLackingCharacter(const char* source, size_t size, size_t unit, vel::codepage::Output& output);
-  void takeBadBytes(VelEnFault kind, const char* bytes, size_t size, vel::codepage::Output& output);
+  size_t handleUnmappable(const char* source, size_t size, size_t unit, vel::codepage::Output& output);
+  void handleIllFormed(VelEnFault kind, const char* bytes, size_t size, vel::codepage::Output& output);
   bool count(VelEnFault kind, uint64_t offset, uint32_t character, const char* bytes, size_t size);
   void advance(size_t firstUnit, size_t endUnit);
 

@@ -306,8 +306,8 @@ class VEL_API VelClTraceBufferManager {
   void fill(const char* data, size_t length);
   size_t room() const;
   void append(const char* data, size_t length);
-  void overflow() { handOver(); }
-  void handOver();
+  void overflow() { callHandler(); }
+  void callHandler();
 
   const VelClResourceKeySemaphore* key_;
   Header* header_;

@@ -1,28 +1,38 @@
 // Chooses the conversion function of a converter by its CCSID: algorithms and tables of the library first,
 // since they are fastest and the same everywhere; then ICU; then, from UCS-2 only, the system. The functions
 // themselves are in the other files of this folder and in icu/.
+#include "codepage/ccsid_search.h"
 #include "codepage/conversion.h"
 #include "platform/code_pages.h"
 
 namespace {
 
+enum class Direction { ToUcs2, FromUcs2 };
+
+/// The directions in which an alias is resolved.
+enum class Resolved { ToUcs2Only, BothWays };
+
 struct Alias {
   std::uint32_t ccsid;
-  std::uint32_t resolved;
+  std::uint32_t target;
+  Resolved resolved;
 };
 
 // CCSIDs whose tables, or whose ICU converters, go by another number.
-// Intentional: from UCS-2 only the first two count. Callers that write 5026 get ICU's own converter, or none,
+// Intentional: from UCS-2 most are not resolved. Callers that write 5026 get ICU's own converter, or none,
 // not that of 930.
-constexpr Alias kAliases[] = {{18030, 1392}, {5488, 1392}, {5026, 930}, {5035, 939},
-                              {936, 1386},   {938, 948},   {954, 33722}};
-constexpr std::size_t kAliasesFromUcs2 = 2;
+constexpr Alias kAliases[] = {
+    {936, 1386, Resolved::ToUcs2Only}, {938, 948, Resolved::ToUcs2Only},  {954, 33722, Resolved::ToUcs2Only},
+    {5026, 930, Resolved::ToUcs2Only}, {5035, 939, Resolved::ToUcs2Only}, {5488, 1392, Resolved::BothWays},
+    {18030, 1392, Resolved::BothWays},
+};
+static_assert(std::ranges::is_sorted(kAliases, {}, &Alias::ccsid));
 
-template <std::size_t count>
-std::uint32_t resolveAlias(std::uint32_t ccsid, const Alias (&aliases)[count], std::size_t used = count) {
-  for (std::size_t i = 0; i < used; ++i)
-    if (aliases[i].ccsid == ccsid) return aliases[i].resolved;
-  return ccsid;
+std::uint32_t resolveAlias(std::uint32_t ccsid, Direction direction) {
+  const Alias* const alias = vel::codepage::findByCcsid(kAliases, ccsid);
+  if (alias == nullptr) return ccsid;
+  if (direction == Direction::FromUcs2 && alias->resolved == Resolved::ToUcs2Only) return ccsid;
+  return alias->target;
 }
 
 /// Returns the function that converts a form of UCS-2 to or from UCS-2 in host order; null for any other
@@ -55,7 +65,7 @@ void VelClConverterABase::initCodePage2Unicode() {
   if (const VelConversionFunction function = functionBetweenUcs2(ccsid))
     return useFunction(function, nullptr);
   if (ccsid == VelClCCSID::CCSID_UTF8) return useFunction(&velConvertByAlgorithmUTF8toUCS2, nullptr);
-  const std::uint32_t resolved = resolveAlias(ccsid, kAliases);
+  const std::uint32_t resolved = resolveAlias(ccsid, Direction::ToUcs2);
   if (const uint16_t* const table = velGetSBCStoUCS2Table(resolved)) {
     return useFunction(
         source_.isEBCDIC() ? &velConvertByTablesSBCS_EBCDICtoUCS2 : &velConvertByTablesSBCS_ASCIItoUCS2,
@@ -78,7 +88,7 @@ void VelClConverterABase::initUnicode2CodePage() {
     return useFunction(&velConvertByTablesUCS2toSBCS, table);
   if (ccsid == VelClCCSID::CCSID_819) return useFunction(&velConvertByAlgorithmUCS2to819, nullptr);
   if (ccsid == VelClCCSID::CCSID_UTF8) return useFunction(&velConvertByAlgorithmUCS2toUTF8, nullptr);
-  const std::uint32_t resolved = resolveAlias(ccsid, kAliases, kAliasesFromUcs2);
+  const std::uint32_t resolved = resolveAlias(ccsid, Direction::FromUcs2);
   if (useIcu(resolved, &velConvertByAlgorithmIcuFromUnicode)) return;
   if (isCodePageOfSystem(resolved)) return useFunction(&velConvertByWindowsCallUCS2ToWinCP, nullptr);
   useNothing();

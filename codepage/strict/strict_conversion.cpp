@@ -178,7 +178,7 @@ size_t VelClStrictConversion::convertBlock(const char* source, size_t size, bool
     size -= result.consumed;
     offset_ += result.consumed;
     if (result.fault != VelEnFault::NONE) {
-      takeBadBytes(result.fault, source, result.faultSize, output);
+      handleIllFormed(result.fault, source, result.faultSize, output);
       if (hasStopped_) break;
       source += result.faultSize;
       size -= result.faultSize;
@@ -198,15 +198,14 @@ bool VelClStrictConversion::writeUnits(const char* source, size_t size, size_t c
     const size_t next = written + writer_->write(units_ + written, count - written, output);
     advance(written, next);
     if (next == count) return true;
-    written = next + takeLackingCharacter(source, size, next, output);
+    written = next + handleUnmappable(source, size, next, output);
     if (hasStopped_) return false;
     advance(next, written);
   }
 }
 
 // Counts and handles the unmappable character at `unit`. Returns the number of its units.
-size_t VelClStrictConversion::takeLackingCharacter(const char* source, size_t size, size_t unit,
-                                                   Output& output) {
+size_t VelClStrictConversion::handleUnmappable(const char* source, size_t size, size_t unit, Output& output) {
   const vel::codepage::Character character = vel::codepage::characterAt(units_ + unit);
   // Only the first fault is reported with its offset, and finding that may mean to decode the source again.
   const size_t before = getFaultCount() == 0 ? reader_->sizeBefore(source, size, unit) : 0;
@@ -222,7 +221,7 @@ size_t VelClStrictConversion::takeLackingCharacter(const char* source, size_t si
 }
 
 // Counts and handles bytes that are not a character. The end in double-byte mode is a fault without bytes.
-void VelClStrictConversion::takeBadBytes(VelEnFault kind, const char* bytes, size_t size, Output& output) {
+void VelClStrictConversion::handleIllFormed(VelEnFault kind, const char* bytes, size_t size, Output& output) {
   if (!count(kind, offset_, 0, bytes, size) || size == 0) return;
   column_ += 1;
   if (policy_ == VelEnPolicy::REPLACE) writer_->writeOrSubstitute(kReplacement, output);

@@ -51,7 +51,6 @@ TEST(SingleByteTables, HoldThePublishedMappings) {
     strict.setNextLineFolding(foldsNextLine);
     EXPECT_EQ(convertInPieces(strict, source, {}).bytes, unitBytes(expected));
   }
-  EXPECT_EQ(numbers.size(), 49U);
   for (int number = 0; number < 0x10000; ++number)
     EXPECT_EQ(velGetSBCStoUCS2Table(static_cast<unsigned int>(number)) != nullptr, numbers.contains(number));
 }
@@ -99,16 +98,19 @@ void expectConversion(const MappingFile& mapping) {
 }
 
 TEST(DoubleByteTables, HoldThePublishedMappings) {
-  const std::vector<MappingFile> mappings = MappingFile::all("dbcs");
-  EXPECT_EQ(mappings.size(), 11U);
-  for (const MappingFile& mapping : mappings) {
+  std::set<int> numbers;
+  for (const MappingFile& mapping : MappingFile::all("dbcs")) {
     SCOPED_TRACE(mapping.ccsid);
+    numbers.insert(mapping.ccsid);
     expectTable(mapping);
     expectConversion(mapping);
   }
-  bool untouched = true;
-  EXPECT_EQ(velGetDBCStoUCS2Table(932, untouched), nullptr);
-  EXPECT_TRUE(untouched);
+  for (int number = 0; number < 0x10000; ++number) {
+    if (numbers.contains(number)) continue;
+    bool untouched = true;
+    EXPECT_EQ(velGetDBCStoUCS2Table(static_cast<unsigned int>(number), untouched), nullptr) << number;
+    EXPECT_TRUE(untouched);
+  }
   EXPECT_EQ(velGetEUCtoUCS2Table(954), nullptr);
 }
 

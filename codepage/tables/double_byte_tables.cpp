@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "codepage/ccsid_search.h"
+#include "codepage/conversion.h"
 #include "codepage/tables/conversion_tables.h"
 
 namespace {

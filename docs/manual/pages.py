@@ -4,6 +4,7 @@
   {{output SESSION: COMMAND}}  this command of a session file, and the lines that it prints
   {{stated HEADER: WORDS}}     the number in these words, which must be in a comment of that header
   {{value HEADER: NAME}}       the value of a constant
+  {{count FILE}}               the number of rows of a data file
   {{tool NAME}}                the title, usage string and help text of a tool
   {{code-pages}}, {{errors}}, {{classes}}, {{icu-errors}}, {{trace-types}}   tables of the data files
   {{rooms}}                    the table of rooms and their dependencies, from the build files
@@ -101,6 +102,9 @@ class Page:
         if not found:
             self.stop(f"{name} has no constant {constant}")
         return f"{int(found[1]):,}"
+
+    def count(self, name):
+        return f"{len(rows_of(self.root / name)):,}"
 
     def tool(self, name):
         texts = tool_texts(name)

@@ -1,4 +1,5 @@
-// Queries about pipes, with tee() and the magic number of the kernel's own file system of pipes.
+// Making pipes by pipe2(), which POSIX has since 2024, and queries about them with tee() and the magic number
+// of the kernel's own file system of pipes.
 #include "platform/posix/pipes.h"
 
 #include <fcntl.h>
@@ -7,7 +8,13 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 namespace vel::platform {
+
+SystemError makePipe(int (&ends)[2], int flags) noexcept {
+  return pipe2(ends, O_CLOEXEC | flags) == 0 ? 0 : errno;
+}
 
 bool isNamedPipe(int descriptor) noexcept {
   struct stat status {};
@@ -21,7 +28,7 @@ bool isNamedPipe(int descriptor) noexcept {
 // no byte; with a writer but no byte it fails with EAGAIN.
 bool hasWriter(int pipe) noexcept {
   int ends[2];
-  if (pipe2(ends, O_CLOEXEC) != 0) return false;
+  if (makePipe(ends, 0) != 0) return false;
   const bool isWritten = tee(pipe, ends[1], 1, SPLICE_F_NONBLOCK) != 0;
   close(ends[0]);
   close(ends[1]);

@@ -5,12 +5,11 @@
 #include <strings.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
-#include <initializer_list>
 
 #include "base/utf.h"
 #include "platform/code_pages.h"
+#include "platform/posix/locale_variables.h"
 
 namespace vel::platform {
 
@@ -34,16 +33,6 @@ constexpr CodeSet kCodeSets[] = {
     {"TIS-620", 874},        {"EUC-JP", 33722},   {"EUC-KR", 970},      {"GB2312", 1383},
     {"GBK", 1386},           {"GB18030", 1392},   {"BIG5", 950},        {"SHIFT_JIS", 943},
 };
-
-/// Returns the value of the first variable that is set and not empty, else "". The order is the one of
-/// setlocale().
-const char* localeFromEnvironment() noexcept {
-  for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-    const char* const value = std::getenv(variable);
-    if (value != nullptr && *value != '\0') return value;
-  }
-  return "";
-}
 
 std::uint32_t ccsidOfName(const char* name, std::size_t length) noexcept {
   for (const CodeSet& set : kCodeSets)
@@ -96,7 +85,7 @@ std::uint32_t ansiCodePage() noexcept {
   if (ccsid != 367) return ccsid;
   // A program that never calls setlocale() runs in the ASCII locale "C", whatever its user's locale is. The
   // environment tells what the terminal expects.
-  const char* const named = std::strchr(localeFromEnvironment(), '.');
+  const char* const named = std::strchr(localeNameFor("LC_CTYPE"), '.');
   if (named == nullptr) return ccsid;
   return ccsidOfName(named + 1, std::strcspn(named + 1, "@"));
 }

@@ -18,6 +18,7 @@
 
 #include "platform/console.h"
 #include "platform/posix/descriptor.h"
+#include "platform/posix/pipes.h"
 
 namespace vel::platform {
 
@@ -42,7 +43,7 @@ extern "C" void forwardSignal(int number) {
 class SignalWatch {
  public:
   SignalWatch() noexcept {
-    if (pipe2(pipe_, O_CLOEXEC | O_NONBLOCK) != 0) return;
+    if (makePipe(pipe_, O_NONBLOCK) != 0) return;
     signalPipe = pipe_[1];
     struct sigaction action {};
     action.sa_handler = forwardSignal;

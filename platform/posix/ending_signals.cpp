@@ -32,4 +32,8 @@ void releaseEndingSignals(std::uint32_t held) noexcept {
   pthread_sigmask(SIG_UNBLOCK, &released, nullptr);
 }
 
+void ignoreFileSizeSignal() noexcept {
+  signal(SIGXFSZ, SIG_IGN);
+}
+
 }  // namespace vel::platform

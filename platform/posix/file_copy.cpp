@@ -9,6 +9,7 @@
 #include <array>
 #include <cerrno>
 
+#include "platform/byte_files.h"
 #include "platform/file_copy.h"
 #include "platform/posix/beside.h"
 #include "platform/posix/descriptor.h"
@@ -66,22 +67,12 @@ SystemError checkExisting(const Replacement& target, const struct stat& source) 
   return isSource || (status.st_mode & kWriteBits) == 0 ? EACCES : 0;
 }
 
-SystemError writeAll(int target, const char* bytes, std::size_t count) noexcept {
-  while (count > 0) {
-    const ssize_t written = retrying([&] { return write(target, bytes, count); });
-    if (written <= 0) return written == 0 ? EIO : errno;
-    bytes += written;
-    count -= static_cast<std::size_t>(written);
-  }
-  return 0;
-}
-
 SystemError copyContents(int source, int target) noexcept {
   std::array<char, 65536> buffer;
   for (;;) {
     const ssize_t count = retrying([&] { return read(source, buffer.data(), buffer.size()); });
     if (count <= 0) return count == 0 ? 0 : errno;
-    if (const SystemError error = writeAll(target, buffer.data(), static_cast<std::size_t>(count));
+    if (const SystemError error = writeBytes(target, buffer.data(), static_cast<std::size_t>(count));
         error != 0)
       return error;
   }

@@ -9,16 +9,15 @@
 //
 // A file that does not exist yet is locked by its directory.
 #include <fcntl.h>
-#include <limits.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 
 #include "platform/file_lock.h"
 #include "platform/posix/descriptor.h"
+#include "platform/posix/file_search.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/target.h"
 
@@ -79,23 +78,12 @@ Round lockAt(const char* path, int flags, FileLock& lock) noexcept {
   return isThere ? Round{result} : kMoved;
 }
 
-/// Copies the directory of `path`, "." if it has none. False if it is too long.
-bool directoryOf(const char* path, char (&directory)[PATH_MAX]) noexcept {
-  const char* const separator = std::strrchr(path, '/');
-  const char* const from = separator != nullptr ? path : ".";
-  const std::size_t length = separator != nullptr ? static_cast<std::size_t>(separator - path) + 1 : 1;
-  if (length >= sizeof directory) return false;
-  std::memcpy(directory, from, length);
-  directory[length] = '\0';
-  return true;
-}
-
 /// Locks the directory in which a missing file is to be created, so that two processes do not create it at
 /// once.
 Round lockDirectoryOf(const char* path, FileLock& lock) noexcept {
-  char directory[PATH_MAX];
-  if (!directoryOf(path, directory)) return {LockResult::Failed};
-  const Round round = lockAt(directory, O_DIRECTORY, lock);
+  PathBuffer directory;
+  if (!copyDirectoryOf(path, directory)) return {LockResult::Failed};
+  const Round round = lockAt(directory.data(), O_DIRECTORY, lock);
   if (lock.descriptor < 0) return {round.isMoved ? LockResult::Failed : round.result};
   lock.file = {};
   struct stat made;

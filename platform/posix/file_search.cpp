@@ -80,6 +80,11 @@ std::string_view directoryOf(std::string_view path) noexcept {
   return path.substr(0, path.rfind('/') + 1);
 }
 
+bool copyDirectoryOf(std::string_view path, PathBuffer& directory) noexcept {
+  const std::string_view found = directoryOf(path);
+  return join({found.empty() ? "." : found}, directory);
+}
+
 NameForms::NameForms(std::string_view name) noexcept : forms_{}, count_(1) {
   const std::size_t length = lengthOfDirectory(name);
   forms_[0] = {name.substr(0, length), "", name.substr(length), ""};

@@ -62,6 +62,8 @@ bool tryPaths(const NameForms& forms, PathVisitor visit, void* context) noexcept
 
 /// Returns the path's directory with its final "/"; "" if the path has none.
 std::string_view directoryOf(std::string_view path) noexcept;
+/// Copies the path's directory; "." if the path has none. False if it is too long.
+bool copyDirectoryOf(std::string_view path, PathBuffer& directory) noexcept;
 
 bool isRegularFile(const char* path) noexcept;
 

@@ -6,26 +6,17 @@
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
-#include <initializer_list>
 
 #include "base/utf.h"
 #include "platform/languages.h"
 #include "platform/posix/language_names.h"
+#include "platform/posix/locale_variables.h"
 
 namespace vel::platform {
 
 namespace {
 
 constexpr std::uint32_t kEnglishUnitedStates = 1033;
-
-/// Returns the value of the first variable that is set and not empty, else "".
-const char* firstValue(const char* first, const char* second, const char* third) noexcept {
-  for (const char* name : {first, second, third}) {
-    const char* const value = std::getenv(name);
-    if (value != nullptr && *value != '\0') return value;
-  }
-  return "";
-}
 
 std::uint32_t languageOrDefault(const char* localeName) noexcept {
   const std::uint32_t language = languageIdOfLocaleName(localeName);
@@ -60,7 +51,7 @@ std::size_t encode(wchar_t character, char* out) noexcept {
 }  // namespace
 
 std::uint32_t userLanguage() noexcept {
-  return languageOrDefault(firstValue("LC_ALL", "LC_MESSAGES", "LANG"));
+  return languageOrDefault(localeNameFor("LC_MESSAGES"));
 }
 
 std::uint32_t systemLanguage() noexcept {
@@ -68,7 +59,7 @@ std::uint32_t systemLanguage() noexcept {
 }
 
 bool userLanguageTag(char* out, std::size_t capacity) noexcept {
-  const char* const name = firstValue("LC_ALL", "LC_MESSAGES", "LANG");
+  const char* const name = localeNameFor("LC_MESSAGES");
   const std::size_t length = std::strcspn(name, ".@");
   // "C" and "POSIX" are not languages; ISO codes have two or three letters.
   const std::size_t languageLength = std::strcspn(name, "_-.@");
@@ -81,7 +72,7 @@ bool userLanguageTag(char* out, std::size_t capacity) noexcept {
 bool ansiIsUtf8() noexcept {
   if (isUtf8Name(nl_langinfo(CODESET))) return true;
   // setlocale() fails for a locale that is not installed, but the terminal uses its encoding all the same.
-  const char* const codeSet = std::strchr(firstValue("LC_ALL", "LC_CTYPE", "LANG"), '.');
+  const char* const codeSet = std::strchr(localeNameFor("LC_CTYPE"), '.');
   return codeSet != nullptr && isUtf8Name(codeSet + 1);
 }
 

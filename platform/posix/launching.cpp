@@ -27,8 +27,10 @@
 #include "platform/launching.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/file_search.h"
+#include "platform/posix/fork.h"
 #include "platform/posix/inheritance.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/pipes.h"
 
 namespace vel::platform {
 
@@ -201,9 +203,9 @@ void startDetached(const Plan& plan) noexcept {
   setsid();
   useNullStreams();
   int ends[2];
-  plan.outcome->error = pipe2(ends, O_CLOEXEC) == 0 ? 0 : errno;
+  plan.outcome->error = makePipe(ends, 0);
   if (plan.outcome->error != 0) return;
-  const pid_t program = _Fork();
+  const pid_t program = forkWithoutHandlers();
   if (program == 0) {
     execProgram(plan);
     const int error = errno;
@@ -265,7 +267,7 @@ bool findProgram(const char* name, FoundPath found) noexcept {
 /// A detached child forks again, which a vfork child must not do.
 pid_t startChild(const Plan& plan) noexcept {
   if (plan.style == Style::Detached) {
-    const pid_t child = _Fork();
+    const pid_t child = forkWithoutHandlers();
     if (child == 0) runChild(plan);
     return child;
   }

@@ -91,7 +91,7 @@ NativePath::NativePath(const char* name, Match match) noexcept : path_(name), te
   const char* const path = hasDrive(name) ? name + 2 : name;
   const std::size_t length = std::strlen(path);
   path_ = nullptr;
-  if (std::strlen(name) > kMaxLength) return;
+  if (std::strlen(name) > kMaxPathLength) return;
   std::replace_copy(path, path + length, text_.begin(), '\\', '/');
   path_ = text_.data();
   // A bare drive ("C:") means its current directory, which is the process's.

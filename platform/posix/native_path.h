@@ -10,6 +10,8 @@
 #include <array>
 #include <cstddef>
 
+#include "platform/path_length.h"
+
 namespace vel::platform {
 
 class NativePath {
@@ -23,16 +25,14 @@ class NativePath {
   NativePath(const NativePath&) = delete;
   NativePath& operator=(const NativePath&) = delete;
 
-  /// False for a backslash name of more than 260 characters. It is not truncated, because the shorter name
-  /// could be another file's.
+  /// False for a backslash name of more than kMaxPathLength characters. It is not truncated, because the
+  /// shorter name could be another file's.
   bool fits() const noexcept { return path_ != nullptr; }
   const char* get() const noexcept { return path_; }
 
  private:
-  static constexpr std::size_t kMaxLength = 260;
-
   const char* path_;
-  std::array<char, kMaxLength + 1> text_;
+  std::array<char, kMaxPathLength + 1> text_;
 };
 
 /// Whether a name contains a separator or a drive.

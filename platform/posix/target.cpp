@@ -19,6 +19,7 @@
 
 #include "platform/linux/open_path.h"
 #include "platform/posix/descriptor.h"
+#include "platform/posix/file_search.h"
 
 namespace vel::platform {
 
@@ -38,17 +39,13 @@ int openTarget(const Replacement& replacement, int flags) noexcept {
 SystemError enterDirectoryOf(const char* path, Replacement& replacement) noexcept {
   const char* const separator = std::strrchr(path, '/');
   const char* name = separator != nullptr ? separator + 1 : path;
-  const auto length = static_cast<std::size_t>(name - path);
   // A path that ends in a separator names a directory.
   if (separator != nullptr && *name == '\0') name = ".";
-  char directory[PATH_MAX] = ".";
-  if (length >= sizeof directory || std::strlen(name) >= sizeof replacement.target) return ENAMETOOLONG;
-  if (length > 0) {
-    std::memcpy(directory, path, length);
-    directory[length] = '\0';
-  }
+  PathBuffer directory;
+  if (!copyDirectoryOf(path, directory) || std::strlen(name) >= sizeof replacement.target)
+    return ENAMETOOLONG;
   const int start = replacement.directory >= 0 ? replacement.directory : AT_FDCWD;
-  const int next = openat(start, directory, kOpenAsPlace | O_DIRECTORY | O_CLOEXEC);
+  const int next = openat(start, directory.data(), kOpenAsPlace | O_DIRECTORY | O_CLOEXEC);
   if (next < 0) return errno;
   if (replacement.directory >= 0) close(replacement.directory);
   replacement.directory = next;

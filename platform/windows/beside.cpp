@@ -29,8 +29,7 @@ HANDLE openForQuery(const char* name, DWORD access) noexcept {
 FileIdentity identityOf(HANDLE file) noexcept {
   BY_HANDLE_FILE_INFORMATION status;
   if (GetFileInformationByHandle(file, &status) == FALSE) return {};
-  // Volume and file index together identify a file while it is open.
-  return {status.dwVolumeSerialNumber, joined(status.nFileIndexHigh, status.nFileIndexLow)};
+  return identityIn(status);
 }
 
 SystemError makeTemporaryName(Replacement& replacement) noexcept {

@@ -43,10 +43,10 @@ constexpr std::uint32_t kKnownAttributes = kAttributeReadOnly | kAttributeHidden
 constexpr ULONG kListing = FILE_LIST_DIRECTORY | FILE_READ_ATTRIBUTES | SYNCHRONIZE;
 constexpr ULONG kLinkItself = FILE_OPEN_REPARSE_POINT | FILE_OPEN_FOR_BACKUP_INTENT;
 
-/// Space for one entry with a name of up to 260 characters.
+/// Space for one entry with a name of up to kMaxPathLength characters.
 union EntryBuffer {
   FILE_FULL_DIR_INFORMATION entry;
-  std::array<char, sizeof(FILE_FULL_DIR_INFORMATION) + 260 * sizeof(WCHAR)> bytes;
+  std::array<char, sizeof(FILE_FULL_DIR_INFORMATION) + kMaxPathLength * sizeof(WCHAR)> bytes;
 };
 
 /// Whether a reparse point is a link. Cloud and deduplicating file systems use reparse points for ordinary
@@ -107,24 +107,20 @@ bool leadsElsewhere(const char* path) noexcept {
   return isTarget;
 }
 
-/// Replaces the file index on file systems without one: a hash (FNV-1a) of the name within the volume.
+/// Replaces the file index on file systems without one: a hash of the name within the volume.
 std::uint64_t hashOfName(HANDLE file) noexcept {
   struct {
     FILE_NAME_INFO info;
     std::array<WCHAR, 1024> rest;
   } name;
   if (GetFileInformationByHandleEx(file, FileNameInfo, &name, sizeof name) == FALSE) return 0;
-  std::uint64_t hash = 0xCBF29CE484222325;
-  const std::wstring_view text(name.info.FileName, name.info.FileNameLength / sizeof(WCHAR));
-  for (const wchar_t c : text) hash = (hash ^ c) * 0x100000001B3;
-  return hash;
+  return hashOf(std::wstring_view(name.info.FileName, name.info.FileNameLength / sizeof(WCHAR)));
 }
 
 SystemError identityOf(HANDLE file, FileIdentity& identity) noexcept {
   BY_HANDLE_FILE_INFORMATION info;
   if (GetFileInformationByHandle(file, &info) == FALSE) return errnoOf(GetLastError());
-  identity.volume = info.dwVolumeSerialNumber;
-  identity.number = static_cast<std::uint64_t>(info.nFileIndexHigh) << 32 | info.nFileIndexLow;
+  identity = identityIn(info);
   if (identity.number == 0) identity.number = hashOfName(file);
   return 0;
 }

@@ -9,4 +9,6 @@ std::uint32_t holdEndingSignals() noexcept {
 
 void releaseEndingSignals(std::uint32_t) noexcept {}
 
+void ignoreFileSizeSignal() noexcept {}
+
 }  // namespace vel::platform

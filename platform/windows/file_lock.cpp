@@ -11,19 +11,20 @@
 
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
 #include "platform/file_lock.h"
+#include "platform/path_length.h"
+#include "platform/windows/beside.h"
 #include "platform/windows/file_words.h"
 #include "platform/windows/system_errors.h"
 
 namespace vel::platform {
 
 namespace {
-
-constexpr DWORD kLongestName = 4100;
 
 /// Opens a file or directory to query it. Null if there is none of this name.
 HANDLE openAttributes(const char* name) noexcept {
@@ -35,8 +36,7 @@ HANDLE openAttributes(const char* name) noexcept {
 SystemError stateIn(HANDLE file, FileState& state) noexcept {
   BY_HANDLE_FILE_INFORMATION found;
   if (GetFileInformationByHandle(file, &found) == FALSE) return errnoOf(GetLastError());
-  state = {{found.dwVolumeSerialNumber, joined(found.nFileIndexHigh, found.nFileIndexLow)},
-           joined(found.nFileSizeHigh, found.nFileSizeLow),
+  state = {identityIn(found), joined(found.nFileSizeHigh, found.nFileSizeLow),
            joined(found.ftLastWriteTime.dwHighDateTime, found.ftLastWriteTime.dwLowDateTime)};
   return 0;
 }
@@ -46,26 +46,26 @@ bool isMissing(DWORD error) noexcept {
 }
 
 /// Returns the name with all links resolved; false if there is no such entry.
-bool findFinalName(const char* name, char (&found)[kLongestName]) noexcept {
+bool findFinalName(const char* name, char (&found)[kFullNameCapacity]) noexcept {
   const HANDLE entry = openAttributes(name);
   if (entry == nullptr) return false;
-  const DWORD length = GetFinalPathNameByHandleA(entry, found, kLongestName, FILE_NAME_NORMALIZED);
+  const DWORD length = GetFinalPathNameByHandleA(entry, found, kFullNameCapacity, FILE_NAME_NORMALIZED);
   CloseHandle(entry);
-  return length > 0 && length < kLongestName;
+  return length > 0 && length < kFullNameCapacity;
 }
 
 /// Finds one name for all paths to a file: links resolved and the name completed. Opens the file only if it
 /// is a link, because a process that waits for the lock must not keep its holder from replacing the file;
 /// otherwise opens only the directory, which a missing file has, too.
-bool findCommonName(const char* name, char (&common)[kLongestName]) noexcept {
+bool findCommonName(const char* name, char (&common)[kFullNameCapacity]) noexcept {
   const DWORD attributes = GetFileAttributesA(name);
   if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
     return findFinalName(name, common);
-  char full[kLongestName];
+  char full[kFullNameCapacity];
   char* last = nullptr;
   const DWORD length = GetFullPathNameA(name, sizeof full, full, &last);
   if (length == 0 || length >= sizeof full || last == nullptr) return false;
-  char component[kLongestName];
+  char component[kFullNameCapacity];
   std::snprintf(component, sizeof component, "%s", last);
   *last = '\0';
   if (!findFinalName(full, common)) return false;
@@ -75,23 +75,17 @@ bool findCommonName(const char* name, char (&common)[kLongestName]) noexcept {
   return added > 0 && size + static_cast<std::size_t>(added) < sizeof common;
 }
 
-/// FNV-1a. Two files with the same hash would exclude each other, which is harmless.
-std::uint64_t hashOf(const char* text) noexcept {
-  std::uint64_t hash = 0xcbf29ce484222325;
-  for (; *text != '\0'; ++text) hash = (hash ^ static_cast<unsigned char>(*text)) * 0x100000001b3;
-  return hash;
-}
-
 /// Creates the named object and returns it; null if it existed already (`isBusy`) or cannot be created. Its
 /// existence is the lock, it is never waited for. Its null access list lets every user find it.
 HANDLE makeObject(const char* commonName, bool& isBusy) noexcept {
-  char upperCase[kLongestName];
+  char upperCase[kFullNameCapacity];
   // File names ignore case, object names do not. The invariant locale gives every process the same spelling.
   if (LCMapStringA(LOCALE_INVARIANT, LCMAP_UPPERCASE, commonName, -1, upperCase, sizeof upperCase) == 0)
     return nullptr;
+  // Two files with the same hash exclude each other, which is harmless.
   char name[64];
   std::snprintf(name, sizeof name, "Global\\qamc5032-file-%016llx",
-                static_cast<unsigned long long>(hashOf(upperCase)));
+                static_cast<unsigned long long>(hashOf(std::string_view(upperCase))));
   SECURITY_DESCRIPTOR everyone;
   InitializeSecurityDescriptor(&everyone, SECURITY_DESCRIPTOR_REVISION);
   SetSecurityDescriptorDacl(&everyone, TRUE, nullptr, FALSE);
@@ -104,11 +98,11 @@ HANDLE makeObject(const char* commonName, bool& isBusy) noexcept {
   return isBusy ? nullptr : object;
 }
 
-/// Whether the name is a device's: "nul", "con" and their like.
-bool isDevice(const char* name) noexcept {
-  char full[kLongestName];
+/// Whether the full name of `name` is a device's.
+bool namesDevice(const char* name) noexcept {
+  char full[kFullNameCapacity];
   const DWORD length = GetFullPathNameA(name, sizeof full, full, nullptr);
-  return length > 0 && length < sizeof full && std::strncmp(full, "\\\\.\\", 4) == 0;
+  return length > 0 && length < sizeof full && isDevice(full);
 }
 
 bool isDirectory(const char* name) noexcept {
@@ -128,7 +122,7 @@ SystemError stateOf(int descriptor, FileState& state) noexcept {
 
 SystemError stateAt(const char* name, FileState& state) noexcept {
   state = {};
-  if (isDevice(name)) return 0;
+  if (namesDevice(name)) return 0;
   const HANDLE file = openAttributes(name);
   if (file == nullptr) return isMissing(GetLastError()) ? 0 : errnoOf(GetLastError());
   const SystemError error = stateIn(file, state);
@@ -138,8 +132,8 @@ SystemError stateAt(const char* name, FileState& state) noexcept {
 
 LockResult tryLockFile(const char* name, FileLock& lock) noexcept {
   lock = {};
-  if (isDevice(name)) return LockResult::Locked;
-  char commonName[kLongestName];
+  if (namesDevice(name)) return LockResult::Locked;
+  char commonName[kFullNameCapacity];
   if (isDirectory(name) || !findCommonName(name, commonName)) return LockResult::Failed;
   bool isBusy = false;
   lock.system = makeObject(commonName, isBusy);

@@ -5,6 +5,10 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <string_view>
+#include <type_traits>
+
+#include "platform/file_identity.h"
 
 namespace vel::platform {
 
@@ -15,6 +19,19 @@ inline constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHA
 /// Joins the halves in which Windows gives sizes, file indexes and times.
 constexpr std::uint64_t joined(DWORD high, DWORD low) noexcept {
   return std::uint64_t{high} << 32 | low;
+}
+
+/// Volume and file index together identify a file while it is open.
+inline FileIdentity identityIn(const BY_HANDLE_FILE_INFORMATION& info) noexcept {
+  return {info.dwVolumeSerialNumber, joined(info.nFileIndexHigh, info.nFileIndexLow)};
+}
+
+/// FNV-1a over the units of a text.
+template <typename Char>
+std::uint64_t hashOf(std::basic_string_view<Char> text) noexcept {
+  std::uint64_t hash = 0xCBF29CE484222325;
+  for (const Char unit : text) hash = (hash ^ static_cast<std::make_unsigned_t<Char>>(unit)) * 0x100000001B3;
+  return hash;
 }
 
 }  // namespace vel::platform

@@ -8,6 +8,7 @@
 #include <iostream>
 #include <string>
 
+#include "platform/descriptors.h"
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
 #include "tools/trcctl/texts.h"
@@ -25,7 +26,6 @@ constexpr int kExitNoFile = 1;
 constexpr int kExitCorrupted = 2;
 constexpr int kExitNotWritten = 3;
 constexpr int kExitNoTrace = 4;
-constexpr int kStandardOutput = 1;
 
 /// Attaches the built-in texts if the library's own catalog is not installed.
 void attachTexts(VelClMessageCatalog& catalog) {
@@ -178,7 +178,7 @@ void Tool::display(const VelClTraceEnvironment& environment) const {
 const char* const vel::tools::kToolName = "trcctl";
 
 int vel::tools::toolMain(int argc, char** argv) {
-  velFileSetBinaryMode(kStandardOutput, true);
+  velFileSetBinaryMode(vel::platform::kStandardOutput, true);
   // The help needs its texts before there is a console user interface.
   VelClMessageCatalog texts;
   attachTexts(texts);

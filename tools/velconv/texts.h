@@ -1,7 +1,7 @@
 // The texts of velconv as a string table. Their ids are the indexes.
 #pragma once
 
-#include <iterator>
+#include "tools/string_table.h"
 
 namespace vel::velconv {
 
@@ -79,6 +79,6 @@ inline constexpr const char* kTexts[] = {
     "Unmappable character",
     "%1 bytes, %2 invalid, %3 incomplete, %4 unmappable",
 };
-static_assert(std::size(kTexts) == kTextEnd);
+static_assert(tools::isStringTable(kTexts, kTextEnd));
 
 }  // namespace vel::velconv

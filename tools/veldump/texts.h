@@ -1,7 +1,7 @@
 // The texts of veldump as a string table. Their ids are the indexes.
 #pragma once
 
-#include <iterator>
+#include "tools/string_table.h"
 
 namespace vel::veldump {
 
@@ -29,7 +29,7 @@ inline constexpr const char* kUsageText =
     "[<file> ...]";
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 15",
+    "[VEL_MSGTAB_SIGNATURE] 16",
     "[VELDUMP]",
     "Hexadecimal and binary dump",
     "shows the bytes of files, and converts dumps back to bytes",
@@ -64,6 +64,6 @@ inline constexpr const char* kTexts[] = {
     "The lines \"*\" expand to more bytes than -limit allows",
     "standard input",
 };
-static_assert(std::size(kTexts) == kTextEnd);
+static_assert(tools::isStringTable(kTexts, kTextEnd));
 
 }  // namespace vel::veldump

@@ -19,10 +19,13 @@
 
 #include "base/digits.h"
 #include "base/utf.h"
+#include "inifile/first_records.h"
 
 namespace vel::velini {
 
 namespace {
+
+using inifile::isFirst;
 
 using Section = VelClIniFileSection;
 using Option = VelClIniFileOption;
@@ -34,14 +37,6 @@ class Lines : public VelClIniFileSave {
   using VelClIniFileSave::saveOption;
   using VelClIniFileSave::saveSection;
 };
-
-/// Whether a search by name finds this record, and not an earlier one of the same name.
-bool isFirst(const VelClIniFile& file, const Section& section) {
-  return file.getExistingSection(section.getName()) == &section;
-}
-bool isFirst(const VelClIniFile& file, const Section& section, const Option& option) {
-  return file.getExistingOption(section, option.getName()) == &option;
-}
 
 std::string escaped(const char* text) {
   constexpr std::string_view kSpecial = "\n\t\r\\";

@@ -1,7 +1,7 @@
 // The texts of velini as a string table. Their ids are the indexes.
 #pragma once
 
-#include <iterator>
+#include "tools/string_table.h"
 
 namespace vel::velini {
 
@@ -104,6 +104,6 @@ inline constexpr const char* kTexts[] = {
     "the line begins with white space but continues nothing",
     "the line is too long; nothing after it is read",
 };
-static_assert(std::size(kTexts) == kTextEnd);
+static_assert(tools::isStringTable(kTexts, kTextEnd));
 
 }  // namespace vel::velini

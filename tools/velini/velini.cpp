@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "inifile/text_rules.h"
 #include "platform/descriptors.h"
 #include "platform/ending_signals.h"
 #include "tools/catalog_tool.h"
@@ -33,8 +34,6 @@ constexpr int kExitRefused = 4;
 constexpr int kExitLocked = 5;
 constexpr int kExitUnsafeName = 6;
 constexpr int kMostSecondsToWait = 24 * 60 * 60;
-constexpr int kStandardInput = 0;
-constexpr int kStandardOutput = 1;
 
 /// The console user interface with the tool's own texts.
 class Tool : public vel::tools::CatalogTool {
@@ -138,7 +137,7 @@ bool Tool::read(VelClIniFileEditor& editor, const char* name) const {
     // Setting and merging create a missing file.
     return name == file_ && (hasArgSwitch("set") || hasArgSwitch("merge")) && !editor.isExistent();
   }
-  velFileSetBinaryMode(kStandardInput, true);
+  velFileSetBinaryMode(vel::platform::kStandardInput, true);
   std::string bytes;
   char buffer[4096];
   while (std::cin.read(buffer, sizeof buffer), std::cin.gcount() > 0)
@@ -254,7 +253,7 @@ int Tool::check(const VelClIniFileEditor& editor) const {
   const auto breaks = static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
   const std::size_t lastBreak = lines.rfind('\n');
   const std::size_t lastLength = lines.size() - (lastBreak == std::string::npos ? 0 : lastBreak + 1);
-  const bool isCut = file.getLineCount() <= breaks || lastLength > 1023;
+  const bool isCut = file.getLineCount() <= breaks || lastLength > vel::inifile::kMaxLineLength;
   if (isCut) std::cout << file_ << ':' << file.getLineCount() << ": " << text(kLineTooLong) << '\n';
   return errors.empty() && !isCut ? 0 : kExitNotFound;
 }
@@ -282,7 +281,7 @@ int Tool::write(VelClIniFileEditor& editor) const {
 const char* const vel::tools::kToolName = "velini";
 
 int vel::tools::toolMain(int argc, char** argv) {
-  velFileSetBinaryMode(kStandardOutput, true);
+  velFileSetBinaryMode(vel::platform::kStandardOutput, true);
   const vel::tools::ToolTexts texts{kToolName, kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
   if (vel::tools::answerStandardSwitches(argc, argv, texts)) return std::cout.good() ? 0 : kExitNotWritten;
   const std::vector<const char*> arguments = vel::tools::withStandardStream(argc, argv);

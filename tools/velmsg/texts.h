@@ -1,7 +1,7 @@
 // The texts of velmsg as a string table. Their ids are the indexes.
 #pragma once
 
-#include <iterator>
+#include "tools/string_table.h"
 
 namespace vel::velmsg {
 
@@ -57,6 +57,6 @@ inline constexpr const char* kTexts[] = {
     "A message catalog is required: -cat or -builtin",
     "-lang requires -list",
 };
-static_assert(std::size(kTexts) == kTextEnd);
+static_assert(tools::isStringTable(kTexts, kTextEnd));
 
 }  // namespace vel::velmsg

@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/descriptors.h"
 #include "tools/catalog_tool.h"
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
@@ -22,7 +23,6 @@ using namespace vel::velmsg;
 constexpr int kExitNotFound = 1;
 constexpr int kExitNoCatalog = 2;
 constexpr int kExitNotWritten = 3;
-constexpr int kStandardOutput = 1;
 
 /// The console user interface with the tool's own texts.
 class Tool : public vel::tools::CatalogTool {
@@ -151,7 +151,7 @@ void Tool::showErrorNames(const char* text) const {
 const char* const vel::tools::kToolName = "velmsg";
 
 int vel::tools::toolMain(int argc, char** argv) {
-  velFileSetBinaryMode(kStandardOutput, true);
+  velFileSetBinaryMode(vel::platform::kStandardOutput, true);
   const vel::tools::ToolTexts texts{kToolName, kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
   if (vel::tools::answerStandardSwitches(argc, argv, texts)) return std::cout.good() ? 0 : kExitNotWritten;
   Tool tool(argc, argv);
