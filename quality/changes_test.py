@@ -1,4 +1,4 @@
-"""What changes.py makes of single lines: one row a line, with all of its changes."""
+"""Tests of changes.py: lines with all of their changes."""
 import unittest
 
 import changes
@@ -13,12 +13,12 @@ ROWS = [
     ("while (i != end) ++i;", ["while (i == end) ++i;", "while (!(i != end)) ++i;", "while (i != end) {}",
                                "while (i != end) --i;"]),
     ("n = 1'000;", ["n = (1'000 + 1);", "n = (1'000 - 1);", "{}", "return; n = 1'000;", "return {}; n = 1'000;"]),
-    # Types, declarations and names are no operators, statements and numbers.
+    # Types, declarations and names are not operators, statements or numbers.
     ("std::vector<int> list2;", []),
     ("const char* get(const T& x) const;", []),
     ("virtual void run() = 0;", []),
     ("if (const auto at = find(x)) use(at);", ["if (const auto at = find(x)) {}"]),
-    # Texts, comments, directives, and what the compiler proves.
+    # Literals, comments, directives and static assertions.
     ('call("a < 1 \\" && 2", \'1\'); // b == 3', ["{} // b == 3", 'return; call("a < 1 \\" && 2", \'1\'); // b == 3',
                                                 'return {}; call("a < 1 \\" && 2", \'1\'); // b == 3']),
     ('return R"(a < 1)";', []),

@@ -1,6 +1,6 @@
-// Every cell of the tables, and every byte through the converters, against the published mappings. The tables
-// are made from the same files, which are read another way here: this shows that none of it is lost on the
-// way. peer_tables_test.cpp compares the contents with those of others.
+// Every cell of the tables, compared with the published mappings. The tables are generated from the same
+// files, which this test reads with a parser of its own, so it shows that the generator loses nothing.
+// peer_tables_test.cpp compares the contents with those of other libraries.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -13,7 +13,7 @@
 
 namespace {
 
-/// The units of a page, of which the high bytes come first.
+/// Returns the units of a page, which have their high bytes first.
 std::vector<unsigned int> unitsOf(const uint16_t* page) {
   const auto* bytes = reinterpret_cast<const unsigned char*>(page);
   std::vector<unsigned int> units;
@@ -37,7 +37,7 @@ TEST(SingleByteTables, HoldThePublishedMappings) {
     EXPECT_EQ(ccsidBefore, mapping.ccsid);
     EXPECT_EQ(unitsOf(table), mapping.bytes);
     const VelClCodePage2UnicodeConverter converter{ccsid(mapping.ccsid)};
-    // 838 is not EBCDIC by its properties: its NEL stays.
+    // Intentional: 838 is not EBCDIC by its properties, so its NEL is not folded.
     const bool foldsNextLine = mapping.isEbcdic && mapping.ccsid != 838;
     std::string source;
     std::u16string expected;
@@ -126,7 +126,7 @@ TEST(ReverseTables, HoldThePublishedMappings) {
     }
     const VelClUnicode2CodePageConverter converter{ccsid(number)};
     EXPECT_EQ(convert(converter, unitBytes(source), expected.size()), (Outcome{expected, 0x20000})) << number;
-    // To a strict conversion surrogates are no units of their own.
+    // Strict conversions refuse lone surrogates.
     VelClStrictConversion strict(ccsid(13488), ccsid(number), VelClStrictConversion::VelEnPolicy::REPLACE);
     EXPECT_EQ(convertInPieces(strict, unitBytes(source.substr(0, 0xD800)), {}).bytes,
               expected.substr(0, 0xD800));
