@@ -143,20 +143,6 @@ void checkPlain(const Model& model, const std::string& printed, const std::strin
   }
 }
 
-// ---- INI lines: one for each non-empty value, and two for each section
-
-void checkIni(const Model& model, const std::string& printed) {
-  Reader lines(printed);
-  for (const auto& [section, options] : model) {
-    lines.expect("\n[" + section + "]\n");
-    for (const auto& option : options) {
-      if (option.value.empty()) continue;
-      lines.expect(option.name + "\t= ");
-      while (lines.next() != '\n') continue;
-    }
-  }
-}
-
 // ---- The shell
 
 /// Expects a word of the shell, of quoted pieces and of quotes after a backslash, and the end of its line.
@@ -219,7 +205,6 @@ void fuzz::run(fuzz::Bytes bytes) {
   const Model all = modelOf(file), first = firstOf(file);
   checkJson(first, list(file, Form::Json, names), listNames(file, Form::Json));
   checkPlain(all, list(file, Form::Plain, names), listNames(file, Form::Plain));
-  checkIni(all, list(file, Form::Ini, names));
   require(names.refused().empty());
   const std::string script = list(file, Form::Shell, names);
   checkShell(first, script, listNames(file, Form::Shell), prefix, names.refused());

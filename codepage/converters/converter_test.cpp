@@ -1,7 +1,7 @@
-// The converter classes: the route that they choose, their memory, and the system's own conversion.
+// The converter classes: aliases, their memory, and the system's own conversion. Which route each CCSID has
+// is tested by tools/velconv/velconv_test.cpp.
 #include <gtest/gtest.h>
 
-#include <map>
 #include <string>
 
 #include "codepage/test/outcome.h"
@@ -23,25 +23,6 @@ TEST(Converter, ConvertsASourceWithoutACursor) {
   EXPECT_EQ(converter.convertBytes(target, sizeof target, "\xC1\xC2", 2), 2U);
   EXPECT_EQ(base.convertBytes(target + 2, 6, "\xC3", 1), 1U);
   EXPECT_EQ(std::string(target), "ABCx");
-}
-
-/// Counts the CCSIDs of each route that does not depend on the system.
-TEST(Converter, PrefersTablesAndAlgorithms) {
-  using Route = VelClConverterABase::VelEnRoute;
-  std::map<Route, int> toUnicode, fromUnicode;
-  for (int number = 0; number < 0x10000; ++number) {
-    if (!ccsid(number).isValid()) continue;
-    ++toUnicode[VelClCodePage2UnicodeConverter(ccsid(number)).getRoute()];
-    ++fromUnicode[VelClUnicode2CodePageConverter(ccsid(number)).getRoute()];
-  }
-  EXPECT_EQ(toUnicode[Route::TABLE], 49 + 11 + 3);
-  EXPECT_EQ(toUnicode[Route::ALGORITHM], 7);
-  EXPECT_EQ(toUnicode[Route::SYSTEM], 0);
-  EXPECT_EQ(fromUnicode[Route::TABLE], 2);
-  EXPECT_EQ(fromUnicode[Route::ALGORITHM], 8);
-  const VelClUnicode2CodePageConverter none{ccsid(4)};
-  EXPECT_EQ(none.getRoute(), Route::NONE);
-  EXPECT_EQ(none.getLastError().getErrorId(), static_cast<unsigned long>(CPCONVERTER_UNSUPPORTED));
 }
 
 TEST(Converter, ConvertsAnAliasAsThePageThatItNames) {

@@ -200,6 +200,7 @@ class InstalledIcu : public testing::Test {
       GTEST_SKIP() << "there is no ICU";
     }
     ASSERT_NE(converter, nullptr);
+    EXPECT_EQ(error.errorId, static_cast<std::uint32_t>(VEL_NO_ERROR));
     ASSERT_TRUE(VelClCodePage2UnicodeConverter(ccsid(943)).isSupported())
         << "tests that need ICU would be skipped";
     velDeleteICUConverter(converter);
@@ -207,14 +208,7 @@ class InstalledIcu : public testing::Test {
   }
 };
 
-TEST_F(InstalledIcu, OpensItsConverters) {
-  for (const unsigned int number : {932U, 942U, 943U, 1392U, 65502U, 33722U, 1051U}) {
-    _VelStError error;
-    const void* const converter = velGetICUConverter(number, error);
-    EXPECT_NE(converter, nullptr) << number;
-    EXPECT_EQ(error.errorId, static_cast<std::uint32_t>(VEL_NO_ERROR));
-    velDeleteICUConverter(converter);
-  }
+TEST_F(InstalledIcu, ReportsAMissingFileForAnUnknownCodePage) {
   _VelStError error;
   EXPECT_EQ(velGetICUConverter(4, error), nullptr);
   EXPECT_EQ(error.errorId, static_cast<std::uint32_t>(ICU_FILE_ACCESS_ERROR));

@@ -60,23 +60,6 @@ TEST(Kernels, ConvertAllButTheEnds) {
               900U);
 }
 
-// Characters of every length are across the end of a block in every way.
-TEST(Kernels, DecodeBlocksThatEndAnywhere) {
-  const std::string characters[] = {"a", "\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"};
-  const std::string broken[] = {
-      "\x80", "\xC3",         "\xE2\x82",         "\xF0\x9F\x98", "\xF0\x8F\xBF\xBF", "\xF8\x88\x80\x80\x80",
-      "\xFF", "\xED\xA0\x80", "\xF7\xBF\xBF\xBF", "\xC0\x80",     "\xE0\x80\x80",     "y"};
-  for (const Kernels* const kernels : kernelTables())
-    for (std::size_t start = 50; start < 70; ++start)
-      for (const std::string& character : characters)
-        for (const std::string& piece : broken) {
-          const std::string text = std::string(start, 'x') + repeated(character, 3 * character.size()) +
-                                   piece + std::string(100, 'y');
-          const Outcome done = runKernel(kernels->decodeUtf8, text, 1000);
-          EXPECT_EQ(done, referenceUtf8ToUcs2(text.substr(0, done.consumed), 1000)) << hex(text);
-        }
-}
-
 // ---- Between inaccessible pages --------------------------------------------------------------
 
 constexpr std::size_t kMostGuarded = 200;
