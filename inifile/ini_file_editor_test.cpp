@@ -31,6 +31,9 @@ bool change(VelClIniFileEditor& editor, const std::vector<std::string>& row) {
 }
 
 TEST(IniEditor, ChangesNoOtherByteOfTheText) {
+  VelClIniFileEditor empty("unused");
+  empty.loadFromBuffer(nullptr, 1, true);
+  EXPECT_EQ(textOf(empty), "");
   for (const auto& row : readTexts(VEL_TEST_DATA "test/edits.tsv")) {
     VelClIniFileEditor editor("unused");
     editor.loadFromBuffer(row[0].data(), row[0].size(), true);

@@ -147,7 +147,7 @@ TEST(IniEditing, ChangesTheModelOrRefuses) {
 TEST(IniEditing, AddsOptionsToTheSectionThatWasAddedOrFoundLast) {
   VelClIniFile file("unused");
   EXPECT_TRUE(file.addSection("A"));
-  EXPECT_TRUE(file.addOption("x", "1"));
+  EXPECT_TRUE(file.addOption("x", nullptr));
   EXPECT_TRUE(file.addSection("B"));
   EXPECT_TRUE(file.addOption("y", "2"));
   EXPECT_FALSE(file.addSection("a"));
@@ -155,6 +155,8 @@ TEST(IniEditing, AddsOptionsToTheSectionThatWasAddedOrFoundLast) {
   EXPECT_TRUE(file.deleteSection("b"));
   EXPECT_TRUE(file.deleteOption("z"));
   EXPECT_TRUE(file.addOption("last", "4"));
+  for (const std::string& value : {std::string(1000, 'v'), std::string("1")})
+    EXPECT_TRUE(file.setNewValue("x", value.c_str()));
   EXPECT_EQ(shown(file), "[A]x=1|last=4|");
   EXPECT_TRUE(file.deleteSection("A"));
   EXPECT_FALSE(file.addOption("x", "1"));

@@ -1,4 +1,4 @@
-// The converter classes: aliases, their memory, and the system's own conversion. Which route each CCSID has
+// The converter classes: their source, their memory, and the system's own conversion. Which route each CCSID has
 // is tested by tools/velconv/velconv_test.cpp.
 #include <gtest/gtest.h>
 
@@ -23,25 +23,6 @@ TEST(Converter, ConvertsASourceWithoutACursor) {
   EXPECT_EQ(converter.convertBytes(target, sizeof target, "\xC1\xC2", 2), 2U);
   EXPECT_EQ(base.convertBytes(target + 2, 6, "\xC3", 1), 1U);
   EXPECT_EQ(std::string(target), "ABCx");
-}
-
-TEST(Converter, ConvertsAnAliasAsThePageThatItNames) {
-  const struct {
-    int number, meant;
-    bool needsIcu;
-  } rows[] = {{5026, 930, false}, {5035, 939, false}, {938, 948, false}, {18030, 1392, true},
-              {5488, 1392, true}, {936, 1386, true},  {954, 33722, true}};
-  // Shifts, a sequence of three bytes that only 954 itself has, and pairs.
-  std::string text = "\xC1\x0E\x42\xC1\x0F\xA4\x40\x8F\xA2\xAF";
-  for (int lead = 0xA1; lead < 0xFF; ++lead)
-    for (int trail = 0xA1; trail < 0xFF; ++trail) text += {static_cast<char>(lead), static_cast<char>(trail)};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.number);
-    if (row.needsIcu && !hasIcu()) continue;
-    const VelClCodePage2UnicodeConverter alias{ccsid(row.number)}, meant{ccsid(row.meant)};
-    EXPECT_EQ(alias.requiresExternalICUData(), row.needsIcu);
-    EXPECT_EQ(convert(alias, text, text.size() * 2), convert(meant, text, text.size() * 2));
-  }
 }
 
 class ReusableConverter : public VelClCodePage2UnicodeConverter {
