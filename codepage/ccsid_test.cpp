@@ -1,5 +1,5 @@
-// CCSIDs from numbers and names. The table's own source file proves that they are looked up right; that the
-// families are right, the contents of the pages show, which come from elsewhere.
+// CCSIDs from numbers and names. The expected properties are read from the source of the generated tables;
+// the families are also compared with the contents of the pages, which have another source.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ unsigned int flagsOf(const VelClCCSID& ccsid) {
          (ccsid.isSBCS() ? 0x08U : 0) | (ccsid.isUCS2() ? 0x40U : 0);
 }
 
-/// A row has a text, the number, the name and the properties.
+/// Expects the number, the name and the properties of a row; its first field is not used.
 void expectCcsid(const VelClCCSID& ccsid, const std::vector<std::string>& row) {
   EXPECT_EQ(std::to_string(ccsid.getAsInt()), row[1]);
   EXPECT_EQ(ccsid.getName(), row[2]);
@@ -38,8 +38,8 @@ TEST(Ccsid, EveryNumberHasItsProperties) {
   }
 }
 
-// Pages in which the capital A is where EBCDIC has it, or where ASCII has it. Some are of neither family by
-// their properties, or count as ASCII.
+// Compares the families with the place of the capital A. Intentional: some pages are of neither family by
+// their properties, or are ASCII.
 TEST(Ccsid, FamiliesAreThoseOfTheContents) {
   std::set<int> others;
   int agreeing = 0;
@@ -59,18 +59,18 @@ TEST(Ccsid, FamiliesAreThoseOfTheContents) {
       others.insert(number);
   }
   EXPECT_GE(agreeing, 57);
-  // Those with tables are known everywhere, the rest where there is ICU.
+  // 838 has a table; the others are known only with ICU.
   EXPECT_THAT(others, testing::IsSubsetOf(
                           {813, 838, 1137, 1140, 1141, 1143, 1144, 1146, 1147, 1148, 1149, 1390, 1399}));
   EXPECT_THAT(others, testing::Contains(838));
 }
 
-TEST(Ccsid, IsMadeFromTexts) {
+TEST(Ccsid, IsParsedFromNumbersAndNames) {
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/ccsid_texts.tsv")) {
     SCOPED_TRACE(row[0]);
     const VelClCCSID ccsid(row[0].c_str());
     expectCcsid(ccsid, row);
-    // A copy is as unknown as its original.
+    // The copy of an unknown CCSID is unknown.
     expectCcsid(VelClCCSID(ccsid), row);
     VelClCCSID assigned(VelClCCSID::CCSID_37);
     EXPECT_TRUE(assigned.isValid());
@@ -81,7 +81,7 @@ TEST(Ccsid, IsMadeFromTexts) {
   expectCcsid(VelClCCSID(static_cast<const char*>(nullptr)), {"", "0", "???", "0"});
 }
 
-TEST(Ccsid, OnlyTheMarkedLittleEndianIsFolded) {
+TEST(Ccsid, EqualsAnotherNumberOnlyForMarkedLittleEndian) {
   const int numbers[] = {0, 37, 1200, 1208, 13488, 17584, 61955, 65500, 65501};
   for (const int a : numbers)
     for (const int b : numbers) {

@@ -1,4 +1,4 @@
-// Arrays of bits from any stream, one after the other from the same stream, against a model on plain bytes.
+// Reads arrays of bits one after the other from any stream, and compares them with a model on plain bytes.
 // The input is the size of the array in bits, as a byte, and the stream.
 #include <cstring>
 #include <sstream>
@@ -11,7 +11,7 @@ namespace {
 
 using fuzz::require;
 
-/// What an array holds: the bytes that it was made with never become more or fewer.
+/// The contents of an array. Intentional: its number of bytes never changes.
 struct Model {
   explicit Model(std::uint64_t bits) : bitCount(bits), bytes(bits / 8 + 1, '\0') {}
 
@@ -58,7 +58,7 @@ void requireEqual(const VelClBitArray& array, const Model& model) {
     require(array.test(index) == model.test(index));
 }
 
-/// What was written is read back by an array of the same size.
+/// Expects a written array to be read back by one of the same size.
 void requireRoundTrip(const VelClBitArray& array, std::size_t size) {
   VelClBitArray copy(size);
   VelClBitArray sibling(0);

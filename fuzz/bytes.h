@@ -1,4 +1,4 @@
-// What fuzz targets share: the check that ends a run, and an input that is parsed from left to right.
+// Support for fuzz targets: the check that ends a run, and an input that is parsed from left to right.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 
 namespace fuzz {
 
-/// Ends the run when a condition does not hold, and tells which.
+/// Aborts with a message if a condition is false.
 inline void require(std::initializer_list<bool> conditions, const char* file = __builtin_FILE(),
                     int line = __builtin_LINE()) {
   const auto* const failed = std::ranges::find(conditions, false);
@@ -39,18 +39,18 @@ class Bytes {
   Bytes(const std::uint8_t* data, std::size_t size) : rest_(reinterpret_cast<const char*>(data), size) {}
 
   bool atEnd() const { return rest_.empty(); }
-  /// 0 at the end.
+  /// Consumes a byte; returns 0 at the end.
   std::uint8_t number() {
     const std::string_view byte = take(std::min<std::size_t>(1, rest_.size()));
     return byte.empty() ? std::uint8_t{0} : static_cast<std::uint8_t>(byte[0]);
   }
-  /// Up to the next zero, which is consumed.
+  /// Consumes a NUL-terminated text. The last one may lack its NUL.
   Text text() {
     const std::string_view text = take(std::min(rest_.find('\0'), rest_.size()));
     number();
     return Text(text);
   }
-  /// The texts up to the end.
+  /// Consumes texts up to the end.
   std::vector<Text> texts() {
     std::vector<Text> texts;
     while (!atEnd()) texts.push_back(text());
@@ -68,7 +68,7 @@ class Bytes {
   std::string_view rest_;
 };
 
-/// Each target's own: one input.
+/// Runs one input. Each target defines it.
 void run(Bytes input);
 
 }  // namespace fuzz

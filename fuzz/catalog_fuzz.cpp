@@ -1,5 +1,5 @@
-// Reads any bytes as a library of messages, and as one table: in a block of their size by the readers, and
-// from a file by the classes.
+// Reads any bytes as a message library and as a message table, from memory by the readers and from a file by
+// the classes.
 #include "fuzz/bytes.h"
 #include "fuzz/input_file.h"
 #include "messages/message_resource.h"
@@ -15,14 +15,14 @@ using vel::messages::PortableExecutable;
 
 volatile std::uint8_t touched = 0;
 
-/// How many entries there are.
+/// Reads every entry and returns their number.
 std::size_t readTable(const MessageResource& resource) {
   std::size_t count = 0;
   MessageResource::Cursor place;
   MessageResource::Entry entry{}, found{};
   for (; resource.next(place, entry); ++count) {
     for (std::size_t i = 0; i < entry.sizeInBytes; ++i) touched = entry.text[i];
-    // Where blocks overlap, the first one decides, which the walk may have left out.
+    // Where blocks overlap, find() returns the text of the first one.
     if (count < 20 && resource.find(entry.id, found)) require(found.id == entry.id);
   }
   return count;
@@ -40,8 +40,8 @@ void readBlock(const std::vector<std::uint8_t>& bytes) {
   require(count <= 64 * bytes.size() / 4);
 }
 
-/// A file that can do without its end held nothing of importance there. (Which tables are found may differ: a
-/// damaged directory may use up the walk's limit before the file's end ends it.)
+/// Expects a file to be valid if a prefix of it is. (The tables that are found may differ: in the whole file
+/// a damaged directory can reach the limit of entries.)
 void readBeginning(const std::vector<std::uint8_t>& bytes, std::size_t size) {
   const std::vector<std::uint8_t> part(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size));
   if (PortableExecutable(part.data(), part.size()).isValid())

@@ -1,5 +1,5 @@
-// Any bytes through the library's own conversions, each beside a slow one: UTF-8, pages of single bytes,
-// pages of mixed bytes, and UCS-2; as a whole, and through each kind of inner loops.
+// Converts any bytes by the library's own conversions of UTF-8, single bytes, mixed bytes and UCS-2, and by
+// each set of kernels, and compares the results with slow references.
 #include <algorithm>
 #include <vector>
 
@@ -17,7 +17,7 @@ using vel::codepage::Kernels;
 using From = VelClCodePage2UnicodeConverter;
 using To = VelClUnicode2CodePageConverter;
 
-/// For conversions that need room for all: with enough, with exactly enough, and with too little.
+/// Expects a result only if the target has room for all of it.
 void requireAll(const VelClConverterABase& converter, const Input& input, const Outcome& expected) {
   const std::size_t need = expected.bytes.size();
   for (const std::size_t room : {input.source.size() * 2, need, input.room(need), need == 0 ? 0 : need - 1})

@@ -1,5 +1,5 @@
-// Any bytes through ICU, both ways, and through two stages: a converter that has been used must do the same
-// as a new one, and nothing but the one exception may come out.
+// Converts any bytes with ICU, in both directions and through two stages: a converter that has been used must
+// give the same result as a new one, and may throw only one exception.
 #include <iterator>
 #include <optional>
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Nothing where it throws.
+/// Returns nothing if the conversion throws.
 std::optional<Outcome> tryConvert(const VelClConverterABase& converter, std::string_view source,
                                   std::size_t room) {
   try {
@@ -19,8 +19,8 @@ std::optional<Outcome> tryConvert(const VelClConverterABase& converter, std::str
   }
 }
 
-/// After conversions that did not fit, were incomplete, and went as they could, the last one must be like
-/// that of a new converter.
+/// Expects a converter that was used with small targets and incomplete sources to give the result of a new
+/// one.
 template <typename Converter, typename... Pages>
 void requireNoMemory(const fuzz::Input& input, std::string_view last, Pages... pages) {
   const Converter used(ccsid(pages)...), unused(ccsid(pages)...);
@@ -41,7 +41,7 @@ void fuzz::run(fuzz::Bytes bytes) {
   const int page = kPages[input.choice % std::size(kPages)];
   requireNoMemory<VelClCodePage2UnicodeConverter>(input, input.source, page);
   requireNoMemory<VelClCodePage2UTF8Converter>(input, input.source, page);
-  // From Unicode ICU itself keeps in mind which of two substitutes the next unmapped character gets.
+  // From Unicode, ICU itself remembers which of two substitution characters it has used last.
   requireNoMemory<VelClUnicode2CodePageConverter>(input, std::string_view("A\0a\0 \0001\0", 8), page);
   requireNoMemory<VelClCodePage2CodePageConverter>(input, "Aa 1", 1208, page);
 }

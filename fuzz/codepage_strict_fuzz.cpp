@@ -1,5 +1,5 @@
-// Any bytes through a strict conversion of any kind, in pieces of any size: how they are cut must not show,
-// nor what was converted before.
+// Converts any bytes by a strict conversion of any kind: the result must depend neither on the pieces nor on
+// earlier conversions.
 #include <iterator>
 
 #include "codepage/test/strict_run.h"
@@ -10,20 +10,9 @@ namespace {
 using Policy = VelClStrictConversion::VelEnPolicy;
 
 // Algorithms, tables of single bytes, of lead bytes and of shifts; then what ICU converts: single bytes, lead
-// bytes, shifts, three and four bytes. The last one has no way.
+// bytes, shifts, three and four bytes. The last one has no route.
 constexpr int kPages[] = {1208, 13488, 65500, 819, 37,   500,  850,   838, 301,  948,  1394, 930,  4933, 1047,
                           5348, 943,   949,   933, 1388, 1390, 33722, 964, 1392, 1383, 1051, 5050, 4};
-
-/// Where pieces end: after one byte, or two, and so on up to `longest`, again and again.
-std::vector<std::size_t> endsUpTo(std::size_t size, std::size_t longest) {
-  std::vector<std::size_t> ends;
-  std::size_t piece = 1;
-  for (std::size_t end = piece; end < size; end += piece) {
-    ends.push_back(end);
-    piece = piece % longest + 1;
-  }
-  return ends;
-}
 
 }  // namespace
 
@@ -37,8 +26,8 @@ void fuzz::run(fuzz::Bytes bytes) {
   conversion.setNextLineFolding((options & 4) != 0);
   const StrictResult whole = convertInPieces(conversion, text, {});
   fuzz::require(conversion.isSupported() || (whole.bytes.empty() && whole.faults == "clean"));
-  fuzz::require(convertInPieces(conversion, text, endsUpTo(text.size(), 1)) == whole);
-  fuzz::require(convertInPieces(conversion, text, endsUpTo(text.size(), longest)) == whole);
+  fuzz::require(convertInPieces(conversion, text, endsOfPieces(text.size(), 1)) == whole);
+  fuzz::require(convertInPieces(conversion, text, endsOfPieces(text.size(), longest)) == whole);
   fuzz::require(convertInPieces(conversion, text, {text.size() / 2, text.size() / 2}) == whole);
   fuzz::require(convertInPieces(conversion, text, {}) == whole);
 }

@@ -1,5 +1,5 @@
-// Command lines beside a splitter that first tells what every character means, and only then splits. The
-// input is a command line; what is behind its terminator is texts to build another one from.
+// Command lines, compared with a slow splitter that first classifies every character. The input is a
+// NUL-terminated command line, and texts to build another one from.
 #include <string>
 
 #include "fuzz/bytes.h"
@@ -70,8 +70,8 @@ Texts argumentsOf(const char* line) {
   return {arguments.get(), arguments.get() + arguments.count()};
 }
 
-/// Whether adding this text as an argument keeps it: only blanks lead to quotes, and one back-slash is
-/// doubled.
+/// Whether this text round-trips as an argument. Intentional: only blanks cause quotes, and only one
+/// backslash at the end is doubled.
 bool isKept(std::string_view text) {
   return !text.empty() && text.find_first_of("\"\t") == std::string_view::npos &&
          (text.find(' ') == std::string_view::npos || !text.ends_with("\\\\"));

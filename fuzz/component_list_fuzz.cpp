@@ -1,5 +1,5 @@
-// Lists and sets of components beside a plain set of numbers. The input is steps: an option, then a list, or
-// two numbers.
+// Lists and sets of components, compared with a set of numbers. The input is a sequence of steps: an option
+// byte, and a list or two numbers.
 #include <bitset>
 
 #include "fuzz/bytes.h"
@@ -13,7 +13,7 @@ void set(Components& components, std::uint64_t from, std::uint64_t to, bool isIn
   for (; from <= std::min<std::uint64_t>(to, 255); ++from) components[from] = isIn;
 }
 
-/// Digits from `at` on, at most 32 bits.
+/// Consumes a number from `at`, saturated to 32 bits.
 std::uint64_t numberAt(std::string_view item, std::size_t& at) {
   std::uint64_t number = 0;
   for (; at < item.size() && item[at] >= '0' && item[at] <= '9'; ++at)
@@ -52,7 +52,7 @@ void step(fuzz::Bytes& input, VelClTraceFilter& filter, Components& components) 
     filter.enableComponentIds(list);
     return applyList(components, list.view());
   }
-  // Beyond the last component, too.
+  // Options make numbers beyond the last component.
   const auto from = static_cast<unsigned short>(input.number() + (option & 8) * 32);
   const auto to = static_cast<unsigned short>(input.number() + (option & 16) * 4000);
   if ((option & 3) == 1) {

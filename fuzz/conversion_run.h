@@ -1,4 +1,4 @@
-// What the fuzz targets of conversions share.
+// Support for the fuzz targets of conversions.
 #pragma once
 
 #include "codepage/test/outcome.h"
@@ -10,7 +10,7 @@ namespace fuzz {
 struct Input {
   explicit Input(Bytes bytes) : choice(bytes.number()), share(bytes.number()), source(bytes.rest()) {}
 
-  /// From 0 to somewhat more than `need`.
+  /// Returns a target size from 0 to slightly more than `need`.
   std::size_t room(std::size_t need) const { return need * share / 240; }
 
   std::size_t choice, share;

@@ -1,5 +1,5 @@
-// Dumps: any bytes become a dump and bytes again, and any text is read as one. The input is a byte of options
-// and the bytes.
+// Dumps: any bytes round-trip through a dump, and any text can be parsed as one. The input is a byte of
+// options and the bytes.
 #include <cstring>
 #include <sstream>
 #include <string>
@@ -18,7 +18,7 @@ using vel::veldump::OutputBuffer;
 constexpr std::uint64_t kMostRepeated = 100'000;
 constexpr std::size_t kManyBytes = 24'000;
 
-/// What the buffer wrote.
+/// The bytes that the buffer has written.
 std::string written;
 
 bool keep(const char* bytes, std::size_t size) {
@@ -26,7 +26,7 @@ bool keep(const char* bytes, std::size_t size) {
   return true;
 }
 
-/// What `write(output)` writes. There is one buffer: it is large.
+/// Returns the bytes that `write(output)` writes. There is only one buffer, because it is large.
 template <typename Write>
 std::string collect(Write write) {
   static OutputBuffer output(keep);
@@ -36,7 +36,7 @@ std::string collect(Write write) {
   return written;
 }
 
-/// Whether all of the lines are a dump whose "*" stand for no more than `repeatable` bytes.
+/// Parses a dump. Returns false if it is malformed or its "*" repeat more than `repeatable` bytes.
 bool parse(std::string_view text, OutputBuffer& output, std::uint64_t repeatable) {
   const std::uint64_t limit = repeatable;
   DumpParser parser(output, repeatable);
@@ -73,7 +73,7 @@ void requireRoundTrip(const std::vector<std::uint8_t>& bytes, std::uint64_t offs
   require(stream.str() == dumped<Form>(bytes, 0, false));
 }
 
-/// More bytes than the buffer can hold as a dump.
+/// Repeats the bytes until their dump is larger than the buffer.
 std::vector<std::uint8_t> repeated(const std::vector<std::uint8_t>& bytes) {
   std::vector<std::uint8_t> many;
   while (!bytes.empty() && many.size() < kManyBytes) many.insert(many.end(), bytes.begin(), bytes.end());
@@ -87,7 +87,7 @@ void fuzz::run(fuzz::Bytes input) {
   std::vector<std::uint8_t> bytes(input.rest().begin(), input.rest().end());
   const std::string text(bytes.begin(), bytes.end());
   collect([&](auto& output) { parse(text, output, kMostRepeated); });
-  // Some become more than the buffer holds.
+  // One option makes dumps larger than the buffer.
   if (option == 0x5A)
     bytes = repeated(bytes);
   else

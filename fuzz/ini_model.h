@@ -1,6 +1,8 @@
-// What an INI file's object holds, as plain values that can be compared.
+// The model of an INI file as plain values that can be compared.
 #pragma once
 
+#include <algorithm>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -21,7 +23,7 @@ struct IniSection {
   bool operator==(const IniSection&) const = default;
 };
 
-/// All sections and options in their order, but for one option.
+/// Returns all sections and options in their order, except one option.
 inline std::vector<IniSection> modelOf(const VelClIniFile& file,
                                        const VelClIniFileOption* without = nullptr) {
   std::vector<IniSection> model;
@@ -34,11 +36,19 @@ inline std::vector<IniSection> modelOf(const VelClIniFile& file,
   return model;
 }
 
-/// The option that a query by names finds, or null.
+/// Returns the first option of these names, or null.
 inline const VelClIniFileOption* findOption(const VelClIniFile& file, const std::string& section,
                                             const std::string& option) {
   const VelClIniFileSection* const found = file.getExistingSection(section.c_str());
   return found != nullptr ? file.getExistingOption(*found, option.c_str()) : nullptr;
+}
+
+/// Returns the length of the longest line.
+inline std::size_t longestLine(const std::string& text) {
+  std::istringstream lines(text);
+  std::size_t longest = 0;
+  for (std::string line; std::getline(lines, line);) longest = std::max(longest, line.size());
+  return longest;
 }
 
 }  // namespace fuzz

@@ -1,6 +1,6 @@
-// Edits any text: one change leaves every other byte and every other option, the value round-trips, and a
-// refusal changes nothing. The input is a byte of options, a section's name, an option's name and a value,
-// each NUL-terminated, and the text.
+// Edits any text: a change leaves all other bytes and options as they are, the value round-trips, and a
+// refused change does nothing. The input is a byte of options, a section's name, an option's name and a
+// value, each NUL-terminated, and the text.
 #include <algorithm>
 #include <sstream>
 
@@ -21,7 +21,7 @@ std::string textOf(const VelClIniFileEditor& editor) {
   return {editor.getText(), editor.getLength()};
 }
 
-/// The bytes of `text` between the ones that both texts begin and end with.
+/// Returns `text` without the bytes that both texts begin and end with.
 std::string difference(const std::string& text, const std::string& other) {
   const auto front = std::mismatch(text.begin(), text.end(), other.begin(), other.end());
   const auto back = std::mismatch(text.rbegin(), std::make_reverse_iterator(front.first), other.rbegin(),
@@ -29,12 +29,9 @@ std::string difference(const std::string& text, const std::string& other) {
   return {front.first, back.first.base()};
 }
 
-/// No limit of lines and options is near.
+/// Whether the limits of lines and options are far away.
 bool isSmall(const Input& input) {
-  std::istringstream lines(input.text);
-  std::size_t longest = 0;
-  for (std::string line; std::getline(lines, line);) longest = std::max(longest, line.size());
-  return longest < 400 && input.value.size() < 100 && input.option.size() < 100;
+  return fuzz::longestLine(input.text) < 400 && input.value.size() < 100 && input.option.size() < 100;
 }
 
 void setValue(VelClIniFileEditor& editor, const Input& input, bool allowContinuation) {
@@ -51,7 +48,8 @@ void setValue(VelClIniFileEditor& editor, const Input& input, bool allowContinua
   require(option->getValue() == input.value);
   if (hadSection) require(modelOf(file, option) == rest);
   const std::string text = textOf(editor);
-  // A value changes within its line, but continuation lines go with it. Nothing that is added takes any away.
+  // An option that is added removes nothing. A new value stays within its line, except that it replaces
+  // continuation lines.
   if (!wasThere) require(difference(input.text, text).empty());
   if (wasThere && !allowContinuation)
     require({difference(input.text, text).find('\n') == std::string::npos,
@@ -61,7 +59,7 @@ void setValue(VelClIniFileEditor& editor, const Input& input, bool allowContinua
   require(modelOf(again.getIniFile()) == modelOf(file));
 }
 
-/// The options of which `source` has no name.
+/// Returns the options of `file` that `source` does not have.
 std::vector<fuzz::IniOption> optionsWithout(const VelClIniFile& file, const VelClIniFile& source) {
   std::vector<fuzz::IniOption> options;
   for (const auto& section : modelOf(file))
@@ -70,7 +68,7 @@ std::vector<fuzz::IniOption> optionsWithout(const VelClIniFile& file, const VelC
   return options;
 }
 
-/// The value is the text of the file to merge.
+/// Merges the file whose text is the value.
 void merge(VelClIniFileEditor& editor, const Input& input) {
   VelClIniFile source("unused");
   source.loadFromBuffer(input.value.data(), input.value.size(), '\n', true, true);
@@ -103,7 +101,7 @@ void changeSection(VelClIniFileEditor& editor, const Input& input, bool isAdded)
   require(!isDone || wasThere != isAdded);
   const std::string text = textOf(editor);
   if (!isDone) return require(text == input.text);
-  // What is deleted, or added, is in one place.
+  // The deleted or added bytes are in one place.
   require((isAdded ? difference(input.text, text) : difference(text, input.text)).empty());
 }
 

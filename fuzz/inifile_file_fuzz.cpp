@@ -1,6 +1,6 @@
-// Loads a file, which is read in pieces, and the same bytes from memory, which are not: the models must be
-// the same, and the editor must have every byte. The input is a byte of options, a byte that tells how often
-// the rest is repeated, and the rest; so short inputs make files of many pieces.
+// Loads a file, which is read in blocks, and the same bytes from memory: the models must be equal, and the
+// editor must have every byte. The input is a byte of options, a byte for the number of repetitions, and the
+// text to repeat, so that short inputs make files of many blocks.
 #include "fuzz/bytes.h"
 #include "fuzz/ini_model.h"
 #include "fuzz/input_file.h"
@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t kLargestFile = 300'000;
 
-/// Line ends as they count in a file.
+/// Replaces CR LF with LF, as reading a file does.
 std::string withoutReturns(const std::string& text) {
   std::string lines;
   for (std::size_t i = 0; i < text.size(); ++i)

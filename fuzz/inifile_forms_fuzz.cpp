@@ -1,5 +1,5 @@
-// What velini prints of any file is read back: JSON, plain lines and shell assignments hold what the model
-// holds, and no assignment is for a variable of the system's. The input is a byte of options and the text.
+// Parses the lists that velini prints for any file: JSON, plain lines and shell assignments must hold the
+// model, and must not assign a variable of the system. The input is a byte of options and the text.
 #include <cctype>
 #include <sstream>
 #include <utility>
@@ -16,7 +16,7 @@ using vel::velini::Form;
 using vel::velini::ShellNames;
 using Model = std::vector<fuzz::IniSection>;
 
-/// The first section of each name, and of its options the first of each name: what queries find.
+/// Returns the sections and options that queries by name find: the first one of each name.
 Model firstOf(const VelClIniFile& file) {
   Model model;
   for (const auto* section = file.getFirstSection(); section != nullptr; section = section->getNext()) {
@@ -29,7 +29,8 @@ Model firstOf(const VelClIniFile& file) {
   return model;
 }
 
-/// Printed text from left to right; anything but the expected ends the run, and so does what is left unread.
+/// Reads printed text from left to right. The run fails at any other text than the expected one, and if text
+/// is left unread.
 class Reader {
  public:
   explicit Reader(const std::string& text) : text_(text) {}
@@ -72,8 +73,7 @@ std::string charactersOf(std::string_view text) {
   return convertInPieces(conversion, text, {}).bytes;
 }
 
-/// A byte that belongs to no character is escaped as the character of its number, and no other is from 0x80
-/// on.
+/// Expects ill-formed bytes to be escaped as the character of their number, and no other escapes above 7F.
 void expectJsonText(Reader& json, const std::string& text) {
   std::string all, characters;
   json.expect("\"");
@@ -143,23 +143,9 @@ void checkPlain(const Model& model, const std::string& printed, const std::strin
   }
 }
 
-// ---- INI lines: one for each value that is not empty, and two for each section
-
-void checkIni(const Model& model, const std::string& printed) {
-  Reader lines(printed);
-  for (const auto& [section, options] : model) {
-    lines.expect("\n[" + section + "]\n");
-    for (const auto& option : options) {
-      if (option.value.empty()) continue;
-      lines.expect(option.name + "\t= ");
-      while (lines.next() != '\n') continue;
-    }
-  }
-}
-
 // ---- The shell
 
-/// A word as a shell reads it: quoted pieces, and quotes after a backslash. The line break ends it.
+/// Expects a word of the shell, of quoted pieces and of quotes after a backslash, and the end of its line.
 void expectWord(Reader& script, const std::string& text) {
   std::string word;
   while (!script.accept("\n")) {
@@ -181,7 +167,7 @@ std::string asVariable(const std::string& name, const char* prefix) {
                                                                                         : variable;
 }
 
-/// None of those that everybody knows, and a letter that the system's have not, or the prefix.
+/// Expects the prefix, or a lower-case letter, which the variables of the system do not have.
 void checkVariable(const std::string& name, const char* prefix) {
   for (const char* steering : {"PATH", "IFS", "ENV", "PS4", "HOME", "CDPATH", "LD_PRELOAD", "LD_LIBRARY_PATH",
                                "BASH_ENV", "SHELLOPTS", "PROMPT_COMMAND", "LC_ALL", "path", "http_proxy"})
@@ -219,7 +205,6 @@ void fuzz::run(fuzz::Bytes bytes) {
   const Model all = modelOf(file), first = firstOf(file);
   checkJson(first, list(file, Form::Json, names), listNames(file, Form::Json));
   checkPlain(all, list(file, Form::Plain, names), listNames(file, Form::Plain));
-  checkIni(all, list(file, Form::Ini, names));
   require(names.refused().empty());
   const std::string script = list(file, Form::Shell, names);
   checkShell(first, script, listNames(file, Form::Shell), prefix, names.refused());

@@ -1,5 +1,5 @@
-// Loads any bytes with any delimiter and makes every query about the model; then saves it and loads what was
-// saved: whatever saving promises to keep must round-trip. The input is a byte of options, the delimiter, and
+// Loads any bytes with any delimiter and queries the whole model; then saves and loads it again: values that
+// can be saved must round-trip. The input is a byte of options, the delimiter, and
 // the bytes.
 #include <algorithm>
 #include <cctype>
@@ -22,7 +22,7 @@ bool decide(const _VelStError& error, unsigned int line, void* errorsLeft) {
   return --*static_cast<int*>(errorsLeft) != 0;
 }
 
-/// Counted by a stream's own getline.
+/// Counts lines with getline() of the standard library.
 unsigned int linesIn(const std::string& bytes, char delimiter) {
   std::istringstream stream(bytes);
   char line[1024];
@@ -64,7 +64,7 @@ bool isSpace(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-/// Whether a quoted value would be read as it is.
+/// Whether a value in quotes round-trips.
 bool roundTripsQuoted(const std::string& value) {
   for (std::size_t i = 0; i < value.size(); ++i) {
     const bool isNumber = isControl(value[i]) && (value[i] < '\a' || value[i] > '\r');
@@ -81,15 +81,7 @@ bool roundTrips(const std::string& value) {
          value.find_first_of("\"'") == std::string::npos && value.find("$(") == std::string::npos;
 }
 
-bool hasTooLongLine(const std::string& text) {
-  std::istringstream lines(text);
-  std::string line;
-  while (std::getline(lines, line))
-    if (line.size() > 1023) return true;
-  return false;
-}
-
-/// Sections with names, and of these the options that have names and values.
+/// Returns the sections with names, and of these the options with names and values.
 Model savedPartOf(Model model) {
   std::erase_if(model, [](auto& section) { return section.name.empty(); });
   for (auto& section : model)
@@ -97,8 +89,8 @@ Model savedPartOf(Model model) {
   return model;
 }
 
-/// Overwrites the values and comments that need not round-trip with those that were read; returns whether
-/// there are any.
+/// Overwrites the values and comments that need not round-trip with those that were read. Returns whether
+/// there were any.
 bool excuseLost(Model& model, const Model& read) {
   bool isLost = false;
   for (std::size_t i = 0; i < model.size() && i < read.size(); ++i)
@@ -119,8 +111,8 @@ std::string saved(VelClIniFileSave& file) {
 
 void requireRoundTrip(VelClIniFileSave& file) {
   const std::string text = saved(file);
-  // Escapes, and what a line holds besides, make it longer than the one it was read from.
-  if (hasTooLongLine(text)) return;
+  // Escapes and separators can make a line longer than the one that it was read from.
+  if (fuzz::longestLine(text) > 1023) return;
   for (const bool allowContinuation : {false, true}) {
     VelClIniFileSave read("unused");
     require(read.loadFromBuffer(text.data(), text.size(), '\n', true, allowContinuation));
@@ -148,6 +140,6 @@ void fuzz::run(fuzz::Bytes input) {
   require(isWhole ? file.getLineCount() == lines : file.getLineCount() <= lines);
   for (const auto* section = file.getFirstSection(); section != nullptr; section = section->getNext())
     askForSection(file, *section);
-  // With another one, names can hold line breaks.
+  // With another delimiter names can contain line breaks.
   if (delimiter == '\n') requireRoundTrip(file);
 }

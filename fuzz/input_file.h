@@ -19,7 +19,7 @@ class InputFile {
   }
 
   const char* name() const { return name_.getAsCString(); }
-  /// Stays open, which saves most of the time, and may be no file that the system itself loads.
+  /// Keeps the file open, which is much faster, but prevents the system from loading it as a library.
   void rewrite(std::string_view bytes) {
     if (bytes.size() != size_) {
       file_.close();

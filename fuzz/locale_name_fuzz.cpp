@@ -1,4 +1,4 @@
-// Reads any text as the name of a locale: its language's number, and the user's language by its tag.
+// Parses any text as the name of a locale: as a language identifier, and as the language of the user.
 #include <cstdlib>
 #include <string>
 
@@ -19,8 +19,8 @@ char otherCase(char c) {
   return c == '-' ? '_' : c == '_' ? '-' : c;
 }
 
-/// Case, separator, code set and modifier do not matter; a territory changes no more than the number's upper
-/// part.
+/// Expects case, separator, code set and modifier not to matter, and a territory to change only the upper
+/// part of the identifier.
 void readNumber(const fuzz::Text& name) {
   const std::uint32_t number = languageIdOfLocaleName(name);
   require(number <= 0xFFFF);
@@ -34,8 +34,8 @@ void readNumber(const fuzz::Text& name) {
   require({(main == 0) == (number == 0), (main & kPrimaryLanguage) == (number & kPrimaryLanguage)});
 }
 
-/// Tags of up to fifteen characters count whose language has two or three; US English takes the place of
-/// others.
+/// Expects a tag to be used if it has less than 16 characters and a language of two or three; otherwise US
+/// English.
 void readUser(const fuzz::Text& name) {
   setenv("LC_ALL", name, 1);
   const unsigned int user = VelClLanguage::getUserLanguage().asNumber();
@@ -48,7 +48,7 @@ void readUser(const fuzz::Text& name) {
 }  // namespace
 
 void fuzz::run(fuzz::Bytes input) {
-  // Only LC_ALL is to count.
+  // Only LC_ALL is used.
   static const bool kOthersAreGone = unsetenv("LC_MESSAGES") == 0 && unsetenv("LANG") == 0;
   require(kOthersAreGone);
   const Text name = input.text();

@@ -1,5 +1,5 @@
-// Substitution in messages, in both notations, beside strings that grow as they have to. The input is a share
-// of the room, ten variables, each terminated, and the text.
+// Substitution in messages, in both notations, compared with a model on strings. The input is a byte for the
+// size of the buffer, ten NUL-terminated variables, and the text.
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -18,7 +18,7 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-/// The digits from `at` on, `most` of them at the most.
+/// Consumes at most `most` digits from `at`.
 std::string digitsAt(const std::string& text, std::size_t& at, std::size_t most) {
   std::string digits;
   while (digits.size() < most && isDigit(text[at])) digits += text[at++];
@@ -100,7 +100,7 @@ void requireMessage(const fuzz::Text& text, const Variables& variables) {
   require({message.isValid(), message.getAsCString() == expected,
            message.hasAllocatedMemory() == (expected.size() > 80)});
   const VelClMessage copy(message);
-  // Its own text as a variable.
+  // The text of a message can be a variable of its next text.
   message.setNewMessageId(1, message.getAsCString());
   require(copy.getAsCString() == expected);
 }

@@ -1,5 +1,5 @@
-// Prompts with anything typed, against a model of how lines are read. The input is a text of options, of
-// which each character chooses a prompt, the question, the default, and what is typed.
+// Answers prompts with any bytes, and compares the results with a model. The input is a NUL-terminated text
+// in which each character chooses a prompt, the question, the default, and the bytes on standard input.
 #include <cstdint>
 #include <iostream>
 #include <optional>
@@ -15,7 +15,7 @@ using fuzz::require;
 
 constexpr std::size_t kLongestAnswer = 80;
 
-/// Standard input, as the prompts should understand it.
+/// Standard input, as the prompts must interpret it.
 class Typed {
  public:
   explicit Typed(std::string_view text) : rest_(text) {}
@@ -64,62 +64,47 @@ bool expectedDecision(Typed& typed, bool otherwise) {
   for (;;) {
     const std::optional<std::string> line = typed.line();
     if (!line) return otherwise;
-    switch (orDefault(line, otherwise ? "Y" : "N")[0]) {
-      case 'Y':
-      case 'y':
-        return true;
-      case 'N':
-      case 'n':
-        return false;
-      default:
-        break;
-    }
+    const char answer = orDefault(line, otherwise ? "Y" : "N")[0];
+    if (answer == 'Y' || answer == 'y') return true;
+    if (answer == 'N' || answer == 'n') return false;
   }
 }
 
-/// Question and default are the answer before.
+/// Uses the previous answer as question and as default.
 void askAgain(const VelClConsoleUI& ui, Typed& typed) {
   const char* const last = ui.getParams().getInput();
   const std::string before = last;
   require(ui.promptString(last, last) == orDefault(typed.line(), before));
 }
 
-/// One of the kinds of prompts; every one reads on where the one before ended.
+/// Makes a prompt; each continues where the previous one has stopped reading.
 void ask(const VelClConsoleUI& ui, unsigned int option, const char* question, const char* otherwise,
          Typed& typed) {
   const auto limit = static_cast<std::int32_t>(option >> 3);
   switch (option % 8) {
     case 0:
-      require(ui.promptString(question, otherwise) == orDefault(typed.line(), otherwise));
-      return;
+      return require(ui.promptString(question, otherwise) == orDefault(typed.line(), otherwise));
     case 1:
-      require(ui.promptString(question) == typed.line().value_or(""));
-      return;
+      return require(ui.promptString(question) == typed.line().value_or(""));
     case 2:
       ui.prompt(question, otherwise, otherwise);
-      require(ui.getParams().getInput() == orDefault(typed.line(), otherwise));
-      return;
+      return require(ui.getParams().getInput() == orDefault(typed.line(), otherwise));
     case 3:
-      askAgain(ui, typed);
-      return;
+      return askAgain(ui, typed);
     case 4:
-      require(ui.promptNumval(question, -limit, limit, 0) == expectedNumber(typed, -limit, limit, 0));
-      return;
+      return require(ui.promptNumval(question, -limit, limit, 0) == expectedNumber(typed, -limit, limit, 0));
     case 5:
-      require(ui.promptNumval(nullptr, INT32_MIN, limit, limit + 1) ==
-              expectedNumber(typed, INT32_MIN, limit, limit + 1));
-      return;
+      return require(ui.promptNumval(nullptr, INT32_MIN, limit, limit + 1) ==
+                     expectedNumber(typed, INT32_MIN, limit, limit + 1));
     case 6:
-      require(ui.promptYesNo(question, limit % 2 == 0) == expectedDecision(typed, limit % 2 == 0));
-      return;
+      return require(ui.promptYesNo(question, limit % 2 == 0) == expectedDecision(typed, limit % 2 == 0));
     default:
       ui.promptForEnter();
       typed.line();
-      return;
   }
 }
 
-/// Exchanges the standard streams' buffers until its end.
+/// Replaces the buffers of the standard streams during its lifetime.
 class Streams {
  public:
   explicit Streams(std::string_view typed)

@@ -1,4 +1,4 @@
-// The 6-bit code of trace texts, both ways, beside a conversion bit by bit.
+// Compresses and decompresses trace texts, compared with a reference that works bit by bit.
 #include <memory>
 
 #include "fuzz/bytes.h"

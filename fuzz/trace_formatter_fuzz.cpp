@@ -1,5 +1,5 @@
-// Formats any bytes as a trace file, by any format string. The input is a byte of options, the format string
-// with its terminator, and the file.
+// Formats any bytes as a trace file, with any format string. The input is a byte of options, the
+// NUL-terminated format string, and the file.
 #include <sstream>
 
 #include "fuzz/bytes.h"

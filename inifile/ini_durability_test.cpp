@@ -1,4 +1,4 @@
-// A program that is ended while it saves leaves the file of before or the new one.
+// A program that is killed during a save leaves the old file or the new one.
 #include "inifile/test/ini_fixture.h"
 #include "inifile/test/ini_saver.h"
 #include "platform/test/child_process.h"
@@ -8,13 +8,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What is left of a save that was ended on a file system where unfinished files have names.
+/// Removes the file of a killed save, which has a name on some file systems.
 void removeUnfinishedFiles(const std::string& directory) {
   for (const auto& entry : fs::directory_iterator(directory))
     if (entry.path().extension() == ".tmp") fs::remove(entry);
 }
 
-/// Ends ini_saver, which saves nearly all of the time, as soon as it has saved.
+/// Kills ini_saver, which saves nearly all of the time, as soon as it has saved once.
 void saveAndEnd(const vel::test::ScratchDirectory& directory, const std::string& path) {
   removeUnfinishedFiles(directory.path());
   const fs::path saver = fs::path(vel::test::ownProgram()).replace_filename("ini_saver");
@@ -29,7 +29,7 @@ void saveAndEnd(const vel::test::ScratchDirectory& directory, const std::string&
   EXPECT_TRUE(vel::test::endsWithin(id, vel::test::kTimeLimitMs));
 }
 
-/// All options are there, and all have the value of one save.
+/// Expects all options, with the values of one save.
 void expectWhole(const std::string& path) {
   VelClIniFile file(path.c_str());
   ASSERT_TRUE(file.load(false));
@@ -42,7 +42,7 @@ void expectWhole(const std::string& path) {
   EXPECT_EQ(text, expected);
 }
 
-TEST(IniDurability, EndedProgramsLeaveAWholeFile) {
+TEST(IniDurability, KilledProgramLeavesAWholeFile) {
   const vel::test::ScratchDirectory directory;
   const std::string path = directory.path("a.ini");
   EXPECT_EQ(vel::test::runChild("ini_saver", {path, "once"}).exitCode, 0);

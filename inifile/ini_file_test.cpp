@@ -1,5 +1,4 @@
-// What the parser makes of lines, and what questions answer. Any bytes at all are
-// fuzz/inifile_load_fuzz.cpp's matter.
+// The parser, and getters by name. Arbitrary bytes are tested by fuzz/inifile_load_fuzz.cpp.
 
 #include <cstdint>
 #include <vector>
@@ -15,10 +14,10 @@ using vel::test::shown;
 
 namespace {
 
-TEST(IniParser, MakesModelsOfTexts) {
+TEST(IniParser, ParsesTexts) {
   const vel::test::Variable set("VEL_TEST_INI", "a;b \"c "), unset("VEL_TEST_NONE", nullptr);
   const vel::test::Variable big("VEL_TEST_BIG", std::string(5000, 'b').c_str());
-  // Longer than any that the classes for variables hold.
+  // The classes for environment variables cannot hold a name of this length.
   const std::string longName(41, 'N');
   const vel::test::Variable named(longName.c_str(), "long");
   for (const auto& row : readTexts(VEL_TEST_DATA "test/models.tsv")) {
@@ -34,8 +33,7 @@ TEST(IniParser, MakesModelsOfTexts) {
   EXPECT_EQ(shown(file), "[A]x=1|y=2;c|");
 }
 
-// More of each are fuzz/inifile_file_fuzz.cpp's matter.
-TEST(IniParser, ReadsFilesAsTheyAreFoundInTheField) {
+TEST(IniParser, ReadsFilesOfOtherPrograms) {
   for (const auto& row : readTexts(VEL_TEST_DATA "test/samples.tsv")) {
     VelClIniFile file((VEL_TEST_DATA "test/samples/" + row.at(0)).c_str());
     EXPECT_TRUE(file.load(true)) << row[0];
@@ -46,7 +44,7 @@ TEST(IniParser, ReadsFilesAsTheyAreFoundInTheField) {
   }
 }
 
-/// Identifiers and lines.
+/// Error identifiers and line numbers.
 using Errors = std::vector<std::pair<std::uint32_t, unsigned int>>;
 
 struct Report {
@@ -54,6 +52,7 @@ struct Report {
   std::size_t most = 100;
 };
 
+/// An error handler that records errors, and stops the parser at the last one it may record.
 bool keep(const _VelStError& error, unsigned int line, void* data) {
   auto& report = *static_cast<Report*>(data);
   EXPECT_EQ(error.errorClass, VelEnErrorClass::USER_DATA_ERROR);
@@ -61,7 +60,7 @@ bool keep(const _VelStError& error, unsigned int line, void* data) {
   return report.errors.size() < report.most;
 }
 
-TEST(IniParser, AsksTheHandlerAboutErrors) {
+TEST(IniParser, ReportsErrorsToTheHandlerUntilItRefuses) {
   const std::string text = "junk\n[A]\nx=1\n[B\njunk\n y\n z\n[C]\n w\n";
   const Errors errors = {{INIFILE_INVAL_SECTION, 4},
                          {INIFILE_INVAL_OPTION, 5},
@@ -74,14 +73,14 @@ TEST(IniParser, AsksTheHandlerAboutErrors) {
   EXPECT_TRUE(loadText(file, text, true, false));
   EXPECT_EQ(report.errors, errors);
   EXPECT_EQ(file.getLineCount(), 10U);
-  // Lines go on, and the model is added to.
+  // A second load continues the line numbers and adds to the model.
   report = {{}, 2};
   EXPECT_FALSE(loadText(file, text, true, true));
   EXPECT_EQ(report.errors, (Errors{{INIFILE_INVAL_SECTION, 14}, {INIFILE_INVAL_OPTION, 15}}));
   EXPECT_EQ(shown(file), "[A]x=1|[C][A]x=1|");
   EXPECT_TRUE(file.getSection("c"));
   EXPECT_FALSE(file.getSection("b"));
-  // It ends the reading of a file at any error, and may delete what is being read.
+  // The handler can stop a file at any error, and can delete the option that is being read.
   const vel::test::ScratchDirectory directory;
   VelClIniFile stopped(directory.write("a.INI", text).c_str()), shrinking("unused");
   stopped.setErrorHandler(keep, &report);
@@ -96,7 +95,7 @@ TEST(IniParser, AsksTheHandlerAboutErrors) {
   EXPECT_EQ(shown(shrinking), "[A]");
 }
 
-TEST(IniFile, IsLoadedByItsNameWithOrWithoutExtension) {
+TEST(IniFile, LoadsAFileNamedWithOrWithoutExtension) {
   const vel::test::ScratchDirectory directory;
   const std::string longest(1023 - 2, 'v');
   const std::string path = directory.write("a.INI", "[A]\r\nx=1 ;c\r\n y\r\nl=" + longest + "\r\nz=\r3\r\n");
@@ -106,7 +105,7 @@ TEST(IniFile, IsLoadedByItsNameWithOrWithoutExtension) {
   EXPECT_EQ(file.getLineCount(), 6U);
   const std::string rest = "|l=" + longest + "|z=3|";
   EXPECT_EQ(shown(file), "[A]x=1y" + rest + "[A]x=1;c" + rest);
-  // A file that cannot be opened changes nothing but the count of lines.
+  // A file that cannot be opened resets the line count and changes nothing else.
   std::filesystem::create_directory(directory.path("d.ini"));
   for (const char* const entry : {"none.ini", "d.ini"}) {
     VelClIniFile missing(directory.path(entry).c_str());
@@ -117,37 +116,32 @@ TEST(IniFile, IsLoadedByItsNameWithOrWithoutExtension) {
   }
 }
 
-bool ask(const VelClIniFile& file, bool& answer) {
-  return file.getOptionBool("X", answer);
-}
-template <typename Answer>
-bool ask(const VelClIniFile& file, Answer& answer) {
-  return file.getOption("X", answer);
-}
-
-/// The answer must be as answers.tsv has it, if it has one.
+/// Expects every getter of this type to give the answer, unless that is "-".
 template <typename Answer>
 void expectAnswer(const VelClIniFile& file, const std::string& expected) {
   if (expected == "-") return;
   Answer answer{0}, again{1};
   const char* comment = nullptr;
-  EXPECT_TRUE(ask(file, answer));
   EXPECT_TRUE(file.getOption("x", again, comment));
   EXPECT_STREQ(comment, "c");
-  EXPECT_EQ(answer, again);
-  if constexpr (!std::is_same_v<Answer, bool>) {
+  if constexpr (std::is_same_v<Answer, bool>) {
+    EXPECT_TRUE(file.getOptionBool("X", answer));
+  } else {
+    EXPECT_TRUE(file.getOption("X", answer));
     VelClIniFileOptionCursor cursor(file, *file.getExistingSection("a"));
     EXPECT_FALSE(cursor.getValue(again));
     EXPECT_TRUE(cursor.setToFirst());
-    EXPECT_TRUE(cursor.getValue(again));
-    EXPECT_EQ(answer, again);
+    Answer fromCursor{2};
+    EXPECT_TRUE(cursor.getValue(fromCursor));
+    EXPECT_EQ(fromCursor, again);
   }
+  EXPECT_EQ(answer, again);
   constexpr bool isCharacter = std::is_same_v<Answer, char>;
   EXPECT_EQ(isCharacter ? std::string(1, static_cast<char>(answer)) : std::to_string(answer), expected);
 }
 
-// Numbers are alike on every system. Truth is looked for within the tokens. No character lies behind the end.
-TEST(IniFile, AnswersByTheValue) {
+// Intentional: a value is true if it occurs within one of the words for true.
+TEST(IniFile, ConvertsValuesToTheTypeOfTheGetter) {
   for (const auto& row : readTexts(VEL_TEST_DATA "test/answers.tsv")) {
     SCOPED_TRACE(row[0]);
     VelClIniFile file("unused");
@@ -169,7 +163,7 @@ TEST(IniFile, AnswersByTheValue) {
   }
 }
 
-TEST(IniFile, AnswersOnlyFromTheCurrentSection) {
+TEST(IniFile, GettersReadOnlyTheCurrentSection) {
   VelClIniFile file("unused");
   const char *value = "untouched", *comment = value;
   loadText(file, "[A]\nx=1;c\nX=2\n[a]\ny=3\n");
@@ -187,8 +181,8 @@ TEST(IniFile, AnswersOnlyFromTheCurrentSection) {
               testing::ElementsAre(true, true, false, false));
 }
 
-// Searching the lists instead of an index would take minutes, and run into the time limit of all tests.
-TEST(IniFile, AnswersForEveryNameOfLongLists) {
+// Without an index this would take minutes and reach the time limit of the test.
+TEST(IniFile, FindsEveryNameOfLongLists) {
   constexpr int kCount = 100'000;
   std::string options = "[first]\n", sections;
   for (int i = 0; i < kCount; ++i) {

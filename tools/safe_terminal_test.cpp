@@ -1,4 +1,4 @@
-// What reaches a terminal of what tools print.
+// Output of tools to a terminal.
 #include "tools/safe_terminal.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(SafeTerminal, ReplacesWhatControlsATerminal) {
+TEST(SafeTerminal, ReplacesControlCharacters) {
   const std::string zero(1, '\0');
   const std::pair<std::string, std::string> rows[] = {
       {"plain \xC3\xBC\xE2\x82\xAC \a\t\r\n", "plain \xC3\xBC\xE2\x82\xAC \a\t\r\n"},
@@ -16,7 +16,7 @@ TEST(SafeTerminal, ReplacesWhatControlsATerminal) {
       {"\xC2\x9B"
        "31m \xC2\x80\xC2\x9F\xC2\xA0",
        "\xC2?31m \xC2?\xC2?\xC2\xA0"},
-      // Other characters of UTF-8, and of other code pages, have such bytes, too.
+      // The same bytes within characters of UTF-8 or of other code pages.
       {"\xC4\x9B\x84\x9B", "\xC4\x9B\x84\x9B"},
       {std::string(511, 'x') + "\xC2\x9B" + std::string(600, '\x1B'),
        std::string(511, 'x') + "\xC2?" + std::string(600, '?')},
@@ -31,7 +31,7 @@ TEST(SafeTerminal, ReplacesWhatControlsATerminal) {
   }
 }
 
-TEST(SafeTerminal, TellsWhatCouldNotBeWritten) {
+TEST(SafeTerminal, ReportsAFailedWrite) {
   struct : std::streambuf {
     std::streamsize xsputn(const char*, std::streamsize size) override {
       return std::min<std::streamsize>(size, 5);

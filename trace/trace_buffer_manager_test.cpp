@@ -12,7 +12,7 @@ using vel::test::SizedEntry;
 
 constexpr std::size_t kRoom = 200;
 
-/// A small ring and what it hands over.
+/// A small ring, and the pieces that its overflow handler has received.
 class TraceBufferManager : public vel::test::TraceTest {
  protected:
   static void keep(const _VelStTraceBufferCallBackInfo& info) {
@@ -66,7 +66,7 @@ TEST_F(TraceBufferManager, HandsOverWhenAnEntryReachesTheEnd) {
   EXPECT_EQ(handedOver(), written_);
 }
 
-TEST_F(TraceBufferManager, LosesNoByteWhateverTheSizes) {
+TEST_F(TraceBufferManager, HandsOverEveryByteInOrderForEntriesOfAnySize) {
   attach();
   std::mt19937 random(4711);
   for (int round = 0; round < 1000; ++round) {
@@ -90,8 +90,8 @@ TEST_F(TraceBufferManager, KeepsTheNewestBytesWithoutAHandler) {
   }
 }
 
-TEST_F(TraceBufferManager, ReservesNothingThatWaits) {
-  EXPECT_EQ(manager_.reserve(1), nullptr) << "there is no handler";
+TEST_F(TraceBufferManager, ReserveRefusesBytesThatAreNotYetHandedOver) {
+  EXPECT_EQ(manager_.reserve(1), nullptr) << "no handler is attached";
   attach();
   write(50);
   EXPECT_NE(manager_.reserve(kRoom - 51), nullptr);
@@ -100,22 +100,22 @@ TEST_F(TraceBufferManager, ReservesNothingThatWaits) {
   manager_.detachOverflowHandler();
   write(kRoom - 20);
   attach();
-  EXPECT_EQ(manager_.reserve(1), nullptr) << "what stands there was not handed over";
+  EXPECT_EQ(manager_.reserve(1), nullptr) << "the bytes there have not been handed over";
 }
 
-TEST_F(TraceBufferManager, TakesOverARingThatIsInUse) {
+TEST_F(TraceBufferManager, SecondManagerContinuesInTheSameRing) {
   write(60);
   VelClTraceBufferManager second(*environment_, memory_, sizeof memory_);
   second.attachOverflowHandler(&keep, this);
   second.flush();
-  EXPECT_TRUE(calls_.empty()) << "the second manager has written nothing";
+  EXPECT_TRUE(calls_.empty()) << "the second manager has not written yet";
   second.write(SizedEntry(*environment_, 40, 'z').get());
   second.flush();
   EXPECT_EQ(handedOver().substr(0, 60), written_);
   EXPECT_EQ(handedOver().size(), 100U);
 }
 
-/// Its header says that the next byte goes beyond the end, as threads that do not take turns can leave it.
+/// Threads without a lock can leave a write position beyond the end in the header.
 TEST_F(TraceBufferManager, SurvivesAPositionBeyondTheEnd) {
   attach();
   write(50);
@@ -158,12 +158,12 @@ struct AnyKey : VelClResourceKeyABase {
   explicit AnyKey(const char* type) : VelClResourceKeyABase(type, "key", nullptr) {}
 };
 
-TEST(ResourceKey, FindsTheNameBehindAnyType) {
+TEST(ResourceKey, GetPartReturnsTheNameAfterATypeOfAnyLength) {
   EXPECT_STREQ(AnyKey(nullptr).getPart(), "key");
   EXPECT_STREQ(AnyKey(std::string(300, 't').c_str()).getPart(), "");
 }
 
-TEST(ResourceKey, MapsForeignCharacters) {
+TEST(ResourceKey, BuildsTheNameFromKeyAndInstance) {
   const char* const rows[][3] = {{"trc", "VELTRACEINSTANCE0", "SEM32:trc:VELTRACEINSTANCE0"},
                                  {"a\\b c:", nullptr, "SEM32:a:bGc6"},
                                  {"\xFF", "", "SEM32:8:"},

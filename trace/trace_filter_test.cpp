@@ -1,4 +1,4 @@
-// Lists and sets of components are fuzz/component_list_fuzz.cpp's matter.
+// Lists and sets of components are tested by fuzz/component_list_fuzz.cpp.
 #include <gmock/gmock.h>
 
 #include <array>
@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(TraceFilter, ReadsDetailsAndNumbers) {
+TEST(TraceFilter, ParsesDetailsAndIdentifiers) {
   const std::pair<const char*, const char*> rows[] = {
       {"High-level", "HIGH"}, {"med", "MED"}, {"lowest", "LOW"},
       {"hig", "OFF"},         {"", "OFF"},    {nullptr, "OFF"}};

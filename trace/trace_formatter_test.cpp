@@ -1,5 +1,5 @@
-// What the formatter makes of records: every type of data, formats, and options. Files that are damaged are
-// fuzz/trace_formatter_fuzz.cpp's matter.
+// Formats records: every type of data, format strings and options. Damaged files of any kind are tested by
+// fuzz/trace_formatter_fuzz.cpp.
 
 #include <cstdint>
 #include <fstream>
@@ -24,14 +24,14 @@ Bytes number32(std::uint64_t number) {
 struct Record {
   int type;
   Bytes data = {};
-  int missing = 0;  ///< bytes that the head tells of, but the file lacks
+  int missing = 0;  ///< bytes that the head counts but the file does not contain
   char component = 7;
   std::string origin = "f";
   int detail = 1;
   std::uint32_t thread = 30;
 };
 
-/// The ends of functions have no message.
+/// Returns a file of these records. Entries and exits of functions have no message.
 Bytes fileOf(const std::vector<Record>& records) {
   Bytes file;
   for (const auto& [type, data, missing, component, origin, detail, thread] : records) {
@@ -50,7 +50,7 @@ class TraceFormatter : public vel::test::TraceTest {
     environment_->getSettings().setDetailLevel("MED");
   }
 
-  /// The text, and the fault that ended it in brackets.
+  /// Returns the text, and the exception that ended it in brackets.
   static std::string format(VelClTraceFormatter& formatter) {
     std::ostringstream text;
     const std::string fault = vel::test::thrown([&] { formatter.format(text); });
@@ -72,36 +72,35 @@ class TraceFormatter : public vel::test::TraceTest {
   VelClTraceFormatter formatter_;
 };
 
-// Every type of data, every directive of formats, every fault of records.
-TEST_F(TraceFormatter, MakesTextOfRecords) {
+TEST_F(TraceFormatter, FormatsEveryDataTypeAndDirectiveAndReportsDamage) {
   expectTexts("formatted.tsv");
   const std::string dashes(20000, '-'), text(20000, 'x');
   EXPECT_EQ(format(fileOf({{8, text}}), dashes + "%d" + dashes), dashes + '"' + text + '"' + dashes);
 }
 
-TEST_F(TraceFormatter, ReadsRecordsOneAfterTheOther) {
+TEST_F(TraceFormatter, ReadsAllRecordsOfAFile) {
   const Record a{12, "A"}, text{8, "d"};
   const std::string shown = "0x41/65/'A';";
   EXPECT_EQ(format("", "%d;"), "");
-  // What is not shown is skipped, however long it is.
+  // Hidden data is skipped, whatever its length.
   EXPECT_EQ(format(fileOf({a, {.type = 8, .data = Bytes(200000, 'x'), .detail = 3}, a}), "%d;"),
             shown + shown);
   EXPECT_EQ(format(fileOf({a, {.type = 8, .data = "abc", .missing = -4, .detail = 3}}), "%d;"),
             shown + "[1000702 502 6 6 , VelClTraceFormatter::skipEntry, line 186]");
   EXPECT_EQ(format(fileOf({a, {0}}), "%d;"),
             shown + "[1000703 202 6 6 , VelClTraceFormatter::formatData, line 541]");
-  // Without "%d" the data is taken for a record, here for the head of one that is cut off.
+  // Without "%d" the data is read as the next record, here as a truncated head.
   EXPECT_EQ(format(fileOf({text, text}), "%m"), "m");
   const Bytes one = fileOf({a});
   for (std::size_t size = 0; size < one.size() - 1; ++size)
     EXPECT_EQ(format(one + one.substr(0, size), "%d;"), shown) << size;
 }
 
-TEST_F(TraceFormatter, MakesTextOfExtremeLongDoubles) {
+TEST_F(TraceFormatter, FormatsExtremeLongDoubles) {
   expectTexts("formatted_extremes.tsv");
 }
 
-TEST_F(TraceFormatter, PrintsNumbersInTheFormOfTheStream) {
+TEST_F(TraceFormatter, UsesTheNumberFormatOfTheStream) {
   std::ofstream(file_, std::ios::binary)
       << fileOf({{20, Bytes("\0\0\0\0\0\0\xF8\x3F", 8)}, {19, Bytes("\0\0\xC0\x3F", 4)}});
   formatter_.setFormatString("%d;");
@@ -113,7 +112,7 @@ TEST_F(TraceFormatter, PrintsNumbersInTheFormOfTheStream) {
   EXPECT_EQ(text.str(), "1.50;1.50;1.5e+00;1.5e+00;1.5" + zeros + "e+00;1.5" + zeros + "e+00;");
 }
 
-TEST_F(TraceFormatter, PrintsTheLargestLongDoubleInFullInFixedForm) {
+TEST_F(TraceFormatter, PrintsAllDigitsOfTheLargestLongDoubleInFixedFormat) {
   std::ofstream(file_, std::ios::binary) << fileOf({{21, Bytes(8, '\xFF') + "\xFE\x7F"}});
   formatter_.setFormatString("%d;");
   std::ostringstream text;
@@ -126,15 +125,15 @@ TEST_F(TraceFormatter, PrintsTheLargestLongDoubleInFullInFixedForm) {
   EXPECT_EQ(shown, number + ";" + number + "." + zeros + ";");
 }
 
-TEST_F(TraceFormatter, OpensFilesOnly) {
+TEST_F(TraceFormatter, ThrowsForAMissingFileAndForADirectory) {
   const std::string fault = "[1000701 503 6 6 , VelClTraceFormatter::format, line 837]";
   EXPECT_EQ(format(formatter_), fault);
   environment_->setFilename(directory_.path().c_str());
   EXPECT_EQ(format(formatter_), fault);
 }
 
-// Indentation is by the level behind the data, and bounded; values show their bytes on request.
-TEST_F(TraceFormatter, FollowsItsSettings) {
+// The indentation follows the nesting level that a record stores, and is bounded.
+TEST_F(TraceFormatter, AppliesIndentationNestingLevelAndDumps) {
   std::map<std::pair<std::string, std::string>, std::pair<Bytes, std::string>> files;
   for (const auto& row : vel::test::readTexts(VEL_TEST_DATA "test/formatted_with_settings.tsv")) {
     auto& [file, text] = files[{row[0], row[3]}];
@@ -156,7 +155,7 @@ TEST_F(TraceFormatter, FollowsItsSettings) {
   }
 }
 
-TEST_F(TraceFormatter, HidesWhatIsNotWanted) {
+TEST_F(TraceFormatter, HidesRecordsByFilterAndSettings) {
   const Bytes yes(100, 'x');
   std::ofstream(file_, std::ios::binary)
       << fileOf({{.type = 1, .data = number32(1), .component = 0, .origin = "a"},
@@ -175,7 +174,7 @@ TEST_F(TraceFormatter, HidesWhatIsNotWanted) {
       {[](auto&, auto&) {}, "aFE abTRUE abTRUE bFE bbTRUE bFX abTRUE aFX "},
       {[](auto& formatter, auto&) { formatter.setShowFunctionRecords(false); },
        "abTRUE abTRUE bbTRUE abTRUE "},
-      // The name of an entry is always shown, and does not count as the last one.
+      // A function entry always shows its name, and does not make the next name a repeated one.
       {[](auto& formatter, auto&) { formatter.setShowRepeatedFunctionNames(false); },
        "aFE abTRUE bTRUE bFE bbTRUE FX abTRUE FX "},
       {[](auto&, auto& filter) { filter.setDetail("MED"); }, "aFE abTRUE abTRUE bFE bFX abTRUE aFX "},
@@ -194,7 +193,7 @@ TEST_F(TraceFormatter, HidesWhatIsNotWanted) {
   }
 }
 
-TEST_F(TraceFormatter, TakesItsWordsFromACatalog) {
+TEST_F(TraceFormatter, UsesTheWordsOfTheCatalogAttachedLast) {
   const char* texts[193] = {"[VEL_MSGTAB_SIGNATURE] 193", "[TEST]"};
   texts[189] = "octets";
   texts[190] = " cut";
@@ -205,7 +204,7 @@ TEST_F(TraceFormatter, TakesItsWordsFromACatalog) {
   formatter_.attachVelMessageCatalog(other);
   for (int i = 0; i < 2; ++i) formatter_.attachVelMessageCatalog(catalog);
   formatter_.setShowNestingLevel(true);
-  // An exit's level keeps the built-in word.
+  // Intentional: the level of a function exit has the built-in word.
   EXPECT_EQ(format(fileOf({{1, number32(1)}, {6}, {5}, {2, number32(0)}}), "%x%d;"),
             "FEdepth 1;DAnull!;DA (0 octets) cut\n;FXNesting level: 0;");
 }

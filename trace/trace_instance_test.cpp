@@ -9,7 +9,7 @@ using Type = VelEnTraceDataType;
 
 using TraceInstance = vel::test::TraceTest;
 
-TEST_F(TraceInstance, IsOneForTheProcess) {
+TEST_F(TraceInstance, ExistsOncePerProcess) {
   EXPECT_FALSE(velTraceIsEnabled());
   velTraceFlush();
   velTraceDump(Detail::LOW, 0, Type::DATA_NONE, "f", "m", "", 0);
@@ -38,7 +38,7 @@ TEST_F(TraceInstance, IsOneForTheProcess) {
   EXPECT_TRUE(VelClTraceInstance::createControllerInstance("unit", nullptr)->getEnvironment().isController());
 }
 
-TEST_F(TraceInstance, RecordsWhatPassesTheFilter) {
+TEST_F(TraceInstance, RecordsOnlyEntriesThatPassTheFilter) {
   start({{"DETAIL", "MED"}, {"COMPSET", "1.2"}});
   const unsigned char byte = 7;
   velTraceDump(Detail::MEDIUM, 1, Type::UNSIGNED_8, "passes", nullptr, &byte, 1);
@@ -62,7 +62,7 @@ TEST_F(TraceInstance, CountsTheNestingOfFunctions) {
             "outer D0 T1 1 0 0 0\nouter D0 T2 0 0 0 0\nlost D0 T2 255 255 255 255\nlate D0 T1 0 0 0 0\n");
 }
 
-TEST_F(TraceInstance, GivesValuesTheirTypes) {
+TEST_F(TraceInstance, TraceValueStoresTheTypeOfItsArgument) {
   start();
   const auto trace = [](const auto& value) { velTraceValue(Detail::LOW, 0, "v", "", value); };
   trace(true);
@@ -81,7 +81,7 @@ TEST_F(TraceInstance, GivesValuesTheirTypes) {
       velTraceTypeOf<const char*>() == Type::ADDRESS && velTraceTypeOf<unsigned char>() == Type::UNSIGNED_8);
 }
 
-TEST_F(TraceInstance, HandsEntriesToAnotherBackEnd) {
+TEST_F(TraceInstance, PassesEntriesToTheUserCallback) {
   VelClTraceInstance* const instance = start();
   EXPECT_TRUE(instance->usesVelBackEnd());
   std::string seen;
@@ -95,7 +95,7 @@ TEST_F(TraceInstance, HandsEntriesToAnotherBackEnd) {
   EXPECT_EQ(entries(), "");
 }
 
-TEST(TracePrint, NamesTheLine) {
+TEST(TracePrint, PrintsOriginAndLineBeforeTheText) {
   testing::internal::CaptureStdout();
   vel_tprintf("f", 3, "x=%d", 5);
   vel_tprintf("f", 4, "a\nb");

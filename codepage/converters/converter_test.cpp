@@ -1,7 +1,7 @@
-// The converter classes: their ways, their memory, and the system's own conversion.
+// The converter classes: their source, their memory, and the system's own conversion. Which route each CCSID has
+// is tested by tools/velconv/velconv_test.cpp.
 #include <gtest/gtest.h>
 
-#include <map>
 #include <string>
 
 #include "codepage/test/outcome.h"
@@ -14,7 +14,7 @@ using namespace std::string_literals;
 
 using CodePageConverter = VelClCodePage2CodePageConverter;
 
-TEST(Converter, TakesAPlainSource) {
+TEST(Converter, ConvertsASourceWithoutACursor) {
   const VelClCodePage2UTF8Converter converter(ccsid(37));
   EXPECT_EQ(converter.getSourceCCSID().getAsInt(), 37);
   EXPECT_EQ(converter.getTargetCCSID().getAsInt(), 1208);
@@ -25,47 +25,6 @@ TEST(Converter, TakesAPlainSource) {
   EXPECT_EQ(std::string(target), "ABCx");
 }
 
-/// Counts the CCSIDs that take each route. The numbers of tables are pinned here: a mapping that is lost by
-/// mistake is noticed. They do not depend on the system.
-TEST(Converter, HasItsOwnWaysFirst) {
-  using Route = VelClConverterABase::VelEnRoute;
-  std::map<Route, int> toUnicode, fromUnicode;
-  for (int number = 0; number < 0x10000; ++number) {
-    if (!ccsid(number).isValid()) continue;
-    ++toUnicode[VelClCodePage2UnicodeConverter(ccsid(number)).getRoute()];
-    ++fromUnicode[VelClUnicode2CodePageConverter(ccsid(number)).getRoute()];
-  }
-  constexpr int kSingleByte = 49, kDoubleByte = 11, kAliases = 3;
-  EXPECT_EQ(toUnicode[Route::TABLE], kSingleByte + kDoubleByte + kAliases);
-  EXPECT_EQ(toUnicode[Route::ALGORITHM], 7);
-  EXPECT_EQ(toUnicode[Route::SYSTEM], 0);
-  EXPECT_EQ(fromUnicode[Route::TABLE], 2);
-  EXPECT_EQ(fromUnicode[Route::ALGORITHM], 8);
-  const VelClUnicode2CodePageConverter none{ccsid(4)};
-  EXPECT_EQ(none.getRoute(), Route::NONE);
-  EXPECT_EQ(none.getLastError().getErrorId(), static_cast<unsigned long>(CPCONVERTER_UNSUPPORTED));
-}
-
-TEST(Converter, FollowsAliases) {
-  const struct {
-    int number, meant;
-    bool needsIcu;
-  } rows[] = {{5026, 930, false}, {5035, 939, false}, {938, 948, false}, {18030, 1392, true},
-              {5488, 1392, true}, {936, 1386, true},  {954, 33722, true}};
-  // Shifts, three bytes that only 954 itself has, and pairs.
-  std::string text = "\xC1\x0E\x42\xC1\x0F\xA4\x40\x8F\xA2\xAF";
-  for (int lead = 0xA1; lead < 0xFF; ++lead)
-    for (int trail = 0xA1; trail < 0xFF; ++trail) text += {static_cast<char>(lead), static_cast<char>(trail)};
-  const bool hasIcu = VelClCodePage2UnicodeConverter(ccsid(943)).isSupported();
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.number);
-    if (row.needsIcu && !hasIcu) continue;
-    const VelClCodePage2UnicodeConverter alias{ccsid(row.number)}, meant{ccsid(row.meant)};
-    EXPECT_EQ(alias.requiresExternalICUData(), row.needsIcu);
-    EXPECT_EQ(convert(alias, text, text.size() * 2), convert(meant, text, text.size() * 2));
-  }
-}
-
 class ReusableConverter : public VelClCodePage2UnicodeConverter {
  public:
   using VelClCodePage2UnicodeConverter::VelClCodePage2UnicodeConverter;
@@ -73,7 +32,7 @@ class ReusableConverter : public VelClCodePage2UnicodeConverter {
   void close() { deinit(); }
 };
 
-TEST(Converter, CanTakeAnotherSource) {
+TEST(Converter, CanBeGivenAnotherSourceCcsid) {
   ReusableConverter converter{ccsid(37)};
   converter.setSource(1208);
   EXPECT_EQ(converter.getSourceCCSID().getAsInt(), 1208);
@@ -85,13 +44,13 @@ TEST(Converter, CanTakeAnotherSource) {
   EXPECT_FALSE(converter.isSupported());
 }
 
-TEST(Converter, KeepsItsBufferAndGivesItBack) {
+TEST(Converter, ReusesItsBufferAndFreesIt) {
   vel::test::WatchedMemory memory;
   {
     const CodePageConverter converter(ccsid(37), ccsid(850));
     EXPECT_EQ(convert(converter, "\xC1", 1).bytes, "A");
     EXPECT_EQ(memory.lastSize, 2U + 32769);
-    // 16385 bytes need 32770 and one more: they still fit, one byte more does not.
+    // 16385 bytes need 32771, which the buffer still holds; another byte does not fit.
     memory.lastSize = 0;
     EXPECT_EQ(convert(converter, std::string(16385, '\xC1'), 20000).bytes.size(), 16385U);
     EXPECT_EQ(memory.lastSize, 0U);
@@ -114,8 +73,8 @@ TEST(Converter, KeepsItsBufferAndGivesItBack) {
   }
 }
 
-// The console's page is asked for once; where locales can change within a process, the system's follows them.
-TEST(Converter, KeepsTheConsolesCodePage) {
+// Intentional: the console's code page is queried once, while the system's follows the locale.
+TEST(Converter, CachesTheCodePageOfTheConsole) {
   const VelClCCSID console{VelClCCSID::getConsoleCCSID()};
   for (const char* const locale : {"C.ISO-8859-1", "C.ISO-8859-15", "C.KOI8-R"}) {
     const vel::test::Variable other("LC_ALL", locale);
@@ -123,8 +82,7 @@ TEST(Converter, KeepsTheConsolesCodePage) {
   }
 }
 
-// The system's own code page is the last way, after tables and ICU.
-TEST(Converter, KnowsTheSystemsCodePage) {
+TEST(Converter, SupportsTheCodePageOfTheSystem) {
   const VelClCCSID system{VelClCCSID::getSystemCCSID()};
   ASSERT_NE(system.getAsInt(), 0);
   const VelClUnicode2CodePageConverter converter{system};
@@ -144,11 +102,11 @@ Outcome call(VelClConverterABase::VelConversionFunction function, const VelClCon
           converter.getLastError().errorId, converter.getLastError().errorClass};
 }
 
-TEST(SystemConversion, LeavesTheSourceWhereItIs) {
+TEST(SystemConversion, DoesNotAdvanceTheSource) {
   const VelClUnicode2CodePageConverter system{VelClCCSID(VelClCCSID::getSystemCCSID())};
   const auto function = &velConvertByWindowsCallUCS2ToWinCP;
   EXPECT_EQ(call(function, system, unitBytes(u"abc"), 3), (Outcome{"abc", 0}));
-  // A target without room is no question for the size; an empty source fails like a target that is too small.
+  // An empty target does not return the needed size; an empty source fails like a target that is too small.
   EXPECT_EQ(call(function, system, unitBytes(u"abc"), 2), tooBig("", 0));
   EXPECT_EQ(call(function, system, unitBytes(u"abc"), 0), tooBig("", 0));
   EXPECT_EQ(call(function, system, "", 8), tooBig("", 0));

@@ -1,5 +1,5 @@
-// The sizes that are said to be enough, against the texts that need most: of each page that knows several
-// lengths, characters of all of them in every order.
+// The sizes of getSufficientSizeForSize(), with the texts that need most: for pages with characters of
+// several lengths, characters of two lengths in turn. The sizes themselves are in maximum_sizes.tsv.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -12,14 +12,14 @@ namespace {
 
 using Route = VelClConverterABase::VelEnRoute;
 
-/// Into a target of the size that is said to be enough.
+/// Converts into a target of the sufficient size.
 Outcome convertInEnough(const VelClConverterABase& converter, std::string_view source) {
   const Outcome outcome = convert(converter, source, converter.getSufficientSizeForSize(source.size()));
   EXPECT_NE(outcome.errorId, static_cast<std::uint32_t>(CPCONVERTER_TOO_BIG)) << hex(source.substr(0, 40));
   return outcome;
 }
 
-/// One character for each size that a page has for single characters, with its shifts.
+/// Returns one character for each length that characters of the page have, shifts included.
 std::map<std::size_t, std::string> characterOfEachSize(const VelClConverterABase& converter) {
   std::map<std::size_t, std::string> characters;
   for (unsigned int unit = 0x20; unit < 0xFFF0; unit += unit < 0x500 ? 1 : 37) {
@@ -31,7 +31,7 @@ std::map<std::size_t, std::string> characterOfEachSize(const VelClConverterABase
   return characters;
 }
 
-TEST(SufficientSize, IsEnoughForEveryTarget) {
+TEST(SufficientSize, IsSufficientForEveryTarget) {
   std::u16string all;
   for (unsigned int unit = 0; unit < 0x10000; ++unit) all += static_cast<char16_t>(unit);
   for (int number = 1; number < 0x10000; ++number) {
@@ -51,8 +51,8 @@ TEST(SufficientSize, IsEnoughForEveryTarget) {
   }
 }
 
-TEST(SufficientSize, IsEnoughForEverySource) {
-  // Every byte with many others, then several times.
+TEST(SufficientSize, IsSufficientForEverySource) {
+  // Every byte before many others, then repeated.
   std::string bytes;
   for (int lead = 0; lead < 256; ++lead)
     for (int trail = 0; trail < 256; trail += 5) bytes += {static_cast<char>(lead), static_cast<char>(trail)};
@@ -69,34 +69,6 @@ TEST(SufficientSize, IsEnoughForEverySource) {
           convertInEnough(converter, std::string_view(bytes).substr(from, size));
     }
   }
-}
-
-// The sizes by properties stay what they are. Where they are too small, the other ones are not.
-TEST(SufficientSize, CountsWhatPropertiesDoNotTell) {
-  const struct {
-    int ccsid;
-    std::u16string text;
-    std::string bytes;
-  } rows[] = {{930, u"A\u3042", "\xC1\x0E\x44\x81\x0F"},
-              {1388, u"\u4E00", "\x0E\x59\xBA\x0F"},
-              {1392, u"\u0080", "\x81\x30\x81\x30"},
-              {33722, u"\u00A6", "\x8F\xA2\xC3"}};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.ccsid);
-    const VelClUnicode2CodePageConverter converter{ccsid(row.ccsid)};
-    if (!converter.isSupported()) continue;  // there is no ICU
-    const std::string source = unitBytes(row.text);
-    const std::size_t tooSmall = converter.getMaximumSizeForSize(source.size());
-    EXPECT_EQ(convert(converter, source, tooSmall).errorId, static_cast<std::uint32_t>(CPCONVERTER_TOO_BIG));
-    EXPECT_EQ(convert(converter, source, converter.getSufficientSizeForSize(source.size())),
-              (Outcome{row.bytes, source.size()}));
-  }
-  // No size is too large to be told.
-  const VelClUnicode2CodePageConverter toUtf8{ccsid(1208)};
-  EXPECT_EQ(toUtf8.getSufficientSizeForSize(7), 9U);
-  EXPECT_EQ(toUtf8.getSufficientSizeForSize(SIZE_MAX), SIZE_MAX);
-  EXPECT_EQ(VelClCodePage2UTF8Converter(ccsid(37)).getSufficientSizeForSize(SIZE_MAX - 1), SIZE_MAX);
-  EXPECT_EQ(VelClCodePage2CodePageConverter(ccsid(850), ccsid(850)).getSufficientSizeForSize(7), 7U);
 }
 
 }  // namespace

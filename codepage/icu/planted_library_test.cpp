@@ -1,4 +1,4 @@
-// Libraries with ICU's names where no library of the program's belongs: none of their code may run.
+// Libraries with ICU's names in directories that other users can write to: none of their code may run.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -16,18 +16,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What the copies below run.
+// The copies of this program below run this test.
 TEST(PlantedLibrary, DoesNotHideTheInstalledIcu) {
   _VelStError error;
   const void* const converter = velGetICUConverter(943, error);
-  // Who starts the test may know.
+  // The caller of the test can say whether ICU is installed.
   if (const char* const known = std::getenv("VEL_TEST_ICU"); known != nullptr) {
     EXPECT_EQ(converter != nullptr, std::string(known) == "there");
   }
   velDeleteICUConverter(converter);
 }
 
-TEST(PlantedLibrary, IsNotTakenForIcu) {
+TEST(PlantedLibrary, IsNotLoadedAsIcu) {
   const vel::test::ScratchDirectory directory;
   const fs::path own = vel::test::ownProgram();
   for (const char* const name :
@@ -36,14 +36,14 @@ TEST(PlantedLibrary, IsNotTakenForIcu) {
     fs::copy_file(own.parent_path() / "planted_library.library", directory.path(name));
   const std::string mark = directory.path("mark");
   const vel::test::Variable marked("VEL_PLANTED_MARK", mark.c_str());
-  // Whoever does load it sees the mark.
+  // Loading it creates the mark.
   velDllProcLoaderClose(velDllProcLoaderOpen(directory.path("icuuc.dll").c_str()));
   ASSERT_TRUE(fs::remove(mark));
   const fs::path copy = fs::path(directory.path("program")) / own.filename();
   fs::create_directory(copy.parent_path());
   fs::copy_file(own, copy);
   const vel::test::CurrentDirectory inside(directory.path());
-  // The copy finds this library, with ICU beside it, along PATH.
+  // The copy finds its library, and ICU beside it, through PATH.
   for (const auto& [program, path] : {std::pair{own, directory.path()}, {copy, own.parent_path().string()}}) {
     const auto child = vel::test::runChild(program.string(),
                                            {"--gtest_filter=*.DoesNotHideTheInstalledIcu", "--gtest_brief=1"},

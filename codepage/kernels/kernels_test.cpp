@@ -1,5 +1,5 @@
-// Every table of inner loops, whichever this processor would choose, against the slow conversions, between
-// inaccessible pages. Noise is the matter of fuzz/codepage_fuzz.cpp.
+// Every set of kernels that this processor can run, compared with slow references, between inaccessible
+// pages. Arbitrary bytes are tested by fuzz/codepage_fuzz.cpp.
 #include "codepage/kernels/kernels.h"
 
 #include <gtest/gtest.h>
@@ -30,7 +30,7 @@ constexpr std::string_view kOfEachLength = "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x8
 constexpr std::string_view kLeadBytes = "A\xA4\x40\xA4\x41\xA4\x42yz";
 constexpr std::string_view kShifted = "\xC1\x0E\x42\xC1\x42\xC2\x42\xC3\x0F\xC2\x15";
 
-TEST(Kernels, LookUpBytesOfLongTextsWhereverTheTargetLies) {
+TEST(Kernels, LookUpBytesOfLongTextsForAnyAlignmentOfTheTarget) {
   std::uint16_t table[256];
   for (unsigned int i = 0; i < 256; ++i) table[i] = static_cast<std::uint16_t>(i * 257 + 1);
   std::string source((std::size_t{8} << 20) + 77, ' ');
@@ -45,12 +45,13 @@ TEST(Kernels, LookUpBytesOfLongTextsWhereverTheTargetLies) {
   }
 }
 
-TEST(Kernels, LeaveOnlyTheEndsToTheCaller) {
-  if (vel::codepage::vectorKernels() == nullptr) GTEST_SKIP() << "this processor has no vectors for it";
+TEST(Kernels, ConvertAllButTheEnds) {
+  if (vel::codepage::vectorKernels() == nullptr)
+    GTEST_SKIP() << "this processor lacks the vector instructions";
   const Kernels& kernels = *vel::codepage::vectorKernels();
   const std::string text = repeated(kOfEachLength, 900);
   const std::string units = referenceUtf8ToUcs2(text, 2 * text.size()).bytes;
-  // A cut pair is not one for the loop.
+  // A truncated pair is left to the caller.
   EXPECT_GT(runKernel(kernels.encodeUtf8, units, text.size() + 64).consumed + 64, units.size());
   EXPECT_GT(runKernel(kernels.decodeUtf8, text, units.size() + 128).consumed + 67, text.size());
   bool isDouble = false;
@@ -59,29 +60,12 @@ TEST(Kernels, LeaveOnlyTheEndsToTheCaller) {
               900U);
 }
 
-// Every way in which characters can lie across the ends of a block.
-TEST(Kernels, DecodeBlocksThatEndAnywhere) {
-  const std::string characters[] = {"a", "\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"};
-  const std::string broken[] = {
-      "\x80", "\xC3",         "\xE2\x82",         "\xF0\x9F\x98", "\xF0\x8F\xBF\xBF", "\xF8\x88\x80\x80\x80",
-      "\xFF", "\xED\xA0\x80", "\xF7\xBF\xBF\xBF", "\xC0\x80",     "\xE0\x80\x80",     "y"};
-  for (const Kernels* const kernels : kernelTables())
-    for (std::size_t start = 50; start < 70; ++start)
-      for (const std::string& character : characters)
-        for (const std::string& piece : broken) {
-          const std::string text = std::string(start, 'x') + repeated(character, 3 * character.size()) +
-                                   piece + std::string(100, 'y');
-          const Outcome done = runKernel(kernels->decodeUtf8, text, 1000);
-          EXPECT_EQ(done, referenceUtf8ToUcs2(text.substr(0, done.consumed), 1000)) << hex(text);
-        }
-}
-
 // ---- Between inaccessible pages --------------------------------------------------------------
 
 constexpr std::size_t kMostGuarded = 200;
 
-/// UTF-8 of one, of three, and of all numbers of bytes with an ill-formed one between, pairs with lead bytes
-/// or shifts, and every byte.
+/// Returns UTF-8 of one byte, of three, and of all lengths with an ill-formed byte between, pairs with lead
+/// bytes or shifts, and arbitrary bytes.
 std::vector<std::string> guardedTexts() {
   std::vector<std::string> texts;
   for (const std::string_view piece :
@@ -93,19 +77,19 @@ std::vector<std::string> guardedTexts() {
   return texts;
 }
 
-/// Bytes that a loop reads at once, and the most that it writes for them.
+/// The bytes of a source unit, and the most bytes that a kernel writes for it.
 struct Units {
   std::size_t source, target;
 };
 
-/// Runs a loop on texts of every size, both ends of source and target at inaccessible pages in turn: what it
-/// has written must be what `reference(source, room)` makes of what it has read.
+/// Runs a kernel on texts of every size, with either end of source and target at an inaccessible page: it
+/// must write what `reference(source, room)` returns for the bytes that it has read.
 template <typename Loop, typename Reference>
 void runGuarded(const char* what, Units units, Loop loop, Reference reference) {
   const vel::test::GuardedMemory sourceMemory(kMostGuarded), targetMemory(2 * kMostGuarded);
   for (const std::string& text : guardedTexts())
     for (std::size_t size = 0; size <= kMostGuarded; size += units.source)
-      // Enough, one byte less, and a block less.
+      // The room is sufficient, or one byte or a block smaller.
       for (const std::size_t less : {0U, 1U, 65U})
         for (const auto& [sourceAtEnd, targetAtEnd] : {std::pair{true, true}, {true, false}, {false, true}}) {
           const std::size_t most = size / units.source * units.target, room = most - std::min(most, less);
@@ -120,7 +104,7 @@ void runGuarded(const char* what, Units units, Loop loop, Reference reference) {
         }
 }
 
-/// A move of as many units as there are and have room; `unitFor` tells what each of them becomes.
+/// Runs a kernel that maps each unit to the one that `unitFor` returns, for as many units as have room.
 template <typename Move, typename UnitFor>
 void runGuardedMove(const char* what, Units units, Move move, UnitFor unitFor) {
   const auto loop = [=](Cursor& it) {
@@ -136,7 +120,7 @@ void runGuardedMove(const char* what, Units units, Move move, UnitFor unitFor) {
   });
 }
 
-TEST(Kernels, StayWithinTheirTexts) {
+TEST(Kernels, StayWithinSourceAndTarget) {
   const vel::test::GuardedMemory guard(1);
   EXPECT_DEATH(guard.place(1, true)[1] = 'x', "");
   EXPECT_DEATH(guard.place(1, false)[-1] = 'x', "");

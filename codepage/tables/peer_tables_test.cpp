@@ -1,4 +1,4 @@
-// The tables against ICU's and the system's, where those know the page: exactly the known characters differ.
+// Compares the tables with those of ICU and of the system: only the listed characters may differ.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -18,7 +18,7 @@ namespace {
 using vel::codepage::IcuBuffers;
 using vel::codepage::IcuFunctions;
 
-/// UTF-16 for a character's bytes, or nothing.
+/// Converts the bytes of a character to UTF-16; returns nothing if it cannot.
 using Peer = std::function<std::optional<std::string>(const std::string& bytes)>;
 
 Peer icuPeer(const std::string& number) {
@@ -47,13 +47,13 @@ unsigned int unitOf(const std::optional<std::string>& answer) {
   return static_cast<unsigned char>(answer->front()) + 256U * static_cast<unsigned char>(answer->back());
 }
 
-/// The page's characters and their units: single bytes as they are, of a page of pairs the pairs, too.
+/// Returns the characters of a page, single bytes and pairs, and their units.
 std::map<std::string, unsigned int> charactersOf(const MappingFile& mapping) {
   std::map<std::string, unsigned int> characters;
   const bool hasPairs = mapping.head.at("kind") == "dbcs";
   for (unsigned int byte = 0; byte < 256; ++byte) {
     const bool isShift = hasPairs && mapping.isEbcdic && (byte == 0x0E || byte == 0x0F);
-    // A page of nothing but pairs has no '@' or blank.
+    // A page that has only pairs maps neither '@' nor blank.
     const bool hasSingles = mapping.bytes[0x40] != kUnmapped;
     if (!isShift && !mapping.isLead[byte] && hasSingles)
       characters[{static_cast<char>(byte)}] = mapping.bytes[byte];
@@ -65,7 +65,7 @@ std::map<std::string, unsigned int> charactersOf(const MappingFile& mapping) {
   return characters;
 }
 
-/// The characters on which the peer has another opinion.
+/// Returns the characters that the peer maps differently.
 std::string differences(const MappingFile& mapping, const Peer& peer) {
   std::string found;
   for (const auto& [bytes, unit] : charactersOf(mapping)) {
@@ -78,7 +78,7 @@ std::string differences(const MappingFile& mapping, const Peer& peer) {
   return found;
 }
 
-TEST(PeerTables, DifferAsKnown) {
+TEST(PeerTables, DifferOnlyInTheListedCharacters) {
   std::map<std::string, std::set<bool>> knowPage;
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/peer_tables.tsv")) {
     const Peer peer = row[1] == "ICU" ? icuPeer(row[2]) : Peer(vel::test::iconvFrom(row[2]));

@@ -6,7 +6,7 @@
 #include "codepage/kernels/kernels.h"
 #include "codepage/test/outcome.h"
 
-/// All that this processor has the instructions for.
+/// Returns the kernels that this processor can run.
 inline std::vector<const vel::codepage::Kernels*> kernelTables() {
   std::vector<const vel::codepage::Kernels*> tables{&vel::codepage::kPortableKernels};
   if (vel::codepage::vectorKernels() != nullptr) tables.push_back(vel::codepage::vectorKernels());
@@ -23,7 +23,7 @@ Outcome runKernel(Loop loop, std::string_view source, std::size_t room) {
   });
 }
 
-/// Runs the kernel of mixed bytes that the table is for.
+/// Runs the kernel for mixed bytes of this kind of table.
 inline Outcome runMixed(const vel::codepage::Kernels& kernels, const VelStDoubleByteTable& table,
                         std::string_view source, std::size_t room, bool& isDouble) {
   isDouble = false;

@@ -28,17 +28,17 @@ MappingFile::MappingFile(int number) : ccsid(number) {
   std::string section;
   for (std::string line; std::getline(file, line);) {
     const std::size_t tab = line.find('\t');
-    if (line.front() == '[' && section.empty()) takeHead();
+    if (line.front() == '[' && section.empty()) parseHead();
     if (line.front() == '[')
       section = line;
     else if (tab != std::string::npos)
       head[line.substr(0, tab)] = line.substr(tab + 1);
     else
-      takeLine(section, line);
+      parseLine(section, line);
   }
 }
 
-void MappingFile::takeHead() {
+void MappingFile::parseHead() {
   isEbcdic = head["family"] == "ebcdic";
   bytes.assign(256, head.contains("unmapped-single") ? fromHex(head["unmapped-single"]) : 0xFFFD);
   units.assign(0x10000, fromHex(head["substitution"]));
@@ -48,14 +48,14 @@ void MappingFile::takeHead() {
       isLead[lead] = true;
 }
 
-void MappingFile::takeLine(const std::string& section, const std::string& line) {
+void MappingFile::parseLine(const std::string& section, const std::string& line) {
   std::istringstream words(line);
   std::string start;
   words >> start;
   const bool isByte = start.size() == 3;
   unsigned int position = fromHex(start);
   for (std::string word; words >> word;) {
-    // "a-b" is a run, "a+b" a sequence that no unit can hold.
+    // "a-b" is a range, "a+b" a sequence, which is not one unit.
     const bool isRun = word.find('-') != std::string::npos;
     const bool isUnit = word.find('+') == std::string::npos && (isRun || word.size() <= 4);
     const unsigned int first = isUnit ? fromHex(word) : 0xFFFD;

@@ -1,27 +1,27 @@
-// The published mapping of a code page as its file has it, read without the generator's help.
+// The published mapping of a code page, parsed independently of the generator.
 #pragma once
 
 #include <map>
 #include <string>
 #include <vector>
 
-/// Positions are bytes, pairs lead * 256 + trail, or units.
+/// Indexes are bytes, pairs as lead * 256 + trail, or units.
 struct MappingFile {
   explicit MappingFile(int number);
 
-  /// All files.
+  /// Reads all files of a kind.
   static std::vector<MappingFile> all(const std::string& kind);
 
   int ccsid;
   std::map<std::string, std::string> head;
   bool isEbcdic = false;
   std::vector<bool> isLead = std::vector<bool>(256);
-  std::vector<unsigned int> bytes;  ///< the unit for each
+  std::vector<unsigned int> bytes;  ///< the unit for each byte
   std::vector<unsigned int> pairs = std::vector<unsigned int>(0x10000, 0xFFFD);
-  /// The byte for each unit, also by a fallback; else the substitution byte.
+  /// The byte for each unit, fallbacks included; the substitution byte for unmappable units.
   std::vector<unsigned int> units;
 
  private:
-  void takeHead();
-  void takeLine(const std::string& section, const std::string& line);
+  void parseHead();
+  void parseLine(const std::string& section, const std::string& line);
 };

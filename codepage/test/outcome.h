@@ -1,4 +1,4 @@
-// What a conversion did, in buffers that show where it read and wrote.
+// The results of conversions, which run in buffers that reveal where they read and write.
 #pragma once
 
 #include <cstdint>
@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/digits.h"
 #include "vel_include/vel_codepage.h"
 
 struct Outcome {
@@ -19,12 +20,8 @@ struct Outcome {
 };
 
 inline std::string hex(std::string_view bytes) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
   std::string text;
-  for (const char c : bytes) {
-    text += kDigits[static_cast<unsigned char>(c) >> 4];
-    text += kDigits[c & 0xF];
-  }
+  for (const char c : bytes) text.append(vel::hexPair(static_cast<unsigned char>(c)).data(), 2);
   return text;
 }
 
@@ -51,9 +48,9 @@ inline std::string unitBytes(const std::u16string& units) {
   return bytes;
 }
 
-/// Runs `conversion(position, target)`, which moves the position behind what it has read and returns how much
-/// it has written, on a block that is exactly the source. Bytes behind the target's room must stay as they
-/// are.
+/// Runs `conversion(position, target)`, which moves the position past the bytes that it has read and returns
+/// the number of bytes written, on a block of exactly the source's size. Bytes after the target's room must
+/// not change.
 template <typename Conversion>
 Outcome runInBuffers(std::string_view source, std::size_t room, Conversion conversion) {
   constexpr std::size_t kGuard = 64;
@@ -79,4 +76,9 @@ inline Outcome convert(const VelClConverterABase& converter, std::string_view so
 
 inline VelClCCSID ccsid(int number) {
   return VelClCCSID(number);
+}
+
+/// Whether ICU is installed: 943 has no other way.
+inline bool hasIcu() {
+  return VelClCodePage2UnicodeConverter(ccsid(943)).isSupported();
 }

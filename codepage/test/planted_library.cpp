@@ -1,4 +1,4 @@
-// A library that nobody asked for: as soon as it is loaded, it writes a file where the variable says.
+// A library that creates the file named by a variable as soon as it is loaded.
 #include <cstdio>
 #include <cstdlib>
 

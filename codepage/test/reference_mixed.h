@@ -1,4 +1,4 @@
-// A slow conversion of mixed single and double bytes, one character at a time.
+// A slow reference for mixed single and double bytes, one character at a time.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 #include "codepage/test/outcome.h"
 
-/// The unit at `index` of a page, low byte first; the table has it the other way round.
+/// Returns the unit at `index` of a page, low byte first; the table has the high byte first.
 std::string unitAt(const uint16_t* page, unsigned char index, bool foldsNextLine);
 
 Outcome referenceMixedToUcs2(const VelStDoubleByteTable& table, std::string_view source);

@@ -1,4 +1,4 @@
-// Slow UTF-8 conversions, written from their rules one character at a time.
+// Slow references for UTF-8, one character at a time.
 #pragma once
 
 #include "codepage/test/outcome.h"

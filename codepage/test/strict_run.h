@@ -1,4 +1,4 @@
-// Runs strict conversions, and tells all that can be seen of them.
+// Runs strict conversions in pieces, and describes their results.
 #pragma once
 
 #include <sstream>
@@ -28,10 +28,10 @@ inline void PrintTo(const StrictResult& result, std::ostream* stream) {
   *stream << hex(result.bytes.substr(0, 200)) << " " << result.faults;
 }
 
-/// Kind, offset, line, column and what it is; then how many there are of each kind.
+/// Returns kind, offset, line, column and bytes of the first fault, and then the number of each kind.
 inline std::string describe(const VelClStrictConversion& conversion) {
   using Fault = VelClStrictConversion::VelEnFault;
-  constexpr const char* kKinds[] = {"clean", "invalid", "incomplete", "lacking"};
+  constexpr const char* kKinds[] = {"clean", "invalid", "incomplete", "unmappable"};
   const VelClStrictConversion::VelStFault& fault = conversion.getFirstFault();
   std::ostringstream text;
   text << kKinds[static_cast<int>(fault.kind)];
@@ -48,7 +48,18 @@ inline std::string describe(const VelClStrictConversion& conversion) {
   return text.str();
 }
 
-/// In pieces that end where `ends` says, each in a block of exactly its size.
+/// Returns the ends of pieces of one byte, two bytes, and so on up to `longest`, again and again.
+inline std::vector<std::size_t> endsOfPieces(std::size_t size, std::size_t longest) {
+  std::vector<std::size_t> ends;
+  std::size_t piece = 1;
+  for (std::size_t end = piece; end < size; end += piece) {
+    ends.push_back(end);
+    piece = piece % longest + 1;
+  }
+  return ends;
+}
+
+/// Converts pieces that end at `ends`, each in a block of exactly its size.
 inline StrictResult convertInPieces(VelClStrictConversion& conversion, std::string_view source,
                                     const std::vector<std::size_t>& ends) {
   TextSink text;
@@ -64,5 +75,5 @@ inline StrictResult convertInPieces(VelClStrictConversion& conversion, std::stri
   convertUpTo(source.size());
   const bool isFinished = conversion.finish(text);
   const bool isExpected = isFinished == (conversion.isSupported() && !conversion.hasStopped());
-  return {text.take(), isExpected ? describe(conversion) : "finished against its own word"};
+  return {text.take(), isExpected ? describe(conversion) : "finish() contradicts hasStopped()"};
 }

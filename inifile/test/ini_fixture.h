@@ -1,4 +1,4 @@
-// What tests of INI files share: models as text, and what nearly all of them need.
+// Support for tests of INI files: models as text, and the headers that nearly all of them need.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -15,7 +15,7 @@
 
 namespace vel::test {
 
-/// "[section]name=value;comment|..." with "|" after each option.
+/// Returns the model as "[section]name=value;comment|...", with "|" after each option.
 inline std::string shown(const VelClIniFile& file) {
   std::string text;
   VelClIniFileSectionCursor section(file);
@@ -34,6 +34,11 @@ inline std::string shown(const VelClIniFile& file) {
 inline bool loadText(VelClIniFile& file, std::string_view text, bool keepDuplicates = true,
                      bool continuation = true) {
   return file.loadFromBuffer(text.data(), text.size(), '\n', keepDuplicates, continuation);
+}
+
+/// A table has "(null)" for a null pointer.
+inline const char* orNull(const std::string& field) {
+  return field == "(null)" ? nullptr : field.c_str();
 }
 
 }  // namespace vel::test

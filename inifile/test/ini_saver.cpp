@@ -1,5 +1,5 @@
-// Saves a file until it is ended: all values of one letter, then all of the next. With a second argument it
-// saves once, by the editor if that is "edit", and ends with 0 for success.
+// Saves a file until it is killed, with values of one letter, then of the next. With a second argument it
+// saves once, through the editor if that is "edit", and exits with 0 on success.
 #include <string>
 
 #include "inifile/test/ini_saver.h"
@@ -25,7 +25,7 @@ int main(int argc, char** argv) {
     return editor.load(true) && editor.setValue("A", "o0", value.c_str()) && editor.save() ? 0 : 1;
   }
   VelClIniFileSave file(argv[1]);
-  // Should nobody end it, it does not go on for ever.
+  // Ends by itself when nobody kills it.
   for (int round = 0; round < 10'000; ++round) {
     setAll(file, std::string(vel::test::kSavedLength, static_cast<char>('a' + round % 26)));
     const bool isSaved = file.save();

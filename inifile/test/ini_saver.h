@@ -1,4 +1,4 @@
-// What ini_saver writes.
+// The options that ini_saver writes.
 #pragma once
 
 #include <cstddef>

@@ -10,24 +10,19 @@ namespace {
 
 const std::string kSample = VEL_TEST_DATA "../trace/test/tour.trc";
 
-/// The trace with the times and numbers of the sample, and its one clipped block of data cut short.
+/// Returns the trace with the times and identifiers of the sample, and its one clipped block of data cut
+/// short.
 std::string normalized(std::string trace) {
-  vel::test::RecordHead head{};
   std::uint32_t count = 0;
-  for (std::size_t start = 0; start + sizeof head <= trace.size(); ++count) {
-    std::memcpy(&head, &trace[start], sizeof head);
+  vel::test::changeHeads(trace, [&](vel::test::RecordHead& head, std::size_t data) {
     head.time = 1000 + 10 * count;
     head.process = 4711;
-    head.thread = 20 + count % 2;
-    const std::size_t data = start + sizeof head + head.messageLength + head.originLength;
-    if ((head.type & 0x1F) == 5) {
-      EXPECT_EQ(head.dataLength, 4096U - 48U);
-      trace.erase(data + 18, head.dataLength - 18);
-      head.dataLength = 18;
-    }
-    std::memcpy(&trace[start], &head, sizeof head);
-    start = data + head.dataLength;
-  }
+    head.thread = 20 + count++ % 2;
+    if ((head.type & 0x1F) != 5) return;
+    EXPECT_EQ(head.dataLength, 4096U - 48U);
+    trace.erase(data + 18, head.dataLength - 18);
+    head.dataLength = 18;
+  });
   return trace;
 }
 
@@ -45,7 +40,7 @@ TEST(Trcctl, FollowsTheSession) {
   vel::test::expectSession(VEL_TEST_DATA "trcctl/test/trcctl.session", true);
 }
 
-/// The place of the colon behind a label, in characters, whichever code page they are in.
+/// Returns the column of the colon after a label, counted in characters, in UTF-8 and in single bytes.
 std::size_t columnOfColon(const std::string& line) {
   std::size_t column = 0;
   for (std::size_t i = 0; i < line.find(": "); ++i)
@@ -53,7 +48,7 @@ std::size_t columnOfColon(const std::string& line) {
   return column;
 }
 
-/// Runs once more in German.
+/// ctest also runs this one in German.
 TEST(TrcctlInUsersLanguage, AlignsLabelsWithUmlauts) {
   const char* const language = std::getenv("LC_ALL");
   ASSERT_NE(language, nullptr);

@@ -1,4 +1,4 @@
-// Runs veldump as its users do: what it shows, what it makes of its own dumps, and what it refuses.
+// Runs veldump as its users do: its session, and round trips of large files.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -14,7 +14,8 @@ namespace {
 
 using vel::test::runTool;
 
-/// Larger than the tool's buffers, no whole number of lines, all byte values, and runs of equal lines.
+/// Returns more bytes than the tool's buffers hold, with all values, runs of equal lines and an incomplete
+/// last line.
 std::string manyBytes() {
   std::string bytes;
   for (unsigned int i = 0; i < 200'000; ++i) bytes += static_cast<char>(i * 2654435761U >> 24);
@@ -28,7 +29,7 @@ std::string libraryDump(const std::string& bytes, bool binary) {
   return dump.str();
 }
 
-TEST(Veldump, PrintsTheLibrarysLinesAndTakesThemBack) {
+TEST(Veldump, PrintsTheDumpOfTheLibraryAndReversesIt) {
   const vel::test::ScratchDirectory directory;
   const std::string bytes = manyBytes(), file = directory.write("bytes", bytes);
   for (const bool binary : {false, true}) {

@@ -1,4 +1,4 @@
-// Runs velini as scripts do, and several at once.
+// Runs velini as scripts do, also several at a time.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -20,11 +20,10 @@ TEST(Velini, FollowsTheSession) {
   vel::test::expectSession(VEL_TEST_DATA "velini/test/velini.session", true);
 }
 
-TEST(Velini, LosesNoChangeOfManyAtOnce) {
-  // The test waits no longer than this.
+TEST(Velini, LosesNoChangeOfConcurrentPrograms) {
   const std::string wait = std::to_string(vel::test::kTimeLimitMs / 1000);
   const vel::test::ScratchDirectory directory;
-  // The first of them makes one of the files.
+  // One of the files is created by the program that is first.
   for (const std::string& file : {directory.path("new.ini"), directory.write("old.ini", "[A]\nkept=1\n")}) {
     std::vector<std::future<ChildResult>> programs;
     for (int i = 0; i < 20; ++i)
@@ -42,10 +41,10 @@ TEST(Velini, LosesNoChangeOfManyAtOnce) {
     }
   }
   const std::filesystem::directory_iterator entries(directory.path());
-  EXPECT_EQ(std::distance(entries, {}), 2) << "something is left behind";
+  EXPECT_EQ(std::distance(entries, {}), 2) << "an unfinished file is left";
 }
 
-TEST(Velini, SaysThatTheFileIsLocked) {
+TEST(Velini, ReportsALockedFile) {
   const vel::test::ScratchDirectory directory;
   const std::string file = directory.write("a.ini", "[A]\nx=1\n");
   VelClIniFileEditor editor(file.c_str());
@@ -54,7 +53,7 @@ TEST(Velini, SaysThatTheFileIsLocked) {
       runChild("velini", {"-file", file, "-section", "A", "-set", "x=2", "-wait", "0"});
   EXPECT_EQ(result.exitCode, 5);
   EXPECT_THAT(result.errors, testing::HasSubstr("locked"));
-  // Reading takes no lock.
+  // Reading needs no lock.
   EXPECT_EQ(runChild("velini", {"-file", file, "-section", "A", "-get", "x"}).output, "1\n");
 }
 

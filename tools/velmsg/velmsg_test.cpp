@@ -14,8 +14,8 @@ namespace {
 
 using vel::test::runTool;
 
-/// What -list must print, made from the table that the catalog is made from: it uses the same escapes. That
-/// proves that nothing is lost on the way, not that the texts are right.
+/// Returns the output of -list for the table that the catalog is generated from, which has the same escapes.
+/// So the test shows that no text is lost, not that the texts are right.
 std::string expectedListing(bool english, bool german) {
   std::string listing;
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "../messages/messages.tsv")) {
@@ -49,7 +49,7 @@ TEST(Velmsg, WritesEachTextOnOneLine) {
   EXPECT_EQ(runTool("velmsg", {"-cat", catalog, "-list"}).output, listing);
 }
 
-TEST(Velmsg, AnswersQuestionsAndRefusesWhatMakesNoSense) {
+TEST(Velmsg, FollowsTheSession) {
   vel::test::expectSession(VEL_TEST_DATA "velmsg/test/velmsg.session", true);
 }
 

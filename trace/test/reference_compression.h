@@ -1,4 +1,4 @@
-// The code of trace texts, character by character as strings of digits.
+// A slow reference for the 6-bit code of trace texts, which uses strings of binary digits.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@ inline std::string binary(std::size_t value, int digits) {
   return bits;
 }
 
-/// A text in at most 255 bytes.
+/// Encodes a text into at most 255 bytes.
 inline std::string packed(const std::string& text) {
   std::string bits;
   for (const char c : text) {
@@ -26,7 +26,7 @@ inline std::string packed(const std::string& text) {
   return bytes;
 }
 
-/// The text of such bytes; a code that is cut off ends it.
+/// Decodes such bytes; a truncated code ends the text.
 inline std::string unpacked(const std::string& stored) {
   std::string bits, text;
   for (const char c : stored) bits += binary(static_cast<unsigned char>(c), 8);

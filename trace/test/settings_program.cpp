@@ -1,5 +1,5 @@
-// Tells what the library makes of its environment variables, after tracing an entry to where they say. With a
-// user's number and a program as arguments it becomes that user and runs the program.
+// Traces an entry, and prints which environment variables the library has used. With a user's number and a
+// program as arguments it becomes that user and runs the program.
 #include <grp.h>
 #include <sys/auxv.h>
 #include <unistd.h>
@@ -45,9 +45,9 @@ int main(int argc, char** argv) {
   show("program", VelClExeFile(VelClFilename("/missing/planted_program")).isFoundInSystemPath());
   show("library", VelClDllFile(VelClFilename("planted_library.dll")).isValid());
   show("catalog", VelClMessageCatalog("planted_catalog.dll").isValid());
-  // What the program asks for by name is its own business.
+  // A variable that the program itself queries is not hidden from it.
   show("asked", VelClEnvironmentVariableQueryOnly("UNIT_TRACE_ACTIVE").getValue());
-  // A sanitizer's search for leaks at the end fails in a privileged program.
+  // The leak check of a sanitizer, which runs at exit, fails in a privileged program.
   std::cout.flush();
   std::_Exit(0);
 }

@@ -1,5 +1,5 @@
-// A trace environment for one test: its key's variables, a directory for its file, and entries of given
-// sizes.
+// A trace environment for one test, with the variables of its key and a directory for its file; records, and
+// entries of given sizes.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -18,11 +18,24 @@
 
 namespace vel::test {
 
-/// How a record begins; its texts and its data follow.
+/// The first bytes of a record; message, origin and data follow.
 struct RecordHead {
   std::uint8_t type, component, messageLength, originLength;
   std::uint32_t time, process, thread, dataLength;
 };
+
+/// Calls `change(head, offset of its data)` for each record of a file, and stores the changed head.
+template <typename Change>
+void changeHeads(std::string& file, Change change) {
+  RecordHead head{};
+  for (std::size_t at = 0; at + sizeof head <= file.size();) {
+    std::memcpy(&head, &file[at], sizeof head);
+    const std::size_t data = at + sizeof head + head.messageLength + head.originLength;
+    change(head, data);
+    std::memcpy(&file[at], &head, sizeof head);
+    at = data + head.dataLength;
+  }
+}
 
 class TraceTest : public testing::Test {
  protected:
@@ -37,7 +50,7 @@ class TraceTest : public testing::Test {
     variables_.push_back("UNIT_TRACE_" + suffix);
     VelClEnvironmentVariable(variables_.back().c_str(), value.c_str());
   }
-  /// An active instance, with more variables of the key.
+  /// Creates an active instance, with more variables of the key.
   VelClTraceInstance* start(std::initializer_list<std::pair<const char*, const char*>> more = {}) {
     set("ACTIVE", "yes");
     for (const auto& [suffix, value] : more) set(suffix, value);
@@ -46,9 +59,9 @@ class TraceTest : public testing::Test {
   std::unique_ptr<VelClTraceEnvironment> environment(bool controller = false) const {
     return std::make_unique<VelClTraceEnvironment>("unit", nullptr, controller);
   }
-  /// What the file holds when everything is saved.
+  /// Returns the bytes that have been saved.
   std::string saved() const { return readFile(file_); }
-  /// Origin, detail, type and data of every entry in the file.
+  /// Returns a line with origin, detail, type and data of every entry in the file.
   std::string entries() const {
     std::istringstream stream(saved());
     const auto reader = environment(true);
@@ -70,7 +83,7 @@ class TraceTest : public testing::Test {
   std::vector<std::string> variables_;
 };
 
-/// An entry of at least 20 bytes altogether, all of them behind the head being `fill`.
+/// An entry of `size` bytes, at least 20, in which every byte after the head is `fill`.
 class SizedEntry {
  public:
   SizedEntry(const VelClTraceEnvironment& environment, std::size_t size, char fill)
