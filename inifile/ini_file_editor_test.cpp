@@ -76,6 +76,8 @@ TEST(IniEditor, LocksOutOtherEditorsUntilItHasSaved) {
     first.load(true);
     EXPECT_TRUE(first.setValue("A", "x", "2"));
     EXPECT_FALSE(locks(second));
+    // The lock is advisory: an editor that did not get it is not hindered.
+    EXPECT_EQ(second.load(true), fs::exists(path));
     EXPECT_THAT((std::array{first.save(), locks(second)}), Each(true));
     // The lock holds for the file that save() has put in place of the old one.
     EXPECT_FALSE(locks(first));

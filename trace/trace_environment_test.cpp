@@ -99,6 +99,7 @@ TEST_F(TraceEnvironment, VerboseModeReportsEverySave) {
   std::string bytes;
   const std::string shown = printed([&] {
     const auto writer = environment();
+    EXPECT_TRUE(writer->getSettings().usesCompression());
     const SizedEntry entry(*writer, 50, 'x');
     writer->add(entry.get());
     EXPECT_EQ(saved(), "");

@@ -96,6 +96,11 @@ const std::map<std::string, void (*)(VelClConsoleUI& ui)> kActions = {
     {"reqString", [](VelClConsoleUI& ui) { ui.reqArgString(param(), text); }},
     {"numbers", tellNumbers},
     {"int", [](VelClConsoleUI& ui) { ui.hasArgNumval(param(), integer); }},
+    {"reqShort",
+     [](VelClConsoleUI& ui) {
+       short value = 0;
+       ui.reqArgNumval(param(), value);
+     }},
     {"reqInt", [](VelClConsoleUI& ui) { ui.reqArgNumval(param(), integer); }},
     {"speak", speak},
     {"report", report},

@@ -1,5 +1,6 @@
 // Saves a file until it is killed, with values of one letter, then of the next. With a second argument it
 // saves once, through the editor if that is "edit", and exits with 0 on success.
+#include <cstdio>
 #include <string>
 
 #include "inifile/test/ini_saver.h"
@@ -19,6 +20,8 @@ void setAll(VelClIniFileSave& file, const std::string& value) {
 
 int main(int argc, char** argv) {
   if (argc < 2) return 1;
+  // The number 0 is free then, and valid for the files that are opened next.
+  std::fclose(stdin);
   if (argc > 2 && std::string(argv[2]) == "edit") {
     VelClIniFileEditor editor(argv[1]);
     const std::string value(1000, 'v');
