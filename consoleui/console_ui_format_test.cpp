@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <climits>
+#include <iostream>
 #include <map>
 #include <sstream>
 #include <string>
@@ -196,6 +197,17 @@ TEST(ConsoleUI, FallsBackToATableOfTheTools) {
   ui.setOutputStream(stream);
   ui.formatBool("", true);
   EXPECT_EQ(stream.str(), "  " + std::string(36, '.') + ": YES\n");
+}
+
+// Without a catalog the words for yes and no begin with the same letter.
+TEST(ConsoleUI, YesOrNoWithoutWordsGivesTheDefaultAtTheEndOfInput) {
+  const VelClConsoleUI ui(0, nullptr, VelClFilename("absent"), 0);
+  std::istringstream noInput;
+  std::streambuf* const keyboard = std::cin.rdbuf(noInput.rdbuf());
+  testing::internal::CaptureStdout();
+  for (const bool answer : {false, true}) EXPECT_EQ(ui.promptYesNo("Sure", answer), answer);
+  testing::internal::GetCapturedStdout();
+  std::cin.rdbuf(keyboard);
 }
 
 }  // namespace

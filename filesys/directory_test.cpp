@@ -50,7 +50,10 @@ TEST(RelativePath, IsExpandedWhereTheResultFits) {
   const std::string root = vel::test::backSlashed(fs::current_path().string()),
                     full = "\\\\s\\" + std::string(kLimit - 5, 'x');
   const std::pair<std::string, std::string> rows[] = {
-      {full, full + "\\"}, {full + "x", kFailed}, {"..\\", kFailed}, {"", root}, {"a\\", root + "a\\"}};
+      {full, full + "\\"},        {full + "x", kFailed},
+      {"..\\", kFailed},          {"", root},
+      {"a\\", root + "a\\"},      {"\\\\s\\h\\a\\..\\", "\\\\s\\h\\"},
+      {"\\\\s\\h\\..\\", kFailed}};
   for (const auto& [path, expected] : rows) EXPECT_EQ(expanded(path), expected) << path;
 }
 

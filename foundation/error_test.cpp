@@ -62,6 +62,8 @@ TEST(Exception, IsCaughtByItsBaseWithAllThatWasSet) {
     const auto& full = dynamic_cast<const VelClException&>(caught);
     EXPECT_EQ(full.getId(), static_cast<unsigned long>(FILE_COULD_NOT_RENAME));
     EXPECT_EQ(full.getSeverity(), VelEnErrorSeverity::FATAL);
+    EXPECT_TRUE(caught.isVelException());
+    EXPECT_TRUE(VelClException(full).isVelException());
   }
 }
 

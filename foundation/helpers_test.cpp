@@ -79,6 +79,13 @@ TEST(StringHelpers, FindsTheSameInLongTexts) {
     ASSERT_EQ(found == nullptr ? -1 : found - text.c_str(), offsetByTheRule(text, pattern))
         << pattern << " in " << text;
   }
+  // The second "a" of "aab" is consumed as a mismatch, also where the last block ends between the two. The
+  // match after the terminator is not part of the text.
+  for (std::size_t length = 600; length < 632; ++length)
+    for (const char* const end : {"aab", "a"}) {
+      const std::string text = std::string(length, 'x') + end + '\0' + "xab";
+      EXPECT_EQ(velStrFind(text.c_str(), "ab", true), nullptr) << end << " at " << length;
+    }
 }
 
 TEST(StringHelpers, CountsAndCopies) {
@@ -105,6 +112,12 @@ TEST(ByteOrder, SwapsWholeUnitsInPlace) {
                              velEndianConvertW16LittleToBig, velEndianConvertW16BigToHost})
       EXPECT_EQ(converted(swaps, count), swapped[count]) << count;
   }
+}
+
+TEST(LibraryIdentity, IsTheSameInEveryBuild) {
+  EXPECT_STREQ(velLibraryGetLevel(), "VELLibR5-24");
+  EXPECT_STREQ(velLibraryGetTod(), "Jan 14 2009");
+  EXPECT_TRUE(velLibraryIsShipCode());
 }
 
 TEST(Timing, SleepCountsWrapIn32Bits) {

@@ -34,6 +34,14 @@ std::string listTables(const Bytes& bytes) {
   return list;
 }
 
+/// Applies changes "offset=value" of 32 bits, hexadecimal, with blanks between them.
+void change(Bytes& file, const std::string& changes) {
+  const auto number = [](const std::string& digits) { return std::stoul(digits, nullptr, 16); };
+  std::istringstream words(changes);
+  for (std::string word; words >> word;)
+    file.put32(number(word), static_cast<std::uint32_t>(number(word.substr(word.find('=') + 1))));
+}
+
 std::string messageIn(const Bytes& bytes, std::uint32_t language, std::uint32_t id) {
   MessageTable table{};
   MessageResource::Entry entry{};
@@ -69,9 +77,8 @@ TEST(PortableExecutable, DamagedTreesAreLeftOut) {
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/damaged_trees.tsv")) {
     Bytes file = libraryFile({{1, {{0x409, tableSaying("a")}, {0x40A, tableSaying("b")}}}});
     file.resize(0x4000);  // so that only the section and the number of sections set the limits
-    file.put32(std::stoul(row[1], nullptr, 16),
-               static_cast<std::uint32_t>(std::stoul(row.at(2), nullptr, 16)));
-    EXPECT_EQ(listTables(file), row.at(3)) << row[0];
+    change(file, row[1]);
+    EXPECT_EQ(listTables(file), row.at(2)) << row[0];
   }
 }
 
@@ -93,10 +100,7 @@ TEST(PortableExecutable, IsALibraryOnlyAsALoaderTakesIt) {
   }
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/damaged_headers.tsv")) {
     Bytes file = libraryFile({{1, {{0x409, tableSaying("a")}}}});
-    std::istringstream changes(row.at(1));
-    for (std::string change; changes >> change;)
-      file.put32(std::stoul(change, nullptr, 16),
-                 static_cast<std::uint32_t>(std::stoul(change.substr(change.find('=') + 1), nullptr, 16)));
+    change(file, row[1]);
     EXPECT_EQ(PortableExecutable(file.data(), file.size()).isValid(), row.at(2) == "yes") << row[0];
   }
 }

@@ -10,6 +10,7 @@
 #include "platform/test/scratch_directory.h"
 #include "platform/test/table.h"
 #include "platform/test/variable.h"
+#include "platform/test/watched_memory.h"
 #include "vel_include/vel_process.h"
 
 namespace {
@@ -48,11 +49,26 @@ class Unlaunched : public VelClNewProcessABase {
  public:
   explicit Unlaunched(const char* program) : VelClNewProcessABase(VelClExeFile(program)) {}
   bool launch() override { return false; }
-  const char* line() {
+  char* line() { return getArgs(); }
+  const char* lineAtLaunch() {
     prepareLaunch();
-    return getArgs();
+    return line();
   }
 };
+
+TEST(CommandLine, GrowsByDoublingAndStaysTerminated) {
+  const vel::test::WatchedMemory memory;
+  Unlaunched process("absent");
+  std::string expected = "absent.EXE";
+  for (int count = 0; count < 500; ++count) {
+    process.addArgument("x");
+    EXPECT_EQ(process.line(), expected += " x");
+  }
+  EXPECT_LT(memory.allocations, 12);
+  // A derived class may have written over the terminator.
+  process.line()[expected.size()] = '!';
+  EXPECT_EQ(process.lineAtLaunch(), expected);
+}
 
 TEST(CommandLine, QuotesBlanksOnly) {
   Unlaunched process("absent");

@@ -51,6 +51,13 @@ TEST(BitArray, ComparesBytesAndNotSizes) {
   EXPECT_FALSE(fifteen == eight);
   eight.set(0);
   EXPECT_FALSE(eight == sixtyFour);
+  // A stream changes the number of bits, but not the memory: only bytes that both limits allow count.
+  for (const char bitCount : {'\x07', '\x7F'}) {
+    std::istringstream stream(form(bitCount, std::string(2, '\0')));
+    VelClBitArray read(15);
+    read.read(stream);
+    EXPECT_TRUE(read == VelClBitArray(bitCount == 7 ? 7 : 15)) << static_cast<int>(bitCount);
+  }
 }
 
 TEST(BitArray, CopiesBitsAndSize) {

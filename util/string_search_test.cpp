@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <string>
 #include <vector>
 
+#include "platform/test/guarded_memory.h"
 #include "vel_include/vel_util.h"
 
 namespace {
@@ -37,6 +39,16 @@ TEST(StringSearch, FindsTheFirstOccurrenceInLongTexts) {
       }
 }
 
+TEST(StringSearch, DoesNotReadBytesAfterTheGivenLength) {
+  const VelClStringSearch search("xxa", false);
+  const vel::test::GuardedMemory memory(100);
+  for (unsigned int length = 1; length <= 100; ++length) {
+    char* const text = memory.place(length, true);
+    std::memset(text, 'x', length);
+    EXPECT_EQ(search.getPattern(text, length), nullptr) << length;
+  }
+}
+
 // Every place is like a start: the search must not compare all of the pattern at each of them.
 TEST(StringSearch, FindsLongPatternsInTextsFullOfTheirEnds) {
   const std::string pattern = std::string(1000, 'a') + "b" + std::string(1000, 'a');
@@ -65,7 +77,7 @@ TEST(StringMatchWildcards, GivesTheWholeTextByItsCaseRule) {
     bool caseSensitive, matches;
   } rows[] = {{"*.ini", "TEST.INI", false, true}, {"\\*", "*", true, false}, {"x", "xy", true, false},
               {"*.ini", "TEST.INI", true, false}, {nullptr, "", true, true}, {"*?", "", true, false},
-              {"\xE9?", "\xE9\xE9", false, true}, {"[a]", "a", true, false}};
+              {"\xE9?", "\xE9\xE9", false, true}, {"[a]", "a", true, false}, {"\xE9", "\xC9", false, false}};
   for (const auto& row : rows) {
     EXPECT_EQ(row.matches ? row.text : nullptr,
               VelClStringMatchWildcards(row.pattern, row.caseSensitive).getPattern(row.text))

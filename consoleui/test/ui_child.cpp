@@ -78,6 +78,9 @@ void redirectErrors(VelClConsoleUI& ui) {
 
 /// The display asks the clock, whether a second has passed: nothing else can be waited for.
 void progress(VelClConsoleUI& ui, int delayMs) {
+  // The display starts anew, whatever was done before.
+  ui.progressStart(4, "Other work");
+  ui.progressStep(3);
   ui.progressStart(4, "Working");
   for (int step = 0; step < 4; ++step) {
     std::this_thread::sleep_for(std::chrono::milliseconds(delayMs));

@@ -7,7 +7,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <filesystem>
@@ -202,10 +201,10 @@ TEST(ProgressDisplay, AppearsOnlyOnATerminalAndOnlyAfterASecond) {
   Tool slow("ui_child", {}, true), quiet("ui_child", {"-quiet"}, true);
   drawn = slow.readThrough("%");
   EXPECT_GE(now() - before, kShownAfter);
+  EXPECT_THAT(drawn, Not(HasSubstr("100%")));
   drawn += slow.finish();
   EXPECT_THAT(drawn,
               EndsWith("\rWorking [##############################] 100%   0:00 left\r\nnext line\r\n"));
-  EXPECT_GE(std::count(drawn.begin(), drawn.end(), '%'), 2) << drawn;
   EXPECT_EQ(quiet.finish(), "next line\r\n");
   const auto toFile = vel::test::runChild("ui_child", {});
   EXPECT_EQ(toFile.errors, "next line\n");

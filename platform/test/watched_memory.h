@@ -29,13 +29,19 @@ class WatchedMemory {
   bool onlyOneFails = false;  ///< then those behind it do not
 
  private:
-  /// Blocks are aligned for any object, but seldom for more, and full of what nobody wrote.
+  /// The size of a block is before it, and one unwritten byte after it. Blocks are aligned for any object,
+  /// but seldom for more.
   static constexpr std::size_t kShift = 16;
+  static constexpr char kUnwritten = '\xAA';
 
   static void* allocate(std::size_t size) { return current_->newBlock(size); }
   static void release(void* block) {
     EXPECT_EQ(current_->live.erase(block), 1U) << "freed twice, or never allocated";
-    std::free(static_cast<char*>(block) - kShift);
+    char* const whole = static_cast<char*>(block) - kShift;
+    std::size_t size = 0;
+    std::memcpy(&size, whole, sizeof size);
+    EXPECT_EQ(whole[kShift + size], kUnwritten) << "written after the end";
+    std::free(whole);
   }
 
   void* newBlock(std::size_t size) {
@@ -43,9 +49,10 @@ class WatchedMemory {
     lastSize = size;
     const bool fails = failsFrom > 0 && (onlyOneFails ? number == failsFrom : number >= failsFrom);
     if (fails || size > std::size_t{1} << 40) return nullptr;
-    char* const block = static_cast<char*>(std::malloc(kShift + size + 1));
-    std::memset(block, 0xAA, kShift + size + 1);
-    return *live.insert(block + kShift).first;
+    char* const whole = static_cast<char*>(std::malloc(kShift + size + 1));
+    std::memset(whole, kUnwritten, kShift + size + 1);
+    std::memcpy(whole, &size, sizeof size);
+    return *live.insert(whole + kShift).first;
   }
 
   inline static WatchedMemory* current_ = nullptr;
