@@ -1,4 +1,4 @@
-// What fuzz targets share: the check that ends a run, and an input that is parsed from left to right.
+// Shared by fuzz targets: the check that ends a run, and an input that is parsed from left to right.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 
 namespace fuzz {
 
-/// Ends the run when a condition does not hold, and tells which.
+/// Ends the run if a condition does not hold, and prints which.
 inline void require(std::initializer_list<bool> conditions, const char* file = __builtin_FILE(),
                     int line = __builtin_LINE()) {
   const auto* const failed = std::ranges::find(conditions, false);
@@ -25,7 +25,7 @@ inline void require(bool condition, const char* file = __builtin_FILE(), int lin
   require({condition}, file, line);
 }
 
-/// NUL-terminated, in a block of exactly its size, so that a step out of it is seen.
+/// A NUL-terminated text in a block of exactly its size, so that sanitizers notice a read past it.
 struct Text : std::vector<char> {
   explicit Text(std::string_view text) : vector(text.size() + 1) {
     std::copy(text.begin(), text.end(), begin());
@@ -39,18 +39,18 @@ class Bytes {
   Bytes(const std::uint8_t* data, std::size_t size) : rest_(reinterpret_cast<const char*>(data), size) {}
 
   bool atEnd() const { return rest_.empty(); }
-  /// 0 at the end.
+  /// Consumes a byte; returns 0 at the end.
   std::uint8_t number() {
-    const std::string_view byte = take(std::min<std::size_t>(1, rest_.size()));
+    const std::string_view byte = consume(std::min<std::size_t>(1, rest_.size()));
     return byte.empty() ? std::uint8_t{0} : static_cast<std::uint8_t>(byte[0]);
   }
-  /// Up to the next zero, which is consumed.
+  /// Consumes a text and its NUL.
   Text text() {
-    const std::string_view text = take(std::min(rest_.find('\0'), rest_.size()));
+    const std::string_view text = consume(std::min(rest_.find('\0'), rest_.size()));
     number();
     return Text(text);
   }
-  /// The texts up to the end.
+  /// Consumes all texts up to the end.
   std::vector<Text> texts() {
     std::vector<Text> texts;
     while (!atEnd()) texts.push_back(text());
@@ -59,16 +59,16 @@ class Bytes {
   std::string_view rest() const { return rest_; }
 
  private:
-  std::string_view take(std::size_t size) {
-    const std::string_view taken = rest_.substr(0, size);
+  std::string_view consume(std::size_t size) {
+    const std::string_view bytes = rest_.substr(0, size);
     rest_.remove_prefix(size);
-    return taken;
+    return bytes;
   }
 
   std::string_view rest_;
 };
 
-/// Each target's own: one input.
+/// Runs the target on one input; each target defines it.
 void run(Bytes input);
 
 }  // namespace fuzz

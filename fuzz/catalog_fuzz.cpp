@@ -1,5 +1,5 @@
-// Reads any bytes as a library of messages, and as one table: in a block of their size by the readers, and
-// from a file by the classes.
+// Reads any bytes as a library of messages and as one message table: by the readers from a block of exactly
+// their size, and by the classes from a file.
 #include "fuzz/bytes.h"
 #include "fuzz/input_file.h"
 #include "messages/message_resource.h"
@@ -15,14 +15,14 @@ using vel::messages::PortableExecutable;
 
 volatile std::uint8_t touched = 0;
 
-/// How many entries there are.
+/// Reads all entries and returns their number.
 std::size_t readTable(const MessageResource& resource) {
   std::size_t count = 0;
   MessageResource::Cursor place;
   MessageResource::Entry entry{}, found{};
   for (; resource.next(place, entry); ++count) {
     for (std::size_t i = 0; i < entry.sizeInBytes; ++i) touched = entry.text[i];
-    // Where blocks overlap, the first one decides, which the walk may have left out.
+    // Where blocks overlap, the first one counts, which the walk may have skipped.
     if (count < 20 && resource.find(entry.id, found)) require(found.id == entry.id);
   }
   return count;
@@ -38,14 +38,6 @@ void readBlock(const std::vector<std::uint8_t>& bytes) {
       require({file.findMessageTable(table.language, chosen), chosen.language == table.language});
   }
   require(count <= 64 * bytes.size() / 4);
-}
-
-/// A file that can do without its end held nothing of importance there. (Which tables are found may differ: a
-/// damaged directory may use up the walk's limit before the file's end ends it.)
-void readBeginning(const std::vector<std::uint8_t>& bytes, std::size_t size) {
-  const std::vector<std::uint8_t> part(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size));
-  if (PortableExecutable(part.data(), part.size()).isValid())
-    require(PortableExecutable(bytes.data(), bytes.size()).isValid());
 }
 
 void readFile(const char* name, bool isLibrary) {
@@ -67,11 +59,8 @@ void readFile(const char* name, bool isLibrary) {
 void fuzz::run(fuzz::Bytes input) {
   static InputFile file("DLL");
   const std::vector<std::uint8_t> bytes(input.rest().begin(), input.rest().end());
-  const std::size_t size = bytes.size();
   readTable(MessageResource(bytes.data(), bytes.size()));
   readBlock(bytes);
-  for (const std::size_t end : {size - size / 4, size / 2, size - std::min<std::size_t>(size, 1)})
-    readBeginning(bytes, end);
   file.write(input.rest());
-  readFile(file.name(), PortableExecutable(bytes.data(), size).isValid());
+  readFile(file.name(), PortableExecutable(bytes.data(), bytes.size()).isValid());
 }

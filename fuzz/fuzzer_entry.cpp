@@ -1,4 +1,4 @@
-// Where the fuzzer enters a target.
+// The entry point that libFuzzer calls.
 #include "fuzz/bytes.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -1,4 +1,4 @@
-// The file that a fuzz target writes its inputs to.
+// A file that a fuzz target writes its inputs to.
 #pragma once
 
 #include <fstream>
@@ -19,7 +19,7 @@ class InputFile {
   }
 
   const char* name() const { return name_.getAsCString(); }
-  /// Stays open, which saves most of the time, and may be no file that the system itself loads.
+  /// Keeps the file open, which saves most of the time. Not for files that the system itself loads.
   void rewrite(std::string_view bytes) {
     if (bytes.size() != size_) {
       file_.close();

@@ -1,4 +1,4 @@
-// Reads any text as the name of a locale: its language's number, and the user's language by its tag.
+// Parses any text as a locale name, into the language number and the user's language.
 #include <cstdlib>
 #include <string>
 
@@ -19,8 +19,7 @@ char otherCase(char c) {
   return c == '-' ? '_' : c == '_' ? '-' : c;
 }
 
-/// Case, separator, code set and modifier do not matter; a territory changes no more than the number's upper
-/// part.
+/// Case, separator, code set and modifier must not matter; a territory must not change the primary language.
 void readNumber(const fuzz::Text& name) {
   const std::uint32_t number = languageIdOfLocaleName(name);
   require(number <= 0xFFFF);
@@ -34,8 +33,7 @@ void readNumber(const fuzz::Text& name) {
   require({(main == 0) == (number == 0), (main & kPrimaryLanguage) == (number & kPrimaryLanguage)});
 }
 
-/// Tags of up to fifteen characters count whose language has two or three; US English takes the place of
-/// others.
+/// The tag must have at most 15 characters, of which 2 or 3 are the language; otherwise US English is used.
 void readUser(const fuzz::Text& name) {
   setenv("LC_ALL", name, 1);
   const unsigned int user = VelClLanguage::getUserLanguage().asNumber();
@@ -48,7 +46,7 @@ void readUser(const fuzz::Text& name) {
 }  // namespace
 
 void fuzz::run(fuzz::Bytes input) {
-  // Only LC_ALL is to count.
+  // Leaves LC_ALL as the only variable.
   static const bool kOthersAreGone = unsetenv("LC_MESSAGES") == 0 && unsetenv("LANG") == 0;
   require(kOthersAreGone);
   const Text name = input.text();

@@ -1,5 +1,5 @@
-// Names of files and directories beside strings that are cut at 260 characters. The input is steps: an option
-// and two texts, each terminated.
+// Compares names of files and directories with strings that are cut at 260 characters. The input is a
+// sequence of steps: an option and two NUL-terminated texts.
 #include <cstring>
 #include <memory>
 #include <string>
@@ -17,7 +17,7 @@ std::string cut(const std::string& text, std::size_t limit = kLimit) {
   return text.substr(0, limit);
 }
 
-/// The length of server and share, which stand before the path proper.
+/// Returns the length of server and share, which precede the path proper.
 std::size_t serverLength(const std::string& text) {
   if (text.compare(0, 2, "\\\\") != 0) return 0;
   const std::size_t share = text.find('\\', 3);
@@ -84,7 +84,7 @@ void requireSplit(const VelClFilename& file) {
            !file.isStyleFAT_8_3() || parts.extension.size() <= 4});
 }
 
-/// Changes a part, and says what must have come of it.
+/// Changes a part of the name and returns the expected result.
 std::string change(VelClFilename& file, unsigned int kind, const char* text, const char* other) {
   const std::string before = file.getAsCString();
   const Parts parts = split(before);
@@ -129,7 +129,7 @@ void requireTextOf(const std::string& text) {
            !location.isRoot() || location.isAbsolute()});
 }
 
-/// "" where ".." leads too far, or the result is too long.
+/// Returns "" if ".." leads above the root, or the result is too long.
 std::string expanded(const std::string& path, const std::string& current) {
   const VelClPathProperty property(path.c_str());
   std::string root = path.substr(0, property.isUNC() ? serverLength(path) : property.hasDrive() ? 2 : 0);
@@ -152,7 +152,7 @@ std::string expanded(const std::string& path, const std::string& current) {
 
 void requireExpanded(const std::string& text, const std::string& current) {
   const std::unique_ptr<char[]> path(new char[kLimit + 1]);
-  // What is behind the name must not be taken for a part of it.
+  // Bytes after the NUL must not be read as part of the name.
   std::memset(path.get(), '\\', kLimit + 1);
   std::memcpy(path.get(), text.c_str(), text.size() + 1);
   const std::string expected = expanded(text, current);
@@ -168,7 +168,7 @@ void fuzz::run(fuzz::Bytes input) {
   VelClFilename file;
   while (!input.atEnd()) {
     const unsigned int option = input.number();
-    // The limit is far for a fuzzer: it is brought near.
+    // Long prefixes let the fuzzer reach the limit.
     const Text text(std::string((option & 8) != 0 ? 230 + (option >> 4) * 2 : 0, 'x') + input.text().data());
     const std::string expected = change(file, option & 7, text, input.text());
     require(expected == file.getAsCString());

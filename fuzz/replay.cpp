@@ -1,6 +1,6 @@
-// Runs a fuzz target in place of the fuzzer, always on the same inputs: on the files of a folder, on
-// beginnings of each, on each with single bytes changed, and on mixtures of their pieces. Its arguments are
-// the folder and how much work to do, in thousands of bytes: the same on every machine, however busy it is.
+// Runs a fuzz target without the fuzzer, always on the same inputs: the files of a folder, prefixes of each,
+// each with single bytes changed, and mixtures of their pieces. The arguments are the folder and the amount
+// of work in thousands of bytes, which does not depend on the machine.
 #include <csignal>
 #include <cstdio>
 #include <random>
@@ -18,7 +18,7 @@ extern "C" void showInput(int) {
   std::fputs(" is an input that fails\n", stderr);
 }
 
-/// What an input costs in bytes: a run without any also takes its time.
+/// The cost of an input in bytes, with a constant for the run itself.
 constexpr std::int64_t costOf(std::size_t size) {
   return static_cast<std::int64_t>(size) + 200;
 }
@@ -33,8 +33,8 @@ std::int64_t run(const std::string& bytes) {
 
 constexpr int kChanges[] = {1, 2, 4, 8, 16, 32, 64, 128, 127, 255};
 
-/// Of how many damaged files one is enough for this work. An odd number that 5 does not divide chooses other
-/// changes at each byte.
+/// Returns n such that every n-th damaged file uses up this work. n is odd and not a multiple of 5, so that
+/// the changes differ from byte to byte.
 std::size_t shareFor(std::size_t size, std::int64_t work) {
   const auto length = static_cast<std::int64_t>(size);
   const std::int64_t all = length * (costOf(size / 2) + std::ssize(kChanges) * costOf(size));
@@ -56,7 +56,7 @@ void runDamaged(std::string seed, std::size_t share) {
     }
 }
 
-/// A file in which pieces of all files take each other's place.
+/// Returns a seed in which pieces are replaced by pieces of other seeds.
 std::string mixture(const std::vector<std::string>& seeds, std::mt19937& random) {
   const auto below = [&random](std::size_t limit) { return random() % (limit + 1); };
   const auto oneOf = [&]() -> const std::string& { return seeds[random() % seeds.size()]; };
@@ -80,7 +80,7 @@ int main(int argc, char** argv) {
   std::vector<std::string> seeds;
   for (const auto& entry : std::filesystem::directory_iterator(argv[1]))
     seeds.push_back(vel::test::readFile(entry.path().string()));
-  // Folders are listed in any order.
+  // The order of a directory listing is unspecified.
   std::ranges::sort(seeds);
   const std::int64_t workPerSeed = work / 2 / std::max<std::int64_t>(std::ssize(seeds), 1);
   for (const std::string& seed : seeds) {

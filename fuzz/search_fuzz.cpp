@@ -1,5 +1,5 @@
-// Wildcards and searches beside the plainest way to do either. The input is a byte of options, a pattern,
-// terminated, and a text.
+// Compares wildcards and searches with simple references. The input is a byte of options, a NUL-terminated
+// pattern, and a text.
 #include <algorithm>
 #include <cctype>
 #include <cstring>
@@ -17,7 +17,7 @@ bool equal(char a, char b, bool ignoreCase) {
   return ignoreCase ? folded(a) == folded(b) : a == b;
 }
 
-/// Which beginnings of the text the pattern matches, one byte of the pattern after the other.
+/// Computes, for each byte of the pattern, which prefixes of the text the pattern so far matches.
 bool matches(std::string_view pattern, std::string_view text, bool caseSensitive) {
   std::vector<bool> row(text.size() + 1), next(text.size() + 1);
   row[0] = true;
@@ -46,7 +46,7 @@ void requireFound(const char* pattern, std::string_view text, bool ignoreCase) {
 void fuzz::run(fuzz::Bytes input) {
   const bool option = (input.number() & 1) != 0;
   const Text pattern = input.text();
-  // Zeros are bytes like all others where the length is told.
+  // With a given length a NUL is an ordinary byte.
   requireFound(pattern, input.rest(), option);
   const Text text = input.text();
   require(VelClStringSearch(pattern, false).getPattern(text) == std::strstr(text, pattern));

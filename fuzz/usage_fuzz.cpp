@@ -1,5 +1,5 @@
-// Any command line under any usage string: what the cursors say of it agrees, and every walk ends. The input
-// is a byte of options, the usage string, and the arguments, each terminated.
+// Walks over any command line with any usage string: the cursors must agree and every walk must end. The
+// input is a byte of options, the usage string, and the arguments, each with a NUL.
 #include <algorithm>
 #include <sstream>
 
@@ -25,7 +25,7 @@ bool isKnown(const Text& usage, const char* argument) {
   return known;
 }
 
-/// The arguments that belong to no switch.
+/// Checks the properties of all arguments and returns those that belong to no switch.
 std::vector<const char*> judge(VelClArgvCheckCursor cursor, const Text& usage) {
   std::vector<const char*> free;
   bool isBound = false;
@@ -72,7 +72,7 @@ void fuzz::run(fuzz::Bytes input) {
   const unsigned int options = input.number();
   const Text usage = input.text();
   const std::vector<Text> words = input.texts();
-  // Text by text and never the vector's own end, which is null on a real command line.
+  // There is no null after the arguments, so that sanitizers notice a read past the last one.
   const std::vector<const char*> arguments(words.begin(), words.end());
   const int count = static_cast<int>(arguments.size());
   const char* const* const argv = arguments.data();
