@@ -1,4 +1,5 @@
-// The library's memory in a test: what is live, what was asked for, and when there is no more.
+// A memory manager for tests: it tracks live blocks, notices writes past their ends, and can run out of
+// memory.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,7 +12,7 @@
 
 namespace vel::test {
 
-/// The library allocates here until the end of this object, of which there is one at a time.
+/// The library allocates from this object until its end. Only one may exist at a time.
 class WatchedMemory {
  public:
   WatchedMemory() {
@@ -23,10 +24,10 @@ class WatchedMemory {
   ~WatchedMemory() { velSetNewMemoryManager(std::malloc, nullptr, std::free); }
 
   std::set<void*> live;
-  int allocations = 0;        ///< asked for so far
+  int allocations = 0;        ///< the number so far
   std::size_t lastSize = 0;   ///< of the last one
   int failsFrom = 0;          ///< the number of the first allocation that fails, 0 for none
-  bool onlyOneFails = false;  ///< then those behind it do not
+  bool onlyOneFails = false;  ///< later allocations succeed
 
  private:
   /// The size of a block is before it, and one unwritten byte after it. Blocks are aligned for any object,
