@@ -1,3 +1,4 @@
+// Tests parsing decimal numbers.
 #include "base/ascii.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// The cursors over a command line.
+// Tests the cursors over a command line.
 #include <gmock/gmock.h>
 
 #include <array>
@@ -13,7 +13,7 @@ namespace {
 
 using vel::test::readTable;
 
-/// A command line from one text; program "tool".
+/// The command line of "tool", with the words of one text as its arguments.
 class CommandLine {
  public:
   explicit CommandLine(const std::string& text, const char* program = "tool") : words_{program} {
@@ -31,7 +31,7 @@ class CommandLine {
   std::vector<const char*> pointers_;
 };
 
-TEST(ArgvCursor, WalksBothWaysAndNeverVisitsTheProgram) {
+TEST(ArgvCursor, VisitsTheArgumentsInBothDirections) {
   for (const char* text : {"", "a ", "-a b -5 - -- "}) {
     const CommandLine line(text);
     VelClArgvCursor cursor(line.count(), line.arguments());
@@ -47,17 +47,17 @@ TEST(ArgvCursor, WalksBothWaysAndNeverVisitsTheProgram) {
   }
 }
 
-TEST(ArgvCursor, AnswersOutsideOfTheLine) {
+TEST(ArgvCursor, IsInvalidBeforeAndAfterTheArguments) {
   const CommandLine line("-a b"), none("");
-  VelClArgvCheckCursor behind(line.count(), line.arguments(), "(-a <b>) <c>"), before(behind);
+  VelClArgvCheckCursor after(line.count(), line.arguments(), "(-a <b>) <c>"), before(after);
   for (int i = 0; i < 5; ++i) {
-    EXPECT_EQ(behind.setToNext(), i == 0);
+    EXPECT_EQ(after.setToNext(), i == 0);
     EXPECT_FALSE(before.setToPrevious());
   }
   const VelClArgvCheckCursor empty(none.count(), none.arguments(), "<a>");
   const VelClArgvCheckCursor nothing(0, nullptr, nullptr), negative(-1, none.arguments(), nullptr);
   EXPECT_STREQ(nothing.getArgv0(), "");
-  for (const VelClArgvCheckCursor& cursor : {behind, before, empty, nothing, negative}) {
+  for (const VelClArgvCheckCursor& cursor : {after, before, empty, nothing, negative}) {
     EXPECT_STREQ(cursor.getAsCString(), "");
     EXPECT_THAT((std::array{cursor.isValid(), cursor.isSwitch(), cursor.isArg(), cursor.matches(""),
                             cursor.matches("a"), cursor.isLegal(), cursor.reqArg(), cursor.hasArg(),
@@ -66,7 +66,7 @@ TEST(ArgvCursor, AnswersOutsideOfTheLine) {
   }
 }
 
-/// The validity after each step: n to the next, p to the previous, l to the last, f to the first.
+/// Returns the validity after each step: n to the next, p to the previous, l to the last, f to the first.
 std::string validityAfter(VelClArgvCursor& cursor, const std::string& steps) {
   std::string validity;
   for (const char step : steps) {
@@ -80,11 +80,10 @@ std::string validityAfter(VelClArgvCursor& cursor, const std::string& steps) {
   return validity;
 }
 
-TEST(ArgvCursor, CountsStepsBeyondTheEnds) {
-  struct Row {
+TEST(ArgvCursor, CountsStepsPastTheEnds) {
+  const struct {
     const char *line, *steps, *all, *free;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"x", "ppnn", "---+", "---+"},
       {"x", "nnpp", "---+", "---+"},
       {"x y", "fnnnpppnl", "++---++++", "++---++++"},
@@ -93,7 +92,7 @@ TEST(ArgvCursor, CountsStepsBeyondTheEnds) {
       {"-s x", "fnnpppn", "++-++-+", "+---+-+"},
       {"-s x -s", "lnnpp", "+---+", "+---+"},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     const CommandLine line(row.line);
     VelClArgvCursor plain(line.count(), line.arguments());
     VelClArgvCheckCursor checking(line.count(), line.arguments(), "[-s] <a>");
@@ -110,7 +109,7 @@ TEST(ArgvCursor, FindsSwitchesByTheirWholeName) {
     const char* const name = row[1].c_str();
     const bool isThere = row.at(2) != "(none)";
     VelClArgvCursor cursor(line.count(), line.arguments());
-    cursor.setToLast();  // where it stood before does not matter
+    cursor.setToLast();  // the search begins at the first argument
     EXPECT_EQ(cursor.positionTo(name), isThere) << row[0] << " for " << name;
     EXPECT_EQ(cursor.isValid(), isThere) << row[0] << " for " << name;
     EXPECT_EQ(cursor.matches(name), isThere) << row[0] << " for " << name;
@@ -119,9 +118,9 @@ TEST(ArgvCursor, FindsSwitchesByTheirWholeName) {
   }
 }
 
-/// What the check cursor says of each argument: s switch, l legal, r takes a value, h has one, b bound,
-/// f free, t tagged.
-std::string questionsAnswered(const CommandLine& line, const char* usage) {
+/// Returns the properties of each argument: s switch, l legal, r requires a value, h has one, b bound, f
+/// free, t tagged.
+std::string propertiesOf(const CommandLine& line, const char* usage) {
   std::string answers;
   VelClArgvCheckCursor cursor(line.count(), line.arguments(), usage);
   for (bool more = cursor.setToFirst(); more; more = cursor.setToNext()) {
@@ -138,13 +137,13 @@ std::string questionsAnswered(const CommandLine& line, const char* usage) {
   return answers;
 }
 
-TEST(ArgvCheckCursor, JudgesArgumentsByTheUsage) {
+TEST(ArgvCheckCursor, ClassifiesArgumentsByTheUsage) {
   for (const auto& row : readTable(VEL_TEST_DATA "test/arguments.tsv")) {
-    const CommandLine line(row.at(1), "-key");  // the program's name binds nothing
-    EXPECT_EQ(questionsAnswered(line, vel::test::unescaped(row[0]).c_str()), row.at(2))
+    const CommandLine line(row.at(1), "-key");  // the program's name is no switch
+    EXPECT_EQ(propertiesOf(line, vel::test::unescaped(row[0]).c_str()), row.at(2))
         << row[1] << " under " << row[0];
   }
-  EXPECT_EQ(questionsAnswered(CommandLine("x -x"), nullptr), "f s");
+  EXPECT_EQ(propertiesOf(CommandLine("x -x"), nullptr), "f s");
 }
 
 }  // namespace

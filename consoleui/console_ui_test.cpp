@@ -1,5 +1,4 @@
-// A tool's dialogue with its user, seen from outside: ui_child runs, and its bytes and exit code are
-// compared.
+// Runs tools and compares their output and exit codes with session files.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -16,13 +15,12 @@ TEST(ConsoleUI, FollowsTheSession) {
   vel::test::expectSession(VEL_TEST_DATA "test/console_ui.session");
 }
 
-// Whole dialogues with redirected input: prompt_child asks. A terminal is platform/posix/console_test.cpp's
-// matter.
+// Standard input is redirected. platform/posix/console_test.cpp tests prompts on a terminal.
 TEST(Prompts, FollowTheSession) {
   vel::test::expectSession(VEL_TEST_DATA "test/prompts.session");
 }
 
-/// Copies ui_child and the libraries beside it, but no catalog (those end in capitals), and returns the copy.
+/// Copies ui_child and its libraries, but no catalog (those end in ".DLL"), and returns the path of the copy.
 std::string copyToolTo(const vel::test::ScratchDirectory& directory) {
   const std::filesystem::path own(vel::test::ownProgram());
   const std::string program = "ui_child" + own.extension().string();
@@ -34,10 +32,10 @@ std::string copyToolTo(const vel::test::ScratchDirectory& directory) {
   return directory.path(program);
 }
 
-TEST(ConsoleUI, SpeaksFromTheBuiltInTableWithoutTheLibrarysCatalog) {
+TEST(ConsoleUI, UsesTheBuiltInTableWithoutTheLibrarysCatalog) {
   const vel::test::ScratchDirectory directory;
   const std::string program = copyToolTo(directory);
-  // The second has a meaning on POSIX only: on Windows libraries are found beside the program anyway.
+  // LD_LIBRARY_PATH is for POSIX; Windows searches the directory of the program anyway.
   vel::test::Variables variables = {{"UI_DIRECTORY", directory.path()},
                                     {"LD_LIBRARY_PATH", directory.path()}};
   variables.emplace_back("UI_ACTION", "source");

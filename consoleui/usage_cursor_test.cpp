@@ -1,4 +1,4 @@
-// Usage strings, element by element.
+// Tests walks over the elements of usage strings.
 #include <gtest/gtest.h>
 
 #include <cctype>
@@ -12,10 +12,10 @@ namespace {
 
 using vel::test::readTable;
 
-/// An element's first characters and its answers: s switch, a argument, f free, t tagged, e ellipsis,
-/// r takes a value, l takes a list.
+/// Returns the first characters of an element and its properties: s switch, a argument, f free, t tagged,
+/// e ellipsis, r requires a value, l requires a list.
 std::string describe(const VelClUsageCursor& cursor, const char* usage) {
-  // It stands where it matches all that follows.
+  // The cursor is at the first position whose text it matches.
   std::size_t start = 0;
   while (usage[start] != '\0' && !cursor.matches(usage + start)) ++start;
   std::size_t end = start + 1;
@@ -47,12 +47,12 @@ std::string walkOver(const char* usage) {
   return walkOn(cursor, usage);
 }
 
-TEST(UsageCursor, WalksFromElementToElement) {
+TEST(UsageCursor, VisitsEveryElement) {
   for (const auto& row : readTable(VEL_TEST_DATA "test/usage_walks.tsv"))
     EXPECT_EQ(walkOver(vel::test::unescaped(row.at(0)).c_str()), row.at(1)) << row.at(0);
 }
 
-TEST(UsageCursor, KeepsDepthsAndMarksForASecondWalk) {
+TEST(UsageCursor, KeepsBracketDepthAndTagForASecondWalk) {
   const char* const rows[][2] = {
       {"<a> (<b>", "<a:a <b:a"}, {"<a> !<b>", "<a:aft <b:aft"}, {"(-a <b>) <c>", "-a:sr <b:a <c:af"}};
   for (const auto& [usage, elements] : rows) {
@@ -62,7 +62,7 @@ TEST(UsageCursor, KeepsDepthsAndMarksForASecondWalk) {
   }
 }
 
-TEST(UsageCursor, ComparesNamesUpToADelimiter) {
+TEST(UsageCursor, MatchesWholeNames) {
   for (int c = 1; c < 256; ++c) {
     const std::string usage = std::string("-ab") + static_cast<char>(c) + "x";
     VelClUsageCursor cursor(usage.c_str());
@@ -79,7 +79,7 @@ TEST(UsageCursor, ComparesNamesUpToADelimiter) {
   }
 }
 
-TEST(UsageCursor, KnowsSwitchesAndDisplayedCharacters) {
+TEST(UsageCursor, RecognizesSwitchesAndDisplayedCharacters) {
   for (const char* text : {"-a", "-", "--", "-x5", "-.", "-\xB2"})
     EXPECT_TRUE(VelClUsageCursor::isSwitchIndicator(text)) << text;
   for (const char* text : {"-0", "-9x", "", "a", "/a", "5"})

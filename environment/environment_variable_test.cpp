@@ -1,3 +1,4 @@
+// Tests environment variables, their enabled values, and the limits of names and values.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -10,7 +11,7 @@ namespace {
 
 constexpr const char* kName = "VEL_TEST_VARIABLE";
 
-TEST(EnvironmentVariable, EnabledValues) {
+TEST(EnvironmentVariable, IsEnabledByTheDocumentedValues) {
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/enabled_values.tsv")) {
     VelClEnvironmentVariable variable(kName, row.at(1).c_str());
     EXPECT_EQ(variable.hasValueEnabled(), row[0] == "yes") << '"' << row[1] << '"';
@@ -32,7 +33,7 @@ TEST(EnvironmentVariable, ChangesTheRuntimesEnvironment) {
   EXPECT_FALSE(query.hasValueEnabled());
   EXPECT_TRUE(variable.appendValue("e"));
   EXPECT_STREQ(VelClEnvironmentVariableQueryOnly(variable).getValue(), "e");
-  // Null and the empty text remove, also when there is nothing to remove.
+  // Null and the empty text remove the variable; removing it twice is no error.
   for (const char* value : {static_cast<const char*>(nullptr), "", ""}) {
     EXPECT_TRUE(variable.setNewValue(value));
     EXPECT_FALSE(variable.hasValue());
@@ -40,14 +41,14 @@ TEST(EnvironmentVariable, ChangesTheRuntimesEnvironment) {
   }
 }
 
-TEST(EnvironmentVariable, LongValuesAreWholeOrRefused) {
+TEST(EnvironmentVariable, LongValuesAreStoredInFullOrRefused) {
   const std::string longest(32766, 'q');
   VelClEnvironmentVariable variable(kName, std::string(300, 'x').c_str());
   EXPECT_TRUE(variable.appendValue(std::string(2700, 'y').c_str()));
   EXPECT_TRUE(variable.appendValue(variable.getValue()));
   const std::string once = std::string(300, 'x') + std::string(2700, 'y');
   EXPECT_EQ(variable.getValue(), once + once);
-  // Beyond the longest systems differ; what matters is that nothing is lost.
+  // Systems differ in whether they accept a longer value; a refused one must not change the variable.
   const bool accepted = variable.setNewValue((longest + "q").c_str());
   EXPECT_EQ(variable.getValue(), accepted ? longest + "q" : once + once);
   EXPECT_TRUE(variable.setNewValue(longest.c_str()));
@@ -55,7 +56,7 @@ TEST(EnvironmentVariable, LongValuesAreWholeOrRefused) {
   variable.resetValue();
 }
 
-TEST(EnvironmentVariable, NamesAreThoseThatTheEnvironmentCanHold) {
+TEST(EnvironmentVariable, InvalidNamesAreRefusedAndLongOnesCut) {
   for (const char* name : {"", "=", "VEL_TEST=X", static_cast<const char*>(nullptr)}) {
     VelClEnvironmentVariable variable(name, "1");
     for (const char* value : {"1", static_cast<const char*>(nullptr)})
@@ -69,7 +70,7 @@ TEST(EnvironmentVariable, NamesAreThoseThatTheEnvironmentCanHold) {
   EXPECT_EQ(variable.getName(), name);
   EXPECT_STREQ(std::getenv(name.c_str()), "1");
   variable.resetValue();
-  // Not the beginning of another one.
+  // A name and the start of a value must not be mistaken for a name.
   const VelClEnvironmentVariable other(kName, "q=r");
   EXPECT_EQ(VelClEnvironmentVariableQueryOnly((std::string(kName) + "=q").c_str()).getValue(), nullptr);
 }

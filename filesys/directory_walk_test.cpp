@@ -1,4 +1,5 @@
-// Walks over real directories: every entry once, with its attributes and the rules for names with dots.
+// Tests walks over real directories: each entry is visited once, with its attributes and by the rules for
+// names with dots.
 #include <gmock/gmock.h>
 
 #include <array>
@@ -14,8 +15,8 @@ namespace fs = std::filesystem;
 
 using DirectoryWalkTest = vel::test::DirectoryFixture;
 
-TEST_F(DirectoryWalkTest, TellsWhatEntriesAre) {
-  // Directory, current, parent, sub-directory, read-only.
+TEST_F(DirectoryWalkTest, ClassifiesEntries) {
+  // The flags are directory, current, parent, sub-directory and read-only.
   const std::map<std::string, std::string> expected = {
       {".", "dc"},    {"..", "dp"}, {"..x", "dp"},  {".cache", "d"}, {"a.b", "d"},
       {"ab.c", "ds"}, {"d", "ds"},  {"..file", ""}, {"file", ""},    {"only", "r"}};
@@ -48,13 +49,14 @@ TEST_F(DirectoryWalkTest, TellsWhatEntriesAre) {
   EXPECT_EQ(0U, walk.getLastError().errorId);
 }
 
-TEST_F(DirectoryWalkTest, FailsForWhatIsNoDirectory) {
+TEST_F(DirectoryWalkTest, FailsForMissingDirectoriesAndFiles) {
   const std::string missing = scratch_.path("missing"), file = scratch_.write("file", "text");
   for (const std::string& name : {missing, file, missing + "/" + std::string(300, 'x')}) {
     VelClDirectoryWalk walk(VelClLocation(name.c_str(), false));
     EXPECT_FALSE(walk.isValid());
     EXPECT_FALSE(walk.setToNext());
-    EXPECT_EQ(vel::test::Left(DIRWALK_COULD_NOT_INIT, VelEnErrorClass::IO_PROBLEM), vel::test::left(walk))
+    EXPECT_EQ(vel::test::LastError(DIRWALK_COULD_NOT_INIT, VelEnErrorClass::IO_PROBLEM),
+              vel::test::lastError(walk))
         << name;
   }
 }
@@ -78,7 +80,7 @@ TEST_F(DirectoryWalkTest, ListsEveryEntryOfALargeDirectoryOnce) {
   std::multiset<std::string> expected = {".", ".."}, names;
   for (int i = 0; i < 2000; ++i) std::ofstream(scratch_.path(*expected.insert("entry" + std::to_string(i))));
   const vel::test::CurrentDirectory in(scratch_.path());
-  // The current directory, for an empty name.
+  // An empty name is the current directory.
   for (VelClDirectoryWalk walk(VelClLocation("", false)); walk.isValid(); walk.setToNext())
     names.insert(walk.getNameWithPath());
   EXPECT_EQ(expected, names);

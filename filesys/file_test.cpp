@@ -1,4 +1,4 @@
-// Operations on real files, by back-slash names on every system, and the last error of each; and the
+// Tests operations on real files by backslash names on every system, the last error of each, and the
 // translation mode of descriptors.
 #include <gmock/gmock.h>
 
@@ -14,9 +14,9 @@ namespace {
 
 namespace fs = std::filesystem;
 using enum VelEnErrorClass;
-using vel::test::kNone;
-using vel::test::Left;
-using vel::test::left;
+using vel::test::kNoError;
+using vel::test::LastError;
+using vel::test::lastError;
 using vel::test::outcome;
 using vel::test::readFile;
 
@@ -30,7 +30,7 @@ class FileTest : public vel::test::DirectoryFixture {
   std::string contents(const char* entry) const { return readFile(scratch_.path(entry)); }
 };
 
-TEST(File, TakesADefaultType) {
+TEST(File, GetsTheDefaultTypeIfItHasNone) {
   EXPECT_STREQ("readme.txt", VelClFile(VelClFilename("readme"), "txt"));
   EXPECT_STREQ("a.DLL", VelClFile(VelClFilename("a"), ".DLL"));
   EXPECT_STREQ("cfg", VelClFile(VelClFilename("a.cfg"), "txt").getFileType());
@@ -42,7 +42,7 @@ auto propertiesOf(const VelClFile& file) {
                     static_cast<int>(file.getFileSize()));
 }
 
-TEST_F(FileTest, AnswersForFilesThereAndMissing) {
+TEST_F(FileTest, HasPropertiesWhetherItExistsOrNot) {
   const VelClFile there = fileWith("there", "12345");
   for (const VelClFile& missing :
        {file("missing"), file("missing\\x"), VelClFile(VelClFilename(""), nullptr)}) {
@@ -59,10 +59,10 @@ TEST_F(FileTest, AnswersForFilesThereAndMissing) {
   EXPECT_NEAR(now - 3'600'000, static_cast<double>(there.getDateTimeOfLastModification()), 60);
 }
 
-TEST_F(FileTest, CopiesWholeContentsWithOrWithoutAttributes) {
+TEST_F(FileTest, IsCopiedWithItsContentsAndOptionallyItsAttributes) {
   std::string large;
   for (int line = 0; line < 30000; ++line) large += std::to_string(line) + '\n';
-  // New target, longer target before, shorter one before.
+  // The target is new, was longer, or was shorter.
   for (const std::string& bytes : {large, std::string("short\r\n\0\x1A.", 10), std::string(), large}) {
     scratch_.write("source.x", bytes);
     EXPECT_TRUE(file("source.x").copyTo(name("target"), true));
@@ -71,7 +71,7 @@ TEST_F(FileTest, CopiesWholeContentsWithOrWithoutAttributes) {
   VelClFile source = file("source.x");
   source.setReadOnly(true);
   for (const bool withAttributes : {true, false}) {
-    EXPECT_EQ(outcome(source.copyTo(name("copy"), withAttributes), source), kNone);
+    EXPECT_EQ(outcome(source.copyTo(name("copy"), withAttributes), source), kNoError);
     EXPECT_EQ(withAttributes, file("copy").isReadOnly());
     EXPECT_TRUE(file("copy").remove());
   }
@@ -81,7 +81,7 @@ TEST_F(FileTest, CopiesWholeContentsWithOrWithoutAttributes) {
   EXPECT_EQ(large, contents("sub/source.x"));
 }
 
-TEST_F(FileTest, FailedCopiesLeaveAllAsItWas) {
+TEST_F(FileTest, FailedCopiesChangeNoFile) {
   fileWith("readOnly", "kept").setReadOnly(true);
   scratch_.write("source", "kept");
   fs::create_hard_link(scratch_.path("source"), scratch_.path("link"));
@@ -91,39 +91,40 @@ TEST_F(FileTest, FailedCopiesLeaveAllAsItWas) {
                                  {"sub", "new"},          {"missing", "new"},      {"", "new"}};
   for (const auto& [from, to] : rows) {
     VelClFile source = file(from);
-    EXPECT_EQ(outcome(source.copyTo(name(to), false), source), Left(FILE_COULD_NOT_COPY, IO_PROBLEM)) << to;
+    EXPECT_EQ(outcome(source.copyTo(name(to), false), source), LastError(FILE_COULD_NOT_COPY, IO_PROBLEM))
+        << to;
   }
   VelClFile source = file("source");
   EXPECT_EQ(outcome(source.copyTo(name("SOURCE"), false), source),
-            Left(FILE_COULD_NOT_COPY_SELF, INCONSISTENT_SITUATION));
+            LastError(FILE_COULD_NOT_COPY_SELF, INCONSISTENT_SITUATION));
   EXPECT_EQ("keptkept", contents("source") + contents("readOnly"));
   EXPECT_FALSE(file("new").isExistent());
   EXPECT_TRUE(fs::is_empty(scratch_.path("sub")));
 }
 
-TEST_F(FileTest, RemovesReadOnlyFilesButNoDirectory) {
+TEST_F(FileTest, IsRemovedEvenIfReadOnlyUnlessItIsADirectory) {
   VelClFile gone = fileWith("gone", "text"), notAFile(VelClFilename(scratch_.path().c_str()), nullptr);
   gone.setReadOnly(true);
   EXPECT_TRUE(gone.remove());
   EXPECT_FALSE(gone.isExistent());
-  EXPECT_EQ(kNone, left(gone));
-  EXPECT_EQ(outcome(gone.remove(), gone), Left(FILE_COULD_NOT_REMOVE, IO_NOT_EXISTENT));
-  EXPECT_EQ(outcome(notAFile.remove(), notAFile), Left(FILE_COULD_NOT_REMOVE, IO_PERMISSION_DENIED));
+  EXPECT_EQ(kNoError, lastError(gone));
+  EXPECT_EQ(outcome(gone.remove(), gone), LastError(FILE_COULD_NOT_REMOVE, IO_NOT_EXISTENT));
+  EXPECT_EQ(outcome(notAFile.remove(), notAFile), LastError(FILE_COULD_NOT_REMOVE, IO_PERMISSION_DENIED));
   EXPECT_TRUE(notAFile.isExistent());
 }
 
-TEST_F(FileTest, RenamesButNeverOntoAnExistingEntry) {
+TEST_F(FileTest, IsNeverRenamedToAnExistingEntry) {
   VelClFile renamed = fileWith("old", "old text"), missing = file("missing");
   scratch_.write("taken", "taken text");
   fs::create_directory(scratch_.path("empty"));
   for (const char* taken : {"taken", "old", "empty"}) {
     EXPECT_EQ(outcome(renamed.renameAs(name(taken)), renamed),
-              Left(FILE_COULD_NOT_RENAME, IO_ALREADY_IN_USE));
+              LastError(FILE_COULD_NOT_RENAME, IO_ALREADY_IN_USE));
   }
   EXPECT_EQ(outcome(missing.renameAs(name("other")), missing),
-            Left(FILE_COULD_NOT_RENAME, IO_PERMISSION_DENIED));
+            LastError(FILE_COULD_NOT_RENAME, IO_PERMISSION_DENIED));
   for (const char* free : {"new", "NEW"}) {
-    EXPECT_EQ(outcome(renamed.renameAs(name(free)), renamed), kNone);
+    EXPECT_EQ(outcome(renamed.renameAs(name(free)), renamed), kNoError);
     EXPECT_STREQ(free, renamed.getFilename().getName());
     EXPECT_EQ("taken textold text", contents("taken") + contents(free));
   }
@@ -135,27 +136,27 @@ class Searcher : public VelClFile {
   using VelClFile::determineFileInEnvVarPath;
 };
 
-TEST_F(FileTest, IsFoundAlongAVariable) {
+TEST_F(FileTest, IsFoundAlongTheDirectoriesOfAVariable) {
   const vel::test::ScratchDirectory first;
   scratch_.write("wanted.x", "");
-  // Cut to the limit, it would name a directory that exists.
+  // A name that was cut to the limit would be that of an existing directory.
   std::string tooLong = first.path();
   while (tooLong.size() < 300) tooLong += "\\.";
   VelClEnvironmentVariable path("VEL_TEST_PATH", (";;" + tooLong + ";" + first.path()).c_str());
   VelClFilename wanted("sub\\wanted.x");
   EXPECT_FALSE(Searcher().determineFileInEnvVarPath(wanted, "VEL_TEST_UNSET"));
   EXPECT_FALSE(Searcher().determineFileInEnvVarPath(wanted, path.getName()));
-  // It stays in the last directory tried.
+  // The name keeps the last directory tried.
   EXPECT_EQ(VelClFilename(VelClLocation(first.path().c_str(), false), "wanted.x", nullptr), wanted);
   path.appendValue((";" + scratch_.path() + ";").c_str());
   EXPECT_TRUE(Searcher().determineFileInEnvVarPath(wanted, path.getName()));
   EXPECT_TRUE(wanted.isExistent());
-  // An existing file is taken as it is.
+  // An existing file keeps its name.
   EXPECT_TRUE(Searcher().determineFileInEnvVarPath(wanted, "VEL_TEST_UNSET"));
   path.resetValue();
 }
 
-TEST(TmpDirectory, IsTmpThenTempThenTheSystems) {
+TEST(TmpDirectory, IsTmpThenTempThenTheDirectoryOfTheSystem) {
   const vel::test::Variable tmp("TMP", "one"), temp("TEMP", "two");
   EXPECT_STREQ("one", velGetTmpDirectory());
   tmp.set(nullptr);
@@ -164,7 +165,7 @@ TEST(TmpDirectory, IsTmpThenTempThenTheSystems) {
   EXPECT_TRUE(VelClLocation(velGetTmpDirectory(), false).isExistent());
 }
 
-TEST(OpenMode, AsksWithoutLeavingAnotherMode) {
+TEST(OpenMode, QueriesDoNotChangeTheMode) {
   for (const bool binary : {false, true}) {
     ASSERT_TRUE(velFileSetBinaryMode(0, binary));
     const bool isBinary = velFileIsOpenedInBinaryMode(0);

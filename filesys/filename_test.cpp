@@ -1,5 +1,5 @@
-// Splitting, comparing and changing file names, also with texts that are part of the name itself. Joining,
-// and what the limit cuts, is fuzz/path_fuzz.cpp's matter.
+// Tests splitting, comparing and changing file names, also with texts that are part of the name itself.
+// fuzz/path_fuzz.cpp tests joining names and cutting them at the limit.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -14,7 +14,7 @@ using Name = VelClFilename;
 
 constexpr size_t kLimit = VEL_MAX_PATH_LENGTH;
 
-// Server, directory, base name and extension.
+/// Returns "server|directory|base name|extension".
 std::string partsOf(const Name& name) {
   char server[kLimit + 1], path[kLimit + 1], base[kLimit + 1];
   name.extractServer(server);
@@ -26,14 +26,14 @@ std::string partsOf(const Name& name) {
   return std::string(server) + "|" + path + "|" + base + "|" + name.getExtension();
 }
 
-TEST(Filename, SplitsIntoParts) {
+TEST(Filename, IsSplitIntoItsParts) {
   for (const auto& row : readTable(VEL_TEST_DATA "test/filename_parts.tsv"))
     EXPECT_EQ(row.at(1), partsOf(row[0].c_str()));
 }
 
-// Whether the other is equal (=), in this directory or deeper (d), and of the same base name (b), where
-// the longer one decides how much is compared, extensions included.
-TEST(Filename, ComparesInItsOwnStyle) {
+// The result has "=" if the other name is equal, "d" if it is in this directory or deeper, and "b" if it has
+// the same base name. Intentional: the longer base name decides how much is compared, extensions included.
+TEST(Filename, IsComparedByTheRulesOfItsStyle) {
   const auto compared = [](const Name& name, const Name& other) {
     return std::string(name == other ? "=" : "") + (name.matchesPath(other) ? "d" : "") +
            (name.matchesBase(other) ? "b" : "");
@@ -58,8 +58,8 @@ TEST(Filename, RecognisesFat83Names) {
     EXPECT_EQ(row[0] == "8.3", Name(row.at(1).c_str()).isStyleFAT_8_3()) << row[1];
 }
 
-// All that was set is the extension, whatever dots it has.
-TEST(Filename, ChangesParts) {
+// A new extension may contain dots.
+TEST(Filename, HasPartsThatCanBeChanged) {
   const std::map<std::string, void (*)(Name&, const char*)> changes = {
       {"all", [](Name& f, const char* text) { f = text; }},
       {"path and name", [](Name& f, const char* text) { f.setNew(text, f.getAsCString()); }},
@@ -74,7 +74,7 @@ TEST(Filename, ChangesParts) {
     const Name copy = name;  // keeps the parts where they are
     for (const Name& changed : {name, copy}) EXPECT_EQ(row.at(3), partsOf(changed)) << row[0];
   }
-  // Without its path the name keeps its style.
+  // A name keeps its style when its path is removed.
   Name name("/d/A");
   name.removePath();
   EXPECT_FALSE(name.hasPath());

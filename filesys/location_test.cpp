@@ -1,5 +1,5 @@
-// What the text of a path tells: style, network part, drive and absoluteness; and directory names with their
-// final separator. Room for it at the limit is fuzz/path_fuzz.cpp's matter.
+// Tests the properties of paths (style, network name, drive, absoluteness), and directory names with their
+// final separator. fuzz/path_fuzz.cpp tests names at the length limit.
 #include <gtest/gtest.h>
 
 #include "platform/test/table.h"
@@ -9,7 +9,8 @@ namespace {
 
 using vel::test::readTable;
 
-// "\\" or "/" for the style, then D for a drive, A for absolute, U for a network name, and the path proper.
+/// Returns "\\" or "/" for the style, then D for a drive, A for absolute, U for a network name, and the path
+/// proper.
 std::string analysed(const char* text) {
   const VelClPathProperty property(text);
   EXPECT_EQ(property.getPathSep() == '/', property.isCaseSensitive());
@@ -17,7 +18,8 @@ std::string analysed(const char* text) {
          (property.isAbsolute() ? "A" : "") + (property.isUNC() ? "U" : "") + " " + property.getPtrToPath();
 }
 
-// "\\usr" and "C:/dir" are not absolute. A drive needs no letter, but its style does.
+// Intentional: "\\usr" and "C:/dir" are not absolute. Any character can be a drive, but only a letter selects
+// the style.
 TEST(PathProperty, AnalysesText) {
   for (const auto& row : readTable(VEL_TEST_DATA "test/path_properties.tsv"))
     EXPECT_EQ(row.at(1), analysed(row[0].c_str()));
@@ -29,11 +31,12 @@ TEST(PathProperty, NormalizesInPlace) {
   EXPECT_FALSE(VelClPathProperty(text).isNormalized());
   VelClPathProperty::normalizePath(text);
   EXPECT_STREQ("\\\\srv\\a\\b\\", text);
-  // The network part may keep its slashes.
+  // Slashes in the network name do not count.
   EXPECT_TRUE(VelClPathProperty("\\\\s/r\\share\\x").isNormalized());
 }
 
-// The separator is chosen before normalizing, which leaves a server part alone and makes none.
+// Intentional: the separator is chosen before normalizing. Normalizing does not change or create a network
+// name.
 TEST(Location, EndsWithItsStylesSeparator) {
   for (const auto& row : readTable(VEL_TEST_DATA "test/locations.tsv")) {
     const VelClLocation location(row[0].c_str(), row.at(2) == "yes");
@@ -47,7 +50,7 @@ TEST(Location, EndsWithItsStylesSeparator) {
   EXPECT_STREQ("", VelClLocation(nullptr, false).getAsCString());
 }
 
-TEST(Location, IsTakenFromTextsAndFileNames) {
+TEST(Location, IsBuiltFromTextsAndFileNames) {
   EXPECT_STREQ("C:\\d\\", VelClLocation(VelClFilename("C:\\d\\x.txt"), false).getAsCString());
   EXPECT_STREQ("\\\\s\\h\\", VelClLocation(VelClFilename("\\\\s\\h"), false).getAsCString());
   EXPECT_STREQ("/usr/", VelClLocation("/usr/lib", 4, false).getAsCString());

@@ -1,4 +1,4 @@
-// Roots keep their contents under every name.
+// Tests that removing a root never removes its contents, under whatever name.
 #include <fstream>
 #include <functional>
 #include <map>
@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 constexpr char kShare[] = "\\\\srv\\share";
 
-/// All rows of up to so many pieces.
+/// Calls `action` with `begin` and every sequence of at most `pieces` pieces after it.
 void forEachSpelling(int pieces, const std::string& begin,
                      const std::function<void(const std::string&)>& action) {
   action(begin);
@@ -20,7 +20,7 @@ void forEachSpelling(int pieces, const std::string& begin,
   for (const char* piece : {"\\", "/", ".", "..", "x"}) forEachSpelling(pieces - 1, begin + piece, action);
 }
 
-/// As they are: built from its name once more, a directory could get another one.
+/// Holds the objects, because building a directory from its own name again can change the name.
 using Directories = std::map<std::string, VelClDirectory>;
 
 Directories directoriesOf(const std::vector<std::string>& beginnings) {
@@ -28,7 +28,7 @@ Directories directoriesOf(const std::vector<std::string>& beginnings) {
   Directories directories;
   const auto add = [&](const VelClDirectory& directory) {
     const std::string name = directory.getAsCString();
-    // Never leave the drive.
+    // Directories of other drives must not be touched.
     if (!hasDrives || name.find(beginnings[0]) != std::string::npos) directories.emplace(name, directory);
   };
   const auto addNamed = [&](const std::string& name) { add(VelClDirectory(name.c_str())); };
@@ -44,8 +44,8 @@ Directories directoriesOf(const std::vector<std::string>& beginnings) {
   return directories;
 }
 
-/// In the root, which is the current directory: names that took away what a root or share holds, or whose
-/// directory is still there after it was removed.
+/// Runs in the root, which is the current directory. Returns the names whose removal deleted contents of a
+/// root or share, or left the directory although it reported success.
 std::string removeUnderEveryName(const std::vector<std::string>& beginnings) {
   std::string complaints;
   std::map<bool, int> counts;
@@ -68,8 +68,8 @@ std::string removeUnderEveryName(const std::vector<std::string>& beginnings) {
 
 using RootRemoval = vel::test::DirectoryFixture;
 
-TEST_F(RootRemoval, KeepsTheContentsUnderEveryName) {
-  // Deep enough for a system that would let ".." lead out of a drive.
+TEST_F(RootRemoval, KeepsTheContentsWhateverTheName) {
+  // The directory is deep, in case a system lets ".." lead out of a drive.
   const std::string root = scratch_.path("1/2/3/4/5/6/7/8");
   fs::create_directories(root);
   const auto complaints = vel::test::inOwnRoot(root, removeUnderEveryName);

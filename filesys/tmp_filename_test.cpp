@@ -1,4 +1,4 @@
-// Names of temporary files and backup copies, and temporary files.
+// Tests the names of temporary files and backup copies, and the creation of temporary files.
 #include <unistd.h>
 
 #include <set>
@@ -39,7 +39,7 @@ TEST_F(TmpFilenameTest, HasPrefixRandomCharactersAndReversedDigits) {
   }
 }
 
-TEST_F(TmpFilenameTest, LiesInTheDirectoryAskedForUnderAFreeName) {
+TEST_F(TmpFilenameTest, IsAFreeNameInTheGivenDirectory) {
   for (int i = 0; i < 200; ++i) {
     const VelClTmpFilename name(here_, "FIVES");
     ASSERT_FALSE(name.isExistent());
@@ -62,9 +62,9 @@ TEST_F(TmpFilenameTest, LiesInTheDirectoryAskedForUnderAFreeName) {
   }
 }
 
-// Of a directory with the full length nothing but the directory itself is left, and a name that was cut may
-// be anybody's.
-TEST_F(TmpFilenameTest, GivesUpWithoutRoomForTheRandomCharactersAndCreatesNothing) {
+// A directory of the full length leaves no room for a name, and a name that was cut may belong to another
+// file.
+TEST_F(TmpFilenameTest, CreatesNothingWithoutRoomForTheRandomCharacters) {
   std::string full = here_.getAsCString();
   while (full.size() < kLimit) full += full.size() + 2 <= kLimit ? ".\\" : "\\";
   EXPECT_EQ(full.substr(0, kLimit), VelClTmpFilename(full.c_str(), "TMP").getAsCString());
@@ -78,7 +78,7 @@ TEST_F(TmpFilenameTest, GivesUpWithoutRoomForTheRandomCharactersAndCreatesNothin
   EXPECT_TRUE(std::filesystem::is_empty(scratch_.path()));
 }
 
-TEST_F(TmpFilenameTest, FilesAreNewAndTakeBytes) {
+TEST_F(TmpFilenameTest, FilesAreNewAndBinary) {
   const vel::test::Variable tmp("TMP", scratch_.path().c_str());
   std::set<std::string> names;
   while (names.size() < 40) {
@@ -93,8 +93,8 @@ TEST_F(TmpFilenameTest, FilesAreNewAndTakeBytes) {
   }
 }
 
-// The extension still begins where it did, in copies as well.
-TEST(BakFilename, StandsBehindTheWholeName) {
+// Intentional: the extension begins where that of the original does.
+TEST(BakFilename, AppendsItsExtensionToTheWholeName) {
   const std::string full(kLimit, 'x');
   const std::string rows[][3] = {{"report.txt", "report.txt.BAK", ".txt.BAK"},
                                  {"C:\\d.e\\a", "C:\\d.e\\a.BAK", ".BAK"},

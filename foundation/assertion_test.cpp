@@ -1,4 +1,4 @@
-// Reads the reports of real processes that end by an assertion.
+// Runs programs that fail an assertion, and checks their reports.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-TEST(Assertion, ReportsAndEndsAbnormally) {
+TEST(Assertion, IsReportedAndEndsTheProcessAbnormally) {
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/assertions.tsv")) {
     const auto result =
         vel::test::runChild("assertion_child", {row[0]}, {.environment = {{"VEL_NO_ASSERT_POPUP", row[1]}}});
@@ -21,7 +21,7 @@ TEST(Assertion, ReportsAndEndsAbnormally) {
   }
 }
 
-TEST(Assertion, ReportsTextsOfAnyLengthInFull) {
+TEST(Assertion, IsReportedInFullWhateverTheLengthOfItsTexts) {
   const auto result =
       vel::test::runChild("assertion_child", {"long"}, {.environment = {{"VEL_NO_ASSERT_POPUP", "1"}}});
   const auto run = [](char c, std::size_t count) { return std::string(count, c); };

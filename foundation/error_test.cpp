@@ -1,4 +1,5 @@
-// Compares the look-ups with the imported facts, and follows exceptions across the library's boundary.
+// Compares the look-ups with the tables they are generated from, and passes exceptions across the library's
+// boundary.
 #include "vel_include/vel_error.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +17,7 @@ unsigned int messageOf(const std::string& kind, int value) {
   return velErrorGetActionAsMessageId(static_cast<VelEnErrorAction>(value));
 }
 
-TEST(ErrorMessages, AgreeWithTheFactsForEveryValueAndItsNeighbours) {
+TEST(ErrorMessages, AgreeWithTheTableForEveryValueAndItsNeighbours) {
   std::map<std::string, std::map<int, unsigned int>> facts;
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "errors.tsv"))
     facts[row.at(0)][std::stoi(row.at(2))] = static_cast<unsigned int>(std::stoul(row.at(3)));
@@ -28,12 +29,12 @@ TEST(ErrorMessages, AgreeWithTheFactsForEveryValueAndItsNeighbours) {
         const auto found = known.find(value);
         EXPECT_EQ(messageOf(kind, value), found != known.end() ? found->second : 0U) << kind << ' ' << value;
       }
-  // The two messages of the actions that stand in the opposite order to their values.
+  // Intentional: the messages of these two actions are in the opposite order to their values.
   EXPECT_EQ(velErrorGetActionAsMessageId(VelEnErrorAction::RETRYDELAY), 146U);
   EXPECT_EQ(velErrorGetActionAsMessageId(VelEnErrorAction::USER), 145U);
 }
 
-TEST(PlatformErrors, AgreeWithTheFactsAndHaveNoOthers) {
+TEST(PlatformErrors, AreThoseOfTheTable) {
   std::map<std::int32_t, std::string> facts;
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "platform_errors.tsv"))
     facts[std::stoi(row.at(0))] = row.at(1);
@@ -47,7 +48,7 @@ TEST(PlatformErrors, AgreeWithTheFactsAndHaveNoOthers) {
     EXPECT_EQ(velWinGetErrorAsString(code), nullptr);
 }
 
-TEST(Exception, IsCaughtByItsBaseWithAllThatWasSet) {
+TEST(Exception, KeepsItsDataWhenCaughtByItsBase) {
   VelClExceptionFatal thrown(FILE_COULD_NOT_COPY, VelEnErrorClass::IO_PROBLEM, VelEnErrorAction::ABORT,
                              nullptr);
   EXPECT_EQ(thrown.getOrigin(), nullptr);
@@ -62,6 +63,8 @@ TEST(Exception, IsCaughtByItsBaseWithAllThatWasSet) {
     const auto& full = dynamic_cast<const VelClException&>(caught);
     EXPECT_EQ(full.getId(), static_cast<unsigned long>(FILE_COULD_NOT_RENAME));
     EXPECT_EQ(full.getSeverity(), VelEnErrorSeverity::FATAL);
+    EXPECT_TRUE(caught.isVelException());
+    EXPECT_TRUE(VelClException(full).isVelException());
   }
 }
 

@@ -1,6 +1,7 @@
-// Memory that runs out: every scenario is tried with its first allocation failing, then with its second, and
-// so on until it no longer fails; once with that single failure, once with all that follow. Each failure must
-// arrive as the library's exception, take no block with it, and leave the objects from before as they were.
+// Tests that operations survive an out-of-memory condition. Each scenario runs with its first allocation
+// failing, then with its second, and so on until none fails; once with that single failure, once with all
+// that follow. Each failure must be thrown as the library's exception, leak no block, and leave existing
+// objects as they were.
 #include <gtest/gtest.h>
 
 #include <iostream>
@@ -18,7 +19,7 @@ vel::test::WatchedMemory* memory = nullptr;
 int failurePoint = 0;  ///< the number of the allocation that fails in each attempt of a scenario
 bool anyFailed = false;
 
-/// Whether `operation` came to its end. It must do so exactly when no allocation failed.
+/// Runs `operation` and returns whether it completed. It must complete exactly when no allocation failed.
 template <typename Operation>
 bool attempt(Operation operation) {
   bool completed = false;
@@ -37,7 +38,7 @@ bool attempt(Operation operation) {
   return completed;
 }
 
-/// Runs `scenario` until none of its attempts fails any more; it has to fail at least this often.
+/// Runs `scenario` until none of its attempts fails any more. At least `least` of its runs must fail.
 template <typename Scenario>
 void exhaust(const char* name, Scenario scenario, int least = 1) {
   for (const bool once : {true, false}) {
@@ -89,7 +90,7 @@ void convertStrictly(int source, int target) {
   EXPECT_TRUE(conversion.finish(sink));
 }
 
-TEST_F(FailingAllocation, OfSingleOperations) {
+TEST_F(FailingAllocation, IsReportedBySingleOperations) {
   const std::pair<const char*, void (*)()> operations[] = {
       {"search", [] { const VelClStringSearch search(kLong.c_str(), true); }},
       {"plain blocks", [] { velFree(velCalloc(2, 8)); }},
@@ -125,7 +126,7 @@ TEST_F(FailingAllocation, OfSingleOperations) {
   for (const auto& [name, run] : operations) exhaust(name, [run = run] { attempt(run); });
 }
 
-TEST_F(FailingAllocation, OfVariablesAndPrograms) {
+TEST_F(FailingAllocation, KeepsVariablesAndCommandLines) {
   exhaust("bits", [] {
     VelClBitArray array(9);
     array.set(8);
@@ -155,7 +156,7 @@ TEST_F(FailingAllocation, OfVariablesAndPrograms) {
   exhaust("launch", launch, 3);
 }
 
-TEST_F(FailingAllocation, OfCatalogs) {
+TEST_F(FailingAllocation, KeepsCursorsAndTextsOfCatalogs) {
   exhaust("step", [] {
     const VelClMessageCatalog catalog;
     VelClMessageCatalogCursor cursor(catalog);
@@ -185,7 +186,7 @@ TEST_F(FailingAllocation, OfCatalogs) {
   });
 }
 
-TEST_F(FailingAllocation, OfMessages) {
+TEST_F(FailingAllocation, KeepsMessages) {
   const VelClMessageCatalog table(kTable, std::size(kTable));
   const VelClMessageCatalog library;
   const VelClMessageCatalog absent(VelClFilename((kLong + ".DLL").c_str()));
@@ -212,7 +213,7 @@ TEST_F(FailingAllocation, OfMessages) {
   });
 }
 
-TEST_F(FailingAllocation, OfEditedIniFiles) {
+TEST_F(FailingAllocation, KeepsIniFiles) {
   const std::string text = "[A]\nx=1 ; c\n y\n[B]\nz=2\n";
   const vel::test::ScratchDirectory directory;
   const std::string path = directory.write("a.ini", text);
@@ -242,7 +243,7 @@ TEST_F(FailingAllocation, OfEditedIniFiles) {
           if (!loaded) editor.loadFromBuffer(text.data(), text.size(), true);
           const bool changed = attempt([&] { EXPECT_TRUE(change(editor)); });
           EXPECT_EQ(std::string(editor.getText(), editor.getLength()) == text, !changed);
-          // The model is the text's, whatever happened, and later changes are parsed as the text was.
+          // The model always agrees with the text, and later changes are parsed as the text was.
           EXPECT_TRUE(editor.addSection("last"));
           VelClIniFileEditor again("unused");
           again.loadFromBuffer(editor.getText(), editor.getLength(), true);
@@ -261,7 +262,7 @@ TEST_F(FailingAllocation, OfEditedIniFiles) {
       for (int i = 0; i < 120; ++i) EXPECT_TRUE(file.addOption(("o" + std::to_string(i)).c_str(), "1"));
       EXPECT_TRUE(file.addSection("new"));
     });
-    // The model is whole, and the same work can be done.
+    // The model is consistent, and the same work can be repeated.
     if (!changed) vel::test::loadText(file, large, false);
     EXPECT_NE(file.getExistingOption(*file.getExistingSection("s299"), "x"), nullptr);
   };
@@ -285,7 +286,7 @@ unsigned long builtInMessageCount() {
   return count;
 }
 
-/// Every word is too long for a message without memory of its own, so that each operation can fail.
+/// Every word is too long for a message's inline storage, so each operation allocates and can fail.
 VelClConsoleUI longWordedInterface() {
   static const std::string quiet = "-" + kLong;
   static const char* const arguments[] = {"tool", "-a", "b", quiet.c_str(), "5"};
@@ -302,12 +303,12 @@ void exhaustInterface(const char* name, void (*run)(VelClConsoleUI&)) {
     ui.getParams().setErrorStream(stream);
     const bool done = attempt([&] { run(ui); });
     ui.getParams().setQuietMode(false);
-    // After a failure the same object does the same work.
+    // After a failure the operation can be repeated with the same object.
     if (!done) run(ui);
   });
 }
 
-TEST_F(FailingAllocation, OfUserInterfaces) {
+TEST_F(FailingAllocation, KeepsUserInterfaces) {
   exhaust("settings", [] {
     VelClConsoleUIParams params("tool");
     params.setUsage("old usage");

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// The text that a formatter writes; the length it returns is checked.
+/// Returns the text that a formatter writes, and checks the length that it returns.
 template <typename Function, typename Number>
 std::string formatted(Function function, Number number) {
   char out[32];
@@ -22,7 +22,7 @@ std::string formatted(Function function, Number number) {
   return out;
 }
 
-TEST(DecimalText, EveryNumberOfDigits) {
+TEST(DecimalText, HasEveryNumberOfDigits) {
   for (unsigned long long power = 1; power < ULLONG_MAX / 10; power *= 10)
     for (const unsigned long long number : {power * 10, power * 10 - 1, power + power / 7}) {
       EXPECT_EQ(formatted(velW64toa, number), std::to_string(number));
@@ -32,7 +32,7 @@ TEST(DecimalText, EveryNumberOfDigits) {
     }
 }
 
-TEST(DecimalText, Limits) {
+TEST(DecimalText, HoldsTheLimitsOfEveryType) {
   EXPECT_EQ(formatted(velItoa, INT_MIN), "-2147483648");
   EXPECT_EQ(formatted(velItoa, INT_MAX), "2147483647");
   EXPECT_EQ(formatted(velItoa, -10), "-10");
@@ -42,13 +42,14 @@ TEST(DecimalText, Limits) {
   EXPECT_EQ(formatted(velI64toa, LLONG_MIN), "-9223372036854775808");
   EXPECT_EQ(formatted(velI64toa, LLONG_MAX), "9223372036854775807");
   EXPECT_EQ(formatted(velW64toa, ULLONG_MAX), "18446744073709551615");
-  // Wide longs count with their low 32 bits.
+  // Only the low 32 bits of a wider long count.
   EXPECT_EQ(formatted(velLtoa, static_cast<long>(0xFFFF'FFFF'FFFF'FFFBULL)), "-5");
   EXPECT_EQ(formatted(velULtoa, static_cast<unsigned long>(-1L)), "4294967295");
 }
 
-// Ignoring case, the second "a" of "aab" mismatches "B" and is not tried as a start.
-TEST(StringHelpers, FindsTheFirstOccurrence) {
+// When case is ignored, the second "a" of "aab" is compared with "B", mismatches, and is not tried as a
+// start.
+TEST(CaseInsensitiveSearch, FindsTheFirstOccurrence) {
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/searches.tsv")) {
     const char* const found = velStrFind(row[0].c_str(), row[1].c_str(), row.at(2) == "yes");
     EXPECT_EQ(found == nullptr ? "-" : std::to_string(found - row[0].c_str()), row.at(3))
@@ -56,7 +57,7 @@ TEST(StringHelpers, FindsTheFirstOccurrence) {
   }
 }
 
-/// The rule, written down: a character that mismatches is not compared again.
+/// Searches by the documented rule: a character that mismatches is not compared again.
 std::ptrdiff_t offsetByTheRule(const std::string& text, const std::string& pattern) {
   std::size_t met = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -66,8 +67,8 @@ std::ptrdiff_t offsetByTheRule(const std::string& text, const std::string& patte
   return -1;
 }
 
-// Long texts are searched in another way, in blocks: rows of equal letters lie over all their borders.
-TEST(StringHelpers, FindsTheSameInLongTexts) {
+// Long texts are searched in blocks; runs of equal letters cross their borders.
+TEST(CaseInsensitiveSearch, FindsTheSameInLongTexts) {
   std::mt19937 random(4711);
   for (int round = 0; round < 20'000; ++round) {
     const char* const letters = round % 2 == 0 ? "aAab" : "abBxyyyyyyyyyyyy";
@@ -79,9 +80,16 @@ TEST(StringHelpers, FindsTheSameInLongTexts) {
     ASSERT_EQ(found == nullptr ? -1 : found - text.c_str(), offsetByTheRule(text, pattern))
         << pattern << " in " << text;
   }
+  // The second "a" of "aab" is consumed as a mismatch, also where the last block ends between the two. The
+  // match after the terminator is not part of the text.
+  for (std::size_t length = 600; length < 632; ++length)
+    for (const char* const end : {"aab", "a"}) {
+      const std::string text = std::string(length, 'x') + end + '\0' + "xab";
+      EXPECT_EQ(velStrFind(text.c_str(), "ab", true), nullptr) << end << " at " << length;
+    }
 }
 
-TEST(StringHelpers, CountsAndCopies) {
+TEST(StringHelpers, CountNoTerminatorAndCopyUntilTheStop) {
   EXPECT_EQ(velStrCount("abc", '\0'), 0u);
   const char* const rows[][2] = {{"key=value", "key"}, {"abc", "abc"}, {"=x", ""}, {"", ""}};
   for (const auto& [text, copied] : rows) {
@@ -91,7 +99,7 @@ TEST(StringHelpers, CountsAndCopies) {
   }
 }
 
-TEST(ByteOrder, SwapsWholeUnitsInPlace) {
+TEST(ByteOrder, IsSwappedInWholeUnits) {
   const auto converted = [](void (*convert)(void*, size_t), size_t count) {
     std::string bytes = "abcdef";
     convert(bytes.data(), count);
@@ -107,8 +115,14 @@ TEST(ByteOrder, SwapsWholeUnitsInPlace) {
   }
 }
 
-TEST(Timing, SleepCountsWrapIn32Bits) {
-  // The counts would be years, if they did not wrap: then the test would not end.
+TEST(LibraryIdentity, IsTheSameInEveryBuild) {
+  EXPECT_STREQ(velLibraryGetLevel(), "VELLibR5-24");
+  EXPECT_STREQ(velLibraryGetTod(), "Jan 14 2009");
+  EXPECT_TRUE(velLibraryIsShipCode());
+}
+
+TEST(Timing, SleepConvertsToMillisecondsModulo32Bits) {
+  // Without the wrap these counts would be years.
   const std::tuple<void (*)(unsigned long), unsigned long, double> rows[] = {
       {velSleepSeconds, 115964117, 0.008},
       {velSleepHours, 29446773, 0.128},
@@ -116,12 +130,12 @@ TEST(Timing, SleepCountsWrapIn32Bits) {
   for (const auto& [sleep, count, seconds] : rows) {
     VelClTiming timing;
     sleep(count);
-    // Some systems' ticks are as long as the shortest of these times.
+    // The tick of some systems is as long as the shortest of these times.
     EXPECT_GE(timing.elapsed(), seconds / 2);
   }
 }
 
-TEST(Timing, LapsJoinWithoutGap) {
+TEST(Timing, LapsFollowEachOtherWithoutGap) {
   VelClTiming whole, laps;
   const double before = whole.elapsed();
   double sum = 0;
@@ -131,7 +145,7 @@ TEST(Timing, LapsJoinWithoutGap) {
   EXPECT_GE(sum + laps.elapsed(), end - before);
 }
 
-TEST(Timing, TimeStampFollowsTheClock) {
+TEST(Timing, TimeStampCountsMilliseconds) {
   VelClTiming timing;
   const auto first = static_cast<uint32_t>(velGetTimeStamp());
   velSleepMilliSeconds(60);

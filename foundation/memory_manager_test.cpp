@@ -1,4 +1,4 @@
-// The manager's replacement and its failures.
+// Tests the replacement of the memory manager and the exceptions of its failures.
 #include "vel_include/vel_memmgr.h"
 
 #include <gtest/gtest.h>
@@ -11,28 +11,28 @@
 
 namespace {
 
-/// Not the runtime's.
+/// An allocator other than the runtime's.
 void* ownMalloc(size_t size) {
   return std::malloc(size);
 }
 
-/// Puts the runtime's functions back at the end of a test.
+/// Restores the runtime's functions after each test.
 class MemoryManager : public testing::Test {
  protected:
   void TearDown() override { velSetNewMemoryManager(std::malloc, nullptr, std::free); }
 };
 
-TEST_F(MemoryManager, StartsWithTheRuntimeAndReturnsToIt) {
+TEST_F(MemoryManager, IsTheRuntimesUnlessReplaced) {
   EXPECT_FALSE(VelClMemoryManager::hasUserDefinedMgr());
   velSetNewMemoryManager(ownMalloc, nullptr, std::free);
   EXPECT_TRUE(VelClMemoryManager::hasUserDefinedMgr());
-  // The program's own address of malloc must be recognised, whatever thunk it is called through.
+  // The address of malloc that the program sees may be a thunk's.
   velSetNewMemoryManager(std::malloc, nullptr, std::free);
   EXPECT_FALSE(VelClMemoryManager::hasUserDefinedMgr());
   velFree(velRealloc(velMalloc(1), 100));
 }
 
-TEST_F(MemoryManager, CallocAsksTheAllocatorForTheProductAndZeroesIt) {
+TEST_F(MemoryManager, CallocAllocatesAndZeroesTheProduct) {
   const vel::test::WatchedMemory memory;
   auto* block = static_cast<unsigned char*>(velCalloc(3, 5));
   EXPECT_EQ(memory.lastSize, 15U);
@@ -43,7 +43,7 @@ TEST_F(MemoryManager, CallocAsksTheAllocatorForTheProductAndZeroesIt) {
   EXPECT_TRUE(memory.live.empty());
 }
 
-TEST_F(MemoryManager, ReportsFailuresWithTheirOrigin) {
+TEST_F(MemoryManager, FailuresTellTheirOrigin) {
   const auto refusingMalloc = [](size_t) -> void* { return nullptr; };
   const auto refusingRealloc = [](void*, size_t) -> void* { return nullptr; };
   const std::string atAllocator = " 6 6 , vel_include\\vel_memmgr.h:359";
@@ -57,7 +57,7 @@ TEST_F(MemoryManager, ReportsFailuresWithTheirOrigin) {
       {refusingMalloc, nullptr, [] { velCalloc(size_t{1} << 63, 2); }, "1001004 202" + atAllocator},
       {ownMalloc, nullptr, [] { velRealloc(nullptr, 0); }, "1001003 1" + atNull},
       {ownMalloc, nullptr, [] { velRealloc(nullptr, 10); }, "1001003 1" + atNull},
-      // The allocator alone tells whose memory ran out.
+      // The identifier depends on the allocator alone, not on the reallocator.
       {ownMalloc, refusingRealloc, [] { velRealloc(nullptr, 9); }, "1001001 200" + atRealloc},
       {std::malloc, refusingRealloc, [] { velRealloc(nullptr, 9); }, "1001002 200" + atRealloc},
       // Size 0 frees the block and returns null in both runtimes.

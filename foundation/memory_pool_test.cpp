@@ -1,4 +1,4 @@
-// Pools: where pieces lie, what reset and clear do with the blocks, and what is refused.
+// Tests memory pools: the placement of pieces, reset and clear, and refused requests.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -27,7 +27,7 @@ const std::string kCouldNotGrow = "1000801 200 6 6 , VelClMemoryPool::allocate";
 const std::string kInvalid = "1000802 202 5 5 , VelClMemoryPool";
 constexpr size_t kMost = std::numeric_limits<size_t>::max();
 
-TEST_F(MemoryPool, GivesAlignedPiecesThatDoNotOverlap) {
+TEST_F(MemoryPool, PiecesAreAlignedAndDoNotOverlap) {
   for (const size_t alignment : {1U, 2U, 16U, 64U, 4096U}) {
     VelClMemoryPool pool(5000, alignment);
     std::map<char*, std::string> pieces;
@@ -42,7 +42,7 @@ TEST_F(MemoryPool, GivesAlignedPiecesThatDoNotOverlap) {
   }
 }
 
-TEST_F(MemoryPool, FillsABlockToItsLastByte) {
+TEST_F(MemoryPool, ABlockIsFilledToItsLastByte) {
   VelClMemoryPool pool(61, 16);
   EXPECT_EQ(std::tuple(pool.getBlockSize(), pool.getNumOfBlocks()), std::tuple(64U, 0U));
   const char* const first = static_cast<char*>(pool.allocate(30));
@@ -60,7 +60,7 @@ TEST_F(MemoryPool, FillsABlockToItsLastByte) {
   EXPECT_EQ(texts.getNumOfBlocks(), 2U);
 }
 
-TEST_F(MemoryPool, ResetKeepsTheBlocksAndClearGivesThemBack) {
+TEST_F(MemoryPool, ResetKeepsTheBlocksAndClearFreesThem) {
   VelClMemoryPool pool(1000, 8);
   const auto fill = [&pool] {
     std::vector<void*> pieces(10);
@@ -81,7 +81,7 @@ TEST_F(MemoryPool, ResetKeepsTheBlocksAndClearGivesThemBack) {
   EXPECT_NE(pool.allocate(1), nullptr);
 }
 
-TEST_F(MemoryPool, RefusesWhatNoBlockHolds) {
+TEST_F(MemoryPool, RefusesSizesThatNoBlockHolds) {
   VelClMemoryPool pool(100, 8);
   const auto* const before = static_cast<char*>(pool.allocate(8));
   for (const size_t size : {size_t{105}, kMost - 7, kMost})
@@ -96,10 +96,10 @@ TEST_F(MemoryPool, RefusesWhatNoBlockHolds) {
         << alignment;
 }
 
-TEST_F(MemoryPool, StaysAsItWasWhenItCannotGrow) {
+TEST_F(MemoryPool, IsUnchangedWhenItCannotGrow) {
   VelClMemoryPool pool(64);
   char* const first = static_cast<char*>(pool.allocate(16));
-  // A block takes two allocations: each of them fails once.
+  // A new block takes two allocations; each of them fails once.
   for (int number = 1; number <= 2; ++number) {
     const auto before = memory_.live;
     memory_.failsFrom = memory_.allocations + number;
@@ -107,7 +107,6 @@ TEST_F(MemoryPool, StaysAsItWasWhenItCannotGrow) {
     EXPECT_EQ(memory_.live, before);
     EXPECT_EQ(pool.getNumOfBlocks(), 1U);
   }
-  // The current block goes on from where it was.
   EXPECT_EQ(static_cast<char*>(pool.allocate(16)), first + 16);
   memory_.failsFrom = 0;
   EXPECT_NE(pool.allocate(64), nullptr);

@@ -1,5 +1,5 @@
-// What threads may do at once, each with objects of its own. A thread sanitizer tells what they share
-// besides. Traces of several threads are the example's matter.
+// Uses all parts of the library from several threads at once, each with objects of its own. Under the thread
+// sanitizer this finds shared state. The examples test traces of several threads.
 #include <gmock/gmock.h>
 
 #include <sstream>
@@ -14,7 +14,7 @@ namespace {
 
 constexpr unsigned int kThreads = 4;
 
-/// A thread's own, opened before other threads run.
+/// A catalog of the thread's own, opened before other threads run.
 using Catalog = const VelClMessageCatalog;
 
 template <typename... Parts>
@@ -35,7 +35,7 @@ std::string smallThings(Catalog&) {
               VelClRandomNumberGenerator(7).getRandomNumber(), VelClBitArray(100).getNumOfSetBits());
 }
 
-/// By the library's tables and algorithms, by ICU where it is installed, and strictly.
+/// Converts by the library's tables and algorithms, by ICU where it is installed, and strictly.
 std::string conversions(Catalog&) {
   struct : VelClConversionSink {
     void write(const char* bytes, size_t size) override { all.append(bytes, size); }
@@ -61,7 +61,7 @@ std::string iniFiles(Catalog&) {
   return text(found, number, cursor.setTo("new"));
 }
 
-/// The temporary file keeps the name free of others until the end.
+/// The temporary file reserves the name until the end.
 std::string files(Catalog&) {
   char name[VEL_MAX_PATH_LENGTH + 1];
   vel::test::closeDescriptor(velTmpFileCreate(nullptr, "THR", name));
@@ -90,7 +90,7 @@ std::string messages(Catalog& catalog) {
   return text(VelClMessage(catalog, 2, "you").isValid(), VelClMessageCatalogCursor(catalog).setToFirst());
 }
 
-TEST(Threads, WorkAtOnceWithObjectsOfTheirOwn) {
+TEST(Threads, CanUseObjectsOfTheirOwnAtTheSameTime) {
   const vel::test::ScratchDirectory scratch;
   const vel::test::Variable directory("TMP", scratch.path().c_str());
   const vel::test::Variable report("VEL_TEST_REPORT", scratch.path("report").c_str());

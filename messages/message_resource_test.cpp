@@ -1,3 +1,4 @@
+// Tests the reader of message tables, also with damaged and crafted ones.
 #include "messages/message_resource.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +20,7 @@ std::string textOf(const MessageResource::Entry& entry) {
   return text;
 }
 
-/// All entries as "id:text ", UTF-16 ones as "id=text ".
+/// Lists all entries as "id:text ", or "id=text " for UTF-16.
 std::string walk(const Bytes& bytes) {
   const MessageResource resource(bytes.data(), bytes.size());
   std::string list;
@@ -29,7 +30,7 @@ std::string walk(const Bytes& bytes) {
   return list;
 }
 
-/// The table's beginning, with blocks of lowest id, highest id and offset taken as they are.
+/// Returns the start of a table: its count and its blocks {lowest id, highest id, offset}, unchecked.
 Bytes blocks(const std::vector<std::vector<std::uint32_t>>& all) {
   Bytes bytes;
   bytes.add32(all.size());
@@ -54,15 +55,15 @@ TEST(MessageResource, FindsMessagesInEveryBlock) {
   EXPECT_EQ(walk(table), "1:one 2: 3=three 9=n%0\n 4294967295:last ");
 }
 
-TEST(MessageResource, TextEndsAtItsFirstZeroCharacter) {
-  // Half a zero character does not end a text, half a character at the end is dropped.
+TEST(MessageResource, TextEndsAtItsFirstNul) {
+  // In UTF-16 a single zero byte does not end the text, and an incomplete unit at the end is dropped.
   const Bytes table = blocks({{1, 2, 16}})
                           .add({12, 0, 0, 0, 'a', 0, 'b', 0, 'c', 0, 0, 0})
                           .add({11, 0, 1, 0, 'a', 0, 0, 1, 'c', 0, 'x'});
   EXPECT_EQ(walk(table), std::string("1:a 2=a\0c ", 10));
 }
 
-TEST(MessageResource, DamagedPartsAreLeftOut) {
+TEST(MessageResource, SkipsDamagedBlocksAndEntries) {
   const Bytes a = tableEntry("aaa"), b = tableEntry("bbb");
   const Bytes bad = {3, 0, 0, 0, 'x', 0, 0, 0}, tooLong = {0xFF, 0xFF, 0, 0, 'x', 0, 0, 0};
   const std::tuple<const char*, Bytes, const char*> rows[] = {
@@ -70,7 +71,7 @@ TEST(MessageResource, DamagedPartsAreLeftOut) {
       {"half a count", {1, 0, 0}, ""},
       {"more blocks than bytes", Bytes().add32(2).addZeros(12), ""},
       {"most blocks", Bytes().add32(0xFFFFFFFF).addZeros(100), ""},
-      {"entries behind the end", blocks({{1, 1, 0xFFFFFFF0}}), ""},
+      {"entries after the end", blocks({{1, 1, 0xFFFFFFF0}}), ""},
       {"one byte longer than the rest", blocks({{1, 1, 16}}).add({9, 0, 0, 0, 'x', 0, 0, 0}), ""},
       {"entry too short", blocks({{1, 2, 28}, {5, 5, 44}}).add(a).add(bad).add(b), "1:aaa 5:bbb "},
       {"too long", blocks({{1, 2, 28}, {5, 5, 36}}).add(a).add(b).add(tooLong), "1:aaa 2:bbb 5:bbb "},

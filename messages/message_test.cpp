@@ -1,4 +1,4 @@
-// Messages, their texts' memory, and the plain catalog functions.
+// Tests messages, the memory of their texts, and the plain catalog functions.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -16,7 +16,7 @@ constexpr const char* kTable[] = {"[VEL_MSGTAB_SIGNATURE] 7", "[TABLE]", "<%1>",
                                   "%1%2%3%4%5%6%7%8%9%10",    nullptr};
 constexpr const char* kOtherTable[] = {"", "[OTHER]", "{%1}", "other"};
 
-/// What stands for this many variables that are not given.
+/// Returns the replacement of `count` variables that are not given.
 std::string missing(unsigned int count) {
   return count == 0 ? "" : "???" + missing(count - 1);
 }
@@ -43,7 +43,7 @@ TEST_F(Message, SubstitutesItsVariables) {
   EXPECT_EQ(stream.str(), "<%1 %2>");
 }
 
-TEST_F(Message, KeepsUpTo80CharactersInside) {
+TEST_F(Message, StoresUpTo80CharactersInline) {
   VelClMessage message(catalog_, 3);
   // "%1%1" doubles, "<%1>" adds two; each length follows a shorter and a longer one.
   for (const std::size_t length : {79U, 80U, 81U, 80U, 82U, 4096U, 79U, 81U, 100U}) {
@@ -53,12 +53,12 @@ TEST_F(Message, KeepsUpTo80CharactersInside) {
   }
 }
 
-TEST_F(Message, IsCutAt4096Characters) {
+TEST_F(Message, OfATableIsCutAt4096Characters) {
   const std::string variable(2100, 'v');
   EXPECT_EQ(VelClMessage(catalog_, 4, variable.c_str()).getAsCString(), std::string(4096, 'v'));
 }
 
-TEST_F(Message, SaysWhyItCouldNotBeLoaded) {
+TEST_F(Message, TellsInItsTextWhyItCouldNotBeLoaded) {
   const VelClMessageCatalog absent(VelClFilename("absent.txt")), library(VelClFilename("small_catalog"));
   const std::map<std::string, const VelClMessageCatalog*> catalogs = {
       {"table", &catalog_}, {"absent", &absent}, {"library", &library}};
@@ -72,7 +72,7 @@ TEST_F(Message, SaysWhyItCouldNotBeLoaded) {
   EXPECT_TRUE(VelClMessageCatalog::isValidMessageId(4294967295UL));
 }
 
-TEST_F(Message, FailsWhenALibraryTextDoesNotFit) {
+TEST_F(Message, OfALibraryFailsAbove4096Characters) {
   const VelClMessageCatalog library(VelClFilename("small_catalog"));
   const std::size_t frame = std::string(VelClMessage(library, 2, "").getAsCString()).size();
   const std::string most(4096 - frame, 'v');
@@ -130,7 +130,7 @@ TEST(CatalogFunctions, CollectVariablesUpToANull) {
   EXPECT_EQ(velMsgCatGetVar(handle, 5, kNull, kNull), missing(10));
   EXPECT_EQ(velMsgCatGetVar(handle, 5, "a", kNull), "a" + missing(9));
   EXPECT_EQ(velMsgCatGetVar(handle, 5, "a", "b", kNull, "c", kNull), "ab" + missing(8));
-  // The first one is not tested.
+  // Intentional: the first variable is used even if it is null.
   EXPECT_EQ(velMsgCatGetVar(handle, 5, kNull, "b", kNull), "???b" + missing(8));
   EXPECT_STREQ(velMsgCatGetVar(handle, 5, "a", "b", "c", "d", "e", "f", "g", "h", "i", "j"), "abcdefghij");
   EXPECT_STREQ(velMsgCatGetVar(handle, 5, "a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l"),
@@ -139,7 +139,7 @@ TEST(CatalogFunctions, CollectVariablesUpToANull) {
 
 TEST(CatalogFunctions, OpenLibrariesAndTables) {
   for (const char* name : {"absent.DLL", "", kNull}) EXPECT_EQ(velMsgCatOpen(name), nullptr);
-  // A loaded library never gets the table.
+  // The table is not used with a loaded library.
   for (const Handle& library :
        {Handle(velMsgCatOpen("small_catalog.txt"), velMsgCatClose), openOrUseTable("small_catalog")}) {
     ASSERT_NE(library, nullptr);
@@ -173,7 +173,7 @@ TEST(CatalogFunctions, AttachToCatalogsWithALibraryOnly) {
   EXPECT_STREQ(VelClMessage(catalog, 1).getAsCString(), "[SMALL]");
 }
 
-TEST(CatalogFunctions, HaveAProxyAsTheirClass) {
+TEST(MessageCatalogProxy, AgreesWithTheFunctions) {
   const char* const variables[10] = {"x"};
   VelClMessageCatalogProxy owner(VelClFilename("absent"), kTable, std::size(kTable));
   EXPECT_FALSE(owner.isValid());

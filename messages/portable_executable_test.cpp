@@ -1,3 +1,4 @@
+// Tests the reader of library files, also with damaged and crafted ones.
 #include "messages/portable_executable.h"
 
 #include <gtest/gtest.h>
@@ -23,7 +24,7 @@ Bytes tableSaying(const char* text) {
   return messageTable({{1, text}});
 }
 
-/// All tables as "name/language:size of the table ".
+/// Lists all tables as "name/language:size ".
 std::string listTables(const Bytes& bytes) {
   const PortableExecutable file(bytes.data(), bytes.size());
   std::string list;
@@ -34,6 +35,14 @@ std::string listTables(const Bytes& bytes) {
   return list;
 }
 
+/// Applies changes "offset=value" of 32 bits, hexadecimal, with blanks between them.
+void change(Bytes& file, const std::string& changes) {
+  const auto number = [](const std::string& digits) { return std::stoul(digits, nullptr, 16); };
+  std::istringstream words(changes);
+  for (std::string word; words >> word;)
+    file.put32(number(word), static_cast<std::uint32_t>(number(word.substr(word.find('=') + 1))));
+}
+
 std::string messageIn(const Bytes& bytes, std::uint32_t language, std::uint32_t id) {
   MessageTable table{};
   MessageResource::Entry entry{};
@@ -42,7 +51,7 @@ std::string messageIn(const Bytes& bytes, std::uint32_t language, std::uint32_t 
   return {entry.text, entry.text + entry.sizeInBytes};
 }
 
-TEST(PortableExecutable, WalksTheTablesOfBothFormats) {
+TEST(PortableExecutable, ListsTheTablesOf32And64BitFiles) {
   const vel::test::TestTables tables = {
       {1, {{0x407, tableSaying("eins")}, {0x409, tableSaying("one one one")}}}, {2, {{0, tableSaying("")}}}};
   for (const bool wide : {false, true})
@@ -50,7 +59,7 @@ TEST(PortableExecutable, WalksTheTablesOfBothFormats) {
   EXPECT_EQ(listTables(libraryFile({})), "");
 }
 
-TEST(PortableExecutable, LanguageChoosesOneTable) {
+TEST(PortableExecutable, ChoosesOneTableForALanguage) {
   const std::map<std::string, Bytes> files = {
       {"german", libraryFile({{1, {{0x407, tableSaying("de")}}}})},
       {"several", libraryFile({{1,
@@ -65,18 +74,17 @@ TEST(PortableExecutable, LanguageChoosesOneTable) {
         << row[0] << row[1];
 }
 
-TEST(PortableExecutable, DamagedTreesAreLeftOut) {
+TEST(PortableExecutable, SkipsDamagedResourceTrees) {
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/damaged_trees.tsv")) {
     Bytes file = libraryFile({{1, {{0x409, tableSaying("a")}, {0x40A, tableSaying("b")}}}});
-    file.resize(0x4000);  // so that only the section and the number of sections set the limits
-    file.put32(std::stoul(row[1], nullptr, 16),
-               static_cast<std::uint32_t>(std::stoul(row.at(2), nullptr, 16)));
-    EXPECT_EQ(listTables(file), row.at(3)) << row[0];
+    file.resize(0x4000);  // the limits are those of the section, not the file's end
+    change(file, row[1]);
+    EXPECT_EQ(listTables(file), row.at(2)) << row[0];
   }
 }
 
-// The catalogs are the compiler's; what the loader refuses in them, it refuses in every library.
-TEST(PortableExecutable, IsALibraryOnlyAsALoaderTakesIt) {
+// The two catalogs are written by the compiler.
+TEST(PortableExecutable, IsValidIfALoaderWouldMapIt) {
   for (const char* name : {"small_catalog.DLL", "qammsg50.DLL"}) {
     const std::string file = vel::test::readFile(name);
     const Bytes sound(file.begin(), file.end());
@@ -93,10 +101,7 @@ TEST(PortableExecutable, IsALibraryOnlyAsALoaderTakesIt) {
   }
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/damaged_headers.tsv")) {
     Bytes file = libraryFile({{1, {{0x409, tableSaying("a")}}}});
-    std::istringstream changes(row.at(1));
-    for (std::string change; changes >> change;)
-      file.put32(std::stoul(change, nullptr, 16),
-                 static_cast<std::uint32_t>(std::stoul(change.substr(change.find('=') + 1), nullptr, 16)));
+    change(file, row[1]);
     EXPECT_EQ(PortableExecutable(file.data(), file.size()).isValid(), row.at(2) == "yes") << row[0];
   }
 }

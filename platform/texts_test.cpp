@@ -1,4 +1,4 @@
-// Texts in the system's code page.
+// Tests texts in the system's code page.
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -11,8 +11,8 @@ namespace vel::platform {
 
 namespace {
 
-// Windows has one code page of its own, whatever the locale: what lacks in "C" lacks there as well, and
-// "POSIX" is no locale.
+// Windows has one code page whatever the locale; characters unmappable in "C" are unmappable there, too, and
+// "POSIX" is not a locale there.
 TEST(AnsiTexts, AreCutBetweenCharacters) {
   for (const auto& row : test::readTexts(VEL_TEST_DATA "test/cut_texts.tsv")) {
     const test::Variable locale("LC_ALL", row[0].c_str());

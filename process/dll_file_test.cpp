@@ -1,3 +1,4 @@
+// Tests loading dynamic libraries, and the codes of failures.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -9,7 +10,7 @@
 
 namespace {
 
-TEST(DllFile, LoadsALibraryBesideTheProgramOrByItsPath) {
+TEST(DllFile, IsLoadedFromTheProgramsDirectoryOrByItsPath) {
   const VelClDllProcLoaderFile library("sample_library");
   ASSERT_TRUE(library.isValid());
   EXPECT_TRUE(library.isFoundInSystemPath());
@@ -25,7 +26,7 @@ TEST(DllFile, LoadsALibraryBesideTheProgramOrByItsPath) {
   EXPECT_EQ(std::tuple(byPath.isValid(), byPath.isFoundInSystemPath()), std::tuple(true, false));
 }
 
-TEST(DllFile, FailuresLeaveTheSystemsCode) {
+TEST(DllFile, FailsWithTheErrorCodeOfTheSystem) {
   const vel::test::ScratchDirectory scratch;
   const std::string noLibrary = scratch.write("text.DLL", "no library");
   const bool isWindows = std::filesystem::path::preferred_separator == '\\';
@@ -49,7 +50,7 @@ TEST(DllFile, FailuresLeaveTheSystemsCode) {
   }
 }
 
-TEST(DllFile, PlainFunctionsDoTheSame) {
+TEST(DllProcLoader, AgreesWithTheClass) {
   void* const handle = velDllProcLoaderOpen("sample_library");
   const VelProcedure procedure = velDllProcLoaderGetProcedure(handle, "velSampleAnswer");
   ASSERT_NE(procedure, nullptr);

@@ -1,4 +1,4 @@
-// Command lines, and real children that got them. Splitting is fuzz/command_line_fuzz.cpp's matter, too.
+// Tests how command lines are built, and the arguments that real children receive.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -10,6 +10,8 @@
 #include "platform/test/scratch_directory.h"
 #include "platform/test/table.h"
 #include "platform/test/variable.h"
+#include "platform/test/watched_memory.h"
+#include "process/command_line.h"
 #include "vel_include/vel_process.h"
 
 namespace {
@@ -25,7 +27,7 @@ class NewProcess : public testing::Test {
  protected:
   std::string report() const { return vel::test::readFile(reportPath_); }
 
-  /// The arguments that the child got, without the first.
+  /// The arguments that the child received, without the first.
   Texts arguments() const {
     std::istringstream lines(report());
     Texts texts;
@@ -43,22 +45,37 @@ class NewProcess : public testing::Test {
   Variable variable_{"VEL_TEST_REPORT", reportPath_.c_str()};
 };
 
-/// Shows the command line.
+/// Gives access to the command line.
 class Unlaunched : public VelClNewProcessABase {
  public:
   explicit Unlaunched(const char* program) : VelClNewProcessABase(VelClExeFile(program)) {}
   bool launch() override { return false; }
-  const char* line() {
+  char* line() { return getArgs(); }
+  const char* lineAtLaunch() {
     prepareLaunch();
-    return getArgs();
+    return line();
   }
 };
 
-TEST(CommandLine, QuotesBlanksOnly) {
+TEST(CommandLine, GrowsByDoublingAndStaysTerminated) {
+  const vel::test::WatchedMemory memory;
+  Unlaunched process("absent");
+  std::string expected = "absent.EXE";
+  for (int count = 0; count < 500; ++count) {
+    process.addArgument("x");
+    EXPECT_EQ(process.line(), expected += " x");
+  }
+  EXPECT_LT(memory.allocations, 12);
+  // A derived class may have written over the terminator.
+  process.line()[expected.size()] = '!';
+  EXPECT_EQ(process.lineAtLaunch(), expected);
+}
+
+TEST(CommandLine, HasQuotesAroundArgumentsWithBlanks) {
   Unlaunched process("absent");
   std::string expected = "absent.EXE";
   EXPECT_EQ(process.line(), expected);
-  // Of back-slashes at the end one is doubled, however many there are.
+  // Intentional: only one backslash at the end is doubled, however many there are.
   for (const auto& row : readTexts(VEL_TEST_DATA "test/quoted.tsv")) {
     process.addArgument(row[0].c_str());
     EXPECT_EQ(process.line(), expected += row.at(1));
@@ -75,8 +92,17 @@ TEST(CommandLine, QuotesBlanksOnly) {
   EXPECT_STREQ(Unlaunched("my prog").line(), "\"my prog.EXE\"");
 }
 
-// Back-slashes before anything but a quote stand for themselves. Before a quote two make one, and an odd one
-// makes the quote ordinary. What one row leaves behind in the report would show in the next.
+TEST(CommandLine, IsSplitIntoArguments) {
+  for (const auto& row : readTexts(VEL_TEST_DATA "test/command_lines.tsv")) {
+    const vel::process::Arguments arguments(row[0].c_str());
+    ASSERT_EQ(arguments.get()[arguments.count()], nullptr) << row[0];
+    EXPECT_EQ(Texts(arguments.get(), arguments.get() + arguments.count()), Texts(row.begin() + 1, row.end()))
+        << row[0];
+  }
+}
+
+// Backslashes are literal unless a quote follows: then two of them are one, and an odd one makes the quote
+// literal.
 TEST_F(NewProcess, ArgumentsAreSplitAsTheWindowsRuntimeDoes) {
   long code = 256;
   for (const auto& row : readTexts(VEL_TEST_DATA "test/arguments.tsv")) {
@@ -109,15 +135,14 @@ TEST_F(NewProcess, DetachedProgramsRunUntilTheyAreEnded) {
     VelClProcess running(id);
     EXPECT_TRUE(running.kill());
     EXPECT_TRUE(vel::test::endsWithin(id, vel::test::kTimeLimitMs));
-    // Now it is nobody's identifier, which counts as success.
+    // Intentional: ending a process that has ended counts as success.
     EXPECT_TRUE(running.kill());
     EXPECT_EQ(running.getLastError().getErrorId(), 0UL);
   }
   EXPECT_TRUE(VelClProcess(0).kill());
 }
 
-// A program that is there is not searched.
-TEST_F(NewProcess, ProgramsAreSearchedAlongPath) {
+TEST_F(NewProcess, ProgramsAreSearchedAlongPathUnlessTheyExist) {
   const Variable path("PATH", childPath_.parent_path().string().c_str());
   const VelClExeFile found("launch_child");
   EXPECT_TRUE(found.isFoundInSystemPath());

@@ -1,10 +1,13 @@
-// Bits and their persistent form. What other streams do to an array is fuzz/bit_array_fuzz.cpp's matter.
+// Tests bit arrays and their persistent form, also with streams that other programs wrote.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bitset>
+#include <cstring>
 #include <sstream>
 #include <string>
 
+#include "platform/test/watched_memory.h"
 #include "vel_include/vel_util.h"
 
 namespace {
@@ -16,8 +19,10 @@ std::string written(const VelClBitArray& array) {
 }
 
 /// The form of an array with these bytes.
-std::string form(char bitCount, const std::string& bytes) {
-  return std::string(1, bitCount) + std::string(7, '\0') + bytes;
+std::string form(std::uint64_t bitCount, const std::string& bytes) {
+  std::string count(sizeof bitCount, '\0');
+  std::memcpy(count.data(), &bitCount, sizeof bitCount);
+  return count + bytes;
 }
 
 TEST(BitArray, AgreesWithABitset) {
@@ -25,7 +30,7 @@ TEST(BitArray, AgreesWithABitset) {
   VelClBitArray array(kBits);
   std::bitset<kBits> model;
   for (std::size_t step = 0; step < 2000; ++step) {
-    const std::size_t index = step * 7919 % 31;  // also beyond the end
+    const std::size_t index = step * 7919 % 31;  // also past the end
     const auto change = step * 31 % 7 % 3;
     change == 0 ? array.set(index) : change == 1 ? array.reset(index) : array.flip(index);
     if (index < kBits) model[index] = change == 0 || (change == 2 && !model[index]);
@@ -37,6 +42,45 @@ TEST(BitArray, AgreesWithABitset) {
                                       static_cast<char>(bits >> 16 & 0xFF)}));
   array.resetAll();
   EXPECT_EQ(written(array), form(21, std::string(3, '\0')));
+}
+
+// A stream sets the number of bits, but the memory keeps its size: only bytes within both count.
+TEST(BitArray, ReadsAnyStreamWithinItsMemory) {
+  const vel::test::WatchedMemory memory;
+  const std::string payload = "\x81\xFF\x42\x24";
+  for (const std::uint64_t bits : {0U, 7U, 8U, 17U})
+    for (const std::uint64_t told : {std::uint64_t{0}, std::uint64_t{1}, std::uint64_t{7}, std::uint64_t{8},
+                                     std::uint64_t{17}, std::uint64_t{1000}, ~std::uint64_t{0}})
+      for (std::size_t length = 0; length <= 12; ++length) {
+        std::istringstream stream(form(told, payload).substr(0, length));
+        VelClBitArray array(bits);
+        array.read(stream);
+        const std::size_t room = bits / 8 + 1;
+        EXPECT_EQ(stream.good(), length >= 8 + room) << length << " bytes for " << bits << " bits";
+        const std::uint64_t count = length < 8 ? bits : told;
+        std::string bytes = payload.substr(0, length < 8 ? 0 : std::min(length - 8, room));
+        bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(room, count / 8 + 1)));
+        EXPECT_EQ(array.getNumOfBits(), count);
+        std::size_t setBits = 0;
+        for (std::size_t index = 0; index < 8 * bytes.size(); ++index) {
+          const bool isSet = index < count && (bytes[index / 8] >> index % 8 & 1) != 0;
+          EXPECT_EQ(array.test(index), isSet) << index << " of " << count;
+          setBits += isSet ? 1U : 0U;
+        }
+        EXPECT_EQ(array.getNumOfSetBits(), setBits) << count;
+        for (const std::uint64_t beyond :
+             {std::max<std::uint64_t>(count, 8 * bytes.size()), ~std::uint64_t{0}}) {
+          array.set(beyond);
+          EXPECT_FALSE(array.test(beyond)) << beyond << " of " << count;
+        }
+        EXPECT_EQ(written(array), form(count, bytes)) << length << " bytes for " << bits << " bits";
+      }
+  EXPECT_TRUE(memory.live.empty());
+  // The bit count of a stream limits what the next one can change.
+  std::istringstream stream(form(7, "ab") + form(15, "c"));
+  VelClBitArray array(15);
+  for (int times = 0; times < 2; ++times) array.read(stream);
+  EXPECT_EQ(written(array), form(15, "cb"));
 }
 
 TEST(BitArray, ComparesBytesAndNotSizes) {
@@ -51,6 +95,12 @@ TEST(BitArray, ComparesBytesAndNotSizes) {
   EXPECT_FALSE(fifteen == eight);
   eight.set(0);
   EXPECT_FALSE(eight == sixtyFour);
+  for (const std::uint64_t told : {7U, 127U}) {
+    std::istringstream stream(form(told, std::string(2, '\0')));
+    VelClBitArray read(15);
+    read.read(stream);
+    EXPECT_TRUE(read == VelClBitArray(told == 7 ? 7 : 15)) << told;
+  }
 }
 
 TEST(BitArray, CopiesBitsAndSize) {

@@ -1,4 +1,4 @@
-// Lines and dumps against a renderer that builds them character by character.
+// Compares lines and dumps with those of a reference that builds them character by character.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,7 +15,7 @@
 
 namespace {
 
-/// The slow way: one byte at a time.
+/// The reference: one byte at a time.
 std::string expectedData(const std::string& bytes, bool binary) {
   const std::size_t perLine = binary ? 8 : 16;
   std::string line, characters;
@@ -46,7 +46,7 @@ std::string expectedDump(const std::string& bytes, bool binary) {
   return dump;
 }
 
-TEST(StringRepresentation, HasTheDocumentedLines) {
+TEST(StringRepresentation, IsTheDocumentedLine) {
   EXPECT_STREQ(VelClStrepHexDump(16, "ABCDEFGHIJKLMNOPxyz", 19).getAsCString(),
                "00000010: 41 42 43 44 45 46 47 48  49 4A 4B 4C 4D 4E 4F 50 | ABCDEFGHIJKLMNOP");
   EXPECT_EQ(VelClStrepHexDump(nullptr, 0).getAsCString(), expectedData("", false));
@@ -58,7 +58,7 @@ TEST(StringRepresentation, HasTheDocumentedLines) {
       "00000008: 01000001 00001010 ________ ________  ________ ________ ________ ________ | A.______");
 }
 
-TEST(StringRepresentation, WidensTheAddressToSixteenDigits) {
+TEST(StringRepresentation, HasAnAddressOfEightToSixteenDigits) {
   const char* const text = "0123456789ABCDEF";
   for (int bits = 0; bits < 64; ++bits)
     for (const std::size_t offset : {std::size_t{1} << bits, ~std::size_t{0} >> bits}) {
@@ -67,7 +67,7 @@ TEST(StringRepresentation, WidensTheAddressToSixteenDigits) {
     }
 }
 
-TEST(StringRepresentation, PrintsAddressesAsStreamsDo) {
+TEST(StringRepresentation, OfAnAddressIsThatOfStreams) {
   for (int bits = 0; bits < 64; ++bits)
     for (const std::uint64_t number :
          {std::uint64_t{1} << bits, ~std::uint64_t{0} >> bits, std::uint64_t{0}}) {
@@ -78,12 +78,12 @@ TEST(StringRepresentation, PrintsAddressesAsStreamsDo) {
     }
 }
 
-TEST(Dump, PrintsWholeAreasLineByLine) {
+TEST(Dump, HasALineForEachGroupOfBytes) {
   for (const unsigned count : {0U, 1U, 2U, 7U, 8U, 9U, 15U, 16U, 17U, 512U, 1023U, 1024U, 1025U, 5000U}) {
     std::string bytes;
     for (std::size_t i = 0; i < count; ++i) bytes += static_cast<char>(i * 7 + i / 256);
     std::ostringstream hex, sameHex, binary;
-    // Neither the stream's settings nor its fill character touch a dump.
+    // The stream's settings do not affect a dump.
     hex.width(200);
     velDump(hex, bytes.data(), count);
     velDumpHex(sameHex, bytes.data(), count);
@@ -94,7 +94,7 @@ TEST(Dump, PrintsWholeAreasLineByLine) {
   }
 }
 
-TEST(Dump, CountsElementsInMemoryOrder) {
+TEST(Dump, OfElementsIsInMemoryOrder) {
   const std::uint64_t numbers[] = {0x4142434445464748, 1};
   const std::string bytes(reinterpret_cast<const char*>(numbers), sizeof numbers);
   std::ostringstream dump;
@@ -105,7 +105,7 @@ TEST(Dump, CountsElementsInMemoryOrder) {
             expectedDump(bytes.substr(0, 8), false) + expectedDump(bytes, false) + expectedDump(bytes, true));
 }
 
-TEST(Dump, GoesToStandardOutputUnlessTheFormIsForDebugging) {
+TEST(Dump, GoesToStandardOutputExceptForDebugDumps) {
   const std::uint16_t words[2] = {0x3130, 0x3332};
   testing::internal::CaptureStdout();
   velDump("ab", 2);

@@ -1,4 +1,5 @@
-// The generator against numbers that an independent model made, its scaling, and its use with <random>.
+// Compares the generator with numbers of an independent model, and tests its scaling and its use with
+// <random>.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -14,7 +15,7 @@ namespace {
 static_assert(std::uniform_random_bit_generator<VelClRandomBitGenerator> &&
               VelClRandomBitGenerator::min() == 0 && VelClRandomBitGenerator::max() == 0xFFFFFFFF);
 
-TEST(RandomNumberGenerator, GivesTheModelsNumbers) {
+TEST(RandomNumberGenerator, AgreesWithTheModel) {
   std::ifstream file(VEL_RANDOM_NUMBERS);
   std::string word;
   std::getline(file, word);
@@ -29,7 +30,7 @@ TEST(RandomNumberGenerator, GivesTheModelsNumbers) {
   }
 }
 
-TEST(RandomNumberGenerator, TakesEvenAndOddSeedsAlikeAndOthersNot) {
+TEST(RandomNumberGenerator, IgnoresTheLowestBitOfTheSeedOnly) {
   const VelClRandomNumberGenerator even(6), odd(7), other(8);
   int differences = 0;
   for (int i = 0; i < 600; ++i) {
@@ -58,7 +59,7 @@ TEST(RandomNumberGenerator, ServesTheStandardDistributions) {
   for (int i = 0; i < 600; ++i) ASSERT_EQ(bits(), same.getRandomNumber());
 }
 
-// The tick moves on while generators are made, so a generator that ignored it would be noticed.
+// The clock advances during the test, so a generator that ignores it fails.
 TEST(RandomNumberGenerator, SeedsItselfFromTheClock) {
   const unsigned long first = VelClRandomNumberGenerator().getRandomNumber();
   EXPECT_TRUE(vel::test::waitUntil([&] { return VelClRandomNumberGenerator().getRandomNumber() != first; }));

@@ -1,17 +1,19 @@
-// Search in long texts against a slow, obvious answer, and the worst cases of search and wildcards. Short
-// texts are fuzz/search_fuzz.cpp's matter.
+// Compares searches in long texts with std::search, and tests the worst cases of search and wildcards.
+// fuzz/search_fuzz.cpp tests short texts.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <string>
 #include <vector>
 
+#include "platform/test/guarded_memory.h"
 #include "vel_include/vel_util.h"
 
 namespace {
 
-/// Every text of at most `longest` letters, the empty one first.
+/// Returns every text of at most `longest` letters, the empty one first.
 std::vector<std::string> allTexts(const std::string& letters, std::size_t longest) {
   std::vector<std::string> texts{""};
   for (std::size_t at = 0; at < texts.size(); ++at)
@@ -20,7 +22,7 @@ std::vector<std::string> allTexts(const std::string& letters, std::size_t longes
   return texts;
 }
 
-// They are looked through in blocks. Without a terminator sanitizers see a read beyond the end.
+// Long texts are searched in blocks. They have no NUL, so that sanitizers notice a read past the end.
 TEST(StringSearch, FindsTheFirstOccurrenceInLongTexts) {
   const auto texts = allTexts("ab", 5);
   for (std::size_t length = 1; length < 300; length += 7)
@@ -37,14 +39,24 @@ TEST(StringSearch, FindsTheFirstOccurrenceInLongTexts) {
       }
 }
 
-// Every place is like a start: the search must not compare all of the pattern at each of them.
-TEST(StringSearch, FindsLongPatternsInTextsFullOfTheirEnds) {
+TEST(StringSearch, DoesNotReadBytesAfterTheGivenLength) {
+  const VelClStringSearch search("xxa", false);
+  const vel::test::GuardedMemory memory(100);
+  for (unsigned int length = 1; length <= 100; ++length) {
+    char* const text = memory.place(length, true);
+    std::memset(text, 'x', length);
+    EXPECT_EQ(search.getPattern(text, length), nullptr) << length;
+  }
+}
+
+// The pattern nearly matches at every position; comparing all of it there would take quadratic time.
+TEST(StringSearch, IsNotQuadraticWhereThePatternNearlyMatches) {
   const std::string pattern = std::string(1000, 'a') + "b" + std::string(1000, 'a');
   const std::string text = std::string(20'000, 'a') + pattern;
   EXPECT_EQ(text.c_str() + 20'000, VelClStringSearch(pattern.c_str(), false).getPattern(text.c_str()));
 }
 
-TEST(StringSearch, SearchesTerminatedTextsAndHighBytes) {
+TEST(StringSearch, AcceptsNulTerminatedTextsAndAllBytes) {
   const std::string text = std::string(1000, 'x') + "\xFF\x80y";
   EXPECT_EQ(text.c_str() + 1000, VelClStringSearch("\xFF\x80", false).getPattern(text.c_str()));
   EXPECT_EQ(nullptr, VelClStringSearch("xxy", true).getPattern(text.c_str()));
@@ -52,20 +64,20 @@ TEST(StringSearch, SearchesTerminatedTextsAndHighBytes) {
   EXPECT_EQ(nullptr, VelClGrep(1, "x").getPattern(text.c_str()));
 }
 
-TEST(WildcardPattern, ManyStarsTakeTimeOfTheProductOnly) {
+TEST(WildcardPattern, IsNotExponentialInTheNumberOfStars) {
   std::string pattern;
   for (int i = 0; i < 100; ++i) pattern += "*a";
   EXPECT_FALSE(velMatchesWildcardPattern((pattern + "*b").c_str(), std::string(10000, 'a').c_str(), false));
   EXPECT_TRUE(velMatchesWildcardPattern(pattern.c_str(), std::string(10000, 'A').c_str(), false));
 }
 
-TEST(StringMatchWildcards, GivesTheWholeTextByItsCaseRule) {
+TEST(StringMatchWildcards, ReturnsTheTextIfAllOfItMatches) {
   const struct {
     const char *pattern, *text;
     bool caseSensitive, matches;
   } rows[] = {{"*.ini", "TEST.INI", false, true}, {"\\*", "*", true, false}, {"x", "xy", true, false},
               {"*.ini", "TEST.INI", true, false}, {nullptr, "", true, true}, {"*?", "", true, false},
-              {"\xE9?", "\xE9\xE9", false, true}, {"[a]", "a", true, false}};
+              {"\xE9?", "\xE9\xE9", false, true}, {"[a]", "a", true, false}, {"\xE9", "\xC9", false, false}};
   for (const auto& row : rows) {
     EXPECT_EQ(row.matches ? row.text : nullptr,
               VelClStringMatchWildcards(row.pattern, row.caseSensitive).getPattern(row.text))

@@ -1,11 +1,11 @@
-// A tool for the tests of prompts. Its arguments are prompts, worked off in turn, each a kind and what that
-// takes, all as text; "-" is null for any of them, "#17" is the question of message 17:
+// A tool for the tests of prompts. Its arguments are prompts, executed in order: a kind and the parameters of
+// that kind. "-" is null, and "#17" is the question in message 17:
 //   prompt QUESTION HINT DEFAULT    string QUESTION DEFAULT    number QUESTION MINIMUM MAXIMUM DEFAULT
 //   yesNo QUESTION y|n              key                        enter
-//   again              question and default are the answer before
-//   catch              from here on interruptions are only counted
-//   caught             tells how many there were
-//   ignore             from here on interruptions are ignored
+//   again              the previous answer is the question and the default
+//   catch              counts interruptions from now on
+//   caught             shows their number
+//   ignore             ignores interruptions from now on
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>

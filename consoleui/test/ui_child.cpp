@@ -1,7 +1,7 @@
-// A tool for the tests of the console user interface. Its command line is the matter of the tests, so
-// what it does is told by environment variables:
+// A tool for the tests of the console user interface. Environment variables control it, since the tests use
+// its command line:
 //   UI_CATALOG, UI_BASE                  a catalog of its own, and its message base
-//   UI_DIRECTORY                         where to go first
+//   UI_DIRECTORY                         the current directory to change to
 //   UI_TITLE, UI_DESCRIPTION, UI_LEVEL   for init; numbers with UI_CATALOG
 //   UI_TAGGED                            "hide" or "disable"
 //   UI_USAGE, UI_HELP                    for handleUsageHelp; numbers with UI_CATALOG
@@ -34,7 +34,7 @@ VelClSwitchName param() {
   return text;
 }
 
-void tellString(VelClConsoleUI& ui) {
+void showString(VelClConsoleUI& ui) {
   const char* value = "untouched";
   const bool found = ui.hasArgString(param(), value);
   std::cout << (found ? "= " : "absent ") << value << '\n';
@@ -43,7 +43,7 @@ void tellString(VelClConsoleUI& ui) {
   if (again != value || found != ui.hasArgSwitch(param())) std::cout << "contradiction\n";
 }
 
-void tellNumbers(VelClConsoleUI& ui) {
+void showNumbers(VelClConsoleUI& ui) {
   short shortest = 77;
   int middle = 77;
   long longest = 77;
@@ -67,17 +67,20 @@ void report(VelClConsoleUI& ui) {
   ui.exception(exception, "no copy", "file");
 }
 
-/// The library writes its own fatal messages to standard error, the tool's to the error stream.
+/// The library writes its own fatal messages to standard error, and those of the tool to the error stream.
 void redirectErrors(VelClConsoleUI& ui) {
   static std::ostringstream bells;
   ui.setOutputStream(bells);
   ui.getParams().setErrorStream(std::cout);
-  tellString(ui);
+  showString(ui);
   ui.fatal(7, "redirected");
 }
 
-/// The display asks the clock, whether a second has passed: nothing else can be waited for.
+/// Sleeps because the display appears by the clock, a second after the start.
 void progress(VelClConsoleUI& ui, int delayMs) {
+  // The steps of an earlier display do not count.
+  ui.progressStart(4, "Other work");
+  ui.progressStep(3);
   ui.progressStart(4, "Working");
   for (int step = 0; step < 4; ++step) {
     std::this_thread::sleep_for(std::chrono::milliseconds(delayMs));
@@ -92,9 +95,9 @@ int integer = 0;
 
 const std::map<std::string, void (*)(VelClConsoleUI& ui)> kActions = {
     {"reqSwitch", [](VelClConsoleUI& ui) { ui.reqArgSwitch(param()); }},
-    {"string", tellString},
+    {"string", showString},
     {"reqString", [](VelClConsoleUI& ui) { ui.reqArgString(param(), text); }},
-    {"numbers", tellNumbers},
+    {"numbers", showNumbers},
     {"int", [](VelClConsoleUI& ui) { ui.hasArgNumval(param(), integer); }},
     {"reqShort",
      [](VelClConsoleUI& ui) {
@@ -116,7 +119,7 @@ const std::map<std::string, void (*)(VelClConsoleUI& ui)> kActions = {
     {"slowProgress", [](VelClConsoleUI& ui) { progress(ui, 350); }},
 };
 
-/// `words` gives a variable's text, or the number of a message.
+/// `words` returns the text of a variable, or its number as that of a message.
 template <typename Words>
 int run(VelClConsoleUI& ui, Words words) {
   const char* level = variable("UI_LEVEL");

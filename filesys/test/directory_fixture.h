@@ -1,4 +1,4 @@
-// What tests of files and directories share: a scratch directory by back-slash names, and the last error.
+// Shared by tests of files and directories: a scratch directory with backslash names, and the last error.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -21,23 +21,23 @@ class DirectoryFixture : public testing::Test {
 };
 
 /// The last error of a file or directory.
-using Left = std::pair<uint32_t, VelEnErrorClass>;
+using LastError = std::pair<uint32_t, VelEnErrorClass>;
 
 template <typename Object>
-Left left(const Object& object) {
+LastError lastError(const Object& object) {
   return {object.getLastError().errorId, object.getLastError().errorClass};
 }
 
-inline const Left kNone(VEL_NO_ERROR, VelEnErrorClass::UNKNOWN);
+inline const LastError kNoError(VEL_NO_ERROR, VelEnErrorClass::UNKNOWN);
 
-/// The last error after an operation, which tells by its result whether there is one.
+/// Returns the last error after an operation, and checks that there is one exactly when the operation failed.
 template <typename Object>
-Left outcome(bool isDone, const Object& object) {
-  EXPECT_EQ(isDone, left(object) == kNone);
-  return left(object);
+LastError outcome(bool isDone, const Object& object) {
+  EXPECT_EQ(isDone, lastError(object) == kNoError);
+  return lastError(object);
 }
 
-/// A path that the system takes in any length.
+/// Returns the path in a form that the system accepts in any length.
 inline std::filesystem::path unlimited(const std::string& path) {
   return (std::filesystem::path::preferred_separator == '\\' ? "\\\\?\\" : "") + path;
 }

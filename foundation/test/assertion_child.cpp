@@ -1,4 +1,4 @@
-// Fails an assertion, as the argument says, so that a test can read the report and see the end.
+// Fails the assertion that the argument names, so that a test can check the report and the exit.
 #include <csignal>
 #include <cstring>
 #include <string>

@@ -1,4 +1,4 @@
-// Layouts are spelled out here once more, independently of the parsers.
+// The layouts are repeated here, independently of the parsers.
 
 #include "messages/test/catalog_builder.h"
 

@@ -1,5 +1,5 @@
-// Builds message tables and library files byte by byte, so that tests can hold the parsers
-// against layouts that no compiler would write.
+// Builds message tables and library files byte by byte, so that tests can use layouts that no compiler would
+// write.
 #pragma once
 
 #include <cstdint>
@@ -29,19 +29,19 @@ struct TestMessage {
 /// Message tables by name and language.
 using TestTables = std::map<std::uint32_t, std::map<std::uint32_t, Bytes>>;
 
-/// A table entry as the message compiler writes it: terminated and filled up to four bytes.
+/// Returns a table entry as the message compiler writes it: NUL-terminated and padded to four bytes.
 Bytes tableEntry(const std::string& text, bool unicode = false);
 
-/// A sound table; messages in id order, a block each.
+/// Returns a valid table with a block for each message. Pass the messages in the order of their ids.
 Bytes messageTable(const std::vector<TestMessage>& messages);
 
-/// A library file whose only section holds these tables.
+/// Returns a library file whose only section holds these tables.
 Bytes libraryFile(const TestTables& tables, bool wide = true);
 
-/// A file in which this many names lead to one directory of this many languages, and these to one table.
+/// Returns a file in which all names share one directory, and all languages in it share one table.
 Bytes libraryOfSharedBranches(const Bytes& table, std::uint32_t names, std::uint32_t languages);
 
-/// Where libraryFile() puts the resource tree.
+/// The file offset of the resource tree in libraryFile().
 constexpr std::uint32_t kTreeOffset = 0x200;
 
 constexpr std::uint32_t kDirectory = 0x80000000;

@@ -1,4 +1,4 @@
-// Appending where the system refuses: what was written is told, and no signal ends the process.
+// Tests appending where the system refuses: the number of bytes written is returned, and no signal is raised.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -18,7 +18,7 @@ namespace {
 
 class PosixAppend : public testing::Test {
  protected:
-  /// Appends both texts; -1 when the file cannot be opened.
+  /// Appends both texts and returns the number of bytes written, or -1 if the file cannot be opened.
   std::int64_t append(const std::string& name, const std::string& first, const std::string& second,
                       AppendTo target = AppendTo::AnyFile) {
     int descriptor = -1;
@@ -56,7 +56,7 @@ TEST_F(PosixAppend, RefusesWithoutWaiting) {
   }
 }
 
-// A signal that waited before is not taken for this failure's.
+// A SIGPIPE that was pending before stays pending.
 TEST_F(PosixAppend, BrokenPipesRaiseNoSignal) {
   int ends[2];
   ASSERT_EQ(::pipe(ends), 0);
@@ -80,7 +80,7 @@ TEST_F(PosixAppend, BrokenPipesRaiseNoSignal) {
   close(ends[1]);
 }
 
-TEST_F(PosixAppend, RefusesWhatOthersCanHavePlanted) {
+TEST_F(PosixAppend, RefusesFilesThatOtherUsersCouldHaveCreated) {
   const auto path = [this](const char* name) { return directory_.path(name); };
   for (const auto& [name, mode] : {std::pair{"kept", 0600}, {"own", 0644}, {"group", 0620}, {"all", 0602}})
     ASSERT_EQ(chmod(directory_.write(name, "old").c_str(), static_cast<mode_t>(mode)), 0);
@@ -104,10 +104,10 @@ TEST_F(PosixAppend, RefusesWhatOthersCanHavePlanted) {
   for (const auto& [name, refusal] : rows) {
     EXPECT_EQ(append(path(name), "a", "b", AppendTo::OwnFile), refusal == 0 ? 2 : -1) << name;
     EXPECT_EQ(error_, refusal) << name;
-    EXPECT_EQ(append(path(name), "a", "b"), 2) << name << ": any file will do";
+    EXPECT_EQ(append(path(name), "a", "b"), 2) << name << ": as any file";
   }
   close(reader);
-  EXPECT_EQ(test::readFile(path("kept")), "oldab") << "only when any file will do";
+  EXPECT_EQ(test::readFile(path("kept")), "oldab") << "appended to as any file only";
   struct stat status {};
   EXPECT_EQ(stat(path("new").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777, 0600U);

@@ -1,4 +1,4 @@
-// Links in the place of directories, entries exchanged while a removal runs, and failing listings.
+// Tests links to directories, entries that are exchanged during a removal, and listings that fail.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -35,7 +35,7 @@ class PosixDirectories : public testing::Test {
   const std::string outside_ = scratch_.write("outside/deep/file", "kept");
 };
 
-TEST_F(PosixDirectories, LinksAreRemovedThemselves) {
+TEST_F(PosixDirectories, RemovalDeletesLinksButNotTheirTargets) {
   fs::create_directory(scratch_.path("tree"));
   link("../outside", "tree/link");
   link("../outside", "tree/.link");
@@ -76,7 +76,7 @@ TEST_F(PosixDirectories, AnExchangedEntryIsNotFollowed) {
   EXPECT_EQ(openEntry(tree, entry, opened), ENOTDIR);
   EXPECT_EQ(opened.system, nullptr);
   EXPECT_EQ(removeEntry(tree, entry), ENOTDIR);
-  // What was opened stays, wherever its path leads.
+  // An open directory stays the same, even if its path leads elsewhere.
   fs::rename(scratch_.path("tree"), scratch_.path("moved"));
   link("outside/deep", "tree");
   std::memcpy(file.systemName, "file", 5);
@@ -128,7 +128,7 @@ TEST_F(PosixDirectories, RemovalEndsAtABoundedDepth) {
   }
 }
 
-TEST_F(PosixDirectories, TakePathsOfAnyLengthThatTheSystemTakes) {
+TEST_F(PosixDirectories, AcceptPathsUpToTheLimitOfTheSystem) {
   const std::string name = scratch_.path("outside"),
                     longest = std::string(PATH_MAX - 1 - name.size(), '/') + name;
   for (const bool fits : {true, false}) {
@@ -140,11 +140,11 @@ TEST_F(PosixDirectories, TakePathsOfAnyLengthThatTheSystemTakes) {
   }
 }
 
-TEST_F(PosixDirectories, AListingThatBreaksOffFails) {
+TEST_F(PosixDirectories, AListingThatIsInterruptedReportsAnError) {
   const int next = dup(0);
   close(next);
   VelClDirectoryWalk walk(directory("outside"));
-  close(next);  // which is the walk's
+  close(next);  // the descriptor of the walk
   while (walk.setToNext()) {
   }
   EXPECT_EQ(walk.getLastError().errorId, DIRWALK_NO_CONTINUATION);
@@ -152,7 +152,7 @@ TEST_F(PosixDirectories, AListingThatBreaksOffFails) {
   EXPECT_FALSE(walk.isValid());
 }
 
-TEST_F(PosixDirectories, ExclusiveCreationOpensOnlyWhatIsNew) {
+TEST_F(PosixDirectories, ExclusiveCreationOpensNewFilesOnly) {
   link("nowhere", "broken");
   int descriptor = -1;
   for (const char* taken : {"outside/deep/file", "broken"})

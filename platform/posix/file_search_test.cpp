@@ -1,4 +1,4 @@
-// Where programs, libraries and message catalogs are found, and by which names.
+// Tests the search for programs, libraries and message catalogs.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A current directory "here" and a search path of "first" and "second".
+/// The current directory is "here", and the search path has "first" and "second".
 class FileSearch : public testing::Test {
  protected:
   std::string path(const std::string& entry) const { return scratch_.path(entry); }
@@ -43,7 +43,7 @@ std::string program(const char* name, std::size_t capacity = 261) {
   return searchProgram(name, out.data(), capacity) ? out.c_str() : "-";
 }
 
-/// The exit code of the program of that name, which has a directory.
+/// Runs the program, whose name has a directory, and returns its exit code.
 int run(std::string name) {
   EXPECT_TRUE(programExists(name.c_str())) << name;
   char* const arguments[] = {name.data(), nullptr};
@@ -74,7 +74,7 @@ TEST_F(FileSearch, ProgramsAreInTheCurrentDirectoryThenAlongThePath) {
   }
 }
 
-TEST_F(FileSearch, ProgramsWithADirectoryMayBeInBackSlashes) {
+TEST_F(FileSearch, ProgramsWithADirectoryMayHaveBackslashNames) {
   const std::string tool = add("Dir/Tool");
   add("here/tool");
   for (const std::string& name : {tool, tool + ".EXE", test::backSlashed(path("DIR/TOOL.EXE")),
@@ -83,7 +83,7 @@ TEST_F(FileSearch, ProgramsWithADirectoryMayBeInBackSlashes) {
   EXPECT_FALSE(programExists("..\\dir\\absent.exe"));
 }
 
-/// 0 when the library is loaded and its procedure is there.
+/// Loads a library and calls its procedure. Returns 0 or the error code.
 std::uint32_t loading(const std::string& name) {
   void* library = nullptr;
   if (const NativeError error = loadLibrary(name.c_str(), library); error != 0) return error;
@@ -93,7 +93,7 @@ std::uint32_t loading(const std::string& name) {
   return 0;
 }
 
-TEST_F(FileSearch, OneLibraryNameStandsForThreeFiles) {
+TEST_F(FileSearch, LibrariesAreTriedUnderThreeNames) {
   for (const char* name : {"given.DLL", "plain.so", "libusual.so", "bad.so"}) addLibrary(name);
   scratch_.write("bad.DLL", "no library");
   for (const auto& row : test::readTable(VEL_TEST_DATA "test/posix/library_names.tsv"))
@@ -105,7 +105,7 @@ TEST_F(FileSearch, OneLibraryNameStandsForThreeFiles) {
   EXPECT_EQ(loading(""), std::uint32_t{ENOENT});
 }
 
-TEST_F(FileSearch, TheLoadersOwnPlacesComeLast) {
+TEST_F(FileSearch, LibrariesOfTheSystemAreFoundByTheLoaderOnly) {
   char path[261];
   EXPECT_FALSE(searchLibrary("libc.so.6", path, sizeof path));
   void* library = nullptr;
@@ -114,7 +114,7 @@ TEST_F(FileSearch, TheLoadersOwnPlacesComeLast) {
   freeLibrary(library);
 }
 
-/// The contents of the catalog found, "-" when there is none.
+/// Returns the contents of the catalog found, or "-".
 std::string catalog(const std::string& name, CatalogOwner owner = CatalogOwner::Other) {
   int descriptor = -1;
   if (openCatalog(name.c_str(), owner, descriptor) != 0) return "-";
@@ -126,7 +126,7 @@ std::string catalog(const std::string& name, CatalogOwner owner = CatalogOwner::
   return contents;
 }
 
-TEST_F(FileSearch, CatalogsAreFilesWithContentsAtTheFirstPlace) {
+TEST_F(FileSearch, CatalogsAreTheFirstFilesThatAreNotEmpty) {
   scratch_.write("here/MSGS.dll", "other case");
   EXPECT_EQ(catalog("msgs.DLL"), "other case");
   fs::create_directory(path("here/msgs.DLL"));
@@ -143,21 +143,21 @@ TEST_F(FileSearch, CatalogsAreFilesWithContentsAtTheFirstPlace) {
   EXPECT_EQ(catalog("pipe.DLL"), "-");
 }
 
-TEST_F(FileSearch, TheLibrarysOwnCatalogIsInTheCurrentDirectoryLast) {
+TEST_F(FileSearch, TheLibrarysOwnCatalogIsSearchedInTheCurrentDirectoryLast) {
   const auto own = [](const char* name) { return catalog(name, CatalogOwner::ThisLibrary); };
   EXPECT_EQ(own("own.DLL"), "-");
   scratch_.write("here/own.DLL", "here");
   EXPECT_EQ(own("own.DLL"), "here");
-  // Also when it is spelled in another way.
+  // The case of its name does not matter.
   scratch_.write("second/OWN.dll", "second");
   EXPECT_EQ(own("own.DLL"), "second");
   EXPECT_EQ(catalog("own.DLL"), "here");
-  // Beside this program, into which the library is linked here.
+  // The library is linked into this program, whose directory comes first.
   scratch_.write("second/small_catalog.DLL", "second");
   EXPECT_TRUE(own("small_catalog.DLL").starts_with("MZ"));
 }
 
-TEST_F(FileSearch, ADirectoryIsTheOnlyPlaceOfACatalog) {
+TEST_F(FileSearch, CatalogsWithADirectoryAreNotSearched) {
   scratch_.write("first/msgs.DLL", "first");
   scratch_.write("here/Sub/Msgs.DLL", "sub");
   EXPECT_EQ(catalog("sub\\msgs.dll"), "sub");

@@ -1,4 +1,4 @@
-// What POSIX systems add: back-slash names, links, pipes, dot files and permission bits.
+// Tests what is particular to POSIX systems: backslash names, links, pipes, dot files and permission bits.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -46,9 +46,9 @@ class PosixFiles : public testing::Test {
   const std::string file_ = scratch_.write("file", "kept");
 };
 
-// What matches nothing stays as typed, and so does all behind it. The exact name comes first, else the first
-// in byte order. Only ASCII letters are folded, and nothing in names with slashes.
-TEST_F(PosixFiles, BackSlashNamesTakeTheSpellingOfTheirEntries) {
+// A component without a match stays as typed, and so do those after it. An exact match comes before others,
+// and those are in byte order. Only ASCII letters are folded, and none in names with slashes.
+TEST_F(PosixFiles, BackslashNamesGetTheSpellingOfTheirEntries) {
   for (const char* entry :
        {"Dir/Sub/File.txt", "twice/a", "twice/A", "twice/B.txt", "twice/b.TXT", "\u00C4.txt"})
     scratch_.write(entry, "");
@@ -62,7 +62,7 @@ TEST_F(PosixFiles, BackSlashNamesTakeTheSpellingOfTheirEntries) {
   EXPECT_STREQ(NativePath("\\TMP", NativePath::Match::AllButLast).get(), "/TMP");
 }
 
-TEST_F(PosixFiles, CurrentDirectoryFitsExactlyOrNotAtAll) {
+TEST_F(PosixFiles, CurrentDirectoryNeedsRoomForItsNul) {
   const test::CurrentDirectory in(path(""));
   const std::string directory = test::backSlashed(fs::current_path().string());
   char out[261];
@@ -72,7 +72,7 @@ TEST_F(PosixFiles, CurrentDirectoryFitsExactlyOrNotAtAll) {
     EXPECT_EQ(currentDirectory(out, capacity), ERANGE) << capacity;
 }
 
-/// Goes into a new directory whose path has this length.
+/// Creates a directory whose path has this length, changes to it and returns the path.
 std::string enterDirectoryOf(std::size_t length, const std::string& parent) {
   std::string path = fs::canonical(parent).string() + '/';
   path.resize(length, 'd');
@@ -81,7 +81,7 @@ std::string enterDirectoryOf(std::size_t length, const std::string& parent) {
   return path;
 }
 
-// With the drive and the final separator 260 characters fit.
+// The limit is 260 characters with the drive and the final separator.
 TEST_F(PosixFiles, LimitsOfNamesAreExact) {
   const test::CurrentDirectory in(path(""));
   for (const bool fits : {true, false}) {
@@ -125,7 +125,7 @@ TEST_F(PosixFiles, NamesWithALeadingDotAreHidden) {
   EXPECT_EQ(attributesOf("/"), kAttributeDirectory);
 }
 
-TEST_F(PosixFiles, OnlyWriteBitsChange) {
+TEST_F(PosixFiles, ReadOnlyChangesOnlyWriteBits) {
   const std::tuple<mode_t, bool, mode_t> rows[] = {
       {04755, true, 04555}, {0020, false, 0220}, {0462, true, 0440}, {0555, false, 0755}, {0755, true, 0555}};
   for (const auto& [before, readOnly, after] : rows) {
@@ -135,9 +135,9 @@ TEST_F(PosixFiles, OnlyWriteBitsChange) {
   }
 }
 
-// A link is followed as the source, and replaced as the target. What a pipe or device is copied to does not
-// appear, and nobody waits for a pipe.
-TEST_F(PosixFiles, CopiesKeepPermissionBitsAndReplaceOnlyFilesAndTheirLinks) {
+// A link is followed as the source and replaced as the target. Copying a pipe or device fails without waiting
+// and creates no target.
+TEST_F(PosixFiles, CopiesKeepPermissionBitsAndReplaceOnlyFilesAndLinks) {
   ASSERT_EQ(chmod(file_.c_str(), 04751), 0);
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   const std::string outside = scratch_.write("outside/file", "outside");
@@ -165,7 +165,7 @@ TEST_F(PosixFiles, CopiesKeepPermissionBitsAndReplaceOnlyFilesAndTheirLinks) {
   EXPECT_EQ(readFile(file_) + readFile(outside), "keptoutside");
 }
 
-TEST_F(PosixFiles, AFailedCopyLeavesTheOldTarget) {
+TEST_F(PosixFiles, AFailedCopyKeepsTheOldTarget) {
   scratch_.write("existing", "old");
   scratch_.write("large", std::string(100'000, 'x'));
   for (const char* target : {"existing", "new"}) {
@@ -179,8 +179,8 @@ TEST_F(PosixFiles, AFailedCopyLeavesTheOldTarget) {
   EXPECT_EQ(entries(), 3);
 }
 
-TEST_F(PosixFiles, CopiesGoIntoAFileWhoseDirectoryTakesNoOther) {
-  if (!test::canBeUnprivileged()) GTEST_SKIP() << "nobody to be refused anything";
+TEST_F(PosixFiles, CopiesOverwriteAFileWhoseDirectoryIsReadOnly) {
+  if (!test::canBeUnprivileged()) GTEST_SKIP() << "no unprivileged user";
   for (const char* name : {"file", "closed/existing", "sticky/existing"})
     ASSERT_EQ(chmod(scratch_.write(name, name).c_str(), 0666), 0);
   for (const auto& [name, mode] : {std::pair{"", 0755}, {"closed", 0555}, {"sticky", 01777}})
@@ -192,8 +192,8 @@ TEST_F(PosixFiles, CopiesGoIntoAFileWhoseDirectoryTakesNoOther) {
   }
 }
 
-// The second name of a file shows what became of it.
-TEST_F(PosixFiles, RemovedFilesAreMadeWritableButNoLinksTarget) {
+// A hard link shows the permissions of a removed file.
+TEST_F(PosixFiles, RemovedFilesAreMadeWritableButNotTheTargetOfALink) {
   ASSERT_EQ(chmod(file_.c_str(), 0444), 0);
   fs::create_symlink("file", path("link"));
   EXPECT_EQ(removeFile(path("link").c_str()), 0);
@@ -204,9 +204,9 @@ TEST_F(PosixFiles, RemovedFilesAreMadeWritableButNoLinksTarget) {
 }
 
 TEST_F(PosixFiles, AFileThatCannotBeRemovedKeepsItsPermissions) {
-  if (!test::canBeUnprivileged()) GTEST_SKIP() << "nobody to be refused anything";
+  if (!test::canBeUnprivileged()) GTEST_SKIP() << "no unprivileged user";
   const std::string kept = scratch_.write("locked/file", "kept");
-  // The file's owner may change its permissions.
+  // The owner of the file could change its permissions.
   const uid_t owner = geteuid() == 0 ? test::kOtherUser : geteuid();
   ASSERT_EQ(chown(kept.c_str(), owner, static_cast<gid_t>(-1)), 0);
   for (const auto& [name, mode] : {std::pair{"", 0755}, {"locked", 0555}, {"locked/file", 0440}})
@@ -216,13 +216,13 @@ TEST_F(PosixFiles, AFileThatCannotBeRemovedKeepsItsPermissions) {
 }
 
 TEST_F(PosixFiles, RenamingNeverReplaces) {
-  // With and without the file system's help.
-  using Way = SystemError (*)(const char*, const char*);
-  const Way byLink = [](const char* from, const char* to) { return renameByLink(AT_FDCWD, from, to); };
-  for (const Way way : {Way{renameFile}, byLink}) {
+  // renameByLink is for file systems that cannot refuse to replace.
+  using Function = SystemError (*)(const char*, const char*);
+  const Function byLink = [](const char* from, const char* to) { return renameByLink(AT_FDCWD, from, to); };
+  for (const Function function : {Function{renameFile}, byLink}) {
     const test::ScratchDirectory scratch;
     const auto rename = [&](const char* from, const char* to) {
-      return way(scratch.path(from).c_str(), scratch.path(to).c_str());
+      return function(scratch.path(from).c_str(), scratch.path(to).c_str());
     };
     scratch.write("file", "kept");
     scratch.write("directory/other", "other");
@@ -258,8 +258,8 @@ std::string readAll(const std::string& name, PipeWithoutWriter pipe = kRefuse) {
   return text;
 }
 
-// Reading blocks, opening does not.
-TEST_F(PosixFiles, OpeningAPipeWaitsForNoWriter) {
+// Opening does not block, but reading does.
+TEST_F(PosixFiles, OpeningAPipeDoesNotWaitForAWriter) {
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   const std::string pipe = path("pipe");
   int silent = -1;
@@ -284,8 +284,8 @@ TEST_F(PosixFiles, OpeningAPipeWaitsForNoWriter) {
   late.join();
 }
 
-// As a shell hands over the output of a program, which may have ended before and written nothing.
-TEST_F(PosixFiles, PipesWithoutANameAreReadToTheirEnd) {
+// A shell passes such names; the program that writes may have ended without output.
+TEST_F(PosixFiles, UnnamedPipesAreReadToTheirEnd) {
   for (const std::string text : {"", "text"}) {
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);

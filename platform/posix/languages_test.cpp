@@ -1,4 +1,4 @@
-// Languages and code pages from the environment, texts in these code pages, and sleeping through signals.
+// Tests languages and code pages of the environment, texts in these code pages, and sleeping through signals.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <unistd.h>
@@ -16,13 +16,13 @@ namespace vel::platform {
 
 namespace {
 
-TEST(PosixLanguages, LocaleNamesGiveLanguageNumbers) {
+TEST(PosixLanguages, AreDerivedFromLocaleNames) {
   for (const auto& row : test::readTable(VEL_TEST_DATA "test/posix/locale_languages.tsv"))
     EXPECT_EQ(languageIdOfLocaleName(row[0].c_str()), std::stoul(row.at(1), nullptr, 0)) << row[0];
   EXPECT_EQ(languageIdOfLocaleName(nullptr), 0U);
 }
 
-TEST(PosixLanguages, FollowTheLocaleVariables) {
+TEST(PosixLanguages, AreThoseOfTheLocaleVariables) {
   ASSERT_STREQ(std::setlocale(LC_CTYPE, nullptr), "C");
   for (const auto& row : test::readTable(VEL_TEST_DATA "test/posix/locale_variables.tsv")) {
     const auto value = [&row](std::size_t column) {
@@ -36,7 +36,7 @@ TEST(PosixLanguages, FollowTheLocaleVariables) {
   }
 }
 
-TEST(CodePages, ComeFromTheEnvironment) {
+TEST(CodePages, AreThoseOfTheLocale) {
   for (const auto& row : test::readTable(VEL_TEST_DATA "test/posix/locale_code_pages.tsv")) {
     const test::Variable locale("LC_ALL", row[0].c_str());
     EXPECT_EQ(ansiCodePage(), std::stoul(row.at(1))) << row[0];
@@ -44,7 +44,7 @@ TEST(CodePages, ComeFromTheEnvironment) {
   }
 }
 
-TEST(CodePages, TakeTexts) {
+TEST(CodePages, HoldTextsThatFit) {
   for (const auto& row : test::readTexts(VEL_TEST_DATA "test/posix/page_texts.tsv")) {
     const auto ccsid = static_cast<std::uint32_t>(std::stoul(row[0]));
     const std::u16string text = test::unitsOf(row[1]);
@@ -67,7 +67,7 @@ TEST(PosixClocks, SignalsDoNotShortenSleep) {
   ASSERT_TRUE(performanceCounter(start));
   ualarm(3000, 3000);
   std::int64_t sleeps = 0;
-  // Signals that arrive while the machine does something else become one.
+  // Several signals may be delivered as one.
   for (; signalCount < 2 || sleeps == 0; ++sleeps) sleepMilliseconds(60);
   ualarm(0, 0);
   ASSERT_TRUE(performanceCounter(end));

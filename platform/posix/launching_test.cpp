@@ -1,4 +1,4 @@
-// What children inherit from this process and leave behind in it.
+// Tests what children inherit from this process, and that they leave it unchanged.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -27,12 +27,12 @@ namespace {
 namespace fs = std::filesystem;
 using Texts = std::vector<std::string>;
 
-/// 0 or the system's number.
+/// Returns 0 or the error code of the system.
 int launch(decltype(launchAndWait) way, Texts texts, std::uint32_t& result) {
   return static_cast<int>(way({nullptr, test::pointersTo(texts).data(), false}, result));
 }
 
-/// The exit code; a failed launch as a negative error.
+/// Returns the exit code, or the negated error code of a failed launch.
 int run(const Texts& texts) {
   std::uint32_t exitCode = 0;
   const int error = launch(launchAndWait, texts, exitCode);
@@ -54,14 +54,14 @@ void reapEverything(int) {
   errno = error;
 }
 
-TEST(PosixLaunching, FailedStartsTellTheSystemsNumber) {
+TEST(PosixLaunching, FailuresReturnTheErrorCodeOfTheSystem) {
   const test::ScratchDirectory scratch;
   const std::string text = scratch.write("text", "no program"),
                     script = scratch.write("script", "#!/nowhere\n");
   EXPECT_EQ(run({text}), -EACCES);
   for (const std::string& runnable : {text, script}) chmod(runnable.c_str(), 0700);
   EXPECT_EQ(run({text}), -ENOEXEC);
-  // The longest name that a system takes, and one that is longer.
+  // The system accepts PATH_MAX bytes with the NUL.
   const std::string program = "/bin/true",
                     longest = std::string(PATH_MAX - 1 - program.size(), '/') + program;
   EXPECT_EQ(run({longest}), 0);
@@ -78,13 +78,13 @@ TEST(PosixLaunching, OnlyStandardStreamsAreInherited) {
   std::vector<int> open(ends, ends + 2);
   for (const int number : {3, 4, 10, 100})
     if (fcntl(number, F_GETFD) == -1) open.push_back(dup2(ends[0], number));
-  // Lists what is open from 3 on, but for the directory that is read itself.
+  // Lists the open descriptors from 3 on, except that of the directory being read.
   const std::string list = "cd /proc/$$/fd; for f in *; do [ $f -lt 3 ] || [ ! -e $f ] || echo $f; done";
   testing::internal::CaptureStdout();
   EXPECT_EQ(runShell(list), 0);
   EXPECT_EQ(runShell("exec 9</dev/null; " + list), 0);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "9\n");
-  // The listing itself takes the first free number.
+  // The listing itself uses the first free descriptor.
   for (const bool isInputOpen : {true, false}) {
     const auto closesAll = [&] {
       if (!isInputOpen) close(STDIN_FILENO);
@@ -109,7 +109,7 @@ int failedLaunches() {
   return failures;
 }
 
-/// A copy of this process that lives until the last writer of the pipe closes it.
+/// Starts a copy of this process that ends when the last writer of the pipe closes it.
 pid_t waitingCopy(const int (&ends)[2]) {
   const pid_t child = fork();
   if (child != 0) return child;
@@ -120,8 +120,8 @@ pid_t waitingCopy(const int (&ends)[2]) {
   _exit(0);
 }
 
-// They have all that was open at their start, and keep it.
-TEST(PosixLaunching, NeverWaitForTheChildrenOfOtherThreads) {
+// Children of other threads hold copies of all descriptors that were open when they were forked.
+TEST(PosixLaunching, DoesNotWaitForTheChildrenOfOtherThreads) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
   auto failures = std::async(std::launch::async, failedLaunches);
@@ -141,7 +141,7 @@ TEST(PosixLaunching, WorksWithoutStandardStreams) {
   const test::ScratchDirectory scratch;
   const std::string report = scratch.path("report");
   const std::string script = "cd /proc/$$/fd; echo $(readlink 0 1 2) > " + report;
-  // What is opened on the way then has their numbers.
+  // Descriptors that the launch opens then have the numbers 0 to 2.
   const auto launchAll = [&script] {
     for (const int stream : {0, 1, 2}) close(stream);
     std::uint32_t id = 0;
@@ -160,7 +160,7 @@ TEST(PosixThreads, ForkedChildrenAreOtherThreads) {
   EXPECT_EQ(currentThreadId(), parent);
 }
 
-TEST(PosixLaunching, SignalsAreTreatedAsBeforeAndBecomeExitCodes) {
+TEST(PosixLaunching, SignalMaskIsInheritedAndSignalsBecomeExitCodes) {
   sigset_t blocked, before, after;
   sigemptyset(&blocked);
   sigaddset(&blocked, SIGUSR1);
@@ -176,32 +176,29 @@ TEST(PosixLaunching, SignalsAreTreatedAsBeforeAndBecomeExitCodes) {
     EXPECT_EQ(sigismember(&after, number), number == SIGUSR1 ? 1 : 0) << number;
 }
 
-TEST(PosixLaunching, ExitCodesSurviveWhateverIsDoneAboutChildSignals) {
-  struct Row {
-    void (*handler)(int);
-    int flags;
-  };
-  for (const Row& row : {Row{SIG_IGN, 0}, Row{SIG_DFL, SA_NOCLDWAIT}, Row{reapEverything, 0}}) {
+TEST(PosixLaunching, ExitCodesDoNotDependOnTheActionForSigchld) {
+  for (const auto& [handler, flags] :
+       {std::pair{SIG_IGN, 0}, {SIG_DFL, SA_NOCLDWAIT}, {&reapEverything, 0}}) {
     struct sigaction action {
     }, before{}, after{};
-    action.sa_handler = row.handler;
-    action.sa_flags = row.flags;
+    action.sa_handler = handler;
+    action.sa_flags = flags;
     sigaction(SIGCHLD, &action, &before);
     for (int times = 0; times < 20; ++times) EXPECT_EQ(runShell("exit 5"), 5);
-    if (row.handler == SIG_IGN) {
-      // Whoever ends first must not put the action back under the others.
+    if (handler == SIG_IGN) {
+      // The launch that ends first must not restore the action while others are running.
       std::vector<std::future<int>> codes;
       for (const char* script : {"sleep 0.02; exit 3", "sleep 0.1; exit 3", "sleep 0.2; exit 3"})
         codes.push_back(std::async(std::launch::async, runShell, script));
       for (std::future<int>& code : codes) EXPECT_EQ(code.get(), 3);
     }
     sigaction(SIGCHLD, &before, &after);
-    EXPECT_EQ(after.sa_handler, row.handler);
+    EXPECT_EQ(after.sa_handler, handler);
   }
   EXPECT_TRUE(hasNoChildren());
 }
 
-TEST(PosixLaunching, CancelledThreadsEndAfterTheirLaunch) {
+TEST(PosixLaunching, ACancelledThreadCompletesItsLaunch) {
   int code = 0;
   pthread_t thread{};
   const auto cancelled = [](void* codeOfThread) -> void* {
@@ -217,7 +214,7 @@ TEST(PosixLaunching, CancelledThreadsEndAfterTheirLaunch) {
   EXPECT_EQ(code, 5);
 }
 
-TEST(PosixLaunching, DetachedProgramsAreOnTheirOwn) {
+TEST(PosixLaunching, DetachedProgramsShareNeitherSessionNorDescriptors) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
   std::uint32_t id = 0;
@@ -229,7 +226,7 @@ TEST(PosixLaunching, DetachedProgramsAreOnTheirOwn) {
   const std::string entry = "/proc/" + std::to_string(id);
   for (const char* stream : {"/fd/0", "/fd/1", "/fd/2"})
     EXPECT_EQ(fs::read_symlink(entry + stream), "/dev/null");
-  // Descriptors that its start opens come and go meanwhile.
+  // Its start opens and closes descriptors meanwhile.
   std::error_code gone;
   for (const auto& open : fs::directory_iterator(entry + "/fd"))
     EXPECT_FALSE(fs::read_symlink(open, gone).string().starts_with("pipe")) << open;

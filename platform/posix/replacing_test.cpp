@@ -1,5 +1,4 @@
-// Replaced files as this system shows them: permissions, links, devices, what a failure leaves, and what
-// other users can do about it.
+// Tests replacing files: permissions, links, devices, the state after a failure, and attacks by other users.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -91,20 +90,20 @@ TEST_F(Replacing, KeepsPermissionsAndFollowsLinksToTheirEnd) {
   char byte = 0;
   EXPECT_EQ(read(ends[0], &byte, 1), 1);
   EXPECT_EQ(byte, 'x');
-  EXPECT_EQ(entries() + entriesIn(path("a")), 9U) << "something is left behind";
+  EXPECT_EQ(entries() + entriesIn(path("a")), 9U) << "an unfinished file is left";
   EXPECT_EQ(entriesIn("/proc/self/fd"), before);
   for (const int end : ends) close(end);
 }
 
-TEST_F(Replacing, CreatesFilesWithThePermissionsThatTheUserWants) {
+TEST_F(Replacing, CreatesFilesWithThePermissionsOfTheUmask) {
   const mode_t before = umask(027);
   EXPECT_EQ(replaceWith(path("created"), "x"), 0);
   umask(before);
   EXPECT_EQ(fs::status(path("created")).permissions(), fs::perms(0640));
 }
 
-TEST_F(Replacing, TakesNoAccessControlListFromTheDirectory) {
-  // As the system stores it: version 2, then per entry its kind, its rights and whose they are.
+TEST_F(Replacing, KeepsTheAccessControlListOfTheFileAndInheritsNone) {
+  // The system's format is version 2, then for each entry tag and permissions, and the user or group.
   const std::uint32_t list[] = {2, 0x70001, ~0U, 0x70002, 1234, 0x50004, ~0U, 0x70010, ~0U, 0x50020, ~0U};
   constexpr const char* kOfFile = "system.posix_acl_access";
   chmod(file_.c_str(), 0640);
@@ -118,7 +117,7 @@ TEST_F(Replacing, TakesNoAccessControlListFromTheDirectory) {
   EXPECT_EQ(getxattr(file_.c_str(), kOfFile, nullptr, 0), ssize_t{sizeof list});
 }
 
-/// A replacement that was begun, by name.
+/// A replacement that was started and written.
 struct Begun : Replacement {
   explicit Begun(const std::string& name) : error(startReplacement(name.c_str(), *this)) {
     EXPECT_EQ(error, 0);
@@ -127,7 +126,7 @@ struct Begun : Replacement {
   SystemError error;
 };
 
-TEST_F(Replacing, LosesNothingWhenAnotherFileTakesTheName) {
+TEST_F(Replacing, FailsWhenAnotherFileGetsTheName) {
   const std::size_t before = entriesIn("/proc/self/fd");
   for (const bool byLink : {false, true}) {
     const std::string other = scratch_.write("other", "other");
@@ -146,7 +145,7 @@ TEST_F(Replacing, LosesNothingWhenAnotherFileTakesTheName) {
   Begun gone(file_);
   fs::remove(file_);
   EXPECT_EQ(finishReplacement(gone), ECANCELED);
-  EXPECT_EQ(entries(), 0U) << "something is left behind";
+  EXPECT_EQ(entries(), 0U) << "an unfinished file is left";
   EXPECT_EQ(entriesIn("/proc/self/fd"), before);
 }
 
@@ -155,7 +154,7 @@ SystemError beginBeside(const std::string& target, BesideName name, Replacement&
   return error != 0 ? error : createBeside(0600, name, replacement);
 }
 
-TEST_F(Replacing, ShowsNoUnfinishedFileWhereTheFileSystemAllowsIt) {
+TEST_F(Replacing, HasNoVisibleTemporaryFileUnlessItNeedsAName) {
   for (const auto name : {BesideName::None, BesideName::Random}) {
     const std::string created = path("created");
     Replacement replacement, late;
@@ -176,7 +175,7 @@ TEST_F(Replacing, ShowsNoUnfinishedFileWhereTheFileSystemAllowsIt) {
   }
 }
 
-TEST_F(Replacing, RemovesTheUnfinishedFileBeforeASignalEndsTheProgram) {
+TEST_F(Replacing, RemovesTheUnfinishedFileWhenASignalEndsTheProgram) {
   for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
     const auto raiseMeanwhile = [&] {
       signal(number, SIG_DFL);
@@ -198,14 +197,14 @@ TEST_F(Replacing, RemovesTheUnfinishedFileBeforeASignalEndsTheProgram) {
   EXPECT_EQ(test::statusOfCopy(isIgnored), 0);
 }
 
-TEST_F(Replacing, TellsWhenOwnerOrPermissionsAreLost) {
-  if (!test::canBecomeOtherUser()) GTEST_SKIP() << "takes the superuser";
+TEST_F(Replacing, ReportsLostOwnerOrPermissions) {
+  if (!test::canBecomeOtherUser()) GTEST_SKIP() << "needs root";
   chmod(scratch_.path().c_str(), 0777);
   const auto keepsRights = [&] {
     Begun begun(file_);
     return finishReplacement(begun) != 0 ? -1 : begun.keepsRights ? 1 : 0;
   };
-  // What was the owner's and the group's is no right of others, and what the group had not others get not.
+  // No right of the old owner or group passes to others, nor one that the group did not have.
   for (const auto& [before, after] : {std::pair{0606, 0600}, {0646, 0604}, {06777, 0707}}) {
     ASSERT_EQ(chown(file_.c_str(), 0, 0), 0);
     ASSERT_EQ(chmod(file_.c_str(), static_cast<mode_t>(before)), 0);
@@ -216,7 +215,7 @@ TEST_F(Replacing, TellsWhenOwnerOrPermissionsAreLost) {
   EXPECT_EQ(statusOfFile().st_uid, test::kOtherUser);
 }
 
-/// Lets a name lead to a file of its own and to another user's private one, in turn, until it is ended.
+/// Makes the name a file of its own and a link to another user's private file, in turn, forever.
 void swapNames(const std::string& name, const std::string& secret) {
   const std::string own = name + ".own", link = name + ".link";
   for (;;) {
@@ -230,7 +229,7 @@ void swapNames(const std::string& name, const std::string& secret) {
   }
 }
 
-/// As editors do: what was read goes only into the file that it was read from.
+/// Saves as an editor does: only into the file that was read.
 void saveWhatIsThere(const std::string& name) {
   ReadableFile source;
   char bytes[64];
@@ -246,8 +245,8 @@ void saveWhatIsThere(const std::string& name) {
   finishReplacement(replacement);
 }
 
-TEST_F(Replacing, GivesNothingAwayWhenAnotherUserSwapsNames) {
-  if (!test::canBecomeOtherUser()) GTEST_SKIP() << "takes the superuser";
+TEST_F(Replacing, IsSafeWhenAnotherUserSwapsFiles) {
+  if (!test::canBecomeOtherUser()) GTEST_SKIP() << "needs root";
   const std::string secret = scratch_.write("private/secret", "hidden"),
                     name = scratch_.write("shared/file", "");
   for (const auto& [entry, mode] : {std::pair{"", 0755}, {"private", 0700}, {"private/secret", 0600}})

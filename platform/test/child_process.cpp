@@ -1,4 +1,4 @@
-// The files behind a child's standard streams, its environment, and where its program is found.
+// Prepares the files for a child's standard streams, its environment, and the path of its program.
 #include "platform/test/child_process.h"
 
 #include <stdlib.h>
@@ -53,7 +53,7 @@ ChildResult runTool(const std::string& tool, const std::vector<std::string>& arg
   return runChild(tool, arguments, {.environment = {{"LC_ALL", "C"}}, .input = input, .rawOutput = true});
 }
 
-// Of a file, a terminal's mode or a window of another process no system tells a test: it has to ask.
+// Polls, because systems do not notify of a changed file, a terminal's mode or a window of another process.
 bool waitUntil(const std::function<bool()>& question, int limitMs) {
   for (int passedMs = 0; passedMs < limitMs; ++passedMs) {
     if (question()) return true;

@@ -1,5 +1,4 @@
-// Starts a program as a child, waits for it and keeps what it printed: for tests of exit codes,
-// abnormal ends and printed bytes. And what tests want to know of other processes.
+// Runs a program as a child and returns its output and exit code; and asks about other processes.
 #pragma once
 
 #include <functional>
@@ -9,15 +8,15 @@
 
 namespace vel::test {
 
-/// No test waits longer for anything: longer than a busy machine takes, and less than ctest waits for a test.
+/// The limit of every wait in a test: longer than a busy machine needs, shorter than the time-out of ctest.
 inline constexpr int kTimeLimitMs = 600 * 1000;
 
 struct ChildResult {
   bool started = false;
-  /// abort(), a crash or the time limit. On Windows abort() is exit code 3, so a child must not use
-  /// that code for anything else; on POSIX systems 127 is that of a child without program.
+  /// Ended by abort(), a crash or the time limit. A child must not use exit code 3, which is that of abort()
+  /// on Windows, nor 127, which on POSIX systems means that the program was not found.
   bool endedAbnormally = false;
-  int exitCode = -1;            ///< when it ended by itself
+  int exitCode = -1;            ///< -1 if it ended abnormally
   std::string output;           ///< standard output, CR LF as LF
   std::string errors;           ///< standard error, CR LF as LF
   std::string failedCall = {};  ///< see ChildOptions::failingCall
@@ -29,33 +28,32 @@ using Variables = std::vector<std::pair<std::string, std::string>>;
 struct ChildOptions {
   Variables environment = {};
   std::string input = {};  ///< bytes for standard input
-  bool rawOutput = false;  ///< leave line breaks as the child wrote them
-  /// On Linux: which of the calls that write to files fails, from 1; the result tells its name, "" when
-  /// there are fewer. There is no time limit then.
+  bool rawOutput = false;  ///< keep CR LF in the output
+  /// Linux only: the number of the call that fails, from 1, among those that write to files. The result has
+  /// its name, or "" if there are fewer. No time limit applies.
   int failingCall = 0;
-  std::string failingReads = {};  ///< a directory in full: calls that read files there count, too
+  std::string failingReads = {};  ///< an absolute path: calls that read files in it count, too
 };
 
-/// `program` is a name beside the running program, without extension, or a path. A child that reaches the
-/// time limit is ended and reported as an abnormal end. The child's standard streams are files: it can
-/// never block on them.
+/// Runs `program`: a path, or a name without extension in the directory of this program. A child that reaches
+/// the time limit is ended. Its standard streams are files, so it cannot block on them.
 ChildResult runChild(const std::string& program, const std::vector<std::string>& arguments,
                      const ChildOptions& options = {});
 
-/// A tool that speaks English, and leaves line breaks as they are.
+/// Runs a tool in English, with rawOutput.
 ChildResult runTool(const std::string& tool, const std::vector<std::string>& arguments,
                     const std::string& input = {});
 
-/// The path of the running program.
+/// Returns the path of this program.
 std::string ownProgram();
 
-/// Whether a process ends in this time, or is no more. It may still wait to be noticed by its parent.
+/// Waits for the end of a process; returns false at the time limit. A zombie counts as ended.
 bool endsWithin(unsigned int processId, int milliseconds);
 
-/// Asks every millisecond until the answer is yes; false at the time limit.
+/// Calls `question` every millisecond until it returns true; returns false at the time limit.
 bool waitUntil(const std::function<bool()>& question, int limitMs = kTimeLimitMs);
 
-/// Closes a descriptor of the runtime.
+/// Closes a descriptor of the C run-time library.
 void closeDescriptor(int descriptor);
 
 /// Null removes the variable.

@@ -1,4 +1,4 @@
-// How each system runs a child. What all have in common is child_process.cpp's work.
+// Runs a child; each system has its own implementation. child_process.cpp does what they have in common.
 #pragma once
 
 #include <array>
@@ -19,7 +19,7 @@ struct ChildPlan {
   std::string failingReads = {};
 };
 
-/// Runs it, at most until the time limit, and fills in everything but the output.
+/// Runs the child, at most until the time limit, and fills in all of the result except the output.
 void runPlan(ChildPlan plan, ChildResult& result);
 
 }  // namespace vel::test

@@ -1,17 +1,17 @@
-// Memory between two inaccessible pages: whoever reads or writes a byte too far ends there.
+// Memory between two inaccessible pages, so that a read or write past either end crashes.
 #pragma once
 
 #include <cstddef>
 
 namespace vel::test {
 
-/// Lives until the end of the program.
+/// The memory is never freed.
 class GuardedMemory {
  public:
-  /// At least `size` bytes, in whole pages.
+  /// Allocates whole pages of at least `size` bytes.
   explicit GuardedMemory(std::size_t size);
 
-  /// A place for `size` bytes that ends, or else begins, at an inaccessible page.
+  /// Returns room for `size` bytes that ends, or else begins, at an inaccessible page.
   char* place(std::size_t size, bool atEnd) const { return atEnd ? begin_ + size_ - size : begin_; }
 
  private:

@@ -1,4 +1,4 @@
-// The system's own conversions as a second opinion, where it has them.
+// The iconv conversions of the system, as a reference where it has them.
 #pragma once
 
 #include <functional>
@@ -7,10 +7,10 @@
 
 namespace vel::test {
 
-/// Converts from a page to UTF-16, low byte first; nothing for what has no mapping.
+/// Converts from a code page to UTF-16LE; returns nothing for unmappable bytes.
 using Iconv = std::function<std::optional<std::string>(std::string bytes)>;
 
-/// Empty where the system does not know the page.
+/// Returns null if the system does not know the code page.
 Iconv iconvFrom(const std::string& page);
 
 }  // namespace vel::test

@@ -1,4 +1,4 @@
-// A directory as the root that names begin at, for tests that must not come near any other root.
+// Makes a directory the root of names, for tests that must not touch the real root.
 #pragma once
 
 #include <functional>
@@ -8,11 +8,11 @@
 
 namespace vel::test {
 
-/// Gets what names of the root may begin with, and returns its complaints.
+/// Receives the prefixes that names of the root may have, and returns its complaints.
 using InOwnRoot = std::function<std::string(const std::vector<std::string>& beginnings)>;
 
-/// Runs the action with the directory as the root and as the current directory: on POSIX systems in a copy of
-/// this process whose root it is, on Windows on a drive of its own. Nothing where the system permits neither.
+/// Runs `action` with `directory` as the root and the current directory: on POSIX systems in a copy of this
+/// process after chroot, on Windows on a drive of its own. Returns nothing if the system does not permit it.
 std::optional<std::string> inOwnRoot(const std::string& directory, const InOwnRoot& action);
 
 }  // namespace vel::test

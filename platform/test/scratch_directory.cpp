@@ -1,4 +1,4 @@
-// Scratch directories live in the system's directory for temporary files.
+// Creates scratch directories in the system's directory for temporary files.
 #include "platform/test/scratch_directory.h"
 
 #include <algorithm>
@@ -17,7 +17,8 @@ ScratchDirectory::ScratchDirectory() {
   while (!fs::create_directory(path_));
 }
 
-/// Read-only entries would otherwise stay behind: files on Windows, contents of directories on Linux.
+/// Makes all entries writable first, since Windows does not remove read-only files, nor Linux the contents of
+/// read-only directories.
 ScratchDirectory::~ScratchDirectory() {
   std::error_code ignored;
   for (auto walk = fs::recursive_directory_iterator(path_, ignored);

@@ -1,4 +1,4 @@
-// A directory for one test, removed with its contents at the end, and a change of the current directory.
+// Temporary directories, and changes of the current directory, for the duration of a test.
 #pragma once
 
 #include <filesystem>
@@ -6,6 +6,7 @@
 
 namespace vel::test {
 
+/// Creates a directory and removes it with its contents.
 class ScratchDirectory {
  public:
   ScratchDirectory();
@@ -13,7 +14,7 @@ class ScratchDirectory {
   ScratchDirectory& operator=(const ScratchDirectory&) = delete;
   ~ScratchDirectory();
 
-  /// The directory, or an entry in it, in the system's own spelling.
+  /// Returns the path of the directory, or of an entry, with the separators of the system.
   const std::string& path() const { return path_; }
   std::string path(const std::string& entry) const {
     return path_ + static_cast<char>(std::filesystem::path::preferred_separator) + entry;
@@ -25,7 +26,7 @@ class ScratchDirectory {
   std::string path_;
 };
 
-/// Another current directory as long as this object lives.
+/// Changes the current directory until the end of this object.
 class CurrentDirectory {
  public:
   explicit CurrentDirectory(const std::filesystem::path& path) { std::filesystem::current_path(path); }
@@ -37,10 +38,10 @@ class CurrentDirectory {
   std::filesystem::path before_ = std::filesystem::current_path();
 };
 
-/// All bytes of a file, "" when it cannot be read.
+/// Returns the bytes of a file, or "" if it cannot be read.
 std::string readFile(const std::string& path);
 
-/// An absolute path as back-slash names write it.
+/// Returns an absolute path as a backslash name, with a drive.
 std::string backSlashed(std::string path);
 
 }  // namespace vel::test

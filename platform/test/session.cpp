@@ -1,4 +1,5 @@
-// Reads a session file line by line; a run is performed when the one behind it, or an empty line, is met.
+// Reads a session file line by line. A run is performed when the next one, an empty line or the end is
+// reached.
 #include "platform/test/session.h"
 
 #include <gmock/gmock.h>
@@ -28,7 +29,7 @@ struct Run {
   int exitCode = 0;
 };
 
-/// With the folders that "%/" and "@/" stand for.
+/// Replaces "%/" and "@/" by their folders.
 std::string filled(const Run& run, std::string text) {
   for (const auto& [sign, folder] : {std::pair("%/", &run.folder), std::pair("@/", &run.directory)})
     for (std::size_t at = 0; (at = text.find(sign, at)) != std::string::npos; at += folder->size())
@@ -41,7 +42,7 @@ std::string lineOf(const Run& run, const std::string& text) {
   return filled(run, goesOn ? unescaped(text.substr(0, text.size() - 1)) : unescaped(text) + '\n');
 }
 
-/// Of a file, whose name stands behind a doubled sign, or the text itself.
+/// Returns the text of the line, or the contents of the file it names if the sign is doubled.
 std::string partOf(const Run& run, const std::string& line) {
   if (line[0] == line[1]) return readFile(filled(run, line.substr(3)));
   return filled(run, unescaped(line.substr(2)));
@@ -64,7 +65,7 @@ void addWords(Run& run, const std::string& text) {
   }
 }
 
-/// A file's name and its contents.
+/// Parses the name of a file and its contents.
 std::pair<std::string, std::string> fileOf(const Run& run, const std::string& text) {
   const std::size_t blank = text.find(' ');
   return {run.directory + '/' + text.substr(0, blank), unescaped(text.substr(blank + 1))};
@@ -92,13 +93,13 @@ void addLine(Run& run, const std::string& line) {
     addVariable(run, line);
 }
 
-/// Of a text of which parts are told, the whole may be anything.
+/// Expects the parts if there are any, else the whole text.
 void expectText(const std::string& text, const std::string& whole, const std::vector<std::string>& parts) {
   EXPECT_THAT(text, testing::Conditional(parts.empty(), whole, testing::_));
   for (const std::string& part : parts) EXPECT_THAT(text, testing::HasSubstr(part));
 }
 
-/// Does nothing before the first run of some that belong together.
+/// Performs a run; does nothing before the first one of a group.
 void perform(const Run& run) {
   if (run.words.empty()) return;
   SCOPED_TRACE(run.place);

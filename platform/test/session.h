@@ -1,30 +1,30 @@
-// Sessions: text files of programs that run, of what they are given and of what they answer.
+// Sessions are text files that list runs of programs, with their input and their expected output.
 //
 //   # a comment
 //   NAME=value              a variable
-//   $ NAME=value tool a ""  a run, with variables of its own in front; words with blanks stand in quotes
+//   $ NAME=value tool a ""  a run, after variables of its own; words with blanks are quoted
 //   < 9 apples              a line of standard input
 //   > = 9                   a line of standard output
 //   >> %/answer.txt         more of standard output, from a file
 //   ! wrong                 a line of standard error
-//   ? =                     in place of all lines of standard output: a part of it
-//   ?? %/begin.txt          a part that a file holds
-//   ~ wron                  in place of all lines of standard error: a part of it
-//   = 201                   the exit code, when it is not 0
-//   + name text             a file that is there before, and what it holds
-//   : name text             what a file holds afterwards
+//   ? =                     a substring of standard output, instead of all its lines
+//   ?? %/begin.txt          a substring, from a file
+//   ~ wron                  a substring of standard error, instead of all its lines
+//   = 201                   the exit code, unless it is 0
+//   + name text             a file to create before, and its contents
+//   : name text             the contents of a file afterwards
 //
-// "%/" is the folder of the session file. "@/" is a directory for the runs that follow each other; files lie
-// there. Runs follow each other without an empty line when they share what stands in front of the first of
-// them. In values and lines, "\n" and the like stand for their character; a line with "\" at its end ends
-// without a line break. The language is English unless the variables tell otherwise.
+// An empty line ends a group of runs. Lines before the first run of a group apply to all its runs. "%/" is
+// the folder of the session file, and "@/" a scratch directory of the group, which holds the files. Escapes
+// such as "\n" are replaced in values and lines; a "\" at the end of a line leaves out its line break. The
+// language is English unless the variables set another one.
 #pragma once
 
 #include <string>
 
 namespace vel::test {
 
-/// Runs all programs of a session file and expects their answers; `rawOutput` as in ChildOptions.
+/// Runs the programs of a session file and compares their output; `rawOutput` as in ChildOptions.
 void expectSession(const std::string& path, bool rawOutput = false);
 
 }  // namespace vel::test

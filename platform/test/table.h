@@ -1,4 +1,4 @@
-// Tables of tests: text files with headings, a row a line, tabs between the fields.
+// Tables for tests: text files with a line of headings, then a row per line, with tabs between the fields.
 #pragma once
 
 #include <string>
@@ -6,20 +6,19 @@
 
 namespace vel::test {
 
-/// Rows and fields, without the headings, empty lines and those that begin with "# ".
+/// Returns rows and fields, without the headings, empty lines and lines that begin with "# ".
 std::vector<std::vector<std::string>> readTable(const std::string& path);
 
-/// The text with "\n", "\t", "\r", "\a", "\0" and "\\" as what they stand for, "\x41" as the byte of this
-/// number, and "\{300x}" as 300 times "x".
+/// Replaces escapes: "\n", "\t", "\r", "\a", "\0", "\\", "\x41" for a byte, and "\{300x}" for 300 times "x".
 std::string unescaped(const std::string& text);
 
 /// As readTable(), with every field unescaped.
 std::vector<std::vector<std::string>> readTexts(const std::string& path);
 
-/// "4D00" as two bytes.
+/// Converts "4D00" to two bytes.
 std::string bytesOf(const std::string& digits);
 
-/// "4D00" as one unit.
+/// Converts "4D00" to one UTF-16LE unit.
 std::u16string unitsOf(const std::string& digits);
 
 }  // namespace vel::test

@@ -1,4 +1,4 @@
-// Exceptions of the library as texts.
+// Formats exceptions of the library as text.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@
 
 namespace vel::test {
 
-/// What `function` throws, as "identifier class severity action cause, origin", or "-".
+/// Returns the exception that `function` throws as "identifier class severity action cause, origin", or "-".
 template <typename Function>
 std::string thrown(Function function) {
   try {

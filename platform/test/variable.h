@@ -1,4 +1,4 @@
-// An environment variable for one test.
+// Sets environment variables for the duration of a test.
 #pragma once
 
 #include <cstdlib>
@@ -9,7 +9,7 @@
 
 namespace vel::test {
 
-/// Has the value, or is unset for null, as long as this object lives.
+/// Sets the variable, or unsets it for null, until the end of this object.
 class Variable {
  public:
   Variable(const char* name, const char* value) : name_(name) {

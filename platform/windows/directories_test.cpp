@@ -1,4 +1,4 @@
-// Links in the place of directories, and files that cannot be removed.
+// Tests links to directories, and files that cannot be removed.
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -15,7 +15,7 @@ namespace vel::platform {
 
 namespace {
 
-// Wine cannot remove a link to a directory: it stays, and so does what it leads to.
+// Wine cannot remove a link to a directory; then neither the link nor its target may change.
 TEST(WindowsDirectories, RemovalNeverFollowsALink) {
   for (const char* const target : {"outside", "outside\\empty"}) {
     const test::ScratchDirectory scratch;
@@ -41,7 +41,7 @@ TEST(WindowsDirectories, RemovalNeverFollowsALink) {
   }
 }
 
-TEST(WindowsFiles, OneThatCannotBeRemovedStaysReadOnly) {
+TEST(WindowsFiles, AFileThatCannotBeRemovedStaysReadOnly) {
   const test::ScratchDirectory scratch;
   const std::string name = scratch.write("file", "kept");
   ASSERT_EQ(setReadOnly(name.c_str(), true), 0);

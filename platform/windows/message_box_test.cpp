@@ -1,12 +1,13 @@
-// The window of a failed assertion, on a desktop of its own that no display shows: its title, its text, and
-// the button that ends the wait.
+// Tests the window of a failed assertion on a desktop of its own, which no display shows: its title, its
+// text, and the button that ends the wait.
 //
-// The public headers stand before windows.h here, and behind it in system_test.cpp.
+// The public headers are included before windows.h here, and after it in system_test.cpp.
 #include "vel_include/vel.h"
 
 // windows.h comes last.
 #include <windows.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -48,7 +49,25 @@ std::string textIn(HWND box) {
   return text;
 }
 
-void answerBox() {
+/// Waits until `child` shows its report, ends it by the button, and returns the report.
+std::string answerBox(const Process& child) {
+  const DWORD id = child.started.dwProcessId;
+  HWND box = nullptr;
+  EXPECT_TRUE(vel::test::waitUntil([&] {
+    box = FindWindowA(nullptr, "Internal error occured: Assertion failed!");
+    return (box != nullptr && IsWindowVisible(box) != FALSE) || vel::test::endsWithin(id, 0);
+  }));
+  const std::string text = textIn(box);
+  EXPECT_FALSE(vel::test::endsWithin(id, 0));
+  PostMessageA(box, WM_COMMAND, IDOK, 0);
+  DWORD exitCode = 0;
+  EXPECT_TRUE(vel::test::endsWithin(id, vel::test::kTimeLimitMs));
+  EXPECT_TRUE(GetExitCodeProcess(child.started.hProcess, &exitCode));
+  EXPECT_EQ(exitCode, 3U);
+  return text;
+}
+
+void failAssertions() {
   // Wine runs the windows of a desktop without graphics driver, but shows them nowhere.
   const std::string name = "vel_test_" + std::to_string(GetCurrentProcessId());
   const Process owner("explorer.exe /desktop=" + name + ",640x480,null");
@@ -56,35 +75,27 @@ void answerBox() {
   ASSERT_TRUE(vel::test::waitUntil(
       [&] { return (desktop = OpenDesktopA(name.c_str(), 0, FALSE, GENERIC_ALL)) != nullptr; }));
   ASSERT_TRUE(SetThreadDesktop(desktop));
-  // The property tells that the owner has chosen the driver; before, any other process would.
+  // The owner sets the property when it has chosen the driver; before that, any other process would choose
+  // it.
   ASSERT_TRUE(vel::test::waitUntil(
       [] { return GetPropA(GetDesktopWindow(), "__wine_display_device_guid") != nullptr; }));
   const std::string own = vel::test::ownProgram();
+  const std::string program = "\"" + own.substr(0, own.find_last_of('\\') + 1) + "assertion_child.exe\" ";
   SetEnvironmentVariableA("VEL_NO_ASSERT_POPUP", nullptr);
-  const Process child("\"" + own.substr(0, own.find_last_of('\\') + 1) + "assertion_child.exe\" message",
-                      name);
-  HWND box = nullptr;
-  ASSERT_TRUE(vel::test::waitUntil([&box] {
-    box = FindWindowA(nullptr, "Internal error occured: Assertion failed!");
-    return box != nullptr && IsWindowVisible(box) != FALSE;
-  }));
-  const DWORD id = child.started.dwProcessId;
-  EXPECT_EQ(textIn(box),
+  const Process message(program + "message", name);
+  EXPECT_EQ(answerBox(message),
             "\n*** INTERNAL ERROR OCCURED ***\n*** broken state ***\n***         FUNCTION: run\n"
             "*** ASSERTION FAILED: p != 0\n***             LINE: 4294967295\n***           MODULE: file.cpp\n"
             "***       PROCESS ID: " +
-                std::to_string(id) + "\n\n");
-  EXPECT_FALSE(vel::test::endsWithin(id, 0));
-  PostMessageA(box, WM_COMMAND, IDOK, 0);
-  DWORD exitCode = 0;
-  EXPECT_TRUE(vel::test::endsWithin(id, vel::test::kTimeLimitMs));
-  EXPECT_TRUE(GetExitCodeProcess(child.started.hProcess, &exitCode));
-  EXPECT_EQ(exitCode, 3U);
+                std::to_string(message.started.dwProcessId) + "\n\n");
+  // Only a process's first assertion asks for the variable.
+  SetEnvironmentVariableA("VEL_NO_ASSERT_POPUP", "yes");
+  EXPECT_THAT(answerBox(Process(program + "nested", name)), testing::HasSubstr("FAILED: second\n"));
 }
 
 TEST(StopMessage, ShowsTheReportOfAnAssertionAndWaits) {
-  // A thread's desktop stays what it is; so it gets a thread of its own.
-  std::thread(answerBox).join();
+  // A thread that has windows cannot change its desktop, so the test uses a thread of its own.
+  std::thread(failAssertions).join();
 }
 
 }  // namespace

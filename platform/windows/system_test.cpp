@@ -1,5 +1,5 @@
-// Import thunks, platform identifiers, terminals, code pages and replaced links; and the public
-// headers beside windows.h, which defines some of their names as macros.
+// Tests import thunks, terminals, replaced files and copies. It includes the public headers after windows.h,
+// which defines some of their names as macros.
 #include <windows.h>
 
 // windows.h comes first.
@@ -22,7 +22,7 @@
 #include "platform/test/scratch_directory.h"
 #include "platform/test/windows/wine.h"
 
-// Both macros are as they were.
+// The headers must leave both macros unchanged.
 static_assert(static_cast<int>(VelEnErrorAction::NO_ACTION) == IGNORE && VEL_NO_ERROR == NO_ERROR);
 
 namespace vel::platform {
@@ -35,7 +35,7 @@ struct Thunk {
   const void* entry;
 };
 
-TEST(WindowsSystem, ThunksLeadToTheFunctionOfAnNtSystem) {
+TEST(WindowsSystem, ThunksAreResolvedToTheirFunction) {
   const std::uint8_t function[] = {0xFF, 0x24, 0, 0, 0, 0};
   const Thunk inner{.entry = function}, outer{.entry = &inner}, endless{.entry = &endless};
   for (const void* start : std::initializer_list<const void*>{function, &inner, &outer})
@@ -45,14 +45,14 @@ TEST(WindowsSystem, ThunksLeadToTheFunctionOfAnNtSystem) {
   EXPECT_EQ(windowsPlatformId(), 2);
 }
 
-TEST(WindowsSystem, TheNullDeviceIsNoTerminal) {
+TEST(WindowsSystem, TheNullDeviceIsNotATerminal) {
   const int null = _open("NUL", _O_WRONLY);
   ASSERT_GE(null, 0);
   EXPECT_FALSE(isTerminal(null));
   _close(null);
 }
 
-TEST(WindowsSystem, ReplacingLeavesLinks) {
+TEST(WindowsSystem, ReplacingKeepsLinks) {
   const test::ScratchDirectory scratch;
   const std::string file = scratch.write("deep\\file", "old"), name = scratch.path("link");
   const test::Link link(name, file);
@@ -67,19 +67,19 @@ TEST(WindowsSystem, ReplacingLeavesLinks) {
   SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
-TEST(WindowsSystem, UnfinishedFilesEndWithTheirProgram) {
+TEST(WindowsSystem, UnfinishedFilesAreRemovedWhenTheProgramEnds) {
   const test::ScratchDirectory scratch;
   const std::string file = scratch.write("file", "old");
   Replacement replacement;
   ASSERT_EQ(startReplacement(file.c_str(), replacement), 0);
   EXPECT_TRUE(test::isThere(replacement.temporary));
-  // As the system does at the end of a program.
+  // The system closes descriptors when a program ends.
   _close(replacement.descriptor);
   EXPECT_FALSE(test::isThere(replacement.temporary));
   EXPECT_EQ(test::readFile(file), "old");
 }
 
-TEST(WindowsSystem, ReplacingLosesNothingWhenAnotherFileTakesTheName) {
+TEST(WindowsSystem, ReplacingFailsWhenAnotherFileGetsTheName) {
   const test::ScratchDirectory scratch;
   const std::string file = scratch.write("file", "old"), other = scratch.write("other", "other");
   Replacement replacement, made;
@@ -93,7 +93,7 @@ TEST(WindowsSystem, ReplacingLosesNothingWhenAnotherFileTakesTheName) {
   EXPECT_FALSE(test::isThere(replacement.temporary));
 }
 
-TEST(WindowsSystem, CopiesWhereTheTargetIsOpenOrItsNameIsLong) {
+TEST(WindowsSystem, CopiesToOpenTargetsAndToLongNames) {
   const test::ScratchDirectory scratch;
   const std::string file = scratch.write("file", "new"), target = scratch.write("target", "old target");
   const int open = _open(target.c_str(), _O_RDONLY);

@@ -1,5 +1,5 @@
-// A child for new_process_test.cpp: writes its arguments to the file that VEL_TEST_REPORT names, one in
-// brackets per line and "end" behind them, and ends as its first argument says.
+// A child for new_process_test.cpp. It writes its arguments in brackets, one per line, and "end" to the file
+// that VEL_TEST_REPORT names, and exits with the code in its first argument.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -11,7 +11,8 @@ int main(int argumentCount, char** arguments) {
   for (int at = 1; at < argumentCount; ++at) std::fprintf(file, "[%s]\n", arguments[at]);
   std::fputs("end", file);
   std::fclose(file);
-  // Somebody ends it before. It lives longer than kTimeLimitMs, so that a test notices when nobody does.
+  // The test ends the process before. It sleeps longer than kTimeLimitMs, so that a failure to end it is
+  // noticed.
   if (std::strcmp(arguments[1], "wait") == 0) std::this_thread::sleep_for(std::chrono::seconds(1200));
   return std::atoi(arguments[1]);  // NOLINT(cert-err34-c): texts are 0
 }

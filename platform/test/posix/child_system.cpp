@@ -1,4 +1,4 @@
-// Child processes by fork, and other processes by what the system lists of them.
+// Runs children by fork, and queries other processes in /proc.
 #include "platform/test/child_system.h"
 
 #include <fcntl.h>
@@ -18,7 +18,7 @@ namespace {
 
 constexpr int kExitCodeWithoutProgram = 127;
 
-/// Gone, or left for its parent to notice.
+/// Whether the process has ended; it may be a zombie.
 bool isOver(unsigned int processId) {
   const std::string status = readFile("/proc/" + std::to_string(processId) + "/stat");
   const std::size_t name = status.rfind(')');

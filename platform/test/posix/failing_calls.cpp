@@ -1,4 +1,4 @@
-// Stops a child at each of its system calls.
+// Traces the system calls of a child.
 #include "platform/test/posix/failing_calls.h"
 
 #include <fcntl.h>
@@ -26,12 +26,12 @@ const std::map<std::uint64_t, std::string> kNames = {
     {SYS_fchown, "fchown"}, {SYS_fchmod, "fchmod"},   {SYS_linkat, "link"},     {SYS_close, "close"},
     {SYS_rename, "rename"}, {SYS_renameat, "rename"}, {SYS_renameat2, "rename"}};
 
-/// The calls of a child, and which descriptors it writes to.
+/// Tracks the descriptors that a child writes to, and selects the calls that count.
 class CallWatch {
  public:
   CallWatch(pid_t child, const std::string& directory) : child_(child), directory_(directory) {}
 
-  /// What the call is, "" for one that never fails.
+  /// Returns the name of the call, or "" for one that does not count.
   std::string begin(std::uint64_t number, const std::uint64_t* arguments) {
     const auto found = kNames.find(number);
     descriptor_ = arguments[0];
@@ -87,7 +87,7 @@ int waitFailingCall(pid_t child, int number, const std::string& directory, std::
     } else {
       watch.end(fails ? -EIO : call.exit.rval);
     }
-    // No call has the number -1.
+    // The kernel rejects the number -1, so the call is not made.
     if (fails)
       ptrace(PTRACE_POKEUSER, child, isEntry ? offsetof(user, regs.orig_rax) : offsetof(user, regs.rax),
              isEntry ? -1L : -long{EIO});

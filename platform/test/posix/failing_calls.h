@@ -1,4 +1,4 @@
-// A child one of whose system calls fails.
+// Makes one system call of a child fail.
 #pragma once
 
 #include <sys/types.h>
@@ -7,10 +7,10 @@
 
 namespace vel::test {
 
-/// Waits for the end of a child that asked to be traced, and returns its status. The call of this number,
-/// from 1, of those that open files for writing, write, store, close or rename them, change their owner or
-/// permissions, or read one in `directory` (unless that is ""), is not made and fails with EIO; `name` tells
-/// which it was, "" if there were fewer. Processors other than x86-64 fail none.
+/// Waits for the end of a child that asked to be traced, and returns its wait status. Counts, from 1, the
+/// calls that open files for writing, write, sync, close or rename them, change their owner or permissions,
+/// or read one in `directory` (unless that is ""). The call of this number is not made and fails with EIO;
+/// `name` is set to its name, or "" if there are fewer. On processors other than x86-64 no call fails.
 int waitFailingCall(pid_t child, int number, const std::string& directory, std::string& name);
 
 }  // namespace vel::test

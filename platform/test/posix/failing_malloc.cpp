@@ -1,8 +1,8 @@
-// An allocator that a child loads before the C library's (LD_PRELOAD), so that allocations of the C and C++
-// run-time libraries fail, too:
+// An allocator that a child preloads (LD_PRELOAD), so that allocations of the C and C++ run-time libraries
+// fail, too:
 //   VEL_FAILING_MALLOC=5     the fifth allocation of the process fails
-//   VEL_FAILING_MALLOC=5+    so do all that follow
-//   VEL_MALLOC_COUNT=file    tells how many there were
+//   VEL_FAILING_MALLOC=5+    the fifth and all later ones fail
+//   VEL_MALLOC_COUNT=file    writes the number of allocations to this file
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -12,7 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 
-// The C library's own allocator, under the names that it keeps for this.
+// The allocator of the C library, under the names it has for such replacements.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -25,7 +25,7 @@ constexpr const char* kVariable = "VEL_FAILING_MALLOC=";
 
 unsigned long number = 0;
 
-/// Looked for each time: the environment is not there yet when the loader allocates.
+/// Reads the variable each time, because there is no environment yet when the loader allocates.
 bool fails() {
   ++number;
   if (environ == nullptr) return false;

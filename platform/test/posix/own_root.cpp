@@ -1,4 +1,4 @@
-// Another root for a copy of this process; a user namespace lets other users than root have one.
+// Changes the root of a copy of this process; users other than root need a user namespace for it.
 #include "platform/test/own_root.h"
 
 #include <fcntl.h>
@@ -20,7 +20,7 @@ bool enter(const std::string& directory) {
   return isEntered && chdir("/") == 0;
 }
 
-/// Ends this copy of the process, also by an exception: nothing else of it may run.
+/// Ends this copy of the process, even after an exception; it must not continue with other tests.
 [[noreturn]] void run(const std::string& directory, const InOwnRoot& action, int report) noexcept {
   if (!enter(directory)) _exit(kNotPermitted);
   const std::string complaints = action({"", "C:", "z:"});

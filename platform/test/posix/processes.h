@@ -1,5 +1,4 @@
-// Arguments of programs, and copies of this process, also as another user, for tests of what users can do to
-// each other. Only the superuser can become another user.
+// Arguments of programs, and copies of this process, which may run as another user if this one is root.
 #pragma once
 
 #include <grp.h>
@@ -15,7 +14,7 @@
 
 namespace vel::test {
 
-/// As exec takes them, null at the end.
+/// Returns the texts as exec requires them, with a null at the end.
 inline std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
   for (std::string& text : texts) pointers.push_back(text.data());
@@ -23,14 +22,15 @@ inline std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   return pointers;
 }
 
-/// Nobody in particular, and no member of any group.
+/// A user that owns nothing and is in no group.
 inline constexpr uid_t kOtherUser = 54321;
 
 inline bool becomeOtherUser() {
   return setgroups(0, nullptr) == 0 && setgid(kOtherUser) == 0 && setuid(kOtherUser) == 0;
 }
 
-/// The wait status of a copy of this process that does this and ends.
+/// Runs `action` in a copy of this process and returns its wait status; the exit code is 0 if it returned
+/// true.
 inline int statusOfCopy(const std::function<bool()>& action) {
   const pid_t child = fork();
   if (child == 0) _exit(action() ? 0 : 1);
@@ -39,7 +39,8 @@ inline int statusOfCopy(const std::function<bool()>& action) {
   return status;
 }
 
-/// Runs `act` in a child, as `who` changes it, and returns its exit code; -1 when there is none.
+/// Runs `who` and then `act` in a copy of this process. Returns its exit code, the result of `act`, or -1 if
+/// a signal ended it.
 template <typename Who, typename Act>
 int exitCodeOf(Who who, Act act) {
   const pid_t child = fork();
@@ -52,7 +53,7 @@ inline bool canBecomeOtherUser() {
   return geteuid() == 0 && exitCodeOf(becomeOtherUser, [] { return 0; }) == 0;
 }
 
-/// For what the superuser would never be refused: true for everybody else.
+/// Drops the privileges of root, which is never refused anything. Returns true for other users.
 inline bool beUnprivileged() {
   return geteuid() != 0 || becomeOtherUser();
 }
@@ -60,13 +61,13 @@ inline bool canBeUnprivileged() {
   return geteuid() != 0 || canBecomeOtherUser();
 }
 
-/// Lets the files that this process writes have 10 bytes at most, permanently.
+/// Limits files that this process writes to 10 bytes, permanently.
 inline bool limitFileSizes() {
   const rlimit ten{10, 10};
   return setrlimit(RLIMIT_FSIZE, &ten) == 0;
 }
 
-/// Another user's child as long as this object lives.
+/// A child that runs `act` as another user until the end of this object.
 class OtherUser {
  public:
   template <typename Act>

@@ -1,4 +1,4 @@
-// Child processes by CreateProcess, and other processes by their handles.
+// Runs children by CreateProcess, and queries other processes by their handles.
 #include "platform/test/child_system.h"
 
 #define WIN32_LEAN_AND_MEAN
@@ -13,10 +13,10 @@ namespace vel::test {
 namespace {
 
 constexpr DWORD kAbortExitCode = 3;
-/// Exit codes from here on are the system's own: exceptions that nobody handled.
+/// Exit codes from here on are those of unhandled exceptions.
 constexpr DWORD kFirstExceptionCode = 0xC0000000;
 
-/// An argument as the runtime of the child splits it: back-slashes count only before a quote.
+/// Quotes an argument for the run-time library of the child. Only backslashes before a quote are doubled.
 std::string quoted(const std::string& argument) {
   std::string result = "\"";
   std::size_t backSlashes = 0;
@@ -28,7 +28,7 @@ std::string quoted(const std::string& argument) {
   return result.append(backSlashes, '\\') + '"';
 }
 
-/// A file as a standard stream of the child.
+/// Opens a file as a standard stream of the child.
 HANDLE openStream(const std::string& path, DWORD access) {
   SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
   return CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
@@ -48,10 +48,10 @@ void runPlan(ChildPlan plan, ChildResult& result) {
   std::string line = quoted(program), environment;
   for (const std::string& argument : plan.arguments) line += " " + quoted(argument);
   for (const std::string& entry : plan.environment) environment += entry + '\0';
-  // The child inherits the mode: no window asks somebody to confirm a crash.
+  // The child inherits this mode, so that no window waits for somebody to confirm a crash.
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
   PROCESS_INFORMATION process{};
-  // Without a console a child cannot wait for the tester's keys.
+  // Without a console a child cannot wait for keys.
   result.started = CreateProcessA(program.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS,
                                   environment.data(), nullptr, &startUp, &process);
   for (HANDLE stream : {startUp.hStdInput, startUp.hStdOutput, startUp.hStdError}) CloseHandle(stream);

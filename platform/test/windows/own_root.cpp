@@ -1,4 +1,4 @@
-// A drive of a test's own, as long as the test runs.
+// Defines a drive for the duration of a test.
 #include "platform/test/own_root.h"
 
 #define WIN32_LEAN_AND_MEAN
@@ -14,7 +14,7 @@ namespace vel::test {
 
 namespace {
 
-/// The link outside Wine that stands for a drive.
+/// Returns the name outside Wine of the link that defines a drive.
 std::string linkOf(const std::string& drive) {
   const std::string folder = unixName("C:\\");
   return folder.substr(0, folder.rfind("c:")) + static_cast<char>(drive[0] | 0x20) + ":";
@@ -39,7 +39,7 @@ class OwnDrive {
       waitUntil([this] { return !isOwn(name_); });
   }
 
-  /// "Y:", or "" without one.
+  /// Returns "Y:" or the like, or "" if no drive could be defined.
   const std::string& name() const { return name_; }
 
  private:
@@ -49,7 +49,7 @@ class OwnDrive {
   }
   bool define(const std::string& drive) const {
     if (link_.empty()) return DefineDosDeviceA(0, drive.c_str(), directory_.c_str()) != FALSE && isOwn(drive);
-    // Somebody else may have been faster, and has another directory there.
+    // Another process may have defined the drive meanwhile.
     return startUnixProgram("ln", "-sn " + link_ + " " + linkOf(drive)) &&
            waitUntil([&] { return GetDriveTypeA((drive + "\\").c_str()) != DRIVE_NO_ROOT_DIR; }) &&
            isOwn(drive);

@@ -1,20 +1,20 @@
-// What a test needs under Wine, which makes links and drives only from outside.
+// Support for tests under Wine, where links and drives can only be created from outside.
 #pragma once
 
 #include <string>
 
 namespace vel::test {
 
-/// The name of a file outside Wine; "" on Windows itself.
+/// Returns the name of a file outside Wine, or "" on Windows itself.
 std::string unixName(const std::string& path);
 
-/// Runs "ln" or the like, with names from outside; nobody can wait for its end.
+/// Starts a program of the host system, with names of that system. Its end cannot be waited for.
 bool startUnixProgram(const std::string& name, const std::string& arguments);
 
-/// Whether there is such an entry, or a link of that name.
+/// Whether the entry exists, even as a broken link.
 bool isThere(const std::string& path);
 
-/// A link as long as this object lives: one that stayed would keep its directory from being removed.
+/// A symbolic link, removed with this object, since its directory could not be removed otherwise.
 class Link {
  public:
   Link(const std::string& path, const std::string& target);
