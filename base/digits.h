@@ -30,7 +30,7 @@ constexpr std::array<char, 2> hexPair(unsigned char byte, const char* digits = k
 }
 
 /// The most characters that writeHex writes.
-inline constexpr std::size_t kMostHexDigits = 16;
+inline constexpr std::size_t kMaxHexDigits = 16;
 
 /// Writes a number in hexadecimal without leading zeros, but at least one digit, and returns the end.
 constexpr char* writeHex(char* out, std::uint64_t number, const char* digits = kUpperHexDigits) noexcept {

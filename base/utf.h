@@ -38,7 +38,7 @@ constexpr std::size_t utf16Length(const char16_t* text, std::size_t length) noex
   return length > 1 && isHighSurrogate(text[0]) && isLowSurrogate(text[1]) ? 2 : 1;
 }
 
-inline constexpr std::size_t kMostUtf8Bytes = 4;
+inline constexpr std::size_t kMaxUtf8Bytes = 4;
 
 /// Returns the number of bytes that UTF-8 needs for a character.
 constexpr std::size_t utf8Length(char32_t character) noexcept {

@@ -30,8 +30,8 @@ int32_t percentageOf(uint64_t done, uint64_t total) {
 /// Writes "   1:05 left", minutes and seconds. The width never changes, so that the line covers the one
 /// before.
 void writeRemaining(double seconds) {
-  constexpr double kLongest = 99 * 3600.0;
-  const auto whole = static_cast<unsigned long>(std::lround(std::min(seconds, kLongest)));
+  constexpr double kMaxSeconds = 99 * 3600.0;
+  const auto whole = static_cast<unsigned long>(std::lround(std::min(seconds, kMaxSeconds)));
   char text[32];
   std::snprintf(text, sizeof text, "%4lu:%02lu left", whole / 60, whole % 60);
   std::cerr << text;

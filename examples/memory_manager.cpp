@@ -6,18 +6,18 @@
 
 namespace {
 
-constexpr size_t kLargest = 1024 * 1024;
+constexpr size_t kMaxSize = 1024 * 1024;
 unsigned int taken = 0;
 unsigned int given = 0;
 
 void* allocate(size_t size) {
-  if (size > kLargest) return nullptr;
+  if (size > kMaxSize) return nullptr;
   ++taken;
   return std::malloc(size);
 }
 
 void* reallocate(void* block, size_t size) {
-  return size > kLargest ? nullptr : std::realloc(block, size);
+  return size > kMaxSize ? nullptr : std::realloc(block, size);
 }
 
 void deallocate(void* block) {

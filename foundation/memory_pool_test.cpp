@@ -25,7 +25,7 @@ using vel::test::thrown;
 const std::string kTooBig = "1000802 203 5 5 , VelClMemoryPool::allocate";
 const std::string kCouldNotGrow = "1000801 200 6 6 , VelClMemoryPool::allocate";
 const std::string kInvalid = "1000802 202 5 5 , VelClMemoryPool";
-constexpr size_t kMost = std::numeric_limits<size_t>::max();
+constexpr size_t kMax = std::numeric_limits<size_t>::max();
 
 TEST_F(MemoryPool, PiecesAreAlignedAndDoNotOverlap) {
   for (const size_t alignment : {1U, 2U, 16U, 64U, 4096U}) {
@@ -84,14 +84,14 @@ TEST_F(MemoryPool, ResetKeepsTheBlocksAndClearFreesThem) {
 TEST_F(MemoryPool, RefusesSizesThatNoBlockHolds) {
   VelClMemoryPool pool(100, 8);
   const auto* const before = static_cast<char*>(pool.allocate(8));
-  for (const size_t size : {size_t{105}, kMost - 7, kMost})
+  for (const size_t size : {size_t{105}, kMax - 7, kMax})
     EXPECT_EQ(thrown([&] { pool.allocate(size); }), kTooBig) << size;
   EXPECT_EQ(static_cast<char*>(pool.allocate(96)), before + 8);
   EXPECT_EQ(pool.getNumOfBlocks(), 1U);
   EXPECT_EQ(thrown([] { const VelClMemoryPoolBlock odd(64, 0); }), kInvalid + "Block::VelClMemoryPoolBlock");
   VelClMemoryPool none(0);
   EXPECT_EQ(thrown([&] { none.allocate(0); }), kTooBig);
-  for (const size_t alignment : {size_t{0}, size_t{3}, size_t{24}, size_t{8192}, kMost})
+  for (const size_t alignment : {size_t{0}, size_t{3}, size_t{24}, size_t{8192}, kMax})
     EXPECT_EQ(thrown([&] { const VelClMemoryPool odd(100, alignment); }), kInvalid + "::VelClMemoryPool")
         << alignment;
 }
@@ -110,7 +110,7 @@ TEST_F(MemoryPool, IsUnchangedWhenItCannotGrow) {
   EXPECT_EQ(static_cast<char*>(pool.allocate(16)), first + 16);
   memory_.failsFrom = 0;
   EXPECT_NE(pool.allocate(64), nullptr);
-  VelClMemoryPool endless(kMost);
+  VelClMemoryPool endless(kMax);
   EXPECT_EQ(thrown([&] { endless.allocate(1); }), kCouldNotGrow);
 }
 

@@ -15,7 +15,7 @@ using fuzz::require;
 using vel::veldump::DumpParser;
 using vel::veldump::OutputBuffer;
 
-constexpr std::uint64_t kMostRepeated = 100'000;
+constexpr std::uint64_t kMaxRepeated = 100'000;
 constexpr std::size_t kManyBytes = 24'000;
 
 /// The bytes that the buffer has written.
@@ -86,7 +86,7 @@ void fuzz::run(fuzz::Bytes input) {
   const std::uint64_t option = input.number();
   std::vector<std::uint8_t> bytes(input.rest().begin(), input.rest().end());
   const std::string text(bytes.begin(), bytes.end());
-  collect([&](auto& output) { parse(text, output, kMostRepeated); });
+  collect([&](auto& output) { parse(text, output, kMaxRepeated); });
   // One option makes dumps larger than the buffer.
   if (option == 0x5A)
     bytes = repeated(bytes);

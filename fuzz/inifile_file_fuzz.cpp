@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::size_t kLargestFile = 300'000;
+constexpr std::size_t kMaxFileSize = 300'000;
 
 /// Replaces CR LF with LF, as reading a file does.
 std::string withoutReturns(const std::string& text) {
@@ -24,7 +24,7 @@ void fuzz::run(fuzz::Bytes bytes) {
   const bool allowContinuation = (bytes.number() & 1) != 0;
   const unsigned int repeats = 1 + 16U * bytes.number();
   std::string text;
-  for (unsigned int i = 0; i < repeats && text.size() < kLargestFile; ++i) text += bytes.rest();
+  for (unsigned int i = 0; i < repeats && text.size() < kMaxFileSize; ++i) text += bytes.rest();
   input.rewrite(text);
   VelClIniFile file(input.name()), memory("unused");
   require(file.load(allowContinuation));

@@ -13,7 +13,7 @@ namespace {
 
 using fuzz::require;
 
-constexpr std::size_t kLongestAnswer = 80;
+constexpr std::size_t kMaxAnswerLength = 80;
 
 /// Standard input, as the prompts must interpret it.
 class Typed {
@@ -28,7 +28,7 @@ class Typed {
     rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
     std::erase(line, '\0');
     if (end != std::string_view::npos && line.ends_with('\r')) line.pop_back();
-    return line.substr(0, kLongestAnswer);
+    return line.substr(0, kMaxAnswerLength);
   }
 
  private:
@@ -36,7 +36,7 @@ class Typed {
 };
 
 std::string orDefault(const std::optional<std::string>& line, const std::string& otherwise) {
-  return line.value_or("").empty() ? otherwise.substr(0, kLongestAnswer) : *line;
+  return line.value_or("").empty() ? otherwise.substr(0, kMaxAnswerLength) : *line;
 }
 
 std::optional<std::int32_t> numberOf(const std::string& answer) {

@@ -20,7 +20,7 @@ void fuzz::run(fuzz::Bytes input) {
   const std::string_view text = input.rest();
   requireUnpacked(text);
   const std::unique_ptr<unsigned char[]> out(
-      new unsigned char[vel::trace::kLongestCompressed + vel::trace::kSlack]);
+      new unsigned char[vel::trace::kMaxCompressedSize + vel::trace::kSlack]);
   const std::size_t length = vel::trace::compress(text.data(), text.size(), out.get());
   const std::string stored(out.get(), out.get() + length);
   require(stored == packed(std::string(text)));

@@ -13,13 +13,13 @@ namespace vel::inifile {
 
 namespace {
 
-constexpr std::uint32_t kLongestPauseMs = 20;
+constexpr std::uint32_t kMaxPauseMs = 20;
 
 /// Polls for the lock, because the systems wait either without a limit or not at all. The pauses grow from 1
 /// ms, so that a short wait ends soon and a long one costs little.
 platform::LockResult lockWithin(std::uint32_t timeLimitMs, const char* name, platform::FileLock& lock) {
   const std::uint32_t start = platform::tickCount();
-  for (std::uint32_t pauseMs = 1;; pauseMs = std::min(2 * pauseMs, kLongestPauseMs)) {
+  for (std::uint32_t pauseMs = 1;; pauseMs = std::min(2 * pauseMs, kMaxPauseMs)) {
     const platform::LockResult result = platform::tryLockFile(name, lock);
     const std::uint32_t waitedMs = platform::tickCount() - start;
     if (result != platform::LockResult::Busy || waitedMs >= timeLimitMs) return result;

@@ -132,14 +132,14 @@ void Model::freeText(Option& option) noexcept {
 /// The record stays where it is; only the text may move. A text that grows gets twice the room that it needs:
 /// otherwise each of many continuation lines would allocate again, and leave a free block of another size.
 void Model::replaceText(Option& option, const OptionText& text) {
-  constexpr std::size_t kMostUnits = RecordPool::unitsFor(kOptionTextSize);
+  constexpr std::size_t kMaxUnits = RecordPool::unitsFor(kOptionTextSize);
   constexpr std::size_t kUnitSize = RecordPool::kUnit;
   const bool isInRecord = option.textUnits_ == 0;
   const std::size_t room =
       isInRecord ? option.recordUnits_ * kUnitSize - kTextOffset : option.textUnits_ * kUnitSize;
   char* place = isInRecord ? textInRecord(option) : const_cast<char*>(option.movedText());
   if (text.size() > room) {
-    const std::size_t units = std::min(RecordPool::unitsFor(text.size()) * 2, kMostUnits);
+    const std::size_t units = std::min(RecordPool::unitsFor(text.size()) * 2, kMaxUnits);
     place = static_cast<char*>(pool_.allocate(units));
     freeText(option);
     std::memcpy(textInRecord(option), &place, sizeof place);

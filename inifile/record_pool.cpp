@@ -15,7 +15,7 @@ namespace vel::inifile {
 namespace {
 
 /// Chunks double up to this size: small files need little memory, large ones few calls.
-constexpr std::size_t kLargestChunk = std::size_t{64} * 1024;
+constexpr std::size_t kMaxChunkSize = std::size_t{64} * 1024;
 /// Room for the link to the next chunk, rounded up so that blocks keep the alignment of the chunk.
 constexpr std::size_t kChunkHeader = 16;
 
@@ -37,7 +37,7 @@ void RecordPool::addChunk() {
   chunks_ = chunk;
   free_ = reinterpret_cast<char*>(chunk) + kChunkHeader;
   end_ = reinterpret_cast<char*>(chunk) + chunkSize_;
-  chunkSize_ = std::min(chunkSize_ * 2, kLargestChunk);
+  chunkSize_ = std::min(chunkSize_ * 2, kMaxChunkSize);
 }
 
 void* RecordPool::allocate(std::size_t units) {

@@ -37,20 +37,20 @@ std::uint64_t parseDigits(Span& text, unsigned int base) noexcept {
 /// Parses the number of an escape: saturated at 31 bits, as a signed 32-bit number, and then cut to its low
 /// byte. So "\x141" gives "A", and "\x123456789" the byte 0xFF. Without digits the result is NUL.
 char parseCharacterCode(Span& text, unsigned int base) noexcept {
-  constexpr std::uint64_t kMost = std::numeric_limits<std::int32_t>::max();
-  return static_cast<char>(static_cast<unsigned char>(std::min(parseDigits(text, base), kMost)));
+  constexpr std::uint64_t kMax = std::numeric_limits<std::int32_t>::max();
+  return static_cast<char>(static_cast<unsigned char>(std::min(parseDigits(text, base), kMax)));
 }
 
 /// Parses as strtoul with base 10 does where long has 32 bits: "-1" gives 4294967295. parseUint32 will not
 /// do, because it gives 0 for every negative number.
 std::uint32_t parseUnsigned(const char* value) noexcept {
-  constexpr std::uint64_t kMost = std::numeric_limits<std::uint32_t>::max();
+  constexpr std::uint64_t kMax = std::numeric_limits<std::uint32_t>::max();
   Span text{value, value + std::strlen(value)};
   text.skipSpace();
   const bool isNegative = text.first() == '-';
   if (isNegative || text.first() == '+') text.skip(1);
   const std::uint64_t magnitude = parseDigits(text, 10);
-  if (magnitude > kMost) return kMost;
+  if (magnitude > kMax) return kMax;
   const auto number = static_cast<std::uint32_t>(magnitude);
   return isNegative ? 0 - number : number;
 }

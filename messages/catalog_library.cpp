@@ -17,7 +17,7 @@ namespace {
 /// Reads a whole file. Returns no bytes if it is too large, cannot be read, or becomes shorter meanwhile.
 CatalogLibrary::FileBytes readAll(int descriptor) {
   const std::uint64_t size = platform::bytesLeft(descriptor);
-  if (size == 0 || size > CatalogLibrary::kMostBytes) return {};
+  if (size == 0 || size > CatalogLibrary::kMaxBytes) return {};
   CatalogLibrary::FileBytes bytes;
   bytes.data.reset(static_cast<std::uint8_t*>(VelClMemoryManager::malloc(static_cast<std::size_t>(size))));
   while (bytes.size < size) {

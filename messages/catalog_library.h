@@ -17,9 +17,9 @@ class CatalogLibrary {
   using Owner = OwnedObject<CatalogLibrary>;
 
   /// The size in bytes of the largest file that is read.
-  static constexpr std::size_t kMostBytes = std::size_t{64} << 20;
+  static constexpr std::size_t kMaxBytes = std::size_t{64} << 20;
 
-  /// Returns null when the file is not found, is larger than kMostBytes, or would be refused by the system's
+  /// Returns null when the file is not found, is larger than kMaxBytes, or would be refused by the system's
   /// loader. Throws when the memory manager fails.
   static Owner open(const char* fileName, platform::CatalogOwner owner);
 

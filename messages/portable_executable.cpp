@@ -43,7 +43,7 @@ constexpr std::uint64_t kDataDirectoryCount64 = 108;
 constexpr std::uint32_t kResourceDirectory = 2;  // index of the data directory
 constexpr std::uint64_t kDataDirectorySize = 8;
 constexpr std::uint64_t kSectionSize = 40;
-constexpr std::uint32_t kMostSections = 96;  // the Windows loader's own limit
+constexpr std::uint32_t kMaxSections = 96;  // the Windows loader's own limit
 
 constexpr std::uint64_t kDirectoryHeaderSize = 16;
 constexpr std::uint64_t kDirectoryEntrySize = 8;
@@ -51,7 +51,7 @@ constexpr std::uint32_t kHighBit = 0x80000000;  // set in a name that is text, a
 constexpr std::uint32_t kMessageTableType = 11;
 // Languages may share a table's bytes. The walk ends when all tables
 // together are this many times the file's size.
-constexpr std::uint64_t kMostSharing = 64;
+constexpr std::uint64_t kMaxSharing = 64;
 
 }  // namespace
 
@@ -75,7 +75,7 @@ bool PortableExecutable::readHeaders() noexcept {
                         file_.read16(header + kOptionalHeaderSizeField, optionalSize) &&
                         file_.read16(header + kCharacteristicsField, characteristics);
   if (!complete || dosSignature != kDosSignature || signature != kPeSignature) return false;
-  if (machine == 0 || (characteristics & kExecutableImage) == 0 || sectionCount > kMostSections) return false;
+  if (machine == 0 || (characteristics & kExecutableImage) == 0 || sectionCount > kMaxSections) return false;
 
   const std::uint64_t optionalHeader = header + kOptionalHeaderField;
   OptionalHeader optional{};
@@ -207,7 +207,7 @@ bool PortableExecutable::nextLanguage(Cursor& cursor, const DirectoryEntry& name
     if (!readTable(language, table)) continue;
     // Callers read every table they are given, so the time they need is bounded here.
     cursor.tableBytes += table.sizeInBytes;
-    return cursor.tableBytes <= kMostSharing * file_.size();
+    return cursor.tableBytes <= kMaxSharing * file_.size();
   }
   return false;
 }

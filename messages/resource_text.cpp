@@ -75,7 +75,7 @@ String toUtf8(const Utf16Text& text) {
   // A unit becomes at most three bytes, a pair of surrogates four.
   out.reserve(text.size() * 3);
   for (std::size_t position = 0; position < text.size();) {
-    char bytes[kMostUtf8Bytes];
+    char bytes[kMaxUtf8Bytes];
     out.append(bytes, encodeUtf8(decodeCodePoint(text, position), bytes));
   }
   return out;

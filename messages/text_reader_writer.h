@@ -17,9 +17,9 @@ namespace vel::messages {
 /// Appends a decimal digit to a number. Saturates at the largest number instead of overflowing.
 template <typename Number>
 Number appendDigit(Number number, char digit) noexcept {
-  constexpr Number kLargest = std::numeric_limits<Number>::max();
+  constexpr Number kMax = std::numeric_limits<Number>::max();
   const Number value = static_cast<Number>(digit - '0');
-  return number > (kLargest - value) / 10 ? kLargest : static_cast<Number>(number * 10 + value);
+  return number > (kMax - value) / 10 ? kMax : static_cast<Number>(number * 10 + value);
 }
 
 static_assert(std::endian::native == std::endian::little);

@@ -24,7 +24,7 @@ namespace vel::trace {
 
 inline constexpr std::size_t kHeadLength = 20;
 /// The largest size of a record without its data. Building one may overwrite kSlack bytes after it.
-inline constexpr std::size_t kLongestRecord = kHeadLength + 2 * kLongestCompressed;
+inline constexpr std::size_t kMaxRecordSize = kHeadLength + 2 * kMaxCompressedSize;
 
 /// Byte 0 of a record: bits 0 to 4 are the data type, bit 5 says whether the texts are
 /// compressed, bits 6 and 7 are the detail.
@@ -55,11 +55,11 @@ inline void fitData(Event& event, std::uint64_t bufferSize) {
 }
 
 /// Stores a text, compressed or as it is, and returns the stored size in bytes. Texts are cut at
-/// kLongestCompressed stored bytes; null is stored as "".
+/// kMaxCompressedSize stored bytes; null is stored as "".
 inline std::size_t storeText(const char* text, bool compressed, unsigned char* out) {
   if (text == nullptr) return 0;
-  if (compressed) return compress(text, boundedLength(text, kLongestPlain), out);
-  const std::size_t length = boundedLength(text, kLongestCompressed);
+  if (compressed) return compress(text, boundedLength(text, kMaxPlainSize), out);
+  const std::size_t length = boundedLength(text, kMaxCompressedSize);
   copyShort(out, text, length);
   return length;
 }
@@ -71,7 +71,7 @@ inline void storeNumber(unsigned char* out, std::uint32_t number) {
 }
 
 /// Builds a record without its data and returns its length. `out` has
-/// room for kLongestRecord and kSlack bytes.
+/// room for kMaxRecordSize and kSlack bytes.
 inline std::size_t buildRecord(const VelClTraceEnvironment& environment, const Event& event,
                                unsigned char* out) {
   const bool compressed = environment.getSettings().usesCompression();

@@ -31,12 +31,12 @@ constexpr std::ptrdiff_t kBlockBytes = 12;
 /// Characters that are decoded at once.
 constexpr std::size_t kGroup = 8;
 
-/// The last bit at which a character may start. A 6-bit code then fits into kLongestCompressed bytes; an
+/// The last bit at which a character may start. A 6-bit code then fits into kMaxCompressedSize bytes; an
 /// escaped character may not.
-constexpr std::size_t kLastStartBit = (kLongestCompressed - 1) * 8;
+constexpr std::size_t kLastStartBit = (kMaxCompressedSize - 1) * 8;
 /// The last byte in which a block may start, so that with up to 7 bits pending its last character still
 /// starts at kLastStartBit or before.
-constexpr std::ptrdiff_t kLastBlockStart = kLongestCompressed - 1 - kBlockBytes - 1;
+constexpr std::ptrdiff_t kLastBlockStart = kMaxCompressedSize - 1 - kBlockBytes - 1;
 
 /// Converts between a number and its bytes in memory, high byte first.
 constexpr std::uint64_t highBitsFirst(std::uint64_t bits) {
@@ -215,7 +215,7 @@ std::size_t compress(const char* text, std::size_t length, unsigned char* out) n
   }
   // The last character may be an escaped one that ends in a 256th byte. Without that byte it is incomplete,
   // and decompress() ignores it.
-  return std::min(writer.finish(), kLongestCompressed);
+  return std::min(writer.finish(), kMaxCompressedSize);
 }
 
 std::size_t decompress(const unsigned char* stored, std::size_t length, char* out) noexcept {

@@ -12,13 +12,13 @@
 namespace vel::trace {
 
 /// The largest size of a compressed text in bytes, and the most characters that fit into it.
-inline constexpr std::size_t kLongestCompressed = 255;
-inline constexpr std::size_t kLongestPlain = kLongestCompressed * 8 / 6;
+inline constexpr std::size_t kMaxCompressedSize = 255;
+inline constexpr std::size_t kMaxPlainSize = kMaxCompressedSize * 8 / 6;
 /// How many bytes after a text may be overwritten, because bits are stored a word at a time.
 inline constexpr std::size_t kSlack = 8;
 
-/// Compresses `length` characters into at most kLongestCompressed bytes and returns the number of bytes.
-/// Characters that do not fit are dropped. `out` has room for kLongestCompressed + kSlack bytes.
+/// Compresses `length` characters into at most kMaxCompressedSize bytes and returns the number of bytes.
+/// Characters that do not fit are dropped. `out` has room for kMaxCompressedSize + kSlack bytes.
 std::size_t compress(const char* text, std::size_t length, unsigned char* out) noexcept;
 
 /// Decompresses `length` bytes into a NUL-terminated string of at most `length` * 8 / 6 characters, and

@@ -35,7 +35,7 @@ Float floatOf(Bits bits) {
 
 void writeHexadecimal(TextBuffer& out, std::uint64_t number) {
   out.append("0x");
-  out.commit(writeHex(out.reserve(kMostHexDigits), number));
+  out.commit(writeHex(out.reserve(kMaxHexDigits), number));
 }
 
 template <std::size_t size, bool isSigned>

@@ -15,7 +15,7 @@ VelClTraceEntry::VelClTraceEntry(const VelClTraceEnvironment& environment, VelEn
                                  const char* message, const void* data, size_t size)
     : environment_(&environment), dumpData_(data) {
   static_assert(kHeadLength == vel::trace::kHeadLength &&
-                sizeof record_ >= vel::trace::kLongestRecord + vel::trace::kSlack);
+                sizeof record_ >= vel::trace::kMaxRecordSize + vel::trace::kSlack);
   vel::trace::Event event{detail, componentId, type, origin, message, data, size};
   fitData(event, environment.getBufferSize());
   entrySize_ = buildRecord(environment, event, record_);

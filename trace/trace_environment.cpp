@@ -26,16 +26,16 @@ constexpr char kDefaultFormat[] = "%f%n   P: %p, T: %s, D: %l, C: %c%n   Data: %
 // Intentional: the documented default is 65535 bytes, one less than 64 KiB.
 constexpr std::uint32_t kDefaultBufferSize = 65535;
 constexpr std::int32_t kSmallestBuffer = 4096;
-constexpr std::int32_t kLargestBuffer = 0x1000000;
+constexpr std::int32_t kMaxBufferSize = 0x1000000;
 /// With the longest suffix, 16 characters, a name then has 40, the most that a variable's name may have.
-constexpr std::size_t kLongestVariableKey = 24;
+constexpr std::size_t kMaxVariableKeyLength = 24;
 
 /// Reads the environment variables of a key. Their names are the
 /// beginning of the key in upper case and a suffix.
 class Variables {
  public:
   explicit Variables(const char* key) {
-    for (; *key != '\0' && keyLength_ < kLongestVariableKey; ++key)
+    for (; *key != '\0' && keyLength_ < kMaxVariableKeyLength; ++key)
       name_[keyLength_++] = vel::toAsciiUpper(*key);
   }
 
@@ -56,7 +56,7 @@ class Variables {
 /// compared as signed, so negative numbers and those from 2 GiB on give the smallest buffer.
 std::uint32_t bufferSizeFrom(const char* kilobytes) {
   const auto bytes = static_cast<std::int32_t>(static_cast<std::uint32_t>(vel::parseInt32(kilobytes)) << 10);
-  return static_cast<std::uint32_t>(std::clamp(bytes, kSmallestBuffer, kLargestBuffer));
+  return static_cast<std::uint32_t>(std::clamp(bytes, kSmallestBuffer, kMaxBufferSize));
 }
 
 }  // namespace
@@ -112,7 +112,7 @@ void VelClTraceEnvironment::add(VelEnTraceDetail detail, unsigned short componen
   vel::trace::Event event{detail, componentId, type, origin, message, data, size};
   fitData(event, getBufferSize());
   unsigned char* const place =
-      manager_->reserve(vel::trace::kLongestRecord + vel::trace::kSlack + event.size);
+      manager_->reserve(vel::trace::kMaxRecordSize + vel::trace::kSlack + event.size);
   if (place == nullptr) {
     add(VelClTraceEntry(*this, detail, componentId, type, origin, message, data, size));
     return;

@@ -46,7 +46,7 @@ bool VelClTraceFileEntry::read(std::istream& stream) {
 
 unsigned int VelClTraceFileEntry::decode(const char* stored, unsigned int length, char* text) const {
   // Any bytes may be in the file; their number, at most 255, is what keeps the result within the buffer.
-  static_assert(sizeof message_ > vel::trace::kLongestPlain + vel::trace::kSlack);
+  static_assert(sizeof message_ > vel::trace::kMaxPlainSize + vel::trace::kSlack);
   if (!isCompressed()) {
     std::memcpy(text, stored, length);
     text[length] = '\0';

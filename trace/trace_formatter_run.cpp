@@ -56,9 +56,9 @@ constexpr unsigned int numberOf(VelEnTraceDataType type) {
 
 /// Data of values, function records and the like, in bytes. Types whose data may
 /// be longer are shown as a dump or as text.
-constexpr std::size_t kLongestShortData = 127;
+constexpr std::size_t kMaxShortDataSize = 127;
 constexpr std::uint32_t kNestingLevelSize = 4;
-constexpr std::size_t kLargestValue = 16;
+constexpr std::size_t kMaxValueSize = 16;
 /// Literal texts up to this length are copied in blocks.
 constexpr std::size_t kShortText = 64;
 /// Enough for a step without throughBuffer(): a literal text of kShortText characters and a
@@ -302,14 +302,14 @@ void VelClTraceFormatter::Run::formatData() {
       if (length != sizeof(std::uint64_t)) throwCorrupted("VelClTraceFormatter::formatData, line 364", 364);
       return formatAdrs();
     default:
-      if (length > kLongestShortData) throwCorrupted("VelClTraceFormatter::formatData, line 377", 377);
+      if (length > kMaxShortDataSize) throwCorrupted("VelClTraceFormatter::formatData, line 377", 377);
       return formatShortData(length);
   }
 }
 
 /// If data does not suit its type and is cut off as well, the former is reported.
 void VelClTraceFormatter::Run::formatShortData(std::uint32_t length) {
-  std::uint8_t bytes[kLongestShortData];
+  std::uint8_t bytes[kMaxShortDataSize];
   const bool complete = input_.read(bytes, length) == length;
   checkShortData(numberOf(entry_.getType()), length);
   if (!complete) throwUnexpectedEnd("VelClTraceFormatter::formatEntry, line 644", 644);
@@ -345,7 +345,7 @@ void VelClTraceFormatter::Run::showValue(const std::uint8_t* bytes, std::size_t 
 template <typename Form>
 void VelClTraceFormatter::Run::showBytes(std::string_view label, const std::uint8_t* bytes,
                                          std::size_t count) {
-  count = std::min(count, kLargestValue);
+  count = std::min(count, kMaxValueSize);
   for (std::size_t done = 0; done < count; done += Form::kBytes) {
     showLineBreak();
     out_.append(label);

@@ -23,7 +23,7 @@ class TextBuffer {
       : stream_(&stream),
         floatFormat_(formatOf(stream.flags() & std::ios::floatfield)),
         precision_(static_cast<int>(
-            std::clamp(stream.precision(), std::streamsize{0}, std::streamsize{kMostPrecision}))) {}
+            std::clamp(stream.precision(), std::streamsize{0}, std::streamsize{kMaxPrecision}))) {}
   TextBuffer(const TextBuffer&) = delete;
   TextBuffer& operator=(const TextBuffer&) = delete;
 
@@ -48,7 +48,7 @@ class TextBuffer {
       text.remove_prefix(part);
     }
   }
-  void decimal(std::uint64_t number) { commit(writeDecimal(reserve(kLongestNumber), number)); }
+  void decimal(std::uint64_t number) { commit(writeDecimal(reserve(kMaxNumberLength), number)); }
   void decimalSigned(std::int64_t number) {
     if (number < 0) put('-');
     const auto magnitude = static_cast<std::uint64_t>(number);
@@ -57,7 +57,7 @@ class TextBuffer {
   /// Writes a floating-point number with the stream's precision and format.
   template <typename Float>
   void decimalFloat(Float number) {
-    const std::size_t digits = floatFormat_ == std::chars_format::fixed ? kMostDigits : kLongestNumber;
+    const std::size_t digits = floatFormat_ == std::chars_format::fixed ? kMaxDigits : kMaxNumberLength;
     const std::size_t room = digits + static_cast<std::size_t>(precision_);
     char* const out = reserve(room);
     commit(std::to_chars(out, out + room, number, floatFormat_, precision_).ptr);
@@ -105,15 +105,15 @@ class TextBuffer {
       place[-1] = static_cast<char>('0' + number);
     return end;
   }
-  static constexpr std::size_t kLongestNumber = 32;
+  static constexpr std::size_t kMaxNumberLength = 32;
 
  private:
   static constexpr std::chars_format formatOf(std::ios::fmtflags flags) {
     if (flags == std::ios::fixed) return std::chars_format::fixed;
     return flags == std::ios::scientific ? std::chars_format::scientific : std::chars_format::general;
   }
-  static constexpr int kMostPrecision = 8000;
-  static constexpr std::size_t kMostDigits = 5000;  ///< of a long double before the decimal point
+  static constexpr int kMaxPrecision = 8000;
+  static constexpr std::size_t kMaxDigits = 5000;  ///< of a long double before the decimal point
 
   std::ostream* stream_;
   std::chars_format floatFormat_;

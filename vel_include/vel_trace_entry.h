@@ -116,7 +116,7 @@ class VEL_API VelClTraceEntry {
  protected:
   /// Sizes in bytes: of the fixed part of the record, and the maximum for each text as stored.
   static constexpr size_t kHeadLength = 20;
-  static constexpr size_t kLongestText = 255;
+  static constexpr size_t kMaxTextLength = 255;
 
   /// Constructs an empty record: all bytes are 0.
   explicit VelClTraceEntry(const VelClTraceEnvironment& environment);
@@ -130,7 +130,7 @@ class VEL_API VelClTraceEntry {
   /// The record is described above.
   const VelClTraceEnvironment* environment_;
   unsigned char
-      record_[kHeadLength + 2 * kLongestText + 2 + 8];  ///< sized for compression, which stores whole words
+      record_[kHeadLength + 2 * kMaxTextLength + 2 + 8];  ///< sized for compression, which stores whole words
   uint64_t entrySize_;
   const void* dumpData_;
 };

@@ -1,5 +1,5 @@
-// The converter classes: their source, their memory, and the system's own conversion. Which route each CCSID has
-// is tested by tools/velconv/velconv_test.cpp.
+// The converter classes: their source, their memory, and the system's own conversion. Which route each CCSID
+// has is tested by tools/velconv/velconv_test.cpp.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -24,15 +24,16 @@ std::size_t sufficientTargetSize(VelClConverterABase::VelConversionFunction func
                                  const Call& call) noexcept {
   // The code pages of systems have at most four bytes for a character. UTF-8 has three for a unit: the four
   // bytes of a surrogate pair are two for each of its units.
-  constexpr std::size_t kLongestOfSystem = 4;
-  constexpr std::size_t kLongestUtf8Unit = 3;
+  constexpr std::size_t kMaxSystemBytesPerUnit = 4;
+  constexpr std::size_t kMaxUtf8BytesPerUnit = 3;
   const std::size_t size = call.sourceSize;
   const std::size_t units = size / kUnitSize;
   if (function == &velConvertByCopying || function == &velConvertByEndianSwap) return size;
   if (function == &velConvertByTablesUCS2toSBCS || function == &velConvertByAlgorithmUCS2to819) return units;
-  if (function == &velConvertByAlgorithmUCS2toUTF8) return saturatingProduct(units, kLongestUtf8Unit);
+  if (function == &velConvertByAlgorithmUCS2toUTF8) return saturatingProduct(units, kMaxUtf8BytesPerUnit);
   if (function == &velConvertByAlgorithmIcuFromUnicode) return sufficientSizeFromIcu(call);
-  if (function == &velConvertByWindowsCallUCS2ToWinCP) return saturatingProduct(units, kLongestOfSystem);
+  if (function == &velConvertByWindowsCallUCS2ToWinCP)
+    return saturatingProduct(units, kMaxSystemBytesPerUnit);
   return saturatingProduct(size, kUnitSize);
 }
 

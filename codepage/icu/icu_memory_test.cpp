@@ -100,7 +100,7 @@ constexpr Pair kPairs[] = {{1047, 1051, "\xC1\xC2"},     {1208, 943, "A\xE3\x81\
                            {1208, 5054, "A\xE3\x81\x82"}};
 
 void IcuMemory::exhaust(Outcome (*convertPair)(const Pair&)) {
-  constexpr int kMost = 2000;
+  constexpr int kMax = 2000;
   for (const Pair& pair : kPairs) {
     SCOPED_TRACE(std::to_string(pair.source) + " to " + std::to_string(pair.target));
     const Outcome expected = convertPair(pair);
@@ -109,7 +109,7 @@ void IcuMemory::exhaust(Outcome (*convertPair)(const Pair&)) {
     for (const bool once : {true, false}) {
       onlyOneFails = once;
       int reported = 0, point = 1;
-      for (; point < kMost; ++point) {
+      for (; point < kMax; ++point) {
         allocations = 0;
         failsFrom = point;
         const Outcome outcome = convertPair(pair);
@@ -122,7 +122,7 @@ void IcuMemory::exhaust(Outcome (*convertPair)(const Pair&)) {
         if (allocations < point) break;
       }
       EXPECT_GT(reported, 0) << "no failure was reported";
-      EXPECT_LT(point, kMost) << "there is no end of allocations";
+      EXPECT_LT(point, kMax) << "there is no end of allocations";
     }
   }
 }

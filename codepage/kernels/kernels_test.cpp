@@ -62,7 +62,7 @@ TEST(Kernels, ConvertAllButTheEnds) {
 
 // ---- Between inaccessible pages --------------------------------------------------------------
 
-constexpr std::size_t kMostGuarded = 200;
+constexpr std::size_t kMaxGuarded = 200;
 
 /// Returns UTF-8 of one byte, of three, and of all lengths with an ill-formed byte between, pairs with lead
 /// bytes or shifts, and arbitrary bytes.
@@ -70,10 +70,10 @@ std::vector<std::string> guardedTexts() {
   std::vector<std::string> texts;
   for (const std::string_view piece :
        {std::string_view("a"), std::string_view("\xE2\x82\xAC"), kOfEachLength, kLeadBytes, kShifted})
-    texts.push_back(repeated(piece, kMostGuarded));
+    texts.push_back(repeated(piece, kMaxGuarded));
   texts[2][100] = '\xFF';
   texts.emplace_back();
-  for (std::size_t i = 0; i < kMostGuarded; ++i) texts.back() += static_cast<char>(i * 37);
+  for (std::size_t i = 0; i < kMaxGuarded; ++i) texts.back() += static_cast<char>(i * 37);
   return texts;
 }
 
@@ -86,9 +86,9 @@ struct Units {
 /// must write what `reference(source, room)` returns for the bytes that it has read.
 template <typename Loop, typename Reference>
 void runGuarded(const char* what, Units units, Loop loop, Reference reference) {
-  const vel::test::GuardedMemory sourceMemory(kMostGuarded), targetMemory(2 * kMostGuarded);
+  const vel::test::GuardedMemory sourceMemory(kMaxGuarded), targetMemory(2 * kMaxGuarded);
   for (const std::string& text : guardedTexts())
-    for (std::size_t size = 0; size <= kMostGuarded; size += units.source)
+    for (std::size_t size = 0; size <= kMaxGuarded; size += units.source)
       // The room is sufficient, or one byte or a block smaller.
       for (const std::size_t less : {0U, 1U, 65U})
         for (const auto& [sourceAtEnd, targetAtEnd] : {std::pair{true, true}, {true, false}, {false, true}}) {

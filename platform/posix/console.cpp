@@ -111,12 +111,12 @@ bool hasInput() noexcept {
 /// Reads one key. Function keys (which begin with ESC) and characters beyond ASCII send several bytes, which
 /// arrive together; the rest must not be left to the next reader.
 void readKey() noexcept {
-  constexpr int kLongestKey = 16;
+  constexpr int kMaxKeyLength = 16;
   constexpr unsigned char kEscape = 0x1B;
   unsigned char first = 0;
   if (read(STDIN_FILENO, &first, 1) != 1 || (first != kEscape && first < 0x80)) return;
   unsigned char next = 0;
-  for (int length = 1; length < kLongestKey && hasInput(); ++length)
+  for (int length = 1; length < kMaxKeyLength && hasInput(); ++length)
     if (read(STDIN_FILENO, &next, 1) != 1) return;
 }
 

@@ -19,7 +19,7 @@ namespace vel::platform {
 namespace {
 
 /// WriteFile counts in 32 bits.
-constexpr std::size_t kLargestWrite = std::size_t{1} << 30;
+constexpr std::size_t kMaxWriteSize = std::size_t{1} << 30;
 
 /// Appends one piece and adds the number of bytes written to `total`. An offset of all ones makes WriteFile
 /// append atomically; the runtime's write seeks to the end first, and another process may write between the
@@ -30,7 +30,7 @@ SystemError appendPiece(HANDLE file, const Bytes& piece, std::uint64_t& total) n
     atEnd.Offset = 0xFFFFFFFF;
     atEnd.OffsetHigh = 0xFFFFFFFF;
     DWORD count = 0;
-    const auto step = static_cast<DWORD>(std::min(piece.size - written, kLargestWrite));
+    const auto step = static_cast<DWORD>(std::min(piece.size - written, kMaxWriteSize));
     if (WriteFile(file, piece.data + written, step, &count, &atEnd) == FALSE) return errnoOf(GetLastError());
     if (count == 0) return EIO;
     written += count;

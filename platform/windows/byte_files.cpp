@@ -15,10 +15,10 @@ namespace vel::platform {
 namespace {
 
 /// The runtime's counts have 32 bits, and pipes refuse very large ones.
-constexpr std::size_t kLargestStep = std::size_t{1} << 20;
+constexpr std::size_t kMaxStepSize = std::size_t{1} << 20;
 
 unsigned int stepOf(std::size_t size) noexcept {
-  return static_cast<unsigned int>(std::min(size, kLargestStep));
+  return static_cast<unsigned int>(std::min(size, kMaxStepSize));
 }
 
 }  // namespace

@@ -43,10 +43,10 @@ class PathBesideThisLibrary {
 
  private:
   // The longest path that the system supports, in UTF-16 units.
-  static constexpr std::size_t kLongestPath = 0x8000;
+  static constexpr std::size_t kMaxLoaderPath = 0x8000;
 
   bool fits_;
-  std::array<WCHAR, kLongestPath> text_;
+  std::array<WCHAR, kMaxLoaderPath> text_;
 };
 
 }  // namespace

@@ -18,9 +18,9 @@ const char* settingValue(const char* name) noexcept {
 SystemError putEnvironment(char* assignment) noexcept {
   // _putenv accepts a name without "=" and does nothing. It deletes a variable whose new value exceeds the
   // system's limit of 32,766 characters, so both are refused here.
-  constexpr std::size_t kLongestValue = 32766;
+  constexpr std::size_t kMaxValueLength = 32766;
   const char* const value = std::strchr(assignment, '=');
-  if (value == nullptr || std::strlen(value + 1) > kLongestValue) return EINVAL;
+  if (value == nullptr || std::strlen(value + 1) > kMaxValueLength) return EINVAL;
   return _putenv(assignment) == 0 ? 0 : errno;
 }
 

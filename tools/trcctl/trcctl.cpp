@@ -122,8 +122,8 @@ VelClTraceInstance& Tool::createTrace() const {
 /// Makes the library report how it initializes the trace. It does so only if a variable of the trace's key is
 /// set, so the tool sets it for its own process, with the key as the library spells it in names of variables.
 void Tool::reportInitialization(std::string name) {
-  constexpr std::size_t kLongestVariableKey = 24;
-  name.resize(std::min(name.size(), kLongestVariableKey));
+  constexpr std::size_t kMaxVariableKeyLength = 24;
+  name.resize(std::min(name.size(), kMaxVariableKeyLength));
   for (char& c : name)
     if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
   VelClEnvironmentVariable((name + "_TRACE_VERBOSE").c_str(), "yes");

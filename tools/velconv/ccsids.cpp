@@ -13,7 +13,7 @@ namespace vel::velconv {
 
 namespace {
 
-constexpr int kLargest = 0xFFFF;
+constexpr int kMaxCcsid = 0xFFFF;
 
 constexpr const char* nameOf(VelClConverterABase::VelEnRoute route) {
   constexpr const char* kNames[] = {"none", "algorithm", "table", "icu", "system"};
@@ -57,7 +57,7 @@ bool parseCcsid(const char* text, VelClCCSID& ccsid) {
 
 void listCcsids(std::ostream& out) {
   // 0 has a row in the table, but does not count as valid.
-  for (int number = 0; number <= kLargest; ++number) {
+  for (int number = 0; number <= kMaxCcsid; ++number) {
     const VelClCCSID ccsid(number);
     if (number != 0 && !ccsid.isValid()) continue;
     out << number << '\t' << ccsid.getName() << '\t' << propertiesOf(ccsid) << '\t'

@@ -36,7 +36,7 @@ bool isMissing(std::string_view group) {
 template <typename Form>
 bool DumpParser::decodeGroups(std::string_view text, Line& line) {
   using Layout = LineLayout<Form>;
-  static_assert(Form::kBytes <= kMostBytes);
+  static_assert(Form::kBytes <= kMaxBytes);
   if (text.size() <= Layout::kBar || text[Layout::kBar] != '|') return false;
   line.capacity = Form::kBytes;
   bool missing = false;

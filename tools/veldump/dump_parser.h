@@ -26,13 +26,13 @@ class DumpParser {
   bool canEnd() const { return !squeezed_; }
 
  private:
-  static constexpr std::size_t kMostBytes = 16;
+  static constexpr std::size_t kMaxBytes = 16;
 
   struct Line {
     std::uint64_t address = 0;
     std::size_t capacity = 0;  ///< bytes in a full line of this form
     std::size_t count = 0;
-    std::uint8_t bytes[kMostBytes] = {};
+    std::uint8_t bytes[kMaxBytes] = {};
   };
 
   template <typename Form>

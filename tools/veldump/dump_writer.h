@@ -40,13 +40,13 @@ class DumpWriter {
   }
 
  private:
-  static constexpr std::size_t kLongest = util::LineLayout<Form>::kMaxLength + 1;
-  static constexpr std::size_t kMostLines = OutputBuffer::kCapacity / kLongest;
+  static constexpr std::size_t kMaxLineSize = util::LineLayout<Form>::kMaxLength + 1;
+  static constexpr std::size_t kMaxLines = OutputBuffer::kCapacity / kMaxLineSize;
 
   /// Formats as many lines as the output buffer holds, which checks its room once for all of them.
   std::size_t writeMany(const std::uint8_t* data, std::size_t size) {
-    const std::size_t lines = std::min(size / Form::kBytes, kMostLines);
-    char* out = output_.reserve(lines * kLongest);
+    const std::size_t lines = std::min(size / Form::kBytes, kMaxLines);
+    char* out = output_.reserve(lines * kMaxLineSize);
     for (std::size_t line = 0; line < lines; ++line, offset_ += Form::kBytes)
       out = util::writeLine<Form>(out, offset_, data + line * Form::kBytes, Form::kBytes);
     output_.commit(out);
@@ -72,7 +72,7 @@ class DumpWriter {
   }
 
   void writeLine(std::uint64_t offset, const std::uint8_t* data, std::size_t size) {
-    output_.commit(util::writeLine<Form>(output_.reserve(kLongest), offset, data, size));
+    output_.commit(util::writeLine<Form>(output_.reserve(kMaxLineSize), offset, data, size));
   }
 
   OutputBuffer& output_;

@@ -73,8 +73,8 @@ class Tool : public vel::tools::CatalogTool {
 
 /// Returns the size of elements in bytes, saturated.
 std::uint64_t scaled(std::uint64_t count, std::uint64_t width) {
-  constexpr std::uint64_t kMost = Range().length;
-  return count > kMost / width ? kMost : count * width;
+  constexpr std::uint64_t kMax = Range().length;
+  return count > kMax / width ? kMax : count * width;
 }
 
 bool parseCount(const char* text, std::uint64_t& count) {

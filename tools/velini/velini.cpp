@@ -33,7 +33,7 @@ constexpr int kExitNotWritten = 3;
 constexpr int kExitRefused = 4;
 constexpr int kExitLocked = 5;
 constexpr int kExitUnsafeName = 6;
-constexpr int kMostSecondsToWait = 24 * 60 * 60;
+constexpr int kMaxSecondsToWait = 24 * 60 * 60;
 
 /// The console user interface with the tool's own texts.
 class Tool : public vel::tools::CatalogTool {
@@ -117,7 +117,7 @@ bool Tool::edits() const {
 int Tool::lock(VelClIniFileEditor& editor) const {
   if (file_ == kStandardStream || !edits()) return 0;
   const auto milliseconds =
-      static_cast<unsigned int>(std::clamp(secondsToWait_, 0, kMostSecondsToWait)) * 1000;
+      static_cast<unsigned int>(std::clamp(secondsToWait_, 0, kMaxSecondsToWait)) * 1000;
   switch (editor.lock(milliseconds)) {
     case VelEnIniFileLock::TIMED_OUT:
       return fail(kExitLocked, kLocked, file_);
