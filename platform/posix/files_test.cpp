@@ -258,6 +258,23 @@ std::string readAll(const std::string& name, PipeWithoutWriter pipe = kRefuse) {
   return text;
 }
 
+TEST_F(PosixFiles, SkippingStopsAtTheEnd) {
+  std::ofstream(path("four")) << "0123";
+  int file = -1;
+  ASSERT_EQ(openForReading(path("four").c_str(), kRefuse, file), 0);
+  const struct {
+    off_t position;
+    std::uint64_t left, count;
+    bool moved;
+  } rows[] = {{0, 4, 0, false}, {0, 4, 3, true}, {1, 3, 9, true}, {4, 0, 1, false}, {9, 0, 1, false}};
+  for (const auto& [position, left, count, moved] : rows) {
+    ASSERT_EQ(lseek(file, position, SEEK_SET), position);
+    EXPECT_EQ(bytesLeft(file), left) << position;
+    EXPECT_EQ(skipBytes(file, count), moved) << position;
+  }
+  closeDescriptor(file);
+}
+
 // Opening does not block, but reading does.
 TEST_F(PosixFiles, OpeningAPipeDoesNotWaitForAWriter) {
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);

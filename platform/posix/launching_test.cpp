@@ -170,6 +170,8 @@ TEST(PosixLaunching, SignalMaskIsInheritedAndSignalsBecomeExitCodes) {
   EXPECT_EQ(runShell("kill -USR1 $$; exit 5"), 5);
   EXPECT_EQ(runShell("kill -USR2 $$; exit 5"), 128 + SIGUSR2);
   EXPECT_EQ(runShell("kill -KILL $$"), 128 + SIGKILL);
+  signal(SIGUSR2, SIG_IGN);
+  EXPECT_EQ(runShell("kill -USR2 $$; exit 5"), 5) << "ignored signals stay ignored";
   signal(SIGUSR2, SIG_DFL);
   pthread_sigmask(SIG_SETMASK, &before, &after);
   for (int number = 1; number < 32; ++number)
