@@ -11,7 +11,7 @@
 #include <exception>
 #include <new>
 
-#include "platform/ending_signals.h"
+#include "platform/signals.h"
 #include "tools/safe_terminal.h"
 
 namespace vel::tools {

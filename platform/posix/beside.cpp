@@ -22,12 +22,12 @@
 #include <cerrno>
 #include <utility>
 
-#include "platform/ending_signals.h"
 #include "platform/posix/access_list.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/rename.h"
 #include "platform/posix/target.h"
 #include "platform/posix/unnamed_file.h"
+#include "platform/signals.h"
 
 namespace vel::platform {
 

@@ -12,7 +12,7 @@
 
 #include "inifile/text_rules.h"
 #include "platform/descriptors.h"
-#include "platform/ending_signals.h"
+#include "platform/signals.h"
 #include "tools/catalog_tool.h"
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
