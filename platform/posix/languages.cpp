@@ -82,7 +82,7 @@ std::size_t utf16ToAnsi(const char16_t* text, std::size_t length, char* out, std
   while (text != end) {
     char bytes[MB_LEN_MAX];
     const std::size_t count = encode(consumeCharacter(text, end), bytes);
-    // Stop before a character that does not fit: half of one would be ill-formed.
+    // Stop before a character that does not fit: part of one would be ill-formed.
     if (count > capacity - written) break;
     std::memcpy(out + written, bytes, count);
     written += count;
