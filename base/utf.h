@@ -20,8 +20,8 @@ constexpr bool isSurrogate(char32_t unit) noexcept {
   return (unit & 0xFFFFF800) == 0xD800;
 }
 
-/// Decodes a pair of surrogates. The offsets of both halves and of the supplementary range are one constant.
-constexpr char32_t characterOfPair(char32_t high, char32_t low) noexcept {
+/// Decodes a surrogate pair. The three offsets are folded into one constant.
+constexpr char32_t decodeSurrogatePair(char32_t high, char32_t low) noexcept {
   return (high << 10) + low - ((char32_t{0xD800} << 10) + 0xDC00 - kFirstSupplementary);
 }
 /// The surrogates of a character that is at least kFirstSupplementary.
@@ -34,7 +34,7 @@ constexpr char16_t lowSurrogateOf(char32_t character) noexcept {
 
 /// Returns the number of units of the first character, 1 or 2. `length` is at least 1. An unpaired surrogate
 /// counts as a character of one unit.
-constexpr std::size_t utf16Length(const char16_t* text, std::size_t length) noexcept {
+constexpr std::size_t unitsOfFirstCharacter(const char16_t* text, std::size_t length) noexcept {
   return length > 1 && isHighSurrogate(text[0]) && isLowSurrogate(text[1]) ? 2 : 1;
 }
 
@@ -50,6 +50,7 @@ constexpr std::size_t utf8Length(char32_t character) noexcept {
 /// Encodes a character as utf8Length(character) bytes and returns their number. Surrogates are encoded like
 /// other values.
 constexpr std::size_t encodeUtf8(char32_t character, char* out) noexcept {
+  // Lead byte bits by length; index 0 is unused.
   constexpr char32_t kLeads[] = {0, 0x00, 0xC0, 0xE0, 0xF0};
   const std::size_t size = utf8Length(character);
   for (std::size_t i = size - 1; i > 0; --i) {
@@ -60,11 +61,12 @@ constexpr std::size_t encodeUtf8(char32_t character, char* out) noexcept {
   return size;
 }
 
-/// The first sequence of some UTF-8 bytes: a character, or the longest prefix of one.
+/// The first sequence of some UTF-8 bytes: a whole character, the longest prefix of one (Unicode: maximal
+/// subpart), or one byte that begins none.
 struct Utf8Sequence {
   std::size_t size;
-  bool isWhole;
-  bool isCutOff;  ///< well-formed so far, but the text ends before the character does
+  bool isValid;      ///< a whole character
+  bool isTruncated;  ///< a prefix: the text ends before the character does
 };
 
 /// Examines the first sequence as RFC 3629 defines it: no overlong forms, no surrogates, nothing above

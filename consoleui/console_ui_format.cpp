@@ -34,7 +34,7 @@ void writeName(std::ostream& stream, const VelClConsoleUIParams& params, const W
   if (nameId == 0)
     writePlainLine(stream, params, labelText.getAsCString(), NumberText(static_cast<long long>(value)).text);
   else
-    writeLine(stream, params, labelText.getAsCString(), words.number(nameId).getAsCString());
+    writeLine(stream, params, labelText.getAsCString(), words.message(nameId).getAsCString());
 }
 
 void writeOrigin(std::ostream& stream, const VelClConsoleUIParams& params, const Words& words,
@@ -93,7 +93,7 @@ void writeErrorId(std::ostream& stream, const VelClConsoleUIParams& params, cons
   if (nameId == 0)
     stream << number.text << '\n';
   else
-    stream << words.number(nameId) << " (" << number.text << ")\n";
+    stream << words.message(nameId) << " (" << number.text << ")\n";
 }
 
 void writeException(std::ostream& stream, const VelClConsoleUIParams& params, const Words& words,

@@ -80,7 +80,7 @@ void VelClConsoleUIParams::setUsageHelp(const char* usage, const char* help) {
 
 void VelClConsoleUIParams::setProcessName(const char* argv0) {
   const char* name = baseName(argv0);
-  // Intentional: the documented name ends at its first dot, which need not be that of the extension.
+  // Intentional: the name ends at its first dot, even if that is not the extension's: "tool.v2.exe" is TOOL.
   const std::size_t length = std::min(std::strcspn(name, "."), kMaxProcessNameLength);
   std::transform(name, name + length, processName_, vel::toAsciiUpper);
   processName_[length] = '\0';

@@ -43,7 +43,7 @@ class SwitchText {
 /// Reports on standard error, even if the tool's own messages go elsewhere, and ends the process.
 void VelClConsoleUI::fatalArgument(int exitCode, uint32_t word, const char* switchName) const {
   vel::consoleui::writeMessage(std::cerr, *params_, words()[Word::FatalErrorOccurred].getAsCString(),
-                               {{words().number(word).getAsCString(), switchName}});
+                               {{words().message(word).getAsCString(), switchName}});
   processExit(exitCode);
 }
 
@@ -71,12 +71,12 @@ bool VelClConsoleUI::readNumber(VelClSwitchName name, Number& value) const {
   if (!argument.setToNext())
     fatalArgument(vel::consoleui::kExitMissingValue, static_cast<uint32_t>(Word::NoNumericValue), text.get());
   const char* digits = argument.getAsCString();
-  // Intentional: one apostrophe before the number is skipped, as documented.
+  // Intentional: one apostrophe before the number is skipped.
   if (*digits == '\'') ++digits;
   if (!vel::isAsciiDigit(*digits) && *digits != '-')
     fatalArgument(vel::consoleui::kExitNonNumericValue, static_cast<uint32_t>(Word::NonNumericValue),
                   text.get());
-  // Intentional: there is no range check; a short gets the low 16 bits, as documented.
+  // Intentional: there is no range check; a short gets the low 16 bits.
   value = static_cast<Number>(vel::parseInt32(digits));
   return true;
 }

@@ -1,4 +1,4 @@
-// The words of the console user interface and their numbers in the message catalog, its exit codes, and the
+// The words of the console user interface and their ids in the message catalog, its exit codes, and the
 // texts that a tool passes. Defined inline: there is no console_ui_words.cpp.
 #pragma once
 
@@ -10,7 +10,7 @@
 
 namespace vel::consoleui {
 
-/// Message numbers in the library's own table. A tool's catalog has the same messages from its message base
+/// Message ids in the library's own table. A tool's catalog has the same messages from its message base
 /// on.
 enum class Word : std::uint32_t {
   Yes = 3,
@@ -62,7 +62,7 @@ inline constexpr int kExitMissingSwitch = CONUI_ARG_MISSING;
 inline constexpr int kExitMissingValue = CONUI_ARG_EXPECTING_VALUE;
 inline constexpr int kExitNonNumericValue = CONUI_ARG_VALUE_TYPE_MISMATCH;
 
-/// Resolves a label or question to text: a text of the tool's or the number of a message. "" for null and
+/// Resolves a label or question to text: a text of the tool's or the id of a message. "" for null and
 /// message 0. The object owns the message and is therefore not copied.
 class ResolvedText {
  public:
@@ -88,9 +88,9 @@ class Words {
   Words(const VelClMessageCatalog& catalog, std::uint32_t messageBase)
       : catalog_(catalog), messageBase_(messageBase) {}
 
-  VelClMessage operator[](Word word) const { return number(static_cast<std::uint32_t>(word)); }
-  /// Returns a message by its number in the library's own table.
-  VelClMessage number(std::uint32_t id) const { return {catalog_, messageBase_ + id}; }
+  VelClMessage operator[](Word word) const { return message(static_cast<std::uint32_t>(word)); }
+  /// Returns a message by its id in the library's own table.
+  VelClMessage message(std::uint32_t id) const { return {catalog_, messageBase_ + id}; }
 
  private:
   const VelClMessageCatalog& catalog_;

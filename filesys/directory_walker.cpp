@@ -48,9 +48,9 @@ void VelClOSSDirectoryWalker::close() {
 bool VelClOSSDirectoryWalker::fetchNext() {
   platform::DirectoryHandle handle{search_, listed_};
   platform::DirectoryEntry entry;
-  platform::WalkStep step;
+  platform::ListingStep step;
   const bool failed = platform::nextEntry(handle, entry, step) != 0;
-  if (!failed && step == platform::WalkStep::Entry) {
+  if (!failed && step == platform::ListingStep::Entry) {
     listed_ = handle.listed;
     attributes_ = entry.attributes;
     vel::filesys::copyBounded(name_, entry.name, vel::filesys::kMaxLength);

@@ -93,7 +93,7 @@ bool removeEntriesOf(platform::DirectoryHandle& directory, const ProtectedRoots&
 bool emptyEntry(const platform::DirectoryHandle& parent, platform::DirectoryEntry& entry,
                 const ProtectedRoots& roots, int depth) noexcept {
   OpenDirectory directory;
-  const platform::SystemError error = platform::openEntry(parent, entry, directory.handle());
+  const platform::SystemError error = platform::openSubdirectory(parent, entry, directory.handle());
   if (error == 0) return removeEntriesOf(directory.handle(), roots, depth);
   // The entry was replaced since it was listed, perhaps by a link, which is removed itself. Without the
   // attribute it is removed as a file.
@@ -112,9 +112,9 @@ bool removeWithContents(const platform::DirectoryHandle& parent, platform::Direc
 bool removeEntriesOf(platform::DirectoryHandle& directory, const ProtectedRoots& roots, int depth) noexcept {
   if (depth > kMaxDepth || roots.contains(directory)) return false;
   platform::DirectoryEntry entry;
-  platform::WalkStep step;
+  platform::ListingStep step;
   // A failure of the listing is not reported here: if it left entries out, removing the directory fails.
-  while (platform::nextEntry(directory, entry, step) == 0 && step == platform::WalkStep::Entry)
+  while (platform::nextEntry(directory, entry, step) == 0 && step == platform::ListingStep::Entry)
     if (!removeWithContents(directory, entry, roots, depth + 1)) return false;
   return true;
 }

@@ -34,7 +34,7 @@ void readBlock(const std::vector<std::uint8_t>& bytes) {
   std::size_t count = 0;
   for (MessageTable table{}, chosen{}; file.nextMessageTable(cursor, table);) {
     count += readTable(MessageResource(table.data, table.sizeInBytes));
-    if (table.nameId == PortableExecutable::kMessageTableName && table.language <= 0xFFFF)
+    if (table.id == PortableExecutable::kMessageTableId && table.language <= 0xFFFF)
       require({file.findMessageTable(table.language, chosen), chosen.language == table.language});
   }
   require(count <= 64 * bytes.size() / 4);

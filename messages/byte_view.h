@@ -1,5 +1,5 @@
-// A read-only view of bytes that may be anything: reads little-endian numbers and checks that all of their
-// bytes exist. The meaning of the numbers is left to the parsers of the files.
+// A read-only view of untrusted bytes: reads little-endian integers and checks that they are within the view.
+// Their meaning is left to the parsers of the files.
 #pragma once
 
 #include <cstddef>
@@ -16,15 +16,15 @@ class ByteView {
 
   std::size_t size() const noexcept { return size_; }
 
-  /// Whether the `length` bytes from `offset` on are within the view. Cannot overflow.
+  /// Returns whether the `length` bytes from `offset` on are within the view. Cannot overflow.
   bool holds(std::uint64_t offset, std::uint64_t length) const noexcept {
     return offset <= size_ && length <= size_ - offset;
   }
 
-  /// The bytes from `offset` on. Not checked: the caller has called holds() before.
+  /// Returns the bytes from `offset` on. Not checked: call holds() first.
   const std::uint8_t* at(std::uint64_t offset) const noexcept { return data_ + offset; }
 
-  /// Read a number. Return false and leave `value` as it is when one of its bytes is missing.
+  /// Read an integer. Return false and leave `value` unchanged if one of its bytes is outside the view.
   bool read16(std::uint64_t offset, std::uint16_t& value) const noexcept {
     if (!holds(offset, 2)) return false;
     const std::uint8_t* bytes = at(offset);

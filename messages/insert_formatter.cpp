@@ -54,7 +54,7 @@ class ResourceTextExpander {
 
   FormatResult expand() noexcept {
     while (!finished_ && !malformed_ && !out_.overflowed()) {
-      out_.copyUntilAny(text_, Stops<'%', '\r', '\n'>{});
+      out_.copyUntilAny(text_, StopSet<'%', '\r', '\n'>{});
       if (text_.atEnd() || out_.overflowed()) break;
       step(text_.read());
     }
@@ -149,7 +149,7 @@ class TableTextExpander {
 
   std::size_t expand() noexcept {
     while (out_.room() > 0) {
-      out_.copyUntilAny(text_, Stops<'%'>{});
+      out_.copyUntilAny(text_, StopSet<'%'>{});
       if (text_.atEnd()) break;
       text_.read();
       escape();

@@ -1,6 +1,6 @@
 // Languages with territories: parses tags such as "en-US" and looks codes up in two tables, which
 // generate_languages.py makes from languages.tsv and territories.tsv. The numbers of rows are part of the
-// interface; the system's own language numbers are unrelated to them.
+// interface; they are unrelated to the system's LANGIDs.
 #include <algorithm>
 #include <cstring>
 #include <iterator>

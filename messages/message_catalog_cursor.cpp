@@ -61,7 +61,7 @@ void forEachEntry(const PortableExecutable& file, Visitor visit) {
   PortableExecutable::Cursor tables;
   MessageTable table{};
   while (file.nextMessageTable(tables, table)) {
-    if (table.nameId != PortableExecutable::kMessageTableName) continue;
+    if (table.id != PortableExecutable::kMessageTableId) continue;
     const MessageResource resource(table.data, table.sizeInBytes);
     MessageResource::Cursor entries;
     MessageResource::Entry entry{};
@@ -125,7 +125,7 @@ bool VelClMessageCatalogCursor::setToNext() {
 bool VelClMessageCatalogCursor::moveTo(size_t index) {
   vel::OwnedText copy;
   if (index < count_ && positions_ != nullptr) {
-    const vel::String text = vel::messages::utf8TextOf(positions_[index].entry());
+    const vel::String text = vel::messages::storedOrUtf8Text(positions_[index].entry());
     copy = vel::copyText(text.data(), text.size());
   }
   VelClMemoryManager::free(text_);

@@ -107,8 +107,7 @@ bool MessageResource::findInBlock(const Block& block, std::uint32_t id, Entry& e
 bool MessageResource::next(Cursor& cursor, Entry& entry) const noexcept {
   Block block{};
   for (; cursor.block < blockCount_ && readBlock(cursor.block, block); ++cursor.block) {
-    // A block whose ids have been passed already is out of order and
-    // skipped; else the walk would not be by id.
+    // Skip a block whose ids have been passed already: it is out of order.
     if (cursor.offset == 0 && cursor.nextId <= block.lowId) {
       cursor.nextId = block.lowId;
       cursor.offset = block.offset;

@@ -17,11 +17,11 @@ namespace vel::messages {
 std::array<std::uint32_t, 3> languageCandidates(std::uint32_t language) noexcept;
 
 /// A message table. Layout: the number of blocks; then for each block {lowest id, highest id, offset of the
-/// lowest id's entry}, all numbers of 32 bits. The entries of a block follow one another, each {16-bit length
+/// lowest id's entry}, all of 32 bits. The entries of a block follow one another, each {16-bit length
 /// including this header, 16-bit flags, text}. Ids ascend.
 ///
-/// Does not own the bytes, which may be anything: nothing outside of them is read, and find() and a whole
-/// walk take time linear in their number.
+/// Does not own the bytes. Any bytes are accepted: nothing outside of them is read, and find() and a whole
+/// walk take time linear in the number of bytes.
 class MessageResource {
  public:
   struct Entry {
@@ -41,12 +41,11 @@ class MessageResource {
 
   MessageResource(const std::uint8_t* data, std::size_t sizeInBytes) noexcept;
 
-  /// Looks a message up. Returns false, and leaves `entry` as it is,
-  /// if there is none or its entry is damaged.
+  /// Looks a message up. Returns false and leaves `entry` unchanged if there is none or its entry is damaged.
   bool find(std::uint32_t id, Entry& entry) const noexcept;
 
-  /// Moves to the next entry by id; returns false at the end. Skips blocks that are out of order, and the
-  /// rest of a block from a damaged entry on.
+  /// Moves to the next entry in the order of ids; returns false at the end. Skips blocks that are out of
+  /// order, and the rest of a block from a damaged entry on.
   bool next(Cursor& cursor, Entry& entry) const noexcept;
 
  private:

@@ -11,7 +11,7 @@ namespace {
 
 using vel::messages::MessageResource;
 using vel::test::Bytes;
-using vel::test::tableEntry;
+using vel::test::messageEntry;
 
 std::string textOf(const MessageResource::Entry& entry) {
   std::string text;
@@ -41,11 +41,11 @@ Bytes blocks(const std::vector<std::vector<std::uint32_t>>& all) {
 
 TEST(MessageResource, FindsMessagesInEveryBlock) {
   const Bytes table = blocks({{1, 3, 40}, {9, 9, 72}, {0xFFFFFFFF, 0xFFFFFFFF, 88}})
-                          .add(tableEntry("one"))
-                          .add(tableEntry(""))
-                          .add(tableEntry("three", true))
-                          .add(tableEntry("n%0\n", true))
-                          .add(tableEntry("last"));
+                          .add(messageEntry("one"))
+                          .add(messageEntry(""))
+                          .add(messageEntry("three", true))
+                          .add(messageEntry("n%0\n", true))
+                          .add(messageEntry("last"));
   const std::pair<std::uint32_t, std::string> rows[] = {{0, "-"},     {1, "one"}, {2, ""},
                                                         {3, "three"}, {4, "-"},   {8, "-"},
                                                         {9, "n%0\n"}, {10, "-"},  {0xFFFFFFFF, "last"}};
@@ -64,7 +64,7 @@ TEST(MessageResource, TextEndsAtItsFirstNul) {
 }
 
 TEST(MessageResource, SkipsDamagedBlocksAndEntries) {
-  const Bytes a = tableEntry("aaa"), b = tableEntry("bbb");
+  const Bytes a = messageEntry("aaa"), b = messageEntry("bbb");
   const Bytes bad = {3, 0, 0, 0, 'x', 0, 0, 0}, tooLong = {0xFF, 0xFF, 0, 0, 'x', 0, 0, 0};
   const std::tuple<const char*, Bytes, const char*> rows[] = {
       {"empty", {}, ""},

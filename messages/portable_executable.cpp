@@ -25,18 +25,20 @@ namespace vel::messages {
 namespace {
 
 // Offsets of fields, in bytes, and the values that matter here.
-constexpr std::uint16_t kDosSignature = 0x5A4D;         // "MZ"
-constexpr std::uint32_t kPeSignature = 0x4550;          // "PE", two zero bytes
-constexpr std::uint64_t kHeaderOffsetField = 0x3C;      // in the DOS header
-constexpr std::uint64_t kMachineField = 4;              // in the PE header, counted from its signature
-constexpr std::uint64_t kSectionCountField = 6;         // likewise
-constexpr std::uint64_t kOptionalHeaderSizeField = 20;  // likewise
-constexpr std::uint64_t kCharacteristicsField = 22;     // likewise
-constexpr std::uint64_t kOptionalHeaderField = 24;      // likewise
-constexpr std::uint16_t kExecutableImage = 2;           // characteristic of a file that linked without errors
+constexpr std::uint16_t kDosSignature = 0x5A4D;     // "MZ"
+constexpr std::uint32_t kPeSignature = 0x4550;      // "PE", two zero bytes
+constexpr std::uint64_t kHeaderOffsetField = 0x3C;  // in the DOS header
+// In the PE header, counted from its signature.
+constexpr std::uint64_t kMachineField = 4;
+constexpr std::uint64_t kSectionCountField = 6;
+constexpr std::uint64_t kOptionalHeaderSizeField = 20;
+constexpr std::uint64_t kCharacteristicsField = 22;
+constexpr std::uint64_t kOptionalHeaderField = 24;
+constexpr std::uint16_t kExecutableImage = 2;  // characteristic of a file that linked without errors
+// In the optional header.
 constexpr std::uint16_t kMagic32 = 0x10B;
 constexpr std::uint16_t kMagic64 = 0x20B;
-constexpr std::uint64_t kSizeOfImageField = 56;  // in the optional header
+constexpr std::uint64_t kSizeOfImageField = 56;
 constexpr std::uint64_t kSizeOfHeadersField = 60;
 constexpr std::uint64_t kDataDirectoryCount32 = 92;
 constexpr std::uint64_t kDataDirectoryCount64 = 108;
@@ -45,12 +47,13 @@ constexpr std::uint64_t kDataDirectorySize = 8;
 constexpr std::uint64_t kSectionSize = 40;
 constexpr std::uint32_t kMaxSections = 96;  // the Windows loader's own limit
 
+// In the resource tree.
 constexpr std::uint64_t kDirectoryHeaderSize = 16;
 constexpr std::uint64_t kDirectoryEntrySize = 8;
-constexpr std::uint32_t kHighBit = 0x80000000;  // set in a name that is text, and in an offset of a directory
+constexpr std::uint32_t kHighBit = 0x80000000;  // see DirectoryEntry
 constexpr std::uint32_t kMessageTableType = 11;
-// Languages may share a table's bytes. The walk ends when all tables
-// together are this many times the file's size.
+// Languages may share a table's bytes. The walk ends when all tables together are this many times the file's
+// size.
 constexpr std::uint64_t kMaxSharing = 64;
 
 }  // namespace
@@ -58,7 +61,7 @@ constexpr std::uint64_t kMaxSharing = 64;
 PortableExecutable::PortableExecutable(const std::uint8_t* image, std::size_t sizeInBytes) noexcept
     : file_(image, sizeInBytes) {
   valid_ = readHeaders();
-  if (resources_ != 0) findMessageTables();
+  if (resources_ != 0) findMessageTableDirectory();
 }
 
 bool PortableExecutable::readHeaders() noexcept {
@@ -114,8 +117,8 @@ bool PortableExecutable::readSection(std::uint32_t index, Section& section) cons
          file_.read32(offset + 20, section.pointerToRawData);
 }
 
-/// Whether the headers, including the section table, and all sections are in the file, and whether the
-/// sections follow one another in memory within the image. The padding of the raw data after a section's
+/// Returns whether the headers, including the section table, and all sections are in the file, and whether
+/// the sections follow one another in memory within the image. The padding of the raw data after a section's
 /// virtual size may be missing.
 bool PortableExecutable::hasValidSections(const OptionalHeader& header) const noexcept {
   const std::uint64_t tableEnd = sectionTable_ + sectionCount_ * kSectionSize;
@@ -146,65 +149,66 @@ bool PortableExecutable::rvaToFileOffset(std::uint32_t rva, std::uint32_t size,
   return false;
 }
 
-/// Returns the number of entries of a directory, those named by text included. Its header is within the file.
+/// Returns the number of entries of a directory, those with a name and those with an ID. Its header is within
+/// the file.
 std::uint32_t PortableExecutable::entryCount(std::uint64_t directory) const noexcept {
   std::uint16_t named = 0;
-  std::uint16_t numbered = 0;
+  std::uint16_t withId = 0;
   file_.read16(directory + 12, named);
-  file_.read16(directory + 14, numbered);
-  return std::uint32_t{named} + numbered;
+  file_.read16(directory + 14, withId);
+  return std::uint32_t{named} + withId;
 }
 
 bool PortableExecutable::readEntry(std::uint64_t directory, std::uint32_t index,
                                    DirectoryEntry& entry) const noexcept {
   const std::uint64_t offset = directory + kDirectoryHeaderSize + index * kDirectoryEntrySize;
-  return file_.read32(offset, entry.name) && file_.read32(offset + 4, entry.offset);
+  return file_.read32(offset, entry.id) && file_.read32(offset + 4, entry.offset);
 }
 
-/// Returns false if the entry is named by text or is not a directory within the file.
+/// Returns false if the entry has a name instead of an ID, or is not a directory within the file.
 bool PortableExecutable::findSubdirectory(const DirectoryEntry& entry,
                                           std::uint64_t& directory) const noexcept {
-  if ((entry.name & kHighBit) != 0 || (entry.offset & kHighBit) == 0) return false;
+  if ((entry.id & kHighBit) != 0 || (entry.offset & kHighBit) == 0) return false;
   directory = resources_ + (entry.offset & ~kHighBit);
   return file_.holds(directory, kDirectoryHeaderSize);
 }
 
-void PortableExecutable::findMessageTables() noexcept {
+void PortableExecutable::findMessageTableDirectory() noexcept {
   const std::uint32_t count = entryCount(resources_);
   DirectoryEntry entry{};
   for (std::uint32_t index = 0; index < count && readEntry(resources_, index, entry); ++index)
-    if (entry.name == kMessageTableType && findSubdirectory(entry, messageTables_)) return;
+    if (entry.id == kMessageTableType && findSubdirectory(entry, messageTables_)) return;
   messageTables_ = 0;
 }
 
-/// Counts a directory entry. Returns false if there were more than fit
-/// into the file: then directories overlap.
-bool PortableExecutable::countVisit(Cursor& cursor) const noexcept {
+/// Counts a directory entry. Returns false if there were more than fit into the file: then directories
+/// overlap.
+bool PortableExecutable::mayVisitAnother(Cursor& cursor) const noexcept {
   return cursor.visited++ < file_.size() / kDirectoryEntrySize;
 }
 
 bool PortableExecutable::nextMessageTable(Cursor& cursor, MessageTable& table) const noexcept {
   if (messageTables_ == 0) return false;
   const std::uint32_t count = entryCount(messageTables_);
-  DirectoryEntry name{};
-  for (; cursor.name < count && readEntry(messageTables_, cursor.name, name); ++cursor.name) {
-    if (!countVisit(cursor)) return false;
-    if (nextLanguage(cursor, name, table)) return true;
-    cursor.language = 0;
+  DirectoryEntry resource{};
+  for (; cursor.idIndex < count && readEntry(messageTables_, cursor.idIndex, resource); ++cursor.idIndex) {
+    if (!mayVisitAnother(cursor)) return false;
+    if (nextLanguage(cursor, resource, table)) return true;
+    cursor.languageIndex = 0;
   }
   return false;
 }
 
-bool PortableExecutable::nextLanguage(Cursor& cursor, const DirectoryEntry& name,
+bool PortableExecutable::nextLanguage(Cursor& cursor, const DirectoryEntry& resource,
                                       MessageTable& table) const noexcept {
   std::uint64_t directory = 0;
-  if (!findSubdirectory(name, directory)) return false;
+  if (!findSubdirectory(resource, directory)) return false;
   const std::uint32_t count = entryCount(directory);
-  while (cursor.language < count && countVisit(cursor)) {
+  while (cursor.languageIndex < count && mayVisitAnother(cursor)) {
     DirectoryEntry language{};
-    if (!readEntry(directory, cursor.language++, language)) return false;
-    table.nameId = name.name;
-    if (!readTable(language, table)) continue;
+    if (!readEntry(directory, cursor.languageIndex++, language)) return false;
+    table.id = resource.id;
+    if (!readDataEntry(language, table)) continue;
     // Callers read every table they are given, so the time they need is bounded here.
     cursor.tableBytes += table.sizeInBytes;
     return cursor.tableBytes <= kMaxSharing * file_.size();
@@ -212,16 +216,16 @@ bool PortableExecutable::nextLanguage(Cursor& cursor, const DirectoryEntry& name
   return false;
 }
 
-/// Reads a leaf of the tree: {RVA, size, code page, reserved}.
-bool PortableExecutable::readTable(const DirectoryEntry& language, MessageTable& table) const noexcept {
-  if (((language.name | language.offset) & kHighBit) != 0) return false;
+/// Finds the table of a language by its data entry, a leaf of the tree: {RVA, size, code page, reserved}.
+bool PortableExecutable::readDataEntry(const DirectoryEntry& language, MessageTable& table) const noexcept {
+  if (((language.id | language.offset) & kHighBit) != 0) return false;
   std::uint32_t rva = 0;
   std::uint32_t size = 0;
   std::uint64_t data = 0;
   const std::uint64_t entry = resources_ + language.offset;
   if (!file_.read32(entry, rva) || !file_.read32(entry + 4, size) || !rvaToFileOffset(rva, size, data))
     return false;
-  table.language = language.name;
+  table.language = language.id;
   table.data = file_.at(data);
   table.sizeInBytes = size;
   return true;
@@ -233,7 +237,7 @@ bool PortableExecutable::findMessageTable(std::uint32_t language, MessageTable& 
   Cursor cursor;
   MessageTable current{};
   while (nextMessageTable(cursor, current)) {
-    if (current.nameId != kMessageTableName) continue;
+    if (current.id != kMessageTableId) continue;
     // Only candidates better than the best so far are searched.
     const auto rank = std::find(candidates.begin(), best, current.language);
     if (rank == best) continue;

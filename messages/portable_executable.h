@@ -11,48 +11,48 @@ namespace vel::messages {
 
 /// A message table resource. It points into the file's bytes and does not own them.
 struct MessageTable {
-  std::uint32_t nameId;    ///< number of the resource; the Windows message formatter reads number 1 only
-  std::uint32_t language;  ///< Windows language number of its texts
+  std::uint32_t id;        ///< the resource ID; the Windows message formatter reads kMessageTableId only
+  std::uint32_t language;  ///< LANGID of its texts
   const std::uint8_t* data;
   std::size_t sizeInBytes;
 };
 
-/// A view of a library file (32-bit or 64-bit PE), in its layout on disk. Does not own the bytes, which may
-/// be anything: nothing outside of them is read, and walking the tables and all of their messages takes time
-/// linear in the number of bytes.
+/// A view of a library file (32-bit or 64-bit PE), in its layout on disk. Does not own the bytes. Any
+/// bytes are accepted: nothing outside of them is read, and walking the tables and all of their messages
+/// takes time linear in the number of bytes.
 ///
-/// Resources are a tree of three levels, type, number and language:
+/// Resources are a tree of three levels, type, ID and language:
 ///
 ///     type 11 --- 1 --+-- 1033 --> {address, size} --> message table
 ///                     +-- 1031 --> {address, size} --> message table
 class PortableExecutable {
  public:
-  /// The number that the message compiler gives to its table.
-  static constexpr std::uint32_t kMessageTableName = 1;
+  /// The resource ID that the message compiler gives to its table.
+  static constexpr std::uint32_t kMessageTableId = 1;
 
   /// A position in the walk, initially before the first table.
   struct Cursor {
-    std::uint32_t name = 0;        ///< index in the directory of numbers
-    std::uint32_t language = 0;    ///< index in that number's directory of languages
-    std::uint64_t visited = 0;     ///< directory entries read so far
-    std::uint64_t tableBytes = 0;  ///< total size in bytes of the tables so far
+    std::uint32_t idIndex = 0;        ///< in the directory of resource IDs
+    std::uint32_t languageIndex = 0;  ///< in the directory of that resource's languages
+    std::uint64_t visited = 0;        ///< directory entries read so far
+    std::uint64_t tableBytes = 0;     ///< total size in bytes of the tables so far
   };
 
   PortableExecutable(const std::uint8_t* image, std::size_t sizeInBytes) noexcept;
 
-  /// Whether the Windows loader would map the file: its headers are valid, and the bytes of all sections are
-  /// in the file. The file may be for any machine and need not have message tables.
+  /// Whether the Windows loader would map the file: its headers are valid, and the initialized bytes of
+  /// all sections are in the file. The file may be for any machine and need not have message tables.
   bool isValid() const noexcept { return valid_; }
 
   /// The size of the file in bytes.
   std::size_t size() const noexcept { return file_.size(); }
 
-  /// Moves to the next message table in file order (by number, then by language, in a valid file); returns
-  /// false at the end. Skips resources that are named by text or damaged.
+  /// Moves to the next message table in file order (by ID, then by language, in a valid file); returns false
+  /// at the end. Skips resources that have a name instead of an ID, and damaged ones.
   bool nextMessageTable(Cursor& cursor, MessageTable& table) const noexcept;
 
-  /// Finds the table that serves requests in a language, chosen by languageCandidates() among those numbered
-  /// kMessageTableName. Returns false if there is none.
+  /// Finds the table with the ID kMessageTableId whose language is the first possible one of
+  /// languageCandidates(). Returns false if there is none.
   bool findMessageTable(std::uint32_t language, MessageTable& table) const noexcept;
 
  private:
@@ -71,8 +71,8 @@ class PortableExecutable {
   };
   /// An entry of a directory in the resource tree.
   struct DirectoryEntry {
-    std::uint32_t name;
-    std::uint32_t offset;
+    std::uint32_t id;      ///< type, resource ID or LANGID; with kHighBit, the offset of a name
+    std::uint32_t offset;  ///< in the tree; with kHighBit, of a directory, otherwise of a data entry
   };
 
   bool readHeaders() noexcept;
@@ -83,10 +83,10 @@ class PortableExecutable {
   std::uint32_t entryCount(std::uint64_t directory) const noexcept;
   bool readEntry(std::uint64_t directory, std::uint32_t index, DirectoryEntry& entry) const noexcept;
   bool findSubdirectory(const DirectoryEntry& entry, std::uint64_t& directory) const noexcept;
-  void findMessageTables() noexcept;
-  bool nextLanguage(Cursor& cursor, const DirectoryEntry& name, MessageTable& table) const noexcept;
-  bool readTable(const DirectoryEntry& language, MessageTable& table) const noexcept;
-  bool countVisit(Cursor& cursor) const noexcept;
+  void findMessageTableDirectory() noexcept;
+  bool nextLanguage(Cursor& cursor, const DirectoryEntry& resource, MessageTable& table) const noexcept;
+  bool readDataEntry(const DirectoryEntry& language, MessageTable& table) const noexcept;
+  bool mayVisitAnother(Cursor& cursor) const noexcept;
 
   ByteView file_;
   std::uint64_t sectionTable_ = 0;

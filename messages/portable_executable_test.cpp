@@ -24,13 +24,13 @@ Bytes tableSaying(const char* text) {
   return messageTable({{1, text}});
 }
 
-/// Lists all tables as "name/language:size ".
+/// Lists all tables as "ID/language:size ".
 std::string listTables(const Bytes& bytes) {
   const PortableExecutable file(bytes.data(), bytes.size());
   std::string list;
   PortableExecutable::Cursor cursor;
   for (MessageTable table{}; file.nextMessageTable(cursor, table);)
-    list += std::to_string(table.nameId) + '/' + std::to_string(table.language) + ':' +
+    list += std::to_string(table.id) + '/' + std::to_string(table.language) + ':' +
             std::to_string(table.sizeInBytes) + ' ';
   return list;
 }
@@ -54,8 +54,8 @@ std::string messageIn(const Bytes& bytes, std::uint32_t language, std::uint32_t 
 TEST(PortableExecutable, ListsTheTablesOf32And64BitFiles) {
   const vel::test::TestTables tables = {
       {1, {{0x407, tableSaying("eins")}, {0x409, tableSaying("one one one")}}}, {2, {{0, tableSaying("")}}}};
-  for (const bool wide : {false, true})
-    EXPECT_EQ(listTables(libraryFile(tables, wide)), "1/1031:28 1/1033:32 2/0:24 ") << wide;
+  for (const bool isPe32Plus : {false, true})
+    EXPECT_EQ(listTables(libraryFile(tables, isPe32Plus)), "1/1031:28 1/1033:32 2/0:24 ") << isPe32Plus;
   EXPECT_EQ(listTables(libraryFile({})), "");
 }
 

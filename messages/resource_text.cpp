@@ -1,9 +1,9 @@
-// Converts texts of message resources to single-byte texts. The bytes come from a file: they are neither
-// aligned nor known to be well-formed UTF-16.
+// Converts texts of message resources to the process's ANSI code page or to UTF-8. The bytes come from a
+// file: they are neither aligned nor known to be well-formed UTF-16.
 //
-// Nearly all messages are ASCII, whose bytes are the same in UTF-8 and in every single-byte code
-// page of a system. So each text is first copied as ASCII, four units at a time; only if that
-// fails is it decoded as UTF-16 and converted.
+// Nearly all messages are ASCII, whose bytes are the same in UTF-8 and in every ANSI code page. So a Unicode
+// text is first copied as ASCII, four units at a time; only if that fails, or if the text is too long for
+// AnsiText's own buffer, is it decoded as UTF-16 and converted.
 #include "messages/resource_text.h"
 
 #include <bit>
@@ -24,13 +24,14 @@ Utf16Text toUtf16(const MessageResource::Entry& entry) {
   return text;
 }
 
+// toUtf16 is independent of byte order, but copyAsciiBlocks expects the first unit in a word's low bits.
 static_assert(std::endian::native == std::endian::little);
 
-/// Copies ASCII characters in fours and returns how many were copied. Stops before the first four that are
-/// not all ASCII, and leaves a tail of up to three.
-std::size_t copyAsciiInFours(const std::uint8_t* text, std::size_t length, char* out) noexcept {
+/// Copies blocks of four ASCII characters and returns how many characters were copied. Stops before the first
+/// block that is not all ASCII, and leaves a tail of up to three units.
+std::size_t copyAsciiBlocks(const std::uint8_t* text, std::size_t unitCount, char* out) noexcept {
   std::size_t i = 0;
-  for (; i + 4 <= length; i += 4) {
+  for (; i + 4 <= unitCount; i += 4) {
     std::uint64_t units = 0;
     std::memcpy(&units, text + 2 * i, sizeof units);
     if ((units & 0xFF80FF80FF80FF80) != 0) break;
@@ -42,11 +43,11 @@ std::size_t copyAsciiInFours(const std::uint8_t* text, std::size_t length, char*
   return i;
 }
 
-/// Copies a Unicode text as bytes. Returns false if not all of its
-/// characters are ASCII; `out` must not be used then.
+/// Copies a Unicode text as bytes. Returns false, with `out` partly overwritten, if not all of its
+/// characters are ASCII.
 bool copyAscii(const MessageResource::Entry& entry, char* out) noexcept {
   const std::size_t length = entry.sizeInBytes / 2;
-  for (std::size_t i = copyAsciiInFours(entry.text, length, out); i != length; ++i) {
+  for (std::size_t i = copyAsciiBlocks(entry.text, length, out); i != length; ++i) {
     const int unit = entry.text[2 * i] | entry.text[2 * i + 1] << 8;
     if (unit >= 0x80) return false;
     out[i] = static_cast<char>(unit);
@@ -60,13 +61,13 @@ String storedBytes(const MessageResource::Entry& entry) {
   return text;
 }
 
-/// Decodes the code point at `position` and moves past it. An unpaired
-/// surrogate yields the replacement character.
+/// Decodes the code point at `position` and moves past it. An unpaired surrogate yields the replacement
+/// character.
 char32_t decodeCodePoint(const Utf16Text& text, std::size_t& position) {
   const char16_t* const units = text.data() + position;
-  const std::size_t count = utf16Length(units, text.size() - position);
+  const std::size_t count = unitsOfFirstCharacter(units, text.size() - position);
   position += count;
-  if (count == 2) return characterOfPair(units[0], units[1]);
+  if (count == 2) return decodeSurrogatePair(units[0], units[1]);
   return isSurrogate(units[0]) ? kReplacementCharacter : units[0];
 }
 
@@ -81,8 +82,8 @@ String toUtf8(const Utf16Text& text) {
   return out;
 }
 
-String toCodePage(const Utf16Text& text) {
-  // No code page of a system needs more than four bytes for a unit.
+String toAnsi(const Utf16Text& text) {
+  // No ANSI code page needs more than four bytes for a unit.
   String out(text.size() * 4, '\0');
   out.resize(platform::utf16ToAnsi(text.data(), text.size(), out.data(), out.size()));
   return out;
@@ -90,7 +91,7 @@ String toCodePage(const Utf16Text& text) {
 
 }  // namespace
 
-String utf8TextOf(const MessageResource::Entry& entry) {
+String storedOrUtf8Text(const MessageResource::Entry& entry) {
   if (!entry.unicode) return storedBytes(entry);
   String text(entry.sizeInBytes / 2, '\0');
   return copyAscii(entry, text.data()) ? text : toUtf8(toUtf16(entry));
@@ -102,7 +103,7 @@ AnsiText::AnsiText(const MessageResource::Entry& entry)
   data_ = inline_;
   size_ /= 2;
   if (size_ <= kInlineSize && copyAscii(entry, inline_)) return;
-  converted_ = platform::ansiIsUtf8() ? utf8TextOf(entry) : toCodePage(toUtf16(entry));
+  converted_ = platform::ansiIsUtf8() ? storedOrUtf8Text(entry) : toAnsi(toUtf16(entry));
   data_ = converted_.data();
   size_ = converted_.size();
 }

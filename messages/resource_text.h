@@ -1,4 +1,4 @@
-// Converts texts of message resources to single-byte texts.
+// Converts texts of message resources to the process's ANSI code page or to UTF-8.
 #pragma once
 
 #include "foundation/allocator.h"
@@ -6,8 +6,8 @@
 
 namespace vel::messages {
 
-/// A message's text in the process's single-byte code page. Text that is stored as single bytes is not
-/// converted, nor copied: the entry's bytes must outlive this object.
+/// A message's text in the process's ANSI code page, which may be UTF-8. Text that is not stored as Unicode
+/// is neither converted nor copied: the entry's bytes must outlive this object.
 class AnsiText {
  public:
   explicit AnsiText(const MessageResource::Entry& entry);
@@ -27,7 +27,7 @@ class AnsiText {
   String converted_;
 };
 
-/// Returns a message's text as it is stored, but Unicode as UTF-8.
-String utf8TextOf(const MessageResource::Entry& entry);
+/// Returns a Unicode text converted to UTF-8, and any other text as it is stored.
+String storedOrUtf8Text(const MessageResource::Entry& entry);
 
 }  // namespace vel::messages

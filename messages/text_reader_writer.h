@@ -1,5 +1,5 @@
-// The tools of insert_formatter.cpp: a reader that consumes a text from left to right, and a writer that
-// never leaves its buffer. The syntax of the texts is not known here.
+// A bounded reader and a bounded writer for insert_formatter.cpp: the reader consumes a text from left to
+// right, the writer never writes past its buffer. The syntax of the texts is not known here.
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,7 @@
 
 namespace vel::messages {
 
-/// Appends a decimal digit to a number. Saturates at the largest number instead of overflowing.
+/// Appends a decimal digit to a number. Saturates at the type's maximum instead of overflowing.
 template <typename Number>
 Number appendDigit(Number number, char digit) noexcept {
   constexpr Number kMax = std::numeric_limits<Number>::max();
@@ -22,23 +22,27 @@ Number appendDigit(Number number, char digit) noexcept {
   return number > (kMax - value) / 10 ? kMax : static_cast<Number>(number * 10 + value);
 }
 
+// StopSet expects the first character of a word in its lowest byte.
 static_assert(std::endian::native == std::endian::little);
 
 /// A set of characters at which copying stops.
 template <char... kCharacters>
-struct Stops {
-  static bool has(char c) noexcept { return ((c == kCharacters) || ...); }
-  /// Returns how many of eight characters, the first one in the lowest byte, precede the first stop.
+struct StopSet {
+  static bool contains(char c) noexcept { return ((c == kCharacters) || ...); }
+  /// Returns how many of eight characters, the first one in the lowest byte, precede the first stop; 8 if
+  /// there is none.
   /// Uses the test for zero bytes of a word by A. Mycroft (S. E. Anderson, Bit Twiddling Hacks:
   /// "Determine if a word has a zero byte"). It may also mark bytes above a zero byte, because of the
   /// borrow, but the lowest mark is always right.
-  static std::size_t before(std::uint64_t eight) noexcept {
-    return static_cast<std::size_t>(std::countr_zero((zeros(eight ^ kOnes * kCharacters) | ...))) / 8;
+  static std::size_t countBefore(std::uint64_t eight) noexcept {
+    return static_cast<std::size_t>(std::countr_zero((markZeroBytes(eight ^ kOnes * kCharacters) | ...))) / 8;
   }
 
  private:
   static constexpr std::uint64_t kOnes = 0x0101010101010101;
-  static std::uint64_t zeros(std::uint64_t eight) noexcept { return (eight - kOnes) & ~eight & kOnes << 7; }
+  static std::uint64_t markZeroBytes(std::uint64_t eight) noexcept {
+    return (eight - kOnes) & ~eight & kOnes << 7;
+  }
 };
 
 /// Consumes a part of a text from left to right. Does not own the text.
@@ -59,7 +63,7 @@ class TextReader {
     return true;
   }
   bool atDigit() const noexcept { return !atEnd() && isAsciiDigit(*current_); }
-  /// Consumes digits and returns their number, saturated; 0 without a digit.
+  /// Consumes a decimal number and returns its value, saturated; 0 if there is no digit.
   std::size_t parseNumber() noexcept {
     std::size_t number = 0;
     while (atDigit()) number = appendDigit(number, read());
@@ -81,64 +85,67 @@ class TextReader {
   const char* end_;
 };
 
-/// Appends to a buffer. What does not fit is not written, not even in part, and nothing more is written after
-/// it: overflowed() stays true.
+/// Appends to a buffer. What does not fit is not written, not even in part. From then on overflowed() is true
+/// and nothing more is written.
 class TextWriter {
  public:
-  TextWriter(char* out, std::size_t capacity) noexcept : out_(out), room_(capacity) {}
+  TextWriter(char* out, std::size_t capacity) noexcept : out_(out), capacity_(capacity) {}
 
   void put(char c) noexcept {
-    if (reserve(1)) out_[length_++] = c;
+    if (fits(1)) out_[length_++] = c;
   }
   void lineBreak() noexcept {
     put('\r');
     put('\n');
   }
   void repeat(char c, std::size_t count) noexcept {
-    if (!reserve(count)) return;
+    if (!fits(count)) return;
     std::memset(out_ + length_, c, count);
     length_ += count;
   }
   void append(const char* text, std::size_t count) noexcept {
-    if (!reserve(count)) return;
+    if (!fits(count)) return;
     std::memcpy(out_ + length_, text, count);
     length_ += count;
   }
   /// Appends at most `limit` characters of a NUL-terminated string.
   void appendText(const char* text, std::size_t limit) noexcept { append(text, boundedLength(text, limit)); }
-  /// Copies characters from the text, consuming them, up to the first stop, the
-  /// end of the text, or the end of the buffer.
-  template <typename Stops>
-  void copyUntilAny(TextReader& text, Stops stops) noexcept {
+  /// Copies characters from the text, consuming them, up to the first stop, the end of the text, or the end
+  /// of the buffer. If the buffer ends first, the character that did not fit is consumed too, and
+  /// overflowed() is true. Call only while overflowed() is false.
+  template <typename StopCharacters>
+  void copyUntilAny(TextReader& text, StopCharacters stops) noexcept {
     while (text.size() >= 8 && room() >= 8) {
-      const std::size_t count = stops.before(copyEight(text.data()));
+      const std::size_t count = stops.countBefore(copyWordAhead(text.data()));
       length_ += count;
       text.skip(count);
       if (count != 8) return;
     }
-    while (!text.atEnd() && !stops.has(*text.data()) && !overflowed_) put(text.read());
+    while (!text.atEnd() && !stops.contains(*text.data()) && !overflowed_) put(text.read());
   }
-  std::size_t room() const noexcept { return room_ - length_; }
+  /// Returns how many characters still fit.
+  std::size_t room() const noexcept { return capacity_ - length_; }
   bool overflowed() const noexcept { return overflowed_; }
   std::size_t length() const noexcept { return length_; }
 
  private:
-  /// Copies eight characters to the end of what is written, without appending them, and returns them, the
-  /// first one in the lowest byte.
-  std::uint64_t copyEight(const char* text) noexcept {
+  /// Copies eight characters to the write position without advancing it, and returns them, the first one in
+  /// the lowest byte.
+  std::uint64_t copyWordAhead(const char* text) noexcept {
     std::uint64_t eight = 0;
     std::memcpy(&eight, text, sizeof eight);
     std::memcpy(out_ + length_, &eight, sizeof eight);
     return eight;
   }
 
-  bool reserve(std::size_t count) noexcept {
+  /// Returns whether `count` more characters may be written; if not, sets overflowed().
+  bool fits(std::size_t count) noexcept {
     overflowed_ = overflowed_ || count > room();
     return !overflowed_;
   }
 
   char* out_;
-  std::size_t room_;
+  std::size_t capacity_;
   std::size_t length_ = 0;
   bool overflowed_ = false;
 };

@@ -10,11 +10,11 @@
 namespace vel::platform {
 
 /// How to treat a named pipe that nobody has open for writing.
-enum class PipeWithoutWriter { Refuse, Await };
+enum class PipeWithoutWriter { Refuse, Wait };
 
-/// Opens for reading. Names arrive in either style; children do not inherit the descriptor. Does not wait,
-/// except for a pipe's writer if asked to; reading from a pipe waits for what its writers send. A refused
-/// pipe is ENXIO.
+/// Opens for reading. Names may have either kind of separator; children do not inherit the descriptor. With
+/// Wait, waits until a pipe has a writer; with Refuse, fails with ENXIO if it has none. Reading from a pipe
+/// waits for what its writers send.
 SystemError openForReading(const char* name, PipeWithoutWriter pipe, int& descriptor) noexcept;
 void closeDescriptor(int descriptor) noexcept;
 
@@ -30,7 +30,7 @@ class ReadableFile {
     if (isOpen()) closeDescriptor(descriptor_);
   }
 
-  /// To be called once.
+  /// Call at most once, on a closed file: a descriptor that is open would leak.
   SystemError open(const char* name, PipeWithoutWriter pipe) noexcept {
     const SystemError error = openForReading(name, pipe, descriptor_);
     if (error != 0) descriptor_ = -1;
@@ -43,14 +43,14 @@ class ReadableFile {
   int descriptor_ = -1;
 };
 
-/// Reads at most `capacity` bytes; `size` is how many, 0 at the end.
+/// Reads at most `capacity` bytes and sets `size` to the number read, 0 at the end.
 SystemError readBytes(int descriptor, void* buffer, std::size_t capacity, std::size_t& size) noexcept;
 /// Writes all bytes, or fails.
 SystemError writeBytes(int descriptor, const void* data, std::size_t size) noexcept;
 /// Returns the number of bytes from the position to the end of a regular file; 0 for anything else.
 std::uint64_t bytesLeft(int descriptor) noexcept;
-/// Whether the position moved forward within a regular file, at most to its end. False, with the position
-/// unchanged, for anything that cannot be skipped.
+/// Moves the position forward by `count` bytes, at most to the end of a regular file. Returns false if it did
+/// not move: at the end, and for anything but a regular file.
 bool skipBytes(int descriptor, std::uint64_t count) noexcept;
 
 }  // namespace vel::platform

@@ -5,13 +5,13 @@
 
 namespace vel::platform {
 
-/// Milliseconds since the system started, wrapping at 32 bits.
+/// Milliseconds since the system started, the time asleep included, wrapping at 32 bits.
 std::uint32_t tickCount() noexcept;
-/// Counts per second of performanceCounter; 0 without such a counter.
+/// Ticks of performanceCounter per second; 0 if there is none.
 std::int64_t performanceFrequency() noexcept;
-/// Returns whether the system has such a counter.
+/// Reads the high-resolution monotonic counter. Returns false if there is none.
 bool performanceCounter(std::int64_t& value) noexcept;
-/// Sleeps the whole time, even if signals arrive.
+/// Sleeps the whole time: a signal handler does not end it early.
 void sleepMilliseconds(std::uint32_t milliseconds) noexcept;
 
 }  // namespace vel::platform

@@ -11,13 +11,13 @@ using Procedure = int (*)();
 
 /// Writes the full path of a library given without directory, NUL-terminated. Windows: the system's search.
 /// POSIX: the program's directory, the current directory, then PATH; "x.DLL" is looked for as given, then as
-/// "x.so" and "libx.so". Returns whether it was found and fits.
+/// "x.so" and "libx.so". Returns false if it is not found or does not fit.
 bool searchLibrary(const char* name, char* out, std::size_t capacity) noexcept;
-/// Loads a library; POSIX tries the same three names. The user is never asked about a file that is not a
-/// library.
+/// Loads a library; POSIX tries the three names of searchLibrary. Suppresses the system's dialogs about
+/// invalid files.
 NativeError loadLibrary(const char* name, void*& library) noexcept;
-/// The same for an ASCII name without directory that is looked for only where libraries are installed, never
-/// in the current directory or along PATH. Windows: the folder of this library, that of the program, the
+/// Loads a library by an ASCII name without directory. Searches only where libraries are installed, never in
+/// the current directory or along PATH. Windows: the folder of this library, that of the program, the
 /// system's.
 NativeError loadInstalledLibrary(const char* name, void*& library) noexcept;
 /// Returns null if the library has no procedure of this name.

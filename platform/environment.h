@@ -5,11 +5,11 @@
 
 namespace vel::platform {
 
-/// Returns the value, or null when the variable is not set. For variables that the program asks for by name;
-/// the library's own settings go through settingValue.
+/// Returns the value, or null if the variable is not set. For variables that the program names itself; read
+/// the library's own settings with settingValue.
 const char* environmentValue(const char* name) noexcept;
-/// The same for variables that control this library: a program with more rights than its caller (POSIX:
-/// setuid, setgid, capabilities) sees none of them.
+/// Returns the value of a variable that controls this library, or null if it is not set. Always null in a
+/// program with more rights than its caller (POSIX: setuid, setgid, capabilities).
 const char* settingValue(const char* name) noexcept;
 /// `assignment` is "NAME=value", where an empty value removes the variable; it is copied.
 SystemError putEnvironment(char* assignment) noexcept;

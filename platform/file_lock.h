@@ -8,8 +8,8 @@
 
 namespace vel::platform {
 
-/// Distinguishes a file from others, from an earlier one that had the same number, and from itself before a
-/// change; all zeros stands for a missing file.
+/// Distinguishes a file from others, from an earlier one that had the same inode or index, and from itself
+/// before a change; all zeros stands for a missing file.
 struct FileState {
   FileIdentity identity;
   std::uint64_t sizeInBytes = 0;
@@ -25,7 +25,7 @@ SystemError stateAt(const char* name, FileState& state) noexcept;
 enum class LockResult {
   Locked,
   Busy,         ///< somebody else has the lock
-  Unsupported,  ///< the file system has no locks; the rest is as if it were locked
+  Unsupported,  ///< the file system has no locks; `lock` is set as for Locked
   Failed
 };
 

@@ -1,5 +1,5 @@
 // Files by name: attributes, status, removing, renaming, and the directories that names start from. File
-// names arrive in either style; on POSIX systems backslash names are translated, see posix/native_path.h.
+// names may have either kind of separator; POSIX systems translate backslash names, see posix/native_path.h.
 #pragma once
 
 #include <cstddef>
@@ -22,7 +22,7 @@ struct EntryStatus {
   std::int64_t modified;      ///< seconds since 1970
 };
 
-/// Links are followed by these four.
+/// The functions down to setReadOnly follow links.
 bool entryExists(const char* name) noexcept;
 bool isWritable(const char* name) noexcept;
 std::uint32_t attributesOf(const char* name) noexcept;

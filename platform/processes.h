@@ -1,4 +1,4 @@
-// Numbers of this process and of its threads.
+// IDs of this process and its threads, and the count of forks.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,8 @@ std::uint32_t currentThreadId() noexcept;
 namespace detail {
 extern std::uint32_t forks;
 }
-/// A number that differs between a process and its forked child; constant on Windows. Costs no call.
+/// Returns a count that differs between a process and its forked child; always 0 on Windows. Makes no system
+/// call.
 inline std::uint32_t forkCount() noexcept {
   return detail::forks;
 }

@@ -17,7 +17,7 @@ struct Replacement {
   bool keepsRights = true;  ///< after success: whether owner and permissions are those of the old file
   FileIdentity old;         ///< the file that is replaced; zeros when there was none
 
-  // The rest belongs to replacing.cpp.
+  // The following members are for the implementation only.
 
   /// The temporary's name is longer than the target's by a random part.
   static constexpr std::size_t kTemporaryCapacity = kFullNameCapacity + 100;
@@ -35,8 +35,8 @@ struct Replacement {
 SystemError startReplacement(const char* name, Replacement& replacement) noexcept;
 /// Puts the new file in place, atomically and after it is safely stored. After a failure the old file is as
 /// before and the new one is gone, with one exception: if storing the directory failed, the new file is in
-/// place but may be lost with the power. Fails with ECANCELED if the name leads to another file by now,
-/// EEXIST if a file appeared where there was none.
+/// place, but a power failure may undo that. Fails with ECANCELED if the name leads to another file than at
+/// the start, EEXIST if a file appeared where there was none.
 SystemError finishReplacement(Replacement& replacement) noexcept;
 /// Gives up: the old file stays as it is.
 void dropReplacement(Replacement& replacement) noexcept;

@@ -10,7 +10,7 @@ namespace vel::platform {
 /// An errno on every system; Windows errors are translated, see windows/system_errors.h.
 using SystemError = int;
 
-/// The system's own number, for results that programs see: the last error on Windows, an errno elsewhere.
+/// The system's own error code, for results that programs see: the last error on Windows, an errno elsewhere.
 using NativeError = std::uint32_t;
 
 }  // namespace vel::platform

@@ -1,5 +1,5 @@
-// Splits a command line into arguments by the rules that command_line.h states. Building a command line is
-// new_process.cpp's work.
+// Splits a command line into arguments by the rules that command_line.h states. new_process.cpp builds
+// command lines.
 //
 // The arguments are written over the copy of the line that they are parsed from. Removing quotes and
 // backslashes only shortens them, so the write position never passes the read position, and one allocation
@@ -29,7 +29,7 @@ class Splitter {
   /// `"C:\dir\"` is a directory in quotes.
   void parseProgramName() noexcept {
     bool quoted = false;
-    for (; *in_ != '\0' && (quoted || !isBlank(*in_)); ++in_) {
+    for (; inArgument(quoted); ++in_) {
       if (*in_ == '"')
         quoted = !quoted;
       else
@@ -44,11 +44,11 @@ class Splitter {
     return *in_ != '\0';
   }
 
-  /// Backslashes are counted before anything is written, since their meaning depends on whether a quote
-  /// follows.
+  /// Copies one argument without its quotes and escaping backslashes.
   void parseArgument() noexcept {
     bool quoted = false;
-    while (*in_ != '\0' && (quoted || !isBlank(*in_))) {
+    while (inArgument(quoted)) {
+      // The meaning of backslashes depends on whether a quote follows, so they are counted first.
       const std::size_t backslashes = std::strspn(in_, "\\");
       in_ += backslashes;
       if (*in_ == '"')
@@ -59,10 +59,13 @@ class Splitter {
     terminate();
   }
 
-  /// Where the next argument will begin.
+  /// Returns where the next argument will begin.
   char* writePosition() const noexcept { return out_; }
 
  private:
+  /// Returns whether the next character belongs to the current argument.
+  bool inArgument(bool quoted) const noexcept { return *in_ != '\0' && (quoted || !isBlank(*in_)); }
+
   void write(char c, std::size_t count) noexcept {
     std::memset(out_, c, count);
     out_ += count;
@@ -72,10 +75,9 @@ class Splitter {
   /// first of two quotes within quotes, is an ordinary character; any other begins or ends a quoted section.
   void parseQuote(std::size_t backslashes, bool& quoted) noexcept {
     write('\\', backslashes / 2);
-    const bool isDoubled = quoted && in_[1] == '"';
     if (backslashes % 2 != 0) {
       write('"', 1);
-    } else if (isDoubled) {
+    } else if (quoted && in_[1] == '"') {
       write('"', 1);
       ++in_;
     } else {
@@ -84,10 +86,10 @@ class Splitter {
     ++in_;
   }
 
-  /// Writes backslashes that no quote follows, and the character after them unless it ends the argument.
+  /// Writes backslashes that are not followed by a quote, and the next character unless it ends the argument.
   void parseCharacter(std::size_t backslashes, bool quoted) noexcept {
     write('\\', backslashes);
-    if (*in_ != '\0' && (quoted || !isBlank(*in_))) write(*in_++, 1);
+    if (inArgument(quoted)) write(*in_++, 1);
   }
 
   /// Ends an argument. The separator is consumed first, because the NUL may be written over it.

@@ -23,7 +23,7 @@ void VelClDllFile::load() {
   if (handle_ == nullptr) fail(error, VelEnErrorClass::RESOURCE_MISSING);
 }
 
-// Intentional: the documented result has a dot, unlike a program's type. setNewExtension accepts both.
+// Intentional: the type of a library has a dot, that of a program has none. setNewExtension accepts both.
 const char* VelClDllFile::getDefaultFileType() {
   return ".DLL";
 }

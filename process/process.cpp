@@ -10,8 +10,7 @@ VelClProcess::VelClProcess(unsigned int id) : VelClProcessProperty(id) {}
 
 bool VelClProcess::kill() {
   lastError_ = {PROCESS_COULD_NOT_KILL, VelEnErrorClass::INVALID_DATA};
-  // Intentional: the documented result for a process that cannot be opened, because it has ended or may not
-  // be ended by this one, is true.
+  // Intentional: returns true for a process that has already ended or that this one may not end.
   if (platform::endProcess(getProcessId()) == platform::EndResult::Failed) return false;
   lastError_.reset();
   return true;

@@ -6,7 +6,8 @@
 
 namespace vel::tools {
 
-/// Whether there is a text for each id below `end`, and the first one is the signature with this number.
+/// Returns whether there is a text for each id below `end`, and the first text is the signature that states
+/// `end`.
 template <std::size_t size>
 consteval bool isStringTable(const char* const (&texts)[size], unsigned long end) {
   constexpr std::string_view kSignature = "[VEL_MSGTAB_SIGNATURE] ";

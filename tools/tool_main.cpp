@@ -11,7 +11,7 @@
 #include <exception>
 #include <new>
 
-#include "platform/ending_signals.h"
+#include "platform/signals.h"
 #include "tools/safe_terminal.h"
 
 namespace vel::tools {
@@ -46,7 +46,7 @@ bool endsForLackOfMemory() noexcept {
 }
 
 /// The terminate handler. It leaves with _Exit: destructors and exit handlers could need memory again, and
-/// the objects that they work on may be half changed.
+/// the objects that they work on may be in an inconsistent state.
 [[noreturn]] void terminate() {
   if (!endsForLackOfMemory()) previousHandler();
   reportOutOfMemory();

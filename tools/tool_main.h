@@ -15,7 +15,7 @@ inline constexpr int kExitOutOfMemory = 200;
 extern const char* const kToolName;
 int toolMain(int argc, char** argv);
 
-/// To be called in a handler: rethrows the current exception if it reports that memory ran out, so that it
+/// Call in a catch handler. Rethrows the current exception if it reports that memory ran out, so that it
 /// reaches the shared main function. Otherwise returns.
 void rethrowIfOutOfMemory(const VelClException& exception);
 

@@ -74,7 +74,7 @@ void VelClBitArray::read(std::istream& stream) {
     return;
   }
   std::uint64_t bitCount = 0;
-  // Read into a local variable: a truncated number must not change the array.
+  // Read into a local variable: a truncated bit count must not change the array.
   if (!stream.read(reinterpret_cast<char*>(&bitCount), sizeof bitCount)) return;
   // Intentional: the memory is not resized, and `size` bytes are read whatever the stream's array had; the
   // documented use is to read into an array of the same size.

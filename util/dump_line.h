@@ -81,12 +81,12 @@ struct LineLayout {
   }
 };
 
-/// Writes the two digits of one byte of a number; byte 0 is the lowest.
+/// Writes the two digits of one byte of a value; byte 0 is the least significant.
 inline void writeDigitsOf(char* out, std::uint64_t number, int byte) {
   std::memcpy(out, kHexGroups[number >> (8 * byte) & 0xFF].data(), 2);
 }
 
-/// Writes 9 to 16 digits and returns the end; for numbers above 32 bits.
+/// Writes a value above 32 bits with 9 to 16 digits and returns the end.
 inline char* writeLongDigits(char* out, std::uint64_t number) {
   int bytes = 5;
   while (bytes < 8 && number >> (8 * bytes) != 0) ++bytes;

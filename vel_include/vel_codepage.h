@@ -136,9 +136,8 @@ class VEL_API VelClCCSID {
   explicit VelClCCSID(int ccsid) : VelClCCSID(static_cast<VelEnCCSID>(ccsid)) {}
   /// Parses a name. A text that begins with a digit yields the decimal number at its start: "1252abc" is
   /// 1252. Otherwise the names in the table are compared ignoring case: "UTF-8", "ucs-2b", "ISO8859-15".
-  // Intentional: the documented result for "CP1252" is the number 1252 and not valid; the number is not
-  // looked up.
-  /// Any other text yields the first number in it, or 0 without one, and is never valid. Null counts as "".
+  /// Any other text yields the first number in it, or 0 without one, and is never valid, because that number
+  /// is not looked up: "CP1252" has the CCSID 1252 and is not valid. Null counts as "".
   VelClCCSID(const char* name);
   VelClCCSID(const VelClCCSID& other);
   VelClCCSID& operator=(const VelClCCSID& other);

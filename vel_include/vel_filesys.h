@@ -287,7 +287,7 @@ class VEL_API VelClFileABase {
 
  protected:
   VelClFileABase();
-  /// Return the times of the entry `name`, as above.
+  /// Return a time of the entry `name` in seconds since 1970-01-01 00:00 UTC, or 0 if it cannot be examined.
   int64_t getDateTimeOfCreation(const char* name) const;
   int64_t getDateTimeOfLastAccess(const char* name) const;
   int64_t getDateTimeOfLastModification(const char* name) const;

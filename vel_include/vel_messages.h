@@ -68,7 +68,7 @@ class CatalogLibrary;
 /// that only the table contains.
 ///
 /// The language is that of the user if the library has message 1 in it, else that of the system, else 1033
-/// (US English). Texts of Unicode libraries are returned in the single-byte code page of the process (UTF-8
+/// (US English). Texts of Unicode libraries are returned in the ANSI code page of the process (UTF-8
 /// on most Linux systems), those of single-byte libraries as they are stored.
 ///
 /// Opening a catalog sets the locale of the process, in all categories, to that of the user (setlocale). From
@@ -281,7 +281,7 @@ class VEL_API VelClLanguage {
   /// of LC_ALL, LC_MESSAGES and LANG that is set; en-US if these name none.
   static VelClLanguage getUserLanguage();
 
-  /// Return the number that the constructor accepts, and its two halves.
+  /// Return the number that the constructor accepts, and the language and territory that it combines.
   unsigned int asNumber() const;
   VelEnLanguage getLanguage() const { return language_; }
   VelEnTerritory getTerritory() const { return territory_; }

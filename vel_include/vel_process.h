@@ -15,61 +15,62 @@
 /// the call.
 typedef int (*VelProcedure)(void);
 
-/// Loads a dynamic library, see VelClDllProcLoaderFile for the search. Returns a handle for the functions
-/// below, or null if the library cannot be loaded (the reason is not reported). Memory comes from the memory
-/// manager, which throws when it has none.
+/// Loads a dynamic library; the search is that of VelClDllFile. Returns a handle for the other two functions,
+/// or null if the library cannot be loaded (the reason is not reported) or the name is null. Memory comes
+/// from the memory manager, which throws when it has none.
 VEL_C_API void* velDllProcLoaderOpen(const char* fileName);
-/// Returns the procedure of this name, or null if the library has none. It is valid until the handle is
-/// closed.
+/// Returns the procedure of this name, or null if the library has none or an argument is null. The procedure
+/// is valid until the handle is closed.
 VEL_C_API VelProcedure velDllProcLoaderGetProcedure(void* handle, const char* procedureName);
 /// Releases the library and the handle; null is ignored.
 VEL_C_API void velDllProcLoaderClose(void* handle);
 
 #if defined(VEL_HAS_CLASSES)
 
-/// Identifies a process by its number.
+/// Identifies a process by its process ID.
 class VEL_API VelClProcessProperty {
  public:
   /// Identifies the current process.
   VelClProcessProperty();
-  /// Identifies any process; the number is not checked.
+  /// Identifies any process; the ID is not checked.
   explicit VelClProcessProperty(unsigned int id) : id_(id) {}
 
-  /// Returns the number that the system has assigned.
+  /// Returns the process ID.
   unsigned int getProcessId() const { return id_; }
 
  private:
   uint32_t id_;
 };
 
-/// Identifies a thread by its number, which is that of the system and not a handle of the runtime.
+/// Identifies a thread by its thread ID, which the system has assigned (on Linux the result of gettid(), not
+/// a pthread_t).
 class VEL_API VelClThreadProperty {
  public:
   /// Identifies the current thread.
   VelClThreadProperty();
-  /// Identifies any thread; the number is not checked.
+  /// Identifies any thread; the ID is not checked.
   explicit VelClThreadProperty(unsigned int id) : id_(id) {}
 
-  /// Returns the number that the system has assigned.
+  /// Returns the thread ID.
   unsigned int getThreadId() const { return id_; }
 
  private:
   uint32_t id_;
 };
 
-/// A running process.
+/// Ends a process. The process with this ID need not exist.
 class VEL_API VelClProcess : public VelClProcessProperty {
  public:
   /// Refers to the current process.
   VelClProcess();
-  /// Refers to any process; the number is not checked.
+  /// Refers to any process; the ID is not checked.
   explicit VelClProcess(unsigned int id);
 
   /// Ends the process immediately, with exit code 0 on Windows and by SIGKILL on Linux; it may still be
   /// ending when the call returns. Returns true and does nothing for a process that does not exist or that
-  /// this process is not permitted to end. The same applies to 0 and, on Linux, to numbers above 2147483647,
-  /// which do not identify a single process. Returns false with PROCESS_COULD_NOT_KILL and class INVALID_DATA
-  /// if the system fails.
+  /// this process is not permitted to end. The same applies to the ID 0 and, on Linux, to IDs above
+  /// 2147483647, which do not identify a single process. Returns false with PROCESS_COULD_NOT_KILL and class
+  /// INVALID_DATA if the system fails.
   bool kill();
 
   /// The error of the last kill.
@@ -80,8 +81,9 @@ class VEL_API VelClProcess : public VelClProcessProperty {
 };
 
 /// The file of a program, located along the search path of the system when the object is constructed.
-/// On Linux a program is looked up under the name as given and then without ".EXE", first as spelled and then
-/// ignoring case. A search considers only files with execute permission.
+/// On Linux a name that ends in ".EXE" is looked up with and then without it. The search first tries both
+/// forms as spelled in every directory, then both ignoring case, and considers only files with execute
+/// permission. The permission is not checked on Windows, or for a name with a directory.
 class VEL_API VelClExeFile : public VelClFile {
  public:
   /// A name without extension gets "EXE". A name without a directory is searched: on Windows in the order of
@@ -95,7 +97,8 @@ class VEL_API VelClExeFile : public VelClFile {
   VelClExeFile& operator=(const VelClExeFile&) = default;
   ~VelClExeFile() override;
 
-  /// True if the file was found by a search, and not by its name alone.
+  /// Returns true if a search found the file, false if it was not found or its name has a directory that it
+  /// is in.
   bool isFoundInSystemPath() const { return foundInSystemPath_; }
 
   /// Returns "EXE", without a dot.
@@ -122,36 +125,38 @@ class VEL_API VelClExeFile : public VelClFile {
 /// which the C runtime of the program splits again. On Linux the library splits it by the same rules: blanks
 /// and tabs separate arguments, quotes group text and are removed, and a backslash makes a following quote an
 /// ordinary character but is itself ordinary before anything else.
-/// The program inherits the environment, the current directory and the standard streams, but no other open
-/// file.
+/// The program inherits the environment, the current directory and no open files; VelClNewSyncProcess also
+/// passes on the standard streams.
 class VEL_API VelClNewProcessABase {
  public:
   VelClNewProcessABase(const VelClNewProcessABase&) = delete;
   VelClNewProcessABase& operator=(const VelClNewProcessABase&) = delete;
   virtual ~VelClNewProcessABase();
 
-  /// Starts the program. Returns false with PROCESS_COULD_NOT_LAUNCH, class UNKNOWN_PROCESS and the system's
-  /// own error code as the result: 2 for a missing program on every system, otherwise a Windows error code or
-  /// an errno. The arguments are kept for another launch.
+  /// Starts the program, clears the last error and returns true. On failure returns false; getLastError is
+  /// PROCESS_COULD_NOT_LAUNCH with class UNKNOWN_PROCESS, and getResult is the system's own error code: 2 for
+  /// a missing program on every system, otherwise a Windows error code or an errno. The arguments are kept
+  /// for another launch.
   virtual bool launch() = 0;
 
   /// Appends an argument. A text with a blank is enclosed in quotes, with an additional backslash if it ends
-  /// in one. Nothing else is changed, so a text with tabs or quotes is split as it is. Null is ignored; ""
-  /// adds only a separator, which the program does not see: write "\"\"" for an empty argument. Numbers are
-  /// written in decimal; give a literal a suffix, 5L or 5UL. Throws only if an allocation fails, which leaves
-  /// the arguments unchanged.
+  /// in one. Nothing else is changed, so a text with tabs or quotes is split as it is. Null is ignored. ""
+  /// adds only a separator: getArgumentCount counts it, but the program receives no argument; write "\"\""
+  /// for an empty argument. Numbers are written in decimal; give a literal a suffix, 5L or 5UL. Throws only
+  /// if an allocation fails, which leaves the arguments unchanged.
   void addArgument(const char* text);
   void addArgument(long value);
   void addArgument(unsigned long value);
 
-  /// Returns the number of arguments so far, including the program's name.
+  /// Returns how often an argument was added, the program's name included. "" counts, although the program
+  /// does not receive it.
   unsigned int getArgumentCount() const { return argumentCount_; }
   /// Call before launch: gives the program its own console window (initially off). Has no effect on Linux,
   /// which has no such windows.
   void setNewConsole(bool newConsole) { newConsole_ = newConsole; }
   /// Returns the value set by setNewConsole.
   bool hasNewConsole() const { return newConsole_; }
-  /// Returns, after launch, the exit code (VelClNewSyncProcess), the process identifier
+  /// Returns, after launch, the exit code (VelClNewSyncProcess), the process ID
   /// (VelClNewAsyncProcess), or the system's error code. 0 before launch.
   unsigned long getResult() const { return result_; }
   /// The error of the last launch.
@@ -166,10 +171,12 @@ class VEL_API VelClNewProcessABase {
   /// Returns the command line, NUL-terminated; the object owns it, and it is valid until the next argument is
   /// added.
   char* getArgs() { return commandLine_; }
-  /// Sets the last error to PROCESS_COULD_NOT_LAUNCH in advance, and terminates the command line.
+  /// Sets the last error to PROCESS_COULD_NOT_LAUNCH in advance, and writes the command line's NUL again: a
+  /// derived class may have overwritten it through getArgs.
   void prepareLaunch();
-  /// Store the outcome of a launch; they return false and true.
+  /// Sets the result to the system's error code and returns false.
   bool fail(unsigned long systemError);
+  /// Sets the result, clears the last error and returns true.
   bool succeed(unsigned long result);
 
  private:
@@ -194,20 +201,21 @@ class VEL_API VelClNewSyncProcess : public VelClNewProcessABase {
   ~VelClNewSyncProcess() override;
 
   /// Returns true if the program was started and has ended, whatever its exit code. On Linux the exit code of
-  /// a program ended by a signal is 128 plus the number of the signal. A handler of SIGCHLD in another thread
-  /// that waits for every child can consume the exit code; the call then returns false with ECHILD.
+  /// a program ended by a signal is 128 plus the number of the signal. If other code of this process
+  /// reaps every child (waitpid(-1)), the exit code can be lost; the call then returns false with ECHILD.
   bool launch() override;
 };
 
-/// Starts a program detached from this one and does not wait for it. The program has no console unless it
-/// gets its own; on Linux it runs in a new session, has /dev/null as its standard streams, and does not
-/// become a zombie of this process.
+/// Starts a program detached from this one and does not wait for it. The program has no console unless
+/// setNewConsole(true) was called. On Linux it runs in a new session, has /dev/null as its standard streams,
+/// and does not become a zombie of this process.
 class VEL_API VelClNewAsyncProcess : public VelClNewProcessABase {
  public:
   /// `exe` is not copied and must outlive the object.
   explicit VelClNewAsyncProcess(const VelClExeFile& exe);
   ~VelClNewAsyncProcess() override;
 
+  /// Returns true if the program was started; getResult is then its process ID.
   bool launch() override;
 };
 

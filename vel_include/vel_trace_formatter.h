@@ -60,8 +60,7 @@ class VEL_API VelClTraceFormatter {
   /// those of ASCII, and numbers have no locale. Floating-point numbers use the stream's precision, up to
   /// 8,000, and its general, fixed or scientific notation.
   void format(std::ostream& stream);
-  // Intentional: the documented result includes entries that the filter excludes.
-  /// Returns the number of entries read by the last format, whether shown or not.
+  /// Returns the number of entries read by the last format, including those that the filter excludes.
   unsigned int getNumOfEntries() const { return entryCount_; }
 
  private:

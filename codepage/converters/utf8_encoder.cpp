@@ -27,7 +27,7 @@ Character characterAt(const char* source, std::size_t units) {
   const char32_t first = vel::codepage::readUnit(source);
   if (vel::isHighSurrogate(first) && units > 1) {
     const char32_t second = vel::codepage::readUnit(source + kUnitSize);
-    if (vel::isLowSurrogate(second)) return {vel::characterOfPair(first, second), 2};
+    if (vel::isLowSurrogate(second)) return {vel::decodeSurrogatePair(first, second), 2};
   }
   return {isInvalid(first) ? kInvalid : first, 1};
 }

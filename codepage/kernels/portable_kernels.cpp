@@ -202,7 +202,7 @@ void writeSequence(Cursor& cursor, std::uint32_t bytes, std::size_t size) {
 bool encodePair(Cursor& cursor, std::uint32_t high) {
   const std::uint32_t low = readUnit(cursor.source + kUnitSize);
   if (!isHighSurrogate(high) || !isLowSurrogate(low)) return false;
-  const std::uint32_t value = characterOfPair(high, low);
+  const std::uint32_t value = decodeSurrogatePair(high, low);
   writeSequence(
       cursor,
       0x808080F0 | value >> 18 | (value >> 12 & 0x3F) << 8 | (value >> 6 & 0x3F) << 16 | (value & 0x3F) << 24,

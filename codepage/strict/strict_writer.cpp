@@ -14,7 +14,7 @@ Writer* makeWriter(const VelClCCSID& target) {
 
 Character characterAt(const char16_t* units) {
   if (!isHighSurrogate(units[0])) return {units[0], 1};
-  return {characterOfPair(units[0], units[1]), 2};
+  return {decodeSurrogatePair(units[0], units[1]), 2};
 }
 
 std::size_t unitsOf(char32_t character, char16_t (&units)[2]) {

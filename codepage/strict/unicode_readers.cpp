@@ -121,7 +121,7 @@ std::size_t wellFormedPrefix(const unsigned char* text, std::size_t size) {
   }
   while (i < size) {
     const Utf8Sequence sequence = utf8SequenceAt(text + i, size - i);
-    if (!sequence.isWhole) return i;
+    if (!sequence.isValid) return i;
     i += sequence.size;
   }
   return i;
@@ -141,8 +141,8 @@ class Utf8Reader : public Reader {
                    kUnitSize;
     if (result.consumed == size) return result;
     const Utf8Sequence next = utf8SequenceAt(text + result.consumed, size - result.consumed);
-    if (next.isWhole || (next.isCutOff && !isLast)) return result;
-    result.fault = next.isCutOff ? Fault::INCOMPLETE : Fault::INVALID_SEQUENCE;
+    if (next.isValid || (next.isTruncated && !isLast)) return result;
+    result.fault = next.isTruncated ? Fault::INCOMPLETE : Fault::INVALID_SEQUENCE;
     result.faultSize = next.size;
     return result;
   }
@@ -176,7 +176,7 @@ std::size_t wholeCharacters(const char16_t* units, std::size_t count) {
   if (!hasSurrogates(units, count)) return count;
   std::size_t i = 0;
   while (i < count) {
-    const std::size_t size = utf16Length(units + i, count - i);
+    const std::size_t size = unitsOfFirstCharacter(units + i, count - i);
     if (size == 1 && isSurrogate(units[i])) break;
     i += size;
   }

@@ -26,24 +26,26 @@ struct TestMessage {
   bool unicode = false;
 };
 
-/// Message tables by name and language.
+/// Message tables by resource ID and LANGID.
 using TestTables = std::map<std::uint32_t, std::map<std::uint32_t, Bytes>>;
 
-/// Returns a table entry as the message compiler writes it: NUL-terminated and padded to four bytes.
-Bytes tableEntry(const std::string& text, bool unicode = false);
+/// Returns the entry of one message as the message compiler writes it: NUL-terminated and padded to four
+/// bytes.
+Bytes messageEntry(const std::string& text, bool unicode = false);
 
 /// Returns a valid table with a block for each message. Pass the messages in the order of their ids.
 Bytes messageTable(const std::vector<TestMessage>& messages);
 
-/// Returns a library file whose only section holds these tables.
-Bytes libraryFile(const TestTables& tables, bool wide = true);
+/// Returns a library file (PE32+ for 64-bit, otherwise PE32) whose only section holds these tables.
+Bytes libraryFile(const TestTables& tables, bool isPe32Plus = true);
 
-/// Returns a file in which all names share one directory, and all languages in it share one table.
-Bytes libraryOfSharedBranches(const Bytes& table, std::uint32_t names, std::uint32_t languages);
+/// Returns a file in which all resource IDs share one directory of languages, all of which share one table.
+Bytes libraryOfSharedBranches(const Bytes& table, std::uint32_t idCount, std::uint32_t languageCount);
 
 /// The file offset of the resource tree in libraryFile().
 constexpr std::uint32_t kTreeOffset = 0x200;
 
-constexpr std::uint32_t kDirectory = 0x80000000;
+/// Set in the offset of a directory in the resource tree, clear in that of a data entry.
+constexpr std::uint32_t kDirectoryFlag = 0x80000000;
 
 }  // namespace vel::test

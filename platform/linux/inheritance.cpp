@@ -28,8 +28,8 @@ struct KernelEntry {
 /// The name follows without padding, before sizeof(KernelEntry).
 constexpr std::size_t kNameOffset = 19;
 
-/// Parses a decimal number; -1 for "." and "..".
-int numberIn(const char* name) noexcept {
+/// Parses a descriptor; returns -1 for "." and "..".
+int descriptorIn(const char* name) noexcept {
   int number = 0;
   for (; *name != '\0'; ++name) {
     if (!isAsciiDigit(*name)) return -1;
@@ -48,8 +48,8 @@ int nextDescriptor(int listing, int first) noexcept {
     for (long at = 0; at < length;) {
       KernelEntry entry;
       std::memcpy(&entry, entries + at, sizeof entry);
-      const int number = numberIn(entries + at + kNameOffset);
-      if (number >= first && number != listing) return number;
+      const int descriptor = descriptorIn(entries + at + kNameOffset);
+      if (descriptor >= first && descriptor != listing) return descriptor;
       at += entry.length;
     }
   }

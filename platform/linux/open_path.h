@@ -11,7 +11,7 @@ namespace vel::platform {
 /// Opens an entry only as a place: needs no permission to read it, and gives no access to its contents.
 inline constexpr int kOpenAsPlace = O_PATH;
 
-/// A path that leads to the open file whatever its name is by now, even if it has none.
+/// A path that leads to the open file even if its name was changed or removed since.
 struct OpenPath {
   explicit OpenPath(int descriptor) noexcept {
     std::snprintf(text, sizeof text, "/proc/self/fd/%d", descriptor);

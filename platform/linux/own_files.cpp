@@ -40,7 +40,7 @@ const LibraryDirectory ownDirectory;
 
 std::string_view programDirectory(PathBuffer& buffer) noexcept {
   const ssize_t length = readlink("/proc/self/exe", buffer.data(), buffer.size());
-  // readlink truncates silently, so a full buffer may hold half a path.
+  // readlink truncates silently, so a full buffer may hold an incomplete path.
   if (length <= 0 || static_cast<std::size_t>(length) == buffer.size()) return {};
   return directoryOf({buffer.data(), static_cast<std::size_t>(length)});
 }

@@ -84,7 +84,7 @@ SystemError openForAppending(const char* name, AppendTo target, int& descriptor)
   const int flags = target == AppendTo::OwnFile ? kFlags | O_NOFOLLOW : kFlags;
   Descriptor file(retrying([&] { return open(path.get(), flags, S_IRUSR | S_IWUSR); }));
   if (!file.isOpen()) return errno;
-  // Checked on the descriptor, not on the name, which may lead to another file by now.
+  // Checked on the descriptor: the name may lead to another file since the open.
   if (target == AppendTo::OwnFile && !isOwnFile(file.get())) return EPERM;
   descriptor = file.release();
   return 0;

@@ -22,12 +22,12 @@
 #include <cerrno>
 #include <utility>
 
-#include "platform/ending_signals.h"
 #include "platform/posix/access_list.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/rename.h"
 #include "platform/posix/target.h"
 #include "platform/posix/unnamed_file.h"
+#include "platform/signals.h"
 
 namespace vel::platform {
 
@@ -193,7 +193,7 @@ SystemError storeDirectory(const Replacement& replacement) noexcept {
 
 void closeReplacement(Replacement& replacement) noexcept {
   removeTemporary(replacement);
-  // A newer replacement may be recorded by now; leave that one alone.
+  // Leave the record alone if it is that of a newer replacement.
   const Replacement* mine = &replacement;
   unfinished.compare_exchange_strong(mine, nullptr);
   for (int* const descriptor : {&replacement.descriptor, &replacement.heldTarget, &replacement.directory})

@@ -39,13 +39,13 @@ int openWithoutWaiting(const char* path) noexcept {
 SystemError openForReading(const char* name, PipeWithoutWriter pipe, int& descriptor) noexcept {
   const NativePath path(name);
   if (!path.fits()) return ENAMETOOLONG;
-  const bool awaits = pipe == PipeWithoutWriter::Await;
-  Descriptor file(awaits ? openRetrying(path.get(), 0) : openWithoutWaiting(path.get()));
+  const bool waits = pipe == PipeWithoutWriter::Wait;
+  Descriptor file(waits ? openRetrying(path.get(), 0) : openWithoutWaiting(path.get()));
   if (!file.isOpen()) return errno;
   // A pipe without writer opens for reading, but reads as empty: refuse it like a missing file.
-  if (!awaits && isNamedPipe(file.get()) && !hasWriter(file.get())) return ENXIO;
+  if (!waits && isNamedPipe(file.get()) && !hasWriter(file.get())) return ENXIO;
   // Only the open must not wait; reads from a pipe wait for its writers.
-  if (!awaits && fcntl(file.get(), F_SETFL, fcntl(file.get(), F_GETFL) & ~O_NONBLOCK) != 0) return errno;
+  if (!waits && fcntl(file.get(), F_SETFL, fcntl(file.get(), F_GETFL) & ~O_NONBLOCK) != 0) return errno;
   descriptor = file.release();
   return 0;
 }

@@ -58,7 +58,7 @@ struct Conversion {
 std::size_t sizeOfFirstCharacter(const Conversion& todo) noexcept {
   char16_t units[2] = {};
   std::memcpy(units, todo.text, todo.textSize < sizeof units ? todo.textSize : sizeof units);
-  return utf16Length(units, 2) * sizeof *units;
+  return unitsOfFirstCharacter(units, 2) * sizeof *units;
 }
 
 /// Converts one character, so that an error can only be this character's: it is unmappable and becomes "?".

@@ -130,10 +130,10 @@ SystemError identityOfRoot(const char*, FileIdentity& identity) noexcept {
   return 0;
 }
 
-SystemError nextEntry(DirectoryHandle& directory, DirectoryEntry& entry, WalkStep& step) noexcept {
+SystemError nextEntry(DirectoryHandle& directory, DirectoryEntry& entry, ListingStep& step) noexcept {
   // "." and ".." always come first; readdir may list them anywhere, or not at all.
   constexpr std::array<const char*, 2> kDots = {".", ".."};
-  step = WalkStep::Entry;
+  step = ListingStep::Entry;
   while (directory.listed < kDots.size())
     if (describe(directory, kDots[directory.listed++], entry)) return 0;
   for (;;) {
@@ -141,15 +141,15 @@ SystemError nextEntry(DirectoryHandle& directory, DirectoryEntry& entry, WalkSte
     errno = 0;
     const dirent* const found = readdir(streamOf(directory));
     if (found == nullptr) {
-      step = WalkStep::End;
+      step = ListingStep::End;
       return errno;
     }
     if (!isDotName(found->d_name) && describe(directory, found->d_name, entry)) return 0;
   }
 }
 
-SystemError openEntry(const DirectoryHandle& directory, const DirectoryEntry& entry,
-                      DirectoryHandle& opened) noexcept {
+SystemError openSubdirectory(const DirectoryHandle& directory, const DirectoryEntry& entry,
+                             DirectoryHandle& opened) noexcept {
   return openAt(dirfd(streamOf(directory)), nameOf(entry), O_NOFOLLOW, opened);
 }
 

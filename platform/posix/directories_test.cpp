@@ -66,14 +66,14 @@ TEST_F(PosixDirectories, AnExchangedEntryIsNotFollowed) {
   DirectoryHandle tree, opened;
   ASSERT_EQ(openDirectory(scratch_.path("tree").c_str(), DirectoryLink::Refuse, tree), 0);
   DirectoryEntry entry{}, file{};
-  for (WalkStep step = WalkStep::Entry; std::strcmp(entry.name, "sub") != 0;) {
+  for (ListingStep step = ListingStep::Entry; std::strcmp(entry.name, "sub") != 0;) {
     ASSERT_EQ(nextEntry(tree, entry, step), 0);
-    ASSERT_EQ(step, WalkStep::Entry);
+    ASSERT_EQ(step, ListingStep::Entry);
   }
   EXPECT_EQ(entry.attributes, kAttributeDirectory);
   fs::remove(scratch_.path("tree/sub"));
   link("../outside", "tree/sub");
-  EXPECT_EQ(openEntry(tree, entry, opened), ENOTDIR);
+  EXPECT_EQ(openSubdirectory(tree, entry, opened), ENOTDIR);
   EXPECT_EQ(opened.system, nullptr);
   EXPECT_EQ(removeEntry(tree, entry), ENOTDIR);
   // An open directory stays the same, even if its path leads elsewhere.

@@ -28,7 +28,7 @@ namespace {
 /// Rounds before the file counts as busy; each one means that the file was replaced or removed within it.
 constexpr int kMaxRounds = 100;
 
-/// The result of one round; `isMoved` if the name leads to another file by now, so that another round is due.
+/// The result of one round; `isMoved`: the name leads to another file meanwhile, so repeat.
 struct Round {
   LockResult result;
   bool isMoved = false;

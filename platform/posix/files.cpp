@@ -40,7 +40,7 @@ bool isHiddenName(const char* path) noexcept {
 }
 
 /// Makes a regular file writable for its owner. The file is held open, so that exactly this one gets its
-/// permissions back, whatever its name leads to by then.
+/// permissions back, even if its name leads to another file meanwhile.
 class WritableFile {
  public:
   explicit WritableFile(const char* path) noexcept

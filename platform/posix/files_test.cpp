@@ -297,7 +297,7 @@ TEST_F(PosixFiles, OpeningAPipeDoesNotWaitForAWriter) {
     EXPECT_EQ(write(end, "late", 4), 4);
     closeDescriptor(end);
   });
-  EXPECT_EQ(readAll(pipe, PipeWithoutWriter::Await), "late");
+  EXPECT_EQ(readAll(pipe, PipeWithoutWriter::Wait), "late");
   late.join();
 }
 

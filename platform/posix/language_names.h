@@ -1,13 +1,13 @@
-// Maps POSIX locale names to Windows language numbers. Which locale is in force is decided in languages.cpp.
+// Maps POSIX locale names to LANGIDs. languages.cpp decides which locale is in force.
 #pragma once
 
 #include <cstdint>
 
 namespace vel::platform {
 
-/// Returns the Windows language number (LANGID) of a locale name such as "de_DE.UTF-8", "pt-BR" or "de". Case
+/// Returns the LANGID of a locale name such as "de_DE.UTF-8", "pt-BR" or "de". Case
 /// and everything after "." or "@" are ignored. A language without a territory, or with a territory that has
-/// no number of its own, gets the number of its main territory. 0 for null, "", "C", "POSIX" and unknown
+/// no LANGID of its own, gets the LANGID of its main territory. 0 for null, "", "C", "POSIX" and unknown
 /// languages.
 std::uint32_t languageIdOfLocaleName(const char* localeName) noexcept;
 

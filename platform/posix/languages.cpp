@@ -33,9 +33,9 @@ bool isUtf8Name(const char* codeSet) noexcept {
 /// Consumes the first character, or an unpaired surrogate, and returns it.
 wchar_t consumeCharacter(const char16_t*& text, const char16_t* end) noexcept {
   const char16_t* const units = text;
-  const std::size_t count = utf16Length(text, static_cast<std::size_t>(end - text));
+  const std::size_t count = unitsOfFirstCharacter(text, static_cast<std::size_t>(end - text));
   text += count;
-  return static_cast<wchar_t>(count == 2 ? characterOfPair(units[0], units[1]) : char32_t{units[0]});
+  return static_cast<wchar_t>(count == 2 ? decodeSurrogatePair(units[0], units[1]) : char32_t{units[0]});
 }
 
 /// Encodes one character; "?" if it is unmappable. A new shift state each time, because locales have
@@ -82,7 +82,7 @@ std::size_t utf16ToAnsi(const char16_t* text, std::size_t length, char* out, std
   while (text != end) {
     char bytes[MB_LEN_MAX];
     const std::size_t count = encode(consumeCharacter(text, end), bytes);
-    // Stop before a character that does not fit: half of one would be ill-formed.
+    // Stop before a character that does not fit: part of one would be ill-formed.
     if (count > capacity - written) break;
     std::memcpy(out + written, bytes, count);
     written += count;

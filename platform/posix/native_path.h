@@ -25,7 +25,7 @@ class NativePath {
   NativePath(const NativePath&) = delete;
   NativePath& operator=(const NativePath&) = delete;
 
-  /// False for a backslash name of more than kMaxPathLength characters. It is not truncated, because the
+  /// Returns false for a backslash name of more than kMaxPathLength bytes. It is not truncated, because the
   /// shorter name could be another file's.
   bool fits() const noexcept { return path_ != nullptr; }
   const char* get() const noexcept { return path_; }

@@ -43,7 +43,7 @@ SystemError startFound(Replacement& replacement) noexcept {
   return createBeside(S_IRUSR | S_IWUSR, BesideName::None, replacement);
 }
 
-/// Done after writing: until then the file is private, so that nobody reads half of it.
+/// Call after the contents are written: the file is private until then, so that nobody reads a part of it.
 SystemError copyOldRights(Replacement& replacement) noexcept {
   if (replacement.heldTarget < 0) return 0;
   struct stat status;

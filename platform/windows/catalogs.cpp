@@ -1,5 +1,5 @@
-// Finds message catalog libraries, mostly by the loader's own search, and opens their files for reading
-// bytes.
+// Finds message catalog libraries and opens their files for reading bytes. The loader searches for them;
+// only this library's own catalog is searched for here first.
 //
 // The loader knows which file it would load, but gives only a mapped module. So the catalog is loaded as
 // data, which runs none of its code; the name of the mapped file is queried, and that file is opened and the
@@ -8,7 +8,7 @@
 #define PSAPI_VERSION 2
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
-// windows.h must come before psapi.h and winternl.h.
+// The other system headers need windows.h, which is therefore first.
 #include <fcntl.h>
 #include <io.h>
 #include <psapi.h>
@@ -44,8 +44,9 @@ class QuietErrors {
   DWORD previous_ = 0;
 };
 
-/// Adopts the handle and returns a descriptor; -1 for an empty file or an invalid handle.
-int descriptorOf(HANDLE file) noexcept {
+/// Adopts the handle: returns a descriptor that owns it. Returns -1 for an invalid handle, an empty file, or
+/// if no descriptor is free; the handle is closed then.
+int adoptAsDescriptor(HANDLE file) noexcept {
   if (file == INVALID_HANDLE_VALUE) return -1;
   const int descriptor =
       _open_osfhandle(reinterpret_cast<std::intptr_t>(file), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
@@ -88,10 +89,10 @@ HANDLE openFileOf(HMODULE module) noexcept {
 }
 
 /// Lets the loader find the file. It is mapped as data, so that none of its code runs.
-int openAsLoaderFinds(const char* fileName) noexcept {
+int openWhereLoaderFinds(const char* fileName) noexcept {
   const HMODULE module = LoadLibraryExA(fileName, nullptr, LOAD_LIBRARY_AS_DATAFILE);
   if (module == nullptr) return -1;
-  const int descriptor = descriptorOf(openFileOf(module));
+  const int descriptor = adoptAsDescriptor(openFileOf(module));
   FreeLibrary(module);
   return descriptor;
 }
@@ -103,11 +104,11 @@ int openIn(std::wstring_view directory, const char* fileName) noexcept {
   *name = L'\\';
   const int room = static_cast<int>(path.data() + kPathCapacity - (name + 1));
   if (MultiByteToWideChar(CP_ACP, 0, fileName, -1, name + 1, room) == 0) return -1;
-  return descriptorOf(CreateFileW(path.data(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+  return adoptAsDescriptor(CreateFileW(path.data(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
+                                       FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
-/// Opens the catalog in the directory of a module; null means the program.
+/// Opens the catalog in the directory of a module; a null module is the program.
 int openBeside(HMODULE module, const char* fileName) noexcept {
   PathBuffer path;
   const DWORD length = GetModuleFileNameW(module, path.data(), kPathCapacity);
@@ -129,6 +130,7 @@ int openAlongPath(const char* fileName) noexcept {
   return -1;
 }
 
+/// Returns null, which openBeside takes for the program, if the system fails.
 HMODULE thisLibrary() noexcept {
   static const char kInsideThisLibrary = 0;
   HMODULE module = nullptr;
@@ -137,8 +139,9 @@ HMODULE thisLibrary() noexcept {
   return module;
 }
 
-/// The loader would search the current directory before PATH, where another user may have put a file.
-int openBeforeLoaderSearches(const char* fileName) noexcept {
+/// Opens this library's own catalog beside the library, beside the program, or along PATH. Called before the
+/// loader's search, which has the current directory, where another user may have put a file, before PATH.
+int openOwnCatalog(const char* fileName) noexcept {
   int descriptor = openBeside(thisLibrary(), fileName);
   if (descriptor == -1) descriptor = openBeside(nullptr, fileName);
   return descriptor != -1 ? descriptor : openAlongPath(fileName);
@@ -148,8 +151,8 @@ int openBeforeLoaderSearches(const char* fileName) noexcept {
 
 SystemError openCatalog(const char* fileName, CatalogOwner owner, int& descriptor) noexcept {
   const QuietErrors quiet;
-  descriptor = owner == CatalogOwner::ThisLibrary ? openBeforeLoaderSearches(fileName) : -1;
-  if (descriptor == -1) descriptor = openAsLoaderFinds(fileName);
+  descriptor = owner == CatalogOwner::ThisLibrary ? openOwnCatalog(fileName) : -1;
+  if (descriptor == -1) descriptor = openWhereLoaderFinds(fileName);
   return descriptor != -1 ? 0 : ENOENT;
 }
 

@@ -243,13 +243,13 @@ SystemError identityOfRoot(const char* name, FileIdentity& identity) noexcept {
   return ENOENT;
 }
 
-SystemError nextEntry(DirectoryHandle& directory, DirectoryEntry& entry, WalkStep& step) noexcept {
+SystemError nextEntry(DirectoryHandle& directory, DirectoryEntry& entry, ListingStep& step) noexcept {
   EntryBuffer buffer;
   IO_STATUS_BLOCK status{};
   const NTSTATUS result =
       NtQueryDirectoryFile(directory.system, nullptr, nullptr, nullptr, &status, buffer.bytes.data(),
                            sizeof buffer, FileFullDirectoryInformation, TRUE, nullptr, FALSE);
-  step = result == 0 ? WalkStep::Entry : WalkStep::End;
+  step = result == 0 ? ListingStep::Entry : ListingStep::End;
   if (result == 0) {
     describe(buffer.entry, entry);
     return 0;
@@ -258,8 +258,8 @@ SystemError nextEntry(DirectoryHandle& directory, DirectoryEntry& entry, WalkSte
   return error == ERROR_NO_MORE_FILES ? 0 : errnoOf(error);
 }
 
-SystemError openEntry(const DirectoryHandle& directory, const DirectoryEntry& entry,
-                      DirectoryHandle& opened) noexcept {
+SystemError openSubdirectory(const DirectoryHandle& directory, const DirectoryEntry& entry,
+                             DirectoryHandle& opened) noexcept {
   opened = {};
   HANDLE file = nullptr;
   const DWORD error =

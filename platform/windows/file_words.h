@@ -16,7 +16,7 @@ namespace vel::platform {
 /// it.
 inline constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-/// Joins the halves in which Windows gives sizes, file indexes and times.
+/// Joins the high and low 32 bits in which Windows gives sizes, file indexes and times.
 constexpr std::uint64_t joined(DWORD high, DWORD low) noexcept {
   return std::uint64_t{high} << 32 | low;
 }

@@ -56,10 +56,10 @@ std::size_t utf16ToAnsi(const char16_t* text, std::size_t length, char* out, std
   const char16_t* const end = text + length;
   std::size_t written = 0;
   while (text != end) {
-    const std::size_t units = utf16Length(text, static_cast<std::size_t>(end - text));
+    const std::size_t units = unitsOfFirstCharacter(text, static_cast<std::size_t>(end - text));
     char bytes[8];
     const std::size_t count = encode(text, units, bytes);
-    // Stop before a character that does not fit: half of one would be ill-formed.
+    // Stop before a character that does not fit: part of one would be ill-formed.
     if (count > capacity - written) break;
     std::memcpy(out + written, bytes, count);
     written += count;

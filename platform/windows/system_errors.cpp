@@ -1,4 +1,4 @@
-// Translates Windows error numbers to errno, the vocabulary of the seam.
+// Translates Windows error codes to errno values, which the functions of platform/ return.
 #include "platform/windows/system_errors.h"
 
 #include <cerrno>

@@ -1,4 +1,4 @@
-// Translates the error numbers of Windows' functions on files and directories.
+// Translates the error codes of Windows' functions on files and directories.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,7 @@
 
 namespace vel::platform {
 
-/// Returns the errno of a Windows error number; EACCES for numbers without one of their own, 0 for
-/// ERROR_SUCCESS.
+/// Returns the errno of a Windows error code; EACCES for codes without a counterpart, 0 for ERROR_SUCCESS.
 SystemError errnoOf(std::uint32_t error) noexcept;
 
 }  // namespace vel::platform

@@ -1,4 +1,4 @@
-// The numbers of trcctl's texts among the library's messages.
+// The ids of trcctl's texts among the library's messages.
 #pragma once
 
 namespace vel::trcctl {

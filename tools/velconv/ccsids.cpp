@@ -1,5 +1,5 @@
 // Parses CCSIDs as users write them: "37", "CP850", "ccsid1208", or a name that the library knows, such as
-// "UTF-8". Lists those of the library by trying all numbers, since its table is not public.
+// "UTF-8". Lists 0 and all valid CCSIDs by trying all numbers, since the library's table is not public.
 #include "tools/velconv/ccsids.h"
 
 #include <charconv>
@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/ascii.h"
 #include "vel_include/vel_strict_conversion.h"
 
 namespace vel::velconv {
@@ -33,30 +34,29 @@ std::string propertiesOf(const VelClCCSID& ccsid) {
   return properties.empty() ? "-" : properties;
 }
 
-/// Returns the text without a prefix, which is compared in any case and given in lower case. A text without
-/// the prefix is returned as it is.
-std::string_view without(std::string_view prefix, std::string_view text) {
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+/// Returns the text without a prefix, which is given in lower case and compared ignoring case. A text that
+/// does not begin with it is returned unchanged.
+std::string_view removePrefixIgnoringCase(std::string_view prefix, std::string_view text) {
   if (text.size() < prefix.size()) return text;
   for (std::size_t i = 0; i < prefix.size(); ++i)
-    if (lower(text[i]) != prefix[i]) return text;
+    if (toAsciiLower(text[i]) != prefix[i]) return text;
   return text.substr(prefix.size());
 }
 
 }  // namespace
 
 bool parseCcsid(const char* text, VelClCCSID& ccsid) {
-  const std::string_view digits = without("cp", without("ccsid", text));
+  const std::string_view digits = removePrefixIgnoringCase("cp", removePrefixIgnoringCase("ccsid", text));
   int number = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
   const bool isNumber = error == std::errc() && end == digits.data() + digits.size() && number >= 0;
   ccsid = isNumber ? VelClCCSID(number) : VelClCCSID(text);
-  // The library accepts digits with other characters after them; here "37x" is a mistake.
+  // VelClCCSID parses "37x" as 37; velconv rejects it.
   return ccsid.isValid() && (isNumber || text[0] < '0' || text[0] > '9');
 }
 
 void listCcsids(std::ostream& out) {
-  // 0 has a row in the table, but does not count as valid.
+  // 0 has a row in the library's table, so it is listed, although isValid() is false for it.
   for (int number = 0; number <= kMaxCcsid; ++number) {
     const VelClCCSID ccsid(number);
     if (number != 0 && !ccsid.isValid()) continue;

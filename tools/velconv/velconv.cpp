@@ -126,7 +126,7 @@ int Tool::convertAll() {
 bool Tool::convert(const char* file, OutputFile& output) {
   const bool isInput = file == kStandardStream;
   vel::platform::ReadableFile opened;
-  if (!isInput && opened.open(file, vel::platform::PipeWithoutWriter::Await) != 0)
+  if (!isInput && opened.open(file, vel::platform::PipeWithoutWriter::Wait) != 0)
     return report(kNotOpened, file), false;
   const int descriptor = isInput ? vel::platform::kStandardInput : opened.descriptor();
   // A progress bar would mix with output that is shown on the same terminal.

@@ -10,7 +10,7 @@ namespace vel::veldump {
 
 ByteSource::ByteSource(const char* name) {
   if (name == nullptr) return;
-  file_.open(name, platform::PipeWithoutWriter::Await);
+  file_.open(name, platform::PipeWithoutWriter::Wait);
   descriptor_ = file_.descriptor();
 }
 

@@ -62,7 +62,7 @@ std::string shellQuoted(const char* text) {
 std::size_t characterLength(std::string_view text) {
   const Utf8Sequence sequence =
       utf8SequenceAt(reinterpret_cast<const unsigned char*>(text.data()), text.size());
-  return sequence.isWhole ? sequence.size : 0;
+  return sequence.isValid ? sequence.size : 0;
 }
 
 void addUnit(std::string& json, unsigned char byte) {

@@ -12,7 +12,7 @@
 
 #include "inifile/text_rules.h"
 #include "platform/descriptors.h"
-#include "platform/ending_signals.h"
+#include "platform/signals.h"
 #include "tools/catalog_tool.h"
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
@@ -156,7 +156,7 @@ int Tool::runTask(VelClIniFileEditor& editor) {
   return 0;
 }
 
-/// Writes the output only as a whole: a script must not evaluate the half before a refused name.
+/// Writes all of the output or nothing: a script must not evaluate the part before a refused name.
 template <typename Write>
 int Tool::show(Write write) const {
   ShellNames names(prefix_);

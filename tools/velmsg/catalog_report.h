@@ -9,12 +9,12 @@
 
 namespace vel::velmsg {
 
-/// Writes a line per message, of all languages or of one: id, language number and the escaped text. Returns
+/// Writes a line per message, of all languages or of one: id, LANGID and the escaped text. Returns
 /// false if there is nothing to list.
 bool listMessages(std::ostream& stream, const VelClMessageCatalog& catalog,
                   std::optional<std::uint32_t> language = std::nullopt);
 
-/// Writes a line per language: its number and its number of messages. Returns false if there is none.
+/// Writes a line per language: its LANGID and the number of its messages. Returns false if there is none.
 bool listLanguages(std::ostream& stream, const VelClMessageCatalog& catalog);
 
 /// Writes a line per difference: "<" for an id only in the first catalog, ">" for one only in the second, "!"

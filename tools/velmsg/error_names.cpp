@@ -1,4 +1,4 @@
-// Lists the names that an error number has in the library and on Windows. A bare number from a log does not
+// Lists the names that an error code has in the library and on Windows. A bare code from a log does not
 // tell its kind, so all kinds are tried: 5 is a severity, an action and a Windows error.
 #include "tools/velmsg/error_names.h"
 

@@ -1,4 +1,4 @@
-// velmsg: shows the contents of a message catalog, compares two, and names error numbers.
+// velmsg: shows the contents of a message catalog, compares two, and names error codes.
 //
 // The usage string tells which switches have values; which of them go together is checked here. The
 // tool's own texts are separate from the catalog that is shown, see CatalogTool.

@@ -1,5 +1,5 @@
 // Windows has no signals that a thread could block, and removes unfinished files itself.
-#include "platform/ending_signals.h"
+#include "platform/signals.h"
 
 namespace vel::platform {
 

@@ -1,9 +1,9 @@
-// Blocks and unblocks the signals by which users and systems end programs. Holding may nest: only signals
-// that this call blocked are released.
+// Blocks and unblocks the signals by which users and systems end programs. Calls may nest: hold returns only
+// the signals that it blocked itself, and release unblocks only those.
 #include <pthread.h>
 #include <signal.h>
 
-#include "platform/ending_signals.h"
+#include "platform/signals.h"
 
 namespace vel::platform {
 
@@ -14,14 +14,15 @@ constexpr int kEndingSignals[] = {SIGHUP, SIGINT, SIGTERM};
 }  // namespace
 
 std::uint32_t holdEndingSignals() noexcept {
-  sigset_t held, before;
-  sigemptyset(&held);
-  for (const int signal : kEndingSignals) sigaddset(&held, signal);
-  pthread_sigmask(SIG_BLOCK, &held, &before);
-  std::uint32_t changed = 0;
+  sigset_t toBlock, before;
+  sigemptyset(&toBlock);
+  for (const int signal : kEndingSignals) sigaddset(&toBlock, signal);
+  pthread_sigmask(SIG_BLOCK, &toBlock, &before);
+  // A bit for each signal: their numbers are below 32.
+  std::uint32_t newlyBlocked = 0;
   for (const int signal : kEndingSignals)
-    if (sigismember(&before, signal) == 0) changed |= std::uint32_t{1} << signal;
-  return changed;
+    if (sigismember(&before, signal) == 0) newlyBlocked |= std::uint32_t{1} << signal;
+  return newlyBlocked;
 }
 
 void releaseEndingSignals(std::uint32_t held) noexcept {
