@@ -9,9 +9,6 @@ using vel::codepage::Call;
 using vel::codepage::Cursor;
 using vel::codepage::kUnitSize;
 
-// Intentional: the documented replacement for invalid units is U+FFFF (EF BF BF), not U+FFFD.
-constexpr char32_t kInvalid = 0xFFFF;
-
 constexpr bool isInvalid(char32_t unit) {
   return vel::isSurrogate(unit) || (unit >= 0xFDD0 && unit <= 0xFDEF) || unit >= 0xFFFE;
 }
@@ -29,7 +26,7 @@ Character characterAt(const char* source, std::size_t units) {
     const char32_t second = vel::codepage::readUnit(source + kUnitSize);
     if (vel::isLowSurrogate(second)) return {vel::characterOfPair(first, second), 2};
   }
-  return {isInvalid(first) ? kInvalid : first, 1};
+  return {isInvalid(first) ? vel::codepage::kUtf8Replacement : first, 1};
 }
 
 /// Encodes one character. Returns false if it does not fit.
