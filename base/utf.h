@@ -20,7 +20,7 @@ constexpr bool isSurrogate(char32_t unit) noexcept {
   return (unit & 0xFFFFF800) == 0xD800;
 }
 
-/// What (high << 10) + low of a surrogate pair exceeds its character by.
+/// The amount by which (high << 10) + low of a surrogate pair exceeds its character.
 inline constexpr char32_t kPairOffset = (char32_t{0xD800} << 10) + 0xDC00 - kFirstSupplementary;
 /// Decodes a pair of surrogates.
 constexpr char32_t characterOfPair(char32_t high, char32_t low) noexcept {

@@ -32,7 +32,7 @@ Character characterAt(const char* source, std::size_t units) {
 /// Encodes one character. Returns false if it does not fit.
 bool encodeCharacter(Cursor& cursor) {
   const Character character = characterAt(cursor.source, cursor.sourceSize() / kUnitSize);
-  // Intentional: the documented source position after CPCONVERTER_TOO_BIG is past the character that did not
+  // Intentional: after CPCONVERTER_TOO_BIG callers find the source position past the character that did not
   // fit.
   cursor.source += character.units * kUnitSize;
   if (vel::utf8Length(character.value) > cursor.targetSize()) return false;

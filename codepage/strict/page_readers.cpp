@@ -69,7 +69,7 @@ class SingleByteReader : public Reader {
 };
 
 /// A direct-mapped cache of decode results: a hash of the bytes gives the only entry that a sequence can be
-/// in, and a sequence replaces the one that was there before. Texts use a few thousand characters, so nearly
+/// in, and a sequence replaces the previous one in its entry. Texts use a few thousand characters, so nearly
 /// all are found.
 class DecodeCache {
  public:
@@ -201,8 +201,8 @@ class MixedReader : public Reader {
       if (longer.kind == Kind::Unknown) longer = decoder_->decodeSequence(text.bytes, size + 1);
       decoded = &longer;
     }
-    // A prefix of full length can never become a character; without this a reader would wait for more for
-    // ever.
+    // A prefix of full length can never become a character. Reported as a prefix, it would make the reader
+    // wait for more bytes endlessly.
     if (decoded->kind == Kind::Prefix && size == kMaxSequence) decoded = &kInvalid;
     return {decoded, decoded->kind == Kind::InvalidFirstByte ? 1 : size};
   }
