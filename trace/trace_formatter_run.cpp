@@ -307,7 +307,7 @@ void VelClTraceFormatter::Run::formatData() {
   }
 }
 
-/// If data does not suit its type and is cut off as well, the former is reported.
+/// If data is both unsuitable for its type and cut off, the unsuitable type is reported.
 void VelClTraceFormatter::Run::formatShortData(std::uint32_t length) {
   std::uint8_t bytes[kMaxShortDataSize];
   const bool complete = input_.read(bytes, length) == length;

@@ -103,7 +103,7 @@ void VelClConverterABase::useFunction(VelConversionFunction function, const void
 bool VelClConverterABase::useIcu(uint32_t ccsid, VelConversionFunction function) {
   _VelStError error;
   const void* const converter = velGetICUConverter(ccsid, error);
-  // Without memory ICU's answer says nothing about the page. The error stays visible, so that callers can
+  // If memory ran out, it is unknown whether ICU has the page. The error stays visible, so that callers can
   // tell this from a page that ICU does not have.
   if (error.errorClass == VelEnErrorClass::OUT_OF_MEMORY) lastError_ = error;
   if (converter == nullptr) return false;

@@ -1,7 +1,7 @@
 // Converters replace what they cannot decode, by U+FFFD or U+001A. Strict conversion has to tell such a
-// substitute from the same character in the source. A table answers that by itself, up to the substitutes of
-// single bytes. ICU is asked twice: a unit that may be a substitute counts as a character only if ICU encodes
-// it to the same bytes again.
+// substitute from the same character in the source. A table shows that by itself, except for the substitutes
+// of single bytes. With ICU, a unit that may be a substitute counts as a character only if ICU encodes it to
+// the same bytes again.
 #include "codepage/strict/page_decoder.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 // shifts.
 //
 // The single-byte reader knows all 256 results from the start and leaves the conversion to the converter's
-// kernel. The mixed reader decodes character by character. Asking the decoder is slow with ICU, so results
+// kernel. The mixed reader decodes character by character. Decoding is slow with ICU, so results
 // are cached: those of single bytes in an array, those of longer sequences in a direct-mapped cache.
 #include "codepage/strict/page_readers.h"
 
@@ -119,7 +119,7 @@ class MixedReader : public Reader {
       result.faultSize = size - result.consumed;
       isDouble_ = false;
     } else if (isLast && result.consumed == size && isDouble_) {
-      // The end in double-byte mode is a fault, too; it has no bytes.
+      // A text that ends in double-byte mode has a fault of no bytes.
       result.fault = Fault::INCOMPLETE;
       isDouble_ = false;
     }

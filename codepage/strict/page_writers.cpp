@@ -2,8 +2,8 @@
 // the same character. Best fits, substitutes and truncation do not, and make a character unmappable.
 //
 // Each character is tried once, by Encoder; EncodingCache keeps the result. The single-byte writer then looks
-// up bytes in the cache. The mixed writer only asks the cache how far the text round-trips, and passes that
-// to ICU as a whole, because the bytes of a character depend on the shift state.
+// up bytes in the cache. The mixed writer uses the cache only to find how far the text round-trips, and
+// passes that to ICU as a whole, because the bytes of a character depend on the shift state.
 #include "codepage/strict/page_writers.h"
 
 #include <algorithm>
