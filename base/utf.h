@@ -20,9 +20,11 @@ constexpr bool isSurrogate(char32_t unit) noexcept {
   return (unit & 0xFFFFF800) == 0xD800;
 }
 
-/// Decodes a surrogate pair. The three offsets are folded into one constant.
+/// The amount by which (high << 10) + low of a surrogate pair exceeds its character.
+inline constexpr char32_t kPairOffset = (char32_t{0xD800} << 10) + 0xDC00 - kFirstSupplementary;
+
 constexpr char32_t decodeSurrogatePair(char32_t high, char32_t low) noexcept {
-  return (high << 10) + low - ((char32_t{0xD800} << 10) + 0xDC00 - kFirstSupplementary);
+  return (high << 10) + low - kPairOffset;
 }
 /// The surrogates of a character that is at least kFirstSupplementary.
 constexpr char16_t highSurrogateOf(char32_t character) noexcept {

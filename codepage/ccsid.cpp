@@ -31,7 +31,7 @@ constexpr VelStCcsid kCcsids[] = {
 
 static_assert(std::ranges::is_sorted(kCcsids, {}, &VelStCcsid::ccsid));
 
-/// Row 0, "???", has no flags: it stands in for every CCSID that the table does not have.
+/// Row 0, "???", has no flags: it is used for every CCSID that is not in the table.
 constexpr const VelStCcsid* kUnknown = &kCcsids[0];
 
 const VelStCcsid* rowOrUnknown(std::uint32_t ccsid) {
@@ -39,7 +39,7 @@ const VelStCcsid* rowOrUnknown(std::uint32_t ccsid) {
   return row != nullptr ? row : kUnknown;
 }
 
-/// Searches linearly: names are resolved once for many texts, and the table is sorted by number.
+/// Searches linearly: names are resolved once for many texts, and the table is sorted by CCSID.
 const VelStCcsid* rowOfName(const char* name) {
   const auto* const row = std::ranges::find_if(
       kCcsids, [name](const VelStCcsid& each) { return vel::equalsIgnoringAsciiCase(each.name, name); });
@@ -70,8 +70,8 @@ VelClCCSID::VelEnCCSID folded(VelClCCSID::VelEnCCSID ccsid) {
   return ccsid == VelClCCSID::CCSID_UCS2_LITTLE_ENDIAN ? VelClCCSID::CCSID_UCS2 : ccsid;
 }
 
-/// 0 until the console's code page is first asked for. A program that changes it later gets the first answer
-/// again.
+/// The console's code page when it was first queried; 0 before. A program that changes the console's code
+/// page later still gets the first one.
 constinit std::atomic<std::uint32_t> gs_consoleCcsid = 0;
 
 }  // namespace
@@ -85,7 +85,7 @@ VelClCCSID::VelClCCSID(const char* name) : ccsid_(CCSID_UNKNOWN), row_(nullptr) 
     ccsid_ = static_cast<VelEnCCSID>(row->ccsid);
     row_ = row;
   } else {
-    // Intentional: "CP1252" gets the number 1252 but stays invalid; callers tell a misspelt name by
+    // Intentional: "CP1252" gets the value 1252 but stays invalid; callers detect a misspelt name by
     // isValid().
     ccsid_ = numberAt(firstDigit(name));
     row_ = kUnknown;

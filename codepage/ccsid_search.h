@@ -1,4 +1,4 @@
-// Binary search in the tables that are sorted by CCSID; all such tables share it.
+// Binary search in tables that are sorted by CCSID.
 #pragma once
 
 #include <algorithm>
@@ -8,9 +8,9 @@
 
 namespace vel::codepage {
 
-/// Returns the row with this `ccsid`, or null.
-template <typename Row, std::size_t count>
-const Row* findByCcsid(const Row (&rows)[count], std::uint32_t ccsid) noexcept {
+/// Returns the row whose `ccsid` is the given one, or null. The rows must be sorted by it.
+template <typename Row, std::size_t kCount>
+const Row* findByCcsid(const Row (&rows)[kCount], std::uint32_t ccsid) noexcept {
   const Row* const row = std::ranges::lower_bound(rows, ccsid, {}, &Row::ccsid);
   return row != std::end(rows) && row->ccsid == ccsid ? row : nullptr;
 }

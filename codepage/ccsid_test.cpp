@@ -1,5 +1,5 @@
-// CCSIDs from numbers and names. The expected properties are read from the source of the generated tables;
-// the families are also compared with the contents of the pages, which have another source.
+// CCSIDs from numbers and names. The expected properties are read from ccsids.tsv, which the tables are
+// generated from; the families (ASCII, EBCDIC) are also compared with the mappings, an independent source.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -13,35 +13,36 @@
 
 namespace {
 
+/// Returns the properties as the flags of ccsids.tsv.
 unsigned int flagsOf(const VelClCCSID& ccsid) {
   return (ccsid.isASCII() ? 0x01U : 0) | (ccsid.isEBCDIC() ? 0x02U : 0) | (ccsid.isDBCS() ? 0x04U : 0) |
          (ccsid.isSBCS() ? 0x08U : 0) | (ccsid.isUCS2() ? 0x40U : 0);
 }
 
-/// Expects the number, the name and the properties of a row; its first field is not used.
-void expectCcsid(const VelClCCSID& ccsid, const std::vector<std::string>& row) {
-  EXPECT_EQ(std::to_string(ccsid.getAsInt()), row[1]);
-  EXPECT_EQ(ccsid.getName(), row[2]);
-  EXPECT_EQ(ccsid.isValid(), row[2] != "???");
-  EXPECT_EQ(flagsOf(ccsid), std::stoul(row[3], nullptr, 16));
+void expectCcsid(const VelClCCSID& ccsid, const std::string& value, const std::string& name,
+                 const std::string& flags) {
+  EXPECT_EQ(std::to_string(ccsid.getAsInt()), value);
+  EXPECT_EQ(ccsid.getName(), name);
+  EXPECT_EQ(ccsid.isValid(), name != "???");
+  EXPECT_EQ(flagsOf(ccsid), std::stoul(flags, nullptr, 16));
 }
 
 TEST(Ccsid, EveryNumberHasItsProperties) {
   std::map<int, std::vector<std::string>> rows;
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "ccsids.tsv")) rows[std::stoi(row[0])] = row;
-  // Rows are part of the interface: a row that is lost by mistake is noticed here.
+  // Callers rely on every row; this finds a row that was lost by mistake.
   ASSERT_EQ(rows.size(), 430U);
   const std::vector<std::string> unknown = {"", "???", "0"};
   for (int number = 0; number <= 0xFFFF; ++number) {
     const auto& row = rows.contains(number) ? rows[number] : unknown;
-    expectCcsid(VelClCCSID(number), {"", std::to_string(number), row[1], row[2]});
+    expectCcsid(VelClCCSID(number), std::to_string(number), row[1], row[2]);
   }
 }
 
-// Compares the families with the place of the capital A. Intentional: some pages are of neither family by
-// their properties, or are ASCII.
-TEST(Ccsid, FamiliesAreThoseOfTheContents) {
-  std::set<int> others;
+// A page is ASCII if it has "A" at 0x41, EBCDIC if at 0xC1. Intentional: the properties of a few pages
+// deviate.
+TEST(Ccsid, FamiliesMatchTheMappingsOfCapitalA) {
+  std::set<int> deviating;
   int agreeing = 0;
   for (int number = 1; number <= 0xFFFF; ++number) {
     const VelClCCSID page(number);
@@ -56,32 +57,35 @@ TEST(Ccsid, FamiliesAreThoseOfTheContents) {
     if (std::pair(looksAscii, looksEbcdic) == std::pair(page.isASCII(), page.isEBCDIC()))
       ++agreeing;
     else
-      others.insert(number);
+      deviating.insert(number);
   }
+  // 57 pages agree without ICU; with it there are more.
   EXPECT_GE(agreeing, 57);
   // 838 has a table; the others are known only with ICU.
-  EXPECT_THAT(others, testing::IsSubsetOf(
-                          {813, 838, 1137, 1140, 1141, 1143, 1144, 1146, 1147, 1148, 1149, 1390, 1399}));
-  EXPECT_THAT(others, testing::Contains(838));
+  EXPECT_THAT(deviating, testing::IsSubsetOf(
+                             {813, 838, 1137, 1140, 1141, 1143, 1144, 1146, 1147, 1148, 1149, 1390, 1399}));
+  EXPECT_THAT(deviating, testing::Contains(838));
 }
 
 TEST(Ccsid, IsParsedFromNumbersAndNames) {
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/ccsid_texts.tsv")) {
     SCOPED_TRACE(row[0]);
     const VelClCCSID ccsid(row[0].c_str());
-    expectCcsid(ccsid, row);
+    const auto expectRow = [&row](const VelClCCSID& actual) { expectCcsid(actual, row[1], row[2], row[3]); };
+    expectRow(ccsid);
     // The copy of an unknown CCSID is unknown.
-    expectCcsid(VelClCCSID(ccsid), row);
+    expectRow(VelClCCSID(ccsid));
     VelClCCSID assigned(VelClCCSID::CCSID_37);
     EXPECT_TRUE(assigned.isValid());
     assigned = ccsid;
+    // Self-assignment changes nothing; "*&" keeps the compiler from warning.
     assigned = *&assigned;
-    expectCcsid(assigned, row);
+    expectRow(assigned);
   }
-  expectCcsid(VelClCCSID(static_cast<const char*>(nullptr)), {"", "0", "???", "0"});
+  expectCcsid(VelClCCSID(static_cast<const char*>(nullptr)), "0", "???", "0");
 }
 
-TEST(Ccsid, EqualsAnotherNumberOnlyForMarkedLittleEndian) {
+TEST(Ccsid, OnlyUcs2AndItsLittleEndianFormAreEqual) {
   const int numbers[] = {0, 37, 1200, 1208, 13488, 17584, 61955, 65500, 65501};
   for (const int a : numbers)
     for (const int b : numbers) {

@@ -21,15 +21,17 @@ inline constexpr _VelStError kTooBig{CPCONVERTER_TOO_BIG, VelEnErrorClass::DATA_
 inline constexpr _VelStError kUnsupported{CPCONVERTER_UNSUPPORTED, VelEnErrorClass::INCONSISTENT_SITUATION};
 
 inline constexpr std::size_t kUnitSize = 2;
+/// Intentional: UTF-8 has U+FFFF (EF BF BF), not U+FFFD, in place of unpaired surrogates and noncharacters.
+inline constexpr std::uint16_t kUtf8Replacement = 0xFFFF;
 inline constexpr std::uint16_t kNextLine = 0x0085;
 inline constexpr std::uint16_t kLineFeed = 0x000A;
 
 /// The shift bytes of mixed EBCDIC text, which switch between single-byte and double-byte mode.
 inline constexpr unsigned char kShiftOut = 0x0E;  ///< to double-byte mode
 inline constexpr unsigned char kShiftIn = 0x0F;   ///< to single-byte mode
-/// Index of the page of single bytes in a double-byte table, and the bytes that have U+0085 and U+000A there
-/// in pages with shifts. generate_conversion_tables.py stops if a mapping breaks this,
-/// and proves that it has the same numbers.
+/// Index of the page of single bytes in a double-byte table, and the bytes that are mapped to U+0085 and
+/// U+000A there in pages with shifts. generate_conversion_tables.py fails if a mapping differs, or if its own
+/// copies of these constants do.
 inline constexpr std::size_t kSingleBytesPage = 1;
 inline constexpr unsigned char kNextLineByte = 0x15;
 inline constexpr unsigned char kLineFeedByte = 0x25;

@@ -32,7 +32,7 @@ const char* driveFor(const char* name) {
 
 // Appends the separator of the name's style, as VelClLocation does.
 // Intentional: the separator is chosen before slashes are replaced; "C:/a/" is in the backslash style because
-// of its drive, so the documented result ends with two backslashes.
+// of its drive, so callers get a name that ends with two backslashes.
 void appendSeparator(WantedName& name) {
   const char separator = VelClPathProperty(name.text()).getPathSep();
   if (name.length() != 0 && name.last() != separator) name.append(separator);
@@ -47,7 +47,7 @@ bool normalize(const WantedName& wanted, char* name) {
   return true;
 }
 
-// Intentional: the documented class of a refusal is IO_STILL_IN_USE, whatever the reason for the refusal.
+// Intentional: callers get IO_STILL_IN_USE for every refusal (EACCES), whatever the reason.
 VelEnErrorClass classOfFailedRemoval(platform::SystemError error) {
   return error == EACCES ? VelEnErrorClass::IO_STILL_IN_USE : VelEnErrorClass::IO_INVALID_NAME;
 }
@@ -55,7 +55,7 @@ VelEnErrorClass classOfFailedRemoval(platform::SystemError error) {
 bool ensureDirectory(const char* path) {
   if (platform::entryExists(path)) return true;
   const platform::SystemError error = platform::makeDirectory(path);
-  // Another thread or process may have created it since the check.
+  // Another thread or process may have created the directory since the check.
   return error == 0 || error == EEXIST;
 }
 

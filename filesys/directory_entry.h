@@ -3,9 +3,9 @@
 
 namespace vel::filesys {
 
-/// Whether a directory of this name counts as a sub-directory.
-/// Intentional: a dot as first or second character excludes it. The documented result is false not only for
-/// "." and "..", but also for ".cache" and "a.b".
+/// Returns whether a directory of this name counts as a sub-directory.
+/// Intentional: a dot as first or second character excludes it. Callers get false not only for "." and "..",
+/// but also for ".cache" and "a.b".
 inline bool isSubDirectoryName(const char* name) noexcept {
   return name[0] != '.' && name[0] != '\0' && name[1] != '.';
 }

@@ -82,8 +82,7 @@ bool VelClOSSDirectoryWalker::isCurrentDirectory() const {
 }
 
 bool VelClOSSDirectoryWalker::isParentDirectory() const {
-  // Intentional: the documented result is true for every directory whose name begins with "..", as "..x"
-  // does.
+  // Intentional: callers get true for every directory whose name begins with "..", such as "..x".
   return isDirectory() && name_[0] == '.' && name_[1] == '.';
 }
 

@@ -55,8 +55,7 @@ bool determineStart(const VelClPathProperty& path, ExpansionStart& start) {
   const char* proper = path.getPtrToPath();
   start.scan = proper;
   if (path.isRelative()) return startInCurrentDirectory(start);
-  // "/:" looks like a drive as well, but need not have a third character; therefore the style is checked,
-  // too.
+  // The style is checked because "/:" looks like a drive as well, but need not have a third character.
   if (path.hasDrive() && path.isStyleMSDOS() && !path.isUNC()) {
     start.kept = 2;
     start.scan = proper + 3;
@@ -77,8 +76,8 @@ bool dropLastComponent(Expansion& output, std::size_t root) {
   return true;
 }
 
-// Intentional: a component that merely ends in dots counts as "." or ".."; the documented result leaves out
-// "a." and goes up one level for "a..".
+// Intentional: a component that merely ends in dots counts as "." or "..": callers get a path
+// without "a.", and one level up for "a..".
 bool resolveComponent(Expansion& output, std::size_t root, const char* component, std::size_t length) {
   const bool endsInDot = length >= 1 && component[length - 1] == '.';
   if (endsInDot && length >= 2 && component[length - 2] == '.') return dropLastComponent(output, root);

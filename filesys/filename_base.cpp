@@ -43,8 +43,7 @@ void copyPart(char* out, const char* begin, const char* end) {
 }
 
 // Whether every component before the extension has the 8.3 form.
-// Intentional: the documented result does not depend on the characters of the extension, which are not
-// checked.
+// Intentional: the characters of the extension are not checked and do not change the result.
 bool hasFat83Components(const char* begin, const char* end) {
   int count = 0;
   for (const char* c = begin; c < end; ++c) {

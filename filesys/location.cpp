@@ -46,8 +46,8 @@ void VelClLocation::copyText(const char* text, size_t length) {
 void VelClLocation::init(bool normalize) {
   copyText(directory_, kMaxLength);
   VelClPathProperty::init(directory_);
-  // Intentional: the separator is chosen before normalizing; the documented result for "C:/a/" ends with two
-  // backslashes.
+  // Intentional: the separator is chosen before normalizing; for "C:/a/" callers get a name that ends with
+  // two backslashes.
   endWithSeparator();
   if (normalize) this->normalize();
 }

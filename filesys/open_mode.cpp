@@ -8,7 +8,7 @@ namespace platform = vel::platform;
 bool velFileIsOpenedInBinaryMode(int fd) {
   if (platform::setDescriptorMode(fd, platform::DescriptorMode::Binary) == platform::DescriptorMode::Binary)
     return true;
-  // Intentional: a descriptor in any other mode, such as a Unicode one, ends up in text mode, as documented.
+  // Intentional: a descriptor in any other mode, such as a Unicode one, ends up in text mode.
   static_cast<void>(platform::setDescriptorMode(fd, platform::DescriptorMode::Text));
   return false;
 }

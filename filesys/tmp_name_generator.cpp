@@ -25,8 +25,8 @@ TmpNameGenerator::TmpNameGenerator(const char* prefix) : prefixLength_(0), text_
   prefixLength_ = boundedLength(textOrEmpty(prefix), kMaxPrefixLength);
   std::memcpy(text_, textOrEmpty(prefix), prefixLength_);
   text_[kBaseLength] = '.';
-  // Intentional: the documented form has the last three digits of the process identifier in reverse order:
-  // process 1234 gives "432".
+  // Intentional: the extension is the last three digits of the process ID in reverse order; callers get
+  // "432" from process 1234.
   unsigned int id = platform::currentProcessId();
   for (std::size_t at = kBaseLength + 1; at < kLength; ++at, id /= 10)
     text_[at] = static_cast<char>('0' + id % 10);

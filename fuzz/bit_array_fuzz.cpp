@@ -74,7 +74,7 @@ void requireRoundTrip(const VelClBitArray& array, std::size_t size) {
 }  // namespace
 
 void fuzz::run(fuzz::Bytes input) {
-  const std::size_t bits = input.number();
+  const std::size_t bits = input.byte();
   VelClBitArray array(bits);
   Model model(bits);
   std::string_view rest = input.rest();

@@ -25,7 +25,7 @@ inline void require(bool condition, const char* file = __builtin_FILE(), int lin
   require({condition}, file, line);
 }
 
-/// NUL-terminated, in a block of exactly its size, so that a step out of it is seen.
+/// A NUL-terminated string in a block of exactly its size, so that sanitizers detect access out of bounds.
 struct Text : std::vector<char> {
   explicit Text(std::string_view text) : vector(text.size() + 1) {
     std::copy(text.begin(), text.end(), begin());
@@ -40,14 +40,14 @@ class Bytes {
 
   bool atEnd() const { return rest_.empty(); }
   /// Consumes a byte; returns 0 at the end.
-  std::uint8_t number() {
+  std::uint8_t byte() {
     const std::string_view byte = take(std::min<std::size_t>(1, rest_.size()));
     return byte.empty() ? std::uint8_t{0} : static_cast<std::uint8_t>(byte[0]);
   }
   /// Consumes a NUL-terminated text. The last one may lack its NUL.
   Text text() {
     const std::string_view text = take(std::min(rest_.find('\0'), rest_.size()));
-    number();
+    byte();
     return Text(text);
   }
   /// Consumes texts up to the end.

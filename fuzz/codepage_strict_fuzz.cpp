@@ -17,10 +17,10 @@ constexpr int kPages[] = {1208, 13488, 65500, 819, 37,   500,  850,   838, 301, 
 }  // namespace
 
 void fuzz::run(fuzz::Bytes bytes) {
-  const VelClCCSID source(kPages[bytes.number() % std::size(kPages)]);
-  const VelClCCSID target(kPages[bytes.number() % std::size(kPages)]);
-  const unsigned int options = bytes.number();
-  const std::size_t longest = 2 + bytes.number() % 64U;
+  const VelClCCSID source(kPages[bytes.byte() % std::size(kPages)]);
+  const VelClCCSID target(kPages[bytes.byte() % std::size(kPages)]);
+  const unsigned int options = bytes.byte();
+  const std::size_t longest = 2 + bytes.byte() % 64U;
   const std::string_view text = bytes.rest();
   VelClStrictConversion conversion(source, target, static_cast<Policy>(options % 4));
   conversion.setNextLineFolding((options & 4) != 0);

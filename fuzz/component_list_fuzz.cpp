@@ -45,7 +45,7 @@ void applyList(Components& components, std::string_view list) {
 }
 
 void step(fuzz::Bytes& input, VelClTraceFilter& filter, Components& components) {
-  const unsigned int option = input.number();
+  const unsigned int option = input.byte();
   const bool isIn = (option & 4) != 0;
   if ((option & 3) == 0) {
     const fuzz::Text list = input.text();
@@ -53,8 +53,8 @@ void step(fuzz::Bytes& input, VelClTraceFilter& filter, Components& components) 
     return applyList(components, list.view());
   }
   // Options make numbers beyond the last component.
-  const auto from = static_cast<unsigned short>(input.number() + (option & 8) * 32);
-  const auto to = static_cast<unsigned short>(input.number() + (option & 16) * 4000);
+  const auto from = static_cast<unsigned short>(input.byte() + (option & 8) * 32);
+  const auto to = static_cast<unsigned short>(input.byte() + (option & 16) * 4000);
   if ((option & 3) == 1) {
     isIn ? filter.enableComponentId(from) : filter.disableComponentId(from);
     set(components, from, from, isIn);

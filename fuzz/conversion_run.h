@@ -6,9 +6,10 @@
 
 namespace fuzz {
 
-/// The first byte chooses a converter, the second one a target size.
+/// The input of a target: the first byte selects a converter, the second one a target size, and the source
+/// follows.
 struct Input {
-  explicit Input(Bytes bytes) : choice(bytes.number()), share(bytes.number()), source(bytes.rest()) {}
+  explicit Input(Bytes bytes) : choice(bytes.byte()), share(bytes.byte()), source(bytes.rest()) {}
 
   /// Returns a target size from 0 to slightly more than `need`.
   std::size_t room(std::size_t need) const { return need * share / 240; }

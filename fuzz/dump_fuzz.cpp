@@ -83,7 +83,7 @@ std::vector<std::uint8_t> repeated(const std::vector<std::uint8_t>& bytes) {
 }  // namespace
 
 void fuzz::run(fuzz::Bytes input) {
-  const std::uint64_t option = input.number();
+  const std::uint64_t option = input.byte();
   std::vector<std::uint8_t> bytes(input.rest().begin(), input.rest().end());
   const std::string text(bytes.begin(), bytes.end());
   collect([&](auto& output) { parse(text, output, kMaxRepeated); });

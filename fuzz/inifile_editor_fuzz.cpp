@@ -108,7 +108,7 @@ void changeSection(VelClIniFileEditor& editor, const Input& input, bool isAdded)
 }  // namespace
 
 void fuzz::run(fuzz::Bytes bytes) {
-  const unsigned int options = bytes.number();
+  const unsigned int options = bytes.byte();
   Input input;
   for (std::string* part : {&input.section, &input.option, &input.value}) *part = bytes.text();
   input.text = bytes.rest();

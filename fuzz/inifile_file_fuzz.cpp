@@ -21,8 +21,8 @@ std::string withoutReturns(const std::string& text) {
 
 void fuzz::run(fuzz::Bytes bytes) {
   static InputFile input(".ini");
-  const bool allowContinuation = (bytes.number() & 1) != 0;
-  const unsigned int repeats = 1 + 16U * bytes.number();
+  const bool allowContinuation = (bytes.byte() & 1) != 0;
+  const unsigned int repeats = 1 + 16U * bytes.byte();
   std::string text;
   for (unsigned int i = 0; i < repeats && text.size() < kMaxFileSize; ++i) text += bytes.rest();
   input.rewrite(text);

@@ -73,7 +73,7 @@ std::string charactersOf(std::string_view text) {
   return convertInPieces(conversion, text, {}).bytes;
 }
 
-/// Expects ill-formed bytes to be escaped as the character of their number, and no other escapes above 7F.
+/// Expects ill-formed bytes to be escaped as the character of the same value, and no other escapes above 7F.
 void expectJsonText(Reader& json, const std::string& text) {
   std::string all, characters;
   json.expect("\"");
@@ -197,7 +197,7 @@ void checkShell(const Model& model, const std::string& printed, const std::strin
 
 void fuzz::run(fuzz::Bytes bytes) {
   constexpr const char* kPrefixes[] = {nullptr, "C_", "L_", "LD_"};
-  const unsigned int options = bytes.number();
+  const unsigned int options = bytes.byte();
   VelClIniFile file("unused");
   file.loadFromBuffer(bytes.rest().data(), bytes.rest().size(), '\n', (options & 1) != 0, true);
   const char* const prefix = kPrefixes[options >> 1 & 3];

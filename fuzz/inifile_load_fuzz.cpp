@@ -127,8 +127,8 @@ void requireRoundTrip(VelClIniFileSave& file) {
 }  // namespace
 
 void fuzz::run(fuzz::Bytes input) {
-  const unsigned int options = input.number();
-  const auto delimiter = static_cast<char>(input.number());
+  const unsigned int options = input.byte();
+  const auto delimiter = static_cast<char>(input.byte());
   const std::string_view bytes = input.rest();
   int errorsLeft = static_cast<int>(options >> 3);
   VelClIniFileSave file("unused");

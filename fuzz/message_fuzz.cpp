@@ -44,7 +44,7 @@ std::string tableText(const std::string& text, const Variables& variables) {
   return out;
 }
 
-/// As printf writes it, or "???".
+/// Returns `value` as printf formats it with `style`, or "???" for a style other than "s" or "hs".
 std::string styled(const std::string& style, const std::string& value) {
   std::size_t at = std::min(style.find_first_not_of("-+ #0"), style.size());
   const bool isLeft = style.substr(0, at).find('-') != std::string::npos;
@@ -63,7 +63,7 @@ std::string styled(const std::string& style, const std::string& value) {
   return isLeft ? shown + padding : padding + shown;
 }
 
-/// False for a malformed text.
+/// Appends the substituted text to `out`. Returns false if the text is malformed.
 bool resourceText(const std::string& text, const Variables& variables, std::string& out) {
   for (std::size_t at = 0; at < text.size();) {
     const char c = text[at++];
@@ -108,7 +108,7 @@ void requireMessage(const fuzz::Text& text, const Variables& variables) {
 }  // namespace
 
 void fuzz::run(fuzz::Bytes input) {
-  const std::size_t room = input.number() * std::size_t{3};
+  const std::size_t room = input.byte() * std::size_t{3};
   std::vector<Text> values;
   while (values.size() < 10) values.push_back(input.text());
   const Variables variables(values.begin(), values.end());

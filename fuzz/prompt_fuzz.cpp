@@ -15,12 +15,12 @@ using fuzz::require;
 
 constexpr std::size_t kMaxAnswerLength = 80;
 
-/// Standard input, as the prompts must interpret it.
+/// A model of standard input as the prompts must interpret it.
 class Typed {
  public:
   explicit Typed(std::string_view text) : rest_(text) {}
 
-  /// The next line's answer; none at the end of input.
+  /// Returns the answer in the next line, or nothing at the end of the input.
   std::optional<std::string> line() {
     if (rest_.empty()) return std::nullopt;
     const std::size_t end = rest_.find('\n');

@@ -44,7 +44,7 @@ void requireFound(const char* pattern, std::string_view text, bool ignoreCase) {
 }  // namespace
 
 void fuzz::run(fuzz::Bytes input) {
-  const bool option = (input.number() & 1) != 0;
+  const bool option = (input.byte() & 1) != 0;
   const Text pattern = input.text();
   // With an explicit length the text can contain NUL.
   requireFound(pattern, input.rest(), option);

@@ -37,7 +37,7 @@ void fuzz::run(fuzz::Bytes input) {
   static InputFile file("TRC");
   static VelClTraceEnvironment environment("fuzz", nullptr, true);
   const std::size_t inputSize = input.rest().size();
-  const unsigned int options = input.number();
+  const unsigned int options = input.byte();
   const Text format = input.text();
   file.rewrite(input.rest());
   environment.setFilename(file.name());

@@ -69,7 +69,7 @@ void show(const Text& text, TextKind kind, std::size_t indentation) {
 }  // namespace
 
 void fuzz::run(fuzz::Bytes input) {
-  const unsigned int options = input.number();
+  const unsigned int options = input.byte();
   const Text usage = input.text();
   const std::vector<Text> words = input.texts();
   // There is no null pointer at the end, as a real command line has.

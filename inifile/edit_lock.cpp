@@ -1,7 +1,7 @@
-// The lock that keeps two editors from overwriting each other's changes. It binds only programs that ask for
-// it, and every save puts another file under the name. So the state of the file at locking time is kept, and
-// each read and each save compare with it: if another program has replaced or changed the file, this update
-// is refused, so that the other one is not lost.
+// The lock that keeps two editors from overwriting each other's changes. It binds only programs that lock the
+// file themselves, and every save puts another file under the name. So the state of the file at locking time
+// is kept, and each read and each save compare with it: if another program has replaced or changed the file,
+// the read or save is refused, so that the other program's change is not lost.
 #include "inifile/edit_lock.h"
 
 #include <algorithm>

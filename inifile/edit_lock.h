@@ -15,7 +15,8 @@ class EditLock {
   EditLock& operator=(const EditLock&) = delete;
   ~EditLock() { release(); }
 
-  /// Releases an earlier lock and waits for this one, up to the limit. 0 does not wait.
+  /// Releases an earlier lock and locks the file, waiting up to the limit for other programs. A limit of 0
+  /// does not wait.
   VelEnIniFileLock acquire(const char* name, std::uint32_t timeLimitMs);
   void release();
 
@@ -26,11 +27,11 @@ class EditLock {
   void noteRead(const platform::FileState& file) { read_ = file; }
   /// Records that the edited text came from no file.
   void forgetRead() { read_.reset(); }
-  /// Whether the file may be replaced. Without a lock it always may. With one, the file that the replacement
-  /// found, the one that the name leads to now, and the one that was read must all be the locked one,
-  /// unchanged.
+  /// Returns whether the file may be replaced: always without a lock. With a lock, three files must all be
+  /// the locked one, unchanged: `replaced`, which the replacement found; the one that the name leads to now;
+  /// and the one that was read.
   bool mayReplace(const char* name, const platform::FileIdentity& replaced);
-  /// Whether the last of these checks failed.
+  /// Returns whether the last checkRead() or mayReplace() found another file or a changed one.
   bool isReplaced() const { return isReplaced_; }
 
  private:

@@ -98,8 +98,8 @@ bool VelClIniFileEditor::save() {
   // one stays.
   if (!file_->lock.mayReplace(getAsCString(), output.replaced()) || !output.close()) return false;
   file_->hasKeptRights = output.keepsRights();
-  // The lock was on the replaced file. The state of that file is forgotten as well, or the next locked save
-  // would take this program's own change for a foreign one.
+  // The lock was on the replaced file. The state of that file is forgotten as well; otherwise the next locked
+  // save would mistake this program's own change for another program's.
   file_->lock.release();
   file_->lock.forgetRead();
   return true;

@@ -47,7 +47,7 @@ VelClIniFileSave::~VelClIniFileSave() {
 bool VelClIniFileSave::save() {
   if (!opened_ && !output_->open(getAsCString())) return false;
   save(*output_);
-  // Intentional: the documented result after save(stream) is false, because that opened no file.
+  // Intentional: callers get false after save(stream), because that opened no file.
   if (!output_->isOpen()) return false;
   opened_ = false;
   return output_->close();
@@ -127,7 +127,7 @@ bool VelClIniFileSave::saveOptionBool(std::ostream& stream, const char* name, bo
 
 bool VelClIniFileSave::saveOption(std::ostream& stream, const char* name, const char* value,
                                   const char* comment) const {
-  // Intentional: the documented file has no options with empty values.
+  // Intentional: options with empty values are not saved.
   if (!isPresent(value)) return stream.good();
   put(put(stream, name), "\t= ");
   if (needsQuotes(value)) {
@@ -144,8 +144,7 @@ bool VelClIniFileSave::saveChar(std::ostream& stream, char c) const {
   constexpr const char* kNamed = "\a\b\t\n\v\f\r\\";
   constexpr const char* kNames = "abtnvfr\\";
   const char* const named = c != '\0' ? std::strchr(kNamed, c) : nullptr;
-  // Intentional: a double quote is not escaped. The documented consequence is that such a value does not read
-  // back.
+  // Intentional: a double quote is not escaped, so a value with one does not round-trip.
   if (named == nullptr && !vel::inifile::isControl(c)) return stream.put(c).good();
   stream.put('\\');
   if (named != nullptr) return stream.put(kNames[named - kNamed]).good();

@@ -59,8 +59,7 @@ std::uint32_t parseUnsigned(const char* value) noexcept {
 
 char readEscape(Span& text) noexcept {
   const char c = text.first();
-  // Intentional: the documented result for "\8" and "\9", which begin no octal number, is NUL, and the digit
-  // is not consumed.
+  // Intentional: callers get NUL for "\8" and "\9", which begin no octal number; the digit is not consumed.
   if (isAsciiDigit(c)) return parseCharacterCode(text, 8);
   text.skip(1);
   if (c == 'x') return parseCharacterCode(text, 16);
@@ -73,8 +72,8 @@ char readQuotedCharacter(Span& text) noexcept {
   char c = text.first();
   text.skip(1);
   if (c == '\\') c = readEscape(text);
-  // Intentional: as documented, the cursor moves past the character in the place of the closing quote,
-  // whatever it is.
+  // Intentional: callers find the cursor past the character in the place of the closing quote, even if that
+  // is another character.
   text.skip(1);
   return c;
 }
@@ -98,8 +97,8 @@ void convert(const char* text, char& value) noexcept {
   value = *text == '\'' ? velIniFileGetQuotedCharacter(text) : *text;
 }
 void convert(const char* text, bool& value) noexcept {
-  // Intentional: the documented result is that of a search for the value in the list of tokens, so "", "N"
-  // and "E|Y" are true as well.
+  // Intentional: the value is searched for in the list of tokens as a substring, so callers get true for "",
+  // "N" and "E|Y" as well.
   value = velStrFind(VelClIniFile::getStringAllTrueTokens(), text, true) != nullptr;
 }
 

@@ -5,13 +5,13 @@
 
 namespace vel::inifile {
 
-/// Decodes the escape after a backslash, or a character literal from its opening quote on. Consumes it from
-/// the span, never beyond its end, and returns the character.
+/// Decode the escape after a backslash, or a character literal from its opening quote on. They consume it
+/// from the span, never beyond the span's end, and return the character.
 char readEscape(Span& text) noexcept;
 char readQuotedCharacter(Span& text) noexcept;
 
-/// Convert the text of a value. Numbers have 32 bits on every system and saturate; 0 when there is none.
-/// Texts are not copied.
+/// Convert the text of a value. Numbers have 32 bits on every system and saturate; a text without a number
+/// gives 0. Texts are not copied.
 void convert(const char* text, const char*& value) noexcept;
 void convert(const char* text, int& value) noexcept;
 void convert(const char* text, long& value) noexcept;

@@ -105,7 +105,7 @@ void VelClTraceBufferManager::write(const VelClTraceEntry& entry) {
 
 // With a handler, the bytes after the write position are saved and may be overwritten. After a time without
 // one, the save position and unsaved bytes may follow there. Equal positions do not tell whether nothing or
-// everything is unsaved, so they count as the latter.
+// everything is unsaved, so they count as everything being unsaved.
 unsigned char* VelClTraceBufferManager::reserve(size_t size) {
   header_->dropBytesOfParent(forkCount_, dirty_);
   char* const place = header_->writePosition();

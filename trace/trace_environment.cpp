@@ -23,7 +23,7 @@ using vel::trace::VerboseLine;
 
 constexpr char kDefaultInstance[] = "VELTRACEINSTANCE0";
 constexpr char kDefaultFormat[] = "%f%n   P: %p, T: %s, D: %l, C: %c%n   Data: %m (%x: %d%n)";
-// Intentional: the documented default is 65535 bytes, one less than 64 KiB.
+// Intentional: callers get a default of 65535 bytes, one less than 64 KiB.
 constexpr std::uint32_t kDefaultBufferSize = 65535;
 constexpr std::int32_t kSmallestBuffer = 4096;
 constexpr std::int32_t kMaxBufferSize = 0x1000000;

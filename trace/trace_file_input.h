@@ -36,7 +36,7 @@ class TraceFileInput final : public std::streambuf {
   /// Returns false when the file ends before `count` bytes are skipped. A wrong count in a damaged file costs
   /// no more than reading the rest of the file.
   bool skip(std::uint64_t count);
-  /// Whether the end that was reported was in fact a failure to read.
+  /// Returns whether reading failed, which the functions above report as the end of the file.
   bool hasFailed() const { return failed_; }
 
  protected:

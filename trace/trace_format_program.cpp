@@ -34,7 +34,7 @@ void FormatProgram::addDirective(char letter) {
     endStep(index);
   else
     // Intentional: an unknown directive such as "%q" prints "%" and drops
-    // its letter, which is how "%%" works, too.
+    // its letter. "%%" works in this way.
     texts_.push_back('%');
 }
 

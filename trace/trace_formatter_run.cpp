@@ -129,7 +129,7 @@ void VelClTraceFormatter::Run::formatAll() {
     while (formatEntry()) ++formatter_.entryCount_;
     if (input_.hasFailed()) throwUnexpectedEnd("VelClTraceFormatter::formatEntry, line 644", 644);
   } catch (...) {
-    // Entries before the damaged one are still written.
+    // Writes the entries before the damaged one.
     out_.flush();
     throw;
   }
@@ -158,8 +158,8 @@ bool VelClTraceFormatter::Run::isShown() const {
          filter.matchesThreadId(entry_.getThreadId());
 }
 
-/// Whether the entry's function name is the last one shown, and updates that one. Intentional: FUNCTION_ENTRY
-/// always shows its name and is not remembered.
+/// Returns whether the entry's function name is the last one shown, and records it as that. Intentional:
+/// FUNCTION_ENTRY always shows its name and does not record it.
 bool VelClTraceFormatter::Run::repeatsFunction() {
   if (formatter_.showRepeatedNames_ || entry_.getType() == VelEnTraceDataType::FUNCTION_ENTRY) return false;
   const std::string_view origin(entry_.getOrigin(), entry_.getOriginLength());
@@ -307,7 +307,7 @@ void VelClTraceFormatter::Run::formatData() {
   }
 }
 
-/// If data does not suit its type and is cut off as well, the former is reported.
+/// If data is both unsuitable for its type and cut off, the unsuitable type is reported.
 void VelClTraceFormatter::Run::formatShortData(std::uint32_t length) {
   std::uint8_t bytes[kMaxShortDataSize];
   const bool complete = input_.read(bytes, length) == length;

@@ -100,7 +100,7 @@ void VelClTraceInstance::dumpFunction(VelEnTraceDetail detail, unsigned short co
   dump(detail, componentId, type, origin, "", &nestingLevel_, sizeof nestingLevel_);
 }
 
-// Intentional: does not ask whether the instance is active. Callers of
+// Intentional: does not test whether the instance is active. Callers of
 // dump() record even when nothing is enabled.
 void VelClTraceInstance::dumpImp(void* context, VelEnTraceDetail detail, unsigned short componentId,
                                  VelEnTraceDataType type, const char* origin, const char* message,

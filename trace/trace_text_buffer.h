@@ -69,8 +69,8 @@ class TextBuffer {
     stream_->write(text_, static_cast<std::streamsize>(size));
   }
 
-  // The functions below write to memory that has enough room and return the end. In a row they are faster
-  // than the ones above, which reserve and commit for each piece.
+  // Low-level functions: they write to memory with enough room and return the end of what they wrote. Several
+  // in a row are faster than append functions, which reserve and commit for each piece.
 
   /// Whether `size` characters fit after `end`.
   bool hasRoom(const char* end, std::size_t size) const {

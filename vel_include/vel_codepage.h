@@ -367,7 +367,6 @@ class VEL_API VelClCodePage2CodePageConverter : public VelClCodePage2UnicodeConv
  private:
   friend class VelClConverterABase;
 
-  size_t intermediateSize(size_t sourceSize) const;
   size_t sufficientSize(size_t sourceSize) const;
   size_t copyBytes(char* target, size_t targetSize, const char** source, size_t sourceSize) const;
   size_t convertInTwoStages(char* target, size_t targetSize, const char** source, size_t sourceSize) const;

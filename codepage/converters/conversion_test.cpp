@@ -1,9 +1,11 @@
-// Conversions through converters: their results and sizes, and all characters of UTF-8. Arbitrary bytes,
-// split anywhere, and targets that are too small are tested by fuzz/codepage_fuzz.cpp.
+// The results and sizes of converters, and every character of UTF-8. Arbitrary bytes, sources in pieces, and
+// targets that are too small are tested by fuzz/codepage_fuzz.cpp.
 #include <gtest/gtest.h>
 
 #include <map>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "codepage/test/outcome.h"
 #include "codepage/test/reference_utf8.h"
@@ -18,7 +20,9 @@ VelClCCSID ccsidOf(const std::string& text) {
   return isNumber ? ccsid(std::stoi(text)) : VelClCCSID(text.c_str());
 }
 
-/// Makes a converter; "U" stands for the classes from and to Unicode, "UTF-8" for the class to UTF-8.
+/// Returns a converter of the class that the texts select: "U" as `from` or `to` selects
+/// VelClUnicode2CodePageConverter or VelClCodePage2UnicodeConverter, "UTF-8" as `to`
+/// VelClCodePage2UTF8Converter, and two CCSIDs VelClCodePage2CodePageConverter.
 std::unique_ptr<VelClConverterABase> converterOf(const std::string& from, const std::string& to) {
   if (from == "U") return std::make_unique<VelClUnicode2CodePageConverter>(ccsidOf(to));
   if (to == "U") return std::make_unique<VelClCodePage2UnicodeConverter>(ccsidOf(from));
@@ -39,41 +43,65 @@ Outcome outcomeOf(const std::string& bytes, const std::string& consumed, const s
   return {bytesOf(bytes), std::stoul(consumed), id, errorClass};
 }
 
-// Rows with the same CCSIDs share a converter, which must not keep a state from one call to the next.
-TEST(Conversion, HasTheResultsOfTheTable) {
+/// A row of test/conversions.tsv.
+struct ConversionRow {
+  explicit ConversionRow(const std::vector<std::string>& row)
+      : what(row[0]),
+        from(row[1]),
+        to(row[2]),
+        source(bytesOf(row[3])),
+        room(std::stoul(row[4])),
+        expected(outcomeOf(row[5], row[6], row[7])),
+        route(row[8]) {}
+
+  std::string what;
+  std::string from;
+  std::string to;
+  std::string source;
+  std::size_t room;
+  Outcome expected;
+  std::string route;
+};
+
+// Rows with the same CCSIDs share a converter, which must not keep state from one call to the next.
+TEST(Conversion, ConvertsEveryRowAsExpected) {
   std::map<std::string, std::unique_ptr<VelClConverterABase>> converters;
-  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/conversions.tsv")) {
-    SCOPED_TRACE(row[1] + " to " + row[2] + ": " + row[0]);
-    const bool needsIcu = row[8] == "ICU";
+  for (const auto& fields : vel::test::readTable(VEL_TEST_DATA "test/conversions.tsv")) {
+    const ConversionRow row(fields);
+    SCOPED_TRACE(row.from + " to " + row.to + ": " + row.what);
+    const bool needsIcu = row.route == "ICU";
     if (needsIcu && !hasIcu()) continue;
-    auto& converter = converters[row[1] + " " + row[2]];
-    if (converter == nullptr) converter = converterOf(row[1], row[2]);
-    EXPECT_EQ(converter->isSupported(), row[8] != "none");
+    auto& converter = converters[row.from + " " + row.to];
+    if (converter == nullptr) converter = converterOf(row.from, row.to);
+    EXPECT_EQ(converter->isSupported(), row.route != "none");
     EXPECT_EQ(converter->requiresExternalICUData(), needsIcu);
-    EXPECT_EQ(converter->requiresExternalICONVRoutine(), row[8] == "none");
-    EXPECT_EQ(convert(*converter, bytesOf(row[3]), std::stoul(row[4])), outcomeOf(row[5], row[6], row[7]));
+    EXPECT_EQ(converter->requiresExternalICONVRoutine(), row.route == "none");
+    EXPECT_EQ(convert(*converter, row.source, row.room), row.expected);
   }
 }
 
-TEST(Conversion, HasTheSizesOfTheTable) {
+TEST(Conversion, ReturnsTheExpectedTargetSizes) {
   const auto expectSize = [](const std::string& expected, std::size_t size) {
     if (expected == "-") return;
     EXPECT_EQ(std::to_string(size), expected);
   };
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/maximum_sizes.tsv")) {
-    const auto converter = converterOf(row[0], row[1]);
+    const std::string &from = row[0], &to = row[1];
+    const std::string &maximumForSize = row[3], &maximumForLength = row[4], &sufficientForSize = row.at(5);
+    const auto converter = converterOf(from, to);
     const std::size_t size = std::stoull(row[2]);
-    SCOPED_TRACE(row[0] + " to " + row[1]);
-    expectSize(row[3], converter->getMaximumSizeForSize(size));
-    expectSize(row[4], converter->getMaximumSizeForLength(size));
-    expectSize(row.at(5), converter->getSufficientSizeForSize(size));
+    SCOPED_TRACE(from + " to " + to);
+    expectSize(maximumForSize, converter->getMaximumSizeForSize(size));
+    expectSize(maximumForLength, converter->getMaximumSizeForLength(size));
+    expectSize(sufficientForSize, converter->getSufficientSizeForSize(size));
   }
 }
 
-TEST(Utf8, EveryScalarValueRoundTrips) {
+TEST(Utf8, AllButReplacedNoncharactersRoundTrip) {
   std::string units;
   for (unsigned int value = 0; value < 0x110000; ++value) {
     if (value >= 0xD800 && value < 0xE000) continue;
+    // Replaced by U+FFFF.
     if ((value >= 0xFDD0 && value <= 0xFDEF) || value == 0xFFFE || value == 0xFFFF) continue;
     if (value < 0x10000)
       units += unitBytes({static_cast<char16_t>(value)});

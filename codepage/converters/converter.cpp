@@ -87,7 +87,7 @@ void VelClConverterABase::initNewCodePage2Unicode(const VelClCCSID& source) {
 }
 
 void VelClConverterABase::deinit() {
-  // Qualified: an override may answer for its second stage too, whose ICU converter is not in
+  // Qualified: an override may also consider its second stage, whose ICU converter is not in
   // conversionData_.
   if (VelClConverterABase::requiresExternalICUData()) velDeleteICUConverter(conversionData_);
   conversionData_ = nullptr;

@@ -1,5 +1,5 @@
-// The converter classes: their source, their memory, and the system's own conversion. Which route each CCSID
-// has is tested by tools/velconv/velconv_test.cpp.
+// The converter classes: sources given as plain pointers, a changed source CCSID, the intermediate buffer,
+// and the conversion by the system. Which route each CCSID has is tested by tools/velconv/velconv_test.cpp.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -14,7 +14,7 @@ using namespace std::string_literals;
 
 using CodePageConverter = VelClCodePage2CodePageConverter;
 
-TEST(Converter, ConvertsASourceWithoutACursor) {
+TEST(Converter, ConvertsASourceGivenAsAPlainPointer) {
   const VelClCodePage2UTF8Converter converter(ccsid(37));
   EXPECT_EQ(converter.getSourceCCSID().getAsInt(), 37);
   EXPECT_EQ(converter.getTargetCCSID().getAsInt(), 1208);
@@ -50,7 +50,7 @@ TEST(Converter, ReusesItsBufferAndFreesIt) {
     const CodePageConverter converter(ccsid(37), ccsid(850));
     EXPECT_EQ(convert(converter, "\xC1", 1).bytes, "A");
     EXPECT_EQ(memory.lastSize, 2U + 32769);
-    // 16385 bytes need 32771, which the buffer still holds; another byte does not fit.
+    // 16385 bytes require 32771, the size of the buffer; one byte more makes it grow.
     memory.lastSize = 0;
     EXPECT_EQ(convert(converter, std::string(16385, '\xC1'), 20000).bytes.size(), 16385U);
     EXPECT_EQ(memory.lastSize, 0U);
@@ -64,7 +64,7 @@ TEST(Converter, ReusesItsBufferAndFreesIt) {
   }
   EXPECT_TRUE(memory.live.empty());
   {
-    // One byte more than the need makes the buffer grow, whatever the size.
+    // A need of exactly the buffer's size makes the buffer grow: it must be at least one byte larger.
     const CodePageConverter converter(ccsid(65500), ccsid(1208));
     convert(converter, "a", 1);
     EXPECT_EQ(memory.lastSize, 1U + 32769);
@@ -73,7 +73,7 @@ TEST(Converter, ReusesItsBufferAndFreesIt) {
   }
 }
 
-// Intentional: the console's code page is queried once, while the system's follows the locale.
+// Intentional: the console's code page is queried once per process. The system's follows the locale.
 TEST(Converter, CachesTheCodePageOfTheConsole) {
   const VelClCCSID console{VelClCCSID::getConsoleCCSID()};
   for (const char* const locale : {"C.ISO-8859-1", "C.ISO-8859-15", "C.KOI8-R"}) {
@@ -106,12 +106,13 @@ TEST(SystemConversion, DoesNotAdvanceTheSource) {
   const VelClUnicode2CodePageConverter system{VelClCCSID(VelClCCSID::getSystemCCSID())};
   const auto function = &velConvertByWindowsCallUCS2ToWinCP;
   EXPECT_EQ(call(function, system, unitBytes(u"abc"), 3), (Outcome{"abc", 0}));
-  // An empty target does not return the needed size; an empty source fails like a target that is too small.
+  // An empty target is too small; the needed size is not returned. An empty source fails in the same way.
   EXPECT_EQ(call(function, system, unitBytes(u"abc"), 2), tooBig("", 0));
   EXPECT_EQ(call(function, system, unitBytes(u"abc"), 0), tooBig("", 0));
   EXPECT_EQ(call(function, system, "", 8), tooBig("", 0));
   const VelClUnicode2CodePageConverter unknown{ccsid(4)};
   EXPECT_EQ(call(function, unknown, unitBytes(u"abc"), 8), tooBig("", 0));
+  // No EUC tables exist: the function consumes nothing.
   EXPECT_EQ(call(&velConvertByTablesEUCtoUCS2, unknown, "abc", 8).consumed, 0U);
 }
 

@@ -1,5 +1,8 @@
 // The converters from a code page to UCS-2, from UCS-2 to a code page, and through UCS-2 from one code page
-// to another. What a single conversion does is in the conversion functions; routes.cpp chooses them.
+// to another. The conversion functions do the work; routes.cpp chooses them.
+//
+// VelClCodePage2CodePageConverter is itself the first stage, from the source to UCS-2, through its base class
+// VelClCodePage2UnicodeConverter; secondStage_ converts from UCS-2 to the target.
 #include <algorithm>
 
 #include "codepage/conversion.h"
@@ -9,18 +12,17 @@ namespace {
 
 using vel::codepage::kUnitSize;
 
-/// Bytes that the intermediate buffer is allocated larger than needed, so that slightly longer texts do not
-/// reallocate it.
+/// Extra bytes in each allocation of the intermediate buffer: the byte that growBuffer() requires, and 32 KiB
+/// so that somewhat longer texts need no other allocation.
 constexpr std::size_t kSpare = 32769;
 
-/// Returns the most UCS-2 bytes that `size` source bytes can become: no byte of a code page becomes more than
-/// one unit.
+/// Returns the most UCS-2 bytes that `size` source bytes can become: a code page never yields more units than
+/// it has bytes.
 std::size_t sizeInUcs2(const VelClCCSID& source, std::size_t size) {
   return source.isUCS2() ? size : kUnitSize * size;
 }
 
-/// GB18030: its characters have up to four bytes and up to two units, which the CCSID's properties do not
-/// say.
+/// GB18030 has characters of up to four bytes and two units, which VelClCCSID::isDBCS does not reflect.
 bool isGb18030(const VelClCCSID& ccsid) {
   return ccsid.getCCSID() == VelClCCSID::CCSID_1392;
 }
@@ -51,9 +53,9 @@ VelClUnicode2CodePageConverter::~VelClUnicode2CodePageConverter() = default;
 
 size_t VelClUnicode2CodePageConverter::getMaximumSizeForLength(size_t length) const {
   const VelClCCSID& target = VelClConverterABase::getTargetCCSID();
-  // Intentional: the documented result is five bytes for a character, although none needs more than four.
+  // Intentional: callers get five bytes for a character of UTF-8, although none needs more than four.
   if (target.getCCSID() == VelClCCSID::CCSID_UTF8) return 5 * length;
-  // Intentional: the documented result for single-byte targets is that for double-byte ones.
+  // Intentional: callers get two bytes for a character even if the target is a single-byte page.
   return isGb18030(target) ? 4 * length : 2 * length;
 }
 
@@ -69,8 +71,8 @@ VelClCodePage2CodePageConverter::VelClCodePage2CodePageConverter(const VelClCCSI
                                                                  const VelClCCSID& target)
     : VelClCodePage2UnicodeConverter(source), secondStage_(target), buffer_(nullptr), bufferSize_(0) {
   const _VelStError& second = secondStage_.getLastError();
-  // Of the second stage's errors only this one must show before a conversion: the route that was chosen
-  // without memory may not be the right one.
+  // Only running out of memory is reported at construction: another route may have been chosen for lack of
+  // memory. Every other error of the second stage is reported by the conversion.
   if (second.errorClass == VelEnErrorClass::OUT_OF_MEMORY) lastError_ = second;
 }
 
@@ -101,11 +103,11 @@ size_t VelClCodePage2CodePageConverter::getMaximumSizeForLength(size_t length) c
 size_t VelClCodePage2CodePageConverter::getMaximumSizeForSize(size_t size) const {
   if (getSourceCCSID() == getTargetCCSID()) return size;
   const std::size_t inUcs2 = sizeInUcs2(getSourceCCSID(), size);
-  // Intentional: the documented result for GB18030 is the buffer's size, which UTF-8 can exceed.
+  // Intentional: for GB18030 callers get the size of the intermediate buffer, which UTF-8 can exceed.
   if (isGb18030(getSourceCCSID())) return inUcs2;
   const std::size_t inTarget = secondStage_.getMaximumSizeForSize(inUcs2);
   if (getSourceCCSID().isUCS2()) return inTarget;
-  // A source byte is at most one character, which bounds the result, too.
+  // A source byte is at most one character, so the size for `size` characters is a second limit.
   return std::min(inTarget, secondStage_.getMaximumSizeForLength(size));
 }
 
@@ -129,7 +131,7 @@ size_t VelClCodePage2CodePageConverter::convertBytes(char* target, size_t target
   return convertInTwoStages(target, targetSize, source, sourceSize);
 }
 
-// Neither the text nor a half character at the end is looked at: equal CCSIDs need no route.
+// Copies without validating: an incomplete last character is not reported.
 size_t VelClCodePage2CodePageConverter::copyBytes(char* target, size_t targetSize, const char** source,
                                                   size_t sourceSize) const {
   lastError_.reset();
@@ -146,16 +148,17 @@ size_t VelClCodePage2CodePageConverter::convertInTwoStages(char* target, size_t 
   if (lastError_.errorId != VEL_NO_ERROR && lastError_.errorId != CPCONVERTER_INCOMPLETE) return 0;
   const std::size_t written =
       secondStage_.convertBytes(target, targetSize, static_cast<const char*>(buffer_), size);
-  // Intentional: the documented error is that of the second stage; callers see an incomplete source by the
-  // source pointer alone.
+  // Intentional: callers get the error of the second stage. An incomplete source shows only in the source
+  // pointer, which is then not at the end.
   lastError_ = secondStage_.getLastError();
   return written;
 }
 
 void VelClCodePage2CodePageConverter::growBuffer(size_t size) const {
-  // The old contents are not needed: every conversion starts with an empty buffer. The fields are cleared
-  // before the allocation, which may throw.
+  // Intentional: one byte more than the conversion needs is required, and kSpare is added to the need; an
+  // allocator that the program installs sees these sizes.
   if (size + 1 <= bufferSize_) return;
+  // The old contents are not needed. The fields are cleared before the allocation, which may throw.
   VelClMemoryManager::free(buffer_);
   buffer_ = nullptr;
   bufferSize_ = 0;

@@ -57,8 +57,9 @@ WalkEnd walkAscii(const Call& call, const char* start, Single single, Pair pair)
   return {position, true};
 }
 
-/// Walks over text with shifts, from `start` and in the mode `isDouble`, in the same way. The end in
-/// double-byte mode is incomplete, too.
+/// Walks over text with shifts from `start` in the mode `isDouble`, calling `single(byte)` or
+/// `pair(lead, trail)` for each character. Stops before an incomplete pair; the end in
+/// double-byte mode is incomplete even after a whole pair.
 template <typename Single, typename Pair>
 WalkEnd walkEbcdic(const Call& call, const char* start, bool isDouble, Single single, Pair pair) {
   const unsigned char* position = bytesAt(start);
@@ -139,7 +140,7 @@ size_t velConvertByTablesDBCS_EBCDICtoUCS2(VelClConverterABase::_VelStConverter&
   return finish(call, walk, units.end());
 }
 
-// There are no tables of extended UNIX codes, so no route leads here; ICU converts these pages.
+// No route selects this function: the library has no tables of extended UNIX codes; ICU converts these pages.
 size_t velConvertByTablesEUCtoUCS2(VelClConverterABase::_VelStConverter&) {
   return 0;
 }

@@ -18,7 +18,7 @@ struct Alias {
   Resolved resolved;
 };
 
-// CCSIDs whose tables, or whose ICU converters, go by another number.
+// CCSIDs that use the table or the ICU converter of another CCSID.
 // Intentional: from UCS-2 most are not resolved. Callers that write 5026 get ICU's own converter, or none,
 // not that of 930.
 constexpr Alias kAliases[] = {
@@ -52,7 +52,8 @@ VelClConverterABase::VelConversionFunction functionBetweenUcs2(std::uint32_t ccs
   }
 }
 
-/// Zero means that the system did not name its code page; it must not match an unknown CCSID.
+/// Returns whether the CCSID is one of the system's code pages. 0 is the value of an unknown CCSID, and of a
+/// system that does not tell its code page; these two must not match.
 bool isCodePageOfSystem(std::uint32_t ccsid) {
   return ccsid != 0 && (ccsid == vel::platform::ansiCodePage() || ccsid == vel::platform::oemCodePage());
 }
@@ -102,7 +103,7 @@ void VelClConverterABase::useFunction(VelConversionFunction function, const void
 bool VelClConverterABase::useIcu(uint32_t ccsid, VelConversionFunction function) {
   _VelStError error;
   const void* const converter = velGetICUConverter(ccsid, error);
-  // Without memory ICU's answer says nothing about the page. The error stays visible, so that callers can
+  // If memory ran out, it is unknown whether ICU has the page. The error stays visible, so that callers can
   // tell this from a page that ICU does not have.
   if (error.errorClass == VelEnErrorClass::OUT_OF_MEMORY) lastError_ = error;
   if (converter == nullptr) return false;

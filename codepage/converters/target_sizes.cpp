@@ -1,4 +1,4 @@
-// How large a target a conversion function needs, before it runs.
+// The target sizes of conversion functions: the size that a call requires, and one that is always sufficient.
 #include "codepage/converters/target_sizes.h"
 
 #include "codepage/converters/double_byte_conversion.h"
@@ -22,8 +22,8 @@ std::size_t requiredTargetSize(VelClConverterABase::VelConversionFunction functi
 
 std::size_t sufficientTargetSize(VelClConverterABase::VelConversionFunction function,
                                  const Call& call) noexcept {
-  // The code pages of systems have at most four bytes for a character. UTF-8 has three for a unit: the four
-  // bytes of a surrogate pair are two for each of its units.
+  // Code pages of systems have at most four bytes for a character. UTF-8 has at most three for a unit: a
+  // surrogate pair is four bytes, two for each of its units.
   constexpr std::size_t kMaxSystemBytesPerUnit = 4;
   constexpr std::size_t kMaxUtf8BytesPerUnit = 3;
   const std::size_t size = call.sourceSize;
@@ -31,7 +31,7 @@ std::size_t sufficientTargetSize(VelClConverterABase::VelConversionFunction func
   if (function == &velConvertByCopying || function == &velConvertByEndianSwap) return size;
   if (function == &velConvertByTablesUCS2toSBCS || function == &velConvertByAlgorithmUCS2to819) return units;
   if (function == &velConvertByAlgorithmUCS2toUTF8) return saturatingProduct(units, kMaxUtf8BytesPerUnit);
-  if (function == &velConvertByAlgorithmIcuFromUnicode) return sufficientSizeFromIcu(call);
+  if (function == &velConvertByAlgorithmIcuFromUnicode) return sufficientIcuTargetSize(call);
   if (function == &velConvertByWindowsCallUCS2ToWinCP)
     return saturatingProduct(units, kMaxSystemBytesPerUnit);
   return saturatingProduct(size, kUnitSize);

@@ -63,7 +63,7 @@ bool decodeCharacter(const Call& call, Cursor& cursor) {
     call.setError(vel::codepage::kIncomplete);
     return false;
   }
-  // Intentional: the documented source position after CPCONVERTER_TOO_BIG is past the character that did not
+  // Intentional: after CPCONVERTER_TOO_BIG callers find the source position past the character that did not
   // fit.
   cursor.source += trailing + 1;
   if (writeValue(cursor, decode(text, trailing))) return true;

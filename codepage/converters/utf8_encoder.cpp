@@ -9,9 +9,6 @@ using vel::codepage::Call;
 using vel::codepage::Cursor;
 using vel::codepage::kUnitSize;
 
-// Intentional: the documented replacement for invalid units is U+FFFF (EF BF BF), not U+FFFD.
-constexpr char32_t kInvalid = 0xFFFF;
-
 constexpr bool isInvalid(char32_t unit) {
   return vel::isSurrogate(unit) || (unit >= 0xFDD0 && unit <= 0xFDEF) || unit >= 0xFFFE;
 }
@@ -29,13 +26,13 @@ Character characterAt(const char* source, std::size_t units) {
     const char32_t second = vel::codepage::readUnit(source + kUnitSize);
     if (vel::isLowSurrogate(second)) return {vel::decodeSurrogatePair(first, second), 2};
   }
-  return {isInvalid(first) ? kInvalid : first, 1};
+  return {isInvalid(first) ? vel::codepage::kUtf8Replacement : first, 1};
 }
 
 /// Encodes one character. Returns false if it does not fit.
 bool encodeCharacter(Cursor& cursor) {
   const Character character = characterAt(cursor.source, cursor.sourceSize() / kUnitSize);
-  // Intentional: the documented source position after CPCONVERTER_TOO_BIG is past the character that did not
+  // Intentional: after CPCONVERTER_TOO_BIG callers find the source position past the character that did not
   // fit.
   cursor.source += character.units * kUnitSize;
   if (vel::utf8Length(character.value) > cursor.targetSize()) return false;

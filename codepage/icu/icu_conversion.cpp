@@ -1,5 +1,5 @@
-// The public functions that open, use and close converters of the installed ICU. Every call but the opening
-// relies on a converter that was opened, and so on ICU being there.
+// The public functions that open, use and close converters of the installed ICU. Only velGetICUConverter runs
+// without ICU; the others get a converter that it opened, so ICU is installed.
 #include "codepage/icu/icu_conversion.h"
 
 #include "codepage/icu/icu_calls.h"
@@ -12,28 +12,29 @@ using vel::codepage::IcuConverter;
 using vel::codepage::IcuFunctions;
 using vel::codepage::IcuStatus;
 
-using Conversion = std::size_t (*)(const IcuFunctions& icu, const IcuConverter* converter, IcuBuffers& text);
+using Conversion = std::size_t (*)(const IcuFunctions& icu, const IcuConverter* converter,
+                                   IcuBuffers& buffers);
 
 std::size_t convert(Call& call, Conversion conversion) {
-  IcuBuffers text{call.target, call.targetSize, *call.source, call.sourceSize, 0};
-  const std::size_t written = conversion(*vel::codepage::installedIcu(), call.getConversionData(), text);
-  *call.source = text.source;
+  IcuBuffers buffers{call.target, call.targetSize, *call.source, call.sourceSize, 0};
+  const std::size_t written = conversion(*vel::codepage::installedIcu(), call.getConversionData(), buffers);
+  *call.source = buffers.source;
   _VelStError error;
-  // Intentional: mapIcuError throws for statuses without an identifier, warnings among them; the documented
-  // result is the exception ICU_UNEXPECTED_ICU_ERROR.
-  VelClIcuInterface::mapIcuError(error, text.status);
+  // Intentional: for statuses without an error identifier, warnings among them, mapIcuError throws an
+  // exception with ICU_UNEXPECTED_ICU_ERROR.
+  VelClIcuInterface::mapIcuError(error, buffers.status);
   call.setError(error);
   return written;
 }
 
 }  // namespace
 
-std::size_t vel::codepage::sufficientSizeFromIcu(const Call& call) noexcept {
+std::size_t vel::codepage::sufficientIcuTargetSize(const Call& call) noexcept {
   return sufficientSizeFromUnicode(*installedIcu(), call.getConversionData(), call.sourceSize / kUnitSize);
 }
 
 const void* velGetICUConverter(unsigned int ccsid, _VelStError& error) {
-  // Without ICU every page gets the status that ICU has for unsupported operations.
+  // Without ICU every CCSID fails with ICU's status for unsupported operations.
   IcuStatus status = vel::codepage::kIcuUnsupported;
   const IcuFunctions* const icu = vel::codepage::installedIcu();
   const IcuConverter* const converter =

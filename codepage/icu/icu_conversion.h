@@ -1,4 +1,4 @@
-// The target size that only ICU can tell; the conversion functions that use ICU are public.
+// The sufficient target size of conversions by ICU. The conversion functions are declared in vel_codepage.h.
 #pragma once
 
 #include <cstddef>
@@ -7,8 +7,8 @@
 
 namespace vel::codepage {
 
-/// Returns a number of target bytes that is enough for every source of the call's size, by
-/// velConvertByAlgorithmIcuFromUnicode.
-std::size_t sufficientSizeFromIcu(const Call& call) noexcept;
+/// Returns a target size that velConvertByAlgorithmIcuFromUnicode never exceeds for a source of
+/// call.sourceSize bytes.
+std::size_t sufficientIcuTargetSize(const Call& call) noexcept;
 
 }  // namespace vel::codepage

@@ -116,7 +116,7 @@ bool bindIcu(const LibraryLoader& loader, int ownVersion, IcuFunctions& function
 }
 
 const IcuFunctions* installedIcu() {
-  // A local static: threads that ask at the same time wait for one search.
+  // A local static: concurrent first calls wait for one search.
   struct Installed {
     IcuFunctions functions{};
     bool isThere =

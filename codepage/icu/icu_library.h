@@ -43,8 +43,8 @@ struct LibraryLoader {
 /// is none.
 bool bindIcu(const LibraryLoader& loader, int ownVersion, IcuFunctions& functions) noexcept;
 
-/// Returns the functions of the ICU that is installed, or null when there is none. The first call looks for
-/// it, the others return the same answer; ICU stays loaded until the process ends.
+/// Returns the functions of the installed ICU, or null if none is installed. The first call searches for it;
+/// later calls return the same result. ICU stays loaded until the process ends.
 const IcuFunctions* installedIcu();
 
 }  // namespace vel::codepage

@@ -16,7 +16,7 @@ void requireMemory(const IcuBuffers& buffers) {
 }  // namespace
 
 void throwIcuOutOfMemory() {
-  // Callers see this text in the exception: it names the class that they use, not this function.
+  // Names the class that callers use, not this function: they see it as the exception's origin.
   constexpr const char* kOrigin = "VelClStrictConversion, ICU";
   VelClExceptionFatal exception(ICU_MEMORY_ALLOCATION_ERROR, VelEnErrorClass::OUT_OF_MEMORY,
                                 VelEnErrorAction::TERMINATE, "");
@@ -27,18 +27,18 @@ void throwIcuOutOfMemory() {
 IcuPageCodec::IcuPageCodec(const VelClConverterABase& converter) : converter_(conversionDataOf(converter)) {}
 
 IcuPageCodec::DecodedPiece IcuPageCodec::decodePiece(const char* bytes, std::size_t size, char16_t* units,
-                                                     std::size_t capacity, bool isEnd) const {
+                                                     std::size_t capacity, bool flush) const {
   IcuBuffers buffers{reinterpret_cast<char*>(units), capacity * kUnitSize, bytes, size, 0};
-  const std::size_t written = continueToUnicode(*installedIcu(), converter_, buffers, isEnd);
+  const std::size_t written = continueToUnicode(*installedIcu(), converter_, buffers, flush);
   requireMemory(buffers);
   return {written / kUnitSize, buffers.status <= kIcuSuccess};
 }
 
 IcuPageCodec::EncodedPiece IcuPageCodec::encodePiece(const char16_t*& units, const char16_t* unitsEnd,
-                                                     char* bytes, std::size_t capacity, bool isEnd) const {
+                                                     char* bytes, std::size_t capacity, bool flush) const {
   const auto size = static_cast<std::size_t>(unitsEnd - units) * kUnitSize;
   IcuBuffers buffers{bytes, capacity, reinterpret_cast<const char*>(units), size, 0};
-  const std::size_t written = continueFromUnicode(*installedIcu(), converter_, buffers, isEnd);
+  const std::size_t written = continueFromUnicode(*installedIcu(), converter_, buffers, flush);
   requireMemory(buffers);
   units = reinterpret_cast<const char16_t*>(buffers.source);
   return {written, buffers.status == kIcuBufferOverflow};

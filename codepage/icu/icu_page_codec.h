@@ -1,5 +1,5 @@
 // ICU's converter of one code page, as strict conversion uses it: pieces and whole texts in both directions.
-// Status numbers and running out of memory are dealt with here.
+// Hides ICU's statuses; throws when ICU runs out of memory.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace vel::codepage {
 
-/// Throws VelClExceptionFatal. A conversion that ICU cut short for want of memory must not pass for a result.
+/// Throws VelClExceptionFatal: the output of a conversion that ICU ended for lack of memory is not a result.
 [[noreturn]] void throwIcuOutOfMemory();
 
 /// Every member but the constructor throws VelClExceptionFatal when ICU runs out of memory.
@@ -23,20 +23,20 @@ class IcuPageCodec {
     bool isValid;  ///< false after an error of ICU's; substituted characters are not errors
   };
   /// Decodes the next bytes of a text. ICU keeps an incomplete character, and units for which `units` has no
-  /// room, for the next piece, unless `isEnd`.
+  /// room, for the next piece, unless `flush`.
   DecodedPiece decodePiece(const char* bytes, std::size_t size, char16_t* units, std::size_t capacity,
-                           bool isEnd) const;
+                           bool flush) const;
 
   struct EncodedPiece {
     std::size_t size;
     bool isFull;  ///< bytes are left in ICU that did not fit: call again with what is left of the units
   };
-  /// Encodes the next units of a text and moves `units` past those consumed. `isEnd` closes shifts.
+  /// Encodes the next units of a text and moves `units` past those consumed. `flush` closes shifts.
   EncodedPiece encodePiece(const char16_t*& units, const char16_t* unitsEnd, char* bytes,
-                           std::size_t capacity, bool isEnd) const;
+                           std::size_t capacity, bool flush) const;
 
-  /// Convert a whole text and return the units or bytes written. What does not fit is dropped, and the next
-  /// text begins anew.
+  /// Convert a whole text and return the number of units or bytes written. Output that does not fit is
+  /// discarded; calls are independent of each other.
   std::size_t decode(const char* bytes, std::size_t size, char16_t* units, std::size_t capacity) const;
   std::size_t encode(const char16_t* units, std::size_t count, char* bytes, std::size_t capacity) const;
 

@@ -40,7 +40,7 @@ struct Kernels {
   /// ill-formed one. Target bytes past the last unit written may be clobbered, up to `targetEnd`.
   void (*decodeUtf8)(Cursor& cursor) noexcept;
   void (*encodeUtf8)(Cursor& cursor) noexcept;
-  /// Converts a prefix of mixed single and double bytes to UCS-2, in the same way. Never stops within a pair.
+  /// Converts a prefix of mixed single and double bytes to UCS-2. Stops like decodeUtf8, never within a pair.
   void (*decodeMixed)(Cursor& cursor, const VelStDoubleByteTable& table) noexcept;
   /// Converts a prefix of text with shifts, folding next lines. `isDouble` is the mode at its start and is
   /// set to the one at its end.

@@ -256,7 +256,7 @@ void encodeUtf8(Cursor& cursor) noexcept {
 
 // ---- Mixed bytes -----------------------------------------------------------------------------
 
-/// Converts nothing, which is a prefix, too. Without wide vectors nothing is faster than the walk over single
+/// Converts the empty prefix. Without wide vectors nothing is faster than the walk over single
 /// characters that follows.
 void decodeMixed(Cursor&, const VelStDoubleByteTable&) noexcept {}
 void decodeShifted(Cursor&, const VelStDoubleByteTable&, bool&) noexcept {}

@@ -1,4 +1,4 @@
-// Converters that strict conversion can rely on.
+// Converters that throw when their route was chosen for lack of memory.
 #pragma once
 
 #include "codepage/icu/icu_page_codec.h"
@@ -6,8 +6,8 @@
 
 namespace vel::codepage {
 
-/// A converter whose constructor throws VelClExceptionFatal when there was not enough memory to find out
-/// whether ICU has the page: the converter would choose another route then, or none, and write other bytes.
+/// A converter whose constructor throws VelClExceptionFatal if memory ran out while it opened ICU's
+/// converter. Without the exception it would have another route, or none, and its output would be different.
 template <typename Converter>
 class Checked : public Converter {
  public:

@@ -1,7 +1,7 @@
 // Converters replace what they cannot decode, by U+FFFD or U+001A. Strict conversion has to tell such a
-// substitute from the same character in the source. A table answers that by itself, up to the substitutes of
-// single bytes. ICU is asked twice: a unit that may be a substitute counts as a character only if ICU encodes
-// it to the same bytes again.
+// substitute from the same character in the source. A table shows that by itself, except for the substitutes
+// of single bytes. With ICU, a unit that may be a substitute counts as a character only if ICU encodes it to
+// the same bytes again.
 #include "codepage/strict/page_decoder.h"
 
 #include <algorithm>
@@ -87,14 +87,14 @@ class DoubleByteDecoder : public PageDecoder {
 // ---- ICU -------------------------------------------------------------------------------------
 
 /// Finds out how ICU decodes a sequence by feeding it in two steps: the bytes themselves, as a piece of a
-/// text that goes on, and then the end of that text. If no unit comes of the first step, the bytes are a
-/// prefix; units that come of the second step show what ICU makes of a truncated character. The end also
-/// resets the converter for the next question.
+/// text that continues, and then the end of that text. If the first step yields no unit, the bytes are a
+/// prefix. Units that the second step yields are ICU's result for a truncated character. The end also resets
+/// the converter, so calls are independent of each other.
 class IcuDecoder : public PageDecoder {
  public:
   explicit IcuDecoder(const VelClConverterABase& converter) : codec_(converter) {
-    // In pages with shifts, neither shift yields a unit. In others 0E and 0F are control characters, which
-    // do.
+    // In pages with shifts, neither shift yields a unit. In other pages 0E and 0F are control characters and
+    // yield one each.
     const unsigned char shifts[] = {kShiftOut, kShiftIn};
     hasShifts_ = decode(shifts, 1).kind == DecodeResult::Kind::Prefix &&
                  decode(shifts, sizeof shifts).kind == DecodeResult::Kind::Prefix;
@@ -137,9 +137,9 @@ class IcuDecoder : public PageDecoder {
   }
 
   /// Appends the units of a piece to `units`; returns false if there were none.
-  bool feed(Units& units, const char* bytes, std::size_t size, bool isEnd) const {
+  bool feed(Units& units, const char* bytes, std::size_t size, bool flush) const {
     const std::size_t room = std::size(units.text) - units.count;
-    const auto piece = codec_.decodePiece(bytes, size, units.text + units.count, room, isEnd);
+    const auto piece = codec_.decodePiece(bytes, size, units.text + units.count, room, flush);
     units.count += piece.units;
     units.isValid = units.isValid && piece.isValid;
     return piece.units > 0;

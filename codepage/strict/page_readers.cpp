@@ -2,7 +2,7 @@
 // shifts.
 //
 // The single-byte reader knows all 256 results from the start and leaves the conversion to the converter's
-// kernel. The mixed reader decodes character by character. Asking the decoder is slow with ICU, so results
+// kernel. The mixed reader decodes character by character. Decoding is slow with ICU, so results
 // are cached: those of single bytes in an array, those of longer sequences in a direct-mapped cache.
 #include "codepage/strict/page_readers.h"
 
@@ -69,7 +69,7 @@ class SingleByteReader : public Reader {
 };
 
 /// A direct-mapped cache of decode results: a hash of the bytes gives the only entry that a sequence can be
-/// in, and a sequence replaces the one that was there before. Texts use a few thousand characters, so nearly
+/// in, and a sequence replaces the previous one in its entry. Texts use a few thousand characters, so nearly
 /// all are found.
 class DecodeCache {
  public:
@@ -119,7 +119,7 @@ class MixedReader : public Reader {
       result.faultSize = size - result.consumed;
       isDouble_ = false;
     } else if (isLast && result.consumed == size && isDouble_) {
-      // The end in double-byte mode is a fault, too; it has no bytes.
+      // A text that ends in double-byte mode has a fault of no bytes.
       result.fault = Fault::INCOMPLETE;
       isDouble_ = false;
     }
@@ -201,8 +201,8 @@ class MixedReader : public Reader {
       if (longer.kind == Kind::Unknown) longer = decoder_->decodeSequence(text.bytes, size + 1);
       decoded = &longer;
     }
-    // A prefix of full length can never become a character; without this a reader would wait for more for
-    // ever.
+    // A prefix of full length can never become a character. Reported as a prefix, it would make the reader
+    // wait for more bytes endlessly.
     if (decoded->kind == Kind::Prefix && size == kMaxSequence) decoded = &kInvalid;
     return {decoded, decoded->kind == Kind::InvalidFirstByte ? 1 : size};
   }

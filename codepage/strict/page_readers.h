@@ -1,12 +1,12 @@
-// Strict readers of code pages, of single bytes and of mixed ones.
+// Creates strict readers of single-byte and mixed code pages.
 #pragma once
 
 #include "codepage/strict/strict_reader.h"
 
 namespace vel::codepage {
 
-/// Returns the reader of any code page that is not a form of Unicode; the caller destroys it. Null when the
-/// source cannot be converted.
+/// Returns a new reader of a code page that is not a form of Unicode, or null if there is no route from it to
+/// UCS-2. The caller destroys the reader.
 Reader* makePageReader(const VelClCCSID& source);
 
 }  // namespace vel::codepage

@@ -1,9 +1,9 @@
 // Strict writers of code pages. A character is written only if its bytes round-trip: decoded again, they are
 // the same character. Best fits, substitutes and truncation do not, and make a character unmappable.
 //
-// Each character is tried once, by Encoder; EncodingCache keeps the answer. The single-byte writer then looks
-// up bytes in the cache. The mixed writer only asks the cache how far the text round-trips, and passes that
-// to ICU as a whole, because the bytes of a character depend on the shift state.
+// Each character is tried once, by Encoder; EncodingCache keeps the result. The single-byte writer then looks
+// up bytes in the cache. The mixed writer uses the cache only to find how far the text round-trips, and
+// passes that to ICU as a whole, because the bytes of a character depend on the shift state.
 #include "codepage/strict/page_writers.h"
 
 #include <algorithm>
@@ -20,7 +20,6 @@ namespace {
 
 using Route = VelClConverterABase::VelEnRoute;
 
-constexpr char32_t kReplacement = 0xFFFD;
 constexpr char32_t kLastPrivate = 0x10FFFD;
 constexpr unsigned char kAsciiSubstitute = 0x1A;
 
@@ -48,8 +47,8 @@ class Encoder {
     if (isIcu()) {
       char* const bytes = reinterpret_cast<char*>(encoded.bytes);
       encoded.size = codec_.encode(units, count, bytes, sizeof encoded.bytes);
-      encoded.roundTrips =
-          roundTripsByIcu(encoded, units, count) && (character != kReplacement || !isSubstitute(encoded));
+      encoded.roundTrips = roundTripsByIcu(encoded, units, count) &&
+                           (character != kReplacementCharacter || !isSubstitute(encoded));
       return encoded;
     }
     encoded.size = converter_.convertBytes(reinterpret_cast<char*>(encoded.bytes), sizeof encoded.bytes,
@@ -70,15 +69,16 @@ class Encoder {
     return length == count && std::equal(back, back + length, units);
   }
 
-  /// Whether U+10FFFD, the last private-use character, which nearly all pages lack, has the same bytes: then
-  /// they are the page's substitute, which decodes to U+FFFD and would seem to round-trip.
+  /// Returns whether the bytes of U+FFFD are the page's substitute, which decodes to U+FFFD and so seems to
+  /// round-trip. They are if U+10FFFD, a private-use character that is unmappable in nearly all pages, has
+  /// the same bytes.
   bool isSubstitute(const Encoded& encoded) const {
     const Encoded other = encode(kLastPrivate);
     return other.size == encoded.size && std::memcmp(other.bytes, encoded.bytes, other.size) == 0;
   }
 
-  /// By the table of the other direction. Without one the system converts, and only its "?" shows what is
-  /// unmappable.
+  /// Compares with the table of the other direction. Without a table the system converts, and only the "?"
+  /// that it writes shows that a character is unmappable.
   bool roundTripsByTable(const Encoded& encoded, char32_t character) const {
     if (encoded.size == 0) return false;
     if (table_ == nullptr) return encoded.bytes[0] != '?' || character == '?';
@@ -191,8 +191,8 @@ class PageWriter : public Writer {
     Encoded encoded = encoder_.encode(character);
     const EncodingCache::Entry flag =
         encoded.roundTrips ? EncodingCache::kRoundTrips : EncodingCache::kUnmappable;
-    // ICU drops some unmappable characters altogether, such as invisible ones. U+FFFD has a substitute.
-    if (encoded.size == 0) encoded = encoder_.encode(kReplacement);
+    // For some unmappable characters, such as invisible ones, ICU writes nothing. U+FFFD has a substitute.
+    if (encoded.size == 0) encoded = encoder_.encode(kReplacementCharacter);
     const auto entry = static_cast<EncodingCache::Entry>(flag | encoded.bytes[0]);
     cache_.set(character, entry);
     return entry;
@@ -215,7 +215,7 @@ class SingleByteWriter : public PageWriter {
       i += known;
       to += known;
       output.commit(known);
-      // Not cached, not in the first plane, or unmappable: settle this character, then go on as before.
+      // This character is not cached, not in the first plane, or unmappable, so it is encoded singly.
       if (i == count) break;
       const Character character = characterAt(units + i);
       const EncodingCache::Entry entry = entryOf(character.value);
@@ -253,14 +253,14 @@ class MixedWriter : public PageWriter {
   void writeOrSubstitute(char32_t character, Output& output) override {
     const bool isDropped = encoder().encode(character).size == 0;
     char16_t units[2];
-    convert(units, unitsOf(isDropped ? kReplacement : character, units), false, output);
+    convert(units, unitsOf(isDropped ? kReplacementCharacter : character, units), false, output);
   }
 
   void finish(Output& output) override { convert(nullptr, 0, true, output); }
 
  private:
-  void convert(const char16_t* units, std::size_t count, bool isEnd, Output& output) const {
-    if (encoder().isIcu()) return convertByIcu(units, count, isEnd, output);
+  void convert(const char16_t* units, std::size_t count, bool flush, Output& output) const {
+    if (encoder().isIcu()) return convertByIcu(units, count, flush, output);
     // The system's conversion reports an empty text as a failure, and has no shifts to close.
     if (count == 0) return;
     const std::size_t room = count * kMaxSequence;
@@ -268,7 +268,7 @@ class MixedWriter : public PageWriter {
     output.commit(converter_.convertBytes(output.reserve(room), room, source, count * kUnitSize));
   }
 
-  void convertByIcu(const char16_t* units, std::size_t count, bool isEnd, Output& output) const {
+  void convertByIcu(const char16_t* units, std::size_t count, bool flush, Output& output) const {
     constexpr std::size_t kMinRoom = 256;
     constexpr char16_t kNone[1] = {};
     const char16_t* position = count != 0 ? units : kNone;
@@ -276,7 +276,7 @@ class MixedWriter : public PageWriter {
     IcuPageCodec::EncodedPiece piece;
     do {
       char* const to = output.reserve(kMinRoom);
-      piece = codec_.encodePiece(position, end, to, output.room(), isEnd);
+      piece = codec_.encodePiece(position, end, to, output.room(), flush);
       output.commit(piece.size);
     } while (piece.isFull);
   }

@@ -24,25 +24,23 @@ using vel::codepage::kMaxUnits;
 using vel::codepage::kNextLine;
 using vel::codepage::Output;
 
-constexpr char32_t kReplacement = 0xFFFD;
-
 template <typename T>
 T* allocate(std::size_t count) {
   return static_cast<T*>(VelClMemoryManager::malloc(count * sizeof(T)));
 }
 
-/// Returns the CCSID of this number, with the properties that the table has for it: one that was made from a
-/// misspelt name has none.
+/// Returns the CCSID of the same value with the properties from the table. A CCSID that was constructed from
+/// a misspelt name has a value but no properties.
 VelClCCSID withProperties(const VelClCCSID& ccsid) {
   return VelClCCSID(ccsid.getCCSID());
 }
 
-/// Writes a backslash, a letter, and `number` in `digits` hexadecimal digits.
-void escape(vel::codepage::Writer& writer, Output& output, char letter, unsigned int number, int digits) {
+/// Writes a backslash, a letter, and `value` in `digits` hexadecimal digits.
+void escape(vel::codepage::Writer& writer, Output& output, char letter, unsigned int value, int digits) {
   writer.writeOrSubstitute(U'\\', output);
   writer.writeOrSubstitute(static_cast<unsigned char>(letter), output);
   for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4)
-    writer.writeOrSubstitute(static_cast<unsigned char>(vel::kUpperHexDigits[number >> shift & 0xF]), output);
+    writer.writeOrSubstitute(static_cast<unsigned char>(vel::kUpperHexDigits[value >> shift & 0xF]), output);
 }
 
 void foldNextLines(char16_t* units, std::size_t count) {
@@ -109,8 +107,8 @@ void VelClStrictConversion::restart() {
   firstFault_ = {};
   if (!isSupported()) return;
   reader_->restart();
-  // A text that was not finished may have left the writer in double-byte mode: the shift-in that closes it is
-  // dropped.
+  // A text that was not finished may have left the writer in double-byte mode. finish() resets the mode; the
+  // shift-in that it writes is discarded.
   struct : VelClConversionSink {
     void write(const char*, size_t) override {}
   } nowhere;
@@ -145,8 +143,8 @@ bool VelClStrictConversion::run(const char* source, size_t size, bool isLast, Ve
   return !hasStopped_;
 }
 
-// Completes the character that was kept from the piece before, by bytes of this one, and converts it.
-// Advances `source` and `size` past the bytes that it used. Returns false if nothing is left to convert.
+// Completes the character in kept_, which the previous piece began, with bytes of this piece, and converts
+// it. Advances `source` and `size` past the bytes used. Returns false if nothing is left to convert.
 bool VelClStrictConversion::convertKept(const char*& source, size_t& size, bool isLast, Output& output) {
   const size_t added = std::min(size, sizeof kept_ - keptSize_);
   if (added != 0) std::memcpy(kept_ + keptSize_, source, added);
@@ -224,7 +222,7 @@ size_t VelClStrictConversion::handleUnmappable(const char* source, size_t size, 
 void VelClStrictConversion::handleIllFormed(VelEnFault kind, const char* bytes, size_t size, Output& output) {
   if (!count(kind, offset_, 0, bytes, size) || size == 0) return;
   column_ += 1;
-  if (policy_ == VelEnPolicy::REPLACE) writer_->writeOrSubstitute(kReplacement, output);
+  if (policy_ == VelEnPolicy::REPLACE) writer_->writeOrSubstitute(vel::kReplacementCharacter, output);
   if (policy_ != VelEnPolicy::ESCAPE) return;
   for (size_t i = 0; i < size; ++i) escape(*writer_, output, 'x', static_cast<unsigned char>(bytes[i]), 2);
 }

@@ -38,8 +38,8 @@ class Reader {
   virtual void restart() {}
 };
 
-/// Returns the reader of a code page, or of a form of Unicode; the caller destroys it. Null when the source
-/// cannot be converted.
+/// Returns a new reader of a code page or a form of Unicode, or null if the source cannot be converted. The
+/// caller destroys the reader.
 Reader* makeReader(const VelClCCSID& source);
 
 }  // namespace vel::codepage

@@ -53,8 +53,8 @@ class Writer {
   virtual void finish(Output&) {}
 };
 
-/// Returns the writer of a code page, or of a form of Unicode; the caller destroys it. Null when the target
-/// cannot be converted to.
+/// Returns a new writer of a code page or a form of Unicode, or null if the target cannot be converted to.
+/// The caller destroys the writer.
 Writer* makeWriter(const VelClCCSID& target);
 
 /// A character and the number of its units, 1 or 2.

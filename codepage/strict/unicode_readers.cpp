@@ -113,8 +113,8 @@ std::size_t wellFormedPrefix(const unsigned char* text, std::size_t size) {
     if (WellFormedness::isIllFormed(next)) break;
     state = next;
   }
-  // The block before may end within a character: go back to its lead byte. There is one, since the state says
-  // that a character has begun.
+  // If the last block checked ends within a character, go back to the lead byte, which exists because the
+  // state says that a character has begun.
   if (!WellFormedness::isWhole(state)) {
     do --i;
     while (text[i] < 0xC0);
@@ -199,7 +199,7 @@ class Utf16Reader : public Reader {
       result.fault = Fault::INVALID_SEQUENCE;
       result.faultSize = kUnitSize;
     } else if (isLast && left > 0 && left < 2 * kUnitSize && count < capacity) {
-      // Left are a high surrogate, half a unit, or both.
+      // The rest is a high surrogate, the first byte of a unit, or both.
       result.fault = Fault::INCOMPLETE;
       result.faultSize = left;
     }

@@ -20,7 +20,7 @@ static_assert(std::ranges::is_sorted(kDoubleByteTables, {}, &DoubleByteTable::cc
 
 const VelStDoubleByteTable* velGetDBCStoUCS2Table(unsigned int ccsid, bool& isEbcdic) {
   const DoubleByteTable* const table = vel::codepage::findByCcsid(kDoubleByteTables, ccsid);
-  // The documented result leaves `isEbcdic` unchanged when there is no table.
+  // Without a table `isEbcdic` stays unchanged, so callers can set a default.
   if (table != nullptr) isEbcdic = table->isEbcdic != 0;
   return table;
 }

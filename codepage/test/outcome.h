@@ -25,7 +25,7 @@ inline std::string hex(std::string_view bytes) {
   return text;
 }
 
-/// For failing tests.
+/// Lets GoogleTest print outcomes that differ.
 inline void PrintTo(const Outcome& outcome, std::ostream* stream) {
   *stream << hex(outcome.bytes) << " of " << outcome.consumed << " bytes, error " << outcome.errorId << "/"
           << static_cast<int>(outcome.errorClass);
@@ -78,7 +78,7 @@ inline VelClCCSID ccsid(int number) {
   return VelClCCSID(number);
 }
 
-/// Whether ICU is installed: 943 has no other way.
+/// Returns whether ICU is installed: 943 has no other route.
 inline bool hasIcu() {
   return VelClCodePage2UnicodeConverter(ccsid(943)).isSupported();
 }
