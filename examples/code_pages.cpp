@@ -7,7 +7,7 @@
 
 namespace {
 
-std::string converted(VelClCCSID source, VelClCCSID target, const std::string& text) {
+std::string converted(const VelClCCSID& source, const VelClCCSID& target, const std::string& text) {
   const VelClCodePage2CodePageConverter converter(source, target);
   std::string out(converter.getMaximumSizeForSize(text.size()), '\0');
   out.resize(converter.convertBytes(out.data(), out.size(), text.data(), text.size()));

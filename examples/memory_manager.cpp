@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr size_t kMaxSize = 1024 * 1024;
+constexpr size_t kMaxSize = size_t{1024} * 1024;
 unsigned int taken = 0;
 unsigned int given = 0;
 
