@@ -1,6 +1,6 @@
 // The vocabulary for failures that all components share: error identifiers with a class, a severity and a
-// recommended action; the records and exceptions that carry them; assertions; and the names of the platform's
-// own error codes.
+// recommended action; the records and exceptions that carry them; assertions; and the names of Windows error
+// codes.
 #ifndef VEL_ERROR_H_
 #define VEL_ERROR_H_
 

@@ -45,8 +45,9 @@ VEL_C_API bool velMsgCatIsValid(VelMsgCatHandle handle, unsigned long id);
 /// Returns the message, or a text that says why it cannot be loaded. The handle owns the text, which is valid
 /// until the next call of velMsgCatGet or velMsgCatGetVar.
 VEL_C_API const char* velMsgCatGet(VelMsgCatHandle handle, unsigned long id);
-/// Same with variables: up to ten texts, followed by a null pointer if there are fewer. The first one is not
-/// tested for null, so a call without variables passes two nulls, as pointers.
+/// Same with variables: up to ten texts, followed by a null pointer if there are fewer. Pass at
+/// least one: the first one may be null without ending the list, so a call without variables passes two null
+/// pointers.
 VEL_C_API const char* velMsgCatGetVar(VelMsgCatHandle handle, unsigned long id, ...);
 /// Returns the language number that the catalog selected, or 0 without a library.
 VEL_C_API unsigned int velMsgCatGetLanguage(VelMsgCatHandle handle);
@@ -62,10 +63,10 @@ namespace vel::messages {
 class CatalogLibrary;
 }
 
-/// A catalog of messages, numbered from 1. Its texts come from a message-table resource library (a Windows
-/// DLL, read from its file on every system) in the user's language. If no library is loaded, they come from a
-/// string table that the program attaches. A loaded library takes precedence over the table, even for ids
-/// that only the table contains.
+/// A catalog of messages, numbered from 1 (in string tables, from 2). Its texts come from a message-table
+/// resource library (a Windows DLL, read from its file on every system) in the user's language. If no library
+/// is loaded, they come from a string table that the program attaches. A loaded library takes precedence over
+/// the table, even for ids that only the table contains.
 ///
 /// The language is that of the user if the library has message 1 in it, else that of the system, else 1033
 /// (US English). Texts of Unicode libraries are returned in the ANSI code page of the process (UTF-8
@@ -102,8 +103,8 @@ class VEL_API VelClMessageCatalog : public VelClFile {
   /// Attaches a table of `size` entries, which must outlive the catalog and holds the messages with ids below
   /// `size`. Entry 0 is the signature line of the table and entry 1 its name.
   void useStringTable(const char* const* table, unsigned long size);
-  /// True for every id except 0. No catalog is consulted; entry 0 of a string table can be loaded
-  /// nevertheless.
+  /// True unless the low 32 bits of the id are 0. No catalog is consulted; entry 0 of a string table can be
+  /// loaded nevertheless.
   static bool isValidMessageId(unsigned long id) { return static_cast<uint32_t>(id) != 0; }
   /// Returns the Windows language number selected at opening, or 0 without a library.
   unsigned int getLanguage() const { return language_; }
@@ -123,8 +124,9 @@ class VEL_API VelClMessageCatalog : public VelClFile {
 };
 
 /// Iterates over all messages of a catalog's library or, without a library, of its string table, ordered by
-/// id and then by language. The catalog must outlive the cursor and keep its table. Where a library repeats
-/// the same few bytes as messages of ever more languages, at most about four times its size is listed.
+/// id and then by language. The catalog must outlive the cursor and keep its table. As a
+/// protection against crafted libraries whose entries share the same data, listing stops at about four times
+/// the size of the library.
 class VEL_API VelClMessageCatalogCursor : public VelClUniDirCursorABase {
  public:
   /// Lists the current content of the catalog. The cursor is invalid until setToFirst.
@@ -269,8 +271,8 @@ class VEL_API VelClLanguage {
   static char getCombiningChar() { return '-'; }
   static const char* getCombiningCharAsCString() { return cv_cpszCombiningCharString; }
 
-  /// Combines the number of the language in the high 16 bits and that of the territory in the low ones. Write
-  /// 0 as `0U`.
+  /// Takes a combined number: the language in the high 16 bits, the territory in the low ones. Write zero as
+  /// `0U`; a plain 0 is ambiguous.
   explicit VelClLanguage(unsigned int number);
   /// Parses a tag of two-letter codes in any case, such as "en-US", "en_us" or "en"; "x-all" and
   /// "x-unspecified" leave both unspecified. A code that is not in its table is unknown; so are three-letter
@@ -302,7 +304,7 @@ class VEL_API VelClLanguage {
   static unsigned int getNumberOfLanguagesSupported();
   static unsigned int getNumberOfTerritoriesSupported();
 
-  /// Write "en-us", or "en-usa", into a buffer of 7 or 8 characters.
+  /// Write "en-us", or "en-usa", into a buffer of 7 or 8 bytes, which includes the NUL.
   void extractShortCode(char* out) const;
   void extractLongCode(char* out) const;
   /// Same, but write the language code alone if the territory is unspecified or unknown.

@@ -82,7 +82,8 @@ class IcuMemory : public testing::Test {
     velDeleteICUConverter(velGetICUConverter(kUtf8, error));
   }
 
-  /// Converts each pair with each of ICU's allocations failing, until there are no more of them.
+  /// Converts each pair with each of ICU's allocations failing, at least until every one of them has failed
+  /// once.
   void exhaust(Outcome (*convertPair)(const Pair&));
 
  private:

@@ -20,10 +20,10 @@ class IcuPageCodec {
 
   struct DecodedPiece {
     std::size_t units;
-    bool isValid;  ///< false after an error of ICU's; substituted characters are not errors
+    bool isValid;  ///< false after an error of ICU, also if `units` is full; a substitution is no error
   };
-  /// Decodes the next bytes of a text. ICU keeps an incomplete character, and units for which `units` has no
-  /// room, for the next piece, unless `flush`.
+  /// Decodes the next bytes of a text. ICU keeps units that do not fit for the next call. It keeps an
+  /// incomplete character, too, unless `flush`, which makes it an error.
   DecodedPiece decodePiece(const char* bytes, std::size_t size, char16_t* units, std::size_t capacity,
                            bool flush) const;
 

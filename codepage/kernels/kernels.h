@@ -1,8 +1,9 @@
 // Kernels: the inner loops of conversions, which wide vectors make faster. There are two sets with the same
-// results, one of portable C++ and one for AVX-512; the processor decides once which one is used.
+// results, one of portable C++ and one for AVX-512. kernels() chooses once per process: AVX-512 where the
+// processor has it, unless the variable VEL_KERNELS is "portable".
 //
-// Kernels of a prefix report no errors. They convert what is easy and fast, with the results that the
-// caller's own code defines, and the caller converts the rest character by character.
+// The kernels that convert only a prefix report no errors. They convert what is easy and fast, with the
+// results that the caller's own code defines, and the caller converts the rest character by character.
 #pragma once
 
 #include <cstddef>
@@ -28,22 +29,25 @@ inline Cursor cursorOf(const VelClConverterABase::_VelStConverter& call) noexcep
 }
 
 struct Kernels {
-  /// Convert `count` bytes to units, units to their low bytes, and units to the other byte order.
+  /// Zero-extends `count` bytes to units.
   void (*widen)(char* target, const char* source, std::size_t count) noexcept;
+  /// Truncates `count` units to their low bytes.
   void (*narrow)(char* target, const char* source, std::size_t count) noexcept;
+  /// Swaps the bytes of `count` units.
   void (*swap)(char* target, const char* source, std::size_t count) noexcept;
   /// Writes the unit that `table` has, in host order, for each of `size` bytes.
   void (*lookUpBytes)(char* target, const char* source, std::size_t size,
                       const std::uint16_t* table) noexcept;
-  /// Convert a prefix, UTF-8 to UCS-2 and back. Start and stop on character boundaries: when less than one
-  /// block of source or target is left, or before a character that is left to the caller, such as an
-  /// ill-formed one. Target bytes past the last unit written may be clobbered, up to `targetEnd`.
+  /// Convert a prefix that ends on a character boundary, UTF-8 to UCS-2 and back. They may stop when less
+  /// than one block of source or target is left, and always stop before a character that is left to the
+  /// caller, such as an ill-formed one. Target bytes past the last unit written may be clobbered, up to
+  /// `targetEnd`.
   void (*decodeUtf8)(Cursor& cursor) noexcept;
   void (*encodeUtf8)(Cursor& cursor) noexcept;
   /// Converts a prefix of mixed single and double bytes to UCS-2. Stops like decodeUtf8, never within a pair.
   void (*decodeMixed)(Cursor& cursor, const VelStDoubleByteTable& table) noexcept;
-  /// Converts a prefix of text with shifts, folding next lines. `isDouble` is the mode at its start and is
-  /// set to the one at its end.
+  /// Converts a prefix of text with shifts, converting NEL (U+0085) to LF. `isDouble` is the mode at its
+  /// start and is set to the one at its end.
   void (*decodeShifted)(Cursor& cursor, const VelStDoubleByteTable& table, bool& isDouble) noexcept;
 };
 

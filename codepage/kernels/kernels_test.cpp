@@ -1,5 +1,5 @@
-// Every set of kernels that this processor can run, compared with slow references, between inaccessible
-// pages. Arbitrary bytes are tested by fuzz/codepage_fuzz.cpp.
+// Compares every set of kernels that this processor can run with slow reference implementations, on buffers
+// that lie against inaccessible pages. Random texts are left to fuzz/codepage_fuzz.cpp.
 #include "codepage/kernels/kernels.h"
 
 #include <gtest/gtest.h>
@@ -65,7 +65,7 @@ TEST(Kernels, ConvertAllButTheEnds) {
 constexpr std::size_t kMaxGuarded = 200;
 
 /// Returns UTF-8 of one byte, of three, and of all lengths with an ill-formed byte between, pairs with lead
-/// bytes or shifts, and arbitrary bytes.
+/// bytes or shifts, and one text of many different bytes.
 std::vector<std::string> guardedTexts() {
   std::vector<std::string> texts;
   for (const std::string_view piece :
@@ -77,7 +77,7 @@ std::vector<std::string> guardedTexts() {
   return texts;
 }
 
-/// The bytes of a source unit, and the most bytes that a kernel writes for it.
+/// Bytes per source unit, and the bytes of target that the test provides for each.
 struct Units {
   std::size_t source, target;
 };
@@ -89,7 +89,7 @@ void runGuarded(const char* what, Units units, Loop loop, Reference reference) {
   const vel::test::GuardedMemory sourceMemory(kMaxGuarded), targetMemory(2 * kMaxGuarded);
   for (const std::string& text : guardedTexts())
     for (std::size_t size = 0; size <= kMaxGuarded; size += units.source)
-      // The room is sufficient, or one byte or a block smaller.
+      // The room is sufficient, or short by one byte, or by a block of 64 and one byte.
       for (const std::size_t less : {0U, 1U, 65U})
         for (const auto& [sourceAtEnd, targetAtEnd] : {std::pair{true, true}, {true, false}, {false, true}}) {
           const std::size_t most = size / units.source * units.target, room = most - std::min(most, less);

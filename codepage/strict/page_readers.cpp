@@ -1,9 +1,10 @@
 // Strict readers of code pages: one for pages of single bytes, and one for all others, with lead bytes or
 // shifts.
 //
-// The single-byte reader knows all 256 results from the start and leaves the conversion to the converter's
-// kernel. The mixed reader decodes character by character. Decoding is slow with ICU, so results
-// are cached: those of single bytes in an array, those of longer sequences in a direct-mapped cache.
+// The single-byte reader decodes all 256 bytes when it is created. It then converts by the table kernel or,
+// without a table, by looking up these results. The mixed reader decodes character by character. Decoding is
+// slow with ICU, so results are cached: those of single bytes in an array, those of longer sequences in a
+// direct-mapped cache.
 #include "codepage/strict/page_readers.h"
 
 #include <algorithm>
@@ -145,8 +146,8 @@ class MixedReader : public Reader {
     std::size_t size;
   };
 
-  /// Decodes up to the end, a fault, or the first character for which `units` has no room, and then returns
-  /// false. Counts the units without writing them if `units` is null.
+  /// Decodes up to the end, a fault or a truncated character, and returns true; returns false at the first
+  /// character for which `units` has no room. Counts the units without writing them if `units` is null.
   bool walk(bool& isDouble, const Text& text, ReadResult& result, char16_t* units,
             std::size_t capacity) const {
     endsTruncated_ = false;

@@ -1,9 +1,11 @@
 // Strict writers of code pages. A character is written only if its bytes round-trip: decoded again, they are
-// the same character. Best fits, substitutes and truncation do not, and make a character unmappable.
+// the same character. A character that would become a best fit, a substitute or a truncated unit does not,
+// and counts as unmappable.
 //
-// Each character is tried once, by Encoder; EncodingCache keeps the result. The single-byte writer then looks
-// up bytes in the cache. The mixed writer uses the cache only to find how far the text round-trips, and
-// passes that to ICU as a whole, because the bytes of a character depend on the shift state.
+// Encoder finds out once whether a character round-trips, and EncodingCache keeps the result. The single-byte
+// writer then looks up bytes in the cache. The mixed writer uses the cache only to find how far the text
+// round-trips, and passes that prefix as a whole to ICU or the system, because the bytes of a character
+// depend on the shift state.
 #include "codepage/strict/page_writers.h"
 
 #include <algorithm>

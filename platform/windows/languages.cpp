@@ -1,4 +1,4 @@
-// The user's language from the system's settings, and conversion to the process's code page.
+// The languages of the user and of the system, and conversion to the process's ANSI code page.
 #include <cstring>
 
 #define WIN32_LEAN_AND_MEAN

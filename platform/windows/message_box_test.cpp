@@ -1,10 +1,10 @@
-// Tests the window of a failed assertion on a desktop of its own, which no display shows: its title, its
-// text, and the button that ends the wait.
+// Tests the message box of a failed assertion: its title, its text, and the button that ends the wait. Runs
+// under Wine only, on a Wine desktop without a display driver.
 //
 // The public headers are included before windows.h here, and after it in system_test.cpp.
 #include "vel_include/vel.h"
 
-// windows.h comes last.
+// After the public headers, see above; the blank lines keep this include from being sorted.
 #include <windows.h>
 
 #include <gmock/gmock.h>
