@@ -10,8 +10,7 @@
 namespace vel::tools {
 
 /// Passes characters to another buffer, with "?" for each one that could begin or end a control sequence of a
-/// terminal: the control characters of ASCII and, in UTF-8, U+0080 to U+009F. Line breaks, tabs and the bell
-/// pass.
+/// terminal: C0 controls, DEL and, in UTF-8, C1 controls. LF, CR, tabs and the bell pass.
 class SafeBuffer : public std::streambuf {
  public:
   explicit SafeBuffer(std::streambuf* target) : target_(target) {}

@@ -80,7 +80,7 @@ inline std::size_t buildRecord(const VelClTraceEnvironment& environment, const E
   const std::size_t originLength = storeText(event.origin, compressed, texts + messageLength);
   const auto type = static_cast<std::uint32_t>(event.type) & kTypeAndCompressedMask;
   const auto detail = static_cast<std::uint32_t>(event.detail) & 3;
-  // One store per field: copying the head right after narrow stores would stall store forwarding.
+  // One 4-byte store per word of the head: a wide load right after narrower stores could not be forwarded.
   storeNumber(out, type | (compressed ? kCompressedFlag : 0U) | detail << kDetailShift |
                        (event.componentId & 0xFFU) << 8 | static_cast<std::uint32_t>(messageLength) << 16 |
                        static_cast<std::uint32_t>(originLength) << 24);

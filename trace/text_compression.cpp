@@ -38,8 +38,8 @@ constexpr std::size_t kLastStartBit = (kMaxCompressedSize - 1) * 8;
 /// starts at kLastStartBit or before.
 constexpr std::ptrdiff_t kLastBlockStart = kMaxCompressedSize - 1 - kBlockBytes - 1;
 
-/// Converts between a number and its bytes in memory, high byte first.
-constexpr std::uint64_t highBitsFirst(std::uint64_t bits) {
+/// Converts between host and big-endian byte order.
+constexpr std::uint64_t bigEndian(std::uint64_t bits) {
   return std::endian::native == std::endian::little ? __builtin_bswap64(bits) : bits;
 }
 
@@ -113,7 +113,7 @@ class BitWriter {
  private:
   std::size_t bytes() const { return static_cast<std::size_t>(out_ - start_); }
   static void store(std::uint64_t bits, unsigned char* out) {
-    const std::uint64_t ordered = highBitsFirst(bits);
+    const std::uint64_t ordered = bigEndian(bits);
     std::memcpy(out, &ordered, sizeof ordered);
   }
 
@@ -156,7 +156,7 @@ class BitReader {
   /// Decodes the next kGroup characters. Returns false, and neither writes
   /// nor moves on, if one of them is escaped.
   bool readGroup(char* out) {
-    const std::uint64_t bits = highBitsFirst(nextWord()) << position_ % 8;
+    const std::uint64_t bits = bigEndian(nextWord()) << position_ % 8;
     const CharacterPair first = kPairs[bits >> 52];
     const CharacterPair second = kPairs[bits >> 40 & 0xFFF];
     const CharacterPair third = kPairs[bits >> 28 & 0xFFF];

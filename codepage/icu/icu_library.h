@@ -26,7 +26,7 @@ struct IcuFunctions {
   void (*fromUnicode)(IcuConverter* converter, char** target, const char* targetLimit,
                       const char16_t** source, const char16_t* sourceLimit, std::int32_t* offsets,
                       IcuBool flush, IcuStatus* status);
-  /// Returns the most bytes for one unit, where a text of n units is counted as n + 10 of them.
+  /// Returns the most bytes for one unit. A text of n units needs at most (n + 10) times as many.
   std::int8_t (*getMaxCharSize)(const IcuConverter* converter);
 };
 

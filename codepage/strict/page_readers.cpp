@@ -120,7 +120,7 @@ class MixedReader : public Reader {
       result.faultSize = size - result.consumed;
       isDouble_ = false;
     } else if (isLast && result.consumed == size && isDouble_) {
-      // A text that ends in double-byte mode has a fault of no bytes.
+      // A text that ends in double-byte mode is reported as a fault of size 0.
       result.fault = Fault::INCOMPLETE;
       isDouble_ = false;
     }

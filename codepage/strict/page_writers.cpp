@@ -98,6 +98,7 @@ bool Encoder::isSingleByte() const {
     const char in = static_cast<char>(byte);
     char16_t out[8];
     const std::size_t count = codec_.decodePiece(&in, 1, out, std::size(out), false).units;
+    // Resets the converter, which may hold an incomplete character.
     codec_.decode(&in, 0, out, std::size(out));
     if (count == 0) return false;
   }

@@ -7,7 +7,7 @@
 
 namespace vel::test {
 
-/// Converts from a code page to UTF-16LE; returns nothing for unmappable bytes.
+/// Converts from a code page to UTF-16LE; returns std::nullopt for ill-formed or unmapped bytes.
 using Iconv = std::function<std::optional<std::string>(std::string bytes)>;
 
 /// Returns null if the system does not know the code page.

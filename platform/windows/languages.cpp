@@ -11,8 +11,8 @@ namespace vel::platform {
 
 namespace {
 
-/// Encodes one character of one or two units; "?" if it is unmappable. The system's default character is not
-/// "?" in every code page, so its use is detected instead.
+/// Encodes one character of one or two units; "?" if it is unmappable. The default character of a code page
+/// need not be "?", so the system tells whether it was used.
 std::size_t encode(const char16_t* character, std::size_t units, char (&out)[8]) noexcept {
   wchar_t text[2];
   std::memcpy(text, character, units * sizeof(wchar_t));
