@@ -38,6 +38,8 @@ VelClResourceKeyABase::VelClResourceKeyABase(const VelClResourceKeyABase& other)
   *this = other;
 }
 
+// memmove allows an object to be assigned to itself.
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 VelClResourceKeyABase& VelClResourceKeyABase::operator=(const VelClResourceKeyABase& other) {
   length_ = other.length_;
   std::memmove(name_, other.name_, sizeof name_);

@@ -47,7 +47,7 @@ class TraceFileInput final : public std::streambuf {
   }
 
  private:
-  static constexpr std::size_t kCapacity = 64 * 1024;
+  static constexpr std::size_t kCapacity = std::size_t{64} * 1024;
   /// Reads more bytes than are buffered.
   std::size_t readAcrossRefills(void* out, std::size_t count) {
     return static_cast<std::size_t>(

@@ -27,7 +27,7 @@ class TextBuffer {
   TextBuffer(const TextBuffer&) = delete;
   TextBuffer& operator=(const TextBuffer&) = delete;
 
-  static constexpr std::size_t kCapacity = 16 * 1024;
+  static constexpr std::size_t kCapacity = std::size_t{16} * 1024;
 
   /// Returns room for `size` characters, at most kCapacity. Write there, then commit() the end of what was
   /// written; the rest of the room is given up.
