@@ -31,10 +31,10 @@ constexpr bool equalsIgnoringAsciiCase(const char* a, const char* b) noexcept {
 }
 
 /// Parses the decimal number at the start of `text`, after optional white space and one sign. Saturates at
-/// the limits of 32 bits, whatever the width of long is. Returns 0 when there is no number.
+/// the limits of 32 bits, whatever the width of long is. Returns 0 if no digit follows.
 std::int32_t parseInt32(const char* text) noexcept;
 /// Parses an unsigned number in the same way; a negative number gives 0. `end`, unless null, is set to the
-/// character after the number, or to `text` when there is no number.
+/// character after the number, or to `text` if it does not begin with one.
 std::uint32_t parseUint32(const char* text, const char** end) noexcept;
 
 }  // namespace vel

@@ -39,8 +39,8 @@ struct LibraryLoader {
 
 /// Looks for ICU under the names that its libraries have on any system: first in the version `ownVersion`,
 /// unless that is 0, then under names without a version, then in the other versions, newest first. Binds the
-/// first library that has all seven functions, which stays loaded, and returns true; returns false if there
-/// is none.
+/// first library that has all seven functions, which stays loaded, and returns true; returns false if no
+/// library has them.
 bool bindIcu(const LibraryLoader& loader, int ownVersion, IcuFunctions& functions) noexcept;
 
 /// Returns the functions of the installed ICU, or null if none is installed. The first call searches for it;

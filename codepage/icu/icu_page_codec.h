@@ -20,7 +20,7 @@ class IcuPageCodec {
 
   struct DecodedPiece {
     std::size_t units;
-    bool isValid;  ///< false after an error of ICU, also if `units` is full; a substitution is no error
+    bool isValid;  ///< false after an error of ICU, also if `units` is full; substituting is not an error
   };
   /// Decodes the next bytes of a text. ICU keeps units that do not fit for the next call. It keeps an
   /// incomplete character, too, unless `flush`, which makes it an error.

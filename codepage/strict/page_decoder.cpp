@@ -70,8 +70,8 @@ class DoubleByteDecoder : public PageDecoder {
  private:
   char16_t singleUnit(unsigned char byte) const { return toHostOrder(table_.pages[1][byte]); }
 
-  /// Returns the byte of the control character U+001A; 0 if there is none. In some tables unmapped single
-  /// bytes have this unit, too, so the byte must be one where pages of this family have the character.
+  /// Returns the byte of the control character U+001A, or 0 if the page lacks it. In some tables unmapped
+  /// single bytes have this unit, too, so the byte must be one where pages of this family have the character.
   unsigned char findSubstitute() const {
     constexpr unsigned char kPlaces[] = {0x1A, 0x7F, 0x3F};
     const auto* const place = std::ranges::find_if(kPlaces, [this](unsigned char byte) {
