@@ -1,6 +1,7 @@
 """Changes production code at random and lists the changes that no test detects.
 
   mutate.py [room...] [count]   tries this number of changes that have an effect (default 40) in each room
+  mutate.py --again [room...]   tries those that survived before, after tests or other files have changed
 
 Works in a copy in build/mutate and does not change the checkout. The same --seed makes the same changes. Results are
 kept as long as no file changes, so an interrupted run can be resumed. A change does not count if it does not compile,
@@ -34,12 +35,13 @@ class Results:
     """A file with one line per change tried, after the digest of the tree in which it was tried."""
 
     def __init__(self, file, digest):
-        self.file, self.digest, self.known = file, digest, {}
-        if file.exists():
-            for line in file.read_text().splitlines():
-                entry = json.loads(line)
-                if entry["tree"] == digest:
-                    self.known[entry["key"]] = entry
+        self.file, self.digest, self.known, self.survived = file, digest, {}, {}
+        for line in file.read_text().splitlines() if file.exists() else []:
+            entry = json.loads(line)
+            if entry["tree"] == digest:
+                self.known[entry["key"]] = entry
+            if entry["outcome"] == "survived":
+                self.survived[tuple(entry[name] for name in ("room", "file", "kind", "old", "new"))] = entry
 
     def add(self, key, **values):
         self.known[key] = {"tree": self.digest, "key": key, **values}
@@ -150,6 +152,30 @@ def run_room(trial, results, room, options):
     return tried
 
 
+def run_again(trial, results, rooms):
+    """Tries the changes of these rooms that survived in any tree, where the code still has them."""
+    tried = []
+    for room, name, kind, old, new in sorted(results.survived):
+        path = trial.tree.folder / name
+        if stop.is_set():
+            break
+        if room not in rooms or not path.exists():
+            continue
+        source = path.read_text()
+        same = [change for change in changes.find_changes(source)
+                if change.kind == kind and changes.line_of(source, change)[1:] == (old, new)]
+        if not same:
+            print(f"gone: {name}: {old}", flush=True)
+        for change in same:
+            entry = try_one(trial, results, room, name, change)
+            if entry is None:
+                break
+            print(f"{name}:{entry['line']} {kind}: {entry['outcome']}{' by ' + entry['by'] if entry['by'] else ''}",
+                  flush=True)
+            tried.append((name, change, entry))
+    return tried
+
+
 def sanitize(tree, results, tried):
     """Runs the tests with sanitizers on the surviving changes."""
     survivors = [row for row in tried if row[2]["outcome"] == "survived" and not row[2].get("sanitized")]
@@ -186,6 +212,7 @@ def parse_arguments():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--sanitize", action="store_true")
+    parser.add_argument("--again", action="store_true")
     parser.add_argument("words", nargs="*", help="rooms, and the count")
     options = parser.parse_args()
     numbers = [word for word in options.words if re.fullmatch(r"\d+", word)]
@@ -211,9 +238,10 @@ def main():
     tree = overlay.Tree(CHECKOUT, place / "tree")
     results = Results(place / "results.jsonl", tree.digest)
     trial = Trial(tree, "linux")
-    tried = []
-    for room in options.rooms:
-        tried += run_room(trial, results, room, options)
+    if options.again:
+        tried = run_again(trial, results, options.rooms)
+    else:
+        tried = [entry for room in options.rooms for entry in run_room(trial, results, room, options)]
     if options.sanitize:
         sanitize(tree, results, tried)
     report(tried)
