@@ -130,7 +130,7 @@ TEST(CatalogFunctions, CollectVariablesUpToANull) {
   EXPECT_EQ(velMsgCatGetVar(handle, 5, kNull, kNull), missing(10));
   EXPECT_EQ(velMsgCatGetVar(handle, 5, "a", kNull), "a" + missing(9));
   EXPECT_EQ(velMsgCatGetVar(handle, 5, "a", "b", kNull, "c", kNull), "ab" + missing(8));
-  // Intentional: the first variable is used even if it is null.
+  // Intentional: the first insert is used even if it is null.
   EXPECT_EQ(velMsgCatGetVar(handle, 5, kNull, "b", kNull), "???b" + missing(8));
   EXPECT_STREQ(velMsgCatGetVar(handle, 5, "a", "b", "c", "d", "e", "f", "g", "h", "i", "j"), "abcdefghij");
   EXPECT_STREQ(velMsgCatGetVar(handle, 5, "a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l"),

@@ -132,10 +132,11 @@ class TraceOfForks : public vel::test::TraceTest {
     waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
   }
-  /// Returns what entries() returns for entries of these functions.
+  /// Returns the result of entries() for one entry of each function.
   static std::string entriesOf(const std::vector<std::string>& functions) {
     std::string all;
-    for (const std::string& function : functions) all += function + " D1 T3\n";
+    for (const std::string& function : functions)
+      all += line(function, VelEnTraceDetail::LOW, VelEnTraceDataType::DATA_NONE);
     return all;
   }
 };
