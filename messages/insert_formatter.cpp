@@ -2,8 +2,8 @@
 // a class for each: it consumes the text from left to right with a TextReader and writes with a TextWriter,
 // which never leaves the caller's buffer. Runs of characters without an escape are copied eight at a time.
 //
-// Texts are untrusted: catalogs come from files. An insert is copied but never expanded itself, so the output
-// cannot grow out of hand, and the text is consumed once, so the time is linear.
+// Texts are untrusted: catalogs are read from files. An insert is copied but never expanded itself, so the
+// output cannot grow out of hand, and the text is consumed once, so the time is linear.
 
 #include "messages/insert_formatter.h"
 
@@ -27,8 +27,8 @@ struct InsertStyle {
   std::size_t precision = kUnlimited;
 };
 
-/// Consumes one flag of printf's. Returns false if there is none. Flags for
-/// numbers are accepted, but have no effect.
+/// Consumes one of printf's flags. Returns false if no flag follows. Flags for numbers are accepted and
+/// ignored.
 bool parseFlag(TextReader& text, InsertStyle& style) noexcept {
   if (text.consumeIf('-')) return style.leftAligned = true;
   if (text.consumeIf('0')) return style.zeroFilled = true;

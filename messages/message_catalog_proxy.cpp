@@ -19,7 +19,8 @@ VelMsgCatHandle handleOf(CatalogProxy* proxy) {
   return reinterpret_cast<VelMsgCatHandle>(proxy);
 }
 
-/// Returns the proxy as a handle. If its catalog has no library, destroys it and returns null.
+/// Returns the proxy as a handle. If the library of its catalog is not loaded, destroys the proxy and returns
+/// null.
 VelMsgCatHandle handleIfValid(CatalogProxy* proxy) {
   if (proxy->isValid()) return handleOf(proxy);
   vel::destroy(proxy);

@@ -16,7 +16,7 @@ constexpr const char* kTable[] = {"[VEL_MSGTAB_SIGNATURE] 7", "[TABLE]", "<%1>",
                                   "%1%2%3%4%5%6%7%8%9%10",    nullptr};
 constexpr const char* kOtherTable[] = {"", "[OTHER]", "{%1}", "other"};
 
-/// Returns the replacement of `count` variables that are not given.
+/// Returns the replacement of `count` inserts that are not given.
 std::string missing(unsigned int count) {
   return count == 0 ? "" : "???" + missing(count - 1);
 }

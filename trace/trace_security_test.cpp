@@ -97,7 +97,7 @@ TEST_F(DefaultTraceFile, IsNotWrittenThroughPlantedLinks) {
   const auto size = fs::file_size(file_);
   EXPECT_EQ(trace(), "");
   EXPECT_EQ(fs::file_size(file_), 2 * size) << "the second entry must be appended";
-  // What else is refused is tested by platform/posix/append_test.cpp.
+  // platform/posix/append_test.cpp tests the other cases that are refused.
   fs::remove(file_);
   fs::create_symlink("victim", file_);
   EXPECT_EQ(trace(), std::to_string(ELOOP));

@@ -1,5 +1,5 @@
 // VelClStrictConversion: passes a text, in pieces of any size, through a reader and a writer, and handles the
-// faults that stop them as the policy says.
+// faults that stop them according to the policy.
 //
 //   source -> [kept_] -> reader -> units_ -> writer -> output buffer -> sink
 //
