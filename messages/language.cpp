@@ -157,7 +157,7 @@ void VelClLanguage::extractISOLongCode(char* out) const {
   namesTerritory() ? extractLongCode(out) : static_cast<void>(append(out, getLanguageCode()));
 }
 
-// ISO tags leave out the territory if it is row 0, "unspecified", or not in the table.
+// ISO tags leave out the territory if it is row 0 or not in the table.
 bool VelClLanguage::namesTerritory() const {
   return territory_ != TERRITORY_UNSPECIFIED && territory_ < TERRITORY_UNKNOWN;
 }
