@@ -13,7 +13,7 @@ namespace {
 struct Decimal {
   bool isNegative;
   std::uint64_t magnitude;  ///< capped just above 32 bits, so that no further digit overflows it
-  const char* end;          ///< null when there are no digits
+  const char* end;          ///< null if the text does not begin with digits
 };
 
 Decimal parseDecimal(const char* text) noexcept {

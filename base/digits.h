@@ -29,7 +29,7 @@ constexpr std::array<char, 2> hexPair(unsigned char byte, const char* digits = k
   return {digits[byte >> 4], digits[byte & 0xF]};
 }
 
-/// The most characters that writeHex writes.
+/// The maximum number of characters that writeHex writes.
 inline constexpr std::size_t kMaxHexDigits = 16;
 
 /// Writes a number in hexadecimal without leading zeros, but at least one digit, and returns the end.

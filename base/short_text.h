@@ -1,6 +1,6 @@
-// NUL-terminated strings that may be null or lack a terminator, and copies of short texts. Everything is
-// inline, because a trace entry copies two texts: a call costs more than the copy, and the functions of some
-// C libraries handle one byte at a time.
+// Strings that may be null or not terminated by a NUL, and copies of short texts. Everything is inline,
+// because a trace entry copies two texts: a call costs more than the copy, and the functions of some C
+// libraries handle one byte at a time.
 #pragma once
 
 #if defined(__SSE2__)

@@ -8,7 +8,7 @@
 namespace vel {
 namespace {
 
-/// Consumes the next line of `text`, without its line break; false if that was the last one.
+/// Consumes the next line of `text`, without its line break; returns false if that was the last one.
 bool consumeLine(std::string_view& text, std::string_view& line) {
   const std::size_t end = text.find('\n');
   line = text.substr(0, end);
@@ -24,7 +24,7 @@ bool isTagged(std::string_view line) {
 }
 
 void writeLine(std::ostream& stream, std::string_view line, TextKind kind) {
-  // The line break before it was written already, so the line shows as empty.
+  // The line break before the line has been written already, so the line is shown empty.
   if (!line.empty() && line.front() == '@') return;
   if (kind == TextKind::Help) {
     stream << line;

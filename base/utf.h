@@ -64,7 +64,7 @@ constexpr std::size_t encodeUtf8(char32_t character, char* out) noexcept {
 }
 
 /// The first sequence of some UTF-8 bytes: a whole character, the longest prefix of one (Unicode: maximal
-/// subpart), or one byte that begins none.
+/// subpart), or one byte that cannot begin a character.
 struct Utf8Sequence {
   std::size_t size;
   bool isValid;      ///< a whole character

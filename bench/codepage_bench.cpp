@@ -1,6 +1,6 @@
-// Conversions between code pages beside ICU, iconv, and what it takes only to move the bytes. With
-// VEL_KERNELS=portable in the environment the library does without its vector loops: then the jobs are named
-// so, and only the large texts remain.
+// Measures conversions between code pages, compared with ICU, with iconv and with merely moving the bytes. If
+// the environment variable VEL_KERNELS is "portable", the library does not use its vector kernels; the names
+// of the jobs then say so, and only the large texts are converted.
 #include <benchmark/benchmark.h>
 #include <iconv.h>
 #include <unicode/ucnv.h>
@@ -21,7 +21,7 @@ using bench::Script;
 
 constexpr int kUcs2 = 13488;
 
-/// A peer's name for a page is empty where it does not know the page.
+/// The name of a page at a peer; empty if the peer does not support the page.
 struct Job {
   int from;
   int to;
@@ -30,7 +30,8 @@ struct Job {
   const char* iconv;
 };
 
-// ICU has no 948: it gets its relative 950 and the characters that both have.
+// ICU does not support 948, so it converts the similar page 950, and the text contains only characters of
+// both.
 constexpr Job kJobs[] = {{850, kUcs2, &kScripts[1], "850", "CP850"},
                          {37, kUcs2, &kScripts[1], "37", "CP037"},
                          {kUcs2, 850, &kScripts[1], "850", "CP850"},
@@ -121,7 +122,7 @@ class Iconv : public Converter {
   iconv_t handle_;
 };
 
-/// Moves bytes and makes them units, or the other way round, with the processor's widest vectors.
+/// Widens bytes to units, or narrows units to bytes, with the processor's widest vectors.
 class Mover : public Converter {
  public:
   explicit Mover(const Job& job) : job_(job) {}
@@ -151,7 +152,7 @@ class Mover : public Converter {
   const Job& job_;
 };
 
-/// The double-byte characters that we and ICU both have.
+/// The double-byte characters that both this library and ICU map.
 std::vector<std::uint16_t> commonPairs(const Job& job) {
   Own own(job);
   Icu icu(job);
@@ -172,14 +173,15 @@ std::vector<std::uint16_t> commonPairs(const Job& job) {
   return pairs;
 }
 
-/// The source of a job, of that size or a few bytes less.
+/// Returns the source of a job, of this size or a few bytes less.
 std::string makeSource(const Job& job, std::size_t size) {
   if (job.script == nullptr)
     return bench::makeMixedText(commonPairs(job), VelClCCSID(job.from).isEBCDIC(), size);
   const std::u16string text = bench::makeText(*job.script, size / 2);
   const auto* const bytes = reinterpret_cast<const char*>(text.data());
   if (job.from == kUcs2) return {bytes, size / 2 * 2};
-  // Into bytes it takes more units for the same size: some text is made again until it is enough.
+  // The number of units for this size is not known, so ever longer texts are encoded until one is long
+  // enough.
   std::string source;
   for (std::size_t units = size; source.size() < size - 3; units = units * 9 / 8) {
     Job back = job;
@@ -190,14 +192,14 @@ std::string makeSource(const Job& job, std::size_t size) {
                                     units * 2));
   }
   source.resize(size);
-  // The end must not be within a character of UTF-8, nor of a pair.
+  // The text must not end within a UTF-8 character or a pair.
   const bool isUtf8 = job.from == 1208;
   while (isUtf8 && (source.back() & 0xC0) == 0x80) source.pop_back();
   if (isUtf8 && (source.back() & 0x80) != 0) source.pop_back();
   return source;
 }
 
-/// Made once: repetitions come in any order.
+/// Cached, because the repetitions of a benchmark run in any order.
 const std::string& sourceOf(const Job& job, std::size_t size) {
   static std::map<std::tuple<int, const Script*, std::size_t>, std::string> sources;
   std::string& source = sources[{job.from, job.script, size}];

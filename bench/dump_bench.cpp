@@ -1,5 +1,5 @@
-// Hexadecimal dumps beside xxd, which dumps a file of the same bytes, and a loop that writes digits in pairs
-// and the characters beside them.
+// Measures hexadecimal dumps, compared with xxd, which dumps a file of the same bytes, and with a loop that
+// writes the digits in pairs and the characters.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -54,7 +54,7 @@ void writePair(char* out, const char* pairs, std::size_t byte) {
   std::memcpy(out, pairs + byte % 256 * 2, 2);
 }
 
-/// What every dump has to do: digits of address and bytes, and printable characters.
+/// Does the minimum of every dump: writes the digits of address and bytes, and the printable characters.
 void pairTable(benchmark::State& state) {
   char pairs[513];
   for (std::size_t byte = 0; byte < 256; ++byte) std::snprintf(pairs + byte * 2, 3, "%02zX", byte);

@@ -1,5 +1,5 @@
-// Walking over a directory of 2,000 files with their attributes, and removing a tree, beside the system's
-// bare calls and the standard library.
+// Measures walking over a directory of 2,000 files with their attributes, and removing a tree, compared with
+// the system's calls and the standard library.
 #include <benchmark/benchmark.h>
 
 #include <filesystem>
@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Directories of so many files each, removed at the end.
+/// Directories with this number of files each, removed at the end.
 class Tree {
  public:
   Tree(int directories, int files) : path_(fs::temp_directory_path() / "bench_tree") {

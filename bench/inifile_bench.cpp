@@ -1,5 +1,6 @@
-// Loading INI files, asking for options, and the memory that a model takes, beside inih, which builds no
-// model, and GLib's key files. The files hold generated options of 8 to 44 characters, none of them twice.
+// Measures loading INI files, looking up options, and the memory that a model needs, compared with inih,
+// which does not build a model, and with GLib's key files. The files contain generated options of 8 to 44
+// characters, all of them different.
 #include <benchmark/benchmark.h>
 #include <glib.h>
 #include <ini.h>
@@ -24,7 +25,7 @@ constexpr std::size_t kMegabyte = 1000 * 1000;
 class Generator {
  public:
   std::string section(int number) { return "section " + std::to_string(number); }
-  /// A name that no other call gives.
+  /// Returns a name that differs from those of all other calls.
   std::string name() { return letters(1 + numbers_() % 12) + std::to_string(++count_); }
   std::string value() { return letters(4 + numbers_() % 20); }
 
@@ -50,7 +51,7 @@ std::string generate(std::size_t size, int sections) {
   return text;
 }
 
-/// A file of so many megabytes, made when it is first asked for and removed at the program's end.
+/// A file of this number of megabytes, created when it is first used and removed when the program ends.
 class GeneratedFile {
  public:
   explicit GeneratedFile(std::int64_t megabytes)
@@ -158,7 +159,7 @@ void ask(benchmark::State& state) {
 }
 BENCHMARK(ask)->Name("ini ask/own");
 
-/// GLib names the section in each question and copies the value; it has no other way to ask.
+/// Each query of GLib names the section and copies the value; GLib does not offer any other query.
 void askGlib(benchmark::State& state) {
   const Questions questions;
   GKeyFile* const file = g_key_file_new();
@@ -187,8 +188,8 @@ void countingFree(void* memory) {
   std::free(block);
 }
 
-/// Bytes from the memory manager for a byte of the file, for lines of so many bytes: "name=value" and its
-/// end.
+/// Returns the bytes allocated by the memory manager per byte of the file, for lines of this number of bytes:
+/// "name=value" and the line break.
 void memory(benchmark::State& state) {
   const auto length = static_cast<std::size_t>(state.range(0));
   std::string text;

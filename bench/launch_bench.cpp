@@ -1,4 +1,4 @@
-// Starting a program and waiting for its end. The time is that of both processes' work.
+// Measures starting a program and waiting for its end: the processor time of both processes.
 #include <benchmark/benchmark.h>
 
 #include "bench/peer_time.h"

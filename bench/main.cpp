@@ -1,5 +1,5 @@
-// One program of all benchmarks. They are named "job/peer" or "job/peer/argument"; our own peer is "own".
-// What they are compared with and which ratios are wanted is written in goals.tsv.
+// Runs all benchmarks. They are named "job/peer" or "job/peer/argument"; the peer "own" is this library.
+// goals.tsv lists the peers that each is compared with, and the ratios to reach.
 #include <benchmark/benchmark.h>
 
 BENCHMARK_MAIN();

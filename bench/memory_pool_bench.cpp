@@ -1,4 +1,5 @@
-// Many small allocations that end together: the memory pool beside the runtime's allocator.
+// Measures many small allocations that are freed together: the memory pool, compared with the runtime's
+// allocator.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -11,7 +12,7 @@ namespace {
 constexpr std::size_t kPieces = 10'000;
 constexpr std::size_t kBlockSize = std::size_t{64} * 1024;
 
-/// Sizes from 16 to 64 bytes, as nodes of trees and short texts have them.
+/// Sizes from 16 to 64 bytes, like those of tree nodes and short texts.
 const std::vector<std::size_t>& sizes() {
   static const std::vector<std::size_t> all = [] {
     std::vector<std::size_t> made;

@@ -1,4 +1,5 @@
-// Random numbers beside a straight loop of the same algorithm, and decimal text of numbers of all lengths.
+// Measures random numbers, compared with a plain loop of the same algorithm, and the decimal text of numbers
+// of all lengths.
 #include <benchmark/benchmark.h>
 
 #include <bit>
@@ -25,7 +26,7 @@ void random(benchmark::State& state) {
 }
 BENCHMARK(random)->Name("random/own");
 
-/// IBAA as its author wrote it, with its numbers handed out one by one.
+/// IBAA as its author wrote it, returning its numbers one by one.
 struct StraightLoop {
   std::uint32_t memory[256];
   std::uint32_t results[256];
@@ -60,7 +61,7 @@ void mersenne(benchmark::State& state) {
 }
 BENCHMARK(mersenne)->Name("random/mt19937");
 
-/// Numbers of every length alike, half of them negative.
+/// Values of all lengths, equally often, half of them negative.
 template <typename Number>
 std::vector<Number> numbersOfAllLengths() {
   std::mt19937_64 random(4711);
@@ -94,7 +95,7 @@ void decimal64(benchmark::State& state) {
 }
 BENCHMARK(decimal64)->Name("decimal 64/own");
 
-/// With the terminator that our functions write, too.
+/// Writes the terminating NUL as well, as the library's functions do.
 template <typename Number>
 void toChars(benchmark::State& state) {
   writeAll<Number>(state, [](Number number, char* out) {

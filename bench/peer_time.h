@@ -1,4 +1,4 @@
-// What peers need that are programs of their own, or that judge texts by the locale.
+// Support for peers that are separate programs, or that depend on the locale.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -9,7 +9,7 @@
 
 namespace bench {
 
-/// Measures a job that children do a part of; the benchmark needs UseManualTime.
+/// Measures a job that is partly done by child processes; the benchmark needs UseManualTime.
 template <typename Work>
 void loopWithChildren(benchmark::State& state, Work work) {
   for ([[maybe_unused]] auto round : state) {
@@ -19,7 +19,7 @@ void loopWithChildren(benchmark::State& state, Work work) {
   }
 }
 
-/// The user's locale as long as it lives, and "C" before and afterwards.
+/// Sets the user's locale for the lifetime of the object, and "C" again at its end.
 class UserLocale {
  public:
   explicit UserLocale(const char* name) {

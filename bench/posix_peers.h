@@ -1,17 +1,16 @@
-// The system's own calls for files and processes, beside which the library is measured.
-// them.
+// Jobs done by the system's own calls for files and processes, which the library is compared with.
 #pragma once
 
 namespace bench {
 
-/// Processor time in seconds of this process and of the children that it has waited for: unlike the clock's
-/// it does not tell what else the machine was doing.
+/// Returns the processor time in seconds of this process and of the children that it has waited for. Unlike
+/// elapsed time, it does not depend on the load of the machine.
 double processorTime();
 
-/// The value is null for a variable to remove.
+/// Removes the variable if the value is null.
 void setVariable(const char* name, const char* value);
 
-/// How many files of a directory can be written.
+/// Returns the number of files of a directory that can be written.
 int countWritableFiles(const char* directory);
 
 void removeTreeByCalls(const char* path);

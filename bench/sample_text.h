@@ -1,4 +1,4 @@
-// Random text that does not repeat, for conversions: a branch predictor learns one that does.
+// Random text for conversions. It does not repeat, because a branch predictor would learn a text that does.
 #pragma once
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 
 namespace bench {
 
-/// Words of letters from `first` to `last` and, for a share of them, from a to z.
+/// Words with letters from `first` to `last`; a share of the words has letters from a to z instead.
 struct Script {
   const char* name;
   char32_t first;
@@ -33,7 +33,8 @@ class Random {
   std::mt19937 engine_{2024};
 };
 
-/// As many UTF-16 units as asked for, but no half pair.
+/// Returns a text of this number of UTF-16 units. If its last unit would be half of a surrogate pair, it is a
+/// blank.
 inline std::u16string makeText(const Script& script, std::size_t units) {
   Random random;
   std::u16string text;

@@ -1,4 +1,5 @@
-// Finding a text of 16 letters at the end of a megabyte of words, and matching names against wildcards.
+// Measures finding a text of 16 letters at the end of a megabyte of words, and matching names against
+// wildcards.
 #include <benchmark/benchmark.h>
 #include <fnmatch.h>
 
@@ -59,7 +60,7 @@ void memmemory(benchmark::State& state) {
 }
 BENCHMARK(memmemory)->Name("search/memmem");
 
-/// What a search has to do at least: the text's length, and every byte compared with one.
+/// Does the minimum of every search: determines the text's length and compares every byte with one.
 void twoPasses(benchmark::State& state) {
   search(state, [](const std::string& text) -> const char* {
     benchmark::DoNotOptimize(std::strlen(text.c_str()));

@@ -1,5 +1,6 @@
-// A traced event, a message of 40 characters with a function's name and 16 bytes of data, beside a logged
-// one. spdlog gets the bytes behind the message as they are: making text of them would cost it much more.
+// Measures tracing an event, a message of 40 characters with a function's name and 16 bytes of data, compared
+// with logging it. spdlog appends the bytes to the message unchanged: formatting them as text would be much
+// slower.
 #include <benchmark/benchmark.h>
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/sinks/ringbuffer_sink.h>
@@ -62,7 +63,7 @@ void traceOff(benchmark::State& state) {
 }
 BENCHMARK(traceOff)->Name("trace off/own");
 
-/// The limit of a disabled trace: a load and a branch.
+/// The minimum cost of a disabled trace: a load and a branch.
 void loadAndBranch(benchmark::State& state) {
   static int* volatile enabled = nullptr;
   for ([[maybe_unused]] auto round : state) {

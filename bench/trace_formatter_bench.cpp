@@ -1,5 +1,5 @@
-// What it costs to make text of an entry of a trace file, beside a formatting library that has the entry's
-// fields at hand: function, message of 40 characters, 16 bytes of data, in the default format.
+// Measures formatting an entry of a trace file in the default format (function, message of 40 characters, 16
+// bytes of data), compared with a formatting library that gets the entry's fields as arguments.
 #include <benchmark/benchmark.h>
 #include <spdlog/fmt/fmt.h>
 
@@ -21,7 +21,7 @@ constexpr const char* kOrigin = "acceptConnection";
 constexpr char kData[] = "sixteen bytes...";
 constexpr std::size_t kDataSize = 16;
 
-/// Takes what is written and keeps nothing.
+/// A stream buffer that discards its output.
 class Sink : public std::streambuf {
  protected:
   std::streamsize xsputn(const char* text, std::streamsize size) override {
@@ -61,7 +61,7 @@ void formatFile(benchmark::State& state) {
 }
 BENCHMARK(formatFile)->Name("trace format/own")->Arg(0)->Arg(1);
 
-/// No file is read here.
+/// This peer does not read a file.
 void formatWithLibrary(benchmark::State& state) {
   fmt::memory_buffer text;
   unsigned int process = 4711;

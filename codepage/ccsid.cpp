@@ -31,7 +31,7 @@ constexpr VelStCcsid kCcsids[] = {
 
 static_assert(std::ranges::is_sorted(kCcsids, {}, &VelStCcsid::ccsid));
 
-/// Row 0, "???", has no flags: it is used for every CCSID that is not in the table.
+/// Row 0, "???", is used for every CCSID that is not in the table; none of its flags are set.
 constexpr const VelStCcsid* kUnknown = &kCcsids[0];
 
 const VelStCcsid* rowOrUnknown(std::uint32_t ccsid) {
@@ -154,7 +154,7 @@ bool VelClCCSID::isUCS2BigEndian() const {
   return isUCS2() && ccsid_ == CCSID_UCS2_BIG_ENDIAN;
 }
 
-// CCSIDs of UCS-2 that say nothing of the byte order have the host's, which is little-endian.
+// CCSIDs of UCS-2 that do not define a byte order use the host's, which is little-endian.
 bool VelClCCSID::isUCS2LittleEndian() const {
   return isUCS2() && ccsid_ != CCSID_UCS2_BIG_ENDIAN;
 }

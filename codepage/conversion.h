@@ -15,7 +15,7 @@ using Call = VelClConverterABase::_VelStConverter;
 
 /// The source ends within a character.
 inline constexpr _VelStError kIncomplete{CPCONVERTER_INCOMPLETE, VelEnErrorClass::USER_DATA_ERROR};
-/// The target has no room for the next character.
+/// The next character does not fit into the target.
 inline constexpr _VelStError kTooBig{CPCONVERTER_TOO_BIG, VelEnErrorClass::DATA_OUT_OF_BOUNDS};
 /// No route leads from one CCSID to the other.
 inline constexpr _VelStError kUnsupported{CPCONVERTER_UNSUPPORTED, VelEnErrorClass::INCONSISTENT_SITUATION};

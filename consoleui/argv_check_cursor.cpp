@@ -50,7 +50,7 @@ bool VelClArgvCheckCursor::hasArg() const {
   return next != nullptr && !VelClUsageCursor::isSwitchIndicator(next);
 }
 
-// The argument before decides: a switch that takes several values binds only the first one.
+// Only the argument before counts: a switch with a list of values binds the first value alone.
 bool VelClArgvCheckCursor::isBound() const {
   return isArg() && takesValue(argumentAt(getIndex() - 1));
 }

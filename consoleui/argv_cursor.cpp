@@ -47,7 +47,7 @@ bool VelClArgvCursor::setToPrevious() {
   return isValid();
 }
 
-/// Index 0 is the program, which is no argument. A null pointer in the vector makes the position invalid,
+/// Index 0 is the program, which is not an argument. A null pointer in the vector makes the position invalid,
 /// too.
 const char* VelClArgvCursor::argumentAt(int32_t index) const {
   return index >= 1 && index < count_ ? arguments_[index] : nullptr;

@@ -139,7 +139,7 @@ std::string propertiesOf(const CommandLine& line, const char* usage) {
 
 TEST(ArgvCheckCursor, ClassifiesArgumentsByTheUsage) {
   for (const auto& row : readTable(VEL_TEST_DATA "test/arguments.tsv")) {
-    const CommandLine line(row.at(1), "-key");  // the program's name is no switch
+    const CommandLine line(row.at(1), "-key");  // the program's name is not a switch
     EXPECT_EQ(propertiesOf(line, vel::test::unescaped(row[0]).c_str()), row.at(2))
         << row[1] << " under " << row[0];
   }

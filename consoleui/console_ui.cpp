@@ -73,8 +73,8 @@ vel::consoleui::Words VelClConsoleUI::words() const {
   return {catalog_, messageBase_};
 }
 
-/// Returns false when the catalog has no source of messages even then. The tool's own catalog gets no
-/// built-in table: its numbers may mean other messages.
+/// Returns false if the catalog still has neither a library nor a string table. The built-in table is not
+/// attached to the tool's own catalog, in which its numbers may mean other messages.
 bool VelClConsoleUI::attachBuiltInTable() {
   if (catalog_.hasDefaultVelCatalog()) {
     unsigned long size = 0;
@@ -115,7 +115,7 @@ void VelClConsoleUI::handleUsageHelp(unsigned long usageId, unsigned long helpId
   handleUsageHelp(usage.text(), help.text());
 }
 
-/// Each letter of the message is a switch. Without a source of messages its text is the one for failures, and
+/// Each letter of the message is a switch. If the message cannot be loaded, its text is the failure text, and
 /// the letters of that are tried.
 void VelClConsoleUI::handleHelpSwitches() const {
   const VelClMessage letters = words()[Word::HelpLetters];
@@ -127,7 +127,7 @@ void VelClConsoleUI::handleHelpSwitches() const {
   }
 }
 
-/// Checks every argument before the process ends, so that the user sees all mistakes at once.
+/// Checks every argument before the process ends, so that the user sees all mistakes in one run.
 void VelClConsoleUI::checkCommandLine() const {
   bool legal = true;
   VelClArgvCheckCursor argument(*this);

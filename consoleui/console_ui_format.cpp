@@ -26,8 +26,8 @@ void writePlainLine(std::ostream& stream, const VelClConsoleUIParams& params, co
   stream << value << '\n';
 }
 
-/// Writes the symbolic name of a value, or its number if the library has no name for it: programs may use
-/// values of their own.
+/// Writes the symbolic name of a value, or its number if the library does not define a name: programs may use
+/// other values.
 void writeName(std::ostream& stream, const VelClConsoleUIParams& params, const Words& words, Word label,
                unsigned int nameId, std::int32_t value) {
   const VelClMessage labelText = words[label];
@@ -111,7 +111,7 @@ void writeException(std::ostream& stream, const VelClConsoleUIParams& params, co
   if (verbose || action != 0)
     writeName(stream, params, words, Word::ErrorAction, velErrorGetActionAsMessageId(exception.getAction()),
               action);
-  // An exception of the program's own may return null.
+  // An exception class of the program may return null.
   const char* const cause = exception.getCause();
   if (verbose && cause != nullptr && *cause != '\0')
     writeLine(stream, params, words[Word::Cause].getAsCString(), cause);

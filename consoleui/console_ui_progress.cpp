@@ -3,7 +3,7 @@
 //   trace.trc [##########....................]  34%   0:12 left
 //
 // It appears only on a terminal and after a second, so that neither log files nor short tasks show it. Steps
-// may come very often; a step that does not change the percentage costs a division and no more.
+// may be very frequent; a step that does not change the percentage costs a division and no more.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>

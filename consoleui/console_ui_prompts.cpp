@@ -43,7 +43,7 @@ Traits::int_type nextCharacter() {
   }
 }
 
-/// The answer to one prompt. It has a buffer of its own, because the question and the default may be in the
+/// The answer to one prompt. It has its own buffer, because the question and the default may be in the
 /// parameters' input buffer, from an earlier prompt.
 class Answer {
  public:

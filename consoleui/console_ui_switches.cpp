@@ -76,7 +76,7 @@ bool VelClConsoleUI::readNumber(VelClSwitchName name, Number& value) const {
   if (!vel::isAsciiDigit(*digits) && *digits != '-')
     fatalArgument(vel::consoleui::kExitNonNumericValue, static_cast<uint32_t>(Word::NonNumericValue),
                   text.get());
-  // Intentional: there is no range check; a short gets the low 16 bits.
+  // Intentional: the range is not checked; a short gets the low 16 bits.
   value = static_cast<Number>(vel::parseInt32(digits));
   return true;
 }

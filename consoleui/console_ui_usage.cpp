@@ -29,7 +29,7 @@ void VelClConsoleUI::displayUsage(bool exit) const {
   const std::size_t indentation =
       vel::consoleui::widthOf(heading.getAsCString()) + params_->getIndentation() + 3;
   std::cout << '\n' << heading << ": " << getProcessName();
-  // Without a source of messages the built-in switches have no names to show.
+  // Without a source of messages the names of the built-in switches are unknown.
   if (catalog_.isValid() || catalog_.hasValidStringTable()) {
     writeBuiltInSwitches(std::cout, words());
     std::cout << '\n';

@@ -1,5 +1,5 @@
 // The words of the console user interface and their ids in the message catalog, its exit codes, and the
-// texts that a tool passes. Defined inline: there is no console_ui_words.cpp.
+// texts that a tool passes. All of it is defined inline.
 #pragma once
 
 #include <cstdint>

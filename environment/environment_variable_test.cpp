@@ -33,7 +33,7 @@ TEST(EnvironmentVariable, ChangesTheRuntimesEnvironment) {
   EXPECT_FALSE(query.hasValueEnabled());
   EXPECT_TRUE(variable.appendValue("e"));
   EXPECT_STREQ(VelClEnvironmentVariableQueryOnly(variable).getValue(), "e");
-  // Null and the empty text remove the variable; removing it twice is no error.
+  // Null and the empty text remove the variable; removing it twice is not an error.
   for (const char* value : {static_cast<const char*>(nullptr), "", ""}) {
     EXPECT_TRUE(variable.setNewValue(value));
     EXPECT_FALSE(variable.hasValue());

@@ -1,4 +1,4 @@
-// Installs an allocator of the program's own, which counts allocations and has a limit.
+// Installs the program's own allocator, which counts allocations and has a limit.
 #include <vel.h>
 
 #include <cstdio>
@@ -28,7 +28,7 @@ void deallocate(void* block) {
 }  // namespace
 
 int main() {
-  // Must come before any other use of the library.
+  // Must precede any other use of the library.
   velSetNewMemoryManager(&allocate, &reallocate, &deallocate);
   {
     const VelClStringSearch search("Needle", true);

@@ -1,5 +1,5 @@
 // Traces from several threads. The ring of the trace instance supports only one thread at a time, so a
-// callback takes a lock and stores the entries in an environment of the program's own.
+// callback locks a mutex and stores the entries in the program's own environment.
 #include <vel_trace.h>
 
 #include <cstdio>

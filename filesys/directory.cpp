@@ -151,15 +151,16 @@ unsigned int VelClDirectory::getNumOfSubDirs() const {
 }
 
 // Creates the directories from the root down: each separator is replaced by a NUL for a moment, so that the
-// buffer holds the name of one level after the other. What was created stays when a later level fails.
+// buffer holds the name of one level after the other. If a level fails, the directories created before are
+// kept.
 bool VelClDirectory::create() {
   if (name_.getLength() == 0) return fail(DIRECTORY_COULD_NOT_CREATE, VelEnErrorClass::IO_NOT_EXISTENT);
   char path[kMaxLength + 1];
   vel::filesys::copyBounded(path, getAsCString(), kMaxLength);
   const std::size_t root =
       static_cast<std::size_t>(name_.getPtrToPath() - getAsCString()) + (name_.hasDrive() ? 3 : 1);
-  // The root itself cannot be created, so the loop begins after it. A server without a share has no path; the
-  // minimum keeps the loop within the name.
+  // The root itself cannot be created, so the loop begins after it. The name of a server without a share does
+  // not contain a path; the minimum keeps the loop within the name.
   for (char* end = path + std::min<std::size_t>(root, name_.getLength());
        (end = std::strchr(end, '\\')) != nullptr; *end++ = '\\') {
     *end = '\0';

@@ -43,7 +43,7 @@ void VelClOSSDirectoryWalker::close() {
   *name_ = '\0';
 }
 
-// Copies the next entry into this object. The end of the listing closes the directory at once, so that a
+// Copies the next entry into this object. The end of the listing closes the directory immediately, so that a
 // finished walk does not keep it from being removed; it is not an error.
 bool VelClOSSDirectoryWalker::fetchNext() {
   platform::DirectoryHandle handle{search_, listed_};

@@ -1,5 +1,5 @@
 // Changes a file name part by part. Splitting it is filename_base.cpp's work. Every text passed in may be
-// part of the name itself, so a joined name is built in a buffer of its own before it replaces the old one.
+// part of the name itself, so a joined name is built in a separate buffer before it replaces the old one.
 #include <cstring>
 
 #include "filesys/path_text.h"

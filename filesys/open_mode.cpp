@@ -1,5 +1,5 @@
-// Queries and sets the translation mode of the runtime's file descriptors. The runtime has no query, so the
-// mode is set and the previous one, which the call returns, is restored.
+// Queries and sets the translation mode of the runtime's file descriptors. The runtime cannot query the mode,
+// so the mode is set and the previous one, which the call returns, is restored.
 #include "platform/descriptors.h"
 #include "vel_include/vel_filesys.h"
 

@@ -25,7 +25,7 @@ inline std::size_t copyBounded(char* buffer, const char* text, std::size_t lengt
   return copied;
 }
 
-/// Builds a name in a buffer of its own, so that its parts may come from the name that it will replace. Text
+/// Builds a name in a separate buffer, so that its parts may be parts of the name that it will replace. Text
 /// that exceeds the capacity is cut.
 template <std::size_t kCapacity = kMaxLength>
 class PathText {

@@ -2,8 +2,8 @@
 // names is tmp_name_generator.cpp's work.
 //
 // VelClTmpFilename only finds a name that is free at that moment; another process can create a file of the
-// same name before the program does. velTmpFileCreate has no such gap: it creates the file in the same step,
-// and fails if the name exists, even as a link.
+// same name before the program does. velTmpFileCreate avoids that: it creates the file in the same step, and
+// fails if the name exists, even as a link.
 #include <cerrno>
 #include <cstring>
 

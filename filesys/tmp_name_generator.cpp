@@ -1,6 +1,6 @@
 // Builds names of temporary files from a prefix, random characters and the process identifier, for example
-// "TMPX4@QZ.432". The form fits 8.3 file systems, and the alphabet has no two characters that differ only in
-// case, which some file systems ignore. Whether a name is free is tmp_filename.cpp's work.
+// "TMPX4@QZ.432". The form fits 8.3 file systems, and no two characters of the alphabet differ only in case,
+// which some file systems ignore. Whether a name is free is tmp_filename.cpp's work.
 #include "filesys/tmp_name_generator.h"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Generates names for temporary files. Whether a name is free is for the caller to find out.
+// Generates names for temporary files. The caller checks whether a name is free.
 #pragma once
 
 #include <cstddef>
@@ -31,7 +31,7 @@ class TmpNameGenerator {
 /// has almost certainly been tried. With few random characters, names repeat soon.
 class RetryLimit {
  public:
-  /// Call with each name that is in use. Returns false when the first of them has come up too often.
+  /// Call with each name that is in use. Returns false when the first of them has been repeated too often.
   bool mayRetry(const char* text);
 
  private:

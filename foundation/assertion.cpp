@@ -15,8 +15,8 @@
 
 namespace {
 
-/// The report as a list of borrowed strings. Their lengths have no limit, so copying them into one text would
-/// need the heap; the two outputs, stream and window, take the list as it is.
+/// The report as a list of borrowed strings. They may have any length, so copying them into one text would
+/// need the heap; the two outputs, stream and window, accept the list as it is.
 class Report {
  public:
   Report& operator<<(const char* text) noexcept {
@@ -105,7 +105,7 @@ void vel__assert_msg(const char* expression, const char* module, unsigned int li
   const Decimal process(static_cast<std::int32_t>(vel::platform::currentProcessId()));
   Report report;
   buildReport(report, expression, module, lineText, process, function, message);
-  // Standard error first: nobody may be there to close the window.
+  // Standard error first: the window may wait forever, since perhaps nobody is there to close it.
   write(report);
   if (mayShowWindow())
     vel::platform::showStopMessage("Internal error occured: Assertion failed!", report.pieces(),

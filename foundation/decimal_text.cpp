@@ -26,7 +26,7 @@ namespace {
 
 static_assert(std::endian::native == std::endian::little);
 
-/// Writes the leading pair without its leading zero and returns the number of digits. There is no branch: the
+/// Writes the leading pair without its leading zero and returns the number of digits. Avoids a branch: the
 /// pair is shifted by one character if it has one digit, and the stray byte after it, which is always stored,
 /// is overwritten by what follows (at least the NUL).
 unsigned int writeLeadingPair(char* out, std::uint64_t pair) noexcept {
@@ -52,8 +52,8 @@ std::uint64_t fixedPointOf(std::uint32_t number) noexcept {
   return (std::uint64_t{number} * 1441151881 >> 25) + 1;
 }
 
-/// Writes the pairs of digits after the point, then the NUL. The recursion is resolved at compile time, so
-/// that the code has no loop.
+/// Writes the pairs of digits after the point, then the NUL. The recursion is resolved at compile time and
+/// leaves straight-line code.
 template <unsigned int pairs>
 void writeFractionDigits(std::uint64_t fraction, char* out) noexcept {
   if constexpr (pairs == 0) {
@@ -83,8 +83,8 @@ void writeEight(std::uint32_t number, char* out) noexcept {
   writeFractionDigits<3>(fraction, out + 2);
 }
 
-/// Writes the digits and the NUL; returns the number of digits. Small numbers come first because they are
-/// the most frequent.
+/// Writes the digits and the NUL; returns the number of digits. Small numbers are tested first because they
+/// are the most frequent.
 unsigned int writeDigits(std::uint32_t number, char* out) noexcept {
   if (number < 100) {
     const unsigned int count = writeLeadingPair(out, number);

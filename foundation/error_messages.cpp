@@ -15,7 +15,8 @@ struct MessageRow {
 
 #include "error_messages.inc"
 
-/// Returns the message number of a value, or 0 if it has none. The rows are sorted by value.
+/// Returns the message number of a value, or 0 if the value is not in the table. The rows are sorted by
+/// value.
 template <std::size_t count>
 unsigned int messageOf(const MessageRow (&rows)[count], std::uint32_t value) noexcept {
   const auto* row = std::lower_bound(std::begin(rows), std::end(rows), value,

@@ -130,7 +130,7 @@ TEST(Timing, SleepConvertsToMillisecondsModulo32Bits) {
   for (const auto& [sleep, count, seconds] : rows) {
     VelClTiming timing;
     sleep(count);
-    // The tick of some systems is as long as the shortest of these times.
+    // On some systems a tick is as long as the shortest of these times.
     EXPECT_GE(timing.elapsed(), seconds / 2);
   }
 }

@@ -99,7 +99,7 @@ TEST_F(MemoryPool, RefusesSizesThatNoBlockHolds) {
 TEST_F(MemoryPool, IsUnchangedWhenItCannotGrow) {
   VelClMemoryPool pool(64);
   char* const first = static_cast<char*>(pool.allocate(16));
-  // A new block takes two allocations; each of them fails once.
+  // A new block needs two allocations; each of them fails once.
   for (int number = 1; number <= 2; ++number) {
     const auto before = memory_.live;
     memory_.failsFrom = memory_.allocations + number;

@@ -1,5 +1,5 @@
-// Names Windows error codes, on every system: a trace or message read on Linux may come from Windows. The
-// table is generated from platform_errors.tsv by generate_error_tables.py.
+// Names Windows error codes, on every system: a trace or message read on Linux may have been written on
+// Windows. The table is generated from platform_errors.tsv by generate_error_tables.py.
 #include <algorithm>
 #include <cstdint>
 #include <iterator>

@@ -1,7 +1,7 @@
 // Searches, counts and copies characters of NUL-terminated strings. Searching many texts for one pattern is
 // util/string_search.cpp's work.
 //
-// The case-insensitive search has no backtracking. It walks the text once with a position in the pattern; a
+// The case-insensitive search does not backtrack. It walks the text once with a position in the pattern; a
 // mismatch resets the position to the start, and the mismatching character is consumed:
 //
 //   pattern "ab"   text "xaab"    x  a=a  a!=b  b!=a    not found

@@ -1,5 +1,5 @@
-// Uses all parts of the library from several threads at once, each with objects of its own. Under the thread
-// sanitizer this finds shared state. The examples test traces of several threads.
+// Uses all parts of the library from several threads at the same time, each with its own objects. The thread
+// sanitizer thereby finds shared state. The examples test traces of several threads.
 #include <gmock/gmock.h>
 
 #include <sstream>
@@ -14,7 +14,7 @@ namespace {
 
 constexpr unsigned int kThreads = 4;
 
-/// A catalog of the thread's own, opened before other threads run.
+/// The thread's own catalog, opened before other threads run.
 using Catalog = const VelClMessageCatalog;
 
 template <typename... Parts>

@@ -39,8 +39,8 @@ VelClTiming::VelClTiming() {
   start();
 }
 
-// The frequency is fixed from boot, so it is read once per object. 0 means that there is no counter, and all
-// times are 0.
+// The frequency is fixed from boot, so it is read once per object. 0 means that the system does not provide a
+// counter; all times are 0 then.
 void VelClTiming::init(bool readFrequency) {
   frequency_ = readFrequency ? vel::platform::performanceFrequency() : 0;
   start_ = 0.0;

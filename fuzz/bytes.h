@@ -44,7 +44,7 @@ class Bytes {
     const std::string_view byte = take(std::min<std::size_t>(1, rest_.size()));
     return byte.empty() ? std::uint8_t{0} : static_cast<std::uint8_t>(byte[0]);
   }
-  /// Consumes a NUL-terminated text. The last one may lack its NUL.
+  /// Consumes a NUL-terminated text. The NUL of the last one may be missing.
   Text text() {
     const std::string_view text = take(std::min(rest_.find('\0'), rest_.size()));
     byte();

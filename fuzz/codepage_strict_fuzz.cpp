@@ -10,7 +10,7 @@ namespace {
 using Policy = VelClStrictConversion::VelEnPolicy;
 
 // Algorithms, tables of single bytes, of lead bytes and of shifts; then what ICU converts: single bytes, lead
-// bytes, shifts, three and four bytes. The last one has no route.
+// bytes, shifts, three and four bytes. The last one cannot be converted.
 constexpr int kPages[] = {1208, 13488, 65500, 819, 37,   500,  850,   838, 301,  948,  1394, 930,  4933, 1047,
                           5348, 943,   949,   933, 1388, 1390, 33722, 964, 1392, 1383, 1051, 5050, 4};
 

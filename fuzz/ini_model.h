@@ -23,7 +23,7 @@ struct IniSection {
   bool operator==(const IniSection&) const = default;
 };
 
-/// Returns all sections and options in their order, except one option.
+/// Returns all sections and options in the order of the file, except one option.
 inline std::vector<IniSection> modelOf(const VelClIniFile& file,
                                        const VelClIniFileOption* without = nullptr) {
   std::vector<IniSection> model;

@@ -29,7 +29,7 @@ std::string difference(const std::string& text, const std::string& other) {
   return {front.first, back.first.base()};
 }
 
-/// Whether the limits of lines and options are far away.
+/// Whether all lines and options are far below their maximum lengths.
 bool isSmall(const Input& input) {
   return fuzz::longestLine(input.text) < 400 && input.value.size() < 100 && input.option.size() < 100;
 }

@@ -72,7 +72,7 @@ void fuzz::run(fuzz::Bytes input) {
   const unsigned int options = input.byte();
   const Text usage = input.text();
   const std::vector<Text> words = input.texts();
-  // There is no null pointer at the end, as a real command line has.
+  // Unlike that of a real program, the vector does not end with a null pointer.
   const std::vector<const char*> arguments(words.begin(), words.end());
   const int count = static_cast<int>(arguments.size());
   const char* const* const argv = arguments.data();

@@ -25,7 +25,7 @@ class EditLock {
   std::optional<platform::FileState> checkRead(int descriptor);
   /// Records the file that the edited text came from.
   void noteRead(const platform::FileState& file) { read_ = file; }
-  /// Records that the edited text came from no file.
+  /// Records that the edited text was not read from a file.
   void forgetRead() { read_.reset(); }
   /// Returns whether the file may be replaced: always without a lock. With a lock, three files must all be
   /// the locked one, unchanged: `replaced`, which the replacement found; the one that the name leads to now;

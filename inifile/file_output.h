@@ -47,7 +47,7 @@ class FileOutput : public std::ostream {
   bool close() { return buffer_.close(flush().good()); }
   /// Whether the file has the owner and the permissions of the one that it replaced.
   bool keepsRights() const { return buffer_.replacement().keepsRights; }
-  /// The identity of the file to be replaced; all zeros when there is none.
+  /// The identity of the file to be replaced; all zeros if a new file is created.
   const platform::FileIdentity& replaced() const { return buffer_.replacement().old; }
 
  private:

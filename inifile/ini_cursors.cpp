@@ -1,6 +1,6 @@
 // Cursors over sections and options. Each cursor's place is in a list of the model, from its construction to
 // its destruction. When a record or the file is deleted, the model visits that list and invalidates the
-// places that point to it: so no cursor can point to freed memory. Moving a cursor does not touch the list.
+// places that point to it: so a cursor never points to freed memory. Moving a cursor does not touch the list.
 #include "base/ascii.h"
 #include "inifile/model.h"
 #include "inifile/value_characters.h"

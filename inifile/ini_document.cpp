@@ -111,7 +111,7 @@ SectionLayout IniDocument::layoutOf(const Section& wanted) const {
 
 /// Applies `change` to a copy of the model, and commits `changed` only if parsing it gives that same model.
 /// Otherwise, or if `change` returns false, nothing changes and false is returned. `merged` is the source of
-/// a merge, or null. The copy comes from parsing the old text again, since a model cannot be copied.
+/// a merge, or null. The copy is made by parsing the old text again, since a model cannot be copied.
 template <typename Change>
 bool IniDocument::replaceIf(String changed, const VelClIniFile* merged, Change change) {
   const OwnedIniFile wanted = parse(text_, allowContinuation_);
@@ -147,7 +147,7 @@ bool IniDocument::deleteOption(const char* section, const char* option) {
   if (wanted == nullptr) return false;
   const SectionLayout layout = layoutOf(*found);
   std::span<const ValueLine> lines(layout.lines);
-  // The lines of the options come in the order of the model, so those of earlier options are skipped.
+  // The lines of the options are in the order of the model, so those of earlier options are skipped.
   for (const Option* before = found->getFirstOption(); before != wanted; before = before->getNext())
     consumeOptionLines(lines);
   TextRewriter rewriter(span());

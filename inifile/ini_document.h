@@ -15,7 +15,7 @@ using OwnedIniFile = OwnedObject<VelClIniFile>;
 
 class IniDocument {
  public:
-  /// An empty text.
+  /// Starts with an empty text.
   IniDocument();
 
   /// Replaces the text, and how it is parsed. After a failed allocation everything is as before.

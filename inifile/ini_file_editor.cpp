@@ -94,8 +94,8 @@ bool VelClIniFileEditor::save() {
   vel::inifile::FileOutput output;
   if (!output.open(getAsCString())) return false;
   output.write(getText(), static_cast<std::streamsize>(getLength()));
-  // The check comes after writing, as late as possible. If it fails, `output` drops the new file and the old
-  // one stays.
+  // The check is made after writing, as late as possible. If it fails, `output` drops the new file and the
+  // old one stays.
   if (!file_->lock.mayReplace(getAsCString(), output.replaced()) || !output.close()) return false;
   file_->hasKeptRights = output.keepsRights();
   // The lock was on the replaced file. The state of that file is forgotten as well; otherwise the next locked

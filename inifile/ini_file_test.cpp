@@ -181,7 +181,7 @@ TEST(IniFile, GettersReadOnlyTheCurrentSection) {
               testing::ElementsAre(true, true, false, false));
 }
 
-// Without an index this would take minutes and reach the time limit of the test.
+// Without an index this would run for minutes, beyond the time limit of the test.
 TEST(IniFile, FindsEveryNameOfLongLists) {
   constexpr int kCount = 100'000;
   std::string options = "[first]\n", sections;

@@ -23,12 +23,12 @@ class Parser {
         keepDuplicateSections_(keepDuplicateSections),
         allowContinuation_(allowContinuation) {}
 
-  /// Parses all lines. Returns false when the error handler ended the load. Afterwards there is no current
-  /// section.
+  /// Parses all lines. Returns false when the error handler ended the load. Afterwards no section is the
+  /// current one.
   bool parse(LineSource& lines);
 
  private:
-  /// Leaves no current section and no option that a line could continue.
+  /// Makes no section the current one, and no option one that a line could continue.
   void resetPosition() noexcept;
   bool parseLine(Span line);
   bool parseHeader(Span line);

@@ -1,6 +1,6 @@
 // Cuts bytes into lines as std::istream::getline does with a buffer for 1,023 characters. The bytes after the
-// last delimiter are a line as well, even if there are none. Reading ends with a line that is longer: only
-// its first 1,023 characters are returned.
+// last delimiter are a line as well, even an empty one. Reading ends with a line that is longer: only its
+// first 1,023 characters are returned.
 #pragma once
 
 #include <cstddef>

@@ -12,7 +12,8 @@
 // first record is the list searched, for the record that takes over the slot.
 //
 // Removal moves the slots that follow back (Knuth, The Art of Computer Programming, volume 3, section 6.4,
-// algorithm R) instead of marking the slot as deleted: searches do not slow down as records come and go.
+// algorithm R) instead of marking the slot as deleted: searches do not slow down as records are added and
+// removed.
 #pragma once
 
 #include <cstddef>
@@ -57,7 +58,7 @@ class NameIndex {
   }
 
   /// Removes a record that is about to be unlinked and is the first of its name. Returns its predecessor in
-  /// the list, or null. The next record of the same name, if there is one, takes over its slot.
+  /// the list, or null. Its slot passes to the next record of the same name, if any.
   Record* remove(const Record* record) noexcept {
     const std::size_t at = findSlot(record->getName(), hashOf(record->getName()));
     Record* const before = slots_[at].before;
@@ -119,8 +120,8 @@ class NameIndex {
       if (slot.record != nullptr) slots_[findSlot(slot.record->getName(), slot.hash)] = slot;
   }
 
-  /// Closes a gap: moves following slots back, so that no search ends at the empty slot too early. A slot
-  /// stays where it is if its home, the slot that its hash selects, comes after the gap.
+  /// Closes a gap: moves following slots back, so that no search ends at the empty slot too early. A slot is
+  /// not moved if its home, the slot that its hash selects, is after the gap.
   void closeGap(std::size_t gap) noexcept {
     --used_;
     slots_[gap].record = nullptr;

@@ -3,8 +3,8 @@
 //   name NUL value NUL comment NUL        value_ and comment_ are the offsets of the last two
 //   name NUL value NUL                    an empty comment shares the terminator of the value
 //
-// Most options have no comment and save a byte that way. Texts that do not fit are cut here, and nowhere
-// else.
+// Most options do not have a comment, and the shared terminator saves a byte for each. Texts that do not fit
+// are cut here, and nowhere else.
 #include "inifile/option_text.h"
 
 #include <algorithm>

@@ -12,7 +12,7 @@ class OptionText {
  public:
   /// Starts with an empty value and an empty comment.
   explicit OptionText(Span name) noexcept;
-  /// Takes as the name all characters that are not white space: "a b =" names the option "ab".
+  /// Sets the name to all characters that are not white space: "a b =" names the option "ab".
   static OptionText named(Span lineBeforeEqualSign) noexcept;
 
   /// Appends to the value. A NUL ends the value: nothing is appended after it.

@@ -11,7 +11,7 @@ class RecordPool {
  public:
   /// Sizes are counted in units of this many bytes, which is also the alignment.
   static constexpr std::size_t kUnit = 8;
-  /// The largest block. An option with a full text takes 130 units.
+  /// The largest block. An option with a full text needs 130 units.
   static constexpr std::size_t kMaxUnits = 160;
 
   static constexpr std::size_t unitsFor(std::size_t size) noexcept { return (size + kUnit - 1) / kUnit; }

@@ -1,8 +1,8 @@
-// Finds the lines of sections and options in a text. A model has no positions, and storing them would cost
-// every program that only reads; the editor finds them again when it needs them.
+// Finds the lines of sections and options in a text. A model does not store positions, which would burden
+// programs that only read; the editor determines them when it needs them.
 //
 // The scanner uses the line source and the value parser of the load, so both see the same lines and values:
-// the scanner's sections and options come in the order of the model and can be matched by counting. A
+// the scanner returns sections and options in the order of the model, so they can be matched by counting. A
 // section ends with its last line of content, because blank lines and comments after that more likely belong
 // to the next section.
 #include "inifile/section_layout.h"

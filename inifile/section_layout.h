@@ -23,7 +23,7 @@ struct SectionLayout {
   Span header{nullptr, nullptr};
   /// The end of the last line that is neither blank nor a comment.
   const char* contentEnd = nullptr;
-  /// Between the name and the value of the last option; null when there is no option.
+  /// The text between the name and the value of the last option; null in a section without options.
   Span separator{nullptr, nullptr};
   /// The lines of all options in their order, each followed by its continuation lines.
   Vector<ValueLine> lines;
@@ -42,7 +42,7 @@ class SectionScanner {
     readToHeader();
   }
 
-  /// Moves to the next section. Returns false when there are no more.
+  /// Moves to the next section. Returns false after the last one.
   bool next();
   const SectionLayout& layout() const noexcept { return layout_; }
 

@@ -1,6 +1,6 @@
 // Merges options into a text in one pass over its sections, in step with the sections of the model: the
-// layout tells where the lines of an option are, the model which option that is. Merging therefore takes the
-// time of a few changes, not of one change per option. Checking the result is ini_document.cpp's work.
+// layout tells where the lines of an option are, the model which option that is. Merging therefore costs as
+// much as a few changes, not one change per option. Checking the result is ini_document.cpp's work.
 #include "inifile/text_merger.h"
 
 #include "inifile/section_layout.h"
@@ -52,8 +52,8 @@ class TextMerger {
   String finish() { return rewriter_.finish(); }
 
  private:
-  /// Puts the whole value into the first line and removes the continuation lines. Of one with a comment only
-  /// the value is removed, so that nobody loses a comment.
+  /// Puts the whole value into the first line and removes the continuation lines. If a continuation line has
+  /// a comment, only its value is removed, so that no comment is lost.
   void setValue(std::span<const ValueLine> lines, const char* value) {
     String written;
     writeValue(written, value, isQuoted(lines.front().value));

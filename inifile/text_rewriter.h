@@ -9,13 +9,13 @@ namespace vel::inifile {
 
 class TextRewriter {
  public:
-  /// `text` must outlive the rewriter, and so must the spans in it that the functions take.
+  /// `text` must outlive the rewriter, and so must the spans of it that are passed to the functions.
   explicit TextRewriter(Span text) : text_(text), kept_(text.begin) {}
 
   void replace(Span old, const String& piece);
   void remove(Span old) { keepUpTo(old.begin), kept_ = old.end; }
   /// Adds a line at the start of a line, or at the end of the text. If the last line of the text has no line
-  /// break, the break goes before the new line, which then has none either.
+  /// break, the break is added before the new line, which then ends without one, too.
   void addLine(const char* at, const String& line);
   /// Adds a header at the end, after an empty line unless it is the first line.
   void addHeader(const char* section);

@@ -15,7 +15,7 @@ namespace vel::inifile {
 
 namespace {
 
-/// Returns the control character that a letter after a backslash stands for, or NUL when it stands for
+/// Returns the control character that a letter after a backslash denotes, or NUL if the letter denotes
 /// itself.
 char namedEscape(char c) noexcept {
   constexpr const char* kLetters = "abfnrtv";

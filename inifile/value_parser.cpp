@@ -97,7 +97,7 @@ class ValueParser {
     text_.skip(2);
     const Span name{text_.begin, text_.find(')')};
     text_.begin = name.end + 1;
-    // The environment is asked directly, because the classes for variables cut long names: a variable with
+    // The environment is queried directly, because the classes for variables cut long names: a variable with
     // the cut name is a different one.
     char terminated[kMaxLineLength + 1] = {};
     std::memcpy(terminated, name.begin, std::min(name.length(), kMaxLineLength));

@@ -12,8 +12,8 @@ struct ValuePlace {
   const char* stop;  ///< the ";" before the comment, or the end of the line
 };
 
-/// Appends the value in `text` to the option's value and sets the comment, to "" if there is none. `text` is
-/// what follows "=", or a whole continuation line.
+/// Appends the value in `text` to the option's value and sets the comment, to "" if the line does not contain
+/// one. `text` is what follows "=", or a whole continuation line.
 ValuePlace parseValue(Span text, OptionText& option);
 
 }  // namespace vel::inifile

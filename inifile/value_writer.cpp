@@ -1,5 +1,5 @@
 // Writes values for the editor, in a form that value_parser.cpp reads back unchanged: without quotes where
-// possible, otherwise as one string with escapes. VelClIniFileSave has a simpler form of its own, see
+// possible, otherwise as one string with escapes. VelClIniFileSave writes a simpler form, see
 // ini_file_save.cpp.
 #include "inifile/value_writer.h"
 

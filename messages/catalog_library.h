@@ -20,7 +20,7 @@ class CatalogLibrary {
   static constexpr std::size_t kMaxBytes = std::size_t{64} << 20;
 
   /// Returns null when the file is not found, is larger than kMaxBytes, or would be refused by the system's
-  /// loader. Throws when the memory manager fails.
+  /// loader. Throws if the memory manager fails.
   static Owner open(const char* fileName, platform::CatalogOwner owner);
 
   /// The bytes of a file, in memory of the memory manager.

@@ -1,9 +1,9 @@
-// Substitutes variables into message texts, in the two notations that insert_formatter.h documents. There is
+// Expands inserts in message texts, in the two notations that insert_formatter.h documents. There is
 // a class for each: it consumes the text from left to right with a TextReader and writes with a TextWriter,
 // which never leaves the caller's buffer. Runs of characters without an escape are copied eight at a time.
 //
-// Texts are untrusted: catalogs come from files. An insert is copied but never expanded itself, so the output
-// cannot grow out of hand, and the text is consumed once, so the time is linear.
+// Texts are untrusted: catalogs are read from files. An insert is copied but never expanded itself, so the
+// output cannot grow out of hand, and the text is consumed once, so the time is linear.
 
 #include "messages/insert_formatter.h"
 
@@ -27,8 +27,8 @@ struct InsertStyle {
   std::size_t precision = kUnlimited;
 };
 
-/// Consumes one flag of printf's. Returns false if there is none. Flags for
-/// numbers are accepted, but have no effect.
+/// Consumes one of printf's flags. Returns false if no flag follows. Flags for numbers are accepted and
+/// ignored.
 bool parseFlag(TextReader& text, InsertStyle& style) noexcept {
   if (text.consumeIf('-')) return style.leftAligned = true;
   if (text.consumeIf('0')) return style.zeroFilled = true;
@@ -143,9 +143,9 @@ class ResourceTextExpander {
 /// Expands texts of string tables. Nothing is malformed here; a result that does not fit is cut.
 class TableTextExpander {
  public:
-  TableTextExpander(TextReader text, const char* const* variables, std::uint32_t variableCount,
+  TableTextExpander(TextReader text, const char* const* inserts, std::uint32_t insertCount,
                     TextWriter out) noexcept
-      : text_(text), variables_(variables), variableCount_(variableCount), out_(out) {}
+      : text_(text), inserts_(inserts), insertCount_(insertCount), out_(out) {}
 
   std::size_t expand() noexcept {
     while (out_.room() > 0) {
@@ -159,23 +159,23 @@ class TableTextExpander {
 
  private:
   void escape() noexcept {
-    // Intentional: a missing number counts as 0, which is not a variable; blanks and signs are not part of
+    // Intentional: a missing number counts as 0, which is not an insert; blanks and signs are not part of
     // one.
     if (text_.consumeIf('%'))
       out_.put('%');
     else
-      putVariable(text_.parseNumber());
+      putInsert(text_.parseNumber());
   }
 
-  void putVariable(std::size_t number) noexcept {
-    const bool known = number >= 1 && number <= variableCount_ && variables_[number - 1] != nullptr;
-    const char* value = known ? variables_[number - 1] : kMissing;
+  void putInsert(std::size_t number) noexcept {
+    const bool known = number >= 1 && number <= insertCount_ && inserts_[number - 1] != nullptr;
+    const char* value = known ? inserts_[number - 1] : kMissing;
     out_.appendText(value, out_.room());
   }
 
   TextReader text_;
-  const char* const* variables_;
-  std::uint32_t variableCount_;
+  const char* const* inserts_;
+  std::uint32_t insertCount_;
   TextWriter out_;
 };
 
@@ -190,11 +190,11 @@ FormatResult expandResourceText(const char* text, std::size_t length, const char
   return result;
 }
 
-std::size_t expandTableText(const char* text, const char* const* variables, std::uint32_t variableCount,
+std::size_t expandTableText(const char* text, const char* const* inserts, std::uint32_t insertCount,
                             char* out, std::size_t maxLength) noexcept {
-  const std::size_t length = TableTextExpander(TextReader(text, std::strlen(text)), variables, variableCount,
-                                               TextWriter(out, maxLength))
-                                 .expand();
+  const std::size_t length =
+      TableTextExpander(TextReader(text, std::strlen(text)), inserts, insertCount, TextWriter(out, maxLength))
+          .expand();
   out[length] = '\0';
   return length;
 }

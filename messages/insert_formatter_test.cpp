@@ -1,4 +1,4 @@
-// Tests the substitution of variables in texts of libraries and tables.
+// Tests the expansion of inserts in texts of libraries and tables.
 #include "messages/insert_formatter.h"
 
 #include <gtest/gtest.h>

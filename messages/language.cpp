@@ -35,8 +35,9 @@ constexpr const char* kUnknown = "??";
 constexpr std::size_t kCodeLength = 2;
 constexpr char kOtherCombiningChar = '_';
 
-/// Returns the index of the row with this code, in either case, or the number of rows if there is none; the
-/// latter is the value of LANGUAGE_UNKNOWN or TERRITORY_UNKNOWN. The tables are sorted by code.
+/// Returns the index of the row with this code, in either case, or the number of rows if the table does not
+/// contain it; the latter is the value of LANGUAGE_UNKNOWN or TERRITORY_UNKNOWN. The tables are sorted by
+/// code.
 template <typename Row, std::size_t count>
 std::uint32_t find(const Row (&table)[count], std::string_view code) {
   if (code.size() != kCodeLength) return count;
@@ -47,7 +48,7 @@ std::uint32_t find(const Row (&table)[count], std::string_view code) {
   return static_cast<std::uint32_t>(row - table);
 }
 
-/// Returns a row, or null if there is none with this index.
+/// Returns the row with this index, or null if the index is too large.
 template <typename Row, std::size_t count>
 const Row* rowAt(const Row (&table)[count], std::uint32_t index) {
   return index < count ? &table[index] : nullptr;
@@ -156,7 +157,7 @@ void VelClLanguage::extractISOLongCode(char* out) const {
   namesTerritory() ? extractLongCode(out) : static_cast<void>(append(out, getLanguageCode()));
 }
 
-// ISO tags leave out the territory if it is row 0, which names no territory, or has no row.
+// ISO tags leave out the territory if it is row 0 or not in the table.
 bool VelClLanguage::namesTerritory() const {
   return territory_ != TERRITORY_UNSPECIFIED && territory_ < TERRITORY_UNKNOWN;
 }

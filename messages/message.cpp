@@ -1,8 +1,8 @@
-// Loads a message: decides which source supplies its text, has the variables substituted, and stores the
-// result. Substituting is insert_formatter.cpp's work; opening catalogs is message_catalog.cpp's.
+// Loads a message: decides which source supplies its text, has the inserts expanded, and stores the
+// result. Expanding is insert_formatter.cpp's work; opening catalogs is message_catalog.cpp's.
 //
-// A loaded library is the only source, even for ids that it lacks; without one it is the string table. If
-// neither has the message, the text says so and names the catalog.
+// A loaded library is the only source, even for ids that it does not contain; without a library, the string
+// table is. If the source does not contain the message, the text says so and names the catalog.
 #include <algorithm>
 #include <cstring>
 #include <ostream>
@@ -16,16 +16,16 @@
 
 namespace {
 
-constexpr const char* kMissingVariable = "???";
+constexpr const char* kMissingInsert = "???";
 constexpr const char* kNoCatalog = "UNABLE TO LOAD MESSAGE CATALOG: ";
 constexpr const char* kNoMessage = "UNABLE TO LOAD MESSAGE #%1 FROM CATALOG: ";
 
-const char* const kNoVariables[VEL_MAX_MESSAGE_VARIABLES] = {};
+const char* const kNoInserts[VEL_MAX_MESSAGE_VARIABLES] = {};
 
 }  // namespace
 
 VelClMessage::VelClMessage(const VelClMessageCatalog& catalog, unsigned long id)
-    : VelClMessage(catalog, id, kNoVariables) {}
+    : VelClMessage(catalog, id, kNoInserts) {}
 
 VelClMessage::VelClMessage(const VelClMessageCatalog& catalog, unsigned long id, const char* var1,
                            const char* var2, const char* var3, const char* var4, const char* var5,
@@ -35,9 +35,9 @@ VelClMessage::VelClMessage(const VelClMessageCatalog& catalog, unsigned long id,
   setNewMessageId(id, var1, var2, var3, var4, var5, var6, var7, var8, var9, var10);
 }
 
-VelClMessage::VelClMessage(const VelClMessageCatalog& catalog, unsigned long id, const char* const* variables)
+VelClMessage::VelClMessage(const VelClMessageCatalog& catalog, unsigned long id, const char* const* inserts)
     : catalog_(catalog), inline_(""), text_(inline_), id_(0), loaded_(false) {
-  loadMessage(static_cast<uint32_t>(id), variables);
+  loadMessage(static_cast<uint32_t>(id), inserts);
 }
 
 VelClMessage::VelClMessage(const VelClMessage& other)
@@ -59,37 +59,37 @@ VelClMessage& VelClMessage::operator=(const VelClMessage& other) {
 }
 
 const char* VelClMessage::setNewMessageId(unsigned long id) {
-  return loadMessage(static_cast<uint32_t>(id), kNoVariables);
+  return loadMessage(static_cast<uint32_t>(id), kNoInserts);
 }
 
 const char* VelClMessage::setNewMessageId(unsigned long id, const char* var1, const char* var2,
                                           const char* var3, const char* var4, const char* var5,
                                           const char* var6, const char* var7, const char* var8,
                                           const char* var9, const char* var10) {
-  const char* const variables[VEL_MAX_MESSAGE_VARIABLES] = {var1, var2, var3, var4, var5,
-                                                            var6, var7, var8, var9, var10};
-  return loadMessage(static_cast<uint32_t>(id), variables);
+  const char* const inserts[VEL_MAX_MESSAGE_VARIABLES] = {var1, var2, var3, var4, var5,
+                                                          var6, var7, var8, var9, var10};
+  return loadMessage(static_cast<uint32_t>(id), inserts);
 }
 
-/// Loads the message and returns its text. Variables that are null count as not given and are shown as "???";
-/// if the array is null, so are all.
-const char* VelClMessage::loadMessage(uint32_t id, const char* const* variables) {
-  if (variables == nullptr) variables = kNoVariables;
-  const char* inserts[VEL_MAX_MESSAGE_VARIABLES];
-  std::transform(variables, variables + VEL_MAX_MESSAGE_VARIABLES, inserts,
-                 [](const char* variable) { return variable != nullptr ? variable : kMissingVariable; });
+/// Loads the message and returns its text. Inserts that are null are shown as "???"; if the array is null,
+/// all are.
+const char* VelClMessage::loadMessage(uint32_t id, const char* const* inserts) {
+  if (inserts == nullptr) inserts = kNoInserts;
+  const char* shown[VEL_MAX_MESSAGE_VARIABLES];
+  std::transform(inserts, inserts + VEL_MAX_MESSAGE_VARIABLES, shown,
+                 [](const char* insert) { return insert != nullptr ? insert : kMissingInsert; });
   char text[VEL_MAX_MESSAGE_LENGTH + 1];
   size_t length = 0;
   bool loaded = false;
   if (catalog_.isValid()) {
-    loaded = catalog_.library_->expand(id, inserts, text, sizeof text, length);
+    loaded = catalog_.library_->expand(id, shown, text, sizeof text, length);
   } else if (id < catalog_.stringTableSize_) {
-    length = replaceVars(text, VEL_MAX_MESSAGE_LENGTH, catalog_.stringTable_[id], inserts,
+    length = replaceVars(text, VEL_MAX_MESSAGE_LENGTH, catalog_.stringTable_[id], shown,
                          VEL_MAX_MESSAGE_VARIABLES);
     loaded = true;
   }
   if (!loaded) length = buildFailureText(id, text);
-  // The old text is replaced last, because variables may point into it.
+  // The old text is replaced last, because inserts may point into it.
   store(text, length);
   id_ = id;
   loaded_ = loaded;
@@ -98,18 +98,18 @@ const char* VelClMessage::loadMessage(uint32_t id, const char* const* variables)
 
 // A table may have null entries, which count as "".
 unsigned long VelClMessage::replaceVars(char* out, unsigned long maxLength, const char* source,
-                                        const char* const* variables, unsigned long variableCount) const {
+                                        const char* const* inserts, unsigned long insertCount) const {
   return static_cast<unsigned long>(vel::messages::expandTableText(
-      vel::textOrEmpty(source), variables, static_cast<uint32_t>(variableCount), out, maxLength));
+      vel::textOrEmpty(source), inserts, static_cast<uint32_t>(insertCount), out, maxLength));
 }
 
 // The name is cut rather than the text before it, which says what went wrong.
 size_t VelClMessage::buildFailureText(uint32_t id, char* out) const {
   char number[16];
   velULtoa(id, number);
-  const char* const variables[] = {number};
+  const char* const inserts[] = {number};
   const size_t length =
-      replaceVars(out, VEL_MAX_MESSAGE_LENGTH, catalog_.isValid() ? kNoMessage : kNoCatalog, variables, 1);
+      replaceVars(out, VEL_MAX_MESSAGE_LENGTH, catalog_.isValid() ? kNoMessage : kNoCatalog, inserts, 1);
   const char* name = catalog_.getAsCString();
   const size_t nameLength = std::min(std::strlen(name), VEL_MAX_MESSAGE_LENGTH - length);
   // NOLINTNEXTLINE(bugprone-not-null-terminated-result): the length is returned

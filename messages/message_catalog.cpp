@@ -59,14 +59,14 @@ void VelClMessageCatalog::open() {
 /// Chooses the user's language, or else the system's, if the library has the probe message in it; otherwise
 /// US English, without a test: messages that are missing then say so themselves.
 void VelClMessageCatalog::chooseLanguage() {
-  const char* const noVariables[VEL_MAX_MESSAGE_VARIABLES] = {};
+  const char* const noInserts[VEL_MAX_MESSAGE_VARIABLES] = {};
   char text[VEL_MAX_MESSAGE_LENGTH + 1];
   size_t length = 0;
   languageFound_ = 1;
   for (const uint32_t language : {vel::platform::userLanguage(), vel::platform::systemLanguage()}) {
     language_ = language;
     library_->useLanguage(language);
-    if (library_->expand(kProbeMessage, noVariables, text, sizeof text, length)) return;
+    if (library_->expand(kProbeMessage, noInserts, text, sizeof text, length)) return;
   }
   language_ = kEnglishUnitedStates;
   library_->useLanguage(language_);

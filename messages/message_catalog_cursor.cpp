@@ -1,4 +1,4 @@
-// Lists every message of a catalog as it is stored, without substituting variables.
+// Lists every message of a catalog as it is stored, without expanding inserts.
 //
 // A library keeps its messages by language and then by id, and a file may list them in any order; callers get
 // them by id and then by language. So the cursor collects the positions of all entries once, counting first

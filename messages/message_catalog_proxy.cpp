@@ -10,7 +10,7 @@ namespace {
 
 using CatalogProxy = VelClMessageCatalogProxy;
 
-const char* const kNoVariables[VEL_MAX_MESSAGE_VARIABLES] = {};
+const char* const kNoInserts[VEL_MAX_MESSAGE_VARIABLES] = {};
 
 CatalogProxy* proxyOf(VelMsgCatHandle handle) {
   return reinterpret_cast<CatalogProxy*>(handle);
@@ -19,7 +19,8 @@ VelMsgCatHandle handleOf(CatalogProxy* proxy) {
   return reinterpret_cast<VelMsgCatHandle>(proxy);
 }
 
-/// Returns the proxy as a handle. If its catalog has no library, destroys it and returns null.
+/// Returns the proxy as a handle. If the library of its catalog is not loaded, destroys the proxy and returns
+/// null.
 VelMsgCatHandle handleIfValid(CatalogProxy* proxy) {
   if (proxy->isValid()) return handleOf(proxy);
   vel::destroy(proxy);
@@ -62,12 +63,12 @@ unsigned int VelClMessageCatalogProxy::getLanguage() const {
 }
 
 const char* VelClMessageCatalogProxy::getMessage(unsigned long id) {
-  return getMessage(id, kNoVariables);
+  return getMessage(id, kNoInserts);
 }
 
-const char* VelClMessageCatalogProxy::getMessage(unsigned long id, const char* const* variables) {
+const char* VelClMessageCatalogProxy::getMessage(unsigned long id, const char* const* inserts) {
   if (catalog_ == nullptr) return "";
-  const VelClMessage message(*catalog_, id, variables);
+  const VelClMessage message(*catalog_, id, inserts);
   const char* text = message.getAsCString();
   // VEL_MAX_MESSAGE_LENGTH bounds every message, and the buffer has one byte more.
   std::memcpy(text_, text, std::strlen(text) + 1);
@@ -96,18 +97,18 @@ const char* velMsgCatGet(VelMsgCatHandle handle, unsigned long id) {
 }
 
 const char* velMsgCatGetVar(VelMsgCatHandle handle, unsigned long id, ...) {
-  const char* variables[VEL_MAX_MESSAGE_VARIABLES] = {};
+  const char* inserts[VEL_MAX_MESSAGE_VARIABLES] = {};
   std::va_list arguments;
   va_start(arguments, id);
-  // Intentional: a first variable that is null does not end the list, so
-  // callers without variables pass two nulls.
-  variables[0] = va_arg(arguments, const char*);
+  // Intentional: a first insert that is null does not end the list, so callers without inserts pass two
+  // nulls.
+  inserts[0] = va_arg(arguments, const char*);
   for (int i = 1; i < VEL_MAX_MESSAGE_VARIABLES; ++i) {
-    variables[i] = va_arg(arguments, const char*);
-    if (variables[i] == nullptr) break;
+    inserts[i] = va_arg(arguments, const char*);
+    if (inserts[i] == nullptr) break;
   }
   va_end(arguments);
-  return proxyOf(handle)->getMessage(id, variables);
+  return proxyOf(handle)->getMessage(id, inserts);
 }
 
 unsigned int velMsgCatGetLanguage(VelMsgCatHandle handle) {

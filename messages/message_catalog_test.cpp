@@ -31,7 +31,7 @@ VelClMessageCatalog open(const std::string& name) {
   return VelClMessageCatalog(VelClFilename(name.c_str()));
 }
 
-/// A directory with a small catalog of its own.
+/// A directory that contains a small catalog.
 class MessageCatalogFile : public testing::Test {
  protected:
   vel::test::ScratchDirectory directory_;
@@ -133,7 +133,7 @@ TEST(MessageCatalog, TheLibrarysOwnReadsLikeTheBuiltInTable) {
   }
 }
 
-// A copy of this program runs the test, because it has neither library nor catalog in its directory.
+// A copy of this program runs the test, because its directory contains neither the library nor a catalog.
 TEST(MessageCatalog, TheLibrarysOwnIsNotTheOneInTheCurrentDirectory) {
   namespace fs = std::filesystem;
   const fs::path program = vel::test::ownProgram();

@@ -7,7 +7,7 @@
 //                 entry 1 | entry 2 | entry 3    entry 10 | entry 11      entry: length, flags, text
 //
 // Entries have different lengths, so finding an id means stepping over the entries before it in its block.
-// Every length and offset comes from a file and is checked before it is used: an entry that is too short, or
+// Every length and offset is read from a file and checked before it is used: an entry that is too short, or
 // not wholly within the table, ends the search in its block.
 #include "messages/message_resource.h"
 
@@ -121,7 +121,7 @@ bool MessageResource::next(Cursor& cursor, Entry& entry) const noexcept {
 bool MessageResource::nextInBlock(Cursor& cursor, const Block& block, Entry& entry) const noexcept {
   if (cursor.nextId > block.highId) return false;
   const std::uint16_t length = entryLength(cursor.offset);
-  // Entries of a valid table do not overlap, so together they are no longer than the table. Without this
+  // Entries of a valid table do not overlap, so their total length is at most that of the table. Without this
   // limit many blocks that point to the same bytes would make the walk quadratic.
   if (length == 0 || cursor.consumed + length > bytes_.size()) return false;
   entry = entryAt(static_cast<std::uint32_t>(cursor.nextId), cursor.offset);

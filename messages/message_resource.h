@@ -12,16 +12,16 @@
 namespace vel::messages {
 
 /// Returns the languages whose tables serve a request in `language`, best first: the language itself, its
-/// primary language without a territory, and neutral (0). Use the first table that exists; if it lacks a
-/// message, the others are not searched.
+/// primary language without a territory, and neutral (0). Use the first table that exists, even for messages
+/// that it does not contain: the others are not searched.
 std::array<std::uint32_t, 3> languageCandidates(std::uint32_t language) noexcept;
 
 /// A message table. Layout: the number of blocks; then for each block {lowest id, highest id, offset of the
 /// lowest id's entry}, all of 32 bits. The entries of a block follow one another, each {16-bit length
 /// including this header, 16-bit flags, text}. Ids ascend.
 ///
-/// Does not own the bytes. Any bytes are accepted: nothing outside of them is read, and find() and a whole
-/// walk take time linear in the number of bytes.
+/// Does not own the bytes. Any bytes are accepted: nothing outside of them is read, and the time of find()
+/// and of a whole walk is linear in the number of bytes.
 class MessageResource {
  public:
   struct Entry {
@@ -41,7 +41,8 @@ class MessageResource {
 
   MessageResource(const std::uint8_t* data, std::size_t sizeInBytes) noexcept;
 
-  /// Looks a message up. Returns false and leaves `entry` unchanged if there is none or its entry is damaged.
+  /// Looks a message up. Returns false and leaves `entry` unchanged if the table does not contain it or its
+  /// entry is damaged.
   bool find(std::uint32_t id, Entry& entry) const noexcept;
 
   /// Moves to the next entry in the order of ids; returns false at the end. Skips blocks that are out of

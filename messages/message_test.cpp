@@ -16,7 +16,7 @@ constexpr const char* kTable[] = {"[VEL_MSGTAB_SIGNATURE] 7", "[TABLE]", "<%1>",
                                   "%1%2%3%4%5%6%7%8%9%10",    nullptr};
 constexpr const char* kOtherTable[] = {"", "[OTHER]", "{%1}", "other"};
 
-/// Returns the replacement of `count` variables that are not given.
+/// Returns the replacement of `count` inserts that are not given.
 std::string missing(unsigned int count) {
   return count == 0 ? "" : "???" + missing(count - 1);
 }
@@ -130,7 +130,7 @@ TEST(CatalogFunctions, CollectVariablesUpToANull) {
   EXPECT_EQ(velMsgCatGetVar(handle, 5, kNull, kNull), missing(10));
   EXPECT_EQ(velMsgCatGetVar(handle, 5, "a", kNull), "a" + missing(9));
   EXPECT_EQ(velMsgCatGetVar(handle, 5, "a", "b", kNull, "c", kNull), "ab" + missing(8));
-  // Intentional: the first variable is used even if it is null.
+  // Intentional: the first insert is used even if it is null.
   EXPECT_EQ(velMsgCatGetVar(handle, 5, kNull, "b", kNull), "???b" + missing(8));
   EXPECT_STREQ(velMsgCatGetVar(handle, 5, "a", "b", "c", "d", "e", "f", "g", "h", "i", "j"), "abcdefghij");
   EXPECT_STREQ(velMsgCatGetVar(handle, 5, "a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l"),

@@ -18,8 +18,8 @@ struct MessageTable {
 };
 
 /// A view of a library file (32-bit or 64-bit PE), in its layout on disk. Does not own the bytes. Any
-/// bytes are accepted: nothing outside of them is read, and walking the tables and all of their messages
-/// takes time linear in the number of bytes.
+/// bytes are accepted: nothing outside of them is read, and the time of walking the tables and all of their
+/// messages is linear in the number of bytes.
 ///
 /// Resources are a tree of three levels, type, ID and language:
 ///
@@ -52,7 +52,7 @@ class PortableExecutable {
   bool nextMessageTable(Cursor& cursor, MessageTable& table) const noexcept;
 
   /// Finds the table with the ID kMessageTableId whose language is the first possible one of
-  /// languageCandidates(). Returns false if there is none.
+  /// languageCandidates(). Returns false if the file does not contain one.
   bool findMessageTable(std::uint32_t language, MessageTable& table) const noexcept;
 
  private:
@@ -91,8 +91,8 @@ class PortableExecutable {
   ByteView file_;
   std::uint64_t sectionTable_ = 0;
   std::uint32_t sectionCount_ = 0;
-  std::uint64_t resources_ = 0;      ///< file offset of the resource tree; 0 if there is none
-  std::uint64_t messageTables_ = 0;  ///< file offset of the directory of type 11; 0 if there is none
+  std::uint64_t resources_ = 0;      ///< file offset of the resource tree; 0 without resources
+  std::uint64_t messageTables_ = 0;  ///< file offset of the directory of type 11; 0 without message tables
   bool valid_ = false;
 };
 

@@ -1,4 +1,4 @@
-// Converts texts of message resources to the process's ANSI code page or to UTF-8. The bytes come from a
+// Converts texts of message resources to the process's ANSI code page or to UTF-8. The bytes were read from a
 // file: they are neither aligned nor known to be well-formed UTF-16.
 //
 // Nearly all messages are ASCII, whose bytes are the same in UTF-8 and in every ANSI code page. So a Unicode

@@ -30,10 +30,9 @@ template <char... kCharacters>
 struct StopSet {
   static bool contains(char c) noexcept { return ((c == kCharacters) || ...); }
   /// Returns how many of eight characters, the first one in the lowest byte, precede the first stop; 8 if
-  /// there is none.
-  /// Uses the test for zero bytes of a word by A. Mycroft (S. E. Anderson, Bit Twiddling Hacks:
-  /// "Determine if a word has a zero byte"). It may also mark bytes above a zero byte, because of the
-  /// borrow, but the lowest mark is always right.
+  /// none of them is a stop. Uses the test for zero bytes of a word by A. Mycroft (S. E. Anderson, Bit
+  /// Twiddling Hacks: "Determine if a word has a zero byte"). It may also mark bytes above a zero byte,
+  /// because of the borrow, but the lowest mark is always right.
   static std::size_t countBefore(std::uint64_t eight) noexcept {
     return static_cast<std::size_t>(std::countr_zero((markZeroBytes(eight ^ kOnes * kCharacters) | ...))) / 8;
   }
@@ -63,7 +62,7 @@ class TextReader {
     return true;
   }
   bool atDigit() const noexcept { return !atEnd() && isAsciiDigit(*current_); }
-  /// Consumes a decimal number and returns its value, saturated; 0 if there is no digit.
+  /// Consumes a decimal number and returns its value, saturated; 0 if no digit follows.
   std::size_t parseNumber() noexcept {
     std::size_t number = 0;
     while (atDigit()) number = appendDigit(number, read());
@@ -71,7 +70,7 @@ class TextReader {
   }
 
   /// Consumes the text up to the next `mark` and the mark itself; `part` is the text before it. Returns false
-  /// and consumes nothing if there is no mark.
+  /// and consumes nothing if the text does not contain the mark.
   bool readUntil(char mark, TextReader& part) noexcept {
     const char* found = std::find(current_, end_, mark);
     if (found == end_) return false;
@@ -85,8 +84,8 @@ class TextReader {
   const char* end_;
 };
 
-/// Appends to a buffer. What does not fit is not written, not even in part. From then on overflowed() is true
-/// and nothing more is written.
+/// Appends to a buffer. A text that does not fit is not written, not even in part. From then on overflowed()
+/// is true and nothing more is written.
 class TextWriter {
  public:
   TextWriter(char* out, std::size_t capacity) noexcept : out_(out), capacity_(capacity) {}

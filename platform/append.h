@@ -37,8 +37,9 @@ enum class AppendTo { AnyFile, OwnFile };
 /// descriptor. Never blocks. Fails with ELOOP or EACCES for a link and EPERM for another user's file where
 /// OwnFile refuses them.
 SystemError openForAppending(const char* name, AppendTo target, int& descriptor) noexcept;
-/// Appends both pieces in one system call, so that the entries of other processes come before or after them.
-/// Sets `written` to the number of bytes written, also after a failure. No failure raises a signal.
+/// Appends both pieces in one system call, so that the entries of other processes are before or after them,
+/// not between. Sets `written` to the number of bytes written, also after a failure. No failure raises a
+/// signal.
 SystemError appendBytes(int descriptor, const Bytes& first, const Bytes& second,
                         std::uint64_t& written) noexcept;
 /// Closes the descriptor in any case. A failure means that bytes appended before may be lost.

@@ -13,8 +13,8 @@ namespace vel::platform {
 enum class PipeWithoutWriter { Refuse, Wait };
 
 /// Opens for reading. Names may have either kind of separator; children do not inherit the descriptor. With
-/// Wait, waits until a pipe has a writer; with Refuse, fails with ENXIO if it has none. Reading from a pipe
-/// waits for what its writers send.
+/// Wait, waits until a pipe has a writer; with Refuse, fails with ENXIO if nobody has it open for writing.
+/// Reading from a pipe waits for what its writers send.
 SystemError openForReading(const char* name, PipeWithoutWriter pipe, int& descriptor) noexcept;
 void closeDescriptor(int descriptor) noexcept;
 

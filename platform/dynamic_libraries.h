@@ -20,7 +20,7 @@ NativeError loadLibrary(const char* name, void*& library) noexcept;
 /// the current directory or along PATH. Windows: the folder of this library, that of the program, the
 /// system's.
 NativeError loadInstalledLibrary(const char* name, void*& library) noexcept;
-/// Returns null if the library has no procedure of this name.
+/// Returns null if the library does not export a procedure of this name.
 Procedure findProcedure(void* library, const char* name) noexcept;
 void freeLibrary(void* library) noexcept;
 

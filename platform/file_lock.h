@@ -25,7 +25,7 @@ SystemError stateAt(const char* name, FileState& state) noexcept;
 enum class LockResult {
   Locked,
   Busy,         ///< somebody else has the lock
-  Unsupported,  ///< the file system has no locks; `lock` is set as for Locked
+  Unsupported,  ///< the file system does not support locks; `lock` is set as for Locked
   Failed
 };
 

@@ -41,7 +41,7 @@ SystemError renameFile(const char* from, const char* to) noexcept;
 SystemError createExclusively(const char* name, int& descriptor) noexcept;
 
 /// Writes the current directory in backslash style with its drive, NUL-terminated, without a final separator
-/// unless it is the root. Fails with ERANGE when it does not fit, EINVAL when it has no spelling in that
+/// unless it is the root. Fails with ERANGE when it does not fit, EINVAL when it cannot be spelled in that
 /// style.
 SystemError currentDirectory(char* out, std::size_t capacity) noexcept;
 /// Returns the directory for scratch files that the system knows beyond TMP and TEMP; never null.

@@ -18,13 +18,13 @@ struct Launch {
 /// the standard streams, and no other descriptor. The exit code of a process ended by a POSIX signal is 128
 /// plus the signal number. Fails with 2 on every system if the program is not found.
 NativeError launchAndWait(const Launch& launch, std::uint32_t& exitCode) noexcept;
-/// Starts a program and does not wait. On Windows it has no console unless `newConsole` is set. On POSIX it
-/// runs in a new session, has /dev/null as its standard streams, and never becomes a zombie of this process.
-/// It inherits and fails as with launchAndWait.
+/// Starts a program and does not wait. On Windows it runs without a console unless `newConsole` is set. On
+/// POSIX it runs in a new session, has /dev/null as its standard streams, and never becomes a zombie of this
+/// process. It inherits and fails as with launchAndWait.
 NativeError launchDetached(const Launch& launch, std::uint32_t& processId) noexcept;
 
 enum class EndResult { Ended, CannotOpen, Failed };
-/// Ends a process unconditionally, without waiting. CannotOpen: there is no such process, this one may not
+/// Ends a process unconditionally, without waiting. CannotOpen: the process does not exist, this one may not
 /// end it, or the ID does not identify a single process.
 EndResult endProcess(std::uint32_t id) noexcept;
 

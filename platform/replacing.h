@@ -15,7 +15,7 @@ struct Replacement {
   int descriptor = -1;      ///< for writing bytes
   bool isBeside = false;    ///< false when the target is a device or pipe and is written to directly
   bool keepsRights = true;  ///< after success: whether owner and permissions are those of the old file
-  FileIdentity old;         ///< the file that is replaced; zeros when there was none
+  FileIdentity old;         ///< the file that is replaced; zeros when it did not exist
 
   // The following members are for the implementation only.
 
@@ -23,7 +23,7 @@ struct Replacement {
   static constexpr std::size_t kTemporaryCapacity = kFullNameCapacity + 100;
 
   int directory =
-      -1;  ///< the directory of both names, held open; -1 where the system has no such descriptors
+      -1;  ///< the directory of both names, held open; -1 where the system does not support such descriptors
   int heldTarget = -1;  ///< the old file, held open so that no other file can get its identity meanwhile
   char temporary[kTemporaryCapacity] = "";  ///< the system's own spelling; "" while the new file has no name
   char target[kFullNameCapacity];

@@ -11,8 +11,8 @@ int windowsPlatformId() noexcept;
 /// Returns the function that an import thunk jumps to; any other function unchanged.
 const void* resolveImportThunk(const void* function) noexcept;
 /// Shows a stop message with an OK button and waits for it, where the system has message boxes. The text is
-/// given in pieces; joining them takes no memory from the process's heap, and text that the system has no
-/// memory for is cut.
+/// given in pieces; they are joined without memory of the process's heap, and cut if the system is out of
+/// memory, too.
 void showStopMessage(const char* title, const char* const* pieces, std::size_t count) noexcept;
 
 }  // namespace vel::platform

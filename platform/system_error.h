@@ -1,6 +1,6 @@
 // How the seam reports failures. A function that can fail returns one of these two types, 0 for success, and
-// gives its value through an out parameter, which has no defined value after a failure. A function that
-// answers a question ("exists", "is writable") returns the answer.
+// gives its value through an out parameter, whose value is undefined after a failure. A function that answers
+// a question ("exists", "is writable") returns the answer.
 #pragma once
 
 #include <cstdint>

@@ -18,12 +18,13 @@ VelClDllFile::~VelClDllFile() {
 
 void VelClDllFile::load() {
   const platform::NativeError error = platform::loadLibrary(getAsCString(), handle_);
-  // Intentional: the identifier is the system's own error code, as none of the library's would tell why the
-  // loader refused the file.
+  // Intentional: the identifier is the system's own error code, because no identifier of this library would
+  // say why the loader refused the file.
   if (handle_ == nullptr) fail(error, VelEnErrorClass::RESOURCE_MISSING);
 }
 
-// Intentional: the type of a library has a dot, that of a program has none. setNewExtension accepts both.
+// Intentional: the type of a library begins with a dot, that of a program does not. setNewExtension accepts
+// both.
 const char* VelClDllFile::getDefaultFileType() {
   return ".DLL";
 }

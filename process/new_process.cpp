@@ -1,5 +1,5 @@
 // Builds the command line of a program and launches the program, waiting for it or detached. How a process is
-// started is the platform's work. Windows takes the command line as it is; for POSIX it is split by
+// started is the platform's work. Windows gets the command line unchanged; for POSIX it is split by
 // command_line.cpp, so that a program sees the same arguments on both systems.
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,6 @@
-// The common part of the tools that have texts of their own. Those texts are tables in each tool's texts.h,
-// so that a tool needs no catalog file; only trcctl has its texts in the library's catalog and does without
-// this class.
+// The common part of the tools that have their own texts. Those texts are tables in each tool's texts.h, so
+// that a tool needs no catalog file; only trcctl has its texts in the library's catalog and does without this
+// class.
 #include "tools/catalog_tool.h"
 
 #include <cstring>

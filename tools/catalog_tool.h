@@ -1,4 +1,4 @@
-// The common part of the tools that have texts of their own: title and usage, reports, and free arguments.
+// The common part of the tools that have their own texts: title and usage, reports, and free arguments.
 #pragma once
 
 #include <string>
@@ -23,7 +23,7 @@ class CatalogTool : public VelClConsoleUI {
       : VelClConsoleUI(argc, argv), texts_(texts, count) {}
 
   const VelClMessageCatalog& getMessageCatalog() const override { return texts_; }
-  /// Returns a text of the tool's own.
+  /// Returns one of the tool's own texts.
   std::string text(unsigned long id) const;
   /// Reports an error on standard error and returns.
   void report(unsigned long id, const char* argument = nullptr) const;

@@ -100,7 +100,7 @@ std::string failEach(const Row& row) {
   }
 }
 
-#if !defined(VEL_SANITIZED)  // a sanitizer has an allocator of its own
+#if !defined(VEL_SANITIZED)  // a sanitizer replaces the allocator itself
 
 TEST(FailedAllocations, MakeToolsFailInOrder) {
   const fs::path library = fs::path(vel::test::ownProgram()).replace_filename("libfailing_malloc.so");

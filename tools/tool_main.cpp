@@ -1,9 +1,8 @@
 // The main function of every tool, and the end of a tool that runs out of memory or may write no more.
 //
-// Lack of memory arrives in two ways. Most of it is an exception that passes through toolMain. The rest comes
-// from functions that must not throw: there the C++ runtime calls the terminate handler instead, in the
-// middle of whatever ran. Both ways give the same message and exit code, so that scripts need to know one
-// only.
+// Lack of memory arrives in two ways. In most cases an exception passes through toolMain. The others are in
+// functions that must not throw: there the C++ runtime calls the terminate handler instead, in the middle of
+// whatever ran. Both ways give the same message and exit code, so that scripts need to know one only.
 #include "tools/tool_main.h"
 
 #include <cstdio>
@@ -29,8 +28,8 @@ void reportOutOfMemory() noexcept {
   std::fputs(": out of memory\n", stderr);
 }
 
-/// Whether the process ends for lack of memory. There is no current exception when not even the exception
-/// object could be allocated.
+/// Whether the process ends for lack of memory. If not even the exception object could be allocated, there is
+/// no current exception.
 bool endsForLackOfMemory() noexcept {
   const std::exception_ptr current = std::current_exception();
   if (current == nullptr) return true;
@@ -55,7 +54,7 @@ bool endsForLackOfMemory() noexcept {
 
 int runTool(int argc, char** argv) {
   previousHandler = std::set_terminate(terminate);
-  // A tool reports what it cannot write, and ends with the exit code for that.
+  // A tool reports a failure to write, and ends with the exit code for that.
   platform::ignoreFileSizeSignal();
   const SafeTerminal terminal;
   try {

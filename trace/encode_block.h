@@ -104,7 +104,7 @@ inline CharacterBlock loadTail(const unsigned char* end, std::size_t count) {
 }
 
 /// Encodes a block on any processor. Returns false unless all characters that `wanted` selects are in the
-/// alphabet or 0xFF; `block` must not be used then. The codes of other characters have no meaning.
+/// alphabet or 0xFF; `block` must not be used then. The codes of other characters are undefined.
 inline bool encodeBlockPortably(const CharacterBlock& characters, unsigned int wanted, EncodedBlock& block) {
   unsigned char text[kBlockLength];
   std::memcpy(text, &characters, sizeof text);

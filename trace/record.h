@@ -1,13 +1,16 @@
 // Builds the record of a trace entry in the caller's memory: within an entry, or directly in the ring.
 // VelClTraceEntry documents the layout.
 //
-// Tracing has to cost the program little, so a record is built in one pass and in its final
-// place. The texts come first, because compressing them yields their lengths; then the
-// head, one store per field; then the data:
+// Tracing has to cost the program little, so a record is built in one pass and in its final place. Its three
+// sections are written in this order: the texts, because the head contains their lengths after compression;
+// the head, one store per 4-byte word; the data.
 //
-//   0                        4     8        12      16           20
-//   | type, id, text lengths | time| process| thread| data length| message | origin | data
-//     `------------------ 2. storeNumber ----------------------'   `- 1. storeText -'  3. copyData
+//   offset  content                                       written by
+//   0       byte 0 (see below), component id, and the     2. storeNumber
+//           stored lengths of message and origin
+//   4       time, process, thread, length of the data     2. storeNumber, 4 bytes each
+//   20      message, then origin                          1. storeText
+//   after   data                                          3. copyData
 #pragma once
 
 #include <bit>
@@ -29,6 +32,8 @@ inline constexpr std::size_t kMaxRecordSize = kHeadLength + 2 * kMaxCompressedSi
 /// Byte 0 of a record: bits 0 to 4 are the data type, bit 5 says whether the texts are
 /// compressed, bits 6 and 7 are the detail.
 inline constexpr std::uint32_t kCompressedFlag = 0x20;
+/// The bits that are not the detail. A data type is masked with all of them, so that a caller's number from
+/// 0x20 to 0x3F sets the flag, too; the types in use are below 0x20.
 inline constexpr std::uint32_t kTypeAndCompressedMask = 0x3F;
 inline constexpr unsigned int kDetailShift = 6;
 
@@ -70,8 +75,8 @@ inline void storeNumber(unsigned char* out, std::uint32_t number) {
   std::memcpy(out, &number, sizeof number);
 }
 
-/// Builds a record without its data and returns its length. `out` has
-/// room for kMaxRecordSize and kSlack bytes.
+/// Builds a record without its data and returns its length. `out` must have room for kMaxRecordSize + kSlack
+/// bytes.
 inline std::size_t buildRecord(const VelClTraceEnvironment& environment, const Event& event,
                                unsigned char* out) {
   const bool compressed = environment.getSettings().usesCompression();

@@ -26,8 +26,8 @@ char mapCharacter(char c) {
 VelClResourceKeyABase::VelClResourceKeyABase(const char* type, const char* key, const char* instance)
     : length_(0), name_{}, part_(name_) {
   add(vel::textOrEmpty(type));
-  // The part starts after the ":" that the next add() writes. Without a type there is no separator, and in a
-  // full name the part is the terminator.
+  // The part starts after the ":" that the next add() writes. Without a type no separator precedes it, and in
+  // a full name the part is the terminator.
   if (length_ != 0) part_ = name_ + std::min(static_cast<std::size_t>(length_) + 1, sizeof name_ - 1);
   add(vel::textOrEmpty(key));
   if (instance != nullptr) add(instance);

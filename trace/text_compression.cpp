@@ -28,7 +28,7 @@ namespace {
 
 /// The size of an encoded block in bytes.
 constexpr std::ptrdiff_t kBlockBytes = 12;
-/// Characters that are decoded at once.
+/// The number of characters that are decoded together.
 constexpr std::size_t kGroup = 8;
 
 /// The last bit at which a character may start. A 6-bit code then fits into kMaxCompressedSize bytes; an

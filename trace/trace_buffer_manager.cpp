@@ -24,9 +24,9 @@
 #include "platform/processes.h"
 #include "vel_include/vel_trace.h"
 
-/// The first bytes of the ring's memory. Nothing is locked: threads that trace without taking turns may
-/// damage entries, but must never write outside the ring. So each position is read once, checked, and then
-/// used; reading it a second time could yield a value that was not checked.
+/// The first bytes of the ring's memory. Nothing is locked: threads that trace at the same time may damage
+/// entries, but must never write outside the ring. So each position is read once, checked, and then used;
+/// reading it a second time could yield a value that was not checked.
 struct VelClTraceBufferManager::Header {
   char signature[4];
   uint32_t unused;
@@ -159,7 +159,7 @@ void VelClTraceBufferManager::fill(const char* data, size_t length) {
 /// tracing goes on without the bytes that are lost.
 void VelClTraceBufferManager::callHandler() {
   if (handler_ == nullptr) return;
-  // Clipped to the end, since threads that do not take turns may have left positions past it.
+  // Clipped to the end, since threads that trace concurrently without a lock may have left positions past it.
   char* const end = header_->dataEnd + 1;
   char* const save = std::min(Header::readOnce(header_->save), end);
   char* const write = std::min(header_->writePosition(), end);

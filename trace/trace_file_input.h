@@ -1,5 +1,5 @@
 // A buffered reader of trace files. It is a stream buffer, because VelClTraceFileEntry reads records from a
-// stream, and has functions of its own to read and skip the data between them.
+// stream, and has additional functions to read and skip the data between them.
 #pragma once
 
 #include <algorithm>
@@ -21,7 +21,7 @@ class TraceFileInput final : public std::streambuf {
   TraceFileInput& operator=(const TraceFileInput&) = delete;
   ~TraceFileInput() override;
 
-  /// Returns false for a directory and for any file that cannot be opened for reading. Throws when the memory
+  /// Returns false for a directory and for any file that cannot be opened for reading. Throws if the memory
   /// manager fails. Call it once, before anything else.
   bool open(const char* name);
 

@@ -31,7 +31,7 @@ void VelClTraceEnvironment::save(const _VelStTraceBufferCallBackInfo& info) {
 }
 
 void VelClTraceEnvironment::append(const _VelStTraceBufferCallBackInfo& info) {
-  // The program may trace between a call of its own that failed and its look at errno.
+  // Preserved, because the program may trace between a failed call and reading errno.
   const vel::platform::LastErrorsKept errorsOfProgram;
   const bool verbose = settings_->isVerbose();
   const char* const name = filename_.getAsCString();

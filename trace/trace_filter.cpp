@@ -31,7 +31,7 @@ std::uint32_t parseNumber(const char* text) {
 
 /// The item of a component list that is being parsed: "10.20" has low 10 and high 20.
 struct ListItem {
-  std::uint32_t low = 0;   ///< 0 as long as the item has no number; such an item is ignored
+  std::uint32_t low = 0;   ///< 0 until the item has a number; an item without one is ignored
   std::uint32_t high = 0;  ///< 0 means the same as `low`
   bool include = true;
   bool readsHigh = false;  ///< the next number is `high`
@@ -76,7 +76,7 @@ void VelClTraceFilter::setComponentIdSet(unsigned short from, unsigned short to,
 }
 
 // One pass over the list. Each sign sets a property of the current item, and "," or the end applies the item.
-// Signs may come in any order, and a later number replaces an earlier one: "10-20" is the item "-20".
+// Signs may be in any order, and a later number replaces an earlier one: "10-20" is the item "-20".
 void VelClTraceFilter::enableComponentIds(const char* list) {
   if (list == nullptr) return;
   ListItem item;

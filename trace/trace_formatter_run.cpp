@@ -4,7 +4,7 @@
 // An entry is rendered step by step: renderEntry() copies a piece of literal text, calls the directive after
 // it, and so on. Both write to the output buffer at `out` and return the new end. Room for a whole step is
 // reserved beforehand, so that most steps need neither a check of their own nor a call of the stream.
-// Directives whose output has no bound (data, types, indented lines) go through throughBuffer(), which
+// Directives whose output is unbounded (data, types, indented lines) go through throughBuffer(), which
 // commits what was written, lets them append to the buffer, and reserves anew:
 //
 //   "%p, %t: %d"    reserve | %p | ", " | %t | ": " | commit, %d appends, reserve | commit
@@ -64,7 +64,7 @@ constexpr std::size_t kShortText = 64;
 /// Enough for a step without throughBuffer(): a literal text of kShortText characters and a
 /// function name or message of at most 511.
 constexpr std::size_t kStepRoom = 1024;
-/// Limits the indentation of a line, whose level comes from the file.
+/// Limits the indentation of a line, whose level is read from the file.
 constexpr std::uint32_t kDeepestShown = 1024;
 
 std::uint32_t shownLevels(std::uint32_t nestingLevel) {

@@ -21,7 +21,7 @@ class VelClTraceFormatter::Run {
   void formatAll();
 
  private:
-  /// Message ids of the formatter's words, which come from the catalog or from the built-in table.
+  /// Message ids of the formatter's words, which are in the catalog and in the built-in table.
   enum TextId : unsigned long { kBytes = 189, kClipped, kNullPointer, kNestingLevel, kTextEnd };
   /// The letter of a directive and the member function that shows it.
   struct Directive;

@@ -31,7 +31,7 @@ struct Record {
   std::uint32_t thread = 30;
 };
 
-/// Returns a file of these records. Entries and exits of functions have no message.
+/// Returns a file of these records. Records of function entries and exits are written without a message.
 Bytes fileOf(const std::vector<Record>& records) {
   Bytes file;
   for (const auto& [type, data, missing, component, origin, detail, thread] : records) {

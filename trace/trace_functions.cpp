@@ -60,7 +60,8 @@ int velTraceGetLastSystemError(void) {
 }
 
 void vel_tprint(std::ostream& stream, const char* file, int line) {
-  // Not by the stream itself, which may be set to another base or to a locale with digit grouping.
+  // The number is not written by the stream, which may be set to another base or to a locale with digit
+  // grouping.
   char number[sizeof "-2147483648"] = {};
   std::snprintf(number, sizeof number, "%d", line);
   stream << '[' << file << ':' << number << "] ";

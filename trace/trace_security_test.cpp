@@ -97,7 +97,7 @@ TEST_F(DefaultTraceFile, IsNotWrittenThroughPlantedLinks) {
   const auto size = fs::file_size(file_);
   EXPECT_EQ(trace(), "");
   EXPECT_EQ(fs::file_size(file_), 2 * size) << "the second entry must be appended";
-  // What else is refused is tested by platform/posix/append_test.cpp.
+  // platform/posix/append_test.cpp tests the other cases that are refused.
   fs::remove(file_);
   fs::create_symlink("victim", file_);
   EXPECT_EQ(trace(), std::to_string(ELOOP));
@@ -132,10 +132,11 @@ class TraceOfForks : public vel::test::TraceTest {
     waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
   }
-  /// Returns what entries() returns for entries of these functions.
+  /// Returns the result of entries() for one entry of each function.
   static std::string entriesOf(const std::vector<std::string>& functions) {
     std::string all;
-    for (const std::string& function : functions) all += function + " D1 T3\n";
+    for (const std::string& function : functions)
+      all += line(function, VelEnTraceDetail::LOW, VelEnTraceDataType::DATA_NONE);
     return all;
   }
 };

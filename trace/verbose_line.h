@@ -10,7 +10,7 @@
 namespace vel::trace {
 
 /// A temporary of this class writes one line: prefix, values, suffix. It uses the buffer of std::cout through
-/// a stream of its own, so that neither the program's settings of std::cout (base, locale, exceptions) change
+/// a separate stream, so that neither the program's settings of std::cout (base, locale, exceptions) change
 /// the line, nor this changes them.
 class VerboseLine {
  public:

@@ -15,7 +15,7 @@ using vel::util::LineLayout;
 constexpr std::size_t kLinesAtOnce = 64;
 
 /// Writes the lines of `count` bytes. Stops as soon as the stream fails: formatting the rest of a large area
-/// for a full disk would only take time.
+/// for a full disk would waste time.
 template <typename Form>
 void dump(std::ostream& stream, const char* data, size_t count) {
   const auto* bytes = reinterpret_cast<const std::uint8_t*>(data);

@@ -92,7 +92,8 @@ inline char* writeLongDigits(char* out, std::uint64_t number) {
   while (bytes < 8 && number >> (8 * bytes) != 0) ++bytes;
   char* end = out;
   for (int byte = bytes - 1; byte >= 0; --byte, end += 2) writeDigitsOf(end, number, byte);
-  // Only addresses of 8 digits have leading zeros; bytes come in pairs of digits, so one may have to go.
+  // Addresses above 8 digits do not have leading zeros; bytes are written as pairs of digits, so a zero may
+  // have to be removed.
   if (*out != '0') return end;
   std::memmove(out, out + 1, static_cast<std::size_t>(end - out - 1));
   return end - 1;
@@ -154,7 +155,7 @@ void writeShortLine(char* out, const std::uint8_t* data, std::size_t count) {
   std::memset(out + Layout::kCharacters + count, kMissing, Form::kBytes - count);
 }
 
-/// Writes the data part of a line for at most Form::kBytes bytes and returns the end, which has no NUL.
+/// Writes the data part of a line for at most Form::kBytes bytes and returns the end. Does not write a NUL.
 template <typename Form>
 char* writeData(char* out, const std::uint8_t* data, std::size_t count) {
   using Layout = LineLayout<Form>;
@@ -162,7 +163,7 @@ char* writeData(char* out, const std::uint8_t* data, std::size_t count) {
     writeFullLine<Form>(out, data, std::make_index_sequence<Form::kBytes>());
   else
     writeShortLine<Form>(out, data, count);
-  // Groups overwrite the following character, so blank and bar come last.
+  // Groups overwrite the following character, so blank and bar are written last.
   out[Layout::groupAt(Form::kBytes / 2) - 1] = ' ';
   out[Layout::kBar] = '|';
   out[Layout::kBar + 1] = ' ';

@@ -70,8 +70,8 @@ unsigned long VelClRandomNumberGenerator::getRandomNumber() const {
   return next();
 }
 
-// Intentional: the scaled number is truncated, not rounded, so that `max` itself comes only from the largest
-// number. VelClRandomBitGenerator serves callers that need an even distribution.
+// Intentional: the scaled number is truncated, not rounded, so that only the largest number yields `max`
+// itself. VelClRandomBitGenerator serves callers that need an even distribution.
 unsigned long VelClRandomNumberGenerator::getRandomNumber(unsigned long max) const {
   const double share = static_cast<double>(next()) / static_cast<double>(kMaxNumber);
   return static_cast<std::uint32_t>(share * static_cast<double>(static_cast<std::uint32_t>(max)));

@@ -17,8 +17,8 @@ const char* VelClStringMatchWildcards::getPattern(const char* text) const {
   return velMatchesWildcardPattern(pattern_, text, flag_) ? text : nullptr;
 }
 
-// Intentional: there is no regular expression search. The class exists so that programs that name it link and
-// run; it never finds anything.
+// Intentional: regular expressions are not implemented. The class exists so that programs that name it link
+// and run; it never finds anything.
 VelClGrep::VelClGrep(const char* pattern, bool flag) : VelClStringMatchABase(pattern, flag), state_(0) {
   init(pattern, 0);
 }

@@ -12,7 +12,7 @@ using vel::util::BinaryForm;
 using vel::util::HexForm;
 using vel::util::LineLayout;
 
-// Buffers are left uninitialised after the NUL: clearing them takes as long as writing a line.
+// Buffers are left uninitialised after the NUL: clearing them would cost as much as writing a line.
 
 /// Writes the data part at `out`, after the address if there is one, and the NUL. Bytes beyond one line are
 /// left out.

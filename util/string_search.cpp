@@ -1,11 +1,11 @@
 // Searches a text for a plain pattern that is prepared once. Matching whole texts against wildcards is
 // wildcard_pattern.cpp's work.
 //
-// Two algorithms take turns. First, unless case is ignored, blocks of the text are scanned for the pattern's
-// first and last byte at their distance (after W. Mula, SIMD-friendly algorithms for substring searching); it
-// runs at the speed of memory as long as that pair is rare. Then Horspool's search continues (R. N. Horspool,
-// Practical fast searching in strings, 1980): the text byte under the pattern's last one tells how far the
-// window may move.
+// Two algorithms share the work. First, unless case is ignored, blocks of the text are scanned for the
+// pattern's first and last byte at their distance (after W. Mula, SIMD-friendly algorithms for substring
+// searching); it runs at the speed of memory as long as that pair is rare. Then Horspool's search continues
+// (R. N. Horspool, Practical fast searching in strings, 1980): the text byte under the pattern's last one
+// tells how far the window may move.
 //
 //   text     ..a b c a x b..      'x' is not in the pattern: the window moves by its whole length
 //   pattern    a b c a b

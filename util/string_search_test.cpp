@@ -22,7 +22,8 @@ std::vector<std::string> allTexts(const std::string& letters, std::size_t longes
   return texts;
 }
 
-// Long texts are searched in blocks. They have no NUL, so that sanitizers notice a read past the end.
+// Long texts are searched in blocks. They are not NUL-terminated, so that sanitizers notice a read past the
+// end.
 TEST(StringSearch, FindsTheFirstOccurrenceInLongTexts) {
   const auto texts = allTexts("ab", 5);
   for (std::size_t length = 1; length < 300; length += 7)
@@ -49,7 +50,7 @@ TEST(StringSearch, DoesNotReadBytesAfterTheGivenLength) {
   }
 }
 
-// The pattern nearly matches at every position; comparing all of it there would take quadratic time.
+// The pattern nearly matches at every position; comparing all of it there would need quadratic time.
 TEST(StringSearch, IsNotQuadraticWhereThePatternNearlyMatches) {
   const std::string pattern = std::string(1000, 'a') + "b" + std::string(1000, 'a');
   const std::string text = std::string(20'000, 'a') + pattern;

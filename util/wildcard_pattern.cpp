@@ -38,7 +38,7 @@ bool matchesAtEnd(const char* pattern, const char* text, bool caseSensitive) {
 
 // Greedy matching with one point of return instead of recursion. When bytes differ, only the last "*" passed
 // has to match one byte more: whatever an earlier "*" could match in addition, the last one can match as
-// well. That bounds the steps by the product of the lengths, where a recursive matcher takes exponential
+// well. That bounds the steps by the product of the lengths, where a recursive matcher needs exponential
 // time.
 //
 //   pattern "*ab*"  text "aabc"   "*" = "",  'a' = 'a', 'b' != 'a'

@@ -17,7 +17,7 @@ VEL_C_API const uint16_t* velGetSBCStoUCS2Table(unsigned int ccsid);
 /// unit v is at index (page number * 256 + low byte of v). Unmappable units have the substitution byte of the
 /// code page. Returns null for a CCSID without such a table.
 VEL_C_API const unsigned char* velGetUCS2toSBCSTable(unsigned int ccsid);
-/// Always returns null: there are no tables of this kind.
+/// Always returns null: the library does not contain tables of this kind.
 VEL_C_API const void* velGetEUCtoUCS2Table(unsigned int ccsid);
 
 /// Closes a converter that velGetICUConverter opened; null is ignored.
@@ -197,15 +197,15 @@ class VEL_API VelClCCSID {
 ///   size = converter.convertBytes(target, targetSize, source, sourceSize);
 ///   if (converter.getLastError().errorId != VEL_NO_ERROR) ...
 ///
-/// The library's own tables and algorithms come first, then ICU if it is installed (version 3.2 or later,
+/// The library's own tables and algorithms are preferred, then ICU if it is installed (version 3.2 or later,
 /// found at run time), then, from UCS-2 only, the system's own conversion to the code pages of the process.
 ///
 /// UCS-2 may contain surrogate pairs if the other side supports them. It is in host byte order, except for
 /// 65500. No shift state and no partial character is kept between calls.
 ///
-/// Conversions report errors through getLastError and do not throw, with two exceptions: when there is no
-/// memory (VelClExceptionFatal), and when ICU returns a status that has no identifier
-/// (ICU_UNEXPECTED_ICU_ERROR). One converter must not be used by two threads at once.
+/// Conversions report errors through getLastError and do not throw, with two exceptions: when memory runs out
+/// (VelClExceptionFatal), and when ICU returns a status without an error identifier
+/// (ICU_UNEXPECTED_ICU_ERROR). One converter must not be used by two threads at the same time.
 class VEL_API VelClConverterABase {
  public:
   /// The routes that a conversion can use.
@@ -240,9 +240,9 @@ class VEL_API VelClConverterABase {
 
   /// Returns the target CCSID.
   virtual const VelClCCSID& getTargetCCSID() const;
-  /// True if there is a route. Without one every conversion fails with CPCONVERTER_UNSUPPORTED.
+  /// True if a route exists. Without one every conversion fails with CPCONVERTER_UNSUPPORTED.
   virtual bool isSupported() const;
-  /// True if there is no route: only an external routine, of which none is known, could convert.
+  /// True if no route exists. Only an external routine could convert then, and the library does not know any.
   virtual bool requiresExternalICONVRoutine() const;
   /// True if ICU converts.
   virtual bool requiresExternalICUData() const;
@@ -297,7 +297,7 @@ class VEL_API VelClConverterABase {
   void initUnicode2CodePage();
   /// Selects a route for another source; it replaces the present one.
   void initNewCodePage2Unicode(const VelClCCSID& source);
-  /// Closes the ICU converter; afterwards there is no route.
+  /// Closes the ICU converter. Afterwards no route exists.
   void deinit();
   /// Removes the route; every conversion then fails with CPCONVERTER_UNSUPPORTED.
   void setConverterError();
@@ -445,7 +445,7 @@ VEL_API size_t velConvertByAlgorithmIcuFromUnicode(VelClConverterABase::_VelStCo
 
 /// Opens the ICU converter for a CCSID, with fallback mappings; the caller closes it with
 /// velDeleteICUConverter. On failure returns null and stores the reason in `error`: ICU_UNSUPPORTED_ERROR if
-/// there is no ICU, usually ICU_FILE_ACCESS_ERROR if ICU does not know the CCSID. 65502 is ICU's LMBCS.
+/// ICU is not installed, usually ICU_FILE_ACCESS_ERROR if ICU does not know the CCSID. 65502 is ICU's LMBCS.
 VEL_API const void* velGetICUConverter(unsigned int ccsid, _VelStError& error);
 
 /// Translates ICU's status codes (UErrorCode) to the library's errors. An unknown status throws

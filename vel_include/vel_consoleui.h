@@ -110,7 +110,7 @@ class VEL_API VelClArgvCursor : public VelClBiDirCursorABase {
 
   /// Returns the current argument, or "" if the cursor is invalid.
   const char* getAsCString() const;
-  /// Returns argument 0, or "" if there is none.
+  /// Returns argument 0, or "" if the command line is empty.
   const char* getArgv0() const;
   /// Tell the kind of the current argument; both return false if the cursor is invalid.
   bool isSwitch() const;
@@ -118,7 +118,8 @@ class VEL_API VelClArgvCursor : public VelClBiDirCursorABase {
   /// True if the current argument is the switch `name`, which may be given with or without "-". Abbreviations
   /// do not match.
   bool matches(const char* name) const;
-  /// Moves to the first argument that is the switch `name`; if there is none the cursor becomes invalid.
+  /// Moves to the first argument that is the switch `name`; without such an argument the cursor becomes
+  /// invalid.
   bool positionTo(const char* name);
 
  protected:
@@ -200,13 +201,13 @@ class VEL_API VelClConsoleUIParams {
   VelClConsoleUIParams& operator=(const VelClConsoleUIParams&) = delete;
   ~VelClConsoleUIParams();
 
-  /// The usage string and the help text. Both are copied; null counts as "". A tool whose usage is "" has no
-  /// usage.
+  /// The usage string and the help text. Both are copied; null counts as "". A tool whose usage is "" does
+  /// not show any.
   const char* getUsage() const { return usage_; }
   const char* getHelp() const { return help_; }
   void setUsage(const char* usage);
   void setHelp(const char* help);
-  /// Sets both at once; each may be all or part of one of the old texts.
+  /// Sets both texts; each may be all or part of one of the old texts.
   void setUsageHelp(const char* usage, const char* help);
   /// Returns argument 0 without its directory, cut at the first ".", at most 25 characters, in upper case.
   const char* getProcessName() const { return processName_; }
@@ -422,7 +423,8 @@ class VEL_API VelClConsoleUI {
   /// Writes bytes in hexadecimal, 16 per line; each line begins with the label column or with blanks of its
   /// width.
   void dump(VelClUIText label, const void* data, size_t sizeInBytes) const;
-  /// Writes the name and the number of an error identifier, or only the number if it has no name.
+  /// Writes the name and the number of an error identifier, or only the number if the library does not define
+  /// a name.
   void formatErrId(unsigned long errorId) const;
   /// Writes the properties of an exception; without `verbose` only the identifier and the properties that are
   /// not 0.
@@ -436,8 +438,8 @@ class VEL_API VelClConsoleUI {
   ///
   /// Asks once. A null hint or default is omitted; a null question is empty.
   void prompt(const char* question, const char* hint, const char* defaultAnswer) const;
-  /// Asks once and returns the answer, valid until the next prompt. Returns "" at the end of input if there
-  /// is no default.
+  /// Asks once and returns the answer, valid until the next prompt. Returns the default at the end of input,
+  /// or "" without a default.
   const char* promptString(VelClUIText question, const char* defaultAnswer = nullptr) const;
   /// Repeats until the answer begins with a number from `minimum` to `maximum`, both inclusive. Numbers
   /// saturate at 32 bits. "+5" is not a number; "5x" is 5.
@@ -446,8 +448,9 @@ class VEL_API VelClConsoleUI {
   /// and 4, which must be capitals there. The answer may be in lower case.
   bool promptYesNo(VelClUIText question, bool defaultAnswer) const;
   /// Waits for one key, without echo and without Enter, and restores the terminal settings, even if a signal
-  /// ends or stops the process meanwhile. Returns immediately if there is no console. Where keys can only be
-  /// read from standard input and standard input is redirected, one character of it is consumed.
+  /// ends or stops the process meanwhile. Returns immediately if the process does not have a console. Where
+  /// keys can only be read from standard input and standard input is redirected, one character of it is
+  /// consumed.
   void promptForKey() const;
   /// Waits for a whole line and discards it; the last answer is kept.
   void promptForEnter() const;

@@ -17,7 +17,7 @@ class VEL_API VelClUniDirCursorABase {
 
   /// True if the cursor is on an element.
   virtual bool isValid() const = 0;
-  /// Move to the first or the next element; if there is none the cursor becomes invalid.
+  /// Move to the first or the next element; without such an element the cursor becomes invalid.
   virtual bool setToFirst() = 0;
   virtual bool setToNext() = 0;
 };
@@ -30,7 +30,7 @@ class VEL_API VelClBiDirCursorABase : public VelClUniDirCursorABase {
   VelClBiDirCursorABase& operator=(const VelClBiDirCursorABase&) = default;
   ~VelClBiDirCursorABase() override;
 
-  /// Move to the last or the previous element; if there is none the cursor becomes invalid.
+  /// Move to the last or the previous element; without such an element the cursor becomes invalid.
   virtual bool setToLast() = 0;
   virtual bool setToPrevious() = 0;
 };

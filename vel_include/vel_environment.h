@@ -55,7 +55,7 @@ class VEL_API VelClEnvironmentVariableQueryOnly : public VelClEnvironmentVariabl
 /// only the system limits the length of a value.
 class VEL_API VelClEnvironmentVariable : public VelClEnvironmentVariableABase {
  public:
-  /// Sets the variable at once, as setNewValue does; test hasValue for success.
+  /// Sets the variable immediately, as setNewValue does; test hasValue for success.
   VelClEnvironmentVariable(const char* name, const char* value);
 
   /// Sets the variable; null or "" removes it. Returns false and leaves the variable unchanged if the system

@@ -32,7 +32,7 @@ enum VelEnErrorId VEL_ENUM_TYPE(uint32_t) {
   NO_ERROR = 0,                            ///< success
   CONUI_USAGE = 201,                       ///< as an exit code: invalid command line, or usage shown
   CONUI_ARG_MISSING = 202,                 ///< as an exit code: a switch is missing, in a tool without usage
-  CONUI_ARG_EXPECTING_VALUE = 203,         ///< as an exit code: a switch has no value
+  CONUI_ARG_EXPECTING_VALUE = 203,         ///< as an exit code: the value of a switch is missing
   CONUI_ARG_VALUE_TYPE_MISMATCH = 204,     ///< as an exit code: a value is not a number
   CONUI_MSGCAT_CORRUPTED = 205,            ///< not reported by the library
   INIFILE_INVAL_SECTION = 1000001,         ///< a section header without "]"
@@ -42,7 +42,7 @@ enum VelEnErrorId VEL_ENUM_TYPE(uint32_t) {
   DIRECTORY_COULD_NOT_CHANGE = 1000102,    ///< the current directory could not be changed
   DIRECTORY_COULD_NOT_CREATE = 1000103,    ///< a directory could not be created
   DIRECTORY_COULD_NOT_REMOVE = 1000104,    ///< a directory, or some of its contents, could not be removed
-  DIRECTORY_COULD_NOT_DETACH = 1000105,    ///< there is no level above the root
+  DIRECTORY_COULD_NOT_DETACH = 1000105,    ///< the directory is a root
   PROCESS_COULD_NOT_KILL = 1000201,        ///< the system failed to end a process
   PROCESS_COULD_NOT_LAUNCH = 1000202,      ///< a program was not started; getResult has the system's code
   THREAD_COULD_NOT_KILL = 1000301,         ///< not reported; the library starts no threads
@@ -60,7 +60,7 @@ enum VelEnErrorId VEL_ENUM_TYPE(uint32_t) {
   TRACEFORMAT_FILE_CORRUPTED = 1000703,    ///< data in the trace file does not fit its type
   MEMORYPOOL_COULD_NOT_GROW = 1000801,     ///< no memory for another block
   MEMORYPOOL_CHUNK_TOO_BIG = 1000802,      ///< a request exceeds the block size; impossible alignment
-  CPCONVERTER_UNSUPPORTED = 1000901,       ///< there is no conversion between the two code pages
+  CPCONVERTER_UNSUPPORTED = 1000901,       ///< no route leads from one code page to the other
   CPCONVERTER_INVALID_SEQ = 1000902,       ///< ICU found an ill-formed sequence
   CPCONVERTER_TOO_BIG = 1000903,           ///< the target is too small
   CPCONVERTER_INCOMPLETE = 1000904,        ///< the source ends within a character, or in double-byte mode
@@ -70,7 +70,7 @@ enum VelEnErrorId VEL_ENUM_TYPE(uint32_t) {
   MEMMGR_RUNTIME_OUT_OF_MEMORY = 1001002,  ///< the runtime's allocator returned null
   MEMMGR_NO_USER_REALLOC_FUNC = 1001003,   ///< the program's memory manager cannot reallocate
   MEMMGR_ZERO_SIZE_OBJECT = 1001004,       ///< 0 bytes were requested
-  ICU_UNEXPECTED_ICU_ERROR = 1001101,      ///< a status of ICU that has no identifier below
+  ICU_UNEXPECTED_ICU_ERROR = 1001101,      ///< a status of ICU without an identifier below
   ICU_ILLEGAL_ARGUMENT_ERROR = 1001102,    ///< U_ILLEGAL_ARGUMENT_ERROR
   ICU_MISSING_RESOURCE_ERROR = 1001103,    ///< U_MISSING_RESOURCE_ERROR
   ICU_INVALID_FORMAT_ERROR = 1001104,      ///< U_INVALID_FORMAT_ERROR
@@ -82,7 +82,7 @@ enum VelEnErrorId VEL_ENUM_TYPE(uint32_t) {
   ICU_PARSE_ERROR = 1001110,               ///< U_PARSE_ERROR
   ICU_INVALID_TABLE_FORMAT = 1001111,      ///< U_INVALID_TABLE_FORMAT
   ICU_INVALID_TABLE_FILE = 1001112,        ///< U_INVALID_TABLE_FILE
-  ICU_UNSUPPORTED_ERROR = 1001113,         ///< U_UNSUPPORTED_ERROR: also where there is no ICU
+  ICU_UNSUPPORTED_ERROR = 1001113,         ///< U_UNSUPPORTED_ERROR; also if ICU is not installed
   ICU_RESOURCE_TYPE_MISMATCH = 1001114,    ///< U_RESOURCE_TYPE_MISMATCH
   ICU_ILLEGAL_ESCAPE_SEQUENCE = 1001115,   ///< U_ILLEGAL_ESCAPE_SEQUENCE
   ICU_UNSUPPORTED_ESCAPE_SEQ = 1001116,    ///< U_UNSUPPORTED_ESCAPE_SEQUENCE

@@ -119,7 +119,7 @@ class VEL_API VelClFilenameABase : public VelClPathProperty {
 
   /// Returns the last component: the base name with its extension.
   const char* getName() const { return base_; }
-  /// Returns the last component from its last "." on, including the dot, or "" if it has no dot.
+  /// Returns the last component from its last "." on, including the dot, or "" if it does not contain a dot.
   const char* getExtension() const { return extension_; }
   /// Returns the length of the whole name in characters.
   size_t getLength() const { return static_cast<size_t>(length_); }
@@ -297,7 +297,7 @@ class VEL_API VelClFileABase {
 /// clears it. No operation throws.
 class VEL_API VelClFile : public VelClFileABase {
  public:
-  /// `defaultType`, unless it is null, becomes the extension of a name that has none.
+  /// `defaultType`, unless it is null, becomes the extension of a name without one.
   VelClFile(const VelClFilenameABase& name, const char* defaultType);
   VelClFile(const char* name, const char* defaultType) : VelClFile(VelClFilename(name), defaultType) {}
   VelClFile(const VelClFile&) = default;
@@ -391,8 +391,8 @@ class VEL_API VelClTmpFilename : public VelClFilename {
 };
 
 /// The name of a file's backup copy: the whole name followed by ".BAK". The extension of "a.txt.BAK" is
-/// ".txt.BAK", that of "a.BAK" is ".BAK". What exceeds 260 characters is cut, so a name of 260 characters is
-/// its own backup name.
+/// ".txt.BAK", that of "a.BAK" is ".BAK". Characters beyond 260 are cut, so a name of 260 characters is its
+/// own backup name.
 class VEL_API VelClBakFilename : public VelClFilename {
  public:
   /// Constructs the backup name of `name`.
@@ -506,8 +506,8 @@ class VEL_API VelClOSSDirectoryWalker {
   bool isCurrentDirectory() const;
   /// True for a directory whose name begins with "..".
   bool isParentDirectory() const;
-  /// True for a directory whose name has no "." as its first or second character; so ".cache" and "a.b" yield
-  /// false.
+  /// True for a directory unless the first or second character of its name is ".": false for ".cache" and
+  /// "a.b".
   bool isSubDirectory() const;
   /// The entry's name alone, and preceded by the directory's name. The walker owns both texts; they change
   /// with the next move.

@@ -29,8 +29,8 @@ VEL_C_API unsigned int velW64toa(unsigned long long value, char* out);
 VEL_C_API char* velStrFind(const char* text, const char* pattern, bool ignoreCase);
 /// Returns how many times `c` occurs in `text`.
 VEL_C_API unsigned int velStrCount(const char* text, char c);
-/// Copies the characters before the first `stop`, or all of them if there is none, and a terminating NUL to
-/// `out`, which must have room for them. Returns the number of characters.
+/// Copies the characters before the first `stop`, or all of them if the text does not contain it, and a
+/// terminating NUL to `out`, which must have room for them. Returns the number of characters.
 VEL_C_API unsigned int velStrCopyUntil(char* out, const char* text, char stop);
 
 /// Suspend the calling thread. The time is converted to milliseconds in 32-bit arithmetic, which wraps after
@@ -80,7 +80,7 @@ class VEL_API VelClTiming {
   /// Clears the state; with `readFrequency` also reads the counter's frequency.
   void init(bool readFrequency);
 
-  int64_t frequency_;  ///< counts per second, 0 if there is no counter
+  int64_t frequency_;  ///< counts per second, 0 if the system does not provide a counter
   double start_;       ///< wallClockTime of the last start
 };
 

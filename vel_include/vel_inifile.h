@@ -36,8 +36,8 @@ class Parser;
 /// Returns the character for an escape in a value. `cursor` points into a NUL-terminated string, to the
 /// character after the backslash; it is advanced past the escape, and never past the NUL. a b f n r t v are
 /// control characters; x with any number of hexadecimal digits, and any number of octal digits, give a number
-/// (truncated to a character; NUL if there are no digits); every other character stands for itself. 8 and 9
-/// give NUL and do not advance the cursor.
+/// (truncated to a character; NUL if no digits follow); every other character denotes itself. 8 and 9 give
+/// NUL and do not advance the cursor.
 VEL_API char velIniFileGetEscCharacter(const char*& cursor);
 /// Returns the character between single quotes, which may be an escape. `cursor` points to the opening quote;
 /// it is advanced past the closing quote, or past the character found in its place, and never past the
@@ -138,9 +138,9 @@ class CursorPlace {
 }  // namespace vel::inifile
 
 /// A file of sections and options in memory. A null name is never found, and a null buffer counts as empty.
-/// One object must not be used by two threads at once, not even for reading. Memory comes from the memory
-/// manager, which throws when it has none; a load or change that fails this way leaves the model with what
-/// was built before.
+/// One object must not be used by two threads at the same time, not even for reading. Memory is allocated by
+/// the memory manager, which throws when memory runs out; a load or change that fails this way leaves the
+/// model with what was built before.
 ///
 /// Name, value and comment of an option share 1,024 characters, including their terminating NULs. The value
 /// is cut to the room that the name leaves, then the comment to the room that both leave.
@@ -161,8 +161,8 @@ class VEL_API VelClIniFile : public VelClFile {
 
   /// Appends the content of the file to the model; every header begins a new section. Returns false if the
   /// file cannot be opened, or if the handler ended the load; what was built before remains. A line of more
-  /// than 1,023 characters ends the load after these characters, without an error. Afterwards there is no
-  /// current section.
+  /// than 1,023 characters ends the load after these characters, without an error. Afterwards no section is
+  /// the current one.
   bool load(bool allowContinuation);
   /// Same for bytes in memory, which are not copied. Lines end in `delimiter`; line numbers continue from the
   /// previous load. Without `keepDuplicateSections`, the options of a section that exists already are added
@@ -170,20 +170,20 @@ class VEL_API VelClIniFile : public VelClFile {
   bool loadFromBuffer(const char* buffer, size_t size, char delimiter, bool keepDuplicateSections,
                       bool allowContinuation);
   /// Returns the number of lines read since the start of the last load(bool). The bytes after the last
-  /// delimiter count as a line, even if there are none: 3 for "a\nb\n".
+  /// delimiter count as a line, even an empty one: 3 for "a\nb\n".
   unsigned int getLineCount() const { return lineCount_; }
 
-  /// Makes the first section of this name the current one. If there is none, returns false and leaves no
-  /// current section.
+  /// Makes the first section of this name the current one. If the section does not exist, returns false, and
+  /// no section is the current one.
   bool getSection(const char* name) const;
 
   /// Get the first option of this name in the current section. Return false and leave the outputs unchanged
-  /// if there is no current section or no such option. Texts are valid until the option is changed or
-  /// deleted.
+  /// if no section is the current one or the option does not exist. Texts are valid until the option is
+  /// changed or deleted.
   bool getOption(const char* name, const char*& value) const;
   bool getOption(const char* name, const char*& value, const char*& comment) const;
-  /// Parse the decimal number at the start of the value, after blanks and a sign; 0 if there is none. Numbers
-  /// have 32 bits on every system and saturate; read as unsigned, -1 is 4294967295.
+  /// Parse the decimal number at the start of the value, after blanks and a sign; 0 if the value does not
+  /// begin with one. Numbers have 32 bits on every system and saturate; read as unsigned, -1 is 4294967295.
   bool getOption(const char* name, int& value) const;
   bool getOption(const char* name, int& value, const char*& comment) const;
   bool getOption(const char* name, long& value) const;
@@ -216,11 +216,11 @@ class VEL_API VelClIniFile : public VelClFile {
   /// Returns false for an existing name, and also for a name that contains "]" or a line break, in which case
   /// the current section does not change. Names are cut to 80 characters.
   bool addSection(const char* name);
-  /// Removes the first section of this name with its options; returns false if there is none. Cursors in it
-  /// become invalid.
+  /// Removes the first section of this name with its options; returns false if the section does not exist.
+  /// Cursors in it become invalid.
   bool deleteSection(const char* name);
-  /// The next three functions apply to the current section, and return false if there is none. An option is
-  /// appended if the section has none of its name.
+  /// The next three functions apply to the current section; without one they return false. An option is
+  /// appended if its name does not occur in the section.
   bool addOption(const char* name, const char* value, const char* comment = nullptr);
   /// Replaces the value of the first option of this name. The comment is kept, cut to the room left.
   bool setNewValue(const char* name, const char* value);
@@ -282,7 +282,7 @@ class VEL_API VelClIniFileOptionCursor : public VelClUniDirCursorABase {
  public:
   /// Starts before the first option of the section, and is therefore invalid.
   VelClIniFileOptionCursor(const VelClIniFile& file, const VelClIniFileSection& section);
-  /// Uses the first section of this name; if there is none the cursor never becomes valid.
+  /// Uses the first section of this name; if it does not exist, the cursor never becomes valid.
   VelClIniFileOptionCursor(const VelClIniFile& file, const char* section);
   /// Uses the current section of another cursor.
   explicit VelClIniFileOptionCursor(const VelClIniFileSectionCursor& section);
@@ -322,7 +322,7 @@ class VEL_API VelClIniFileOptionCursor : public VelClUniDirCursorABase {
 /// empty.
 /// Values round-trip with three exceptions: white space around a value that has neither ";" nor a control
 /// character; quotes and "$(" in a value, which are not escaped; and a hexadecimal digit after a control
-/// character that has no letter escape. Escapes make lines longer, and a line of more than 1,023 characters
+/// character without a letter escape. Escapes make lines longer, and a line of more than 1,023 characters
 /// ends the next load.
 class VEL_API VelClIniFileSave : public VelClIniFile {
  public:
@@ -332,12 +332,12 @@ class VEL_API VelClIniFileSave : public VelClIniFile {
   ~VelClIniFileSave() override;
 
   /// Writes the file; returns false if it cannot be written, and does not throw for that. The text is written
-  /// to a new file beside the old one, which has no name where the file system allows it, and otherwise is
-  /// named "~", random hexadecimal digits and ".tmp". Once it is safely stored, it replaces the old file and
-  /// gets its permissions: after a crash at any point there is either the old file or the new one.
-  /// A file cannot be saved if it is read-only, if its directory accepts no new files, or if its name starts
-  /// to lead to another file before the save is complete. save() may be called again, also after a failure.
-  /// After save(stream) it returns false.
+  /// to a new file beside the old one. The new file is unnamed where the file system allows it, and otherwise
+  /// is named "~", random hexadecimal digits and ".tmp". Once it is safely stored, it replaces the old file
+  /// and gets its permissions: after a crash at any point either the old file or the new one exists. A file
+  /// cannot be saved if it is read-only, if its directory accepts no new files, or if its name starts to lead
+  /// to another file before the save is complete. save() may be called again, also after a failure. After
+  /// save(stream) it returns false.
   bool save();
   /// True if the saved file has the owner, the group and the permissions of the file that the last save()
   /// replaced. If this program cannot keep the owner or group, the permissions of that owner or group are
@@ -380,7 +380,7 @@ class VEL_API VelClIniFileSave : public VelClIniFile {
 enum class VelEnIniFileLock : uint32_t {
   LOCKED,       ///< held until unlock(), a successful save, or the destruction of the editor
   TIMED_OUT,    ///< another editor held the lock for the whole time
-  UNSUPPORTED,  ///< the file system has no locks; load() and save() still detect that the file was changed
+  UNSUPPORTED,  ///< the file system does not support locks; load() and save() still detect a changed file
   FAILED        ///< the directory does not exist, or the file may not be read
 };
 
@@ -438,10 +438,10 @@ class VEL_API VelClIniFileEditor : public VelClFile {
   /// changes of several programs are serialised: lock, load, change, save. A file that does not exist yet can
   /// be locked, too. An earlier lock of this editor is released first. Waits for at most `timeLimitMs`
   /// milliseconds.
-  /// The lock is advisory: it affects only those who also lock. It is released by unlock(), by a successful
-  /// save, and when this object or the process ends, and leaves nothing on disk. On Linux, if the process is
-  /// killed, a child that it has forked meanwhile keeps the lock, and every user who may read the file can
-  /// hold the lock.
+  /// The lock is advisory: it affects only programs that lock the file, too. It is released by unlock(), by a
+  /// successful save, and when this object or the process ends, and leaves nothing on disk. On Linux, if the
+  /// process is killed, a child that it has forked meanwhile keeps the lock, and every user who may read the
+  /// file can hold the lock.
   ///
   /// While the lock is held, load() and save() fail if the name leads to another file than the locked one, or
   /// if someone changed that file without locking it. save() also fails if that was the case when the text

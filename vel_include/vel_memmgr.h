@@ -1,6 +1,6 @@
 // Memory management. The library allocates all its heap memory through one process-wide manager, which a host
 // program can redirect to its own allocator. Pools serve programs that need very many small pieces of memory
-// and release them all at once.
+// and release them all together.
 #ifndef VEL_MEMMGR_H_
 #define VEL_MEMMGR_H_
 
@@ -32,7 +32,7 @@ VEL_C_API void velSetNewMemoryManager(VelAllocatorCallback allocator, VelRealloc
 /// were requested; otherwise, with class OUT_OF_MEMORY, MEMMGR_RUNTIME_OUT_OF_MEMORY while the runtime's
 /// malloc is installed and MEMMGR_USER_OUT_OF_MEMORY for any other allocator. Nothing is logged and nothing
 /// is retried.
-/// There is no lock: install a manager once, before the library is used.
+/// Installing is not thread-safe: install a manager once, before the library is used.
 class VEL_API VelClMemoryManager {
  public:
   VelClMemoryManager() = delete;
@@ -42,8 +42,8 @@ class VEL_API VelClMemoryManager {
   /// Allocates `count` times `size` zeroed bytes. The product is not checked for overflow: callers keep it in
   /// range.
   static void* calloc(size_t count, size_t size);
-  /// Resizes a block. Throws MEMMGR_NO_USER_REALLOC_FUNC with action ABORT if the manager has no reallocation
-  /// function. After a failure the old block remains valid, except for size 0: the runtime then frees the
+  /// Resizes a block. Throws MEMMGR_NO_USER_REALLOC_FUNC with action ABORT if a reallocation function is not
+  /// installed. After a failure the old block remains valid, except for size 0: the runtime then frees the
   /// block, and MEMMGR_ZERO_SIZE_OBJECT is thrown.
   static void* realloc(void* block, size_t size);
   /// Frees a block; null is ignored.
@@ -89,9 +89,9 @@ class VEL_API VelClMemoryPoolBlock {
 };
 
 /// Memory for many small objects with the same lifetime. An allocation advances a pointer within the current
-/// block: it takes a handful of instructions, and there is no header and no gap other than the alignment.
-/// Single pieces cannot be freed, and destructors are not run. If a request does not fit, the rest of the
-/// block remains unused until reset. There is no lock.
+/// block: it costs a handful of instructions, and objects are stored without headers, with gaps only for the
+/// alignment. Single pieces cannot be freed, and destructors are not run. If a request does not fit, the rest
+/// of the block remains unused until reset. Not thread-safe.
 ///
 ///   VelClMemoryPool pool(64 * 1024);
 ///   Node* node = new (pool.allocate(sizeof(Node))) Node();
@@ -115,8 +115,8 @@ class VEL_API VelClMemoryPool {
   /// Allocates `size` uninitialised bytes at a multiple of the pool's alignment; every request, even one for
   /// 0 bytes, gets a distinct address. A failure leaves the pool unchanged and throws
   /// MEMORYPOOL_CHUNK_TOO_BIG with class DATA_OUT_OF_BOUNDS (VelClException) if the size exceeds that of a
-  /// block, or MEMORYPOOL_COULD_NOT_GROW with class OUT_OF_MEMORY (VelClExceptionFatal) if there is no memory
-  /// for another block.
+  /// block, or MEMORYPOOL_COULD_NOT_GROW with class OUT_OF_MEMORY (VelClExceptionFatal) if memory for another
+  /// block cannot be allocated.
   void* allocate(size_t size) {
     const size_t wanted = size == 0 ? 1 : size;
     if (wanted > static_cast<size_t>(end_ - free_)) openBlockFor(wanted);

@@ -1,5 +1,7 @@
-// Numbered messages: catalogs that hold their texts in several languages, and messages with variables; also
-// the names of languages and territories.
+// Numbered messages: catalogs that hold their texts in several languages, and messages with inserts; also the
+// names of languages and territories.
+//
+// Inserts are the texts that a program passes for the placeholders "%1" to "%10" of a message.
 #ifndef VEL_MESSAGES_H_
 #define VEL_MESSAGES_H_
 
@@ -15,9 +17,9 @@
 #include "vel_filesys.h"
 #endif
 
-/// The longest message in characters, including its variables.
+/// The maximum length of a message in bytes, with its inserts expanded.
 #define VEL_MAX_MESSAGE_LENGTH 4096
-/// The maximum number of variables in a message.
+/// The maximum number of inserts of a message.
 #define VEL_MAX_MESSAGE_VARIABLES 10
 
 #if defined(__cplusplus)
@@ -45,8 +47,8 @@ VEL_C_API bool velMsgCatIsValid(VelMsgCatHandle handle, unsigned long id);
 /// Returns the message, or a text that says why it cannot be loaded. The handle owns the text, which is valid
 /// until the next call of velMsgCatGet or velMsgCatGetVar.
 VEL_C_API const char* velMsgCatGet(VelMsgCatHandle handle, unsigned long id);
-/// Same with variables: up to ten texts, followed by a null pointer if there are fewer. Pass at
-/// least one: the first one may be null without ending the list, so a call without variables passes two null
+/// Same with inserts: up to ten texts, followed by a null pointer if they are fewer than ten. Pass at least
+/// one: the first one may be null without ending the list, so a call without inserts passes two null
 /// pointers.
 VEL_C_API const char* velMsgCatGetVar(VelMsgCatHandle handle, unsigned long id, ...);
 /// Returns the language number that the catalog selected, or 0 without a library.
@@ -144,8 +146,9 @@ class VEL_API VelClMessageCatalogCursor : public VelClUniDirCursorABase {
   /// Returns the Windows language number of this text; 0 for a text of a string table, or if the cursor is
   /// invalid.
   unsigned int getLanguage() const;
-  /// Returns the text as stored, with its inserts, or "" if the cursor is invalid. Texts of Unicode libraries
-  /// are returned in UTF-8 on every system, so that listings can be compared. Valid until the cursor moves.
+  /// Returns the text as stored, with its placeholders, or "" if the cursor is invalid. Texts of Unicode
+  /// libraries are returned in UTF-8 on every system, so that listings can be compared. Valid until the
+  /// cursor moves.
   const char* getAsCString() const;
 
  private:
@@ -161,11 +164,11 @@ class VEL_API VelClMessageCatalogCursor : public VelClUniDirCursorABase {
   char* text_;
 };
 
-/// One message with its variables substituted. It always has a text: if the message cannot be loaded, the
-/// text says so and names the file of the catalog.
+/// One message with its inserts expanded. It always has a text: if the message cannot be loaded, the text
+/// says so and names the file of the catalog.
 ///
-/// Variables are "%1" to "%10" in the text of the catalog; a variable that is not given, or is null, is
-/// replaced with "???". Texts from a library follow all rules of the Windows message formatter ("%n", "%0",
+/// The placeholders are "%1" to "%10" in the text of the catalog; that of an insert that is not given, or is
+/// null, becomes "???". Texts from a library follow all rules of the Windows message formatter ("%n", "%0",
 /// "%1!8s!"); texts from a string table additionally support "%%".
 class VEL_API VelClMessage {
  public:
@@ -175,14 +178,14 @@ class VEL_API VelClMessage {
                const char* var2 = nullptr, const char* var3 = nullptr, const char* var4 = nullptr,
                const char* var5 = nullptr, const char* var6 = nullptr, const char* var7 = nullptr,
                const char* var8 = nullptr, const char* var9 = nullptr, const char* var10 = nullptr);
-  /// `variables` points to ten pointers, or is null, which means no variables.
-  VelClMessage(const VelClMessageCatalog& catalog, unsigned long id, const char* const* variables);
+  /// `inserts` points to ten pointers, or is null, which means no inserts.
+  VelClMessage(const VelClMessageCatalog& catalog, unsigned long id, const char* const* inserts);
   VelClMessage(const VelClMessage& other);
   /// Copies text, id and validity; this message keeps its own catalog.
   VelClMessage& operator=(const VelClMessage& other);
   ~VelClMessage();
 
-  /// Load another message of the same catalog and return its text. The variables may point into the present
+  /// Load another message of the same catalog and return its text. The inserts may point into the present
   /// text of this object.
   const char* setNewMessageId(unsigned long id);
   const char* setNewMessageId(unsigned long id, const char* var1, const char* var2 = nullptr,
@@ -197,15 +200,15 @@ class VEL_API VelClMessage {
   unsigned long getId() const { return id_; }
   /// True if the text came from the catalog.
   bool isValid() const { return loaded_; }
-  /// True if the text is too long, over 80 characters, for the buffer inside the object.
+  /// True if the text is too long, over 80 bytes, for the buffer inside the object.
   bool hasAllocatedMemory() const { return text_ != inline_; }
 
  private:
   static constexpr size_t kInlineLength = 80;
 
-  const char* loadMessage(uint32_t id, const char* const* variables);
+  const char* loadMessage(uint32_t id, const char* const* inserts);
   unsigned long replaceVars(char* out, unsigned long maxLength, const char* source,
-                            const char* const* variables, unsigned long variableCount) const;
+                            const char* const* inserts, unsigned long insertCount) const;
   size_t buildFailureText(uint32_t id, char* out) const;
   void store(const char* text, size_t length);
 
@@ -241,8 +244,8 @@ class VEL_API VelClMessageCatalogProxy {
   /// Returns the message, or a text that says why it cannot be loaded, in this object's buffer; valid until
   /// the next call.
   const char* getMessage(unsigned long id);
-  /// Same with variables, see VelClMessage.
-  const char* getMessage(unsigned long id, const char* const* variables);
+  /// Same with inserts, see VelClMessage.
+  const char* getMessage(unsigned long id, const char* const* inserts);
 
  private:
   bool owned_;

@@ -16,11 +16,11 @@
 typedef int (*VelProcedure)(void);
 
 /// Loads a dynamic library; the search is that of VelClDllFile. Returns a handle for the other two functions,
-/// or null if the library cannot be loaded (the reason is not reported) or the name is null. Memory comes
-/// from the memory manager, which throws when it has none.
+/// or null if the library cannot be loaded (the reason is not reported) or the name is null. Memory is
+/// allocated by the memory manager, which throws when memory runs out.
 VEL_C_API void* velDllProcLoaderOpen(const char* fileName);
-/// Returns the procedure of this name, or null if the library has none or an argument is null. The procedure
-/// is valid until the handle is closed.
+/// Returns the procedure of this name, or null if the library does not export it or an argument is null. The
+/// procedure is valid until the handle is closed.
 VEL_C_API VelProcedure velDllProcLoaderGetProcedure(void* handle, const char* procedureName);
 /// Releases the library and the handle; null is ignored.
 VEL_C_API void velDllProcLoaderClose(void* handle);
@@ -152,7 +152,7 @@ class VEL_API VelClNewProcessABase {
   /// does not receive it.
   unsigned int getArgumentCount() const { return argumentCount_; }
   /// Call before launch: gives the program its own console window (initially off). Has no effect on Linux,
-  /// which has no such windows.
+  /// where programs do not have such windows.
   void setNewConsole(bool newConsole) { newConsole_ = newConsole; }
   /// Returns the value set by setNewConsole.
   bool hasNewConsole() const { return newConsole_; }
@@ -206,9 +206,9 @@ class VEL_API VelClNewSyncProcess : public VelClNewProcessABase {
   bool launch() override;
 };
 
-/// Starts a program detached from this one and does not wait for it. The program has no console unless
-/// setNewConsole(true) was called. On Linux it runs in a new session, has /dev/null as its standard streams,
-/// and does not become a zombie of this process.
+/// Starts a program detached from this one and does not wait for it. The program runs without a console
+/// unless setNewConsole(true) was called. On Linux it runs in a new session, has /dev/null as its standard
+/// streams, and does not become a zombie of this process.
 class VEL_API VelClNewAsyncProcess : public VelClNewProcessABase {
  public:
   /// `exe` is not copied and must outlive the object.
@@ -256,7 +256,8 @@ class VEL_API VelClDllProcLoaderFile : public VelClDllFile {
   explicit VelClDllProcLoaderFile(const VelClFilename& name);
   ~VelClDllProcLoaderFile() override;
 
-  /// Returns null if the library is not loaded or has no such procedure. Valid as long as this object.
+  /// Returns null if the library is not loaded or does not export the procedure. Valid as long as this
+  /// object.
   VelProcedure getProcedure(const char* name) const;
 };
 

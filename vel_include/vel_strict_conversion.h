@@ -49,8 +49,8 @@ class VEL_API VelClConversionSink {
 /// this library, only its "?" can be recognised as a substitution. A byte without a character is an invalid
 /// sequence, and so is everything that RFC 3629 forbids in UTF-8, and an unpaired surrogate.
 ///
-/// Nothing here throws, except when there is no memory (VelClExceptionFatal) or when the sink throws. One
-/// conversion must not be used by two threads at once.
+/// Members throw only when memory runs out (VelClExceptionFatal) or when the sink throws. One conversion must
+/// not be used by two threads at the same time.
 class VEL_API VelClStrictConversion {
  public:
   /// The conversion routes, see VelClConverterABase.
@@ -95,7 +95,7 @@ class VEL_API VelClStrictConversion {
   VelClStrictConversion& operator=(const VelClStrictConversion&) = delete;
   ~VelClStrictConversion();
 
-  /// Return the route of a single conversion; NONE if there is none.
+  /// Return the route of a single conversion; NONE if no route exists.
   static VelEnRoute getRouteToUcs2(const VelClCCSID& source);
   static VelEnRoute getRouteFromUcs2(const VelClCCSID& target);
 
@@ -142,8 +142,8 @@ class VEL_API VelClStrictConversion {
   VelEnPolicy policy_;
   bool foldsNextLine_;
   bool hasStopped_;
-  vel::codepage::Reader* reader_;  ///< owned; null if there is no route
-  vel::codepage::Writer* writer_;  ///< owned; null if there is no route
+  vel::codepage::Reader* reader_;  ///< owned; null without a route
+  vel::codepage::Writer* writer_;  ///< owned; null without a route
   char16_t* units_;                ///< owned
   char* outputBuffer_;             ///< owned
   char kept_[16];                  ///< the start of a character that continues in the next piece

@@ -39,7 +39,7 @@ typedef struct VelClTraceInstance VelClTraceInstance;
 
 /// Creates the process's trace instance. If one exists already, that one is returned and the key is ignored.
 /// A null instance name means "VELTRACEINSTANCE0". The instance starts enabled only if <KEY>_TRACE_ACTIVE is
-/// on. Memory comes from the memory manager, which throws when it has none.
+/// on. Memory is allocated by the memory manager, which throws when memory runs out.
 VEL_C_API VelClTraceInstance* velTraceCreateInstance(const char* key, const char* instance);
 /// Saves the unsaved bytes and ends tracing; does nothing without an instance. The same happens when the
 /// process ends or the library is unloaded.
@@ -255,7 +255,7 @@ struct _VelStTraceBufferCallBackInfo {
   void* context;          ///< the context that was attached with the handler
   const char* first;      ///< never null
   uint64_t firstLength;   ///< in bytes, may be 0
-  const char* second;     ///< null if there is no second piece
+  const char* second;     ///< null if the bytes are in one piece
   uint64_t secondLength;  ///< in bytes
 };
 
@@ -340,10 +340,10 @@ class VEL_API VelClTraceBufferManager {
 /// link, have a second name, belong to another user, or be writable by others. A file named by a variable or
 /// a call is used without these checks.
 ///
-/// The trace file has no header and is only appended to, so processes can share it. However, a record that
-/// wraps around the end of the ring is saved in two parts, and another process may write between them. Give
-/// each process its own file where that matters. A failed save may leave part of a record in the file; remove
-/// the file in that case.
+/// The trace file does not begin with a header and is only appended to, so processes can share it. However, a
+/// record that wraps around the end of the ring is saved in two parts, and another process may write between
+/// them. Give each process its own file where that matters. A failed save may leave part of a record in the
+/// file; remove the file in that case.
 class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
  public:
   /// A null key counts as ""; a null instance means "VELTRACEINSTANCE0". In controller mode, used to read a
@@ -446,7 +446,7 @@ class VEL_API VelClTraceInstance {
   static VelClTraceInstance* createControllerInstance(const char* key, const char* instance);
   /// Same as velTraceDeleteInstance.
   static void deleteInstance();
-  /// Returns the instance, enabled or not, or null if there is none.
+  /// Returns the instance, enabled or not, or null if it has not been created.
   static VelClTraceInstance* getSingletonInstance();
   /// Returns the enabled instance, or null.
   static VelClTraceInstance* getInstance() { return gs_pclVelTraceInstance; }

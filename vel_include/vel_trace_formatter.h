@@ -57,8 +57,8 @@ class VEL_API VelClTraceFormatter {
   void attachVelMessageCatalog(VelClMessageCatalog& catalog);
 
   /// Formats the whole file. Output does not depend on the system or the locale: printable characters are
-  /// those of ASCII, and numbers have no locale. Floating-point numbers use the stream's precision, up to
-  /// 8,000, and its general, fixed or scientific notation.
+  /// those of ASCII, and numbers are formatted without a locale. Floating-point numbers use the stream's
+  /// precision, up to 8,000, and its general, fixed or scientific notation.
   void format(std::ostream& stream);
   /// Returns the number of entries read by the last format, including those that the filter excludes.
   unsigned int getNumOfEntries() const { return entryCount_; }

@@ -13,7 +13,7 @@
 #endif
 
 /// True if the whole of `text` matches `pattern`, in which "*" matches any run of bytes, including an empty
-/// one, and "?" matches exactly one byte. Null counts as "". There is no escape character. Without
+/// one, and "?" matches exactly one byte. Null counts as "". "*" and "?" cannot be escaped. Without
 /// `caseSensitive`, bytes are compared by their toupper values in the locale of the process. In the worst
 /// case the time is proportional to the product of both lengths.
 VEL_C_API bool velMatchesWildcardPattern(const char* pattern, const char* text, bool caseSensitive);
@@ -75,7 +75,7 @@ class VEL_API VelClStringMatchWildcards : public VelClStringMatchABase {
 /// Placeholder for a regular expression search, which this library does not provide: it never finds a match.
 class VEL_API VelClGrep : public VelClStringMatchABase {
  public:
-  /// The arguments have no effect.
+  /// The arguments are ignored.
   VelClGrep(const char* pattern, bool flag);
   VelClGrep(int options, const char* pattern);
   ~VelClGrep() override;
@@ -233,8 +233,8 @@ void velDebugDumpBin(Arguments&&...) {}
 /// state can compute every number.
 /// The generator is IBAA (indirection, barrel shift, accumulate and add) by Robert J. Jenkins Jr., ISAAC,
 /// 1996, seeded by the multiplicative congruential generator of S. K. Park and K. W. Miller, 1988, in 32-bit
-/// arithmetic that wraps. An object takes about 2 KB, allocates nothing, and must not be used by two threads
-/// at once. A copy continues with the same numbers as its original.
+/// arithmetic that wraps. An object has about 2 KB, allocates nothing, and must not be used by two threads at
+/// the same time. A copy continues with the same numbers as its original.
 class VEL_API VelClRandomNumberGenerator {
  public:
   /// Seeds with the system's milliseconds: two objects constructed in the same clock tick give the same
@@ -301,8 +301,8 @@ class VEL_API VelClPersistencyABase {
   VelClPersistencyABase& operator=(const VelClPersistencyABase&) = default;
 };
 
-/// An array of bits, initially all 0, of a fixed size. It takes size / 8 + 1 bytes from the memory manager;
-/// bit 0 is the lowest bit of the first byte.
+/// An array of bits, initially all 0, of a fixed size. It allocates size / 8 + 1 bytes from the memory
+/// manager; bit 0 is the lowest bit of the first byte.
 ///
 /// Persistent form: the number of bits in 8 bytes, low byte first, followed by the size / 8 + 1 bytes. An
 /// array of more than 17179869175 bits cannot be persisted: the stream fails.
@@ -333,7 +333,7 @@ class VEL_API VelClBitArray : public VelClPersistencyABase {
   /// Sets all bits to 0.
   void resetAll();
 
-  /// Access one bit by its index from 0. If there is no such bit, nothing changes and test returns false.
+  /// Access one bit by its index from 0. If the index is too large, nothing changes and test returns false.
   bool test(size_t index) const { return hasBit(index) && (bits_[index / 8] & maskOf(index)) != 0; }
   void set(size_t index) {
     if (hasBit(index)) bits_[index / 8] = static_cast<unsigned char>(bits_[index / 8] | maskOf(index));

@@ -101,7 +101,7 @@ TEST(Utf8, AllButReplacedNoncharactersRoundTrip) {
   std::string units;
   for (unsigned int value = 0; value < 0x110000; ++value) {
     if (value >= 0xD800 && value < 0xE000) continue;
-    // Replaced by U+FFFF.
+    // The encoder replaces these units by U+FFFF.
     if ((value >= 0xFDD0 && value <= 0xFDEF) || value == 0xFFFE || value == 0xFFFF) continue;
     if (value < 0x10000)
       units += unitBytes({static_cast<char16_t>(value)});

@@ -34,7 +34,7 @@ VelClConverterABase::VelEnRoute VelClConverterABase::getRoute() const {
   if (function_ == &velConvertError) return VelEnRoute::NONE;
   if (VelClConverterABase::requiresExternalICUData()) return VelEnRoute::ICU;
   if (function_ == &velConvertByWindowsCallUCS2ToWinCP) return VelEnRoute::SYSTEM;
-  // ICU is already excluded, so data can only be a table; algorithms have none.
+  // The route is not ICU, so the data is a table, or null for an algorithm.
   return conversionData_ != nullptr ? VelEnRoute::TABLE : VelEnRoute::ALGORITHM;
 }
 
@@ -99,7 +99,7 @@ void VelClConverterABase::setConverterError() {
 }
 
 void VelClConverterABase::setConversionByUsingIconv() {
-  // No external routine exists; what is left of that route is the look-up of both names.
+  // External routines do not exist; all that this route does is look up both names.
   source_.getName();
   target_.getName();
 }

@@ -140,7 +140,8 @@ size_t velConvertByTablesDBCS_EBCDICtoUCS2(VelClConverterABase::_VelStConverter&
   return finish(call, walk, units.end());
 }
 
-// No route selects this function: the library has no tables of extended UNIX codes; ICU converts these pages.
+// No route selects this function: ICU converts extended UNIX codes, and the library does not contain tables
+// of them.
 size_t velConvertByTablesEUCtoUCS2(VelClConverterABase::_VelStConverter&) {
   return 0;
 }

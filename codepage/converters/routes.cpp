@@ -53,7 +53,7 @@ VelClConverterABase::VelConversionFunction functionBetweenUcs2(std::uint32_t ccs
 }
 
 /// Returns whether the CCSID is one of the system's code pages. 0 is the value of an unknown CCSID, and of a
-/// system that does not tell its code page; these two must not match.
+/// system whose code page cannot be determined; these two must not match.
 bool isCodePageOfSystem(std::uint32_t ccsid) {
   return ccsid != 0 && (ccsid == vel::platform::ansiCodePage() || ccsid == vel::platform::oemCodePage());
 }

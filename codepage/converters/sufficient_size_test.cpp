@@ -44,7 +44,7 @@ TEST(SufficientSize, IsSufficientForEveryTarget) {
     SCOPED_TRACE(number);
     const Outcome outcome = convertIntoSufficientSize(converter, unitBytes(all));
     EXPECT_EQ(outcome.consumed, 0x20000U);
-    // Pages with at most one byte for a unit have no characters of two lengths.
+    // If a page has at most one byte per unit, all of its characters have the same length.
     if (outcome.bytes.size() <= all.size()) continue;
     const auto characters = sampleOfEachSize(converter);
     for (const auto& [size, one] : characters)

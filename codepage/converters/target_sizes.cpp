@@ -15,7 +15,7 @@ std::size_t requiredTargetSize(VelClConverterABase::VelConversionFunction functi
   const bool isMixedAscii = function == &velConvertByTablesDBCS_ASCIItoUCS2;
   if (!isMixedAscii && function != &velConvertByTablesDBCS_EBCDICtoUCS2) return 0;
   // A character has at least one byte and becomes one unit, so twice the source is always enough. Most
-  // callers give that much and are spared the walk over the source.
+  // callers pass that much, which saves the walk over the source.
   if (call.sourceSize * kUnitSize <= call.targetSize) return 0;
   return isMixedAscii ? sizeOfMixedAscii(call) : sizeOfMixedEbcdic(call);
 }

@@ -24,7 +24,7 @@ constexpr std::uint32_t kOffsets[] = {0x00000000, 0x00003080, 0x000E2080, 0x03C8
 /// difference below zero, which wraps.
 constexpr std::uint32_t kMaxValue = 0x7FFFFFFF;
 
-/// Returns how many bytes follow `lead`. 80 to BF have none: a lone trailing byte is decoded as itself.
+/// Returns how many bytes follow `lead`. 0 for 80 to BF: a lone trailing byte is decoded as itself.
 constexpr unsigned int trailingBytes(unsigned char lead) {
   if (lead < 0xC0) return 0;
   const int ones = std::countl_one(lead);

@@ -33,7 +33,7 @@ IcuConverter* openByName(const IcuFunctions& icu, std::uint32_t ccsid, IcuStatus
     if (named.ccsid != ccsid) continue;
     status = kIcuSuccess;
     IcuConverter* const converter = icu.open(named.name, &status);
-    // A warning comes with a converter.
+    // With a warning, ICU still returns a converter.
     if (status <= kIcuSuccess) return converter;
   }
   return nullptr;

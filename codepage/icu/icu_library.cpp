@@ -5,7 +5,7 @@
 //   with a version     plain, those of 3.2, those of this version
 //   without one        plain, those of 3.2, then of every version, newest first
 //
-// The version that the build machine has comes first: it is the one that the library was tested with.
+// The version on the build machine is tried first, because the library was tested with it.
 #include "codepage/icu/icu_library.h"
 
 #include <cstdio>
@@ -20,8 +20,7 @@ constexpr int kFirstPlainVersion = 49;
 constexpr int kNewestVersion = 99;
 constexpr int kAnyVersion = 0;
 
-/// Library names without a version. Windows itself comes with ICU in icu.dll, whose functions have plain
-/// names.
+/// Library names without a version. Windows includes ICU as icu.dll, whose functions have plain names.
 constexpr const char* kPlainNames[] = {"icu.dll", "icuuc.dll", "libicuuc.so"};
 struct VersionedName {
   const char* before;
@@ -78,7 +77,7 @@ bool bindAnyVersion(const LibraryLoader& loader, void* library, IcuFunctions& fu
   return false;
 }
 
-/// Unloads the library again if it lacks a function, so that the search can go on.
+/// Unloads the library again if one of the functions is missing, so that the search can go on.
 bool bindLibrary(const LibraryLoader& loader, const char* name, int version, IcuFunctions& functions) {
   void* const library = loader.load(name);
   if (library == nullptr) return false;

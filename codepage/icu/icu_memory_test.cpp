@@ -1,5 +1,5 @@
-// Memory that runs out within ICU: each of its allocations fails, alone or with all that follow. A conversion
-// must have its usual result or report that it is out of memory.
+// Tests conversions when memory runs out within ICU: each of its allocations fails in turn, alone or with all
+// later ones. The conversion must have its usual result or report that it is out of memory.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -17,19 +17,20 @@ using vel::platform::Procedure;
 // ---- ICU's memory ----------------------------------------------------------------------------
 
 int allocations = 0;
-int failsFrom = 0;  ///< the number of the first allocation that fails, 0 for none
-bool onlyOneFails = false;
+int firstFailing = 0;  ///< the number of the first allocation to fail, from 1; 0 if none is to fail
+bool failsOnce = false;
 
-bool fails() {
+/// Counts an allocation and returns whether it is to fail.
+bool nextAllocationFails() {
   const int number = ++allocations;
-  return failsFrom > 0 && (onlyOneFails ? number == failsFrom : number >= failsFrom);
+  return firstFailing > 0 && (failsOnce ? number == firstFailing : number >= firstFailing);
 }
 
 void* allocate(const void*, std::size_t size) {
-  return fails() ? nullptr : std::malloc(size);
+  return nextAllocationFails() ? nullptr : std::malloc(size);
 }
 void* reallocate(const void*, void* block, std::size_t size) {
-  return fails() ? nullptr : std::realloc(block, size);
+  return nextAllocationFails() ? nullptr : std::realloc(block, size);
 }
 void release(const void*, void* block) {
   std::free(block);
@@ -59,21 +60,22 @@ struct Pair {
 class IcuMemory : public testing::Test {
  protected:
   void SetUp() override {
-    if (icu_.library == nullptr) GTEST_SKIP() << "there is no ICU";
+    if (icu_.library == nullptr) GTEST_SKIP() << "ICU is not installed";
     cleanUp_ = function<void()>(icu_.library, "u_cleanup");
     setMemory_ = function<SetMemoryFunctions>(icu_.library, "u_setMemoryFunctions");
     ASSERT_NE(cleanUp_, nullptr);
     ASSERT_NE(setMemory_, nullptr);
-    forget();
+    reloadIcu();
   }
 
   void TearDown() override {
     if (cleanUp_ != nullptr) cleanUp_();
   }
 
-  /// Makes ICU load everything again, except its table of names, and use these functions for memory. Without
-  /// memory for that table ICU reports a missing file and finds no page any more.
-  void forget() {
+  /// Unloads ICU's data, so that the next conversion allocates it again, and installs the memory functions
+  /// above. Then loads the table of converter names: if its allocation failed, ICU would report a missing
+  /// file and find no code page from then on.
+  void reloadIcu() {
     cleanUp_();
     std::int32_t status = 0;
     setMemory_(nullptr, &allocate, &reallocate, &release, &status);
@@ -82,8 +84,7 @@ class IcuMemory : public testing::Test {
     velDeleteICUConverter(velGetICUConverter(kUtf8, error));
   }
 
-  /// Converts each pair with each of ICU's allocations failing, at least until every one of them has failed
-  /// once.
+  /// Converts each pair again and again; in each run another allocation of ICU fails, until every one has.
   void exhaust(Outcome (*convertPair)(const Pair&));
 
  private:
@@ -93,7 +94,8 @@ class IcuMemory : public testing::Test {
   SetMemoryFunctions* setMemory_ = nullptr;
 };
 
-// Single bytes, lead bytes, shifts, four bytes, three bytes, and pages that ICU makes of several converters.
+// Code pages with single bytes, lead bytes, shifts, four bytes and three bytes, and those for which ICU
+// combines several converters.
 constexpr Pair kPairs[] = {{1047, 1051, "\xC1\xC2"},     {1208, 943, "A\xE3\x81\x82"},
                            {943, 1208, "A\x82\xA0"},     {930, 1399, "\xC1\x0E\x44\x81\x0F"},
                            {1208, 1392, "\xC2\x80"},     {33722, 964, "\xA4\xA2"},
@@ -106,24 +108,24 @@ void IcuMemory::exhaust(Outcome (*convertPair)(const Pair&)) {
     SCOPED_TRACE(std::to_string(pair.source) + " to " + std::to_string(pair.target));
     const Outcome expected = convertPair(pair);
     ASSERT_EQ(expected.errorId, static_cast<std::uint32_t>(VEL_NO_ERROR));
-    forget();
+    reloadIcu();
     for (const bool once : {true, false}) {
-      onlyOneFails = once;
+      failsOnce = once;
       int reported = 0, point = 1;
       for (; point < kMax; ++point) {
         allocations = 0;
-        failsFrom = point;
+        firstFailing = point;
         const Outcome outcome = convertPair(pair);
-        failsFrom = 0;
+        firstFailing = 0;
         if (outcome.errorClass == VelEnErrorClass::OUT_OF_MEMORY)
           ++reported;
         else
           EXPECT_EQ(outcome, expected) << "allocation " << point << (once ? " alone" : "");
-        forget();
+        reloadIcu();
         if (allocations < point) break;
       }
       EXPECT_GT(reported, 0) << "no failure was reported";
-      EXPECT_LT(point, kMax) << "there is no end of allocations";
+      EXPECT_LT(point, kMax) << "the conversion allocates endlessly";
     }
   }
 }

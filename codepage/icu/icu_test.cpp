@@ -192,7 +192,7 @@ class InstalledIcu : public testing::Test {
     _VelStError error;
     const void* const converter = velGetICUConverter(1051, error);
     const bool isThere = error.errorId != ICU_UNSUPPORTED_ERROR;
-    // The caller of the test can say whether ICU is installed.
+    // VEL_TEST_ICU, if set, says whether ICU must be installed.
     const char* const known = std::getenv("VEL_TEST_ICU");
     ASSERT_EQ(known == nullptr ? isThere : std::string(known) == "there", isThere);
     if (!isThere) {
@@ -221,7 +221,7 @@ TEST_F(InstalledIcu, AgreesWithThePublishedMappings) {
     const VelClUnicode2CodePageConverter converter{ccsid(mapping.ccsid)};
     if (!converter.requiresExternalICUData()) continue;
     ++pages;
-    // Unmappable units can have a substitution of ICU's own.
+    // ICU may replace unmappable units by another substitute.
     const auto substitution =
         static_cast<unsigned int>(std::stoi(mapping.head.at("substitution"), nullptr, 16));
     std::u16string units;

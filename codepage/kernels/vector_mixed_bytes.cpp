@@ -92,8 +92,8 @@ VEL_VECTOR inline std::uint64_t prefixXor(std::uint64_t bits) {
   return static_cast<std::uint64_t>(_mm_cvtsi128_si64(product));
 }
 
-/// Has the result of findRuns, but no loop. That requires that shift-out and shift-in alternate and that no
-/// shift divides a pair; otherwise it calls findRuns.
+/// Returns the same result as findRuns, without a loop. That requires that shift-out and shift-in alternate
+/// and that no shift divides a pair; otherwise it calls findRuns.
 ///
 ///   bytes       a O p q r s I b      O: shift-out, I: shift-in
 ///   in | out    . 1 . . . . 1 .

@@ -46,8 +46,8 @@ VEL_VECTOR inline void lookUpBlock(char* target, const char* source, const Plane
 constexpr std::size_t kStreamedSize = std::size_t{8} << 20;
 
 /// Returns how many bytes it has looked up. Streaming stores need aligned blocks, so the first block is
-/// stored normally and the aligned ones begin within it; a target at an odd address has no unit on a boundary
-/// and is left alone.
+/// stored normally and the aligned ones begin within it; at an odd address no unit is aligned, so nothing is
+/// done and the result is 0.
 VEL_VECTOR inline std::size_t streamBlocks(char* target, const char* source, std::size_t size,
                                            const Planes& planes) {
   const std::size_t address = reinterpret_cast<std::uintptr_t>(target);

@@ -105,8 +105,8 @@ VEL_VECTOR inline bool decodeBlock(Cursor& cursor, __m512i block) {
   if (!isWellFormed(window, leads, trailsAfter, load(cursor.source + 3))) return false;
   std::size_t size = kBlock + static_cast<std::size_t>(std::popcount(trailsAfter));
   __mmask64 lanes = ~leads.trail | (leads.four << 1);
-  // If a character of four bytes begins with the last byte, its low surrogate has no lane. The next block
-  // decodes it.
+  // If a character of four bytes begins with the last byte, its low surrogate does not have a lane in this
+  // block. The next block decodes the character.
   if ((leads.four >> 63) != 0) {
     size = kBlock - 1;
     lanes &= ~(1ULL << 63);

@@ -80,9 +80,9 @@ struct BlockKernel {
   std::size_t targetNulSize;
 };
 
-/// Converts a tail shorter than one block by running the kernel on a copy that is padded with NULs, and takes
-/// away what the NULs became. Short texts would otherwise never reach a vector. Does nothing if the target
-/// may be too small.
+/// Converts a tail shorter than one block by running the kernel on a copy that is padded with NULs, and drops
+/// the characters that the NULs became. Short texts would otherwise never reach a vector. Does nothing if the
+/// target may be too small.
 inline void convertTail(Cursor& cursor, const BlockKernel& kernel) {
   constexpr std::size_t kMaxSize = kBlock + 3;
   char source[kMaxSize * 2] = {};

@@ -70,8 +70,9 @@ class DoubleByteDecoder : public PageDecoder {
  private:
   char16_t singleUnit(unsigned char byte) const { return toHostOrder(table_.pages[1][byte]); }
 
-  /// Returns the byte of the control character U+001A, or 0 if the page lacks it. In some tables unmapped
-  /// single bytes have this unit, too, so the byte must be one where pages of this family have the character.
+  /// Returns the byte of the control character U+001A, or 0 if the page does not contain it. In some tables
+  /// unmapped single bytes have this unit, too, so the byte must be one where pages of this family have the
+  /// character.
   unsigned char findSubstitute() const {
     constexpr unsigned char kPlaces[] = {0x1A, 0x7F, 0x3F};
     const auto* const place = std::ranges::find_if(kPlaces, [this](unsigned char byte) {
@@ -151,7 +152,7 @@ class IcuDecoder : public PageDecoder {
     const bool isSubstituted = std::any_of(units.text, units.text + units.count, [](char16_t unit) {
       return unit == kUnmapped || unit == kUnmappedSingle;
     });
-    // A substitute and other units: ICU took the first byte for ill-formed and went on with the others.
+    // A substitute and other units: ICU considered only the first byte ill-formed and decoded the others.
     if (isSubstituted && units.count > 1) {
       result.kind = DecodeResult::Kind::InvalidFirstByte;
       return result;

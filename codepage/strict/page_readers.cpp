@@ -81,21 +81,22 @@ class DecodeCache {
   DecodeResult& at(const unsigned char* bytes, std::size_t size, bool isShifted) {
     std::uint32_t key = 0;
     for (std::size_t i = 0; i < size; ++i) key = key << 8 | bytes[i];
-    const auto length = static_cast<std::uint8_t>(isShifted ? 0x80 + size : size);
+    const auto tag = static_cast<std::uint8_t>(isShifted ? kShiftedTag + size : size);
     // Multiplicative hashing by 2^32 divided by the golden ratio (Knuth, The Art of Computer
     // Programming, 6.4): the top bits depend on all bits of the key.
-    Entry& entry = entries_[(key + length) * 2654435761U >> (32 - kBits)];
-    if (entry.key != key || entry.length != length) entry = {key, length, {}};
+    Entry& entry = entries_[(key + tag) * 2654435761U >> (32 - kBits)];
+    if (entry.key != key || entry.tag != tag) entry = {key, tag, {}};
     return entry.decoded;
   }
 
  private:
   static constexpr unsigned int kBits = 14;
   static constexpr std::size_t kCount = std::size_t{1} << kBits;
+  static constexpr std::size_t kShiftedTag = 0x80;
 
   struct Entry {
     std::uint32_t key = 0;
-    std::uint8_t length = 0;
+    std::uint8_t tag = 0;  ///< the size of the sequence, plus kShiftedTag in double-byte mode
     DecodeResult decoded;
   };
 
@@ -147,7 +148,7 @@ class MixedReader : public Reader {
   };
 
   /// Decodes up to the end, a fault or a truncated character, and returns true; returns false at the first
-  /// character for which `units` has no room. Counts the units without writing them if `units` is null.
+  /// character that does not fit into `units`. Counts the units without writing them if `units` is null.
   bool walk(bool& isDouble, const Text& text, ReadResult& result, char16_t* units,
             std::size_t capacity) const {
     endsTruncated_ = false;

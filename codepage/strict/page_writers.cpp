@@ -32,7 +32,7 @@ struct Encoded {
   bool roundTrips;
 };
 
-/// Encodes single characters, each as a text of its own, and decodes them again.
+/// Encodes single characters, each as a separate text, and decodes them again.
 class Encoder {
  public:
   explicit Encoder(const VelClCCSID& target)
@@ -44,7 +44,7 @@ class Encoder {
 
   Encoded encode(char32_t character) const {
     char16_t units[2];
-    const std::size_t count = unitsOf(character, units);
+    const std::size_t count = encodeUtf16(character, units);
     Encoded encoded{};
     if (isIcu()) {
       char* const bytes = reinterpret_cast<char*>(encoded.bytes);
@@ -56,8 +56,8 @@ class Encoder {
     encoded.size = converter_.convertBytes(reinterpret_cast<char*>(encoded.bytes), sizeof encoded.bytes,
                                            reinterpret_cast<const char*>(units), count * kUnitSize);
     encoded.roundTrips = roundTripsByTable(encoded, character);
-    // Units that ISO8859-1 cuts to their low byte would be replaced by an unrelated character: it has no
-    // substitute of its own, so the ASCII one is used.
+    // ISO8859-1 truncates units to their low byte, which is an unrelated character. The page does not define
+    // a substitute, so that of ASCII is used.
     if (converter_.getRoute() == Route::ALGORITHM && !encoded.roundTrips)
       encoded = {{kAsciiSubstitute}, 1, false};
     return encoded;
@@ -106,9 +106,9 @@ bool Encoder::isSingleByte() const {
 }
 
 /// Caches whether characters round-trip, and their bytes in single-byte targets. A two-level table: 0x1100
-/// pages of 256 entries cover all of Unicode, and a page is allocated when the first of its characters is
-/// used. Until then all pages are the same one of zeros, so that a look-up needs no test for a page that is
-/// missing.
+/// blocks of 256 entries cover all of Unicode, and a block is allocated when the first of its characters is
+/// used. Until then its slot refers to a shared block of zeros, so a look-up need not test for a missing
+/// block.
 class EncodingCache {
  public:
   using Entry = std::uint16_t;
@@ -116,16 +116,16 @@ class EncodingCache {
   static constexpr Entry kRoundTrips = 0x100;
   static constexpr Entry kUnmappable = 0x200;
 
-  EncodingCache() : pages_(kPages) {}
+  EncodingCache() : slots_(kBlocks) {}
   EncodingCache(const EncodingCache&) = delete;
   EncodingCache& operator=(const EncodingCache&) = delete;
   ~EncodingCache() {
-    for (const Slot& slot : pages_)
-      if (slot.page != &kUnknown) destroy(const_cast<Page*>(slot.page));
+    for (const Slot& slot : slots_)
+      if (slot.block != &kUnknown) destroy(const_cast<Block*>(slot.block));
   }
 
   /// Returns the entry of a character, or 0 if it is not cached.
-  Entry at(char32_t character) const { return pages_[character >> 8].page->entries[character & 0xFF]; }
+  Entry at(char32_t character) const { return slots_[character >> 8].block->entries[character & 0xFF]; }
   /// Writes the cached bytes up to the first unit not known to round-trip; returns the number written.
   /// Surrogates are never known: their entries stay 0.
   std::size_t encodeCached(const char16_t* __restrict units, std::size_t count, char* __restrict to) const {
@@ -140,29 +140,29 @@ class EncodingCache {
     return i;
   }
   void set(char32_t character, Entry entry) {
-    const Page*& page = pages_[character >> 8].page;
-    if (page == &kUnknown) page = create<Page>();
-    const_cast<Page*>(page)->entries[character & 0xFF] = entry;
+    const Block*& block = slots_[character >> 8].block;
+    if (block == &kUnknown) block = create<Block>();
+    const_cast<Block*>(block)->entries[character & 0xFF] = entry;
   }
 
  private:
-  static constexpr std::size_t kPages = 0x1100;
-  struct Page {
+  static constexpr std::size_t kBlocks = 0x1100;
+  struct Block {
     Entry entries[256] = {};
   };
-  static const Page kUnknown;
+  static const Block kUnknown;
   struct Slot {
-    const Page* page = &kUnknown;
+    const Block* block = &kUnknown;
   };
 
   /// Writes the bytes of four units; returns false, with nothing written, if one of them is not known to
-  /// round-trip. Most text in single-byte pages has all four in the first page, which one test on a word
-  /// tells.
+  /// round-trip. In most text for single-byte targets all four are below U+0100, the first block; one test on
+  /// a word of four units finds out.
   bool encodeFour(const char16_t* __restrict units, char* __restrict to) const {
     constexpr std::uint64_t kHighBytes = 0xFF00FF00FF00FF00;
     std::uint64_t word;
     std::memcpy(&word, units, sizeof word);
-    const Entry* const first = pages_[0].page->entries;
+    const Entry* const first = slots_[0].block->entries;
     const bool isFirst = (word & kHighBytes) == 0;
     const Entry a = isFirst ? first[word & 0xFF] : at(units[0]);
     const Entry b = isFirst ? first[word >> 16 & 0xFF] : at(units[1]);
@@ -174,10 +174,10 @@ class EncodingCache {
     return true;
   }
 
-  Vector<Slot> pages_;
+  Vector<Slot> slots_;
 };
 
-constinit const EncodingCache::Page EncodingCache::kUnknown{};
+constinit const EncodingCache::Block EncodingCache::kUnknown{};
 
 /// The base of both writers: the encoder and the cache.
 class PageWriter : public Writer {
@@ -194,7 +194,8 @@ class PageWriter : public Writer {
     Encoded encoded = encoder_.encode(character);
     const EncodingCache::Entry flag =
         encoded.roundTrips ? EncodingCache::kRoundTrips : EncodingCache::kUnmappable;
-    // For some unmappable characters, such as invisible ones, ICU writes nothing. U+FFFD has a substitute.
+    // For some unmappable characters, such as invisible ones, ICU writes nothing. For U+FFFD it writes the
+    // substitute.
     if (encoded.size == 0) encoded = encoder_.encode(kReplacementCharacter);
     const auto entry = static_cast<EncodingCache::Entry>(flag | encoded.bytes[0]);
     cache_.set(character, entry);
@@ -220,7 +221,7 @@ class SingleByteWriter : public PageWriter {
       output.commit(known);
       // This character is not cached, not in the first plane, or unmappable, so it is encoded singly.
       if (i == count) break;
-      const Character character = characterAt(units + i);
+      const Character character = decodeFirst(units + i);
       const EncodingCache::Entry entry = entryOf(character.value);
       if ((entry & EncodingCache::kRoundTrips) == 0) break;
       *to++ = static_cast<char>(entry);
@@ -245,7 +246,7 @@ class MixedWriter : public PageWriter {
   std::size_t write(const char16_t* units, std::size_t count, Output& output) override {
     std::size_t i = 0;
     while (i < count) {
-      const Character character = characterAt(units + i);
+      const Character character = decodeFirst(units + i);
       if ((entryOf(character.value) & EncodingCache::kRoundTrips) == 0) break;
       i += character.units;
     }
@@ -256,7 +257,7 @@ class MixedWriter : public PageWriter {
   void writeOrSubstitute(char32_t character, Output& output) override {
     const bool isDropped = encoder().encode(character).size == 0;
     char16_t units[2];
-    convert(units, unitsOf(isDropped ? kReplacementCharacter : character, units), false, output);
+    convert(units, encodeUtf16(isDropped ? kReplacementCharacter : character, units), false, output);
   }
 
   void finish(Output& output) override { convert(nullptr, 0, true, output); }
@@ -264,7 +265,7 @@ class MixedWriter : public PageWriter {
  private:
   void convert(const char16_t* units, std::size_t count, bool flush, Output& output) const {
     if (encoder().isIcu()) return convertByIcu(units, count, flush, output);
-    // The system's conversion reports an empty text as a failure, and has no shifts to close.
+    // The system's conversion fails for an empty text, and its code pages do not use shifts.
     if (count == 0) return;
     const std::size_t room = count * kMaxSequence;
     const char* const source = reinterpret_cast<const char*>(units);
@@ -284,7 +285,7 @@ class MixedWriter : public PageWriter {
     } while (piece.isFull);
   }
 
-  CheckedFromUnicode converter_;  ///< not the encoder's, whose tries would disturb the shift state
+  CheckedFromUnicode converter_;  ///< separate from the encoder's, whose trials would change the shift state
   IcuPageCodec codec_;            ///< used only if the encoder is ICU's
 };
 

@@ -1,5 +1,5 @@
 // VelClStrictConversion: passes a text, in pieces of any size, through a reader and a writer, and handles the
-// faults that stop them as the policy says.
+// faults that stop them according to the policy.
 //
 //   source -> [kept_] -> reader -> units_ -> writer -> output buffer -> sink
 //
@@ -204,7 +204,7 @@ bool VelClStrictConversion::writeUnits(const char* source, size_t size, size_t c
 
 // Counts and handles the unmappable character at `unit`. Returns the number of its units.
 size_t VelClStrictConversion::handleUnmappable(const char* source, size_t size, size_t unit, Output& output) {
-  const vel::codepage::Character character = vel::codepage::characterAt(units_ + unit);
+  const vel::codepage::Character character = vel::codepage::decodeFirst(units_ + unit);
   // Only the first fault is reported with its offset, and finding that may mean to decode the source again.
   const size_t before = getFaultCount() == 0 ? reader_->sizeBefore(source, size, unit) : 0;
   if (!this->count(VelEnFault::NOT_REPRESENTABLE, offset_ + before, character.value, nullptr, 0)) {

@@ -57,7 +57,7 @@ std::vector<int> ccsidsWithARoute(Route (*route)(const VelClCCSID&)) {
 }
 
 TEST(StrictConversion, GivesTheSameResultForSplitSourcesOfAnyCodePage) {
-  // Longer than the blocks that are converted at once.
+  // Longer than the blocks in which texts are converted.
   std::string source;
   for (unsigned int i = 0; i < 9'000; ++i) source += static_cast<char>(i * 2654435761U >> 15);
   const std::vector<std::size_t> ends = endsOfPieces(source.size(), 40);
@@ -85,7 +85,8 @@ std::string manyCharacters() {
 TEST(StrictConversion, WritesOnlyBytesThatRoundTrip) {
   const std::string source = manyCharacters();
   for (const int number : ccsidsWithARoute(&Conversion::getRouteFromUcs2)) {
-    // A table can have fewer characters than ICU has, and 954 is another edition on the way back.
+    // A table may map fewer characters than ICU does, and ICU converts to another edition of 954 than from
+    // it.
     if (number == 954 ||
         Conversion::getRouteToUcs2(ccsid(number)) != Conversion::getRouteFromUcs2(ccsid(number)))
       continue;

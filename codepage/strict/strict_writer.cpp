@@ -12,12 +12,12 @@ Writer* makeWriter(const VelClCCSID& target) {
   return target.isUCS2() ? makeUtf16Writer(target) : makePageWriter(target);
 }
 
-Character characterAt(const char16_t* units) {
+Character decodeFirst(const char16_t* units) {
   if (!isHighSurrogate(units[0])) return {units[0], 1};
   return {decodeSurrogatePair(units[0], units[1]), 2};
 }
 
-std::size_t unitsOf(char32_t character, char16_t (&units)[2]) {
+std::size_t encodeUtf16(char32_t character, char16_t (&units)[2]) {
   if (character < kFirstSupplementary) {
     units[0] = static_cast<char16_t>(character);
     return 1;

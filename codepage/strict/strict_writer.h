@@ -1,5 +1,5 @@
 // The interface of strict writers, and their output. A writer converts UTF-16 to bytes and stops before the
-// first unmappable character; what becomes of it is strict_conversion.cpp's decision.
+// first unmappable character; strict_conversion.cpp decides whether to replace it, escape it or stop.
 #pragma once
 
 #include <cstddef>
@@ -37,7 +37,7 @@ class Output {
   std::size_t used_ = 0;
 };
 
-/// The most units that a writer is given at once: every target's bytes for them fit into the output.
+/// The most units per call of Writer::write: the bytes of this many fit into the output for every target.
 inline constexpr std::size_t kMaxUnits = 8192;
 
 class Writer {
@@ -62,9 +62,9 @@ struct Character {
   char32_t value;
   std::size_t units;
 };
-/// Returns the first character of units that are whole characters.
-Character characterAt(const char16_t* units);
+/// Decodes the first character of UTF-16 in which every surrogate is paired.
+Character decodeFirst(const char16_t* units);
 /// Writes a character as UTF-16 and returns the number of its units.
-std::size_t unitsOf(char32_t character, char16_t (&units)[2]);
+std::size_t encodeUtf16(char32_t character, char16_t (&units)[2]);
 
 }  // namespace vel::codepage

@@ -170,8 +170,8 @@ bool hasSurrogates(const char16_t* units, std::size_t count) {
   return found != 0;
 }
 
-/// Returns how many units at the start are whole characters. Most text has no surrogates, which a vectorised
-/// loop finds out; only other text is walked through.
+/// Returns how many units at the start are whole characters. Most texts do not contain surrogates: a
+/// vectorised loop tests for that, and only texts with surrogates are walked through.
 std::size_t wholeCharacters(const char16_t* units, std::size_t count) {
   if (!hasSurrogates(units, count)) return count;
   std::size_t i = 0;

@@ -24,7 +24,7 @@ class UnicodeWriter : public Writer {
   }
   void writeOrSubstitute(char32_t character, Output& output) override {
     char16_t units[2];
-    write(units, unitsOf(character, units), output);
+    write(units, encodeUtf16(character, units), output);
   }
 
  private:

@@ -1,5 +1,5 @@
 // Every cell of the tables, compared with the published mappings. The tables are generated from the same
-// files, which this test reads with a parser of its own, so it shows that the generator loses nothing.
+// files, which this test reads with a separate parser, so it shows that the generator loses nothing.
 // peer_tables_test.cpp compares the contents with those of other libraries, and fuzz/codepage_fuzz.cpp uses
 // the tables for conversions of mixed bytes.
 #include <gtest/gtest.h>

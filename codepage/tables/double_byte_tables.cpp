@@ -1,5 +1,5 @@
-// The tables from mixed single and double bytes to UCS-2; and those from extended UNIX codes, of which there
-// are none: ICU converts these pages.
+// The tables from mixed single and double bytes to UCS-2; and the look-up for extended UNIX codes, which
+// always fails: ICU converts these pages.
 #include <algorithm>
 
 #include "codepage/ccsid_search.h"

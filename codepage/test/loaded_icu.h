@@ -15,7 +15,7 @@ struct LoadedIcu {
   ~LoadedIcu() { velDllProcLoaderClose(library); }
 
   vel::codepage::IcuFunctions functions{};
-  void* library = nullptr;  ///< null when there is no ICU
+  void* library = nullptr;  ///< null if ICU is not installed
 
  private:
   static inline void* opened = nullptr;

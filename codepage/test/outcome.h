@@ -78,7 +78,7 @@ inline VelClCCSID ccsid(int number) {
   return VelClCCSID(number);
 }
 
-/// Returns whether ICU is installed: 943 has no other route.
+/// Returns whether ICU is installed: only ICU converts 943.
 inline bool hasIcu() {
   return VelClCodePage2UnicodeConverter(ccsid(943)).isSupported();
 }

@@ -28,7 +28,7 @@ int main(int argc, char** argv) {
     return editor.load(true) && editor.setValue("A", "o0", value.c_str()) && editor.save() ? 0 : 1;
   }
   VelClIniFileSave file(argv[1]);
-  // Ends by itself when nobody kills it.
+  // Ends by itself if it is not killed.
   for (int round = 0; round < 10'000; ++round) {
     setAll(file, std::string(vel::test::kSavedLength, static_cast<char>('a' + round % 26)));
     const bool isSaved = file.save();

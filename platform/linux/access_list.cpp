@@ -14,7 +14,7 @@ bool copyAccessList(int from, int to) noexcept {
   // A larger list fails with ERANGE and counts as not copied; the caller then withholds permissions.
   char list[4096];
   const ssize_t size = fgetxattr(from, kList, list, sizeof list);
-  // ENODATA: `from` has no list. EOPNOTSUPP and ENOSYS: the file system has none at all.
+  // ENODATA: `from` has no list. EOPNOTSUPP and ENOSYS: the file system does not support lists.
   if (size < 0 && errno == ENODATA) return fremovexattr(to, kList) == 0 || errno == ENODATA;
   if (size < 0) return errno == EOPNOTSUPP || errno == ENOSYS;
   return fsetxattr(to, kList, list, static_cast<std::size_t>(size), 0) == 0;

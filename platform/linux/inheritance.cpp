@@ -38,7 +38,7 @@ int descriptorIn(const char* name) noexcept {
   return number;
 }
 
-/// Returns the first listed descriptor from `first` on, other than the listing's own; -1 if there is none.
+/// Returns the first listed descriptor from `first` on, other than the listing's own; -1 after the last one.
 /// Starts over each time: closing a descriptor removes its entry, and reading on could skip one.
 int nextDescriptor(int listing, int first) noexcept {
   char entries[1024];

@@ -1,5 +1,5 @@
 // Opens file system entries as mere places, and gives a path to the file that a descriptor has open. A port
-// to another system supplies both in a folder of its own.
+// to another system supplies both in its own folder.
 #pragma once
 
 #include <fcntl.h>

@@ -20,12 +20,12 @@ bool isNamedPipe(int descriptor) noexcept {
   struct stat status {};
   struct statfs system {};
   if (fstat(descriptor, &status) != 0 || !S_ISFIFO(status.st_mode)) return false;
-  // Unnamed pipes are in a file system of their own (pipefs).
+  // Unnamed pipes are in a separate file system (pipefs).
   return fstatfs(descriptor, &system) != 0 || system.f_type != PIPEFS_MAGIC;
 }
 
-// tee() copies a byte into another pipe without consuming it. It returns 0 at once if there is no writer and
-// no byte; with a writer but no byte it fails with EAGAIN.
+// tee() copies a byte into another pipe without consuming it. If the pipe is empty, it returns 0 without a
+// writer, and fails with EAGAIN if the pipe has a writer.
 bool hasWriter(int pipe) noexcept {
   int ends[2];
   if (makePipe(ends, 0) != 0) return false;

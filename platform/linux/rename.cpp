@@ -1,5 +1,5 @@
 // Renames atomically without replacing, by renameat2. Older kernels (ENOSYS) and some file systems (EINVAL)
-// lack it.
+// do not support it.
 #include <stdio.h>
 #include <sys/syscall.h>
 #include <unistd.h>

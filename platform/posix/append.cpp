@@ -98,7 +98,7 @@ SystemError appendBytes(int descriptor, const Bytes& first, const Bytes& second,
   const std::size_t total = first.size + second.size;
   written = 0;
   while (written < total) {
-    // One call for both pieces: with O_APPEND the entries of other processes come before or after, not
+    // One call for both pieces: with O_APPEND the entries of other processes are before or after, not
     // between.
     const ssize_t count = retrying([&] { return writev(descriptor, pieces, 2); });
     if (count <= 0) {

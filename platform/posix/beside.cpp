@@ -2,7 +2,7 @@
 // the target is target.cpp's work; the order of the steps is decided in replacing.cpp and file_copy.cpp.
 //
 // The file is written without a name if the file system allows it (O_TMPFILE on Linux), so that a crash
-// leaves nothing behind. Naming it cannot overwrite an existing target, so an unnamed file gets a random name
+// leaves no file behind. Naming it cannot overwrite an existing target, so an unnamed file gets a random name
 // first and is renamed over the target; with no target it is linked directly under its final name:
 //
 //   no target:   unnamed --link--> target            (EEXIST if somebody was faster)
@@ -110,7 +110,8 @@ SystemError moveToNewName(Replacement& replacement) noexcept {
 }
 
 /// Replaces the target. The check just before the rename narrows the moment in which a file that somebody
-/// else has put in the target's place would be lost; POSIX has no rename that compares.
+/// else has put in the target's place would be lost; POSIX does not provide a rename that compares the
+/// target.
 SystemError moveOverTarget(Replacement& replacement) noexcept {
   if (replacement.temporary[0] == '\0') {
     const SystemError error = makeUnderNewName(replacement, [&] {
@@ -142,7 +143,7 @@ SystemError createBeside(mode_t mode, BesideName name, Replacement& replacement)
 //   bits that the group had too, or a refusal would be lifted;
 // - list lost: drop group and other bits, because the list may have refused single users.
 // The result is read back instead of trusting fchown: some file systems set the wanted owner by themselves
-// and refuse the call. Ownership comes before permissions, because fchown clears the set-ID bits.
+// and refuse the call. Ownership is changed before permissions, because fchown clears the set-ID bits.
 bool copyRights(const Replacement& replacement, mode_t mode) noexcept {
   constexpr mode_t kGroupBits = S_IRWXG | S_ISGID;
   const mode_t othersOfGroup = (mode & S_IRWXG) >> 3;

@@ -1,4 +1,4 @@
-// Creates the file that is written beside a target and takes its place, for saving and for copying.
+// Creates a file beside its target and moves it into the target's place, for saving and for copying.
 #pragma once
 
 #include <sys/types.h>
@@ -21,7 +21,8 @@ SystemError createBeside(mode_t mode, BesideName name, Replacement& replacement)
 bool copyRights(const Replacement& replacement, mode_t mode) noexcept;
 
 /// Gives the file the target's name atomically. Replaces only the entry that findTarget held (else
-/// ECANCELED), or none if there was none (else EEXIST). After a failure the temporary file is gone.
+/// ECANCELED); if findTarget found no entry, replaces nothing (EEXIST if one has appeared). After a failure
+/// the temporary file is gone.
 SystemError moveIntoPlace(Replacement& replacement) noexcept;
 
 /// Makes file systems that report a failed write only when the file is closed report it now; the file stays

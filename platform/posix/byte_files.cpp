@@ -22,8 +22,8 @@ int openRetrying(const char* path, int flags) noexcept {
 }
 
 /// Opens without waiting for the other end of a pipe. Opening a file that somebody holds a lease on, a file
-/// server for example, fails with EWOULDBLOCK until the kernel has broken the lease, which takes up to 45
-/// seconds; so this tries for 50 seconds.
+/// server for example, fails with EWOULDBLOCK until the kernel has broken the lease, after up to 45 seconds;
+/// so this tries for 50 seconds.
 int openWithoutWaiting(const char* path) noexcept {
   constexpr timespec kPause{0, 50'000'000};
   int descriptor = openRetrying(path, O_NONBLOCK);

@@ -1,4 +1,4 @@
-// High-resolution clock and sleeping. tickCount needs a clock that POSIX does not have: see tick_count.cpp.
+// High-resolution clock and sleeping. tickCount needs a clock that POSIX does not define: see tick_count.cpp.
 #include "platform/clocks.h"
 
 #include <time.h>

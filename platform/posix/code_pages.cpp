@@ -21,7 +21,7 @@ struct CodeSet {
 };
 
 /// Code sets by the names that systems report (with and without the first hyphen) and their CCSIDs. The first
-/// name of a CCSID is the one given to iconv. In no order: the list is searched from its start.
+/// name of a CCSID is the one given to iconv. The list is not sorted; it is searched from its start.
 constexpr CodeSet kCodeSets[] = {
     {"ANSI_X3.4-1968", 367}, {"US-ASCII", 367},   {"UTF-8", 1208},      {"UTF8", 1208},
     {"ISO-8859-1", 819},     {"ISO8859-1", 819},  {"ISO-8859-2", 912},  {"ISO8859-2", 912},
@@ -84,7 +84,7 @@ std::uint32_t ansiCodePage() noexcept {
   // CCSID 367 is ASCII.
   if (ccsid != 367) return ccsid;
   // A program that never calls setlocale() runs in the ASCII locale "C", whatever its user's locale is. The
-  // environment tells what the terminal expects.
+  // environment says which encoding the terminal expects.
   const char* const named = std::strchr(localeNameFor("LC_CTYPE"), '.');
   if (named == nullptr) return ccsid;
   return ccsidOfName(named + 1, std::strcspn(named + 1, "@"));

@@ -1,9 +1,9 @@
 // Waits for one key from the terminal on standard input.
 //
-// The terminal is switched to deliver keys at once and without echo. If a signal ended the process then, the
-// user's shell would be left with an unusable terminal. So signals that end or stop the process are caught
-// meanwhile and their numbers written into a pipe, which poll() watches beside the terminal (the "self-pipe
-// trick"):
+// The terminal is switched to deliver keys immediately and without echo. If a signal ended the process then,
+// the user's shell would be left with an unusable terminal. So signals that end or stop the process are
+// caught meanwhile and their numbers written into a pipe, which poll() watches beside the terminal (the
+// "self-pipe trick"):
 //
 //   key    ->  read it, restore the terminal, done
 //   signal ->  restore the terminal, raise the signal with its own action; if the process goes on, wait anew
@@ -78,8 +78,8 @@ void setAttributes(const termios& attributes) noexcept {
   static_cast<void>(retrying([&] { return tcsetattr(STDIN_FILENO, TCSANOW, &attributes); }));
 }
 
-/// While it exists, the terminal delivers each key at once and without echo. ISIG stays set, so that Ctrl+C
-/// and its like still send signals.
+/// While it exists, the terminal delivers each key immediately and without echo. ISIG stays set, so that
+/// Ctrl+C and its like still send signals.
 class KeyMode {
  public:
   KeyMode() noexcept : valid_(tcgetattr(STDIN_FILENO, &previous_) == 0) {
@@ -122,7 +122,7 @@ void readKey() noexcept {
 
 enum class Wait { Done, Interrupted, NoTerminal };
 
-/// Waits for a key and reads it, unless a signal comes first.
+/// Waits for a key and reads it, unless a signal arrives first.
 Wait readKeyUnlessSignal(const SignalWatch& signals) noexcept {
   pollfd sources[] = {{STDIN_FILENO, POLLIN, 0}, {signals.descriptor(), POLLIN, 0}};
   while (poll(sources, 2, -1) < 0)
@@ -145,7 +145,8 @@ Wait waitOnce() noexcept {
 }  // namespace
 
 bool waitForConsoleKey() noexcept {
-  // Terminal mode and signal actions belong to the process, so two threads must not change them at once.
+  // Terminal mode and signal actions belong to the process, so two threads must not change them at the same
+  // time.
   static std::mutex oneAtATime;
   const std::lock_guard<std::mutex> lock(oneAtATime);
   Wait result = Wait::Interrupted;

@@ -25,7 +25,7 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 
-/// A program on a pseudo-terminal of its own, and its user. The terminal is not the controlling one of the
+/// A program on its own pseudo-terminal, and its user. The terminal is not the controlling one of the
 /// program, so signals are sent with `signal`, not typed.
 class Tool {
  public:
@@ -39,7 +39,7 @@ class Tool {
     child_ = fork();
     if (child_ == 0) {
       setpgid(0, 0);
-      // A session without a terminal may ignore some, and programs inherit that.
+      // A session without a terminal may ignore some signals, and programs inherit that.
       for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) ::signal(number, SIG_DFL);
       for (int stream = onlyErrors ? 2 : 0; stream < 3; ++stream) dup2(terminal, stream);
       close(terminal);
@@ -176,7 +176,7 @@ TEST(PromptForKey, KeepsTheHandlersOfTheToolAndIgnoredSignals) {
   EXPECT_EQ(ignoring.finish(), kInvitation + "end\r\n");
 }
 
-// On Windows the key always comes from the console.
+// On Windows the key is always read from the console.
 TEST(PromptForKey, ReadsOneCharacterOfRedirectedInput) {
   const auto result = vel::test::runChild("prompt_child", {"string", "A", "-", "key", "string", "B", "-"},
                                           {.input = "one\nxtwo\n"});
@@ -184,7 +184,7 @@ TEST(PromptForKey, ReadsOneCharacterOfRedirectedInput) {
   EXPECT_THAT(result.output, HasSubstr("[two]\n"));
 }
 
-// On a busy machine the fast tool may take longer than a second; then it is run again.
+// On a busy machine the fast tool may run for more than a second; then it is run again.
 TEST(ProgressDisplay, AppearsOnlyOnATerminalAndOnlyAfterASecond) {
   const auto now = std::chrono::steady_clock::now;
   constexpr std::chrono::seconds kShownAfter(1);

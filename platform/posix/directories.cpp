@@ -1,8 +1,8 @@
 // Lists, creates, enters and removes directories.
 //
 // A tree is removed through directory descriptors: each entry is opened or unlinked relative to the open
-// directory that listed it (openat, unlinkat), never by its path. Somebody who replaces a component of the
-// path by a link meanwhile cannot divert the removal to another tree.
+// directory that listed it (openat, unlinkat), never by its path. Replacing a component of the path by a link
+// meanwhile does not divert the removal to another tree.
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -131,7 +131,7 @@ SystemError identityOfRoot(const char*, FileIdentity& identity) noexcept {
 }
 
 SystemError nextEntry(DirectoryHandle& directory, DirectoryEntry& entry, ListingStep& step) noexcept {
-  // "." and ".." always come first; readdir may list them anywhere, or not at all.
+  // This function lists "." and ".." first; readdir may list them anywhere, or not at all.
   constexpr std::array<const char*, 2> kDots = {".", ".."};
   step = ListingStep::Entry;
   while (directory.listed < kDots.size())

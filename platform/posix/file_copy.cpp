@@ -120,7 +120,7 @@ bool isFixed(SystemError error) noexcept {
 }
 
 SystemError copyBeside(Replacement& target, const Copy& copy) noexcept {
-  // Private while it is written; the final rights come with placeCopy.
+  // Private while it is written; placeCopy sets the final rights.
   SystemError error = createBeside(S_IRUSR | S_IWUSR, BesideName::None, target);
   if (error == 0) {
     error = fill(target.descriptor, copy);

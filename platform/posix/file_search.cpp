@@ -54,7 +54,7 @@ struct Search {
   }
 
   bool tryAlongPath() const noexcept {
-    // Empty elements, which shells take for the current directory, are skipped: tryDirectory refuses "".
+    // Empty elements, which mean the current directory to shells, are skipped: tryDirectory refuses "".
     const char* const variable = std::getenv("PATH");
     std::string_view rest = variable == nullptr ? "" : variable;
     while (!rest.empty()) {

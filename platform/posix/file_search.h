@@ -60,9 +60,9 @@ bool tryNames(const NameForms& forms, PathVisitor visit, void* context) noexcept
 /// because the system's loader would search for a name without one.
 bool tryPaths(const NameForms& forms, PathVisitor visit, void* context) noexcept;
 
-/// Returns the path's directory with its final "/"; "" if the path has none.
+/// Returns the path's directory with its final "/"; "" for a path without "/".
 std::string_view directoryOf(std::string_view path) noexcept;
-/// Copies the path's directory; "." if the path has none. False if it is too long.
+/// Copies the path's directory; "." for a path without "/". Returns false if it is too long.
 bool copyDirectoryOf(std::string_view path, PathBuffer& directory) noexcept;
 
 bool isRegularFile(const char* path) noexcept;

@@ -152,7 +152,7 @@ TEST_F(FileSearch, TheLibrarysOwnCatalogIsSearchedInTheCurrentDirectoryLast) {
   scratch_.write("second/OWN.dll", "second");
   EXPECT_EQ(own("own.DLL"), "second");
   EXPECT_EQ(catalog("own.DLL"), "here");
-  // The library is linked into this program, whose directory comes first.
+  // The library is linked into this program, whose directory is searched first.
   scratch_.write("second/small_catalog.DLL", "second");
   EXPECT_TRUE(own("small_catalog.DLL").starts_with("MZ"));
 }

@@ -46,8 +46,9 @@ class PosixFiles : public testing::Test {
   const std::string file_ = scratch_.write("file", "kept");
 };
 
-// A component without a match stays as typed, and so do those after it. An exact match comes before others,
-// and those are in byte order. Only ASCII letters are folded, and none in names with slashes.
+// A component without a match stays as typed, and so do those after it. An exact match is preferred; among
+// other matches the first in byte order is used. Only ASCII letters are folded, and none in names with
+// slashes.
 TEST_F(PosixFiles, BackslashNamesGetTheSpellingOfTheirEntries) {
   for (const char* entry :
        {"Dir/Sub/File.txt", "twice/a", "twice/A", "twice/B.txt", "twice/b.TXT", "\u00C4.txt"})

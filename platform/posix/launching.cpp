@@ -218,8 +218,8 @@ void startDetached(const Plan& plan) noexcept {
   plan.outcome->error = program < 0 ? error : errorFrom(ends[0]);
 }
 
-/// Not inlined: a vfork child runs on the parent's stack, so what it writes belongs in a frame of its own and
-/// not in slots that the parent still needs.
+/// Not inlined: a vfork child runs on the parent's stack, so it must write to its own frame and not to slots
+/// that the parent still needs.
 [[noreturn, gnu::noinline]] void runChild(const Plan& plan) noexcept {
   closeDescriptorsFrom(kFirstInherited);
   if (plan.style == Style::Detached) {

@@ -166,7 +166,7 @@ TEST(PosixLaunching, SignalMaskIsInheritedAndSignalsBecomeExitCodes) {
   sigaddset(&blocked, SIGUSR1);
   pthread_sigmask(SIG_SETMASK, &blocked, &before);
   signal(SIGUSR2, reapEverything);
-  // USR1 is blocked, so the child lives on; USR2 has no handler there.
+  // USR1 is blocked, so the child lives on; USR2 has its default action there, which ends the child.
   EXPECT_EQ(runShell("kill -USR1 $$; exit 5"), 5);
   EXPECT_EQ(runShell("kill -USR2 $$; exit 5"), 128 + SIGUSR2);
   EXPECT_EQ(runShell("kill -KILL $$"), 128 + SIGKILL);

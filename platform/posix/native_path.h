@@ -1,8 +1,8 @@
 // Translates file names to the spelling that the system expects.
-// A name is in backslash style if it begins with a drive, contains a backslash, or has no separator at all;
-// any other name with a "/" is in slash style and is passed unchanged. A backslash name loses its drive, and
-// backslashes become "/". If there is no entry of exactly that name, each component that does not exist as
-// written is searched for in its directory, ignoring ASCII case:
+// A name is in backslash style if it begins with a drive, contains a backslash, or does not contain any
+// separator; any other name with a "/" is in slash style and is passed unchanged. A backslash name loses its
+// drive, and backslashes become "/". If an entry of exactly that name does not exist, each component that
+// does not exist as written is searched for in its directory, ignoring ASCII case:
 //
 //   C:\Data\Tool.INI  ->  /Data/Tool.INI  ->  /data/tool.ini, if that is what exists
 #pragma once

@@ -10,7 +10,8 @@ namespace vel::platform {
 SystemError makePipe(int (&ends)[2], int flags) noexcept;
 
 /// Whether the descriptor is a named pipe (FIFO). An unnamed pipe that was opened through the directory of
-/// descriptors may have lost its writer and still contain bytes, so it must not be refused for having none.
+/// descriptors may have lost its writer and still contain bytes, so it must not be refused for want of a
+/// writer.
 bool isNamedPipe(int descriptor) noexcept;
 
 /// Whether somebody has the pipe open for writing, or bytes are left in it. Consumes nothing.

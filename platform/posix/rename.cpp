@@ -1,5 +1,5 @@
-// Renames without replacing by hard links, on file systems that have no atomic rename of that kind. link()
-// fails with EEXIST if the target exists, which is the test that rename() lacks.
+// Renames without replacing by hard links, on file systems that do not support an atomic rename of that kind.
+// Unlike rename(), link() fails with EEXIST if the target exists.
 #include "platform/posix/rename.h"
 
 #include <fcntl.h>

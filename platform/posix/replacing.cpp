@@ -102,7 +102,7 @@ void dropReplacement(Replacement& replacement) noexcept {
 void removeUnfinishedOnSignals() noexcept {
   for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
     struct sigaction action = {};
-    // A program with a handler of its own, or one that ignores the signal, keeps it.
+    // The program's own handler, or its decision to ignore the signal, is kept.
     if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) continue;
     action.sa_handler = removeAndEnd;
     action.sa_flags = static_cast<int>(SA_RESETHAND);

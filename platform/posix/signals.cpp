@@ -1,5 +1,5 @@
-// Blocks and unblocks the signals by which users and systems end programs. Calls may nest: hold returns only
-// the signals that it blocked itself, and release unblocks only those.
+// Blocks and unblocks the signals by which users and systems end programs. Calls may nest: holdEndingSignals
+// returns only the signals that it blocked itself, and release unblocks only those.
 #include <pthread.h>
 #include <signal.h>
 

@@ -25,9 +25,9 @@ namespace vel::platform {
 
 namespace {
 
-/// As many links as Linux itself follows in one path.
+/// The number of links that Linux follows in one path.
 constexpr int kMaxLinks = 40;
-/// With O_NONBLOCK, opening a pipe that nobody reads fails at once instead of waiting.
+/// With O_NONBLOCK, opening a pipe that nobody reads fails immediately instead of waiting.
 constexpr int kForWriting = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
 int openTarget(const Replacement& replacement, int flags) noexcept {

@@ -14,7 +14,7 @@ namespace vel::platform {
 enum class LastLink { Follow, Hold };
 
 /// Opens the target's directory and, for writing, the target itself, without changing it. `heldTarget` stays
-/// -1 if there is no such file. Never waits for the reader of a pipe. LastLink::Follow leads to an existing
+/// -1 if the file does not exist. Never waits for the reader of a pipe. LastLink::Follow leads to an existing
 /// target or fails with ENOENT; LastLink::Hold makes the link itself the target.
 SystemError findTarget(const char* path, LastLink links, Replacement& replacement) noexcept;
 

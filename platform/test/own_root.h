@@ -12,7 +12,7 @@ namespace vel::test {
 using InOwnRoot = std::function<std::string(const std::vector<std::string>& beginnings)>;
 
 /// Runs `action` with `directory` as the root and the current directory: on POSIX systems in a copy of this
-/// process after chroot, on Windows on a drive of its own. Returns nothing if the system does not permit it.
+/// process after chroot, on Windows on a separate drive. Returns nothing if the system does not permit it.
 std::optional<std::string> inOwnRoot(const std::string& directory, const InOwnRoot& action);
 
 }  // namespace vel::test

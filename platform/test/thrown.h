@@ -18,7 +18,9 @@ std::string thrown(Function function) {
     const auto number = [](auto value) { return std::to_string(static_cast<int>(value)) + ' '; };
     const std::string origin = exception.getOrigin();
     const bool tellsLine = origin.find_first_of("0123456789") != std::string::npos;
-    EXPECT_TRUE(!tellsLine || origin.ends_with(std::to_string(exception.getLine())));
+    if (tellsLine) {
+      EXPECT_TRUE(origin.ends_with(std::to_string(exception.getLine()))) << origin;
+    }
     return number(exception.getId()) + number(exception.getClass()) + number(exception.getSeverity()) +
            number(exception.getAction()) + exception.getCause() + ", " + origin;
   }

@@ -39,7 +39,7 @@ SystemError appendPiece(HANDLE file, const Bytes& piece, std::uint64_t& total) n
   return 0;
 }
 
-/// Joins both pieces in one block, so that a single write appends them. Null data if there is no memory.
+/// Joins both pieces in one block, so that a single write appends them. The data is null if memory ran out.
 Bytes joined(const Bytes& first, const Bytes& second) noexcept {
   const std::size_t size = first.size + second.size;
   auto* const block = static_cast<char*>(HeapAlloc(GetProcessHeap(), 0, size));

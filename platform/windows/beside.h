@@ -1,4 +1,4 @@
-// The file that is written beside a target and takes its place, for saving and for copying.
+// The file that is written beside a target and then moved into its place, for saving and for copying.
 #pragma once
 
 #define WIN32_LEAN_AND_MEAN

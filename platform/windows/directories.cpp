@@ -1,9 +1,9 @@
 // Lists, creates, enters and removes directories.
 //
 // A tree is removed through handles: each entry is opened relative to the handle of the directory that listed
-// it, and deleted by its own handle. Somebody who replaces a component of the path by a junction meanwhile
-// cannot divert the removal to another tree. The Win32 functions accept paths only, so the native calls are
-// used, whose OBJECT_ATTRIBUTES have a root directory:
+// it, and deleted by its own handle. Replacing a component of the path by a junction meanwhile does not
+// divert the removal to another tree. The Win32 functions accept paths only, so the native calls are used,
+// whose OBJECT_ATTRIBUTES have a root directory:
 //
 //   RootDirectory = handle of the directory, ObjectName = "entry", FILE_OPEN_REPARSE_POINT for links
 #include <direct.h>

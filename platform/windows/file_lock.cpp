@@ -26,7 +26,7 @@ namespace vel::platform {
 
 namespace {
 
-/// Opens a file or directory to query it. Null if there is none of this name.
+/// Opens a file or directory to query it. Returns null if it does not exist.
 HANDLE openAttributes(const char* name) noexcept {
   const HANDLE file = CreateFileA(name, FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
                                   FILE_FLAG_BACKUP_SEMANTICS, nullptr);
@@ -45,7 +45,7 @@ bool isMissing(DWORD error) noexcept {
   return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
 }
 
-/// Returns the name with all links resolved; false if there is no such entry.
+/// Returns the name with all links resolved; false if the entry does not exist.
 bool findFinalName(const char* name, char (&found)[kFullNameCapacity]) noexcept {
   const HANDLE entry = openAttributes(name);
   if (entry == nullptr) return false;
@@ -114,7 +114,7 @@ bool isDirectory(const char* name) noexcept {
 
 SystemError stateOf(int descriptor, FileState& state) noexcept {
   const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
-  // Devices and pipes have no file index; they cannot be replaced, either.
+  // Devices and pipes do not have a file index; they cannot be replaced, either.
   if (GetFileType(file) == FILE_TYPE_DISK) return stateIn(file, state);
   state = {};
   return 0;

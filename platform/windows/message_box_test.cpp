@@ -94,7 +94,7 @@ void failAssertions() {
 }
 
 TEST(StopMessage, ShowsTheReportOfAnAssertionAndWaits) {
-  // A thread that has windows cannot change its desktop, so the test uses a thread of its own.
+  // A thread that has windows cannot change its desktop, so the test uses a separate thread.
   std::thread(failAssertions).join();
 }
 

@@ -1,4 +1,4 @@
-// IDs of processes and threads. Windows has no fork, so the count of forks stays 0.
+// IDs of processes and threads. Windows does not fork, so the count of forks stays 0.
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 

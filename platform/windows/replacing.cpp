@@ -74,8 +74,8 @@ void copyAttributes(const Replacement& replacement) noexcept {
   if (attributes != INVALID_FILE_ATTRIBUTES) SetFileAttributesA(replacement.temporary, attributes);
 }
 
-/// Renames in one step. ReplaceFile would keep more of the old file's properties, but takes several steps,
-/// and a process killed between them leaves no file under the name.
+/// Renames in one step. ReplaceFile would keep more of the old file's properties, but does so in several
+/// steps, and a process killed between them leaves no file under the name.
 SystemError moveIntoPlace(const Replacement& replacement) noexcept {
   copyAttributes(replacement);
   const bool isNew = replacement.old == FileIdentity{};

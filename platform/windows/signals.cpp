@@ -1,4 +1,5 @@
-// Windows has no signals that a thread could block, and removes unfinished files itself.
+// These functions do nothing: Windows has no signals that a thread could block, and removes unfinished files
+// itself.
 #include "platform/signals.h"
 
 namespace vel::platform {

@@ -2,7 +2,7 @@
 // which defines some of their names as macros.
 #include <windows.h>
 
-// windows.h comes first.
+// windows.h is included first.
 #include "vel_include/vel.h"
 #include "vel_include/vel_c.h"
 

@@ -138,7 +138,7 @@ void Tool::selectFile(VelClTraceEnvironment& environment) const {
   if (name.getLength() == 0) end(kFileNotIdentified, nullptr, kExitNoFile);
   if (name.isExistent()) return;
   if (file != nullptr) end(kFileNotFound, file, kExitNoFile);
-  // A trace that has no file yet has a status to show, but no entries.
+  // Before the file of a trace exists, its status can be shown, but no entries.
   if (ui_.hasArgSwitch(kSwitchDisplay)) end(kFileNotIdentified, name.getAsCString(), kExitNoFile);
 }
 

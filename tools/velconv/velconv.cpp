@@ -131,7 +131,7 @@ bool Tool::convert(const char* file, OutputFile& output) {
   const int descriptor = isInput ? vel::platform::kStandardInput : opened.descriptor();
   // A progress bar would mix with output that is shown on the same terminal.
   const bool isShown = output_ == nullptr && vel::platform::isTerminal(vel::platform::kStandardOutput);
-  // The size of a pipe is not known, so there is no progress bar for it.
+  // The size of a pipe is not known, so no progress bar is shown for it.
   const std::uint64_t expected = isShown ? 0 : vel::platform::bytesLeft(descriptor);
   if (expected > 0) progressStart(expected, file);
   const bool isRead = convertBytes(descriptor, output);

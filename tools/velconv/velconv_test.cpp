@@ -23,7 +23,8 @@ class VelconvFiles : public testing::Test {
   vel::test::ScratchDirectory directory_;
 };
 
-/// The file has the routes with ICU 72. Without ICU there is no other route, except the system for two pages.
+/// The file lists the routes with ICU 72. Without ICU the system converts two of its pages; the others cannot
+/// be converted.
 TEST_F(VelconvFiles, ListsEveryCcsidWithItsRoutes) {
   const auto listed =
       readTable(directory_.write("list", "headings\n" + runTool("velconv", {"-list"}).output));

@@ -2,8 +2,8 @@
 // nobody who edits a dump by hand keeps them consistent. "__" is in the places of missing bytes, at the end
 // of a line only.
 //
-// A line "*" stands for repetitions of the line before it. How many there are follows from the address of the
-// next line, so a line of a few bytes can stand for terabytes. Therefore the number is limited.
+// A line "*" stands for repetitions of the line before it. Their number follows from the address of the next
+// line, so a line of a few bytes can stand for terabytes. Therefore the number is limited.
 #include "tools/veldump/dump_parser.h"
 
 #include <algorithm>

@@ -21,7 +21,7 @@ class DumpParser {
   bool parseLine(std::string_view line);
   /// Whether the last line was refused because a "*" stands for too many bytes.
   bool isBeyondLimit() const { return beyondLimit_; }
-  /// Whether the dump can end here. After a "*" it cannot: only the next line tells how many bytes that
+  /// Whether the dump can end here. After a "*" it cannot: only the next line determines how many bytes it
   /// stands for.
   bool canEnd() const { return !squeezed_; }
 

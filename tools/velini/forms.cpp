@@ -1,4 +1,4 @@
-// Writes plain text, INI lines, shell assignments and JSON. Values come from files that anybody may have
+// Writes plain text, INI lines, shell assignments and JSON. Values are read from files that anybody may have
 // written, so each form escapes what has a meaning in it:
 //
 //   plain    one line per option, separated by tabs: tab, line break and backslash are escaped
@@ -71,7 +71,7 @@ void addUnit(std::string& json, unsigned char byte) {
 }
 
 /// JSON must be well-formed UTF-8. A byte that belongs to no UTF-8 character becomes the character of its
-/// number, as if it were Latin-1, since there is no escape for bytes.
+/// number, as if it were Latin-1, since JSON cannot escape bytes.
 std::string jsonText(std::string_view text) {
   std::string json = "\"";
   while (!text.empty()) {

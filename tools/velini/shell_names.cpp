@@ -1,5 +1,5 @@
 // Makes names of shell variables. A script evaluates what velini writes, so a file with an option named PATH
-// or LD_PRELOAD could take the script over. No list of the variables that control shells, loaders and
+// or LD_PRELOAD could take control of the script. No list of the variables that control shells, loaders and
 // programs is complete. But by convention names without a lower-case letter belong to the system, and nearly
 // all that matter are among them: those need a prefix that the script chooses. Lists are needed only for the
 // other variables, and for prefixes that belong to the system as well.

@@ -7,7 +7,7 @@
 namespace vel::velini {
 
 /// Whether the text can begin the names of variables: a letter, then letters, digits and "_", and a "_" at
-/// the end, so that the script has a family of names of its own.
+/// the end, so that the script has its own family of names.
 bool isShellPrefix(std::string_view text);
 
 class ShellNames {

@@ -91,9 +91,9 @@ void Tool::readSwitches() {
   int tasks = 0;
   for (const char* task : {"get", "set", "delete", "delsection", "list", "sections", "merge", "check"})
     tasks += hasArgSwitch(task) ? 1 : 0;
-  if (tasks != 1) refuse(kOneTask);
+  if (tasks != 1) refuse(kExactlyOneTask);
   for (const char* task : {"get", "set", "delete", "delsection"})
-    if (hasArgSwitch(task) && section_ == nullptr) refuse(kSectionNeeded);
+    if (hasArgSwitch(task) && section_ == nullptr) refuse(kSectionRequired);
   hasArgNumval("wait", secondsToWait_);
   readFormat();
 }

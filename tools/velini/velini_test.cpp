@@ -23,7 +23,7 @@ TEST(Velini, FollowsTheSession) {
 TEST(Velini, LosesNoChangeOfConcurrentPrograms) {
   const std::string wait = std::to_string(vel::test::kTimeLimitMs / 1000);
   const vel::test::ScratchDirectory directory;
-  // One of the files is created by the program that is first.
+  // The first of the programs creates one of the files.
   for (const std::string& file : {directory.path("new.ini"), directory.write("old.ini", "[A]\nkept=1\n")}) {
     std::vector<std::future<ChildResult>> programs;
     for (int i = 0; i < 20; ++i)

@@ -1,8 +1,8 @@
 // Lists the messages and languages of a catalog, and compares two catalogs.
 //
 // Catalogs differ by the inserts of their messages ("%1", "%2!8s!"), not by their wording: a translation is
-// expected to have other words, but a program passes the same variables to it. Ids come in ascending order
-// from a catalog, so two catalogs are compared in one pass, as sorted lists are merged.
+// expected to have other words, but a program passes the same inserts to it. A catalog returns its ids in
+// ascending order, so two catalogs are compared in one pass, as sorted lists are merged.
 #include "tools/velmsg/catalog_report.h"
 
 #include <algorithm>

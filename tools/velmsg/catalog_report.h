@@ -14,11 +14,12 @@ namespace vel::velmsg {
 bool listMessages(std::ostream& stream, const VelClMessageCatalog& catalog,
                   std::optional<std::uint32_t> language = std::nullopt);
 
-/// Writes a line per language: its LANGID and the number of its messages. Returns false if there is none.
+/// Writes a line per language: its LANGID and the number of its messages. Returns false if the catalog is
+/// empty.
 bool listLanguages(std::ostream& stream, const VelClMessageCatalog& catalog);
 
 /// Writes a line per difference: "<" for an id only in the first catalog, ">" for one only in the second, "!"
-/// for one with different inserts, and those. Returns true if there is no difference.
+/// for one with different inserts, and those. Returns true if the catalogs do not differ.
 bool listDifferences(std::ostream& stream, const VelClMessageCatalog& first,
                      const VelClMessageCatalog& second);
 

@@ -11,7 +11,7 @@ namespace vel::velmsg {
 bool parseNumber(const char* text, std::uint32_t& number);
 
 /// Writes a line per name: its kind (identifier, class, severity, action, platform) and the name. Returns
-/// false if the code has no name.
+/// false if the code is unknown.
 bool listErrorNames(std::ostream& stream, std::uint32_t number);
 
 }  // namespace vel::velmsg

@@ -13,11 +13,11 @@ enum TextId : unsigned long {
   kCatalogNotLoaded,
   kNumberExpected,
   kUnknownNumber,
-  kStrayArgument,
-  kOneTask,
-  kOneSource,
-  kNoSource,
-  kLanguageOfList,
+  kUnexpectedArgument,
+  kExactlyOneTask,
+  kSourcesConflict,
+  kSourceRequired,
+  kLangRequiresList,
   kTextEnd
 };
 
@@ -36,7 +36,7 @@ inline constexpr const char* kTexts[] = {
     "-lang <number>   list only this language, for example 1031\n"
     "-langs           list the languages of the catalog: language number, number of messages\n"
     "-id <id>         print one message in the user's language\n"
-    "-var <text> ...  the variables of the message, up to ten; missing ones show as ???\n"
+    "-var <text> ...  the inserts of the message, up to ten; missing ones show as ???\n"
     "-diff <file>     compare with a second catalog: ids that are only in the first (<)\n"
     "                 or only in the second (>), and ids whose inserts differ (!)\n"
     "-error <number>  print all names of a number: identifier, class, severity, action, and\n"

@@ -1,6 +1,6 @@
 // velmsg: shows the contents of a message catalog, compares two, and names error codes.
 //
-// The usage string tells which switches have values; which of them go together is checked here. The
+// The usage string defines which switches have values; which of them can be combined is checked here. The
 // tool's own texts are separate from the catalog that is shown, see CatalogTool.
 #include <iostream>
 #include <memory>
@@ -36,7 +36,7 @@ class Tool : public vel::tools::CatalogTool {
 
   /// Reports a fatal error, after the output so far, and ends the process.
   [[noreturn]] void end(TextId text, const char* argument, int exitCode) const;
-  std::vector<const char*> readVariables() const;
+  std::vector<const char*> readInserts() const;
   void checkTasks() const;
   Catalog openSource() const;
   Catalog open(const char* file) const;
@@ -65,41 +65,41 @@ void Tool::run() {
   }
 }
 
-/// Exactly one task, which the usage string cannot express.
+/// Requires exactly one task, and -lang only with -list, which the usage string cannot express.
 void Tool::checkTasks() const {
   int tasks = 0;
   for (const char* task : {"list", "langs", "id", "diff", "error"}) tasks += hasArgSwitch(task) ? 1 : 0;
-  if (tasks != 1) refuse(kOneTask);
-  if (hasArgSwitch("lang") && !hasArgSwitch("list")) refuse(kLanguageOfList);
-  readVariables();
+  if (tasks != 1) refuse(kExactlyOneTask);
+  if (hasArgSwitch("lang") && !hasArgSwitch("list")) refuse(kLangRequiresList);
+  readInserts();
 }
 
-/// Returns the texts after -var, with nulls up to the largest number of variables. The usage string admits
-/// free arguments because of them, so one anywhere else is refused here.
-std::vector<const char*> Tool::readVariables() const {
-  std::vector<const char*> variables;
+/// Returns the texts after -var, padded with nulls to the maximum number of inserts. The usage string has to
+/// allow free arguments for them, so a free argument anywhere else is refused here.
+std::vector<const char*> Tool::readInserts() const {
+  std::vector<const char*> inserts;
   bool open = false;
   VelClArgvCheckCursor argument(*this);
   for (bool more = argument.setToFirst(); more; more = argument.setToNext()) {
     if (argument.isSwitch())
       open = argument.matches("var");
     else if (open)
-      variables.push_back(argument.getAsCString());
+      inserts.push_back(argument.getAsCString());
     else if (argument.isFree())
-      refuse(kStrayArgument, argument.getAsCString());
+      refuse(kUnexpectedArgument, argument.getAsCString());
   }
-  if (variables.size() > VEL_MAX_MESSAGE_VARIABLES)
-    refuse(kStrayArgument, variables[VEL_MAX_MESSAGE_VARIABLES]);
-  variables.resize(VEL_MAX_MESSAGE_VARIABLES);
-  return variables;
+  if (inserts.size() > VEL_MAX_MESSAGE_VARIABLES)
+    refuse(kUnexpectedArgument, inserts[VEL_MAX_MESSAGE_VARIABLES]);
+  inserts.resize(VEL_MAX_MESSAGE_VARIABLES);
+  return inserts;
 }
 
 Tool::Catalog Tool::openSource() const {
   const char* file = nullptr;
   const bool hasFile = hasArgString("cat", file);
   const bool builtIn = hasArgSwitch("builtin");
-  if (hasFile && builtIn) refuse(kOneSource);
-  if (!hasFile && !builtIn) refuse(kNoSource);
+  if (hasFile && builtIn) refuse(kSourcesConflict);
+  if (!hasFile && !builtIn) refuse(kSourceRequired);
   if (hasFile) return open(file);
   unsigned long size = 0;
   const char* const* table = velMsgCatGetBuiltInTable(&size);
@@ -132,7 +132,7 @@ std::uint32_t Tool::requireNumber(const char* text) const {
 }
 
 bool Tool::showMessage(const VelClMessageCatalog& catalog, unsigned long id) const {
-  const VelClMessage message(catalog, id, readVariables().data());
+  const VelClMessage message(catalog, id, readInserts().data());
   // Message 0 counts as absent. For every id that is not found the library has a text, which is the report.
   const bool found = VelClMessageCatalog::isValidMessageId(id) && message.isValid();
   if (found)

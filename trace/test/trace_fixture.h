@@ -61,17 +61,24 @@ class TraceTest : public testing::Test {
   }
   /// Returns the bytes that have been saved.
   std::string saved() const { return readFile(file_); }
-  /// Returns a line with origin, detail, type and data of every entry in the file.
+  /// Returns an entry as entries() shows it: its origin, "D" and the number of its detail, "T" and the number
+  /// of its type, and the bytes of its data as decimal numbers.
+  static std::string line(const std::string& origin, VelEnTraceDetail detail, VelEnTraceDataType type,
+                          std::string_view data = "") {
+    std::string text = origin + " D" + std::to_string(static_cast<int>(detail)) + " T" +
+                       std::to_string(static_cast<int>(type));
+    for (const char byte : data) text += " " + std::to_string(static_cast<unsigned char>(byte));
+    return text + '\n';
+  }
+  /// Returns a line() for every entry in the file.
   std::string entries() const {
     std::istringstream stream(saved());
     const auto reader = environment(true);
     std::string text;
-    for (VelClTraceFileEntry entry(*reader); entry.read(stream); text += '\n') {
+    for (VelClTraceFileEntry entry(*reader); entry.read(stream);) {
       std::string data(entry.getDumpDataLength(), '\0');
       stream.read(data.data(), static_cast<std::streamsize>(data.size()));
-      text += std::string(entry.getOrigin()) + " D" + std::to_string(static_cast<int>(entry.getDetail())) +
-              " T" + std::to_string(static_cast<int>(entry.getType()));
-      for (const char byte : data) text += " " + std::to_string(static_cast<unsigned char>(byte));
+      text += line(entry.getOrigin(), entry.getDetail(), entry.getType(), data);
     }
     return text;
   }

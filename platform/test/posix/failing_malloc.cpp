@@ -25,7 +25,7 @@ constexpr const char* kVariable = "VEL_FAILING_MALLOC=";
 
 unsigned long number = 0;
 
-/// Reads the variable each time, because there is no environment yet when the loader allocates.
+/// Reads the variable each time, because the environment does not exist yet when the loader allocates.
 bool fails() {
   ++number;
   if (environ == nullptr) return false;

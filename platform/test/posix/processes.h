@@ -39,8 +39,8 @@ inline int statusOfCopy(const std::function<bool()>& action) {
   return status;
 }
 
-/// Runs `who` and then `act` in a copy of this process. Returns its exit code, the result of `act`, or -1 if
-/// a signal ended it.
+/// Runs `who`, which changes the user, and then `act` in a copy of this process. Returns its exit code, the
+/// result of `act`, or -1 if a signal ended it.
 template <typename Who, typename Act>
 int exitCodeOf(Who who, Act act) {
   const pid_t child = fork();

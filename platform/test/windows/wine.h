@@ -22,7 +22,7 @@ class Link {
   Link& operator=(const Link&) = delete;
   ~Link();
 
-  /// False where this user may not make links.
+  /// False if this user may not create links.
   bool isMade() const { return isMade_; }
 
  private:
