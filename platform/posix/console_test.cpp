@@ -213,10 +213,14 @@ TEST(ProgressDisplay, AppearsOnlyOnATerminalAndOnlyAfterASecond) {
 
 TEST(ProgressDisplay, DoesNotAppearForInputOfUnknownSize) {
   const fs::path veldump = fs::path(vel::test::ownProgram()).replace_filename("veldump");
-  const std::string command = "(printf a; sleep 1.2; printf b) | '" + veldump.string() + "' >/dev/null";
+  const vel::test::ScratchDirectory directory;
+  const std::string output = directory.path("dump");
+  const std::string command =
+      "(printf a; sleep 1.2; printf b) | '" + veldump.string() + "' -offset 1 >" + output;
   Tool tool("/bin/sh", {"-c", command}, true);
   const std::string shown = tool.finish();
   EXPECT_THAT(shown, HasSubstr("VELDUMP - "));
+  EXPECT_THAT(vel::test::readFile(output), testing::StartsWith("00000001: 62 __"));
   EXPECT_THAT(shown, Not(HasSubstr("%")));
 }
 

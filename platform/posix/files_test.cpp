@@ -275,6 +275,13 @@ TEST_F(PosixFiles, SkippingStopsAtTheEnd) {
   closeDescriptor(file);
 }
 
+bool leaveOneDescriptor() {
+  const int next = dup(STDIN_FILENO);
+  const auto count = static_cast<rlim_t>(next) + 1;
+  const rlimit limit{count, count};
+  return close(next) == 0 && setrlimit(RLIMIT_NOFILE, &limit) == 0;
+}
+
 // Opening does not block, but reading does.
 TEST_F(PosixFiles, OpeningAPipeDoesNotWaitForAWriter) {
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
@@ -283,6 +290,8 @@ TEST_F(PosixFiles, OpeningAPipeDoesNotWaitForAWriter) {
   EXPECT_EQ(openForReading(pipe.c_str(), kRefuse, silent), ENXIO);
   const int other = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
   EXPECT_EQ(openForReading(pipe.c_str(), kRefuse, silent), ENXIO) << "a second reader is no writer";
+  const auto openIt = [&] { return openForReading(pipe.c_str(), kRefuse, silent); };
+  EXPECT_EQ(test::exitCodeOf(leaveOneDescriptor, openIt), ENXIO) << "without a descriptor for the query";
   const int writer = open(pipe.c_str(), O_WRONLY);
   EXPECT_EQ(openForReading(pipe.c_str(), kRefuse, silent), 0);
   EXPECT_EQ(fcntl(silent, F_GETFL) & O_NONBLOCK, 0);
