@@ -10,6 +10,7 @@
 
 #include "inifile/test/ini_fixture.h"
 #include "platform/test/scratch_directory.h"
+#include "platform/test/streams.h"
 #include "platform/test/watched_memory.h"
 #include "vel_include/vel.h"
 
@@ -57,22 +58,11 @@ void exhaust(const char* name, Scenario scenario, int least = 1) {
 
 class FailingAllocation : public testing::Test {
  protected:
-  void SetUp() override {
-    memory = &memory_;
-    console_ = std::cout.rdbuf(shown_.rdbuf());
-    keyboard_ = std::cin.rdbuf(typed_.rdbuf());
-  }
-  void TearDown() override {
-    std::cout.rdbuf(console_);
-    std::cin.rdbuf(keyboard_);
-  }
+  void SetUp() override { memory = &memory_; }
 
  private:
   vel::test::WatchedMemory memory_;
-  std::ostringstream shown_;
-  std::istringstream typed_;
-  std::streambuf* console_ = nullptr;
-  std::streambuf* keyboard_ = nullptr;
+  vel::test::Streams streams_;
 };
 
 const std::string kLong(100, 'x');

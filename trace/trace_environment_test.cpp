@@ -4,6 +4,7 @@
 #include <iostream>
 #include <regex>
 
+#include "platform/test/streams.h"
 #include "trace/test/trace_fixture.h"
 
 namespace {
@@ -19,14 +20,12 @@ class TraceEnvironment : public vel::test::TraceTest {
   /// Returns what `action` prints on standard output, whose format flags the program has changed.
   template <typename Action>
   static std::string printed(Action action) {
-    std::ostringstream shown;
-    std::streambuf* const console = std::cout.rdbuf(shown.rdbuf());
+    const vel::test::Streams streams;
     const std::ios::fmtflags flags = std::cout.setf(std::ios::boolalpha);
     std::cout << std::hex;
     action();
     std::cout.flags(flags);
-    std::cout.rdbuf(console);
-    return shown.str();
+    return streams.shown();
   }
 };
 

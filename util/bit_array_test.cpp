@@ -48,33 +48,40 @@ TEST(BitArray, AgreesWithABitset) {
 TEST(BitArray, ReadsAnyStreamWithinItsMemory) {
   const vel::test::WatchedMemory memory;
   const std::string payload = "\x81\xFF\x42\x24";
-  for (const std::uint64_t bits : {0U, 7U, 8U, 17U})
-    for (const std::uint64_t told : {std::uint64_t{0}, std::uint64_t{1}, std::uint64_t{7}, std::uint64_t{8},
-                                     std::uint64_t{17}, std::uint64_t{1000}, ~std::uint64_t{0}})
-      for (std::size_t length = 0; length <= 12; ++length) {
-        std::istringstream stream(form(told, payload).substr(0, length));
-        VelClBitArray array(bits);
-        array.read(stream);
-        const std::size_t room = bits / 8 + 1;
-        EXPECT_EQ(stream.good(), length >= 8 + room) << length << " bytes for " << bits << " bits";
-        const std::uint64_t count = length < 8 ? bits : told;
-        std::string bytes = payload.substr(0, length < 8 ? 0 : std::min(length - 8, room));
-        bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(room, count / 8 + 1)));
-        EXPECT_EQ(array.getNumOfBits(), count);
-        std::size_t setBits = 0;
-        for (std::size_t index = 0; index < 8 * bytes.size(); ++index) {
-          const bool isSet = index < count && (bytes[index / 8] >> index % 8 & 1) != 0;
-          EXPECT_EQ(array.test(index), isSet) << index << " of " << count;
-          setBits += isSet ? 1U : 0U;
-        }
-        EXPECT_EQ(array.getNumOfSetBits(), setBits) << count;
-        for (const std::uint64_t beyond :
-             {std::max<std::uint64_t>(count, 8 * bytes.size()), ~std::uint64_t{0}}) {
-          array.set(beyond);
-          EXPECT_FALSE(array.test(beyond)) << beyond << " of " << count;
-        }
-        EXPECT_EQ(written(array), form(count, bytes)) << length << " bytes for " << bits << " bits";
-      }
+  const struct {
+    std::uint64_t bits, told;  ///< of the array, and of the stream
+    std::size_t length;        ///< of the stream
+    bool isGood;
+    std::uint64_t count;
+    std::string bytes;
+    std::size_t setBits;
+  } rows[] = {
+      {17, 17, 12, true, 17, "\x81\xFF\x42", 10},
+      {17, 7, 12, true, 7, "\x81", 1},
+      {17, 8, 12, true, 8, "\x81\xFF", 2},
+      {17, 17, 10, false, 17, std::string("\x81\xFF\0", 3), 10},
+      {17, 1000, 8, false, 1000, std::string(3, '\0'), 0},
+      {17, 1000, 7, false, 17, std::string(3, '\0'), 0},
+      {8, 8, 10, true, 8, "\x81\xFF", 2},
+      {8, ~std::uint64_t{0}, 12, true, ~std::uint64_t{0}, "\x81\xFF", 10},
+      {7, 1000, 9, true, 1000, "\x81", 2},
+      {0, 0, 9, true, 0, "\x81", 0},
+      {0, 0, 0, false, 0, std::string(1, '\0'), 0},
+  };
+  for (const auto& [bits, told, length, isGood, count, bytes, setBits] : rows) {
+    SCOPED_TRACE(std::to_string(bits) + " bits, told " + std::to_string(told));
+    std::istringstream stream(form(told, payload).substr(0, length));
+    VelClBitArray array(bits);
+    array.read(stream);
+    EXPECT_EQ(stream.good(), isGood);
+    EXPECT_EQ(array.getNumOfBits(), count);
+    EXPECT_EQ(array.getNumOfSetBits(), setBits);
+    for (const std::uint64_t beyond : {std::max<std::uint64_t>(count, 8 * bytes.size()), ~std::uint64_t{0}}) {
+      array.set(beyond);
+      EXPECT_FALSE(array.test(beyond)) << beyond;
+    }
+    EXPECT_EQ(written(array), form(count, bytes));
+  }
   EXPECT_TRUE(memory.live.empty());
   // The bit count of a stream limits what the next one can change.
   std::istringstream stream(form(7, "ab") + form(15, "c"));

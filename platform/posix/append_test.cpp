@@ -108,9 +108,7 @@ TEST_F(PosixAppend, RefusesFilesThatOtherUsersCouldHaveCreated) {
   }
   close(reader);
   EXPECT_EQ(test::readFile(path("kept")), "oldab") << "appended to as any file only";
-  struct stat status {};
-  EXPECT_EQ(stat(path("new").c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 0777, 0600U);
+  EXPECT_EQ(test::modeOf(path("new")), mode_t{0600});
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "platform/directories.h"
 #include "platform/files.h"
 #include "platform/system_error.h"
+#include "platform/test/posix/processes.h"
 #include "platform/test/scratch_directory.h"
 #include "vel_include/vel_filesys.h"
 
@@ -158,9 +159,7 @@ TEST_F(PosixDirectories, ExclusiveCreationOpensNewFilesOnly) {
   for (const char* taken : {"outside/deep/file", "broken"})
     EXPECT_EQ(createExclusively(scratch_.path(taken).c_str(), descriptor), EEXIST) << taken;
   EXPECT_EQ(createExclusively(scratch_.path("new").c_str(), descriptor), 0);
-  struct stat status {};
-  EXPECT_EQ(fstat(descriptor, &status), 0);
-  EXPECT_EQ(status.st_mode & 0777, mode_t{0600});
+  EXPECT_EQ(test::modeOf(scratch_.path("new")), mode_t{0600});
   close(descriptor);
 }
 

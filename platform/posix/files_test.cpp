@@ -35,11 +35,7 @@ class PosixFiles : public testing::Test {
   SystemError copy(const char* from, const char* to) const {
     return copyFile(path(from).c_str(), path(to).c_str());
   }
-  mode_t modeOf(const char* entry) const {
-    struct stat status {};
-    EXPECT_EQ(stat(path(entry).c_str(), &status), 0);
-    return status.st_mode & 07777;
-  }
+  mode_t modeOf(const char* entry) const { return test::modeOf(path(entry)); }
   std::ptrdiff_t entries() const { return std::distance(fs::directory_iterator(path("")), {}); }
 
   test::ScratchDirectory scratch_;

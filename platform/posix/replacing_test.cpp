@@ -46,12 +46,7 @@ class Replacing : public testing::Test {
  protected:
   std::string path(const std::string& entry) const { return scratch_.path(entry); }
   std::size_t entries() const { return entriesIn(scratch_.path()); }
-  struct stat statusOfFile() const {
-    struct stat status {};
-    EXPECT_EQ(stat(file_.c_str(), &status), 0);
-    return status;
-  }
-  mode_t modeOfFile() const { return statusOfFile().st_mode & 07777; }
+  mode_t modeOfFile() const { return test::modeOf(file_); }
 
   const ScratchDirectory scratch_;
   const std::string file_ = scratch_.write("file", "old");
@@ -212,7 +207,9 @@ TEST_F(Replacing, ReportsLostOwnerOrPermissions) {
     EXPECT_EQ(modeOfFile(), static_cast<mode_t>(after)) << std::oct << before;
   }
   EXPECT_EQ(keepsRights(), 1);
-  EXPECT_EQ(statusOfFile().st_uid, test::kOtherUser);
+  struct stat status {};
+  EXPECT_EQ(stat(file_.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, test::kOtherUser);
 }
 
 /// Makes the name a file of its own and a link to another user's private file, in turn, forever.
