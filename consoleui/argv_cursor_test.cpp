@@ -1,12 +1,5 @@
 // Tests the cursors over a command line.
-#include <gmock/gmock.h>
-
-#include <array>
-#include <sstream>
-#include <string>
-#include <vector>
-
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_consoleui.h"
 
 namespace {

@@ -1,15 +1,7 @@
 // Tests aligned output and its settings.
-#include <gmock/gmock.h>
-
 #include <climits>
-#include <iostream>
-#include <map>
-#include <sstream>
-#include <string>
-#include <utility>
 
-#include "platform/test/streams.h"
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_consoleui.h"
 #include "vel_include/vel_process.h"
 

@@ -2,15 +2,7 @@
 // failing, then with its second, and so on until none fails; once with that single failure, once with all
 // that follow. Each failure must be thrown as the library's exception, leak no block, and leave existing
 // objects as they were.
-#include <gtest/gtest.h>
-
-#include <iostream>
-#include <sstream>
-#include <vector>
-
 #include "inifile/test/ini_fixture.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/streams.h"
 #include "platform/test/watched_memory.h"
 #include "vel_include/vel.h"
 

@@ -1,15 +1,8 @@
 #include "vel_include/vel_helpers.h"
 
-#include <gtest/gtest.h>
-
-#include <cctype>
-#include <chrono>
 #include <climits>
-#include <cstring>
-#include <random>
-#include <string>
 
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 
 namespace {
 

@@ -1,13 +1,6 @@
 // Uses all parts of the library from several threads at once, each with objects of its own. Under the thread
 // sanitizer this finds shared state. The examples test traces of several threads.
-#include <gmock/gmock.h>
-
-#include <sstream>
-#include <thread>
-
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/variable.h"
+#include "platform/test/test.h"
 #include "vel_include/vel.h"
 
 namespace {

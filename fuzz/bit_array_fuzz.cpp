@@ -1,9 +1,5 @@
 // Reads arrays of bits one after the other from any stream, and compares them with a model on plain bytes.
 // The input is the size of the array in bits, as a byte, and the stream.
-#include <cstring>
-#include <sstream>
-#include <string>
-
 #include "fuzz/bytes.h"
 #include "vel_include/vel_util.h"
 

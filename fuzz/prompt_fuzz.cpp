@@ -1,10 +1,6 @@
 // Answers prompts with any bytes, and compares the results with a model. The input is a NUL-terminated text
 // in which each character chooses a prompt, the question, the default, and the bytes on standard input.
-#include <cstdint>
 #include <iostream>
-#include <optional>
-#include <sstream>
-#include <string>
 
 #include "fuzz/bytes.h"
 #include "platform/test/streams.h"

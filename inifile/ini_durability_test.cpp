@@ -1,7 +1,6 @@
 // A program that is killed during a save leaves the old file or the new one.
 #include "inifile/test/ini_fixture.h"
 #include "inifile/test/ini_saver.h"
-#include "platform/test/child_process.h"
 #include "vel_include/vel_process.h"
 
 namespace {

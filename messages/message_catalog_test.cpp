@@ -1,15 +1,10 @@
 // Tests where the libraries of catalogs are found, the choice of language, and the listing of messages. The
 // tests run once for an English and once for a German user; LC_ALL tells which.
-#include <gtest/gtest.h>
-
 #include <clocale>
-#include <memory>
 #include <regex>
 
 #include "messages/test/catalog_builder.h"
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/variable.h"
+#include "platform/test/test.h"
 #include "platform/test/watched_memory.h"
 #include "vel_include/vel_helpers.h"
 #include "vel_include/vel_messages.h"

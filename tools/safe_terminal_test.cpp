@@ -1,9 +1,7 @@
 // Output of tools to a terminal.
 #include "tools/safe_terminal.h"
 
-#include <gtest/gtest.h>
-
-#include <sstream>
+#include "platform/test/test.h"
 
 namespace {
 

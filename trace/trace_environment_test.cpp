@@ -1,19 +1,12 @@
-#include <array>
-#include <cerrno>
-#include <filesystem>
-#include <iostream>
 #include <regex>
 
-#include "platform/test/streams.h"
 #include "trace/test/trace_fixture.h"
 
 namespace {
 
 using testing::Each;
 using testing::HasSubstr;
-using vel::test::changeHeads;
-using vel::test::RecordHead;
-using vel::test::SizedEntry;
+using namespace vel::test;
 
 class TraceEnvironment : public vel::test::TraceTest {
  protected:

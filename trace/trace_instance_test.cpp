@@ -1,4 +1,3 @@
-#include <tuple>
 
 #include "trace/test/trace_fixture.h"
 

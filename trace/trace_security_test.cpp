@@ -3,11 +3,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <filesystem>
-#include <fstream>
-
-#include "platform/test/child_process.h"
 #include "platform/test/posix/processes.h"
 #include "trace/test/trace_fixture.h"
 

@@ -1,12 +1,7 @@
 // Tests bit arrays and their persistent form, also with streams that other programs wrote.
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <bitset>
-#include <cstring>
-#include <sstream>
-#include <string>
 
+#include "platform/test/test.h"
 #include "platform/test/watched_memory.h"
 #include "vel_include/vel_util.h"
 

@@ -1,16 +1,8 @@
 // Compares lines and dumps with those of a reference that builds them character by character.
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <bit>
 #include <bitset>
-#include <cctype>
-#include <cstdint>
-#include <cstdio>
-#include <iostream>
-#include <sstream>
-#include <string>
 
+#include "platform/test/test.h"
 #include "vel_include/vel_util.h"
 
 namespace {

@@ -1,13 +1,8 @@
 // Compares the generator with numbers of an independent model, and tests its scaling and its use with
 // <random>.
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <fstream>
-#include <random>
-#include <string>
 
-#include "platform/test/child_process.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_util.h"
 
 namespace {

@@ -1,14 +1,7 @@
 // Compares searches in long texts with std::search, and tests the worst cases of search and wildcards.
 // fuzz/search_fuzz.cpp tests short texts.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstddef>
-#include <cstring>
-#include <string>
-#include <vector>
-
 #include "platform/test/guarded_memory.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_util.h"
 
 namespace {

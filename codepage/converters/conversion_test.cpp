@@ -1,15 +1,8 @@
 // The results and sizes of converters, and every character of UTF-8. Arbitrary bytes, sources in pieces, and
 // targets that are too small are tested by fuzz/codepage_fuzz.cpp.
-#include <gtest/gtest.h>
-
-#include <map>
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "codepage/test/outcome.h"
 #include "codepage/test/reference_utf8.h"
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 
 namespace {
 

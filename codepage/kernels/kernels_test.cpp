@@ -2,12 +2,11 @@
 // that lie against inaccessible pages. Random texts are left to fuzz/codepage_fuzz.cpp.
 #include "codepage/kernels/kernels.h"
 
-#include <gtest/gtest.h>
-
 #include "codepage/test/kernel_run.h"
 #include "codepage/test/reference_mixed.h"
 #include "codepage/test/reference_utf8.h"
 #include "platform/test/guarded_memory.h"
+#include "platform/test/test.h"
 
 namespace {
 

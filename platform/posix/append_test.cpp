@@ -1,16 +1,13 @@
 // Tests appending where the system refuses: the number of bytes written is returned, and no signal is raised.
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
-
 #include "platform/append.h"
 #include "platform/system_error.h"
 #include "platform/test/posix/processes.h"
-#include "platform/test/scratch_directory.h"
+#include "platform/test/test.h"
 
 namespace vel::platform {
 

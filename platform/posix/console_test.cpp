@@ -1,21 +1,13 @@
 // Tests the user interface of tools on a pseudo-terminal: keys and the progress display. The tests of
 // consoleui check the texts.
-#include <gmock/gmock.h>
 #include <poll.h>
 #include <pty.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
-#include <cstring>
-#include <filesystem>
-#include <sstream>
-
-#include "platform/test/child_process.h"
 #include "platform/test/posix/processes.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/variable.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_consoleui.h"
 
 namespace {

@@ -1,19 +1,15 @@
 // Tests links to directories, entries that are exchanged during a removal, and listings that fail.
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
-#include <cerrno>
 #include <climits>
-#include <cstring>
-#include <thread>
 
 #include "platform/directories.h"
 #include "platform/files.h"
 #include "platform/system_error.h"
 #include "platform/test/posix/processes.h"
-#include "platform/test/scratch_directory.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_filesys.h"
 
 namespace vel::platform {

@@ -1,17 +1,11 @@
 // Tests the search for programs, libraries and message catalogs.
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-
-#include <cerrno>
 
 #include "platform/byte_files.h"
 #include "platform/catalogs.h"
 #include "platform/dynamic_libraries.h"
 #include "platform/launching.h"
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/table.h"
-#include "platform/test/variable.h"
+#include "platform/test/test.h"
 
 namespace vel::platform {
 

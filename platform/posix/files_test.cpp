@@ -1,13 +1,8 @@
 // Tests what is particular to POSIX systems: backslash names, links, pipes, dot files and permission bits.
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <fstream>
-#include <thread>
 
 #include "platform/byte_files.h"
 #include "platform/file_copy.h"
@@ -16,9 +11,7 @@
 #include "platform/posix/rename.h"
 #include "platform/system_error.h"
 #include "platform/test/posix/processes.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/table.h"
-#include "platform/test/variable.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_filesys.h"
 
 namespace vel::platform {

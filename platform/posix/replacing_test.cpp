@@ -1,15 +1,9 @@
 // Tests replacing files: permissions, links, devices, the state after a failure, and attacks by other users.
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <filesystem>
-#include <string>
-#include <utility>
 
 #include "platform/byte_files.h"
 #include "platform/posix/beside.h"
@@ -17,7 +11,7 @@
 #include "platform/replacing.h"
 #include "platform/system_error.h"
 #include "platform/test/posix/processes.h"
-#include "platform/test/scratch_directory.h"
+#include "platform/test/test.h"
 
 namespace vel::platform {
 

@@ -1,13 +1,5 @@
 // Runs veldump as its users do: its session, and round trips of large files.
-#include <gtest/gtest.h>
-
-#include <sstream>
-#include <string>
-#include <vector>
-
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/session.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_util.h"
 
 namespace {
