@@ -43,32 +43,15 @@ TEST(BitArray, AgreesWithABitset) {
 TEST(BitArray, ReadsAnyStreamWithinItsMemory) {
   const vel::test::WatchedMemory memory;
   const std::string payload = "\x81\xFF\x42\x24";
-  const struct {
-    std::uint64_t bits, told;  ///< of the array, and of the stream
-    std::size_t length;        ///< of the stream
-    bool isGood;
-    std::uint64_t count;
-    std::string bytes;
-    std::size_t setBits;
-  } rows[] = {
-      {17, 17, 12, true, 17, "\x81\xFF\x42", 10},
-      {17, 7, 12, true, 7, "\x81", 1},
-      {17, 8, 12, true, 8, "\x81\xFF", 2},
-      {17, 17, 10, false, 17, std::string("\x81\xFF\0", 3), 10},
-      {17, 1000, 8, false, 1000, std::string(3, '\0'), 0},
-      {17, 1000, 7, false, 17, std::string(3, '\0'), 0},
-      {8, 8, 10, true, 8, "\x81\xFF", 2},
-      {8, ~std::uint64_t{0}, 12, true, ~std::uint64_t{0}, "\x81\xFF", 10},
-      {7, 1000, 9, true, 1000, "\x81", 2},
-      {0, 0, 9, true, 0, "\x81", 0},
-      {0, 0, 0, false, 0, std::string(1, '\0'), 0},
-  };
-  for (const auto& [bits, told, length, isGood, count, bytes, setBits] : rows) {
-    SCOPED_TRACE(std::to_string(bits) + " bits, told " + std::to_string(told));
+  for (const auto& row : vel::test::readTexts(VEL_TEST_DATA "test/read_bits.tsv")) {
+    const std::uint64_t bits = std::stoull(row[0]), told = std::stoull(row[1]), length = std::stoull(row[2]);
+    const std::uint64_t count = std::stoull(row[4]), setBits = std::stoull(row[5]);
+    const std::string& bytes = row.at(6);
+    SCOPED_TRACE(row[0] + " bits, told " + row[1] + ", in " + row[2] + " bytes");
     std::istringstream stream(form(told, payload).substr(0, length));
     VelClBitArray array(bits);
     array.read(stream);
-    EXPECT_EQ(stream.good(), isGood);
+    EXPECT_EQ(stream.good(), row[3] == "yes");
     EXPECT_EQ(array.getNumOfBits(), count);
     EXPECT_EQ(array.getNumOfSetBits(), setBits);
     for (const std::uint64_t beyond : {std::max<std::uint64_t>(count, 8 * bytes.size()), ~std::uint64_t{0}}) {

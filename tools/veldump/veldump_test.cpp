@@ -34,8 +34,7 @@ TEST(Veldump, PrintsTheDumpOfTheLibraryAndReversesIt) {
     arguments.emplace_back("-squeeze");
     const auto squeezed = runTool("veldump", arguments);
     EXPECT_LT(squeezed.output.size(), dump.output.size() * 2 / 3);
-    EXPECT_TRUE(runTool("veldump", {"-reverse", directory.write("dump", squeezed.output)}).output == bytes)
-        << binary;
+    EXPECT_TRUE(runTool("veldump", {"-reverse", directory.write("dump", squeezed.output)}).output == bytes);
   }
   EXPECT_TRUE(runTool("veldump", {}, bytes).output == libraryDump(bytes, false));
 }
