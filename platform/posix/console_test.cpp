@@ -8,7 +8,6 @@
 
 #include "platform/test/posix/processes.h"
 #include "platform/test/test.h"
-#include "vel_include/vel_consoleui.h"
 
 namespace {
 
@@ -227,16 +226,6 @@ TEST(TerminalOfTools, ShowsNoControlCharactersOfCatalogs) {
   EXPECT_THAT(shown, Not(HasSubstr("\x1B")));
   const auto piped = vel::test::runChild("velmsg", arguments);
   EXPECT_THAT(piped.output, HasSubstr("\t\x1B[J\\nlines\n"));
-}
-
-TEST(LabelColumn, CountsCharactersOfUtf8Texts) {
-  std::ostringstream stream;
-  const vel::test::Variable locale("LC_ALL", "de_DE.UTF-8");
-  VelClConsoleUI ui(0, nullptr);
-  ui.setOutputStream(stream);
-  ui.setFormatWidth(8);
-  ui.format("Gr\u00F6\u00DFe", "5");
-  EXPECT_EQ(stream.str(), "  Gr\u00F6\u00DFe...: 5\n");
 }
 
 }  // namespace
