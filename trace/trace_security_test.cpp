@@ -1,8 +1,5 @@
 // Traces under attack by other users, who set environment variables and plant files; and traces of forked
 // children, which must not save the entries of their parents.
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include "platform/test/posix/processes.h"
 #include "trace/test/trace_fixture.h"
 

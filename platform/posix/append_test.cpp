@@ -1,8 +1,5 @@
 // Tests appending where the system refuses: the number of bytes written is returned, and no signal is raised.
 #include <fcntl.h>
-#include <signal.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "platform/append.h"
 #include "platform/system_error.h"

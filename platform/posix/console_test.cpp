@@ -2,9 +2,6 @@
 // consoleui check the texts.
 #include <poll.h>
 #include <pty.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "platform/test/posix/processes.h"
 #include "platform/test/test.h"

@@ -1,7 +1,4 @@
 // Tests links to directories, entries that are exchanged during a removal, and listings that fail.
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <atomic>
 #include <climits>
 

@@ -1,8 +1,5 @@
 // Tests what is particular to POSIX systems: backslash names, links, pipes, dot files and permission bits.
 #include <fcntl.h>
-#include <signal.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "platform/byte_files.h"
 #include "platform/file_copy.h"

@@ -1,10 +1,6 @@
 // Tests what children inherit from this process, and that they leave it unchanged.
 #include <fcntl.h>
 #include <pthread.h>
-#include <signal.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <climits>
 #include <future>

@@ -1,9 +1,6 @@
 // Tests replacing files: permissions, links, devices, the state after a failure, and attacks by other users.
 #include <fcntl.h>
-#include <signal.h>
-#include <sys/stat.h>
 #include <sys/xattr.h>
-#include <unistd.h>
 
 #include "platform/byte_files.h"
 #include "platform/posix/beside.h"

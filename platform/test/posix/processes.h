@@ -1,4 +1,5 @@
-// Arguments of programs, and copies of this process, which may run as another user if this one is root.
+// Arguments of programs, and copies of this process, which may run as another user if this one is root. Tests
+// get the headers of the system for processes and permissions from here.
 #pragma once
 
 #include <grp.h>
