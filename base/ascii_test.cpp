@@ -1,9 +1,7 @@
 // Tests parsing decimal numbers.
 #include "base/ascii.h"
 
-#include <gtest/gtest.h>
-
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 
 namespace {
 

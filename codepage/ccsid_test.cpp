@@ -1,15 +1,7 @@
 // CCSIDs from numbers and names. The expected properties are read from ccsids.tsv, which the tables are
 // generated from; the families (ASCII, EBCDIC) are also compared with the mappings, an independent source.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <map>
-#include <set>
-#include <string>
-#include <vector>
-
 #include "codepage/test/outcome.h"
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 
 namespace {
 

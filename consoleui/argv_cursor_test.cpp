@@ -1,12 +1,5 @@
 // Tests the cursors over a command line.
-#include <gmock/gmock.h>
-
-#include <array>
-#include <sstream>
-#include <string>
-#include <vector>
-
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_consoleui.h"
 
 namespace {
@@ -81,25 +74,15 @@ std::string validityAfter(VelClArgvCursor& cursor, const std::string& steps) {
 }
 
 TEST(ArgvCursor, CountsStepsPastTheEnds) {
-  const struct {
-    const char *line, *steps, *all, *free;
-  } rows[] = {
-      {"x", "ppnn", "---+", "---+"},
-      {"x", "nnpp", "---+", "---+"},
-      {"x y", "fnnnpppnl", "++---++++", "++---++++"},
-      {"x y", "ppppnnnnn", "-------++", "-------++"},
-      {"", "ppnnlf", "------", "------"},
-      {"-s x", "fnnpppn", "++-++-+", "+---+-+"},
-      {"-s x -s", "lnnpp", "+---+", "+---+"},
-  };
-  for (const auto& row : rows) {
-    const CommandLine line(row.line);
+  for (const auto& row : readTable(VEL_TEST_DATA "test/cursor_steps.tsv")) {
+    const std::string &steps = row[1], &all = row[2], &onlyFree = row.at(3);
+    const CommandLine line(row[0]);
     VelClArgvCursor plain(line.count(), line.arguments());
     VelClArgvCheckCursor checking(line.count(), line.arguments(), "[-s] <a>");
     VelClArgvFreeCursor free(line.count(), line.arguments(), "[-s] <a>");
-    EXPECT_EQ(validityAfter(plain, row.steps), row.all) << row.line;
-    EXPECT_EQ(validityAfter(checking, row.steps), row.all) << row.line;
-    EXPECT_EQ(validityAfter(free, row.steps), row.free) << row.line;
+    EXPECT_EQ(validityAfter(plain, steps), all) << row[0];
+    EXPECT_EQ(validityAfter(checking, steps), all) << row[0];
+    EXPECT_EQ(validityAfter(free, steps), onlyFree) << row[0];
   }
 }
 

@@ -1,14 +1,7 @@
 // Tests aligned output and its settings.
-#include <gmock/gmock.h>
-
 #include <climits>
-#include <iostream>
-#include <map>
-#include <sstream>
-#include <string>
-#include <utility>
 
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_consoleui.h"
 #include "vel_include/vel_process.h"
 
@@ -202,12 +195,8 @@ TEST(ConsoleUI, UsesTheGivenTableWithoutACatalog) {
 // Without a catalog the words for yes and no begin with the same letter.
 TEST(ConsoleUI, YesOrNoWithoutWordsGivesTheDefaultAtTheEndOfInput) {
   const VelClConsoleUI ui(0, nullptr, VelClFilename("absent"), 0);
-  std::istringstream noInput;
-  std::streambuf* const keyboard = std::cin.rdbuf(noInput.rdbuf());
-  testing::internal::CaptureStdout();
+  const vel::test::Streams noInput;
   for (const bool answer : {false, true}) EXPECT_EQ(ui.promptYesNo("Sure", answer), answer);
-  testing::internal::GetCapturedStdout();
-  std::cin.rdbuf(keyboard);
 }
 
 }  // namespace

@@ -1,13 +1,5 @@
 // Runs tools and compares their output and exit codes with session files.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <string>
-
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/session.h"
+#include "platform/test/test.h"
 
 namespace {
 

@@ -1,11 +1,5 @@
 // Tests walks over the elements of usage strings.
-#include <gtest/gtest.h>
-
-#include <cctype>
-#include <cstring>
-#include <string>
-
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_consoleui.h"
 
 namespace {

@@ -1,10 +1,5 @@
 // Tests environment variables, their enabled values, and the limits of names and values.
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <string>
-
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_environment.h"
 
 namespace {

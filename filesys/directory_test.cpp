@@ -2,25 +2,14 @@
 // of each operation.
 #include "filesys/test/directory_fixture.h"
 
-#include <gmock/gmock.h>
-
-#include <algorithm>
-#include <array>
-#include <cstdio>
 #include <ctime>
-#include <fstream>
 
-#include "platform/test/table.h"
 namespace {
 
 namespace fs = std::filesystem;
 using enum VelEnErrorClass;
 using testing::Each;
-using vel::test::kNoError;
-using vel::test::LastError;
-using vel::test::lastError;
-using vel::test::outcome;
-using vel::test::readTable;
+using namespace vel::test;
 
 constexpr size_t kLimit = VEL_MAX_PATH_LENGTH;
 constexpr char kFailed[] = "(failed)";

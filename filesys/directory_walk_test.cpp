@@ -1,12 +1,5 @@
 // Tests walks over real directories: each entry is visited once, with its attributes and by the rules for
 // names with dots.
-#include <gmock/gmock.h>
-
-#include <array>
-#include <fstream>
-#include <map>
-#include <set>
-
 #include "filesys/test/directory_fixture.h"
 
 namespace {

@@ -1,24 +1,15 @@
 // Tests operations on real files by backslash names on every system, the last error of each, and the
 // translation mode of descriptors.
-#include <gmock/gmock.h>
-
-#include <array>
-#include <chrono>
 #include <ctime>
 
 #include "filesys/test/directory_fixture.h"
-#include "platform/test/variable.h"
 #include "vel_include/vel_process.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using enum VelEnErrorClass;
-using vel::test::kNoError;
-using vel::test::LastError;
-using vel::test::lastError;
-using vel::test::outcome;
-using vel::test::readFile;
+using namespace vel::test;
 
 class FileTest : public vel::test::DirectoryFixture {
  protected:

@@ -1,10 +1,6 @@
 // Tests splitting, comparing and changing file names, also with texts that are part of the name itself.
 // fuzz/path_fuzz.cpp tests joining names and cutting them at the limit.
-#include <gtest/gtest.h>
-
-#include <map>
-
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_filesys.h"
 
 namespace {

@@ -1,8 +1,6 @@
 // Tests the properties of paths (style, network name, drive, absoluteness), and directory names with their
 // final separator. fuzz/path_fuzz.cpp tests names at the length limit.
-#include <gtest/gtest.h>
-
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_filesys.h"
 
 namespace {

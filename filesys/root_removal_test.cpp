@@ -1,8 +1,4 @@
 // Tests that removing a root never removes its contents, under whatever name.
-#include <fstream>
-#include <functional>
-#include <map>
-
 #include "filesys/test/directory_fixture.h"
 #include "platform/test/own_root.h"
 

@@ -1,11 +1,7 @@
 // Tests the names of temporary files and backup copies, and the creation of temporary files.
 #include <unistd.h>
 
-#include <set>
-
 #include "filesys/test/directory_fixture.h"
-#include "platform/test/child_process.h"
-#include "platform/test/variable.h"
 #include "vel_include/vel_process.h"
 
 namespace {

@@ -1,11 +1,7 @@
 // Runs programs that fail an assertion, and checks their reports.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <regex>
 
-#include "platform/test/child_process.h"
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 
 namespace {
 

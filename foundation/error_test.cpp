@@ -2,11 +2,7 @@
 // boundary.
 #include "vel_include/vel_error.h"
 
-#include <gtest/gtest.h>
-
-#include <map>
-
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 
 namespace {
 

@@ -2,14 +2,8 @@
 // failing, then with its second, and so on until none fails; once with that single failure, once with all
 // that follow. Each failure must be thrown as the library's exception, leak no block, and leave existing
 // objects as they were.
-#include <gtest/gtest.h>
-
-#include <iostream>
-#include <sstream>
-#include <vector>
-
+#include "codepage/test/strict_run.h"
 #include "inifile/test/ini_fixture.h"
-#include "platform/test/scratch_directory.h"
 #include "platform/test/watched_memory.h"
 #include "vel_include/vel.h"
 
@@ -57,22 +51,11 @@ void exhaust(const char* name, Scenario scenario, int least = 1) {
 
 class FailingAllocation : public testing::Test {
  protected:
-  void SetUp() override {
-    memory = &memory_;
-    console_ = std::cout.rdbuf(shown_.rdbuf());
-    keyboard_ = std::cin.rdbuf(typed_.rdbuf());
-  }
-  void TearDown() override {
-    std::cout.rdbuf(console_);
-    std::cin.rdbuf(keyboard_);
-  }
+  void SetUp() override { memory = &memory_; }
 
  private:
   vel::test::WatchedMemory memory_;
-  std::ostringstream shown_;
-  std::istringstream typed_;
-  std::streambuf* console_ = nullptr;
-  std::streambuf* keyboard_ = nullptr;
+  vel::test::Streams streams_;
 };
 
 const std::string kLong(100, 'x');
@@ -81,13 +64,8 @@ const char* const kArguments[] = {"tool", "-a", "b", "-quiet"};
 constexpr const char* kNull = nullptr;
 
 void convertStrictly(int source, int target) {
-  struct : VelClConversionSink {
-    void write(const char*, size_t) override {}
-  } sink;
   VelClStrictConversion conversion{VelClCCSID(source), VelClCCSID(target)};
-  EXPECT_TRUE(conversion.isSupported());
-  conversion.convert("\x40", 1, sink);
-  EXPECT_TRUE(conversion.finish(sink));
+  EXPECT_EQ(convertInPieces(conversion, "\x40", {}).faults, "clean");
 }
 
 TEST_F(FailingAllocation, IsReportedBySingleOperations) {

@@ -1,11 +1,7 @@
 // Tests the replacement of the memory manager and the exceptions of its failures.
 #include "vel_include/vel_memmgr.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <string>
-
+#include "platform/test/test.h"
 #include "platform/test/thrown.h"
 #include "platform/test/watched_memory.h"
 

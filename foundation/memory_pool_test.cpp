@@ -1,12 +1,7 @@
 // Tests memory pools: the placement of pieces, reset and clear, and refused requests.
-#include <gtest/gtest.h>
-
-#include <cstdint>
 #include <limits>
-#include <map>
-#include <string>
-#include <vector>
 
+#include "platform/test/test.h"
 #include "platform/test/thrown.h"
 #include "platform/test/watched_memory.h"
 #include "vel_include/vel_memmgr.h"

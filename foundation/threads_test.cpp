@@ -1,13 +1,7 @@
 // Uses all parts of the library from several threads at the same time, each with its own objects. The thread
 // sanitizer thereby finds shared state. The examples test traces of several threads.
-#include <gmock/gmock.h>
-
-#include <sstream>
-#include <thread>
-
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/variable.h"
+#include "codepage/test/strict_run.h"
+#include "platform/test/test.h"
 #include "vel_include/vel.h"
 
 namespace {
@@ -37,19 +31,15 @@ std::string smallThings(Catalog&) {
 
 /// Converts by the library's tables and algorithms, by ICU where it is installed, and strictly.
 std::string conversions(Catalog&) {
-  struct : VelClConversionSink {
-    void write(const char* bytes, size_t size) override { all.append(bytes, size); }
-    std::string all;
-  } sink;
+  std::string all;
   for (const int target : {850, 943, 1208}) {
     const VelClCodePage2CodePageConverter converter(VelClCCSID::CCSID_500, VelClCCSID(target));
     char out[100] = "";
     converter.convertBytes(out, sizeof out, "\xC1", 1);
     VelClStrictConversion strict(VelClCCSID::CCSID_500, VelClCCSID(target));
-    strict.convert("\xC2", 1, sink);
-    sink.all += out;
+    all += convertInPieces(strict, "\xC2", {}).bytes + out;
   }
-  return sink.all;
+  return all;
 }
 
 std::string iniFiles(Catalog&) {

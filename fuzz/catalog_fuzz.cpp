@@ -40,14 +40,6 @@ void readBlock(const std::vector<std::uint8_t>& bytes) {
   require(count <= 64 * bytes.size() / 4);
 }
 
-/// Expects a file to be valid if a prefix of it is. (The tables that are found may differ: in the whole file
-/// a damaged directory can reach the limit of entries.)
-void readBeginning(const std::vector<std::uint8_t>& bytes, std::size_t size) {
-  const std::vector<std::uint8_t> part(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size));
-  if (PortableExecutable(part.data(), part.size()).isValid())
-    require(PortableExecutable(bytes.data(), bytes.size()).isValid());
-}
-
 void readFile(const char* name, bool isLibrary) {
   const VelClMessageCatalog catalog((VelClFilename(name)));
   require(catalog.isValid() == isLibrary);
@@ -67,11 +59,8 @@ void readFile(const char* name, bool isLibrary) {
 void fuzz::run(fuzz::Bytes input) {
   static InputFile file("DLL");
   const std::vector<std::uint8_t> bytes(input.rest().begin(), input.rest().end());
-  const std::size_t size = bytes.size();
   readTable(MessageResource(bytes.data(), bytes.size()));
   readBlock(bytes);
-  for (const std::size_t end : {size - size / 4, size / 2, size - std::min<std::size_t>(size, 1)})
-    readBeginning(bytes, end);
   file.write(input.rest());
-  readFile(file.name(), PortableExecutable(bytes.data(), size).isValid());
+  readFile(file.name(), PortableExecutable(bytes.data(), bytes.size()).isValid());
 }

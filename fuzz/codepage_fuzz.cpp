@@ -1,8 +1,5 @@
 // Converts any bytes by the library's own conversions of UTF-8, single bytes, mixed bytes and UCS-2, and by
 // each set of kernels, and compares the results with slow references.
-#include <algorithm>
-#include <vector>
-
 #include "codepage/test/kernel_run.h"
 #include "codepage/test/reference_mixed.h"
 #include "codepage/test/reference_utf8.h"

@@ -1,8 +1,5 @@
 // Converts any bytes with ICU, in both directions and through two stages: a converter that has been used must
 // give the same result as a new one, and may throw only one exception.
-#include <iterator>
-#include <optional>
-
 #include "fuzz/conversion_run.h"
 #include "vel_include/vel_error.h"
 

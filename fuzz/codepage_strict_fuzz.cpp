@@ -1,7 +1,5 @@
 // Converts any bytes by a strict conversion of any kind: the result must depend neither on the pieces nor on
 // earlier conversions.
-#include <iterator>
-
 #include "codepage/test/strict_run.h"
 #include "fuzz/bytes.h"
 

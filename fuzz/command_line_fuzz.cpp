@@ -1,7 +1,5 @@
 // Command lines, compared with a slow splitter that first classifies every character. The input is a
 // NUL-terminated command line, and texts to build another one from.
-#include <string>
-
 #include "fuzz/bytes.h"
 #include "process/command_line.h"
 #include "vel_include/vel_process.h"

@@ -1,9 +1,5 @@
 // Dumps: any bytes round-trip through a dump, and any text can be parsed as one. The input is a byte of
 // options and the bytes.
-#include <cstring>
-#include <sstream>
-#include <string>
-
 #include "fuzz/bytes.h"
 #include "tools/veldump/dump_parser.h"
 #include "tools/veldump/dump_writer.h"

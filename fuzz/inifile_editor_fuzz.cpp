@@ -1,9 +1,6 @@
 // Edits any text: a change leaves all other bytes and options as they are, the value round-trips, and a
 // refused change does nothing. The input is a byte of options, a section's name, an option's name and a
 // value, each NUL-terminated, and the text.
-#include <algorithm>
-#include <sstream>
-
 #include "fuzz/bytes.h"
 #include "fuzz/ini_model.h"
 

@@ -1,9 +1,5 @@
 // Parses the lists that velini prints for any file: JSON, plain lines and shell assignments must hold the
 // model, and must not assign a variable of the system. The input is a byte of options and the text.
-#include <cctype>
-#include <sstream>
-#include <utility>
-
 #include "codepage/test/strict_run.h"
 #include "fuzz/bytes.h"
 #include "fuzz/ini_model.h"

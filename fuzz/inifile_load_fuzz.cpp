@@ -1,11 +1,6 @@
 // Loads any bytes with any delimiter and queries the whole model; then saves and loads it again: values that
 // can be saved must round-trip. The input is a byte of options, the delimiter, and
 // the bytes.
-#include <algorithm>
-#include <cctype>
-#include <cstring>
-#include <sstream>
-
 #include "base/ascii.h"
 #include "fuzz/bytes.h"
 #include "fuzz/ini_model.h"

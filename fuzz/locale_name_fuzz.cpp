@@ -1,7 +1,4 @@
 // Parses any text as the name of a locale: as a language identifier, and as the language of the user.
-#include <cstdlib>
-#include <string>
-
 #include "fuzz/bytes.h"
 #include "platform/posix/language_names.h"
 #include "vel_include/vel_messages.h"

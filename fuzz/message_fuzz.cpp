@@ -1,10 +1,5 @@
 // Substitution in messages, in both notations, compared with a model on strings. The input is a byte for the
 // size of the buffer, ten NUL-terminated variables, and the text.
-#include <cstdio>
-#include <cstring>
-#include <memory>
-#include <string>
-
 #include "fuzz/bytes.h"
 #include "messages/insert_formatter.h"
 #include "vel_include/vel_messages.h"

@@ -1,9 +1,5 @@
 // File and directory names, compared with a model on strings that are cut at 260 characters. The input is a
 // sequence of steps: an option byte and two NUL-terminated texts.
-#include <cstring>
-#include <memory>
-#include <string>
-
 #include "fuzz/bytes.h"
 #include "vel_include/vel_filesys.h"
 

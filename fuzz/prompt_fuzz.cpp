@@ -1,12 +1,9 @@
 // Answers prompts with any bytes, and compares the results with a model. The input is a NUL-terminated text
 // in which each character chooses a prompt, the question, the default, and the bytes on standard input.
-#include <cstdint>
 #include <iostream>
-#include <optional>
-#include <sstream>
-#include <string>
 
 #include "fuzz/bytes.h"
+#include "platform/test/streams.h"
 #include "vel_include/vel_consoleui.h"
 
 namespace {
@@ -104,22 +101,6 @@ void ask(const VelClConsoleUI& ui, unsigned int option, const char* question, co
   }
 }
 
-/// Replaces the buffers of the standard streams during its lifetime.
-class Streams {
- public:
-  explicit Streams(std::string_view typed)
-      : typed_{std::string(typed)}, input_(std::cin.rdbuf(&typed_)), output_(std::cout.rdbuf(&shown_)) {}
-  Streams(const Streams&) = delete;
-  ~Streams() {
-    std::cin.rdbuf(input_);
-    std::cout.rdbuf(output_);
-  }
-
- private:
-  std::stringbuf typed_, shown_;
-  std::streambuf *input_, *output_;
-};
-
 const VelClConsoleUI& userInterface() {
   static unsigned long size = 0;
   static const char* const* const table = velMsgCatGetBuiltInTable(&size);
@@ -131,7 +112,7 @@ const VelClConsoleUI& userInterface() {
 
 void fuzz::run(fuzz::Bytes input) {
   const fuzz::Text options = input.text(), question = input.text(), otherwise = input.text();
-  const Streams streams(input.rest());
+  const vel::test::Streams streams{std::string(input.rest())};
   Typed typed(input.rest());
   const VelClConsoleUI& ui = userInterface();
   ui.getParams().setInput("");

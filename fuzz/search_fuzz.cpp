@@ -1,9 +1,5 @@
 // Wildcards and searches, compared with the simplest algorithms. The input is a byte of options, a
 // NUL-terminated pattern, and a text.
-#include <algorithm>
-#include <cctype>
-#include <cstring>
-
 #include "fuzz/bytes.h"
 #include "vel_include/vel_helpers.h"
 #include "vel_include/vel_util.h"

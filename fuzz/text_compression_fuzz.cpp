@@ -1,6 +1,4 @@
 // Compresses and decompresses trace texts, compared with a reference that works bit by bit.
-#include <memory>
-
 #include "fuzz/bytes.h"
 #include "trace/test/reference_compression.h"
 #include "trace/text_compression.h"

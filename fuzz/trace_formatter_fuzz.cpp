@@ -1,7 +1,5 @@
 // Formats any bytes as a trace file, with any format string. The input is a byte of options, the
 // NUL-terminated format string, and the file.
-#include <sstream>
-
 #include "fuzz/bytes.h"
 #include "fuzz/input_file.h"
 #include "vel_include/vel_error.h"

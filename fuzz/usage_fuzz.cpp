@@ -1,8 +1,5 @@
 // Checks any command line against any usage string: the cursors must agree, and every iteration must end. The
 // input is a byte of options, the usage string and the arguments, each NUL-terminated.
-#include <algorithm>
-#include <sstream>
-
 #include "base/usage_text.h"
 #include "fuzz/bytes.h"
 #include "vel_include/vel_consoleui.h"

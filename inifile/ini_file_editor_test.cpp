@@ -1,20 +1,12 @@
 // The editor changes what it was told to change and no other byte. fuzz/inifile_editor_fuzz.cpp tests the
 // same with any text.
-
-#include <fstream>
-#include <memory>
-#include <sstream>
-
 #include "inifile/test/ini_fixture.h"
 #include "vel_include/vel.h"
 
 namespace fs = std::filesystem;
 
 using testing::Each;
-using vel::test::orNull;
-using vel::test::readFile;
-using vel::test::readTexts;
-using vel::test::shown;
+using namespace vel::test;
 
 namespace {
 

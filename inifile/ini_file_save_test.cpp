@@ -1,20 +1,11 @@
 // Cursors, changes to the model, and saving. That saved files round-trip is tested by
 // fuzz/inifile_load_fuzz.cpp.
-
-#include <memory>
-#include <random>
-#include <sstream>
-
 #include "inifile/test/ini_fixture.h"
 #include "vel_include/vel.h"
 
 using testing::Each;
 using testing::ElementsAre;
-using vel::test::loadText;
-using vel::test::orNull;
-using vel::test::readFile;
-using vel::test::ScratchDirectory;
-using vel::test::shown;
+using namespace vel::test;
 
 namespace fs = std::filesystem;
 

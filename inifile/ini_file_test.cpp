@@ -1,16 +1,9 @@
 // The parser, and getters by name. Arbitrary bytes are tested by fuzz/inifile_load_fuzz.cpp.
-
-#include <cstdint>
-#include <vector>
-
 #include "inifile/test/ini_fixture.h"
-#include "platform/test/variable.h"
 #include "vel_include/vel.h"
 
 using namespace std::string_literals;
-using vel::test::loadText;
-using vel::test::readTexts;
-using vel::test::shown;
+using namespace vel::test;
 
 namespace {
 

@@ -1,11 +1,7 @@
 // Tests the expansion of inserts in texts of libraries and tables.
 #include "messages/insert_formatter.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 
 namespace {
 

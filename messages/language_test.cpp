@@ -1,10 +1,5 @@
 // Tests language tags, codes and names. The tables are generated from languages.tsv and territories.tsv.
-#include <gtest/gtest.h>
-
-#include <sstream>
-
-#include "platform/test/table.h"
-#include "platform/test/variable.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_helpers.h"
 #include "vel_include/vel_messages.h"
 #include "vel_include/vel_process.h"

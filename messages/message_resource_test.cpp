@@ -1,11 +1,8 @@
 // Tests the reader of message tables, also with damaged and crafted ones.
 #include "messages/message_resource.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 #include "messages/test/catalog_builder.h"
+#include "platform/test/test.h"
 
 namespace {
 

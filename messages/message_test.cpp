@@ -1,11 +1,5 @@
 // Tests messages, the memory of their texts, and the plain catalog functions.
-#include <gtest/gtest.h>
-
-#include <map>
-#include <memory>
-#include <sstream>
-
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_messages.h"
 
 namespace {

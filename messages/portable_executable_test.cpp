@@ -1,24 +1,16 @@
 // Tests the reader of library files, also with damaged and crafted ones.
 #include "messages/portable_executable.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <sstream>
-
 #include "messages/message_resource.h"
 #include "messages/test/catalog_builder.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 
 namespace {
 
 using vel::messages::MessageResource;
 using vel::messages::MessageTable;
 using vel::messages::PortableExecutable;
-using vel::test::Bytes;
-using vel::test::libraryFile;
-using vel::test::messageTable;
+using namespace vel::test;
 
 Bytes tableSaying(const char* text) {
   return messageTable({{1, text}});

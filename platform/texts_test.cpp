@@ -1,11 +1,8 @@
 // Tests texts in the system's code page.
-#include <gtest/gtest.h>
-
 #include <clocale>
 
 #include "platform/languages.h"
-#include "platform/test/table.h"
-#include "platform/test/variable.h"
+#include "platform/test/test.h"
 
 namespace vel::platform {
 

@@ -1,11 +1,5 @@
 // Tests loading dynamic libraries, and the codes of failures.
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <string>
-
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_process.h"
 
 namespace {

@@ -1,15 +1,5 @@
 // Tests how command lines are built, and the arguments that real children receive.
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <sstream>
-#include <string>
-#include <vector>
-
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/table.h"
-#include "platform/test/variable.h"
+#include "platform/test/test.h"
 #include "platform/test/watched_memory.h"
 #include "process/command_line.h"
 #include "vel_include/vel_process.h"

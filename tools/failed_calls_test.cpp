@@ -1,15 +1,8 @@
 // Every call by which a program opens, reads, writes, stores, closes or renames a file or changes its rights
 // fails once, and so does every allocation of a tool. The program must report the failure by its exit code,
 // or have done its work nevertheless; after a failure the file that it replaces is the old one.
-#include <gmock/gmock.h>
-
-#include <filesystem>
-#include <sstream>
-
-#include "platform/test/child_process.h"
 #include "platform/test/posix/processes.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 
 namespace {
 

@@ -1,27 +1,16 @@
 // Output of tools to a terminal.
 #include "tools/safe_terminal.h"
 
-#include <gtest/gtest.h>
-
-#include <sstream>
+#include "platform/test/test.h"
 
 namespace {
 
 TEST(SafeTerminal, ReplacesControlCharacters) {
-  const std::string zero(1, '\0');
-  const std::pair<std::string, std::string> rows[] = {
-      {"plain \xC3\xBC\xE2\x82\xAC \a\t\r\n", "plain \xC3\xBC\xE2\x82\xAC \a\t\r\n"},
-      {"\x1B]0;title\x07", "?]0;title\a"},
-      {"a" + zero + "\b\v\f\x0E\x1F\x20\x7E\x7F", "a??????\x20\x7E?"},
-      {"\xC2\x9B"
-       "31m \xC2\x80\xC2\x9F\xC2\xA0",
-       "\xC2?31m \xC2?\xC2?\xC2\xA0"},
-      // The same bytes within characters of UTF-8 or of other code pages.
-      {"\xC4\x9B\x84\x9B", "\xC4\x9B\x84\x9B"},
-      {std::string(511, 'x') + "\xC2\x9B" + std::string(600, '\x1B'),
-       std::string(511, 'x') + "\xC2?" + std::string(600, '?')},
-  };
-  for (const auto& [text, shown] : rows) {
+  auto rows = vel::test::readTexts(VEL_TEST_DATA "test/terminal_texts.tsv");
+  rows.push_back({std::string(511, 'x') + "\xC2\x9B" + std::string(600, '\x1B'),
+                  std::string(511, 'x') + "\xC2?" + std::string(600, '?')});
+  for (const auto& row : rows) {
+    const std::string &text = row[0], &shown = row.at(1);
     std::ostringstream whole, single;
     vel::tools::SafeBuffer wholeBuffer(whole.rdbuf()), singleBuffer(single.rdbuf());
     std::ostream(&wholeBuffer) << text;

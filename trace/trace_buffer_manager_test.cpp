@@ -1,6 +1,4 @@
 #include <atomic>
-#include <random>
-#include <thread>
 
 #include "trace/test/trace_fixture.h"
 

@@ -1,7 +1,5 @@
 // Trace records: their bytes, and reading them back. Texts of any length in the 6-bit code are
 // fuzz/text_compression_fuzz.cpp's work.
-#include <algorithm>
-
 #include "trace/encode_block.h"
 #include "trace/test/reference_compression.h"
 #include "trace/test/trace_fixture.h"

@@ -1,7 +1,3 @@
-#include <array>
-#include <cerrno>
-#include <filesystem>
-#include <iostream>
 #include <regex>
 
 #include "trace/test/trace_fixture.h"
@@ -10,23 +6,19 @@ namespace {
 
 using testing::Each;
 using testing::HasSubstr;
-using vel::test::changeHeads;
-using vel::test::RecordHead;
-using vel::test::SizedEntry;
+using namespace vel::test;
 
 class TraceEnvironment : public vel::test::TraceTest {
  protected:
   /// Returns what `action` prints on standard output, whose format flags the program has changed.
   template <typename Action>
   static std::string printed(Action action) {
-    std::ostringstream shown;
-    std::streambuf* const console = std::cout.rdbuf(shown.rdbuf());
+    const vel::test::Streams streams;
     const std::ios::fmtflags flags = std::cout.setf(std::ios::boolalpha);
     std::cout << std::hex;
     action();
     std::cout.flags(flags);
-    std::cout.rdbuf(console);
-    return shown.str();
+    return streams.shown();
   }
 };
 

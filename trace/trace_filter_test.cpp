@@ -1,8 +1,5 @@
 // Lists and sets of components are tested by fuzz/component_list_fuzz.cpp.
-#include <gmock/gmock.h>
-
-#include <array>
-
+#include "platform/test/test.h"
 #include "vel_include/vel_trace.h"
 
 namespace {

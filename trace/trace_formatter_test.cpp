@@ -1,12 +1,7 @@
 // Formats records: every type of data, format strings and options. Damaged files of any kind are tested by
 // fuzz/trace_formatter_fuzz.cpp.
-
-#include <cstdint>
-#include <fstream>
 #include <iomanip>
-#include <map>
 
-#include "platform/test/table.h"
 #include "platform/test/thrown.h"
 #include "trace/test/trace_fixture.h"
 #include "vel_include/vel_messages.h"

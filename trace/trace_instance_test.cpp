@@ -1,6 +1,5 @@
 // Tests the trace of a process through the functions that programs call. Expected entries are built by
 // line(): origin, detail, type, and the bytes of the data as a string.
-#include <tuple>
 
 #include "trace/test/trace_fixture.h"
 

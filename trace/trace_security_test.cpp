@@ -1,14 +1,6 @@
 // Traces under attack by other users, who set environment variables and plant files; and traces of forked
 // children, which must not save the entries of their parents.
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <filesystem>
-#include <fstream>
-
-#include "platform/test/child_process.h"
+#include "platform/test/posix/processes.h"
 #include "trace/test/trace_fixture.h"
 
 namespace {
@@ -122,15 +114,12 @@ class TraceOfForks : public vel::test::TraceTest {
   /// Runs the action in a child, which then deletes its trace instance and exits.
   template <typename Action>
   static void inChild(Action action) {
-    const pid_t child = fork();
-    if (child == 0) {
+    const auto actAndDelete = [&action] {
       action();
       velTraceDeleteInstance();
-      _exit(0);
-    }
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
+      return true;
+    };
+    EXPECT_EQ(vel::test::statusOfCopy(actAndDelete), 0);
   }
   /// Returns the result of entries() for one entry of each function.
   static std::string entriesOf(const std::vector<std::string>& functions) {

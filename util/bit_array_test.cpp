@@ -1,12 +1,7 @@
 // Tests bit arrays and their persistent form, also with streams that other programs wrote.
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <bitset>
-#include <cstring>
-#include <sstream>
-#include <string>
 
+#include "platform/test/test.h"
 #include "platform/test/watched_memory.h"
 #include "vel_include/vel_util.h"
 
@@ -48,33 +43,23 @@ TEST(BitArray, AgreesWithABitset) {
 TEST(BitArray, ReadsAnyStreamWithinItsMemory) {
   const vel::test::WatchedMemory memory;
   const std::string payload = "\x81\xFF\x42\x24";
-  for (const std::uint64_t bits : {0U, 7U, 8U, 17U})
-    for (const std::uint64_t told : {std::uint64_t{0}, std::uint64_t{1}, std::uint64_t{7}, std::uint64_t{8},
-                                     std::uint64_t{17}, std::uint64_t{1000}, ~std::uint64_t{0}})
-      for (std::size_t length = 0; length <= 12; ++length) {
-        std::istringstream stream(form(told, payload).substr(0, length));
-        VelClBitArray array(bits);
-        array.read(stream);
-        const std::size_t room = bits / 8 + 1;
-        EXPECT_EQ(stream.good(), length >= 8 + room) << length << " bytes for " << bits << " bits";
-        const std::uint64_t count = length < 8 ? bits : told;
-        std::string bytes = payload.substr(0, length < 8 ? 0 : std::min(length - 8, room));
-        bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(room, count / 8 + 1)));
-        EXPECT_EQ(array.getNumOfBits(), count);
-        std::size_t setBits = 0;
-        for (std::size_t index = 0; index < 8 * bytes.size(); ++index) {
-          const bool isSet = index < count && (bytes[index / 8] >> index % 8 & 1) != 0;
-          EXPECT_EQ(array.test(index), isSet) << index << " of " << count;
-          setBits += isSet ? 1U : 0U;
-        }
-        EXPECT_EQ(array.getNumOfSetBits(), setBits) << count;
-        for (const std::uint64_t beyond :
-             {std::max<std::uint64_t>(count, 8 * bytes.size()), ~std::uint64_t{0}}) {
-          array.set(beyond);
-          EXPECT_FALSE(array.test(beyond)) << beyond << " of " << count;
-        }
-        EXPECT_EQ(written(array), form(count, bytes)) << length << " bytes for " << bits << " bits";
-      }
+  for (const auto& row : vel::test::readTexts(VEL_TEST_DATA "test/read_bits.tsv")) {
+    const std::uint64_t bits = std::stoull(row[0]), told = std::stoull(row[1]), length = std::stoull(row[2]);
+    const std::uint64_t count = std::stoull(row[4]), setBits = std::stoull(row[5]);
+    const std::string& bytes = row.at(6);
+    SCOPED_TRACE(row[0] + " bits, told " + row[1] + ", in " + row[2] + " bytes");
+    std::istringstream stream(form(told, payload).substr(0, length));
+    VelClBitArray array(bits);
+    array.read(stream);
+    EXPECT_EQ(stream.good(), row[3] == "yes");
+    EXPECT_EQ(array.getNumOfBits(), count);
+    EXPECT_EQ(array.getNumOfSetBits(), setBits);
+    for (const std::uint64_t beyond : {std::max<std::uint64_t>(count, 8 * bytes.size()), ~std::uint64_t{0}}) {
+      array.set(beyond);
+      EXPECT_FALSE(array.test(beyond)) << beyond;
+    }
+    EXPECT_EQ(written(array), form(count, bytes));
+  }
   EXPECT_TRUE(memory.live.empty());
   // The bit count of a stream limits what the next one can change.
   std::istringstream stream(form(7, "ab") + form(15, "c"));

@@ -1,15 +1,8 @@
 // The results and sizes of converters, and every character of UTF-8. Arbitrary bytes, sources in pieces, and
 // targets that are too small are tested by fuzz/codepage_fuzz.cpp.
-#include <gtest/gtest.h>
-
-#include <map>
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "codepage/test/outcome.h"
 #include "codepage/test/reference_utf8.h"
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 
 namespace {
 
@@ -43,40 +36,21 @@ Outcome outcomeOf(const std::string& bytes, const std::string& consumed, const s
   return {bytesOf(bytes), std::stoul(consumed), id, errorClass};
 }
 
-/// A row of test/conversions.tsv.
-struct ConversionRow {
-  explicit ConversionRow(const std::vector<std::string>& row)
-      : what(row[0]),
-        from(row[1]),
-        to(row[2]),
-        source(bytesOf(row[3])),
-        room(std::stoul(row[4])),
-        expected(outcomeOf(row[5], row[6], row[7])),
-        route(row[8]) {}
-
-  std::string what;
-  std::string from;
-  std::string to;
-  std::string source;
-  std::size_t room;
-  Outcome expected;
-  std::string route;
-};
-
 // Rows with the same CCSIDs share a converter, which must not keep state from one call to the next.
 TEST(Conversion, ConvertsEveryRowAsExpected) {
   std::map<std::string, std::unique_ptr<VelClConverterABase>> converters;
-  for (const auto& fields : vel::test::readTable(VEL_TEST_DATA "test/conversions.tsv")) {
-    const ConversionRow row(fields);
-    SCOPED_TRACE(row.from + " to " + row.to + ": " + row.what);
-    const bool needsIcu = row.route == "ICU";
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/conversions.tsv")) {
+    const std::string &what = row[0], &from = row[1], &to = row[2], &route = row.at(8);
+    SCOPED_TRACE(from + " to " + to + ": " + what);
+    const bool needsIcu = route == "ICU";
     if (needsIcu && !hasIcu()) continue;
-    auto& converter = converters[row.from + " " + row.to];
-    if (converter == nullptr) converter = converterOf(row.from, row.to);
-    EXPECT_EQ(converter->isSupported(), row.route != "none");
+    auto& converter = converters[from + " " + to];
+    if (converter == nullptr) converter = converterOf(from, to);
+    EXPECT_EQ(converter->isSupported(), route != "none");
     EXPECT_EQ(converter->requiresExternalICUData(), needsIcu);
-    EXPECT_EQ(converter->requiresExternalICONVRoutine(), row.route == "none");
-    EXPECT_EQ(convert(*converter, row.source, row.room), row.expected);
+    EXPECT_EQ(converter->requiresExternalICONVRoutine(), route == "none");
+    const std::string &source = row[3], &room = row[4];
+    EXPECT_EQ(convert(*converter, bytesOf(source), std::stoul(room)), outcomeOf(row[5], row[6], row[7]));
   }
 }
 

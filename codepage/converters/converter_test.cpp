@@ -1,11 +1,7 @@
 // The converter classes: sources given as plain pointers, a changed source CCSID, the intermediate buffer,
 // and the conversion by the system. Which route each CCSID has is tested by tools/velconv/velconv_test.cpp.
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "codepage/test/outcome.h"
-#include "platform/test/variable.h"
+#include "platform/test/test.h"
 #include "platform/test/watched_memory.h"
 
 namespace {

@@ -1,12 +1,7 @@
 // Tests that a target of getSufficientSizeForSize() bytes is large enough, also for texts that need the most:
 // characters of two encoded lengths in turn. The sizes themselves are in test/maximum_sizes.tsv.
-#include <gtest/gtest.h>
-
-#include <map>
-#include <string>
-#include <vector>
-
 #include "codepage/test/outcome.h"
+#include "platform/test/test.h"
 
 namespace {
 

@@ -1,14 +1,10 @@
 // Tests conversions when memory runs out within ICU: each of its allocations fails in turn, alone or with all
 // later ones. The conversion must have its usual result or report that it is out of memory.
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <string>
-
 #include "codepage/test/loaded_icu.h"
 #include "codepage/test/outcome.h"
 #include "codepage/test/strict_run.h"
 #include "platform/dynamic_libraries.h"
+#include "platform/test/test.h"
 
 namespace {
 

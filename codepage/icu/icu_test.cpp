@@ -1,19 +1,10 @@
 // ICU: its statuses; the search for its library and the calls of its functions, with fakes of both; and,
 // where it is installed, conversions.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <iterator>
-#include <sstream>
-#include <string>
-#include <vector>
-
 #include "codepage/icu/icu_calls.h"
 #include "codepage/test/mapping_file.h"
 #include "codepage/test/outcome.h"
 #include "platform/dynamic_libraries.h"
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 #include "platform/test/thrown.h"
 
 namespace {

@@ -1,14 +1,5 @@
 // Libraries with ICU's names in directories that other users can write to: none of their code may run.
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <string>
-#include <utility>
-
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/variable.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_codepage.h"
 #include "vel_include/vel_process.h"
 

@@ -2,14 +2,9 @@
 // and for all code pages with a route, that splits change nothing and that written bytes round-trip.
 #include "vel_include/vel_strict_conversion.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "codepage/test/outcome.h"
 #include "codepage/test/strict_run.h"
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 
 namespace {
 

@@ -2,15 +2,9 @@
 // files, which this test reads with a separate parser, so it shows that the generator loses nothing.
 // peer_tables_test.cpp compares the contents with those of other libraries, and fuzz/codepage_fuzz.cpp uses
 // the tables for conversions of mixed bytes.
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <set>
-#include <string>
-#include <vector>
-
 #include "codepage/test/mapping_file.h"
 #include "codepage/test/strict_run.h"
+#include "platform/test/test.h"
 
 namespace {
 

@@ -1,17 +1,10 @@
 // Compares the tables with those of ICU and of the system: only the listed characters may differ.
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <map>
-#include <optional>
-#include <set>
-
 #include "codepage/icu/icu_calls.h"
 #include "codepage/test/loaded_icu.h"
 #include "codepage/test/mapping_file.h"
 #include "codepage/test/outcome.h"
 #include "platform/test/iconv.h"
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 
 namespace {
 

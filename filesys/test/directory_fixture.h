@@ -1,12 +1,7 @@
 // Shared by tests of files and directories: a scratch directory with backslash names, and the last error.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <utility>
-
-#include "platform/test/scratch_directory.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_filesys.h"
 
 namespace vel::test {

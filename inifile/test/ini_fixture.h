@@ -1,16 +1,7 @@
 // Support for tests of INI files: models as text, and the headers that nearly all of them need.
 #pragma once
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <array>
-#include <filesystem>
-#include <string>
-#include <string_view>
-
-#include "platform/test/scratch_directory.h"
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_inifile.h"
 
 namespace vel::test {

@@ -1,16 +1,10 @@
 // Tests appending where the system refuses: the number of bytes written is returned, and no signal is raised.
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
 
 #include "platform/append.h"
 #include "platform/system_error.h"
 #include "platform/test/posix/processes.h"
-#include "platform/test/scratch_directory.h"
+#include "platform/test/test.h"
 
 namespace vel::platform {
 
@@ -108,9 +102,7 @@ TEST_F(PosixAppend, RefusesFilesThatOtherUsersCouldHaveCreated) {
   }
   close(reader);
   EXPECT_EQ(test::readFile(path("kept")), "oldab") << "appended to as any file only";
-  struct stat status {};
-  EXPECT_EQ(stat(path("new").c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 0777, 0600U);
+  EXPECT_EQ(test::modeOf(path("new")), mode_t{0600});
 }
 
 }  // namespace

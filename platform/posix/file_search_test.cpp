@@ -1,23 +1,18 @@
 // Tests the search for programs, libraries and message catalogs.
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-
-#include <cerrno>
 
 #include "platform/byte_files.h"
 #include "platform/catalogs.h"
 #include "platform/dynamic_libraries.h"
 #include "platform/launching.h"
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/table.h"
-#include "platform/test/variable.h"
+#include "platform/test/test.h"
 
 namespace vel::platform {
 
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 
 /// The current directory is "here", and the search path has "first" and "second".
 class FileSearch : public testing::Test {
@@ -80,7 +75,9 @@ TEST_F(FileSearch, ProgramsWithADirectoryMayHaveBackslashNames) {
   for (const std::string& name : {tool, tool + ".EXE", test::backSlashed(path("DIR/TOOL.EXE")),
                                   std::string("..\\dir\\tool"), std::string("C:tool.EXE")})
     EXPECT_EQ(run(name), 7) << name;
-  EXPECT_FALSE(programExists("..\\dir\\absent.exe"));
+  for (const std::string& name :
+       {"..\\dir\\absent.exe"s, "..\\" + std::string(300, 'x'), "../" + std::string(5000, 'x')})
+    EXPECT_FALSE(programExists(name.c_str()));
 }
 
 /// Loads a library and calls its procedure. Returns 0 or the error code.

@@ -1,13 +1,5 @@
 // Tests what is particular to POSIX systems: backslash names, links, pipes, dot files and permission bits.
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <fstream>
-#include <thread>
 
 #include "platform/byte_files.h"
 #include "platform/file_copy.h"
@@ -16,9 +8,7 @@
 #include "platform/posix/rename.h"
 #include "platform/system_error.h"
 #include "platform/test/posix/processes.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/table.h"
-#include "platform/test/variable.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_filesys.h"
 
 namespace vel::platform {
@@ -35,11 +25,7 @@ class PosixFiles : public testing::Test {
   SystemError copy(const char* from, const char* to) const {
     return copyFile(path(from).c_str(), path(to).c_str());
   }
-  mode_t modeOf(const char* entry) const {
-    struct stat status {};
-    EXPECT_EQ(stat(path(entry).c_str(), &status), 0);
-    return status.st_mode & 07777;
-  }
+  mode_t modeOf(const char* entry) const { return test::modeOf(path(entry)); }
   std::ptrdiff_t entries() const { return std::distance(fs::directory_iterator(path("")), {}); }
 
   test::ScratchDirectory scratch_;
@@ -276,6 +262,13 @@ TEST_F(PosixFiles, SkippingStopsAtTheEnd) {
   closeDescriptor(file);
 }
 
+bool leaveOneDescriptor() {
+  const int next = dup(STDIN_FILENO);
+  const auto count = static_cast<rlim_t>(next) + 1;
+  const rlimit limit{count, count};
+  return close(next) == 0 && setrlimit(RLIMIT_NOFILE, &limit) == 0;
+}
+
 // Opening does not block, but reading does.
 TEST_F(PosixFiles, OpeningAPipeDoesNotWaitForAWriter) {
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
@@ -284,6 +277,8 @@ TEST_F(PosixFiles, OpeningAPipeDoesNotWaitForAWriter) {
   EXPECT_EQ(openForReading(pipe.c_str(), kRefuse, silent), ENXIO);
   const int other = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
   EXPECT_EQ(openForReading(pipe.c_str(), kRefuse, silent), ENXIO) << "a second reader is no writer";
+  const auto openIt = [&] { return openForReading(pipe.c_str(), kRefuse, silent); };
+  EXPECT_EQ(test::exitCodeOf(leaveOneDescriptor, openIt), ENXIO) << "without a descriptor for the query";
   const int writer = open(pipe.c_str(), O_WRONLY);
   EXPECT_EQ(openForReading(pipe.c_str(), kRefuse, silent), 0);
   EXPECT_EQ(fcntl(silent, F_GETFL) & O_NONBLOCK, 0);

@@ -1,5 +1,4 @@
 // Tests languages and code pages of the environment, texts in these code pages, and sleeping through signals.
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -9,8 +8,7 @@
 #include "platform/code_pages.h"
 #include "platform/languages.h"
 #include "platform/posix/language_names.h"
-#include "platform/test/table.h"
-#include "platform/test/variable.h"
+#include "platform/test/test.h"
 
 namespace vel::platform {
 

@@ -1,24 +1,15 @@
 // Tests what children inherit from this process, and that they leave it unchanged.
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <pthread.h>
-#include <signal.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <cerrno>
-#include <chrono>
 #include <climits>
 #include <future>
 
 #include "platform/launching.h"
 #include "platform/posix/inheritance.h"
 #include "platform/processes.h"
-#include "platform/test/child_process.h"
 #include "platform/test/posix/processes.h"
-#include "platform/test/scratch_directory.h"
+#include "platform/test/test.h"
 
 namespace vel::platform {
 

@@ -1,15 +1,6 @@
 // Tests replacing files: permissions, links, devices, the state after a failure, and attacks by other users.
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/stat.h>
 #include <sys/xattr.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <filesystem>
-#include <string>
-#include <utility>
 
 #include "platform/byte_files.h"
 #include "platform/posix/beside.h"
@@ -17,7 +8,7 @@
 #include "platform/replacing.h"
 #include "platform/system_error.h"
 #include "platform/test/posix/processes.h"
-#include "platform/test/scratch_directory.h"
+#include "platform/test/test.h"
 
 namespace vel::platform {
 
@@ -46,12 +37,7 @@ class Replacing : public testing::Test {
  protected:
   std::string path(const std::string& entry) const { return scratch_.path(entry); }
   std::size_t entries() const { return entriesIn(scratch_.path()); }
-  struct stat statusOfFile() const {
-    struct stat status {};
-    EXPECT_EQ(stat(file_.c_str(), &status), 0);
-    return status;
-  }
-  mode_t modeOfFile() const { return statusOfFile().st_mode & 07777; }
+  mode_t modeOfFile() const { return test::modeOf(file_); }
 
   const ScratchDirectory scratch_;
   const std::string file_ = scratch_.write("file", "old");
@@ -214,7 +200,9 @@ TEST_F(Replacing, ReportsLostOwnerOrPermissions) {
     EXPECT_EQ(modeOfFile(), static_cast<mode_t>(after)) << std::oct << before;
   }
   EXPECT_EQ(keepsRights(), 1);
-  EXPECT_EQ(statusOfFile().st_uid, test::kOtherUser);
+  struct stat status {};
+  EXPECT_EQ(stat(file_.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, test::kOtherUser);
 }
 
 /// Makes the name a regular file and a link to another user's private file, in turn, forever.

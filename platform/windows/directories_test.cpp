@@ -1,13 +1,7 @@
 // Tests links to directories, and files that cannot be removed.
-#include <gtest/gtest.h>
-
-#include <cerrno>
-#include <fstream>
-
 #include "platform/directories.h"
 #include "platform/files.h"
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
+#include "platform/test/test.h"
 #include "platform/test/windows/wine.h"
 #include "vel_include/vel_filesys.h"
 

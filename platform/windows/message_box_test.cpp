@@ -7,12 +7,7 @@
 // After the public headers, see above; the blank lines keep this include from being sorted.
 #include <windows.h>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <thread>
-
-#include "platform/test/child_process.h"
+#include "platform/test/test.h"
 
 static_assert(static_cast<int>(VelEnErrorAction::NO_ACTION) == IGNORE);
 

@@ -7,19 +7,14 @@
 #include "vel_include/vel_c.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <io.h>
-
-#include <cerrno>
-#include <string>
 
 #include "platform/byte_files.h"
 #include "platform/file_copy.h"
 #include "platform/launching.h"
 #include "platform/replacing.h"
 #include "platform/system.h"
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
+#include "platform/test/test.h"
 #include "platform/test/windows/wine.h"
 
 // The headers must leave both macros unchanged.

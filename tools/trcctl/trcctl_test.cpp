@@ -1,9 +1,4 @@
 // Runs trcctl as its users do, on a trace that the example wrote.
-
-#include <cstdlib>
-
-#include "platform/test/child_process.h"
-#include "platform/test/session.h"
 #include "trace/test/trace_fixture.h"
 
 namespace {

@@ -1,22 +1,10 @@
 // Runs velconv as scripts do: its list, its session, and files larger than its buffers.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
-#include <vector>
-
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/session.h"
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_strict_conversion.h"
 
 namespace {
 
-using vel::test::readFile;
-using vel::test::readTable;
-using vel::test::runTool;
+using namespace vel::test;
 
 class VelconvFiles : public testing::Test {
  protected:

@@ -1,13 +1,5 @@
 // Runs veldump as its users do: its session, and round trips of large files.
-#include <gtest/gtest.h>
-
-#include <sstream>
-#include <string>
-#include <vector>
-
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/session.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_util.h"
 
 namespace {
@@ -42,8 +34,7 @@ TEST(Veldump, PrintsTheDumpOfTheLibraryAndReversesIt) {
     arguments.emplace_back("-squeeze");
     const auto squeezed = runTool("veldump", arguments);
     EXPECT_LT(squeezed.output.size(), dump.output.size() * 2 / 3);
-    EXPECT_TRUE(runTool("veldump", {"-reverse", directory.write("dump", squeezed.output)}).output == bytes)
-        << binary;
+    EXPECT_TRUE(runTool("veldump", {"-reverse", directory.write("dump", squeezed.output)}).output == bytes);
   }
   EXPECT_TRUE(runTool("veldump", {}, bytes).output == libraryDump(bytes, false));
 }

@@ -1,14 +1,7 @@
 // Runs velini as scripts do, also several at a time.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <future>
-#include <string>
-#include <vector>
 
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/session.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_inifile.h"
 
 namespace {

@@ -1,14 +1,6 @@
 // Runs velmsg as its users do and reads what it prints.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "messages/test/catalog_builder.h"
-#include "platform/test/child_process.h"
-#include "platform/test/scratch_directory.h"
-#include "platform/test/session.h"
-#include "platform/test/table.h"
+#include "platform/test/test.h"
 
 namespace {
 

@@ -2,17 +2,7 @@
 // entries of given sizes.
 #pragma once
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <cstring>
-#include <memory>
-#include <sstream>
-#include <string>
-#include <vector>
-
-#include "platform/test/scratch_directory.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_process.h"
 #include "vel_include/vel_trace.h"
 

@@ -1,9 +1,12 @@
-// Arguments of programs, and copies of this process, which may run as another user if this one is root.
+// Arguments of programs, and copies of this process, which may run as another user if this one is root. Tests
+// get the headers of the system for processes and permissions from here.
 #pragma once
 
 #include <grp.h>
+#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -39,12 +42,14 @@ inline int statusOfCopy(const std::function<bool()>& action) {
   return status;
 }
 
-/// Runs `who`, which changes the user, and then `act` in a copy of this process. Returns its exit code, the
-/// result of `act`, or -1 if a signal ended it.
+constexpr int kNotPrepared = 255;
+
+/// Runs `who`, which changes the user, and then `act` in a copy of this process. Returns its exit code: the
+/// result of `act`, or kNotPrepared if `who` returned false; -1 if a signal ended it.
 template <typename Who, typename Act>
 int exitCodeOf(Who who, Act act) {
   const pid_t child = fork();
-  if (child == 0) _exit(who() ? act() : 255);
+  if (child == 0) _exit(who() ? act() : kNotPrepared);
   int status = 0;
   return waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
@@ -59,6 +64,12 @@ inline bool beUnprivileged() {
 }
 inline bool canBeUnprivileged() {
   return geteuid() != 0 || canBecomeOtherUser();
+}
+
+inline mode_t modeOf(const std::string& path) {
+  struct stat status {};
+  EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+  return status.st_mode & 07777;
 }
 
 /// Limits files that this process writes to 10 bytes, permanently.
