@@ -6,7 +6,9 @@
 # machine. It is lower where the same work takes longer: with sanitizers a byte costs twenty times as much, and under
 # Wine a file does.
 set(VEL_REPLAY_WORK 16000)
-if(VEL_SANITIZE OR CMAKE_CROSSCOMPILING)
+if(VEL_SANITIZE)
+  set(VEL_REPLAY_WORK 1000)
+elseif(CMAKE_CROSSCOMPILING)
   set(VEL_REPLAY_WORK 4000)
 endif()
 
@@ -26,6 +28,7 @@ function(vel_add_fuzzer name)
   endif()
   add_executable(${name} ${name}.cpp)
   vel_use_project_options(${name})
+  vel_reuse_program_headers(${name})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   if(ARG_INSIDE)
     target_link_libraries(${name} PRIVATE ${ARG_PARTS} qamc5032_inside)

@@ -10,6 +10,22 @@ set_target_properties(qamc5032_inside qamc5032_seam PROPERTIES LINKER_LANGUAGE C
 # Programs that link this library must not declare its functions as imported from a DLL.
 target_compile_definitions(qamc5032_inside INTERFACE VEL_BUILDING_LIBRARY)
 
+# vel_use_room_options(<target>): what all objects of the library are compiled with.
+function(vel_use_room_options target)
+  vel_use_project_options(${target})
+  set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  target_compile_definitions(${target} PRIVATE VEL_BUILDING_LIBRARY)
+  if(NOT WIN32)
+    # Lets the compiler inline and bind calls within the library directly; programs cannot replace single functions of
+    # it.
+    target_compile_options(${target} PRIVATE -fno-semantic-interposition)
+  endif()
+endfunction()
+if(VEL_PRECOMPILE_HEADERS)
+  vel_add_precompiled_headers(room_headers ${VEL_COMMON_HEADERS})
+  vel_use_room_options(room_headers)
+endif()
+
 # vel_add_room(<name> SOURCES <files>... [PUBLIC <headers>...] [USES <rooms>...] [GENERATED <targets>...]
 #              [LIBRARIES <libraries>...])
 # PUBLIC lists the headers of vel_include/ that the room implements. A file of the room may include headers of the
@@ -19,18 +35,14 @@ function(vel_add_room name)
   cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;USES;GENERATED;LIBRARIES" ${ARGN})
   set(room room_${name})
   add_library(${room} OBJECT ${ARG_SOURCES})
-  vel_use_project_options(${room})
-  set_target_properties(${room} PROPERTIES POSITION_INDEPENDENT_CODE ON)
-  target_compile_definitions(${room} PRIVATE VEL_BUILDING_LIBRARY)
+  vel_use_room_options(${room})
+  if(VEL_PRECOMPILE_HEADERS)
+    target_precompile_headers(${room} REUSE_FROM room_headers)
+  endif()
   target_include_directories(${room} PRIVATE ${PROJECT_SOURCE_DIR})
   if(ARG_GENERATED)
     target_include_directories(${room} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/generated)
     add_dependencies(${room} ${ARG_GENERATED})
-  endif()
-  if(NOT WIN32)
-    # Lets the compiler inline and bind calls within the library directly; programs cannot replace single functions of
-    # it.
-    target_compile_options(${room} PRIVATE -fno-semantic-interposition)
   endif()
   set(libraries qamc5032 qamc5032_inside)
   if(NOT ARG_PUBLIC)

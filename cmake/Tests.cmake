@@ -11,17 +11,24 @@ set(CMAKE_WARN_DEPRECATED OFF CACHE BOOL "" FORCE)
 add_subdirectory(${VEL_GOOGLETEST_DIR} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
 unset(CMAKE_WARN_DEPRECATED CACHE)
 
-# GoogleTest's headers take longer to compile than most tests, so they are compiled once.
-file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/test_headers.cpp CONTENT "")
-add_library(test_headers OBJECT EXCLUDE_FROM_ALL ${CMAKE_BINARY_DIR}/test_headers.cpp)
-target_link_libraries(test_headers PRIVATE gmock)
-target_precompile_headers(test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
-
-# vel_use_test_options(NAME): for what only tests run. Optimizing it would take half of a build's time.
+# For what only tests run: optimizing it and describing it to a debugger would take half of a build's time. The
+# sanitizers' builds keep the line numbers, which their reports need; they serve for debugging tests as well.
+set(VEL_TEST_OPTIONS -O0)
+if(NOT VEL_SANITIZE)
+  list(APPEND VEL_TEST_OPTIONS -g0)
+endif()
+foreach(target gtest gmock gmock_main)
+  target_compile_options(${target} PRIVATE ${VEL_TEST_OPTIONS})
+endforeach()
 function(vel_use_test_options target)
   vel_use_project_options(${target})
-  target_compile_options(${target} PRIVATE -O0)
+  target_compile_options(${target} PRIVATE ${VEL_TEST_OPTIONS})
 endfunction()
+
+# Its headers take longer to compile than most tests.
+vel_add_precompiled_headers(test_headers ${PROJECT_SOURCE_DIR}/platform/test/test.h)
+target_link_libraries(test_headers PRIVATE gmock)
+target_include_directories(test_headers PRIVATE ${PROJECT_SOURCE_DIR})
 vel_use_test_options(test_headers)
 
 if(CMAKE_CROSSCOMPILING)

@@ -1,5 +1,4 @@
 // Runs programs that fail an assertion, and checks their reports.
-#include <regex>
 
 #include "platform/test/test.h"
 
@@ -9,10 +8,11 @@ TEST(Assertion, IsReportedAndEndsTheProcessAbnormally) {
   for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/assertions.tsv")) {
     const auto result =
         vel::test::runChild("assertion_child", {row[0]}, {.environment = {{"VEL_NO_ASSERT_POPUP", row[1]}}});
-    const std::regex processId("PROCESS ID: -?[0-9]+");
+    std::string errors = result.errors;
+    const std::size_t processId = errors.rfind("PROCESS ID: ") + 12;
+    errors.replace(processId, errors.find_first_not_of("-0123456789", processId) - processId, "N");
     EXPECT_TRUE(result.endedAbnormally) << row[0];
-    EXPECT_THAT(std::regex_replace(result.errors, processId, "PROCESS ID: N"),
-                testing::HasSubstr(vel::test::unescaped(row.at(2))));
+    EXPECT_THAT(errors, testing::HasSubstr(vel::test::unescaped(row.at(2))));
     EXPECT_EQ(result.output, "");
   }
 }

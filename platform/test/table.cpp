@@ -50,6 +50,12 @@ std::vector<std::vector<std::string>> readTexts(const std::string& path) {
   return rows;
 }
 
+std::string replaced(std::string text, std::string_view old, std::string_view with) {
+  for (std::size_t at = 0; (at = text.find(old, at)) != std::string::npos; at += with.size())
+    text.replace(at, old.size(), with);
+  return text;
+}
+
 std::string bytesOf(const std::string& digits) {
   std::string bytes;
   for (std::size_t i = 0; i + 1 < digits.size(); i += 2)

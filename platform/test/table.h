@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vel::test {
@@ -14,6 +15,9 @@ std::string unescaped(const std::string& text);
 
 /// As readTable(), with every field unescaped.
 std::vector<std::vector<std::string>> readTexts(const std::string& path);
+
+/// Returns a copy of `text` with every `old` replaced.
+std::string replaced(std::string text, std::string_view old, std::string_view with);
 
 /// Converts "4D00" to two bytes.
 std::string bytesOf(const std::string& digits);
