@@ -15,6 +15,10 @@ TEST(ConsoleUI, FollowsTheSession) {
   vel::test::expectSession(VEL_TEST_DATA "test/console_ui.session");
 }
 
+TEST(Conventions, FollowTheSession) {
+  vel::test::expectSession(VEL_TEST_DATA "test/conventions.session");
+}
+
 // Standard input is redirected. platform/posix/console_test.cpp tests prompts on a terminal.
 TEST(Prompts, FollowTheSession) {
   vel::test::expectSession(VEL_TEST_DATA "test/prompts.session");

@@ -1,0 +1,45 @@
+// The list of all marks. A program has one command line, so the list has one entry, or none.
+#include "consoleui/argument_marks.h"
+
+#include <atomic>
+#include <mutex>
+#include <utility>
+
+namespace vel::consoleui {
+namespace {
+
+// Both are constant-initialised, so that cursors may be used before and after main.
+constinit std::mutex listMutex;
+constinit std::atomic<ArgumentMarks*> first = nullptr;
+
+}  // namespace
+
+ArgumentMarks::ArgumentMarks(const char* const* arguments, Vector<bool> isData)
+    : arguments_(arguments), isData_(std::move(isData)), next_(nullptr) {
+  const std::lock_guard lock(listMutex);
+  next_ = first;
+  first = this;
+}
+
+ArgumentMarks::~ArgumentMarks() {
+  const std::lock_guard lock(listMutex);
+  if (first == this) {
+    first = next_;
+    return;
+  }
+  ArgumentMarks* before = first;
+  while (before->next_ != this) before = before->next_;
+  before->next_ = next_;
+}
+
+bool ArgumentMarks::isData(const char* const* arguments, std::int32_t index) noexcept {
+  if (first == nullptr || index < 0) return false;
+  const std::lock_guard lock(listMutex);
+  for (const ArgumentMarks* marks = first; marks != nullptr; marks = marks->next_)
+    if (marks->arguments_ == arguments)
+      return static_cast<std::size_t>(index) < marks->isData_.size() &&
+             marks->isData_[static_cast<std::size_t>(index)];
+  return false;
+}
+
+}  // namespace vel::consoleui
