@@ -1,5 +1,6 @@
 #include "consoleui/argument_faults.h"
 
+#include <cstring>
 #include <iostream>
 
 #include "consoleui/console_settings.h"
@@ -50,6 +51,13 @@ String suggestionFor(const VelClConsoleUI& ui, const Words& words, const char* t
   return text.empty() ? text : choices.didYouMean + text + "?";
 }
 
+/// Whether the name is one of the switches that every user interface has.
+bool isBuiltIn(std::string_view name, const Words& words) {
+  const VelClMessage letters = words[Word::HelpLetters], quiet = words[Word::Quiet];
+  const bool isHelp = name.size() == 1 && std::strchr(letters.getAsCString(), name[0]) != nullptr;
+  return isHelp || name == quiet.getAsCString();
+}
+
 }  // namespace
 
 bool isAttachedValue(const VelClConsoleUI& ui, const char* argument) {
@@ -88,13 +96,15 @@ void reportArgument(const VelClConsoleUI& ui, const Words& words, Word fault, co
   ui.error(std::cerr, message.getAsCString(), typed, suggestion.empty() ? nullptr : suggestion.c_str());
 }
 
-void completeNames(VelClConsoleUI& ui) {
+void completeNames(VelClConsoleUI& ui, const Words& words) {
   const SwitchNames names = shownSwitches(ui);
   VelClArgvCheckCursor argument(ui);
   int index = 1;
   for (bool more = argument.setToFirst(); more; more = argument.setToNext(), ++index) {
     if (!argument.isSwitch() || argument.isLegal()) continue;
-    const std::string_view name = completedName(names, argument.getAsCString() + 1);
+    const std::string_view typed(argument.getAsCString() + 1);
+    if (isBuiltIn(typed, words)) continue;
+    const std::string_view name = completedName(names, typed);
     if (!name.empty()) settingsOf(ui).conventions()->line().rename(index, name);
   }
 }

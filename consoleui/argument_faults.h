@@ -22,7 +22,7 @@ bool isLastSwitch(const VelClConsoleUI& ui, const char* argument);
 /// argument gets the names of switches that resemble it.
 void reportArgument(const VelClConsoleUI& ui, const Words& words, Word fault, const char* argument);
 
-/// Replaces unambiguous beginnings of names by the whole names.
-void completeNames(VelClConsoleUI& ui);
+/// Replaces unambiguous beginnings of names by the whole names. Built-in switches stay what they are.
+void completeNames(VelClConsoleUI& ui, const Words& words);
 
 }  // namespace vel::consoleui

@@ -72,7 +72,7 @@ void answerDescription(const VelClConsoleUI& ui) {
   writeField("Title", conventions.title());
   writeField("Description", conventions.description());
   writeField("Version", textOrEmpty(conventions.choices().version));
-  writeField("Colors", conventions.choices().colors ? "yes" : "no");
+  writeField("Conventions", conventions.choices().colors ? "yes colors" : "yes");
   writeIndented("Usage", settings.getUsage());
   writeIndented("Help", settings.getHelp());
   end(ui);

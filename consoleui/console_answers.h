@@ -16,6 +16,7 @@ namespace vel::consoleui {
 ///   Name: logtop
 ///   Title: Counts lines
 ///   Version: 1.2
+///   Conventions: yes colors
 ///   Usage:
 ///    [(-top <number>)] <file> ...
 ///   Help:

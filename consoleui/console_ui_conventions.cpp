@@ -27,13 +27,20 @@ const char* VelClConsoleUI::style(const std::ostream& stream, VelEnTextStyle sty
   return settingsOf(*this).style(stream, style);
 }
 
+namespace {
+
+bool mustDescribe() {
+  return *vel::textOrEmpty(vel::platform::settingValue("VEL_CONSOLEUI_DESCRIBE")) != '\0';
+}
+
+}  // namespace
+
 /// Without conventions the title is shown in quiet mode, too.
 void VelClConsoleUI::showTitle(const char* title, const char* description) {
   if (Conventions* const conventions = settingsOf(*this).conventions()) {
     conventions->setTitle(title, description);
     if (conventions->line().hasVersion()) vel::consoleui::answerVersion(*this);
-    const bool isQuestion = vel::platform::settingValue("VEL_CONSOLEUI_DESCRIBE") != nullptr;
-    if (conventions->line().hasHelp() || isQuestion || mustBeQuiet()) return;
+    if (conventions->line().hasHelp() || mustDescribe() || mustBeQuiet()) return;
   }
   displayTitle(title, description);
 }
@@ -41,10 +48,9 @@ void VelClConsoleUI::showTitle(const char* title, const char* description) {
 void VelClConsoleUI::answerQuestions() {
   const Conventions* const conventions = settingsOf(*this).conventions();
   if (conventions == nullptr) return;
-  if (vel::platform::settingValue("VEL_CONSOLEUI_DESCRIBE") != nullptr)
-    vel::consoleui::answerDescription(*this);
+  if (mustDescribe()) vel::consoleui::answerDescription(*this);
   if (conventions->line().hasHelp()) vel::consoleui::answerHelp(*this, words(), hasSourceOfMessages());
-  if (conventions->choices().abbreviations) vel::consoleui::completeNames(*this);
+  if (conventions->choices().abbreviations) vel::consoleui::completeNames(*this, words());
 }
 
 void VelClConsoleUI::checkColorSwitch() const {
