@@ -4,6 +4,9 @@
 #include <sstream>
 
 #include "base/usage_text.h"
+#include "consoleui/command_line.h"
+#include "consoleui/edit_distance.h"
+#include "consoleui/switch_names.h"
 #include "fuzz/bytes.h"
 #include "vel_include/vel_consoleui.h"
 
@@ -66,6 +69,24 @@ void show(const Text& text, TextKind kind, std::size_t indentation) {
     require(shown.str() == text.view());
 }
 
+/// Rewritten arguments are checked like any others.
+void judgeRewritten(int count, const char* const* argv, const Text& usage) {
+  using namespace vel::consoleui;
+  const CommandLine line(count, argv, {"help", "version", "color"});
+  require({line.count() <= 2 * count, line.arguments()[line.count()] == nullptr});
+  requireVisited({line.count(), line.arguments(), usage},
+                 judge({line.count(), line.arguments(), usage}, usage));
+  const SwitchNames names = switchNamesOf(usage, true);
+  for (int i = 0; i < line.count(); ++i) {
+    const std::string_view name(line.arguments()[i]);
+    require(similarNames(names, name).size() <= 3);
+    const std::string_view completed = completedName(names, name);
+    require(completed.empty() || completed.starts_with(name));
+    for (const std::string_view other : names)
+      require(editDistance(name, other) == editDistance(other, name));
+  }
+}
+
 }  // namespace
 
 void fuzz::run(fuzz::Bytes input) {
@@ -78,6 +99,7 @@ void fuzz::run(fuzz::Bytes input) {
   const char* const* const argv = arguments.data();
   isKnown(usage, "");
   requireVisited({count, argv, usage}, judge({count, argv, usage}, usage));
+  judgeRewritten(count, argv, usage);
   show(usage, TextKind{static_cast<int>(options % 3)}, options / 3 % 20);
   const VelClConsoleUIParams params(count > 0 ? argv[0] : nullptr);
   require({params.getIndentation() <= 25,
