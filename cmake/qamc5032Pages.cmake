@@ -8,9 +8,9 @@
 # them where manuals and shells look for them. NAME is the name of the command; the default is that of the target's
 # file. SHELLS are bash, zsh, fish and powershell; the default is all.
 #
-# A program that calls VelClConsoleUI::useConventions tells its texts itself: it is started with the environment variable
-# VEL_CONSOLEUI_DESCRIBE, must be able to run during the build, and ends in handleUsageHelp. For all other programs TEXTS
-# names a file with the texts:
+# A program that calls VelClConsoleUI::useConventions tells its texts itself: it is started with the environment
+# variable VEL_CONSOLEUI_DESCRIBE, must be able to run during the build, and ends in handleUsageHelp. For all other
+# programs TEXTS names a file with the texts:
 #
 #   Name: greet
 #   Title: Greeter
@@ -23,10 +23,10 @@
 # Values of switches are completed where the usage string has alternatives, as in (-format <text|tsv>), or a <file> or
 # <directory>. A line of VALUES is for other values of a switch:
 #
-#   "-format: plain ini shell"                            words
-#   "-log: <file>"                                        files, or <directory>
-#   "-section: $ velini -file {-file} -sections"          the lines that a command prints, up to the first tab. {-file} is
-#                                                         the value of another switch; $2 takes the second column
+#   "-format: plain ini shell"                      words
+#   "-log: <file>"                                  files, or <directory>
+#   "-section: $ velini -file {-file} -sections"    the lines that a command prints, up to the first tab. {-file} is
+#                                                   the value of another switch; $2 takes the second column
 
 set(qamc5032_PAGES_SCRIPT "${CMAKE_CURRENT_LIST_DIR}/pages/make_tool_pages.py")
 

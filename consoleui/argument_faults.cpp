@@ -1,3 +1,5 @@
+// Faults of arguments that the usage string alone does not show: how the user typed them, what was meant, and
+// whether a value is where none belongs. The check itself is console_ui.cpp's work.
 #include "consoleui/argument_faults.h"
 
 #include <cstring>

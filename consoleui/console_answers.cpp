@@ -1,3 +1,5 @@
+// Answers to --help, --version and generators. They go to standard output without title, message frame and
+// bell, because scripts read them.
 #include "consoleui/console_answers.h"
 
 #include <iostream>

@@ -1,3 +1,5 @@
+// Numbers of command lines and prompts after useConventions. Without it base/ascii.h parses them, which stops
+// at the first character that is no digit.
 #include "consoleui/whole_number.h"
 
 #include <cstring>

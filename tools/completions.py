@@ -75,8 +75,11 @@ def switches_of(texts, values):
     unknown = set(values) - set(usage.switches) - set(texts.standard_switches)
     if unknown:
         raise SystemExit(f"{texts.name} has no switch {', '.join(sorted(unknown))}")
-    found = [Switch(name, value or "", brief(helps.get(name, "")), values.get(name) or source_of_placeholder(value or ""))
-             for name, value in usage.switches.items()]
+    found = []
+    for name, value in usage.switches.items():
+        value = value or ""
+        source = values.get(name) or source_of_placeholder(value)
+        found.append(Switch(name, value, brief(helps.get(name, "")), source))
     for term, text in texts.standard_switches.items():
         name, _, value = term.partition(" ")
         found.append(Switch(name, value.strip("<>"), text, source_of_placeholder(value.strip("<>"))))
@@ -383,12 +386,16 @@ Register-ArgumentCompleter -Native -CommandName '@NAME@', '@NAME@.exe' -ScriptBl
         references = self.references(source)
         values = "".join(f"${variable} = & $valueOf '{name}'; " for name, variable in references.items())
         condition = " -and ".join(f"${variable}" for variable in references.values())
-        run = f"& {self.command(source, '$program')} 2>$null | ForEach-Object {{ ($_ -split \"`t\")[{source.column - 1}] }}"
+        column = f'($_ -split "`t")[{source.column - 1}]'
+        run = f"& {self.command(source, '$program')} 2>$null | ForEach-Object {{ {column} }}"
         return f"{values}if ({condition}) {{ {run} }}" if condition else run
 
     def script(self):
-        values = "".join(f"    {{ $_ -cin {', '.join(map(self.quoted, self.spellings(switch)))} }} "
-                         f"{{ {self.action(switch.source) or '$null'}; break }}\n" for switch in self.switches if switch.value)
+        values = ""
+        for switch in self.switches:
+            names = ", ".join(map(self.quoted, self.spellings(switch)))
+            if switch.value:
+                values += f"    {{ $_ -cin {names} }} {{ {self.action(switch.source) or '$null'}; break }}\n"
         names, long_names = (", ".join(map(self.quoted, offered)) for offered in self.offered())
         return replaced(self.TEMPLATE, VALUES=values, SWITCHES=names, LONG=long_names, NAME=self.name)
 

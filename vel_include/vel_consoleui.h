@@ -371,7 +371,8 @@ class VEL_API VelClConsoleUI {
   ///   `-color auto|always|never` decides otherwise.
   /// - Numbers are checked whole: "5x" and numbers beyond the type's range (that of 32 bits for long) end the
   ///   process with 204. Answers to promptNumval are checked in the same way.
-  /// - If the environment variable VEL_CONSOLEUI_DESCRIBE is set, handleUsageHelp prints title, version, usage
+  /// - If the environment variable VEL_CONSOLEUI_DESCRIBE is set, handleUsageHelp prints title, version,
+  /// usage
   ///   and help as they were given, for generators of manual pages, and ends the process with 0.
   ///
   /// The arguments that getArgc, getArgv and cursors over this object then show are rewritten: `--name=value`
