@@ -28,7 +28,13 @@
 #   "-section: $ velini -file {-file} -sections"    the lines that a command prints, up to the first tab. {-file} is
 #                                                   the value of another switch; $2 takes the second column
 
+# Installed, the scripts are beside this file. The variable is in the cache, because functions are known everywhere and
+# variables are not.
 set(qamc5032_PAGES_SCRIPT "${CMAKE_CURRENT_LIST_DIR}/pages/make_tool_pages.py")
+if(NOT EXISTS ${qamc5032_PAGES_SCRIPT})
+  get_filename_component(qamc5032_PAGES_SCRIPT "${CMAKE_CURRENT_LIST_DIR}/../tools/make_tool_pages.py" ABSOLUTE)
+endif()
+set(qamc5032_PAGES_SCRIPT "${qamc5032_PAGES_SCRIPT}" CACHE INTERNAL "Generates manual pages and completions")
 
 # Sets in the caller the name of the command, its output directory, and the arguments that tell the script the texts.
 function(_qamc5032_page_source target name texts)

@@ -48,7 +48,7 @@ std::vector<const char*> judge(VelClArgvCheckCursor cursor, const Text& usage) {
   return free;
 }
 
-void requireVisited(VelClArgvFreeCursor cursor, std::vector<const char*> expected) {
+void requireVisited(VelClArgvFreeCursor cursor, const std::vector<const char*>& expected) {
   std::vector<const char*> there, back;
   for (bool more = cursor.setToFirst(); more; more = cursor.setToNext())
     there.push_back(cursor.getAsCString());

@@ -89,6 +89,11 @@ def switches_of(texts, values):
     return found, free
 
 
+def literal(words):
+    """Returns words for a place where zsh and fish expand variables and commands."""
+    return " ".join(re.sub(r"([^\w.,+/%=@-])", r"\\\1", word) for word in words)
+
+
 class Shell:
     """What the shells have in common: the names of functions, and quoting in single quotes."""
     quote_in_quotes = "'\\''"
@@ -235,7 +240,7 @@ _@FUNCTION@_value() {
     def action(self, switch):
         kind = switch.source.kind
         if kind == "words":
-            return "(" + " ".join(map(self.escaped, switch.source.words)) + ")"
+            return f"({literal(switch.source.words)})"
         if kind == "command":
             return self.function_of(switch)
         return {"files": "_files", "directories": "_directories"}.get(kind, " ")
@@ -323,7 +328,7 @@ end
             return ""
         if kind == "files":
             return " -r -F"
-        candidates = {"words": " ".join(switch.source.words), "command": f"({self.function_of(switch)})",
+        candidates = {"words": literal(switch.source.words), "command": f"({self.function_of(switch)})",
                       "directories": "(__fish_complete_directories)"}.get(kind)
         return " -x" + (f" -a {self.quoted(candidates)}" if candidates else "")
 

@@ -19,6 +19,7 @@ from tool_texts import help_options, help_parts, tool_texts
 
 def roff(text):
     text = text.replace("\\", "\\e").replace("-", "\\-").replace("'", "\\(aq").replace("`", "\\(ga")
+    text = re.sub(r"[^\x00-\x7F]", lambda match: f"\\[u{ord(match[0]):04X}]", text)
     return re.sub(r"^\.", r"\\&.", text, flags=re.MULTILINE)
 
 
