@@ -1,5 +1,5 @@
-"""Tests completions.py and program_texts.py with texts that shells could take for something else, and with faulty ones. The
-test of the installed package asks the shells for the completions of ordinary programs."""
+"""Tests completions.py and program_texts.py with texts that shells could take for something else, and with faulty ones.
+The test of the installed package asks the shells for the completions of ordinary programs."""
 import pathlib
 import subprocess
 import tempfile
@@ -8,6 +8,8 @@ import unittest
 from completions import SHELLS, completion, read_values
 from program_texts import described_texts
 
+ZSH_SCRIPT = pathlib.Path(__file__).resolve().parent.parent / "cmake/complete.zsh"
+MODES = ["$(touch @)", "a'b", "c:d", "e f", "\\g"]
 ODD = """\
 Name: odd-tool
 Title: It's "odd"
@@ -33,8 +35,8 @@ FAULTY_TEXTS = ["", "Hello", "Name: a", "Usage:\n -v", "Name: a\nUsage: -v", "Na
 
 
 def bash_offers(script, arguments):
-    lines = [f"source {script}", f"COMP_WORDS=(odd-tool {arguments})", "COMP_CWORD=$((${#COMP_WORDS[@]} - 1))", "_odd_tool",
-             'for offer in "${COMPREPLY[@]}"; do echo "$offer"; done']
+    lines = [f"source {script}", f"COMP_WORDS=(odd-tool {arguments})", "COMP_CWORD=$((${#COMP_WORDS[@]} - 1))",
+             "_odd_tool", 'for offer in "${COMPREPLY[@]}"; do echo "$offer"; done']
     answer = subprocess.run(["bash", "-c", "\n".join(lines)], check=True, capture_output=True, encoding="utf-8",
                             env={"LC_ALL": "C.UTF-8", "PATH": "/usr/bin:/bin"})
     return answer.stdout.splitlines()
@@ -49,11 +51,14 @@ class CompletionsTest(unittest.TestCase):
             for arguments, offers in OFFERS:
                 with self.subTest(arguments):
                     self.assertEqual(bash_offers(script, arguments), [offer.replace("@", victim) for offer in offers])
-            for shell in ("fish", "zsh"):
-                script.write_text(completion(shell, texts, {}), encoding="utf-8")
-                command = ["zsh", "-fc", f"_arguments() {{ :; }}; source {script}"] if shell == "zsh" else \
-                          ["fish", "-N", "-c", f"source {script}; complete -C 'odd-tool -mode '"]
-                subprocess.run(command, check=True, capture_output=True, env={"HOME": directory, "PATH": "/usr/bin:/bin"})
+            commands = {"fish": ["fish", "-N", "-c", f"source {directory}/_odd-tool; complete -C 'odd-tool -mode '"],
+                        "zsh": ["zsh", "-f", ZSH_SCRIPT, directory, "odd-tool -mode "]}
+            for shell, command in commands.items():
+                pathlib.Path(directory, "_odd-tool").write_text(completion(shell, texts, {}), encoding="utf-8")
+                answer = subprocess.run(command, check=True, stdout=subprocess.PIPE, encoding="utf-8",
+                                        env={"HOME": directory, "PATH": "/usr/bin:/bin", "LC_ALL": "C.UTF-8"}).stdout
+                offers = sorted(line.split("\t")[0] for line in answer.splitlines())
+                self.assertEqual(offers, sorted(mode.replace("@", victim) for mode in MODES), shell)
             self.assertFalse(pathlib.Path(victim).exists())
 
     def test_faults_are_reported(self):
