@@ -35,6 +35,12 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/qamc5032ConfigVersion.cmake
 install(FILES ${CMAKE_BINARY_DIR}/qamc5032Config.cmake ${CMAKE_BINARY_DIR}/qamc5032ConfigVersion.cmake
         DESTINATION ${package_dir} COMPONENT development)
 
+# The functions for the manual pages and completions of programs, and the scripts that they run.
+install(FILES ${PROJECT_SOURCE_DIR}/cmake/qamc5032Pages.cmake DESTINATION ${package_dir} COMPONENT development)
+foreach(script completions make_tool_pages program_texts tool_texts)
+  install(FILES ${PROJECT_SOURCE_DIR}/tools/${script}.py DESTINATION ${package_dir}/pages COMPONENT development)
+endforeach()
+
 # The file is relocatable: all directories are relative to its own location.
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH prefix_of_pkgconfig ${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir} ${CMAKE_INSTALL_PREFIX})

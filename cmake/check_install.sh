@@ -5,7 +5,8 @@
 set -euo pipefail
 build=$1 examples=$2 compiler=$3 emulator=$4 cmake=$5
 shift 5
-work=$build/install-check prefix=$build/install-check/moved
+work=$build/install-check prefix=$build/install-check/moved share=$build/install-check/moved/share
+own=$(dirname "$(readlink -f "$0")")
 
 # expect TEXT COMMAND...: fails unless the output of the command contains the text.
 expect() {
@@ -46,15 +47,60 @@ through_other_linker() {
   run "$program" && echo "linked and ran"
 }
 
-# complete_line WORD...: prints the completions that the shell offers for the last word.
+# complete_line WORD...: prints the completions that bash offers for the last word.
 complete_line() {
   local COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)) COMPREPLY
-  source "$prefix/share/bash-completion/completions/$1"
+  source "$share/bash-completion/completions/$1"
   "_$1"
   echo "<${COMPREPLY[*]}>"
 }
 
-man_page_warnings() { echo "<$(groff -man -ww -z -Tutf8 "$prefix"/share/man/man1/*.1 2>&1)>"; }
+# These two print the completions that the other shells offer at the end of a line.
+complete_in_fish() {
+  HOME=$work fish -N -c "source '$share/fish/vendor_completions.d/${1%% *}.fish'; complete -C '$1'" | cut -f1 | xargs -d '\n'
+}
+complete_in_zsh() { zsh -f "$own/complete.zsh" "$share/zsh/site-functions" "$1" | xargs -d '\n'; }
+
+man_page_warnings() { echo "<$(groff -man -ww -z -Tutf8 "$share"/man/man1/*.1 2>&1)>"; }
+
+# The pages of the tools, whose completions call the tools.
+completions_of_tools() {
+  expect "<-delete -delsection>" complete_line velini -section one -del
+  expect "<>" complete_line velini -section d
+  expect "<$prefix/include>" complete_line veldump "$prefix/inc"
+  expect "<stop skip replace escape>" complete_line velconv -policy ""
+  [ -z "$emulator" ] || return 0
+  printf '[One]\na = 1\n[Two Words]\nbest = 2\n' >"$work/some.ini"
+  local PATH=$prefix/bin:$PATH file=$work/some.ini shell
+  expect "<Two\\ Words>" complete_line velini -file "$file" -section T
+  expect "<best>" complete_line velini -file "$file" -section "Two\\ Words" -get ""
+  expect "<819>" complete_line velconv -from 819
+  for shell in fish zsh; do
+    expect "One Two Words" "complete_in_$shell" "velini -file $file -section "
+    expect "best" "complete_in_$shell" "velini -file $file -section \"Two Words\" -get b"
+    expect "plain shell" "complete_in_$shell" "velini -format "
+  done
+}
+
+# The pages that the project of a user generates and installs.
+pages_of_programs() {
+  "$cmake" --install "$work/cmake" --prefix "$work/programs" >/dev/null
+  local share=$work/programs/share shell
+  expect "<--format>" complete_line topwords --fo
+  expect "<text tsv>" complete_line topwords --format = ""
+  expect "<-top>" complete_line topwords -t
+  expect "<auto always>" complete_line topwords x -color a
+  expect "<$prefix/include>" complete_line topwords -- "$prefix/inc"
+  expect "<-name -times -h -quiet -copyright>" complete_line greet -
+  for shell in fish zsh; do
+    expect "text tsv" "complete_in_$shell" "topwords -format "
+    expect "10 20 50" "complete_in_$shell" "topwords --top "
+  done
+  expect "-copyright" complete_in_fish "greet -c"
+  expect "'-format', '--format' } { 'text', 'tsv'; break }" cat "$share/powershell/completions/topwords.ps1"
+  expect "how many words to print; the default is 10" cat "$share/man/man1/topwords.1"
+  expect "<>" man_page_warnings
+}
 
 rm -rf "$work"
 "$cmake" --install "$build" --prefix "$work/prefix" >/dev/null
@@ -62,8 +108,7 @@ mv "$work/prefix" "$prefix"
 expect "Hello, installed!" through_cmake "$@"
 expect "Hello, pkg-config!" through_pkg_config
 expect "1033" run "$prefix/bin/velmsg" -cat qammsg50.DLL -langs
-expect "<-delete -delsection>" complete_line velini -section one -del
-expect "<>" complete_line velini -section d
-expect "<$prefix/include>" complete_line veldump "$prefix/inc"
+completions_of_tools
 expect "<>" man_page_warnings
+pages_of_programs
 if [ -n "$emulator" ]; then expect "linked and ran" through_other_linker; fi

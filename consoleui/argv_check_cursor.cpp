@@ -41,18 +41,19 @@ bool VelClArgvCheckCursor::isLegal() const {
 }
 
 bool VelClArgvCheckCursor::reqArg() const {
-  return takesValue(argumentAt(getIndex()));
+  return isSwitchAt(getIndex()) && takesValue(argumentAt(getIndex()));
 }
 
 bool VelClArgvCheckCursor::hasArg() const {
   if (!isSwitch()) return false;
-  const char* next = argumentAt(getIndex() + 1);
-  return next != nullptr && !VelClUsageCursor::isSwitchIndicator(next);
+  const int32_t next = getIndex() + 1;
+  return argumentAt(next) != nullptr && !isSwitchAt(next);
 }
 
 // Only the argument before counts: a switch with a list of values binds the first value alone.
 bool VelClArgvCheckCursor::isBound() const {
-  return isArg() && takesValue(argumentAt(getIndex() - 1));
+  const int32_t before = getIndex() - 1;
+  return isArg() && isSwitchAt(before) && takesValue(argumentAt(before));
 }
 
 bool VelClArgvCheckCursor::isFree() const {

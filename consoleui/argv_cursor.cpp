@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "base/short_text.h"
+#include "consoleui/argument_marks.h"
 #include "vel_include/vel_consoleui.h"
 
 namespace {
@@ -62,18 +63,23 @@ const char* VelClArgvCursor::getArgv0() const {
   return count_ > 0 && arguments_[0] != nullptr ? arguments_[0] : "";
 }
 
+/// An argument that is marked as data is no switch, whatever it begins with.
+bool VelClArgvCursor::isSwitchAt(int32_t index) const {
+  return VelClUsageCursor::isSwitchIndicator(argumentAt(index)) &&
+         !vel::consoleui::ArgumentMarks::isData(arguments_, index);
+}
+
 bool VelClArgvCursor::isSwitch() const {
-  return VelClUsageCursor::isSwitchIndicator(argumentAt(index_));
+  return isSwitchAt(index_);
 }
 bool VelClArgvCursor::isArg() const {
   return isValid() && !isSwitch();
 }
 
 bool VelClArgvCursor::matches(const char* name) const {
-  const char* argument = argumentAt(index_);
-  if (name == nullptr || !VelClUsageCursor::isSwitchIndicator(argument)) return false;
+  if (name == nullptr || !isSwitchAt(index_)) return false;
   if (VelClUsageCursor::isSwitchIndicator(name)) ++name;
-  return std::strcmp(argument + 1, name) == 0;
+  return std::strcmp(argumentAt(index_) + 1, name) == 0;
 }
 
 bool VelClArgvCursor::positionTo(const char* name) {

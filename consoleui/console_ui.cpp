@@ -7,11 +7,15 @@
 #include <cstring>
 #include <iostream>
 
+#include "consoleui/argument_faults.h"
+#include "consoleui/console_settings.h"
 #include "consoleui/console_ui_format.h"
 #include "consoleui/console_ui_words.h"
 #include "foundation/allocator.h"
 #include "vel_include/vel_helpers.h"
 
+using vel::consoleui::ConsoleSettings;
+using vel::consoleui::settingsOf;
 using vel::consoleui::Word;
 
 namespace {
@@ -49,7 +53,7 @@ VelClConsoleUI::VelClConsoleUI(int argc, const char* const* argv)
     : messageBase_(0),
       argc_(argv != nullptr ? argc : 0),
       argv_(argv),
-      params_(vel::create<VelClConsoleUIParams>(VelClArgvCursor(argc, argv).getArgv0())) {}
+      params_(vel::create<ConsoleSettings>(VelClArgvCursor(argc, argv).getArgv0())) {}
 
 VelClConsoleUI::VelClConsoleUI(int argc, const char* const* argv, const VelClFilename& catalogFile,
                                unsigned long messageBase, const char* const* table, unsigned long size)
@@ -57,12 +61,12 @@ VelClConsoleUI::VelClConsoleUI(int argc, const char* const* argv, const VelClFil
       messageBase_(static_cast<uint32_t>(messageBase)),
       argc_(argv != nullptr ? argc : 0),
       argv_(argv),
-      params_(vel::create<VelClConsoleUIParams>(VelClArgvCursor(argc, argv).getArgv0())) {
+      params_(vel::create<ConsoleSettings>(VelClArgvCursor(argc, argv).getArgv0())) {
   if (!catalog_.isValid()) catalog_.useStringTable(table, size);
 }
 
 VelClConsoleUI::~VelClConsoleUI() {
-  vel::destroy(params_);
+  vel::destroy(static_cast<ConsoleSettings*>(params_));
 }
 
 const VelClMessageCatalog& VelClConsoleUI::getMessageCatalog() const {
@@ -87,11 +91,11 @@ bool VelClConsoleUI::attachBuiltInTable() {
 void VelClConsoleUI::init(const char* title, const char* description, const char* toolLevel,
                           const char* toolDate) {
   if (!attachBuiltInTable()) {
-    displayTitle(title, description);
+    showTitle(title, description);
     return;
   }
   if (hasBuiltInSwitch(*this, words()[Word::Quiet].getAsCString())) params_->setQuietMode(true);
-  displayTitle(title, description);
+  showTitle(title, description);
   if (hasBuiltInSwitch(*this, words()[Word::Copyright].getAsCString())) displayCopyright(toolLevel, toolDate);
 }
 
@@ -105,7 +109,9 @@ void VelClConsoleUI::init(unsigned long titleId, unsigned long descriptionId, co
 
 void VelClConsoleUI::handleUsageHelp(const char* usage, const char* help) {
   params_->setUsageHelp(usage, help);
+  answerQuestions();
   handleHelpSwitches();
+  checkColorSwitch();
   if (*getUsage() != '\0') checkCommandLine();
 }
 
@@ -133,21 +139,25 @@ void VelClConsoleUI::checkCommandLine() const {
   VelClArgvCheckCursor argument(*this);
   for (bool more = argument.setToFirst(); more; more = argument.setToNext())
     if (!checkArgument(argument)) legal = false;
-  if (!legal) displayUsage(true);
+  if (!legal) exitWithUsage();
 }
 
 bool VelClConsoleUI::checkArgument(const VelClArgvCheckCursor& argument) const {
   const auto faulty = [&](Word fault) {
-    error(std::cerr, words()[fault].getAsCString(), argument.getAsCString());
+    vel::consoleui::reportArgument(*this, words(), fault, argument.getAsCString());
     return false;
   };
   bool legal = true;
+  if (vel::consoleui::isAttachedValue(*this, argument.getAsCString())) return legal;
   // Intentional: -quiet is exempt from this check only, so repeating it is an error. The other built-in
   // switches never get here, because they end the process before.
   if (!argument.isLegal() && !isBuiltInSwitch(argument, words()[Word::Quiet].getAsCString()))
     legal = faulty(Word::UnknownArgument);
-  if (params_->mustDisableTaggedLines() && argument.isTagged()) legal = faulty(Word::ArgumentNotAllowed);
+  if (params_->mustDisableTaggedLines() && !vel::consoleui::isData(*this, argument.getAsCString()) &&
+      argument.isTagged())
+    legal = faulty(Word::ArgumentNotAllowed);
   if (!argument.isSwitch()) return legal;
+  if (legal && vel::consoleui::hasUnwantedValue(*this, argument)) legal = faulty(Word::ArgumentNotAllowed);
   // Only later arguments are compared, so each repetition is reported once per pair.
   VelClArgvCheckCursor later(argument);
   while (later.setToNext())
@@ -157,8 +167,11 @@ bool VelClConsoleUI::checkArgument(const VelClArgvCheckCursor& argument) const {
 
 void VelClConsoleUI::displayTitle(const char* title, const char* description) const {
   if (title == nullptr && description == nullptr) return;
-  std::ostream& stream = getOutputStream();
-  stream << '\n' << getProcessName();
+  const ConsoleSettings& settings = settingsOf(*this);
+  std::ostream& stream = settings.messageStream();
+  stream << '\n'
+         << settings.style(stream, VelEnTextStyle::HEADING) << getProcessName()
+         << settings.style(stream, VelEnTextStyle::PLAIN);
   if (title != nullptr) stream << " - " << title;
   if (description != nullptr) stream << "   " << description;
   stream << '\n';
@@ -183,7 +196,10 @@ void VelClConsoleUI::displayCopyright(const char* toolLevel, const char* toolDat
 
 /// Leaves by std::exit, which runs exit handlers but no destructors of local objects.
 void VelClConsoleUI::processExit(int exitCode) const {
-  if (exitCode != 0) getOutputStream() << '\a';
+  const ConsoleSettings& settings = settingsOf(*this);
+  std::ostream& bell = settings.messageStream();
+  if (exitCode != 0 && (settings.conventions() == nullptr || vel::consoleui::isTerminal(bell))) bell << '\a';
+  bell.flush();
   getOutputStream().flush();
   std::exit(exitCode);
 }

@@ -5,6 +5,7 @@
 #include <iosfwd>
 
 #include "consoleui/console_ui_words.h"
+#include "foundation/allocator.h"
 #include "vel_include/vel_consoleui.h"
 #include "vel_include/vel_helpers.h"
 
@@ -25,6 +26,9 @@ struct NumberText {
   explicit NumberText(long long value) { velI64toa(value, text); }
   explicit NumberText(unsigned long long value) { velW64toa(value, text); }
 };
+
+/// Returns "min.: 1, max.: 9".
+String limitsHint(std::int32_t minimum, std::int32_t maximum, const Words& words);
 
 /// Writes the lines that describe an exception. Unless `verbose` is true only the identifier is written, and
 /// class, severity and action where they are not 0; with it also cause and origin.

@@ -22,12 +22,13 @@ void writeSeparatorLine(std::ostream& stream) {
   stream << '\n';
 }
 
-void writeMessage(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
-                  const MessageTexts& message) {
+void writeMessage(std::ostream& stream, const ConsoleSettings& settings, const char* label,
+                  VelEnTextStyle style, const MessageTexts& message) {
   stream << '\n';
   writeSeparatorLine(stream);
-  stream << params.getProcessName() << ": " << label << ":\n";
-  writeFill(stream, params.getIndentation(), ' ');
+  stream << settings.getProcessName() << ": " << settings.style(stream, style) << label << ':'
+         << settings.style(stream, VelEnTextStyle::PLAIN) << '\n';
+  writeFill(stream, settings.getIndentation(), ' ');
   const char* separator = "  ";
   for (const char* text : message.texts) {
     if (text == nullptr) continue;
@@ -40,40 +41,42 @@ void writeMessage(std::ostream& stream, const VelClConsoleUIParams& params, cons
 
 }  // namespace vel::consoleui
 
+using vel::consoleui::settingsOf;
 using vel::consoleui::Word;
 using vel::consoleui::writeMessage;
 
 void VelClConsoleUI::info(const char* text, const char* text2, const char* text3, const char* text4,
                           const char* text5) const {
   if (mustBeQuiet()) return;
-  writeMessage(getOutputStream(), *params_, words()[Word::Information].getAsCString(),
+  writeMessage(settingsOf(*this).messageStream(), settingsOf(*this),
+               words()[Word::Information].getAsCString(), VelEnTextStyle::HEADING,
                {{text, text2, text3, text4, text5}});
 }
 
 void VelClConsoleUI::warning(const char* text, const char* text2, const char* text3, const char* text4,
                              const char* text5) const {
-  writeMessage(getOutputStream(), *params_, words()[Word::Warning].getAsCString(),
-               {{text, text2, text3, text4, text5}});
+  writeMessage(settingsOf(*this).messageStream(), settingsOf(*this), words()[Word::Warning].getAsCString(),
+               VelEnTextStyle::CAUTION, {{text, text2, text3, text4, text5}});
 }
 
 void VelClConsoleUI::error(std::ostream& stream, const char* text, const char* text2, const char* text3,
                            const char* text4, const char* text5) const {
-  writeMessage(stream, *params_, words()[Word::ErrorOccurred].getAsCString(),
+  writeMessage(stream, settingsOf(*this), words()[Word::ErrorOccurred].getAsCString(), VelEnTextStyle::BAD,
                {{text, text2, text3, text4, text5}});
 }
 
 void VelClConsoleUI::fatal(int exitCode, const char* text, const char* text2, const char* text3,
                            const char* text4, const char* text5) const {
-  writeMessage(params_->getErrorStream(), *params_, words()[Word::FatalErrorOccurred].getAsCString(),
-               {{text, text2, text3, text4, text5}});
+  writeMessage(params_->getErrorStream(), settingsOf(*this), words()[Word::FatalErrorOccurred].getAsCString(),
+               VelEnTextStyle::BAD, {{text, text2, text3, text4, text5}});
   processExit(exitCode);
 }
 
 void VelClConsoleUI::exception(const VelClException& exception, const char* text, const char* text2,
                                const char* text3, const char* text4, const char* text5) const {
   std::ostream& stream = params_->getErrorStream();
-  writeMessage(stream, *params_, words()[Word::ExceptionOccurred].getAsCString(),
-               {{text, text2, text3, text4, text5}});
+  writeMessage(stream, settingsOf(*this), words()[Word::ExceptionOccurred].getAsCString(),
+               VelEnTextStyle::BAD, {{text, text2, text3, text4, text5}});
   vel::consoleui::writeException(stream, *params_, words(), exception, true);
 }
 
@@ -82,10 +85,9 @@ void VelClConsoleUI::exception(const VelClException& exception, const char* text
 void VelClConsoleUI::fatalMissingArg(const char* switchName) const {
   if (*getUsage() == '\0')
     fatalArgument(vel::consoleui::kExitMissingSwitch, static_cast<uint32_t>(Word::MissingSwitch), switchName);
-  writeMessage(std::cerr, *params_, words()[Word::FatalErrorOccurred].getAsCString(),
-               {{words()[Word::MissingSwitch].getAsCString(), switchName}});
+  writeMessage(std::cerr, settingsOf(*this), words()[Word::FatalErrorOccurred].getAsCString(),
+               VelEnTextStyle::BAD, {{words()[Word::MissingSwitch].getAsCString(), switchName}});
   vel::writeFill(std::cerr, params_->getIndentation() + 2, ' ');
   std::cerr << words()[Word::HelpHint] << std::endl;
-  displayUsage(false);
-  exitAfterUsage();
+  exitWithUsage();
 }

@@ -3,7 +3,7 @@
 
 #include <iosfwd>
 
-#include "vel_include/vel_consoleui.h"
+#include "consoleui/console_settings.h"
 
 namespace vel::consoleui {
 
@@ -13,9 +13,9 @@ struct MessageTexts {
 };
 
 /// Writes a separator line, then the process name and the label, then the indented texts with ": " between
-/// them.
-void writeMessage(std::ostream& stream, const VelClConsoleUIParams& params, const char* label,
-                  const MessageTexts& message);
+/// them. The label is shown in the style.
+void writeMessage(std::ostream& stream, const ConsoleSettings& settings, const char* label,
+                  VelEnTextStyle style, const MessageTexts& message);
 
 /// Writes the line that separates one dialogue from the next.
 void writeSeparatorLine(std::ostream& stream);

@@ -16,6 +16,7 @@
 #include "consoleui/console_ui_format.h"
 #include "consoleui/console_ui_messages.h"
 #include "consoleui/console_ui_words.h"
+#include "consoleui/whole_number.h"
 #include "foundation/allocator.h"
 #include "platform/console.h"
 
@@ -53,6 +54,14 @@ class Answer {
   /// Whether it starts with a digit, or with "-" and a digit.
   bool isNumeric() const { return isAsciiDigit(text_[text_[0] == '-' ? 1 : 0]); }
   std::int32_t number() const { return parseInt32(text_); }
+  /// What is wrong with the answer as a number. Strictly, all of it must be one.
+  NumberFault faultAsNumber(NumberLimits limits, bool isStrict) const {
+    std::int32_t ignored = 0;
+    if (isStrict) return parseWholeNumber(text_, limits, ignored);
+    if (!isNumeric()) return NumberFault::NotANumber;
+    return number() < limits.minimum || number() > limits.maximum ? NumberFault::OutOfRange
+                                                                  : NumberFault::None;
+  }
 
   /// Replaces the answer. A longer text is cut.
   void assign(const char* text) { store(text, std::strlen(text)); }
@@ -89,23 +98,32 @@ class Answer {
   char text_[kRoom + 1] = "";
 };
 
-void writeQuestion(const Question& question, const Words& words) {
-  writeSeparatorLine(std::cout);
-  std::cout << ' ' << vel::textOrEmpty(question.text);
-  if (question.hint != nullptr) std::cout << " (" << question.hint << ')';
-  std::cout << ":\n ";
+void writeQuestion(std::ostream& stream, const Question& question, const Words& words) {
+  writeSeparatorLine(stream);
+  stream << ' ' << vel::textOrEmpty(question.text);
+  if (question.hint != nullptr) stream << " (" << question.hint << ')';
+  stream << ":\n ";
   if (question.defaultAnswer != nullptr)
-    std::cout << '(' << words[Word::Default] << ": " << question.defaultAnswer << "): ";
-  std::cout.flush();
+    stream << '(' << words[Word::Default] << ": " << question.defaultAnswer << "): ";
+  stream.flush();
 }
 
 /// Asks and reads the answer. Returns false at the end of input, with the default as the answer.
-bool ask(const Question& question, const Words& words, Answer& answer) {
-  writeQuestion(question, words);
+bool ask(std::ostream& stream, const Question& question, const Words& words, Answer& answer) {
+  writeQuestion(stream, question, words);
   const bool answered = answer.readLine();
   if (answer.isEmpty() && question.defaultAnswer != nullptr) answer.assign(question.defaultAnswer);
   return answered;
 }
+
+/// Asks the user to press a key before the tool goes on.
+void writeInvitation(std::ostream& stream, const VelClMessage& invitation) {
+  stream << ' ' << invitation << std::endl;
+  std::cout.flush();
+  std::cerr.flush();
+}
+
+}  // namespace
 
 String limitsHint(std::int32_t minimum, std::int32_t maximum, const Words& words) {
   String hint = words[Word::Minimum].getAsCString();
@@ -114,24 +132,19 @@ String limitsHint(std::int32_t minimum, std::int32_t maximum, const Words& words
   return hint.append(": ").append(NumberText(static_cast<long long>(maximum)).text);
 }
 
-/// Asks the user to press a key before the tool goes on.
-void writeInvitation(const VelClMessage& invitation) {
-  std::cout << ' ' << invitation << std::endl;
-  std::cerr.flush();
-}
-
-}  // namespace
 }  // namespace vel::consoleui
 
 using vel::consoleui::Answer;
 using vel::consoleui::ask;
+using vel::consoleui::NumberFault;
 using vel::consoleui::NumberText;
 using vel::consoleui::ResolvedText;
+using vel::consoleui::settingsOf;
 using vel::consoleui::Word;
 
 void VelClConsoleUI::prompt(const char* question, const char* hint, const char* defaultAnswer) const {
   Answer answer;
-  ask({question, hint, defaultAnswer}, words(), answer);
+  ask(settingsOf(*this).questionStream(), {question, hint, defaultAnswer}, words(), answer);
   params_->setInput(answer.text());
 }
 
@@ -145,12 +158,15 @@ int32_t VelClConsoleUI::promptNumval(VelClUIText question, int32_t minimum, int3
   const ResolvedText text(question, getMessageCatalog());
   const vel::String hint = vel::consoleui::limitsHint(minimum, maximum, words());
   const NumberText defaultText(static_cast<long long>(defaultValue));
+  std::ostream& stream = settingsOf(*this).questionStream();
+  const bool isStrict = settingsOf(*this).conventions() != nullptr;
   Answer answer;
-  while (ask({text.get(), hint.c_str(), defaultText.text}, words(), answer)) {
-    const bool numeric = answer.isNumeric();
-    if (numeric && answer.number() >= minimum && answer.number() <= maximum) break;
-    error(std::cout, words()[Word::InvalidValue].getAsCString(),
-          words()[numeric ? Word::EnterWithinLimits : Word::EnterNumber].getAsCString());
+  while (ask(stream, {text.get(), hint.c_str(), defaultText.text}, words(), answer)) {
+    const NumberFault fault = answer.faultAsNumber({minimum, maximum}, isStrict);
+    if (fault == NumberFault::None) break;
+    error(stream, words()[Word::InvalidValue].getAsCString(),
+          words()[fault == NumberFault::OutOfRange ? Word::EnterWithinLimits : Word::EnterNumber]
+              .getAsCString());
   }
   params_->setInput(answer.text());
   return answer.number();
@@ -162,11 +178,12 @@ bool VelClConsoleUI::promptYesNo(VelClUIText question, bool defaultAnswer) const
   const char yes = *words()[Word::Yes].getAsCString();
   const char no = *words()[Word::No].getAsCString();
   const char defaultText[] = {defaultAnswer ? yes : no, '\0'};
+  std::ostream& stream = settingsOf(*this).questionStream();
   Answer answer;
   bool answered;
-  while ((answered = ask({text.get(), hint.getAsCString(), defaultText}, words(), answer))) {
+  while ((answered = ask(stream, {text.get(), hint.getAsCString(), defaultText}, words(), answer))) {
     if (answer.firstLetter() == yes || answer.firstLetter() == no) break;
-    error(std::cout, words()[Word::InvalidValue].getAsCString(), words()[Word::PleaseUse].getAsCString(),
+    error(stream, words()[Word::InvalidValue].getAsCString(), words()[Word::PleaseUse].getAsCString(),
           hint.getAsCString());
   }
   params_->setInput(answer.text());
@@ -174,13 +191,13 @@ bool VelClConsoleUI::promptYesNo(VelClUIText question, bool defaultAnswer) const
 }
 
 void VelClConsoleUI::promptForKey() const {
-  vel::consoleui::writeInvitation(words()[Word::PressAnyKey]);
+  vel::consoleui::writeInvitation(settingsOf(*this).questionStream(), words()[Word::PressAnyKey]);
   if (vel::platform::waitForConsoleKey()) return;
   // Standard input is not a terminal: in a pipe or file one character stands for the key.
   vel::consoleui::nextCharacter();
 }
 
 void VelClConsoleUI::promptForEnter() const {
-  vel::consoleui::writeInvitation(words()[Word::PressEnter]);
+  vel::consoleui::writeInvitation(settingsOf(*this).questionStream(), words()[Word::PressEnter]);
   Answer().readLine();
 }

@@ -3,11 +3,16 @@
 // for. A missing or wrong value ends the process, so tools need no error handling for it.
 #include <cstdint>
 #include <iostream>
+#include <limits>
 #include <optional>
+#include <type_traits>
 
 #include "base/ascii.h"
+#include "consoleui/argument_faults.h"
+#include "consoleui/console_ui_format.h"
 #include "consoleui/console_ui_messages.h"
 #include "consoleui/console_ui_words.h"
+#include "consoleui/whole_number.h"
 
 using vel::consoleui::Word;
 
@@ -42,7 +47,8 @@ class SwitchText {
 
 /// Reports on standard error, even if the tool's own messages go elsewhere, and ends the process.
 void VelClConsoleUI::fatalArgument(int exitCode, uint32_t word, const char* switchName) const {
-  vel::consoleui::writeMessage(std::cerr, *params_, words()[Word::FatalErrorOccurred].getAsCString(),
+  vel::consoleui::writeMessage(std::cerr, vel::consoleui::settingsOf(*this),
+                               words()[Word::FatalErrorOccurred].getAsCString(), VelEnTextStyle::BAD,
                                {{words().message(word).getAsCString(), switchName}});
   processExit(exitCode);
 }
@@ -55,10 +61,28 @@ bool VelClConsoleUI::hasArgString(VelClSwitchName name, const char*& value) cons
   const SwitchText text(name, getMessageCatalog());
   VelClArgvCursor argument(*this);
   if (!argument.positionTo(text.get())) return false;
-  if (!argument.setToNext() || argument.isSwitch())
+  const bool isLast = vel::consoleui::isLastSwitch(*this, argument.getAsCString());
+  if (isLast || !argument.setToNext() || argument.isSwitch())
     fatalArgument(vel::consoleui::kExitMissingValue, static_cast<uint32_t>(Word::NoValue), text.get());
   value = argument.getAsCString();
   return true;
+}
+
+/// Ends the process unless the whole text is a number within the limits.
+int32_t VelClConsoleUI::wholeNumber(const char* switchName, const char* digits, int32_t minimum,
+                                    int32_t maximum) const {
+  using vel::consoleui::NumberFault;
+  int32_t value = 0;
+  const NumberFault fault = vel::consoleui::parseWholeNumber(digits, {minimum, maximum}, value);
+  if (fault == NumberFault::None) return value;
+  const bool isNumber = fault == NumberFault::OutOfRange;
+  const vel::String limits = isNumber ? vel::consoleui::limitsHint(minimum, maximum, words()) : vel::String();
+  const VelClMessage message = words()[isNumber ? Word::InvalidValue : Word::NonNumericValue];
+  vel::consoleui::writeMessage(
+      std::cerr, vel::consoleui::settingsOf(*this), words()[Word::FatalErrorOccurred].getAsCString(),
+      VelEnTextStyle::BAD,
+      {{message.getAsCString(), switchName, digits, isNumber ? limits.c_str() : nullptr}});
+  processExit(vel::consoleui::kExitNonNumericValue);
 }
 
 /// Serves all overloads of hasArgNumval and reqArgNumval.
@@ -67,12 +91,21 @@ bool VelClConsoleUI::readNumber(VelClSwitchName name, Number& value) const {
   const SwitchText text(name, getMessageCatalog());
   VelClArgvCursor argument(*this);
   if (!argument.positionTo(text.get())) return false;
-  // Intentional: the next argument is the value even if it looks like a switch, unlike with texts.
-  if (!argument.setToNext())
+  const bool isStrict = vel::consoleui::settingsOf(*this).conventions() != nullptr;
+  // Intentional: without conventions the next argument is the value even if it looks like a switch, unlike
+  // with texts.
+  const bool isLast = vel::consoleui::isLastSwitch(*this, argument.getAsCString());
+  if (isLast || !argument.setToNext() || (isStrict && argument.isSwitch()))
     fatalArgument(vel::consoleui::kExitMissingValue, static_cast<uint32_t>(Word::NoNumericValue), text.get());
   const char* digits = argument.getAsCString();
   // Intentional: one apostrophe before the number is skipped.
   if (*digits == '\'') ++digits;
+  if (isStrict) {
+    // The limits of a long are those of 32 bits on every system.
+    using Limits = std::numeric_limits<std::conditional_t<sizeof(Number) == 2, Number, int32_t>>;
+    value = static_cast<Number>(wholeNumber(text.get(), digits, Limits::min(), Limits::max()));
+    return true;
+  }
   if (!vel::isAsciiDigit(*digits) && *digits != '-')
     fatalArgument(vel::consoleui::kExitNonNumericValue, static_cast<uint32_t>(Word::NonNumericValue),
                   text.get());

@@ -1,10 +1,47 @@
 // Runs tools and compares their output and exit codes with session files.
 #include "platform/test/test.h"
+#include "vel_include/vel_consoleui.h"
 
 namespace {
 
 TEST(ConsoleUI, FollowsTheSession) {
   vel::test::expectSession(VEL_TEST_DATA "test/console_ui.session");
+}
+
+TEST(Conventions, FollowTheSession) {
+  vel::test::expectSession(VEL_TEST_DATA "test/conventions.session");
+}
+
+/// Returns the arguments of a user interface, each with "s" if it is a switch and "f" if not.
+std::string argumentsOf(const VelClConsoleUI& ui) {
+  std::string text;
+  VelClArgvCursor argument(ui);
+  for (bool more = argument.setToFirst(); more; more = argument.setToNext())
+    text += std::string(argument.isSwitch() ? "s" : "f") + argument.getAsCString() + ' ';
+  return text;
+}
+
+TEST(Conventions, HoldForOneUserInterface) {
+  const std::array<const char*, 6> arguments = {"tool", "--a=-b", "-color", "never", "--", "-c"};
+  const auto make = [&] { return std::make_unique<VelClConsoleUI>(6, arguments.data()); };
+  auto first = make(), second = make();
+  const auto plain = make();
+  first->useConventions();
+  second->useConventions();
+  // What a program has that was built with a header without the later choices.
+  VelStConventions early{.colors = false};
+  early.structSize = offsetof(VelStConventions, colors);
+  const auto third = make();
+  third->useConventions(early);
+  const std::string rewritten = "s-a f-b f-c ";
+  for (const auto* ui : {first.get(), second.get(), third.get()}) EXPECT_EQ(argumentsOf(*ui), rewritten);
+  // The marks go with their owner, wherever it is in the list.
+  second.reset();
+  EXPECT_EQ(argumentsOf(*first), rewritten);
+  first.reset();
+  EXPECT_EQ(argumentsOf(*third), rewritten);
+  EXPECT_EQ(argumentsOf(*plain), "s--a=-b s-color fnever s-- s-c ");
+  EXPECT_EQ(third->getArgv()[2], arguments[1] + 4) << "values are not copied";
 }
 
 // Standard input is redirected. platform/posix/console_test.cpp tests prompts on a terminal.

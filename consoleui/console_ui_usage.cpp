@@ -4,12 +4,9 @@
 
 #include "base/usage_text.h"
 #include "consoleui/console_ui_format.h"
-#include "consoleui/console_ui_words.h"
+#include "consoleui/console_ui_usage.h"
 
-using vel::TextKind;
-using vel::consoleui::Word;
-using vel::consoleui::Words;
-
+namespace vel::consoleui {
 namespace {
 
 /// Writes " [-h|-H|-?|-copyright] [-quiet]". The letters and words are those of the catalog.
@@ -21,27 +18,58 @@ void writeBuiltInSwitches(std::ostream& stream, const Words& words) {
   stream << '-' << words[Word::Copyright] << "] [-" << words[Word::Quiet] << ']';
 }
 
+void writeSwitchesOf(std::ostream& stream, const VelStConventions& choices) {
+  stream << " [--help" << (choices.version != nullptr ? "|--version]" : "]");
+  if (choices.colors) stream << " [-color auto|always|never]";
+}
+
 }  // namespace
 
-void VelClConsoleUI::displayUsage(bool exit) const {
-  const VelClMessage heading = words()[Word::Usage];
+void writeUsage(std::ostream& stream, const ConsoleSettings& settings, const Words& words,
+                bool hasSourceOfMessages) {
+  const VelClMessage heading = words[Word::Usage];
   // Further lines begin below the first element: after the heading, ": ", the process name and a blank.
-  const std::size_t indentation =
-      vel::consoleui::widthOf(heading.getAsCString()) + params_->getIndentation() + 3;
-  std::cout << '\n' << heading << ": " << getProcessName();
+  const std::size_t indentation = widthOf(heading.getAsCString()) + settings.getIndentation() + 3;
+  stream << '\n'
+         << settings.style(stream, VelEnTextStyle::HEADING) << heading << ':'
+         << settings.style(stream, VelEnTextStyle::PLAIN) << ' ' << settings.getProcessName();
   // Without a source of messages the names of the built-in switches are unknown.
-  if (catalog_.isValid() || catalog_.hasValidStringTable()) {
-    writeBuiltInSwitches(std::cout, words());
-    std::cout << '\n';
-    vel::writeFill(std::cout, indentation, ' ');
+  if (hasSourceOfMessages) writeBuiltInSwitches(stream, words);
+  const Conventions* const conventions = settings.conventions();
+  if (conventions != nullptr) writeSwitchesOf(stream, conventions->choices());
+  if (hasSourceOfMessages || conventions != nullptr) {
+    stream << '\n';
+    writeFill(stream, indentation, ' ');
   } else {
-    std::cout << ' ';
+    stream << ' ';
   }
-  const bool hide = params_->mustHideTaggedLines() || params_->mustDisableTaggedLines();
-  vel::writeText(std::cout, getUsage(), hide ? TextKind::UsageWithoutTaggedLines : TextKind::Usage,
-                 indentation);
-  std::cout.flush();
+  const bool hide = settings.mustHideTaggedLines() || settings.mustDisableTaggedLines();
+  writeText(stream, settings.getUsage(), hide ? TextKind::UsageWithoutTaggedLines : TextKind::Usage,
+            indentation);
+  stream.flush();
+}
+
+}  // namespace vel::consoleui
+
+using vel::TextKind;
+using vel::consoleui::settingsOf;
+using vel::consoleui::Word;
+
+bool VelClConsoleUI::hasSourceOfMessages() const {
+  return catalog_.isValid() || catalog_.hasValidStringTable();
+}
+
+void VelClConsoleUI::displayUsage(bool exit) const {
+  vel::consoleui::writeUsage(std::cout, settingsOf(*this), words(), hasSourceOfMessages());
   if (exit) exitAfterUsage();
+}
+
+/// Ends the process after a command line with errors.
+void VelClConsoleUI::exitWithUsage() const {
+  std::ostream& stream = settingsOf(*this).refusalStream();
+  vel::consoleui::writeUsage(stream, settingsOf(*this), words(), hasSourceOfMessages());
+  stream << std::endl;
+  processExit(vel::consoleui::kExitUsage);
 }
 
 void VelClConsoleUI::exitAfterUsage() const {

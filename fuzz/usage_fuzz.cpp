@@ -1,6 +1,9 @@
 // Checks any command line against any usage string: the cursors must agree, and every iteration must end. The
 // input is a byte of options, the usage string and the arguments, each NUL-terminated.
 #include "base/usage_text.h"
+#include "consoleui/command_line.h"
+#include "consoleui/edit_distance.h"
+#include "consoleui/switch_names.h"
 #include "fuzz/bytes.h"
 #include "vel_include/vel_consoleui.h"
 
@@ -42,7 +45,7 @@ std::vector<const char*> judge(VelClArgvCheckCursor cursor, const Text& usage) {
   return free;
 }
 
-void requireVisited(VelClArgvFreeCursor cursor, std::vector<const char*> expected) {
+void requireVisited(VelClArgvFreeCursor cursor, const std::vector<const char*>& expected) {
   std::vector<const char*> there, back;
   for (bool more = cursor.setToFirst(); more; more = cursor.setToNext())
     there.push_back(cursor.getAsCString());
@@ -63,6 +66,24 @@ void show(const Text& text, TextKind kind, std::size_t indentation) {
     require(shown.str() == text.view());
 }
 
+/// Rewritten arguments are checked like any others.
+void judgeRewritten(int count, const char* const* argv, const Text& usage) {
+  using namespace vel::consoleui;
+  const CommandLine line(count, argv, {"help", "version", "color"});
+  require({line.count() <= 2 * count, line.arguments()[line.count()] == nullptr});
+  requireVisited({line.count(), line.arguments(), usage},
+                 judge({line.count(), line.arguments(), usage}, usage));
+  const SwitchNames names = switchNamesOf(usage, true);
+  for (int i = 0; i < line.count(); ++i) {
+    const std::string_view name(line.arguments()[i]);
+    require(similarNames(names, name).size() <= 3);
+    const std::string_view completed = completedName(names, name);
+    require(completed.empty() || completed.starts_with(name));
+    for (const std::string_view other : names)
+      require(editDistance(name, other) == editDistance(other, name));
+  }
+}
+
 }  // namespace
 
 void fuzz::run(fuzz::Bytes input) {
@@ -75,6 +96,7 @@ void fuzz::run(fuzz::Bytes input) {
   const char* const* const argv = arguments.data();
   isKnown(usage, "");
   requireVisited({count, argv, usage}, judge({count, argv, usage}, usage));
+  judgeRewritten(count, argv, usage);
   show(usage, TextKind{static_cast<int>(options % 3)}, options / 3 % 20);
   const VelClConsoleUIParams params(count > 0 ? argv[0] : nullptr);
   require({params.getIndentation() <= 25,

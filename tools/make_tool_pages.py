@@ -1,8 +1,11 @@
 #!/usr/bin/env python3
-"""Generates the manual page of a tool and its completion for bash from the tool's usage string and help text.
+"""Generates the manual page of a program and its completions from its usage string and help text.
 
-    make_tool_pages.py --tool NAME --version VERSION --man FILE --completion FILE
-    make_tool_pages.py --tool NAME --version VERSION --check COMMAND...   fails unless the tool answers the same
+    make_tool_pages.py SOURCE [--name NAME] [--man FILE] [--bash FILE] [--zsh FILE] [--fish FILE] [--powershell FILE]
+                       [--value LINE]... [--check COMMAND...] [--program COMMAND...]
+
+SOURCE is --tool NAME --version VERSION for a tool of this library, --texts FILE, or --program COMMAND for a program
+that describes itself. See completions.py for the lines of values. --check fails unless the tool answers the same.
 """
 import argparse
 import pathlib
@@ -10,44 +13,14 @@ import re
 import subprocess
 import sys
 
-from tool_texts import STANDARD_SWITCHES, parse_usage, tool_texts
-
-FILE_VALUES = {"file", "filename", "directory", "path"}
-COMPLETION = """\
-# Completion for the command line of {name}, generated from its usage string.
-_{name}() {{
-  local current=${{COMP_WORDS[COMP_CWORD]}} previous=${{COMP_WORDS[COMP_CWORD - 1]}} names=
-  COMPREPLY=()
-  case $previous in
-    {file_switches}) names=files ;;
-    {value_switches}) return ;;
-  esac
-  if [ -z "$names" ] && [[ $current == -* ]]; then
-    mapfile -t COMPREPLY < <(compgen -W '{switches}' -- "$current")
-  elif [ "${{names:-{otherwise}}}" = files ]; then
-    compopt -o filenames 2>/dev/null
-    mapfile -t COMPREPLY < <(compgen -f -- "$current")
-  fi
-}}
-complete -F _{name} {name}
-"""
-
+from completions import SHELLS, completion, read_values
+from program_texts import described_texts, texts_of_program
+from tool_texts import help_options, help_parts, tool_texts
 
 def roff(text):
     text = text.replace("\\", "\\e").replace("-", "\\-").replace("'", "\\(aq").replace("`", "\\(ga")
+    text = re.sub(r"[^\x00-\x7F]", lambda match: f"\\[u{ord(match[0]):04X}]", text)
     return re.sub(r"^\.", r"\\&.", text, flags=re.MULTILINE)
-
-
-def options(lines):
-    """Returns each option of the help text as a pair: the text before two blanks, and the text after them."""
-    found = []
-    for line in lines:
-        term, _, text = line.partition("  ")
-        if term:
-            found.append([term, text.strip()])
-        else:
-            found[-1][1] += " " + text.strip()
-    return found + [list(pair) for pair in STANDARD_SWITCHES.items()]
 
 
 def table(lines):
@@ -55,37 +28,28 @@ def table(lines):
 
 
 def man_page(texts, version):
-    parts = [part.strip("\n").split("\n") for part in re.split(r"^@[^\n]*$", texts.help, flags=re.MULTILINE)]
-    page = [f'.TH {texts.name.upper()} 1 "" "qamc5032 {version}" "qamc5032"',
+    package = texts.package or f"qamc5032 {version}"
+    page = [f'.TH {roff(texts.name.upper())} 1 "" "{package}" "{texts.manual}"',
             ".SH NAME", f"{texts.name} \\- {roff(texts.title)}",
             ".SH SYNOPSIS", ".nf", f".B {texts.name}", *map(roff, texts.shown_usage()), ".fi"]
     if texts.description:
         page += [".SH DESCRIPTION", roff(texts.description[0].upper() + texts.description[1:] + ".")]
     page.append(".SH OPTIONS")
-    for term, text in options(parts[0]):
+    for term, text in help_options(texts.help) + [list(pair) for pair in texts.standard_switches.items()]:
         page += [".TP", f"\\fB{roff(term)}\\fR", roff(text)]
-    page.append(".SH NOTES")
-    exit_codes = ""
-    for lines in parts[1:]:
+    notes, exit_codes = [], ""
+    for lines in help_parts(texts.help)[1:]:
         if any("  " in line for line in lines):
-            page += table(lines)
+            notes += table(lines)
             continue
         text, _, codes = " ".join(lines).partition("Exit codes: ")
         exit_codes = codes or exit_codes
-        page += [".PP", roff(text.strip())]
+        notes += [".PP", roff(text.strip())] if text.strip() else []
+    if notes:
+        page += [".SH NOTES", *notes]
     if exit_codes:
         page += [".SH EXIT STATUS", roff(exit_codes[0].upper() + exit_codes[1:])]
     return "\n".join(page) + "\n"
-
-
-def completion(texts):
-    usage = parse_usage(texts.usage)
-    files = [name for name, value in usage.switches.items() if value in FILE_VALUES]
-    values = [name for name, value in usage.switches.items() if value and value not in FILE_VALUES]
-    return COMPLETION.format(
-        name=texts.name, file_switches="|".join(files or ["''"]), value_switches="|".join(values or ["''"]),
-        switches=" ".join([*usage.switches, *STANDARD_SWITCHES]),
-        otherwise="files" if FILE_VALUES & set(usage.free) else "nothing")
 
 
 def check(texts, version, command):
@@ -100,20 +64,40 @@ def check(texts, version, command):
             sys.exit(f"{texts.name} {switch} answers\n{answer}\nand not, as read from its sources,\n{text}")
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--tool", required=True)
-    parser.add_argument("--version", required=True)
-    parser.add_argument("--man", type=pathlib.Path)
-    parser.add_argument("--completion", type=pathlib.Path)
+def parsed_arguments():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--tool")
+    parser.add_argument("--version", default="")
+    parser.add_argument("--texts", type=pathlib.Path)
+    parser.add_argument("--name")
+    parser.add_argument("--value", action="append", default=[])
+    for kind in ["man", *SHELLS]:
+        parser.add_argument(f"--{kind}", type=pathlib.Path)
     parser.add_argument("--check", nargs=argparse.REMAINDER)
-    arguments = parser.parse_args()
-    texts = tool_texts(arguments.tool)
+    parser.add_argument("--program", nargs=argparse.REMAINDER)
+    return parser.parse_args()
+
+
+def texts_of(arguments):
+    if arguments.tool:
+        return tool_texts(arguments.tool)
+    if arguments.texts:
+        return described_texts(arguments.texts.read_text(encoding="utf-8"), arguments.texts.name)
+    return texts_of_program(arguments.program)
+
+
+def main():
+    arguments = parsed_arguments()
+    texts = texts_of(arguments)
+    texts.name = arguments.name or texts.name
     if arguments.check:
         check(texts, arguments.version, arguments.check)
-    else:
-        arguments.man.write_text(man_page(texts, arguments.version), encoding="utf-8", newline="\n")
-        arguments.completion.write_text(completion(texts), encoding="utf-8", newline="\n")
+    values = read_values(arguments.value)
+    pages = {arguments.man: lambda: man_page(texts, arguments.version)}
+    pages |= {getattr(arguments, shell): lambda shell=shell: completion(shell, texts, values) for shell in SHELLS}
+    for path, make in pages.items():
+        if path:
+            path.write_text(make(), encoding="utf-8", newline="\n")
 
 
 main()

@@ -8,7 +8,7 @@ from dataclasses import dataclass, field
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 TOKEN = re.compile(r'//[^\n]*|"(?:\\.|[^"\\])*"|\w+|\S')
-ELEMENT = re.compile(r'"[^"]*"|-(?!\d)[A-Za-z0-9.]+|<[^>]*>|[()]')
+ELEMENT = re.compile(r'"[^"]*"|-(?!\d)[^][<>(){}|=\s"]+|<[^>]*>|[()]')
 # Not in any usage string: tools/standard_switches.cpp answers them for every tool.
 STANDARD_SWITCHES = {"--help": "print the help text", "--version": "print the version of the library"}
 
@@ -27,10 +27,32 @@ class Texts:
     description: str
     usage: str
     help: str
+    conventions: bool = False  # whether the program calls useConventions
+    version: str = ""
+    package: str = ""  # the last line of the manual page: package and version, and the name of the manual
+    manual: str = "qamc5032"
+    standard_switches: dict = field(default_factory=lambda: dict(STANDARD_SWITCHES))
 
     def shown_usage(self, tagged=False):
         """Returns the usage as the library shows it, with or without tagged lines."""
         return [re.sub(r'[()"!]', "", line) for line in self.usage.split("\n") if tagged or "!" not in line]
+
+
+def help_parts(help_text):
+    """Returns the lines of each part of a help text; lines that begin with "@" separate the parts."""
+    return [part.strip("\n").split("\n") for part in re.split(r"^@[^\n]*$", help_text, flags=re.MULTILINE)]
+
+
+def help_options(help_text):
+    """Returns each option of the first part as a pair: the text before two blanks, and the text after them."""
+    found = []
+    for line in help_parts(help_text)[0]:
+        term, _, text = line.partition("  ")
+        if term:
+            found.append([term, text.strip()])
+        elif found:
+            found[-1][1] += " " + text.strip()
+    return found
 
 
 def parse_usage(usage):

@@ -4,6 +4,7 @@
 
 #include "vel_codepage.h"
 #include "vel_consoleui.h"
+#include "vel_conventions.h"
 #include "vel_cursor.h"
 #include "vel_environment.h"
 #include "vel_error.h"

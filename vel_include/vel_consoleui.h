@@ -11,6 +11,7 @@
 #if defined(VEL_HAS_CLASSES)
 #include <iosfwd>
 
+#include "vel_conventions.h"
 #include "vel_cursor.h"
 #include "vel_error.h"
 #include "vel_messages.h"
@@ -48,6 +49,9 @@ class VEL_API VelClUsageCursor : public VelClUniDirCursorABase {
   /// Starts the iteration. Nesting depths and marks are not reset, so a second iteration needs a new cursor.
   bool setToFirst() override;
   bool setToNext() override;
+
+  /// Returns the rest of the usage string, from the current element on.
+  const char* getAsCString() const { return position_; }
 
   /// Tell the kind of the current element.
   bool isSwitch() const;
@@ -125,6 +129,8 @@ class VEL_API VelClArgvCursor : public VelClBiDirCursorABase {
  protected:
   /// Returns the argument at an index from 1 on, or null.
   const char* argumentAt(int32_t index) const;
+  /// True if the argument at an index is a switch.
+  bool isSwitchAt(int32_t index) const;
   /// The index of the current argument and the number of arguments, both counted as in `argv`.
   int32_t getIndex() const { return index_; }
   void setIndex(int32_t index) { index_ = index; }
@@ -350,6 +356,35 @@ class VEL_API VelClConsoleUI {
   /// overrides it.
   virtual const VelClMessageCatalog& getMessageCatalog() const;
 
+  /// Switches on what users of today's programs expect. Call it before init. Without this call nothing of it
+  /// holds.
+  /// - `--name value`, `--name=value` and `-name=value` mean the same as `-name value`. A value after "=" may
+  ///   be empty and may begin with "-".
+  /// - After "--" every argument is free, whatever it begins with. "-" alone is an argument, not a switch.
+  /// - `--help` and `--version` print to standard output and end the process with 0. `-h`, `-H`, `-?` and
+  ///   `-copyright` are as ever.
+  /// - An unknown switch is reported with the names that resemble it. A value for a switch that takes none is
+  ///   an error.
+  /// - Title, info and warning go to the error stream, and so do questions and the usage after an error.
+  ///   Standard output only gets what the program writes. In quiet mode there is no title. The bell only
+  ///   rings on terminals.
+  /// - Messages are coloured on terminals, unless NO_COLOR is set to any text or TERM is "dumb". The switch
+  ///   `-color auto|always|never` decides otherwise.
+  /// - Numbers are checked whole: "5x" and numbers beyond the type's range (that of 32 bits for long) end the
+  ///   process with 204. Answers to promptNumval are checked in the same way.
+  /// - If the environment variable VEL_CONSOLEUI_DESCRIBE is set, handleUsageHelp prints title, version,
+  /// usage
+  ///   and help as they were given, for generators of manual pages, and ends the process with 0.
+  ///
+  /// The arguments that getArgc, getArgv and cursors over this object then show are rewritten: `--name=value`
+  /// is the two arguments `-name` and `value`, and "--" and -color are left out. A value points into the
+  /// program's own argument vector; the vector that getArgv returns lives as long as this object.
+  void useConventions(const VelStConventions& conventions = {});
+  /// Returns the control sequence that begins a style on a stream, or PLAIN again. Returns "" where nothing
+  /// is coloured: without useConventions, on streams other than standard output and standard error, and if
+  /// they are not terminals, unless `-color always` is given.
+  const char* style(const std::ostream& stream, VelEnTextStyle style) const;
+
   /// Shows the title and handles -quiet and -copyright. Null texts and message number 0 count as absent;
   /// level and date are shown on the copyright page.
   void init(const char* title, const char* description, const char* toolLevel, const char* toolDate);
@@ -486,13 +521,19 @@ class VEL_API VelClConsoleUI {
  private:
   vel::consoleui::Words words() const;
   bool attachBuiltInTable();
+  bool hasSourceOfMessages() const;
+  void showTitle(const char* title, const char* description);
+  void answerQuestions();
+  void checkColorSwitch() const;
   void handleHelpSwitches() const;
   void checkCommandLine() const;
   [[noreturn]] void exitAfterUsage() const;
+  [[noreturn]] void exitWithUsage() const;
   bool checkArgument(const VelClArgvCheckCursor& argument) const;
   [[noreturn]] void fatalArgument(int exitCode, uint32_t word, const char* switchName) const;
   template <typename Number>
   bool readNumber(VelClSwitchName name, Number& value) const;
+  int32_t wholeNumber(const char* switchName, const char* digits, int32_t minimum, int32_t maximum) const;
   void drawProgress(int32_t percentage, double secondsPassed) const;
 
   VelClMessageCatalog catalog_;

@@ -4,6 +4,8 @@
 //   UI_DIRECTORY                         the current directory to change to
 //   UI_TITLE, UI_DESCRIPTION, UI_LEVEL   for init; numbers with UI_CATALOG
 //   UI_TAGGED                            "hide" or "disable"
+//   UI_CONVENTIONS                       switches conventions on; a text of "v" (version "2.5"), "a"
+//                                        (abbreviations), "n" (no colours) and "t" (set twice)
 //   UI_USAGE, UI_HELP                    for handleUsageHelp; numbers with UI_CATALOG
 //   UI_ACTION, UI_PARAM                  a row of kActions, and its parameter: a switch's name, its one
 //                                        letter as "'x", or its message number as "#10"
@@ -60,6 +62,16 @@ void speak(VelClConsoleUI& ui) {
   std::cout << ui.mustBeQuiet();
 }
 
+/// Shows each argument: s for switches, f for free arguments, and b for values.
+void list(VelClConsoleUI& ui) {
+  VelClArgvCheckCursor argument(ui);
+  for (bool more = argument.setToFirst(); more; more = argument.setToNext())
+    std::cout << (argument.isSwitch() ? 's'
+                  : argument.isFree() ? 'f'
+                                      : 'b')
+              << ' ' << argument.getAsCString() << '\n';
+}
+
 void report(VelClConsoleUI& ui) {
   VelClException exception(FILE_COULD_NOT_COPY, VelEnErrorClass::IO_PROBLEM, VelEnErrorSeverity::NORMAL,
                            VelEnErrorAction::RETRYDELAY, "the disk is full");
@@ -99,12 +111,27 @@ const std::map<std::string, void (*)(VelClConsoleUI& ui)> kActions = {
     {"reqString", [](VelClConsoleUI& ui) { ui.reqArgString(param(), text); }},
     {"numbers", showNumbers},
     {"int", [](VelClConsoleUI& ui) { ui.hasArgNumval(param(), integer); }},
+    {"long",
+     [](VelClConsoleUI& ui) {
+       long value = 0;
+       ui.hasArgNumval(param(), value);
+     }},
     {"reqShort",
      [](VelClConsoleUI& ui) {
        short value = 0;
        ui.reqArgNumval(param(), value);
      }},
     {"reqInt", [](VelClConsoleUI& ui) { ui.reqArgNumval(param(), integer); }},
+    {"list", list},
+    {"style",
+     [](VelClConsoleUI& ui) {
+       std::ostringstream other;
+       std::cout << ui.style(std::cout, VelEnTextStyle::GOOD) << "good"
+                 << ui.style(std::cout, VelEnTextStyle::PLAIN) << ui.style(other, VelEnTextStyle::GOOD)
+                 << ui.style(std::cout, VelEnTextStyle{99}) << '\n';
+     }},
+    {"askNumber", [](VelClConsoleUI& ui) { std::cout << ui.promptNumval("How many", 1, 9, 5) << '\n'; }},
+    {"format", [](VelClConsoleUI& ui) { ui.format("Lines", 3); }},
     {"speak", speak},
     {"report", report},
     {"fatal", [](VelClConsoleUI& ui) { ui.fatal(7, "four", "last"); }},
@@ -119,9 +146,18 @@ const std::map<std::string, void (*)(VelClConsoleUI& ui)> kActions = {
     {"slowProgress", [](VelClConsoleUI& ui) { progress(ui, 350); }},
 };
 
+void useConventions(VelClConsoleUI& ui, const std::string& wanted) {
+  const auto isWanted = [&](char c) { return wanted.find(c) != std::string::npos; };
+  for (int i = isWanted('t') ? 0 : 1; i < 2; ++i)
+    ui.useConventions({.version = isWanted('v') ? "2.5" : nullptr,
+                       .colors = !isWanted('n'),
+                       .abbreviations = isWanted('a')});
+}
+
 /// `words` returns the text of a variable, or its number as that of a message.
 template <typename Words>
 int run(VelClConsoleUI& ui, Words words) {
+  if (variable("UI_CONVENTIONS") != nullptr) useConventions(ui, variable("UI_CONVENTIONS"));
   const char* level = variable("UI_LEVEL");
   ui.init(words("UI_TITLE"), words("UI_DESCRIPTION"), level, level != nullptr ? "Nov 21 2026" : nullptr);
   const std::string tagged = variable("UI_TAGGED") != nullptr ? variable("UI_TAGGED") : "";

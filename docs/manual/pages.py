@@ -68,7 +68,7 @@ class Page:
 
     def source(self, name):
         text = (self.root / name).read_text(encoding="utf-8")
-        language = "cpp" if name.endswith(".cpp") else "c"
+        language = {".cpp": "cpp", ".c": "c"}.get(pathlib.Path(name).suffix, "unparsed")
         return f"```{{.{language}}}\n{text.rstrip()}\n```"
 
     def output(self, argument):

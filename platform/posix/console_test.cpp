@@ -225,4 +225,25 @@ TEST(TerminalOfTools, ShowsNoControlCharactersOfCatalogs) {
   EXPECT_THAT(piped.output, HasSubstr("\t\x1B[J\\nlines\n"));
 }
 
+TEST(Colors, AppearOnTerminalsUnlessTheUserDoesNotWantThem) {
+  const vel::test::Variable conventions("UI_CONVENTIONS", "y"), action("UI_ACTION", "style");
+  const vel::test::Variable terminal("TERM", "xterm"), unwanted("NO_COLOR", nullptr);
+  const std::string colored = "\x1B[32mgood\x1B[0m\r\n", plain = "good\r\n";
+  EXPECT_EQ(Tool("ui_child", {}).finish(), colored);
+  EXPECT_EQ(Tool("ui_child", {"--color=auto"}).finish(), colored);
+  EXPECT_EQ(Tool("ui_child", {"--color=never"}).finish(), plain);
+  unwanted.set("1");
+  EXPECT_EQ(Tool("ui_child", {}).finish(), plain);
+  EXPECT_EQ(Tool("ui_child", {"-color", "always"}).finish(), colored);
+  unwanted.set("");
+  EXPECT_EQ(Tool("ui_child", {}).finish(), colored);
+  terminal.set("dumb");
+  EXPECT_EQ(Tool("ui_child", {}).finish(), plain);
+  // The bell does ring on a terminal.
+  action.set("fatal");
+  Tool failing("ui_child", {});
+  failing.readThrough("last");
+  EXPECT_EQ(failing.readThrough("\a"), "\r\n\a");
+}
+
 }  // namespace

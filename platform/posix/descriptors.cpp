@@ -15,4 +15,8 @@ bool isTerminal(int descriptor) noexcept {
   return isatty(descriptor) == 1;
 }
 
+bool enableTerminalSequences(int descriptor) noexcept {
+  return isTerminal(descriptor);
+}
+
 }  // namespace vel::platform

@@ -29,6 +29,11 @@ class ToleratedParameters {
   _invalid_parameter_handler previous_;
 };
 
+HANDLE handleOf(int descriptor) noexcept {
+  const ToleratedParameters tolerated;
+  return reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
+}
+
 }  // namespace
 
 DescriptorMode setDescriptorMode(int descriptor, DescriptorMode mode) noexcept {
@@ -46,10 +51,17 @@ DescriptorMode setDescriptorMode(int descriptor, DescriptorMode mode) noexcept {
 }
 
 bool isTerminal(int descriptor) noexcept {
-  const ToleratedParameters tolerated;
   // _isatty is also true for the null device and other character devices; only a console has a console mode.
   DWORD mode = 0;
-  return GetConsoleMode(reinterpret_cast<HANDLE>(_get_osfhandle(descriptor)), &mode) != FALSE;
+  return GetConsoleMode(handleOf(descriptor), &mode) != FALSE;
+}
+
+bool enableTerminalSequences(int descriptor) noexcept {
+  const HANDLE console = handleOf(descriptor);
+  DWORD mode = 0;
+  return GetConsoleMode(console, &mode) != FALSE &&
+         SetConsoleMode(console, mode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING) !=
+             FALSE;
 }
 
 }  // namespace vel::platform

@@ -44,6 +44,7 @@ TEST(WindowsSystem, TheNullDeviceIsNotATerminal) {
   const int null = _open("NUL", _O_WRONLY);
   ASSERT_GE(null, 0);
   EXPECT_FALSE(isTerminal(null));
+  EXPECT_FALSE(enableTerminalSequences(null));
   _close(null);
 }
 
