@@ -12,9 +12,12 @@ install(TARGETS qamc5032 EXPORT qamc5032
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qamc5032 COMPONENT development)
+# CMake before version 3.23 ignores the set of headers of an imported target.
+target_include_directories(qamc5032 INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/qamc5032>)
 if(VEL_HAS_CATALOG_TOOLS)
   install(FILES ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/qammsg50.DLL DESTINATION ${catalog_dir} COMPONENT runtime)
 endif()
+# The licence of the code page mappings requires its notice in every copy.
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/THIRD_PARTY_NOTICES.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
 if(WIN32)
@@ -30,17 +33,25 @@ endif()
 install(EXPORT qamc5032 NAMESPACE qamc5032:: DESTINATION ${package_dir} FILE qamc5032Targets.cmake
         COMPONENT development)
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/qamc5032Config.cmake.in
-  ${CMAKE_BINARY_DIR}/qamc5032Config.cmake INSTALL_DESTINATION ${package_dir} PATH_VARS CMAKE_INSTALL_BINDIR)
-write_basic_package_version_file(${CMAKE_BINARY_DIR}/qamc5032ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${CMAKE_BINARY_DIR}/qamc5032Config.cmake ${CMAKE_BINARY_DIR}/qamc5032ConfigVersion.cmake
+  ${PROJECT_BINARY_DIR}/qamc5032Config.cmake INSTALL_DESTINATION ${package_dir} PATH_VARS CMAKE_INSTALL_BINDIR)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/qamc5032ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/qamc5032Config.cmake ${PROJECT_BINARY_DIR}/qamc5032ConfigVersion.cmake
         DESTINATION ${package_dir} COMPONENT development)
 
-# The file is relocatable: all directories are relative to its own location.
+# pkg-config prints the directory where the library is installed, which is known only then. A Windows package is
+# unpacked anywhere, so its directories are relative to the file.
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-file(RELATIVE_PATH prefix_of_pkgconfig ${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir} ${CMAKE_INSTALL_PREFIX})
-string(REGEX REPLACE "/$" "" prefix_of_pkgconfig "${prefix_of_pkgconfig}")
-configure_file(${PROJECT_SOURCE_DIR}/cmake/qamc5032.pc.in ${CMAKE_BINARY_DIR}/qamc5032.pc @ONLY)
-install(FILES ${CMAKE_BINARY_DIR}/qamc5032.pc DESTINATION ${pkgconfig_dir} COMPONENT development)
+if(WIN32)
+  set(find_prefix [[set(prefix "\${pcfiledir}/../..")]])
+else()
+  set(find_prefix [[get_filename_component(prefix "${CMAKE_INSTALL_PREFIX}" ABSOLUTE)]])
+endif()
+set(prefix @prefix@)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/qamc5032.pc.in ${PROJECT_BINARY_DIR}/qamc5032.pc.in @ONLY)
+install(CODE "${find_prefix}
+  configure_file(\"${PROJECT_BINARY_DIR}/qamc5032.pc.in\" \"${PROJECT_BINARY_DIR}/qamc5032.pc\" @ONLY)"
+  COMPONENT development)
+install(FILES ${PROJECT_BINARY_DIR}/qamc5032.pc DESTINATION ${pkgconfig_dir} COMPONENT development)
 
 if(VEL_BUILD_TESTS AND NOT VEL_SANITIZE)
   set(toolchain)
