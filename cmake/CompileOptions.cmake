@@ -44,8 +44,9 @@ function(vel_add_parts name)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
 endfunction()
 
-# The C++ runtime is linked as a shared library, so that exceptions and streams can cross the DLL boundary. On Windows
-# its DLLs must be in the directory of the programs.
+# The C++ runtime is linked as a shared library, so that exceptions and streams can cross the DLL boundary. With a copy
+# of its own in this library, a program that catches one of its exceptions gets -1 from std::uncaught_exceptions()
+# afterwards. On Windows the DLLs of the runtime must be in the directory of the programs.
 if(MINGW)
   # A time stamp would make every build different.
   add_link_options(LINKER:--no-insert-timestamp)

@@ -1,6 +1,7 @@
 # Installs the library. `find_package(qamc5032)` defines the target qamc5032::qamc5032 and qamc5032_RUNTIME_DIR, the
 # directory with the DLLs that Windows programs need in their own directory. pkg-config calls that directory bindir.
-# There are three components: runtime, development and tools. tools/CMakeLists.txt installs the files of the tools.
+# There are four components: runtime, development, tools and documentation. tools/CMakeLists.txt installs the files of
+# the tools, and docs/CMakeLists.txt the manual.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/qamc5032)
@@ -20,10 +21,24 @@ endif()
 # The licence of the code page mappings requires its notice in every copy.
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/THIRD_PARTY_NOTICES.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
+install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
+        DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
+# The examples without their tests, and what demonstrates a build folder.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT documentation
+        PATTERN test EXCLUDE PATTERN examples_test.cpp EXCLUDE PATTERN demonstration EXCLUDE
+        PATTERN consumer_of_sources EXCLUDE REGEX examples/CMakeLists\\.txt$ EXCLUDE)
 if(WIN32)
   install(FILES ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/qamc5032.def ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/qamc5032.lib
           DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
   install(FILES ${VEL_RUNTIME_DLLS} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+  # Most of the C++ runtime is debug information, and CMake strips only targets.
+  install(CODE "
+    if(CMAKE_INSTALL_DO_STRIP)
+      foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+        execute_process(COMMAND \"${CMAKE_STRIP}\" \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/\${dll}\"
+                        COMMAND_ERROR_IS_FATAL ANY)
+      endforeach()
+    endif()" COMPONENT runtime)
   # The notices of the C++ runtime's authors must accompany its DLLs.
   foreach(source gcc-mingw-w64-base mingw-w64-x86-64-dev)
     install(FILES /usr/share/doc/${source}/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME ${source}.txt
