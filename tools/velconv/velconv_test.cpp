@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,9 @@ using vel::test::readFile;
 using vel::test::readTable;
 using vel::test::runTool;
 
+const auto kWarning =
+    testing::Matcher<std::string>(testing::HasSubstr("Most code pages need ICU, which is not installed"));
+
 class VelconvFiles : public testing::Test {
  protected:
   vel::test::ScratchDirectory directory_;
@@ -25,8 +29,8 @@ class VelconvFiles : public testing::Test {
 
 /// The file has the routes with ICU 72. Without ICU there is no other route, except the system for two pages.
 TEST_F(VelconvFiles, ListsEveryCcsidWithItsRoutes) {
-  const auto listed =
-      readTable(directory_.write("list", "headings\n" + runTool("velconv", {"-list"}).output));
+  const auto list = runTool("velconv", {"-list"});
+  const auto listed = readTable(directory_.write("list", "headings\n" + list.output));
   auto expected = readTable(VEL_TEST_DATA "velconv/test/listing.tsv");
   ASSERT_EQ(listed.size(), expected.size());
   const bool hasIcu =
@@ -39,6 +43,10 @@ TEST_F(VelconvFiles, ListsEveryCcsidWithItsRoutes) {
     EXPECT_EQ(listed[i], expected[i]);
   }
   EXPECT_LE(fromSystem, hasIcu ? 1 : 2);
+  // VEL_TEST_ICU, where it is set, tells whether ICU is installed: "there" or "none".
+  const char* const icu = std::getenv("VEL_TEST_ICU");
+  EXPECT_EQ(hasIcu, icu == nullptr ? hasIcu : std::string(icu) != "none");
+  EXPECT_THAT(list.errors, hasIcu ? testing::Not(kWarning) : kWarning);
 }
 
 TEST(Velconv, FollowsTheSession) {
@@ -87,6 +95,7 @@ TEST_F(VelconvFiles, RoundTripsLargeFiles) {
     EXPECT_TRUE(last.output == (hasRoute ? text : ""));
     EXPECT_THAT(last.errors,
                 testing::HasSubstr(hasRoute ? "" : "There is no conversion between these code pages"));
+    EXPECT_TRUE(hasRoute || kWarning.Matches(last.errors)) << last.errors;
     EXPECT_THAT(last.errors, testing::Not(testing::HasSubstr("could not be read")));
   }
 }
