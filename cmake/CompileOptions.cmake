@@ -2,8 +2,11 @@
 
 function(vel_use_project_options target)
   target_compile_options(${target} PRIVATE
-    -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wcast-align -Wformat=2
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wcast-align -Wformat=2
     -Wnull-dereference $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast;-Wnon-virtual-dtor;-Woverloaded-virtual>)
+  if(VEL_WARNINGS_AS_ERRORS)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
   target_compile_definitions(${target} PRIVATE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
   if(VEL_SANITIZE)
     target_compile_definitions(${target} PRIVATE VEL_SANITIZED)
@@ -68,8 +71,9 @@ function(vel_add_parts name)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
 endfunction()
 
-# The C++ runtime is linked as a shared library, so that exceptions and streams can cross the DLL boundary. On Windows
-# its DLLs must be in the directory of the programs.
+# The C++ runtime is linked as a shared library, so that exceptions and streams can cross the DLL boundary. With a copy
+# of its own in this library, a program that catches one of its exceptions gets -1 from std::uncaught_exceptions()
+# afterwards. On Windows the DLLs of the runtime must be in the directory of the programs.
 if(MINGW)
   # A time stamp would make every build different.
   add_link_options(LINKER:--no-insert-timestamp)

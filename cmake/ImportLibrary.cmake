@@ -5,7 +5,7 @@ if(NOT VEL_DLLTOOL)
   message(FATAL_ERROR "llvm-dlltool not found: run ./dev setup")
 endif()
 file(GLOB public_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/vel_include/*.h)
-set(plain_def ${CMAKE_BINARY_DIR}/plain_functions.def)
+set(plain_def ${PROJECT_BINARY_DIR}/plain_functions.def)
 set(plain_lib ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/qamc5032.lib)
 add_custom_command(OUTPUT ${plain_lib}
   COMMAND Python3::Interpreter -B ${PROJECT_SOURCE_DIR}/cmake/public_names.py

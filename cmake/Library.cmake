@@ -2,6 +2,8 @@
 add_library(qamc5032 SHARED)
 add_library(qamc5032::qamc5032 ALIAS qamc5032)
 vel_use_project_options(qamc5032)
+# The headers use C++20, which no compiler of today has as its default.
+target_compile_features(qamc5032 INTERFACE cxx_std_20)
 set_target_properties(qamc5032 PROPERTIES
   LINKER_LANGUAGE CXX
   SOVERSION ${PROJECT_VERSION_MAJOR}
@@ -22,8 +24,8 @@ else()
   set(VEL_DEF_FILE_OPTION)
   target_link_options(qamc5032 PRIVATE LINKER:-Bsymbolic-functions)
 endif()
-if(NOT WIN32 AND NOT VEL_SANITIZE)
-  # Reports undefined symbols now instead of when the first program is linked. With sanitizers some symbols are
-  # defined only in the program.
+if(NOT WIN32 AND NOT VEL_SANITIZE AND PROJECT_IS_TOP_LEVEL)
+  # Reports undefined symbols now instead of when the first program is linked. With sanitizers, which a
+  # project around this one may also use, some symbols are defined only in the program.
   target_link_options(qamc5032 PRIVATE LINKER:--no-undefined)
 endif()

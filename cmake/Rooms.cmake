@@ -78,10 +78,10 @@ function(vel_check_rooms)
   get_property(rooms GLOBAL PROPERTY VEL_ROOMS)
   get_property(sources GLOBAL PROPERTY VEL_ROOM_SOURCES)
   file(GLOB public_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/vel_include/*.h)
-  set(table ${CMAKE_BINARY_DIR}/rooms.tsv)
+  set(table ${PROJECT_BINARY_DIR}/rooms.tsv)
   file(CONFIGURE OUTPUT ${table} CONTENT "${rooms}" @ONLY)
   set(script ${PROJECT_SOURCE_DIR}/cmake/check_rooms.py)
-  set(checked ${CMAKE_BINARY_DIR}/rooms.checked)
+  set(checked ${PROJECT_BINARY_DIR}/rooms.checked)
   add_custom_command(OUTPUT ${checked}
     COMMAND Python3::Interpreter -B ${script} --rooms ${table} --root ${PROJECT_SOURCE_DIR}
     COMMAND ${CMAKE_COMMAND} -E touch ${checked}

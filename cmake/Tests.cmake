@@ -106,3 +106,20 @@ function(vel_add_tests name)
     add_dependencies(${name} ${ARG_DEPENDS})
   endif()
 endfunction()
+
+# vel_add_test_without_icu(NAME): runs the test program NAME once more, as on a system without ICU. With VEL_TEST_ICU=none
+# wine-run hides the ICU that it provides otherwise. Natively the loader finds an empty file for each version of ICU, and
+# does not search further.
+set(VEL_NO_ICU_DIRECTORY ${CMAKE_BINARY_DIR}/no-icu)
+file(MAKE_DIRECTORY ${VEL_NO_ICU_DIRECTORY})
+foreach(version RANGE 32 99)
+  list(APPEND empty_libraries ${VEL_NO_ICU_DIRECTORY}/libicuuc.so.${version})
+endforeach()
+file(TOUCH ${VEL_NO_ICU_DIRECTORY}/libicuuc.so ${empty_libraries})
+
+function(vel_add_test_without_icu name)
+  add_test(NAME ${name}_without_icu COMMAND ${name} WORKING_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+  set_tests_properties(${name}_without_icu PROPERTIES
+    ENVIRONMENT "VEL_TEST_ICU=none;LD_LIBRARY_PATH=${VEL_NO_ICU_DIRECTORY}")
+  vel_limit_test(${name}_without_icu)
+endfunction()

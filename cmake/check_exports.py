@@ -4,7 +4,9 @@ names and virtual function slots that programs were linked with. A removed name,
 breaks these programs.
 
 check_exports.py --headers DIRECTORY --library FILE [--def FILE] --list FILE [--renew]
-                 --nm PROGRAM --objdump PROGRAM --cxxfilt PROGRAM
+                 --nm PROGRAM --objdump PROGRAM --cxxfilt PROGRAM [--symbols FILE --version VERSION]
+
+The file with symbols is that of the Debian package: each exported name with the first version that has it.
 
 Every exported name must be a plain function marked VEL_C_API, or belong to a class or function
 marked VEL_API; and every plain function must be exported under its own name.
@@ -86,6 +88,28 @@ def check_list(arguments, exported):
     return listed == current and bool(tables)
 
 
+def version_of_line(line):
+    name, _, version = line.strip().rpartition(" ")
+    return name.removeprefix('(c++)"').removesuffix('"').removesuffix("@Base"), version
+
+
+def symbol_line(name, version):
+    return f' {name}@Base {version}' if name.isidentifier() else f' (c++)"{name}@Base" {version}'
+
+
+def check_symbols(arguments, exported):
+    """New names get the current version, and the others keep theirs."""
+    lines = arguments.symbols.read_text(encoding="ascii").splitlines()
+    versions = dict(version_of_line(line) for line in lines if line.startswith(" "))
+    current = [line for line in lines if not line.startswith(" ")]
+    current += [symbol_line(name, versions.get(name, arguments.version)) for name in sorted(set(exported))]
+    if arguments.renew:
+        arguments.symbols.write_text("\n".join([*current, ""]), encoding="ascii")
+    elif current != lines:
+        print(RENEW.format(list=arguments.symbols.name))
+    return arguments.renew or current == lines
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--headers", required=True, type=pathlib.Path)
@@ -93,6 +117,8 @@ def main():
     parser.add_argument("--def", dest="definitions", type=pathlib.Path)
     parser.add_argument("--list", required=True, type=pathlib.Path)
     parser.add_argument("--renew", action="store_true")
+    parser.add_argument("--symbols", type=pathlib.Path)
+    parser.add_argument("--version")
     for program in ("nm", "objdump", "cxxfilt"):
         parser.add_argument(f"--{program}", required=True)
     arguments = parser.parse_args()
@@ -103,6 +129,7 @@ def main():
         mangled = names_of_library(arguments.nm, arguments.library)
     exported = [name for name in demangled(arguments.cxxfilt, mangled) if not INTERNAL_TYPE.match(name)]
     agrees = check_declarations(arguments, mangled, exported)
+    agrees = (not arguments.symbols or check_symbols(arguments, exported)) and agrees
     sys.exit(0 if check_list(arguments, exported) and agrees else 1)
 
 

@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Installs a build, moves it to another directory and uses it there as a user would: with CMake, with pkg-config, with
-# the linker of another compiler, on the command line, and with the completion of a shell.
+# the linker of another compiler, on the command line, and with the completion of a shell. Then builds the sources as a
+# part of another project.
 # check_install.sh BUILD_FOLDER EXAMPLES_FOLDER COMPILER EMULATOR|"" CMAKE [CMAKE_ARGUMENT...]
 set -euo pipefail
 build=$1 examples=$2 compiler=$3 emulator=$4 cmake=$5
 shift 5
 work=$build/install-check prefix=$build/install-check/moved share=$build/install-check/moved/share
-own=$(dirname "$(readlink -f "$0")")
+here=$(dirname "$(readlink -f "$0")")
 
 # expect TEXT COMMAND...: fails unless the output of the command contains the text.
 expect() {
@@ -19,22 +20,44 @@ expect() {
 
 run() { if [ -n "$emulator" ]; then "$emulator" "$1.exe" "${@:2}"; else "$@"; fi; }
 
-through_cmake() {
-  "$cmake" -S "$examples/consumer" -B "$work/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" "$@" >/dev/null
-  "$cmake" --build "$work/cmake" >/dev/null
-  "$cmake" --build "$work/cmake" --target run_consumer
+# run_project FOLDER PROJECT [CMAKE_ARGUMENT...]
+run_project() {
+  "$cmake" -S "$examples/$2" -B "$work/$1" -G Ninja "${@:3}" >/dev/null
+  "$cmake" --build "$work/$1" >/dev/null
+  "$cmake" --build "$work/$1" --target run_consumer
 }
+
+through_cmake() { run_project cmake consumer -DCMAKE_PREFIX_PATH="$prefix" "$@"; }
+
+# CMake before version 3.23 has no sets of headers, and skips their commands in the exported files.
+through_old_cmake() {
+  cp -r "$prefix" "$work/old"
+  sed -i '/^if(NOT CMAKE_VERSION VERSION_LESS "3.23.0")$/,/^endif()$/d' "$work/old/lib/cmake/qamc5032/qamc5032Targets.cmake"
+  ! grep -r FILE_SET "$work/old/lib/cmake" || return
+  run_project old-cmake consumer -DCMAKE_PREFIX_PATH="$work/old" "$@"
+}
+
+# sources_through FETCHCONTENT [CMAKE_ARGUMENT...]: both ways use the same folder, so that the library is built once.
+sources_through() {
+  run_project sources consumer_of_sources -DUSE_FETCHCONTENT="$1" -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG= \
+    -DVEL_PRECOMPILE_HEADERS=ON -DCMAKE_PROJECT_consumer_INCLUDE="$here/check_leaks.cmake" "${@:2}"
+}
+
+installed_by_sources() {
+  "$cmake" --install "$work/sources" --prefix "$work/by-sources" >/dev/null
+  echo "<$(ls "$work/by-sources" 2>/dev/null)>"
+}
+
+pkg_config() { PKG_CONFIG_LIBDIR=$1/lib/pkgconfig pkg-config "${@:2}" qamc5032; }
 
 through_pkg_config() {
   local flags
-  PKG_CONFIG_LIBDIR=$(dirname "$(find "$prefix" -name qamc5032.pc)")
-  export PKG_CONFIG_LIBDIR
-  read -ra flags < <(pkg-config --cflags --libs qamc5032)
+  read -ra flags < <(pkg_config "$prefix" --define-prefix --cflags --libs)
   mkdir "$work/pkg-config"
   "$compiler" -std=c++20 "$examples/greet.cpp" "${flags[@]}" -o "$work/pkg-config/greet"
   # Windows finds a DLL in the directory of the program.
-  if [ -n "$emulator" ]; then cp "$(pkg-config --variable=bindir qamc5032)"/*.[dD][lL][lL] "$work/pkg-config"; fi
-  LD_LIBRARY_PATH=$(pkg-config --variable=libdir qamc5032) run "$work/pkg-config/greet" -name pkg-config
+  if [ -n "$emulator" ]; then cp "$(pkg_config "$prefix" --variable=bindir)"/*.[dD][lL][lL] "$work/pkg-config"; fi
+  LD_LIBRARY_PATH=$(pkg_config "$prefix" --define-prefix --variable=libdir) run "$work/pkg-config/greet" -name pkg-config
 }
 
 # Links without a C runtime, because such a compiler uses only the headers and the import library of the installation.
@@ -59,7 +82,7 @@ complete_line() {
 complete_in_fish() {
   HOME=$work fish -N -c "source '$share/fish/vendor_completions.d/${1%% *}.fish'; complete -C '$1'" | cut -f1 | xargs -d '\n'
 }
-complete_in_zsh() { zsh -f "$own/complete.zsh" "$share/zsh/site-functions" "$1" | xargs -d '\n'; }
+complete_in_zsh() { zsh -f "$here/complete.zsh" "$share/zsh/site-functions" "$1" | xargs -d '\n'; }
 
 man_page_warnings() { echo "<$(groff -man -ww -z -Tutf8 "$share"/man/man1/*.1 2>&1)>"; }
 
@@ -69,7 +92,6 @@ completions_of_tools() {
   expect "<>" complete_line velini -section d
   expect "<$prefix/include>" complete_line veldump "$prefix/inc"
   expect "<stop skip replace escape>" complete_line velconv -policy ""
-  [ -z "$emulator" ] || return 0
   printf '[One]\na = 1\n[Two Words]\nbest = 2\n' >"$work/some.ini"
   local PATH=$prefix/bin:$PATH file=$work/some.ini shell
   expect "<Two\\ Words>" complete_line velini -file "$file" -section T
@@ -104,11 +126,21 @@ pages_of_programs() {
 
 rm -rf "$work"
 "$cmake" --install "$build" --prefix "$work/prefix" >/dev/null
+if [ -z "$emulator" ]; then
+  expect "-I$work/prefix/include/qamc5032 -L$work/prefix/lib -lqamc5032" pkg_config "$work/prefix" --cflags --libs
+fi
 mv "$work/prefix" "$prefix"
 expect "Hello, installed!" through_cmake "$@"
+expect "Hello, installed!" through_old_cmake "$@"
 expect "Hello, pkg-config!" through_pkg_config
 expect "1033" run "$prefix/bin/velmsg" -cat qammsg50.DLL -langs
-completions_of_tools
-expect "<>" man_page_warnings
 pages_of_programs
-if [ -n "$emulator" ]; then expect "linked and ran" through_other_linker; fi
+if [ -n "$emulator" ]; then
+  expect "linked and ran" through_other_linker
+else
+  completions_of_tools
+  expect "<>" man_page_warnings
+  expect "Hello, sources!" sources_through OFF "$@"
+  expect "Hello, sources!" sources_through ON "$@"
+  expect "<>" installed_by_sources
+fi

@@ -202,6 +202,8 @@ class VEL_API VelClCCSID {
 ///
 /// UCS-2 may contain surrogate pairs if the other side supports them. It is in host byte order, except for
 /// 65500. No shift state and no partial character is kept between calls.
+/// Without ICU, most code pages are not supported; velGetICUConverter then reports ICU_UNSUPPORTED_ERROR for
+/// any CCSID.
 ///
 /// Conversions report errors through getLastError and do not throw, with two exceptions: when memory runs out
 /// (VelClExceptionFatal), and when ICU returns a status without an error identifier
@@ -210,7 +212,7 @@ class VEL_API VelClConverterABase {
  public:
   /// The routes that a conversion can use.
   enum class VelEnRoute : int32_t {
-    NONE = 0,       ///< not supported
+    NONE = 0,       ///< not supported, or needs ICU, which is not installed
     ALGORITHM = 1,  ///< an algorithm, also between the forms of UCS-2
     TABLE = 2,      ///< a table of the library
     ICU = 3,        ///< ICU, bound at run time

@@ -95,12 +95,13 @@ class VEL_API VelClStrictConversion {
   VelClStrictConversion& operator=(const VelClStrictConversion&) = delete;
   ~VelClStrictConversion();
 
-  /// Return the route of a single conversion; NONE if no route exists.
+  /// Return the route of a single conversion; NONE if no route exists, or if it needs ICU, which is not
+  /// installed.
   static VelEnRoute getRouteToUcs2(const VelClCCSID& source);
   static VelEnRoute getRouteFromUcs2(const VelClCCSID& target);
 
   /// True if there is a route from the source and one to the target, which is also required for equal CCSIDs.
-  /// Without both nothing is ever converted.
+  /// Most code pages need ICU. Without both nothing is ever converted.
   bool isSupported() const { return reader_ != nullptr && writer_ != nullptr; }
 
   // The converters fold if they use a table of the library; here folding depends on the source alone.

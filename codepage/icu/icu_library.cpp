@@ -46,7 +46,7 @@ class Binder {
 
   template <typename Function>
   bool bind(const char* name, Function& function) const {
-    Name full;
+    char full[2 * sizeof(Name)];
     std::snprintf(full, sizeof full, "%s%s", name, suffix_);
     function = reinterpret_cast<Function>(reinterpret_cast<void (*)()>(loader_.find(library_, full)));
     return function != nullptr;

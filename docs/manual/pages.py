@@ -58,8 +58,9 @@ class Page:
         return re.sub(r"\{\{([a-z-]+)(?: ([^}]*))?\}\}", self.fill, text)
 
     def check_names(self, text):
-        """Stops at a name that no header has: Doxygen links the names that it knows and does not report others."""
-        headers = "".join(path.read_text(encoding="utf-8") for path in (self.root / "vel_include").glob("*.h"))
+        """Stops at a name that no header and no option has: Doxygen links the names that it knows and does not report others."""
+        files = [*(self.root / "vel_include").glob("*.h"), self.root / "CMakeLists.txt"]
+        headers = "".join(path.read_text(encoding="utf-8") for path in files)
         known = set(re.findall(r"\w+", headers))
         for name in re.findall(r"\b_?(?:Vel|vel)[A-Z][\w:]*\w\b(?!\.\.\.)|\bVEL_[A-Z_]+\b", text):
             for part in re.split("::", name):

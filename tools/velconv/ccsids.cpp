@@ -24,7 +24,9 @@ constexpr const char* nameOf(VelClConverterABase::VelEnRoute route) {
 std::string propertiesOf(const VelClCCSID& ccsid) {
   std::string properties;
   const auto add = [&properties](bool has, const char* name) {
-    if (has) properties += (properties.empty() ? "" : " ") + std::string(name);
+    if (!has) return;
+    if (!properties.empty()) properties += ' ';
+    properties += name;
   };
   add(ccsid.isASCII(), "ASCII");
   add(ccsid.isEBCDIC(), "EBCDIC");

@@ -15,6 +15,7 @@ enum TextId : unsigned long {
   kUnknownPolicy,
   kListAlone,
   kNoWay,
+  kNeedsIcu,
   kNotOpened,
   kNotRead,
   kNotWritten,
@@ -33,7 +34,7 @@ inline constexpr const char* kUsageText =
     "[-count] [-foldnel] [-list] [<file> ...]";
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 20",
+    "[VEL_MSGTAB_SIGNATURE] 21",
     "[VELCONV]",
     "Code page conversion",
     "converts text between code pages and loses nothing silently",
@@ -52,7 +53,8 @@ inline constexpr const char* kTexts[] = {
     "-count            report the number of bytes and faults of each file\n"
     "-foldnel          convert next lines (U+0085) of EBCDIC code pages to line feeds\n"
     "-list             list all CCSIDs: number, name, properties, and the routes to and from\n"
-    "                  Unicode (table, algorithm, icu, system or none)\n"
+    "                  Unicode (table, algorithm, icu, system or none). If ICU, which most code\n"
+    "                  pages need, is not installed, a warning says so\n"
     "<file> ...        files to convert, one after the other; - is standard input, which is\n"
     "                  also the default\n"
     "@\n"
@@ -69,6 +71,7 @@ inline constexpr const char* kTexts[] = {
     "The policy must be stop, skip, replace or escape",
     "-list cannot be combined with other arguments",
     "There is no conversion between these code pages",
+    "Most code pages need ICU, which is not installed",
     "The file could not be opened",
     "The file could not be read to its end",
     "The output could not be written",

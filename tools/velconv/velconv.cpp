@@ -46,6 +46,7 @@ class Tool : public vel::tools::CatalogTool {
 
  private:
   int list() const;
+  void warnWithoutIcu() const;
   void readSwitches();
   VelClCCSID ccsidOf(const char* switchName) const;
   Conversion::VelEnPolicy policy() const;
@@ -70,7 +71,19 @@ int Tool::run() {
   begin();
   if (hasArgSwitch("list")) return list();
   readSwitches();
-  return conversion_->isSupported() ? convertAll() : fail(kNoWay);
+  if (conversion_->isSupported()) return convertAll();
+  report(kNoWay);
+  warnWithoutIcu();
+  return kExitFailed;
+}
+
+/// Without ICU, code pages that most users expect have no conversion. The warning goes to standard error.
+void Tool::warnWithoutIcu() const {
+  constexpr unsigned int kCcsidThatEveryIcuHas = 819;
+  _VelStError error{};
+  const void* const converter = velGetICUConverter(kCcsidThatEveryIcuHas, error);
+  velDeleteICUConverter(converter);
+  if (converter == nullptr && error.errorId == ICU_UNSUPPORTED_ERROR) warning(text(kNeedsIcu).c_str());
 }
 
 int Tool::list() const {
@@ -79,6 +92,7 @@ int Tool::list() const {
   if (!freeArguments().empty()) refuse(kListAlone);
   listCcsids(std::cout);
   std::cout.flush();
+  warnWithoutIcu();
   return std::cout.good() ? 0 : fail(kNotWritten);
 }
 

@@ -1,0 +1,40 @@
+# Fails if a project that this one is a part of gets other settings, tests or global options from it. CMake includes this
+# file after that project's own project(): -DCMAKE_PROJECT_<name>_INCLUDE=<this file>.
+set(VEL_WATCHED_PROPERTIES COMPILE_DEFINITIONS COMPILE_OPTIONS INCLUDE_DIRECTORIES LINK_OPTIONS TESTS)
+
+# Stores the settings of this directory in the property VEL_SETTINGS_<when>: variables and properties with their values.
+macro(vel_store_settings when)
+  get_cmake_property(variables VARIABLES)
+  # The parent's own setting, and what CMake sets in every include or call.
+  list(FILTER variables INCLUDE REGEX "^(CMAKE_|BUILD_)")
+  list(FILTER variables EXCLUDE REGEX "^CMAKE_(RUNTIME_OUTPUT_DIRECTORY$|CURRENT_|PARENT_|PROJECT_)")
+  set(settings)
+  foreach(variable IN LISTS variables)
+    string(APPEND settings "${variable}=${${variable}}\n")
+  endforeach()
+  foreach(property IN LISTS VEL_WATCHED_PROPERTIES)
+    get_directory_property(value ${property})
+    string(APPEND settings "${property}=${value}\n")
+  endforeach()
+  get_directory_property(parts SUBDIRECTORIES)
+  foreach(part IN LISTS parts)
+    get_directory_property(tests DIRECTORY ${part} TESTS)
+    string(APPEND settings "${tests}")
+  endforeach()
+  set_property(GLOBAL PROPERTY VEL_SETTINGS_${when} "${settings}")
+endmacro()
+
+macro(vel_compare_settings)
+  vel_store_settings(AFTER)
+  get_property(before GLOBAL PROPERTY VEL_SETTINGS_BEFORE)
+  get_property(after GLOBAL PROPERTY VEL_SETTINGS_AFTER)
+  if(NOT before STREQUAL after)
+    file(WRITE ${CMAKE_BINARY_DIR}/settings.before "${before}")
+    file(WRITE ${CMAKE_BINARY_DIR}/settings.after "${after}")
+    execute_process(COMMAND diff ${CMAKE_BINARY_DIR}/settings.before ${CMAKE_BINARY_DIR}/settings.after)
+    message(FATAL_ERROR "the settings of the project around this one changed")
+  endif()
+endmacro()
+
+vel_store_settings(BEFORE)
+cmake_language(DEFER CALL vel_compare_settings)
