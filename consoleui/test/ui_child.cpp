@@ -45,6 +45,12 @@ void showString(VelClConsoleUI& ui) {
   if (again != value || found != ui.hasArgSwitch(param())) std::cout << "contradiction\n";
 }
 
+template <typename Number>
+void requireNumber(VelClConsoleUI& ui) {
+  Number value = 0;
+  ui.reqArgNumval(param(), value);
+}
+
 void showNumbers(VelClConsoleUI& ui) {
   short shortest = 77;
   int middle = 77;
@@ -116,12 +122,9 @@ const std::map<std::string, void (*)(VelClConsoleUI& ui)> kActions = {
        long value = 0;
        ui.hasArgNumval(param(), value);
      }},
-    {"reqShort",
-     [](VelClConsoleUI& ui) {
-       short value = 0;
-       ui.reqArgNumval(param(), value);
-     }},
-    {"reqInt", [](VelClConsoleUI& ui) { ui.reqArgNumval(param(), integer); }},
+    {"reqShort", requireNumber<short>},
+    {"reqInt", requireNumber<int>},
+    {"reqLong", requireNumber<long>},
     {"list", list},
     {"style",
      [](VelClConsoleUI& ui) {
