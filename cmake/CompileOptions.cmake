@@ -34,7 +34,7 @@ if(MINGW)
 endif()
 
 # Standard headers take half of the time that a source of the library takes to compile. With VEL_PRECOMPILE_HEADERS they
-# are compiled once. The preset "linux" does without it, so that a source that lacks an #include does not compile.
+# are compiled once. The test "installed_package" does without it, so that a source that lacks an #include fails.
 option(VEL_PRECOMPILE_HEADERS "Compile the standard headers once" OFF)
 
 # vel_add_precompiled_headers(NAME <headers>...): the object library NAME compiles these headers. Targets with the same
