@@ -10,18 +10,19 @@ set_target_properties(qamc5032 PROPERTIES
   VERSION ${PROJECT_VERSION}
   VERIFY_INTERFACE_HEADER_SETS ON)
 
-# VEL_SYSTEM selects the list of exported names, vel_include/exported_names/<system>.txt. VEL_DEF_FILE_OPTION is an
-# argument for its check: on Windows the names are in a module-definition file.
+# VEL_SYSTEM selects the list of exported names, vel_include/exported_names/<system>.txt. VEL_EXPORTS_OPTIONS are
+# arguments for its check: on Windows the names are in a module-definition file, and on Linux the Debian package has a
+# list of its own.
 if(WIN32)
   set(VEL_SYSTEM windows)
   include(cmake/ImportLibrary.cmake)
   set(def_file ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/qamc5032.def)
-  set(VEL_DEF_FILE_OPTION --def ${def_file})
+  set(VEL_EXPORTS_OPTIONS --def ${def_file})
   set_target_properties(qamc5032 PROPERTIES PREFIX "")
   target_link_options(qamc5032 PRIVATE LINKER:--output-def,${def_file})
 else()
   set(VEL_SYSTEM linux)
-  set(VEL_DEF_FILE_OPTION)
+  set(VEL_EXPORTS_OPTIONS --symbols ${PROJECT_SOURCE_DIR}/debian/libqamc5032-5.symbols --version ${PROJECT_VERSION})
   target_link_options(qamc5032 PRIVATE LINKER:-Bsymbolic-functions)
 endif()
 if(NOT WIN32 AND NOT VEL_SANITIZE AND PROJECT_IS_TOP_LEVEL)

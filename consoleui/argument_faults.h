@@ -11,7 +11,7 @@ namespace vel::consoleui {
 ///
 /// Whether the argument is the value after a "=". It is checked together with its switch.
 bool isAttachedValue(const VelClConsoleUI& ui, const char* argument);
-/// Whether the argument is no switch, whatever it begins with.
+/// Whether the argument is not a switch, even if it begins with "-".
 bool isData(const VelClConsoleUI& ui, const char* argument);
 /// Whether the switch has a value after a "=" but takes none.
 bool hasUnwantedValue(const VelClConsoleUI& ui, const VelClArgvCheckCursor& argument);

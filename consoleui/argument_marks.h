@@ -1,6 +1,6 @@
 // Marks arguments that are data although they begin with "-". The cursors over a command line hold nothing
 // but the vector and an index, and their layout is fixed, so the marks are found by the address of the
-// vector. Only rewritten command lines have marks; while there is none, asking costs one load.
+// vector. Only rewritten command lines have marks. Without them the query costs one load.
 #pragma once
 
 #include <cstdint>

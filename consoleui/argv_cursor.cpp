@@ -63,7 +63,7 @@ const char* VelClArgvCursor::getArgv0() const {
   return count_ > 0 && arguments_[0] != nullptr ? arguments_[0] : "";
 }
 
-/// An argument that is marked as data is no switch, whatever it begins with.
+/// An argument that is marked as data is not a switch, even if it begins with "-".
 bool VelClArgvCursor::isSwitchAt(int32_t index) const {
   return VelClUsageCursor::isSwitchIndicator(argumentAt(index)) &&
          !vel::consoleui::ArgumentMarks::isData(arguments_, index);

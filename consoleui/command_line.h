@@ -23,7 +23,7 @@ struct BuiltInSwitches {
 /// Where a rewritten argument comes from.
 struct ArgumentOrigin {
   const char* typed;  ///< the argument as the user typed it, with name and value in one
-  bool isData;        ///< whether it is no switch, whatever it begins with
+  bool isData;        ///< whether it is not a switch, even if it begins with "-"
   bool isAttached;    ///< whether it is the value after a "="
 };
 
@@ -42,7 +42,7 @@ class CommandLine {
   const ArgumentOrigin* originOf(const char* argument) const;
   /// Whether the argument has a value after a "=".
   bool hasAttachedValue(const char* argument) const;
-  /// The last argument before "--", or null if there is no "--".
+  /// The last argument before "--"; null without "--".
   const char* lastBeforeEnd() const { return lastBeforeEnd_; }
 
   /// Whether the switch is given. It stays in the command line, with both of its dashes.
