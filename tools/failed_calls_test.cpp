@@ -1,6 +1,7 @@
 // Every call by which a program opens, reads, writes, stores, closes or renames a file or changes its rights
 // fails once, and so does every allocation of a tool. The program must report the failure by its exit code,
-// or have done its work nevertheless; after a failure the file that it replaces is the old one.
+// or have done its work nevertheless; after a failure the file that it replaces is the old one. Every write
+// is short once, which must not matter.
 #include "platform/test/posix/processes.h"
 #include "platform/test/test.h"
 
@@ -34,6 +35,18 @@ std::vector<std::string> argumentsOf(const Row& row, const Directory& directory)
   return arguments;
 }
 
+/// Returns how many of the numbers 0, 1, 2, ... the trace contains one after the other.
+std::uint32_t entriesInOrder(std::string_view trace) {
+  std::uint32_t number = 0;
+  char bytes[sizeof number] = {};
+  for (auto at = trace.find({bytes, sizeof bytes}); at != trace.npos;
+       at = trace.find({bytes, sizeof bytes}, at)) {
+    ++number;
+    std::memcpy(bytes, &number, sizeof bytes);
+  }
+  return number;
+}
+
 Outcome run(const Row& row, int failingCall, const vel::test::Variables& more = {}) {
   const Directory directory;
   // The sanitizer cannot look for leaks in a process that is watched already.
@@ -48,7 +61,8 @@ Outcome run(const Row& row, int failingCall, const vel::test::Variables& more = 
   std::string written = vel::test::readFile(directory.path(row[2]));
   if (row[2] == "-" && child.exitCode == 0) written = child.output;
   // The times in a trace differ between runs.
-  if (row[0] == "trace_writer") written = std::to_string(written.size());
+  if (row[0] == "trace_writer")
+    written = std::to_string(written.size()) + ' ' + std::to_string(entriesInOrder(written));
   return {child, written, directory.entries()};
 }
 
@@ -75,10 +89,21 @@ void expectSuccessOrOldFiles(const Row& row, const Outcome& outcome, const Outco
   EXPECT_NE(child.errors, "");
 }
 
+void shortenEachWrite(const Row& row, const Outcome& whole) {
+  for (int number = 1;; ++number) {
+    const Outcome outcome = run(row, -number);
+    if (outcome.child.failedCall.empty()) return;
+    SCOPED_TRACE(row[0] + ' ' + row[1] + ": write " + std::to_string(number));
+    EXPECT_EQ(outcome.child.exitCode, 0) << outcome.child.errors;
+    EXPECT_EQ(outcome.written, whole.written);
+  }
+}
+
 /// Returns the names of the calls that failed.
 std::string failEach(const Row& row) {
   const Outcome whole = run(row, 0);
   EXPECT_EQ(whole.child.exitCode, 0);
+  shortenEachWrite(row, whole);
   std::string names;
   for (int number = 1;; ++number) {
     const Outcome outcome = run(row, number);

@@ -49,15 +49,12 @@ bool velMatchesWildcardPattern(const char* pattern, const char* text, bool caseS
   const char* afterStar = nullptr;
   const char* starText = nullptr;
   while (*text != '\0') {
-    if (*pattern == *text && *pattern != '*') {
-      ++pattern;
-      ++text;
-    } else if (*pattern == '*') {
+    if (*pattern == '*') {
       afterStar = ++pattern;
       starText = text;
       if (*pattern == '\0') return true;
       if (std::strchr(pattern, '*') == nullptr) return matchesAtEnd(pattern, text, caseSensitive);
-    } else if (*pattern != '\0' && matchesOneByte(*pattern, *text, caseSensitive)) {
+    } else if (*pattern == *text || (*pattern != '\0' && matchesOneByte(*pattern, *text, caseSensitive))) {
       ++pattern;
       ++text;
     } else if (afterStar != nullptr) {

@@ -36,12 +36,12 @@ void runPlan(ChildPlan plan, ChildResult& result) {
     int stream = 0;
     for (const std::string& path : plan.streams)
       dup2(open(path.c_str(), O_RDWR | O_APPEND | O_CLOEXEC), stream++);
-    if (plan.failingCall > 0) ptrace(PTRACE_TRACEME);
+    if (plan.failingCall != 0) ptrace(PTRACE_TRACEME);
     execve(arguments[0], arguments.data(), variables.data());
     _exit(kExitCodeWithoutProgram);
   }
   int status = 0;
-  if (plan.failingCall > 0) {
+  if (plan.failingCall != 0) {
     status = waitFailingCall(child, plan.failingCall, plan.failingReads, result.failedCall);
   } else {
     if (!endsWithin(static_cast<unsigned int>(child), kTimeLimitMs)) kill(child, SIGKILL);

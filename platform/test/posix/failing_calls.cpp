@@ -4,12 +4,14 @@
 #include <fcntl.h>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
+#include <sys/uio.h>
 #include <sys/user.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstddef>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -64,6 +66,41 @@ class CallWatch {
   std::set<std::uint64_t> descriptors_{STDOUT_FILENO};
 };
 
+/// Halves what a write is asked to write. The caller of the system call relies on its registers and memory,
+/// so they are put back afterwards.
+class ShortWrite {
+ public:
+  /// Returns false for a write of less than two bytes.
+  bool begin(pid_t child, std::uint64_t number, const std::uint64_t* arguments) {
+    child_ = child;
+    count_ = arguments[2];
+    const bool isVector = number == SYS_writev;
+    length_ = isVector ? arguments[1] + offsetof(iovec, iov_len) : 0;
+    size_ = isVector ? ptrace(PTRACE_PEEKDATA, child_, length_, nullptr) : static_cast<long>(count_);
+    if (size_ < 2) return false;
+    if (isVector) ptrace(PTRACE_POKEDATA, child_, length_, size_ / 2);
+    setCount(isVector ? 1 : count_ / 2);
+    return true;
+  }
+  void end() {
+    setCount(count_);
+    if (length_ != 0) ptrace(PTRACE_POKEDATA, child_, length_, size_);
+  }
+
+ private:
+  void setCount(std::uint64_t count) { ptrace(PTRACE_POKEUSER, child_, offsetof(user, regs.rdx), count); }
+
+  pid_t child_ = 0;
+  std::uint64_t count_ = 0, length_ = 0;  ///< the third argument, and the address of a vector's first length
+  long size_ = 0;
+};
+
+/// The kernel rejects the number -1, so the call is not made.
+void replaceCall(pid_t child, bool isEntry) {
+  ptrace(PTRACE_POKEUSER, child, isEntry ? offsetof(user, regs.orig_rax) : offsetof(user, regs.rax),
+         isEntry ? -1L : -long{EIO});
+}
+
 }  // namespace
 
 int waitFailingCall(pid_t child, int number, const std::string& directory, std::string& name) {
@@ -71,6 +108,9 @@ int waitFailingCall(pid_t child, int number, const std::string& directory, std::
   waitpid(child, &status, 0);
   ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
   CallWatch watch(child, directory);
+  ShortWrite shortWrite;
+  const bool isShort = number < 0;
+  int remaining = std::abs(number);
   bool fails = false;
   for (int signal = 0; ptrace(PTRACE_SYSCALL, child, nullptr, signal) == 0;) {
     waitpid(child, &status, 0);
@@ -82,15 +122,15 @@ int waitFailingCall(pid_t child, int number, const std::string& directory, std::
     const bool isEntry = call.op == PTRACE_SYSCALL_INFO_ENTRY;
     if (isEntry) {
       const std::string begun = watch.begin(call.entry.nr, call.entry.args);
-      fails = !begun.empty() && --number == 0;
+      const bool counts = isShort ? begun == "write" : !begun.empty();
+      fails = counts && --remaining <= 0 && name.empty() &&
+              (!isShort || shortWrite.begin(child, call.entry.nr, call.entry.args));
       if (fails) name = begun;
     } else {
-      watch.end(fails ? -EIO : call.exit.rval);
+      watch.end(fails && !isShort ? -EIO : call.exit.rval);
+      if (fails && isShort) shortWrite.end();
     }
-    // The kernel rejects the number -1, so the call is not made.
-    if (fails)
-      ptrace(PTRACE_POKEUSER, child, isEntry ? offsetof(user, regs.orig_rax) : offsetof(user, regs.rax),
-             isEntry ? -1L : -long{EIO});
+    if (fails && !isShort) replaceCall(child, isEntry);
   }
   return status;
 }

@@ -1,4 +1,4 @@
-// Makes one system call of a child fail.
+// Makes one system call of a child fail, or write less than it was asked to.
 #pragma once
 
 #include <sys/types.h>
@@ -10,7 +10,9 @@ namespace vel::test {
 /// Waits for the end of a child that asked to be traced, and returns its wait status. Counts, from 1, the
 /// calls that open files for writing, write, sync, close or rename them, change their owner or permissions,
 /// or read one in `directory` (unless that is ""). The call of this number is not made and fails with EIO;
-/// `name` is set to its name, or "" if there are fewer. On processors other than x86-64 no call fails.
+/// `name` is set to its name, or "" if there are fewer. A negative number counts writes only, and this one,
+/// or the next of at least two bytes, writes only its first half. On processors other than x86-64 no call
+/// fails.
 int waitFailingCall(pid_t child, int number, const std::string& directory, std::string& name);
 
 }  // namespace vel::test
