@@ -32,10 +32,15 @@ target_link_libraries(test_headers PRIVATE gmock)
 target_include_directories(test_headers PRIVATE ${PROJECT_SOURCE_DIR})
 vel_use_test_compiler_options(test_headers)
 
-# vel_use_test_options(NAME): the same for what links GoogleTest.
+# vel_use_test_options(NAME): the same for what links GoogleTest. Joining a few files to one compilation halves its time,
+# because all of them use the same templates. With sanitizers each is compiled alone: that shows missing includes, and
+# clang-tidy reads the compile commands of single files.
 function(vel_use_test_options target)
   vel_use_test_compiler_options(${target})
   target_precompile_headers(${target} REUSE_FROM test_headers)
+  if(NOT VEL_SANITIZE)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 4)
+  endif()
 endfunction()
 
 if(CMAKE_CROSSCOMPILING)

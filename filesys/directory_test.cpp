@@ -11,7 +11,6 @@ using enum VelEnErrorClass;
 using testing::Each;
 using namespace vel::test;
 
-constexpr size_t kLimit = VEL_MAX_PATH_LENGTH;
 constexpr char kFailed[] = "(failed)";
 
 const LastError kNotExpanded(DIRECTORY_EXPANSION_FAILED, IO_INVALID_NAME);
@@ -20,8 +19,8 @@ const LastError kNotCreated(DIRECTORY_COULD_NOT_CREATE, IO_NOT_EXISTENT);
 const LastError kNotRemoved(DIRECTORY_COULD_NOT_REMOVE, IO_INVALID_NAME);
 
 std::string expanded(const std::string& path) {
-  char buffer[kLimit + 1];
-  buffer[path.copy(buffer, kLimit)] = '\0';
+  char buffer[VEL_MAX_PATH_LENGTH + 1];
+  buffer[path.copy(buffer, VEL_MAX_PATH_LENGTH)] = '\0';
   if (VelClFileABase::expandRelativePath(buffer)) return buffer;
   EXPECT_STREQ("", buffer) << path;
   return kFailed;
@@ -38,7 +37,7 @@ TEST(RelativePath, IncludesAbsolutePathsThatNeedExpansion) {
 TEST(RelativePath, IsExpandedIfTheResultFits) {
   const vel::test::CurrentDirectory inRoot(fs::current_path().root_path());
   const std::string root = vel::test::backSlashed(fs::current_path().string()),
-                    full = "\\\\s\\" + std::string(kLimit - 5, 'x');
+                    full = "\\\\s\\" + std::string(VEL_MAX_PATH_LENGTH - 5, 'x');
   const std::pair<std::string, std::string> rows[] = {
       {full, full + "\\"},        {full + "x", kFailed},
       {"..\\", kFailed},          {"", root},
@@ -48,7 +47,7 @@ TEST(RelativePath, IsExpandedIfTheResultFits) {
 }
 
 TEST(Directory, NameIsAbsoluteAndNormalized) {
-  const std::string longest = "C:\\" + std::string(kLimit - 4, 'x');
+  const std::string longest = "C:\\" + std::string(VEL_MAX_PATH_LENGTH - 4, 'x');
   auto rows = readTable(VEL_TEST_DATA "test/directory_names.tsv");
   for (const std::string& name : {longest, longest + "\\"}) rows.push_back({name, longest + "\\", "1"});
   for (const auto& row : rows) {
@@ -62,8 +61,9 @@ TEST(Directory, NameIsAbsoluteAndNormalized) {
 
 // A name that was cut to the limit could be that of another directory.
 TEST(Directory, WithoutAnAbsoluteNameFailsInEveryOperation) {
-  for (const std::string& name : {std::string("C:\\a\\..\\..\\"), "C:\\" + std::string(kLimit - 3, 'x'),
-                                  "C:\\" + std::string(100, 'x') + "\\..\\" + std::string(160, 'y')}) {
+  for (const std::string& name :
+       {std::string("C:\\a\\..\\..\\"), "C:\\" + std::string(VEL_MAX_PATH_LENGTH - 3, 'x'),
+        "C:\\" + std::string(100, 'x') + "\\..\\" + std::string(160, 'y')}) {
     VelClDirectory directory(name.c_str());
     EXPECT_STREQ("", directory);
     EXPECT_EQ(kNotExpanded, lastError(directory)) << name;
@@ -97,7 +97,7 @@ TEST(Directory, AttachesAndDetachesSubDirectories) {
   VelClDirectory doubled("C:/a/");
   EXPECT_TRUE(doubled.detachLastSubDir());
   EXPECT_STREQ("C:\\a\\", doubled);
-  const std::string name = "C:\\" + std::string(kLimit - 6, 'x');
+  const std::string name = "C:\\" + std::string(VEL_MAX_PATH_LENGTH - 6, 'x');
   VelClDirectory longest(name.c_str());
   for (const std::string& attached : {name + "\\y\\", std::string()}) {
     longest.attachSubDir(VelClLocation("y", false));

@@ -8,11 +8,9 @@ namespace {
 using vel::test::readTable;
 using Name = VelClFilename;
 
-constexpr size_t kLimit = VEL_MAX_PATH_LENGTH;
-
 /// Returns "server|directory|base name|extension".
 std::string partsOf(const Name& name) {
-  char server[kLimit + 1], path[kLimit + 1], base[kLimit + 1];
+  char server[VEL_MAX_PATH_LENGTH + 1], path[VEL_MAX_PATH_LENGTH + 1], base[VEL_MAX_PATH_LENGTH + 1];
   name.extractServer(server);
   name.extractPath(path, true);
   name.extractBaseName(base);

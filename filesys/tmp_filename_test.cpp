@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr size_t kLimit = VEL_MAX_PATH_LENGTH;
 const std::string kAlphabet = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ@#!%_";
 
 std::string digitsOfProcess() {
@@ -62,11 +61,11 @@ TEST_F(TmpFilenameTest, IsAFreeNameInTheGivenDirectory) {
 // file.
 TEST_F(TmpFilenameTest, CreatesNothingWithoutRoomForTheRandomCharacters) {
   std::string full = here_.getAsCString();
-  while (full.size() < kLimit) full += full.size() + 2 <= kLimit ? ".\\" : "\\";
-  EXPECT_EQ(full.substr(0, kLimit), VelClTmpFilename(full.c_str(), "TMP").getAsCString());
+  while (full.size() < VEL_MAX_PATH_LENGTH) full += full.size() + 2 <= VEL_MAX_PATH_LENGTH ? ".\\" : "\\";
+  EXPECT_EQ(full.substr(0, VEL_MAX_PATH_LENGTH), VelClTmpFilename(full.c_str(), "TMP").getAsCString());
   for (const std::string& path :
-       {full.substr(0, kLimit - 5), full, scratch_.path("missing"), std::string(1000, 'x')}) {
-    char buffer[kLimit + 1] = "old";
+       {full.substr(0, VEL_MAX_PATH_LENGTH - 5), full, scratch_.path("missing"), std::string(1000, 'x')}) {
+    char buffer[VEL_MAX_PATH_LENGTH + 1] = "old";
     EXPECT_EQ(-1, velTmpFileCreate(path.c_str(), nullptr, buffer));
     EXPECT_STREQ("", buffer);
     EXPECT_EQ(-1, velTmpFileCreate(scratch_.path().c_str(), "../x", buffer));
@@ -78,7 +77,7 @@ TEST_F(TmpFilenameTest, FilesAreNewAndBinary) {
   const vel::test::Variable tmp("TMP", scratch_.path().c_str());
   std::set<std::string> names;
   while (names.size() < 40) {
-    char name[kLimit + 1];
+    char name[VEL_MAX_PATH_LENGTH + 1];
     const int descriptor = velTmpFileCreate(nullptr, "FIVES", name);
     EXPECT_TRUE(velFileIsOpenedInBinaryMode(descriptor));
     for (const bool binary : {false, true}) EXPECT_TRUE(velFileSetBinaryMode(descriptor, binary));
@@ -91,7 +90,7 @@ TEST_F(TmpFilenameTest, FilesAreNewAndBinary) {
 
 // Intentional: the extension begins where that of the original does.
 TEST(BakFilename, AppendsItsExtensionToTheWholeName) {
-  const std::string full(kLimit, 'x');
+  const std::string full(VEL_MAX_PATH_LENGTH, 'x');
   const std::string rows[][3] = {{"report.txt", "report.txt.BAK", ".txt.BAK"},
                                  {"C:\\d.e\\a", "C:\\d.e\\a.BAK", ".BAK"},
                                  {"", ".BAK", ".BAK"},

@@ -110,11 +110,15 @@ bool PortableExecutable::readOptionalHeader(std::uint64_t offset, std::uint16_t 
          file_.read32(offset + resourceField, header.resourceRva);
 }
 
-bool PortableExecutable::readSection(std::uint32_t index, Section& section) const noexcept {
+/// Reads zeros outside of the file; hasValidSections() checks first that the section table is in it.
+PortableExecutable::Section PortableExecutable::sectionAt(std::uint32_t index) const noexcept {
   const std::uint64_t offset = sectionTable_ + index * kSectionSize;
-  return file_.read32(offset + 8, section.virtualSize) && file_.read32(offset + 12, section.virtualAddress) &&
-         file_.read32(offset + 16, section.sizeOfRawData) &&
-         file_.read32(offset + 20, section.pointerToRawData);
+  Section section{};
+  static_cast<void>(file_.read32(offset + 8, section.virtualSize));
+  static_cast<void>(file_.read32(offset + 12, section.virtualAddress));
+  static_cast<void>(file_.read32(offset + 16, section.sizeOfRawData));
+  static_cast<void>(file_.read32(offset + 20, section.pointerToRawData));
+  return section;
 }
 
 /// Returns whether the headers, including the section table, and all sections are in the file, and whether
@@ -124,9 +128,9 @@ bool PortableExecutable::hasValidSections(const OptionalHeader& header) const no
   const std::uint64_t tableEnd = sectionTable_ + sectionCount_ * kSectionSize;
   if (tableEnd > header.sizeOfHeaders || !file_.holds(0, header.sizeOfHeaders)) return false;
   std::uint64_t end = header.sizeOfHeaders;
-  Section section{};
   for (std::uint32_t index = 0; index < sectionCount_; ++index) {
-    if (!readSection(index, section) || section.virtualAddress < end) return false;
+    const Section section = sectionAt(index);
+    if (section.virtualAddress < end) return false;
     const std::uint32_t size = section.virtualSize != 0 ? section.virtualSize : section.sizeOfRawData;
     const std::uint32_t used = std::min(size, section.sizeOfRawData);
     if (used != 0 && !file_.holds(section.pointerToRawData, used)) return false;
@@ -139,8 +143,8 @@ bool PortableExecutable::hasValidSections(const OptionalHeader& header) const no
 /// section and in the file.
 bool PortableExecutable::rvaToFileOffset(std::uint32_t rva, std::uint32_t size,
                                          std::uint64_t& fileOffset) const noexcept {
-  Section section{};
-  for (std::uint32_t index = 0; index < sectionCount_ && readSection(index, section); ++index) {
+  for (std::uint32_t index = 0; index < sectionCount_; ++index) {
+    const Section section = sectionAt(index);
     if (rva < section.virtualAddress || rva - section.virtualAddress >= section.sizeOfRawData) continue;
     const std::uint32_t distance = rva - section.virtualAddress;
     fileOffset = std::uint64_t{section.pointerToRawData} + distance;

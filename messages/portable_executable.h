@@ -78,7 +78,7 @@ class PortableExecutable {
   bool readHeaders() noexcept;
   bool readOptionalHeader(std::uint64_t offset, std::uint16_t size, OptionalHeader& header) const noexcept;
   bool hasValidSections(const OptionalHeader& header) const noexcept;
-  bool readSection(std::uint32_t index, Section& section) const noexcept;
+  Section sectionAt(std::uint32_t index) const noexcept;
   bool rvaToFileOffset(std::uint32_t rva, std::uint32_t size, std::uint64_t& fileOffset) const noexcept;
   std::uint32_t entryCount(std::uint64_t directory) const noexcept;
   bool readEntry(std::uint64_t directory, std::uint32_t index, DirectoryEntry& entry) const noexcept;

@@ -39,7 +39,7 @@ std::string program(const char* name, std::size_t capacity = 261) {
 }
 
 /// Runs the program, whose name has a directory, and returns its exit code.
-int run(std::string name) {
+int runByName(std::string name) {
   EXPECT_TRUE(programExists(name.c_str())) << name;
   char* const arguments[] = {name.data(), nullptr};
   std::uint32_t exitCode = 0;
@@ -74,7 +74,7 @@ TEST_F(FileSearch, ProgramsWithADirectoryMayHaveBackslashNames) {
   add("here/tool");
   for (const std::string& name : {tool, tool + ".EXE", test::backSlashed(path("DIR/TOOL.EXE")),
                                   std::string("..\\dir\\tool"), std::string("C:tool.EXE")})
-    EXPECT_EQ(run(name), 7) << name;
+    EXPECT_EQ(runByName(name), 7) << name;
   for (const std::string& name :
        {"..\\dir\\absent.exe"s, "..\\" + std::string(300, 'x'), "../" + std::string(5000, 'x')})
     EXPECT_FALSE(programExists(name.c_str()));
