@@ -9,7 +9,7 @@ using Route = VelClConverterABase::VelEnRoute;
 
 /// Converts into a target of the sufficient size; expects that it is not too small.
 Outcome convertIntoSufficientSize(const VelClConverterABase& converter, std::string_view source) {
-  const Outcome outcome = convert(converter, source, converter.getSufficientSizeForSize(source.size()));
+  Outcome outcome = convert(converter, source, converter.getSufficientSizeForSize(source.size()));
   EXPECT_NE(outcome.errorId, static_cast<std::uint32_t>(CPCONVERTER_TOO_BIG)) << hex(source.substr(0, 40));
   return outcome;
 }

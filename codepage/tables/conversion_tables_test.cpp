@@ -60,7 +60,7 @@ void expectTable(const MappingFile& mapping) {
   EXPECT_EQ(table->isEbcdic, mapping.isEbcdic ? 1 : 0);
   EXPECT_EQ(table->leadBytes == nullptr, mapping.isEbcdic);
   EXPECT_EQ(unitsOf(table->pages[1]), mapping.bytes);
-  for (unsigned int lead = 0; lead < 256; ++lead) {
+  for (std::size_t lead = 0; lead < 256; ++lead) {
     EXPECT_EQ(!isEbcdic && table->leadBytes[lead] != 0, mapping.isLead[lead]) << lead;
     ASSERT_GT(table->pageNumbers[lead], 0);
     ASSERT_NE(table->pageNumbers[lead], 2) << "the page of the single bytes";

@@ -87,7 +87,9 @@ class Tool {
   /// Can be asked after the program ended, too.
   bool hasRestoredTerminal() const {
     const termios now = attributes();
-    return std::memcmp(&now, &atStart_, sizeof now) == 0;
+    return now.c_iflag == atStart_.c_iflag && now.c_oflag == atStart_.c_oflag &&
+           now.c_cflag == atStart_.c_cflag && now.c_lflag == atStart_.c_lflag &&
+           std::ranges::equal(now.c_cc, atStart_.c_cc);
   }
 
  private:

@@ -20,6 +20,7 @@ namespace vel::test {
 /// Returns the texts as exec requires them, with a null at the end.
 inline std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
   return pointers;
