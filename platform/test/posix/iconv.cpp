@@ -7,8 +7,8 @@
 namespace vel::test {
 
 Iconv iconvFrom(const std::string& page) {
-  const iconv_t opened = iconv_open("UTF-16LE", page.c_str());
-  if (opened == reinterpret_cast<iconv_t>(-1)) return nullptr;
+  iconv_t opened = iconv_open("UTF-16LE", page.c_str());
+  if (reinterpret_cast<std::intptr_t>(opened) == -1) return nullptr;
   return [handle = std::shared_ptr<void>(opened, iconv_close)](std::string bytes) {
     std::string units(bytes.size() * 4, '\0');
     char *source = bytes.data(), *target = units.data();
