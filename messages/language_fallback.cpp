@@ -5,7 +5,6 @@
 // the main one, except for the languages in the tables below.
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <iterator>
 #include <string_view>
 
@@ -88,7 +87,7 @@ std::size_t velLocaleGetFallback(const char* name, char* out, std::size_t capaci
   const std::string_view fallback = withoutLastSubtag(vel::textOrEmpty(name));
   if (capacity == 0) return fallback.size();
   const std::size_t written = fallback.size() < capacity ? fallback.size() : 0;
-  std::memcpy(out, fallback.data(), written);
+  fallback.copy(out, written);
   out[written] = '\0';
   return fallback.size();
 }

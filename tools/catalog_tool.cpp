@@ -6,6 +6,8 @@
 #include <cstring>
 #include <iostream>
 
+#include "vel_include/vel_helpers.h"
+
 namespace vel::tools {
 
 namespace {
@@ -14,6 +16,10 @@ namespace {
 enum FirstTexts : unsigned long { kTitle = 2, kDescription, kUsage, kHelp };
 
 }  // namespace
+
+VelStConventions conventionsOfTools() {
+  return {.version = velLibraryGetLevel(), .colors = false};
+}
 
 const char* const kStandardStream = "standard input";
 
@@ -33,6 +39,7 @@ void CatalogTool::report(unsigned long id, const char* argument) const {
 }
 
 void CatalogTool::begin() {
+  useConventions(conventionsOfTools());
   setOutputStream(std::cerr);
   init(kTitle, kDescription, nullptr, nullptr);
   handleUsageHelp(kUsage, kHelp);
@@ -40,6 +47,9 @@ void CatalogTool::begin() {
 
 void CatalogTool::refuse(unsigned long id, const char* argument) const {
   report(id, argument);
+  // The library shows the usage on standard output, which may be a file that the user wants data in.
+  std::cout.flush();
+  std::cout.rdbuf(std::cerr.rdbuf());
   displayUsage(true);
   processExit(CONUI_USAGE);
 }

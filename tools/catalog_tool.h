@@ -8,6 +8,10 @@
 
 namespace vel::tools {
 
+/// What useConventions switches on in every tool: results alone are on standard output, `-quiet` leaves out
+/// the title, and `--name=value` and `--` are understood.
+VelStConventions conventionsOfTools();
+
 /// Replaces the argument "-" by pointer: on the command line "-" would count as a switch without a name.
 /// Compare the pointers, because a file may have this name.
 extern const char* const kStandardStream;

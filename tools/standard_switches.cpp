@@ -25,7 +25,7 @@ void writeHelp(const ToolTexts& texts) {
 
 /// Not done through the console user interface, which would refuse "--help" as an unknown switch.
 bool answerStandardSwitches(int argc, const char* const* argv, const ToolTexts& texts) {
-  for (int i = 1; i < argc; ++i) {
+  for (int i = 1; i < argc && std::strcmp(argv[i], "--") != 0; ++i) {
     if (std::strcmp(argv[i], "--version") == 0) {
       std::cout << texts.name << ' ' << velLibraryGetLevel() << std::endl;
       return true;

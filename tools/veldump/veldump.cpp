@@ -117,6 +117,8 @@ void Tool::readSwitches() {
 std::vector<const char*> Tool::files() const {
   std::vector<const char*> names = freeArguments();
   if (names.empty()) names.push_back(nullptr);
+  for (const char*& name : names)
+    if (name != nullptr && std::strcmp(name, "-") == 0) name = nullptr;
   return names;
 }
 
