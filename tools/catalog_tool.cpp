@@ -6,6 +6,7 @@
 #include <cstring>
 #include <iostream>
 
+#include "tools/translation.h"
 #include "vel_include/vel_helpers.h"
 
 namespace vel::tools {
@@ -18,10 +19,29 @@ enum FirstTexts : unsigned long { kTitle = 2, kDescription, kUsage, kHelp };
 }  // namespace
 
 VelStConventions conventionsOfTools() {
-  return {.version = velLibraryGetLevel(), .colors = false};
+  return {.version = velLibraryGetLevel(), .didYouMean = translated("did you mean"), .colors = false};
 }
 
-const char* const kStandardStream = "standard input";
+namespace {
+
+/// Overwritten with the text in the user's language; its address stays.
+char standardStream[32] = "standard input";
+
+}  // namespace
+
+const char* const kStandardStream = standardStream;
+
+void chooseLanguageOfTool(const VelClMessageCatalog& library) {
+  chooseLanguage(library.getLanguage());
+  const char* const text = translated(standardStream);
+  if (std::strlen(text) < sizeof standardStream) std::memmove(standardStream, text, std::strlen(text) + 1);
+}
+
+CatalogTool::CatalogTool(int argc, const char* const* argv, const char* const* texts, unsigned long count)
+    : VelClConsoleUI(argc, argv), table_(texts, texts + count), texts_(table_.data(), count) {
+  chooseLanguageOfTool(VelClConsoleUI::getMessageCatalog());
+  for (const char*& text : table_) text = translated(text);
+}
 
 std::vector<const char*> withStandardStream(int argc, const char* const* argv) {
   std::vector<const char*> arguments(argv, argv + argc);

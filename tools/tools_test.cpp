@@ -1,5 +1,6 @@
 // Tests what all tools have in common: standard input, quiet mode, and errors in the command line.
 #include "platform/test/test.h"
+#include "vel_include/vel_environment.h"
 
 namespace {
 
@@ -78,6 +79,44 @@ TEST(Tools, ReportErrorsInTheCommandLineOnStandardError) {
     EXPECT_EQ(result.exitCode, 201) << tool;
   }
   EXPECT_EQ(readFile(out), "old");
+}
+
+// The manual pages show these runs.
+TEST(Tools, BehaveAsInTheExamplesOfTheirPages) {
+  for (const char* const tool : {"trcctl", "velconv", "veldump", "velini", "velmsg"})
+    vel::test::expectSession(std::string(VEL_TEST_DATA) + tool + "/test/examples.session");
+}
+
+// ctest runs this test for an Austrian user.
+TEST(ToolsInUsersLanguage, ShowNothingInEnglish) {
+  if (!std::string_view(VelClEnvironmentVariableQueryOnly("LC_ALL").getValue()).starts_with("de"))
+    GTEST_SKIP() << "the user reads English";
+  const struct {
+    std::string tool;
+    Texts arguments;
+    std::string german;
+  } rows[] = {
+      {"velini", {"--help"}, "Exit-Codes: 0 Erfolg"},
+      {"velini",
+       {"-file", "-", "-list", "-lst"},
+       "Unbekanntes Befehlszeilenargument: -lst: meinten Sie -list?"},
+      {"velini", {"-file", "-", "-get", "x"}, "-section muss angegeben werden"},
+      {"veldump", {"--help"}, "Exit-Codes: 0 Erfolg"},
+      {"veldump", {"-reverse"}, "oder folgt nicht auf die Zeile davor: Standardeingabe: 1"},
+      {"velconv", {"--help"}, "Exit-Codes: 0 Erfolg"},
+      {"velconv", {"-from", "1208", "-to", "850", "-count"}, "Standardeingabe: 2 Bytes, 0 ung"},
+      {"velmsg", {"--help"}, "Exit-Codes: 0 Erfolg"},
+      {"velmsg", {"-lang", "5"}, "Genau eine der Angaben -list"},
+      {"trcctl", {"--help"}, "Aufruf: trcctl -key"},
+      {"trcctl", {"-key", "tour", "-file", "absent"}, "Angegebene Trace-Datei nicht gefunden"},
+  };
+  for (const auto& [tool, arguments, german] : rows) {
+    const auto result = vel::test::runChild(tool, arguments, {.input = "x\n"});
+    const std::string all = result.output + result.errors;
+    EXPECT_NE(all.find(german), std::string::npos) << tool << all;
+    for (const char* const english : {" the ", "Usage", " error ", "xit code"})
+      EXPECT_EQ(all.find(english), std::string::npos) << english << all;
+  }
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "tools/spooled_input.h"
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
+#include "tools/translation.h"
 #include "tools/trcctl/texts.h"
 #include "tools/trcctl/trace_status.h"
 #include "vel_include/vel_consoleui.h"
@@ -60,7 +61,7 @@ class Tool {
   Tool(int argc, const char* const* argv) : ui_(argc, argv) {}
 
   void run();
-  void reportOutputFailure() const { ui_.error(std::cerr, kNotWritten); }
+  void reportOutputFailure() const { ui_.error(std::cerr, vel::tools::translated(kNotWritten)); }
   [[noreturn]] void end(TextId text, const char* argument, int exitCode) const;
 
  private:
@@ -194,6 +195,7 @@ int vel::tools::toolMain(int argc, char** argv) {
   // The help needs its texts before there is a console user interface.
   VelClMessageCatalog texts;
   attachTexts(texts);
+  vel::tools::chooseLanguageOfTool(texts);
   const VelClMessage title(texts, kTitle);
   const VelClMessage usage(texts, kUsage);
   const VelClMessage help(texts, kHelp);
