@@ -30,9 +30,11 @@ inline std::error_code velErrorCode(const _VelStError& error) noexcept {
   return {static_cast<int>(error.errorId), velErrorCategory()};
 }
 
+namespace std {
 /// Tells the standard library that identifiers are error codes.
 template <>
-struct std::is_error_code_enum<VelEnErrorId> : std::true_type {};
+struct is_error_code_enum<VelEnErrorId> : true_type {};
+}  // namespace std
 
 /// A VelClException as a standard exception, see velRethrowAsStd. code() is the identifier in
 /// velErrorCategory, and what() has the cause, if there is one, and the name of the identifier.
@@ -54,11 +56,13 @@ class VelClStdException : public std::system_error {
   VelClException exception_;
 };
 
-/// Same for a VelClException of class OUT_OF_MEMORY. It allocates nothing, and what() is the cause.
+/// Same for a VelClException of class OUT_OF_MEMORY. It allocates nothing.
 class VelClStdOutOfMemory : public std::bad_alloc {
  public:
+  /// Copies `source`.
   explicit VelClStdOutOfMemory(const VelClException& source) noexcept : exception_(source) {}
 
+  /// Returns the cause.
   const char* what() const noexcept override { return exception_.getCause(); }
   /// Returns the exception of the library.
   const VelClException& getException() const noexcept { return exception_; }
