@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,18 +18,12 @@ namespace {
 constexpr unsigned int kPrimaryLanguageMask = 0x3FF;
 constexpr unsigned int kPrimaryGerman = 7;
 
-struct State {
-  const Translation* table = nullptr;
-  bool isGerman = false;
-  /// The German texts in the order of the table, if the code page of the process is not UTF-8.
-  std::vector<std::string> converted;
-};
-
-/// Never destroyed, since texts are looked up until the process ends.
-State& state() noexcept {
-  static State& only = *new State;
-  return only;
-}
+// Constant-initialised, because the report of a lack of memory is translated, too.
+constinit const Translation* programTable = nullptr;
+constinit bool isGerman = false;
+/// The German texts in the order of the table, if the code page of the process is not UTF-8. Never freed,
+/// since texts are looked up until the process ends.
+constinit const std::vector<std::string>* convertedTexts = nullptr;
 
 /// The German texts are well-formed, and in the basic plane.
 std::u16string utf16Of(std::string_view text) {
@@ -54,24 +49,28 @@ std::string ansiOf(std::string_view text) {
 }  // namespace
 
 void useTranslations(const Translation* table) noexcept {
-  state().table = table;
+  programTable = table;
 }
 
 void chooseLanguage(unsigned int catalogLanguage) {
-  State& texts = state();
-  texts.isGerman = texts.table != nullptr && (catalogLanguage & kPrimaryLanguageMask) == kPrimaryGerman;
-  if (!texts.isGerman || !texts.converted.empty() || platform::ansiIsUtf8()) return;
-  for (const Translation* row = texts.table; row->english != nullptr; ++row)
-    texts.converted.push_back(ansiOf(row->german));
+  const bool wantsGerman =
+      programTable != nullptr && (catalogLanguage & kPrimaryLanguageMask) == kPrimaryGerman;
+  if (wantsGerman && convertedTexts == nullptr && !platform::ansiIsUtf8()) {
+    auto texts = std::make_unique<std::vector<std::string>>();
+    for (const Translation* row = programTable; row->english != nullptr; ++row)
+      texts->push_back(ansiOf(row->german));
+    convertedTexts = texts.release();
+  }
+  isGerman = wantsGerman;
 }
 
 const char* translated(const char* english) noexcept {
-  const State& texts = state();
-  if (!texts.isGerman) return english;
-  for (const Translation* row = texts.table; row->english != nullptr; ++row) {
+  if (!isGerman) return english;
+  for (const Translation* row = programTable; row->english != nullptr; ++row) {
     if (std::strcmp(row->english, english) != 0) continue;
-    return texts.converted.empty() ? row->german
-                                   : texts.converted[static_cast<std::size_t>(row - texts.table)].c_str();
+    return convertedTexts == nullptr
+               ? row->german
+               : (*convertedTexts)[static_cast<std::size_t>(row - programTable)].c_str();
   }
   return english;
 }
