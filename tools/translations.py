@@ -3,7 +3,8 @@
 
     translations.py --tool NAME --out FILE     generates the table of one tool
     translations.py --check                    fails unless every text of every tool has a German one
-    translations.py --missing                  prints what german.po lacks, ready to be filled in
+    translations.py --update                   drops what no tool has from german.po, and adds what it lacks, ready to
+                                               be filled in
 
 german.po has the form of gettext: msgid is the English text, msgstr the German one. Help texts are translated piece by
 piece: each option, and each of the parts between lines that begin with "@". Usage strings are the same in every
@@ -98,10 +99,15 @@ def faults(catalog):
         yield f"no tool has the text {unused!r}"
 
 
-def po_entry(text):
+def po_line(keyword, text):
     lines = text.splitlines(keepends=True)
-    literal = c_literal(text) if len(lines) == 1 else "\n".join(['""', *map(c_literal, lines)])
-    return f'msgid {literal}\nmsgstr ""\n'
+    return f"{keyword} " + (c_literal(text) if len(lines) < 2 else "\n".join(['""', *map(c_literal, lines)])) + "\n"
+
+
+def updated(text, catalog):
+    """Returns the text of a catalog with its header and an entry for each piece."""
+    entries = [po_line("msgid", piece) + po_line("msgstr", catalog.get(piece, "")) for piece in all_pieces()]
+    return "\n".join([text[:text.index("\n\n") + 1], *entries])
 
 
 def main():
@@ -109,15 +115,16 @@ def main():
     parser.add_argument("--tool")
     parser.add_argument("--out", type=pathlib.Path)
     parser.add_argument("--check", action="store_true")
-    parser.add_argument("--missing", action="store_true")
+    parser.add_argument("--update", action="store_true")
     arguments = parser.parse_args()
-    catalog = read_catalog(CATALOG.read_text(encoding="utf-8"))
+    text = CATALOG.read_text(encoding="utf-8")
+    catalog = read_catalog(text)
     if arguments.tool:
         arguments.out.write_text(table(arguments.tool, catalog), encoding="utf-8", newline="\n")
-    if arguments.missing:
-        print("\n".join(po_entry(piece) for piece in all_pieces() if not catalog.get(piece)))
+    if arguments.update:
+        CATALOG.write_text(updated(text, catalog), encoding="utf-8", newline="\n")
     if arguments.check and (found := list(faults(catalog))):
-        sys.exit("\n".join([f"{CATALOG}: run translations.py --missing, and translate what it prints", *found]))
+        sys.exit("\n".join([f"{CATALOG}: run translations.py --update, and fill in what is empty", *found]))
 
 
 if __name__ == "__main__":
