@@ -60,7 +60,8 @@ class VelClStdException : public std::system_error {
 class VelClStdOutOfMemory : public std::bad_alloc {
  public:
   /// Copies `source`.
-  explicit VelClStdOutOfMemory(const VelClException& source) noexcept : exception_(source) {}
+  explicit VelClStdOutOfMemory(const VelClException& source) noexcept
+      : exception_(source) {}  // NOLINT(bugprone-throw-keyword-missing): stored, not thrown
 
   /// Returns the cause.
   const char* what() const noexcept override { return exception_.getCause(); }
