@@ -55,7 +55,7 @@ install(FILES ${PROJECT_BINARY_DIR}/qamc5032Config.cmake ${PROJECT_BINARY_DIR}/q
 
 # The functions for the manual pages and completions of programs, and the scripts that they run.
 install(FILES ${PROJECT_SOURCE_DIR}/cmake/qamc5032Pages.cmake DESTINATION ${package_dir} COMPONENT development)
-foreach(script completions make_tool_pages program_texts tool_texts)
+foreach(script completions make_tool_pages page_sections program_texts tool_texts)
   install(FILES ${PROJECT_SOURCE_DIR}/tools/${script}.py DESTINATION ${package_dir}/pages COMPONENT development)
 endforeach()
 

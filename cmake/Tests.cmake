@@ -134,3 +134,12 @@ function(vel_add_test_without_icu name)
     ENVIRONMENT "VEL_TEST_ICU=none;LD_LIBRARY_PATH=${VEL_NO_ICU_DIRECTORY}")
   vel_limit_test(${name}_without_icu)
 endfunction()
+
+# vel_add_test_for_user(<name> <program> <locale> <filter>): runs the tests of a program that match the filter again, for
+# a user of another language: a locale without its code set.
+function(vel_add_test_for_user name program locale filter)
+  add_test(NAME ${name} COMMAND ${program} "--gtest_filter=${filter}"
+           WORKING_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+  set_tests_properties(${name} PROPERTIES ENVIRONMENT "LC_ALL=${locale}.UTF-8;LANG=${locale}.UTF-8")
+  vel_limit_test(${name})
+endfunction()

@@ -121,6 +121,7 @@ pages_of_programs() {
   expect "-copyright" complete_in_fish "greet -c"
   expect "'-format', '--format' } { 'text', 'tsv'; break }" cat "$share/powershell/completions/topwords.ps1"
   expect "how many words to print; the default is 10" cat "$share/man/man1/topwords.1"
+  expect "greet \\-name Ada \\-times 2" cat "$share/man/man1/greet.1"
   expect "<>" man_page_warnings
 }
 

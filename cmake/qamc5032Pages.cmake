@@ -1,7 +1,7 @@
 # Manual pages and completions of programs that use VelClConsoleUI. find_package(qamc5032) defines both functions; they
 # need Python 3 when the pages are built.
 #
-# qamc5032_add_manual_page(<target> [NAME <name>] [TEXTS <file>])
+# qamc5032_add_manual_page(<target> [NAME <name>] [TEXTS <file>] [SECTIONS <file>])
 # qamc5032_add_completions(<target> [NAME <name>] [TEXTS <file>] [SHELLS <shell>...] [VALUES <line>...])
 #
 # They generate the pages as part of every build, from the title, usage string and help text of the program, and install
@@ -19,6 +19,21 @@
 #    [(-name <name>)]
 #   Help:
 #    -name <name>  whom to greet
+#
+# SECTIONS names a file with further sections of the manual page: exit codes, examples, related pages. A line of capital
+# letters begins a section, indented lines are shown as they are, and two blanks separate a term from its meaning:
+#
+#   EXIT STATUS
+#   0    success
+#   201  the command line is wrong
+#
+#   EXAMPLES
+#   Greet somebody twice:
+#
+#       $ greet -name Ada -times 2
+#
+#   SEE ALSO
+#   cat(1)
 #
 # Values of switches are completed where the usage string has alternatives, as in (-format <text|tsv>), or a <file> or
 # <directory>. A line of VALUES is for other values of a switch:
@@ -62,13 +77,18 @@ function(_qamc5032_page_source target name texts)
 endfunction()
 
 function(qamc5032_add_manual_page target)
-  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "NAME;TEXTS" "")
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "NAME;TEXTS;SECTIONS" "")
   _qamc5032_page_source(${target} "${ARG_NAME}" "${ARG_TEXTS}")
   include(GNUInstallDirs)
   set(page ${qamc5032_directory}/${qamc5032_name}.1)
+  set(sections)
+  if(ARG_SECTIONS)
+    get_filename_component(ARG_SECTIONS "${ARG_SECTIONS}" ABSOLUTE)
+    set(sections --sections ${ARG_SECTIONS})
+  endif()
   add_custom_command(OUTPUT ${page}
-    COMMAND ${qamc5032_make} --man ${page} ${qamc5032_source}
-    DEPENDS ${qamc5032_depends} COMMENT "Generating the manual page of ${qamc5032_name}" VERBATIM)
+    COMMAND ${qamc5032_make} --man ${page} ${sections} ${qamc5032_source}
+    DEPENDS ${qamc5032_depends} ${ARG_SECTIONS} COMMENT "Generating the manual page of ${qamc5032_name}" VERBATIM)
   add_custom_target(${target}_manual_page ALL DEPENDS ${page})
   install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endfunction()

@@ -3,6 +3,7 @@
 #include "fuzz/bytes.h"
 #include "process/command_line.h"
 #include "vel_include/vel_process.h"
+#include "vel_include/vel_quoting.h"
 
 namespace {
 
@@ -92,11 +93,15 @@ void fuzz::run(fuzz::Bytes input) {
   require(argumentsOf(line) == split(line.view()));
   static const VelClExeFile program("no such program");
   Process process(program);
-  Texts expected = {"no such program.EXE"};
+  Process quotedProcess(program);
+  Texts expected = {"no such program.EXE"}, all = expected;
   for (const Text& text : input.texts()) {
+    quotedProcess.addArgument(velQuotedForAddArgument(text.view()).c_str());
+    all.emplace_back(text.view());
     if (!isKept(text.view())) continue;
     process.addArgument(text);
     expected.emplace_back(text.view());
   }
   require(argumentsOf(process.line()) == expected);
+  require(argumentsOf(quotedProcess.line()) == all);
 }

@@ -1,4 +1,5 @@
-// Parses any text as the name of a locale: as a language identifier, and as the language of the user.
+// Parses any text as the name of a locale: as a language identifier, as the language of the user, and for its
+// fallbacks.
 #include "fuzz/bytes.h"
 #include "platform/posix/language_names.h"
 #include "vel_include/vel_messages.h"
@@ -42,6 +43,21 @@ void readUser(const fuzz::Text& name) {
   require(user == VelClLanguage(counts ? tag.c_str() : "en-US").asNumber());
 }
 
+/// Expects fallbacks to be shorter and shorter beginnings of the name, without code set and modifier, and all
+/// or nothing of one to be written.
+void readFallbacks(const fuzz::Text& name) {
+  std::string before(name.view());
+  while (!before.empty()) {
+    const std::size_t size = velLocaleGetFallback(before.c_str(), nullptr, 0);
+    require(size < before.size());
+    fuzz::Text out(std::string(size, '#'));
+    require({velLocaleGetFallback(before.c_str(), out.data(), size) == size, size == 0 || *out.data() == 0});
+    velLocaleGetFallback(before.c_str(), out.data(), size + 1);
+    require({before.starts_with(out.data()), out.view().find_first_of(".@") == std::string_view::npos});
+    before = out.data();
+  }
+}
+
 }  // namespace
 
 void fuzz::run(fuzz::Bytes input) {
@@ -51,4 +67,5 @@ void fuzz::run(fuzz::Bytes input) {
   const Text name = input.text();
   readNumber(name);
   readUser(name);
+  readFallbacks(name);
 }

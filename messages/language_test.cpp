@@ -77,10 +77,43 @@ TEST(Language, IsParsedFromAndWrittenAsTags) {
   EXPECT_EQ(printed(VelClLanguage(0U)), "**");
 }
 
-// This program runs for an English and for a German user; LC_ALL tells which.
+TEST(LanguageFallback, LeadsToLanguagesThatTheUserReads) {
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/fallbacks.tsv")) {
+    std::string chain;
+    for (auto language = static_cast<unsigned int>(std::stoul(row[0], nullptr, 16)); language != 0;) {
+      language = velLanguageGetFallback(language);
+      chain += " " + std::to_string(language);
+      ASSERT_LT(chain.size(), 100U);
+    }
+    EXPECT_EQ(chain, " " + row.at(1)) << row[0];
+  }
+  // Whatever the number, following it ends.
+  for (unsigned int language = 0; language <= 0x10000; ++language)
+    EXPECT_EQ(velLanguageGetFallback(velLanguageGetFallback(velLanguageGetFallback(language))), 0U);
+  EXPECT_EQ(printed(velLanguageWithoutTerritory(VelClLanguage("de-AT"))), "de");
+}
+
+TEST(LanguageFallback, RemovesSubtagsOfLocaleNames) {
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/locale_fallbacks.tsv")) {
+    const std::string expected = row.at(1) == "-" ? "" : row[1];
+    char out[16];
+    for (std::size_t capacity = 0; capacity <= sizeof out; ++capacity) {
+      std::memset(out, '#', sizeof out);
+      EXPECT_EQ(velLocaleGetFallback(row[0].c_str(), out, capacity), expected.size()) << row[0];
+      EXPECT_EQ(std::string(out, capacity == 0 ? 0 : strlen(out)),
+                capacity > expected.size() ? expected : "");
+      EXPECT_TRUE(capacity == sizeof out || out[capacity] == '#');
+    }
+  }
+  EXPECT_EQ(velLocaleGetFallback(nullptr, nullptr, 0), 0U);
+}
+
+// This program runs for users of several languages; LC_ALL tells which.
 TEST(LanguageOfUser, IsThatOfTheSettings) {
   const std::string user = VelClEnvironmentVariableQueryOnly("LC_ALL").getValue();
-  EXPECT_EQ(printed(VelClLanguage::getUserLanguage()), user.starts_with("de") ? "de-de" : "en-us");
+  EXPECT_EQ(printed(VelClLanguage::getUserLanguage()), user.starts_with("de_AT") ? "de-at"
+                                                       : user.starts_with("de")  ? "de-de"
+                                                                                 : "en-us");
 }
 
 TEST(LanguageOfUser, IsReadFromLocaleNames) {

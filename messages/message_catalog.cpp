@@ -56,20 +56,28 @@ void VelClMessageCatalog::open() {
   static_cast<void>(library.release());
 }
 
-/// Chooses the user's language, or else the system's, if the library has the probe message in it; otherwise
-/// US English, without a test: messages that are missing then say so themselves.
-void VelClMessageCatalog::chooseLanguage() {
+/// Selects a language. Returns whether the library has the probe message in it.
+bool VelClMessageCatalog::tryLanguage(uint32_t language) {
   const char* const noInserts[VEL_MAX_MESSAGE_VARIABLES] = {};
   char text[VEL_MAX_MESSAGE_LENGTH + 1];
   size_t length = 0;
+  language_ = language;
+  library_->useLanguage(language);
+  return library_->expand(kProbeMessage, noInserts, text, sizeof text, length);
+}
+
+/// Chooses the user's language, or else the system's, if the library has the probe message in it; or else a
+/// fallback of the two. Otherwise chooses US English, without a test: messages that are missing then say so
+/// themselves.
+void VelClMessageCatalog::chooseLanguage() {
+  const uint32_t languages[] = {vel::platform::userLanguage(), vel::platform::systemLanguage()};
   languageFound_ = 1;
-  for (const uint32_t language : {vel::platform::userLanguage(), vel::platform::systemLanguage()}) {
-    language_ = language;
-    library_->useLanguage(language);
-    if (library_->expand(kProbeMessage, noInserts, text, sizeof text, length)) return;
-  }
-  language_ = kEnglishUnitedStates;
-  library_->useLanguage(language_);
+  for (const uint32_t language : languages)
+    if (tryLanguage(language)) return;
+  for (uint32_t language : languages)
+    while ((language = velLanguageGetFallback(language)) != 0)
+      if (tryLanguage(language)) return;
+  tryLanguage(kEnglishUnitedStates);
   languageFound_ = 0;
 }
 

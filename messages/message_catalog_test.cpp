@@ -1,5 +1,5 @@
 // Tests where the libraries of catalogs are found, the choice of language, and the listing of messages. The
-// tests run once for an English and once for a German user; LC_ALL tells which.
+// tests run for an English, a German and an Austrian user; LC_ALL tells which.
 #include <clocale>
 
 #include "messages/test/catalog_builder.h"
@@ -11,10 +11,14 @@
 
 namespace {
 
-constexpr unsigned int kEnglish = 1033, kGerman = 1031;
+constexpr unsigned int kEnglish = 1033, kGerman = 1031, kAustrian = 3079;
+
+bool userIs(const char* language) {
+  return std::string(VelClEnvironmentVariableQueryOnly("LC_ALL").getValue()).starts_with(language);
+}
 
 bool userIsGerman() {
-  return std::string(VelClEnvironmentVariableQueryOnly("LC_ALL").getValue()).starts_with("de");
+  return userIs("de");
 }
 
 std::string textOf(const VelClMessageCatalog& catalog, unsigned long id) {
@@ -79,13 +83,15 @@ TEST_F(MessageCatalogFile, IsRefusedAbove64Megabytes) {
   }
 }
 
-TEST(MessageCatalog, ChoosesTheUsersLanguageElseEnglish) {
-  const unsigned int user = userIsGerman() ? kGerman : kEnglish;
+TEST(MessageCatalog, ChoosesTheUsersLanguageElseItsFallbackElseEnglish) {
+  const unsigned int user = userIs("de_AT") ? kAustrian : userIsGerman() ? kGerman : kEnglish;
+  const unsigned int fallback = userIsGerman() ? kGerman : kEnglish;
   constexpr unsigned int kNeutral = 0, kFrench = 1036;
   const struct {
     unsigned int only, chosen;
     bool hasText;
-  } rows[] = {{kGerman, user, userIsGerman()},
+  } rows[] = {{kGerman, fallback, userIsGerman()},
+              {kAustrian, user == kAustrian ? user : kEnglish, user == kAustrian},
               {kEnglish, kEnglish, true},
               {kFrench, kEnglish, false},
               {kNeutral, user, true}};
@@ -100,7 +106,7 @@ TEST(MessageCatalog, ChoosesTheUsersLanguageElseEnglish) {
     EXPECT_EQ(textOf(catalog, 2), hasText ? "only 1" : "UNABLE TO LOAD MESSAGE #2 FROM CATALOG: " + path);
   }
   for (const char* name : {"small_catalog", "small_ansi_catalog"}) {
-    EXPECT_EQ(open(name).getLanguage(), user);
+    EXPECT_EQ(open(name).getLanguage(), fallback);
     EXPECT_EQ(textOf(open(name), 5), userIsGerman() ? "zwei\r\nZeilen" : "two\r\nlines");
   }
 }

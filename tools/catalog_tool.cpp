@@ -6,6 +6,9 @@
 #include <cstring>
 #include <iostream>
 
+#include "tools/translation.h"
+#include "vel_include/vel_helpers.h"
+
 namespace vel::tools {
 
 namespace {
@@ -15,7 +18,30 @@ enum FirstTexts : unsigned long { kTitle = 2, kDescription, kUsage, kHelp };
 
 }  // namespace
 
-const char* const kStandardStream = "standard input";
+VelStConventions conventionsOfTools() {
+  return {.version = velLibraryGetLevel(), .didYouMean = translated("did you mean"), .colors = false};
+}
+
+namespace {
+
+/// Overwritten with the text in the user's language; its address stays.
+char standardStream[32] = "standard input";
+
+}  // namespace
+
+const char* const kStandardStream = standardStream;
+
+void chooseLanguageOfTool(const VelClMessageCatalog& library) {
+  chooseLanguage(library.getLanguage());
+  const char* const text = translated(standardStream);
+  if (std::strlen(text) < sizeof standardStream) std::memmove(standardStream, text, std::strlen(text) + 1);
+}
+
+CatalogTool::CatalogTool(int argc, const char* const* argv, const char* const* texts, unsigned long count)
+    : VelClConsoleUI(argc, argv), table_(texts, texts + count), texts_(table_.data(), count) {
+  chooseLanguageOfTool(VelClConsoleUI::getMessageCatalog());
+  for (const char*& text : table_) text = translated(text);
+}
 
 std::vector<const char*> withStandardStream(int argc, const char* const* argv) {
   std::vector<const char*> arguments(argv, argv + argc);
@@ -33,6 +59,7 @@ void CatalogTool::report(unsigned long id, const char* argument) const {
 }
 
 void CatalogTool::begin() {
+  useConventions(conventionsOfTools());
   setOutputStream(std::cerr);
   init(kTitle, kDescription, nullptr, nullptr);
   handleUsageHelp(kUsage, kHelp);
@@ -40,6 +67,9 @@ void CatalogTool::begin() {
 
 void CatalogTool::refuse(unsigned long id, const char* argument) const {
   report(id, argument);
+  // The library shows the usage on standard output, which may be a file that the user wants data in.
+  std::cout.flush();
+  std::cout.rdbuf(std::cerr.rdbuf());
   displayUsage(true);
   processExit(CONUI_USAGE);
 }

@@ -8,9 +8,17 @@
 
 namespace vel::tools {
 
+/// What useConventions switches on in every tool: results alone are on standard output, `-quiet` leaves out
+/// the title, and `--name=value` and `--` are understood.
+VelStConventions conventionsOfTools();
+
 /// Replaces the argument "-" by pointer: on the command line "-" would count as a switch without a name.
 /// Compare the pointers, because a file may have this name.
 extern const char* const kStandardStream;
+
+/// Selects the language of the texts, see translation.h, and translates kStandardStream. `library` is the
+/// library's own catalog. The constructor of CatalogTool does this.
+void chooseLanguageOfTool(const VelClMessageCatalog& library);
 
 /// Returns the command line with kStandardStream for every "-". The other arguments are not copied.
 std::vector<const char*> withStandardStream(int argc, const char* const* argv);
@@ -19,8 +27,7 @@ std::vector<const char*> withStandardStream(int argc, const char* const* argv);
 /// name, followed by title, description, usage and help.
 class CatalogTool : public VelClConsoleUI {
  public:
-  CatalogTool(int argc, const char* const* argv, const char* const* texts, unsigned long count)
-      : VelClConsoleUI(argc, argv), texts_(texts, count) {}
+  CatalogTool(int argc, const char* const* argv, const char* const* texts, unsigned long count);
 
   const VelClMessageCatalog& getMessageCatalog() const override { return texts_; }
   /// Returns one of the tool's own texts.
@@ -39,6 +46,7 @@ class CatalogTool : public VelClConsoleUI {
   std::vector<const char*> freeArguments() const;
 
  private:
+  std::vector<const char*> table_;
   VelClMessageCatalog texts_;
 };
 

@@ -1,4 +1,4 @@
-"""Tests completions.py and program_texts.py with texts that shells could take for something else, and with faulty ones.
+"""Tests completions.py, page_sections.py and program_texts.py with texts that shells could take for something else, and with faulty ones.
 The test of the installed package asks the shells for the completions of ordinary programs."""
 import pathlib
 import subprocess
@@ -6,6 +6,7 @@ import tempfile
 import unittest
 
 from completions import SHELLS, completion, read_values
+from page_sections import read_sections, section_page
 from program_texts import described_texts
 
 ZSH_SCRIPT = pathlib.Path(__file__).resolve().parent.parent / "cmake/complete.zsh"
@@ -70,6 +71,22 @@ class CompletionsTest(unittest.TestCase):
         for text in FAULTY_TEXTS:
             with self.subTest(text), self.assertRaises(SystemExit):
                 described_texts(text, "test")
+
+    def test_sections_of_manual_pages(self):
+        with tempfile.TemporaryDirectory() as directory:
+            path = pathlib.Path(directory, "sections.txt")
+            pathlib.Path(directory, "runs.session").write_text(
+                '# Say it:\n~ T\n+ a.txt x\n$ odd-tool -quoted @/b/a.txt\n> 1\\t%/c/d\\\\\n= 1\n', encoding="utf-8")
+            path.write_text("EXIT STATUS\n0    fine\n12   too\n     long\n\nEXAMPLES\n{{session runs.session}}\n"
+                            "SEE ALSO\nls(1),\n.so it is\n", encoding="utf-8")
+            page = [line for lines in read_sections(path).values() for line in section_page(lines, str)]
+            self.assertEqual(page, [
+                ".TP", "\\fB0\\fR", "fine", ".TP", "\\fB12\\fR", "too long", ".PP", "Say it:", ".PP", ".RS 4", ".nf",
+                "$ odd-tool -quoted a.txt", "1\td\\", ".fi", ".RE", ".PP", "\\fBls\\fR(1), .so it is"])
+            for text in ("no heading\n", "EXAMPLES\n{{session absent}}\n"):
+                path.write_text(text, encoding="utf-8")
+                with self.subTest(text), self.assertRaises((SystemExit, OSError)):
+                    read_sections(path)
 
     def test_values_of_other_switches_are_arguments_of_commands(self):
         texts = described_texts("Name: t\nUsage:\n (-file <f>) (-name <n>)", "test")

@@ -2,10 +2,12 @@
 """Generates the manual page of a program and its completions from its usage string and help text.
 
     make_tool_pages.py SOURCE [--name NAME] [--man FILE] [--bash FILE] [--zsh FILE] [--fish FILE] [--powershell FILE]
-                       [--value LINE]... [--check COMMAND...] [--program COMMAND...]
+                       [--sections FILE] [--value LINE]... [--check COMMAND...] [--program COMMAND...]
 
 SOURCE is --tool NAME --version VERSION for a tool of this library, --texts FILE, or --program COMMAND for a program
-that describes itself. See completions.py for the lines of values. --check fails unless the tool answers the same.
+that describes itself. See page_sections.py for the file of further sections of the manual page, and
+completions.py for the lines of values. --check fails unless the tool answers the same, and its exit codes
+are in the section EXIT STATUS.
 """
 import argparse
 import pathlib
@@ -14,6 +16,7 @@ import subprocess
 import sys
 
 from completions import SHELLS, completion, read_values
+from page_sections import paragraphs, read_sections, section_page, terms
 from program_texts import described_texts, texts_of_program
 from tool_texts import help_options, help_parts, tool_texts
 
@@ -27,7 +30,7 @@ def table(lines):
     return [".PP", roff(lines[0]), ".PP", ".nf", *map(roff, lines[1:]), ".fi"]
 
 
-def man_page(texts, version):
+def man_page(texts, version, sections):
     package = texts.package or f"qamc5032 {version}"
     page = [f'.TH {roff(texts.name.upper())} 1 "" "{package}" "{texts.manual}"',
             ".SH NAME", f"{texts.name} \\- {roff(texts.title)}",
@@ -47,9 +50,27 @@ def man_page(texts, version):
         notes += [".PP", roff(text.strip())] if text.strip() else []
     if notes:
         page += [".SH NOTES", *notes]
-    if exit_codes:
+    if exit_codes and "EXIT STATUS" not in sections:
         page += [".SH EXIT STATUS", roff(exit_codes[0].upper() + exit_codes[1:])]
+    for heading, lines in sections.items():
+        page += [f".SH {heading}", *section_page(lines, roff)]
     return "\n".join(page) + "\n"
+
+
+def exit_codes_of(text):
+    """Returns the exit codes that a text names after "Exit codes: ", as pairs of the first and the last."""
+    codes = re.findall(r"(?:^|,)\s+(\d+)(?:\s+to\s+(\d+))?\s", text.partition("Exit codes:")[2])
+    return [(int(first), int(last or first)) for first, last in codes]
+
+
+def check_exit_codes(texts, lines):
+    """Fails unless a section has the exit codes of the help text; not all of a range need to exist."""
+    ranges = exit_codes_of(texts.help)
+    listed = {int(term) for paragraph in paragraphs(lines) for term, _ in terms(paragraph)}
+    missing = {first for first, last in ranges if not any(first <= code <= last for code in listed)}
+    unknown = {code for code in listed if not any(first <= code <= last for first, last in ranges)}
+    if ranges and (missing or unknown):
+        sys.exit(f"{texts.name}: the section EXIT STATUS lacks {sorted(missing)}; the help lacks {sorted(unknown)}")
 
 
 def check(texts, version, command):
@@ -70,6 +91,7 @@ def parsed_arguments():
     parser.add_argument("--version", default="")
     parser.add_argument("--texts", type=pathlib.Path)
     parser.add_argument("--name")
+    parser.add_argument("--sections", type=pathlib.Path)
     parser.add_argument("--value", action="append", default=[])
     for kind in ["man", *SHELLS]:
         parser.add_argument(f"--{kind}", type=pathlib.Path)
@@ -90,10 +112,12 @@ def main():
     arguments = parsed_arguments()
     texts = texts_of(arguments)
     texts.name = arguments.name or texts.name
+    sections = read_sections(arguments.sections) if arguments.sections else {}
     if arguments.check:
+        check_exit_codes(texts, sections.get("EXIT STATUS", []))
         check(texts, arguments.version, arguments.check)
     values = read_values(arguments.value)
-    pages = {arguments.man: lambda: man_page(texts, arguments.version)}
+    pages = {arguments.man: lambda: man_page(texts, arguments.version, sections)}
     pages |= {getattr(arguments, shell): lambda shell=shell: completion(shell, texts, values) for shell in SHELLS}
     for path, make in pages.items():
         if path:

@@ -5,19 +5,23 @@
 
 #include <cstring>
 #include <iostream>
+#include <string>
 
 #include "base/usage_text.h"
+#include "tools/catalog_tool.h"
+#include "tools/translation.h"
 #include "vel_include/vel_helpers.h"
 
 namespace vel::tools {
 namespace {
 
 void writeHelp(const ToolTexts& texts) {
-  constexpr const char* kHeading = "Usage: ";
-  std::cout << texts.name << " - " << texts.title << "\n\n" << kHeading << texts.name << ' ';
-  writeText(std::cout, texts.usage, TextKind::Usage, std::strlen(kHeading) + std::strlen(texts.name) + 1);
+  chooseLanguageOfTool(VelClMessageCatalog());
+  const std::string heading = std::string(translated("Usage")) + ": " + texts.name + ' ';
+  std::cout << texts.name << " - " << translated(texts.title) << "\n\n" << heading;
+  writeText(std::cout, texts.usage, TextKind::Usage, heading.size());
   std::cout << "\n\n";
-  writeText(std::cout, texts.help, TextKind::Help, 0);
+  writeText(std::cout, translated(texts.help), TextKind::Help, 0);
   std::cout << std::endl;
 }
 
@@ -25,7 +29,7 @@ void writeHelp(const ToolTexts& texts) {
 
 /// Not done through the console user interface, which would refuse "--help" as an unknown switch.
 bool answerStandardSwitches(int argc, const char* const* argv, const ToolTexts& texts) {
-  for (int i = 1; i < argc; ++i) {
+  for (int i = 1; i < argc && std::strcmp(argv[i], "--") != 0; ++i) {
     if (std::strcmp(argv[i], "--version") == 0) {
       std::cout << texts.name << ' ' << velLibraryGetLevel() << std::endl;
       return true;

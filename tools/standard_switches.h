@@ -11,8 +11,8 @@ struct ToolTexts {
   const char* help;
 };
 
-/// Returns true if the command line has --help or --version, with the answer written to standard output. The
-/// tool then ends with exit code 0, unless the output could not be written.
+/// Returns true if the command line has --help or --version before any "--", with the answer written to
+/// standard output. The tool then ends with exit code 0, unless the output could not be written.
 bool answerStandardSwitches(int argc, const char* const* argv, const ToolTexts& texts);
 
 }  // namespace vel::tools

@@ -12,6 +12,7 @@
 
 #include "platform/signals.h"
 #include "tools/safe_terminal.h"
+#include "tools/translation.h"
 
 namespace vel::tools {
 namespace {
@@ -22,10 +23,12 @@ bool isOutOfMemory(const VelClException& exception) {
   return exception.getClass() == VelEnErrorClass::OUT_OF_MEMORY;
 }
 
-/// Allocates nothing, because the C library does not buffer standard error.
+/// Allocates nothing; neither does standard error, because the C library does not buffer standard error.
 void reportOutOfMemory() noexcept {
   std::fputs(kToolName, stderr);
-  std::fputs(": out of memory\n", stderr);
+  std::fputs(": ", stderr);
+  std::fputs(translated("out of memory"), stderr);
+  std::fputs("\n", stderr);
 }
 
 /// Whether the process ends for lack of memory. If not even the exception object could be allocated, there is
@@ -56,6 +59,7 @@ int runTool(int argc, char** argv) {
   previousHandler = std::set_terminate(terminate);
   // A tool reports a failure to write, and ends with the exit code for that.
   platform::ignoreFileSizeSignal();
+  useTranslations(kTranslations);
   const SafeTerminal terminal;
   try {
     return toolMain(argc, argv);

@@ -14,6 +14,8 @@
 #include "vel_memmgr.h"
 #include "vel_messages.h"
 #include "vel_process.h"
+#include "vel_quoting.h"
+#include "vel_std_error.h"
 #include "vel_strict_conversion.h"
 #include "vel_trace.h"
 #include "vel_trace_entry.h"

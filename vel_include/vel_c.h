@@ -14,6 +14,7 @@
 #include "vel_memmgr.h"
 #include "vel_messages.h"
 #include "vel_process.h"
+#include "vel_quoting.h"
 #include "vel_trace.h"
 #include "vel_util.h"
 

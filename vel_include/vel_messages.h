@@ -59,6 +59,19 @@ VEL_C_API void velMsgCatClose(VelMsgCatHandle handle);
 /// `*size`. Entry 0 is the signature line; messages start at 2. `size` may be null.
 VEL_C_API const char* const* velMsgCatGetBuiltInTable(unsigned long* size);
 
+/// Returns the language that readers of a regional language understand as well, both as Windows language
+/// numbers: 1031 (German, Germany) for 3079 (German, Austria). Call it again with the result until it returns
+/// 0, which means that there is no further one. Languages and scripts are never exchanged for others: Chinese
+/// of Hong Kong becomes that of Taiwan, which has the same characters, and Serbian has no fallback.
+VEL_C_API unsigned int velLanguageGetFallback(unsigned int language);
+/// Removes the last subtag of a locale's name, or of a language tag: "de_AT.UTF-8" becomes "de", "zh-Hant-HK"
+/// becomes "zh-Hant" and then "zh", and "de" becomes "", which means that there is no further one. A code set
+/// and a modifier ("@euro") are removed as well. Null counts as "".
+/// The result and a terminating NUL are written to `out`, which has room for `capacity` bytes; the length of
+/// the result is returned. If the length is not less than `capacity`, `out` receives ""; with capacity 0, it
+/// is not used and may be null. `out` must not overlap `name`.
+VEL_C_API size_t velLocaleGetFallback(const char* name, char* out, size_t capacity);
+
 #if defined(VEL_HAS_CLASSES)
 
 namespace vel::messages {
@@ -70,9 +83,10 @@ class CatalogLibrary;
 /// is loaded, they come from a string table that the program attaches. A loaded library takes precedence over
 /// the table, even for ids that only the table contains.
 ///
-/// The language is that of the user if the library has message 1 in it, else that of the system, else 1033
-/// (US English). Texts of Unicode libraries are returned in the ANSI code page of the process (UTF-8
-/// on most Linux systems), those of single-byte libraries as they are stored.
+/// The language is that of the user if the library has message 1 in it, else that of the system. If neither
+/// has, it is the first fallback of the two that has (see velLanguageGetFallback), else 1033 (US English).
+/// Texts of Unicode libraries are returned in the ANSI code page of the process (UTF-8 on most Linux
+/// systems), those of single-byte libraries as they are stored.
 ///
 /// Opening a catalog sets the locale of the process, in all categories, to that of the user (setlocale). From
 /// then on isprint, toupper and similar functions classify bytes above 0x7F by that locale, everywhere in the
@@ -116,6 +130,7 @@ class VEL_API VelClMessageCatalog : public VelClFile {
   friend class VelClMessageCatalogCursor;
   void open();
   void chooseLanguage();
+  bool tryLanguage(uint32_t language);
   vel::messages::CatalogLibrary* library_ = nullptr;
   bool loaded_ = false;
   bool default_ = false;
@@ -321,6 +336,11 @@ class VEL_API VelClLanguage {
   VelEnLanguage language_;
   VelEnTerritory territory_;
 };
+
+/// Returns the language alone, with the territory unspecified: "de" for "de-AT".
+inline VelClLanguage velLanguageWithoutTerritory(const VelClLanguage& language) {
+  return VelClLanguage(language.asNumber() & 0xFFFF0000U);
+}
 
 /// Writes "en-us", or "en" if the territory is unspecified, or "??" if either is unknown.
 VEL_API std::ostream& operator<<(std::ostream& stream, const VelClLanguage& language);

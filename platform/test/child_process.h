@@ -45,6 +45,9 @@ ChildResult runChild(const std::string& program, const std::vector<std::string>&
 ChildResult runTool(const std::string& tool, const std::vector<std::string>& arguments,
                     const std::string& input = {});
 
+/// Splits arguments as the system does: by /bin/sh, or by CommandLineToArgvW.
+std::vector<std::string> splitBySystem(const std::string& arguments);
+
 /// Returns the path of this program.
 std::string ownProgram();
 

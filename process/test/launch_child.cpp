@@ -1,4 +1,4 @@
-// A child for new_process_test.cpp. It writes its arguments in brackets, one per line, and "end" to the file
+// A child for new_process_test.cpp and quoting_test.cpp. It writes its arguments in brackets, one per line, and "end" to the file
 // that VEL_TEST_REPORT names, and exits with the code in its first argument.
 #include <chrono>
 #include <cstdio>

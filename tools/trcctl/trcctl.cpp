@@ -9,8 +9,11 @@
 #include <string>
 
 #include "platform/descriptors.h"
+#include "tools/catalog_tool.h"
+#include "tools/spooled_input.h"
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
+#include "tools/translation.h"
 #include "tools/trcctl/texts.h"
 #include "tools/trcctl/trace_status.h"
 #include "vel_include/vel_consoleui.h"
@@ -58,13 +61,14 @@ class Tool {
   Tool(int argc, const char* const* argv) : ui_(argc, argv) {}
 
   void run();
-  void reportOutputFailure() const { ui_.error(std::cerr, kNotWritten); }
+  void reportOutputFailure() const { ui_.error(std::cerr, vel::tools::translated(kNotWritten)); }
   [[noreturn]] void end(TextId text, const char* argument, int exitCode) const;
 
  private:
   const char* optional(TextId name, const char* otherwise) const;
   VelClTraceInstance& createTrace() const;
   static void reportInitialization(std::string key);
+  const char* spooledInput() const;
   void selectFile(VelClTraceEnvironment& environment) const;
   void applyFilter(VelClTraceSettings& settings) const;
   void display(const VelClTraceEnvironment& environment) const;
@@ -86,6 +90,7 @@ const char* Tool::optional(TextId name, const char* otherwise) const {
 }
 
 void Tool::run() {
+  ui_.useConventions(vel::tools::conventionsOfTools());
   ui_.setOutputStream(std::cerr);
   ui_.init(kTitle, 0UL, nullptr, nullptr);
   ui_.handleUsageHelp(kUsage, kHelp);
@@ -129,8 +134,16 @@ void Tool::reportInitialization(std::string name) {
   VelClEnvironmentVariable((name + "_TRACE_VERBOSE").c_str(), "yes");
 }
 
+/// Returns the name of a file that exists as long as the process.
+const char* Tool::spooledInput() const {
+  static const vel::tools::SpooledInput input("trc");
+  if (!input.isComplete()) end(kFileNotReadable, vel::tools::kStandardStream, kExitNoFile);
+  return input.name();
+}
+
 void Tool::selectFile(VelClTraceEnvironment& environment) const {
-  const char* const file = optional(kSwitchFile, nullptr);
+  const char* file = optional(kSwitchFile, nullptr);
+  if (file != nullptr && std::strcmp(file, "-") == 0) file = spooledInput();
   // A longer name would be cut, and could then be that of another file.
   if (file != nullptr && std::strlen(file) > VEL_MAX_PATH_LENGTH) end(kFileNotReadable, file, kExitNoFile);
   if (file != nullptr) environment.setFilename(file);
@@ -182,6 +195,7 @@ int vel::tools::toolMain(int argc, char** argv) {
   // The help needs its texts before there is a console user interface.
   VelClMessageCatalog texts;
   attachTexts(texts);
+  vel::tools::chooseLanguageOfTool(texts);
   const VelClMessage title(texts, kTitle);
   const VelClMessage usage(texts, kUsage);
   const VelClMessage help(texts, kHelp);

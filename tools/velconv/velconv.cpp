@@ -220,7 +220,7 @@ int vel::tools::toolMain(int argc, char** argv) {
     return tool.fail(kNotWritten);
   } catch (const VelClException& exception) {
     vel::tools::rethrowIfOutOfMemory(exception);
-    tool.exception(exception, kTexts[kTitle]);
+    tool.exception(exception, tool.text(kTitle).c_str());
     tool.processExit(CONUI_USAGE);
   }
 }

@@ -13,6 +13,7 @@
 #include "tools/catalog_tool.h"
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
+#include "tools/translation.h"
 #include "tools/veldump/byte_source.h"
 #include "tools/veldump/dump_parser.h"
 #include "tools/veldump/dump_writer.h"
@@ -117,6 +118,8 @@ void Tool::readSwitches() {
 std::vector<const char*> Tool::files() const {
   std::vector<const char*> names = freeArguments();
   if (names.empty()) names.push_back(nullptr);
+  for (const char*& name : names)
+    if (name != nullptr && std::strcmp(name, "-") == 0) name = nullptr;
   return names;
 }
 
@@ -141,7 +144,7 @@ void Tool::writeHeading(const char* file) {
 /// dump.
 bool Tool::handle(const char* file) {
   ByteSource source(file);
-  if (file == nullptr) file = kTexts[kStandardInputName];
+  if (file == nullptr) file = vel::tools::translated(kTexts[kStandardInputName]);
   if (!source.isOpen()) {
     report(kNotOpened, file);
     return false;
@@ -240,7 +243,7 @@ int vel::tools::toolMain(int argc, char** argv) {
     return kExitNotWritten;
   } catch (const VelClException& exception) {
     vel::tools::rethrowIfOutOfMemory(exception);
-    tool.exception(exception, kTexts[kTitle]);
+    tool.exception(exception, tool.text(kTitle).c_str());
     tool.processExit(CONUI_USAGE);
   }
 }

@@ -20,6 +20,7 @@
 #include "base/digits.h"
 #include "base/utf.h"
 #include "inifile/first_records.h"
+#include "vel_include/vel_quoting.h"
 
 namespace vel::velini {
 
@@ -48,14 +49,6 @@ std::string escaped(const char* text) {
     result += found != std::string_view::npos ? kNames[found] : *text;
   }
   return result;
-}
-
-/// Nothing can be escaped between single quotes: the string ends, an escaped quote follows, and a new one
-/// begins.
-std::string shellQuoted(const char* text) {
-  std::string quoted = "'";
-  for (; *text != '\0'; ++text) quoted += *text == '\'' ? std::string("'\\''") : std::string(1, *text);
-  return quoted + "'";
 }
 
 /// Returns how many bytes the UTF-8 character at the start has, 0 for ill-formed text.
@@ -88,7 +81,7 @@ std::string jsonText(std::string_view text) {
 }
 
 void writeShell(std::ostream& out, ShellNames& names, const std::string& section, const Option& option) {
-  out << names.variable(section + option.getName()) << '=' << shellQuoted(option.getValue()) << '\n';
+  out << names.variable(section + option.getName()) << '=' << velQuotedForShell(option.getValue()) << '\n';
 }
 
 void writeJsonOptions(std::ostream& out, const VelClIniFile& file, const Section& section) {
@@ -142,7 +135,7 @@ void writeName(std::ostream& out, Form form, const char* name) {
       out << '[' << name << "]\n";
       break;
     case Form::Shell:
-      out << shellQuoted(name) << '\n';
+      out << velQuotedForShell(name) << '\n';
       break;
     case Form::Json:
       out << jsonText(name);

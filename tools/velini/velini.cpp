@@ -291,7 +291,7 @@ int vel::tools::toolMain(int argc, char** argv) {
     exitCode = tool.run();
   } catch (const VelClException& exception) {
     vel::tools::rethrowIfOutOfMemory(exception);
-    tool.exception(exception, kTexts[kTitle]);
+    tool.exception(exception, tool.text(kTitle).c_str());
     tool.processExit(CONUI_USAGE);
   }
   // A full disk may show only now.

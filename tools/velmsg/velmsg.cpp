@@ -2,12 +2,15 @@
 //
 // The usage string defines which switches have values; which of them can be combined is checked here. The
 // tool's own texts are separate from the catalog that is shown, see CatalogTool.
+#include <cstring>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "platform/descriptors.h"
 #include "tools/catalog_tool.h"
+#include "tools/spooled_input.h"
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
 #include "tools/velmsg/catalog_report.h"
@@ -107,8 +110,14 @@ Tool::Catalog Tool::openSource() const {
 }
 
 Tool::Catalog Tool::open(const char* file) const {
-  auto catalog = std::make_unique<VelClMessageCatalog>(VelClFilename(file));
-  if (!catalog->isValid()) end(kCatalogNotLoaded, catalog->getAsCString(), kExitNoCatalog);
+  // A catalog needs its file only while it is opened.
+  std::optional<vel::tools::SpooledInput> input;
+  const bool isInput = std::strcmp(file, "-") == 0;
+  if (isInput) input.emplace("DLL");
+  auto catalog = std::make_unique<VelClMessageCatalog>(VelClFilename(isInput ? input->name() : file));
+  input.reset();
+  if (!catalog->isValid())
+    end(kCatalogNotLoaded, isInput ? vel::tools::kStandardStream : catalog->getAsCString(), kExitNoCatalog);
   return catalog;
 }
 
@@ -159,7 +168,7 @@ int vel::tools::toolMain(int argc, char** argv) {
     tool.run();
   } catch (const VelClException& exception) {
     vel::tools::rethrowIfOutOfMemory(exception);
-    tool.exception(exception, kTexts[kTitle]);
+    tool.exception(exception, tool.text(kTitle).c_str());
     tool.processExit(CONUI_USAGE);
   }
   // A full disk may show only now.

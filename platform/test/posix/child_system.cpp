@@ -52,6 +52,15 @@ void runPlan(ChildPlan plan, ChildResult& result) {
   result.started = result.exitCode != kExitCodeWithoutProgram;
 }
 
+std::vector<std::string> splitBySystem(const std::string& arguments) {
+  const std::string printed =
+      runChild("/bin/sh", {"-c", "printf '%s\\0' " + arguments}, {.rawOutput = true}).output;
+  std::vector<std::string> texts;
+  for (std::size_t at = 0; at < printed.size(); at += texts.back().size() + 1)
+    texts.emplace_back(printed.c_str() + at);
+  return texts;
+}
+
 std::string ownProgram() {
   return std::filesystem::read_symlink("/proc/self/exe").string();
 }

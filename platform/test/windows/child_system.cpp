@@ -5,8 +5,10 @@
 #include <windows.h>
 
 #include <io.h>
+#include <shellapi.h>
 
 #include <cstdlib>
+#include <cwchar>
 
 namespace vel::test {
 
@@ -65,6 +67,24 @@ void runPlan(ChildPlan plan, ChildResult& result) {
   if (code < kFirstExceptionCode) result.exitCode = static_cast<int>(code);
   CloseHandle(process.hThread);
   CloseHandle(process.hProcess);
+}
+
+std::vector<std::string> splitBySystem(const std::string& arguments) {
+  const std::string line = "program " + arguments;
+  std::wstring wide(line.size(), L' ');
+  wide.resize(static_cast<std::size_t>(MultiByteToWideChar(
+      CP_UTF8, 0, line.data(), static_cast<int>(line.size()), wide.data(), static_cast<int>(wide.size()))));
+  int count = 0;
+  wchar_t** const found = CommandLineToArgvW(wide.c_str(), &count);
+  std::vector<std::string> texts;
+  for (int i = 1; i < count; ++i) {
+    std::string text(3 * std::wcslen(found[i]) + 1, ' ');
+    WideCharToMultiByte(CP_UTF8, 0, found[i], -1, text.data(), static_cast<int>(text.size()), nullptr,
+                        nullptr);
+    texts.emplace_back(text.c_str());
+  }
+  LocalFree(found);
+  return texts;
 }
 
 std::string ownProgram() {

@@ -1,0 +1,125 @@
+// Tests what all tools have in common: standard input, quiet mode, and errors in the command line.
+#include "platform/test/test.h"
+#include "vel_include/vel_environment.h"
+#include "vel_include/vel_helpers.h"
+
+namespace {
+
+using vel::test::readFile;
+using Texts = std::vector<std::string>;
+
+/// Runs a tool in English, with its title on standard error unless `isQuiet`.
+vel::test::ChildResult run(const std::string& tool, Texts arguments, const std::string& input, bool isQuiet) {
+  if (isQuiet) arguments.insert(arguments.begin(), "-quiet");
+  return vel::test::runTool(tool, arguments, input);
+}
+
+TEST(Tools, ReadStandardInputAsAnyFile) {
+  const std::string trace = VEL_TEST_DATA "../trace/test/tour.trc";
+  const struct {
+    std::string tool;
+    Texts arguments;
+    std::string file;
+  } rows[] = {
+      {"velini", {"-list", "-file"}, VEL_TEST_DATA "../examples/import_records.ini"},
+      {"veldump", {"-squeeze"}, trace},
+      {"velconv", {"-from", "37", "-to", "1208", "-policy", "escape"}, trace},
+      {"velmsg", {"-list", "-cat"}, "qammsg50.DLL"},
+      {"velmsg", {"-builtin", "-diff"}, "velmsg_first.DLL"},
+      {"trcctl", {"-key", "tour", "-display", "-file"}, trace},
+  };
+  for (const auto& [tool, arguments, file] : rows) {
+    Texts named = arguments, input = arguments;
+    named.push_back(file);
+    input.emplace_back("-");
+    const auto expected = run(tool, named, "", true), result = run(tool, input, readFile(file), true);
+    EXPECT_NE(expected.output, "") << tool;
+    EXPECT_EQ(result.output, expected.output) << tool;
+    EXPECT_EQ(result.exitCode, expected.exitCode) << tool << result.errors;
+  }
+}
+
+TEST(Tools, ShowTheTitleUnlessTheyAreQuiet) {
+  const struct {
+    std::string tool;
+    Texts arguments;
+  } rows[] = {{"velini", {"-file", "-", "-list"}},
+              {"veldump", {"-"}},
+              {"velconv", {"-from", "850", "-to", "1208", "-"}},
+              {"velmsg", {"-builtin", "-id", "3"}},
+              {"trcctl", {"-key", "tour"}}};
+  for (const auto& [tool, arguments] : rows) {
+    const auto shown = run(tool, arguments, "[a]\n", false), quiet = run(tool, arguments, "[a]\n", true);
+    EXPECT_NE(shown.errors.find(" - "), std::string::npos) << tool;
+    EXPECT_EQ(quiet.errors, "") << tool;
+    EXPECT_EQ(quiet.output, shown.output);
+    EXPECT_EQ(quiet.exitCode, 0) << tool;
+  }
+}
+
+TEST(Tools, ReportErrorsInTheCommandLineOnStandardError) {
+  const vel::test::ScratchDirectory directory;
+  const std::string out = directory.write("out", "old");
+  const std::pair<std::string, Texts> rows[] = {
+      {"velini", {"-file", "-", "-list", "-nonsense"}},
+      {"velini", {"-file", "-", "-list", "-check"}},
+      {"veldump", {"-nonsense"}},
+      {"veldump", {"-limit", "5"}},
+      {"velconv", {"-from", "850", "-to", "1208", "-out", out, "-nonsense"}},
+      {"velconv", {"-from", "850", "-out", out}},
+      {"velmsg", {"-nonsense"}},
+      {"velmsg", {"-list"}},
+      {"trcctl", {"-key", "tour", "-nonsense"}},
+      {"trcctl", {}},
+  };
+  for (const auto& [tool, arguments] : rows) {
+    const auto result = run(tool, arguments, "", true);
+    EXPECT_EQ(result.output, "") << tool;
+    EXPECT_NE(result.errors.find("Usage: "), std::string::npos) << tool << result.errors;
+    EXPECT_EQ(result.errors.find('\a'), std::string::npos) << tool;
+    EXPECT_EQ(result.exitCode, 201) << tool;
+  }
+  EXPECT_EQ(readFile(out), "old");
+}
+
+// The manual pages show these runs.
+TEST(Tools, BehaveAsInTheExamplesOfTheirPages) {
+  for (const char* const tool : {"trcctl", "velconv", "veldump", "velini", "velmsg"})
+    vel::test::expectSession(std::string(VEL_TEST_DATA) + tool + "/test/examples.session");
+}
+
+// ctest runs this test for an English and for an Austrian user; LC_ALL tells which.
+TEST(ToolsInUsersLanguage, ShowNothingInAnother) {
+  const char* const locale = VelClEnvironmentVariableQueryOnly("LC_ALL").getValue();
+  const bool isGerman = locale != nullptr && std::string_view(locale).starts_with("de");
+  // Texts are in the code page of the process.
+  const std::string invalid = velGetOperatingSystemId() != 0 ? "ung\xFCltig" : "ung\u00FCltig";
+  const struct {
+    std::string tool;
+    Texts arguments;
+    std::string german;
+  } rows[] = {
+      {"velini", {"--help"}, "Exit-Codes: 0 Erfolg"},
+      {"velini",
+       {"-file", "-", "-list", "-lst"},
+       "Unbekanntes Befehlszeilenargument: -lst: meinten Sie -list?"},
+      {"velini", {"-file", "-", "-get", "x"}, "-section muss angegeben werden"},
+      {"veldump", {"--help"}, "Exit-Codes: 0 Erfolg"},
+      {"veldump", {"-reverse"}, "oder folgt nicht auf die Zeile davor: Standardeingabe: 1"},
+      {"velconv", {"--help"}, "Exit-Codes: 0 Erfolg"},
+      {"velconv", {"-from", "1208", "-to", "850", "-count"}, "Standardeingabe: 2 Bytes, 0 " + invalid},
+      {"velmsg", {"--help"}, "Exit-Codes: 0 Erfolg"},
+      {"velmsg", {"-lang", "5"}, "Genau eine der Angaben -list"},
+      {"trcctl", {"--help"}, "Aufruf: trcctl -key"},
+      {"trcctl", {"-key", "tour", "-file", "absent"}, "Angegebene Trace-Datei nicht gefunden"},
+  };
+  for (const auto& [tool, arguments, german] : rows) {
+    const auto result = vel::test::runChild(tool, arguments, {.input = "x\n"});
+    const std::string all = result.output + result.errors;
+    EXPECT_EQ(all.find(german) != std::string::npos, isGerman) << tool << all;
+    for (const char* const english : {" the ", "Usage", " error ", "xit code"})
+      EXPECT_TRUE(!isGerman || all.find(english) == std::string::npos) << english << all;
+  }
+}
+
+}  // namespace
