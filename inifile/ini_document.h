@@ -33,12 +33,14 @@ class IniDocument {
   bool deleteSection(const char* name);
 
  private:
-  Span span() const noexcept { return {text_.data(), text_.data() + text_.size()}; }
+  /// Returns the text without a byte order mark.
+  static Span bodyOf(const String& text) noexcept;
+  Span body() const noexcept { return bodyOf(text_); }
   static OwnedIniFile parse(const String& text, bool allowContinuation);
   /// Returns the layout of a section of the model.
   SectionLayout layoutOf(const VelClIniFileSection& wanted) const;
   template <typename Change>
-  bool replaceIf(String changed, const VelClIniFile* merged, Change change);
+  bool replaceIf(String changedBody, const VelClIniFile* merged, Change change);
 
   String text_;
   bool allowContinuation_ = false;

@@ -392,9 +392,12 @@ enum class VelEnIniFileLock : uint32_t {
 /// changed) unless parsing yields exactly the intended model: this refuses values that are too long or
 /// contain "\0", names that a file cannot represent, and changes after the point where the parser stops. A
 /// change takes time proportional to the size of the file.
+///
+/// A byte order mark of UTF-8 at the start of the file is kept, and a section in the first line is found. Note
+/// that VelClIniFile takes the mark for a part of the first line and does not find that section.
 class VEL_API VelClIniFileEditor : public VelClFile {
  public:
-  /// A name without extension gets ".INI". Nothing is read.
+  /// A name without extension gets ".INI"; setFileType("") removes it again. Nothing is read.
   explicit VelClIniFileEditor(const VelClFilenameABase& name);
   explicit VelClIniFileEditor(const char* name) : VelClIniFileEditor(VelClFilename(name)) {}
   VelClIniFileEditor(const VelClIniFileEditor&) = delete;

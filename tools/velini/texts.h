@@ -28,11 +28,14 @@ enum TextId : unsigned long {
   kNoEqualSign,
   kNothingContinued,
   kLineTooLong,
+  kWideText,
+  kByteOrderMark,
+  kNoSectionYet,
   kTextEnd
 };
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 24",
+    "[VEL_MSGTAB_SIGNATURE] 27",
     "[VELINI]",
     "INI file tool",
     "reads, edits and checks INI files",
@@ -44,8 +47,9 @@ inline constexpr const char* kTexts[] = {
     "[(-merge <file>)]\n"
     "[(-format <form>)] [(-prefix <prefix>)]\n"
     "[-nocontinue] [(-wait <seconds>)]",
-    "-file <file>        the INI file; a name without an extension gets .INI; - is standard\n"
-    "                    input, and edited text is then written to standard output\n"
+    "-file <file>        the INI file; if it does not exist and has no extension, the file with\n"
+    "                    .INI. - is standard input, and edited text is then written to\n"
+    "                    standard output\n"
     "-section <name>     the section for -get, -set, -delete, -delsection and -list\n"
     "-get <option>       print the value of an option\n"
     "-set <assignment>   option=value: change the option, or add it, and its section\n"
@@ -55,7 +59,8 @@ inline constexpr const char* kTexts[] = {
     "-sections           print the names of all sections\n"
     "-merge <file>       set every option of a second file in the first; - is standard input.\n"
     "                    If sections or options repeat, the first one counts\n"
-    "-check              print every syntax error as file:line: text\n"
+    "-check              print every syntax error as file:line: text, also a byte order mark,\n"
+    "                    UTF-16, and options before the first section\n"
     "-format <form>      plain (default), ini, shell or json\n"
     "-prefix <prefix>    prefix for the names of shell variables, such as CONFIG_\n"
     "-nocontinue         lines that begin with white space do not continue the line before\n"
@@ -103,6 +108,9 @@ inline constexpr const char* kTexts[] = {
     "the option has no equal sign",
     "the line begins with white space but continues nothing",
     "the line is too long; nothing after it is read",
+    "the text is UTF-16 or UTF-32; convert it to UTF-8",
+    "the file begins with a byte order mark, and programs may not find a section in the first line",
+    "options before the first section are not read",
 };
 static_assert(tools::isStringTable(kTexts, kTextEnd));
 

@@ -17,6 +17,7 @@
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
 #include "tools/velini/forms.h"
+#include "tools/velini/text_faults.h"
 #include "tools/velini/texts.h"
 #include "vel_include/vel_consoleui.h"
 #include "vel_include/vel_filesys.h"
@@ -48,6 +49,7 @@ class Tool : public vel::tools::CatalogTool {
   void readSwitches();
   void readFormat();
   bool edits() const;
+  bool isNamedAsGiven() const;
   /// Returns the exit code, 0 if the file may be edited.
   int lock(VelClIniFileEditor& editor) const;
   bool read(VelClIniFileEditor& editor, const char* name) const;
@@ -79,8 +81,19 @@ int Tool::run() {
   begin();
   readSwitches();
   VelClIniFileEditor editor(file_);
+  if (isNamedAsGiven()) editor.setFileType("");
   if (const int exitCode = lock(editor); exitCode != 0) return exitCode;
-  return read(editor, file_) ? runTask(editor) : fail(kExitNotRead, kNotRead, file_);
+  if (!read(editor, file_)) return fail(kExitNotRead, kNotRead, file_);
+  const std::string_view text(editor.getText(), editor.getLength());
+  if (isWide(text) && !hasArgSwitch("check")) return fail(kExitNotRead, kWideText, file_);
+  return runTask(editor);
+}
+
+/// The library adds ".INI" to a name without extension. Names such as "config" are usual, too, so ".INI" is
+/// added only if that file exists and the one with the given name does not.
+bool Tool::isNamedAsGiven() const {
+  const VelClFilename name(file_);
+  return !name.hasExtension() && (VelClFile(name, nullptr).isExistent() || !VelClFile(name, ".INI").isExistent());
 }
 
 void Tool::readSwitches() {
@@ -148,6 +161,10 @@ bool Tool::read(VelClIniFileEditor& editor, const char* name) const {
 
 int Tool::runTask(VelClIniFileEditor& editor) {
   const char* option = nullptr;
+  // Otherwise the user sees no option and not why.
+  if (!edits() && !hasArgSwitch("check") && editor.getIniFile().getFirstSection() == nullptr)
+    for (const Fault& fault : faultsBeforeSection({editor.getText(), editor.getLength()}))
+      if (fault.text == kNoSectionYet) return fail(kExitNotFound, kNoSectionYet, file_);
   if (hasArgString("get", option)) return get(editor.getIniFile(), option);
   if (hasArgSwitch("list")) return list(editor.getIniFile());
   if (hasArgSwitch("check")) return check(editor);
@@ -222,40 +239,39 @@ int Tool::merge(VelClIniFileEditor& editor, const char* name) const {
   return fail(kExitRefused, kRefused, refused != nullptr ? refused : name);
 }
 
-struct SyntaxError {
-  unsigned long id;
-  unsigned int line;
-};
-
-bool collectError(const _VelStError& error, unsigned int line, void* errors) {
-  static_cast<std::vector<SyntaxError>*>(errors)->push_back({error.getErrorId(), line});
-  return true;
+TextId textOf(const _VelStError& error) {
+  if (error.getErrorId() == INIFILE_INVAL_SECTION) return kNoClosingBracket;
+  return error.getErrorId() == INIFILE_INVAL_OPTION ? kNoEqualSign : kNothingContinued;
 }
 
-TextId textOf(const SyntaxError& error) {
-  if (error.id == INIFILE_INVAL_SECTION) return kNoClosingBracket;
-  return error.id == INIFILE_INVAL_OPTION ? kNoEqualSign : kNothingContinued;
+bool collectError(const _VelStError& error, unsigned int line, void* faults) {
+  static_cast<std::vector<Fault>*>(faults)->push_back({line, textOf(error)});
+  return true;
 }
 
 /// Parses the text a second time, with a handler that collects the errors. The library reports no error for a
 /// line that is too long: it stops reading there, which shows in the count of lines.
 int Tool::check(const VelClIniFileEditor& editor) const {
+  const std::string_view text(editor.getText(), editor.getLength());
+  std::vector<Fault> faults = faultsBeforeSection(text);
   // Unlike the load of a file, loadFromBuffer does not drop "\r" before a line break.
   std::string lines;
-  for (const char* c = editor.getText(); c != editor.getText() + editor.getLength(); ++c)
-    if (c[0] != '\r' || c[1] != '\n') lines += *c;
-  std::vector<SyntaxError> errors;
+  for (std::size_t i = hasUtf8Mark(text) ? std::strlen(vel::inifile::kUtf8Mark) : 0; i < text.size(); ++i)
+    if (!text.substr(i).starts_with("\r\n")) lines += text[i];
   VelClIniFile file(file_);
-  file.setErrorHandler(collectError, &errors);
+  file.setErrorHandler(collectError, &faults);
+  // The bytes of UTF-16 would make every line a syntax error.
+  if (isWide(text)) lines.clear();
   file.loadFromBuffer(lines.data(), lines.size(), '\n', true, allowContinuation_);
-  for (const SyntaxError& error : errors)
-    std::cout << file_ << ':' << error.line << ": " << text(textOf(error)) << '\n';
   const auto breaks = static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
   const std::size_t lastBreak = lines.rfind('\n');
   const std::size_t lastLength = lines.size() - (lastBreak == std::string::npos ? 0 : lastBreak + 1);
-  const bool isCut = file.getLineCount() <= breaks || lastLength > vel::inifile::kMaxLineLength;
-  if (isCut) std::cout << file_ << ':' << file.getLineCount() << ": " << text(kLineTooLong) << '\n';
-  return errors.empty() && !isCut ? 0 : kExitNotFound;
+  if (file.getLineCount() <= breaks || lastLength > vel::inifile::kMaxLineLength)
+    faults.push_back({file.getLineCount(), kLineTooLong});
+  std::ranges::stable_sort(faults, {}, &Fault::line);
+  for (const Fault& fault : faults)
+    std::cout << file_ << ':' << fault.line << ": " << this->text(fault.text) << '\n';
+  return faults.empty() ? 0 : kExitNotFound;
 }
 
 /// Holds back signals that would end the process, so that no unfinished file is left.
