@@ -151,20 +151,72 @@ bool IniDocument::addSection(const char* name) {
   return replaceIf(rewriter.finish(), nullptr, [name](VelClIniFile& file) { return file.addSection(name); });
 }
 
-bool IniDocument::deleteOption(const char* section, const char* option) {
-  const Section* const found = model_->getExistingSection(section);
+FoundOption IniDocument::findOption(const char* section, const char* option) const {
+  Section* const found = model_->getExistingSection(section);
   const Option* const wanted = found != nullptr ? model_->getExistingOption(*found, option) : nullptr;
-  if (wanted == nullptr) return false;
+  if (wanted == nullptr) return {};
   const SectionLayout layout = layoutOf(*found);
   std::span<const ValueLine> lines(layout.lines);
   // The lines of the options are in the order of the model, so those of earlier options are skipped.
   for (const Option* before = found->getFirstOption(); before != wanted; before = before->getNext())
     consumeOptionLines(lines);
+  const auto own = consumeOptionLines(lines);
+  return {found, wanted, {own.begin(), own.end()}};
+}
+
+bool IniDocument::deleteOption(const char* section, const char* option) {
+  const FoundOption found = findOption(section, option);
+  if (found.option == nullptr) return false;
   TextRewriter rewriter(body());
-  for (const ValueLine& line : consumeOptionLines(lines)) rewriter.remove(line.whole);
+  for (const ValueLine& line : found.lines) rewriter.remove(line.whole);
   return replaceIf(rewriter.finish(), nullptr, [=](VelClIniFile& file) {
     file.getSection(section);
     return file.deleteOption(option);
+  });
+}
+
+/// Lines that continue the value become comments, too.
+bool IniDocument::commentOutOption(const char* section, const char* option) {
+  const FoundOption found = findOption(section, option);
+  if (found.option == nullptr) return false;
+  TextRewriter rewriter(body());
+  for (const ValueLine& line : found.lines) rewriter.replace({line.whole.begin, line.whole.begin}, ";");
+  return replaceIf(rewriter.finish(), nullptr, [=](VelClIniFile& file) {
+    file.getSection(section);
+    return file.deleteOption(option);
+  });
+}
+
+bool IniDocument::renameOption(const char* section, const char* option, const char* newName) {
+  const FoundOption found = findOption(section, option);
+  if (found.option == nullptr) return false;
+  const Option* const other = model_->getExistingOption(*found.section, newName);
+  if (other != nullptr && other != found.option) return false;
+  Span name = found.lines.front().whole;
+  name.end = name.find('=');
+  while (name.end != name.begin && isSpace(name.end[-1])) --name.end;
+  TextRewriter rewriter(body());
+  rewriter.replace(name, newName);
+  return replaceIf(rewriter.finish(), nullptr, [&](VelClIniFile& file) {
+    Section& wanted = *file.getExistingSection(section);
+    auto& renamed = const_cast<Option&>(*file.getExistingOption(wanted, option));
+    Model::of(file).renameOption(wanted, renamed, {newName, newName + std::strlen(newName)});
+    // A name that leaves too little room for the value or the comment is refused.
+    return std::strcmp(renamed.getValue(), found.option->getValue()) == 0 &&
+           std::strcmp(renamed.getComment(), found.option->getComment()) == 0;
+  });
+}
+
+bool IniDocument::renameSection(const char* name, const char* newName) {
+  const Section* const found = model_->getExistingSection(name);
+  const Section* const other = model_->getExistingSection(newName);
+  if (found == nullptr || (other != nullptr && other != found)) return false;
+  if (std::strlen(newName) > Section::kMaxNameLength) return false;
+  TextRewriter rewriter(body());
+  rewriter.replace(nameInHeader(layoutOf(*found).header), newName);
+  return replaceIf(rewriter.finish(), nullptr, [=](VelClIniFile& file) {
+    Model::of(file).renameSection(*file.getExistingSection(name), {newName, newName + std::strlen(newName)});
+    return true;
   });
 }
 
