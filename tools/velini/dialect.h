@@ -20,20 +20,21 @@ enum class Values { Library, Plain, Git, Php };
 
 struct Dialect {
   const char* name;
-  const char* comments;    ///< the characters that begin a comment line; velini writes the first
-  const char* separators;  ///< the characters that end a name
-  Names sections;
-  Names options;
-  Continuation continuation;
-  Values values;
-  const char* bareValue;  ///< the value of an option without a separator; null if there must be one
-  bool hasSubsections;    ///< [name "subsection"], options in the line of a header, names of letters only
-  bool endsAtLastBracket;
-  bool hasOptionsBeforeSections;
-  bool mayRepeat;  ///< an option may occur several times in a section, and a section in a file
-  bool skipsMark;  ///< a byte order mark is allowed
-  const char* indentation;
-  const char* separator;  ///< as velini writes it
+  const char* comments;          ///< the characters that begin a comment line; velini writes the first
+  const char* separators = "=";  ///< the characters that end a name
+  Names sections = Names::Exact;
+  Names options = Names::Exact;
+  Continuation continuation = Continuation::None;
+  Values values = Values::Plain;
+  const char* bareValue = nullptr;  ///< the value of an option without a separator; null if there must be one
+  bool hasSubsections = false;  ///< [name "subsection"], options in the line of a header, restricted names
+  bool endsAtLastBracket =
+      false;  ///< the name in a header ends at the last "]" of the line, not at the first
+  bool hasOptionsBeforeSections = false;
+  bool mayRepeat = false;         ///< an option may occur several times in a section, and a section in a file
+  bool skipsMark = false;         ///< a byte order mark is allowed
+  const char* indentation = "";   ///< of options, as velini writes them
+  const char* separator = " = ";  ///< as velini writes it
 };
 
 /// The dialect of VelClIniFile, which the library reads and edits.

@@ -197,16 +197,6 @@ void readPhp(const Dialect& dialect, std::string_view text, ReadValue& read, Col
 
 // ---- Writing
 
-std::string escaped(std::string_view value, std::string_view characters, std::string_view names) {
-  std::string text;
-  for (const char c : value) {
-    const std::size_t found = characters.find(c);
-    if (found != std::string_view::npos) text += '\\';
-    text += found != std::string_view::npos ? names[found] : c;
-  }
-  return text;
-}
-
 std::string writtenPlain(const Dialect& dialect, std::string_view value, const ValueStyle& style) {
   if (dialect.continuation != Continuation::Indentation) return std::string(value);
   std::string text;
@@ -247,20 +237,31 @@ ReadValue readValue(const Dialect& dialect, std::string_view text, std::size_t a
   return read;
 }
 
+std::string withEscapes(std::string_view text, std::string_view characters, std::string_view names) {
+  std::string result;
+  for (const char c : text) {
+    const std::size_t found = characters.find(c);
+    if (found != std::string_view::npos) result += '\\';
+    result += found != std::string_view::npos ? names[found] : c;
+  }
+  return result;
+}
+
 std::string writtenValue(const Dialect& dialect, std::string_view value, const ValueStyle& style) {
   if (dialect.values == Values::Git) {
-    const std::string text = escaped(value, "\n\t\b\\\"", "ntb\\\"");
+    const std::string text = withEscapes(value, "\n\t\b\\\"", "ntb\\\"");
     return style.isQuoted || needsQuotes(value, dialect.comments) ? '"' + text + '"' : text;
   }
   if (dialect.values == Values::Php && (style.isQuoted || needsQuotes(value, ";\"'\r\n")))
-    return '"' + escaped(value, "\\\"", "\\\"") + '"';
+    return '"' + withEscapes(value, "\\\"", "\\\"") + '"';
   return writtenPlain(dialect, value, style);
 }
 
 std::string writtenSection(const Dialect& dialect, std::string_view section) {
   const std::size_t dot = section.find('.');
   if (!dialect.hasSubsections || dot == std::string_view::npos) return std::string(section);
-  return std::string(section.substr(0, dot)) + " \"" + escaped(section.substr(dot + 1), "\\\"", "\\\"") + '"';
+  return std::string(section.substr(0, dot)) + " \"" + withEscapes(section.substr(dot + 1), "\\\"", "\\\"") +
+         '"';
 }
 
 std::string writtenHeader(const Dialect& dialect, std::string_view section) {

@@ -34,6 +34,9 @@ struct ValueStyle {
 /// Returns the value as text for a file. A value that the dialect cannot hold reads back otherwise.
 std::string writtenValue(const Dialect& dialect, std::string_view value, const ValueStyle& style);
 
+/// Returns the text with a "\" and the name of the same index for each of the characters.
+std::string withEscapes(std::string_view text, std::string_view characters, std::string_view names);
+
 /// Returns a header without its line break.
 std::string writtenHeader(const Dialect& dialect, std::string_view section);
 /// Returns the text between the brackets.

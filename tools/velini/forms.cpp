@@ -133,15 +133,7 @@ bool parseForm(const char* name, Form& form) {
 }
 
 std::string plainText(std::string_view text) {
-  constexpr std::string_view kSpecial = "\n\t\r\\";
-  constexpr std::string_view kNames = "ntr\\";
-  std::string result;
-  for (const char c : text) {
-    const std::size_t found = kSpecial.find(c);
-    if (found != std::string_view::npos) result += '\\';
-    result += found != std::string_view::npos ? kNames[found] : c;
-  }
-  return result;
+  return withEscapes(text, "\n\t\r\\", "ntr\\");
 }
 
 // JSON must be well-formed UTF-8. A byte that belongs to no UTF-8 character becomes the character of its

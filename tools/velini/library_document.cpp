@@ -69,30 +69,27 @@ std::vector<Fault> LibraryDocument::faults() const {
 
 /// Returns why the edit cannot be made, to tell that from a change that was refused.
 EditResult LibraryDocument::obstacle(const Edit& edit) const {
-  const VelClIniFileSection* const section = file().getExistingSection(edit.section.c_str());
-  if (edit.kind == EditKind::Set) return EditResult::Done;
-  if (edit.kind != EditKind::Add && section == nullptr) return EditResult::NotFound;
-  const auto has = [&](const std::string& name) {
-    return section != nullptr && file().getExistingOption(*section, name.c_str()) != nullptr;
-  };
-  const auto isOther = [](const std::string& a, const std::string& b) {
-    return keyOf(Names::AnyCase, a) != keyOf(Names::AnyCase, b);
-  };
+  const Records all = records();
+  const Section* const section = all.find(edit.section);
+  const Option* const option = section != nullptr ? all.find(*section, edit.option) : nullptr;
   switch (edit.kind) {
-    case EditKind::Add:
-      return has(edit.option) ? EditResult::Exists : EditResult::Done;
-    case EditKind::DeleteSection:
+    case EditKind::Set:
       return EditResult::Done;
-    case EditKind::RenameSection:
-      return isOther(edit.section, edit.value) && file().getExistingSection(edit.value.c_str()) != nullptr
-                 ? EditResult::Exists
-                 : EditResult::Done;
+    case EditKind::Add:
+      return option != nullptr ? EditResult::Exists : EditResult::Done;
+    case EditKind::DeleteSection:
+      return section == nullptr ? EditResult::NotFound : EditResult::Done;
+    case EditKind::RenameSection: {
+      const Section* const other = all.find(edit.value);
+      if (section == nullptr) return EditResult::NotFound;
+      return other != nullptr && other != section ? EditResult::Exists : EditResult::Done;
+    }
     default:
       break;
   }
-  if (!has(edit.option)) return EditResult::NotFound;
-  const bool collides = edit.kind == EditKind::Rename && isOther(edit.option, edit.value) && has(edit.value);
-  return collides ? EditResult::Exists : EditResult::Done;
+  if (option == nullptr) return EditResult::NotFound;
+  const Option* const other = edit.kind == EditKind::Rename ? all.find(*section, edit.value) : nullptr;
+  return other != nullptr && other != option ? EditResult::Exists : EditResult::Done;
 }
 
 bool LibraryDocument::makes(const Edit& edit) {
