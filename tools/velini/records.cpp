@@ -1,7 +1,6 @@
 #include "tools/velini/records.h"
 
 #include <algorithm>
-#include <ranges>
 #include <unordered_set>
 
 #include "inifile/first_records.h"
@@ -38,8 +37,8 @@ void Records::complete() {
     sections.erase(sections.begin());
   for (Section& section : sections) {
     std::unordered_set<std::string_view> later;
-    for (Option& option : section.options | std::views::reverse)
-      option.counts = later.insert(option.key).second;
+    for (auto option = section.options.rbegin(); option != section.options.rend(); ++option)
+      option->counts = later.insert(option->key).second;
   }
 }
 
