@@ -57,12 +57,19 @@ KnownOptions knownOptions(const Layout& layout, const Records& records) {
   return known;
 }
 
+/// How new options of a section look, and their lines.
+struct NewOptions {
+  std::string indentation;
+  std::string separator;
+  std::vector<std::string> lines;
+};
+
 /// A change under construction.
 struct Change {
   Records wanted;
   std::vector<Splice> splices;
-  std::map<const SectionPlace*, std::vector<std::string>> added;  ///< lines after the content of a section
-  std::vector<std::string> atEnd;                                 ///< lines of new sections
+  std::map<const SectionPlace*, NewOptions> added;  ///< after the content of a section
+  std::vector<std::string> atEnd;                   ///< lines of new sections
 };
 
 class DialectDocument : public Document {
@@ -91,7 +98,8 @@ class DialectDocument : public Document {
   EditResult renameSection(const Edit& edit);
 
   Splice newValue(const OptionPlace& place, const std::string& value) const;
-  std::string newOption(const SectionPlace* section, const Setting& setting) const;
+  NewOptions styleOf(const SectionPlace* section) const;
+  std::string newOption(const NewOptions& style, const Setting& setting) const;
   Splice addedLines(std::size_t at, const std::vector<std::string>& lines) const;
   void commentOut(const OptionPlace& place, std::vector<Splice>& splices) const;
   std::string indentationOf(const OptionPlace& place) const;
@@ -181,16 +189,21 @@ Splice DialectDocument::newValue(const OptionPlace& place, const std::string& va
   return {place.value, text};
 }
 
-/// The option looks like the last one of the section.
-std::string DialectDocument::newOption(const SectionPlace* section, const Setting& setting) const {
-  std::string indentation = dialect_.indentation, separator = dialect_.separator;
+/// New options look like the last one of the section.
+NewOptions DialectDocument::styleOf(const SectionPlace* section) const {
+  NewOptions style{dialect_.indentation, dialect_.separator, {}};
+  if (section == nullptr) return style;
   for (const OptionPlace& place : layout_.options) {
-    if (section == nullptr || &layout_.sections[place.section] != section || place.isInHeader) continue;
-    indentation = indentationOf(place);
-    if (!place.value.isEmpty()) separator = Range{place.name.end, place.value.begin}.in(text_);
+    if (&layout_.sections[place.section] != section || place.isInHeader) continue;
+    style.indentation = indentationOf(place);
+    if (!place.value.isEmpty()) style.separator = Range{place.name.end, place.value.begin}.in(text_);
   }
-  return indentation + setting.option + separator +
-         writtenValue(dialect_, setting.value, {false, indentation, lineEnd()});
+  return style;
+}
+
+std::string DialectDocument::newOption(const NewOptions& style, const Setting& setting) const {
+  return style.indentation + setting.option + style.separator +
+         writtenValue(dialect_, setting.value, {false, style.indentation, lineEnd()});
 }
 
 /// If the text ends without a line break, it still does so afterwards.
@@ -222,7 +235,9 @@ void DialectDocument::add(const Setting& setting, Change& change) const {
       std::ranges::find(layout_.sections.rbegin(), layout_.sections.rend(), key, &SectionPlace::key);
   Section* target = sectionOf(change.wanted, setting.section);
   if (last != layout_.sections.rend()) {
-    change.added[&*last].push_back(newOption(&*last, setting));
+    auto options = change.added.find(&*last);
+    if (options == change.added.end()) options = change.added.emplace(&*last, styleOf(&*last)).first;
+    options->second.lines.push_back(newOption(options->second, setting));
   } else {
     if (target == nullptr) {
       if (!text_.empty() || !change.atEnd.empty()) change.atEnd.emplace_back();
@@ -230,7 +245,7 @@ void DialectDocument::add(const Setting& setting, Change& change) const {
       change.wanted.sections.push_back({setting.section, {}, key, true});
       target = &change.wanted.sections.back();
     }
-    change.atEnd.push_back(newOption(nullptr, setting));
+    change.atEnd.push_back(newOption(styleOf(nullptr), setting));
   }
   target->options.push_back(
       {setting.option, setting.value, "", keyOf(dialect_.options, setting.option), true});
@@ -257,8 +272,8 @@ EditResult DialectDocument::set(const std::vector<Setting>& settings, bool adds,
     change.splices.push_back(newValue(*option.place, setting.value));
     sections[option.section].options[option.option].value = setting.value;
   }
-  for (const auto& [section, lines] : change.added)
-    change.splices.push_back(addedLines(section->contentEnd, lines));
+  for (const auto& [section, options] : change.added)
+    change.splices.push_back(addedLines(section->contentEnd, options.lines));
   if (!change.atEnd.empty()) change.splices.push_back(addedLines(text_.size(), change.atEnd));
   return commit(std::move(change.splices), std::move(change.wanted));
 }
