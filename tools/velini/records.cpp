@@ -33,7 +33,8 @@ const Option* Records::find(const Section& section, std::string_view name) const
 }
 
 void Records::complete() {
-  if (!sections.empty() && sections[0].key.empty() && sections[0].options.empty())
+  if (dialect->hasOptionsBeforeSections && !sections.empty() && sections[0].key.empty() &&
+      sections[0].options.empty())
     sections.erase(sections.begin());
   for (Section& section : sections) {
     std::unordered_set<std::string_view> later;
