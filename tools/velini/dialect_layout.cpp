@@ -71,7 +71,7 @@ class LayoutReader {
     if (!layout_.sections.empty() && layout_.sections.back().contentEnd > section.header.begin)
       extendSection(section.header.begin);
     layout_.sections.push_back(std::move(section));
-    return section.header.end;
+    return layout_.sections.back().header.end;
   }
 
   /// Returns the end of the header, 0 if it has none.
