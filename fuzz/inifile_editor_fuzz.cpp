@@ -1,6 +1,7 @@
 // Edits any text: a change leaves all other bytes and options as they are, the value round-trips, and a
 // refused change does nothing. The input is a byte of options, a section's name, an option's name and a
 // value, each NUL-terminated, and the text.
+#include "base/ascii.h"
 #include "fuzz/bytes.h"
 #include "fuzz/ini_model.h"
 
@@ -82,13 +83,37 @@ void merge(VelClIniFileEditor& editor, const Input& input) {
     }
 }
 
-void removeOption(VelClIniFileEditor& editor, const Input& input) {
+/// Deletes the option or makes it a comment: for the model that is the same.
+void removeOption(VelClIniFileEditor& editor, const Input& input, bool isCommentedOut) {
   const VelClIniFileOption* const option = findOption(editor.getIniFile(), input.section, input.option);
   const bool wasThere = option != nullptr;
   const auto rest = modelOf(editor.getIniFile(), option);
-  const bool isDone = editor.deleteOption(input.section.c_str(), input.option.c_str());
+  const char *const section = input.section.c_str(), *const name = input.option.c_str();
+  const bool isDone =
+      isCommentedOut ? editor.commentOutOption(section, name) : editor.deleteOption(section, name);
   if (isDone) return require({wasThere, modelOf(editor.getIniFile()) == rest});
   require({textOf(editor) == input.text, !wasThere || !isSmall(input)});
+}
+
+/// Gives the option, or with an empty name its section, the name in the value.
+void rename(VelClIniFileEditor& editor, const Input& input) {
+  const bool isOption = !input.option.empty();
+  auto model = modelOf(editor.getIniFile());
+  const auto section = std::ranges::find_if(model, [&](const auto& each) {
+    return vel::equalsIgnoringAsciiCase(each.name.c_str(), input.section.c_str());
+  });
+  const char* const name = input.section.c_str();
+  const bool isDone = isOption ? editor.renameOption(name, input.option.c_str(), input.value.c_str())
+                               : editor.renameSection(name, input.value.c_str());
+  if (!isDone) return require(textOf(editor) == input.text);
+  require(section != model.end());
+  if (!isOption) section->name = input.value;
+  const auto option = std::ranges::find_if(section->options, [&](const auto& each) {
+    return isOption && vel::equalsIgnoringAsciiCase(each.name.c_str(), input.option.c_str());
+  });
+  require(!isOption || option != section->options.end());
+  if (isOption) option->name = input.value;
+  require(modelOf(editor.getIniFile()) == model);
 }
 
 void changeSection(VelClIniFileEditor& editor, const Input& input, bool isAdded) {
@@ -118,8 +143,9 @@ void fuzz::run(fuzz::Bytes bytes) {
     case 1:
       return merge(editor, input);
     case 2:
-      return removeOption(editor, input);
+      return removeOption(editor, input, (options & 8) != 0);
     default:
+      if ((options & 16) != 0) return rename(editor, input);
       return changeSection(editor, input, (options & 8) != 0);
   }
 }

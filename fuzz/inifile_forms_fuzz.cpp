@@ -51,13 +51,13 @@ class Reader {
 
 std::string list(const VelClIniFile& file, Form form, ShellNames& names) {
   std::ostringstream out;
-  writeOptions(out, form, file, nullptr, names);
+  writeOptions(out, form, vel::velini::recordsOf(file), nullptr, names);
   return out.str();
 }
 
 std::string listNames(const VelClIniFile& file, Form form) {
   std::ostringstream out;
-  writeSections(out, form, file);
+  writeSections(out, form, vel::velini::recordsOf(file));
   return out.str();
 }
 

@@ -8,8 +8,9 @@
 //
 // The change is refused unless both models are equal. So no rule lists the names and values that a file
 // cannot hold, or the places that the parser never reaches: whatever the parser would read otherwise is not
-// saved. Finding lines is section_layout.cpp's work, rewriting them text_rewriter.cpp's and
-// text_merger.cpp's.
+// saved. A byte order mark of UTF-8 is kept, but is not part of the first line: the section after it is
+// found, unlike by VelClIniFile::load, which would make a change add a second section. Finding lines is
+// section_layout.cpp's work, rewriting them text_rewriter.cpp's and text_merger.cpp's.
 #include "inifile/ini_document.h"
 
 #include <cstring>
@@ -93,9 +94,16 @@ void IniDocument::adopt(String text, bool allowContinuation) {
   text_ = std::move(text);
 }
 
+Span IniDocument::bodyOf(const String& text) noexcept {
+  Span body{text.data(), text.data() + text.size()};
+  body.skipUtf8Mark();
+  return body;
+}
+
 OwnedIniFile IniDocument::parse(const String& text, bool allowContinuation) {
   OwnedIniFile file(create<VelClIniFile>(""));
-  LineSource lines(text.data(), text.size(), '\n', LineSource::Bytes::Text);
+  const Span body = bodyOf(text);
+  LineSource lines(body.begin, body.length(), '\n', LineSource::Bytes::Text);
   Parser(*file, true, allowContinuation).parse(lines);
   return file;
 }
@@ -103,22 +111,24 @@ OwnedIniFile IniDocument::parse(const String& text, bool allowContinuation) {
 /// The scanner finds the sections in the order of the model, so both advance together. Names would not do:
 /// they may repeat.
 SectionLayout IniDocument::layoutOf(const Section& wanted) const {
-  SectionScanner scanner(span(), allowContinuation_);
+  SectionScanner scanner(body(), allowContinuation_);
   const Section* section = model_->getFirstSection();
   while (scanner.next() && section != &wanted) section = section->getNext();
   return scanner.layout();
 }
 
-/// Applies `change` to a copy of the model, and commits `changed` only if parsing it gives that same model.
-/// Otherwise, or if `change` returns false, nothing changes and false is returned. `merged` is the source of
-/// a merge, or null. The copy is made by parsing the old text again, since a model cannot be copied.
+/// Applies `change` to a copy of the model, and commits `changedBody`, after the byte order mark of the old
+/// text, only if parsing it gives that same model. Otherwise, or if `change` returns false, nothing changes
+/// and false is returned. `merged` is the source of a merge, or null. The copy is made by parsing the old
+/// text again, since a model cannot be copied.
 template <typename Change>
-bool IniDocument::replaceIf(String changed, const VelClIniFile* merged, Change change) {
+bool IniDocument::replaceIf(String changedBody, const VelClIniFile* merged, Change change) {
   const OwnedIniFile wanted = parse(text_, allowContinuation_);
   if (!change(*wanted)) return false;
-  OwnedIniFile parsed = parse(changed, allowContinuation_);
+  changedBody.insert(0, text_.data(), static_cast<std::size_t>(body().begin - text_.data()));
+  OwnedIniFile parsed = parse(changedBody, allowContinuation_);
   if (!sameModel(*wanted, *parsed, merged)) return false;
-  text_ = std::move(changed);
+  text_ = std::move(changedBody);
   model_ = std::move(parsed);
   return true;
 }
@@ -129,32 +139,84 @@ bool IniDocument::setValue(const char* section, const char* option, const char* 
 }
 
 bool IniDocument::merge(const VelClIniFile& source) {
-  return replaceIf(mergedText(span(), allowContinuation_, *model_, source), &source,
+  return replaceIf(mergedText(body(), allowContinuation_, *model_, source), &source,
                    [&source](VelClIniFile& file) { return mergeModel(file, source); });
 }
 
 /// A longer name would be cut when it is read, and could not be found again.
 bool IniDocument::addSection(const char* name) {
   if (std::strlen(name) > Section::kMaxNameLength) return false;
-  TextRewriter rewriter(span());
+  TextRewriter rewriter(body());
   rewriter.addHeader(name);
   return replaceIf(rewriter.finish(), nullptr, [name](VelClIniFile& file) { return file.addSection(name); });
 }
 
-bool IniDocument::deleteOption(const char* section, const char* option) {
-  const Section* const found = model_->getExistingSection(section);
+FoundOption IniDocument::findOption(const char* section, const char* option) const {
+  Section* const found = model_->getExistingSection(section);
   const Option* const wanted = found != nullptr ? model_->getExistingOption(*found, option) : nullptr;
-  if (wanted == nullptr) return false;
+  if (wanted == nullptr) return {};
   const SectionLayout layout = layoutOf(*found);
   std::span<const ValueLine> lines(layout.lines);
   // The lines of the options are in the order of the model, so those of earlier options are skipped.
   for (const Option* before = found->getFirstOption(); before != wanted; before = before->getNext())
     consumeOptionLines(lines);
-  TextRewriter rewriter(span());
-  for (const ValueLine& line : consumeOptionLines(lines)) rewriter.remove(line.whole);
+  const auto own = consumeOptionLines(lines);
+  return {found, wanted, {own.begin(), own.end()}};
+}
+
+bool IniDocument::deleteOption(const char* section, const char* option) {
+  const FoundOption found = findOption(section, option);
+  if (found.option == nullptr) return false;
+  TextRewriter rewriter(body());
+  for (const ValueLine& line : found.lines) rewriter.remove(line.whole);
   return replaceIf(rewriter.finish(), nullptr, [=](VelClIniFile& file) {
     file.getSection(section);
     return file.deleteOption(option);
+  });
+}
+
+/// Lines that continue the value become comments, too.
+bool IniDocument::commentOutOption(const char* section, const char* option) {
+  const FoundOption found = findOption(section, option);
+  if (found.option == nullptr) return false;
+  TextRewriter rewriter(body());
+  for (const ValueLine& line : found.lines) rewriter.replace({line.whole.begin, line.whole.begin}, ";");
+  return replaceIf(rewriter.finish(), nullptr, [=](VelClIniFile& file) {
+    file.getSection(section);
+    return file.deleteOption(option);
+  });
+}
+
+bool IniDocument::renameOption(const char* section, const char* option, const char* newName) {
+  const FoundOption found = findOption(section, option);
+  if (found.option == nullptr) return false;
+  const Option* const other = model_->getExistingOption(*found.section, newName);
+  if (other != nullptr && other != found.option) return false;
+  Span name = found.lines.front().whole;
+  name.end = name.find('=');
+  while (name.end != name.begin && isSpace(name.end[-1])) --name.end;
+  TextRewriter rewriter(body());
+  rewriter.replace(name, newName);
+  return replaceIf(rewriter.finish(), nullptr, [&](VelClIniFile& file) {
+    Section& wanted = *file.getExistingSection(section);
+    auto& renamed = const_cast<Option&>(*file.getExistingOption(wanted, option));
+    Model::of(file).renameOption(wanted, renamed, {newName, newName + std::strlen(newName)});
+    // A name that leaves too little room for the value or the comment is refused.
+    return std::strcmp(renamed.getValue(), found.option->getValue()) == 0 &&
+           std::strcmp(renamed.getComment(), found.option->getComment()) == 0;
+  });
+}
+
+bool IniDocument::renameSection(const char* name, const char* newName) {
+  const Section* const found = model_->getExistingSection(name);
+  const Section* const other = model_->getExistingSection(newName);
+  if (found == nullptr || (other != nullptr && other != found)) return false;
+  if (std::strlen(newName) > Section::kMaxNameLength) return false;
+  TextRewriter rewriter(body());
+  rewriter.replace(nameInHeader(layoutOf(*found).header), newName);
+  return replaceIf(rewriter.finish(), nullptr, [=](VelClIniFile& file) {
+    Model::of(file).renameSection(*file.getExistingSection(name), {newName, newName + std::strlen(newName)});
+    return true;
   });
 }
 
@@ -162,7 +224,7 @@ bool IniDocument::deleteSection(const char* name) {
   const Section* const found = model_->getExistingSection(name);
   if (found == nullptr) return false;
   const SectionLayout layout = layoutOf(*found);
-  TextRewriter rewriter(span());
+  TextRewriter rewriter(body());
   rewriter.remove({layout.header.begin, layout.contentEnd});
   return replaceIf(rewriter.finish(), nullptr,
                    [name](VelClIniFile& file) { return file.deleteSection(name); });

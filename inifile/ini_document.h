@@ -13,6 +13,13 @@ namespace vel::inifile {
 
 using OwnedIniFile = OwnedObject<VelClIniFile>;
 
+/// An option of a model, with its section, and its lines in the text.
+struct FoundOption {
+  VelClIniFileSection* section = nullptr;
+  const VelClIniFileOption* option = nullptr;
+  Vector<ValueLine> lines;
+};
+
 class IniDocument {
  public:
   /// Starts with an empty text.
@@ -31,14 +38,21 @@ class IniDocument {
   bool addSection(const char* name);
   bool deleteOption(const char* section, const char* option);
   bool deleteSection(const char* name);
+  bool renameSection(const char* name, const char* newName);
+  bool renameOption(const char* section, const char* option, const char* newName);
+  bool commentOutOption(const char* section, const char* option);
 
  private:
-  Span span() const noexcept { return {text_.data(), text_.data() + text_.size()}; }
+  /// Returns the text without a byte order mark.
+  static Span bodyOf(const String& text) noexcept;
+  Span body() const noexcept { return bodyOf(text_); }
   static OwnedIniFile parse(const String& text, bool allowContinuation);
   /// Returns the layout of a section of the model.
   SectionLayout layoutOf(const VelClIniFileSection& wanted) const;
+  /// Returns the option of these names and its lines, or null and no lines.
+  FoundOption findOption(const char* section, const char* option) const;
   template <typename Change>
-  bool replaceIf(String changed, const VelClIniFile* merged, Change change);
+  bool replaceIf(String changedBody, const VelClIniFile* merged, Change change);
 
   String text_;
   bool allowContinuation_ = false;

@@ -78,6 +78,19 @@ bool VelClIniFileEditor::deleteSection(const char* name) {
   return name != nullptr && file_->document.deleteSection(name);
 }
 
+bool VelClIniFileEditor::renameSection(const char* name, const char* newName) {
+  return name != nullptr && newName != nullptr && file_->document.renameSection(name, newName);
+}
+
+bool VelClIniFileEditor::renameOption(const char* section, const char* option, const char* newName) {
+  return section != nullptr && option != nullptr && newName != nullptr &&
+         file_->document.renameOption(section, option, newName);
+}
+
+bool VelClIniFileEditor::commentOutOption(const char* section, const char* option) {
+  return section != nullptr && option != nullptr && file_->document.commentOutOption(section, option);
+}
+
 const char* VelClIniFileEditor::getText() const {
   return file_->document.text().c_str();
 }

@@ -42,6 +42,19 @@ TEST(IniEditor, ChangesNoOtherByteOfTheText) {
   }
 }
 
+TEST(IniEditor, RenamesAndCommentsOut) {
+  for (const auto& row : readTexts(VEL_TEST_DATA "test/renames.tsv")) {
+    VelClIniFileEditor editor("unused");
+    editor.loadFromBuffer(row[0].data(), row[0].size(), true);
+    const char *section = row[1].c_str(), *option = row[2].c_str(), *name = orNull(row[3]);
+    const bool isDone = row[2] == "-"   ? editor.renameSection(section, name)
+                        : row[3] == "-" ? editor.commentOutOption(section, option)
+                                        : editor.renameOption(section, option, name);
+    EXPECT_EQ(isDone, row.at(4) != "-") << row[0];
+    EXPECT_EQ(textOf(editor), isDone ? row[4] : row[0]);
+  }
+}
+
 TEST(IniEditor, MergesAllOrNothing) {
   for (const auto& row : readTexts(VEL_TEST_DATA "test/merges.tsv")) {
     VelClIniFileEditor editor("unused");

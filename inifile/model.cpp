@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "base/ascii.h"
 #include "foundation/allocator.h"
@@ -71,11 +72,31 @@ Model::Option* Model::findOption(const Section& section, const char* name) {
   return indexOf(section)->find(name);
 }
 
+void Model::setName(Section& section, Span name) noexcept {
+  const std::size_t length = std::min(name.length(), Section::kMaxNameLength);
+  if (length != 0) std::memcpy(section.name_, name.begin, length);
+  section.name_[length] = '\0';
+}
+
+/// The index, a cache, is dropped and built again when it is needed.
+void Model::renameSection(Section& section, Span name) noexcept {
+  destroy(std::exchange(sectionIndex_, nullptr));
+  setName(section, name);
+}
+
+void Model::renameOption(Section& section, Option& option, Span name) {
+  OptionText text(name);
+  text.addToValue(option.getValue(), std::strlen(option.getValue()));
+  text.setComment({option.getComment(), option.getComment() + std::strlen(option.getComment())});
+  replaceText(option, text);
+  destroy(indexOf(section));
+  section.index_ = nullptr;
+}
+
 Model::Section* Model::appendSection(Span name) {
   constexpr std::size_t kUnits = RecordPool::unitsFor(sizeof(Section));
   auto* const section = ::new (pool_.allocate(kUnits)) Section{};
-  const std::size_t length = std::min(name.length(), Section::kMaxNameLength);
-  if (length != 0) std::memcpy(section->name_, name.begin, length);
+  setName(*section, name);
   // The index is updated first: when it finds no memory, the list is unchanged.
   try {
     if (sectionIndex_ != nullptr) sectionIndex_->add(section, file_.lastSection_);

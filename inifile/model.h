@@ -33,6 +33,10 @@ class Model {
   Option* appendOption(Section& section, const OptionText& text);
   /// Gives an option another text. Pointers to its old texts become invalid.
   void replaceText(Option& option, const OptionText& text);
+  /// Rename a record. The name of a section is cut to 80 characters; a value or comment that the longer name
+  /// of an option leaves no room for is cut, too.
+  void renameSection(Section& section, Span name) noexcept;
+  void renameOption(Section& section, Option& option, Span name);
   /// Delete a record, which must be the first of its name. Cursors on it become invalid.
   void deleteSection(Section& section) noexcept;
   void deleteOption(Section& section, Option& option) noexcept;
@@ -58,6 +62,7 @@ class Model {
   static char* textInRecord(Option& option) noexcept;
   static void fill(Option& option, char* place, const OptionText& text) noexcept;
   Option* makeOption(const OptionText& text);
+  static void setName(Section& section, Span name) noexcept;
   /// Frees a text that has left its record.
   void freeText(Option& option) noexcept;
   void freeOptions(Section& section) noexcept;

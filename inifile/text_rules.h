@@ -22,6 +22,9 @@ constexpr bool isControl(char c) noexcept {
   return byte < 0x20 || byte == 0x7F;
 }
 
+/// The byte order mark of UTF-8, which some editors write at the start of a file.
+inline constexpr char kUtf8Mark[] = "\xEF\xBB\xBF";
+
 /// Part of a text. Reading at the end gives NUL, and nothing moves beyond it.
 struct Span {
   const char* begin;
@@ -34,6 +37,11 @@ struct Span {
   void skip(std::size_t count) noexcept { begin += count < length() ? count : length(); }
   void skipSpace() noexcept {
     while (begin != end && isSpace(*begin)) ++begin;
+  }
+  /// Skips a byte order mark at the beginning.
+  void skipUtf8Mark() noexcept {
+    constexpr std::size_t kLength = sizeof kUtf8Mark - 1;
+    if (length() >= kLength && std::memcmp(begin, kUtf8Mark, kLength) == 0) begin += kLength;
   }
   /// Returns the position of the first `c`, or null.
   const char* find(char c) const noexcept {

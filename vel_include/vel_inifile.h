@@ -392,9 +392,12 @@ enum class VelEnIniFileLock : uint32_t {
 /// changed) unless parsing yields exactly the intended model: this refuses values that are too long or
 /// contain "\0", names that a file cannot represent, and changes after the point where the parser stops. A
 /// change takes time proportional to the size of the file.
+///
+/// A byte order mark of UTF-8 at the start of the file is kept, and a section in the first line is found.
+/// Note that VelClIniFile takes the mark for a part of the first line and does not find that section.
 class VEL_API VelClIniFileEditor : public VelClFile {
  public:
-  /// A name without extension gets ".INI". Nothing is read.
+  /// A name without extension gets ".INI"; setFileType("") removes it again. Nothing is read.
   explicit VelClIniFileEditor(const VelClFilenameABase& name);
   explicit VelClIniFileEditor(const char* name) : VelClIniFileEditor(VelClFilename(name)) {}
   VelClIniFileEditor(const VelClIniFileEditor&) = delete;
@@ -420,6 +423,12 @@ class VEL_API VelClIniFileEditor : public VelClFile {
   bool deleteOption(const char* section, const char* option);
   /// Removes the lines from the header to the last one that is neither blank nor a comment.
   bool deleteSection(const char* name);
+  /// Change a name and nothing else. Return false if the new name exists; another case of the old name is not
+  /// another name.
+  bool renameSection(const char* name, const char* newName);
+  bool renameOption(const char* section, const char* option, const char* newName);
+  /// Makes the option's line and its continuation lines comments, by a ";" in column 1.
+  bool commentOutOption(const char* section, const char* option);
 
   /// Return the current text, NUL-terminated, and its length in bytes; valid until the next change.
   const char* getText() const;

@@ -2,54 +2,36 @@
 // written, so each form escapes what has a meaning in it:
 //
 //   plain    one line per option, separated by tabs: tab, line break and backslash are escaped
-//   ini      as VelClIniFileSave writes it
+//   ini      as VelClIniFileSave writes it, or in the dialect of the file
 //   shell    NAME='value', where only the quote itself is special; names are shell_names.cpp's work
 //   json     one object of objects; control characters, quotes and bytes that are not UTF-8 are escaped
 //
-// Names may repeat in a file. Plain and ini show all of them, shell and json only the first of each name,
-// which is the one that programs find.
+// Names may repeat in a file. Plain and ini show all of them, shell and json only the one of each name that
+// programs find.
 #include "tools/velini/forms.h"
 
 #include <cstdint>
 #include <cstring>
 #include <iterator>
 #include <ostream>
-#include <string>
-#include <string_view>
+#include <sstream>
 
 #include "base/digits.h"
 #include "base/utf.h"
-#include "inifile/first_records.h"
+#include "tools/velini/dialect_values.h"
+#include "vel_include/vel_inifile.h"
 #include "vel_include/vel_quoting.h"
 
 namespace vel::velini {
 
 namespace {
 
-using inifile::isFirst;
-
-using Section = VelClIniFileSection;
-using Option = VelClIniFileOption;
-
 /// Gives access to the protected functions that write single lines of an INI file.
 class Lines : public VelClIniFileSave {
  public:
   Lines() : VelClIniFileSave("") {}
   using VelClIniFileSave::saveOption;
-  using VelClIniFileSave::saveSection;
 };
-
-std::string escaped(const char* text) {
-  constexpr std::string_view kSpecial = "\n\t\r\\";
-  constexpr std::string_view kNames = "ntr\\";
-  std::string result;
-  for (; *text != '\0'; ++text) {
-    const std::size_t found = kSpecial.find(*text);
-    if (found != std::string_view::npos) result += '\\';
-    result += found != std::string_view::npos ? kNames[found] : *text;
-  }
-  return result;
-}
 
 /// Returns how many bytes the UTF-8 character at the start has, 0 for ill-formed text.
 std::size_t characterLength(std::string_view text) {
@@ -63,45 +45,28 @@ void addUnit(std::string& json, unsigned char byte) {
   json.append("\\u00").append(digits.data(), digits.size());
 }
 
-/// JSON must be well-formed UTF-8. A byte that belongs to no UTF-8 character becomes the character of its
-/// number, as if it were Latin-1, since JSON cannot escape bytes.
-std::string jsonText(std::string_view text) {
-  std::string json = "\"";
-  while (!text.empty()) {
-    const std::size_t length = characterLength(text);
-    const char c = text[0];
-    if (c == '"' || c == '\\') json += '\\';
-    if (length == 0 || static_cast<unsigned char>(c) < 0x20)
-      addUnit(json, static_cast<unsigned char>(c));
-    else
-      json += text.substr(0, length);
-    text.remove_prefix(length == 0 ? 1 : length);
-  }
-  return json + "\"";
-}
-
 void writeShell(std::ostream& out, ShellNames& names, const std::string& section, const Option& option) {
-  out << names.variable(section + option.getName()) << '=' << velQuotedForShell(option.getValue()) << '\n';
+  out << names.variable(section + option.name) << '=' << velQuotedForShell(option.value) << '\n';
 }
 
-void writeJsonOptions(std::ostream& out, const VelClIniFile& file, const Section& section) {
+void writeJsonOptions(std::ostream& out, const Section& section) {
   const char* separator = "";
   out << '{';
-  for (const Option* option = section.getFirstOption(); option != nullptr; option = option->getNext()) {
-    if (!isFirst(file, section, *option)) continue;
-    out << separator << jsonText(option->getName()) << ": " << jsonText(option->getValue());
+  for (const Option& option : section.options) {
+    if (!option.counts) continue;
+    out << separator << jsonText(option.name) << ": " << jsonText(option.value);
     separator = ", ";
   }
   out << '}';
 }
 
-void writeJson(std::ostream& out, const VelClIniFile& file) {
+void writeJson(std::ostream& out, const Records& records) {
   const char* separator = "\n";
   out << '{';
-  for (const Section* section = file.getFirstSection(); section != nullptr; section = section->getNext()) {
-    if (!isFirst(file, *section)) continue;
-    out << separator << jsonText(section->getName()) << ": ";
-    writeJsonOptions(out, file, *section);
+  for (const Section& section : records.sections) {
+    if (!section.counts) continue;
+    out << separator << jsonText(section.name) << ": ";
+    writeJsonOptions(out, section);
     separator = ",\n";
   }
   out << "\n}\n";
@@ -110,29 +75,33 @@ void writeJson(std::ostream& out, const VelClIniFile& file) {
 /// Whether variables are named for the option alone, or for section and option.
 enum class Named { Alone, WithSection };
 
-void writeSection(std::ostream& out, Form form, const VelClIniFile& file, const Section& section,
+/// As VelClIniFileSave, which writes no empty values.
+void writeIni(std::ostream& out, const Dialect& dialect, const Option& option) {
+  if (dialect.values != Values::Library || !option.value.empty()) out << iniOption(dialect, option) << '\n';
+}
+
+void writeSection(std::ostream& out, Form form, const Dialect& dialect, const Section& section,
                   ShellNames& names, Named named) {
-  const Lines lines;
-  const std::string begin = named == Named::Alone ? "" : section.getName() + std::string("_");
-  if (form == Form::Ini) lines.saveSection(out, section.getName(), nullptr);
-  for (const Option* option = section.getFirstOption(); option != nullptr; option = option->getNext()) {
+  const std::string begin = named == Named::Alone ? "" : section.name + "_";
+  if (form == Form::Ini) out << '\n' << iniHeader(dialect, section.name) << '\n';
+  for (const Option& option : section.options) {
     if (form == Form::Ini)
-      lines.saveOption(out, option->getName(), option->getValue(), option->getComment());
+      writeIni(out, dialect, option);
     else if (form == Form::Plain)
-      out << escaped(section.getName()) << '\t' << escaped(option->getName()) << '\t'
-          << escaped(option->getValue()) << '\n';
-    else if (isFirst(file, section, *option))
-      writeShell(out, names, begin, *option);
+      out << plainText(section.name) << '\t' << plainText(option.name) << '\t' << plainText(option.value)
+          << '\n';
+    else if (option.counts)
+      writeShell(out, names, begin, option);
   }
 }
 
-void writeName(std::ostream& out, Form form, const char* name) {
+void writeName(std::ostream& out, Form form, const Dialect& dialect, const std::string& name) {
   switch (form) {
     case Form::Plain:
-      out << escaped(name) << '\n';
+      out << plainText(name) << '\n';
       break;
     case Form::Ini:
-      out << '[' << name << "]\n";
+      out << iniHeader(dialect, name) << '\n';
       break;
     case Form::Shell:
       out << velQuotedForShell(name) << '\n';
@@ -156,47 +125,89 @@ bool parseForm(const char* name, Form& form) {
   return false;
 }
 
-void writeValue(std::ostream& out, Form form, const Option& option, ShellNames& names) {
+std::string plainText(std::string_view text) {
+  return withEscapes(text, "\n\t\r\\", "ntr\\");
+}
+
+// JSON must be well-formed UTF-8. A byte that belongs to no UTF-8 character becomes the character of its
+// number, as if it were Latin-1, since JSON cannot escape bytes.
+std::string jsonText(std::string_view text) {
+  std::string json = "\"";
+  while (!text.empty()) {
+    const std::size_t length = characterLength(text);
+    const char c = text[0];
+    if (c == '"' || c == '\\') json += '\\';
+    if (length == 0 || static_cast<unsigned char>(c) < 0x20)
+      addUnit(json, static_cast<unsigned char>(c));
+    else
+      json += text.substr(0, length);
+    text.remove_prefix(length == 0 ? 1 : length);
+  }
+  return json + "\"";
+}
+
+std::string iniHeader(const Dialect& dialect, std::string_view section) {
+  // The section before the first header has none.
+  return section.empty() && dialect.hasOptionsBeforeSections ? "" : writtenHeader(dialect, section);
+}
+
+std::string iniOption(const Dialect& dialect, const Option& option) {
+  if (dialect.values == Values::Library) {
+    std::ostringstream line;
+    Lines().saveOption(line, option.name.c_str(), option.value.c_str(), option.comment.c_str());
+    std::string text = line.str();
+    if (!text.empty()) text.pop_back();
+    return text.empty() ? option.name + "\t= " : text;
+  }
+  const std::string comment =
+      option.comment.empty() ? "" : std::string(" ") + dialect.comments[0] + " " + option.comment;
+  return dialect.indentation + option.name + dialect.separator +
+         writtenValue(dialect, option.value, {false, dialect.indentation, "\n"}) + comment;
+}
+
+void writeValue(std::ostream& out, Form form, const Dialect& dialect, const Option& option,
+                ShellNames& names) {
   switch (form) {
     case Form::Plain:
-      out << option.getValue() << '\n';
+      out << option.value << '\n';
       break;
     case Form::Ini:
-      Lines().saveOption(out, option.getName(), option.getValue(), option.getComment());
+      writeIni(out, dialect, option);
       break;
     case Form::Shell:
       writeShell(out, names, "", option);
       break;
     case Form::Json:
-      out << jsonText(option.getValue()) << '\n';
+      out << jsonText(option.value) << '\n';
       break;
   }
 }
 
-void writeSections(std::ostream& out, Form form, const VelClIniFile& file) {
+void writeSections(std::ostream& out, Form form, const Records& records) {
   const bool isJson = form == Form::Json;
   const char* separator = isJson ? "[" : "";
-  for (const Section* section = file.getFirstSection(); section != nullptr; section = section->getNext()) {
-    if (form != Form::Ini && form != Form::Plain && !isFirst(file, *section)) continue;
+  for (const Section& section : records.sections) {
+    if (form != Form::Ini && form != Form::Plain && !section.counts) continue;
     out << separator;
-    writeName(out, form, section->getName());
+    writeName(out, form, *records.dialect, section.name);
     separator = isJson ? ", " : "";
   }
-  if (isJson) out << (file.getFirstSection() == nullptr ? "[]\n" : "]\n");
+  if (isJson) out << (records.sections.empty() ? "[]\n" : "]\n");
 }
 
-void writeOptions(std::ostream& out, Form form, const VelClIniFile& file, const Section* only,
+void writeOptions(std::ostream& out, Form form, const Records& records, const Section* only,
                   ShellNames& names) {
+  const Dialect& dialect = *records.dialect;
   if (form == Form::Json) {
-    if (only == nullptr) return writeJson(out, file);
-    writeJsonOptions(out, file, *only);
+    if (only == nullptr) return writeJson(out, records);
+    writeJsonOptions(out, *only);
     out << '\n';
     return;
   }
-  if (only != nullptr) return writeSection(out, form, file, *only, names, Named::Alone);
-  for (const Section* section = file.getFirstSection(); section != nullptr; section = section->getNext())
-    if (form != Form::Shell || isFirst(file, *section))
-      writeSection(out, form, file, *section, names, Named::WithSection);
+  if (only != nullptr) return writeSection(out, form, dialect, *only, names, Named::Alone);
+  for (const Section& section : records.sections)
+    if (form != Form::Shell || section.counts)
+      writeSection(out, form, dialect, section, names, Named::WithSection);
 }
 
 }  // namespace vel::velini

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <iosfwd>
+#include <string>
+#include <string_view>
 
+#include "tools/velini/records.h"
 #include "tools/velini/shell_names.h"
-#include "vel_include/vel_inifile.h"
 
 namespace vel::velini {
 
@@ -15,10 +17,18 @@ bool parseForm(const char* name, Form& form);
 
 /// Write a value, the names of all sections, or options. `names` gives the variables of the shell form. If it
 /// has refused one, the output must not be used.
-void writeValue(std::ostream& out, Form form, const VelClIniFileOption& option, ShellNames& names);
-void writeSections(std::ostream& out, Form form, const VelClIniFile& file);
+void writeValue(std::ostream& out, Form form, const Dialect& dialect, const Option& option,
+                ShellNames& names);
+void writeSections(std::ostream& out, Form form, const Records& records);
 /// Writes the options of one section, or of all if `only` is null.
-void writeOptions(std::ostream& out, Form form, const VelClIniFile& file, const VelClIniFileSection* only,
+void writeOptions(std::ostream& out, Form form, const Records& records, const Section* only,
                   ShellNames& names);
+
+/// Return single pieces of the forms: a field of a plain line, a JSON string, and lines of an INI file
+/// without line break.
+std::string plainText(std::string_view text);
+std::string jsonText(std::string_view text);
+std::string iniHeader(const Dialect& dialect, std::string_view section);
+std::string iniOption(const Dialect& dialect, const Option& option);
 
 }  // namespace vel::velini

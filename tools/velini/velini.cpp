@@ -1,21 +1,25 @@
 // velini: reads, edits and checks INI files.
 //
-// Every run loads the file into an editor, whatever its task: reading tasks use the model in it. A task that
-// edits locks the file before it loads it and saves it at the end, so that several runs at a time lose no
-// change. Editing is the library's work, the forms of output are forms.cpp's.
+// Every run loads the file into an editor of the library, whatever its task. A task that edits locks the file
+// before it loads it and saves it at the end, so that several runs at a time lose no change. Reading and
+// editing are the work of a document, of the library's dialect (library_document.cpp) or of another
+// (dialect_document.cpp); the forms of output are forms.cpp's.
 #include <algorithm>
 #include <cstring>
 #include <iostream>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "inifile/text_rules.h"
 #include "platform/descriptors.h"
 #include "platform/signals.h"
 #include "tools/catalog_tool.h"
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
+#include "tools/velini/diff.h"
+#include "tools/velini/document.h"
+#include "tools/velini/edits.h"
 #include "tools/velini/forms.h"
 #include "tools/velini/texts.h"
 #include "vel_include/vel_consoleui.h"
@@ -28,6 +32,7 @@ using namespace vel::velini;
 using vel::tools::kStandardStream;
 
 constexpr int kExitNotFound = 1;
+constexpr int kExitDifferent = 1;
 constexpr int kExitNotRead = 2;
 constexpr int kExitNotWritten = 3;
 constexpr int kExitRefused = 4;
@@ -38,7 +43,10 @@ constexpr int kMaxSecondsToWait = 24 * 60 * 60;
 /// The console user interface with the tool's own texts.
 class Tool : public vel::tools::CatalogTool {
  public:
-  Tool(int argc, const char* const* argv) : CatalogTool(argc, argv, kTexts, kTextEnd) {}
+  /// `checked` are the arguments without repeated switches. Neither vector is copied.
+  Tool(const std::vector<const char*>& arguments, const std::vector<const char*>& checked)
+      : CatalogTool(static_cast<int>(checked.size()), checked.data(), kTexts, kTextEnd),
+        arguments_(arguments) {}
 
   /// Returns the exit code.
   int run();
@@ -46,28 +54,36 @@ class Tool : public vel::tools::CatalogTool {
  private:
   int fail(int exitCode, TextId id, const char* argument = nullptr) const;
   void readSwitches();
+  void readTask();
   void readFormat();
-  bool edits() const;
+  bool edits() const { return !steps_.empty(); }
+  bool createsFile() const;
   /// Returns the exit code, 0 if the file may be edited.
   int lock(VelClIniFileEditor& editor) const;
   bool read(VelClIniFileEditor& editor, const char* name) const;
-  int runTask(VelClIniFileEditor& editor);
+  /// Returns the exit code, 0 if `document` is what the file contains.
+  int load(VelClIniFileEditor& editor, const char* name, std::unique_ptr<Document>& document) const;
+  int runTask(const Document& document) const;
   template <typename Write>
   int show(Write write) const;
-  int get(const VelClIniFile& file, const char* option) const;
-  int list(const VelClIniFile& file) const;
-  int edit(VelClIniFileEditor& editor) const;
-  int set(VelClIniFileEditor& editor, const char* assignment) const;
-  int merge(VelClIniFileEditor& editor, const char* name) const;
-  int check(const VelClIniFileEditor& editor) const;
-  int write(VelClIniFileEditor& editor) const;
+  int get(const Records& records, const char* option) const;
+  int list(const Records& records) const;
+  int compare(const Records& records, const char* name) const;
+  int check(const Document& document) const;
+  int edit(Document& document) const;
+  int apply(Document& document, const Step& step) const;
+  int reportEdit(EditResult result, const char* name) const;
+  int write(VelClIniFileEditor& editor, const Document& document) const;
 
+  const std::vector<const char*>& arguments_;
   const char* file_ = nullptr;
   const char* section_ = nullptr;
   const char* prefix_ = nullptr;
   int secondsToWait_ = 30;
   Form form_ = Form::Plain;
+  const Dialect* dialect_ = &kLibraryDialect;
   bool allowContinuation_ = true;
+  std::vector<Step> steps_;
 };
 
 int Tool::fail(int exitCode, TextId id, const char* argument) const {
@@ -75,41 +91,66 @@ int Tool::fail(int exitCode, TextId id, const char* argument) const {
   return exitCode;
 }
 
+/// The library adds ".INI" to a name without extension. Names such as "config" are usual, too, so ".INI" is
+/// added only if that file exists and the one with the given name does not.
+bool isNamedAsGiven(const char* file) {
+  const VelClFilename name(file);
+  return !name.hasExtension() &&
+         (VelClFile(name, nullptr).isExistent() || !VelClFile(name, ".INI").isExistent());
+}
+
 int Tool::run() {
   begin();
   readSwitches();
   VelClIniFileEditor editor(file_);
+  if (isNamedAsGiven(file_)) editor.setFileType("");
   if (const int exitCode = lock(editor); exitCode != 0) return exitCode;
-  return read(editor, file_) ? runTask(editor) : fail(kExitNotRead, kNotRead, file_);
+  std::unique_ptr<Document> document;
+  if (const int exitCode = load(editor, file_, document); exitCode != 0) return exitCode;
+  if (!edits()) return runTask(*document);
+  if (const int exitCode = edit(*document); exitCode != 0) return exitCode;
+  return write(editor, *document);
 }
 
 void Tool::readSwitches() {
   reqArgString("file", file_);
   hasArgString("section", section_);
   allowContinuation_ = !hasArgSwitch("nocontinue");
-  // The usage string cannot express that exactly one task must be given, nor which tasks need a section.
-  int tasks = 0;
-  for (const char* task : {"get", "set", "delete", "delsection", "list", "sections", "merge", "check"})
-    tasks += hasArgSwitch(task) ? 1 : 0;
-  if (tasks != 1) refuse(kExactlyOneTask);
-  for (const char* task : {"get", "set", "delete", "delsection"})
-    if (hasArgSwitch(task) && section_ == nullptr) refuse(kSectionRequired);
+  const char* dialect = nullptr;
+  if (hasArgString("dialect", dialect)) dialect_ = dialectOf(dialect);
+  if (dialect_ == nullptr) refuse(kUnknownDialect, dialect);
+  if (dialect_ != &kLibraryDialect && !allowContinuation_) refuse(kNoContinueInDialect);
   hasArgNumval("wait", secondsToWait_);
+  readTask();
   readFormat();
+}
+
+/// The usage string cannot express that either one query or edits must be given, nor which tasks need a
+/// section.
+void Tool::readTask() {
+  if (const auto mistake = readSteps(arguments_, steps_); mistake.has_value())
+    refuse(mistake->text, mistake->argument);
+  int queries = 0;
+  for (const char* query : {"get", "list", "sections", "check", "diff"})
+    queries += hasArgSwitch(query) ? 1 : 0;
+  if (queries + (edits() ? 1 : 0) != 1) refuse(kExactlyOneTask);
+  if (hasArgSwitch("get") && section_ == nullptr) refuse(kSectionRequired);
 }
 
 void Tool::readFormat() {
   const char* form = nullptr;
   if (hasArgString("format", form) && !parseForm(form, form_)) refuse(kUnknownFormat);
+  if (form_ == Form::Shell && hasArgSwitch("diff")) refuse(kNoShellDiff);
   if (!hasArgString("prefix", prefix_)) return;
   if (form_ != Form::Shell) refuse(kPrefixForShell);
   if (!isShellPrefix(prefix_)) refuse(kNoPrefix, prefix_);
 }
 
-bool Tool::edits() const {
-  for (const char* task : {"set", "delete", "delsection", "merge"})
-    if (hasArgSwitch(task)) return true;
-  return false;
+bool Tool::createsFile() const {
+  return std::ranges::any_of(steps_, [](const Step& step) {
+    const Edit* const edit = std::get_if<Edit>(&step);
+    return edit == nullptr || edit->kind == EditKind::Set || edit->kind == EditKind::Add;
+  });
 }
 
 /// Locks the file if the task edits it. A lock that fails for another reason than time means that the file
@@ -135,7 +176,7 @@ bool Tool::read(VelClIniFileEditor& editor, const char* name) const {
   if (name != kStandardStream) {
     if (editor.load(allowContinuation_)) return true;
     // Setting and merging create a missing file.
-    return name == file_ && (hasArgSwitch("set") || hasArgSwitch("merge")) && !editor.isExistent();
+    return name == file_ && createsFile() && !editor.isExistent();
   }
   velFileSetBinaryMode(vel::platform::kStandardInput, true);
   std::string bytes;
@@ -146,13 +187,33 @@ bool Tool::read(VelClIniFileEditor& editor, const char* name) const {
   return !std::cin.bad() && std::ferror(stdin) == 0;
 }
 
-int Tool::runTask(VelClIniFileEditor& editor) {
-  const char* option = nullptr;
-  if (hasArgString("get", option)) return get(editor.getIniFile(), option);
-  if (hasArgSwitch("list")) return list(editor.getIniFile());
-  if (hasArgSwitch("check")) return check(editor);
-  if (!hasArgSwitch("sections")) return edit(editor);
-  writeSections(std::cout, form_, editor.getIniFile());
+int Tool::load(VelClIniFileEditor& editor, const char* name, std::unique_ptr<Document>& document) const {
+  if (!read(editor, name)) return fail(kExitNotRead, kNotRead, name);
+  const std::string_view text(editor.getText(), editor.getLength());
+  if (dialect_ == &kLibraryDialect)
+    document = libraryDocument(editor, allowContinuation_);
+  else
+    document = dialectDocument(*dialect_, std::string(text));
+  if (hasArgSwitch("check")) return 0;
+  if (isWide(text)) return fail(kExitNotRead, kWideText, name);
+  // The dialects do not have NUL, and the forms of output cannot write it.
+  if (dialect_ != &kLibraryDialect && text.find('\0') != std::string_view::npos)
+    return fail(kExitNotRead, kNulByte, name);
+  return 0;
+}
+
+int Tool::runTask(const Document& document) const {
+  if (hasArgSwitch("check")) return check(document);
+  const Records records = document.records();
+  const char* value = nullptr;
+  if (hasArgString("diff", value)) return compare(records, value);
+  // Otherwise the user would see no option and not why.
+  if (records.sections.empty())
+    for (const Fault& fault : document.faults())
+      if (fault.text == kNoSectionYet) return fail(kExitNotFound, kNoSectionYet, file_);
+  if (hasArgString("get", value)) return get(records, value);
+  if (hasArgSwitch("list")) return list(records);
+  writeSections(std::cout, form_, records);
   return 0;
 }
 
@@ -167,95 +228,72 @@ int Tool::show(Write write) const {
   return 0;
 }
 
-int Tool::get(const VelClIniFile& file, const char* option) const {
-  const VelClIniFileSection* const section = file.getExistingSection(section_);
-  const VelClIniFileOption* const found =
-      section != nullptr ? file.getExistingOption(*section, option) : nullptr;
+int Tool::get(const Records& records, const char* option) const {
+  const Section* const section = records.find(section_);
+  const Option* const found = section != nullptr ? records.find(*section, option) : nullptr;
   if (found == nullptr) return fail(kExitNotFound, kNotFound, option);
-  return show([&](std::ostream& out, ShellNames& names) { writeValue(out, form_, *found, names); });
+  return show(
+      [&](std::ostream& out, ShellNames& names) { writeValue(out, form_, *dialect_, *found, names); });
 }
 
-int Tool::list(const VelClIniFile& file) const {
-  const VelClIniFileSection* const only = section_ != nullptr ? file.getExistingSection(section_) : nullptr;
+int Tool::list(const Records& records) const {
+  const Section* const only = section_ != nullptr ? records.find(section_) : nullptr;
   if (section_ != nullptr && only == nullptr) return fail(kExitNotFound, kNotFound, section_);
-  return show([&](std::ostream& out, ShellNames& names) { writeOptions(out, form_, file, only, names); });
+  return show([&](std::ostream& out, ShellNames& names) { writeOptions(out, form_, records, only, names); });
 }
 
-int Tool::edit(VelClIniFileEditor& editor) const {
-  const char* value = nullptr;
-  if (hasArgString("set", value)) return set(editor, value);
-  if (hasArgString("merge", value)) return merge(editor, value);
-  // Looked up before the change, to tell a missing record from a change that was refused.
-  const bool isOption = hasArgString("delete", value);
-  const VelClIniFileSection* const section = editor.getIniFile().getExistingSection(section_);
-  if (section == nullptr) return fail(kExitNotFound, kNotFound, section_);
-  if (isOption && editor.getIniFile().getExistingOption(*section, value) == nullptr)
-    return fail(kExitNotFound, kNotFound, value);
-  const bool isDone = isOption ? editor.deleteOption(section_, value) : editor.deleteSection(section_);
-  return isDone ? write(editor) : fail(kExitRefused, kRefused, isOption ? value : section_);
+int Tool::compare(const Records& records, const char* name) const {
+  VelClIniFileEditor editor(name);
+  if (isNamedAsGiven(name)) editor.setFileType("");
+  std::unique_ptr<Document> other;
+  if (const int exitCode = load(editor, name, other); exitCode != 0) return exitCode;
+  return writeDifferences(std::cout, form_, records, other->records(), section_) ? kExitDifferent : 0;
 }
 
-int Tool::set(VelClIniFileEditor& editor, const char* assignment) const {
-  // The first "=" ends the name, which cannot have one; the value can.
-  const char* const equalSign = std::strchr(assignment, '=');
-  if (equalSign == nullptr) refuse(kAssignmentExpected);
-  const std::string option(assignment, equalSign);
-  return editor.setValue(section_, option.c_str(), equalSign + 1) ? write(editor)
-                                                                  : fail(kExitRefused, kRefused, assignment);
+int Tool::check(const Document& document) const {
+  const std::vector<Fault> faults = document.faults();
+  for (const Fault& fault : faults)
+    std::cout << file_ << ':' << fault.line << ": " << text(fault.text) << '\n';
+  return faults.empty() ? 0 : kExitNotFound;
 }
 
-/// Returns the name of the first option that cannot be set by itself, or null. For the report of a refused
-/// merge, which does not tell the option; the editor is not saved afterwards.
-const char* refusedOption(VelClIniFileEditor& editor, const VelClIniFile& source) {
-  for (auto* section = source.getFirstSection(); section != nullptr; section = section->getNext())
-    for (auto* option = section->getFirstOption(); option != nullptr; option = option->getNext())
-      if (!editor.setValue(section->getName(), option->getName(), option->getValue()))
-        return option->getName();
-  return nullptr;
+/// Makes all steps, or ends at the first that is refused: then nothing is written.
+int Tool::edit(Document& document) const {
+  for (const Step& step : steps_)
+    if (const int exitCode = apply(document, step); exitCode != 0) return exitCode;
+  return 0;
 }
 
-int Tool::merge(VelClIniFileEditor& editor, const char* name) const {
-  VelClIniFileEditor other(name);
-  if (!read(other, name)) return fail(kExitNotRead, kNotRead, name);
-  if (editor.merge(other.getIniFile())) return write(editor);
-  const char* const refused = refusedOption(editor, other.getIniFile());
-  return fail(kExitRefused, kRefused, refused != nullptr ? refused : name);
+int Tool::apply(Document& document, const Step& step) const {
+  if (const Edit* const edit = std::get_if<Edit>(&step); edit != nullptr) {
+    const EditResult result = document.apply(*edit);
+    const bool isSectionMissing =
+        result == EditResult::NotFound && document.records().find(edit->section) == nullptr;
+    const bool isOfSection = isSectionMissing || edit->option.empty();
+    return reportEdit(result, (isOfSection ? edit->section : edit->option).c_str());
+  }
+  const char* const name = std::get<const char*>(step);
+  VelClIniFileEditor editor(name);
+  if (isNamedAsGiven(name)) editor.setFileType("");
+  std::unique_ptr<Document> other;
+  if (const int exitCode = load(editor, name, other); exitCode != 0) return exitCode;
+  std::string refused = name;
+  return reportEdit(document.merge(*other, refused), refused.c_str());
 }
 
-struct SyntaxError {
-  unsigned long id;
-  unsigned int line;
-};
-
-bool collectError(const _VelStError& error, unsigned int line, void* errors) {
-  static_cast<std::vector<SyntaxError>*>(errors)->push_back({error.getErrorId(), line});
-  return true;
-}
-
-TextId textOf(const SyntaxError& error) {
-  if (error.id == INIFILE_INVAL_SECTION) return kNoClosingBracket;
-  return error.id == INIFILE_INVAL_OPTION ? kNoEqualSign : kNothingContinued;
-}
-
-/// Parses the text a second time, with a handler that collects the errors. The library reports no error for a
-/// line that is too long: it stops reading there, which shows in the count of lines.
-int Tool::check(const VelClIniFileEditor& editor) const {
-  // Unlike the load of a file, loadFromBuffer does not drop "\r" before a line break.
-  std::string lines;
-  for (const char* c = editor.getText(); c != editor.getText() + editor.getLength(); ++c)
-    if (c[0] != '\r' || c[1] != '\n') lines += *c;
-  std::vector<SyntaxError> errors;
-  VelClIniFile file(file_);
-  file.setErrorHandler(collectError, &errors);
-  file.loadFromBuffer(lines.data(), lines.size(), '\n', true, allowContinuation_);
-  for (const SyntaxError& error : errors)
-    std::cout << file_ << ':' << error.line << ": " << text(textOf(error)) << '\n';
-  const auto breaks = static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
-  const std::size_t lastBreak = lines.rfind('\n');
-  const std::size_t lastLength = lines.size() - (lastBreak == std::string::npos ? 0 : lastBreak + 1);
-  const bool isCut = file.getLineCount() <= breaks || lastLength > vel::inifile::kMaxLineLength;
-  if (isCut) std::cout << file_ << ':' << file.getLineCount() << ": " << text(kLineTooLong) << '\n';
-  return errors.empty() && !isCut ? 0 : kExitNotFound;
+int Tool::reportEdit(EditResult result, const char* name) const {
+  switch (result) {
+    case EditResult::Done:
+      return 0;
+    case EditResult::NotFound:
+      return fail(kExitNotFound, kNotFound, name);
+    case EditResult::Exists:
+      return fail(kExitRefused, kExists, name);
+    case EditResult::Repeated:
+      return fail(kExitRefused, kSetRepeated, name);
+    default:
+      return fail(kExitRefused, kRefused, name);
+  }
 }
 
 /// Holds back signals that would end the process, so that no unfinished file is left.
@@ -266,13 +304,17 @@ bool saveUninterrupted(VelClIniFileEditor& editor) {
   return isSaved;
 }
 
-int Tool::write(VelClIniFileEditor& editor) const {
-  if (file_ == kStandardStream)
-    std::cout.write(editor.getText(), static_cast<std::streamsize>(editor.getLength()));
-  else if (!saveUninterrupted(editor))
+int Tool::write(VelClIniFileEditor& editor, const Document& document) const {
+  const std::string_view text = document.text();
+  if (file_ == kStandardStream) {
+    std::cout.write(text.data(), static_cast<std::streamsize>(text.size()));
+    return 0;
+  }
+  // Only the text is exchanged: the lock, with the state of the file, stays.
+  if (dialect_ != &kLibraryDialect) editor.loadFromBuffer(text.data(), text.size(), allowContinuation_);
+  if (!saveUninterrupted(editor))
     return fail(kExitNotWritten, editor.isReplaced() ? kReplaced : kNotWritten, file_);
-  else if (!editor.hasKeptRights())
-    report(kRightsChanged, file_);
+  if (!editor.hasKeptRights()) report(kRightsChanged, file_);
   return 0;
 }
 
@@ -285,7 +327,8 @@ int vel::tools::toolMain(int argc, char** argv) {
   const vel::tools::ToolTexts texts{kToolName, kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
   if (vel::tools::answerStandardSwitches(argc, argv, texts)) return std::cout.good() ? 0 : kExitNotWritten;
   const std::vector<const char*> arguments = vel::tools::withStandardStream(argc, argv);
-  Tool tool(argc, arguments.data());
+  const std::vector<const char*> checked = withoutRepeats(arguments);
+  Tool tool(arguments, checked);
   int exitCode = 0;
   try {
     exitCode = tool.run();

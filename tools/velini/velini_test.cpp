@@ -22,7 +22,9 @@ TEST(Velini, LosesNoChangeOfConcurrentPrograms) {
     for (int i = 0; i < 20; ++i)
       programs.push_back(std::async(std::launch::async, [&, i] {
         const std::string change = "o" + std::to_string(i) + "=1";
-        return runChild("velini", {"-file", file, "-section", "A", "-set", change, "-wait", wait});
+        const std::string dialect = i % 2 == 0 ? "ini" : "python";
+        return runChild("velini",
+                        {"-file", file, "-section", "A", "-set", change, "-wait", wait, "-dialect", dialect});
       }));
     for (auto& program : programs) EXPECT_EQ(program.get().exitCode, 0);
     VelClIniFile read(file.c_str());

@@ -1,0 +1,271 @@
+// Each kind of value has a reader and a writer:
+//
+//   Plain   the text as it stands, without white space around it. A "\" at the end of a line joins it to the
+//           next one with a blank in its place; further indented lines are joined with line breaks
+//   Git     strings and escapes anywhere, comments after the value, "\" at the end of a line
+//   Php     strings in double quotes, which may have several lines, and in single quotes; comments after it
+//
+// The file that is read may be anything: readers accept every text, and tell what is malformed.
+#include "tools/velini/dialect_values.h"
+
+#include <cstring>
+
+namespace vel::velini {
+
+namespace {
+
+using inifile::isSpace;
+
+// ---- Plain
+
+/// Whether the line ends in a "\" that is not itself after a "\".
+bool isContinued(std::string_view line) {
+  const std::size_t last = line.find_last_not_of('\\');
+  return (line.size() - (last == std::string_view::npos ? 0 : last + 1)) % 2 == 1;
+}
+
+/// Collects the comment lines from `at` on, and returns the first line that is none; false at the end.
+bool skipComments(const Dialect& dialect, std::string_view text, std::size_t at, std::vector<Range>& comments,
+                  Line& line) {
+  for (; at < text.size(); at = line.next) {
+    line = lineAt(text, at);
+    const std::size_t first = skipBlanks(text, {line.begin, line.end});
+    if (first == line.end || !isComment(dialect, text[first])) return true;
+    comments.push_back({line.begin, line.next});
+  }
+  return false;
+}
+
+void readContinued(const Dialect& dialect, std::string_view text, Line line, ReadValue& read) {
+  std::string value;
+  std::vector<Range> comments;
+  while (isContinued(text.substr(line.begin, line.end - line.begin))) {
+    value.append(text, line.begin, line.end - line.begin - 1).append(" ");
+    Line next{};
+    if (!skipComments(dialect, text, line.next, comments, next)) {
+      line.begin = line.end;
+      break;
+    }
+    read.comments = comments;
+    line = next;
+  }
+  value.append(text, line.begin, line.end - line.begin);
+  const Range wanted = trimmed(value, {0, value.size()});
+  read.text = wanted.in(value);
+  read.raw = trimmed(text, {read.raw.begin, line.end});
+  read.next = line.next;
+}
+
+void readIndented(const Dialect& dialect, std::string_view text, Line line, std::size_t indentation,
+                  ReadValue& read) {
+  std::string value(trimmed(text, {line.begin, line.end}).in(text));
+  std::string breaks = "\n";
+  std::vector<Range> comments;
+  read.next = line.next;
+  for (Line next{}; skipComments(dialect, text, line.next, comments, next); line = next) {
+    const Range content = trimmed(text, {next.begin, next.end});
+    // Blank lines belong to the value only if it goes on after them.
+    if (content.isEmpty()) {
+      breaks += '\n';
+      continue;
+    }
+    if (content.begin - next.begin <= indentation) break;
+    value.append(breaks).append(content.in(text));
+    breaks = "\n";
+    read.comments = comments;
+    read.raw.end = content.end;
+    read.next = next.next;
+  }
+  read.text = value;
+}
+
+void readPlain(const Dialect& dialect, std::string_view text, Line line, std::size_t indentation,
+               ReadValue& read) {
+  if (dialect.continuation == Continuation::Backslash) return readContinued(dialect, text, line, read);
+  if (dialect.continuation == Continuation::Indentation)
+    return readIndented(dialect, text, line, indentation, read);
+  read.text = read.raw.in(text);
+}
+
+// ---- Values with strings
+
+/// Collects a value and its place. White space counts only between other characters.
+class Collector {
+ public:
+  Collector(std::string_view text, std::size_t at, ReadValue& read) : text_(text), at_(at), read_(read) {}
+
+  std::size_t at() const { return at_; }
+  bool isAtEnd() const { return at_ == text_.size(); }
+  char now() const { return text_[at_]; }
+  bool isAtBreak() const { return isAtEnd() || lineAt(text_, at_).end == at_; }
+
+  void skipBlank() {
+    if (!read_.text.empty()) blanks_ += now();
+    ++at_;
+  }
+  /// Consumes `count` characters, which give `piece`.
+  void add(std::string_view piece, std::size_t count) {
+    read_.text.append(blanks_).append(piece);
+    blanks_.clear();
+    consume(count);
+  }
+  /// Consumes a mark that is part of the written value and gives nothing.
+  void consume(std::size_t count) {
+    if (isEmpty_) read_.raw.begin = at_;
+    isEmpty_ = false;
+    at_ += count;
+    read_.raw.end = at_;
+  }
+  void nextLine() { at_ = lineAt(text_, at_).next; }
+  /// Consumes the rest of the line, which is a comment or nothing.
+  void finish() {
+    const Line line = lineAt(text_, at_);
+    if (at_ < line.end) read_.comment = trimmed(text_, {at_ + 1, line.end}).in(text_);
+    if (isEmpty_) read_.raw = {at_, at_};
+    read_.next = line.next;
+  }
+
+ private:
+  std::string_view text_;
+  std::size_t at_;
+  ReadValue& read_;
+  std::string blanks_;
+  bool isEmpty_ = true;
+};
+
+/// Reads what follows a "\" in a Git value.
+void readGitEscape(std::string_view text, Collector& value, ReadValue& read) {
+  constexpr std::string_view kNames = "ntb\\\"", kCharacters = "\n\t\b\\\"";
+  const std::size_t next = value.at() + 1;
+  if (next == text.size() || lineAt(text, next).end == next) {
+    value.consume(1);
+    return value.nextLine();
+  }
+  const std::size_t named = kNames.find(text[next]);
+  read.isMalformed = read.isMalformed || named == std::string_view::npos;
+  value.add(named != std::string_view::npos ? kCharacters.substr(named, 1) : text.substr(next - 1, 2), 2);
+}
+
+void readGit(const Dialect& dialect, std::string_view text, ReadValue& read, Collector& value) {
+  bool isQuoted = false;
+  while (!value.isAtBreak()) {
+    const char c = value.now();
+    if (c == '\\') {
+      readGitEscape(text, value, read);
+    } else if (c == '"') {
+      value.consume(1);
+      isQuoted = !isQuoted;
+    } else if (isQuoted || (!isSpace(c) && !isComment(dialect, c))) {
+      value.add({&c, 1}, 1);
+    } else if (isSpace(c)) {
+      value.skipBlank();
+    } else {
+      break;
+    }
+  }
+  read.isMalformed = read.isMalformed || isQuoted;
+}
+
+/// Reads a string in quotes. Without an end it is a single character.
+void readPhpString(std::string_view text, ReadValue& read, Collector& value) {
+  const std::size_t begin = value.at();
+  const char quote = text[begin];
+  const std::size_t limit = quote == '"' ? text.size() : lineAt(text, begin).end;
+  std::string content;
+  for (std::size_t i = begin + 1; i < limit; ++i) {
+    if (text[i] == quote) return value.add(content, i + 1 - begin);
+    if (quote == '"' && text[i] == '\\' && i + 1 < limit && std::strchr("\"'\\", text[i + 1]) != nullptr) ++i;
+    content += text[i];
+  }
+  read.isMalformed = true;
+  value.add({&quote, 1}, 1);
+}
+
+void readPhp(const Dialect& dialect, std::string_view text, ReadValue& read, Collector& value) {
+  while (!value.isAtBreak()) {
+    const char c = value.now();
+    if (c == '"' || c == '\'')
+      readPhpString(text, read, value);
+    else if (isSpace(c))
+      value.skipBlank();
+    else if (isComment(dialect, c))
+      break;
+    else
+      value.add({&c, 1}, 1);
+  }
+}
+
+// ---- Writing
+
+std::string writtenPlain(const Dialect& dialect, std::string_view value, const ValueStyle& style) {
+  if (dialect.continuation != Continuation::Indentation) return std::string(value);
+  std::string text;
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    if (value[i] != '\n') {
+      text += value[i];
+      continue;
+    }
+    text += style.lineEnd;
+    if (i + 1 < value.size() && value[i + 1] != '\n') text.append(style.indentation).append("\t");
+  }
+  return text;
+}
+
+bool needsQuotes(std::string_view value, std::string_view special) {
+  return value.find_first_of(special) != std::string_view::npos ||
+         (!value.empty() && (isSpace(value.front()) || isSpace(value.back())));
+}
+
+}  // namespace
+
+bool isComment(const Dialect& dialect, char c) {
+  return c != '\0' && std::strchr(dialect.comments, c) != nullptr;
+}
+
+ReadValue readValue(const Dialect& dialect, std::string_view text, std::size_t at, std::size_t indentation) {
+  const Line line = lineAt(text, at);
+  ReadValue read;
+  read.raw = trimmed(text, {at, line.end});
+  read.next = line.next;
+  if (dialect.values == Values::Plain) {
+    readPlain(dialect, text, line, indentation, read);
+    return read;
+  }
+  Collector value(text, at, read);
+  (dialect.values == Values::Git ? readGit : readPhp)(dialect, text, read, value);
+  value.finish();
+  return read;
+}
+
+std::string withEscapes(std::string_view text, std::string_view characters, std::string_view names) {
+  std::string result;
+  for (const char c : text) {
+    const std::size_t found = characters.find(c);
+    if (found != std::string_view::npos) result += '\\';
+    result += found != std::string_view::npos ? names[found] : c;
+  }
+  return result;
+}
+
+std::string writtenValue(const Dialect& dialect, std::string_view value, const ValueStyle& style) {
+  if (dialect.values == Values::Git) {
+    const std::string text = withEscapes(value, "\n\t\b\\\"", "ntb\\\"");
+    return style.isQuoted || needsQuotes(value, dialect.comments) ? '"' + text + '"' : text;
+  }
+  if (dialect.values == Values::Php && (style.isQuoted || needsQuotes(value, ";\"'\r\n")))
+    return '"' + withEscapes(value, "\\\"", "\\\"") + '"';
+  return writtenPlain(dialect, value, style);
+}
+
+std::string writtenSection(const Dialect& dialect, std::string_view section) {
+  const std::size_t dot = section.find('.');
+  if (!dialect.hasSubsections || dot == std::string_view::npos) return std::string(section);
+  return std::string(section.substr(0, dot)) + " \"" + withEscapes(section.substr(dot + 1), "\\\"", "\\\"") +
+         '"';
+}
+
+std::string writtenHeader(const Dialect& dialect, std::string_view section) {
+  return '[' + writtenSection(dialect, section) + ']';
+}
+
+}  // namespace vel::velini
