@@ -1,5 +1,6 @@
-// Parses CCSIDs as users write them: "37", "CP850", "ccsid1208", or a name that the library knows, such as
-// "UTF-8". Lists 0 and all valid CCSIDs by trying all numbers, since the library's table is not public.
+// Parses CCSIDs as users write them: "37", "ccsid1208", or a name that the library knows, such as "latin1".
+// "CP850" is a number only if it is not a name: "CP1252" is the name of 5348. Lists 0 and all known CCSIDs by
+// trying all numbers, since the library's table is not public.
 #include "tools/velconv/ccsids.h"
 
 #include <charconv>
@@ -45,27 +46,65 @@ std::string_view removePrefixIgnoringCase(std::string_view prefix, std::string_v
   return text.substr(prefix.size());
 }
 
+/// Parses decimal digits only. Returns -1 for anything else.
+int parseDigits(std::string_view digits) {
+  int number = -1;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  return error == std::errc() && end == digits.data() + digits.size() ? number : -1;
+}
+
+bool hasNameOrProperties(const VelClCCSID& ccsid) {
+  return ccsid.isValid() || ccsid.getPreferredName() != nullptr;
+}
+
+/// Calls `visit(ccsid)` for each known CCSID, in ascending order.
+template <typename Visit>
+void forEachCcsid(Visit visit) {
+  for (int number = 1; number <= kMaxCcsid; ++number)
+    if (const VelClCCSID ccsid(number); hasNameOrProperties(ccsid)) visit(ccsid);
+}
+
+/// Calls `visit(name)` for each name of a CCSID, the preferred one first.
+template <typename Visit>
+void forEachName(const VelClCCSID& ccsid, Visit visit) {
+  for (std::size_t i = 0; const char* const name = velGetNameOfCCSID(ccsid.getCCSID(), i); ++i) visit(name);
+}
+
+void listCcsid(std::ostream& out, const VelClCCSID& ccsid) {
+  out << ccsid.getAsInt() << '\t' << ccsid.getName() << '\t' << propertiesOf(ccsid) << '\t'
+      << nameOf(VelClStrictConversion::getRouteToUcs2(ccsid)) << '\t'
+      << nameOf(VelClStrictConversion::getRouteFromUcs2(ccsid)) << '\t';
+  const char* separator = "";
+  forEachName(ccsid, [&](const char* name) {
+    out << separator << name;
+    separator = " ";
+  });
+  out << (*separator == '\0' ? "-\n" : "\n");
+}
+
 }  // namespace
 
 bool parseCcsid(const char* text, VelClCCSID& ccsid) {
-  const std::string_view digits = removePrefixIgnoringCase("cp", removePrefixIgnoringCase("ccsid", text));
-  int number = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-  const bool isNumber = error == std::errc() && end == digits.data() + digits.size() && number >= 0;
-  ccsid = isNumber ? VelClCCSID(number) : VelClCCSID(text);
-  // VelClCCSID parses "37x" as 37; velconv rejects it.
-  return ccsid.isValid() && (isNumber || text[0] < '0' || text[0] > '9');
+  const std::string_view digits = removePrefixIgnoringCase("ccsid", text);
+  int number = parseDigits(digits);
+  if (number < 0) number = static_cast<int>(velGetCCSIDOfName(text));
+  if (number == 0) number = parseDigits(removePrefixIgnoringCase("cp", digits));
+  ccsid = VelClCCSID(number);
+  return number > 0 && hasNameOrProperties(ccsid);
 }
 
 void listCcsids(std::ostream& out) {
   // 0 has a row in the library's table, so it is listed, although isValid() is false for it.
-  for (int number = 0; number <= kMaxCcsid; ++number) {
-    const VelClCCSID ccsid(number);
-    if (number != 0 && !ccsid.isValid()) continue;
-    out << number << '\t' << ccsid.getName() << '\t' << propertiesOf(ccsid) << '\t'
-        << nameOf(VelClStrictConversion::getRouteToUcs2(ccsid)) << '\t'
-        << nameOf(VelClStrictConversion::getRouteFromUcs2(ccsid)) << '\n';
-  }
+  listCcsid(out, VelClCCSID(0));
+  forEachCcsid([&out](const VelClCCSID& ccsid) { listCcsid(out, ccsid); });
+}
+
+void listNames(std::ostream& out) {
+  forEachCcsid([&out](const VelClCCSID& ccsid) {
+    const int number = ccsid.getAsInt();
+    forEachName(ccsid, [&](const char* name) { out << name << '\t' << number << '\n'; });
+    out << number << '\t' << number << '\n';
+  });
 }
 
 }  // namespace vel::velconv
