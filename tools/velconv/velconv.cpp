@@ -15,9 +15,10 @@
 #include "platform/byte_files.h"
 #include "platform/replacing.h"
 #include "tools/catalog_tool.h"
+#include "tools/ccsids.h"
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
-#include "tools/velconv/ccsids.h"
+#include "tools/velconv/ccsid_list.h"
 #include "tools/velconv/output_file.h"
 #include "tools/velconv/texts.h"
 #include "vel_include/vel_consoleui.h"
@@ -119,7 +120,8 @@ VelClCCSID Tool::ccsidOf(const char* switchName) const {
   const char* name = "";
   hasArgString(switchName, name);
   VelClCCSID ccsid(VelClCCSID::CCSID_UNKNOWN);
-  if (!parseCcsid(name, ccsid)) fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, text(kUnknownCcsid).c_str(), name);
+  if (!vel::tools::parseCcsid(name, ccsid))
+    fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, text(kUnknownCcsid).c_str(), name);
   return ccsid;
 }
 

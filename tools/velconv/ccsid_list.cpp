@@ -1,14 +1,10 @@
-// Parses CCSIDs as users write them: "37", "ccsid1208", or a name that the library knows, such as "latin1".
-// "CP850" is a number only if it is not a name: "CP1252" is the name of 5348. Lists 0 and all known CCSIDs by
-// trying all numbers, since the library's table is not public.
-#include "tools/velconv/ccsids.h"
+// Lists 0 and all known CCSIDs by trying all numbers, since the library's table is not public.
+#include "tools/velconv/ccsid_list.h"
 
-#include <charconv>
 #include <ostream>
 #include <string>
-#include <string_view>
 
-#include "base/ascii.h"
+#include "tools/ccsids.h"
 #include "vel_include/vel_strict_conversion.h"
 
 namespace vel::velconv {
@@ -37,31 +33,11 @@ std::string propertiesOf(const VelClCCSID& ccsid) {
   return properties.empty() ? "-" : properties;
 }
 
-/// Returns the text without a prefix, which is given in lower case and compared ignoring case. A text that
-/// does not begin with it is returned unchanged.
-std::string_view removePrefixIgnoringCase(std::string_view prefix, std::string_view text) {
-  if (text.size() < prefix.size()) return text;
-  for (std::size_t i = 0; i < prefix.size(); ++i)
-    if (toAsciiLower(text[i]) != prefix[i]) return text;
-  return text.substr(prefix.size());
-}
-
-/// Parses decimal digits only. Returns -1 for anything else.
-int parseDigits(std::string_view digits) {
-  int number = -1;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-  return error == std::errc() && end == digits.data() + digits.size() ? number : -1;
-}
-
-bool hasNameOrProperties(const VelClCCSID& ccsid) {
-  return ccsid.isValid() || ccsid.getPreferredName() != nullptr;
-}
-
 /// Calls `visit(ccsid)` for each known CCSID, in ascending order.
 template <typename Visit>
 void forEachCcsid(Visit visit) {
   for (int number = 1; number <= kMaxCcsid; ++number)
-    if (const VelClCCSID ccsid(number); hasNameOrProperties(ccsid)) visit(ccsid);
+    if (const VelClCCSID ccsid(number); tools::isKnown(ccsid)) visit(ccsid);
 }
 
 /// Calls `visit(name)` for each name of a CCSID, the preferred one first.
@@ -83,15 +59,6 @@ void listCcsid(std::ostream& out, const VelClCCSID& ccsid) {
 }
 
 }  // namespace
-
-bool parseCcsid(const char* text, VelClCCSID& ccsid) {
-  const std::string_view digits = removePrefixIgnoringCase("ccsid", text);
-  int number = parseDigits(digits);
-  if (number < 0) number = static_cast<int>(velGetCCSIDOfName(text));
-  if (number == 0) number = parseDigits(removePrefixIgnoringCase("cp", digits));
-  ccsid = VelClCCSID(number);
-  return number > 0 && hasNameOrProperties(ccsid);
-}
 
 void listCcsids(std::ostream& out) {
   // 0 has a row in the library's table, so it is listed, although isValid() is false for it.
