@@ -30,7 +30,9 @@ inline constexpr const char* kTexts[] = {
     "[-list] [(-lang <number>)] [-langs]\n"
     "[(-id <id>) [(-var <text>) [<text> ...]]]\n"
     "[(-diff <file>)] [(-error <number>)]",
-    "-cat <file>      the message catalog; the extension is replaced by .DLL\n"
+    "-cat <file>      the message catalog, with or without directory; the extension is replaced\n"
+    "                 by .DLL. If there is no such library, the file itself: any DLL, program\n"
+    "                 or .mui file that has a message table\n"
     "-builtin         the library's built-in messages instead of a catalog\n"
     "-list            list every message: id, language number, text\n"
     "-lang <number>   list only this language, for example 1031\n"

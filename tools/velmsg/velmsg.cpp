@@ -106,9 +106,13 @@ Tool::Catalog Tool::openSource() const {
   return std::make_unique<VelClMessageCatalog>(table, size);
 }
 
+/// Opens the library of this name or, if there is none, the file itself, which may have any extension.
 Tool::Catalog Tool::open(const char* file) const {
-  auto catalog = std::make_unique<VelClMessageCatalog>(VelClFilename(file));
-  if (!catalog->isValid()) end(kCatalogNotLoaded, catalog->getAsCString(), kExitNoCatalog);
+  const VelClFilename name(file);
+  auto library = std::make_unique<VelClMessageCatalog>(name);
+  if (library->isValid()) return library;
+  auto catalog = std::make_unique<VelClMessageCatalog>(name, VelClMessageCatalog::VelEnFile::AS_NAMED);
+  if (!catalog->isValid()) end(kCatalogNotLoaded, library->getAsCString(), kExitNoCatalog);
   return catalog;
 }
 
