@@ -32,7 +32,8 @@ inline constexpr const char* kTexts[] = {
     "[(-diff <file>)] [(-error <number>)]",
     "-cat <file>      the message catalog, with or without directory; the extension is replaced\n"
     "                 by .DLL. If there is no such library, the file itself: any DLL, program\n"
-    "                 or .mui file that has a message table\n"
+    "                 or .mui file with a message table. For a library without one, the .mui\n"
+    "                 file of the user's language or of en-US, such as en-US\\a.dll.mui\n"
     "-builtin         the library's built-in messages instead of a catalog\n"
     "-list            list every message: id, language number, text\n"
     "-lang <number>   list only this language, for example 1031\n"

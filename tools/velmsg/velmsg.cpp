@@ -10,6 +10,7 @@
 #include "tools/catalog_tool.h"
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
+#include "tools/velmsg/catalog_file.h"
 #include "tools/velmsg/catalog_report.h"
 #include "tools/velmsg/error_names.h"
 #include "tools/velmsg/texts.h"
@@ -106,13 +107,9 @@ Tool::Catalog Tool::openSource() const {
   return std::make_unique<VelClMessageCatalog>(table, size);
 }
 
-/// Opens the library of this name or, if there is none, the file itself, which may have any extension.
 Tool::Catalog Tool::open(const char* file) const {
-  const VelClFilename name(file);
-  auto library = std::make_unique<VelClMessageCatalog>(name);
-  if (library->isValid()) return library;
-  auto catalog = std::make_unique<VelClMessageCatalog>(name, VelClMessageCatalog::VelEnFile::AS_NAMED);
-  if (!catalog->isValid()) end(kCatalogNotLoaded, library->getAsCString(), kExitNoCatalog);
+  Catalog catalog = openCatalogFile(file);
+  if (!catalog->isValid()) end(kCatalogNotLoaded, catalog->getAsCString(), kExitNoCatalog);
   return catalog;
 }
 
