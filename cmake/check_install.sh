@@ -97,6 +97,7 @@ completions_of_tools() {
   expect "<Two\\ Words>" complete_line velini -file "$file" -section T
   expect "<best>" complete_line velini -file "$file" -section "Two\\ Words" -get ""
   expect "<819>" complete_line velconv -from 819
+  expect "<latin1>" complete_line velconv -from latin1
   for shell in fish zsh; do
     expect "One Two Words" "complete_in_$shell" "velini -file $file -section "
     expect "best" "complete_in_$shell" "velini -file $file -section \"Two Words\" -get b"

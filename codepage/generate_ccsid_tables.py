@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Generates the C++ tables of CCSIDs and of ICU's error codes from ccsids.tsv and icu_errors.tsv.
+"""Generates the C++ tables of CCSIDs, of their names, and of ICU's error codes.
 
-generate_ccsid_tables.py --ccsids ccsids.tsv --icu icu_errors.tsv --out DIRECTORY
+generate_ccsid_tables.py --ccsids ccsids.tsv --names ccsid_names.tsv --icu icu_errors.tsv --out DIRECTORY
 
-Writes ccsids.inc (sorted by number, because the search requires it, and with the enumerators, so that a row without
+Writes ccsid_names.inc (sorted by what is compared), ccsid_name_order.inc (its indices, sorted by CCSID), ccsids.inc (sorted by number, because the search requires it, and with the enumerators, so that a row without
 one does not compile) and icu_errors.inc (in the order of the file; if several rows have the same status, the first one
 counts). Stops if the data violate an assumption of the code.
 """
@@ -11,6 +11,9 @@ import argparse
 import csv
 import pathlib
 import sys
+
+sys.dont_write_bytecode = True
+from ccsid_name_keys import key
 
 FLAGS = {0, 0x01, 0x02, 0x05, 0x06, 0x08, 0x09, 0x0A, 0x40}
 
@@ -39,6 +42,20 @@ def ccsid_rows(rows):
             for row, enumerator, name in zip(rows, enumerators, names)]
 
 
+def name_rows(rows):
+    """Returns the rows of names, and their order by CCSID, in which the names of a CCSID stay in the order of the file."""
+    names, counts = [], {}
+    for row in rows:
+        for name in row["names"].split():
+            index = counts[row["ccsid"]] = counts.get(row["ccsid"], -1) + 1
+            names.append((key(name), name, int(row["ccsid"]), index))
+            require(not name.isdigit() and '"' not in name, f"unexpected name {name}")
+    names.sort()
+    require(len({name[0] for name in names}) == len(names), "two names are compared as equal")
+    order = sorted(range(len(names)), key=lambda i: names[i][2:])
+    return [f'{{"{k}", "{name}", {ccsid}, {index}}},' for k, name, ccsid, index in names], [f"{i}," for i in order]
+
+
 def icu_rows(rows):
     require(len(rows) == 22, f"{len(rows)} errors of ICU instead of 22")
     return [
@@ -57,10 +74,14 @@ def write(path, lines):
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--ccsids", required=True, type=pathlib.Path)
+    parser.add_argument("--names", required=True, type=pathlib.Path)
     parser.add_argument("--icu", required=True, type=pathlib.Path)
     parser.add_argument("--out", required=True, type=pathlib.Path)
     options = parser.parse_args()
     write(options.out / "ccsids.inc", ccsid_rows(read(options.ccsids)))
+    names, order = name_rows(read(options.names))
+    write(options.out / "ccsid_names.inc", names)
+    write(options.out / "ccsid_name_order.inc", order)
     write(options.out / "icu_errors.inc", icu_rows(read(options.icu)))
 
 

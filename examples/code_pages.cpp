@@ -1,5 +1,5 @@
 // Converts text between code pages. Shows which characters plain conversions lose without an error, and how a
-// strict conversion reports them.
+// strict conversion reports them, the first one or all of them.
 #include <vel.h>
 
 #include <iostream>
@@ -28,6 +28,15 @@ class Text : public VelClConversionSink {
   std::string text_;
 };
 
+/// Reports every fault, and has a substitute written for it.
+class Report : public VelClConversionFaultHandler {
+ public:
+  VelClStrictConversion::VelEnPolicy handle(const VelClStrictConversion::VelStFault& fault) override {
+    std::cout << "fault in line " << fault.line << ", column " << fault.column << '\n';
+    return VelClStrictConversion::VelEnPolicy::REPLACE;
+  }
+};
+
 }  // namespace
 
 int main() {
@@ -46,4 +55,12 @@ int main() {
   conversion.convert(price.data(), price.size(), text);
   conversion.finish(text);
   std::cout << "strictly: " << text.get() << ", fault at byte " << conversion.getFirstFault().offset << '\n';
+
+  const VelClCCSID latin1 = VelClCCSID::fromName("latin1");
+  std::cout << latin1.getPreferredName() << " is CCSID " << latin1.getAsInt() << '\n';
+  VelClStrictConversion reporting(VelClCCSID::fromName("utf8"), latin1);
+  Report report;
+  const std::string prices = "5 \xE2\x82\xAC\n10 \xE2\x82\xAC\n";
+  reporting.convert(prices.data(), prices.size(), text, report);
+  reporting.finish(text, report);
 }

@@ -28,4 +28,7 @@ void fuzz::run(fuzz::Bytes bytes) {
   fuzz::require(convertInPieces(conversion, text, endsOfPieces(text.size(), longest)) == whole);
   fuzz::require(convertInPieces(conversion, text, {text.size() / 2, text.size() / 2}) == whole);
   fuzz::require(convertInPieces(conversion, text, {}) == whole);
+  FaultList handler(static_cast<Policy>(options % 4));
+  fuzz::require(convertInPieces(conversion, text, endsOfPieces(text.size(), longest), &handler) == whole);
+  fuzz::require(handler.faults().size() == conversion.getFaultCount());
 }

@@ -49,7 +49,8 @@ bool parse(std::string_view text, OutputBuffer& output, std::uint64_t repeatable
 template <typename Form>
 std::string dumped(const std::vector<std::uint8_t>& bytes, std::uint64_t offset, bool squeeze) {
   return collect([&](OutputBuffer& output) {
-    vel::veldump::DumpWriter<Form> writer(output, offset, squeeze);
+    static const vel::veldump::LinePainter plain;
+    vel::veldump::DumpWriter<Form> writer(output, plain, offset, squeeze);
     const std::size_t whole = writer.write(bytes.data(), bytes.size());
     writer.finish(bytes.data() + whole, bytes.size() - whole);
   });

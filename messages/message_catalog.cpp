@@ -29,7 +29,10 @@ VelClMessageCatalog::VelClMessageCatalog()
 }
 
 VelClMessageCatalog::VelClMessageCatalog(const VelClFilename& name)
-    : VelClFile(withLibraryType(name), nullptr) {
+    : VelClMessageCatalog(name, VelEnFile::LIBRARY) {}
+
+VelClMessageCatalog::VelClMessageCatalog(const VelClFilename& name, VelEnFile file)
+    : VelClFile(file == VelEnFile::LIBRARY ? withLibraryType(name) : name, nullptr) {
   open();
 }
 

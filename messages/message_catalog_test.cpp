@@ -58,6 +58,21 @@ TEST_F(MessageCatalogFile, IsLoadedFromADirectory) {
   }
 }
 
+TEST_F(MessageCatalogFile, IsOpenedAsNamedOrAsALibrary) {
+  using File = VelClMessageCatalog::VelEnFile;
+  for (const char* const name : {"own.dll", "own.exe", "own.DLL.mui", "own"}) {
+    const std::string path = directory_.write(std::string("named_") + name, vel::test::readFile(path_));
+    const VelClMessageCatalog catalog(VelClFilename(path.c_str()), File::AS_NAMED);
+    EXPECT_EQ(textOf(catalog, 1), "[SMALL]") << name;
+    EXPECT_EQ(catalog.getAsCString(), path);
+  }
+  // The extension is set in upper case; files may have it in lower case.
+  EXPECT_EQ(textOf(open(directory_.path("named_own.dll")), 1), "[SMALL]");
+  EXPECT_FALSE(
+      VelClMessageCatalog(VelClFilename(directory_.path("own.x").c_str()), File::AS_NAMED).isValid());
+  EXPECT_TRUE(VelClMessageCatalog(VelClFilename(directory_.path("own.x").c_str()), File::LIBRARY).isValid());
+}
+
 TEST_F(MessageCatalogFile, MayBeALibraryThatTheProcessUsesAlready) {
   const VelClMessageCatalog first = open(path_);
   // Only Windows can load it as a library.

@@ -20,6 +20,16 @@ VEL_C_API const unsigned char* velGetUCS2toSBCSTable(unsigned int ccsid);
 /// Always returns null: the library does not contain tables of this kind.
 VEL_C_API const void* velGetEUCtoUCS2Table(unsigned int ccsid);
 
+/// Returns the CCSID of a name that IANA, MIME or iconv use for a code page: 819 for "latin1", 1208 for
+/// "utf8", 5348 for "Windows-1252" and "cp1252", 37 for "CP037". Names are compared as Unicode Technical
+/// Standard 22 defines it: case and everything but letters and digits are ignored, and so are leading zeros.
+/// Returns 0 for null and for a name that is not known, a mere number included. Not all of these code pages
+/// are in the table of VelClCCSID, so VelClCCSID::isValid may be false for the result; most of them need ICU.
+VEL_C_API unsigned int velGetCCSIDOfName(const char* name);
+/// Returns the names that velGetCCSIDOfName knows for a CCSID: the preferred one at index 0, then the others.
+/// Returns null after the last one, and for a CCSID without a name.
+VEL_C_API const char* velGetNameOfCCSID(unsigned int ccsid, size_t index);
+
 /// Closes a converter that velGetICUConverter opened; null is ignored.
 VEL_C_API void velDeleteICUConverter(const void* converter);
 
@@ -139,6 +149,11 @@ class VEL_API VelClCCSID {
   /// Any other text yields the first number in it, or 0 without one, and is never valid, because that number
   /// is not looked up: "CP1252" has the CCSID 1252 and is not valid. Null counts as "".
   VelClCCSID(const char* name);
+  /// Returns the CCSID of an everyday name, such as "latin1", CCSID_UNKNOWN if it is not known: see
+  /// velGetCCSIDOfName. Unlike the constructor, it never takes a number out of a text.
+  static VelClCCSID fromName(const char* name) {
+    return VelClCCSID(static_cast<VelEnCCSID>(velGetCCSIDOfName(name)));
+  }
   VelClCCSID(const VelClCCSID& other);
   VelClCCSID& operator=(const VelClCCSID& other);
 
@@ -154,6 +169,8 @@ class VEL_API VelClCCSID {
   /// Returns the name from the table, in most cases the number; a variant has the name of its base page.
   /// Returns "???" for a CCSID that is not in the table.
   const char* getName() const;
+  /// Returns the preferred everyday name, such as "ISO-8859-1" or "CP037", or null if there is none.
+  const char* getPreferredName() const { return velGetNameOfCCSID(ccsid_, 0); }
   /// True if the table contains the CCSID. 0 is not valid.
   bool isValid() const;
 

@@ -103,6 +103,13 @@ class VEL_API VelClMessageCatalog : public VelClFile {
   /// 64 MB does not load, nor does one that is truncated or so damaged that the system's loader would reject
   /// it.
   explicit VelClMessageCatalog(const VelClFilename& name);
+  /// Which file a name means.
+  enum class VelEnFile : uint32_t {
+    LIBRARY = 0,  ///< the name with its extension replaced by ".DLL"
+    AS_NAMED = 1  ///< the name as it is: also a program, or the translated resources of a library (.mui)
+  };
+  /// Same, but opens the file that `file` tells.
+  VelClMessageCatalog(const VelClFilename& name, VelEnFile file);
   /// Constructs a catalog without a library: it has only the messages of the table, and does not change the
   /// locale.
   VelClMessageCatalog(const char* const* table, unsigned long size);

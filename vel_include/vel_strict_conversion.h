@@ -30,6 +30,8 @@ class VEL_API VelClConversionSink {
   virtual void write(const char* bytes, size_t size) = 0;
 };
 
+class VelClConversionFaultHandler;
+
 /// Converts a text of any size, in pieces of any size:
 ///
 ///   VelClStrictConversion conversion(VelClCCSID::CCSID_37, VelClCCSID::CCSID_UTF8);
@@ -116,10 +118,15 @@ class VEL_API VelClStrictConversion {
   /// Ends the source. An unfinished character, or double-byte mode, is a fault. An open shift is closed, even
   /// after a stop.
   bool finish(VelClConversionSink& sink);
+  /// Same, but the handler decides about every fault, and the policy of the constructor is not used. Pass a
+  /// handler to every call for one text: lines and columns of later faults are counted only then.
+  bool convert(const char* source, size_t size, VelClConversionSink& sink,
+               VelClConversionFaultHandler& handler);
+  bool finish(VelClConversionSink& sink, VelClConversionFaultHandler& handler);
   /// Resets the conversion for another source text.
   void restart();
 
-  /// True if a fault was found with the policy STOP.
+  /// True if a fault was found with the policy STOP, or the handler chose it.
   bool hasStopped() const { return hasStopped_; }
   /// Return the number of faults of one kind, or of every kind, so far.
   uint64_t getFaultCount(VelEnFault kind) const { return faultCounts_[static_cast<int32_t>(kind)]; }
@@ -132,17 +139,20 @@ class VEL_API VelClStrictConversion {
  private:
   size_t convertBlock(const char* source, size_t size, bool isLast, vel::codepage::Output& output);
   bool convertKept(const char*& source, size_t& size, bool isLast, vel::codepage::Output& output);
-  bool run(const char* source, size_t size, bool isLast, VelClConversionSink& sink);
+  bool run(const char* source, size_t size, bool isLast, vel::codepage::Output& output);
+  VelStFault describe(VelEnFault kind, uint64_t offset, uint32_t character, const char* bytes,
+                      size_t size) const;
+  VelEnPolicy decide(const VelStFault& fault, const vel::codepage::Output& output);
   bool writeUnits(const char* source, size_t size, size_t count, vel::codepage::Output& output);
   size_t handleUnmappable(const char* source, size_t size, size_t unit, vel::codepage::Output& output);
   void handleIllFormed(VelEnFault kind, const char* bytes, size_t size, vel::codepage::Output& output);
-  bool count(VelEnFault kind, uint64_t offset, uint32_t character, const char* bytes, size_t size);
   void advance(size_t firstUnit, size_t endUnit);
 
   VelClCCSID source_;
   VelEnPolicy policy_;
   bool foldsNextLine_;
   bool hasStopped_;
+  bool followsLines_;              ///< lines and columns are counted even after the first fault
   vel::codepage::Reader* reader_;  ///< owned; null without a route
   vel::codepage::Writer* writer_;  ///< owned; null without a route
   char16_t* units_;                ///< owned
@@ -154,6 +164,29 @@ class VEL_API VelClStrictConversion {
   uint64_t column_;
   uint64_t faultCounts_[4];
   VelStFault firstFault_;
+};
+
+/// Decides about each fault of a strict conversion, and can report all of them:
+///
+///   class Report : public VelClConversionFaultHandler {
+///     VelClStrictConversion::VelEnPolicy handle(const VelClStrictConversion::VelStFault& fault) override {
+///       std::cerr << fault.line << ':' << fault.column << '\n';
+///       return VelClStrictConversion::VelEnPolicy::REPLACE;
+///     }
+///   };
+///
+/// It is called once per fault, in the order of the source.
+class VEL_API VelClConversionFaultHandler {
+ public:
+  VelClConversionFaultHandler() = default;
+  VelClConversionFaultHandler(const VelClConversionFaultHandler&) = delete;
+  VelClConversionFaultHandler& operator=(const VelClConversionFaultHandler&) = delete;
+  virtual ~VelClConversionFaultHandler();
+
+  /// Returns what is done about this fault. The text before it may not have been written to the sink yet. The
+  /// conversion must not be used here, except for its getters. An exception thrown here ends the conversion,
+  /// which must then be restarted.
+  virtual VelClStrictConversion::VelEnPolicy handle(const VelClStrictConversion::VelStFault& fault) = 0;
 };
 
 #endif

@@ -24,6 +24,11 @@ using vel::codepage::kMaxUnits;
 using vel::codepage::kNextLine;
 using vel::codepage::Output;
 
+/// The most units per block if a handler hears of every fault. The position of an unmappable character is
+/// found by decoding its block again, so in large blocks the time for many faults would grow with their
+/// square.
+constexpr std::size_t kMaxUnitsBetweenFaults = 512;
+
 template <typename T>
 T* allocate(std::size_t count) {
   return static_cast<T*>(VelClMemoryManager::malloc(count * sizeof(T)));
@@ -60,6 +65,7 @@ std::uint16_t countUnits(const char16_t* begin, const char16_t* end, Condition c
 }  // namespace
 
 VelClConversionSink::~VelClConversionSink() = default;
+VelClConversionFaultHandler::~VelClConversionFaultHandler() = default;
 
 VelClStrictConversion::VelClStrictConversion(const VelClCCSID& source, const VelClCCSID& target,
                                              VelEnPolicy policy)
@@ -99,6 +105,7 @@ VelClStrictConversion::VelEnRoute VelClStrictConversion::getRouteFromUcs2(const 
 
 void VelClStrictConversion::restart() {
   hasStopped_ = false;
+  followsLines_ = false;
   keptSize_ = 0;
   offset_ = 0;
   line_ = 1;
@@ -121,16 +128,29 @@ uint64_t VelClStrictConversion::getFaultCount() const {
 }
 
 bool VelClStrictConversion::convert(const char* source, size_t size, VelClConversionSink& sink) {
-  return run(source, size, false, sink);
+  Output output(sink, outputBuffer_);
+  return run(source, size, false, output);
 }
 
 bool VelClStrictConversion::finish(VelClConversionSink& sink) {
-  return run(nullptr, 0, true, sink);
+  Output output(sink, outputBuffer_);
+  return run(nullptr, 0, true, output);
 }
 
-bool VelClStrictConversion::run(const char* source, size_t size, bool isLast, VelClConversionSink& sink) {
+bool VelClStrictConversion::convert(const char* source, size_t size, VelClConversionSink& sink,
+                                    VelClConversionFaultHandler& handler) {
+  Output output(sink, outputBuffer_, &handler);
+  return run(source, size, false, output);
+}
+
+bool VelClStrictConversion::finish(VelClConversionSink& sink, VelClConversionFaultHandler& handler) {
+  Output output(sink, outputBuffer_, &handler);
+  return run(nullptr, 0, true, output);
+}
+
+bool VelClStrictConversion::run(const char* source, size_t size, bool isLast, Output& output) {
   if (!isSupported()) return false;
-  Output output(sink, outputBuffer_);
+  followsLines_ = followsLines_ || output.handler() != nullptr;
   if (!hasStopped_ && (keptSize_ == 0 || convertKept(source, size, isLast, output))) {
     const size_t converted = convertBlock(source, size, isLast, output);
     if (!hasStopped_ && converted < size) {
@@ -168,8 +188,9 @@ bool VelClStrictConversion::convertKept(const char*& source, size_t& size, bool 
 // bytes that were consumed.
 size_t VelClStrictConversion::convertBlock(const char* source, size_t size, bool isLast, Output& output) {
   const char* const begin = source;
+  const size_t capacity = output.handler() == nullptr ? kMaxUnits : kMaxUnitsBetweenFaults;
   while (!hasStopped_) {
-    const vel::codepage::ReadResult result = reader_->read(source, size, isLast, units_, kMaxUnits);
+    const vel::codepage::ReadResult result = reader_->read(source, size, isLast, units_, capacity);
     if (foldsNextLine_) foldNextLines(units_, result.units);
     if (!writeUnits(source, size, result.units, output)) break;
     source += result.consumed;
@@ -205,13 +226,18 @@ bool VelClStrictConversion::writeUnits(const char* source, size_t size, size_t c
 // Counts and handles the unmappable character at `unit`. Returns the number of its units.
 size_t VelClStrictConversion::handleUnmappable(const char* source, size_t size, size_t unit, Output& output) {
   const vel::codepage::Character character = vel::codepage::decodeFirst(units_ + unit);
-  // Only the first fault is reported with its offset, and finding that may mean to decode the source again.
-  const size_t before = getFaultCount() == 0 ? reader_->sizeBefore(source, size, unit) : 0;
-  if (!this->count(VelEnFault::NOT_REPRESENTABLE, offset_ + before, character.value, nullptr, 0)) {
+  // Without a handler, only the first fault is reported with its offset, and finding that may mean to decode
+  // the source again.
+  const bool isReported = getFaultCount() == 0 || output.handler() != nullptr;
+  const size_t before = isReported ? reader_->sizeBefore(source, size, unit) : 0;
+  const VelStFault fault =
+      describe(VelEnFault::NOT_REPRESENTABLE, offset_ + before, character.value, nullptr, 0);
+  const VelEnPolicy policy = decide(fault, output);
+  if (policy == VelEnPolicy::STOP) {
     offset_ += before;
-  } else if (policy_ == VelEnPolicy::REPLACE) {
+  } else if (policy == VelEnPolicy::REPLACE) {
     writer_->writeOrSubstitute(character.value, output);
-  } else if (policy_ == VelEnPolicy::ESCAPE) {
+  } else if (policy == VelEnPolicy::ESCAPE) {
     const bool isLong = character.value > 0xFFFF;
     escape(*writer_, output, isLong ? 'U' : 'u', character.value, isLong ? 8 : 4);
   }
@@ -220,29 +246,36 @@ size_t VelClStrictConversion::handleUnmappable(const char* source, size_t size, 
 
 // Counts and handles bytes that are not a character. The end in double-byte mode is a fault without bytes.
 void VelClStrictConversion::handleIllFormed(VelEnFault kind, const char* bytes, size_t size, Output& output) {
-  if (!count(kind, offset_, 0, bytes, size) || size == 0) return;
+  const VelEnPolicy policy = decide(describe(kind, offset_, 0, bytes, size), output);
+  if (policy == VelEnPolicy::STOP || size == 0) return;
   column_ += 1;
-  if (policy_ == VelEnPolicy::REPLACE) writer_->writeOrSubstitute(vel::kReplacementCharacter, output);
-  if (policy_ != VelEnPolicy::ESCAPE) return;
+  if (policy == VelEnPolicy::REPLACE) writer_->writeOrSubstitute(vel::kReplacementCharacter, output);
+  if (policy != VelEnPolicy::ESCAPE) return;
   for (size_t i = 0; i < size; ++i) escape(*writer_, output, 'x', static_cast<unsigned char>(bytes[i]), 2);
 }
 
-// Counts a fault, and describes it if it is the first one. Returns false if the conversion stops at it.
-bool VelClStrictConversion::count(VelEnFault kind, uint64_t offset, uint32_t character, const char* bytes,
-                                  size_t size) {
-  if (getFaultCount() == 0) {
-    firstFault_ = {kind, offset, line_, column_, character, static_cast<uint32_t>(size), {}};
-    if (size != 0) std::memcpy(firstFault_.bytes, bytes, std::min(size, sizeof firstFault_.bytes));
-  }
-  ++faultCounts_[static_cast<int32_t>(kind)];
-  hasStopped_ = policy_ == VelEnPolicy::STOP;
-  return !hasStopped_;
+VelClStrictConversion::VelStFault VelClStrictConversion::describe(VelEnFault kind, uint64_t offset,
+                                                                  uint32_t character, const char* bytes,
+                                                                  size_t size) const {
+  VelStFault fault{kind, offset, line_, column_, character, static_cast<uint32_t>(size), {}};
+  if (size != 0) std::memcpy(fault.bytes, bytes, std::min(size, sizeof fault.bytes));
+  return fault;
 }
 
-// Moves line and column past these units. They are reported for the first fault only, and not counted after
-// it.
+// Counts a fault, keeps the first one, and returns what the handler, or else the policy, says about it.
+VelClStrictConversion::VelEnPolicy VelClStrictConversion::decide(const VelStFault& fault,
+                                                                 const Output& output) {
+  if (getFaultCount() == 0) firstFault_ = fault;
+  ++faultCounts_[static_cast<int32_t>(fault.kind)];
+  const VelEnPolicy policy = output.handler() == nullptr ? policy_ : output.handler()->handle(fault);
+  hasStopped_ = policy == VelEnPolicy::STOP;
+  return policy;
+}
+
+// Moves line and column past these units. Without a handler, they are reported for the first fault only, and
+// not counted after it.
 void VelClStrictConversion::advance(size_t firstUnit, size_t endUnit) {
-  if (getFaultCount() != 0) return;
+  if (getFaultCount() != 0 && !followsLines_) return;
   const char16_t* const begin = units_ + firstUnit;
   const char16_t* const end = units_ + endUnit;
   const char16_t other = source_.isEBCDIC() ? kNextLine : kLineFeed;

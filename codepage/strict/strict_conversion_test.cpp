@@ -34,7 +34,44 @@ TEST(StrictConversion, FollowsTheTableInEverySplit) {
     for (std::size_t end = 0; end <= source.size(); ++end)
       EXPECT_EQ(convertInPieces(conversion, source, {end}), expected) << what << ", split at " << end;
     EXPECT_EQ(convertInPieces(conversion, source, endsOfPieces(source.size(), 1)), expected) << what;
+    // A handler that decides like the policy changes nothing, whatever the policy of the conversion is.
+    Conversion other(VelClCCSID(row[1].c_str()), VelClCCSID(row[2].c_str()), Policy::SKIP);
+    other.setNextLineFolding(row[7] == "fold");
+    FaultList handler(policyOf(row[3]));
+    EXPECT_EQ(convertInPieces(other, source, endsOfPieces(source.size(), 1), &handler), expected) << what;
   }
+}
+
+TEST(StrictConversion, ReportsEveryFaultToTheHandler) {
+  for (const auto& row : vel::test::readTable(VEL_TEST_DATA "test/strict_faults.tsv")) {
+    Conversion conversion(VelClCCSID(row[0].c_str()), VelClCCSID(row[1].c_str()));
+    const std::string source = bytesOf(row[2]);
+    for (const std::vector<std::size_t>& ends : {{}, endsOfPieces(source.size(), 1)}) {
+      FaultList handler(Policy::SKIP);
+      convertInPieces(conversion, source, ends, &handler);
+      EXPECT_THAT(handler.faults(), testing::ElementsAreArray(row.begin() + 3, row.end()));
+      FaultList stopping(Policy::REPLACE, handler.faults().size());
+      convertInPieces(conversion, source, ends, &stopping);
+      EXPECT_EQ(stopping.faults(), handler.faults());
+      EXPECT_TRUE(conversion.hasStopped());
+    }
+  }
+}
+
+// Each character is a fault; the positions are those of the characters, and the time is not that of their
+// square.
+TEST(StrictConversion, ReportsTheOffsetsOfManyFaults) {
+  std::string source;
+  std::vector<std::string> expected;
+  for (int i = 0; i < 20'000; ++i) {
+    expected.push_back("unmappable " + std::to_string(source.size()) + " 1:" + std::to_string(i + 1) +
+                       (i % 2 == 0 ? " U+20AC" : " U+1F600"));
+    source += i % 2 == 0 ? "\xE2\x82\xAC" : "\xF0\x9F\x98\x80";
+  }
+  Conversion conversion(ccsid(1208), ccsid(500));
+  FaultList handler(Policy::REPLACE);
+  convertInPieces(conversion, source, {}, &handler);
+  EXPECT_EQ(handler.faults(), expected);
 }
 
 TEST(StrictConversion, ConvertsNothingWithoutARoute) {
@@ -46,8 +83,11 @@ TEST(StrictConversion, ConvertsNothingWithoutARoute) {
 
 std::vector<int> ccsidsWithARoute(Route (*route)(const VelClCCSID&)) {
   std::vector<int> numbers;
+  // Some code pages that ICU has are not in the table but have a name.
   for (int number = 1; number < 0x10000; ++number)
-    if (ccsid(number).isValid() && route(ccsid(number)) != Route::NONE) numbers.push_back(number);
+    if ((ccsid(number).isValid() || ccsid(number).getPreferredName() != nullptr) &&
+        route(ccsid(number)) != Route::NONE)
+      numbers.push_back(number);
   return numbers;
 }
 

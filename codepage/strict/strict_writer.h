@@ -9,12 +9,17 @@
 
 namespace vel::codepage {
 
-/// Buffers bytes for the sink, so that the sink is called once for many characters.
+/// Buffers bytes for the sink, so that the sink is called once for many characters. Also says who handles
+/// faults, since both are arguments of a call and not properties of the conversion.
 class Output {
  public:
   static constexpr std::size_t kCapacity = std::size_t{64} * 1024;
 
-  Output(VelClConversionSink& sink, char* buffer) : sink_(sink), buffer_(buffer) {}
+  Output(VelClConversionSink& sink, char* buffer, VelClConversionFaultHandler* handler = nullptr)
+      : sink_(sink), buffer_(buffer), handler_(handler) {}
+
+  /// Returns the handler of the faults found while this output is written, or null.
+  VelClConversionFaultHandler* handler() const { return handler_; }
 
   /// Returns the write position, with room for at least `size` bytes, at most kCapacity. May flush. Writes
   /// nothing; follow with commit().
@@ -34,6 +39,7 @@ class Output {
  private:
   VelClConversionSink& sink_;
   char* buffer_;
+  VelClConversionFaultHandler* handler_;
   std::size_t used_ = 0;
 };
 

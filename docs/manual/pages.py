@@ -6,7 +6,8 @@
   {{value HEADER: NAME}}       the value of a constant
   {{count FILE}}               the number of rows of a data file
   {{tool NAME}}                the title, usage string and help text of a tool
-  {{code-pages}}, {{errors}}, {{classes}}, {{icu-errors}}, {{trace-types}}   tables of the data files
+  {{code-pages}}, {{code-page-names}}, {{code-page-differences}}, {{errors}}, {{classes}}, {{icu-errors}},
+  {{trace-types}}              tables of the data files
   {{rooms}}                    the table of rooms and their dependencies, from the build files
   {{ratios}}                   the table of ratios that a whole run of the benchmarks wrote"""
 import csv
@@ -124,6 +125,17 @@ class Page:
             rows.append((path.stem, kinds[int(path.stem)], least if least == most else f"{least} or {most}",
                          "yes" if facts["shift"].startswith("yes") else "", facts["edition"]))
         return table(("CCSID", "Kind", "Bytes a character", "Shifts", "Edition"), rows)
+
+    def code_page_names(self, _):
+        rows, names = {}, rows_of(self.root / "codepage/ccsid_names.tsv")
+        for row in names:
+            rows[row["ccsid"]] = [*rows.get(row["ccsid"], []), *(f"`{name}`" for name in row["names"].split())]
+        return table(("CCSID", "Names"), [(ccsid, ", ".join(found)) for ccsid, found in rows.items()])
+
+    def code_page_differences(self, _):
+        return table(("Name", "CCSID", "Bytes that differ", "Why"),
+                     [(f"`{row['names'].split()[0]}`", row["ccsid"], row["differences"], row["why"])
+                      for row in rows_of(self.root / "codepage/ccsid_names.tsv") if row["differences"]])
 
     def errors(self, _):
         comments = dict(re.findall(r"(\w+) = \d+,?\s+///< (.*)", self.header("vel_error.h")))

@@ -2,8 +2,11 @@
 // catalogs are Windows DLLs on every system.
 #include <fcntl.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <string_view>
 
+#include "base/ascii.h"
 #include "platform/byte_files.h"
 #include "platform/catalogs.h"
 #include "platform/posix/descriptor.h"
@@ -20,6 +23,22 @@ bool openFile(const char* path, void* descriptor) noexcept {
   if (!file.isOpen() || bytesLeft(file.get()) == 0) return false;
   *static_cast<int*>(descriptor) = file.release();
   return true;
+}
+
+/// Opens a name that has a directory. Catalogs get their extension in upper case, which Windows does not
+/// distinguish: where the name itself does not exist, it is tried in lower case.
+bool openInDirectory(const char* fileName, int& descriptor) noexcept {
+  const NativePath path(fileName);
+  if (!path.fits()) return false;
+  if (openFile(path.get(), &descriptor)) return true;
+  constexpr std::string_view kExtension = ".DLL";
+  const std::string_view name(path.get());
+  PathBuffer lower;
+  if (!name.ends_with(kExtension) || name.size() >= lower.size()) return false;
+  lower[name.copy(lower.data(), name.size())] = '\0';
+  std::transform(lower.data() + name.size() - kExtension.size(), lower.data() + name.size(),
+                 lower.data() + name.size() - kExtension.size(), toAsciiLower);
+  return openFile(lower.data(), &descriptor);
 }
 
 bool search(const char* fileName, unsigned places, int& descriptor) noexcept {
@@ -40,8 +59,7 @@ SystemError openCatalog(const char* fileName, CatalogOwner owner, int& descripto
   bool isFound = false;
   // A name with a directory is opened where it says and nowhere else.
   if (hasDirectory(fileName)) {
-    const NativePath path(fileName);
-    isFound = path.fits() && openFile(path.get(), &descriptor);
+    isFound = openInDirectory(fileName, descriptor);
   } else if (*fileName != '\0') {
     isFound = owner == CatalogOwner::ThisLibrary
                   ? searchOwn(fileName, descriptor)

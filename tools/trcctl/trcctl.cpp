@@ -8,6 +8,7 @@
 #include <iostream>
 #include <string>
 
+#include "platform/byte_files.h"
 #include "platform/descriptors.h"
 #include "tools/catalog_tool.h"
 #include "tools/spooled_input.h"
@@ -56,6 +57,22 @@ Fault faultOf(const VelClException& exception) {
   }
 }
 
+/// Whether the file is empty, as that of a new trace, or large enough for the entry that its first bytes
+/// describe. A trace file has no other sign. Also true if the file cannot be read or its size is not known;
+/// the formatter reports that.
+bool holdsFirstEntry(const char* name) {
+  constexpr std::size_t kHeadSize = 20;
+  std::uint8_t head[kHeadSize] = {};
+  std::size_t count = 0;
+  vel::platform::ReadableFile file;
+  if (file.open(name, vel::platform::PipeWithoutWriter::Refuse) != 0) return true;
+  const std::uint64_t size = vel::platform::bytesLeft(file.descriptor());
+  if (size == 0 || vel::platform::readBytes(file.descriptor(), head, kHeadSize, count) != 0) return true;
+  std::uint64_t needed = kHeadSize + head[2] + head[3];
+  for (std::size_t i = 0; i < 4; ++i) needed += std::uint64_t{head[16 + i]} << (8 * i);
+  return count == kHeadSize && needed <= size;
+}
+
 class Tool {
  public:
   Tool(int argc, const char* const* argv) : ui_(argc, argv) {}
@@ -63,6 +80,7 @@ class Tool {
   void run();
   void reportOutputFailure() const { ui_.error(std::cerr, vel::tools::translated(kNotWritten)); }
   [[noreturn]] void end(TextId text, const char* argument, int exitCode) const;
+  [[noreturn]] void endWithoutTrace(const char* file) const;
 
  private:
   const char* optional(TextId name, const char* otherwise) const;
@@ -81,6 +99,12 @@ class Tool {
 void Tool::end(TextId text, const char* argument, int exitCode) const {
   std::cout.flush();
   ui_.fatal(exitCode, VelClMessage(ui_.getMessageCatalog(), text).getAsCString(), argument);
+}
+
+void Tool::endWithoutTrace(const char* file) const {
+  constexpr unsigned int kPrimaryLanguage = 0x3FF, kGerman = 7;
+  const bool isGerman = (ui_.getMessageCatalog().getLanguage() & kPrimaryLanguage) == kGerman;
+  ui_.fatal(kExitCorrupted, isGerman ? NotATrace::kGerman : NotATrace::kEnglish, file);
 }
 
 /// Returns the value of a switch, or `otherwise` if it is not given.
@@ -175,12 +199,15 @@ void Tool::display(const VelClTraceEnvironment& environment) const {
   formatter.setShowRepeatedFunctionNames(!ui_.hasArgSwitch(kSwitchHideRepeated));
   formatter.setShowHex(ui_.hasArgSwitch(kSwitchHex));
   formatter.setShowBinary(ui_.hasArgSwitch(kSwitchBinary));
+  const char* const file = environment.getFilename().getAsCString();
+  if (!holdsFirstEntry(file)) endWithoutTrace(file);
   try {
     formatter.format(std::cout);
   } catch (const VelClException& exception) {
     vel::tools::rethrowIfOutOfMemory(exception);
     const Fault fault = faultOf(exception);
-    end(fault.text, environment.getFilename().getAsCString(), fault.exitCode);
+    if (fault.exitCode == kExitCorrupted && formatter.getNumOfEntries() == 0) endWithoutTrace(file);
+    end(fault.text, file, fault.exitCode);
   }
   // No summary follows output that could not be written; toolMain reports that.
   if (std::cout.flush()) showResult(ui_, environment, formatter);

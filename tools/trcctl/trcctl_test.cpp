@@ -58,4 +58,14 @@ TEST(TrcctlInUsersLanguage, AlignsLabelsWithUmlauts) {
   EXPECT_EQ(umlauts, std::string(language) == "C" ? 0U : 3U);
 }
 
+TEST(TrcctlInUsersLanguage, TellsAFileThatIsNotATrace) {
+  const vel::test::ScratchDirectory directory;
+  const std::string file = directory.write("file", "text");
+  const auto result = vel::test::runChild("trcctl", {"-key", "tour", "-display", "-file", file});
+  EXPECT_THAT(result.errors,
+              testing::HasSubstr(std::string(std::getenv("LC_ALL")) == "C" ? "Not a trace file: "
+                                                                           : "Keine Trace-Datei: "));
+  EXPECT_EQ(result.exitCode, 2);
+}
+
 }  // namespace

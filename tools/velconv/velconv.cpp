@@ -4,6 +4,7 @@
 // only after the last of them, so a conversion that stops leaves the old file in place. Conversion, and what
 // becomes of characters that cannot be converted, is the work of the library's strict conversion; the tool
 // reports.
+#include <charconv>
 #include <cstring>
 #include <iostream>
 #include <optional>
@@ -14,9 +15,10 @@
 #include "platform/byte_files.h"
 #include "platform/replacing.h"
 #include "tools/catalog_tool.h"
+#include "tools/ccsids.h"
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
-#include "tools/velconv/ccsids.h"
+#include "tools/velconv/ccsid_list.h"
 #include "tools/velconv/output_file.h"
 #include "tools/velconv/texts.h"
 #include "vel_include/vel_consoleui.h"
@@ -35,7 +37,7 @@ constexpr int kExitFailed = 2;
 constexpr std::size_t kChunkSize = std::size_t{256} * 1024;
 
 /// The console user interface with the tool's own texts.
-class Tool : public vel::tools::CatalogTool {
+class Tool : public vel::tools::CatalogTool, private VelClConversionFaultHandler {
  public:
   Tool(int argc, const char* const* argv) : CatalogTool(argc, argv, kTexts, kTextEnd), chunk_(kChunkSize) {}
 
@@ -45,21 +47,27 @@ class Tool : public vel::tools::CatalogTool {
   int fail(TextId id) const;
 
  private:
-  int list() const;
+  int list(void (*write)(std::ostream& out)) const;
   void warnWithoutIcu() const;
   void readSwitches();
   VelClCCSID ccsidOf(const char* switchName) const;
   Conversion::VelEnPolicy policy() const;
+  std::uint64_t faultLimit() const;
   int convertAll();
   bool convert(const char* file, OutputFile& output);
   bool convertBytes(int descriptor, OutputFile& output);
-  void reportFirstFault(const char* file) const;
+  Conversion::VelEnPolicy handle(const Conversion::VelStFault& fault) override;
+  void reportFault(const Conversion::VelStFault& fault) const;
+  void reportFaults() const;
   void reportCounts(const char* file) const;
 
   std::vector<char> chunk_;
   std::optional<Conversion> conversion_;
   const char* output_ = nullptr;
+  std::optional<std::uint64_t> faultLimit_;  ///< of each file; without it, only the first fault is reported
+  Conversion::VelEnPolicy policy_ = Conversion::VelEnPolicy::STOP;
   bool counts_ = false;
+  const char* file_ = nullptr;  ///< the one that is being converted
 };
 
 int Tool::fail(TextId id) const {
@@ -69,7 +77,8 @@ int Tool::fail(TextId id) const {
 
 int Tool::run() {
   begin();
-  if (hasArgSwitch("list")) return list();
+  if (hasArgSwitch("list")) return list(&listCcsids);
+  if (hasArgSwitch("names")) return list(&listNames);
   readSwitches();
   if (conversion_->isSupported()) return convertAll();
   report(kNoWay);
@@ -86,11 +95,12 @@ void Tool::warnWithoutIcu() const {
   if (converter == nullptr && error.errorId == ICU_UNSUPPORTED_ERROR) warning(text(kNeedsIcu).c_str());
 }
 
-int Tool::list() const {
-  for (const char* other : {"from", "to", "out", "policy", "count", "foldnel"})
-    if (hasArgSwitch(other)) refuse(kListAlone);
-  if (!freeArguments().empty()) refuse(kListAlone);
-  listCcsids(std::cout);
+int Tool::list(void (*write)(std::ostream& out)) const {
+  int switches = 0;
+  for (const char* each : {"from", "to", "out", "policy", "faults", "count", "foldnel", "list", "names"})
+    switches += hasArgSwitch(each) ? 1 : 0;
+  if (switches > 1 || !freeArguments().empty()) refuse(kListAlone);
+  write(std::cout);
   std::cout.flush();
   warnWithoutIcu();
   return std::cout.good() ? 0 : fail(kNotWritten);
@@ -98,7 +108,9 @@ int Tool::list() const {
 
 void Tool::readSwitches() {
   if (!hasArgSwitch("from") || !hasArgSwitch("to")) refuse(kBothNeeded);
-  conversion_.emplace(ccsidOf("from"), ccsidOf("to"), policy());
+  policy_ = policy();
+  if (hasArgSwitch("faults")) faultLimit_ = faultLimit();
+  conversion_.emplace(ccsidOf("from"), ccsidOf("to"), policy_);
   conversion_->setNextLineFolding(hasArgSwitch("foldnel"));
   counts_ = hasArgSwitch("count");
   if (hasArgString("out", output_) && output_ == kStandardStream) output_ = nullptr;
@@ -108,7 +120,8 @@ VelClCCSID Tool::ccsidOf(const char* switchName) const {
   const char* name = "";
   hasArgString(switchName, name);
   VelClCCSID ccsid(VelClCCSID::CCSID_UNKNOWN);
-  if (!parseCcsid(name, ccsid)) fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, text(kUnknownCcsid).c_str(), name);
+  if (!vel::tools::parseCcsid(name, ccsid))
+    fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, text(kUnknownCcsid).c_str(), name);
   return ccsid;
 }
 
@@ -120,6 +133,16 @@ Conversion::VelEnPolicy Tool::policy() const {
   for (std::size_t i = 0; i < std::size(kNames); ++i)
     if (std::strcmp(name, kNames[i]) == 0) return static_cast<Conversion::VelEnPolicy>(i);
   fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, text(kUnknownPolicy).c_str(), name);
+}
+
+std::uint64_t Tool::faultLimit() const {
+  const char* number = "";
+  hasArgString("faults", number);
+  std::uint64_t limit = 0;
+  const char* const end = number + std::strlen(number);
+  const auto [stop, error] = std::from_chars(number, end, limit);
+  if (error == std::errc() && stop == end) return limit;
+  fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, text(kNumberExpected).c_str(), number);
 }
 
 int Tool::convertAll() {
@@ -148,10 +171,11 @@ bool Tool::convert(const char* file, OutputFile& output) {
   // The size of a pipe is not known, so no progress bar is shown for it.
   const std::uint64_t expected = isShown ? 0 : vel::platform::bytesLeft(descriptor);
   if (expected > 0) progressStart(expected, file);
+  file_ = file;
   const bool isRead = convertBytes(descriptor, output);
   progressStop();
   if (!isRead) report(kNotRead, file);
-  if (conversion_->getFaultCount() != 0) reportFirstFault(file);
+  reportFaults();
   if (counts_) reportCounts(file);
   return isRead && !conversion_->hasStopped();
 }
@@ -166,16 +190,33 @@ bool Tool::convertBytes(int descriptor, OutputFile& output) {
     isRead = vel::platform::readBytes(descriptor, chunk_.data(), chunk_.size(), size) == 0;
     if (!isRead || size == 0) break;
     progressStep(size);
-  } while (conversion_->convert(chunk_.data(), size, output));
-  conversion_->finish(output);
+  } while (faultLimit_ ? conversion_->convert(chunk_.data(), size, output, *this)
+                       : conversion_->convert(chunk_.data(), size, output));
+  faultLimit_ ? conversion_->finish(output, *this) : conversion_->finish(output);
   return isRead;
+}
+
+/// Reports faults while a file is converted, since there may be too many to keep them.
+Conversion::VelEnPolicy Tool::handle(const Conversion::VelStFault& fault) {
+  if (conversion_->getFaultCount() <= *faultLimit_) {
+    progressStop();
+    reportFault(fault);
+  }
+  return policy_;
+}
+
+/// Reports what is left after the conversion: the first fault, or the number of faults beyond the limit.
+void Tool::reportFaults() const {
+  const std::uint64_t count = conversion_->getFaultCount();
+  if (!faultLimit_ && count != 0) reportFault(conversion_->getFirstFault());
+  if (faultLimit_ && count > *faultLimit_)
+    error(std::cerr, text(kMoreFaults).c_str(), file_, std::to_string(count - *faultLimit_).c_str());
 }
 
 /// Shows the bytes of an ill-formed sequence, or an unmappable character as "U+20AC", with offset, line and
 /// column.
-void Tool::reportFirstFault(const char* file) const {
+void Tool::reportFault(const Conversion::VelStFault& fault) const {
   constexpr TextId kKinds[] = {kTextEnd, kInvalid, kIncomplete, kNotRepresentable};
-  const Conversion::VelStFault& fault = conversion_->getFirstFault();
   std::string what;
   for (std::uint32_t i = 0; i < fault.size; ++i) {
     const auto digits = vel::hexPair(fault.bytes[i]);
@@ -186,9 +227,9 @@ void Tool::reportFirstFault(const char* file) const {
     what += vel::kUpperHexDigits[fault.character >> shift & 0xF];
   if (fault.character != 0) what = "U+" + what;
   if (what.ends_with(' ')) what.pop_back();
-  const VelClMessage place(getMessageCatalog(), kFirstFault, std::to_string(fault.offset).c_str(),
+  const VelClMessage place(getMessageCatalog(), kFaultPlace, std::to_string(fault.offset).c_str(),
                            std::to_string(fault.line).c_str(), std::to_string(fault.column).c_str());
-  error(std::cerr, text(kKinds[static_cast<int>(fault.kind)]).c_str(), file, place.getAsCString(),
+  error(std::cerr, text(kKinds[static_cast<int>(fault.kind)]).c_str(), file_, place.getAsCString(),
         what.empty() ? nullptr : what.c_str());
 }
 

@@ -1,4 +1,5 @@
-// Parses the lines of a hexadecimal or binary dump and writes the bytes that they show.
+// Parses the lines of a hexadecimal or binary dump, also one of xxd or hexdump -C, and writes the bytes that
+// they show.
 #pragma once
 
 #include <cstddef>
@@ -6,6 +7,7 @@
 #include <string_view>
 
 #include "tools/veldump/output_buffer.h"
+#include "tools/veldump/peer_dumps.h"
 
 namespace vel::veldump {
 
@@ -14,6 +16,9 @@ class DumpParser {
   /// `repeatable` is the number of bytes that lines "*" may still stand for; it counts down. Both must
   /// outlive the parser.
   DumpParser(OutputBuffer& output, std::uint64_t& repeatable) : output_(output), repeatable_(repeatable) {}
+  DumpParser(const DumpParser&) = delete;
+  DumpParser& operator=(const DumpParser&) = delete;
+  ~DumpParser() = default;
 
   /// Parses one line, given without its line break, and writes its bytes. Returns false, with none of them
   /// written, if it is not a line of a dump, does not follow the line before it, or a "*" before it stands
@@ -26,26 +31,27 @@ class DumpParser {
   bool canEnd() const { return !squeezed_; }
 
  private:
-  static constexpr std::size_t kMaxBytes = 16;
-
-  struct Line {
-    std::uint64_t address = 0;
-    std::size_t capacity = 0;  ///< bytes in a full line of this form
-    std::size_t count = 0;
-    std::uint8_t bytes[kMaxBytes] = {};
-  };
+  /// Which program wrote the dump. The first line tells; later ones must be of the same program.
+  enum class Writer : std::uint8_t { Unknown, Veldump, Xxd, Hexdump };
 
   template <typename Form>
-  static bool decodeGroups(std::string_view text, Line& line);
-  static bool decode(std::string_view text, Line& line);
-  bool follows(const Line& line) const;
+  static bool decodeGroups(std::string_view text, DumpLine& line);
+  static bool decodeOwn(std::string_view text, DumpLine& line);
+  bool decode(std::string_view text, DumpLine& line);
+  bool follows(const DumpLine& line) const;
   bool repeatUpTo(std::uint64_t address);
 
   OutputBuffer& output_;
   std::uint64_t& repeatable_;
-  Line previous_;
+  /// The last line and the one that is being parsed take turns, because copying lines would take as long as
+  /// parsing them.
+  DumpLine lines_[2];
+  DumpLine* previous_ = &lines_[0];
+  DumpLine* next_ = &lines_[1];
+  Writer writer_ = Writer::Unknown;
   bool started_ = false;
   bool squeezed_ = false;
+  bool ended_ = false;  ///< the line that ends a dump of hexdump -C was parsed
   bool beyondLimit_ = false;
 };
 

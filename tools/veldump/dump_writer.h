@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "tools/veldump/line_painter.h"
 #include "tools/veldump/output_buffer.h"
 #include "util/dump_line.h"
 
@@ -14,9 +15,9 @@ namespace vel::veldump {
 template <typename Form>
 class DumpWriter {
  public:
-  /// The first byte has the address `offset`.
-  DumpWriter(OutputBuffer& output, std::uint64_t offset, bool squeeze)
-      : output_(output), offset_(offset), squeeze_(squeeze) {}
+  /// The first byte has the address `offset`. The painter must outlive this object.
+  DumpWriter(OutputBuffer& output, const LinePainter& painter, std::uint64_t offset, bool squeeze)
+      : output_(output), painter_(painter), offset_(offset), squeeze_(squeeze) {}
 
   /// Writes all whole lines and returns the number of bytes in them. The caller keeps the rest.
   std::size_t write(const std::uint8_t* data, std::size_t size) {
@@ -40,17 +41,25 @@ class DumpWriter {
   }
 
  private:
-  static constexpr std::size_t kMaxLineSize = util::LineLayout<Form>::kMaxLength + 1;
-  static constexpr std::size_t kMaxLines = OutputBuffer::kCapacity / kMaxLineSize;
+  static constexpr std::size_t kMaxLineSize = LinePainter::maxLineSize<Form>();
+  static constexpr std::size_t kMaxPlainSize = util::LineLayout<Form>::kMaxLength + 1;
+  static constexpr std::size_t kMaxLines = OutputBuffer::kCapacity / kMaxPlainSize;
 
   /// Formats as many lines as the output buffer holds, which checks its room once for all of them.
   std::size_t writeMany(const std::uint8_t* data, std::size_t size) {
+    if (painter_.isNeeded()) return writeOne(data);
     const std::size_t lines = std::min(size / Form::kBytes, kMaxLines);
-    char* out = output_.reserve(lines * kMaxLineSize);
+    char* out = output_.reserve(lines * kMaxPlainSize);
     for (std::size_t line = 0; line < lines; ++line, offset_ += Form::kBytes)
       out = util::writeLine<Form>(out, offset_, data + line * Form::kBytes, Form::kBytes);
     output_.commit(out);
     return lines * Form::kBytes;
+  }
+
+  std::size_t writeOne(const std::uint8_t* data) {
+    writeLine(offset_, data, Form::kBytes);
+    offset_ += Form::kBytes;
+    return Form::kBytes;
   }
 
   std::size_t writeUnlessRepeated(const std::uint8_t* data) {
@@ -72,10 +81,13 @@ class DumpWriter {
   }
 
   void writeLine(std::uint64_t offset, const std::uint8_t* data, std::size_t size) {
-    output_.commit(util::writeLine<Form>(output_.reserve(kMaxLineSize), offset, data, size));
+    char* const out = output_.reserve(kMaxLineSize);
+    output_.commit(painter_.isNeeded() ? painter_.writeLine<Form>(out, offset, data, size)
+                                       : util::writeLine<Form>(out, offset, data, size));
   }
 
   OutputBuffer& output_;
+  const LinePainter& painter_;
   std::uint64_t offset_;
   bool squeeze_;
   bool hasPrevious_ = false;

@@ -1,8 +1,9 @@
-// veldump: shows the bytes of files, and turns dumps back into bytes.
+// veldump: shows the bytes of files, compares two files, and turns dumps back into bytes.
 //
 // Both directions read a file in chunks of 64 KiB. A line may be cut by the end of a chunk: its bytes are
 // moved to the front, and the next read continues after them. So a dump takes little memory for a file of any
-// size. Formatting is dump_writer.h's work, parsing dump_parser.cpp's.
+// size. Formatting is dump_writer.h's work, parsing dump_parser.cpp's, comparing comparison.h's.
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <iostream>
@@ -11,10 +12,12 @@
 
 #include "platform/byte_files.h"
 #include "tools/catalog_tool.h"
+#include "tools/ccsids.h"
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
 #include "tools/translation.h"
 #include "tools/veldump/byte_source.h"
+#include "tools/veldump/comparison.h"
 #include "tools/veldump/dump_parser.h"
 #include "tools/veldump/dump_writer.h"
 #include "tools/veldump/texts.h"
@@ -30,6 +33,9 @@ using vel::util::HexForm;
 constexpr int kExitNotRead = 1;
 constexpr int kExitNotWritten = 2;
 constexpr int kExitBeyondLimit = 3;
+/// With -compare, because 1 then means that the files differ.
+constexpr int kExitDifferent = 1;
+constexpr int kExitNotCompared = 4;
 constexpr std::uint64_t kDefaultLimit = std::uint64_t{1} << 30;
 constexpr std::size_t kChunkSize = std::size_t{64} * 1024;
 
@@ -51,11 +57,15 @@ class Tool : public vel::tools::CatalogTool {
   void readSwitches();
   std::uint64_t countOf(const char* switchName, std::uint64_t otherwise) const;
   std::uint64_t widthOfElements() const;
+  Range rangeOf(std::uint64_t width) const;
+  void readAppearance();
   std::vector<const char*> files() const;
+  int compare(const char* first, const char* second);
+  bool openForComparison(ByteSource& source, const char* file, Range& range) const;
   void writeHeading(const char* file);
   bool handle(const char* file);
   template <typename Form>
-  bool dump(ByteSource& source);
+  bool dump(ByteSource& source, std::uint64_t offset);
   bool reverse(ByteSource& source, const char* file);
   bool parseLines(DumpParser& parser, std::size_t& size, std::uint64_t& lineNumber);
   void reportLine(const DumpParser& parser, const char* file, std::uint64_t lineNumber);
@@ -63,12 +73,14 @@ class Tool : public vel::tools::CatalogTool {
 
   std::vector<std::uint8_t> chunk_;
   OutputBuffer output_{writeToStandardOutput};
+  LinePainter painter_;
   Range range_;
   std::uint64_t limit_ = kDefaultLimit;  ///< number of bytes that lines "*" may still stand for
   int exitCode_ = 0;
   bool binary_ = false;
   bool squeeze_ = false;
   bool reverse_ = false;
+  bool compare_ = false;
   bool hasHeading_ = false;
 };
 
@@ -100,19 +112,51 @@ std::uint64_t Tool::widthOfElements() const {
   fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, text(kWidthExpected).c_str());
 }
 
+/// Returns the range of -offset and -length; an offset below zero counts from the end.
+Range Tool::rangeOf(std::uint64_t width) const {
+  Range range;
+  const char* offset = nullptr;
+  if (hasArgString("offset", offset)) {
+    range.isFromEnd = *offset == '-';
+    if (!parseCount(offset + (range.isFromEnd ? 1 : 0), range.offset))
+      fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, text(kNumberExpected).c_str(), offset);
+  }
+  range.offset = scaled(range.offset, width);
+  range.length = scaled(countOf("length", Range().length), width);
+  return range;
+}
+
+/// Sets code page and colours. Where there are colours, and which, is decided by the library's conventions.
+void Tool::readAppearance() {
+  const char* page = nullptr;
+  VelClCCSID ccsid(VelClCCSID::CCSID_UNKNOWN);
+  if (hasArgString("codepage", page) && !(vel::tools::parseCcsid(page, ccsid) && painter_.useCodePage(ccsid)))
+    fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, text(kUnknownCodePage).c_str(), page);
+  const char* mode = "auto";
+  hasArgString("color", mode);
+  if (std::strcmp(mode, "auto") != 0 && std::strcmp(mode, "always") != 0 && std::strcmp(mode, "never") != 0)
+    fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, text(kColorExpected).c_str(), mode);
+  const char* const arguments[] = {vel::tools::kToolName, "-color", mode};
+  VelClConsoleUI styles(static_cast<int>(std::size(arguments)), arguments);
+  styles.useConventions();
+  compare_ ? painter_.colorMarks(styles) : painter_.colorKinds(styles);
+}
+
 void Tool::readSwitches() {
   binary_ = hasArgSwitch("bin");
   squeeze_ = hasArgSwitch("squeeze");
   reverse_ = hasArgSwitch("reverse");
   // A dump tells its form, its addresses and its length, so no switch may say otherwise.
   if (reverse_)
-    for (const char* other : {"bin", "squeeze", "offset", "length", "width"})
+    for (const char* other : {"bin", "squeeze", "offset", "length", "width", "codepage", "color", "compare"})
       if (hasArgSwitch(other)) refuse(kReverseAlone);
+  compare_ = hasArgSwitch("compare");
+  if (compare_ && (squeeze_ || freeArguments().size() != 2)) refuse(kTwoFiles);
   if (!reverse_ && hasArgSwitch("limit")) refuse(kLimitBelongs);
   limit_ = countOf("limit", kDefaultLimit);
   const std::uint64_t width = widthOfElements();
-  range_.offset = scaled(countOf("offset", 0), width);
-  range_.length = scaled(countOf("length", Range().length), width);
+  range_ = rangeOf(width);
+  if (!reverse_) readAppearance();
 }
 
 std::vector<const char*> Tool::files() const {
@@ -127,12 +171,47 @@ int Tool::run() {
   begin();
   readSwitches();
   const std::vector<const char*> names = files();
+  if (compare_) return compare(names[0], names[1]);
   hasHeading_ = names.size() > 1 && !reverse_;
   // A file that cannot be read does not keep the others from being shown.
   for (const char* name : names)
     if (!handle(name) && exitCode_ == 0) exitCode_ = kExitNotRead;
   output_.flush();
   return exitCode_;
+}
+
+bool Tool::openForComparison(ByteSource& source, const char* file, Range& range) const {
+  if (!source.isOpen()) {
+    report(kNotOpened, file);
+    return false;
+  }
+  // A file that ends before the range has no bytes to compare.
+  source.narrow(range);
+  return true;
+}
+
+/// Returns the exit code.
+int Tool::compare(const char* first, const char* second) {
+  ByteSource a(first), b(second);
+  Range rangeOfA = range_, rangeOfB = range_;
+  if (!openForComparison(a, first, rangeOfA) || !openForComparison(b, second, rangeOfB))
+    return kExitNotCompared;
+  // A progress bar would mix with output that is shown on the same terminal.
+  const bool isShown = vel::platform::isTerminal(vel::platform::kStandardOutput);
+  const std::uint64_t expected = isShown ? 0 : std::max(a.expectedBytes(), b.expectedBytes());
+  if (expected > 0) progressStart(expected, first);
+  const auto run = [&](auto comparison) {
+    return comparison.run(a, rangeOfA.offset, b, rangeOfB.offset,
+                          [this](std::size_t size) { progressStep(size); });
+  };
+  const bool areEqual =
+      binary_ ? run(Comparison<BinaryForm>(output_, painter_)) : run(Comparison<HexForm>(output_, painter_));
+  progressStop();
+  output_.flush();
+  if (a.hasFailed()) report(kNotRead, first);
+  if (b.hasFailed()) report(kNotRead, second);
+  if (a.hasFailed() || b.hasFailed()) return kExitNotCompared;
+  return areEqual ? 0 : kExitDifferent;
 }
 
 void Tool::writeHeading(const char* file) {
@@ -151,11 +230,13 @@ bool Tool::handle(const char* file) {
   }
   if (hasHeading_) writeHeading(file);
   // A progress bar would mix with output that is shown on the same terminal.
-  const bool isLong = source.narrow(range_) && !vel::platform::isTerminal(vel::platform::kStandardOutput);
+  Range range = range_;
+  const bool isLong = source.narrow(range) && !vel::platform::isTerminal(vel::platform::kStandardOutput);
   const std::uint64_t expected = isLong ? source.expectedBytes() : 0;
   if (expected > 0) progressStart(expected, file);
   if (reverse_) return reverse(source, file) && !source.hasFailed();
-  const bool complete = binary_ ? dump<BinaryForm>(source) : dump<HexForm>(source);
+  const bool complete =
+      binary_ ? dump<BinaryForm>(source, range.offset) : dump<HexForm>(source, range.offset);
   progressStop();
   if (!complete) report(kNotRead, file);
   return complete;
@@ -170,8 +251,8 @@ bool Tool::fillChunk(ByteSource& source, std::size_t& size) {
 }
 
 template <typename Form>
-bool Tool::dump(ByteSource& source) {
-  DumpWriter<Form> writer(output_, range_.offset, squeeze_);
+bool Tool::dump(ByteSource& source, std::uint64_t offset) {
+  DumpWriter<Form> writer(output_, painter_, offset, squeeze_);
   std::size_t size = 0;
   while (fillChunk(source, size)) {
     const std::size_t written = writer.write(chunk_.data(), size);

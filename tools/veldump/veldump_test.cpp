@@ -39,6 +39,16 @@ TEST(Veldump, PrintsTheDumpOfTheLibraryAndReversesIt) {
   EXPECT_TRUE(runTool("veldump", {}, bytes).output == libraryDump(bytes, false));
 }
 
+/// A pipe that is larger than what is kept of it.
+TEST(Veldump, FindsOffsetsFromTheEndOfPipes) {
+  const std::string bytes = manyBytes();
+  for (const std::size_t count : {std::size_t{1}, std::size_t{100'000}, bytes.size()}) {
+    const auto dump = runTool("veldump", {"-offset", "-" + std::to_string(count)}, bytes);
+    EXPECT_TRUE(runTool("veldump", {"-reverse"}, dump.output).output == bytes.substr(bytes.size() - count))
+        << count;
+  }
+}
+
 TEST(Veldump, FollowsTheSession) {
   vel::test::expectSession(VEL_TEST_DATA "veldump/test/veldump.session", true);
 }

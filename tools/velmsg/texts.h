@@ -30,8 +30,11 @@ inline constexpr const char* kTexts[] = {
     "[-list] [(-lang <number>)] [-langs]\n"
     "[(-id <id>) [(-var <text>) [<text> ...]]]\n"
     "[(-diff <file>)] [(-error <number>)]",
-    "-cat <file>      the message catalog; the extension is replaced by .DLL; - is standard\n"
-    "                 input\n"
+    "-cat <file>      the message catalog, with or without directory; the extension is replaced\n"
+    "                 by .DLL. If there is no such library, the file itself: any DLL, program\n"
+    "                 or .mui file with a message table. For a library without one, the .mui\n"
+    "                 file of the user's language or of en-US, such as en-US\\a.dll.mui.\n"
+    "                 - is standard input\n"
     "-builtin         the library's built-in messages instead of a catalog\n"
     "-list            list every message: id, language number, text\n"
     "-lang <number>   list only this language, for example 1031\n"

@@ -13,6 +13,7 @@
 #include "tools/spooled_input.h"
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
+#include "tools/velmsg/catalog_file.h"
 #include "tools/velmsg/catalog_report.h"
 #include "tools/velmsg/error_names.h"
 #include "tools/velmsg/texts.h"
@@ -114,7 +115,7 @@ Tool::Catalog Tool::open(const char* file) const {
   std::optional<vel::tools::SpooledInput> input;
   const bool isInput = std::strcmp(file, "-") == 0;
   if (isInput) input.emplace("DLL");
-  auto catalog = std::make_unique<VelClMessageCatalog>(VelClFilename(isInput ? input->name() : file));
+  Catalog catalog = openCatalogFile(isInput ? input->name() : file);
   input.reset();
   if (!catalog->isValid())
     end(kCatalogNotLoaded, isInput ? vel::tools::kStandardStream : catalog->getAsCString(), kExitNoCatalog);

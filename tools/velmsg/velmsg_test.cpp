@@ -39,6 +39,21 @@ TEST(Velmsg, WritesEachTextOnOneLine) {
   const vel::test::ScratchDirectory directory;
   const std::string catalog = directory.write("lines.DLL", {bytes.begin(), bytes.end()});
   EXPECT_EQ(runTool("velmsg", {"-cat", catalog, "-list"}).output, listing);
+  // A file is found in a directory under any name.
+  for (const char* const name : {"lower.dll", "program.exe", "Lines.dll.mui"}) {
+    const std::string file = directory.write(name, {bytes.begin(), bytes.end()});
+    EXPECT_EQ(runTool("velmsg", {"-cat", file, "-list"}).output, listing) << name;
+  }
+  // A library without messages has them in a file for each language.
+  const auto empty = vel::test::libraryFile({});
+  const std::string library = directory.write("translated.dll", {empty.begin(), empty.end()});
+  EXPECT_EQ(runTool("velmsg", {"-cat", library, "-langs"}).exitCode, 1);
+  std::filesystem::create_directory(directory.path("en-US"));
+  directory.write("en-US/translated.dll.mui", {bytes.begin(), bytes.end()});
+  EXPECT_EQ(runTool("velmsg", {"-cat", library, "-list"}).output, listing);
+  const auto missing = runTool("velmsg", {"-cat", directory.path("missing.mui"), "-list"});
+  EXPECT_THAT(missing.errors, testing::HasSubstr("could not be loaded"));
+  EXPECT_EQ(missing.exitCode, 2);
 }
 
 TEST(Velmsg, FollowsTheSession) {
