@@ -1,7 +1,8 @@
 """Replaces the directives in the pages of the manual, so that a page does not repeat a fact that is stated elsewhere:
 
   {{source FILE}}              the text of a source file
-  {{output SESSION: COMMAND}}  this command of a session file, and the lines that it prints
+  {{definition FILE: WORDS}}   the definition in a source file whose first line contains these words
+  {{output SESSION: COMMAND}}  this command of a session file, its input, and the lines that it prints
   {{stated HEADER: WORDS}}     the number in these words, which must be in a comment of that header
   {{value HEADER: NAME}}       the value of a constant
   {{count FILE}}               the number of rows of a data file
@@ -13,6 +14,7 @@ import csv
 import pathlib
 import re
 import sys
+import textwrap
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent.parent / "tools"))
 from tool_texts import tool_texts
@@ -72,20 +74,40 @@ class Page:
         language = {".cpp": "cpp", ".c": "c"}.get(pathlib.Path(name).suffix, "unparsed")
         return f"```{{.{language}}}\n{text.rstrip()}\n```"
 
+    def definition(self, argument):
+        """Shows a definition with its comment, up to the line that closes it, or to the end of its statement."""
+        name, words = (part.strip() for part in argument.split(":", 1))
+        lines = (self.root / name).read_text(encoding="utf-8").split("\n")
+        starts = [i for i, line in enumerate(lines) if words in line and "//" not in line]
+        if len(starts) != 1:
+            self.stop(f"{len(starts)} lines with '{words}' in {name}")
+        first = last = starts[0]
+        indent = re.match(r"\s*", lines[first])[0]
+        while not re.match(rf"{indent}\S.*[;}}]$|{indent}}}", lines[last]):
+            last += 1
+        while re.match(r"\s*//", lines[first - 1]):
+            first -= 1
+        return "```{.cpp}\n" + textwrap.dedent("\n".join(lines[first:last + 1])) + "\n```"
+
     def output(self, argument):
+        """A command that reads its input is shown with a here-document, as a shell would get it."""
         session, command = (part.strip() for part in argument.split(":", 1))
         lines = (self.root / session).read_text(encoding="utf-8").split("\n")
         starts = [i for i, line in enumerate(lines) if line == "$ " + command]
         if len(starts) != 1:
             self.stop(f"{len(starts)} runs of '{command}' in {session}")
-        shown = [lines[starts[0]]]
+        typed, printed = [], []
         for line in lines[starts[0] + 1:]:
-            if not re.match(r"[>!](?: |$)", line):
+            if not re.match(r"[<>!](?: |$)", line):
                 break
-            shown.append(line[2:].replace("\\\\", "\\").replace("\\t", "\t") if "\\" in line else line[2:])
-        if len(shown) == 1:
+            text = line[2:].replace("\\\\", "\\").replace("\\t", "\t") if "\\" in line else line[2:]
+            (typed if line[0] == "<" else printed).append(text)
+        if not printed:
             self.stop(f"'{command}' prints nothing in {session}")
-        return "```\n" + "\n".join(shown) + "\n```"
+        shown = "$ " + command.replace("@/", "").replace("%/", "")
+        if typed:
+            shown = "\n".join([shown + " <<END", *typed, "END"])
+        return "```\n" + "\n".join([shown, *printed]) + "\n```"
 
     def header(self, name):
         return (self.root / "vel_include" / name).read_text(encoding="utf-8")
