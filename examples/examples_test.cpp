@@ -6,6 +6,10 @@ TEST(Examples, PrintWhatTheyPromise) {
   vel::test::expectSession(VEL_TEST_DATA "test/examples.session");
 }
 
+TEST(Examples, OfTheToolsPrintWhatTheirPagesShow) {
+  vel::test::expectSession(VEL_TEST_DATA "test/tools.session");
+}
+
 TEST(Examples, ConvertRecordsBothWays) {
   if (VelClStrictConversion::getRouteFromUcs2(VelClCCSID(1047)) == VelClStrictConversion::VelEnRoute::NONE)
     GTEST_SKIP() << "ICU is not installed";

@@ -10,6 +10,7 @@ import sys
 DOC = re.compile(r"^(\s*)///(?!<) ?(.*)$")
 SCOPE = re.compile(r"\b(class|struct|enum|namespace)\b[^;(]*(?:VEL_ENUM_TYPE\(\w+\) )?\{$")
 NAMED_SCOPE = re.compile(r"\b(?:class|struct)\s+(?:VEL_API\s+)?(\w+)[^;()]*\{$")
+NAMED_SCOPE_AT_START = re.compile(r"^(?:class|struct)\s+(?:VEL_API\s+)?(_?Vel\w+)[^;()]*?\{", re.M)
 ENUMERATORS = re.compile(r"CCSID_(\d+) = \d+,")
 
 

@@ -7,6 +7,7 @@ Prepares all input in DIRECTORY and runs Doxygen there. Warnings of Doxygen are 
 import argparse
 import csv
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -37,12 +38,25 @@ def prepare(out):
         (out / "input" / page.name).write_text(pages.expanded(page, ROOT), encoding="utf-8")
 
 
+def check_classes():
+    """Stops if a public class occurs neither in an example nor in the code of a page."""
+    code = "".join(path.read_text(encoding="utf-8") for path in sorted((ROOT / "examples").rglob("*.cpp")))
+    for page in (ROOT / "docs/manual").glob("*.md"):
+        code += "".join(re.findall(r"^```.*?^```", page.read_text(encoding="utf-8"), re.M | re.S))
+    used = set(re.findall(r"\w+", re.sub(r"//.*", "", code)))
+    names = {name for header in (ROOT / "vel_include").glob("*.h")
+             for name in headers.NAMED_SCOPE_AT_START.findall(header.read_text(encoding="utf-8"))}
+    if missing := sorted(names - used):
+        sys.exit("no example uses " + ", ".join(missing))
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--doxygen", default="doxygen")
     parser.add_argument("--out", type=pathlib.Path, required=True)
     arguments = parser.parse_args()
     out = arguments.out.resolve()
+    check_classes()
     prepare(out)
     shutil.copy(ROOT / "docs/manual/Doxyfile", out)
     sys.exit(subprocess.run([arguments.doxygen, "Doxyfile"], cwd=out, stdout=subprocess.DEVNULL).returncode)

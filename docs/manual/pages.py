@@ -100,7 +100,8 @@ class Page:
         for line in lines[starts[0] + 1:]:
             if not re.match(r"[<>!](?: |$)", line):
                 break
-            text = line[2:].replace("\\\\", "\\").replace("\\t", "\t") if "\\" in line else line[2:]
+            # A single backslash at the end leaves out the line break.
+            text = re.sub(r"(?<!\\)\\$", "", line[2:]).replace("\\\\", "\\").replace("\\t", "\t")
             (typed if line[0] == "<" else printed).append(text)
         if not printed:
             self.stop(f"'{command}' prints nothing in {session}")
