@@ -158,7 +158,8 @@ class Header:
                 self.statement([line])
             else:
                 self.doc = None
-                self.out.append(line)
+                # Doxygen would link to a list of macros that has no entry for one without a comment.
+                self.out.append("" if re.match(r"#define \w+_ONLY$", stripped) else line)
             while self.lines[index].endswith("\\"):
                 index += 1
                 self.out.append(self.lines[index])
@@ -190,5 +191,20 @@ class Header:
             lines.append(self.lines[index])
 
 
-def prepared(text, ccsid_words):
-    return Header(text, ccsid_words).convert()
+PLAIN_FUNCTION = re.compile(r"^VEL_C_API [^;(]*?\*?(\w+)\(", re.M)
+
+
+def plain_functions(files):
+    """Returns a list of the plain functions that each header declares, as lines of a comment."""
+    lines = [""]
+    for path in sorted(files):
+        if names := PLAIN_FUNCTION.findall(path.read_text(encoding="utf-8")):
+            lines.append(f"- {path.name}: " + ", ".join(f"@ref {name}" for name in names))
+    return lines
+
+
+def prepared(text, ccsid_words, top_lines=()):
+    """Returns the header for Doxygen; `top_lines` are added to the comment at its top."""
+    lines = Header(text, ccsid_words).convert().split("\n")
+    end = lines.index("")
+    return "\n".join(lines[:end] + [f"/// {line}".rstrip() for line in top_lines] + lines[end:])
