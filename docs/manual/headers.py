@@ -1,6 +1,6 @@
 """Converts the comments of the public headers for Doxygen. In the headers, a comment applies to all declarations below
-it up to the next comment or empty line, its words are plain text, and lines that are indented by three blanks after an
-empty comment line are an example.
+it up to the next comment or empty line, its words are plain text except for @warning at the start of a line, and lines
+that are indented by three blanks after an empty comment line are an example.
 
 Doxygen copies the comment of an overridden function to its overrides. Destructors without a comment are left out of the
 reference; copy operations without a comment are described as such."""
@@ -22,6 +22,8 @@ def escaped(words):
 
 
 def prose(words):
+    if words.startswith("@warning "):
+        return "@warning " + escaped(words.removeprefix("@warning "))
     item = re.match(r"(\s*- )(.*)", words)
     return item[1] + escaped(item[2]) if item else escaped(words)
 
