@@ -14,6 +14,7 @@ import shutil
 import subprocess
 import sys
 
+import charts
 import check_links
 import headers
 import pages
@@ -56,6 +57,7 @@ def prepare(out):
         (out / "input" / header.name).write_text(text, encoding="utf-8")
     for page in sorted((ROOT / "docs/manual").glob("*.md")):
         (out / "input" / page.name).write_text(pages.expanded(page, ROOT), encoding="utf-8")
+    charts.write_pictures(pages.rows_of(ROOT / "docs/manual/ratios.tsv"), out / "input")
 
 
 def check_classes():

@@ -9,14 +9,17 @@
   {{tool NAME}}                the title, usage string and help text of a tool
   {{code-pages}}, {{errors}}, {{classes}}, {{icu-errors}}, {{trace-types}}   tables of the data files
   {{rooms}}                    the table of rooms and their dependencies, from the build files
-  {{ratios}}                   the table of ratios that a whole run of the benchmarks wrote"""
+  {{ratios}}                   the table of ratios that a whole run of the benchmarks wrote
+  {{machine}}                  the machine and the versions of the peers, which the run wrote, too"""
 import csv
 import pathlib
 import re
 import sys
 import textwrap
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent.parent / "tools"))
+for folder in ("tools", "bench"):
+    sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent.parent / folder))
+import machine
 from tool_texts import tool_texts
 
 FLAGS = {0x01: "ASCII-based", 0x02: "EBCDIC-based", 0x04: "double-byte", 0x08: "single-byte", 0x40: "UCS-2"}
@@ -167,6 +170,14 @@ class Page:
     def ratios(self, _):
         return table(("Job", "Peer", "Own time / peer's", "Goal", "Own time / physical limit", ""),
                      [row.values() for row in rows_of(self.root / "docs/manual/ratios.tsv")])
+
+    def machine(self, _):
+        """Says so if the description does not belong to the ratios."""
+        ratios = [(row["job"], row["peer"], row["ratio"]) for row in rows_of(self.root / "docs/manual/ratios.tsv")]
+        (_, digest), *rows = ((row["what"], row["version"]) for row in rows_of(self.root / "docs/manual/machine.tsv"))
+        same = "The figures below were measured with:"
+        other = "The figures below are from an earlier run. The machine and the versions were recorded later:"
+        return (same if digest == machine.digest(ratios) else other) + "\n\n" + table(("What", "Version"), rows)
 
     def rooms(self, _):
         rows = []
