@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Checks in a browser that no page of the built manual is wider than the screen, and saves pictures of some pages.
+"""Checks in a browser that no page of the built manual is wider than the screen and that the full-text search works, and
+saves pictures of some pages.
 
 check_screens.py --manual DIRECTORY --out DIRECTORY [--browser PROGRAM]
 
@@ -63,6 +64,12 @@ class Browser:
         self.run(f"--window-size={width},{HEIGHT}", "--virtual-time-budget=3000", f"--screenshot={path}", *more,
                  page.as_uri())
 
+    def check_search(self, page):
+        """The full-text search must find a class by a part of its name."""
+        found = self.run("--virtual-time-budget=3000", "--dump-dom", page.as_uri() + "?q=inifileeditor+lock")
+        if not re.search(r'<a href="classVelClIniFileEditor\.html#\w+">', found):
+            sys.exit("the full-text search does not find VelClIniFileEditor::lock")
+
     def measure(self, manual, names, width, folder):
         """Returns a description of every page that is wider than the screen."""
         text = MEASURE.replace("PAGES", json.dumps(names)).replace("FOLDER", json.dumps(manual.as_uri() + "/"))
@@ -90,6 +97,7 @@ def main():
     wide = []
     with tempfile.TemporaryDirectory() as folder:
         browser = Browser(arguments.browser, folder)
+        browser.check_search(manual / "full-text-search.html")
         for width in WIDTHS:
             wide += [f"{width} pixels: {line}" for line in browser.measure(manual, names, width, pathlib.Path(folder))]
             for name in PICTURES:

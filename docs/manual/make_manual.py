@@ -16,6 +16,7 @@ import sys
 
 import charts
 import check_links
+import full_text
 import headers
 import pages
 
@@ -40,6 +41,7 @@ def prepare_settings(out, theme):
     sheets.append(ROOT / "docs/manual/manual.css")
     for sheet in sheets:
         shutil.copy(sheet, out / "input")
+    shutil.copy(ROOT / "docs/manual/full-text.js", out / "input")
     version = re.search(r"project\(\w+ VERSION ([\d.]+)", (ROOT / "CMakeLists.txt").read_text(encoding="utf-8"))[1]
     settings = (ROOT / "docs/manual/Doxyfile").read_text(encoding="utf-8")
     settings += f"PROJECT_NUMBER = {version}\nHTML_EXTRA_STYLESHEET = " + " ".join(f"input/{s.name}" for s in sheets)
@@ -85,6 +87,7 @@ def main():
     made = subprocess.run([arguments.doxygen, "Doxyfile"], cwd=out, stdout=subprocess.DEVNULL)
     if made.returncode != 0:
         sys.exit(made.returncode)
+    full_text.write_index(out)
     count, broken = check_links.broken_links(out)
     if broken:
         sys.exit(f"{len(broken)} of {count} links are broken:\n" + "\n".join(broken))
