@@ -58,9 +58,17 @@ class Page:
         return getattr(self, name.replace("-", "_"))(argument)
 
     def expanded(self):
-        text = self.path.read_text(encoding="utf-8")
+        text = self.linked(self.path.read_text(encoding="utf-8"))
         self.check_names(re.sub(r"\{\{[^}]*\}\}", "", text))
         return re.sub(r"\{\{([a-z-]+)(?: ([^}]*))?\}\}", self.fill, text)
+
+    def linked(self, text):
+        """Links plain functions, which Doxygen does only if "()" follows their names; code and headings stay as they are."""
+        functions = set(re.findall(r"\b(vel[A-Z]\w*)\(", "".join(
+            path.read_text(encoding="utf-8") for path in (self.root / "vel_include").glob("*.h"))))
+        fixed = r"^```.*?^```|^    +.*?$|`[^`\n]*`|^#[^\n]*|\{\{.*?\}\}|@\w+ \S+(?: \"[^\"]*\")?"
+        return re.sub(fixed + r"|(?<![\w:])(vel[A-Z]\w*)(?![\w(:])",
+                      lambda m: f"@ref {m[1]}" if m[1] in functions else m[0], text, flags=re.M | re.S)
 
     def check_names(self, text):
         """Stops at a name that no header and no option has: Doxygen links the names that it knows and does not report others."""
