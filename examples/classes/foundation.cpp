@@ -1,9 +1,10 @@
 // Errors, exceptions, memory, and a stopwatch.
 #include <vel.h>
 
+#include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <iostream>
-#include <string>
 
 namespace {
 
@@ -17,6 +18,10 @@ void openValve(int number) {
   throw exception;
 }
 
+void* noMemory(size_t) {
+  return nullptr;
+}
+
 void showException(const VelClExceptionABase& exception) {
   std::cout << exception.getCause() << (exception.getLine() != 0 ? ", with a line\n" : "\n");
 }
@@ -27,17 +32,20 @@ void showErrors() {
   } catch (const VelClException& exception) {
     showException(exception);
   }
-  // Only an allocation that fails is fatal.
+  // Functions for files do not throw.
   VelClFile missing("missing.txt", nullptr);
   missing.remove();
   const _VelStError& last = missing.getLastError();
   std::cout << "could not remove: " << (last.errorId == FILE_COULD_NOT_REMOVE)
             << (last.errorClass == VelEnErrorClass::IO_NOT_EXISTENT) << '\n';
+  // A failed allocation is fatal. The program's own allocator fails here; see the example memory_manager.
+  VelClMemoryManager::setNewMemoryManager(&noMemory, nullptr, &std::free);
   try {
-    VelClMemoryManager::malloc(0);
+    VelClMemoryManager::malloc(8);
   } catch (const VelClExceptionFatal& exception) {
-    std::cout << "fatal: " << (exception.getId() == MEMMGR_ZERO_SIZE_OBJECT) << '\n';
+    std::cout << "no memory: " << (exception.getId() == MEMMGR_USER_OUT_OF_MEMORY) << '\n';
   }
+  VelClMemoryManager::setNewMemoryManager(&std::malloc, &std::realloc, &std::free);
 }
 
 }  // namespace
