@@ -5,6 +5,7 @@
 //   example_convert_records -length 80 -ccsid 37 -back accounts.txt accounts.dat
 #include <vel.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <fstream>
@@ -58,15 +59,22 @@ class RecordConverter {
   bool hasFaults_ = false;
 };
 
+/// In these code pages every character is one byte of the record.
+std::uint64_t charactersIn(const std::string& utf8, std::size_t size) {
+  return static_cast<std::uint64_t>(
+      std::count_if(utf8.begin(), utf8.begin() + static_cast<std::ptrdiff_t>(size),
+                    [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
+}
+
 /// Blanks at the end of a record are padding and left out.
 void toLines(std::istream& in, std::ostream& out, std::size_t length, RecordConverter& converter) {
   std::string record(length, '\0');
   while (in.read(record.data(), static_cast<std::streamsize>(length))) {
     std::string line = converter.convert(record);
     line.resize(line.find_last_not_of(' ') + 1);
-    // Such a record would become two lines.
-    if (const std::size_t end = line.find('\n'); end != std::string::npos)
-      converter.report("is a line end", end);
+    // Such a record would become two lines, or lose its last byte on the way back.
+    if (const std::size_t end = line.find_first_of("\r\n"); end != std::string::npos)
+      converter.report("is a line end", charactersIn(line, end));
     out << line << '\n';
   }
   if (in.gcount() == 0) return;
