@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <fstream>
 #include <string>
 
@@ -44,10 +43,8 @@ class RecordConverter {
     return "";
   }
   void report(const char* what, std::uint64_t offset) {
-    char text[80];
-    std::snprintf(text, sizeof text, "Record %llu, byte %llu %s", static_cast<unsigned long long>(count_),
-                  static_cast<unsigned long long>(offset + 1), what);
-    ui_.error(ui_.getParams().getErrorStream(), text);
+    const std::string number = std::to_string(count_), byte = std::to_string(offset + 1);
+    ui_.error(ui_.getParams().getErrorStream(), ("Record " + number + ", byte " + byte + ' ' + what).c_str());
     hasFaults_ = true;
   }
   bool hasFaults() const { return hasFaults_; }

@@ -59,7 +59,8 @@ int main() {
   std::size_t length = 0;
   for (int i = 0; i < 1000; ++i) {
     char* const text = static_cast<char*>(pool.allocate(8));
-    length += std::strlen(std::strcpy(text, "seven 7"));
+    std::memcpy(text, "seven 7", 8);
+    length += std::strlen(text);
   }
   std::cout << length << " characters in " << pool.getNumOfBlocks() << " blocks\n";
   pool.clear();
