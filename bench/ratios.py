@@ -1,15 +1,19 @@
 #!/usr/bin/env python3
 """Compares the times of the library with those of its peers. Prints the ratios of the medians of one or more runs of
-vel_bench together with the goals in goals.tsv, and writes them, without absolute times, to a table for the manual.
+vel_bench together with the goals in goals.tsv, and writes them, without absolute times, to a table for the manual. A
+description of the machine is written beside that table, as machine.tsv.
 
   ratios.py goals.tsv ratios.tsv results.json...
 
 A row of goals.tsv names benchmarks. A "*" at the end of the library's benchmark means every argument that was run; in
 the peers' names it means the same argument. Benchmarks that were not run are left out."""
 import json
+import pathlib
 import re
 import statistics
 import sys
+
+import machine
 
 COLUMNS = ("job", "own", "peer", "goal", "limit", "note")
 
@@ -74,6 +78,9 @@ def main():
         print("job", "peer", "ratio", "goal", "limit", "note", sep="\t", file=out)
         for job, peer, _, ratio, goal, _, to_limit, note in rows:
             print(job, peer, ratio, goal, to_limit, note, sep="\t", file=out)
+    description = machine.describe((job, peer, ratio) for job, peer, _, ratio, *_ in rows)
+    pathlib.Path(table).with_name("machine.tsv").write_text(
+        "what\tversion\n" + "".join(f"{what}\t{version}\n" for what, version in description), encoding="utf-8")
     verdicts = [row[5] for row in rows]
     print(f"goals: {verdicts.count('met')} met, {verdicts.count('MISSED')} missed")
 

@@ -172,7 +172,12 @@ class VEL_API VelClArgvCheckCursor : public VelClArgvCursor {
   const char* usage_;
 };
 
-/// Iterates over free arguments only.
+/// Moves to free arguments only.
+/// @warning The constructor moves to the first argument of the command line, even if that is a switch or the
+/// value of one. Call setToFirst before the first access:
+///
+///   VelClArgvFreeCursor file(ui);
+///   for (bool more = file.setToFirst(); more; more = file.setToNext()) read(file.getAsCString());
 class VEL_API VelClArgvFreeCursor : public VelClArgvCheckCursor {
  public:
   /// See VelClArgvCheckCursor.

@@ -24,8 +24,11 @@ VEL_C_API unsigned int velI64toa(long long value, char* out);
 VEL_C_API unsigned int velW64toa(unsigned long long value, char* out);
 
 /// Returns the first occurrence of `pattern` in `text`, or null.
-/// Intentional: with `ignoreCase` the search is one forward pass that never compares a character twice. After
-/// a mismatch it continues after the mismatching character, so "ab" is not found in "aab".
+/// Intentional: with `ignoreCase` the search is one forward pass that never compares a character twice.
+/// @warning With `ignoreCase` a text that is there may not be found. After a mismatch the search continues
+/// after the mismatching character, so velStrFind("aab", "ab", true) returns null. It is reliable only if the
+/// first character of the pattern does not occur again in the pattern and is not repeated in the text before
+/// a match. VelClStringSearch finds every text.
 VEL_C_API char* velStrFind(const char* text, const char* pattern, bool ignoreCase);
 /// Returns how many times `c` occurs in `text`.
 VEL_C_API unsigned int velStrCount(const char* text, char c);

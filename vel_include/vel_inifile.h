@@ -195,9 +195,10 @@ class VEL_API VelClIniFile : public VelClFile {
   /// Return the first character, or the one between single quotes; NUL for an empty value.
   bool getOption(const char* name, char& value) const;
   bool getOption(const char* name, char& value, const char*& comment) const;
-  /// Searches getStringAllTrueTokens for the value by velStrFind, ignoring case; true if it is found. Note
-  /// that this makes "", "E", "n", "t" and "|" true as well as "on", "Yes" and "1"; "OFF", "0", "no" and
-  /// "false" are false.
+  /// Searches getStringAllTrueTokens for the value by velStrFind, ignoring case; true if it is found: "on",
+  /// "Yes" and "1" are true, "OFF", "0", "no" and "false" are false.
+  /// @warning Most other pieces of the list are true as well: "", "E", "n", "t" and "|".
+  /// Compare the text of getOption where that matters.
   bool getOptionBool(const char* name, bool& value) const;
   /// Same as getOptionBool, with the comment.
   bool getOption(const char* name, bool& value, const char*& comment) const;

@@ -65,6 +65,8 @@ class VEL_API VelClStringMatchWildcards : public VelClStringMatchABase {
  public:
   // Intentional: callers rely on this flag having the opposite sense of VelClStringSearch's.
   /// See velMatchesWildcardPattern for the meaning of both arguments.
+  /// @warning The flag has the opposite sense of that of VelClStringSearch, which ignores the case if it is
+  /// set.
   VelClStringMatchWildcards(const char* pattern, bool caseSensitive);
   ~VelClStringMatchWildcards() override;
 
@@ -72,7 +74,9 @@ class VEL_API VelClStringMatchWildcards : public VelClStringMatchABase {
   const char* getPattern(const char* text) const override;
 };
 
-/// Placeholder for a regular expression search, which this library does not provide: it never finds a match.
+/// Placeholder for a regular expression search, which this library does not provide.
+/// @warning It compiles and runs but never finds anything, not even a text without special characters: every
+/// search returns null. Use VelClStringSearch, VelClStringMatchWildcards, or <regex>.
 class VEL_API VelClGrep : public VelClStringMatchABase {
  public:
   /// The arguments are ignored.

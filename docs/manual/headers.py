@@ -1,6 +1,6 @@
 """Converts the comments of the public headers for Doxygen. In the headers, a comment applies to all declarations below
-it up to the next comment or empty line, its words are plain text, and lines that are indented by three blanks after an
-empty comment line are an example.
+it up to the next comment or empty line, its words are plain text except for @warning at the start of a line, and lines
+that are indented by three blanks after an empty comment line are an example.
 
 Doxygen copies the comment of an overridden function to its overrides. Destructors without a comment are left out of the
 reference; copy operations without a comment are described as such."""
@@ -10,6 +10,7 @@ import sys
 DOC = re.compile(r"^(\s*)///(?!<) ?(.*)$")
 SCOPE = re.compile(r"\b(class|struct|enum|namespace)\b[^;(]*(?:VEL_ENUM_TYPE\(\w+\) )?\{$")
 NAMED_SCOPE = re.compile(r"\b(?:class|struct)\s+(?:VEL_API\s+)?(\w+)[^;()]*\{$")
+NAMED_SCOPE_AT_START = re.compile(r"^(?:class|struct)\s+(?:VEL_API\s+)?(_?Vel\w+)[^;()]*?\{", re.M)
 ENUMERATORS = re.compile(r"CCSID_(\d+) = \d+,")
 
 
@@ -21,6 +22,8 @@ def escaped(words):
 
 
 def prose(words):
+    if words.startswith("@warning "):
+        return "@warning " + escaped(words.removeprefix("@warning "))
     item = re.match(r"(\s*- )(.*)", words)
     return item[1] + escaped(item[2]) if item else escaped(words)
 
@@ -157,7 +160,8 @@ class Header:
                 self.statement([line])
             else:
                 self.doc = None
-                self.out.append(line)
+                # Doxygen would link to a list of macros that has no entry for one without a comment.
+                self.out.append("" if re.match(r"#define \w+_ONLY$", stripped) else line)
             while self.lines[index].endswith("\\"):
                 index += 1
                 self.out.append(self.lines[index])
@@ -189,5 +193,20 @@ class Header:
             lines.append(self.lines[index])
 
 
-def prepared(text, ccsid_words):
-    return Header(text, ccsid_words).convert()
+PLAIN_FUNCTION = re.compile(r"^VEL_C_API [^;(]*?\*?(\w+)\(", re.M)
+
+
+def plain_functions(files):
+    """Returns a list of the plain functions that each header declares, as lines of a comment."""
+    lines = [""]
+    for path in sorted(files):
+        if names := PLAIN_FUNCTION.findall(path.read_text(encoding="utf-8")):
+            lines.append(f"- {path.name}: " + ", ".join(f"@ref {name}" for name in names))
+    return lines
+
+
+def prepared(text, ccsid_words, top_lines=()):
+    """Returns the header for Doxygen; `top_lines` are added to the comment at its top."""
+    lines = Header(text, ccsid_words).convert().split("\n")
+    end = lines.index("")
+    return "\n".join(lines[:end] + [f"/// {line}".rstrip() for line in top_lines] + lines[end:])

@@ -1,7 +1,8 @@
 """Replaces the directives in the pages of the manual, so that a page does not repeat a fact that is stated elsewhere:
 
   {{source FILE}}              the text of a source file
-  {{output SESSION: COMMAND}}  this command of a session file, and the lines that it prints
+  {{definition FILE: WORDS}}   the definition in a source file whose first line contains these words
+  {{output SESSION: COMMAND}}  this command of a session file, its input, and the lines that it prints
   {{stated HEADER: WORDS}}     the number in these words, which must be in a comment of that header
   {{value HEADER: NAME}}       the value of a constant
   {{count FILE}}               the number of rows of a data file
@@ -9,13 +10,17 @@
   {{code-pages}}, {{code-page-names}}, {{code-page-differences}}, {{errors}}, {{classes}}, {{icu-errors}},
   {{trace-types}}              tables of the data files
   {{rooms}}                    the table of rooms and their dependencies, from the build files
-  {{ratios}}                   the table of ratios that a whole run of the benchmarks wrote"""
+  {{ratios}}                   the table of ratios that a whole run of the benchmarks wrote
+  {{machine}}                  the machine and the versions of the peers, which the run wrote, too"""
 import csv
 import pathlib
 import re
 import sys
+import textwrap
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent.parent / "tools"))
+for folder in ("tools", "bench"):
+    sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent.parent / folder))
+import machine
 from tool_texts import tool_texts
 
 FLAGS = {0x01: "ASCII-based", 0x02: "EBCDIC-based", 0x04: "double-byte", 0x08: "single-byte", 0x40: "UCS-2"}
@@ -54,9 +59,17 @@ class Page:
         return getattr(self, name.replace("-", "_"))(argument)
 
     def expanded(self):
-        text = self.path.read_text(encoding="utf-8")
+        text = self.linked(self.path.read_text(encoding="utf-8"))
         self.check_names(re.sub(r"\{\{[^}]*\}\}", "", text))
         return re.sub(r"\{\{([a-z-]+)(?: ([^}]*))?\}\}", self.fill, text)
+
+    def linked(self, text):
+        """Links plain functions, which Doxygen does only if "()" follows their names; code and headings stay as they are."""
+        functions = set(re.findall(r"\b(vel[A-Z]\w*)\(", "".join(
+            path.read_text(encoding="utf-8") for path in (self.root / "vel_include").glob("*.h"))))
+        fixed = r"^```.*?^```|^    +.*?$|`[^`\n]*`|^#[^\n]*|\{\{.*?\}\}|@\w+ \S+(?: \"[^\"]*\")?"
+        return re.sub(fixed + r"|(?<![\w:])(vel[A-Z]\w*)(?![\w(:])",
+                      lambda m: f"@ref {m[1]}" if m[1] in functions else m[0], text, flags=re.M | re.S)
 
     def check_names(self, text):
         """Stops at a name that no header and no option has: Doxygen links the names that it knows and does not report others."""
@@ -73,20 +86,41 @@ class Page:
         language = {".cpp": "cpp", ".c": "c"}.get(pathlib.Path(name).suffix, "unparsed")
         return f"```{{.{language}}}\n{text.rstrip()}\n```"
 
+    def definition(self, argument):
+        """Shows a definition with its comment, up to the line that closes it, or to the end of its statement."""
+        name, words = (part.strip() for part in argument.split(":", 1))
+        lines = (self.root / name).read_text(encoding="utf-8").split("\n")
+        starts = [i for i, line in enumerate(lines) if words in line and "//" not in line]
+        if len(starts) != 1:
+            self.stop(f"{len(starts)} lines with '{words}' in {name}")
+        first = last = starts[0]
+        indent = re.match(r"\s*", lines[first])[0]
+        while not re.match(rf"{indent}\S.*[;}}]$|{indent}}}", lines[last]):
+            last += 1
+        while re.match(r"\s*//", lines[first - 1]):
+            first -= 1
+        return "```{.cpp}\n" + textwrap.dedent("\n".join(lines[first:last + 1])) + "\n```"
+
     def output(self, argument):
+        """A command that reads its input is shown with a here-document, as a shell would get it."""
         session, command = (part.strip() for part in argument.split(":", 1))
         lines = (self.root / session).read_text(encoding="utf-8").split("\n")
         starts = [i for i, line in enumerate(lines) if line == "$ " + command]
         if len(starts) != 1:
             self.stop(f"{len(starts)} runs of '{command}' in {session}")
-        shown = [lines[starts[0]]]
+        typed, printed = [], []
         for line in lines[starts[0] + 1:]:
-            if not re.match(r"[>!](?: |$)", line):
+            if not re.match(r"[<>!](?: |$)", line):
                 break
-            shown.append(line[2:].replace("\\\\", "\\").replace("\\t", "\t") if "\\" in line else line[2:])
-        if len(shown) == 1:
+            # A single backslash at the end leaves out the line break.
+            text = re.sub(r"(?<!\\)\\$", "", line[2:]).replace("\\\\", "\\").replace("\\t", "\t")
+            (typed if line[0] == "<" else printed).append(text)
+        if not printed:
             self.stop(f"'{command}' prints nothing in {session}")
-        return "```\n" + "\n".join(shown) + "\n```"
+        shown = "$ " + command.replace("@/", "").replace("%/", "")
+        if typed:
+            shown = "\n".join([shown + " <<END", *typed, "END"])
+        return "```\n" + "\n".join([shown, *printed]) + "\n```"
 
     def header(self, name):
         return (self.root / "vel_include" / name).read_text(encoding="utf-8")
@@ -156,6 +190,14 @@ class Page:
     def ratios(self, _):
         return table(("Job", "Peer", "Own time / peer's", "Goal", "Own time / physical limit", ""),
                      [row.values() for row in rows_of(self.root / "docs/manual/ratios.tsv")])
+
+    def machine(self, _):
+        """Says so if the description does not belong to the ratios."""
+        ratios = [(row["job"], row["peer"], row["ratio"]) for row in rows_of(self.root / "docs/manual/ratios.tsv")]
+        (_, digest), *rows = ((row["what"], row["version"]) for row in rows_of(self.root / "docs/manual/machine.tsv"))
+        same = "The figures below were measured with:"
+        other = "The figures below are from an earlier run. The machine and the versions were recorded later:"
+        return (same if digest == machine.digest(ratios) else other) + "\n\n" + table(("What", "Version"), rows)
 
     def rooms(self, _):
         rows = []
