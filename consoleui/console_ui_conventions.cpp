@@ -21,6 +21,7 @@ void VelClConsoleUI::useConventions(const VelStConventions& conventions) {
   settings.setConventions(vel::OwnedObject<Conventions>(vel::create<Conventions>(conventions, argc, argv)));
   argc_ = settings.conventions()->line().count();
   argv_ = settings.conventions()->line().arguments();
+  catalog_.useLanguageFallback();
 }
 
 const char* VelClConsoleUI::style(const std::ostream& stream, VelEnTextStyle style) const {

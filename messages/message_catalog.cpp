@@ -1,5 +1,6 @@
 // Opens a message catalog and chooses its language. Which source
 // supplies a message is decided in message.cpp.
+#include <array>
 #include <clocale>
 
 #include "messages/catalog_library.h"
@@ -19,6 +20,10 @@ VelClFilename withLibraryType(const VelClFilename& name) {
   VelClFilename library(name);
   library.setNewExtension(kLibraryType);
   return library;
+}
+
+std::array<std::uint32_t, 2> preferredLanguages() {
+  return {vel::platform::userLanguage(), vel::platform::systemLanguage()};
 }
 
 }  // namespace
@@ -69,19 +74,26 @@ bool VelClMessageCatalog::tryLanguage(uint32_t language) {
   return library_->expand(kProbeMessage, noInserts, text, sizeof text, length);
 }
 
-/// Chooses the user's language, or else the system's, if the library has the probe message in it; or else a
-/// fallback of the two. Otherwise chooses US English, without a test: messages that are missing then say so
-/// themselves.
+/// Chooses the user's language, or else the system's, if the library has the probe message in it; otherwise
+/// US English, without a test: messages that are missing then say so themselves.
 void VelClMessageCatalog::chooseLanguage() {
-  const uint32_t languages[] = {vel::platform::userLanguage(), vel::platform::systemLanguage()};
   languageFound_ = 1;
-  for (const uint32_t language : languages)
+  for (const uint32_t language : preferredLanguages())
     if (tryLanguage(language)) return;
-  for (uint32_t language : languages)
-    while ((language = velLanguageGetFallback(language)) != 0)
-      if (tryLanguage(language)) return;
   tryLanguage(kEnglishUnitedStates);
   languageFound_ = 0;
+}
+
+bool VelClMessageCatalog::useLanguageFallback() {
+  if (library_ == nullptr || languageFound_ != 0) return false;
+  for (uint32_t language : preferredLanguages())
+    while ((language = velLanguageGetFallback(language)) != 0)
+      if (tryLanguage(language)) {
+        languageFound_ = 1;
+        return true;
+      }
+  tryLanguage(kEnglishUnitedStates);
+  return false;
 }
 
 void VelClMessageCatalog::useStringTable(const char* const* table, unsigned long size) {

@@ -18,7 +18,7 @@ bool userIs(const char* language) {
 }
 
 bool userIsGerman() {
-  return userIs("de");
+  return userIs("de_DE");
 }
 
 std::string textOf(const VelClMessageCatalog& catalog, unsigned long id) {
@@ -98,31 +98,36 @@ TEST_F(MessageCatalogFile, IsRefusedAbove64Megabytes) {
   }
 }
 
-TEST(MessageCatalog, ChoosesTheUsersLanguageElseItsFallbackElseEnglish) {
+TEST(MessageCatalog, ChoosesTheUsersLanguageElseEnglish) {
   const unsigned int user = userIs("de_AT") ? kAustrian : userIsGerman() ? kGerman : kEnglish;
-  const unsigned int fallback = userIsGerman() ? kGerman : kEnglish;
   constexpr unsigned int kNeutral = 0, kFrench = 1036;
   const struct {
     unsigned int only, chosen;
-    bool hasText;
-  } rows[] = {{kGerman, fallback, userIsGerman()},
-              {kAustrian, user == kAustrian ? user : kEnglish, user == kAustrian},
-              {kEnglish, kEnglish, true},
-              {kFrench, kEnglish, false},
-              {kNeutral, user, true}};
-  for (const auto& [only, chosen, hasText] : rows) {
+    bool hasText, hasFallback;
+  } rows[] = {{kGerman, user == kGerman ? user : kEnglish, user == kGerman, user == kAustrian},
+              {kAustrian, user == kAustrian ? user : kEnglish, user == kAustrian, false},
+              {kEnglish, kEnglish, true, false},
+              {kFrench, kEnglish, false, false},
+              {kNeutral, user, true, false}};
+  for (const auto& [only, chosen, hasText, hasFallback] : rows) {
     const auto bytes =
         vel::test::libraryFile({{1, {{only, vel::test::messageTable({{1, "[ONE]%0"}, {2, "only %1%0"}})}}}});
     const vel::test::ScratchDirectory directory;
     const std::string path = directory.write("one.DLL", {bytes.begin(), bytes.end()});
-    const VelClMessageCatalog catalog = open(path);
+    const std::string missing = "UNABLE TO LOAD MESSAGE #2 FROM CATALOG: " + path;
+    VelClMessageCatalog catalog = open(path);
     EXPECT_TRUE(catalog.isValid());
     EXPECT_EQ(catalog.getLanguage(), chosen) << only;
-    EXPECT_EQ(textOf(catalog, 2), hasText ? "only 1" : "UNABLE TO LOAD MESSAGE #2 FROM CATALOG: " + path);
+    EXPECT_EQ(textOf(catalog, 2), hasText ? "only 1" : missing);
+    EXPECT_EQ(catalog.useLanguageFallback(), hasFallback);
+    EXPECT_EQ(catalog.getLanguage(), hasFallback ? only : chosen);
+    EXPECT_EQ(textOf(catalog, 2), hasText || hasFallback ? "only 1" : missing);
   }
   for (const char* name : {"small_catalog", "small_ansi_catalog"}) {
-    EXPECT_EQ(open(name).getLanguage(), fallback);
-    EXPECT_EQ(textOf(open(name), 5), userIsGerman() ? "zwei\r\nZeilen" : "two\r\nlines");
+    VelClMessageCatalog catalog = open(name);
+    EXPECT_EQ(catalog.getLanguage(), user == kGerman ? kGerman : kEnglish);
+    EXPECT_EQ(catalog.useLanguageFallback(), user == kAustrian);
+    EXPECT_EQ(textOf(catalog, 5), user != kEnglish ? "zwei\r\nZeilen" : "two\r\nlines");
   }
 }
 

@@ -39,6 +39,8 @@ void chooseLanguageOfTool(const VelClMessageCatalog& library) {
 
 CatalogTool::CatalogTool(int argc, const char* const* argv, const char* const* texts, unsigned long count)
     : VelClConsoleUI(argc, argv), table_(texts, texts + count), texts_(table_.data(), count) {
+  // begin() does this again with a text in the language that this finds.
+  useConventions();
   chooseLanguageOfTool(VelClConsoleUI::getMessageCatalog());
   for (const char*& text : table_) text = translated(text);
 }

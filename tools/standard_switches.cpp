@@ -16,7 +16,9 @@ namespace vel::tools {
 namespace {
 
 void writeHelp(const ToolTexts& texts) {
-  chooseLanguageOfTool(VelClMessageCatalog());
+  VelClMessageCatalog library;
+  library.useLanguageFallback();
+  chooseLanguageOfTool(library);
   const std::string heading = std::string(translated("Usage")) + ": " + texts.name + ' ';
   std::cout << texts.name << " - " << translated(texts.title) << "\n\n" << heading;
   writeText(std::cout, texts.usage, TextKind::Usage, heading.size());

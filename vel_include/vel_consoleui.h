@@ -375,6 +375,8 @@ class VEL_API VelClConsoleUI {
   ///   rings on terminals.
   /// - Messages are coloured on terminals, unless NO_COLOR is set to any text or TERM is "dumb". The switch
   ///   `-color auto|always|never` decides otherwise.
+  /// - If the catalog that was passed to the constructor does not have the territory of the user's language,
+  ///   messages are in a language that the user reads as well, see VelClMessageCatalog::useLanguageFallback.
   /// - Numbers are checked whole: "5x" and numbers beyond the type's range (that of 32 bits for long) end the
   ///   process with 204. Answers to promptNumval are checked in the same way.
   /// - If the environment variable VEL_CONSOLEUI_DESCRIBE is set, handleUsageHelp prints title, version,

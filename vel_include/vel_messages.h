@@ -83,10 +83,9 @@ class CatalogLibrary;
 /// is loaded, they come from a string table that the program attaches. A loaded library takes precedence over
 /// the table, even for ids that only the table contains.
 ///
-/// The language is that of the user if the library has message 1 in it, else that of the system. If neither
-/// has, it is the first fallback of the two that has (see velLanguageGetFallback), else 1033 (US English).
-/// Texts of Unicode libraries are returned in the ANSI code page of the process (UTF-8 on most Linux
-/// systems), those of single-byte libraries as they are stored.
+/// The language is that of the user if the library has message 1 in it, else that of the system, else 1033
+/// (US English); see also useLanguageFallback. Texts of Unicode libraries are returned in the ANSI code page
+/// of the process (UTF-8 on most Linux systems), those of single-byte libraries as they are stored.
 ///
 /// Opening a catalog sets the locale of the process, in all categories, to that of the user (setlocale). From
 /// then on isprint, toupper and similar functions classify bytes above 0x7F by that locale, everywhere in the
@@ -129,8 +128,13 @@ class VEL_API VelClMessageCatalog : public VelClFile {
   /// True unless the low 32 bits of the id are 0. No catalog is consulted; entry 0 of a string table can be
   /// loaded nevertheless.
   static bool isValidMessageId(unsigned long id) { return static_cast<uint32_t>(id) != 0; }
-  /// Returns the Windows language number selected at opening, or 0 without a library.
+  /// Returns the Windows language number selected at opening or by useLanguageFallback, or 0 without a
+  /// library.
   unsigned int getLanguage() const { return language_; }
+  /// If the library has neither the user's language nor the system's, selects the first fallback of the two
+  /// that it has (see velLanguageGetFallback): German, say, for a user in Austria. Returns whether the
+  /// language has changed. Call it after opening, before messages are read.
+  bool useLanguageFallback();
 
  private:
   friend class VelClMessage;

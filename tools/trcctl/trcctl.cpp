@@ -222,6 +222,7 @@ int vel::tools::toolMain(int argc, char** argv) {
   // The help needs its texts before there is a console user interface.
   VelClMessageCatalog texts;
   attachTexts(texts);
+  texts.useLanguageFallback();
   vel::tools::chooseLanguageOfTool(texts);
   const VelClMessage title(texts, kTitle);
   const VelClMessage usage(texts, kUsage);
