@@ -6,6 +6,7 @@
 //   example_migrate_settings -check server.ini
 #include <vel.h>
 
+#include <optional>
 #include <string>
 
 namespace {
@@ -16,36 +17,40 @@ enum ExitCode : int { kDone = 0, kOutdated = 1, kCannotRead = 2, kCannotSave = 3
 enum Message : unsigned long {
   kMoved = 2,
   kComment,
-  kIsCurrent,
-  kIsOutdated,
-  kReadError,
+  kCurrent,
+  kOld,
+  kNoRead,
+  kNoWrite,
   kLocked,
-  kBadValue
+  kBadValue,
+  kRights
 };
 constexpr const char* kMessages[] = {
-    "[VEL_MSGTAB_SIGNATURE] 9",
+    "[VEL_MSGTAB_SIGNATURE] 11",
     "[MIGRATE]",
     "[%1] %2 is now [%3] %4",
     "[%1] %2: only the backup has the comment: %3",
     "%1 already has the form of version 2",
     "%1 has the form of version 1",
     "Cannot read %1",
+    "Cannot write %1 or its backup",
     "Another program is changing %1",
     "[%1] %2: this value cannot be converted",
+    "The owner or the permissions of %1 have changed",
 };
 
 /// An option, its name in version 2, and how its value changes.
 struct Step {
   const char *oldSection, *oldOption, *newSection, *newOption;
-  std::string (*convert)(const std::string& value);
+  std::optional<std::string> (*convert)(const std::string& value);
 };
 
-std::string same(const std::string& value) {
+std::optional<std::string> same(const std::string& value) {
   return value;
 }
-/// Returns "" for a value that is not a number of seconds.
-std::string toMilliseconds(const std::string& seconds) {
-  return seconds.find_first_not_of("0123456789") == std::string::npos ? seconds + "000" : "";
+std::optional<std::string> toMilliseconds(const std::string& seconds) {
+  if (seconds.empty() || seconds.find_first_not_of("0123456789") != std::string::npos) return std::nullopt;
+  return seconds + "000";
 }
 
 constexpr Step kSteps[] = {
@@ -62,11 +67,11 @@ class Migration {
   int run(bool onlyCheck) {
     // Other programs that lock the file wait until it is saved.
     if (!onlyCheck && editor_.lock(5000) == VelEnIniFileLock::TIMED_OUT) fail(kCannotSave, kLocked);
-    if (!editor_.load(true)) fail(kCannotRead, kReadError);
+    if (!editor_.load(true)) fail(kCannotRead, kNoRead);
     std::string value, comment;
     const bool isCurrent = get("Program", "Format", value, comment) && value == "2";
     if (isCurrent || onlyCheck) {
-      ui_.info(text(isCurrent ? kIsCurrent : kIsOutdated, editor_.getAsCString()).c_str());
+      ui_.info(text(isCurrent ? kCurrent : kOld, editor_.getAsCString()).c_str());
       return isCurrent ? kDone : kOutdated;
     }
     for (const Step& step : kSteps) move(step);
@@ -105,10 +110,10 @@ class Migration {
   void move(const Step& step) {
     std::string value, comment;
     if (!get(step.oldSection, step.oldOption, value, comment)) return;
-    const std::string converted = step.convert(value);
-    if (converted.empty()) refuse(step.oldSection, step.oldOption);
-    set(step.newSection, step.newOption, converted);
-    editor_.deleteOption(step.oldSection, step.oldOption);
+    const std::optional<std::string> converted = step.convert(value);
+    if (!converted.has_value()) refuse(step.oldSection, step.oldOption);
+    set(step.newSection, step.newOption, *converted);
+    if (!editor_.deleteOption(step.oldSection, step.oldOption)) refuse(step.oldSection, step.oldOption);
     ui_.info(text(kMoved, step.oldSection, step.oldOption, step.newSection, step.newOption).c_str());
     if (!comment.empty())
       ui_.warning(text(kComment, step.oldSection, step.oldOption, comment.c_str()).c_str());
@@ -117,9 +122,8 @@ class Migration {
   void save() {
     VelClFile old(editor_.getFilename(), nullptr);
     const VelClBakFilename backup(editor_.getFilename());
-    if (!old.copyTo(backup, true)) ui_.fatal(kCannotSave, "Cannot write", backup.getAsCString());
-    if (!editor_.save()) ui_.fatal(kCannotSave, "Cannot write", editor_.getAsCString());
-    if (!editor_.hasKeptRights()) ui_.warning("Check the permissions of", editor_.getAsCString());
+    if (!old.copyTo(backup, true) || !editor_.save()) fail(kCannotSave, kNoWrite);
+    if (!editor_.hasKeptRights()) ui_.warning(text(kRights, editor_.getAsCString()).c_str());
   }
 
   const VelClConsoleUI& ui_;
