@@ -32,7 +32,7 @@ class Peers {
   bool hasOnlySingleBytes() const { return icu_.getMaxCharSize(icuConverter_) == 1; }
 
   /// Returns the bytes of a character, which may be those of a substitute.
-  std::string bytesOf(std::string units) const {
+  std::string bytesOf(const std::string& units) const {
     std::string bytes(16, '\0');
     IcuBuffers text{bytes.data(), bytes.size(), units.data(), units.size(), 0};
     bytes.resize(convertFromUnicode(icu_, icuConverter_, text));
@@ -65,17 +65,20 @@ std::string unitsOfCharacter(unsigned int character) {
   return unitBytes({vel::highSurrogateOf(character), vel::lowSurrogateOf(character)});
 }
 
+/// Returns the next character after `c`. Unless all are wanted, many ideographs are left out, because the
+/// conversion of single characters is slow.
+unsigned int following(unsigned int c, bool all) {
+  if (c == 0xD7FF) return 0xE000;
+  if (c >= 0x10000) return c + 1021;
+  return c + (!all && c >= 0x2700 && c < 0xD700 ? 23 : 1);
+}
+
 /// Returns the characters on which the two disagree: their bytes, or if there are many of them, how many.
-std::string differences(const Peers& peers) {
+std::string differences(const Peers& peers, bool all) {
   std::set<std::string> found;
   for (unsigned int byte = 0; byte < 256 && peers.hasOnlySingleBytes(); ++byte)
     if (const std::string bytes(1, static_cast<char>(byte)); !peers.agreeOn(bytes)) found.insert(hex(bytes));
-  // Many ideographs are left out, because the conversion of single characters is slow.
-  const auto stepAfter = [](unsigned int c) {
-    return c < 0x2700 ? 1U : c < 0xFF00 ? 23U : c < 0x10000 ? 1U : 1021U;
-  };
-  for (unsigned int c = 0; c < 0x30000 && !peers.hasOnlySingleBytes(); c += stepAfter(c)) {
-    if (c >= 0xD800 && c < 0xE000) continue;
+  for (unsigned int c = 0; c < 0x30000 && !peers.hasOnlySingleBytes(); c = following(c, all)) {
     const std::string bytes = peers.bytesOf(unitsOfCharacter(c));
     const bool isMapped = peers.unitsOf(bytes) == unitsOfCharacter(c);
     if (isMapped && !peers.agreeOn(bytes)) found.insert(hex(bytes));
@@ -137,7 +140,7 @@ TEST(CcsidNames, ConvertLikeIcuUnderTheSameName) {
     const Peers peers(loaded.functions, name.c_str(), std::stoi(row[0]));
     EXPECT_TRUE(peers.isSupported()) << name;
     if (peers.isKnown() && peers.isSupported()) {
-      EXPECT_EQ(differences(peers), row[2]) << name;
+      EXPECT_EQ(differences(peers, !row[2].empty()), row[2]) << name;
     }
   }
 }

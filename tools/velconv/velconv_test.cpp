@@ -37,7 +37,7 @@ TEST_F(VelconvFiles, ListsEveryCcsidWithItsRoutes) {
   EXPECT_THAT(list.errors, hasIcu ? testing::Not(kWarning) : kWarning);
 }
 
-/// Every number and name that is listed is accepted, and is what -list shows.
+/// The numbers and names are those that -list shows.
 TEST_F(VelconvFiles, ListsTheNamesOfEveryCcsid) {
   std::map<std::string, std::string> numbers;
   for (const auto& row :

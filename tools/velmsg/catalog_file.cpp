@@ -36,13 +36,20 @@ std::string translatedName(const std::string& file, const std::string& language)
   return file.substr(0, start) + language + slash + file.substr(start) + ".mui";
 }
 
+/// If neither can be opened, returns the library.
+Catalog openLibraryOrFile(const char* file) {
+  Catalog library = std::make_unique<VelClMessageCatalog>(VelClFilename(file));
+  if (library->isValid()) return library;
+  Catalog named = openAsNamed(file);
+  if (named->isValid()) return named;
+  return library;
+}
+
 }  // namespace
 
 std::unique_ptr<VelClMessageCatalog> openCatalogFile(const char* file) {
-  auto library = std::make_unique<VelClMessageCatalog>(VelClFilename(file));
-  Catalog found = library->isValid() ? std::move(library) : openAsNamed(file);
-  if (!found->isValid()) return library;
-  if (hasMessages(*found)) return found;
+  Catalog found = openLibraryOrFile(file);
+  if (!found->isValid() || hasMessages(*found)) return found;
   for (const std::string& language : {userLanguage(), std::string("en-US")}) {
     Catalog translated = openAsNamed(translatedName(file, language));
     if (translated->isValid() && hasMessages(*translated)) return translated;
