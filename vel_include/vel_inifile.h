@@ -398,7 +398,7 @@ enum class VelEnIniFileLock : uint32_t {
 /// Note that VelClIniFile takes the mark for a part of the first line and does not find that section.
 class VEL_API VelClIniFileEditor : public VelClFile {
  public:
-  /// A name without extension gets ".INI"; setFileType("") removes it again. Nothing is read.
+  /// A name without extension gets ".INI", which setFileType("") removes again. Nothing is read.
   explicit VelClIniFileEditor(const VelClFilenameABase& name);
   explicit VelClIniFileEditor(const char* name) : VelClIniFileEditor(VelClFilename(name)) {}
   VelClIniFileEditor(const VelClIniFileEditor&) = delete;

@@ -10,8 +10,8 @@ namespace vel::velini {
 /// How names are compared. Subsections: up to the first "." ignoring case, and exactly after it.
 enum class Names { AnyCase, Exact, Subsections };
 
-/// How a value goes on in the next line: not at all, after a "\" at the end of a line, or if the next line is
-/// indented more than the option.
+/// How a value continues in the next line: not at all, after a "\" at the end of a line, or if the next line
+/// is indented more than the option.
 enum class Continuation { None, Backslash, Indentation };
 
 /// How a value is written: as VelClIniFile reads it, as it stands, with quotes and escapes anywhere, or as

@@ -119,7 +119,13 @@ void DialectDocument::adopt(std::string text) {
 
 std::vector<Fault> DialectDocument::faults() const {
   if (isWide(text_)) return {{1, kWideText}};
-  return layout_.faults;
+  std::vector<Fault> faults = layout_.faults;
+  if (const std::size_t nul = text_.find('\0'); nul != std::string::npos) {
+    const auto breaks = std::ranges::count(std::string_view(text_).substr(0, nul), '\n');
+    faults.push_back({static_cast<std::size_t>(breaks) + 1, kNulByte});
+    std::ranges::stable_sort(faults, {}, &Fault::line);
+  }
+  return faults;
 }
 
 /// The splices may be in any order, but must not overlap.

@@ -44,7 +44,7 @@ class LayoutReader {
  private:
   void report(std::size_t at, TextId fault) { faults_.push_back({at, fault}); }
 
-  /// Whether reading goes on after a header in the same line.
+  /// Whether the position is after a header in the same line.
   bool isInHeader(std::size_t at) const { return at > start_ && text_[at - 1] != '\n'; }
 
   void extendSection(std::size_t end) {
@@ -74,7 +74,7 @@ class LayoutReader {
     return layout_.sections.back().header.end;
   }
 
-  /// Returns the end of the header, 0 if it has none.
+  /// Returns the end of the header, 0 if it is malformed.
   std::size_t readName(Range line, SectionPlace& section) const {
     const std::string_view text = line.in(text_);
     const std::size_t bracket = dialect_.endsAtLastBracket ? text.rfind(']') : text.find(']');
@@ -106,7 +106,7 @@ class LayoutReader {
     return at + 1;
   }
 
-  /// Reads a string in double quotes; returns its end, 0 if it is none.
+  /// Reads a string in double quotes. Returns its end, 0 if there is no string.
   std::size_t readString(Range line, std::string& content) const {
     if (line.isEmpty() || text_[line.begin] != '"') return 0;
     for (std::size_t at = line.begin + 1; at < line.end; ++at) {

@@ -24,7 +24,7 @@ bool isContinued(std::string_view line) {
   return (line.size() - (last == std::string_view::npos ? 0 : last + 1)) % 2 == 1;
 }
 
-/// Collects the comment lines from `at` on, and returns the first line that is none; false at the end.
+/// Collects the comment lines from `at` on, and finds the first line that is not a comment; false at the end.
 bool skipComments(const Dialect& dialect, std::string_view text, std::size_t at, std::vector<Range>& comments,
                   Line& line) {
   for (; at < text.size(); at = line.next) {
