@@ -45,6 +45,12 @@ void showErrors() {
   } catch (const VelClExceptionFatal& exception) {
     std::cout << "no memory: " << (exception.getId() == MEMMGR_USER_OUT_OF_MEMORY) << '\n';
   }
+  // The same for handlers of standard exceptions; it is a std::bad_alloc.
+  try {
+    velRethrowAsStd([] { return VelClMemoryManager::malloc(8); });
+  } catch (const VelClStdOutOfMemory& exception) {
+    std::cout << "bad_alloc: " << (exception.getException().getId() == MEMMGR_USER_OUT_OF_MEMORY) << '\n';
+  }
   VelClMemoryManager::setNewMemoryManager(&std::malloc, &std::realloc, &std::free);
 }
 
