@@ -112,6 +112,7 @@ TEST(ToolsInUsersLanguage, ShowNothingInAnother) {
       {"velmsg", {"-lang", "5"}, "Genau eine der Angaben -list"},
       {"trcctl", {"--help"}, "Aufruf: trcctl -key"},
       {"trcctl", {"-key", "tour", "-file", "absent"}, "Angegebene Trace-Datei nicht gefunden"},
+      {"trcctl", {"-key", "tour", "-file", "-", "-display"}, "Keine Trace-Datei: "},
   };
   for (const auto& [tool, arguments, german] : rows) {
     const auto result = vel::test::runChild(tool, arguments, {.input = "x\n"});

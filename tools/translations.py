@@ -24,8 +24,9 @@ from generate_messages import TableError, c_literal, check_row  # noqa: E402
 
 CATALOG = ROOT / "tools/german.po"
 TOOLS = ["trcctl", "velconv", "veldump", "velini", "velmsg"]
-# Texts that the sources of all tools share.
-SHARED = ["Usage", "did you mean", "out of memory", "standard input", "The output could not be written"]
+# Texts that are not in the tables of texts.h.
+SHARED = ["Usage", "did you mean", "out of memory", "standard input", "The output could not be written",
+          "Not a trace file: it does not begin with a complete entry"]
 ENTRY = re.compile(r'(?:^#.*\n)*^msgid((?:\s*"(?:\\.|[^"\\])*")+)\s*^msgstr((?:\s*"(?:\\.|[^"\\])*")+)', re.MULTILINE)
 SEPARATOR = "\n@\n"
 

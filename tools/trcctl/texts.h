@@ -49,12 +49,8 @@ enum TextId : unsigned long {
   kInvalidData = 199
 };
 
-/// Not in the catalog, whose messages are numbered for good. ASCII, so that every code page has the
-/// characters.
-struct NotATrace {
-  static constexpr char kEnglish[] = "Not a trace file: it does not begin with a complete entry";
-  static constexpr char kGerman[] = "Keine Trace-Datei: am Anfang steht kein ganzer Eintrag";
-};
+/// Not in the catalog, whose messages are numbered for good.
+inline constexpr char kNotATrace[] = "Not a trace file: it does not begin with a complete entry";
 
 /// Not in the catalog, because all tools report this in the same words.
 inline constexpr char kNotWritten[] = "The output could not be written";

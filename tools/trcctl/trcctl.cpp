@@ -102,9 +102,7 @@ void Tool::end(TextId text, const char* argument, int exitCode) const {
 }
 
 void Tool::endWithoutTrace(const char* file) const {
-  constexpr unsigned int kPrimaryLanguage = 0x3FF, kGerman = 7;
-  const bool isGerman = (ui_.getMessageCatalog().getLanguage() & kPrimaryLanguage) == kGerman;
-  ui_.fatal(kExitCorrupted, isGerman ? NotATrace::kGerman : NotATrace::kEnglish, file);
+  ui_.fatal(kExitCorrupted, vel::tools::translated(kNotATrace), file);
 }
 
 /// Returns the value of a switch, or `otherwise` if it is not given.
