@@ -54,8 +54,12 @@ void runPlan(ChildPlan plan, ChildResult& result) {
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
   PROCESS_INFORMATION process{};
   // Without a console a child cannot wait for keys.
-  result.started = CreateProcessA(program.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS,
-                                  environment.data(), nullptr, &startUp, &process);
+  // On a busy machine, Wine sometimes fails with this error before the child has run any of its code.
+  for (int attempts = 5; !result.started && attempts > 0; --attempts) {
+    result.started = CreateProcessA(program.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS,
+                                    environment.data(), nullptr, &startUp, &process);
+    if (GetLastError() != ERROR_INTERNAL_ERROR) break;
+  }
   for (HANDLE stream : {startUp.hStdInput, startUp.hStdOutput, startUp.hStdError}) CloseHandle(stream);
   if (!result.started) return;
   if (WaitForSingleObject(process.hProcess, kTimeLimitMs) != WAIT_OBJECT_0)
