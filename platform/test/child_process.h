@@ -30,8 +30,8 @@ struct ChildOptions {
   std::string input = {};  ///< bytes for standard input
   bool rawOutput = false;  ///< keep CR LF in the output
   /// Linux only: the number of the call that fails, from 1, among those that write to files. The result has
-  /// its name, or "" if there are fewer. A negative number counts writes only, and this one writes half of its
-  /// bytes. No time limit applies.
+  /// its name, or "" if there are fewer. A negative number counts writes only, and this one writes half of
+  /// its bytes. No time limit applies.
   int failingCall = 0;
   std::string failingReads = {};  ///< an absolute path: calls that read files in it count, too
 };
