@@ -1,5 +1,5 @@
-// A child for new_process_test.cpp and quoting_test.cpp. It writes its arguments in brackets, one per line, and "end" to the file
-// that VEL_TEST_REPORT names, and exits with the code in its first argument.
+// A child for new_process_test.cpp and quoting_test.cpp. It writes its arguments in brackets, one per line,
+// and "end" to the file that VEL_TEST_REPORT names, and exits with the code in its first argument.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
