@@ -136,10 +136,10 @@ function(vel_add_test_without_icu name)
 endfunction()
 
 # vel_add_test_for_user(<name> <program> <locale> <filter>): runs the tests of a program that match the filter again, for
-# a user of another language: a locale without its code set.
+# a user of another language, whose system is in English: a locale without its code set.
 function(vel_add_test_for_user name program locale filter)
   add_test(NAME ${name} COMMAND ${program} "--gtest_filter=${filter}"
            WORKING_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
-  set_tests_properties(${name} PROPERTIES ENVIRONMENT "LC_ALL=${locale}.UTF-8;LANG=${locale}.UTF-8")
+  set_tests_properties(${name} PROPERTIES ENVIRONMENT "LC_ALL=${locale}.UTF-8;LANG=en_US.UTF-8")
   vel_limit_test(${name})
 endfunction()

@@ -16,7 +16,11 @@ class ConsoleSettings : public VelClConsoleUIParams {
 
   /// Returns null before useConventions.
   Conventions* conventions() const { return conventions_.get(); }
-  void setConventions(OwnedObject<Conventions> conventions) { conventions_ = std::move(conventions); }
+  /// Keeps earlier ones, because the program may still use the argument vector that they made.
+  void setConventions(OwnedObject<Conventions> conventions) {
+    conventions->keep(std::move(conventions_));
+    conventions_ = std::move(conventions);
+  }
 
   /// The stream of the title, info and warning.
   std::ostream& messageStream() const { return conventions_ ? getErrorStream() : getOutputStream(); }

@@ -42,6 +42,10 @@ TEST(Conventions, HoldForOneUserInterface) {
   EXPECT_EQ(argumentsOf(*third), rewritten);
   EXPECT_EQ(argumentsOf(*plain), "s--a=-b s-color fnever s-- s-c ");
   EXPECT_EQ(third->getArgv()[2], arguments[1] + 4) << "values are not copied";
+  const char* const* const before = third->getArgv();
+  third->useConventions();
+  EXPECT_EQ(argumentsOf(*third), rewritten);
+  EXPECT_STREQ(before[1], "-a") << "a vector lives as long as its user interface";
 }
 
 // Standard input is redirected. platform/posix/console_test.cpp tests prompts on a terminal.

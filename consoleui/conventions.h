@@ -25,6 +25,9 @@ class Conventions {
   int originalCount() const { return argc_; }
   const char* const* originalArguments() const { return argv_; }
 
+  /// Owns what this replaces.
+  void keep(OwnedObject<Conventions> replaced) { replaced_ = std::move(replaced); }
+
   /// The texts that init got, copied; "" for null.
   void setTitle(const char* title, const char* description);
   const String& title() const { return title_; }
@@ -46,6 +49,7 @@ class Conventions {
   ColorFault colorFault_ = ColorFault::None;
   bool outputHasColors_ = false;
   bool errorsHaveColors_ = false;
+  OwnedObject<Conventions> replaced_;
 };
 
 /// Whether the stream is standard output or standard error, and a terminal.

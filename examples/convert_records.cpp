@@ -112,11 +112,13 @@ int main(int argc, char** argv) {
   const std::string source = name.getAsCString();
   if (!name.setToNext()) ui.fatalMissingArg("<target>");
   VelClFile target(name.getAsCString(), nullptr);
+  if (name.setToNext())
+    ui.fatal(CONUI_USAGE, "There is more than a source and a target", name.getAsCString());
   if (target.isExistent()) ui.fatal(kCannotWrite, "Refusing to overwrite", target.getAsCString());
 
   std::ifstream in(source, std::ios::binary);
   if (!in) ui.fatal(kCannotRead, "Cannot open", source.c_str());
-  std::ofstream out(name.getAsCString(), std::ios::binary);
+  std::ofstream out(target.getAsCString(), std::ios::binary);
   const bool isBack = ui.hasArgSwitch("back");
   const VelClCCSID records(ccsid), text(VelClCCSID::CCSID_UTF8);
   RecordConverter converter(ui, isBack ? text : records, isBack ? records : text);

@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -77,6 +78,7 @@ class Migration {
     for (const Step& step : kSteps) move(step);
     set("Program", "Format", "2");
     save();
+    report();
     return kDone;
   }
 
@@ -114,9 +116,14 @@ class Migration {
     if (!converted.has_value()) refuse(step.oldSection, step.oldOption);
     set(step.newSection, step.newOption, *converted);
     if (!editor_.deleteOption(step.oldSection, step.oldOption)) refuse(step.oldSection, step.oldOption);
-    ui_.info(text(kMoved, step.oldSection, step.oldOption, step.newSection, step.newOption).c_str());
-    if (!comment.empty())
-      ui_.warning(text(kComment, step.oldSection, step.oldOption, comment.c_str()).c_str());
+    moved_.push_back(text(kMoved, step.oldSection, step.oldOption, step.newSection, step.newOption));
+    if (!comment.empty()) lost_.push_back(text(kComment, step.oldSection, step.oldOption, comment.c_str()));
+  }
+
+  /// Tells what was done, once the file is saved.
+  void report() const {
+    for (const std::string& message : moved_) ui_.info(message.c_str());
+    for (const std::string& message : lost_) ui_.warning(message.c_str());
   }
 
   void save() {
@@ -129,6 +136,7 @@ class Migration {
   const VelClConsoleUI& ui_;
   const VelClMessageCatalog catalog_{kMessages, std::size(kMessages)};
   VelClIniFileEditor editor_;
+  std::vector<std::string> moved_, lost_;
 };
 
 }  // namespace

@@ -25,7 +25,8 @@ constexpr const char* kHelp =
     "-ignorecase         count \"The\" and \"the\" as one word\n"
     "<file>              the files to read; - is standard input, which is read if there is no file\n"
     "@\n"
-    "Exit codes: 0 success, 1 a file cannot be read, 201 to 204 the command line is wrong.";
+    "Exit codes: 0 success, 1 a file cannot be read, 2 the words cannot be written, 201 to 204\n"
+    "the command line is wrong.";
 
 using Counts = std::map<std::string, unsigned long>;
 
@@ -56,8 +57,9 @@ bool countFiles(const VelClConsoleUI& ui, bool ignoreCase, Counts& counts) {
     const std::string_view name = file.getAsCString();
     std::ifstream stream;
     if (name != "-") stream.open(file.getAsCString(), std::ios::binary);
-    countWords(name == "-" ? std::cin : stream, ignoreCase, counts);
-    if (name == "-" || stream.is_open()) continue;
+    std::istream& words = name == "-" ? std::cin : stream;
+    countWords(words, ignoreCase, counts);
+    if (!words.bad() && (name == "-" || stream.is_open())) continue;
     ui.error(std::cerr, "Cannot read", file.getAsCString());
     allRead = false;
   }
@@ -97,5 +99,6 @@ int main(int argc, char** argv) {
   Counts counts;
   const bool allRead = countFiles(ui, ui.hasArgSwitch("ignorecase"), counts);
   print(ui, counts, static_cast<std::size_t>(top), asTable);
+  if (!std::cout.flush()) ui.fatal(2, "Cannot write the words");
   return allRead ? 0 : 1;
 }

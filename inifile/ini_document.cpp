@@ -189,7 +189,7 @@ bool IniDocument::commentOutOption(const char* section, const char* option) {
 
 bool IniDocument::renameOption(const char* section, const char* option, const char* newName) {
   const FoundOption found = findOption(section, option);
-  if (found.option == nullptr) return false;
+  if (found.option == nullptr || *newName == '\0') return false;
   const Option* const other = model_->getExistingOption(*found.section, newName);
   if (other != nullptr && other != found.option) return false;
   Span name = found.lines.front().whole;
@@ -211,7 +211,8 @@ bool IniDocument::renameSection(const char* name, const char* newName) {
   const Section* const found = model_->getExistingSection(name);
   const Section* const other = model_->getExistingSection(newName);
   if (found == nullptr || (other != nullptr && other != found)) return false;
-  if (std::strlen(newName) > Section::kMaxNameLength) return false;
+  const std::size_t length = std::strlen(newName);
+  if (length == 0 || length > Section::kMaxNameLength) return false;
   TextRewriter rewriter(body());
   rewriter.replace(nameInHeader(layoutOf(*found).header), newName);
   return replaceIf(rewriter.finish(), nullptr, [=](VelClIniFile& file) {

@@ -53,6 +53,10 @@ TEST(IniEditor, RenamesAndCommentsOut) {
     EXPECT_EQ(isDone, row.at(4) != "-") << row[0];
     EXPECT_EQ(textOf(editor), isDone ? row[4] : row[0]);
   }
+  VelClIniFileEditor editor("unused");
+  editor.loadFromBuffer("[A]\nx=1\n", 8, true);
+  EXPECT_FALSE(editor.renameOption("A", "x", ""));
+  EXPECT_FALSE(editor.renameSection("A", ""));
 }
 
 TEST(IniEditor, MergesAllOrNothing) {

@@ -85,14 +85,15 @@ void VelClMessageCatalog::chooseLanguage() {
 }
 
 bool VelClMessageCatalog::useLanguageFallback() {
-  if (library_ == nullptr || languageFound_ != 0) return false;
+  if (library_ == nullptr) return false;
+  const uint32_t opened = language_;
   for (uint32_t language : preferredLanguages())
-    while ((language = velLanguageGetFallback(language)) != 0)
+    for (; language != 0; language = velLanguageGetFallback(language))
       if (tryLanguage(language)) {
         languageFound_ = 1;
-        return true;
+        return language != opened;
       }
-  tryLanguage(kEnglishUnitedStates);
+  tryLanguage(opened);
   return false;
 }
 

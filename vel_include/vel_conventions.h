@@ -16,8 +16,8 @@
 ///
 /// The texts are not copied.
 struct VelStConventions {
-  /// The size of this structure in the program. Leave it alone: by it the library knows which choices a
-  /// program has that was built with an older header.
+  /// The size of this structure. Do not change it: it tells the library which choices exist in a program that
+  /// was built with an older header.
   size_t structSize = sizeof(VelStConventions);
   /// What `--version` prints after the name of the program. If null, `--version` has no built-in meaning.
   const char* version = nullptr;

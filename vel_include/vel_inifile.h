@@ -424,11 +424,12 @@ class VEL_API VelClIniFileEditor : public VelClFile {
   bool deleteOption(const char* section, const char* option);
   /// Removes the lines from the header to the last one that is neither blank nor a comment.
   bool deleteSection(const char* name);
-  /// Change a name and nothing else. Return false if the new name exists; another case of the old name is not
-  /// another name.
+  /// Change a name and nothing else. Return false if the new name exists, is empty, or cannot be the name of
+  /// a section or an option; another case of the old name is not another name.
   bool renameSection(const char* name, const char* newName);
   bool renameOption(const char* section, const char* option, const char* newName);
-  /// Makes the option's line and its continuation lines comments, by a ";" in column 1.
+  /// Makes the option's line and its continuation lines comments, by a ";" in column 1. Returns false if the
+  /// option does not exist or a line has no room for it.
   bool commentOutOption(const char* section, const char* option);
 
   /// Return the current text, NUL-terminated, and its length in bytes; valid until the next change.

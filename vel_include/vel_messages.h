@@ -131,9 +131,10 @@ class VEL_API VelClMessageCatalog : public VelClFile {
   /// Returns the Windows language number selected at opening or by useLanguageFallback, or 0 without a
   /// library.
   unsigned int getLanguage() const { return language_; }
-  /// If the library has neither the user's language nor the system's, selects the first fallback of the two
-  /// that it has (see velLanguageGetFallback): German, say, for a user in Austria. Returns whether the
-  /// language has changed. Call it after opening, before messages are read.
+  /// Selects the first language that the library has of these: the user's, its fallbacks (see
+  /// velLanguageGetFallback), the system's, its fallbacks. So a user in Austria reads German, even if the
+  /// system's language is English. Returns whether the language has changed; without any of them it stays
+  /// 1033. Call it after opening, before messages are read.
   bool useLanguageFallback();
 
  private:

@@ -11,9 +11,8 @@
 #include <string_view>
 #endif
 
-/// Quote the `size` bytes of `text`, which become exactly one argument, also if they are empty. Null counts
-/// as
-/// "".
+/// Quote the `size` bytes of `text`, which become exactly one argument, also if they are empty. Null
+/// counts as "".
 ///
 /// The result and a terminating NUL are written to `out`, which has room for `capacity` bytes. The functions
 /// return the length of the result without the NUL. If the length is not less than `capacity`, `out` is too

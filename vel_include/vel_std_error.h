@@ -38,6 +38,8 @@ struct is_error_code_enum<VelEnErrorId> : true_type {};
 
 /// A VelClException as a standard exception, see velRethrowAsStd. code() is the identifier in
 /// velErrorCategory, and what() has the cause, if there is one, and the name of the identifier.
+/// code() never equals a std::errc, because it does not have the class; compare
+/// velErrorCondition(getException().getClass()) instead.
 class VelClStdException : public std::system_error {
  public:
   /// Copies `source`; cause and origin are still not copied.
@@ -72,8 +74,8 @@ class VelClStdOutOfMemory : public std::bad_alloc {
   VelClException exception_;
 };
 
-/// Throws a VelClStdOutOfMemory if memory ran out, otherwise a VelClStdException. In a handler, the exception
-/// being handled is nested, see std::rethrow_if_nested.
+/// Throws a VelClStdOutOfMemory if memory ran out, otherwise a VelClStdException, in which the exception
+/// being handled, if any, is nested (see std::rethrow_if_nested).
 [[noreturn]] inline void velThrowAsStd(const VelClException& exception) {
   if (exception.getClass() == VelEnErrorClass::OUT_OF_MEMORY) throw VelClStdOutOfMemory(exception);
   std::throw_with_nested(VelClStdException(exception));

@@ -184,8 +184,9 @@ class VEL_API VelClConversionFaultHandler {
   virtual ~VelClConversionFaultHandler();
 
   /// Returns what is done about this fault. The text before it may not have been written to the sink yet. The
-  /// conversion must not be used here, except for its getters. An exception thrown here ends the conversion,
-  /// which must then be restarted.
+  /// conversion must not be used here, except for its getters; getOffset depends on how the text is divided,
+  /// fault.offset does not. An exception thrown here stops the conversion: convert and finish return false
+  /// until restart.
   virtual VelClStrictConversion::VelEnPolicy handle(const VelClStrictConversion::VelStFault& fault) = 0;
 };
 

@@ -62,6 +62,21 @@ std::uint16_t countUnits(const char16_t* begin, const char16_t* end, Condition c
   return count;
 }
 
+/// After an exception of a sink or a handler, bytes are lost, so that the conversion must not go on.
+class StopUnlessDone {
+ public:
+  explicit StopUnlessDone(bool& hasStopped) : hasStopped_(hasStopped) {}
+  StopUnlessDone(const StopUnlessDone&) = delete;
+  StopUnlessDone& operator=(const StopUnlessDone&) = delete;
+  ~StopUnlessDone() { hasStopped_ = hasStopped_ || !isDone_; }
+
+  void done() { isDone_ = true; }
+
+ private:
+  bool& hasStopped_;
+  bool isDone_ = false;
+};
+
 }  // namespace
 
 VelClConversionSink::~VelClConversionSink() = default;
@@ -150,6 +165,7 @@ bool VelClStrictConversion::finish(VelClConversionSink& sink, VelClConversionFau
 
 bool VelClStrictConversion::run(const char* source, size_t size, bool isLast, Output& output) {
   if (!isSupported()) return false;
+  StopUnlessDone stop(hasStopped_);
   followsLines_ = followsLines_ || output.handler() != nullptr;
   if (!hasStopped_ && (keptSize_ == 0 || convertKept(source, size, isLast, output))) {
     const size_t converted = convertBlock(source, size, isLast, output);
@@ -160,6 +176,7 @@ bool VelClStrictConversion::run(const char* source, size_t size, bool isLast, Ou
   }
   if (isLast) writer_->finish(output);
   output.flush();
+  stop.done();
   return !hasStopped_;
 }
 

@@ -60,6 +60,22 @@ TEST(StrictConversion, ReportsEveryFaultToTheHandler) {
 
 // Each character is a fault; the positions are those of the characters, and the time is not that of their
 // square.
+TEST(StrictConversion, ConvertsNothingAfterAnException) {
+  struct : VelClConversionFaultHandler {
+    VelClStrictConversion::VelEnPolicy handle(const VelClStrictConversion::VelStFault&) override { throw 1; }
+  } handler;
+  VelClStrictConversion conversion(VelClCCSID::CCSID_UTF8, VelClCCSID::CCSID_819);
+  TextSink sink;
+  EXPECT_THROW(conversion.convert("abc\xFF", 4, sink, handler), int);
+  EXPECT_FALSE(conversion.convert("X", 1, sink));
+  EXPECT_FALSE(conversion.finish(sink));
+  EXPECT_EQ(sink.take(), "");
+  conversion.restart();
+  EXPECT_TRUE(conversion.convert("X", 1, sink));
+  EXPECT_TRUE(conversion.finish(sink));
+  EXPECT_EQ(sink.take(), "X");
+}
+
 TEST(StrictConversion, ReportsTheOffsetsOfManyFaults) {
   std::string source;
   std::vector<std::string> expected;
