@@ -50,7 +50,7 @@ class Peers {
 
  private:
   /// Maps all units for unmapped bytes to one. Tables fold the next line of EBCDIC into the line feed.
-  static std::string normalized(std::string units) {
+  static std::string normalized(const std::string& units) {
     if (units == unitBytes(u"\x0085")) return unitBytes(u"\n");
     return units == unitBytes(u"\x001A") || units.empty() ? unitBytes(u"\xFFFD") : units;
   }
