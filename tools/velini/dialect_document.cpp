@@ -86,6 +86,7 @@ class DialectDocument : public Document {
   using Places = std::vector<const OptionPlace*>;
 
   void adopt(std::string text);
+  bool addsNamelessSection(const Records& wanted) const;
   EditResult commit(std::vector<Splice> splices, Records wanted);
 
   Places placesOf(const Edit& edit) const;
@@ -128,8 +129,28 @@ std::vector<Fault> DialectDocument::faults() const {
   return faults;
 }
 
+/// Whether a carriage return is not followed by a line feed. Some programs take it for the end of the line,
+/// so that the rest of a value would become another option, and others for a blank.
+bool hasLoneCarriageReturn(std::string_view text) {
+  for (std::size_t at = 0; (at = text.find('\r', at)) != std::string_view::npos; ++at)
+    if (at + 1 == text.size() || text[at + 1] != '\n') return true;
+  return false;
+}
+
+/// Few programs can read "[]". One that is in the file already is left.
+bool DialectDocument::addsNamelessSection(const Records& wanted) const {
+  const auto isNameless = [](const Section& section) { return section.name.empty(); };
+  return !dialect_.hasOptionsBeforeSections && std::ranges::any_of(wanted.sections, isNameless) &&
+         std::ranges::none_of(records_.sections, isNameless);
+}
+
 /// The splices may be in any order, but must not overlap.
 EditResult DialectDocument::commit(std::vector<Splice> splices, Records wanted) {
+  if (addsNamelessSection(wanted)) return EditResult::Refused;
+  // A string in the quotes of PHP may contain it.
+  if (dialect_.values != Values::Php &&
+      std::ranges::any_of(splices, [](const Splice& splice) { return hasLoneCarriageReturn(splice.text); }))
+    return EditResult::Refused;
   std::ranges::stable_sort(splices, {}, [](const Splice& splice) { return splice.old.begin; });
   std::string changed;
   std::size_t kept = 0;
@@ -338,6 +359,7 @@ EditResult DialectDocument::renameSection(const Edit& edit) {
   Section* const section = sectionOf(wanted, edit.section);
   if (section == nullptr) return EditResult::NotFound;
   if (newKey != oldKey && sectionOf(wanted, edit.value) != nullptr) return EditResult::Exists;
+  if (edit.value.empty()) return EditResult::Refused;
   std::vector<Splice> splices;
   for (const SectionPlace& place : layout_.sections)
     if (place.key == oldKey) splices.push_back({place.written, writtenSection(dialect_, edit.value)});
