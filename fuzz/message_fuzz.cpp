@@ -20,21 +20,23 @@ std::string digitsAt(const std::string& text, std::size_t& at, std::size_t most)
   return digits;
 }
 
+/// Infinite for more digits than a number has, and 0 for none.
+double numberOf(const std::string& digits) {
+  return std::strtod(digits.c_str(), nullptr);
+}
+
 std::string variable(const Variables& variables, const std::string& digits) {
-  const double number = digits.empty() ? 0 : std::stod(digits);
+  const double number = numberOf(digits);
   return number >= 1 && number <= 10 ? variables[static_cast<std::size_t>(number) - 1] : "???";
 }
 
 std::string tableText(const std::string& text, const Variables& variables) {
   std::string out;
   for (std::size_t at = 0; at < text.size();) {
-    if (text[at] != '%') {
-      out += text[at++];
-    } else if (text[++at] == '%') {
-      out += text[at++];
-    } else {
+    if (text[at] == '%' && text[++at] != '%')
       out += variable(variables, digitsAt(text, at, text.size()));
-    }
+    else
+      out += text[at++];
   }
   return out;
 }
@@ -50,9 +52,9 @@ std::string styled(const std::string& style, const std::string& value) {
   if (isCut) precision = digitsAt(style, ++at, style.size());
   if (style.substr(at) != "s" && style.substr(at) != "hs") return "???";
   std::string shown = value;
-  if (isCut && std::atof(precision.c_str()) < static_cast<double>(value.size()))
-    shown.resize(static_cast<std::size_t>(std::atof(precision.c_str())));
-  const auto wanted = static_cast<std::size_t>(std::min(std::atof(width.c_str()), 100000.0));
+  if (isCut && numberOf(precision) < static_cast<double>(value.size()))
+    shown.resize(static_cast<std::size_t>(numberOf(precision)));
+  const auto wanted = static_cast<std::size_t>(std::min(numberOf(width), 100000.0));
   if (wanted <= shown.size()) return shown;
   const std::string padding(wanted - shown.size(), isZeroFilled && !isLeft ? '0' : ' ');
   return isLeft ? shown + padding : padding + shown;
