@@ -18,8 +18,10 @@ TEST(Velini, LosesNoChangeOfConcurrentPrograms) {
   const vel::test::ScratchDirectory directory;
   // The first of the programs creates one of the files.
   for (const std::string& file : {directory.path("new.ini"), directory.write("old.ini", "[A]\nkept=1\n")}) {
+    constexpr int kPrograms = 20;
     std::vector<std::future<ChildResult>> programs;
-    for (int i = 0; i < 20; ++i)
+    programs.reserve(kPrograms);
+    for (int i = 0; i < kPrograms; ++i)
       programs.push_back(std::async(std::launch::async, [&, i] {
         const std::string change = "o" + std::to_string(i) + "=1";
         const std::string dialect = i % 2 == 0 ? "ini" : "python";
