@@ -118,8 +118,9 @@ TEST(ToolsInUsersLanguage, ShowNothingInAnother) {
     const auto result = vel::test::runChild(tool, arguments, {.input = "x\n"});
     const std::string all = result.output + result.errors;
     EXPECT_EQ(all.find(german) != std::string::npos, isGerman) << tool << all;
+    if (!isGerman) continue;
     for (const char* const english : {" the ", "Usage", " error ", "xit code"})
-      EXPECT_TRUE(!isGerman || all.find(english) == std::string::npos) << english << all;
+      EXPECT_THAT(all, testing::Not(testing::HasSubstr(english)));
   }
 }
 
