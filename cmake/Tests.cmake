@@ -20,10 +20,17 @@ endif()
 foreach(target gtest gmock gmock_main)
   target_compile_options(${target} PRIVATE ${VEL_TEST_OPTIONS})
 endforeach()
+# The library and the tools, which users get, are linked with the linker of the compiler.
+if(MINGW)
+  set(VEL_TEST_LINK_OPTIONS -wrapper ${PROJECT_SOURCE_DIR}/cmake/link-with-lld)
+else()
+  set(VEL_TEST_LINK_OPTIONS -fuse-ld=lld)
+endif()
 # vel_use_test_compiler_options(NAME)
 function(vel_use_test_compiler_options target)
   vel_use_project_options(${target})
   target_compile_options(${target} PRIVATE ${VEL_TEST_OPTIONS})
+  target_link_options(${target} PRIVATE ${VEL_TEST_LINK_OPTIONS})
 endfunction()
 
 # Its headers take longer to compile than most tests.
@@ -32,14 +39,12 @@ target_link_libraries(test_headers PRIVATE gmock)
 target_include_directories(test_headers PRIVATE ${PROJECT_SOURCE_DIR})
 vel_use_test_compiler_options(test_headers)
 
-# vel_use_test_options(NAME): the same for what links GoogleTest. Joining a few files to one compilation halves its time,
-# because all of them use the same templates. With sanitizers each is compiled alone: that shows missing includes, and
-# clang-tidy reads the compile commands of single files.
+# vel_use_test_options(NAME): the same for what links GoogleTest.
 function(vel_use_test_options target)
   vel_use_test_compiler_options(${target})
   target_precompile_headers(${target} REUSE_FROM test_headers)
-  if(NOT VEL_SANITIZE)
-    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 4)
+  if(VEL_JOIN_SOURCES)
+    vel_join_sources(${target})
   endif()
 endfunction()
 
@@ -88,12 +93,13 @@ function(vel_add_test_library name)
 endfunction()
 
 # vel_add_tests(NAME [INSIDE] [POSIX] SOURCES <files>... [POSIX_SOURCES <files>...] [PARTS <targets>...]
-#               [DEPENDS <targets>...] [ENVIRONMENT <assignments>...])
+#               [DEPENDS <targets>...] [ENVIRONMENT <assignments>...] [UNSANITIZED <filter>])
 # Adds one test program as one ctest entry, because under Wine starting a process costs more than most tests. INSIDE is
 # required if the tests call functions that the shared library hides. POSIX (the whole program) and POSIX_SOURCES (these
-# files) are for tests of something that Windows does not have.
+# files) are for tests of something that Windows does not have. UNSANITIZED selects long tests of data in tables, which
+# sanitizers cannot tell anything about: with sanitizers they do not run.
 function(vel_add_tests name)
-  cmake_parse_arguments(ARG "INSIDE;POSIX" "" "SOURCES;POSIX_SOURCES;PARTS;DEPENDS;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(ARG "INSIDE;POSIX" "UNSANITIZED" "SOURCES;POSIX_SOURCES;PARTS;DEPENDS;ENVIRONMENT" ${ARGN})
   if(ARG_POSIX AND WIN32)
     return()
   endif()
@@ -110,7 +116,11 @@ function(vel_add_tests name)
   # The directory with the data files of the tests.
   target_compile_definitions(${name} PRIVATE VEL_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/")
   target_link_libraries(${name} PRIVATE ${ARG_PARTS} ${library} test_support gmock_main)
-  add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+  set(filter)
+  if(VEL_SANITIZE AND ARG_UNSANITIZED)
+    set(filter --gtest_filter=-${ARG_UNSANITIZED})
+  endif()
+  add_test(NAME ${name} COMMAND ${name} ${filter} WORKING_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "${ARG_ENVIRONMENT}")
   vel_limit_test(${name})
   if(ARG_DEPENDS)

@@ -40,6 +40,7 @@ through_old_cmake() {
 # sources_through FETCHCONTENT [CMAKE_ARGUMENT...]: both ways use the same folder, so that the library is built once.
 sources_through() {
   run_project sources consumer_of_sources -DUSE_FETCHCONTENT="$1" -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG= \
+    -DVEL_PRECOMPILE_HEADERS=ON -DVEL_JOIN_SOURCES=ON \
     -DCMAKE_PROJECT_consumer_INCLUDE="$here/check_leaks.cmake" "${@:2}"
 }
 

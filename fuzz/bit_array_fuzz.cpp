@@ -3,9 +3,9 @@
 #include "fuzz/bytes.h"
 #include "vel_include/vel_util.h"
 
-namespace {
+namespace fuzz::bit_array {
 
-using fuzz::require;
+namespace {
 
 /// The contents of an array. Intentional: its number of bytes never changes.
 struct Model {
@@ -54,9 +54,7 @@ void requireEqual(const VelClBitArray& array, const Model& model) {
     require(array.test(index) == model.test(index));
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes input) {
+void run(Bytes input) {
   const std::size_t bits = input.byte();
   VelClBitArray array(bits);
   Model model(bits);
@@ -73,3 +71,9 @@ void fuzz::run(fuzz::Bytes input) {
           static_cast<char>(model.bytes[(model.bitCount - 1) / 8] | 1 << (model.bitCount - 1) % 8);
   }
 }
+
+const Target target("bit_array", run);
+
+}  // namespace
+
+}  // namespace fuzz::bit_array

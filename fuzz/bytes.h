@@ -76,7 +76,17 @@ class Bytes {
   std::string_view rest_;
 };
 
-/// Runs one input. Each target defines it.
-void run(Bytes input);
+/// A fuzz target. Each source *_fuzz.cpp defines one. With the fuzzer each is a program, which has no other
+/// target; the program that replays inputs has all of them.
+struct Target {
+  const char* name;
+  void (*run)(Bytes input);
+
+  Target(const char* itsName, void (*itsRun)(Bytes)) : name(itsName), run(itsRun) { all().push_back(this); }
+  static std::vector<const Target*>& all() {
+    static std::vector<const Target*> targets;
+    return targets;
+  }
+};
 
 }  // namespace fuzz

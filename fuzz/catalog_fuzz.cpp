@@ -6,9 +6,10 @@
 #include "messages/portable_executable.h"
 #include "vel_include/vel_messages.h"
 
+namespace fuzz::catalog {
+
 namespace {
 
-using fuzz::require;
 using vel::messages::MessageResource;
 using vel::messages::MessageTable;
 using vel::messages::PortableExecutable;
@@ -54,9 +55,7 @@ void readFile(const char* name, bool isLibrary) {
   }
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes input) {
+void run(Bytes input) {
   static InputFile file("DLL");
   const std::vector<std::uint8_t> bytes(input.rest().begin(), input.rest().end());
   readTable(MessageResource(bytes.data(), bytes.size()));
@@ -64,3 +63,9 @@ void fuzz::run(fuzz::Bytes input) {
   file.write(input.rest());
   readFile(file.name(), PortableExecutable(bytes.data(), bytes.size()).isValid());
 }
+
+const Target target("catalog", run);
+
+}  // namespace
+
+}  // namespace fuzz::catalog

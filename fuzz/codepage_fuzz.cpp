@@ -5,10 +5,10 @@
 #include "codepage/test/reference_utf8.h"
 #include "fuzz/conversion_run.h"
 
+namespace fuzz::codepage {
+
 namespace {
 
-using fuzz::Input;
-using fuzz::require;
 using vel::codepage::Cursor;
 using vel::codepage::Kernels;
 using From = VelClCodePage2UnicodeConverter;
@@ -111,12 +111,16 @@ void requireMoves(const Input& input) {
   }
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes bytes) {
+void run(Bytes bytes) {
   const Input input(bytes);
   requireUtf8(input);
   requireSingleBytes(input);
   requireMixedBytes(input);
   requireMoves(input);
 }
+
+const Target target("codepage", run);
+
+}  // namespace
+
+}  // namespace fuzz::codepage

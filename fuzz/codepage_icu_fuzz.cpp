@@ -3,6 +3,8 @@
 #include "fuzz/conversion_run.h"
 #include "vel_include/vel_error.h"
 
+namespace fuzz::codepage_icu {
+
 namespace {
 
 /// Returns nothing if the conversion throws.
@@ -11,7 +13,7 @@ std::optional<Outcome> tryConvert(const VelClConverterABase& converter, std::str
   try {
     return convert(converter, source, room);
   } catch (const VelClException& exception) {
-    fuzz::require(exception.getId() == ICU_UNEXPECTED_ICU_ERROR);
+    require(exception.getId() == ICU_UNEXPECTED_ICU_ERROR);
     return std::nullopt;
   }
 }
@@ -19,22 +21,20 @@ std::optional<Outcome> tryConvert(const VelClConverterABase& converter, std::str
 /// Expects a converter that was used with small targets and incomplete sources to give the result of a new
 /// one.
 template <typename Converter, typename... Pages>
-void requireNoMemory(const fuzz::Input& input, std::string_view last, Pages... pages) {
+void requireNoMemory(const Input& input, std::string_view last, Pages... pages) {
   const Converter used(ccsid(pages)...), unused(ccsid(pages)...);
   const std::size_t room = input.room(input.source.size() * 2);
   tryConvert(used, input.source, room / 2);
   tryConvert(used, input.source.substr(0, input.source.size() / 2), room);
   tryConvert(used, input.source, room);
-  fuzz::require(tryConvert(used, last, room) == tryConvert(unused, last, room));
+  require(tryConvert(used, last, room) == tryConvert(unused, last, room));
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes bytes) {
+void run(Bytes bytes) {
   // Single bytes, double bytes with and without shifts, four bytes, escapes, and pages without ICU.
   constexpr int kPages[] = {943,  1392, 933,  949, 950,  964, 33722, 1399, 1390,
                             1388, 813,  1140, 932, 1383, 930, 37,    1047, 5};
-  const fuzz::Input input(bytes);
+  const Input input(bytes);
   const int page = kPages[input.choice % std::size(kPages)];
   requireNoMemory<VelClCodePage2UnicodeConverter>(input, input.source, page);
   requireNoMemory<VelClCodePage2UTF8Converter>(input, input.source, page);
@@ -42,3 +42,9 @@ void fuzz::run(fuzz::Bytes bytes) {
   requireNoMemory<VelClUnicode2CodePageConverter>(input, std::string_view("A\0a\0 \0001\0", 8), page);
   requireNoMemory<VelClCodePage2CodePageConverter>(input, "Aa 1", 1208, page);
 }
+
+const Target target("codepage_icu", run);
+
+}  // namespace
+
+}  // namespace fuzz::codepage_icu

@@ -5,9 +5,10 @@
 #include "vel_include/vel_process.h"
 #include "vel_include/vel_quoting.h"
 
+namespace fuzz::command_line {
+
 namespace {
 
-using fuzz::require;
 using Texts = std::vector<std::string>;
 
 bool isBlank(char c) {
@@ -86,9 +87,7 @@ class Process : public VelClNewProcessABase {
   }
 };
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes input) {
+void run(Bytes input) {
   const Text line = input.text();
   require(argumentsOf(line) == split(line.view()));
   static const VelClExeFile program("no such program");
@@ -105,3 +104,9 @@ void fuzz::run(fuzz::Bytes input) {
   require(argumentsOf(process.line()) == expected);
   require(argumentsOf(quotedProcess.line()) == all);
 }
+
+const Target target("command_line", run);
+
+}  // namespace
+
+}  // namespace fuzz::command_line

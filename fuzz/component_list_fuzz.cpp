@@ -5,6 +5,8 @@
 #include "fuzz/bytes.h"
 #include "vel_include/vel_trace.h"
 
+namespace fuzz::component_list {
+
 namespace {
 
 using Components = std::bitset<0x10000>;
@@ -44,11 +46,11 @@ void applyList(Components& components, std::string_view list) {
   if (end != std::string_view::npos) applyList(components, list.substr(end + 1));
 }
 
-void step(fuzz::Bytes& input, VelClTraceFilter& filter, Components& components) {
+void step(Bytes& input, VelClTraceFilter& filter, Components& components) {
   const unsigned int option = input.byte();
   const bool isIn = (option & 4) != 0;
   if ((option & 3) == 0) {
-    const fuzz::Text list = input.text();
+    const Text list = input.text();
     filter.enableComponentIds(list);
     return applyList(components, list.view());
   }
@@ -67,9 +69,7 @@ void step(fuzz::Bytes& input, VelClTraceFilter& filter, Components& components) 
   }
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes input) {
+void run(Bytes input) {
   VelClTraceFilter filter;
   filter.disableAllComponentIds();
   static Components components;
@@ -77,6 +77,12 @@ void fuzz::run(fuzz::Bytes input) {
   while (!input.atEnd()) step(input, filter, components);
   components[0] = true;
   for (unsigned int id = 0; id < 600; ++id)
-    fuzz::require(filter.matchesCompId(static_cast<unsigned short>(id)) == components[id]);
-  fuzz::require({!filter.matchesCompId(65535), filter.usesCompIdFilter() == (components.count() < 256)});
+    require(filter.matchesCompId(static_cast<unsigned short>(id)) == components[id]);
+  require({!filter.matchesCompId(65535), filter.usesCompIdFilter() == (components.count() < 256)});
 }
+
+const Target target("component_list", run);
+
+}  // namespace
+
+}  // namespace fuzz::component_list

@@ -5,9 +5,10 @@
 #include "tools/veldump/dump_writer.h"
 #include "vel_include/vel_util.h"
 
+namespace fuzz::dump {
+
 namespace {
 
-using fuzz::require;
 using vel::veldump::DumpParser;
 using vel::veldump::OutputBuffer;
 
@@ -77,9 +78,7 @@ std::vector<std::uint8_t> repeated(const std::vector<std::uint8_t>& bytes) {
   return many;
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes input) {
+void run(Bytes input) {
   const std::uint64_t option = input.byte();
   std::vector<std::uint8_t> bytes(input.rest().begin(), input.rest().end());
   const std::string text(bytes.begin(), bytes.end());
@@ -91,3 +90,9 @@ void fuzz::run(fuzz::Bytes input) {
     requireRoundTrip<vel::util::HexForm>(bytes, option << (option % 8 * 7), velDumpHex);
   requireRoundTrip<vel::util::BinaryForm>(bytes, option << (option % 8 * 7), velDumpBin);
 }
+
+const Target target("dump", run);
+
+}  // namespace
+
+}  // namespace fuzz::dump

@@ -2,6 +2,6 @@
 #include "fuzz/bytes.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  fuzz::run(fuzz::Bytes(data, size));
+  fuzz::Target::all().front()->run(fuzz::Bytes(data, size));
   return 0;
 }

@@ -7,9 +7,10 @@
 #include "tools/velini/diff.h"
 #include "tools/velini/document.h"
 
+namespace fuzz::inifile_dialect {
+
 namespace {
 
-using fuzz::require;
 using namespace vel::velini;
 
 constexpr const char* kDialects[] = {"git", "systemd", "php", "python", "desktop"};
@@ -82,9 +83,7 @@ void checkDifferences(const Records& before, const Records& after, bool areEqual
   }
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes bytes) {
+void run(Bytes bytes) {
   const auto kind = static_cast<EditKind>(bytes.byte() % 7);
   const Dialect& dialect = *dialectOf(kDialects[bytes.byte() % std::size(kDialects)]);
   Edit edit{kind, "", "", ""};
@@ -106,3 +105,9 @@ void fuzz::run(fuzz::Bytes bytes) {
   const bool changesSections = kind == EditKind::DeleteSection || kind == EditKind::RenameSection;
   if (!changesSections) checkDifferences(before, after, valuesOf(before) == wanted);
 }
+
+const Target target("inifile_dialect", run);
+
+}  // namespace
+
+}  // namespace fuzz::inifile_dialect

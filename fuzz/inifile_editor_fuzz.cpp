@@ -5,11 +5,9 @@
 #include "fuzz/bytes.h"
 #include "fuzz/ini_model.h"
 
-namespace {
+namespace fuzz::inifile_editor {
 
-using fuzz::findOption;
-using fuzz::modelOf;
-using fuzz::require;
+namespace {
 
 struct Input {
   std::string section, option, value, text;
@@ -29,7 +27,7 @@ std::string difference(const std::string& text, const std::string& other) {
 
 /// Whether all lines and options are far below their maximum lengths.
 bool isSmall(const Input& input) {
-  return fuzz::longestLine(input.text) < 400 && input.value.size() < 100 && input.option.size() < 100;
+  return longestLine(input.text) < 400 && input.value.size() < 100 && input.option.size() < 100;
 }
 
 void setValue(VelClIniFileEditor& editor, const Input& input, bool allowContinuation) {
@@ -58,8 +56,8 @@ void setValue(VelClIniFileEditor& editor, const Input& input, bool allowContinua
 }
 
 /// Returns the options of `file` that `source` does not have.
-std::vector<fuzz::IniOption> optionsWithout(const VelClIniFile& file, const VelClIniFile& source) {
-  std::vector<fuzz::IniOption> options;
+std::vector<IniOption> optionsWithout(const VelClIniFile& file, const VelClIniFile& source) {
+  std::vector<IniOption> options;
   for (const auto& section : modelOf(file))
     for (const auto& option : section.options)
       if (findOption(source, section.name, option.name) == nullptr) options.push_back(option);
@@ -127,9 +125,7 @@ void changeSection(VelClIniFileEditor& editor, const Input& input, bool isAdded)
   require((isAdded ? difference(input.text, text) : difference(text, input.text)).empty());
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes bytes) {
+void run(Bytes bytes) {
   const unsigned int options = bytes.byte();
   Input input;
   for (std::string* part : {&input.section, &input.option, &input.value}) *part = bytes.text();
@@ -149,3 +145,9 @@ void fuzz::run(fuzz::Bytes bytes) {
       return changeSection(editor, input, (options & 8) != 0);
   }
 }
+
+const Target target("inifile_editor", run);
+
+}  // namespace
+
+}  // namespace fuzz::inifile_editor

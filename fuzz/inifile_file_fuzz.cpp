@@ -5,6 +5,8 @@
 #include "fuzz/ini_model.h"
 #include "fuzz/input_file.h"
 
+namespace fuzz::inifile_file {
+
 namespace {
 
 constexpr std::size_t kMaxFileSize = 300'000;
@@ -17,9 +19,7 @@ std::string withoutReturns(const std::string& text) {
   return lines;
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes bytes) {
+void run(Bytes bytes) {
   static InputFile input(".ini");
   const bool allowContinuation = (bytes.byte() & 1) != 0;
   const unsigned int repeats = 1 + 16U * bytes.byte();
@@ -35,3 +35,9 @@ void fuzz::run(fuzz::Bytes bytes) {
   require(editor.load(allowContinuation));
   require(std::string_view(editor.getText(), editor.getLength()) == text);
 }
+
+const Target target("inifile_file", run);
+
+}  // namespace
+
+}  // namespace fuzz::inifile_file

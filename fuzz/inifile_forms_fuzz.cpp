@@ -5,12 +5,13 @@
 #include "fuzz/ini_model.h"
 #include "tools/velini/forms.h"
 
+namespace fuzz::inifile_forms {
+
 namespace {
 
-using fuzz::require;
 using vel::velini::Form;
 using vel::velini::ShellNames;
-using Model = std::vector<fuzz::IniSection>;
+using Model = std::vector<IniSection>;
 
 /// Returns the sections and options that queries by name find: the first one of each name.
 Model firstOf(const VelClIniFile& file) {
@@ -189,9 +190,7 @@ void checkShell(const Model& model, const std::string& printed, const std::strin
   require(isRefused != refused.empty());
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes bytes) {
+void run(Bytes bytes) {
   constexpr const char* kPrefixes[] = {nullptr, "C_", "L_", "LD_"};
   const unsigned int options = bytes.byte();
   VelClIniFile file("unused");
@@ -205,3 +204,9 @@ void fuzz::run(fuzz::Bytes bytes) {
   const std::string script = list(file, Form::Shell, names);
   checkShell(first, script, listNames(file, Form::Shell), prefix, names.refused());
 }
+
+const Target target("inifile_forms", run);
+
+}  // namespace
+
+}  // namespace fuzz::inifile_forms

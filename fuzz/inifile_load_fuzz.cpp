@@ -5,10 +5,11 @@
 #include "fuzz/bytes.h"
 #include "fuzz/ini_model.h"
 
+namespace fuzz::inifile_load {
+
 namespace {
 
-using fuzz::require;
-using Model = std::vector<fuzz::IniSection>;
+using Model = std::vector<IniSection>;
 
 // ---- Queries
 
@@ -107,21 +108,19 @@ std::string saved(VelClIniFileSave& file) {
 void requireRoundTrip(VelClIniFileSave& file) {
   const std::string text = saved(file);
   // Escapes and separators can make a line longer than the one that it was read from.
-  if (fuzz::longestLine(text) > 1023) return;
+  if (longestLine(text) > 1023) return;
   for (const bool allowContinuation : {false, true}) {
     VelClIniFileSave read("unused");
     require(read.loadFromBuffer(text.data(), text.size(), '\n', true, allowContinuation));
-    Model model = savedPartOf(fuzz::modelOf(file));
-    const Model again = fuzz::modelOf(read);
+    Model model = savedPartOf(modelOf(file));
+    const Model again = modelOf(read);
     const bool isLost = excuseLost(model, again);
     require(model == again);
     if (!isLost) require(saved(read) == text);
   }
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes input) {
+void run(Bytes input) {
   const unsigned int options = input.byte();
   const auto delimiter = static_cast<char>(input.byte());
   const std::string_view bytes = input.rest();
@@ -138,3 +137,9 @@ void fuzz::run(fuzz::Bytes input) {
   // With another delimiter names can contain line breaks.
   if (delimiter == '\n') requireRoundTrip(file);
 }
+
+const Target target("inifile_load", run);
+
+}  // namespace
+
+}  // namespace fuzz::inifile_load

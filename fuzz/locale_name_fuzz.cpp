@@ -4,9 +4,10 @@
 #include "platform/posix/language_names.h"
 #include "vel_include/vel_messages.h"
 
+namespace fuzz::locale_name {
+
 namespace {
 
-using fuzz::require;
 using vel::platform::languageIdOfLocaleName;
 
 constexpr std::uint32_t kPrimaryLanguage = 0x3FF;
@@ -19,22 +20,22 @@ char otherCase(char c) {
 
 /// Expects case, separator, code set and modifier not to matter, and a territory to change only the upper
 /// part of the identifier.
-void readNumber(const fuzz::Text& name) {
+void readNumber(const Text& name) {
   const std::uint32_t number = languageIdOfLocaleName(name);
   require(number <= 0xFFFF);
   std::string other(name.view().substr(0, name.view().find_first_of(".@")));
   for (char& c : other) c = otherCase(c);
-  require(languageIdOfLocaleName(fuzz::Text(other)) == number);
+  require(languageIdOfLocaleName(Text(other)) == number);
   for (const char* more : {".UTF-8", "@euro", ".x@y"})
-    require(languageIdOfLocaleName(fuzz::Text(other + more)) == number);
+    require(languageIdOfLocaleName(Text(other + more)) == number);
   const std::string bare = other.substr(0, other.find_first_of("_-"));
-  const std::uint32_t main = languageIdOfLocaleName(fuzz::Text(bare));
+  const std::uint32_t main = languageIdOfLocaleName(Text(bare));
   require({(main == 0) == (number == 0), (main & kPrimaryLanguage) == (number & kPrimaryLanguage)});
 }
 
 /// Expects a tag to be used if it has less than 16 characters and a language of two or three; otherwise US
 /// English.
-void readUser(const fuzz::Text& name) {
+void readUser(const Text& name) {
   setenv("LC_ALL", name, 1);
   const unsigned int user = VelClLanguage::getUserLanguage().asNumber();
   const std::string tag(name.view().substr(0, name.view().find_first_of(".@")));
@@ -45,12 +46,12 @@ void readUser(const fuzz::Text& name) {
 
 /// Expects fallbacks to be shorter and shorter beginnings of the name, without code set and modifier, and all
 /// or nothing of one to be written.
-void readFallbacks(const fuzz::Text& name) {
+void readFallbacks(const Text& name) {
   std::string before(name.view());
   while (!before.empty()) {
     const std::size_t size = velLocaleGetFallback(before.c_str(), nullptr, 0);
     require(size < before.size());
-    fuzz::Text out(std::string(size, '#'));
+    Text out(std::string(size, '#'));
     require({velLocaleGetFallback(before.c_str(), out.data(), size) == size, size == 0 || *out.data() == 0});
     velLocaleGetFallback(before.c_str(), out.data(), size + 1);
     require({before.starts_with(out.data()), out.view().find_first_of(".@") == std::string_view::npos});
@@ -58,9 +59,7 @@ void readFallbacks(const fuzz::Text& name) {
   }
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes input) {
+void run(Bytes input) {
   // Only LC_ALL is used.
   static const bool kOthersAreGone = unsetenv("LC_MESSAGES") == 0 && unsetenv("LANG") == 0;
   require(kOthersAreGone);
@@ -69,3 +68,9 @@ void fuzz::run(fuzz::Bytes input) {
   readUser(name);
   readFallbacks(name);
 }
+
+const Target target("locale_name", run);
+
+}  // namespace
+
+}  // namespace fuzz::locale_name

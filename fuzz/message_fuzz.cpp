@@ -4,9 +4,10 @@
 #include "messages/insert_formatter.h"
 #include "vel_include/vel_messages.h"
 
+namespace fuzz::message {
+
 namespace {
 
-using fuzz::require;
 using Variables = std::vector<const char*>;
 
 bool isDigit(char c) {
@@ -89,7 +90,7 @@ bool resourceText(const std::string& text, const Variables& variables, std::stri
   return true;
 }
 
-void requireMessage(const fuzz::Text& text, const Variables& variables) {
+void requireMessage(const Text& text, const Variables& variables) {
   const char* const table[] = {"", text};
   const VelClMessageCatalog catalog(table, 2);
   const std::string expected = tableText(text.data(), variables).substr(0, VEL_MAX_MESSAGE_LENGTH);
@@ -102,9 +103,7 @@ void requireMessage(const fuzz::Text& text, const Variables& variables) {
   require(copy.getAsCString() == expected);
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes input) {
+void run(Bytes input) {
   const std::size_t room = input.byte() * std::size_t{3};
   std::vector<Text> values;
   while (values.size() < 10) values.push_back(input.text());
@@ -124,3 +123,9 @@ void fuzz::run(fuzz::Bytes input) {
            out.get() == (isComplete ? whole : "")});
   requireMessage(text, variables);
 }
+
+const Target target("message", run);
+
+}  // namespace
+
+}  // namespace fuzz::message

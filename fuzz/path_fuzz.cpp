@@ -3,9 +3,9 @@
 #include "fuzz/bytes.h"
 #include "vel_include/vel_filesys.h"
 
-namespace {
+namespace fuzz::path {
 
-using fuzz::require;
+namespace {
 
 constexpr std::size_t kLimit = VEL_MAX_PATH_LENGTH;
 
@@ -155,9 +155,7 @@ void requireExpanded(const std::string& text, const std::string& current) {
   require({VelClFileABase::expandRelativePath(path.get()) == !expected.empty(), expected == path.get()});
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes input) {
+void run(Bytes input) {
   static char current[kLimit + 1] = ".\\";
   static const bool isKnown = VelClFileABase::expandRelativePath(current);
   require(isKnown);
@@ -175,3 +173,9 @@ void fuzz::run(fuzz::Bytes input) {
     requireExpanded(cut(text.data()), current);
   }
 }
+
+const Target target("path", run);
+
+}  // namespace
+
+}  // namespace fuzz::path

@@ -6,9 +6,9 @@
 #include "platform/test/streams.h"
 #include "vel_include/vel_consoleui.h"
 
-namespace {
+namespace fuzz::prompt {
 
-using fuzz::require;
+namespace {
 
 constexpr std::size_t kMaxAnswerLength = 80;
 
@@ -108,10 +108,8 @@ const VelClConsoleUI& userInterface() {
   return ui;
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes input) {
-  const fuzz::Text options = input.text(), question = input.text(), otherwise = input.text();
+void run(Bytes input) {
+  const Text options = input.text(), question = input.text(), otherwise = input.text();
   const vel::test::Streams streams{std::string(input.rest())};
   Typed typed(input.rest());
   const VelClConsoleUI& ui = userInterface();
@@ -119,3 +117,9 @@ void fuzz::run(fuzz::Bytes input) {
   for (const char option : options.view().substr(0, 100))
     ask(ui, static_cast<unsigned char>(option), question, otherwise, typed);
 }
+
+const Target target("prompt", run);
+
+}  // namespace
+
+}  // namespace fuzz::prompt

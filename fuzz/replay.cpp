@@ -1,6 +1,6 @@
 // Runs a fuzz target without the fuzzer, always on the same inputs: the files of a folder, prefixes of them,
-// copies with one byte changed, and mixtures of their pieces. The arguments are the folder and the amount of
-// work in thousands of bytes, which does not depend on how busy the machine is.
+// copies with one byte changed, and mixtures of their pieces. The arguments are the name of the target, the
+// folder, and the amount of work in thousands of bytes, which does not depend on how busy the machine is.
 #include <csignal>
 #include <cstdio>
 #include <random>
@@ -11,6 +11,7 @@
 
 namespace {
 
+const fuzz::Target* target = nullptr;
 std::vector<std::uint8_t> input;
 
 extern "C" void showInput(int) {
@@ -27,7 +28,7 @@ constexpr std::int64_t costOf(std::size_t size) {
 std::int64_t run(const std::string& bytes) {
   input.assign(bytes.begin(), bytes.end());
   input.shrink_to_fit();
-  fuzz::run(fuzz::Bytes(input.data(), input.size()));
+  target->run(fuzz::Bytes(input.data(), input.size()));
   return costOf(bytes.size());
 }
 
@@ -74,11 +75,16 @@ std::string mixture(const std::vector<std::string>& seeds, std::mt19937& random)
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 3) return 1;
-  const std::int64_t work = std::stoll(argv[2]) * 1000;
+  if (argc < 4) return 1;
+  const auto& targets = fuzz::Target::all();
+  const auto found =
+      std::ranges::find(targets, std::string_view(argv[1]), [](const auto* each) { return each->name; });
+  if (found == targets.end()) return 1;
+  target = *found;
+  const std::int64_t work = std::stoll(argv[3]) * 1000;
   std::signal(SIGABRT, showInput);
   std::vector<std::string> seeds;
-  for (const auto& entry : std::filesystem::directory_iterator(argv[1]))
+  for (const auto& entry : std::filesystem::directory_iterator(argv[2]))
     seeds.push_back(vel::test::readFile(entry.path().string()));
   // The order in which a directory lists its files varies from one file system to another.
   std::ranges::sort(seeds);

@@ -4,9 +4,9 @@
 #include "vel_include/vel_helpers.h"
 #include "vel_include/vel_util.h"
 
-namespace {
+namespace fuzz::search {
 
-using fuzz::require;
+namespace {
 
 bool equal(char a, char b, bool ignoreCase) {
   const auto folded = [](char c) { return std::toupper(static_cast<unsigned char>(c)); };
@@ -37,9 +37,7 @@ void requireFound(const char* pattern, std::string_view text, bool ignoreCase) {
   require(search.getPattern(text.data(), static_cast<unsigned int>(text.size())) == expected);
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes input) {
+void run(Bytes input) {
   const bool option = (input.byte() & 1) != 0;
   const Text pattern = input.text();
   // With an explicit length the text can contain NUL.
@@ -54,3 +52,9 @@ void fuzz::run(fuzz::Bytes input) {
   require(velMatchesWildcardPattern(pattern, text, option) == isMatch);
   require(VelClStringMatchWildcards(pattern, option).getPattern(text) == (isMatch ? text.data() : nullptr));
 }
+
+const Target target("search", run);
+
+}  // namespace
+
+}  // namespace fuzz::search

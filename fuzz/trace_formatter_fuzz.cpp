@@ -5,6 +5,8 @@
 #include "vel_include/vel_error.h"
 #include "vel_include/vel_trace.h"
 
+namespace fuzz::trace_formatter {
+
 namespace {
 
 void choose(VelClTraceFormatter& formatter, unsigned int options) {
@@ -21,17 +23,15 @@ void formatOrFail(VelClTraceFormatter& formatter, std::size_t inputSize) {
   try {
     formatter.format(stream);
   } catch (const VelClException& exception) {
-    fuzz::require(exception.getId() == TRACEFORMAT_UNEXPECTED_EOF ||
-                  exception.getId() == TRACEFORMAT_FILE_CORRUPTED);
+    require(exception.getId() == TRACEFORMAT_UNEXPECTED_EOF ||
+            exception.getId() == TRACEFORMAT_FILE_CORRUPTED);
   }
   // An entry has 20 bytes at least, and a byte of the format costs a line's indentation at most.
-  fuzz::require(formatter.getNumOfEntries() <= inputSize / 20);
-  fuzz::require(stream.str().size() <= (inputSize + 1) * (inputSize + 1) * 4096);
+  require(formatter.getNumOfEntries() <= inputSize / 20);
+  require(stream.str().size() <= (inputSize + 1) * (inputSize + 1) * 4096);
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes input) {
+void run(Bytes input) {
   static InputFile file("TRC");
   static VelClTraceEnvironment environment("fuzz", nullptr, true);
   const std::size_t inputSize = input.rest().size();
@@ -45,3 +45,9 @@ void fuzz::run(fuzz::Bytes input) {
   choose(formatter, options);
   formatOrFail(formatter, inputSize);
 }
+
+const Target target("trace_formatter", run);
+
+}  // namespace
+
+}  // namespace fuzz::trace_formatter

@@ -7,10 +7,10 @@
 #include "fuzz/bytes.h"
 #include "vel_include/vel_consoleui.h"
 
+namespace fuzz::usage {
+
 namespace {
 
-using fuzz::require;
-using fuzz::Text;
 using vel::TextKind;
 
 bool isKnown(const Text& usage, const char* argument) {
@@ -84,9 +84,7 @@ void judgeRewritten(int count, const char* const* argv, const Text& usage) {
   }
 }
 
-}  // namespace
-
-void fuzz::run(fuzz::Bytes input) {
+void run(Bytes input) {
   const unsigned int options = input.byte();
   const Text usage = input.text();
   const std::vector<Text> words = input.texts();
@@ -102,3 +100,9 @@ void fuzz::run(fuzz::Bytes input) {
   require({params.getIndentation() <= 25,
            params.getIndentation() == std::string_view(params.getProcessName()).size()});
 }
+
+const Target target("usage", run);
+
+}  // namespace
+
+}  // namespace fuzz::usage

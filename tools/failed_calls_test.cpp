@@ -10,14 +10,23 @@ namespace {
 namespace fs = std::filesystem;
 using Row = std::vector<std::string>;
 
+/// The names and contents of the files that the programs read.
+std::map<std::string, std::string> makeFiles() {
+  const vel::test::ScratchDirectory directory;
+  const char* const settings = "[A]\no0=old value ; comment\n";
+  directory.write("a.ini", settings);
+  return {{"a.ini", settings},
+          {"b.ini", "[B]\nx=1\n"},
+          {"dump", vel::test::runChild("veldump", {directory.path("a.ini")}).output},
+          {"catalog.DLL", vel::test::readFile("small_catalog.DLL")},
+          {"tour.trc", vel::test::readFile(VEL_TEST_DATA "../trace/test/tour.trc")}};
+}
+
 class Directory : public vel::test::ScratchDirectory {
  public:
   Directory() {
-    write("a.ini", "[A]\no0=old value ; comment\n");
-    write("b.ini", "[B]\nx=1\n");
-    write("dump", vel::test::runChild("veldump", {path("a.ini")}).output);
-    write("catalog.DLL", vel::test::readFile("small_catalog.DLL"));
-    write("tour.trc", vel::test::readFile(VEL_TEST_DATA "../trace/test/tour.trc"));
+    static const auto files = makeFiles();
+    for (const auto& [name, contents] : files) write(name, contents);
   }
   std::ptrdiff_t entries() const { return std::distance(fs::directory_iterator(path()), {}); }
 };

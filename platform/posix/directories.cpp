@@ -19,14 +19,13 @@
 #include "platform/files.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/permissions.h"
 #include "platform/posix/target.h"
 #include "platform/system_error.h"
 
 namespace vel::platform {
 
 namespace {
-
-constexpr mode_t kWriteBits = 0222;
 
 /// A path without final separators: with one, the system would follow a link in the last component even for
 /// lstat and O_NOFOLLOW.
@@ -70,7 +69,7 @@ void setName(DirectoryEntry& entry, const char* name) noexcept {
 
 std::uint32_t attributesFrom(const struct stat& status, const char* name) noexcept {
   std::uint32_t attributes = 0;
-  if ((status.st_mode & kWriteBits) == 0) attributes |= kAttributeReadOnly;
+  if (isReadOnly(status)) attributes |= kAttributeReadOnly;
   if (name[0] == '.' && !isDotName(name)) attributes |= kAttributeHidden;
   if (S_ISDIR(status.st_mode)) attributes |= kAttributeDirectory;
   return attributes;

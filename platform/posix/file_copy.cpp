@@ -14,6 +14,7 @@
 #include "platform/posix/beside.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/permissions.h"
 #include "platform/posix/target.h"
 #include "platform/replacing.h"
 
@@ -22,7 +23,6 @@ namespace vel::platform {
 namespace {
 
 constexpr mode_t kPermissionBits = 0777;
-constexpr mode_t kWriteBits = 0222;
 /// How often somebody else may replace or create the target first, before this gives up.
 constexpr int kMaxAttempts = 16;
 
@@ -64,7 +64,7 @@ SystemError checkExisting(const Replacement& target, const struct stat& source) 
   if (S_ISLNK(status.st_mode)) return checkLink(target, source);
   if (const SystemError error = statusOfRegularFile(target.heldTarget, status); error != 0) return error;
   const bool isSource = identityOf(status) == identityOf(source);
-  return isSource || (status.st_mode & kWriteBits) == 0 ? EACCES : 0;
+  return isSource || isReadOnly(status) ? EACCES : 0;
 }
 
 SystemError copyContents(int source, int target) noexcept {

@@ -15,14 +15,13 @@
 #include "platform/linux/open_path.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/permissions.h"
 #include "platform/posix/rename.h"
 #include "platform/system_error.h"
 
 namespace vel::platform {
 
 namespace {
-
-constexpr mode_t kWriteBits = 0222;
 
 bool readStatus(const NativePath& path, struct stat& status) noexcept {
   return path.fits() && stat(path.get(), &status) == 0;
@@ -75,7 +74,7 @@ bool isWritable(const char* name) noexcept {
   const NativePath path(name);
   struct stat status;
   // access() ignores the permission bits for root, so they are checked separately.
-  return readStatus(path, status) && (status.st_mode & kWriteBits) != 0 && access(path.get(), W_OK) == 0;
+  return readStatus(path, status) && !isReadOnly(status) && access(path.get(), W_OK) == 0;
 }
 
 std::uint32_t attributesOf(const char* name) noexcept {
@@ -83,7 +82,7 @@ std::uint32_t attributesOf(const char* name) noexcept {
   struct stat status;
   if (!readStatus(path, status)) return kAttributesUnreadable;
   std::uint32_t attributes = 0;
-  if ((status.st_mode & kWriteBits) == 0) attributes |= kAttributeReadOnly;
+  if (isReadOnly(status)) attributes |= kAttributeReadOnly;
   if (isHiddenName(path.get())) attributes |= kAttributeHidden;
   if (S_ISDIR(status.st_mode)) attributes |= kAttributeDirectory;
   return attributes;

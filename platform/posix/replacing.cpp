@@ -13,6 +13,7 @@
 
 #include "platform/posix/beside.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/permissions.h"
 #include "platform/posix/target.h"
 #include "platform/replacing.h"
 
@@ -21,8 +22,6 @@ namespace vel::platform {
 namespace {
 
 constexpr mode_t kPermissionBits = 07777;
-constexpr mode_t kWriteBits = 0222;
-
 /// Writes to a device or pipe directly, because replacing it would put a regular file in its place.
 /// O_NONBLOCK, which kept the open from waiting, is removed: writes may wait.
 SystemError writeInPlace(Replacement& replacement) noexcept {
@@ -39,7 +38,7 @@ SystemError startFound(Replacement& replacement) noexcept {
   replacement.old = identityOf(status);
   if (!S_ISREG(status.st_mode)) return writeInPlace(replacement);
   // Access checks do not stop root, so look at the bits: a read-only file must not be replaced by mistake.
-  if ((status.st_mode & kWriteBits) == 0) return EACCES;
+  if (isReadOnly(status)) return EACCES;
   return createBeside(S_IRUSR | S_IWUSR, BesideName::None, replacement);
 }
 
