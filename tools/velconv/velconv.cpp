@@ -223,8 +223,9 @@ void Tool::reportFault(const Conversion::VelStFault& fault) const {
     const auto digits = vel::hexPair(fault.bytes[i]);
     what += {digits[0], digits[1], ' '};
   }
-  // Characters have four digits at least, and six beyond U+FFFF.
-  for (int shift = fault.character > 0xFFFF ? 20 : 12; fault.character != 0 && shift >= 0; shift -= 4)
+  // Characters have four digits at least.
+  const int digits = fault.character > 0xFFFFF ? 6 : fault.character > 0xFFFF ? 5 : 4;
+  for (int shift = 4 * (digits - 1); fault.character != 0 && shift >= 0; shift -= 4)
     what += vel::kUpperHexDigits[fault.character >> shift & 0xF];
   if (fault.character != 0) what = "U+" + what;
   if (what.ends_with(' ')) what.pop_back();
