@@ -74,8 +74,8 @@ bool holdsFirstEntry(const char* name) {
   return count == kHeadSize && needed <= size;
 }
 
-/// Whether the format shows the data of an entry once. Otherwise the formatter cannot find the next entry, and
-/// reports that the file is corrupted.
+/// Whether the format shows the data of an entry once. Otherwise the formatter cannot find the next entry,
+/// and reports that the file is corrupted.
 bool showsDataOnce(const char* format) {
   int count = 0;
   while (*(format += std::strcspn(format, "%\\")) != '\0' && format[1] != '\0') {
