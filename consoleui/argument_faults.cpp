@@ -2,6 +2,7 @@
 // whether a value is where none belongs. The check itself is console_ui.cpp's work.
 #include "consoleui/argument_faults.h"
 
+#include <algorithm>
 #include <cstring>
 #include <iostream>
 
@@ -11,9 +12,14 @@
 namespace vel::consoleui {
 namespace {
 
-const ArgumentOrigin* originOf(const VelClConsoleUI& ui, const char* argument) {
+const ArgumentOrigin* originOf(const VelClConsoleUI& ui, const PositionCursor& argument) {
   const Conventions* const conventions = settingsOf(ui).conventions();
-  return conventions != nullptr ? conventions->line().originOf(argument) : nullptr;
+  return conventions != nullptr ? &conventions->line().originAt(argument.getIndex()) : nullptr;
+}
+
+bool hasAttachedValue(const VelClConsoleUI& ui, const PositionCursor& argument) {
+  const Conventions* const conventions = settingsOf(ui).conventions();
+  return conventions != nullptr && conventions->line().hasAttachedValue(argument.getIndex());
 }
 
 SwitchNames shownSwitches(const VelClConsoleUI& ui) {
@@ -35,80 +41,123 @@ const char* dashesOf(std::string_view name, const VelStConventions& choices, con
   return isLong || std::string_view(typed).starts_with("--") ? "--" : "-";
 }
 
+/// The names of the built-in switches that take part in suggestions and abbreviations.
+class BuiltInNames {
+ public:
+  BuiltInNames(const VelStConventions& choices, const Words& words)
+      : choices_(choices), quiet_(words[Word::Quiet]), copyright_(words[Word::Copyright]) {}
+
+  /// Appends those that are not there yet, with two dashes in all cases or only where they are spelled so.
+  void appendTo(SwitchNames& names, bool hasTwoDashes) const {
+    const auto append = [&](std::string_view name) {
+      if (std::ranges::find(names, name) == names.end()) names.push_back(name);
+    };
+    if (hasTwoDashes) append("help");
+    if (hasTwoDashes && choices_.version != nullptr) append("version");
+    if (choices_.colors) append("color");
+    append(quiet_.getAsCString());
+    append(copyright_.getAsCString());
+  }
+
+ private:
+  const VelStConventions& choices_;
+  VelClMessage quiet_, copyright_;
+};
+
 /// Returns "did you mean -a, -b?", or "" if no name resembles the argument.
 String suggestionFor(const VelClConsoleUI& ui, const Words& words, const char* typed) {
   const VelStConventions& choices = settingsOf(ui).conventions()->choices();
-  const VelClMessage quiet = words[Word::Quiet], copyright = words[Word::Copyright];
+  const BuiltInNames builtIn(choices, words);
   SwitchNames names = shownSwitches(ui);
-  for (const std::string_view name :
-       {std::string_view("help"), std::string_view("version"), std::string_view("color"),
-        std::string_view(quiet.getAsCString()), std::string_view(copyright.getAsCString())}) {
-    const bool isOff =
-        (name == "version" && choices.version == nullptr) || (name == "color" && !choices.colors);
-    if (!isOff) names.push_back(name);
-  }
+  builtIn.appendTo(names, true);
   String text;
   for (const std::string_view name : similarNames(names, nameIn(typed)))
     text.append(text.empty() ? " " : ", ").append(dashesOf(name, choices, typed)).append(name);
   return text.empty() ? text : choices.didYouMean + text + "?";
 }
 
-/// Whether the name is one of the switches that every user interface has.
-bool isBuiltIn(std::string_view name, const Words& words) {
-  const VelClMessage letters = words[Word::HelpLetters], quiet = words[Word::Quiet];
-  const bool isHelp = name.size() == 1 && std::strchr(letters.getAsCString(), name[0]) != nullptr;
-  return isHelp || name == quiet.getAsCString();
-}
-
 }  // namespace
 
-bool isAttachedValue(const VelClConsoleUI& ui, const char* argument) {
+bool isNamed(const VelClArgvCursor& argument, const char* name) {
+  return argument.isSwitch() && std::strcmp(argument.getAsCString() + 1, name) == 0;
+}
+
+bool hasSwitch(const VelClConsoleUI& ui, const char* name) {
+  PositionCursor argument(ui);
+  for (bool more = argument.setToFirst(); more; more = argument.setToNext())
+    if (isNamed(argument, name) && !hasAttachedValue(ui, argument)) return true;
+  return false;
+}
+
+bool isAttachedValue(const VelClConsoleUI& ui, const PositionCursor& argument) {
   const ArgumentOrigin* const origin = originOf(ui, argument);
   return origin != nullptr && origin->isAttached;
 }
 
-bool isData(const VelClConsoleUI& ui, const char* argument) {
+bool isData(const VelClConsoleUI& ui, const PositionCursor& argument) {
   const ArgumentOrigin* const origin = originOf(ui, argument);
   return origin != nullptr && origin->isData;
 }
 
-bool hasUnwantedValue(const VelClConsoleUI& ui, const VelClArgvCheckCursor& argument) {
-  const Conventions* const conventions = settingsOf(ui).conventions();
-  return conventions != nullptr && conventions->line().hasAttachedValue(argument.getAsCString()) &&
-         !argument.reqArg();
+bool hasUnwantedValue(const VelClConsoleUI& ui, const PositionCursor& argument) {
+  return hasAttachedValue(ui, argument) && !argument.reqArg();
 }
 
-bool isLastSwitch(const VelClConsoleUI& ui, const char* argument) {
-  const Conventions* const conventions = settingsOf(ui).conventions();
-  return conventions != nullptr && conventions->line().lastBeforeEnd() == argument;
+bool isBuiltInWithValue(const VelClConsoleUI& ui, const Words& words, const PositionCursor& argument) {
+  if (!hasAttachedValue(ui, argument)) return false;
+  const VelClMessage letters = words[Word::HelpLetters];
+  const std::string_view name(argument.getAsCString() + 1);
+  if (name.size() == 1 && std::string_view(letters.getAsCString()).find(name[0]) != std::string_view::npos)
+    return true;
+  return name == "-help" || name == "-version" || isNamed(argument, words[Word::Quiet].getAsCString()) ||
+         isNamed(argument, words[Word::Copyright].getAsCString());
 }
 
-void reportArgument(const VelClConsoleUI& ui, const Words& words, Word fault, const char* argument) {
+bool isCutOff(const VelClConsoleUI& ui, const PositionCursor& argument) {
+  const ArgumentOrigin* const origin = originOf(ui, argument);
+  return origin != nullptr && origin->isCutOff;
+}
+
+void reportArgument(const VelClConsoleUI& ui, const Words& words, Word fault,
+                    const PositionCursor& argument) {
   const VelClMessage message = words[fault];
-  const Conventions* const conventions = settingsOf(ui).conventions();
-  if (conventions == nullptr) {
-    ui.error(std::cerr, message.getAsCString(), argument);
+  const ArgumentOrigin* const origin = originOf(ui, argument);
+  if (origin == nullptr) {
+    ui.error(std::cerr, message.getAsCString(), argument.getAsCString());
     return;
   }
-  const ArgumentOrigin* const origin = conventions->line().originOf(argument);
-  const char* const typed = origin != nullptr ? origin->typed : argument;
   String suggestion;
-  if (fault == Word::UnknownArgument && conventions->choices().didYouMean != nullptr)
-    suggestion = suggestionFor(ui, words, typed);
-  ui.error(std::cerr, message.getAsCString(), typed, suggestion.empty() ? nullptr : suggestion.c_str());
+  if (fault == Word::UnknownArgument && settingsOf(ui).conventions()->choices().didYouMean != nullptr)
+    suggestion = suggestionFor(ui, words, origin->typed);
+  ui.error(std::cerr, message.getAsCString(), origin->typed,
+           suggestion.empty() ? nullptr : suggestion.c_str());
 }
 
-void completeNames(VelClConsoleUI& ui, const Words& words) {
-  const SwitchNames names = shownSwitches(ui);
-  VelClArgvCheckCursor argument(ui);
-  int index = 1;
-  for (bool more = argument.setToFirst(); more; more = argument.setToNext(), ++index) {
-    if (!argument.isSwitch() || argument.isLegal()) continue;
+void completeNames(const VelClConsoleUI& ui, const Words& words) {
+  Conventions& conventions = *settingsOf(ui).conventions();
+  const BuiltInNames builtIn(conventions.choices(), words);
+  const VelClMessage letters = words[Word::HelpLetters];
+  Abbreviations abbreviations{switchNamesOf(ui.getUsage(), true), shownSwitches(ui), shownSwitches(ui)};
+  for (const char* letter = letters.getAsCString(); *letter != '\0'; ++letter)
+    abbreviations.whole.emplace_back(letter, 1);
+  builtIn.appendTo(abbreviations.oneDash, false);
+  builtIn.appendTo(abbreviations.twoDashes, true);
+  conventions.complete(abbreviations);
+}
+
+bool mayAbbreviateBuiltIn(const VelClConsoleUI& ui, const Words& words) {
+  const Conventions& conventions = *settingsOf(ui).conventions();
+  SwitchNames names;
+  const BuiltInNames builtIn(conventions.choices(), words);
+  builtIn.appendTo(names, true);
+  PositionCursor argument(ui);
+  for (bool more = argument.setToFirst(); more; more = argument.setToNext()) {
+    if (!argument.isSwitch()) continue;
     const std::string_view typed(argument.getAsCString() + 1);
-    if (isBuiltIn(typed, words)) continue;
-    const std::string_view name = completedName(names, typed);
-    if (!name.empty()) settingsOf(ui).conventions()->line().rename(index, name);
+    for (const std::string_view name : names)
+      if (typed.size() < name.size() && name.starts_with(typed)) return true;
   }
+  return false;
 }
 
 }  // namespace vel::consoleui

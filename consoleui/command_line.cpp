@@ -1,5 +1,5 @@
 // Values are never copied: they point into the vector that the program got, so that they live as long as the
-// process. Only names that a "=" follows, and names that replace others, are copies.
+// process. Only names that a "=" follows, and names that replace their beginnings, are copies.
 #include "consoleui/command_line.h"
 
 #include <cstring>
@@ -29,24 +29,26 @@ const char* endOfName(const char* name) {
 
 }  // namespace
 
-CommandLine::CommandLine(int argc, const char* const* argv, const BuiltInSwitches& builtIn)
-    : builtIn_(builtIn) {
+CommandLine::CommandLine(int argc, const char* const* argv, const BuiltInSwitches& builtIn,
+                         const Abbreviations* abbreviations)
+    : builtIn_(builtIn), abbreviations_(abbreviations) {
   bool switchesEnded = false;
   for (int i = 0; argv != nullptr && i < argc && argv[i] != nullptr; ++i) {
     const char* const argument = argv[i];
     if (i == 0 || switchesEnded || isText(argument, "-")) {
-      add(argument, {argument, true, false});
+      add(argument, {argument, true, false, false});
     } else if (isText(argument, "--")) {
       switchesEnded = true;
-      lastBeforeEnd_ = arguments_.back();
+      origins_.back().isCutOff = true;
     } else if (!VelClUsageCursor::isSwitchIndicator(argument)) {
-      add(argument, {argument, false, false});
-    } else if (!consumeBuiltIn(argument)) {
+      add(argument, {argument, false, false, false});
+    } else {
       bool usesFollowing = false;
       addSwitch(argument, i + 1 < argc ? argv[i + 1] : nullptr, usesFollowing);
       if (usesFollowing) ++i;
     }
   }
+  abbreviations_ = nullptr;
   Vector<bool> isData;
   for (const ArgumentOrigin& origin : origins_) isData.push_back(origin.isData);
   arguments_.push_back(nullptr);
@@ -58,60 +60,44 @@ void CommandLine::add(const char* text, const ArgumentOrigin& origin) {
   origins_.push_back(origin);
 }
 
-/// Only the spelling with two dashes is built in, so that a program may have a switch -version of its own.
-bool CommandLine::consumeBuiltIn(const char* typed) {
-  if (typed[1] != '-') return false;
-  const std::string_view name(typed + 2);
-  if (name.empty()) return false;
-  const bool isHelp = name == builtIn_.help;
-  const bool isVersion = name == builtIn_.version;
-  if (!isHelp && !isVersion) return false;
-  (isHelp ? hasHelp_ : hasVersion_) = true;
-  add(typed, {typed, false, false});
-  return true;
+/// Whether the switch is answered if it has two dashes. With one dash it is the program's own.
+bool CommandLine::isAnswered(std::string_view name) const {
+  return !name.empty() && (name == builtIn_.help || name == builtIn_.version);
 }
 
 void CommandLine::addSwitch(const char* typed, const char* following, bool& usesFollowing) {
   const char* const text = withOneDash(typed);
   const char* const equals = endOfName(text + 1);
   const char* const end = equals != nullptr ? equals : text + std::strlen(text);
-  const std::string_view name(text + 1, static_cast<std::size_t>(end - text - 1));
+  const std::string_view beginning(text + 1, static_cast<std::size_t>(end - text - 1));
+  const bool hasTwoDashes = text != typed;
+  const bool isWhole = abbreviations_ == nullptr || beginning.empty() ||
+                       (hasTwoDashes && isAnswered(beginning)) || beginning == builtIn_.color;
+  const std::string_view name = isWhole ? beginning : abbreviations_->meaningOf(beginning, hasTwoDashes);
   if (!name.empty() && name == builtIn_.color) {
     usesFollowing =
         equals == nullptr && following != nullptr && !VelClUsageCursor::isSwitchIndicator(following);
     color_ = equals != nullptr ? equals + 1 : usesFollowing ? following : nullptr;
+    origins_.back().isCutOff = true;
     return;
   }
-  add(equals != nullptr ? switchNamed(name) : text, {typed, false, false});
-  if (equals != nullptr) add(equals + 1, {typed, true, true});
+  const bool isAnswer = hasTwoDashes && isAnswered(name);
+  if (isAnswer && equals == nullptr) (name == builtIn_.help ? hasHelp_ : hasVersion_) = true;
+  const char* given = text;
+  if (isAnswer || equals != nullptr || name != beginning) given = switchNamed(name, isAnswer);
+  add(given, {typed, false, false, false});
+  if (equals != nullptr) add(equals + 1, {typed, true, true, false});
 }
 
-/// Returns a copy with a "-", which lives as long as this object.
-const char* CommandLine::switchNamed(std::string_view name) {
-  OwnedText text(static_cast<char*>(VelClMemoryManager::malloc(name.size() + 2)));
-  text[0] = '-';
-  std::memcpy(text.get() + 1, name.data(), name.size());
-  text[name.size() + 1] = '\0';
+/// Returns a copy with its dashes, which lives as long as this object.
+const char* CommandLine::switchNamed(std::string_view name, bool hasTwoDashes) {
+  const std::string_view dashes = hasTwoDashes ? "--" : "-";
+  OwnedText text(static_cast<char*>(VelClMemoryManager::malloc(dashes.size() + name.size() + 1)));
+  std::memcpy(text.get(), dashes.data(), dashes.size());
+  std::memcpy(text.get() + dashes.size(), name.data(), name.size());
+  text[dashes.size() + name.size()] = '\0';
   names_.push_back(std::move(text));
   return names_.back().get();
-}
-
-void CommandLine::rename(int index, std::string_view name) {
-  const char*& argument = arguments_[static_cast<std::size_t>(index)];
-  const bool isLastBeforeEnd = argument == lastBeforeEnd_;
-  argument = switchNamed(name);
-  if (isLastBeforeEnd) lastBeforeEnd_ = argument;
-}
-
-const ArgumentOrigin* CommandLine::originOf(const char* argument) const {
-  for (std::size_t i = 0; i < origins_.size(); ++i)
-    if (arguments_[i] == argument) return &origins_[i];
-  return nullptr;
-}
-
-bool CommandLine::hasAttachedValue(const char* argument) const {
-  const ArgumentOrigin* const origin = originOf(argument);
-  return origin != nullptr && origin != &origins_.back() && !origin->isAttached && (origin + 1)->isAttached;
 }
 
 }  // namespace vel::consoleui

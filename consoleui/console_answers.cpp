@@ -23,9 +23,9 @@ std::string_view calledName(const VelClConsoleUI& ui) {
   return name;
 }
 
-/// An answer that nobody gets is a failure, as when the disk is full.
+/// An answer that nobody gets is a failure, as when the disk is full, but not one of the command line.
 [[noreturn]] void end(const VelClConsoleUI& ui) {
-  ui.processExit(std::cout.flush() ? 0 : kExitUsage);
+  ui.processExit(std::cout.flush() ? 0 : kExitNotWritten);
 }
 
 void writeIndented(const char* heading, std::string_view text) {
@@ -54,8 +54,9 @@ void answerHelp(const VelClConsoleUI& ui, const Words& words, bool hasSourceOfMe
   const Conventions& conventions = *settings.conventions();
   std::cout << settings.style(std::cout, VelEnTextStyle::HEADING) << calledName(ui)
             << settings.style(std::cout, VelEnTextStyle::PLAIN);
-  if (!conventions.title().empty()) std::cout << " - " << conventions.title();
-  if (!conventions.description().empty()) std::cout << "   " << conventions.description();
+  const InitTexts texts = conventions.texts();
+  if (*textOrEmpty(texts.title) != '\0') std::cout << " - " << texts.title;
+  if (*textOrEmpty(texts.description) != '\0') std::cout << "   " << texts.description;
   std::cout << '\n';
   writeUsage(std::cout, settings, words, hasSourceOfMessages);
   std::cout << '\n';
@@ -71,8 +72,8 @@ void answerDescription(const VelClConsoleUI& ui) {
   const ConsoleSettings& settings = settingsOf(ui);
   const Conventions& conventions = *settings.conventions();
   writeField("Name", calledName(ui));
-  writeField("Title", conventions.title());
-  writeField("Description", conventions.description());
+  writeField("Title", textOrEmpty(conventions.texts().title));
+  writeField("Description", textOrEmpty(conventions.texts().description));
   writeField("Version", textOrEmpty(conventions.choices().version));
   writeField("Conventions", conventions.choices().colors ? "yes colors" : "yes");
   writeIndented("Usage", settings.getUsage());

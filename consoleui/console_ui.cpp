@@ -15,25 +15,13 @@
 #include "vel_include/vel_helpers.h"
 
 using vel::consoleui::ConsoleSettings;
+using vel::consoleui::Conventions;
 using vel::consoleui::settingsOf;
 using vel::consoleui::Word;
 
 namespace {
 
 constexpr const char* kCopyrightNotice = "qamc5032, operating-system services library";
-
-/// Whether the current argument is "-" and `text`. VelClArgvCursor::matches will not do: it strips a "-" from
-/// the name of a switch, but the texts of built-in switches keep one of their own.
-bool isBuiltInSwitch(const VelClArgvCursor& argument, const char* text) {
-  return argument.isSwitch() && std::strcmp(argument.getAsCString() + 1, text) == 0;
-}
-
-bool hasBuiltInSwitch(const VelClConsoleUI& ui, const char* text) {
-  VelClArgvCursor argument(ui);
-  for (bool more = argument.setToFirst(); more; more = argument.setToNext())
-    if (isBuiltInSwitch(argument, text)) return true;
-  return false;
-}
 
 /// Holds a message and gives its text, or null for message 0, by which tools leave out a title or help.
 class OptionalMessage {
@@ -90,13 +78,16 @@ bool VelClConsoleUI::attachBuiltInTable() {
 
 void VelClConsoleUI::init(const char* title, const char* description, const char* toolLevel,
                           const char* toolDate) {
+  if (Conventions* const conventions = settingsOf(*this).conventions())
+    conventions->setTexts({title, description, toolLevel, toolDate});
   if (!attachBuiltInTable()) {
     showTitle(title, description);
     return;
   }
-  if (hasBuiltInSwitch(*this, words()[Word::Quiet].getAsCString())) params_->setQuietMode(true);
+  if (vel::consoleui::hasSwitch(*this, words()[Word::Quiet].getAsCString())) params_->setQuietMode(true);
   showTitle(title, description);
-  if (hasBuiltInSwitch(*this, words()[Word::Copyright].getAsCString())) displayCopyright(toolLevel, toolDate);
+  if (vel::consoleui::hasSwitch(*this, words()[Word::Copyright].getAsCString()))
+    displayCopyright(toolLevel, toolDate);
 }
 
 void VelClConsoleUI::init(unsigned long titleId, unsigned long descriptionId, const char* toolLevel,
@@ -127,7 +118,7 @@ void VelClConsoleUI::handleHelpSwitches() const {
   const VelClMessage letters = words()[Word::HelpLetters];
   for (const char* letter = letters.getAsCString(); *letter != '\0'; ++letter) {
     const char name[] = {*letter, '\0'};
-    if (!hasBuiltInSwitch(*this, name)) continue;
+    if (!vel::consoleui::hasSwitch(*this, name)) continue;
     displayUsage(false);
     displayHelp(true);
   }
@@ -136,28 +127,30 @@ void VelClConsoleUI::handleHelpSwitches() const {
 /// Checks every argument before the process ends, so that the user sees all mistakes in one run.
 void VelClConsoleUI::checkCommandLine() const {
   bool legal = true;
-  VelClArgvCheckCursor argument(*this);
+  vel::consoleui::PositionCursor argument(*this);
   for (bool more = argument.setToFirst(); more; more = argument.setToNext())
     if (!checkArgument(argument)) legal = false;
   if (!legal) exitWithUsage();
 }
 
-bool VelClConsoleUI::checkArgument(const VelClArgvCheckCursor& argument) const {
+bool VelClConsoleUI::checkArgument(const VelClArgvCheckCursor& checked) const {
+  using namespace vel::consoleui;
+  const auto& argument = static_cast<const PositionCursor&>(checked);
   const auto faulty = [&](Word fault) {
-    vel::consoleui::reportArgument(*this, words(), fault, argument.getAsCString());
+    reportArgument(*this, words(), fault, argument);
     return false;
   };
   bool legal = true;
-  if (vel::consoleui::isAttachedValue(*this, argument.getAsCString())) return legal;
+  if (isAttachedValue(*this, argument)) return legal;
   // Intentional: -quiet is exempt from this check only, so repeating it is an error. The other built-in
   // switches never get here, because they end the process before.
-  if (!argument.isLegal() && !isBuiltInSwitch(argument, words()[Word::Quiet].getAsCString()))
+  if (!argument.isLegal() && !isNamed(argument, words()[Word::Quiet].getAsCString()) &&
+      !isBuiltInWithValue(*this, words(), argument))
     legal = faulty(Word::UnknownArgument);
-  if (params_->mustDisableTaggedLines() && !vel::consoleui::isData(*this, argument.getAsCString()) &&
-      argument.isTagged())
+  if (params_->mustDisableTaggedLines() && !isData(*this, argument) && argument.isTagged())
     legal = faulty(Word::ArgumentNotAllowed);
   if (!argument.isSwitch()) return legal;
-  if (legal && vel::consoleui::hasUnwantedValue(*this, argument)) legal = faulty(Word::ArgumentNotAllowed);
+  if (legal && hasUnwantedValue(*this, argument)) legal = faulty(Word::ArgumentNotAllowed);
   // Only later arguments are compared, so each repetition is reported once per pair.
   VelClArgvCheckCursor later(argument);
   while (later.setToNext())
@@ -198,7 +191,8 @@ void VelClConsoleUI::displayCopyright(const char* toolLevel, const char* toolDat
 void VelClConsoleUI::processExit(int exitCode) const {
   const ConsoleSettings& settings = settingsOf(*this);
   std::ostream& bell = settings.messageStream();
-  if (exitCode != 0 && (settings.conventions() == nullptr || vel::consoleui::isTerminal(bell))) bell << '\a';
+  if (exitCode != 0 && (settings.conventions() == nullptr || settings.conventions()->isTerminal(bell)))
+    bell << '\a';
   bell.flush();
   getOutputStream().flush();
   std::exit(exitCode);

@@ -39,19 +39,33 @@ bool mustDescribe() {
 /// Without conventions the title is shown in quiet mode, too.
 void VelClConsoleUI::showTitle(const char* title, const char* description) {
   if (Conventions* const conventions = settingsOf(*this).conventions()) {
-    conventions->setTitle(title, description);
     if (conventions->line().hasVersion()) vel::consoleui::answerVersion(*this);
     if (conventions->line().hasHelp() || mustDescribe() || mustBeQuiet()) return;
+    if (conventions->choices().abbreviations && vel::consoleui::mayAbbreviateBuiltIn(*this, words())) {
+      conventions->postponeTitle();
+      return;
+    }
   }
   displayTitle(title, description);
 }
 
 void VelClConsoleUI::answerQuestions() {
-  const Conventions* const conventions = settingsOf(*this).conventions();
+  Conventions* const conventions = settingsOf(*this).conventions();
   if (conventions == nullptr) return;
   if (mustDescribe()) vel::consoleui::answerDescription(*this);
+  if (conventions->choices().abbreviations) {
+    vel::consoleui::completeNames(*this, words());
+    argc_ = conventions->line().count();
+    argv_ = conventions->line().arguments();
+    if (conventions->line().hasVersion()) vel::consoleui::answerVersion(*this);
+  }
   if (conventions->line().hasHelp()) vel::consoleui::answerHelp(*this, words(), hasSourceOfMessages());
-  if (conventions->choices().abbreviations) vel::consoleui::completeNames(*this, words());
+  if (!conventions->consumePostponedTitle()) return;
+  if (vel::consoleui::hasSwitch(*this, words()[Word::Quiet].getAsCString())) params_->setQuietMode(true);
+  const vel::consoleui::InitTexts texts = conventions->texts();
+  if (!mustBeQuiet()) displayTitle(texts.title, texts.description);
+  if (vel::consoleui::hasSwitch(*this, words()[Word::Copyright].getAsCString()))
+    displayCopyright(texts.level, texts.date);
 }
 
 void VelClConsoleUI::checkColorSwitch() const {

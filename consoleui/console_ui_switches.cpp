@@ -59,10 +59,10 @@ bool VelClConsoleUI::hasArgSwitch(VelClSwitchName name) const {
 
 bool VelClConsoleUI::hasArgString(VelClSwitchName name, const char*& value) const {
   const SwitchText text(name, getMessageCatalog());
-  VelClArgvCursor argument(*this);
+  vel::consoleui::PositionCursor argument(*this);
   if (!argument.positionTo(text.get())) return false;
-  const bool isLast = vel::consoleui::isLastSwitch(*this, argument.getAsCString());
-  if (isLast || !argument.setToNext() || argument.isSwitch())
+  const bool isCutOff = vel::consoleui::isCutOff(*this, argument);
+  if (isCutOff || !argument.setToNext() || argument.isSwitch())
     fatalArgument(vel::consoleui::kExitMissingValue, static_cast<uint32_t>(Word::NoValue), text.get());
   value = argument.getAsCString();
   return true;
@@ -89,23 +89,23 @@ int32_t VelClConsoleUI::wholeNumber(const char* switchName, const char* digits, 
 template <typename Number>
 bool VelClConsoleUI::readNumber(VelClSwitchName name, Number& value) const {
   const SwitchText text(name, getMessageCatalog());
-  VelClArgvCursor argument(*this);
+  vel::consoleui::PositionCursor argument(*this);
   if (!argument.positionTo(text.get())) return false;
   const bool isStrict = vel::consoleui::settingsOf(*this).conventions() != nullptr;
   // Intentional: without conventions the next argument is the value even if it looks like a switch, unlike
   // with texts.
-  const bool isLast = vel::consoleui::isLastSwitch(*this, argument.getAsCString());
-  if (isLast || !argument.setToNext() || (isStrict && argument.isSwitch()))
+  const bool isCutOff = vel::consoleui::isCutOff(*this, argument);
+  if (isCutOff || !argument.setToNext() || (isStrict && argument.isSwitch()))
     fatalArgument(vel::consoleui::kExitMissingValue, static_cast<uint32_t>(Word::NoNumericValue), text.get());
   const char* digits = argument.getAsCString();
-  // Intentional: one apostrophe before the number is skipped.
-  if (*digits == '\'') ++digits;
   if (isStrict) {
     // The limits of a long are those of 32 bits on every system.
     using Limits = std::numeric_limits<std::conditional_t<sizeof(Number) == 2, Number, int32_t>>;
     value = static_cast<Number>(wholeNumber(text.get(), digits, Limits::min(), Limits::max()));
     return true;
   }
+  // Intentional: one apostrophe before the number is skipped.
+  if (*digits == '\'') ++digits;
   if (!vel::isAsciiDigit(*digits) && *digits != '-')
     fatalArgument(vel::consoleui::kExitNonNumericValue, static_cast<uint32_t>(Word::NonNumericValue),
                   text.get());

@@ -48,6 +48,18 @@ TEST(Conventions, HoldForOneUserInterface) {
   EXPECT_STREQ(before[1], "-a") << "a vector lives as long as its user interface";
 }
 
+// Programs collect their output in a text, also before they make a user interface.
+TEST(Conventions, ColourNoCollectedText) {
+  const std::array<const char*, 3> arguments = {"tool", "-color", "always"};
+  VelClConsoleUI ui(3, arguments.data());
+  const std::ostringstream collected;
+  std::streambuf* const own = std::cout.rdbuf(collected.rdbuf());
+  ui.useConventions();
+  EXPECT_STREQ(ui.style(std::cout, VelEnTextStyle::GOOD), "");
+  std::cout.rdbuf(own);
+  EXPECT_STRNE(ui.style(std::cerr, VelEnTextStyle::GOOD), "");
+}
+
 // Standard input is redirected. platform/posix/console_test.cpp tests prompts on a terminal.
 TEST(Prompts, FollowTheSession) {
   vel::test::expectSession(VEL_TEST_DATA "test/prompts.session");

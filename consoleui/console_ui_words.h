@@ -57,6 +57,8 @@ enum class Word : std::uint32_t {
   Line = 46
 };
 
+/// For answers that cannot be written.
+inline constexpr int kExitNotWritten = 1;
 inline constexpr int kExitUsage = CONUI_USAGE;
 inline constexpr int kExitMissingSwitch = CONUI_ARG_MISSING;
 inline constexpr int kExitMissingValue = CONUI_ARG_EXPECTING_VALUE;

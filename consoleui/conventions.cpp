@@ -1,10 +1,11 @@
 // Decides where colours are on, once, when the conventions are switched on. What is not standard output or
-// standard error never gets any: it may be a file that the program writes.
+// standard error never gets any: it may be a file that the program writes, or a text that it collects.
 #include "consoleui/conventions.h"
 
 #include <algorithm>
 #include <cstring>
 #include <iostream>
+#include <sstream>
 
 #include "base/short_text.h"
 #include "platform/descriptors.h"
@@ -47,10 +48,12 @@ bool hasColors(ColorMode mode, int descriptor) {
   return platform::enableTerminalSequences(descriptor) || mode == ColorMode::Always;
 }
 
-/// Returns the descriptor of a standard stream, or -1.
-int descriptorOf(const std::ostream& stream) {
-  if (&stream == &std::cout) return platform::kStandardOutput;
-  return &stream == &std::cerr || &stream == &std::clog ? platform::kStandardError : -1;
+std::optional<String> copyOf(const char* text) {
+  return text != nullptr ? std::optional<String>(text) : std::nullopt;
+}
+
+const char* textOf(const std::optional<String>& text) {
+  return text.has_value() ? text->c_str() : nullptr;
 }
 
 }  // namespace
@@ -59,15 +62,32 @@ Conventions::Conventions(const VelStConventions& choices, int argc, const char* 
     : choices_(knownChoices(choices)),
       argc_(argc),
       argv_(argv),
-      line_(argc, argv, builtInSwitches(choices_)) {
+      standards_{Standard{&std::cout, platform::kStandardOutput, std::cout.rdbuf()},
+                 {&std::cerr, platform::kStandardError, std::cerr.rdbuf()},
+                 {&std::clog, platform::kStandardError, std::clog.rdbuf()}} {
+  add(nullptr);
+}
+
+void Conventions::complete(const Abbreviations& abbreviations) {
+  add(&abbreviations);
+}
+
+void Conventions::add(const Abbreviations* abbreviations) {
+  lines_.emplace_back(create<CommandLine>(argc_, argv_, builtInSwitches(choices_), abbreviations));
   if (choices_.colors) chooseColors();
+}
+
+void Conventions::keep(OwnedObject<Conventions> replaced) {
+  if (replaced) standards_ = replaced->standards_;
+  replaced_ = std::move(replaced);
 }
 
 /// Intentional: a faulty switch counts as auto. The message about it is coloured like any other.
 void Conventions::chooseColors() {
   ColorMode mode = ColorMode::Auto;
-  if (line_.color().has_value()) {
-    const char* const value = *line_.color();
+  colorFault_ = ColorFault::None;
+  if (line().color().has_value()) {
+    const char* const value = *line().color();
     const auto* const found = std::ranges::find_if(kColorModes, [value](const auto& row) {
       return value != nullptr && std::strcmp(row.name, value) == 0;
     });
@@ -80,9 +100,23 @@ void Conventions::chooseColors() {
   errorsHaveColors_ = hasColors(mode, platform::kStandardError);
 }
 
-void Conventions::setTitle(const char* title, const char* description) {
-  title_ = textOrEmpty(title);
-  description_ = textOrEmpty(description);
+void Conventions::setTexts(const InitTexts& texts) {
+  title_ = copyOf(texts.title);
+  description_ = copyOf(texts.description);
+  level_ = copyOf(texts.level);
+  date_ = copyOf(texts.date);
+}
+
+InitTexts Conventions::texts() const {
+  return {textOf(title_), textOf(description_), textOf(level_), textOf(date_)};
+}
+
+/// Returns the descriptor of a standard stream, or -1 if the stream is none, or the program has redirected
+/// it: then its text goes where control sequences may not be expected.
+int Conventions::descriptorOf(const std::ostream& stream) const {
+  const auto standard = std::ranges::find(standards_, &stream, &Standard::stream);
+  if (standard == standards_.end() || stream.rdbuf() != standard->buffer) return -1;
+  return dynamic_cast<const std::stringbuf*>(standard->buffer) == nullptr ? standard->descriptor : -1;
 }
 
 const char* Conventions::style(const std::ostream& stream, VelEnTextStyle style) const {
@@ -94,7 +128,7 @@ const char* Conventions::style(const std::ostream& stream, VelEnTextStyle style)
   return on && index < std::size(kSequences) ? kSequences[index] : "";
 }
 
-bool isTerminal(const std::ostream& stream) {
+bool Conventions::isTerminal(const std::ostream& stream) const {
   const int descriptor = descriptorOf(stream);
   return descriptor != -1 && platform::isTerminal(descriptor);
 }

@@ -54,6 +54,12 @@ std::string_view completedName(const SwitchNames& names, std::string_view beginn
   return found;
 }
 
+std::string_view Abbreviations::meaningOf(std::string_view typed, bool hasTwoDashes) const {
+  if (std::ranges::find(whole, typed) != whole.end()) return typed;
+  const std::string_view found = completedName(hasTwoDashes ? twoDashes : oneDash, typed);
+  return found.empty() ? typed : found;
+}
+
 SwitchNames similarNames(const SwitchNames& names, std::string_view name) {
   const std::size_t limit = std::max<std::size_t>(1, std::min(name.size(), kMaxComparedLength) / 3);
   Vector<Candidate> candidates;

@@ -19,6 +19,16 @@ SwitchNames switchNamesOf(const char* usage, bool withTagged);
 /// whole name means itself.
 std::string_view completedName(const SwitchNames& names, std::string_view beginning);
 
+/// What the beginnings of names can mean.
+struct Abbreviations {
+  SwitchNames whole;  ///< these are never the beginning of another
+  SwitchNames oneDash,
+      twoDashes;  ///< the names that switches with so many dashes can have, each of them once
+
+  /// Returns the name that a switch means, or `typed` itself if there is none or more than one.
+  std::string_view meaningOf(std::string_view typed, bool hasTwoDashes) const;
+};
+
 /// Returns up to three names that resemble `name`, the most similar ones first. A name resembles another that
 /// begins with it, from two characters on, or that differs from it in at most a third of its characters, and
 /// at least one.

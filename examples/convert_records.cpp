@@ -5,7 +5,6 @@
 //   example_convert_records -length 80 -ccsid 37 -back accounts.txt accounts.dat
 #include <vel.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <fstream>
 #include <string>
@@ -15,8 +14,7 @@ namespace {
 enum ExitCode : int { kConverted = 0, kFaults = 1, kCannotRead = 2, kCannotWrite = 3 };
 
 /// Collects what a conversion writes.
-class Text : public VelClConversionSink {
- public:
+struct Text : public VelClConversionSink {
   void write(const char* bytes, size_t size) override { text.append(bytes, size); }
   std::string text;
 };
@@ -37,9 +35,8 @@ class RecordConverter {
       return result.text;
     // The conversion ends at the first fault of the record.
     const VelClStrictConversion::VelStFault& fault = conversion_.getFirstFault();
-    report(fault.kind == VelClStrictConversion::VelEnFault::NOT_REPRESENTABLE ? "is not in the code page"
-                                                                              : "is not valid",
-           fault.offset);
+    const bool isUnmappable = fault.kind == VelClStrictConversion::VelEnFault::NOT_REPRESENTABLE;
+    report(isUnmappable ? "is not in the code page" : "is not valid", fault.offset);
     return "";
   }
   void report(const char* what, std::uint64_t offset) {
@@ -56,23 +53,16 @@ class RecordConverter {
   bool hasFaults_ = false;
 };
 
-/// In these code pages every character is one byte of the record.
-std::uint64_t charactersIn(const std::string& utf8, std::size_t size) {
-  return static_cast<std::uint64_t>(
-      std::count_if(utf8.begin(), utf8.begin() + static_cast<std::ptrdiff_t>(size),
-                    [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
-}
-
 /// Blanks at the end of a record are padding and left out.
 void toLines(std::istream& in, std::ostream& out, std::size_t length, RecordConverter& converter) {
   std::string record(length, '\0');
   while (in.read(record.data(), static_cast<std::streamsize>(length))) {
     std::string line = converter.convert(record);
     line.resize(line.find_last_not_of(' ') + 1);
-    // Such a record would become two lines, or lose its last byte on the way back.
-    if (const std::size_t end = line.find_first_of("\r\n"); end != std::string::npos)
-      converter.report("is a line end", charactersIn(line, end));
     out << line << '\n';
+    // The bytes of LF and CR: the record would become two lines, or lose its last byte on the way back.
+    if (const std::size_t end = record.find_first_of("\x25\x0D"); end != std::string::npos)
+      converter.report("is a line end", end);
   }
   if (in.gcount() == 0) return;
   record.resize(static_cast<std::size_t>(in.gcount()));
@@ -106,16 +96,13 @@ int main(int argc, char** argv) {
   ui.reqArgNumval("ccsid", ccsid);
   if (length < 1 || length > 32760) ui.fatal(CONUI_USAGE, "A record has 1 to 32760 bytes");
   if (ccsid != 37 && ccsid != 1047) ui.fatal(CONUI_USAGE, "The code page must be 37 or 1047");
-
   VelClArgvFreeCursor name(ui);
   if (!name.setToFirst()) ui.fatalMissingArg("<source>");
   const std::string source = name.getAsCString();
   if (!name.setToNext()) ui.fatalMissingArg("<target>");
   VelClFile target(name.getAsCString(), nullptr);
-  if (name.setToNext())
-    ui.fatal(CONUI_USAGE, "There is more than a source and a target", name.getAsCString());
+  if (name.setToNext()) ui.fatal(CONUI_USAGE, "Only two files are possible", name.getAsCString());
   if (target.isExistent()) ui.fatal(kCannotWrite, "Refusing to overwrite", target.getAsCString());
-
   std::ifstream in(source, std::ios::binary);
   if (!in) ui.fatal(kCannotRead, "Cannot open", source.c_str());
   std::ofstream out(target.getAsCString(), std::ios::binary);
@@ -124,11 +111,10 @@ int main(int argc, char** argv) {
   RecordConverter converter(ui, isBack ? text : records, isBack ? records : text);
   (isBack ? toRecords : toLines)(in, out, static_cast<std::size_t>(length), converter);
 
-  const bool isWritten = static_cast<bool>(out.flush());
   out.close();
-  const bool isComplete = isWritten && !in.bad() && !converter.hasFaults();
+  const bool isComplete = out && !in.bad() && !converter.hasFaults();
   if (!isComplete) target.remove();
-  if (!isWritten) ui.fatal(kCannotWrite, "Cannot write", target.getAsCString());
+  if (!out) ui.fatal(kCannotWrite, "Cannot write", target.getAsCString());
   if (in.bad()) ui.fatal(kCannotRead, "Cannot read", source.c_str());
   return isComplete ? kConverted : kFaults;
 }

@@ -14,7 +14,6 @@ namespace {
 
 /// The components of the trace. 0 would pass every filter.
 enum Component : unsigned short { kService = 1, kParser = 2, kStore = 3 };
-
 enum ExitCode : int { kServed = 0, kBadRequests = 1, kNoTrace = 2 };
 
 void traceText(Component component, const char* origin, const char* message, const std::string& text) {
@@ -25,17 +24,14 @@ void traceText(Component component, const char* origin, const char* message, con
 class Store {
  public:
   void put(const std::string& key, long value) {
-    const char* const here = "put";
-    const VelClTraceFunction function(VelEnTraceDetail::LOW, kStore, here);
+    const VelClTraceFunction function(VelEnTraceDetail::LOW, kStore, __func__);
     values_[key] = value;
-    // Only TRACE_DETAIL=MED or HIGH shows it.
-    velTraceValue(VelEnTraceDetail::MEDIUM, kStore, here, "keys in the store", values_.size());
+    velTraceValue(VelEnTraceDetail::MEDIUM, kStore, __func__, "keys in the store", values_.size());
   }
   const long* get(const std::string& key) const {
-    const char* const here = "get";
-    const VelClTraceFunction function(VelEnTraceDetail::LOW, kStore, here);
+    const VelClTraceFunction function(VelEnTraceDetail::LOW, kStore, __func__);
     const auto found = values_.find(key);
-    velTraceValue(VelEnTraceDetail::LOW, kStore, here, "found", found != values_.end());
+    velTraceValue(VelEnTraceDetail::LOW, kStore, __func__, "found", found != values_.end());
     return found == values_.end() ? nullptr : &found->second;
   }
 
@@ -50,25 +46,23 @@ struct Request {
 
 /// Parses "put KEY NUMBER" and "get KEY".
 bool parse(const std::string& line, Request& request) {
-  const char* const here = "parse";
-  const VelClTraceFunction function(VelEnTraceDetail::LOW, kParser, here);
+  const VelClTraceFunction function(VelEnTraceDetail::LOW, kParser, __func__);
   std::istringstream words(line);
   std::string rest;
   words >> request.verb >> request.key;
   if (request.verb == "put") words >> request.value;
   if (words && !(words >> rest) && (request.verb == "put" || request.verb == "get")) return true;
-  traceText(kParser, here, "refused", line);
+  traceText(kParser, __func__, "refused", line);
   return false;
 }
 
 /// Serves requests until the input ends. Returns how many were refused.
 unsigned int serve(std::istream& in, std::ostream& out) {
-  const char* const here = "serve";
-  const VelClTraceFunction function(VelEnTraceDetail::LOW, kService, here);
+  const VelClTraceFunction function(VelEnTraceDetail::LOW, kService, __func__);
   Store store;
   unsigned int refused = 0;
   for (std::string line; std::getline(in, line);) {
-    traceText(kService, here, "request", line);
+    traceText(kService, __func__, "request", line);
     Request request;
     if (!parse(line, request)) {
       ++refused;
@@ -82,12 +76,12 @@ unsigned int serve(std::istream& in, std::ostream& out) {
       out << "none\n";
     }
   }
-  velTraceValue(VelEnTraceDetail::LOW, kService, here, "requests refused", refused);
+  velTraceValue(VelEnTraceDetail::LOW, kService, __func__, "requests refused", refused);
   return refused;
 }
 
 /// Formats the trace of an earlier run.
-void show(const VelClConsoleUI& ui) {
+ExitCode show(const VelClConsoleUI& ui) {
   const VelClTraceEnvironment environment("service", nullptr, true);
   VelClTraceFilter filter;
   filter.setDetail(VelEnTraceDetail::HIGH);
@@ -99,6 +93,7 @@ void show(const VelClConsoleUI& ui) {
   formatter.setDisplayIndentation("  ");
   try {
     formatter.format(std::cout);
+    return kServed;
   } catch (const VelClException& exception) {
     // What precedes the damage has been shown.
     std::cout.flush();
@@ -116,10 +111,7 @@ int main(int argc, char** argv) {
   ui.handleUsageHelp("[-show [(-components <list>)]]",
                      "-show               show the trace of an earlier run\n"
                      "-components <list>  only these: 1 is the service, 2 the parser, 3 the store");
-  if (ui.hasArgSwitch("show")) {
-    show(ui);
-    return kServed;
-  }
+  if (ui.hasArgSwitch("show")) return show(ui);
   velTraceCreateInstance("service", nullptr);
   const unsigned int refused = serve(std::cin, std::cout);
   // Saves what is left in the ring. The end of the process would do so as well.

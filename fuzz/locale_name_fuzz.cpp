@@ -44,8 +44,8 @@ void readUser(const Text& name) {
   require(user == VelClLanguage(counts ? tag.c_str() : "en-US").asNumber());
 }
 
-/// Expects fallbacks to be shorter and shorter beginnings of the name, without code set and modifier, and all
-/// or nothing of one to be written.
+/// Expects fallbacks to be shorter and shorter beginnings of the name, without code set and modifier except
+/// for that of a script, and all or nothing of one to be written.
 void readFallbacks(const Text& name) {
   std::string before(name.view());
   while (!before.empty()) {
@@ -54,8 +54,11 @@ void readFallbacks(const Text& name) {
     Text out(std::string(size, '#'));
     require({velLocaleGetFallback(before.c_str(), out.data(), size) == size, size == 0 || *out.data() == 0});
     velLocaleGetFallback(before.c_str(), out.data(), size + 1);
-    require({before.starts_with(out.data()), out.view().find_first_of(".@") == std::string_view::npos});
-    before = out.data();
+    const std::string fallback(out.data());
+    const std::size_t tag = std::min(fallback.find('@'), fallback.size());
+    require({before.starts_with(fallback.substr(0, tag)), before.ends_with(fallback.substr(tag)),
+             fallback.find('.') == std::string::npos});
+    before = fallback;
   }
 }
 

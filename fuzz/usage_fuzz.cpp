@@ -69,11 +69,12 @@ void show(const Text& text, TextKind kind, std::size_t indentation) {
 /// Rewritten arguments are checked like any others.
 void judgeRewritten(int count, const char* const* argv, const Text& usage) {
   using namespace vel::consoleui;
-  const CommandLine line(count, argv, {"help", "version", "color"});
+  const SwitchNames names = switchNamesOf(usage, true);
+  const Abbreviations abbreviations{names, names, {"help", "version", "color"}};
+  const CommandLine line(count, argv, {"help", "version", "color"}, &abbreviations);
   require({line.count() <= 2 * count, line.arguments()[line.count()] == nullptr});
   requireVisited({line.count(), line.arguments(), usage},
                  judge({line.count(), line.arguments(), usage}, usage));
-  const SwitchNames names = switchNamesOf(usage, true);
   for (int i = 0; i < line.count(); ++i) {
     const std::string_view name(line.arguments()[i]);
     require(similarNames(names, name).size() <= 3);

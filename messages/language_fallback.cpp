@@ -8,6 +8,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "base/ascii.h"
 #include "base/short_text.h"
 #include "vel_include/vel_messages.h"
 
@@ -66,15 +67,56 @@ std::uint32_t fallbackOf(std::uint32_t language) noexcept {
   return language != main ? main : 0;
 }
 
-/// Returns what is left of a locale's name without its last subtag; "" if nothing is.
+/// Languages with a script that is not their usual one, or with a territory where they are written in such a
+/// script, as CLDR lists them: parent locales that are the root, and likely subtags. In lower case.
+constexpr std::string_view kUnusualScripts[] = {
+    "az-arab",  "az-cyrl",  "az-iq",   "az-ir",   "az-ru",   "bal-latn", "bm-nkoo",  "bs-cyrl", "byn-latn",
+    "dje-arab", "en-dsrt",  "en-shaw", "ff-adlm", "ff-arab", "ha-arab",  "ha-cm",    "ha-sd",   "iu-latn",
+    "kk-af",    "kk-arab",  "kk-cn",   "kk-ir",   "kk-mn",   "ks-deva",  "ku-arab",  "ku-lb",   "ky-arab",
+    "ky-cn",    "ky-latn",  "ky-tr",   "ml-arab", "mn-cn",   "mn-mong",  "mni-mtei", "ms-arab", "pa-arab",
+    "pa-pk",    "sat-deva", "sd-deva", "sd-in",   "sd-khoj", "sd-sind",  "shi-latn", "so-arab", "sr-latn",
+    "sr-me",    "sr-ro",    "sr-ru",   "sr-tr",   "sw-arab", "tg-arab",  "tg-pk",    "ug-cyrl", "ug-kz",
+    "ug-mn",    "unr-deva", "uz-af",   "uz-arab", "uz-cn",   "uz-cyrl",  "vai-latn", "wo-arab", "yo-arab",
+    "yue-cn",   "yue-hans", "zh-au",   "zh-bn",   "zh-gb",   "zh-gf",    "zh-hant",  "zh-hk",   "zh-id",
+    "zh-mo",    "zh-pa",    "zh-pf",   "zh-ph",   "zh-sr",   "zh-th",    "zh-tw",    "zh-us",   "zh-vn"};
+static_assert(std::ranges::is_sorted(kUnusualScripts));
+constexpr std::size_t kLongestUnusual = 8;
+
+/// The modifiers of POSIX that name a script. They are only used for scripts that are not the usual ones.
+constexpr std::string_view kScriptModifiers[] = {"@arabic", "@cyrillic", "@devanagari", "@iqtelif", "@latin"};
+
+bool hasUnusualScript(std::string_view name) noexcept {
+  if (name.size() > kLongestUnusual) return false;
+  char lower[kLongestUnusual];
+  for (std::size_t i = 0; i < name.size(); ++i) lower[i] = name[i] == '_' ? '-' : vel::toAsciiLower(name[i]);
+  return std::ranges::binary_search(kUnusualScripts, std::string_view(lower, name.size()));
+}
+
+/// Returns what is left of a locale's name, without code set and modifier, without its last subtag; "" if
+/// nothing is.
 std::string_view withoutLastSubtag(std::string_view name) noexcept {
-  name = name.substr(0, name.find_first_of(".@"));
   const std::size_t separator = name.find_last_of("-_");
   if (separator == std::string_view::npos) return {};
   name = name.substr(0, separator);
   // A subtag of one letter introduces the one that was removed.
   const std::size_t before = name.find_last_of("-_");
   return before != std::string_view::npos && before + 2 == name.size() ? name.substr(0, before) : name;
+}
+
+/// A name in two parts, since a code set can be between them in the name that it comes from.
+struct LocaleName {
+  std::string_view tag, modifier;
+
+  std::size_t size() const { return tag.size() + modifier.size(); }
+};
+
+LocaleName fallbackOf(std::string_view name) noexcept {
+  const std::string_view tag = name.substr(0, name.find_first_of(".@"));
+  const std::string_view modifier = name.substr(std::min(name.find('@'), name.size()));
+  const bool namesScript = std::ranges::find(kScriptModifiers, modifier) != std::end(kScriptModifiers);
+  const bool isLast = !namesScript && hasUnusualScript(tag);
+  const std::string_view rest = isLast ? std::string_view() : withoutLastSubtag(tag);
+  return {rest, namesScript && !rest.empty() ? modifier : std::string_view()};
 }
 
 }  // namespace
@@ -84,10 +126,11 @@ unsigned int velLanguageGetFallback(unsigned int language) {
 }
 
 std::size_t velLocaleGetFallback(const char* name, char* out, std::size_t capacity) {
-  const std::string_view fallback = withoutLastSubtag(vel::textOrEmpty(name));
+  const LocaleName fallback = fallbackOf(std::string_view(vel::textOrEmpty(name)));
   if (capacity == 0) return fallback.size();
-  const std::size_t written = fallback.size() < capacity ? fallback.size() : 0;
-  fallback.copy(out, written);
-  out[written] = '\0';
+  const bool fits = fallback.size() < capacity;
+  if (fits)
+    fallback.modifier.copy(out + fallback.tag.copy(out, fallback.tag.size()), fallback.modifier.size());
+  out[fits ? fallback.size() : 0] = '\0';
   return fallback.size();
 }

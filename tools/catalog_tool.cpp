@@ -3,6 +3,7 @@
 // class.
 #include "tools/catalog_tool.h"
 
+#include <algorithm>
 #include <cstring>
 #include <iostream>
 
@@ -45,11 +46,8 @@ CatalogTool::CatalogTool(int argc, const char* const* argv, const char* const* t
   for (const char*& text : table_) text = translated(text);
 }
 
-std::vector<const char*> withStandardStream(int argc, const char* const* argv) {
-  std::vector<const char*> arguments(argv, argv + argc);
-  for (const char*& argument : arguments)
-    if (std::strcmp(argument, "-") == 0) argument = kStandardStream;
-  return arguments;
+const char* fileNamed(const char* argument) {
+  return argument != nullptr && std::strcmp(argument, "-") == 0 ? kStandardStream : argument;
 }
 
 std::string CatalogTool::text(unsigned long id) const {
@@ -69,6 +67,17 @@ void CatalogTool::begin() {
 
 void CatalogTool::refuse(unsigned long id, const char* argument) const {
   report(id, argument);
+  endWithUsage();
+}
+
+void CatalogTool::refuseRepeatedInput(const std::vector<const char*>& files) const {
+  const auto isInput = [](const char* file) { return fileNamed(file) == kStandardStream; };
+  if (std::ranges::count_if(files, isInput) < 2) return;
+  error(std::cerr, translated("Standard input can be read only once"));
+  endWithUsage();
+}
+
+void CatalogTool::endWithUsage() const {
   // The library shows the usage on standard output, which may be a file that the user wants data in.
   std::cout.flush();
   std::cout.rdbuf(std::cerr.rdbuf());

@@ -12,16 +12,15 @@ namespace vel::tools {
 /// the title, and `--name=value` and `--` are understood.
 VelStConventions conventionsOfTools();
 
-/// Replaces the argument "-" by pointer: on the command line "-" would count as a switch without a name.
-/// Compare the pointers, because a file may have this name.
+/// The name of standard input in messages. Compare the pointers, because a file may have this name.
 extern const char* const kStandardStream;
 
 /// Selects the language of the texts, see translation.h, and translates kStandardStream. `library` is the
 /// library's own catalog. The constructor of CatalogTool does this.
 void chooseLanguageOfTool(const VelClMessageCatalog& library);
 
-/// Returns the command line with kStandardStream for every "-". The other arguments are not copied.
-std::vector<const char*> withStandardStream(int argc, const char* const* argv);
+/// Returns kStandardStream for "-", and any other name, or null, itself.
+const char* fileNamed(const char* argument);
 
 /// The console user interface of a tool. Its string table, which is not copied, begins with a signature and a
 /// name, followed by title, description, usage and help.
@@ -42,10 +41,15 @@ class CatalogTool : public VelClConsoleUI {
   /// Reports a mistake in the command line that the check against the usage cannot find, shows the usage and
   /// ends the process.
   [[noreturn]] void refuse(unsigned long id, const char* argument = nullptr) const;
+  /// Refuses a command line in which more than one of the files is standard input, which can be read only
+  /// once. Null stands for a file that is not given.
+  void refuseRepeatedInput(const std::vector<const char*>& files) const;
   /// Returns the arguments that are neither switches nor values of switches.
   std::vector<const char*> freeArguments() const;
 
  private:
+  [[noreturn]] void endWithUsage() const;
+
   std::vector<const char*> table_;
   VelClMessageCatalog texts_;
 };

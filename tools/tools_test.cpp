@@ -63,12 +63,17 @@ TEST(Tools, ReportErrorsInTheCommandLineOnStandardError) {
   const std::pair<std::string, Texts> rows[] = {
       {"velini", {"-file", "-", "-list", "-nonsense"}},
       {"velini", {"-file", "-", "-list", "-check"}},
+      {"velini", {"-file", "-", "-diff", "-"}},
+      {"velini", {"-file", out, "-merge", "-", "--merge=-"}},
       {"veldump", {"-nonsense"}},
       {"veldump", {"-limit", "5"}},
+      {"veldump", {"-compare", "-", "-"}},
       {"velconv", {"-from", "850", "-to", "1208", "-out", out, "-nonsense"}},
       {"velconv", {"-from", "850", "-out", out}},
+      {"velconv", {"-from", "850", "-to", "1208", "-out", out, "-", out, "-"}},
       {"velmsg", {"-nonsense"}},
       {"velmsg", {"-list"}},
+      {"velmsg", {"-cat", "-", "-diff", "-"}},
       {"trcctl", {"-key", "tour", "-nonsense"}},
       {"trcctl", {}},
   };

@@ -25,8 +25,9 @@ from generate_messages import TableError, c_literal, check_row  # noqa: E402
 CATALOG = ROOT / "tools/german.po"
 TOOLS = ["trcctl", "velconv", "veldump", "velini", "velmsg"]
 # Texts that are not in the tables of texts.h.
-SHARED = ["Usage", "did you mean", "out of memory", "standard input", "The output could not be written",
-          "Not a trace file: it does not begin with a complete entry"]
+SHARED = ["Usage", "did you mean", "out of memory", "standard input", "Standard input can be read only once",
+          "The output could not be written", "Not a trace file: it does not begin with a complete entry",
+          "The detail must be OFF, LOW, MED or HIGH", "The format must have this variable exactly once"]
 ENTRY = re.compile(r'(?:^#.*\n)*^msgid((?:\s*"(?:\\.|[^"\\])*")+)\s*^msgstr((?:\s*"(?:\\.|[^"\\])*")+)', re.MULTILINE)
 SEPARATOR = "\n@\n"
 

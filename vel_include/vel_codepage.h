@@ -23,8 +23,10 @@ VEL_C_API const void* velGetEUCtoUCS2Table(unsigned int ccsid);
 /// Returns the CCSID of a name that IANA, MIME or iconv use for a code page: 819 for "latin1", 1208 for
 /// "utf8", 5348 for "Windows-1252" and "cp1252", 37 for "CP037". Names are compared as Unicode Technical
 /// Standard 22 defines it: case and everything but letters and digits are ignored, and so are leading zeros.
-/// Returns 0 for null and for a name that is not known, a mere number included. Not all of these code pages
-/// are in the table of VelClCCSID, so VelClCCSID::isValid may be false for the result; most of them need ICU.
+/// Returns 0 for null and for a name that is not known, a mere number included. UTF-16LE is 65501 and
+/// UTF-16BE 65500. UTF-16, which begins with a byte order mark, UTF-32 and UTF-7 are not known: there is no
+/// CCSID that the library converts them with. Not all of these code pages are in the table of VelClCCSID, so
+/// VelClCCSID::isValid may be false for the result; most of them need ICU.
 VEL_C_API unsigned int velGetCCSIDOfName(const char* name);
 /// Returns the names that velGetCCSIDOfName knows for a CCSID: the preferred one at index 0, then the others.
 /// Returns null after the last one, and for a CCSID without a name.

@@ -364,10 +364,10 @@ class VEL_API VelClConsoleUI {
   /// Switches on what users of today's programs expect. Call it before init. Without this call nothing of it
   /// holds.
   /// - `--name value`, `--name=value` and `-name=value` mean the same as `-name value`. A value after "=" may
-  ///   be empty and may begin with "-".
+  ///   be empty and may begin with "-". No built-in switch takes one, except -color.
   /// - After "--" every argument is free, whatever it begins with. "-" alone is an argument, not a switch.
-  /// - `--help` and `--version` print to standard output and end the process with 0. `-h`, `-H`, `-?` and
-  ///   `-copyright` are as ever.
+  /// - `--help` and `--version` print to standard output and end the process with 0, or with 1 if that cannot
+  ///   be written. `-h`, `-H`, `-?` and `-copyright` are as ever.
   /// - An unknown switch is reported with the names that resemble it. A value for a switch that takes none is
   ///   an error.
   /// - Title, info and warning go to the error stream, and so do questions and the usage after an error.
@@ -378,17 +378,19 @@ class VEL_API VelClConsoleUI {
   /// - If the catalog that was passed to the constructor does not have the territory of the user's language,
   ///   messages are in a language that the user reads as well, see VelClMessageCatalog::useLanguageFallback.
   /// - Numbers are checked whole: "5x" and numbers beyond the type's range (that of 32 bits for long) end the
-  ///   process with 204. Answers to promptNumval are checked in the same way.
+  ///   process with 204, and so does a leading apostrophe. Answers to promptNumval are checked in the same
+  ///   way.
   /// - If the environment variable VEL_CONSOLEUI_DESCRIBE is set, handleUsageHelp prints title, version,
   /// usage
-  ///   and help as they were given, for generators of manual pages, and ends the process with 0.
+  ///   and help as they were given, for generators of manual pages, and ends the process as --help does.
   ///
   /// The arguments that getArgc, getArgv and cursors over this object then show are rewritten: `--name=value`
   /// is the two arguments `-name` and `value`, and "--" and -color are left out. A value points into the
   /// program's own argument vector; the vector that getArgv returns lives as long as this object.
   void useConventions(const VelStConventions& conventions = {});
   /// Returns the control sequence that begins a style on a stream, or PLAIN again. Returns "" where nothing
-  /// is coloured: without useConventions, on streams other than standard output and standard error, and if
+  /// is coloured: without useConventions, on streams other than standard output and standard error, if their
+  /// buffers were exchanged after the first useConventions or are those of texts (std::stringbuf), and if
   /// they are not terminals, unless `-color always` is given.
   const char* style(const std::ostream& stream, VelEnTextStyle style) const;
 

@@ -26,9 +26,10 @@ struct VelStConventions {
   /// Adds the switch `-color auto|always|never`, and colours messages on terminals. If false, nothing is
   /// coloured and the switch is the program's own business.
   bool colors = true;
-  /// Accepts the beginning of a switch's name if no other switch begins like that. If false, such a beginning
-  /// is an unknown switch, and the names that begin with it are suggested: a script that relies on a
-  /// beginning fails as soon as the program gets another switch.
+  /// Accepts the beginning of a switch's name, built-in or not, if no other switch begins like that. (help
+  /// and version count only after two dashes.) If false, such a beginning is an unknown switch, and the names
+  /// that begin with it are suggested: a script that relies on a beginning fails as soon as the program gets
+  /// another switch.
   bool abbreviations = false;
 };
 

@@ -64,9 +64,11 @@ VEL_C_API const char* const* velMsgCatGetBuiltInTable(unsigned long* size);
 /// 0, which means that there is no further one. Languages and scripts are never exchanged for others: Chinese
 /// of Hong Kong becomes that of Taiwan, which has the same characters, and Serbian has no fallback.
 VEL_C_API unsigned int velLanguageGetFallback(unsigned int language);
-/// Removes the last subtag of a locale's name, or of a language tag: "de_AT.UTF-8" becomes "de", "zh-Hant-HK"
-/// becomes "zh-Hant" and then "zh", and "de" becomes "", which means that there is no further one. A code set
-/// and a modifier ("@euro") are removed as well. Null counts as "".
+/// Removes the last subtag of a locale's name, or of a language tag: "de_AT.UTF-8" becomes "de", and "de"
+/// becomes "", which means that there is no further one. A code set and a modifier ("@euro") are removed as
+/// well, but not a modifier that names a script: "sr_RS@latin" becomes "sr@latin".
+/// The script never changes. As in CLDR, languages in a script that is not their usual one have no fallback:
+/// "zh-Hant-HK" becomes "zh-Hant" and then "", and so do "sr@latin" and "zh_TW". Null counts as "".
 /// The result and a terminating NUL are written to `out`, which has room for `capacity` bytes; the length of
 /// the result is returned. If the length is not less than `capacity`, `out` receives ""; with capacity 0, it
 /// is not used and may be null. `out` must not overlap `name`.

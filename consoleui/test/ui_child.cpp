@@ -6,6 +6,7 @@
 //   UI_TAGGED                            "hide" or "disable"
 //   UI_CONVENTIONS                       switches conventions on; a text of "v" (version "2.5"), "a"
 //                                        (abbreviations), "n" (no colours) and "t" (set twice)
+//   UI_FULL                              standard output cannot be written, as on a full disk
 //   UI_USAGE, UI_HELP                    for handleUsageHelp; numbers with UI_CATALOG
 //   UI_ACTION, UI_PARAM                  a row of kActions, and its parameter: a switch's name, its one
 //                                        letter as "'x", or its message number as "#10"
@@ -129,7 +130,10 @@ const std::map<std::string, void (*)(VelClConsoleUI& ui)> kActions = {
     {"style",
      [](VelClConsoleUI& ui) {
        std::ostringstream other;
-       std::cout << ui.style(std::cout, VelEnTextStyle::GOOD) << "good"
+       std::streambuf* const own = std::cout.rdbuf(other.rdbuf());
+       const std::string redirected = ui.style(std::cout, VelEnTextStyle::GOOD);
+       std::cout.rdbuf(own);
+       std::cout << redirected << ui.style(std::cout, VelEnTextStyle::GOOD) << "good"
                  << ui.style(std::cout, VelEnTextStyle::PLAIN) << ui.style(other, VelEnTextStyle::GOOD)
                  << ui.style(std::cout, VelEnTextStyle{99}) << '\n';
      }},
@@ -174,6 +178,7 @@ int run(VelClConsoleUI& ui, Words words) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (variable("UI_FULL") != nullptr) std::cout.setstate(std::ios::badbit);
   if (variable("UI_DIRECTORY") != nullptr) std::filesystem::current_path(variable("UI_DIRECTORY"));
   if (const char* catalog = variable("UI_CATALOG")) {
     VelClConsoleUI ui(argc, argv, VelClFilename(catalog), number("UI_BASE"));

@@ -52,6 +52,10 @@ enum TextId : unsigned long {
 /// Not in the catalog, whose messages are numbered for good.
 inline constexpr char kNotATrace[] = "Not a trace file: it does not begin with a complete entry";
 
+/// As kNotATrace.
+inline constexpr char kUnknownDetail[] = "The detail must be OFF, LOW, MED or HIGH";
+inline constexpr char kFormatWithoutData[] = "The format must have this variable exactly once";
+
 /// Not in the catalog, because all tools report this in the same words.
 inline constexpr char kNotWritten[] = "The output could not be written";
 

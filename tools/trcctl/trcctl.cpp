@@ -8,6 +8,7 @@
 #include <iostream>
 #include <string>
 
+#include "base/ascii.h"
 #include "platform/byte_files.h"
 #include "platform/descriptors.h"
 #include "tools/catalog_tool.h"
@@ -71,6 +72,17 @@ bool holdsFirstEntry(const char* name) {
   std::uint64_t needed = kHeadSize + head[2] + head[3];
   for (std::size_t i = 0; i < 4; ++i) needed += std::uint64_t{head[16 + i]} << (8 * i);
   return count == kHeadSize && needed <= size;
+}
+
+/// Whether the format shows the data of an entry once. Otherwise the formatter cannot find the next entry,
+/// and reports that the file is corrupted.
+bool showsDataOnce(const char* format) {
+  int count = 0;
+  while (*(format += std::strcspn(format, "%\\")) != '\0' && format[1] != '\0') {
+    if (format[0] == '%' && format[1] == 'd') ++count;
+    format += 2;
+  }
+  return count == 1;
 }
 
 class Tool {
@@ -179,18 +191,27 @@ void Tool::selectFile(VelClTraceEnvironment& environment) const {
 
 void Tool::applyFilter(VelClTraceSettings& settings) const {
   const char* value = nullptr;
-  if (ui_.hasArgString(kSwitchDetail, value)) settings.setDetailLevel(value);
+  if (ui_.hasArgString(kSwitchDetail, value)) {
+    settings.setDetailLevel(value);
+    // Any text that names no detail selects OFF.
+    if (settings.getDetailLevel() == VelEnTraceDetail::OFF &&
+        !vel::equalsIgnoringAsciiCase(std::string(value).substr(0, 3).c_str(), "OFF"))
+      ui_.fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, vel::tools::translated(kUnknownDetail), value);
+  }
   if (ui_.hasArgString(kSwitchComponents, value)) settings.initComponentIds(value);
   if (ui_.hasArgString(kSwitchProcess, value)) settings.getFilter().setProcessId(value);
   if (ui_.hasArgString(kSwitchThread, value)) settings.getFilter().setThreadId(value);
 }
 
 void Tool::display(const VelClTraceEnvironment& environment) const {
+  const char* const format = format_ != nullptr ? format_ : environment.getFormatString();
+  if (!showsDataOnce(format))
+    ui_.fatal(CONUI_ARG_VALUE_TYPE_MISMATCH, vel::tools::translated(kFormatWithoutData), "%d", format);
   VelClTraceFormatter formatter(environment, nullptr);
   VelClMessageCatalog texts;
   attachTexts(texts);
   formatter.attachVelMessageCatalog(texts);
-  formatter.setFormatString(format_);
+  formatter.setFormatString(format);
   formatter.setDisplayIndentation(indentation_);
   formatter.setShowNestingLevel(ui_.hasArgSwitch(kSwitchNesting));
   formatter.setShowFunctionRecords(!ui_.hasArgSwitch(kSwitchHideFunctions));

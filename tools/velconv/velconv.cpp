@@ -108,12 +108,13 @@ int Tool::list(void (*write)(std::ostream& out)) const {
 
 void Tool::readSwitches() {
   if (!hasArgSwitch("from") || !hasArgSwitch("to")) refuse(kBothNeeded);
+  refuseRepeatedInput(freeArguments());
   policy_ = policy();
   if (hasArgSwitch("faults")) faultLimit_ = faultLimit();
   conversion_.emplace(ccsidOf("from"), ccsidOf("to"), policy_);
   conversion_->setNextLineFolding(hasArgSwitch("foldnel"));
   counts_ = hasArgSwitch("count");
-  if (hasArgString("out", output_) && output_ == kStandardStream) output_ = nullptr;
+  if (hasArgString("out", output_) && std::strcmp(output_, "-") == 0) output_ = nullptr;
 }
 
 VelClCCSID Tool::ccsidOf(const char* switchName) const {
@@ -151,7 +152,7 @@ int Tool::convertAll() {
   OutputFile output(output_);
   bool isClean = true;
   for (const char* name : names) {
-    if (!convert(name, output)) return kExitFailed;
+    if (!convert(vel::tools::fileNamed(name), output)) return kExitFailed;
     isClean = isClean && conversion_->getFaultCount() == 0;
   }
   output.finish();
@@ -222,8 +223,9 @@ void Tool::reportFault(const Conversion::VelStFault& fault) const {
     const auto digits = vel::hexPair(fault.bytes[i]);
     what += {digits[0], digits[1], ' '};
   }
-  // Characters have four digits at least, and six beyond U+FFFF.
-  for (int shift = fault.character > 0xFFFF ? 20 : 12; fault.character != 0 && shift >= 0; shift -= 4)
+  // Characters have four digits at least.
+  const int digits = fault.character > 0xFFFFF ? 6 : fault.character > 0xFFFF ? 5 : 4;
+  for (int shift = 4 * (digits - 1); fault.character != 0 && shift >= 0; shift -= 4)
     what += vel::kUpperHexDigits[fault.character >> shift & 0xF];
   if (fault.character != 0) what = "U+" + what;
   if (what.ends_with(' ')) what.pop_back();
@@ -253,8 +255,7 @@ int vel::tools::toolMain(int argc, char** argv) {
   if (vel::tools::answerStandardSwitches(argc, argv,
                                          {kToolName, kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]}))
     return std::cout.good() ? 0 : kExitFailed;
-  const std::vector<const char*> arguments = vel::tools::withStandardStream(argc, argv);
-  Tool tool(argc, arguments.data());
+  Tool tool(argc, argv);
   try {
     return tool.run();
   } catch (const OutputFailure&) {

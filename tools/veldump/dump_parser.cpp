@@ -95,6 +95,8 @@ bool DumpParser::parseLine(std::string_view text) {
   }
   DumpLine& line = *next_;
   if (ended_ || !decode(text, line) || !follows(line)) return false;
+  isReversed_ = line.isReversed;
+  if (isReversed_) return false;
   if (squeezed_ && !repeatUpTo(line.address)) return false;
   output_.append(reinterpret_cast<const char*>(line.bytes), line.count);
   ended_ = line.count == 0;

@@ -26,6 +26,9 @@ class DumpParser {
   bool parseLine(std::string_view line);
   /// Whether the last line was refused because a "*" stands for too many bytes.
   bool isBeyondLimit() const { return beyondLimit_; }
+  /// Whether the last line was refused because of little-endian groups. Without characters beside them they
+  /// cannot be told from others.
+  bool isReversed() const { return isReversed_; }
   /// Whether the dump can end here. After a "*" it cannot: only the next line determines how many bytes it
   /// stands for.
   bool canEnd() const { return !squeezed_; }
@@ -53,6 +56,7 @@ class DumpParser {
   bool squeezed_ = false;
   bool ended_ = false;  ///< the line that ends a dump of hexdump -C was parsed
   bool beyondLimit_ = false;
+  bool isReversed_ = false;
 };
 
 }  // namespace vel::veldump

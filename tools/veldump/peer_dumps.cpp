@@ -28,6 +28,21 @@ bool areCharacters(std::string_view text, std::size_t count) {
   return text.size() >= kLeastBlanks + count && isBlank(text.substr(0, text.size() - count));
 }
 
+/// Whether the characters show the bytes when each group of `groupSize` bytes is read from its end, and do
+/// not show them in the order of the digits.
+bool areReversed(std::string_view characters, const DumpLine& line, std::size_t groupSize) {
+  const auto shows = [&](std::size_t index, std::uint8_t byte) {
+    return characters[index] == (byte >= 0x20 && byte < 0x7F ? static_cast<char>(byte) : '.');
+  };
+  bool isForward = true, isBackward = line.count % groupSize == 0;
+  for (std::size_t i = 0; i < line.count; ++i) {
+    isForward = isForward && shows(i, line.bytes[i]);
+    isBackward =
+        isBackward && shows(i, line.bytes[i / groupSize * groupSize + groupSize - 1 - i % groupSize]);
+  }
+  return isBackward && !isForward;
+}
+
 }  // namespace
 
 std::string_view parseAddress(std::string_view text, std::string_view separator, std::uint64_t& address) {
@@ -40,16 +55,22 @@ std::string_view parseAddress(std::string_view text, std::string_view separator,
 
 bool decodeXxd(std::string_view text, DumpLine& line) {
   const std::string_view groups = parseAddress(text, ": ", line.address);
-  std::size_t position = 0;
+  std::size_t position = 0, groupSize = 0;
   line.count = 0;
   while (line.count < DumpLine::kMaxBytes && decodeByte(groups, position, line.bytes[line.count])) {
     ++line.count;
     position += 2;
     // One blank separates groups, two end them.
-    if (groups.substr(position, 1) == " " && groups.substr(position, 2) != "  ") ++position;
+    if (groups.substr(position, 1) != " ") continue;
+    if (groupSize == 0) groupSize = line.count;
+    if (groups.substr(position, 2) != "  ") ++position;
   }
   line.capacity = line.count;
-  return line.count > 0 && areCharacters(groups.substr(std::min(position, groups.size())), line.count);
+  const std::string_view rest = groups.substr(std::min(position, groups.size()));
+  if (line.count == 0 || !areCharacters(rest, line.count)) return false;
+  line.isReversed = groupSize > 1 && rest.size() > line.count &&
+                    areReversed(rest.substr(rest.size() - line.count), line, groupSize);
+  return true;
 }
 
 bool decodeHexdump(std::string_view text, DumpLine& line) {

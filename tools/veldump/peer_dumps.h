@@ -16,6 +16,8 @@ struct DumpLine {
   std::size_t capacity = 0;  ///< bytes in a full line of this form
   std::size_t count = 0;
   std::uint8_t bytes[kMaxBytes] = {};
+  bool isReversed =
+      false;  ///< the characters show that the bytes of each group are in reverse order (xxd -e)
 };
 
 /// Parses a number that consists of all of `digits`. Inline, because every byte of a dump is such a number.

@@ -22,6 +22,7 @@ enum TextId : unsigned long {
   kLimitBelongs,
   kNoDumpLine,
   kBeyondLimit,
+  kReversedGroups,
   kStandardInputName,
   kTextEnd
 };
@@ -33,7 +34,7 @@ inline constexpr const char* kUsageText =
     "[(-limit <bytes>)] [<file> ...]";
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 19",
+    "[VEL_MSGTAB_SIGNATURE] 20",
     "[VELDUMP]",
     "Hexadecimal and binary dump",
     "shows and compares the bytes of files, and converts dumps back to bytes",
@@ -55,7 +56,7 @@ inline constexpr const char* kTexts[] = {
     "                  first and after > those of the second\n"
     "-reverse          convert a dump back to bytes, using the address and the digits of its\n"
     "                  lines. The bytes before the first address are not written. Dumps of xxd\n"
-    "                  and hexdump -C are converted, too\n"
+    "                  (but not those of xxd -e) and hexdump -C are converted, too\n"
     "-limit <bytes>    with -reverse: the maximum number of bytes that all lines \"*\" may\n"
     "                  expand to; default 1073741824 (1 GiB)\n"
     "<file> ...        files to dump; several get headings. - is standard input, which is also\n"
@@ -80,6 +81,7 @@ inline constexpr const char* kTexts[] = {
     "-limit requires -reverse",
     "This line is not part of a dump, or does not follow the line before it",
     "The lines \"*\" expand to more bytes than -limit allows",
+    "This line has little-endian groups, as xxd -e writes them; they cannot be converted back",
     "standard input",
 };
 static_assert(tools::isStringTable(kTexts, kTextEnd));

@@ -153,6 +153,7 @@ void Tool::readSwitches() {
   compare_ = hasArgSwitch("compare");
   if (compare_ && (squeeze_ || freeArguments().size() != 2)) refuse(kTwoFiles);
   if (!reverse_ && hasArgSwitch("limit")) refuse(kLimitBelongs);
+  refuseRepeatedInput(freeArguments());
   limit_ = countOf("limit", kDefaultLimit);
   const std::uint64_t width = widthOfElements();
   range_ = rangeOf(width);
@@ -288,7 +289,9 @@ bool Tool::reverse(ByteSource& source, const char* file) {
 /// Reports why a line was refused. The output is flushed first, so that it ends where the report says.
 void Tool::reportLine(const DumpParser& parser, const char* file, std::uint64_t lineNumber) {
   output_.flush();
-  const TextId fault = parser.isBeyondLimit() ? kBeyondLimit : kNoDumpLine;
+  const TextId fault = parser.isBeyondLimit() ? kBeyondLimit
+                       : parser.isReversed()  ? kReversedGroups
+                                              : kNoDumpLine;
   if (parser.isBeyondLimit()) exitCode_ = kExitBeyondLimit;
   error(std::cerr, text(fault).c_str(), file, std::to_string(lineNumber).c_str());
 }

@@ -36,6 +36,8 @@ constexpr Dialect kDialects[] = {
     {.name = "php",
      .comments = ";",
      .values = Values::Php,
+     .forbidden = "?{}|&~!()^\"$",
+     .hasReservedWords = true,
      .bareValue = "",
      .hasOptionsBeforeSections = true,
      .mayRepeat = true},
@@ -48,6 +50,8 @@ constexpr Dialect kDialects[] = {
     {.name = "desktop", .comments = "#", .separator = "="},
 };
 
+constexpr std::string_view kReservedWords[] = {"on", "off", "true", "false", "yes", "no", "null", "none"};
+
 }  // namespace
 
 const Dialect& kLibraryDialect = kDialects[0];
@@ -55,6 +59,21 @@ const Dialect& kLibraryDialect = kDialects[0];
 const Dialect* dialectOf(std::string_view name) {
   const auto* const found = std::ranges::find(kDialects, name, &Dialect::name);
   return found != std::end(kDialects) ? found : nullptr;
+}
+
+bool isNameCharacter(char c) {
+  return isAsciiLetter(c) || isAsciiDigit(c) || c == '-';
+}
+
+bool isReservedWord(std::string_view word) {
+  const std::string key = keyOf(Names::AnyCase, word);
+  return std::ranges::find(kReservedWords, key) != std::end(kReservedWords);
+}
+
+bool isOptionName(const Dialect& dialect, std::string_view name) {
+  if (name.empty() || (dialect.hasReservedWords && isReservedWord(name))) return false;
+  if (dialect.hasSubsections) return isAsciiLetter(name[0]) && std::ranges::all_of(name, isNameCharacter);
+  return name.substr(0, name.find('[')).find_first_of(dialect.forbidden) == std::string_view::npos;
 }
 
 std::string keyOf(Names names, std::string_view name) {

@@ -26,6 +26,8 @@ struct Dialect {
   Names options = Names::Exact;
   Continuation continuation = Continuation::None;
   Values values = Values::Plain;
+  const char* forbidden = "";       ///< characters that the names of options must not contain before a "["
+  bool hasReservedWords = false;    ///< words such as "on" are not names, and have a meaning as values
   const char* bareValue = nullptr;  ///< the value of an option without a separator; null if there must be one
   bool hasSubsections = false;  ///< [name "subsection"], options in the line of a header, restricted names
   bool endsAtLastBracket =
@@ -42,6 +44,13 @@ extern const Dialect& kLibraryDialect;
 
 /// Returns the dialect of this name, or null.
 const Dialect* dialectOf(std::string_view name);
+
+/// Whether the character may be in a name where names are restricted: a letter, a digit or "-".
+bool isNameCharacter(char c);
+/// Whether an option may have this name.
+bool isOptionName(const Dialect& dialect, std::string_view name);
+/// Whether PHP gives a meaning to the word, in any case: on, off, true, false, yes, no, null, none.
+bool isReservedWord(std::string_view word);
 
 /// Returns a text that is equal for names that are the same.
 std::string keyOf(Names names, std::string_view name);

@@ -26,6 +26,7 @@ struct Setting {
   std::string section;
   std::string option;
   std::string value;
+  bool isEvaluated = false;  ///< see ValueStyle
 };
 
 /// All options of a key: how many there are, and the places of the last one in the records and in the text.
@@ -98,7 +99,8 @@ class DialectDocument : public Document {
   EditResult removeSection(const Edit& edit);
   EditResult renameSection(const Edit& edit);
 
-  Splice newValue(const OptionPlace& place, const std::string& value) const;
+  std::vector<Setting> settings() const;
+  Splice newValue(const OptionPlace& place, const Setting& setting) const;
   NewOptions styleOf(const SectionPlace* section) const;
   std::string newOption(const NewOptions& style, const Setting& setting) const;
   Splice addedLines(std::size_t at, const std::vector<std::string>& lines) const;
@@ -121,20 +123,16 @@ void DialectDocument::adopt(std::string text) {
 std::vector<Fault> DialectDocument::faults() const {
   if (isWide(text_)) return {{1, kWideText}};
   std::vector<Fault> faults = layout_.faults;
-  if (const std::size_t nul = text_.find('\0'); nul != std::string::npos) {
-    const auto breaks = std::ranges::count(std::string_view(text_).substr(0, nul), '\n');
-    faults.push_back({static_cast<std::size_t>(breaks) + 1, kNulByte});
-    std::ranges::stable_sort(faults, {}, &Fault::line);
-  }
+  // Strings of PHP may contain carriage returns.
+  const bool ignoresReturns = dialect_.values == Values::Php && text_.find('\n') != std::string::npos;
+  addByteFaults(text_, kNulByte, ignoresReturns, faults);
   return faults;
 }
 
-/// Whether a carriage return is not followed by a line feed. Some programs take it for the end of the line,
-/// so that the rest of a value would become another option, and others for a blank.
-bool hasLoneCarriageReturn(std::string_view text) {
-  for (std::size_t at = 0; (at = text.find('\r', at)) != std::string_view::npos; ++at)
-    if (at + 1 == text.size() || text[at + 1] != '\n') return true;
-  return false;
+/// Some programs take a lone carriage return for the end of the line, so that the rest of a value would
+/// become another option, and others for a blank.
+bool hasLoneReturn(std::string_view text) {
+  return findLoneReturn(text) != std::string_view::npos;
 }
 
 /// Few programs can read "[]". One that is in the file already is left.
@@ -149,7 +147,7 @@ EditResult DialectDocument::commit(std::vector<Splice> splices, Records wanted) 
   if (addsNamelessSection(wanted)) return EditResult::Refused;
   // A string in the quotes of PHP may contain it.
   if (dialect_.values != Values::Php &&
-      std::ranges::any_of(splices, [](const Splice& splice) { return hasLoneCarriageReturn(splice.text); }))
+      std::ranges::any_of(splices, [](const Splice& splice) { return hasLoneReturn(splice.text); }))
     return EditResult::Refused;
   std::ranges::stable_sort(splices, {}, [](const Splice& splice) { return splice.old.begin; });
   std::string changed;
@@ -200,7 +198,7 @@ bool isInQuotes(std::string_view raw) {
 }
 
 /// Comment lines between the lines of the old value come after the new one.
-Splice DialectDocument::newValue(const OptionPlace& place, const std::string& value) const {
+Splice DialectDocument::newValue(const OptionPlace& place, const Setting& setting) const {
   std::string text;
   const std::string_view separator = Range{place.name.end, place.value.begin}.in(text_);
   if (place.isBare)
@@ -208,7 +206,9 @@ Splice DialectDocument::newValue(const OptionPlace& place, const std::string& va
   else if (isSpace(separator.front()) && !isSpace(separator.back()) &&
            lineAt(text_, place.value.begin).end == place.value.begin)
     text = " ";  // "name =" gets a blank on the other side, too
-  text += writtenValue(dialect_, value, {isInQuotes(place.value.in(text_)), indentationOf(place), lineEnd()});
+  text +=
+      writtenValue(dialect_, setting.value,
+                   {isInQuotes(place.value.in(text_)), setting.isEvaluated, indentationOf(place), lineEnd()});
   for (const Range& comment : place.comments) {
     const Line line = lineAt(text_, comment.begin);
     text.append(lineEnd()).append(text_, line.begin, line.end - line.begin);
@@ -230,7 +230,7 @@ NewOptions DialectDocument::styleOf(const SectionPlace* section) const {
 
 std::string DialectDocument::newOption(const NewOptions& style, const Setting& setting) const {
   return style.indentation + setting.option + style.separator +
-         writtenValue(dialect_, setting.value, {false, style.indentation, lineEnd()});
+         writtenValue(dialect_, setting.value, {false, setting.isEvaluated, style.indentation, lineEnd()});
 }
 
 /// If the text ends without a line break, it still does so afterwards.
@@ -296,7 +296,7 @@ EditResult DialectDocument::set(const std::vector<Setting>& settings, bool adds,
     const Known& option = found->second;
     if (adds) return EditResult::Exists;
     if (option.count > 1) return EditResult::Repeated;
-    change.splices.push_back(newValue(*option.place, setting.value));
+    change.splices.push_back(newValue(*option.place, setting));
     sections[option.section].options[option.option].value = setting.value;
   }
   for (const auto& [section, options] : change.added)
@@ -386,14 +386,23 @@ EditResult DialectDocument::apply(const Edit& edit) {
   }
 }
 
-EditResult DialectDocument::merge(const Document& source, std::string& name) {
+/// Returns the options that count.
+std::vector<Setting> DialectDocument::settings() const {
+  const KnownOptions known = knownOptions(layout_, records_);
   std::vector<Setting> settings;
-  const Records records = source.records();
-  for (const Section& section : records.sections)
-    for (const Option& option : section.options)
-      if (option.counts) settings.push_back({section.name, option.name, option.value});
+  for (const Section& section : records_.sections)
+    for (const Option& option : section.options) {
+      if (!option.counts) continue;
+      const OptionPlace& place = *known.at(keyIn(section.key, option.key)).place;
+      const bool hasString = place.value.in(text_).find_first_of("\"'") != std::string_view::npos;
+      settings.push_back({section.name, option.name, option.value, !hasString});
+    }
+  return settings;
+}
+
+EditResult DialectDocument::merge(const Document& source, std::string& name) {
   std::string refused = name;
-  const EditResult result = set(settings, false, refused);
+  const EditResult result = set(static_cast<const DialectDocument&>(source).settings(), false, refused);
   // Only these two are about one option.
   if (result == EditResult::Repeated || result == EditResult::Exists) name = refused;
   return result;

@@ -9,7 +9,6 @@
 #include <unordered_set>
 #include <utility>
 
-#include "base/ascii.h"
 #include "tools/velini/dialect_values.h"
 
 namespace vel::velini {
@@ -18,7 +17,8 @@ namespace {
 
 class LayoutReader {
  public:
-  LayoutReader(const Dialect& dialect, std::string_view text) : dialect_(dialect), text_(text) {}
+  LayoutReader(const Dialect& dialect, std::string_view text)
+      : dialect_(dialect), text_(text), values_(dialect, text) {}
 
   Layout read() {
     if (hasUtf8Mark(text_)) {
@@ -63,6 +63,7 @@ class LayoutReader {
       extendSection(line.next);
       return line.next;
     }
+    if (section.name.empty() && !dialect_.hasOptionsBeforeSections) report(first, kBadName);
     const std::size_t after = skipBlanks(text_, {end, line.end});
     const bool hasMore = dialect_.hasSubsections && after != line.end && !isComment(dialect_, text_[after]);
     section.header = {isInHeader(line.begin) ? first : line.begin, hasMore ? end : line.next};
@@ -134,7 +135,7 @@ class LayoutReader {
       value.raw = {name.end, name.end};
       value.next = line.next;
     } else {
-      value = readValue(dialect_, text_, separator + 1, first - line.begin);
+      value = values_.read(separator + 1, first - line.begin);
     }
     const std::optional<TextId> fault = faultOf(place, value);
     if (fault.has_value()) report(first, *fault);
@@ -148,7 +149,7 @@ class LayoutReader {
   std::optional<TextId> faultOf(const OptionPlace& place, const ReadValue& value) const {
     if (layout_.sections.empty()) return kNoSectionYet;
     if (place.isBare && dialect_.bareValue == nullptr) return kNoEqualSign;
-    if (dialect_.hasSubsections && !isName(place.option.name)) return kBadName;
+    if (!isOptionName(dialect_, place.option.name)) return kBadName;
     return value.isMalformed ? std::optional(kMalformedValue) : std::nullopt;
   }
 
@@ -161,11 +162,6 @@ class LayoutReader {
     place.option.value = place.isBare ? dialect_.bareValue : std::move(value.text);
     place.option.comment = std::move(value.comment);
     layout_.options.push_back(std::move(place));
-  }
-
-  static bool isNameCharacter(char c) { return isAsciiLetter(c) || isAsciiDigit(c) || c == '-'; }
-  static bool isName(std::string_view name) {
-    return !name.empty() && isAsciiLetter(name[0]) && std::ranges::all_of(name, isNameCharacter);
   }
 
   // ---- Faults
@@ -192,6 +188,7 @@ class LayoutReader {
 
   const Dialect& dialect_;
   std::string_view text_;
+  ValueReader values_;
   std::size_t start_ = 0;
   Layout layout_;
   std::vector<std::pair<std::size_t, TextId>> faults_;  ///< with positions

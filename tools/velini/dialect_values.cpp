@@ -38,17 +38,18 @@ bool skipComments(const Dialect& dialect, std::string_view text, std::size_t at,
 
 void readContinued(const Dialect& dialect, std::string_view text, Line line, ReadValue& read) {
   std::string value;
-  std::vector<Range> comments;
+  std::size_t within = 0;  // comments that a line of the value follows
   while (isContinued(text.substr(line.begin, line.end - line.begin))) {
     value.append(text, line.begin, line.end - line.begin - 1).append(" ");
     Line next{};
-    if (!skipComments(dialect, text, line.next, comments, next)) {
+    if (!skipComments(dialect, text, line.next, read.comments, next)) {
       line.begin = line.end;
       break;
     }
-    read.comments = comments;
+    within = read.comments.size();
     line = next;
   }
+  read.comments.resize(within);
   value.append(text, line.begin, line.end - line.begin);
   const Range wanted = trimmed(value, {0, value.size()});
   read.text = wanted.in(value);
@@ -60,9 +61,9 @@ void readIndented(const Dialect& dialect, std::string_view text, Line line, std:
                   ReadValue& read) {
   std::string value(trimmed(text, {line.begin, line.end}).in(text));
   std::string breaks = "\n";
-  std::vector<Range> comments;
+  std::size_t within = 0;  // comments that a line of the value follows
   read.next = line.next;
-  for (Line next{}; skipComments(dialect, text, line.next, comments, next); line = next) {
+  for (Line next{}; skipComments(dialect, text, line.next, read.comments, next); line = next) {
     const Range content = trimmed(text, {next.begin, next.end});
     // Blank lines belong to the value only if it goes on after them.
     if (content.isEmpty()) {
@@ -72,10 +73,11 @@ void readIndented(const Dialect& dialect, std::string_view text, Line line, std:
     if (content.begin - next.begin <= indentation) break;
     value.append(breaks).append(content.in(text));
     breaks = "\n";
-    read.comments = comments;
+    within = read.comments.size();
     read.raw.end = content.end;
     read.next = next.next;
   }
+  read.comments.resize(within);
   read.text = value;
 }
 
@@ -92,12 +94,17 @@ void readPlain(const Dialect& dialect, std::string_view text, Line line, std::si
 /// Collects a value and its place. White space counts only between other characters.
 class Collector {
  public:
-  Collector(std::string_view text, std::size_t at, ReadValue& read) : text_(text), at_(at), read_(read) {}
+  Collector(std::string_view text, std::size_t at, ReadValue& read)
+      : text_(text), at_(at), lineEnd_(lineAt(text, at).end), read_(read) {}
 
   std::size_t at() const { return at_; }
-  bool isAtEnd() const { return at_ == text_.size(); }
   char now() const { return text_[at_]; }
-  bool isAtBreak() const { return isAtEnd() || lineAt(text_, at_).end == at_; }
+  /// Returns the end of the current line.
+  std::size_t lineEnd() {
+    if (at_ > lineEnd_) lineEnd_ = lineAt(text_, at_).end;
+    return lineEnd_;
+  }
+  bool isAtBreak() { return at_ == lineEnd(); }
 
   void skipBlank() {
     if (!read_.text.empty()) blanks_ += now();
@@ -128,6 +135,7 @@ class Collector {
  private:
   std::string_view text_;
   std::size_t at_;
+  std::size_t lineEnd_;  ///< of a line before the current one, or of the current one
   ReadValue& read_;
   std::string blanks_;
   bool isEmpty_ = true;
@@ -137,7 +145,7 @@ class Collector {
 void readGitEscape(std::string_view text, Collector& value, ReadValue& read) {
   constexpr std::string_view kNames = "ntb\\\"", kCharacters = "\n\t\b\\\"";
   const std::size_t next = value.at() + 1;
-  if (next == text.size() || lineAt(text, next).end == next) {
+  if (next == value.lineEnd()) {
     value.consume(1);
     return value.nextLine();
   }
@@ -166,26 +174,31 @@ void readGit(const Dialect& dialect, std::string_view text, ReadValue& read, Col
   read.isMalformed = read.isMalformed || isQuoted;
 }
 
-/// Reads a string in quotes. Without an end it is a single character.
-void readPhpString(std::string_view text, ReadValue& read, Collector& value) {
+/// Reads a string in quotes. Without an end it is a single character. A string in double quotes can have as
+/// many lines as the text, so one without an end is searched for only once: further quotes are then all after
+/// a "\", and do not have an end either.
+void readPhpString(std::string_view text, ReadValue& read, Collector& value, bool& hasOpenString) {
   const std::size_t begin = value.at();
   const char quote = text[begin];
-  const std::size_t limit = quote == '"' ? text.size() : lineAt(text, begin).end;
+  std::size_t limit = quote == '"' ? text.size() : value.lineEnd();
+  if (quote == '"' && hasOpenString) limit = begin;
   std::string content;
   for (std::size_t i = begin + 1; i < limit; ++i) {
     if (text[i] == quote) return value.add(content, i + 1 - begin);
     if (quote == '"' && text[i] == '\\' && i + 1 < limit && std::strchr("\"'\\", text[i + 1]) != nullptr) ++i;
     content += text[i];
   }
+  hasOpenString = hasOpenString || quote == '"';
   read.isMalformed = true;
   value.add({&quote, 1}, 1);
 }
 
-void readPhp(const Dialect& dialect, std::string_view text, ReadValue& read, Collector& value) {
+void readPhp(const Dialect& dialect, std::string_view text, ReadValue& read, Collector& value,
+             bool& hasOpenString) {
   while (!value.isAtBreak()) {
     const char c = value.now();
     if (c == '"' || c == '\'')
-      readPhpString(text, read, value);
+      readPhpString(text, read, value, hasOpenString);
     else if (isSpace(c))
       value.skipBlank();
     else if (isComment(dialect, c))
@@ -216,23 +229,51 @@ bool needsQuotes(std::string_view value, std::string_view special) {
          (!value.empty() && (isSpace(value.front()) || isSpace(value.back())));
 }
 
+/// Whether the text consists of operators, numbers and names of constants such as E_ALL, at least one of
+/// these.
+bool isExpression(std::string_view text) {
+  constexpr std::string_view kOperators = "|&^~!() ", kDigits = "0123456789",
+                             kNames = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_";
+  bool hasConstant = false;
+  for (std::size_t at = text.find_first_not_of(kOperators); at != std::string_view::npos;
+       at = text.find_first_not_of(kOperators, at)) {
+    const std::string_view operand = text.substr(at, text.find_first_of(kOperators, at) - at);
+    const bool isName = operand.find_first_not_of(kNames) == std::string_view::npos &&
+                        operand.find('_') != std::string_view::npos;
+    if (!isName && operand.find_first_not_of(kDigits) != std::string_view::npos) return false;
+    hasConstant = hasConstant || isName;
+    at += operand.size();
+  }
+  return hasConstant;
+}
+
+/// Whether PHP would read another value than this text if it is written without quotes. An expression is
+/// meant as one.
+bool hasMeaning(std::string_view value) {
+  return isReservedWord(value) ||
+         (value.find_first_of("=?{}|&~!()^") != std::string_view::npos && !isExpression(value));
+}
+
 }  // namespace
 
 bool isComment(const Dialect& dialect, char c) {
   return c != '\0' && std::strchr(dialect.comments, c) != nullptr;
 }
 
-ReadValue readValue(const Dialect& dialect, std::string_view text, std::size_t at, std::size_t indentation) {
-  const Line line = lineAt(text, at);
+ReadValue ValueReader::read(std::size_t at, std::size_t indentation) {
+  const Line line = lineAt(text_, at);
   ReadValue read;
-  read.raw = trimmed(text, {at, line.end});
+  read.raw = trimmed(text_, {at, line.end});
   read.next = line.next;
-  if (dialect.values == Values::Plain) {
-    readPlain(dialect, text, line, indentation, read);
+  if (dialect_.values == Values::Plain) {
+    readPlain(dialect_, text_, line, indentation, read);
     return read;
   }
-  Collector value(text, at, read);
-  (dialect.values == Values::Git ? readGit : readPhp)(dialect, text, read, value);
+  Collector value(text_, at, read);
+  if (dialect_.values == Values::Git)
+    readGit(dialect_, text_, read, value);
+  else
+    readPhp(dialect_, text_, read, value, hasOpenString_);
   value.finish();
   return read;
 }
@@ -252,7 +293,8 @@ std::string writtenValue(const Dialect& dialect, std::string_view value, const V
     const std::string text = withEscapes(value, "\n\t\b\\\"", "ntb\\\"");
     return style.isQuoted || needsQuotes(value, dialect.comments) ? '"' + text + '"' : text;
   }
-  if (dialect.values == Values::Php && (style.isQuoted || needsQuotes(value, ";\"'\r\n")))
+  if (dialect.values == Values::Php &&
+      (needsQuotes(value, ";\"'\r\n") || (!style.isEvaluated && (style.isQuoted || hasMeaning(value)))))
     return '"' + withEscapes(value, "\\\"", "\\\"") + '"';
   return writtenPlain(dialect, value, style);
 }

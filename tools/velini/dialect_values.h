@@ -21,12 +21,25 @@ struct ReadValue {
 
 bool isComment(const Dialect& dialect, char c);
 
-/// Reads the value that begins at `at`, after the separator. `indentation` is that of the option.
-ReadValue readValue(const Dialect& dialect, std::string_view text, std::size_t at, std::size_t indentation);
+/// Reads the values of a text, which is not copied.
+class ValueReader {
+ public:
+  ValueReader(const Dialect& dialect, std::string_view text) : dialect_(dialect), text_(text) {}
+
+  /// Reads the value that begins at `at`, after the separator. `indentation` is that of the option. Values
+  /// must be read in their order.
+  ReadValue read(std::size_t at, std::size_t indentation);
+
+ private:
+  const Dialect& dialect_;
+  std::string_view text_;
+  bool hasOpenString_ = false;  ///< no string in double quotes has an end any more
+};
 
 /// How a value that is written looks.
 struct ValueStyle {
   bool isQuoted;            ///< whether the value gets quotes if the dialect has them
+  bool isEvaluated;         ///< whether words and operators keep the meaning that they have for PHP
   std::string indentation;  ///< of the option, for further lines
   const char* lineEnd;
 };

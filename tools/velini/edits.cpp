@@ -38,14 +38,38 @@ const EditSwitch* rowOf(std::string_view argument) {
   return found != std::end(kSwitches) ? found : nullptr;
 }
 
-bool hasValue(const std::vector<const char*>& arguments, std::size_t index) {
-  return index + 1 < arguments.size() && !VelClUsageCursor::isSwitchIndicator(arguments[index + 1]);
+/// An argument, the value of its switch, and where to read on.
+struct Given {
+  const EditSwitch* row;  ///< null if it is none of the switches
+  const char* value;      ///< null if there is none
+  std::size_t next;
+};
+
+bool isValue(const char* argument) {
+  return std::strcmp(argument, "-") == 0 || !VelClUsageCursor::isSwitchIndicator(argument);
+}
+
+/// Splits the spellings of useConventions. After "--" nothing is a switch.
+Given givenAt(const std::vector<const char*>& arguments, std::size_t index) {
+  const std::string_view argument(arguments[index]);
+  if (argument == "--") return {nullptr, nullptr, arguments.size()};
+  std::string_view name = argument.substr(argument.starts_with("--") ? 1 : 0);
+  const std::size_t equalSign = name.find('=');
+  const EditSwitch* const row = rowOf(name.substr(0, equalSign));
+  if (row == nullptr) return {nullptr, nullptr, index + 1};
+  if (equalSign != std::string_view::npos) return {row, name.data() + equalSign + 1, index + 1};
+  const bool hasValue =
+      row->argument != Argument::None && index + 1 < arguments.size() && isValue(arguments[index + 1]);
+  return hasValue ? Given{row, arguments[index + 1], index + 2} : Given{row, nullptr, index + 1};
 }
 
 /// Returns the value of the first -section, or null.
 const char* firstSection(const std::vector<const char*>& arguments) {
-  for (std::size_t i = 1; i + 1 < arguments.size(); ++i)
-    if (std::string_view(arguments[i]) == kSwitches[0].name) return arguments[i + 1];
+  Given given{};
+  for (std::size_t i = 1; i < arguments.size(); i = given.next) {
+    given = givenAt(arguments, i);
+    if (given.row != nullptr && given.row->argument == Argument::Section) return given.value;
+  }
   return nullptr;
 }
 
@@ -73,33 +97,37 @@ std::optional<Mistake> readStep(const EditSwitch& row, const char* value, const 
 
 std::optional<Mistake> readSteps(const std::vector<const char*>& arguments, std::vector<Step>& steps) {
   const char* section = firstSection(arguments);
-  for (std::size_t i = 1; i < arguments.size(); ++i) {
-    const EditSwitch* const row = rowOf(arguments[i]);
+  Given given{};
+  for (std::size_t i = 1; i < arguments.size(); i = given.next) {
+    given = givenAt(arguments, i);
+    const EditSwitch* const row = given.row;
     if (row == nullptr) continue;
-    const char* value = nullptr;
-    if (row->argument != Argument::None) {
-      if (!hasValue(arguments, i)) return Mistake{kValueRequired, row->name};
-      value = arguments[++i];
-    }
+    if (row->argument != Argument::None && given.value == nullptr) return Mistake{kValueRequired, row->name};
     if (row->argument == Argument::Section)
-      section = value;
-    else if (const auto mistake = readStep(*row, value, section, steps); mistake.has_value())
+      section = given.value;
+    else if (const auto mistake = readStep(*row, given.value, section, steps); mistake.has_value())
       return mistake;
   }
   return std::nullopt;
 }
 
+/// A query is for one section, so without edits the check finds a second -section, too. A repetition with a
+/// value that it must not have stays, so that the check refuses it.
 std::vector<const char*> withoutRepeats(const std::vector<const char*>& arguments) {
-  std::vector<const char*> first;
+  std::vector<const char*> first(arguments.begin(), arguments.begin() + (arguments.empty() ? 0 : 1));
   std::set<const EditSwitch*> known;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const EditSwitch* const row = i != 0 ? rowOf(arguments[i]) : nullptr;
-    if (row == nullptr || known.insert(row).second)
-      first.push_back(arguments[i]);
-    else if (row->argument != Argument::None && hasValue(arguments, i))
-      ++i;
+  bool hasEdits = false;
+  Given given{};
+  for (std::size_t i = 1; i < arguments.size(); i = given.next) {
+    given = givenAt(arguments, i);
+    hasEdits = hasEdits || (given.row != nullptr && given.row->argument != Argument::Section);
+    const bool hasUnwantedValue =
+        given.row != nullptr && given.row->argument == Argument::None && given.value != nullptr;
+    if (given.row == nullptr || hasUnwantedValue || known.insert(given.row).second)
+      first.insert(first.end(), arguments.begin() + static_cast<std::ptrdiff_t>(i),
+                   arguments.begin() + static_cast<std::ptrdiff_t>(given.next));
   }
-  return first;
+  return hasEdits ? first : arguments;
 }
 
 }  // namespace vel::velini

@@ -19,12 +19,12 @@ struct Mistake {
   const char* argument;
 };
 
-/// Appends the steps. Each is for the last -section before it, or for the first one after it. The arguments
-/// begin with the name of the program.
+/// Appends the steps. The switches may be spelled `--name` and `--name=value`, too. Each step is for the last
+/// -section before it, or for the first one after it. The arguments begin with the name of the program.
 std::optional<Mistake> readSteps(const std::vector<const char*>& arguments, std::vector<Step>& steps);
 
-/// Returns the arguments with only the first of each switch that may be repeated. For the check against the
-/// usage, in which no switch can be repeated.
+/// Returns the arguments as typed, with only the first of each switch that may be repeated in them. For the
+/// check against the usage, in which no switch can be repeated.
 std::vector<const char*> withoutRepeats(const std::vector<const char*>& arguments);
 
 }  // namespace vel::velini

@@ -162,7 +162,7 @@ std::string iniOption(const Dialect& dialect, const Option& option) {
   const std::string comment =
       option.comment.empty() ? "" : std::string(" ") + dialect.comments[0] + " " + option.comment;
   return dialect.indentation + option.name + dialect.separator +
-         writtenValue(dialect, option.value, {false, dialect.indentation, "\n"}) + comment;
+         writtenValue(dialect, option.value, {false, true, dialect.indentation, "\n"}) + comment;
 }
 
 void writeValue(std::ostream& out, Form form, const Dialect& dialect, const Option& option,

@@ -63,7 +63,7 @@ std::vector<Fault> LibraryDocument::faults() const {
   const std::size_t lastLength = lines.size() - (lastBreak == std::string::npos ? 0 : lastBreak + 1);
   if (parsed.getLineCount() <= breaks || lastLength > inifile::kMaxLineLength)
     faults.push_back({parsed.getLineCount(), kLineTooLong});
-  std::ranges::stable_sort(faults, {}, &Fault::line);
+  addByteFaults(text(), kLineWithNul, false, faults);
   return faults;
 }
 

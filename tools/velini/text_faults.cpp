@@ -23,6 +23,10 @@ std::size_t firstLineWithoutSection(std::string_view text) {
   return 0;
 }
 
+std::size_t lineOf(std::string_view text, std::size_t at) {
+  return static_cast<std::size_t>(std::ranges::count(text.substr(0, at), '\n')) + 1;
+}
+
 }  // namespace
 
 bool isWide(std::string_view text) {
@@ -47,6 +51,20 @@ std::vector<Fault> faultsBeforeSection(std::string_view text) {
   if (const std::size_t line = firstLineWithoutSection(text); line != 0)
     faults.push_back({line, kNoSectionYet});
   return faults;
+}
+
+std::size_t findLoneReturn(std::string_view text) {
+  std::size_t at = text.find('\r');
+  while (at != std::string_view::npos && text.substr(at + 1, 1) == "\n") at = text.find('\r', at + 1);
+  return at;
+}
+
+void addByteFaults(std::string_view text, TextId nulFault, bool ignoresReturns, std::vector<Fault>& faults) {
+  const std::size_t nul = text.find('\0');
+  if (nul != std::string_view::npos) faults.push_back({lineOf(text, nul), nulFault});
+  const std::size_t loneReturn = ignoresReturns ? std::string_view::npos : findLoneReturn(text);
+  if (loneReturn != std::string_view::npos) faults.push_back({lineOf(text, loneReturn), kLoneReturn});
+  std::ranges::stable_sort(faults, {}, &Fault::line);
 }
 
 }  // namespace vel::velini

@@ -20,6 +20,12 @@ struct Fault {
 bool isWide(std::string_view text);
 bool hasUtf8Mark(std::string_view text);
 
+/// Adds the first NUL byte, as `nulFault`, and the first carriage return that no line feed follows, unless
+/// `ignoresReturns`. Sorts the faults by line.
+void addByteFaults(std::string_view text, TextId nulFault, bool ignoresReturns, std::vector<Fault>& faults);
+/// Returns the position of the first carriage return that no line feed follows, or npos.
+std::size_t findLoneReturn(std::string_view text);
+
 /// Returns the faults that keep a program from finding the first section.
 std::vector<Fault> faultsBeforeSection(std::string_view text);
 

@@ -37,6 +37,8 @@ enum TextId : unsigned long {
   kWideText,
   kByteOrderMark,
   kNulByte,
+  kLineWithNul,
+  kLoneReturn,
   kNoSectionYet,
   kBadName,
   kMalformedValue,
@@ -45,7 +47,7 @@ enum TextId : unsigned long {
 };
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 37",
+    "[VEL_MSGTAB_SIGNATURE] 39",
     "[VELINI]",
     "INI file tool",
     "reads, edits and checks INI files",
@@ -65,9 +67,10 @@ inline constexpr const char* kTexts[] = {
     "-list               print all options, or only those of the section\n"
     "-sections           print the names of all sections\n"
     "-check              print every syntax error as file:line: text, also a byte order mark,\n"
-    "                    UTF-16, and options before the first section\n"
+    "                    UTF-16, NUL bytes, carriage returns that do not end a line, lines that\n"
+    "                    are too long, and options before the first section\n"
     "-diff <file>        print the options that differ from those of a second file; exit code\n"
-    "                    0 if there are none, 1 otherwise\n"
+    "                    0 if there are none, 1 otherwise, also if no file has the section\n"
     "-set <assignment>   option=value: change the option, or add it, and its section\n"
     "-add <assignment>   option=value: add an option, which may exist only in dialects where\n"
     "                    options repeat\n"
@@ -143,8 +146,10 @@ inline constexpr const char* kTexts[] = {
     "the text is UTF-16 or UTF-32; convert it to UTF-8",
     "the file begins with a byte order mark, and programs may not find a section in the first line",
     "the text contains a NUL byte",
+    "the line contains a NUL byte; nothing of the line after it is read",
+    "a carriage return without a line feed does not end the line",
     "options before the first section are not read",
-    "the name of the option has a character that is not allowed",
+    "the name is missing or not allowed",
     "the value has a string without end or an unknown escape",
     "the name occurred before",
 };

@@ -55,6 +55,7 @@ class Tool : public vel::tools::CatalogTool {
   int fail(int exitCode, TextId id, const char* argument = nullptr) const;
   void readSwitches();
   void readTask();
+  std::vector<const char*> files() const;
   void readFormat();
   bool edits() const { return !steps_.empty(); }
   bool createsFile() const;
@@ -63,12 +64,13 @@ class Tool : public vel::tools::CatalogTool {
   bool read(VelClIniFileEditor& editor, const char* name) const;
   /// Returns the exit code, 0 if `document` is what the file contains.
   int load(VelClIniFileEditor& editor, const char* name, std::unique_ptr<Document>& document) const;
+  void warnOfCuts(const Document& document, const char* name) const;
   int runTask(const Document& document) const;
   template <typename Write>
   int show(Write write) const;
   int get(const Records& records, const char* option) const;
   int list(const Records& records) const;
-  int compare(const Records& records, const char* name) const;
+  int compare(const Records& records, const char* file) const;
   int check(const Document& document) const;
   int edit(Document& document) const;
   int apply(Document& document, const Step& step) const;
@@ -114,6 +116,7 @@ int Tool::run() {
 
 void Tool::readSwitches() {
   reqArgString("file", file_);
+  file_ = vel::tools::fileNamed(file_);
   hasArgString("section", section_);
   allowContinuation_ = !hasArgSwitch("nocontinue");
   const char* dialect = nullptr;
@@ -135,6 +138,16 @@ void Tool::readTask() {
     queries += hasArgSwitch(query) ? 1 : 0;
   if (queries + (edits() ? 1 : 0) != 1) refuse(kExactlyOneTask);
   if (hasArgSwitch("get") && section_ == nullptr) refuse(kSectionRequired);
+  refuseRepeatedInput(files());
+}
+
+/// Returns the files that the command line names.
+std::vector<const char*> Tool::files() const {
+  std::vector<const char*> names{file_, nullptr};
+  hasArgString("diff", names[1]);
+  for (const Step& step : steps_)
+    if (const auto* const name = std::get_if<const char*>(&step)) names.push_back(*name);
+  return names;
 }
 
 void Tool::readFormat() {
@@ -199,7 +212,16 @@ int Tool::load(VelClIniFileEditor& editor, const char* name, std::unique_ptr<Doc
   // The dialects do not have NUL, and the forms of output cannot write it.
   if (dialect_ != &kLibraryDialect && text.find('\0') != std::string_view::npos)
     return fail(kExitNotRead, kNulByte, name);
+  if (dialect_ == &kLibraryDialect) warnOfCuts(*document, name);
   return 0;
+}
+
+/// The library does not read all of such lines, and reports no error. So the user has to learn that a value
+/// may be cut.
+void Tool::warnOfCuts(const Document& document, const char* name) const {
+  for (const Fault& fault : document.faults())
+    if (fault.text == kLineTooLong || fault.text == kLineWithNul)
+      warning(text(fault.text).c_str(), name, std::to_string(fault.line).c_str());
 }
 
 int Tool::runTask(const Document& document) const {
@@ -242,12 +264,16 @@ int Tool::list(const Records& records) const {
   return show([&](std::ostream& out, ShellNames& names) { writeOptions(out, form_, records, only, names); });
 }
 
-int Tool::compare(const Records& records, const char* name) const {
+int Tool::compare(const Records& records, const char* file) const {
+  const char* const name = vel::tools::fileNamed(file);
   VelClIniFileEditor editor(name);
   if (isNamedAsGiven(name)) editor.setFileType("");
   std::unique_ptr<Document> other;
   if (const int exitCode = load(editor, name, other); exitCode != 0) return exitCode;
-  return writeDifferences(std::cout, form_, records, other->records(), section_) ? kExitDifferent : 0;
+  const Records others = other->records();
+  if (section_ != nullptr && records.find(section_) == nullptr && others.find(section_) == nullptr)
+    return fail(kExitNotFound, kNotFound, section_);
+  return writeDifferences(std::cout, form_, records, others, section_) ? kExitDifferent : 0;
 }
 
 int Tool::check(const Document& document) const {
@@ -264,15 +290,21 @@ int Tool::edit(Document& document) const {
   return 0;
 }
 
+/// Returns the name that an edit failed for.
+const std::string& concernedName(const Document& document, const Edit& edit, EditResult result) {
+  const bool renames = edit.kind == EditKind::Rename || edit.kind == EditKind::RenameSection;
+  if (renames && result != EditResult::NotFound) return edit.value;
+  const bool isSectionMissing =
+      result == EditResult::NotFound && document.records().find(edit.section) == nullptr;
+  return isSectionMissing || edit.option.empty() ? edit.section : edit.option;
+}
+
 int Tool::apply(Document& document, const Step& step) const {
   if (const Edit* const edit = std::get_if<Edit>(&step); edit != nullptr) {
     const EditResult result = document.apply(*edit);
-    const bool isSectionMissing =
-        result == EditResult::NotFound && document.records().find(edit->section) == nullptr;
-    const bool isOfSection = isSectionMissing || edit->option.empty();
-    return reportEdit(result, (isOfSection ? edit->section : edit->option).c_str());
+    return reportEdit(result, concernedName(document, *edit, result).c_str());
   }
-  const char* const name = std::get<const char*>(step);
+  const char* const name = vel::tools::fileNamed(std::get<const char*>(step));
   VelClIniFileEditor editor(name);
   if (isNamedAsGiven(name)) editor.setFileType("");
   std::unique_ptr<Document> other;
@@ -326,7 +358,7 @@ int vel::tools::toolMain(int argc, char** argv) {
   velFileSetBinaryMode(vel::platform::kStandardOutput, true);
   const vel::tools::ToolTexts texts{kToolName, kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
   if (vel::tools::answerStandardSwitches(argc, argv, texts)) return std::cout.good() ? 0 : kExitNotWritten;
-  const std::vector<const char*> arguments = vel::tools::withStandardStream(argc, argv);
+  const std::vector<const char*> arguments(argv, argv + argc);
   const std::vector<const char*> checked = withoutRepeats(arguments);
   Tool tool(arguments, checked);
   int exitCode = 0;

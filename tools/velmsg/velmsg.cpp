@@ -104,6 +104,9 @@ Tool::Catalog Tool::openSource() const {
   const bool builtIn = hasArgSwitch("builtin");
   if (hasFile && builtIn) refuse(kSourcesConflict);
   if (!hasFile && !builtIn) refuse(kSourceRequired);
+  const char* second = nullptr;
+  hasArgString("diff", second);
+  refuseRepeatedInput({file, second});
   if (hasFile) return open(file);
   unsigned long size = 0;
   const char* const* table = velMsgCatGetBuiltInTable(&size);
@@ -113,12 +116,11 @@ Tool::Catalog Tool::openSource() const {
 Tool::Catalog Tool::open(const char* file) const {
   // A catalog needs its file only while it is opened.
   std::optional<vel::tools::SpooledInput> input;
-  const bool isInput = std::strcmp(file, "-") == 0;
+  const bool isInput = vel::tools::fileNamed(file) == vel::tools::kStandardStream;
   if (isInput) input.emplace("DLL");
   Catalog catalog = openCatalogFile(isInput ? input->name() : file);
   input.reset();
-  if (!catalog->isValid())
-    end(kCatalogNotLoaded, isInput ? vel::tools::kStandardStream : catalog->getAsCString(), kExitNoCatalog);
+  if (!catalog->isValid()) end(kCatalogNotLoaded, vel::tools::fileNamed(file), kExitNoCatalog);
   return catalog;
 }
 
