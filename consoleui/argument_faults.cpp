@@ -12,6 +12,12 @@
 namespace vel::consoleui {
 namespace {
 
+/// Returns the name that a switch has after its first character; empty for an empty argument.
+std::string_view nameOf(const PositionCursor& argument) {
+  const std::string_view text(argument.getAsCString());
+  return text.substr(std::min<std::size_t>(1, text.size()));
+}
+
 const ArgumentOrigin* originOf(const VelClConsoleUI& ui, const PositionCursor& argument) {
   const Conventions* const conventions = settingsOf(ui).conventions();
   return conventions != nullptr ? &conventions->line().originAt(argument.getIndex()) : nullptr;
@@ -106,7 +112,7 @@ bool hasUnwantedValue(const VelClConsoleUI& ui, const PositionCursor& argument) 
 bool isBuiltInWithValue(const VelClConsoleUI& ui, const Words& words, const PositionCursor& argument) {
   if (!hasAttachedValue(ui, argument)) return false;
   const VelClMessage letters = words[Word::HelpLetters];
-  const std::string_view name(argument.getAsCString() + 1);
+  const std::string_view name = nameOf(argument);
   if (name.size() == 1 && std::string_view(letters.getAsCString()).find(name[0]) != std::string_view::npos)
     return true;
   return name == "-help" || name == "-version" || isNamed(argument, words[Word::Quiet].getAsCString()) ||
@@ -153,7 +159,7 @@ bool mayAbbreviateBuiltIn(const VelClConsoleUI& ui, const Words& words) {
   PositionCursor argument(ui);
   for (bool more = argument.setToFirst(); more; more = argument.setToNext()) {
     if (!argument.isSwitch()) continue;
-    const std::string_view typed(argument.getAsCString() + 1);
+    const std::string_view typed = nameOf(argument);
     for (const std::string_view name : names)
       if (typed.size() < name.size() && name.starts_with(typed)) return true;
   }
