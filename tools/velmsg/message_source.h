@@ -21,6 +21,9 @@ struct SourcePosition {
   std::size_t column = 0;
 };
 
+/// The index of no name.
+inline constexpr std::size_t kNoName = static_cast<std::size_t>(-1);
+
 /// A name from SeverityNames or FacilityNames.
 struct NamedNumber {
   std::string name;  ///< as first written; names are compared without regard to case
@@ -51,8 +54,10 @@ struct SourceText {
 struct SourceMessage {
   std::uint32_t id = 0;      ///< with severity and facility, as programs use it
   std::string symbolicName;  ///< empty if it has none
-  std::size_t severity = 0;  ///< index into MessageSource::severities
-  std::size_t facility = 0;  ///< index into MessageSource::facilities
+  /// Indexes into MessageSource::severities and facilities; kNoName, which means 0, before the first
+  /// statement of this kind.
+  std::size_t severity = kNoName;
+  std::size_t facility = kNoName;
   std::string idTypedef;     ///< the MessageIdTypedef that is valid here; empty if there is none
   unsigned outputBase = 16;  ///< 10 or 16: how the header of identifiers writes the id
   /// The comment lines after the message before, without their ";".
