@@ -149,17 +149,20 @@ std::vector<Output> makeOutputs(const Compilation& compilation, const MessageSou
   return outputs;
 }
 
-/// Puts the files in place when all of them are written. Returns the name of one that failed, or null.
-const char* writeOutputs(const std::vector<Output>& outputs) {
+/// Puts the files in place when all of them are written.
+CompileOutcome writeOutputs(const std::vector<Output>& outputs) {
   std::vector<platform::ReplacingFile> files(outputs.size());
   for (std::size_t i = 0; i < files.size(); ++i) {
     const Output& output = outputs[i];
     if (files[i].start(output.name) != 0 || files[i].write(output.bytes.data(), output.bytes.size()) != 0)
-      return output.name;
+      return {CompileResult::NotWritten, output.name};
   }
-  for (std::size_t i = 0; i < files.size(); ++i)
-    if (files[i].finish() != 0) return outputs[i].name;
-  return nullptr;
+  CompileOutcome outcome{CompileResult::Written, nullptr};
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    if (files[i].finish() != 0) return {CompileResult::NotWritten, outputs[i].name};
+    if (!files[i].keepsRights()) outcome.changedRights.push_back(outputs[i].name);
+  }
+  return outcome;
 }
 
 }  // namespace
@@ -179,15 +182,13 @@ bool readMessageSources(const std::vector<const char*>& files, const VelClCCSID&
   return diagnostics.empty();
 }
 
-CompileResult compile(const Compilation& compilation, MessageSource& source, Diagnostics& diagnostics,
-                      const char*& file) {
+CompileOutcome compile(const Compilation& compilation, MessageSource& source, Diagnostics& diagnostics) {
+  const char* file = nullptr;
   if (!readMessageSources(compilation.sources, compilation.codepage, source, diagnostics, file))
-    return file != nullptr ? CompileResult::NotRead : CompileResult::Faulty;
+    return {file != nullptr ? CompileResult::NotRead : CompileResult::Faulty, file};
   selectLanguages(compilation.languages, source, diagnostics);
   const auto outputs = makeOutputs(compilation, source, diagnostics);
-  if (!diagnostics.empty()) return CompileResult::Faulty;
-  file = writeOutputs(outputs);
-  return file != nullptr ? CompileResult::NotWritten : CompileResult::Written;
+  return diagnostics.empty() ? writeOutputs(outputs) : CompileOutcome{CompileResult::Faulty, nullptr};
 }
 
 }  // namespace vel::velmsg

@@ -48,6 +48,7 @@ enum TextId : unsigned long {
   kMoreFaults,
   kSourceNotRead,
   kOutputNotWritten,
+  kRightsChanged,
   kOutputRequired,
   kCompileRequired,
   kUnknownCcsid,
@@ -55,7 +56,7 @@ enum TextId : unsigned long {
 };
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 47",
+    "[VEL_MSGTAB_SIGNATURE] 48",
     "[VELMSG]",
     "Message catalog inspector",
     "shows the contents of a message catalog",
@@ -137,6 +138,7 @@ inline constexpr const char* kTexts[] = {
     "Further faults",
     "The file could not be read",
     "The file could not be written",
+    "The file was written, but its owner or permissions could not be kept",
     "-compile requires -out, -header or -table",
     "-out, -header, -table, -codepage, -ansi and -languages require -compile",
     "Unknown CCSID",

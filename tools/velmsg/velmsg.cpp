@@ -202,12 +202,12 @@ void Tool::compileSources() const {
     compilation.tableLanguage = static_cast<std::uint16_t>(requireNumber(value));
   MessageSource source;
   Diagnostics diagnostics;
-  const char* file = nullptr;
-  const CompileResult result = compile(compilation, source, diagnostics, file);
+  const CompileOutcome outcome = compile(compilation, source, diagnostics);
   showDiagnostics(source, diagnostics);
-  if (result == CompileResult::NotRead) end(kSourceNotRead, file, kExitNoCatalog);
-  if (result == CompileResult::NotWritten) end(kOutputNotWritten, file, kExitNotWritten);
-  if (result == CompileResult::Faulty) processExit(kExitNotFound);
+  for (const char* const name : outcome.changedRights) report(kRightsChanged, name);
+  if (outcome.result == CompileResult::NotRead) end(kSourceNotRead, outcome.file, kExitNoCatalog);
+  if (outcome.result == CompileResult::NotWritten) end(kOutputNotWritten, outcome.file, kExitNotWritten);
+  if (outcome.result == CompileResult::Faulty) processExit(kExitNotFound);
 }
 
 /// Writes a line for each diagnostic in the form that editors and build logs know.
