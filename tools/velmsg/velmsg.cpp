@@ -199,7 +199,7 @@ void Tool::compileSources() const {
   if (hasArgString("codepage", value)) compilation.codepage = requireCcsid(value);
   if (hasArgString("ansi", value)) compilation.ansi = requireCcsid(value);
   if (hasArgString("lang", value))
-    compilation.tableLanguage = static_cast<std::uint16_t>(requireNumber(value));
+    compilation.tableLanguage = requireNumber(value);
   MessageSource source;
   Diagnostics diagnostics;
   const CompileOutcome outcome = compile(compilation, source, diagnostics);
