@@ -18,6 +18,7 @@ std::map<std::string, std::string> makeFiles() {
   return {{"a.ini", settings},
           {"b.ini", "[B]\nx=1\n"},
           {"dump", vel::test::runChild("veldump", {directory.path("a.ini")}).output},
+          {"a.mc", "MessageId=1\nLanguage=English\na\n.\n"},
           {"catalog.DLL", vel::test::readFile("small_catalog.DLL")},
           {"tour.trc", vel::test::readFile(VEL_TEST_DATA "../trace/test/tour.trc")}};
 }

@@ -78,7 +78,8 @@ VEL_C_API size_t velLocaleGetFallback(const char* name, char* out, size_t capaci
 
 namespace vel::messages {
 class CatalogLibrary;
-}
+struct CatalogContents;
+}  // namespace vel::messages
 
 /// A catalog of messages, numbered from 1 (in string tables, from 2). Its texts come from a message-table
 /// resource library (a Windows DLL, read from its file on every system) in the user's language. If no library
@@ -191,6 +192,49 @@ class VEL_API VelClMessageCatalogCursor : public VelClUniDirCursorABase {
   size_t count_;
   size_t index_;
   char* text_;
+};
+
+/// Writes a catalog: a Windows DLL for 64 bits without code, with a message table for each language. The
+/// loader and the message formatter of Windows accept it, and VelClMessageCatalog on every system. The same
+/// texts give the same bytes on every system, whatever their order.
+///
+/// A function that fails returns false and stores the reason in getLastError; one that succeeds clears it.
+/// Only lack of memory throws (VelClExceptionFatal).
+class VEL_API VelClMessageCatalogWriter : public VelClFile {
+ public:
+  /// Names the file like the constructor of VelClMessageCatalog: by default the extension is replaced by
+  /// ".DLL". Nothing is written.
+  explicit VelClMessageCatalogWriter(const VelClFilename& name, VelClMessageCatalog::VelEnFile file =
+                                                                    VelClMessageCatalog::VelEnFile::LIBRARY);
+  VelClMessageCatalogWriter(const VelClMessageCatalogWriter&) = delete;
+  VelClMessageCatalogWriter& operator=(const VelClMessageCatalogWriter&) = delete;
+  ~VelClMessageCatalogWriter() override;
+
+  /// Sets the text of a message in one language, a Windows language number; it replaces an earlier one. The
+  /// text is UTF-8, need not be NUL-terminated, and is stored as UTF-16. Escapes and line breaks are stored
+  /// as they are; message compilers end lines with "\r\n". Fails with CONUI_MSGCAT_CORRUPTED: with
+  /// INVALID_DATA if the text is not well-formed UTF-8 or contains a NUL, and with DATA_OUT_OF_BOUNDS if it
+  /// is longer than 32,763 units of UTF-16, the language has more than 16 bits or the id more than 32. Texts
+  /// of more than VEL_MAX_MESSAGE_LENGTH bytes are stored, but VelClMessage does not load them.
+  bool setText(unsigned int language, unsigned long id, const char* text, size_t size);
+  /// Same, but stores the bytes as they are: text in the ANSI code page that the programs use. At most 65,527
+  /// bytes.
+  bool setSingleByteText(unsigned int language, unsigned long id, const char* text, size_t size);
+
+  /// Returns the contents of the file, valid until the next call of any function. Fails with
+  /// CONUI_MSGCAT_CORRUPTED and DATA_OUT_OF_BOUNDS if there is no text, if there are 65,536 languages, or if
+  /// the file would be larger than the 64 MB that VelClMessageCatalog reads.
+  bool getBytes(const unsigned char*& bytes, size_t& size);
+  /// Writes the file like VelClIniFileSave::save: after a crash at any point there is either the old file or
+  /// the new one. Fails like getBytes, or with FILE_COULD_NOT_COPY and IO_PERMISSION_DENIED or
+  /// IO_WRITE_PROBLEM.
+  bool write();
+
+ private:
+  bool set(unsigned int language, unsigned long id, const char* text, size_t size, bool unicode);
+  bool build();
+
+  vel::messages::CatalogContents* contents_;
 };
 
 /// One message with its inserts expanded. It always has a text: if the message cannot be loaded, the text

@@ -18,18 +18,56 @@ enum TextId : unsigned long {
   kSourcesConflict,
   kSourceRequired,
   kLangRequiresList,
+  kIllFormedSource,
+  kNoConversion,
+  kUnknownStatement,
+  kEqualsExpected,
+  kListExpected,
+  kListNotClosed,
+  kNameAndNumberExpected,
+  kNumberTooLarge,
+  kNameDeclaredTwice,
+  kWrongOutputBase,
+  kMessageIdExpected,
+  kUnknownSeverity,
+  kUnknownFacility,
+  kUnknownLanguage,
+  kLineEndExpected,
+  kLanguageUsedTwice,
+  kTextNotEnded,
+  kNulInText,
+  kMessageWithoutText,
+  kNumberUsedTwice,
+  kSymbolUsedTwice,
+  kNotInTable,
+  kInsertNotInTable,
+  kNoMessages,
+  kCatalogTooLarge,
+  kNotInCodepage,
+  kTextTooLong,
+  kMoreFaults,
+  kSourceNotRead,
+  kOutputNotWritten,
+  kRightsChanged,
+  kOutputRequired,
+  kCompileRequired,
+  kUnknownCcsid,
   kTextEnd
 };
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 14",
+    "[VEL_MSGTAB_SIGNATURE] 48",
     "[VELMSG]",
     "Message catalog inspector",
     "shows the contents of a message catalog",
     "[(-cat <file>)] [-builtin]\n"
     "[-list] [(-lang <number>)] [-langs]\n"
     "[(-id <id>) [(-var <text>) [<text> ...]]]\n"
-    "[(-diff <file>)] [(-error <number>)]",
+    "[(-diff <file>)] [(-error <number>)]\n"
+    "[(-compile <source>) [<source> ...]]\n"
+    "[(-out <file>)] [(-header <file>)] [(-table <file>)]\n"
+    "[(-codepage <ccsid>)] [(-ansi <ccsid>)]\n"
+    "[(-languages <name>) [<name> ...]]",
     "-cat <file>      the message catalog, with or without directory; the extension is replaced\n"
     "                 by .DLL. If there is no such library, the file itself: any DLL, program\n"
     "                 or .mui file with a message table. For a library without one, the .mui\n"
@@ -37,7 +75,7 @@ inline constexpr const char* kTexts[] = {
     "                 - is standard input\n"
     "-builtin         the library's built-in messages instead of a catalog\n"
     "-list            list every message: id, language number, text\n"
-    "-lang <number>   list only this language, for example 1031\n"
+    "-lang <number>   list only this language, for example 1031, or write -table in it\n"
     "-langs           list the languages of the catalog: language number, number of messages\n"
     "-id <id>         print one message in the user's language\n"
     "-var <text> ...  the inserts of the message, up to ten; missing ones show as ???\n"
@@ -46,22 +84,64 @@ inline constexpr const char* kTexts[] = {
     "                 standard input\n"
     "-error <number>  print all names of a number: identifier, class, severity, action, and\n"
     "                 Windows error code\n"
+    "-compile <source> ...  compile message sources to one catalog; - is standard input\n"
+    "-out <file>      the catalog to write, a resource-only DLL for 64 bits\n"
+    "-header <file>   write a C header with a macro for each symbolic name\n"
+    "-table <file>    write a C++ file with the texts as a string table, in the language of\n"
+    "                 -lang, or in English\n"
+    "-codepage <ccsid>  code page of sources without byte order mark; UTF-8 by default\n"
+    "-ansi <ccsid>    store texts in this code page instead of UTF-16\n"
+    "-languages <name> ...  compile only these languages, by their names or numbers\n"
     "@\n"
     "Data is written to standard output, everything else to standard error. Columns are\n"
     "separated by tabs; in listed texts \\n, \\t and \\\\ mean line break, tab and backslash.\n"
     "Listings of Unicode catalogs are in UTF-8 on every system. A message printed by -id is\n"
     "in the code page of the process, as programs see it. A number is decimal or, after 0x,\n"
     "hexadecimal. --help and --version take precedence over all other arguments.\n"
-    "Exit codes: 0 success, 1 not found or different, 2 catalog not loaded, 3 output not\n"
-    "written, 200 out of memory, 201 to 204 errors in the command line.",
+    "Exit codes: 0 success, 1 not found, different, or mistakes in a source, 2 file not read,\n"
+    "3 output not written, 200 out of memory, 201 to 204 errors in the command line.",
     "The message catalog could not be loaded",
     "A number is expected",
     "This number has no name",
     "Unexpected argument",
-    "Exactly one of -list, -langs, -id, -diff and -error must be given",
+    "Exactly one of -list, -langs, -id, -diff, -error and -compile must be given",
     "-cat and -builtin cannot be combined",
     "A message catalog is required: -cat or -builtin",
-    "-lang requires -list",
+    "-lang requires -list or -table",
+    "The source is ill-formed in its code page at these bytes",
+    "There is no conversion from the code page of the source",
+    "Unknown statement",
+    "A \"=\" is expected",
+    "A \"(\" is expected",
+    "The \")\" of the list is missing",
+    "A name, \"=\" and a number are expected",
+    "The number is too large",
+    "The name is already declared with another number",
+    "OutputBase must be 10 or 16",
+    "A MessageId statement is expected before",
+    "Unknown severity",
+    "Unknown facility",
+    "Unknown language",
+    "The end of the line is expected",
+    "The message already has a text in this language",
+    "The text is not ended by a line with a single full stop",
+    "The text contains a NUL",
+    "The message has no text",
+    "The number of the message is already used",
+    "The symbolic name is already used",
+    "A string table cannot hold a message of this number",
+    "A string table cannot hold an insert of this form",
+    "The sources have no messages",
+    "The catalog would be larger than 64 MB or have too many languages",
+    "The text has a character that the code page of the catalog does not have",
+    "The text is longer than a catalog can hold",
+    "Further faults",
+    "The file could not be read",
+    "The file could not be written",
+    "The file was written, but its owner or permissions could not be kept",
+    "-compile requires -out, -header or -table",
+    "-out, -header, -table, -codepage, -ansi and -languages require -compile",
+    "Unknown CCSID",
 };
 static_assert(tools::isStringTable(kTexts, kTextEnd));
 

@@ -1,8 +1,11 @@
-// velmsg: shows the contents of a message catalog, compares two, and names error codes.
+// velmsg: shows the contents of a message catalog, compares two, compiles message sources, and names error
+// codes.
 //
 // The usage string defines which switches have values; which of them can be combined is checked here. The
 // tool's own texts are separate from the catalog that is shown, see CatalogTool.
+#include <algorithm>
 #include <cstring>
+#include <initializer_list>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -10,11 +13,13 @@
 
 #include "platform/descriptors.h"
 #include "tools/catalog_tool.h"
+#include "tools/ccsids.h"
 #include "tools/spooled_input.h"
 #include "tools/standard_switches.h"
 #include "tools/tool_main.h"
 #include "tools/velmsg/catalog_file.h"
 #include "tools/velmsg/catalog_report.h"
+#include "tools/velmsg/compiler.h"
 #include "tools/velmsg/error_names.h"
 #include "tools/velmsg/texts.h"
 #include "vel_include/vel_consoleui.h"
@@ -40,6 +45,7 @@ class Tool : public vel::tools::CatalogTool {
 
   /// Reports a fatal error, after the output so far, and ends the process.
   [[noreturn]] void end(TextId text, const char* argument, int exitCode) const;
+  std::vector<const char*> valuesOf(const char* name) const;
   std::vector<const char*> readInserts() const;
   void checkTasks() const;
   Catalog openSource() const;
@@ -48,6 +54,9 @@ class Tool : public vel::tools::CatalogTool {
   std::uint32_t requireNumber(const char* text) const;
   bool showMessage(const VelClMessageCatalog& catalog, unsigned long id) const;
   void showErrorNames(const char* number) const;
+  VelClCCSID requireCcsid(const char* text) const;
+  void compileSources() const;
+  void showDiagnostics(const MessageSource& source, const Diagnostics& diagnostics) const;
 };
 
 void Tool::end(TextId id, const char* argument, int exitCode) const {
@@ -63,35 +72,52 @@ void Tool::run() {
     showErrorNames(number);
     return;
   }
+  if (hasArgSwitch("compile")) {
+    compileSources();
+    return;
+  }
   if (!runTask(*openSource())) {
     std::cout.flush();
     processExit(kExitNotFound);
   }
 }
 
-/// Requires exactly one task, and -lang only with -list, which the usage string cannot express.
+/// Requires exactly one task, and no switch of another one, which the usage string cannot express.
 void Tool::checkTasks() const {
-  int tasks = 0;
-  for (const char* task : {"list", "langs", "id", "diff", "error"}) tasks += hasArgSwitch(task) ? 1 : 0;
-  if (tasks != 1) refuse(kExactlyOneTask);
-  if (hasArgSwitch("lang") && !hasArgSwitch("list")) refuse(kLangRequiresList);
+  const auto count = [this](std::initializer_list<const char*> switches) {
+    return std::ranges::count_if(switches, [this](const char* name) { return hasArgSwitch(name); });
+  };
+  if (count({"list", "langs", "id", "diff", "error", "compile"}) != 1) refuse(kExactlyOneTask);
+  if (hasArgSwitch("lang") && count({"list", "table"}) == 0) refuse(kLangRequiresList);
+  const bool compiles = hasArgSwitch("compile");
+  const auto outputs = count({"out", "header", "table"});
+  if (compiles && outputs == 0) refuse(kOutputRequired);
+  if (!compiles && outputs + count({"codepage", "ansi", "languages"}) != 0) refuse(kCompileRequired);
   readInserts();
 }
 
-/// Returns the texts after -var, padded with nulls to the maximum number of inserts. The usage string has to
-/// allow free arguments for them, so a free argument anywhere else is refused here.
-std::vector<const char*> Tool::readInserts() const {
-  std::vector<const char*> inserts;
-  bool open = false;
+/// Returns the values of a switch that may have several. The usage string has to allow free arguments for
+/// them, so a free argument after any other switch is refused here.
+std::vector<const char*> Tool::valuesOf(const char* name) const {
+  std::vector<const char*> values;
+  bool isWanted = false, isList = false;
   VelClArgvCheckCursor argument(*this);
   for (bool more = argument.setToFirst(); more; more = argument.setToNext()) {
-    if (argument.isSwitch())
-      open = argument.matches("var");
-    else if (open)
-      inserts.push_back(argument.getAsCString());
-    else if (argument.isFree())
+    if (argument.isSwitch()) {
+      isWanted = argument.matches(name);
+      isList = argument.matches("var") || argument.matches("compile") || argument.matches("languages");
+    } else if (isWanted) {
+      values.push_back(argument.getAsCString());
+    } else if (!isList && argument.isFree()) {
       refuse(kUnexpectedArgument, argument.getAsCString());
+    }
   }
+  return values;
+}
+
+/// Returns the texts after -var, padded with nulls to the maximum number of inserts.
+std::vector<const char*> Tool::readInserts() const {
+  std::vector<const char*> inserts = valuesOf("var");
   if (inserts.size() > VEL_MAX_MESSAGE_VARIABLES)
     refuse(kUnexpectedArgument, inserts[VEL_MAX_MESSAGE_VARIABLES]);
   inserts.resize(VEL_MAX_MESSAGE_VARIABLES);
@@ -156,6 +182,44 @@ bool Tool::showMessage(const VelClMessageCatalog& catalog, unsigned long id) con
 
 void Tool::showErrorNames(const char* text) const {
   if (!listErrorNames(std::cout, requireNumber(text))) end(kUnknownNumber, text, kExitNotFound);
+}
+
+VelClCCSID Tool::requireCcsid(const char* text) const {
+  VelClCCSID ccsid(0);
+  if (!vel::tools::parseCcsid(text, ccsid)) end(kUnknownCcsid, text, CONUI_ARG_VALUE_TYPE_MISMATCH);
+  return ccsid;
+}
+
+void Tool::compileSources() const {
+  Compilation compilation;
+  compilation.sources = valuesOf("compile");
+  compilation.languages = valuesOf("languages");
+  hasArgString("out", compilation.catalog);
+  hasArgString("header", compilation.header);
+  hasArgString("table", compilation.table);
+  const char* value = nullptr;
+  if (hasArgString("codepage", value)) compilation.codepage = requireCcsid(value);
+  if (hasArgString("ansi", value)) compilation.ansi = requireCcsid(value);
+  if (hasArgString("lang", value))
+    compilation.tableLanguage = requireNumber(value);
+  MessageSource source;
+  Diagnostics diagnostics;
+  const CompileOutcome outcome = compile(compilation, source, diagnostics);
+  showDiagnostics(source, diagnostics);
+  for (const char* const name : outcome.changedRights) report(kRightsChanged, name);
+  if (outcome.result == CompileResult::NotRead) end(kSourceNotRead, outcome.file, kExitNoCatalog);
+  if (outcome.result == CompileResult::NotWritten) end(kOutputNotWritten, outcome.file, kExitNotWritten);
+  if (outcome.result == CompileResult::Faulty) processExit(kExitNotFound);
+}
+
+/// Writes a line for each diagnostic in the form that editors and build logs know.
+void Tool::showDiagnostics(const MessageSource& source, const Diagnostics& diagnostics) const {
+  for (const Diagnostic& diagnostic : diagnostics) {
+    std::cerr << positionText(source, diagnostic.position) << ": " << text(diagnostic.text);
+    if (!diagnostic.argument.empty()) std::cerr << ": " << diagnostic.argument;
+    std::cerr << '\n';
+  }
+  if (diagnostics.size() == kMaxDiagnostics) std::cerr << text(kMoreFaults) << '\n';
 }
 
 }  // namespace

@@ -1,0 +1,204 @@
+// Compiles message sources. Everything is made in memory first, so that a mistake leaves all files as they
+// were.
+#include "tools/velmsg/compiler.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "base/ascii.h"
+#include "platform/replacing_file.h"
+#include "tools/velmsg/error_names.h"
+#include "tools/velmsg/identifier_header.h"
+#include "tools/velmsg/source_encoding.h"
+#include "tools/velmsg/table_writer.h"
+#include "tools/velmsg/texts.h"
+#include "vel_include/vel_messages.h"
+#include "vel_include/vel_strict_conversion.h"
+
+namespace vel::velmsg {
+namespace {
+
+/// More than the largest catalog needs. Endless input ends here.
+constexpr std::size_t kMaxSourceSize = std::size_t{512} << 20;
+
+bool readBytes(int descriptor, std::string& bytes) {
+  std::size_t size = 0;
+  do {
+    const std::size_t before = bytes.size();
+    if (before > kMaxSourceSize) return false;
+    bytes.resize(before + std::max<std::size_t>(before, 65536));
+    if (platform::readBytes(descriptor, bytes.data() + before, bytes.size() - before, size) != 0)
+      return false;
+    bytes.resize(before + size);
+  } while (size != 0);
+  return true;
+}
+
+bool readFile(const char* name, std::string& bytes) {
+  if (std::strcmp(name, "-") == 0) {
+    velFileSetBinaryMode(platform::kStandardInput, true);
+    return readBytes(platform::kStandardInput, bytes);
+  }
+  platform::ReadableFile file;
+  return file.open(name, platform::PipeWithoutWriter::Wait) == 0 && readBytes(file.descriptor(), bytes);
+}
+
+/// Converts texts to single bytes; one object for all texts, because opening a conversion takes long.
+class AnsiConverter : private VelClConversionSink {
+ public:
+  explicit AnsiConverter(const VelClCCSID& codepage) : conversion_(VelClCCSID::CCSID_UTF8, codepage) {}
+
+  bool isSupported() const { return conversion_.isSupported(); }
+  /// Returns false if the code page does not have all characters.
+  bool convert(const std::string& text) {
+    bytes_.clear();
+    conversion_.restart();
+    return conversion_.convert(text.data(), text.size(), *this) && conversion_.finish(*this);
+  }
+  const std::string& bytes() const { return bytes_; }
+
+ private:
+  void write(const char* bytes, std::size_t size) override { bytes_.append(bytes, size); }
+
+  VelClStrictConversion conversion_;
+  std::string bytes_;
+};
+
+/// Adds all texts to a catalog and reports those that it cannot hold.
+class CatalogBuilder {
+ public:
+  CatalogBuilder(const MessageSource& source, const std::optional<VelClCCSID>& ansi, Diagnostics& diagnostics)
+      : source_(source), diagnostics_(diagnostics), writer_(VelClFilename()) {
+    if (ansi) converter_.emplace(*ansi);
+  }
+
+  std::string build() {
+    if (converter_ && !converter_->isSupported()) {
+      addDiagnostic(diagnostics_, {{}, kNoConversion, {}});
+      return {};
+    }
+    for (const SourceMessage& message : source_.messages)
+      for (const SourceText& text : message.texts) add(message.id, text);
+    const unsigned char* bytes = nullptr;
+    std::size_t size = 0;
+    if (writer_.getBytes(bytes, size)) return {bytes, bytes + size};
+    addDiagnostic(diagnostics_, {{}, source_.messages.empty() ? kNoMessages : kCatalogTooLarge, {}});
+    return {};
+  }
+
+ private:
+  void add(std::uint32_t id, const SourceText& text) {
+    const unsigned int language = source_.languages[text.language].number;
+    const std::string stored = storedText(text.text);
+    if (converter_ && !converter_->convert(stored)) return report(text, kNotInCodepage);
+    const std::string& bytes = converter_ ? converter_->bytes() : stored;
+    const bool isSet = converter_ ? writer_.setSingleByteText(language, id, bytes.data(), bytes.size())
+                                  : writer_.setText(language, id, bytes.data(), bytes.size());
+    if (!isSet) report(text, kTextTooLong);
+  }
+  void report(const SourceText& text, TextId id) { addDiagnostic(diagnostics_, {text.position, id, {}}); }
+
+  const MessageSource& source_;
+  Diagnostics& diagnostics_;
+  VelClMessageCatalogWriter writer_;
+  std::optional<AnsiConverter> converter_;
+};
+
+bool isLanguage(const SourceLanguage& language, const char* nameOrNumber) {
+  std::uint32_t number = 0;
+  if (parseNumber(nameOrNumber, number)) return language.number == number;
+  return equalsIgnoringAsciiCase(language.name.c_str(), nameOrNumber);
+}
+
+/// Removes the texts in other languages, unless the list is empty. Reports languages that the source does not
+/// know.
+void selectLanguages(const std::vector<const char*>& languages, MessageSource& source,
+                     Diagnostics& diagnostics) {
+  if (languages.empty()) return;
+  std::vector<bool> isSelected(source.languages.size());
+  for (const char* const name : languages) {
+    bool isKnown = false;
+    for (std::size_t i = 0; i < isSelected.size(); ++i) {
+      if (!isLanguage(source.languages[i], name)) continue;
+      isKnown = isSelected[i] = true;
+    }
+    if (!isKnown) addDiagnostic(diagnostics, {{}, kUnknownLanguage, name});
+  }
+  for (SourceMessage& message : source.messages)
+    std::erase_if(message.texts, [&](const SourceText& text) { return !isSelected[text.language]; });
+}
+
+struct Output {
+  const char* name;
+  std::string bytes;
+};
+
+/// Returns the language that the user names, or the one that the source suggests.
+std::uint16_t chooseTableLanguage(const Compilation& compilation, const MessageSource& source,
+                                  Diagnostics& diagnostics) {
+  if (!compilation.tableLanguage) return languageOfTable(source);
+  const std::uint32_t number = *compilation.tableLanguage;
+  const auto hasNumber = [number](const SourceLanguage& language) { return language.number == number; };
+  if (std::ranges::none_of(source.languages, hasNumber))
+    addDiagnostic(diagnostics, {{}, kUnknownLanguage, std::to_string(number)});
+  return static_cast<std::uint16_t>(number);
+}
+
+std::vector<Output> makeOutputs(const Compilation& compilation, const MessageSource& source,
+                                Diagnostics& diagnostics) {
+  std::vector<Output> outputs;
+  if (compilation.catalog != nullptr)
+    outputs.push_back({compilation.catalog, CatalogBuilder(source, compilation.ansi, diagnostics).build()});
+  if (compilation.header != nullptr)
+    outputs.push_back({compilation.header, identifierHeader(source, compilation.header)});
+  if (compilation.table != nullptr)
+    outputs.push_back(
+        {compilation.table, stringTable(source, identifierOf(compilation.table),
+                                        chooseTableLanguage(compilation, source, diagnostics), diagnostics)});
+  return outputs;
+}
+
+/// Puts the files in place when all of them are written.
+CompileOutcome writeOutputs(const std::vector<Output>& outputs) {
+  std::vector<platform::ReplacingFile> files(outputs.size());
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    const Output& output = outputs[i];
+    if (files[i].start(output.name) != 0 || files[i].write(output.bytes.data(), output.bytes.size()) != 0)
+      return {CompileResult::NotWritten, output.name};
+  }
+  CompileOutcome outcome{CompileResult::Written, nullptr};
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    if (files[i].finish() != 0) return {CompileResult::NotWritten, outputs[i].name};
+    if (!files[i].keepsRights()) outcome.changedRights.push_back(outputs[i].name);
+  }
+  return outcome;
+}
+
+}  // namespace
+
+bool readMessageSources(const std::vector<const char*>& files, const VelClCCSID& codepage,
+                        MessageSource& source, Diagnostics& diagnostics, const char*& file) {
+  source = emptySource();
+  for (const char* const name : files) {
+    std::string bytes;
+    if (!readFile(name, bytes)) {
+      file = name;
+      return false;
+    }
+    readMessageSource(name, bytes, codepage, source, diagnostics);
+  }
+  file = nullptr;
+  return diagnostics.empty();
+}
+
+CompileOutcome compile(const Compilation& compilation, MessageSource& source, Diagnostics& diagnostics) {
+  const char* file = nullptr;
+  if (!readMessageSources(compilation.sources, compilation.codepage, source, diagnostics, file))
+    return {file != nullptr ? CompileResult::NotRead : CompileResult::Faulty, file};
+  selectLanguages(compilation.languages, source, diagnostics);
+  const auto outputs = makeOutputs(compilation, source, diagnostics);
+  return diagnostics.empty() ? writeOutputs(outputs) : CompileOutcome{CompileResult::Faulty, nullptr};
+}
+
+}  // namespace vel::velmsg
