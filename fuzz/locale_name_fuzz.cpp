@@ -1,13 +1,13 @@
 // Parses any text as the name of a locale: as a language identifier, as the language of the user, and for its
 // fallbacks.
 #include "fuzz/bytes.h"
-#include "platform/posix/language_names.h"
+#include "base/language_names.h"
 #include "vel_include/vel_messages.h"
 
 namespace {
 
 using fuzz::require;
-using vel::platform::languageIdOfLocaleName;
+using vel::languageIdOfLocaleName;
 
 constexpr std::uint32_t kPrimaryLanguage = 0x3FF;
 
