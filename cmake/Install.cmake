@@ -15,7 +15,7 @@ install(TARGETS qamc5032 EXPORT qamc5032
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qamc5032 COMPONENT development)
 # CMake before version 3.23 ignores the set of headers of an imported target.
 target_include_directories(qamc5032 INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/qamc5032>)
-if(VEL_HAS_CATALOG_TOOLS)
+if(VEL_HAS_CATALOGS)
   install(FILES ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/qammsg50.DLL DESTINATION ${catalog_dir} COMPONENT runtime)
 endif()
 # The licence of the code page mappings requires its notice in every copy.
@@ -53,8 +53,9 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/qamc5032ConfigVersion.cma
 install(FILES ${PROJECT_BINARY_DIR}/qamc5032Config.cmake ${PROJECT_BINARY_DIR}/qamc5032ConfigVersion.cmake
         DESTINATION ${package_dir} COMPONENT development)
 
-# The functions for the manual pages and completions of programs, and the scripts that they run.
-install(FILES ${PROJECT_SOURCE_DIR}/cmake/qamc5032Pages.cmake DESTINATION ${package_dir} COMPONENT development)
+# The functions for catalogs, manual pages and completions of programs, and the scripts that they run.
+install(FILES ${PROJECT_SOURCE_DIR}/cmake/qamc5032Catalogs.cmake ${PROJECT_SOURCE_DIR}/cmake/qamc5032Pages.cmake
+        DESTINATION ${package_dir} COMPONENT development)
 foreach(script completions make_tool_pages page_sections program_texts tool_texts)
   install(FILES ${PROJECT_SOURCE_DIR}/tools/${script}.py DESTINATION ${package_dir}/pages COMPONENT development)
 endforeach()

@@ -105,6 +105,16 @@ completions_of_tools() {
   done
 }
 
+# The catalogs that the project of a user makes and installs.
+catalogs_of_programs() {
+  local programs=$work/cmake
+  expect $'1031\t8\n1033\t8' run "$prefix/bin/velmsg" -cat "$programs/import_records.DLL" -langs
+  expect $'1031\t8' run "$prefix/bin/velmsg" -cat "$programs/greet.DLL" -langs
+  expect "#ifndef IMPORT_RECORDS_IDS_H_" cat "$programs/import_records_catalogs/import_records_ids.h"
+  "$cmake" --install "$programs" --prefix "$work/catalogs" >/dev/null
+  cmp "$programs/import_records.DLL" "$work/catalogs/bin/import_records.DLL"
+}
+
 # The pages that the project of a user generates and installs.
 pages_of_programs() {
   "$cmake" --install "$work/cmake" --prefix "$work/programs" >/dev/null
@@ -136,6 +146,7 @@ expect "Hello, installed!" through_cmake "$@"
 expect "Hello, installed!" through_old_cmake "$@"
 expect "Hello, pkg-config!" through_pkg_config
 expect "1033" run "$prefix/bin/velmsg" -cat qammsg50.DLL -langs
+catalogs_of_programs
 pages_of_programs
 if [ -n "$emulator" ]; then
   expect "linked and ran" through_other_linker

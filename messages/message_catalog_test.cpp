@@ -230,7 +230,7 @@ std::string listOf(const VelClMessageCatalog& catalog) {
 TEST(MessageCatalogCursor, ListsEveryMessageOfALibraryOrATable) {
   const auto small = [](const std::string& greeting) {
     return "1/1031:[SMALL]%0|1/1033:[SMALL]%0|2/1031:" + greeting +
-           ", %1%0|2/1033:Hello, %1%0|5/1031:zwei\nZeilen|5/1033:two\nlines|";
+           ", %1%0|2/1033:Hello, %1%0|5/1031:zwei\r\nZeilen%0|5/1033:two\r\nlines%0|";
   };
   VelClMessageCatalog library = open("small_catalog");
   EXPECT_EQ(listOf(library), small("Gr\u00FC\u00DFe"));

@@ -1,5 +1,6 @@
 // Reads written catalogs with this library's reader, the system's formatter, and a resource compiler.
 #include "messages/catalog_image.h"
+#include "messages/insert_formatter.h"
 #include "messages/message_resource.h"
 #include "messages/portable_executable.h"
 #include "messages/resource_text.h"
@@ -199,6 +200,31 @@ TEST(MessageCatalogWriter, RefusesFilesThatTheReaderWouldNotLoad) {
   EXPECT_FALSE(writeCatalogImage(texts, file.size() - 1, file));
   texts.addSingleBytes(0xFFFF, 1, "", 0);
   EXPECT_FALSE(writeCatalogImage(texts, std::size_t{64} << 20, file)) << "65,536 languages";
+}
+
+/// The texts as the system's formatter expands them or, on a system without one, as this library does.
+Texts expandedTexts(const std::string& library) {
+  Texts texts = textsIn(vel::test::readFile(library));
+  const auto messages = vel::test::SystemMessages::load(library);
+  for (auto& [key, text] : texts) {
+    const char* inserts[VEL_MAX_MESSAGE_VARIABLES];
+    std::ranges::fill(inserts, "insert");
+    char out[VEL_MAX_MESSAGE_LENGTH + 1] = "";
+    const auto result = vel::messages::expandResourceText(text.data(), text.size(), inserts, out, sizeof out);
+    const std::string expanded = result.complete ? out : "(malformed)";
+    text = messages == nullptr ? expanded : messages->format(key.first, key.second).value_or("(malformed)");
+  }
+  return texts;
+}
+
+TEST(MessageCatalogCompiler, MakesTheSameMessagesAsOtherTools) {
+  const std::pair<const char*, std::size_t> rows[] = {
+      {"qammsg50", 440}, {"small_catalog", 6}, {"edge_cases", 8}};
+  for (const auto& [name, count] : rows) {
+    const Texts texts = expandedTexts(std::string(name) + ".DLL");
+    EXPECT_EQ(texts.size(), count) << name;
+    EXPECT_EQ(texts, expandedTexts(std::string(name) + "_reference.DLL")) << name;
+  }
 }
 
 #if defined(VEL_WINDRES)

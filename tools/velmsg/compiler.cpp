@@ -6,7 +6,9 @@
 #include <cstring>
 #include <utility>
 
+#include "base/ascii.h"
 #include "platform/replacing_file.h"
+#include "tools/velmsg/error_names.h"
 #include "tools/velmsg/identifier_header.h"
 #include "tools/velmsg/source_encoding.h"
 #include "tools/velmsg/table_writer.h"
@@ -103,6 +105,30 @@ class CatalogBuilder {
   std::optional<AnsiConverter> converter_;
 };
 
+bool isLanguage(const SourceLanguage& language, const char* nameOrNumber) {
+  std::uint32_t number = 0;
+  if (parseNumber(nameOrNumber, number)) return language.number == number;
+  return equalsIgnoringAsciiCase(language.name.c_str(), nameOrNumber);
+}
+
+/// Removes the texts in other languages, unless the list is empty. Reports languages that the source does not
+/// know.
+void selectLanguages(const std::vector<const char*>& languages, MessageSource& source,
+                     Diagnostics& diagnostics) {
+  if (languages.empty()) return;
+  std::vector<bool> isSelected(source.languages.size());
+  for (const char* const name : languages) {
+    bool isKnown = false;
+    for (std::size_t i = 0; i < isSelected.size(); ++i) {
+      if (!isLanguage(source.languages[i], name)) continue;
+      isKnown = isSelected[i] = true;
+    }
+    if (!isKnown) addDiagnostic(diagnostics, {{}, kUnknownLanguage, name});
+  }
+  for (SourceMessage& message : source.messages)
+    std::erase_if(message.texts, [&](const SourceText& text) { return !isSelected[text.language]; });
+}
+
 struct Output {
   const char* name;
   std::string bytes;
@@ -157,6 +183,7 @@ CompileResult compile(const Compilation& compilation, MessageSource& source, Dia
                       const char*& file) {
   if (!readMessageSources(compilation.sources, compilation.codepage, source, diagnostics, file))
     return file != nullptr ? CompileResult::NotRead : CompileResult::Faulty;
+  selectLanguages(compilation.languages, source, diagnostics);
   const auto outputs = makeOutputs(compilation, source, diagnostics);
   if (!diagnostics.empty()) return CompileResult::Faulty;
   file = writeOutputs(outputs);

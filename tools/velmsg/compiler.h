@@ -17,6 +17,8 @@ struct Compilation {
   /// Texts are stored as single bytes of this code page instead of UTF-16.
   std::optional<VelClCCSID> ansi;
   std::optional<std::uint16_t> tableLanguage;
+  /// The languages to write, by name or number; all if empty.
+  std::vector<const char*> languages;
   const char* catalog = nullptr;
   const char* header = nullptr;
   const char* table = nullptr;

@@ -83,6 +83,7 @@ std::vector<std::string> tableEntries(const MessageSource& source, std::string_v
       addDiagnostic(diagnostics, {message.position, kNotInTable, std::to_string(message.id)});
       continue;
     }
+    if (message.texts.empty()) continue;
     const SourceText& text = textIn(source, message, language);
     const auto converted = tableText(text.text);
     if (!converted) addDiagnostic(diagnostics, {text.position, kInsertNotInTable, {}});

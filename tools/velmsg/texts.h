@@ -89,7 +89,8 @@ inline constexpr const char* kTexts[] = {
     "[(-diff <file>)] [(-error <number>)]\n"
     "[(-compile <source>) [<source> ...]]\n"
     "[(-out <file>)] [(-header <file>)] [(-table <file>)]\n"
-    "[(-codepage <ccsid>)] [(-ansi <ccsid>)]",
+    "[(-codepage <ccsid>)] [(-ansi <ccsid>)]\n"
+    "[(-languages <name>) [<name> ...]]",
     "-cat <file>      the message catalog, with or without directory; the extension is replaced\n"
     "                 by .DLL. If there is no such library, the file itself: any DLL, program\n"
     "                 or .mui file with a message table. For a library without one, the .mui\n"
@@ -113,6 +114,7 @@ inline constexpr const char* kTexts[] = {
     "                 -lang, or in English\n"
     "-codepage <ccsid>  code page of sources without byte order mark; UTF-8 by default\n"
     "-ansi <ccsid>    store texts in this code page instead of UTF-16\n"
+    "-languages <name> ...  compile only these languages, by their names or numbers\n"
     "@\n"
     "Data is written to standard output, everything else to standard error. Columns are\n"
     "separated by tabs; in listed texts \\n, \\t and \\\\ mean line break, tab and backslash.\n"
@@ -160,7 +162,7 @@ inline constexpr const char* kTexts[] = {
     "The file could not be read",
     "The file could not be written",
     "-compile requires -out, -header or -table",
-    "-out, -header, -table, -codepage and -ansi require -compile",
+    "-out, -header, -table, -codepage, -ansi and -languages require -compile",
     "Unknown CCSID",
     "msgctxt, msgid, msgstr or a string is expected",
     "The string is not ended in its line",

@@ -92,7 +92,7 @@ void Tool::checkTasks() const {
   const bool compiles = hasArgSwitch("compile");
   const auto outputs = count({"out", "header", "table"});
   if (compiles && outputs == 0) refuse(kOutputRequired);
-  if (!compiles && outputs + count({"codepage", "ansi"}) != 0) refuse(kCompileRequired);
+  if (!compiles && outputs + count({"codepage", "ansi", "languages"}) != 0) refuse(kCompileRequired);
   readInserts();
 }
 
@@ -105,7 +105,7 @@ std::vector<const char*> Tool::valuesOf(const char* name) const {
   for (bool more = argument.setToFirst(); more; more = argument.setToNext()) {
     if (argument.isSwitch()) {
       isWanted = argument.matches(name);
-      isList = argument.matches("var") || argument.matches("compile");
+      isList = argument.matches("var") || argument.matches("compile") || argument.matches("languages");
     } else if (isWanted) {
       values.push_back(argument.getAsCString());
     } else if (!isList && argument.isFree()) {
@@ -191,6 +191,7 @@ VelClCCSID Tool::requireCcsid(const char* text) const {
 void Tool::compileSources() const {
   Compilation compilation;
   compilation.sources = valuesOf("compile");
+  compilation.languages = valuesOf("languages");
   hasArgString("out", compilation.catalog);
   hasArgString("header", compilation.header);
   hasArgString("table", compilation.table);
