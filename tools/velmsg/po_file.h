@@ -44,6 +44,9 @@ inline constexpr std::string_view kFuzzy = "fuzzy";
 /// Takes time linear in the number of bytes.
 bool readPo(std::string_view bytes, std::size_t file, PoFile& po, Diagnostics& diagnostics);
 
+/// Returns the lines of a keyword with its text.
+std::vector<std::string> poFieldLines(std::string_view keyword, std::string_view text);
+
 /// Returns a file in UTF-8. Reading it gives the same entries.
 std::string writePo(const PoFile& po);
 

@@ -147,6 +147,69 @@ PoFile exportPo(const MessageSource& source, std::size_t reference, std::uint16_
   return po;
 }
 
+namespace {
+
+/// Returns the header of an older file, with what this program needs in it.
+std::string mergedHeader(std::string_view older, std::string_view current) {
+  constexpr std::string_view kType = "Content-Type:";
+  std::string header;
+  for (std::string_view rest = older; !rest.empty();) {
+    const std::size_t end = std::min(rest.find('\n'), rest.size());
+    const std::string_view line = rest.substr(0, end);
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+    if (line.starts_with(kType))
+      header += "Content-Type: text/plain; charset=UTF-8\n";
+    else if (!line.starts_with(kPoLanguageField))
+      header.append(line) += '\n';
+  }
+  return header.append(current.substr(current.find(kPoLanguageField)));
+}
+
+/// Decides on the text of an entry that both files have.
+void mergeText(PoEntry& entry, const PoEntry& older) {
+  const bool isSame = entry.text == older.text, isNew = entry.text.empty();
+  const bool isChanged = entry.id != older.id;
+  // Both texts are for other words now.
+  if (isChanged && !isSame && !isNew) return;
+  const bool isFuzzy = isChanged || older.hasFlag(kFuzzy) || older.isObsolete || (!isSame && !isNew);
+  entry.text = older.text;
+  if (!isFuzzy || entry.text.empty()) return;
+  entry.flags.insert(entry.flags.begin(), std::string(kFuzzy));
+  entry.previous = isChanged ? poFieldLines("msgid", older.id) : older.previous;
+}
+
+}  // namespace
+
+void mergePo(PoFile& po, const PoFile& older) {
+  std::map<std::string_view, const PoEntry*> rest;
+  for (const PoEntry& entry : older.entries)
+    if (entry.context && !entry.isObsolete) rest.emplace(*entry.context, &entry);
+  for (const PoEntry& entry : older.entries)
+    if (entry.context && entry.isObsolete) rest.emplace(*entry.context, &entry);
+  for (PoEntry& entry : po.entries) {
+    if (entry.isHeader()) continue;
+    const auto found = rest.find(*entry.context);
+    if (found == rest.end()) continue;
+    entry.comments = found->second->comments;
+    mergeText(entry, *found->second);
+    rest.erase(found);
+  }
+  const auto header = std::ranges::find_if(older.entries, &PoEntry::isHeader);
+  if (header != older.entries.end()) {
+    po.entries[0].comments = header->comments;
+    po.entries[0].text = mergedHeader(header->text, po.entries[0].text);
+  }
+  for (const PoEntry& entry : older.entries) {
+    const auto found = rest.find(entry.context.value_or(""));
+    if (found == rest.end() || found->second != &entry || entry.text.empty()) continue;
+    po.entries.push_back(entry);
+    PoEntry& obsolete = po.entries.back();
+    obsolete.isObsolete = true;
+    obsolete.extracted.clear();
+    obsolete.references.clear();
+  }
+}
+
 std::uint16_t languageOfPo(const MessageSource& source, const PoFile& po) {
   const std::string number = po.headerField(kPoLanguageField), name = po.headerField("Language");
   std::uint16_t language = 0;
@@ -182,16 +245,17 @@ std::size_t addLanguage(MessageSource& source, std::uint16_t number) {
   return source.languages.size() - 1;
 }
 
-/// Languages keep the order that the source declares them in, as far as the message follows it.
-void setText(SourceMessage& message, std::size_t language, std::string text) {
+/// Languages keep the order that the source declares them in, as far as the message follows it. Returns
+/// whether the text is another one than before.
+bool setText(SourceMessage& message, std::size_t language, std::string text) {
   auto found = std::ranges::find(message.texts, language, &SourceText::language);
   if (found != message.texts.end()) {
-    found->text = std::move(text);
-    return;
+    return std::exchange(found->text, text) != text;
   }
   const auto isLater = [language](const SourceText& other) { return other.language > language; };
   found = std::ranges::find_if(message.texts, isLater);
   message.texts.insert(found, {language, std::move(text), {}});
+  return true;
 }
 
 class Importer {
@@ -204,6 +268,8 @@ class Importer {
     const std::vector<std::string> contexts = contextsOf(source);
     for (std::size_t i = 0; i < contexts.size(); ++i) messages_.emplace(contexts[i], State{i, false});
   }
+
+  bool hasChanged() const { return hasChanged_; }
 
   void add(const PoEntry& entry) {
     if (entry.isHeader() || entry.isObsolete) return;
@@ -229,7 +295,7 @@ class Importer {
     std::string text = sourceText(entry.text);
     if (isUnusable(text)) return report(entry.textPosition, kPoUnusableText, *entry.context);
     if (language_ == kNoName) language_ = addLanguage(source_, options_.language);
-    setText(message, language_, std::move(text));
+    hasChanged_ = setText(message, language_, std::move(text)) || hasChanged_;
   }
 
   void report(const SourcePosition& position, TextId text, const std::string& argument) {
@@ -241,13 +307,15 @@ class Importer {
   std::size_t language_;
   Diagnostics& diagnostics_;
   std::map<std::string, State, std::less<>> messages_;
+  bool hasChanged_ = false;
 };
 
 }  // namespace
 
-void importPo(MessageSource& source, const PoFile& po, const PoImport& options, Diagnostics& diagnostics) {
+bool importPo(MessageSource& source, const PoFile& po, const PoImport& options, Diagnostics& diagnostics) {
   Importer importer(source, options, diagnostics);
   for (const PoEntry& entry : po.entries) importer.add(entry);
+  return importer.hasChanged();
 }
 
 }  // namespace vel::velmsg

@@ -47,7 +47,7 @@ struct PoImport {
 /// Puts the texts of a file into a source, which gets the language if it does not have it. An entry without
 /// text or, unless asked for, a fuzzy one leaves the text of the source as it is; so does one that is
 /// reported: without message, repeated, with a text that a message cannot have, or for another text of the
-/// reference language.
-void importPo(MessageSource& source, const PoFile& po, const PoImport& options, Diagnostics& diagnostics);
+/// reference language. Returns whether the source has changed.
+bool importPo(MessageSource& source, const PoFile& po, const PoImport& options, Diagnostics& diagnostics);
 
 }  // namespace vel::velmsg

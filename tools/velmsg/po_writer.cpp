@@ -67,6 +67,15 @@ void appendEntry(std::string& out, const PoEntry& entry) {
 
 }  // namespace
 
+std::vector<std::string> poFieldLines(std::string_view keyword, std::string_view text) {
+  std::string field;
+  appendField(field, "", keyword, text);
+  std::vector<std::string> lines;
+  for (std::string_view rest = field; !rest.empty(); rest.remove_prefix(lines.back().size() + 1))
+    lines.emplace_back(rest.substr(0, rest.find('\n')));
+  return lines;
+}
+
 std::string writePo(const PoFile& po) {
   std::string out;
   for (const PoEntry& entry : po.entries) {

@@ -1,6 +1,7 @@
 #include "tools/velmsg/source_check.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -76,15 +77,16 @@ std::string excerpt(const SourceText& text, std::size_t offset) {
   std::size_t length = std::min(rest.size(), kMaxLength);
   // Not a part of a character.
   while (length < rest.size() && (static_cast<unsigned char>(rest[length]) & 0xC0) == 0x80) --length;
-  return std::string(rest.substr(0, length));
+  return std::string(rest.substr(0, rest.find_last_not_of(' ', length - 1) + 1));
 }
 
 void SourceCheck::checkText(const SourceText& text, const SourceTextFacts& facts) {
-  const std::pair<std::optional<std::size_t>, TextId> rows[] = {{facts.malformed, kEscapeNotEnded},
-                                                                {facts.number, kInsertNotText},
-                                                                {facts.aboveMaximum, kInsertAboveMaximum},
-                                                                {facts.unknown, kUnknownEscape},
-                                                                {facts.afterEnd, kTextAfterEnd}};
+  std::pair<std::optional<std::size_t>, TextId> rows[] = {{facts.malformed, kEscapeNotEnded},
+                                                          {facts.number, kInsertNotText},
+                                                          {facts.aboveMaximum, kInsertAboveMaximum},
+                                                          {facts.unknown, kUnknownEscape},
+                                                          {facts.afterEnd, kTextAfterEnd}};
+  std::ranges::sort(rows);
   for (const auto& [offset, id] : rows)
     if (offset) find(positionIn(text, *offset), id, excerpt(text, *offset));
   if (facts.length == 0 && facts.inserts.empty() && !facts.malformed)

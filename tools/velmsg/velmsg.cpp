@@ -1,5 +1,5 @@
-// velmsg: shows the contents of a message catalog, compares two, compiles message sources, and names error
-// codes.
+// velmsg: shows the contents of a message catalog, compares two, compiles, exports, imports and checks
+// message sources, and names error codes.
 //
 // The usage string defines which switches have values; which of them can be combined is checked here. The
 // tool's own texts are separate from the catalog that is shown, see CatalogTool.
@@ -9,6 +9,7 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <vector>
 
 #include "platform/descriptors.h"
@@ -21,6 +22,9 @@
 #include "tools/velmsg/catalog_report.h"
 #include "tools/velmsg/compiler.h"
 #include "tools/velmsg/error_names.h"
+#include "tools/velmsg/files.h"
+#include "tools/velmsg/message_listing.h"
+#include "tools/velmsg/source_tasks.h"
 #include "tools/velmsg/texts.h"
 #include "vel_include/vel_consoleui.h"
 #include "vel_include/vel_filesys.h"
@@ -57,6 +61,20 @@ class Tool : public vel::tools::CatalogTool {
   VelClCCSID requireCcsid(const char* text) const;
   void compileSources() const;
   void showDiagnostics(const MessageSource& source, const Diagnostics& diagnostics) const;
+  void writeDiagnostics(std::ostream& out, const MessageSource& source, const Diagnostics& diagnostics) const;
+
+  // Tasks with sources, whose names are free arguments.
+  bool hasSources() const;
+  std::uint16_t languageNumber(const char* name) const;
+  SourceTask sourceTask() const;
+  void runSourceTask() const;
+  void endUnlessDone(TaskResult result, const TaskReport& report) const;
+  void exportMessages(const char* form) const;
+  MessageListing listingOfInput() const;
+  void importTexts() const;
+  void check() const;
+  bool compareSources(const char* first) const;
+  void writeOutput(const std::string& bytes) const;
 };
 
 void Tool::end(TextId id, const char* argument, int exitCode) const {
@@ -76,24 +94,48 @@ void Tool::run() {
     compileSources();
     return;
   }
+  if (hasSources() || hasArgSwitch("export")) {
+    runSourceTask();
+    return;
+  }
   if (!runTask(*openSource())) {
     std::cout.flush();
     processExit(kExitNotFound);
   }
 }
 
+/// A switch, and the tasks and outputs that it is for.
+struct SwitchRule {
+  const char* name;
+  std::initializer_list<const char*> tasks;
+};
+
+const SwitchRule kRules[] = {
+    {"lang", {"list", "table", "export", "import"}},
+    {"out", {"compile", "export", "import"}},
+    {"codepage", {"compile", "export", "import", "check", "diff"}},
+    {"reference", {"export", "import", "check"}},
+    {"merge", {"export"}},
+    {"fuzzy", {"import"}},
+    {"header", {"compile"}},
+    {"table", {"compile"}},
+    {"ansi", {"compile"}},
+    {"languages", {"compile"}},
+};
+
 /// Requires exactly one task, and no switch of another one, which the usage string cannot express.
 void Tool::checkTasks() const {
   const auto count = [this](std::initializer_list<const char*> switches) {
     return std::ranges::count_if(switches, [this](const char* name) { return hasArgSwitch(name); });
   };
-  if (count({"list", "langs", "id", "diff", "error", "compile"}) != 1) refuse(kExactlyOneTask);
-  if (hasArgSwitch("lang") && count({"list", "table"}) == 0) refuse(kLangRequiresList);
-  const bool compiles = hasArgSwitch("compile");
-  const auto outputs = count({"out", "header", "table"});
-  if (compiles && outputs == 0) refuse(kOutputRequired);
-  if (!compiles && outputs + count({"codepage", "ansi", "languages"}) != 0) refuse(kCompileRequired);
-  readInserts();
+  if (count({"list", "langs", "id", "diff", "error", "compile", "export", "import", "check"}) != 1)
+    refuse(kExactlyOneTask);
+  for (const SwitchRule& rule : kRules)
+    if (hasArgSwitch(rule.name) && count(rule.tasks) == 0)
+      refuse(kNotForTask, (std::string("-") + rule.name).c_str());
+  if (hasArgSwitch("compile") && count({"out", "header", "table"}) == 0) refuse(kOutputRequired);
+  if (count({"import", "check"}) != 0 && count({"cat", "builtin"}) != 0) refuse(kSourcesOnly);
+  if (!hasSources()) readInserts();
 }
 
 /// Returns the values of a switch that may have several. The usage string has to allow free arguments for
@@ -211,13 +253,137 @@ void Tool::compileSources() const {
 }
 
 /// Writes a line for each diagnostic in the form that editors and build logs know.
-void Tool::showDiagnostics(const MessageSource& source, const Diagnostics& diagnostics) const {
+void Tool::writeDiagnostics(std::ostream& out, const MessageSource& source,
+                            const Diagnostics& diagnostics) const {
   for (const Diagnostic& diagnostic : diagnostics) {
-    std::cerr << positionText(source, diagnostic.position) << ": " << text(diagnostic.text);
-    if (!diagnostic.argument.empty()) std::cerr << ": " << diagnostic.argument;
-    std::cerr << '\n';
+    out << positionText(source, diagnostic.position) << ": " << text(diagnostic.text);
+    if (!diagnostic.argument.empty()) out << ": " << diagnostic.argument;
+    out << '\n';
   }
+}
+
+void Tool::showDiagnostics(const MessageSource& source, const Diagnostics& diagnostics) const {
+  writeDiagnostics(std::cerr, source, diagnostics);
   if (diagnostics.size() == kMaxDiagnostics) std::cerr << text(kMoreFaults) << '\n';
+}
+
+/// Whether the task reads sources that are free arguments. -export and -diff do so unless a catalog is given.
+bool Tool::hasSources() const {
+  if (hasArgSwitch("import") || hasArgSwitch("check")) return true;
+  if (hasArgSwitch("cat") || hasArgSwitch("builtin")) return false;
+  return hasArgSwitch("export") || (hasArgSwitch("diff") && !freeArguments().empty());
+}
+
+/// Returns the LANGID after a switch, or 0 without it.
+std::uint16_t Tool::languageNumber(const char* name) const {
+  constexpr std::uint32_t kMaxLanguage = 0xFFFF;
+  const char* value = nullptr;
+  if (!hasArgString(name, value)) return 0;
+  const std::uint32_t number = requireNumber(value);
+  if (number == 0 || number > kMaxLanguage) end(kNumberExpected, value, CONUI_ARG_VALUE_TYPE_MISMATCH);
+  return static_cast<std::uint16_t>(number);
+}
+
+SourceTask Tool::sourceTask() const {
+  SourceTask task;
+  if (hasSources()) task.files = freeArguments();
+  const char* value = nullptr;
+  if (hasArgString("codepage", value)) task.codepage = requireCcsid(value);
+  task.language = languageNumber("lang");
+  task.reference = languageNumber("reference");
+  hasArgString("merge", task.older);
+  task.usesFuzzy = hasArgSwitch("fuzzy");
+  return task;
+}
+
+void Tool::runSourceTask() const {
+  if (hasSources() && freeArguments().empty()) refuse(kSourceFileRequired);
+  const char* value = nullptr;
+  if (hasArgString("export", value)) return exportMessages(value);
+  if (hasArgString("import", value)) {
+    if (std::strcmp(value, "po") != 0) refuse(kUnknownForm, value);
+    return importTexts();
+  }
+  if (hasArgSwitch("check")) return check();
+  reqArgString("diff", value);
+  if (compareSources(value)) return;
+  std::cout.flush();
+  processExit(kExitNotFound);
+}
+
+/// Shows the diagnostics of a task. Ends the process if it has no result.
+void Tool::endUnlessDone(TaskResult result, const TaskReport& report) const {
+  showDiagnostics(report.source, report.diagnostics);
+  if (result == TaskResult::NotRead) end(kSourceNotRead, report.notRead, kExitNoCatalog);
+  if (result == TaskResult::Faulty) processExit(kExitNotFound);
+}
+
+void Tool::exportMessages(const char* form) const {
+  const bool isPo = std::strcmp(form, "po") == 0, isJson = std::strcmp(form, "json") == 0;
+  if (!isPo && !isJson && std::strcmp(form, "tsv") != 0) refuse(kUnknownForm, form);
+  if (isPo && !hasSources()) refuse(kSourcesOnly);
+  if (isPo && !hasArgSwitch("lang")) refuse(kLangRequired);
+  if (!isPo && (hasArgSwitch("merge") || hasArgSwitch("reference"))) refuse(kOnlyForPo);
+  if (isPo) {
+    TaskReport report;
+    std::string po;
+    endUnlessDone(exportPoFile(sourceTask(), report, po), report);
+    return writeOutput(po);
+  }
+  const MessageListing listing = listingOfInput();
+  std::ostringstream out;
+  isJson ? writeJson(out, listing) : writeTsv(out, listing);
+  writeOutput(out.str());
+  if (!listing.empty()) return;
+  std::cout.flush();
+  processExit(kExitNotFound);
+}
+
+/// Lists the sources or the catalog of the command line.
+MessageListing Tool::listingOfInput() const {
+  const SourceTask task = sourceTask();
+  const auto language = task.language != 0 ? std::optional<std::uint32_t>(task.language) : std::nullopt;
+  if (!hasSources()) return listingOf(*openSource(), language);
+  TaskReport report;
+  endUnlessDone(readSources(task, report), report);
+  return listingOf(report.source, language);
+}
+
+void Tool::importTexts() const {
+  TaskReport report;
+  std::string source;
+  const TaskResult result = importPoFiles(sourceTask(), report, source);
+  endUnlessDone(result, report);
+  writeOutput(source);
+  std::cout.flush();
+  if (result == TaskResult::Found) processExit(kExitNotFound);
+}
+
+void Tool::check() const {
+  TaskReport report;
+  const TaskResult result = checkSources(sourceTask(), report);
+  if (result == TaskResult::NotRead) end(kSourceNotRead, report.notRead, kExitNoCatalog);
+  writeDiagnostics(std::cout, report.source, report.diagnostics);
+  std::cout.flush();
+  if (result == TaskResult::Found) processExit(kExitNotFound);
+}
+
+/// Returns false if the sources differ.
+bool Tool::compareSources(const char* first) const {
+  SourceTask task = sourceTask();
+  TaskReport second, report;
+  endUnlessDone(readSources(task, second), second);
+  task.files = {first};
+  endUnlessDone(readSources(task, report), report);
+  return writeDifferences(std::cout, listingOf(report.source), listingOf(second.source));
+}
+
+void Tool::writeOutput(const std::string& bytes) const {
+  const char* name = nullptr;
+  if (!hasArgString("out", name))
+    std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  else if (writeOutputs({{name, bytes}}) != nullptr)
+    end(kOutputNotWritten, name, kExitNotWritten);
 }
 
 }  // namespace
