@@ -1,9 +1,12 @@
 // Reads any bytes as a message library and as a message table, from memory by the readers and from a file by
-// the classes.
+// the classes. Then uses them as texts for a catalog: what the writer accepts, the readers return.
+#include <map>
+
 #include "fuzz/bytes.h"
 #include "fuzz/input_file.h"
 #include "messages/message_resource.h"
 #include "messages/portable_executable.h"
+#include "messages/resource_text.h"
 #include "vel_include/vel_messages.h"
 
 namespace {
@@ -54,9 +57,56 @@ void readFile(const char* name, bool isLibrary) {
   }
 }
 
+/// Texts by language and id.
+using Texts = std::map<std::pair<unsigned int, std::uint32_t>, std::string>;
+
+/// Sets a text for each NUL-terminated one of the input, which follows its language, id and kind. Returns
+/// those that the writer accepts.
+Texts writeTexts(fuzz::Bytes input, VelClMessageCatalogWriter& writer) {
+  Texts texts;
+  while (!input.atEnd()) {
+    const unsigned int language = input.byte() % 3;
+    const std::uint32_t id = input.byte() % 2 == 0 ? input.byte() : 0xFFFFFF00 + input.byte();
+    const bool unicode = input.byte() % 4 != 0;
+    const fuzz::Text text = input.text();
+    const std::string_view view = text.view();
+    const bool isSet = unicode ? writer.setText(language, id, view.data(), view.size())
+                               : writer.setSingleByteText(language, id, view.data(), view.size());
+    require(isSet || unicode || view.size() > 65527);
+    if (isSet) texts[{language, id}] = view;
+  }
+  return texts;
+}
+
+Texts readTexts(const unsigned char* bytes, std::size_t size) {
+  Texts texts;
+  const PortableExecutable file(bytes, size);
+  require(file.isValid());
+  PortableExecutable::Cursor cursor;
+  for (MessageTable table{}; file.nextMessageTable(cursor, table);) {
+    const MessageResource resource(table.data, table.sizeInBytes);
+    MessageResource::Cursor place;
+    for (MessageResource::Entry entry{}; resource.next(place, entry);) {
+      const auto text = vel::messages::storedOrUtf8Text(entry);
+      texts[{table.language, entry.id}].assign(text.data(), text.size());
+    }
+  }
+  return texts;
+}
+
+void roundTrip(fuzz::Bytes input) {
+  VelClMessageCatalogWriter writer((VelClFilename("unused")));
+  const Texts texts = writeTexts(input, writer);
+  const unsigned char* bytes = nullptr;
+  std::size_t size = 0;
+  require(writer.getBytes(bytes, size) == !texts.empty());
+  if (!texts.empty()) require(readTexts(bytes, size) == texts);
+}
+
 }  // namespace
 
 void fuzz::run(fuzz::Bytes input) {
+  roundTrip(input);
   static InputFile file("DLL");
   const std::vector<std::uint8_t> bytes(input.rest().begin(), input.rest().end());
   readTable(MessageResource(bytes.data(), bytes.size()));

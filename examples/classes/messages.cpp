@@ -1,13 +1,22 @@
-// Opens a message catalog, by its name, and looks into it.
+// Opens a message catalog, by its name, and looks into it. Then writes one.
 #include <vel.h>
 
 #include <iostream>
+#include <string_view>
 
 namespace {
 
 /// What the program says if the catalog cannot be loaded. The entry at an index is the message of that
 /// number.
 constexpr const char* kTexts[] = {"[VEL_MSGTAB_SIGNATURE] 4", "[DEMO]", "%1 of %2 files", "no files"};
+
+/// Writes a catalog with a message in two languages: 1033 is English, 1031 German.
+bool writeCatalog(const char* name) {
+  constexpr std::string_view kEnglish = "%1 files%0", kGerman = "%1 Dateien%0";
+  VelClMessageCatalogWriter writer((VelClFilename(name)));
+  return writer.setText(1033, 1, kEnglish.data(), kEnglish.size()) &&
+         writer.setText(1031, 1, kGerman.data(), kGerman.size()) && writer.write();
+}
 
 }  // namespace
 
@@ -27,4 +36,9 @@ int main(int argc, char** argv) {
   language.extractISOLongCode(code);
   std::cout << VelClLanguage::getLanguageName(language.getLanguage()) << ", "
             << VelClLanguage::getTerritoryName(language.getTerritory()) << ", " << code << '\n';
+
+  if (argc < 3) return 0;
+  if (!writeCatalog(argv[2])) return 1;
+  const VelClMessageCatalog written((VelClFilename(argv[2])));
+  std::cout << written.getAsCString() << ": " << VelClMessage(written, 1, "5").getAsCString() << '\n';
 }

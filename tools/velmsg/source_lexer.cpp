@@ -27,8 +27,8 @@ SourcePosition SourceLexer::position() {
 }
 
 std::string_view SourceLexer::consumeUntil(std::size_t end) {
-  end = std::min(end, text_.size());
-  return text_.substr(std::exchange(offset_, end), end - offset_);
+  const std::size_t begin = std::exchange(offset_, std::min(end, text_.size()));
+  return text_.substr(begin, offset_ - begin);
 }
 
 void SourceLexer::skipWhiteSpace() {
