@@ -39,9 +39,9 @@ struct PoFile {
 
 inline constexpr std::string_view kFuzzy = "fuzzy";
 
-/// Parses a file. `bytes` are UTF-8 or in the code page that the header states; `file` is the index that
-/// positions have. Returns false if there are diagnostics; then the entries are those that are not affected.
-/// Takes time linear in the number of bytes.
+/// Parses a file. `bytes` are UTF-8 or in the code page that the header states, which is UTF-8 afterwards;
+/// `file` is the index that positions have. Returns false if there are diagnostics; then the entries are
+/// those that are not affected. Takes time linear in the number of bytes.
 bool readPo(std::string_view bytes, std::size_t file, PoFile& po, Diagnostics& diagnostics);
 
 /// Returns the lines of a keyword with its text.

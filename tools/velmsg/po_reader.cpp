@@ -252,14 +252,33 @@ bool PoReader::readEscape(Line& line, std::string& text) {
   return true;
 }
 
-/// Returns the name after "charset=", wherever it is first: the code page has to be known before the header
-/// can be parsed.
-std::string charsetOf(std::string_view bytes) {
-  constexpr std::string_view kField = "charset=";
-  const std::size_t found = bytes.find(kField);
+constexpr std::string_view kCharsetField = "charset=";
+
+/// Returns where the header of a file states its charset, and its length; empty if it does not.
+std::string_view charsetIn(std::string_view header) {
+  const std::size_t found = header.find(kCharsetField);
   if (found == std::string_view::npos) return {};
-  const std::string_view name = bytes.substr(found + kField.size());
-  return std::string(name.substr(0, std::min(name.find_first_of(" \t\r\n\\\";"), name.size())));
+  const std::string_view name = header.substr(found + kCharsetField.size());
+  return name.substr(0, std::min(name.find_first_of(" \t\r\n;"), name.size()));
+}
+
+/// Returns the charset that the header states. The text of the header is ASCII, whatever the other texts are.
+std::string charsetOf(std::string_view bytes) {
+  if (bytes.find(kCharsetField) == std::string_view::npos) return {};
+  PoFile po;
+  Diagnostics ignored;
+  PoReader(0, po, ignored).run(bytes);
+  const auto header = std::ranges::find_if(po.entries, &PoEntry::isHeader);
+  return header == po.entries.end() ? std::string() : std::string(charsetIn(header->text));
+}
+
+/// What has been read is in UTF-8.
+void stateUtf8(PoFile& po) {
+  const auto header = std::ranges::find_if(po.entries, &PoEntry::isHeader);
+  if (header == po.entries.end()) return;
+  const std::string_view text = header->text, charset = charsetIn(text);
+  if (!charset.empty())
+    header->text.replace(static_cast<std::size_t>(charset.data() - text.data()), charset.size(), "UTF-8");
 }
 
 }  // namespace
@@ -277,6 +296,7 @@ bool readPo(std::string_view bytes, std::size_t file, PoFile& po, Diagnostics& d
   }
   Diagnostics found;
   PoReader(file, po, found).run(toUtf8(bytes, codepage, file, found));
+  stateUtf8(po);
   for (const Diagnostic& diagnostic : found) addDiagnostic(diagnostics, diagnostic);
   return found.empty();
 }

@@ -50,8 +50,9 @@ std::vector<std::string> contextsOf(const MessageSource& source) {
 }
 
 /// Returns the text that is translated; null for a message without texts.
-const SourceText* translatedText(const SourceMessage& message, std::size_t reference) {
-  const SourceText* const text = findText(message, reference);
+const SourceText* translatedText(const MessageSource& source, const SourceMessage& message,
+                                 std::size_t reference) {
+  const SourceText* const text = findText(source, message, reference);
   if (text != nullptr || message.texts.empty()) return text;
   return message.texts.data();
 }
@@ -61,7 +62,10 @@ const SourceText* translatedText(const SourceMessage& message, std::size_t refer
 std::string withoutCommentMarks(std::string_view comment) {
   constexpr std::string_view kMarks = " \t\r/*-=#";
   comment.remove_prefix(std::min(comment.find_first_not_of(kMarks), comment.size()));
-  return std::string(comment.substr(0, comment.find_last_not_of(kMarks) + 1));
+  std::string words(comment.substr(0, comment.find_last_not_of(kMarks) + 1));
+  for (char& c : words)
+    if (static_cast<unsigned char>(c) < ' ') c = ' ';
+  return words;
 }
 
 /// Blanks separate references, so a name with blanks is enclosed in the characters that gettext uses.
@@ -111,8 +115,10 @@ void setFormatFlag(PoEntry& entry) {
 
 }  // namespace
 
-const SourceText* findText(const SourceMessage& message, std::size_t language) {
-  const auto found = std::ranges::find(message.texts, language, &SourceText::language);
+const SourceText* findText(const MessageSource& source, const SourceMessage& message, std::size_t language) {
+  if (language == kNoName) return nullptr;
+  const auto numberOf = [&source](const SourceText& text) { return source.languages[text.language].number; };
+  const auto found = std::ranges::find(message.texts, source.languages[language].number, numberOf);
   return found == message.texts.end() ? nullptr : &*found;
 }
 
@@ -136,11 +142,11 @@ PoFile exportPo(const MessageSource& source, std::size_t reference, std::uint16_
   po.entries.push_back(headerOf(source, language));
   for (std::size_t i = 0; i < source.messages.size(); ++i) {
     const SourceMessage& message = source.messages[i];
-    const SourceText* const original = translatedText(message, reference);
+    const SourceText* const original = translatedText(source, message, reference);
     if (original == nullptr) continue;
     PoEntry entry = entryOf(source, message, poText(original->text));
     entry.context = contexts[i];
-    if (const SourceText* const text = findText(message, index)) entry.text = poText(text->text);
+    if (const SourceText* const text = findText(source, message, index)) entry.text = poText(text->text);
     setFormatFlag(entry);
     po.entries.push_back(std::move(entry));
   }
@@ -247,14 +253,14 @@ std::size_t addLanguage(MessageSource& source, std::uint16_t number) {
 
 /// Languages keep the order that the source declares them in, as far as the message follows it. Returns
 /// whether the text is another one than before.
-bool setText(SourceMessage& message, std::size_t language, std::string text) {
-  auto found = std::ranges::find(message.texts, language, &SourceText::language);
-  if (found != message.texts.end()) {
-    return std::exchange(found->text, text) != text;
+bool setText(const MessageSource& source, SourceMessage& message, std::size_t language, std::string text) {
+  if (const SourceText* const found = findText(source, message, language)) {
+    SourceText& changed = message.texts[static_cast<std::size_t>(found - message.texts.data())];
+    return std::exchange(changed.text, text) != text;
   }
   const auto isLater = [language](const SourceText& other) { return other.language > language; };
-  found = std::ranges::find_if(message.texts, isLater);
-  message.texts.insert(found, {language, std::move(text), {}});
+  const auto next = std::ranges::find_if(message.texts, isLater);
+  message.texts.insert(next, {language, std::move(text), {}});
   return true;
 }
 
@@ -288,14 +294,14 @@ class Importer {
   };
 
   void translate(SourceMessage& message, const PoEntry& entry) {
-    const SourceText* const original = translatedText(message, options_.reference);
+    const SourceText* const original = translatedText(source_, message, options_.reference);
     const bool isChanged = original == nullptr || poText(original->text) != entry.id;
     if (isChanged) report(entry.idPosition, kPoChangedText, *entry.context);
     if (entry.text.empty() || ((isChanged || entry.hasFlag(kFuzzy)) && !options_.usesFuzzy)) return;
     std::string text = sourceText(entry.text);
     if (isUnusable(text)) return report(entry.textPosition, kPoUnusableText, *entry.context);
     if (language_ == kNoName) language_ = addLanguage(source_, options_.language);
-    hasChanged_ = setText(message, language_, std::move(text)) || hasChanged_;
+    hasChanged_ = setText(source_, message, language_, std::move(text)) || hasChanged_;
   }
 
   void report(const SourcePosition& position, TextId text, const std::string& argument) {

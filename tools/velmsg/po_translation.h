@@ -20,8 +20,9 @@ inline constexpr std::string_view kPoLanguageField = "X-Language-Number";
 /// without a number, the first one that has a text. Returns kNoName if there is none.
 std::size_t referenceLanguage(const MessageSource& source, std::uint16_t number = 0);
 
-/// Returns the text of a message in a language; null if there is none.
-const SourceText* findText(const SourceMessage& message, std::size_t language);
+/// Returns the text of a message in a language; null if there is none. Several names may have the number of
+/// the language; all of them count.
+const SourceText* findText(const MessageSource& source, const SourceMessage& message, std::size_t language);
 
 /// Returns the index of the language with this LANGID, or kNoName.
 std::size_t findLanguage(const MessageSource& source, std::uint16_t number);

@@ -91,7 +91,7 @@ TEST(PoTranslation, ImportsAndReports) {
   for (const Row& row : rows) {
     MessageSource source = sampleSource();
     EXPECT_EQ(import(source, row.po, kGerman, row.usesFuzzy), row.reports) << row.po;
-    const SourceText* const text = findText(source.messages[2], findLanguage(source, kGerman));
+    const SourceText* const text = findText(source, source.messages[2], findLanguage(source, kGerman));
     EXPECT_EQ(text != nullptr ? text->text : "", row.text) << row.po;
   }
 }
@@ -111,6 +111,52 @@ TEST(PoTranslation, AddsLanguages) {
                   "LanguageNames=(French_1036=0x40c:MSG0040C)\nLanguageNames=(French_3084=0xc0c:MSG00C0C)\n"
                   "LanguageNames=(Language_64513=0xfc01:MSG0FC01)\n"));
   EXPECT_EQ(test::describe(test::readSource(writeMessageSource(source))), test::describe(source));
+}
+
+TEST(PoTranslation, TakesNamesOfTheSameNumberAsOneLanguage) {
+  MessageSource source = test::readSource(
+      "LanguageNames=(A=0x409 B=0x407 "
+      "C=0x409)\nMessageId=1\nLanguage=A\na\n.\nMessageId=2\nLanguage=B\nb\n.\n"
+      "Language=C\nc\n.\n");
+  EXPECT_THAT(exported(source, kGerman), testing::HasSubstr("msgid \"c\"\nmsgstr \"b\"\n"));
+  EXPECT_THAT(import(source, "msgctxt \"2\"\nmsgid \"c\"\nmsgstr \"d\"\n", kEnglish), testing::IsEmpty());
+  EXPECT_THAT(writeMessageSource(source), testing::EndsWith("Language=B\nb\n.\nLanguage=C\nd\n.\n"));
+}
+
+TEST(PoTranslation, MergesWhatASourceCannotHave) {
+  struct Row {
+    std::string older;  ///< of the entry "7"
+    std::string merged;
+  };
+  const std::string now = "#: a.mc:24\n", context = "msgctxt \"7\"\n", yes = context + "msgid \"Yes\"\n";
+  const Row rows[] = {
+      {"# note\n" + yes + "msgstr \"Ja\"\n", "# note\n" + now + yes + "msgstr \"Ja\"\n"},
+      {"#, fuzzy\n#| msgid \"y\"\n" + yes + "msgstr \"Ja\"\n",
+       now + "#, fuzzy\n#| msgid \"y\"\n" + yes + "msgstr \"Ja\"\n"},
+      {context + "msgid \"Oh\"\nmsgstr \"Ja\"\n",
+       now + "#, fuzzy\n#| msgid \"Oh\"\n" + yes + "msgstr \"Ja\"\n"},
+      {context + "msgid \"Oh\"\nmsgstr \"\"\n", now + yes + "msgstr \"\"\n"},
+      {"#~ " + context + "#~ msgid \"Yes\"\n#~ msgstr \"Ja\"\n",
+       now + "#, fuzzy\n" + yes + "msgstr \"Ja\"\n"},
+      {"# n\n#, fuzzy\n#: b.mc\n#. x\nmsgctxt \"8\"\nmsgid \"a\"\nmsgstr \"b\"\n",
+       now + yes + "msgstr \"\"\n\n# n\n#, fuzzy\n#~ msgctxt \"8\"\n#~ msgid \"a\"\n#~ msgstr \"b\"\n"},
+  };
+  const std::string header =
+      "msgid \"\"\nmsgstr \"\"\n\"Last-Translator: A\\n\"\n\"Content-Type: text/plain; "
+      "charset=ISO-8859-1\\n\"\n";
+  for (const Row& row : rows) {
+    PoFile older;
+    Diagnostics diagnostics;
+    ASSERT_TRUE(readPo(header + "\n" + row.older, 1, older, diagnostics));
+    const MessageSource source = sampleSource();
+    PoFile po = exportPo(source, referenceLanguage(source), kGerman);
+    mergePo(po, older);
+    const std::string text = writePo(po);
+    EXPECT_THAT(text, testing::EndsWith(row.merged)) << row.older;
+    EXPECT_THAT(text, testing::StartsWith(
+                          "msgid \"\"\nmsgstr \"\"\n\"Last-Translator: A\\n\"\n\"Content-Type: text/plain; "
+                          "charset=UTF-8\\n\"\n\"X-Language-Number: 1031\\n\"\n\n"));
+  }
 }
 
 TEST(PoTranslation, KnowsTheLanguageOfAFile) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -46,15 +47,16 @@ class SourceCheck {
   std::vector<std::size_t> languages_;  ///< those of which every message needs a text
 };
 
+/// Several names of a number are one language.
 void SourceCheck::chooseLanguages() {
-  std::vector<bool> isUsed(source_.languages.size());
+  std::set<std::uint16_t> used, chosen;
   for (const SourceMessage& message : source_.messages)
-    for (const SourceText& text : message.texts) isUsed[text.language] = true;
-  for (std::size_t i = 0; i < isUsed.size(); ++i) {
-    if (isUsed[i])
-      languages_.push_back(i);
-    else if (source_.languages[i].declared && !source_.messages.empty())
-      find(source_.languages[i].position, kUnusedLanguage, nameOf(i));
+    for (const SourceText& text : message.texts) used.insert(source_.languages[text.language].number);
+  for (std::size_t i = 0; i < source_.languages.size(); ++i) {
+    const SourceLanguage& language = source_.languages[i];
+    if (!used.contains(language.number) && language.declared && !source_.messages.empty())
+      find(language.position, kUnusedLanguage, nameOf(i));
+    if (used.contains(language.number) && chosen.insert(language.number).second) languages_.push_back(i);
   }
 }
 
@@ -120,8 +122,9 @@ void SourceCheck::compare(const SourceText& original, const SourceTextFacts& ori
 
 void SourceCheck::checkMessage(const SourceMessage& message) {
   for (const std::size_t language : languages_)
-    if (findText(message, language) == nullptr) find(message.position, kNoTranslation, nameOf(language));
-  const SourceText* const original = findText(message, reference_);
+    if (findText(source_, message, language) == nullptr)
+      find(message.position, kNoTranslation, nameOf(language));
+  const SourceText* const original = findText(source_, message, reference_);
   const SourceTextFacts originalFacts =
       original != nullptr ? readSourceText(original->text) : SourceTextFacts();
   for (const SourceText& text : message.texts) {

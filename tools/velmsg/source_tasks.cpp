@@ -137,7 +137,7 @@ TaskResult importPoFiles(const SourceTask& task, TaskReport& report, std::string
   const auto isOther = [&](const Translation& translation) {
     return reference == kNoName || translation.language != report.source.languages[reference].number;
   };
-  std::ranges::stable_partition(translations, isOther);
+  std::stable_partition(translations.begin(), translations.end(), isOther);
   for (const auto& [po, language] : translations)
     isNew = importPo(report.source, po, {reference, language, task.usesFuzzy}, report.diagnostics) || isNew;
   source = isNew ? styled(writeMessageSource(report.source), styleOf(first, task.codepage)) : first;

@@ -148,8 +148,7 @@ inline constexpr const char* kTexts[] = {
     "A number is expected",
     "This number has no name",
     "Unexpected argument",
-    "Exactly one of -list, -langs, -id, -diff, -error, -compile, -export, -import and"
-    " -check must be given",
+    "Exactly one of -list, -langs, -id, -diff, -error, -compile, -export, -import and -check must be given",
     "-cat and -builtin cannot be combined",
     "A message catalog is required: -cat or -builtin",
     "The source is ill-formed in its code page at these bytes",
