@@ -131,7 +131,7 @@ inline constexpr const char* kTexts[] = {
     "                 reports what cannot be used\n"
     "-check           report what is missing or wrong in sources: translations, inserts,\n"
     "                 escapes, lengths\n"
-    "<file> ...       message sources for -export, -import, -check and -diff\n"
+    "<file> ...       message sources for -export, -import, -check and -diff; - is standard input\n"
     "-reference <number>  the language that is translated; by default that of the first text\n"
     "-merge <file>    keep what an older .po file has and the sources do not: comments,\n"
     "                 fuzzy and new texts, entries of removed messages\n"

@@ -49,6 +49,8 @@ class Tool : public vel::tools::CatalogTool {
 
   /// Reports a fatal error, after the output so far, and ends the process.
   [[noreturn]] void end(TextId text, const char* argument, int exitCode) const;
+  bool hasValue(const char* name, const char*& value) const;
+  std::vector<const char*> files() const;
   std::vector<const char*> valuesOf(const char* name) const;
   std::vector<const char*> readInserts() const;
   void checkTasks() const;
@@ -77,6 +79,24 @@ class Tool : public vel::tools::CatalogTool {
   void writeOutput(const std::string& bytes) const;
 };
 
+/// Undoes withStandardStream, which lets "-" be a free argument.
+const char* asGiven(const char* argument) {
+  return argument == vel::tools::kStandardStream ? "-" : argument;
+}
+
+bool Tool::hasValue(const char* name, const char*& value) const {
+  if (!hasArgString(name, value)) return false;
+  value = asGiven(value);
+  return true;
+}
+
+/// Returns the free arguments.
+std::vector<const char*> Tool::files() const {
+  std::vector<const char*> files = freeArguments();
+  std::ranges::transform(files, files.begin(), asGiven);
+  return files;
+}
+
 void Tool::end(TextId id, const char* argument, int exitCode) const {
   std::cout.flush();
   fatal(exitCode, text(id).c_str(), argument);
@@ -86,7 +106,7 @@ void Tool::run() {
   begin();
   checkTasks();
   const char* number = nullptr;
-  if (hasArgString("error", number)) {
+  if (hasValue("error", number)) {
     showErrorNames(number);
     return;
   }
@@ -149,7 +169,7 @@ std::vector<const char*> Tool::valuesOf(const char* name) const {
       isWanted = argument.matches(name);
       isList = argument.matches("var") || argument.matches("compile") || argument.matches("languages");
     } else if (isWanted) {
-      values.push_back(argument.getAsCString());
+      values.push_back(asGiven(argument.getAsCString()));
     } else if (!isList && argument.isFree()) {
       refuse(kUnexpectedArgument, argument.getAsCString());
     }
@@ -168,7 +188,7 @@ std::vector<const char*> Tool::readInserts() const {
 
 Tool::Catalog Tool::openSource() const {
   const char* file = nullptr;
-  const bool hasFile = hasArgString("cat", file);
+  const bool hasFile = hasValue("cat", file);
   const bool builtIn = hasArgSwitch("builtin");
   if (hasFile && builtIn) refuse(kSourcesConflict);
   if (!hasFile && !builtIn) refuse(kSourceRequired);
@@ -194,11 +214,11 @@ Tool::Catalog Tool::open(const char* file) const {
 bool Tool::runTask(const VelClMessageCatalog& catalog) const {
   const char* value = nullptr;
   if (hasArgSwitch("list"))
-    return hasArgString("lang", value) ? listMessages(std::cout, catalog, requireNumber(value))
-                                       : listMessages(std::cout, catalog);
+    return hasValue("lang", value) ? listMessages(std::cout, catalog, requireNumber(value))
+                                   : listMessages(std::cout, catalog);
   if (hasArgSwitch("langs")) return listLanguages(std::cout, catalog);
-  if (hasArgString("diff", value)) return listDifferences(std::cout, catalog, *open(value));
-  reqArgString("id", value);
+  if (hasValue("diff", value)) return listDifferences(std::cout, catalog, *open(value));
+  hasValue("id", value);
   return showMessage(catalog, requireNumber(value));
 }
 
@@ -234,14 +254,13 @@ void Tool::compileSources() const {
   Compilation compilation;
   compilation.sources = valuesOf("compile");
   compilation.languages = valuesOf("languages");
-  hasArgString("out", compilation.catalog);
-  hasArgString("header", compilation.header);
-  hasArgString("table", compilation.table);
+  hasValue("out", compilation.catalog);
+  hasValue("header", compilation.header);
+  hasValue("table", compilation.table);
   const char* value = nullptr;
-  if (hasArgString("codepage", value)) compilation.codepage = requireCcsid(value);
-  if (hasArgString("ansi", value)) compilation.ansi = requireCcsid(value);
-  if (hasArgString("lang", value))
-    compilation.tableLanguage = static_cast<std::uint16_t>(requireNumber(value));
+  if (hasValue("codepage", value)) compilation.codepage = requireCcsid(value);
+  if (hasValue("ansi", value)) compilation.ansi = requireCcsid(value);
+  if (hasValue("lang", value)) compilation.tableLanguage = static_cast<std::uint16_t>(requireNumber(value));
   MessageSource source;
   Diagnostics diagnostics;
   const char* file = nullptr;
@@ -278,7 +297,7 @@ bool Tool::hasSources() const {
 std::uint16_t Tool::languageNumber(const char* name) const {
   constexpr std::uint32_t kMaxLanguage = 0xFFFF;
   const char* value = nullptr;
-  if (!hasArgString(name, value)) return 0;
+  if (!hasValue(name, value)) return 0;
   const std::uint32_t number = requireNumber(value);
   if (number == 0 || number > kMaxLanguage) end(kNumberExpected, value, CONUI_ARG_VALUE_TYPE_MISMATCH);
   return static_cast<std::uint16_t>(number);
@@ -286,12 +305,12 @@ std::uint16_t Tool::languageNumber(const char* name) const {
 
 SourceTask Tool::sourceTask() const {
   SourceTask task;
-  if (hasSources()) task.files = freeArguments();
+  if (hasSources()) task.files = files();
   const char* value = nullptr;
-  if (hasArgString("codepage", value)) task.codepage = requireCcsid(value);
+  if (hasValue("codepage", value)) task.codepage = requireCcsid(value);
   task.language = languageNumber("lang");
   task.reference = languageNumber("reference");
-  hasArgString("merge", task.older);
+  hasValue("merge", task.older);
   task.usesFuzzy = hasArgSwitch("fuzzy");
   return task;
 }
@@ -299,13 +318,13 @@ SourceTask Tool::sourceTask() const {
 void Tool::runSourceTask() const {
   if (hasSources() && freeArguments().empty()) refuse(kSourceFileRequired);
   const char* value = nullptr;
-  if (hasArgString("export", value)) return exportMessages(value);
-  if (hasArgString("import", value)) {
+  if (hasValue("export", value)) return exportMessages(value);
+  if (hasValue("import", value)) {
     if (std::strcmp(value, "po") != 0) refuse(kUnknownForm, value);
     return importTexts();
   }
   if (hasArgSwitch("check")) return check();
-  reqArgString("diff", value);
+  hasValue("diff", value);
   if (compareSources(value)) return;
   std::cout.flush();
   processExit(kExitNotFound);
@@ -380,7 +399,7 @@ bool Tool::compareSources(const char* first) const {
 
 void Tool::writeOutput(const std::string& bytes) const {
   const char* name = nullptr;
-  if (!hasArgString("out", name))
+  if (!hasValue("out", name))
     std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   else if (writeOutputs({{name, bytes}}) != nullptr)
     end(kOutputNotWritten, name, kExitNotWritten);
@@ -394,7 +413,8 @@ int vel::tools::toolMain(int argc, char** argv) {
   velFileSetBinaryMode(vel::platform::kStandardOutput, true);
   const vel::tools::ToolTexts texts{kToolName, kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
   if (vel::tools::answerStandardSwitches(argc, argv, texts)) return std::cout.good() ? 0 : kExitNotWritten;
-  Tool tool(argc, argv);
+  const std::vector<const char*> arguments = vel::tools::withStandardStream(argc, argv);
+  Tool tool(argc, arguments.data());
   try {
     tool.run();
   } catch (const VelClException& exception) {
