@@ -28,6 +28,8 @@ class ReplacingFile {
     isOpen_ = false;
     return finishReplacement(replacement_);
   }
+  /// After finish: whether the file has the owner and the permissions of the one that it replaced.
+  bool keepsRights() const noexcept { return replacement_.keepsRights; }
 
  private:
   Replacement replacement_;

@@ -136,15 +136,17 @@ bool readMessageSources(const std::vector<const char*>& files, const VelClCCSID&
   return diagnostics.empty();
 }
 
-CompileResult compile(const Compilation& compilation, MessageSource& source, Diagnostics& diagnostics,
-                      const char*& file) {
+CompileOutcome compile(const Compilation& compilation, MessageSource& source, Diagnostics& diagnostics) {
+  const char* file = nullptr;
   if (!readMessageSources(compilation.sources, compilation.codepage, source, diagnostics, file))
-    return file != nullptr ? CompileResult::NotRead : CompileResult::Faulty;
+    return {file != nullptr ? CompileResult::NotRead : CompileResult::Faulty, file};
   selectLanguages(compilation.languages, source, diagnostics);
   const auto outputs = makeOutputs(compilation, source, diagnostics);
-  if (!diagnostics.empty()) return CompileResult::Faulty;
-  file = writeOutputs(outputs);
-  return file != nullptr ? CompileResult::NotWritten : CompileResult::Written;
+  if (!diagnostics.empty()) return {CompileResult::Faulty, nullptr};
+  CompileOutcome outcome{CompileResult::Written, nullptr};
+  outcome.file = writeOutputs(outputs, outcome.changedRights);
+  if (outcome.file != nullptr) outcome.result = CompileResult::NotWritten;
+  return outcome;
 }
 
 }  // namespace vel::velmsg

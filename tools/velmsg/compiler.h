@@ -36,9 +36,14 @@ enum class CompileResult {
 bool readMessageSources(const std::vector<const char*>& files, const VelClCCSID& codepage,
                         MessageSource& source, Diagnostics& diagnostics, const char*& file);
 
-/// Writes all outputs or, if anything fails before the first one is in place, none. `file` is set to the name
-/// of the file that could not be read or written.
-CompileResult compile(const Compilation& compilation, MessageSource& source, Diagnostics& diagnostics,
-                      const char*& file);
+struct CompileOutcome {
+  CompileResult result;
+  const char* file;  ///< the one that could not be read or written, or null
+  /// The outputs that do not have the owner or permissions of the file that they replaced.
+  std::vector<const char*> changedRights = {};
+};
+
+/// Writes all outputs or, if anything fails before the first one is in place, none.
+CompileOutcome compile(const Compilation& compilation, MessageSource& source, Diagnostics& diagnostics);
 
 }  // namespace vel::velmsg

@@ -37,15 +37,17 @@ bool readFile(const char* name, std::string& bytes) {
   return file.open(name, platform::PipeWithoutWriter::Wait) == 0 && readBytes(file.descriptor(), bytes);
 }
 
-const char* writeOutputs(const std::vector<Output>& outputs) {
+const char* writeOutputs(const std::vector<Output>& outputs, std::vector<const char*>& changedRights) {
   std::vector<platform::ReplacingFile> files(outputs.size());
   for (std::size_t i = 0; i < files.size(); ++i) {
     const Output& output = outputs[i];
     if (files[i].start(output.name) != 0 || files[i].write(output.bytes.data(), output.bytes.size()) != 0)
       return output.name;
   }
-  for (std::size_t i = 0; i < files.size(); ++i)
+  for (std::size_t i = 0; i < files.size(); ++i) {
     if (files[i].finish() != 0) return outputs[i].name;
+    if (!files[i].keepsRights()) changedRights.push_back(outputs[i].name);
+  }
   return nullptr;
 }
 

@@ -16,6 +16,7 @@ struct Output {
 };
 
 /// Puts the files in place when all of them are written. Returns the name of one that failed, or null.
-const char* writeOutputs(const std::vector<Output>& outputs);
+/// `changedRights` are those that do not have the owner or permissions of the file that they replaced.
+const char* writeOutputs(const std::vector<Output>& outputs, std::vector<const char*>& changedRights);
 
 }  // namespace vel::velmsg

@@ -52,10 +52,17 @@ std::string message(const std::string& statements, const std::string& text = "x"
   return "MessageId=" + statements + "\nLanguage=English\n" + text + "\n.\n";
 }
 
-TEST(MessageSource, ReadsAndReports) {
+/// Sources, and what list() returns for them.
+using Rows = std::vector<std::pair<std::string, std::string>>;
+
+void expectLists(const Rows& rows) {
+  for (const auto& [source, expected] : rows) EXPECT_EQ(list(read(source)), expected) << source;
+}
+
+// The next number is counted by facility; severity and facility stay.
+TEST(MessageSource, CountsNumbers) {
   const std::string names = "SeverityNames=(Low=0 High=3:HIGH)FacilityNames=(One=1 Two=0x2:TWO)\n";
-  const std::pair<std::string, std::string> rows[] = {
-      // Numbers: the next one is counted by facility, and severity and facility stay.
+  expectLists({
       {message("7") + message("") + message("+3"), "7  1=x/,8  1=x/,b  1=x/,"},
       {message(""), "1  1=x/,"},
       {names + message("5 Facility=One") + message("9 Facility=Two") + message(" Facility=One") + message(""),
@@ -72,13 +79,17 @@ TEST(MessageSource, ReadsAndReports) {
       {message("1x"), "1:11 A number is expected: 1x|"},
       {message("08"), "1:11 A number is expected: 08|"},
       {message("1") + message("1"), "5:1 The number of the message is already used: a.mc:1:1|"},
-      // Statements may be divided in any way, and keywords and names have no case.
+  });
+}
+
+// Statements may be divided in any way, and keywords and names have no case; texts are lines as they are.
+TEST(MessageSource, ReadsStatementsAndTexts) {
+  expectLists({
       {"messageid\n=\n 1\nsymbolicname = A\nLANGUAGE = ENGLISH \t\nx\n.", "1 A 1=x/,"},
       {message("1 SymbolicName="), "1  1=x/,"},
       {message("1 SymbolicName=A") + message("2 SymbolicName=A"),
        "5:26 The symbolic name is already used: a.mc:1:26|"},
       {"MessageIdTypedef=\n" + message("1"), "1  1=x/,"},
-      // Texts are lines as they are.
       {message("1", "  a \n\n;b\nMessageId=2\n.c\n. "), "1  1=  a //;b/MessageId=2/.c/. /,"},
       {"MessageId=1\r\nLanguage=English\r\na\r\n\rb\r\n.\r\n", "1  1=a/\rb/,"},
       {"MessageId=1\nLanguage=English\n.\n", "1  1=,"},
@@ -94,7 +105,11 @@ TEST(MessageSource, ReadsAndReports) {
       {"Language=English\nx\n.\n", "1:1 A MessageId statement is expected before|"},
       {"MessageId=1\nLanguage=Welsh\nx\n.\n" + message("2"), "2:10 Unknown language: Welsh|"},
       {"MessageId=1\n" + message("2"), "1:1 The message has no text|"},
-      // Names.
+  });
+}
+
+TEST(MessageSource, ReadsNames) {
+  expectLists({
       {"LanguageNames=(English=0x409:E)\n" + message("1"), "1  1033=x/,"},
       {"SeverityNames=(A=1)SeverityNames=(a=1:X A=2)",
        "1:41 The name is already declared with another number: A|"},
@@ -112,8 +127,7 @@ TEST(MessageSource, ReadsAndReports) {
        "1:1 Unknown statement: \xC3\xA4|2:1 The source is ill-formed in its code page at these bytes: FF|2:1 "
        "Unknown "
        "statement: ??|2:2 The source is ill-formed in its code page at these bytes: C3|"},
-  };
-  for (const auto& [source, expected] : rows) EXPECT_EQ(list(read(source)), expected) << source;
+  });
 }
 
 TEST(MessageSource, ReadsEveryEncoding) {

@@ -47,6 +47,7 @@ enum TextId : unsigned long {
   kMoreFaults,
   kSourceNotRead,
   kOutputNotWritten,
+  kRightsChanged,
   kOutputRequired,
   kUnknownCcsid,
   kPoKeywordExpected,
@@ -83,7 +84,7 @@ enum TextId : unsigned long {
 };
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 75",
+    "[VEL_MSGTAB_SIGNATURE] 76",
     "[VELMSG]",
     "Message catalog inspector",
     "shows the contents of a message catalog",
@@ -181,6 +182,7 @@ inline constexpr const char* kTexts[] = {
     "Further faults",
     "The file could not be read",
     "The file could not be written",
+    "The file was written, but its owner or permissions could not be kept",
     "-compile requires -out, -header or -table",
     "Unknown CCSID",
     "msgctxt, msgid, msgstr or a string is expected",

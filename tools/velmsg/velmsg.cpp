@@ -263,12 +263,12 @@ void Tool::compileSources() const {
   if (hasValue("lang", value)) compilation.tableLanguage = static_cast<std::uint16_t>(requireNumber(value));
   MessageSource source;
   Diagnostics diagnostics;
-  const char* file = nullptr;
-  const CompileResult result = compile(compilation, source, diagnostics, file);
+  const CompileOutcome outcome = compile(compilation, source, diagnostics);
   showDiagnostics(source, diagnostics);
-  if (result == CompileResult::NotRead) end(kSourceNotRead, file, kExitNoCatalog);
-  if (result == CompileResult::NotWritten) end(kOutputNotWritten, file, kExitNotWritten);
-  if (result == CompileResult::Faulty) processExit(kExitNotFound);
+  for (const char* const name : outcome.changedRights) report(kRightsChanged, name);
+  if (outcome.result == CompileResult::NotRead) end(kSourceNotRead, outcome.file, kExitNoCatalog);
+  if (outcome.result == CompileResult::NotWritten) end(kOutputNotWritten, outcome.file, kExitNotWritten);
+  if (outcome.result == CompileResult::Faulty) processExit(kExitNotFound);
 }
 
 /// Writes a line for each diagnostic in the form that editors and build logs know.
@@ -399,10 +399,13 @@ bool Tool::compareSources(const char* first) const {
 
 void Tool::writeOutput(const std::string& bytes) const {
   const char* name = nullptr;
-  if (!hasValue("out", name))
+  if (!hasValue("out", name)) {
     std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  else if (writeOutputs({{name, bytes}}) != nullptr)
-    end(kOutputNotWritten, name, kExitNotWritten);
+    return;
+  }
+  std::vector<const char*> changedRights;
+  if (writeOutputs({{name, bytes}}, changedRights) != nullptr) end(kOutputNotWritten, name, kExitNotWritten);
+  if (!changedRights.empty()) report(kRightsChanged, name);
 }
 
 }  // namespace
