@@ -17,6 +17,7 @@ class Directory : public vel::test::ScratchDirectory {
     write("b.ini", "[B]\nx=1\n");
     write("dump", vel::test::runChild("veldump", {path("a.ini")}).output);
     write("a.mc", "MessageId=1\nLanguage=English\na\n.\n");
+    write("a.po", "msgctxt \"1\"\nmsgid \"a\"\nmsgstr \"b\"\n");
     write("catalog.DLL", vel::test::readFile("small_catalog.DLL"));
     write("tour.trc", vel::test::readFile(VEL_TEST_DATA "../trace/test/tour.trc"));
   }

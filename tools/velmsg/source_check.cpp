@@ -74,12 +74,13 @@ SourcePosition positionIn(const SourceText& text, std::size_t offset) {
 /// Returns the percent sign at an offset and a few characters after it, for a report.
 std::string excerpt(const SourceText& text, std::size_t offset) {
   constexpr std::size_t kMaxLength = 12;
-  std::string_view rest = std::string_view(text.text).substr(offset);
-  rest = rest.substr(0, std::min(rest.find('\n'), rest.size()));
+  std::string rest = text.text.substr(offset, text.text.find('\n', offset) - offset);
   std::size_t length = std::min(rest.size(), kMaxLength);
   // Not a part of a character.
   while (length < rest.size() && (static_cast<unsigned char>(rest[length]) & 0xC0) == 0x80) --length;
-  return std::string(rest.substr(0, rest.find_last_not_of(' ', length - 1) + 1));
+  rest.resize(length);
+  rest.erase(rest.find_last_not_of(' ') + 1);
+  return rest;
 }
 
 void SourceCheck::checkText(const SourceText& text, const SourceTextFacts& facts) {

@@ -1,12 +1,15 @@
 #include "tools/velmsg/source_tasks.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 #include "base/ascii.h"
 #include "tools/velmsg/files.h"
 #include "tools/velmsg/po_translation.h"
 #include "tools/velmsg/source_check.h"
+#include "tools/velmsg/source_editor.h"
 #include "tools/velmsg/source_encoding.h"
 #include "tools/velmsg/source_writer.h"
 #include "tools/velmsg/texts.h"
@@ -23,29 +26,17 @@ bool isPo(std::string_view name) {
                                  kExtension.data());
 }
 
-/// The form of a file, which the import keeps.
-struct FileStyle {
-  bool hasMark = false;
-  bool hasCrLf = false;
-};
-
-FileStyle styleOf(std::string_view bytes, const VelClCCSID& codepage) {
-  const std::size_t lineEnd = bytes.find('\n');
-  const bool isUtf16 = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
-  const bool isUtf8 = codepage == VelClCCSID(VelClCCSID::CCSID_UTF8);
-  // In UTF-16 a NUL is between the bytes of a line break, before or after the line feed.
-  const bool hasCrLf = lineEnd != std::string_view::npos && lineEnd > 1 &&
-                       bytes.substr(lineEnd - 2, 2).find('\r') != std::string_view::npos;
-  return {bytes.starts_with(kUtf8Mark) || isUtf16 || !isUtf8, hasCrLf};
-}
-
-std::string styled(std::string_view text, const FileStyle& style) {
-  std::string result(style.hasMark ? kUtf8Mark : "");
-  for (const char c : text) {
-    if (c == '\n' && style.hasCrLf) result += '\r';
-    result += c;
-  }
-  return result;
+/// Returns a source that has changed: the file with other texts or, if that is not possible, the source in
+/// the layout of velmsg.
+std::string changedSource(std::string_view bytes, const VelClCCSID& codepage, const MessageSource& before,
+                          const MessageSource& changed) {
+  Diagnostics ignored;
+  const std::string text = toUtf8(bytes, codepage, 0, ignored);
+  const bool isPlainUtf8 = bytes == text;
+  std::optional<std::string> edited;
+  // Messages of several files become one file.
+  if (before.files.size() == 1) edited = editSource(text, before, changed);
+  return (isPlainUtf8 ? "" : std::string(kUtf8Mark)) + edited.value_or(writeMessageSource(changed));
 }
 
 /// Reads all files but those that `isOther`. `first` is set to the bytes of the first one.
@@ -125,7 +116,8 @@ TaskResult importPoFiles(const SourceTask& task, TaskReport& report, std::string
   std::string first;
   if (const TaskResult result = readFiles(task, report, first, isPo); result != TaskResult::Done)
     return result;
-  bool isNew = report.source.files.size() != 1;
+  const MessageSource before = report.source;
+  bool isNew = before.files.size() != 1;
   const std::size_t reference = requireReference(task, report);
   std::vector<Translation> translations;
   for (const char* const name : task.files) {
@@ -140,7 +132,7 @@ TaskResult importPoFiles(const SourceTask& task, TaskReport& report, std::string
   std::stable_partition(translations.begin(), translations.end(), isOther);
   for (const auto& [po, language] : translations)
     isNew = importPo(report.source, po, {reference, language, task.usesFuzzy}, report.diagnostics) || isNew;
-  source = isNew ? styled(writeMessageSource(report.source), styleOf(first, task.codepage)) : first;
+  source = isNew ? changedSource(first, task.codepage, before, report.source) : first;
   return report.diagnostics.empty() ? TaskResult::Done : TaskResult::Found;
 }
 

@@ -34,9 +34,9 @@ struct TaskReport {
 
 TaskResult readSources(const SourceTask& task, TaskReport& report);
 TaskResult exportPoFile(const SourceTask& task, TaskReport& report, std::string& po);
-/// Files whose names end in ".po" are translations, the others are sources. If no text changes, the result is
-/// the source itself. Otherwise it has the line breaks of the first source, and a byte order mark if that is
-/// not plain UTF-8.
+/// Files whose names end in ".po" are translations, the others are sources. The result is the source with
+/// other texts and nothing else changed. It is in UTF-8, with a byte order mark unless the source is plain
+/// UTF-8. Several sources become one, in the layout of writeMessageSource.
 TaskResult importPoFiles(const SourceTask& task, TaskReport& report, std::string& source);
 /// Mistakes that keep a source from being compiled are findings as well.
 TaskResult checkSources(const SourceTask& task, TaskReport& report);

@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::uint32_t kNumberMask = 0xFFFF;
 constexpr unsigned kDefaultOutputBase = 16;
+constexpr std::string_view kLanguageNames = "LanguageNames";
 
 class SourceWriter {
  public:
@@ -66,6 +67,14 @@ std::string hexNumber(std::uint32_t number) {
   return "0x" + std::string(digits, writeHex(digits, number, kLowerHexDigits));
 }
 
+template <typename Entry>
+std::string declaration(std::string_view keyword, const Entry& entry, const std::string& last) {
+  std::string text(keyword);
+  text.append("=(").append(entry.name).append("=").append(hexNumber(entry.number));
+  if (!last.empty()) text.append(":").append(last);
+  return text + ")\n";
+}
+
 /// Names that need no declaration come first in the model; the file may declare them anywhere. New names have
 /// no position and come last.
 template <typename Entry>
@@ -79,9 +88,7 @@ void SourceWriter::writeDeclarations(std::string_view keyword, const std::vector
     return std::tuple(at.line == 0, at.file, at.line, at.column);
   });
   for (const Entry* const entry : declared) {
-    const std::string& last = entry->*after;
-    writeStatement(
-        keyword, '(' + entry->name + '=' + hexNumber(entry->number) + (last.empty() ? "" : ":") + last + ')');
+    out_ += declaration(keyword, *entry, entry->*after);
   }
 }
 
@@ -93,7 +100,7 @@ void SourceWriter::writeHeader() {
   writeDeclarations("FacilityNames", source_.facilities, &NamedNumber::symbol);
   writeZeroName("SeverityNames", source_.severities, &SourceMessage::severity);
   writeZeroName("FacilityNames", source_.facilities, &SourceMessage::facility);
-  writeDeclarations("LanguageNames", source_.languages, &SourceLanguage::file);
+  writeDeclarations(kLanguageNames, source_.languages, &SourceLanguage::file);
   // A statement has to follow the comments, or they would belong to the first message.
   if (!source_.headerComments.empty() && out_.size() == start)
     writeStatement("OutputBase", std::to_string(outputBase_));
@@ -159,6 +166,10 @@ void SourceWriter::writeText(const SourceText& text) {
 
 std::string writeMessageSource(const MessageSource& source) {
   return SourceWriter(source).write();
+}
+
+std::string languageStatement(const SourceLanguage& language) {
+  return declaration(kLanguageNames, language, language.file);
 }
 
 }  // namespace vel::velmsg

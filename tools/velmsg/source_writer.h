@@ -15,4 +15,7 @@ namespace vel::velmsg {
 /// has gets a name for the number 0.
 std::string writeMessageSource(const MessageSource& source);
 
+/// Returns the statement that declares a language, with its line break.
+std::string languageStatement(const SourceLanguage& language);
+
 }  // namespace vel::velmsg

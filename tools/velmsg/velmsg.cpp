@@ -351,6 +351,8 @@ void Tool::exportMessages(const char* form) const {
   }
   const MessageListing listing = listingOfInput();
   std::ostringstream out;
+  // Otherwise lack of memory would cut the output silently.
+  out.exceptions(std::ios::badbit);
   isJson ? writeJson(out, listing) : writeTsv(out, listing);
   writeOutput(out.str());
   if (!listing.empty()) return;
