@@ -25,7 +25,8 @@ function(_qamc5032_velmsg command depends)
     set(${depends} velmsg PARENT_SCOPE)
     return()
   endif()
-  find_program(qamc5032_VELMSG velmsg HINTS ${qamc5032_RUNTIME_DIR} NO_CMAKE_FIND_ROOT_PATH
+  # The names of programs have extensions on Windows only, but a cross build may have nothing else.
+  find_program(qamc5032_VELMSG NAMES velmsg velmsg.exe HINTS ${qamc5032_RUNTIME_DIR} NO_CMAKE_FIND_ROOT_PATH
                DOC "Compiles message catalogs")
   if(NOT qamc5032_VELMSG)
     message(FATAL_ERROR "qamc5032_add_catalog needs velmsg: install the tools of qamc5032, or set qamc5032_VELMSG")

@@ -48,7 +48,7 @@ void writePeHeader(ByteWriter& out) {
   out.add32(0x4550);    // "PE"
   out.add16(0x8664);    // machine: x86-64
   out.add16(1);         // sections
-  out.addZeros(4 * 3);  // time, symbol table, symbols
+  out.addZeros(12);  // time, symbol table, symbols
   out.add16(kOptionalHeaderSize);
   out.add16(0x2022);  // executable, large addresses, library
 }
@@ -74,7 +74,7 @@ void writeOptionalHeader(ByteWriter& out, std::size_t sectionSize) {
   for (const unsigned size : {0x100000U, 0x1000U, 0x100000U, 0x1000U}) out.add64(size);  // stack and heap
   out.addZeros(4);
   out.add32(kDataDirectoryCount);
-  out.addZeros(2 * 8);  // exports, imports
+  out.addZeros(16);  // exports, imports
   out.add32(kSectionAddress);
   out.add32(sectionSize);
   out.addZeros((kDataDirectoryCount - 3) * 8);

@@ -104,6 +104,17 @@ void selectLanguages(const std::vector<const char*>& languages, MessageSource& s
     std::erase_if(message.texts, [&](const SourceText& text) { return !isSelected[text.language]; });
 }
 
+/// Returns the language that the user names, or the one that the source suggests.
+std::uint16_t chooseTableLanguage(const Compilation& compilation, const MessageSource& source,
+                                  Diagnostics& diagnostics) {
+  if (!compilation.tableLanguage) return languageOfTable(source);
+  const std::uint32_t number = *compilation.tableLanguage;
+  const auto hasNumber = [number](const SourceLanguage& language) { return language.number == number; };
+  if (std::ranges::none_of(source.languages, hasNumber))
+    addDiagnostic(diagnostics, {{}, kUnknownLanguage, std::to_string(number)});
+  return static_cast<std::uint16_t>(number);
+}
+
 std::vector<Output> makeOutputs(const Compilation& compilation, const MessageSource& source,
                                 Diagnostics& diagnostics) {
   std::vector<Output> outputs;
@@ -111,11 +122,10 @@ std::vector<Output> makeOutputs(const Compilation& compilation, const MessageSou
     outputs.push_back({compilation.catalog, CatalogBuilder(source, compilation.ansi, diagnostics).build()});
   if (compilation.header != nullptr)
     outputs.push_back({compilation.header, identifierHeader(source, compilation.header)});
-  if (compilation.table != nullptr) {
-    const std::uint16_t language = compilation.tableLanguage.value_or(languageOfTable(source));
+  if (compilation.table != nullptr)
     outputs.push_back(
-        {compilation.table, stringTable(source, identifierOf(compilation.table), language, diagnostics)});
-  }
+        {compilation.table, stringTable(source, identifierOf(compilation.table),
+                                        chooseTableLanguage(compilation, source, diagnostics), diagnostics)});
   return outputs;
 }
 

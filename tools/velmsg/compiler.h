@@ -16,7 +16,7 @@ struct Compilation {
   VelClCCSID codepage = VelClCCSID(VelClCCSID::CCSID_UTF8);
   /// Texts are stored as single bytes of this code page instead of UTF-16.
   std::optional<VelClCCSID> ansi;
-  std::optional<std::uint16_t> tableLanguage;
+  std::optional<std::uint32_t> tableLanguage;
   /// The languages to write, by name or number; all if empty.
   std::vector<const char*> languages;
   const char* catalog = nullptr;

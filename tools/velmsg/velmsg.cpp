@@ -260,7 +260,7 @@ void Tool::compileSources() const {
   const char* value = nullptr;
   if (hasValue("codepage", value)) compilation.codepage = requireCcsid(value);
   if (hasValue("ansi", value)) compilation.ansi = requireCcsid(value);
-  if (hasValue("lang", value)) compilation.tableLanguage = static_cast<std::uint16_t>(requireNumber(value));
+  if (hasValue("lang", value)) compilation.tableLanguage = requireNumber(value);
   MessageSource source;
   Diagnostics diagnostics;
   const CompileOutcome outcome = compile(compilation, source, diagnostics);
