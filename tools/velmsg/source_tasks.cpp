@@ -19,13 +19,6 @@ namespace {
 
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
-bool isPo(std::string_view name) {
-  constexpr std::string_view kExtension = ".po";
-  return name.size() > kExtension.size() &&
-         equalsIgnoringAsciiCase(std::string(name.substr(name.size() - kExtension.size())).c_str(),
-                                 kExtension.data());
-}
-
 /// Returns a source that has changed: the file with other texts or, if that is not possible, the source in
 /// the layout of velmsg.
 std::string changedSource(std::string_view bytes, const VelClCCSID& codepage, const MessageSource& before,
@@ -94,6 +87,13 @@ TaskResult addTranslation(const char* name, const SourceTask& task, TaskReport& 
 
 }  // namespace
 
+bool isPoFile(std::string_view name) {
+  constexpr std::string_view kExtension = ".po";
+  return name.size() > kExtension.size() &&
+         equalsIgnoringAsciiCase(std::string(name.substr(name.size() - kExtension.size())).c_str(),
+                                 kExtension.data());
+}
+
 TaskResult readSources(const SourceTask& task, TaskReport& report) {
   std::string first;
   return readFiles(task, report, first, [](const char*) { return false; });
@@ -114,14 +114,14 @@ TaskResult exportPoFile(const SourceTask& task, TaskReport& report, std::string&
 
 TaskResult importPoFiles(const SourceTask& task, TaskReport& report, std::string& source) {
   std::string first;
-  if (const TaskResult result = readFiles(task, report, first, isPo); result != TaskResult::Done)
+  if (const TaskResult result = readFiles(task, report, first, isPoFile); result != TaskResult::Done)
     return result;
   const MessageSource before = report.source;
   bool isNew = before.files.size() != 1;
   const std::size_t reference = requireReference(task, report);
   std::vector<Translation> translations;
   for (const char* const name : task.files) {
-    if (!isPo(name)) continue;
+    if (!isPoFile(name)) continue;
     if (addTranslation(name, task, report, translations) == TaskResult::NotRead) return TaskResult::NotRead;
   }
   if (!report.diagnostics.empty()) return TaskResult::Faulty;

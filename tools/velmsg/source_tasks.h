@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/velmsg/message_source.h"
@@ -34,7 +35,10 @@ struct TaskReport {
 
 TaskResult readSources(const SourceTask& task, TaskReport& report);
 TaskResult exportPoFile(const SourceTask& task, TaskReport& report, std::string& po);
-/// Files whose names end in ".po" are translations, the others are sources. The result is the source with
+/// Whether an import takes a file as a translation: its name ends in ".po". The others are sources.
+bool isPoFile(std::string_view name);
+
+/// There must be both sources and translations. The result is the source with
 /// other texts and nothing else changed. It is in UTF-8, with a byte order mark unless the source is plain
 /// UTF-8. Several sources become one, in the layout of writeMessageSource.
 TaskResult importPoFiles(const SourceTask& task, TaskReport& report, std::string& source);

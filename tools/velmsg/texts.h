@@ -80,11 +80,12 @@ enum TextId : unsigned long {
   kLangRequired,
   kOnlyForPo,
   kUnknownForm,
+  kPoFileRequired,
   kTextEnd
 };
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 76",
+    "[VEL_MSGTAB_SIGNATURE] 77",
     "[VELMSG]",
     "Message catalog inspector",
     "shows the contents of a message catalog",
@@ -215,6 +216,7 @@ inline constexpr const char* kTexts[] = {
     "-export po requires -lang",
     "-merge and -reference require -export po, -import or -check",
     "Unknown form",
+    "A .po file is required",
 };
 static_assert(tools::isStringTable(kTexts, kTextEnd));
 

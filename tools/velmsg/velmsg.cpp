@@ -7,6 +7,7 @@
 #include <cstring>
 #include <initializer_list>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <sstream>
@@ -371,9 +372,14 @@ MessageListing Tool::listingOfInput() const {
 }
 
 void Tool::importTexts() const {
+  const SourceTask task = sourceTask();
+  const auto poFiles = std::ranges::count_if(task.files, isPoFile);
+  if (poFiles == 0) refuse(kPoFileRequired);
+  // Otherwise the output would be a source without messages.
+  if (poFiles == std::ssize(task.files)) refuse(kSourceFileRequired);
   TaskReport report;
   std::string source;
-  const TaskResult result = importPoFiles(sourceTask(), report, source);
+  const TaskResult result = importPoFiles(task, report, source);
   endUnlessDone(result, report);
   writeOutput(source);
   std::cout.flush();
