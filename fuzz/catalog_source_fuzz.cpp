@@ -1,7 +1,11 @@
-// Reads any bytes as a message source. What is read compiles to a catalog with the same texts.
+// Reads any bytes as a message source. What is read compiles to a catalog with the same texts, and comes back
+// the same from a source that is written and from .po files.
 #include "fuzz/bytes.h"
 #include "tools/velmsg/identifier_header.h"
 #include "tools/velmsg/message_source.h"
+#include "tools/velmsg/po_translation.h"
+#include "tools/velmsg/source_check.h"
+#include "tools/velmsg/source_writer.h"
 #include "tools/velmsg/table_writer.h"
 #include "vel_include/vel_messages.h"
 
@@ -43,6 +47,24 @@ void compile(const MessageSource& source) {
   require(writer.getBytes(bytes, size) == !source.messages.empty() || !hasAll);
 }
 
+/// Exports each language and imports it again, which changes nothing.
+void translate(const MessageSource& source) {
+  const std::string text = writeMessageSource(source);
+  MessageSource again = emptySource();
+  Diagnostics diagnostics;
+  require(readMessageSource("b.mc", text, VelClCCSID::CCSID_UTF8, again, diagnostics));
+  require(writeMessageSource(again) == text);
+  const std::size_t reference = referenceLanguage(source);
+  for (std::size_t i = 0; i < source.languages.size() && i < 4; ++i) {
+    const std::uint16_t language = source.languages[i].number;
+    PoFile po;
+    require(readPo(writePo(exportPo(source, reference, language)), 0, po, diagnostics));
+    const bool isChanged = importPo(again, po, {reference, language, true}, diagnostics);
+    require({!isChanged, diagnostics.empty(), languageOfPo(source, po) == language});
+  }
+  checkSource(source, reference, diagnostics);
+}
+
 void run(Bytes input) {
   MessageSource source = emptySource();
   Diagnostics diagnostics;
@@ -55,6 +77,7 @@ void run(Bytes input) {
   Diagnostics faults;
   stringTable(source, "a", languageOfTable(source), faults);
   compile(source);
+  translate(source);
 }
 
 const Target target("catalog_source", run);

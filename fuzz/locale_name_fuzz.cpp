@@ -1,14 +1,14 @@
 // Parses any text as the name of a locale: as a language identifier, as the language of the user, and for its
 // fallbacks.
+#include "base/language_names.h"
 #include "fuzz/bytes.h"
-#include "platform/posix/language_names.h"
 #include "vel_include/vel_messages.h"
 
 namespace fuzz::locale_name {
 
 namespace {
 
-using vel::platform::languageIdOfLocaleName;
+using vel::languageIdOfLocaleName;
 
 constexpr std::uint32_t kPrimaryLanguage = 0x3FF;
 

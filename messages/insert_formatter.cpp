@@ -8,8 +8,8 @@
 #include "messages/insert_formatter.h"
 
 #include <algorithm>
-#include <limits>
 
+#include "messages/resource_escape.h"
 #include "messages/text_reader_writer.h"
 
 namespace vel::messages {
@@ -17,34 +17,6 @@ namespace {
 
 constexpr const char* kMissing = "???";
 constexpr std::uint32_t kInsertCount = 10;
-constexpr std::size_t kUnlimited = std::numeric_limits<std::size_t>::max();
-
-/// The print style of an insert: "%1!-8.3s!" is left-aligned, with width 8 and precision 3.
-struct InsertStyle {
-  bool leftAligned = false;
-  bool zeroFilled = false;
-  std::size_t width = 0;
-  std::size_t precision = kUnlimited;
-};
-
-/// Consumes one of printf's flags. Returns false if no flag follows. Flags for numbers are accepted and
-/// ignored.
-bool parseFlag(TextReader& text, InsertStyle& style) noexcept {
-  if (text.consumeIf('-')) return style.leftAligned = true;
-  if (text.consumeIf('0')) return style.zeroFilled = true;
-  return text.consumeIf('+') || text.consumeIf(' ') || text.consumeIf('#');
-}
-
-/// Parses the text between the "!" of a print style. Returns false for everything but a string conversion:
-/// any other one would make printf read a number, or an address from which to read.
-bool parseStyle(TextReader text, InsertStyle& style) noexcept {
-  while (parseFlag(text, style)) {
-  }
-  style.width = text.parseNumber();
-  if (text.consumeIf('.')) style.precision = text.parseNumber();
-  text.consumeIf('h');
-  return text.consumeIf('s') && text.atEnd();
-}
 
 /// Expands texts of catalog libraries. A malformed text, or a result that does not fit, yields nothing.
 class ResourceTextExpander {
@@ -71,52 +43,30 @@ class ResourceTextExpander {
   }
 
   void escape() noexcept {
-    malformed_ = text_.atEnd();
-    if (malformed_) return;
-    const char c = text_.read();
-    switch (c) {
-      case '0':
+    const ResourceEscape escape = readResourceEscape(text_);
+    switch (escape.kind) {
+      case ResourceEscape::Kind::Malformed:
+        malformed_ = true;
+        break;
+      case ResourceEscape::Kind::End:
         finished_ = true;
         break;
-      case 'n':
+      case ResourceEscape::Kind::LineBreak:
         out_.lineBreak();
         break;
-      case 'r':
-        out_.put('\r');
+      case ResourceEscape::Kind::Character:
+        out_.put(escape.character);
         break;
-      case 't':
-        out_.put('\t');
-        break;
-      case 'b':
-        out_.put(' ');
-        break;
-      default:
-        if (isAsciiDigit(c)) return insert(c);
-        out_.put(c);
+      case ResourceEscape::Kind::Insert:
+        insert(escape);
     }
   }
 
-  /// Expands an insert after its first digit, which is not 0: "%0" ends the text, also in "%01".
-  void insert(char firstDigit) noexcept {
-    auto number = appendDigit(std::uint32_t{0}, firstDigit);
-    if (text_.atDigit()) number = appendDigit(number, text_.read());
-    const bool known = number <= kInsertCount && inserts_[number - 1] != nullptr;
-    const char* value = known ? inserts_[number - 1] : kMissing;
-
-    if (!text_.consumeIf('!')) return putAll(value);
-    InsertStyle style;
-    if (!readStyle(style)) value = kMissing;
-    if (!malformed_) putFormatted(value, style);
-  }
-
-  /// Consumes a print style and its second "!". Returns false when the insert cannot be shown in this style;
-  /// sets malformed_ when the second "!" is missing.
-  bool readStyle(InsertStyle& style) noexcept {
-    TextReader part = text_;
-    malformed_ = !text_.readUntil('!', part);
-    if (!malformed_ && parseStyle(part, style)) return true;
-    style = {};
-    return false;
+  void insert(const ResourceEscape& escape) noexcept {
+    const bool known =
+        escape.isText && escape.number <= kInsertCount && inserts_[escape.number - 1] != nullptr;
+    const char* const value = known ? inserts_[escape.number - 1] : kMissing;
+    escape.hasStyle ? putFormatted(value, escape.style) : putAll(value);
   }
 
   void putAll(const char* value) noexcept {

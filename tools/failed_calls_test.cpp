@@ -19,6 +19,7 @@ std::map<std::string, std::string> makeFiles() {
           {"b.ini", "[B]\nx=1\n"},
           {"dump", vel::test::runChild("veldump", {directory.path("a.ini")}).output},
           {"a.mc", "MessageId=1\nLanguage=English\na\n.\n"},
+          {"a.po", "msgctxt \"1\"\nmsgid \"a\"\nmsgstr \"b\"\n"},
           {"catalog.DLL", vel::test::readFile("small_catalog.DLL")},
           {"tour.trc", vel::test::readFile(VEL_TEST_DATA "../trace/test/tour.trc")}};
 }

@@ -9,7 +9,7 @@
 
 #include "base/utf.h"
 #include "platform/languages.h"
-#include "platform/posix/language_names.h"
+#include "base/language_names.h"
 #include "platform/posix/locale_variables.h"
 
 namespace vel::platform {

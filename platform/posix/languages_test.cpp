@@ -7,7 +7,7 @@
 #include "platform/clocks.h"
 #include "platform/code_pages.h"
 #include "platform/languages.h"
-#include "platform/posix/language_names.h"
+#include "base/language_names.h"
 #include "platform/test/test.h"
 
 namespace vel::platform {

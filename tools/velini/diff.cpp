@@ -13,6 +13,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "tools/json_text.h"
+
 namespace vel::velini {
 
 namespace {
@@ -110,9 +112,9 @@ void writeIni(std::ostream& out, const Dialect& dialect, const SectionPair& sect
 }
 
 std::string jsonValues(const char* name, const OptionValues& values) {
-  if (values.size() == 1) return std::string("\"") + name + "\": " + jsonText(values[0]->value);
+  if (values.size() == 1) return std::string("\"") + name + "\": " + tools::jsonText(values[0]->value);
   std::string text = std::string("\"") + name + "\": [";
-  for (const Option* value : values) text += (value != values[0] ? ", " : "") + jsonText(value->value);
+  for (const Option* value : values) text += (value != values[0] ? ", " : "") + tools::jsonText(value->value);
   return text + "]";
 }
 
@@ -120,10 +122,10 @@ void writeJson(std::ostream& out, const std::vector<SectionPair>& sections) {
   const char* separator = "\n";
   out << '{';
   for (const SectionPair& section : sections) {
-    out << separator << jsonText(section.name()) << ": {";
+    out << separator << tools::jsonText(section.name()) << ": {";
     const char* between = "";
     for (const OptionPair& option : section.options) {
-      out << between << jsonText((option.left.empty() ? option.right : option.left)[0]->name) << ": {";
+      out << between << tools::jsonText((option.left.empty() ? option.right : option.left)[0]->name) << ": {";
       if (!option.left.empty()) out << jsonValues("old", option.left);
       if (!option.left.empty() && !option.right.empty()) out << ", ";
       if (!option.right.empty()) out << jsonValues("new", option.right);

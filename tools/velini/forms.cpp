@@ -10,14 +10,12 @@
 // programs find.
 #include "tools/velini/forms.h"
 
-#include <cstdint>
 #include <cstring>
 #include <iterator>
 #include <ostream>
 #include <sstream>
 
-#include "base/digits.h"
-#include "base/utf.h"
+#include "tools/json_text.h"
 #include "tools/velini/dialect_values.h"
 #include "vel_include/vel_inifile.h"
 #include "vel_include/vel_quoting.h"
@@ -26,24 +24,14 @@ namespace vel::velini {
 
 namespace {
 
+using tools::jsonText;
+
 /// Gives access to the protected functions that write single lines of an INI file.
 class Lines : public VelClIniFileSave {
  public:
   Lines() : VelClIniFileSave("") {}
   using VelClIniFileSave::saveOption;
 };
-
-/// Returns how many bytes the UTF-8 character at the start has, 0 for ill-formed text.
-std::size_t characterLength(std::string_view text) {
-  const Utf8Sequence sequence =
-      utf8SequenceAt(reinterpret_cast<const unsigned char*>(text.data()), text.size());
-  return sequence.isValid ? sequence.size : 0;
-}
-
-void addUnit(std::string& json, unsigned char byte) {
-  const auto digits = hexPair(byte, kLowerHexDigits);
-  json.append("\\u00").append(digits.data(), digits.size());
-}
 
 void writeShell(std::ostream& out, ShellNames& names, const std::string& section, const Option& option) {
   out << names.variable(section + option.name) << '=' << velQuotedForShell(option.value) << '\n';
@@ -127,23 +115,6 @@ bool parseForm(const char* name, Form& form) {
 
 std::string plainText(std::string_view text) {
   return withEscapes(text, "\n\t\r\\", "ntr\\");
-}
-
-// JSON must be well-formed UTF-8. A byte that belongs to no UTF-8 character becomes the character of its
-// number, as if it were Latin-1, since JSON cannot escape bytes.
-std::string jsonText(std::string_view text) {
-  std::string json = "\"";
-  while (!text.empty()) {
-    const std::size_t length = characterLength(text);
-    const char c = text[0];
-    if (c == '"' || c == '\\') json += '\\';
-    if (length == 0 || static_cast<unsigned char>(c) < 0x20)
-      addUnit(json, static_cast<unsigned char>(c));
-    else
-      json += text.substr(0, length);
-    text.remove_prefix(length == 0 ? 1 : length);
-  }
-  return json + "\"";
 }
 
 std::string iniHeader(const Dialect& dialect, std::string_view section) {

@@ -24,10 +24,8 @@ void writeSections(std::ostream& out, Form form, const Records& records);
 void writeOptions(std::ostream& out, Form form, const Records& records, const Section* only,
                   ShellNames& names);
 
-/// Return single pieces of the forms: a field of a plain line, a JSON string, and lines of an INI file
-/// without line break.
+/// Return single pieces of the forms: a field of a plain line, and lines of an INI file without line break.
 std::string plainText(std::string_view text);
-std::string jsonText(std::string_view text);
 std::string iniHeader(const Dialect& dialect, std::string_view section);
 std::string iniOption(const Dialect& dialect, const Option& option);
 

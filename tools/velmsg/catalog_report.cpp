@@ -36,28 +36,6 @@ std::string_view withoutEndMark(std::string_view text) {
   return text;
 }
 
-/// Writes a text on one line: line breaks, tabs and backslashes are escaped. CR LF counts as one line break.
-void writeEscaped(std::ostream& stream, std::string_view text) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    switch (text[i]) {
-      case '\r':
-        if (i + 1 == text.size() || text[i + 1] != '\n') stream << "\\r";
-        break;
-      case '\n':
-        stream << "\\n";
-        break;
-      case '\t':
-        stream << "\\t";
-        break;
-      case '\\':
-        stream << "\\\\";
-        break;
-      default:
-        stream.put(text[i]);
-    }
-  }
-}
-
 bool isDigit(char c) {
   return std::isdigit(static_cast<unsigned char>(c)) != 0;
 }
@@ -168,6 +146,27 @@ bool compareNext(std::ostream& stream, InsertWalk& first, InsertWalk& second) {
 }
 
 }  // namespace
+
+void writeEscaped(std::ostream& stream, std::string_view text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    switch (text[i]) {
+      case '\r':
+        if (i + 1 == text.size() || text[i + 1] != '\n') stream << "\\r";
+        break;
+      case '\n':
+        stream << "\\n";
+        break;
+      case '\t':
+        stream << "\\t";
+        break;
+      case '\\':
+        stream << "\\\\";
+        break;
+      default:
+        stream.put(text[i]);
+    }
+  }
+}
 
 bool listMessages(std::ostream& stream, const VelClMessageCatalog& catalog,
                   std::optional<std::uint32_t> language) {

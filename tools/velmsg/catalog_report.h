@@ -4,10 +4,14 @@
 #include <cstdint>
 #include <iosfwd>
 #include <optional>
+#include <string_view>
 
 #include "vel_include/vel_messages.h"
 
 namespace vel::velmsg {
+
+/// Writes a text on one line: line breaks, tabs and backslashes are escaped. CR LF counts as one line break.
+void writeEscaped(std::ostream& stream, std::string_view text);
 
 /// Writes a line per message, of all languages or of one: id, LANGID and the escaped text. Returns
 /// false if there is nothing to list.

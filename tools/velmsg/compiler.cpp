@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "base/ascii.h"
-#include "platform/replacing_file.h"
 #include "tools/velmsg/error_names.h"
+#include "tools/velmsg/files.h"
 #include "tools/velmsg/identifier_header.h"
 #include "tools/velmsg/source_encoding.h"
 #include "tools/velmsg/table_writer.h"
@@ -18,31 +18,6 @@
 
 namespace vel::velmsg {
 namespace {
-
-/// More than the largest catalog needs. Endless input ends here.
-constexpr std::size_t kMaxSourceSize = std::size_t{512} << 20;
-
-bool readBytes(int descriptor, std::string& bytes) {
-  std::size_t size = 0;
-  do {
-    const std::size_t before = bytes.size();
-    if (before > kMaxSourceSize) return false;
-    bytes.resize(before + std::max<std::size_t>(before, 65536));
-    if (platform::readBytes(descriptor, bytes.data() + before, bytes.size() - before, size) != 0)
-      return false;
-    bytes.resize(before + size);
-  } while (size != 0);
-  return true;
-}
-
-bool readFile(const char* name, std::string& bytes) {
-  if (std::strcmp(name, "-") == 0) {
-    velFileSetBinaryMode(platform::kStandardInput, true);
-    return readBytes(platform::kStandardInput, bytes);
-  }
-  platform::ReadableFile file;
-  return file.open(name, platform::PipeWithoutWriter::Wait) == 0 && readBytes(file.descriptor(), bytes);
-}
 
 /// Converts texts to single bytes; one object for all texts, because opening a conversion takes long.
 class AnsiConverter : private VelClConversionSink {
@@ -129,11 +104,6 @@ void selectLanguages(const std::vector<const char*>& languages, MessageSource& s
     std::erase_if(message.texts, [&](const SourceText& text) { return !isSelected[text.language]; });
 }
 
-struct Output {
-  const char* name;
-  std::string bytes;
-};
-
 /// Returns the language that the user names, or the one that the source suggests.
 std::uint16_t chooseTableLanguage(const Compilation& compilation, const MessageSource& source,
                                   Diagnostics& diagnostics) {
@@ -159,22 +129,6 @@ std::vector<Output> makeOutputs(const Compilation& compilation, const MessageSou
   return outputs;
 }
 
-/// Puts the files in place when all of them are written.
-CompileOutcome writeOutputs(const std::vector<Output>& outputs) {
-  std::vector<platform::ReplacingFile> files(outputs.size());
-  for (std::size_t i = 0; i < files.size(); ++i) {
-    const Output& output = outputs[i];
-    if (files[i].start(output.name) != 0 || files[i].write(output.bytes.data(), output.bytes.size()) != 0)
-      return {CompileResult::NotWritten, output.name};
-  }
-  CompileOutcome outcome{CompileResult::Written, nullptr};
-  for (std::size_t i = 0; i < files.size(); ++i) {
-    if (files[i].finish() != 0) return {CompileResult::NotWritten, outputs[i].name};
-    if (!files[i].keepsRights()) outcome.changedRights.push_back(outputs[i].name);
-  }
-  return outcome;
-}
-
 }  // namespace
 
 bool readMessageSources(const std::vector<const char*>& files, const VelClCCSID& codepage,
@@ -198,7 +152,11 @@ CompileOutcome compile(const Compilation& compilation, MessageSource& source, Di
     return {file != nullptr ? CompileResult::NotRead : CompileResult::Faulty, file};
   selectLanguages(compilation.languages, source, diagnostics);
   const auto outputs = makeOutputs(compilation, source, diagnostics);
-  return diagnostics.empty() ? writeOutputs(outputs) : CompileOutcome{CompileResult::Faulty, nullptr};
+  if (!diagnostics.empty()) return {CompileResult::Faulty, nullptr};
+  CompileOutcome outcome{CompileResult::Written, nullptr};
+  outcome.file = writeOutputs(outputs, outcome.changedRights);
+  if (outcome.file != nullptr) outcome.result = CompileResult::NotWritten;
+  return outcome;
 }
 
 }  // namespace vel::velmsg

@@ -1,5 +1,5 @@
-// velmsg: shows the contents of a message catalog, compares two, compiles message sources, and names error
-// codes.
+// velmsg: shows the contents of a message catalog, compares two, compiles, exports, imports and checks
+// message sources, and names error codes.
 //
 // The usage string defines which switches have values; which of them can be combined is checked here. The
 // tool's own texts are separate from the catalog that is shown, see CatalogTool.
@@ -7,8 +7,10 @@
 #include <cstring>
 #include <initializer_list>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <vector>
 
 #include "platform/descriptors.h"
@@ -21,6 +23,9 @@
 #include "tools/velmsg/catalog_report.h"
 #include "tools/velmsg/compiler.h"
 #include "tools/velmsg/error_names.h"
+#include "tools/velmsg/files.h"
+#include "tools/velmsg/message_listing.h"
+#include "tools/velmsg/source_tasks.h"
 #include "tools/velmsg/texts.h"
 #include "vel_include/vel_consoleui.h"
 #include "vel_include/vel_filesys.h"
@@ -45,6 +50,8 @@ class Tool : public vel::tools::CatalogTool {
 
   /// Reports a fatal error, after the output so far, and ends the process.
   [[noreturn]] void end(TextId text, const char* argument, int exitCode) const;
+  bool hasValue(const char* name, const char*& value) const;
+  std::vector<const char*> files() const;
   std::vector<const char*> valuesOf(const char* name) const;
   std::vector<const char*> readInserts() const;
   void checkTasks() const;
@@ -57,7 +64,39 @@ class Tool : public vel::tools::CatalogTool {
   VelClCCSID requireCcsid(const char* text) const;
   void compileSources() const;
   void showDiagnostics(const MessageSource& source, const Diagnostics& diagnostics) const;
+  void writeDiagnostics(std::ostream& out, const MessageSource& source, const Diagnostics& diagnostics) const;
+
+  // Tasks with sources, whose names are free arguments.
+  bool hasSources() const;
+  std::uint16_t languageNumber(const char* name) const;
+  SourceTask sourceTask() const;
+  void runSourceTask() const;
+  void endUnlessDone(TaskResult result, const TaskReport& report) const;
+  void exportMessages(const char* form) const;
+  MessageListing listingOfInput() const;
+  void importTexts() const;
+  void check() const;
+  bool compareSources(const char* first) const;
+  void writeOutput(const std::string& bytes) const;
 };
+
+/// Undoes withStandardStream, which lets "-" be a free argument.
+const char* asGiven(const char* argument) {
+  return argument == vel::tools::kStandardStream ? "-" : argument;
+}
+
+bool Tool::hasValue(const char* name, const char*& value) const {
+  if (!hasArgString(name, value)) return false;
+  value = asGiven(value);
+  return true;
+}
+
+/// Returns the free arguments.
+std::vector<const char*> Tool::files() const {
+  std::vector<const char*> files = freeArguments();
+  std::ranges::transform(files, files.begin(), asGiven);
+  return files;
+}
 
 void Tool::end(TextId id, const char* argument, int exitCode) const {
   std::cout.flush();
@@ -68,12 +107,16 @@ void Tool::run() {
   begin();
   checkTasks();
   const char* number = nullptr;
-  if (hasArgString("error", number)) {
+  if (hasValue("error", number)) {
     showErrorNames(number);
     return;
   }
   if (hasArgSwitch("compile")) {
     compileSources();
+    return;
+  }
+  if (hasSources() || hasArgSwitch("export")) {
+    runSourceTask();
     return;
   }
   if (!runTask(*openSource())) {
@@ -82,18 +125,38 @@ void Tool::run() {
   }
 }
 
+/// A switch, and the tasks and outputs that it is for.
+struct SwitchRule {
+  const char* name;
+  std::initializer_list<const char*> tasks;
+};
+
+const SwitchRule kRules[] = {
+    {"lang", {"list", "table", "export", "import"}},
+    {"out", {"compile", "export", "import"}},
+    {"codepage", {"compile", "export", "import", "check", "diff"}},
+    {"reference", {"export", "import", "check"}},
+    {"merge", {"export"}},
+    {"fuzzy", {"import"}},
+    {"header", {"compile"}},
+    {"table", {"compile"}},
+    {"ansi", {"compile"}},
+    {"languages", {"compile"}},
+};
+
 /// Requires exactly one task, and no switch of another one, which the usage string cannot express.
 void Tool::checkTasks() const {
   const auto count = [this](std::initializer_list<const char*> switches) {
     return std::ranges::count_if(switches, [this](const char* name) { return hasArgSwitch(name); });
   };
-  if (count({"list", "langs", "id", "diff", "error", "compile"}) != 1) refuse(kExactlyOneTask);
-  if (hasArgSwitch("lang") && count({"list", "table"}) == 0) refuse(kLangRequiresList);
-  const bool compiles = hasArgSwitch("compile");
-  const auto outputs = count({"out", "header", "table"});
-  if (compiles && outputs == 0) refuse(kOutputRequired);
-  if (!compiles && outputs + count({"codepage", "ansi", "languages"}) != 0) refuse(kCompileRequired);
-  readInserts();
+  if (count({"list", "langs", "id", "diff", "error", "compile", "export", "import", "check"}) != 1)
+    refuse(kExactlyOneTask);
+  for (const SwitchRule& rule : kRules)
+    if (hasArgSwitch(rule.name) && count(rule.tasks) == 0)
+      refuse(kNotForTask, (std::string("-") + rule.name).c_str());
+  if (hasArgSwitch("compile") && count({"out", "header", "table"}) == 0) refuse(kOutputRequired);
+  if (count({"import", "check"}) != 0 && count({"cat", "builtin"}) != 0) refuse(kSourcesOnly);
+  if (!hasSources()) readInserts();
 }
 
 /// Returns the values of a switch that may have several. The usage string has to allow free arguments for
@@ -107,7 +170,7 @@ std::vector<const char*> Tool::valuesOf(const char* name) const {
       isWanted = argument.matches(name);
       isList = argument.matches("var") || argument.matches("compile") || argument.matches("languages");
     } else if (isWanted) {
-      values.push_back(argument.getAsCString());
+      values.push_back(asGiven(argument.getAsCString()));
     } else if (!isList && argument.isFree()) {
       refuse(kUnexpectedArgument, argument.getAsCString());
     }
@@ -126,7 +189,7 @@ std::vector<const char*> Tool::readInserts() const {
 
 Tool::Catalog Tool::openSource() const {
   const char* file = nullptr;
-  const bool hasFile = hasArgString("cat", file);
+  const bool hasFile = hasValue("cat", file);
   const bool builtIn = hasArgSwitch("builtin");
   if (hasFile && builtIn) refuse(kSourcesConflict);
   if (!hasFile && !builtIn) refuse(kSourceRequired);
@@ -154,11 +217,11 @@ Tool::Catalog Tool::open(const char* file) const {
 bool Tool::runTask(const VelClMessageCatalog& catalog) const {
   const char* value = nullptr;
   if (hasArgSwitch("list"))
-    return hasArgString("lang", value) ? listMessages(std::cout, catalog, requireNumber(value))
-                                       : listMessages(std::cout, catalog);
+    return hasValue("lang", value) ? listMessages(std::cout, catalog, requireNumber(value))
+                                   : listMessages(std::cout, catalog);
   if (hasArgSwitch("langs")) return listLanguages(std::cout, catalog);
-  if (hasArgString("diff", value)) return listDifferences(std::cout, catalog, *open(value));
-  reqArgString("id", value);
+  if (hasValue("diff", value)) return listDifferences(std::cout, catalog, *open(value));
+  hasValue("id", value);
   return showMessage(catalog, requireNumber(value));
 }
 
@@ -194,14 +257,13 @@ void Tool::compileSources() const {
   Compilation compilation;
   compilation.sources = valuesOf("compile");
   compilation.languages = valuesOf("languages");
-  hasArgString("out", compilation.catalog);
-  hasArgString("header", compilation.header);
-  hasArgString("table", compilation.table);
+  hasValue("out", compilation.catalog);
+  hasValue("header", compilation.header);
+  hasValue("table", compilation.table);
   const char* value = nullptr;
-  if (hasArgString("codepage", value)) compilation.codepage = requireCcsid(value);
-  if (hasArgString("ansi", value)) compilation.ansi = requireCcsid(value);
-  if (hasArgString("lang", value))
-    compilation.tableLanguage = requireNumber(value);
+  if (hasValue("codepage", value)) compilation.codepage = requireCcsid(value);
+  if (hasValue("ansi", value)) compilation.ansi = requireCcsid(value);
+  if (hasValue("lang", value)) compilation.tableLanguage = requireNumber(value);
   MessageSource source;
   Diagnostics diagnostics;
   const CompileOutcome outcome = compile(compilation, source, diagnostics);
@@ -213,13 +275,147 @@ void Tool::compileSources() const {
 }
 
 /// Writes a line for each diagnostic in the form that editors and build logs know.
-void Tool::showDiagnostics(const MessageSource& source, const Diagnostics& diagnostics) const {
+void Tool::writeDiagnostics(std::ostream& out, const MessageSource& source,
+                            const Diagnostics& diagnostics) const {
   for (const Diagnostic& diagnostic : diagnostics) {
-    std::cerr << positionText(source, diagnostic.position) << ": " << text(diagnostic.text);
-    if (!diagnostic.argument.empty()) std::cerr << ": " << diagnostic.argument;
-    std::cerr << '\n';
+    out << positionText(source, diagnostic.position) << ": " << text(diagnostic.text);
+    if (!diagnostic.argument.empty()) out << ": " << diagnostic.argument;
+    out << '\n';
   }
+}
+
+void Tool::showDiagnostics(const MessageSource& source, const Diagnostics& diagnostics) const {
+  writeDiagnostics(std::cerr, source, diagnostics);
   if (diagnostics.size() == kMaxDiagnostics) std::cerr << text(kMoreFaults) << '\n';
+}
+
+/// Whether the task reads sources that are free arguments. -export and -diff do so unless a catalog is given.
+bool Tool::hasSources() const {
+  if (hasArgSwitch("import") || hasArgSwitch("check")) return true;
+  if (hasArgSwitch("cat") || hasArgSwitch("builtin")) return false;
+  return hasArgSwitch("export") || (hasArgSwitch("diff") && !freeArguments().empty());
+}
+
+/// Returns the LANGID after a switch, or 0 without it.
+std::uint16_t Tool::languageNumber(const char* name) const {
+  constexpr std::uint32_t kMaxLanguage = 0xFFFF;
+  const char* value = nullptr;
+  if (!hasValue(name, value)) return 0;
+  const std::uint32_t number = requireNumber(value);
+  if (number == 0 || number > kMaxLanguage) end(kNumberExpected, value, CONUI_ARG_VALUE_TYPE_MISMATCH);
+  return static_cast<std::uint16_t>(number);
+}
+
+SourceTask Tool::sourceTask() const {
+  SourceTask task;
+  if (hasSources()) task.files = files();
+  const char* value = nullptr;
+  if (hasValue("codepage", value)) task.codepage = requireCcsid(value);
+  task.language = languageNumber("lang");
+  task.reference = languageNumber("reference");
+  hasValue("merge", task.older);
+  task.usesFuzzy = hasArgSwitch("fuzzy");
+  return task;
+}
+
+void Tool::runSourceTask() const {
+  if (hasSources() && freeArguments().empty()) refuse(kSourceFileRequired);
+  const char* value = nullptr;
+  if (hasValue("export", value)) return exportMessages(value);
+  if (hasValue("import", value)) {
+    if (std::strcmp(value, "po") != 0) refuse(kUnknownForm, value);
+    return importTexts();
+  }
+  if (hasArgSwitch("check")) return check();
+  hasValue("diff", value);
+  if (compareSources(value)) return;
+  std::cout.flush();
+  processExit(kExitNotFound);
+}
+
+/// Shows the diagnostics of a task. Ends the process if it has no result.
+void Tool::endUnlessDone(TaskResult result, const TaskReport& report) const {
+  showDiagnostics(report.source, report.diagnostics);
+  if (result == TaskResult::NotRead) end(kSourceNotRead, report.notRead, kExitNoCatalog);
+  if (result == TaskResult::Faulty) processExit(kExitNotFound);
+}
+
+void Tool::exportMessages(const char* form) const {
+  const bool isPo = std::strcmp(form, "po") == 0, isJson = std::strcmp(form, "json") == 0;
+  if (!isPo && !isJson && std::strcmp(form, "tsv") != 0) refuse(kUnknownForm, form);
+  if (isPo && !hasSources()) refuse(kSourcesOnly);
+  if (isPo && !hasArgSwitch("lang")) refuse(kLangRequired);
+  if (!isPo && (hasArgSwitch("merge") || hasArgSwitch("reference"))) refuse(kOnlyForPo);
+  if (isPo) {
+    TaskReport report;
+    std::string po;
+    endUnlessDone(exportPoFile(sourceTask(), report, po), report);
+    return writeOutput(po);
+  }
+  const MessageListing listing = listingOfInput();
+  std::ostringstream out;
+  // Otherwise lack of memory would cut the output silently.
+  out.exceptions(std::ios::badbit);
+  isJson ? writeJson(out, listing) : writeTsv(out, listing);
+  writeOutput(out.str());
+  if (!listing.empty()) return;
+  std::cout.flush();
+  processExit(kExitNotFound);
+}
+
+/// Lists the sources or the catalog of the command line.
+MessageListing Tool::listingOfInput() const {
+  const SourceTask task = sourceTask();
+  const auto language = task.language != 0 ? std::optional<std::uint32_t>(task.language) : std::nullopt;
+  if (!hasSources()) return listingOf(*openSource(), language);
+  TaskReport report;
+  endUnlessDone(readSources(task, report), report);
+  return listingOf(report.source, language);
+}
+
+void Tool::importTexts() const {
+  const SourceTask task = sourceTask();
+  const auto poFiles = std::ranges::count_if(task.files, isPoFile);
+  if (poFiles == 0) refuse(kPoFileRequired);
+  // Otherwise the output would be a source without messages.
+  if (poFiles == std::ssize(task.files)) refuse(kSourceFileRequired);
+  TaskReport report;
+  std::string source;
+  const TaskResult result = importPoFiles(task, report, source);
+  endUnlessDone(result, report);
+  writeOutput(source);
+  std::cout.flush();
+  if (result == TaskResult::Found) processExit(kExitNotFound);
+}
+
+void Tool::check() const {
+  TaskReport report;
+  const TaskResult result = checkSources(sourceTask(), report);
+  if (result == TaskResult::NotRead) end(kSourceNotRead, report.notRead, kExitNoCatalog);
+  writeDiagnostics(std::cout, report.source, report.diagnostics);
+  std::cout.flush();
+  if (result == TaskResult::Found) processExit(kExitNotFound);
+}
+
+/// Returns false if the sources differ.
+bool Tool::compareSources(const char* first) const {
+  SourceTask task = sourceTask();
+  TaskReport second, report;
+  endUnlessDone(readSources(task, second), second);
+  task.files = {first};
+  endUnlessDone(readSources(task, report), report);
+  return writeDifferences(std::cout, listingOf(report.source), listingOf(second.source));
+}
+
+void Tool::writeOutput(const std::string& bytes) const {
+  const char* name = nullptr;
+  if (!hasValue("out", name)) {
+    std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    return;
+  }
+  std::vector<const char*> changedRights;
+  if (writeOutputs({{name, bytes}}, changedRights) != nullptr) end(kOutputNotWritten, name, kExitNotWritten);
+  if (!changedRights.empty()) report(kRightsChanged, name);
 }
 
 }  // namespace
@@ -230,7 +426,8 @@ int vel::tools::toolMain(int argc, char** argv) {
   velFileSetBinaryMode(vel::platform::kStandardOutput, true);
   const vel::tools::ToolTexts texts{kToolName, kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
   if (vel::tools::answerStandardSwitches(argc, argv, texts)) return std::cout.good() ? 0 : kExitNotWritten;
-  Tool tool(argc, argv);
+  const std::vector<const char*> arguments = vel::tools::withStandardStream(argc, argv);
+  Tool tool(argc, arguments.data());
   try {
     tool.run();
   } catch (const VelClException& exception) {

@@ -1,11 +1,13 @@
-// The table of locale names and the binary search in it.
-
-#include "platform/posix/language_names.h"
+// The table of locale names and the searches in it.
+#include "base/language_names.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 
-namespace vel::platform {
+#include "base/ascii.h"
+
+namespace vel {
 namespace {
 
 struct LocaleRow {
@@ -224,7 +226,50 @@ std::uint32_t languageOf(std::string_view name) noexcept {
   return row != std::end(kLocaleRows) && matches(row->name, name) ? row->language : 0;
 }
 
+constexpr std::uint32_t kPrimaryLanguage = 0x3FF;
+constexpr std::uint32_t kMainTerritory = 0x400;
+
+/// Names that are not the first one of their language in the table.
+constexpr LocaleRow kFullNames[] = {{"zh_CN", 0x804}, {"zh_CN", 0x4}, {"pt_BR", 0x416}, {"pt_BR", 0x16}};
+
+bool isBare(const LocaleRow& row) noexcept {
+  return row.name.find(kTerritoryMark) == std::string_view::npos;
+}
+
+/// A number without territory has the name of the main territory's language, else that of the first
+/// territory.
+std::string_view nameOf(std::uint32_t language) noexcept {
+  const auto nameOfFirst = [](const auto& rows, auto isFound) {
+    const auto* const row = std::ranges::find_if(rows, isFound);
+    return row == std::end(rows) ? std::string_view() : row->name;
+  };
+  const auto has = [](std::uint32_t number) {
+    return [number](const LocaleRow& row) { return row.language == number; };
+  };
+  std::string_view name = nameOfFirst(kFullNames, has(language));
+  if (name.empty()) name = nameOfFirst(kLocaleRows, has(language));
+  if (!name.empty() || language == 0 || language > kPrimaryLanguage) return name;
+  name = nameOfFirst(kLocaleRows, has(language | kMainTerritory));
+  if (!name.empty()) return name;
+  return nameOfFirst(kLocaleRows, [language](const LocaleRow& row) {
+    return isBare(row) && (row.language & kPrimaryLanguage) == language;
+  });
+}
+
 }  // namespace
+
+bool localeNameOfLanguageId(std::uint32_t language, char (&out)[kMaxLocaleName + 1]) noexcept {
+  const std::string_view name = nameOf(language);
+  if (name.empty()) return false;
+  bool isTerritory = false;
+  char* end = out;
+  for (const char c : name) {
+    *end++ = isTerritory ? toAsciiUpper(c) : c;
+    isTerritory = isTerritory || c == kTerritoryMark;
+  }
+  *end = '\0';
+  return true;
+}
 
 std::uint32_t languageIdOfLocaleName(const char* localeName) noexcept {
   if (localeName == nullptr) return 0;
@@ -235,4 +280,4 @@ std::uint32_t languageIdOfLocaleName(const char* localeName) noexcept {
   return exact != 0 ? exact : languageOf(name.substr(0, name.find_first_of("_-")));
 }
 
-}  // namespace vel::platform
+}  // namespace vel
