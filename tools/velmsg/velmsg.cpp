@@ -50,8 +50,6 @@ class Tool : public vel::tools::CatalogTool {
 
   /// Reports a fatal error, after the output so far, and ends the process.
   [[noreturn]] void end(TextId text, const char* argument, int exitCode) const;
-  bool hasValue(const char* name, const char*& value) const;
-  std::vector<const char*> files() const;
   std::vector<const char*> valuesOf(const char* name) const;
   std::vector<const char*> readInserts() const;
   void checkTasks() const;
@@ -80,24 +78,6 @@ class Tool : public vel::tools::CatalogTool {
   void writeOutput(const std::string& bytes) const;
 };
 
-/// Undoes withStandardStream, which lets "-" be a free argument.
-const char* asGiven(const char* argument) {
-  return argument == vel::tools::kStandardStream ? "-" : argument;
-}
-
-bool Tool::hasValue(const char* name, const char*& value) const {
-  if (!hasArgString(name, value)) return false;
-  value = asGiven(value);
-  return true;
-}
-
-/// Returns the free arguments.
-std::vector<const char*> Tool::files() const {
-  std::vector<const char*> files = freeArguments();
-  std::ranges::transform(files, files.begin(), asGiven);
-  return files;
-}
-
 void Tool::end(TextId id, const char* argument, int exitCode) const {
   std::cout.flush();
   fatal(exitCode, text(id).c_str(), argument);
@@ -107,7 +87,7 @@ void Tool::run() {
   begin();
   checkTasks();
   const char* number = nullptr;
-  if (hasValue("error", number)) {
+  if (hasArgString("error", number)) {
     showErrorNames(number);
     return;
   }
@@ -170,7 +150,7 @@ std::vector<const char*> Tool::valuesOf(const char* name) const {
       isWanted = argument.matches(name);
       isList = argument.matches("var") || argument.matches("compile") || argument.matches("languages");
     } else if (isWanted) {
-      values.push_back(asGiven(argument.getAsCString()));
+      values.push_back(argument.getAsCString());
     } else if (!isList && argument.isFree()) {
       refuse(kUnexpectedArgument, argument.getAsCString());
     }
@@ -189,7 +169,7 @@ std::vector<const char*> Tool::readInserts() const {
 
 Tool::Catalog Tool::openSource() const {
   const char* file = nullptr;
-  const bool hasFile = hasValue("cat", file);
+  const bool hasFile = hasArgString("cat", file);
   const bool builtIn = hasArgSwitch("builtin");
   if (hasFile && builtIn) refuse(kSourcesConflict);
   if (!hasFile && !builtIn) refuse(kSourceRequired);
@@ -217,11 +197,11 @@ Tool::Catalog Tool::open(const char* file) const {
 bool Tool::runTask(const VelClMessageCatalog& catalog) const {
   const char* value = nullptr;
   if (hasArgSwitch("list"))
-    return hasValue("lang", value) ? listMessages(std::cout, catalog, requireNumber(value))
-                                   : listMessages(std::cout, catalog);
+    return hasArgString("lang", value) ? listMessages(std::cout, catalog, requireNumber(value))
+                                       : listMessages(std::cout, catalog);
   if (hasArgSwitch("langs")) return listLanguages(std::cout, catalog);
-  if (hasValue("diff", value)) return listDifferences(std::cout, catalog, *open(value));
-  hasValue("id", value);
+  if (hasArgString("diff", value)) return listDifferences(std::cout, catalog, *open(value));
+  hasArgString("id", value);
   return showMessage(catalog, requireNumber(value));
 }
 
@@ -256,14 +236,15 @@ VelClCCSID Tool::requireCcsid(const char* text) const {
 void Tool::compileSources() const {
   Compilation compilation;
   compilation.sources = valuesOf("compile");
+  refuseRepeatedInput(compilation.sources);
   compilation.languages = valuesOf("languages");
-  hasValue("out", compilation.catalog);
-  hasValue("header", compilation.header);
-  hasValue("table", compilation.table);
+  hasArgString("out", compilation.catalog);
+  hasArgString("header", compilation.header);
+  hasArgString("table", compilation.table);
   const char* value = nullptr;
-  if (hasValue("codepage", value)) compilation.codepage = requireCcsid(value);
-  if (hasValue("ansi", value)) compilation.ansi = requireCcsid(value);
-  if (hasValue("lang", value)) compilation.tableLanguage = requireNumber(value);
+  if (hasArgString("codepage", value)) compilation.codepage = requireCcsid(value);
+  if (hasArgString("ansi", value)) compilation.ansi = requireCcsid(value);
+  if (hasArgString("lang", value)) compilation.tableLanguage = requireNumber(value);
   MessageSource source;
   Diagnostics diagnostics;
   const CompileOutcome outcome = compile(compilation, source, diagnostics);
@@ -300,7 +281,7 @@ bool Tool::hasSources() const {
 std::uint16_t Tool::languageNumber(const char* name) const {
   constexpr std::uint32_t kMaxLanguage = 0xFFFF;
   const char* value = nullptr;
-  if (!hasValue(name, value)) return 0;
+  if (!hasArgString(name, value)) return 0;
   const std::uint32_t number = requireNumber(value);
   if (number == 0 || number > kMaxLanguage) end(kNumberExpected, value, CONUI_ARG_VALUE_TYPE_MISMATCH);
   return static_cast<std::uint16_t>(number);
@@ -308,12 +289,16 @@ std::uint16_t Tool::languageNumber(const char* name) const {
 
 SourceTask Tool::sourceTask() const {
   SourceTask task;
-  if (hasSources()) task.files = files();
+  if (hasSources()) task.files = freeArguments();
   const char* value = nullptr;
-  if (hasValue("codepage", value)) task.codepage = requireCcsid(value);
+  if (hasArgString("codepage", value)) task.codepage = requireCcsid(value);
   task.language = languageNumber("lang");
   task.reference = languageNumber("reference");
-  hasValue("merge", task.older);
+  hasArgString("merge", task.older);
+  std::vector<const char*> inputs = task.files;
+  inputs.push_back(task.older);
+  if (hasArgString("diff", value)) inputs.push_back(value);
+  refuseRepeatedInput(inputs);
   task.usesFuzzy = hasArgSwitch("fuzzy");
   return task;
 }
@@ -321,13 +306,13 @@ SourceTask Tool::sourceTask() const {
 void Tool::runSourceTask() const {
   if (hasSources() && freeArguments().empty()) refuse(kSourceFileRequired);
   const char* value = nullptr;
-  if (hasValue("export", value)) return exportMessages(value);
-  if (hasValue("import", value)) {
+  if (hasArgString("export", value)) return exportMessages(value);
+  if (hasArgString("import", value)) {
     if (std::strcmp(value, "po") != 0) refuse(kUnknownForm, value);
     return importTexts();
   }
   if (hasArgSwitch("check")) return check();
-  hasValue("diff", value);
+  hasArgString("diff", value);
   if (compareSources(value)) return;
   std::cout.flush();
   processExit(kExitNotFound);
@@ -409,7 +394,7 @@ bool Tool::compareSources(const char* first) const {
 
 void Tool::writeOutput(const std::string& bytes) const {
   const char* name = nullptr;
-  if (!hasValue("out", name)) {
+  if (!hasArgString("out", name) || std::strcmp(name, "-") == 0) {
     std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     return;
   }
@@ -426,8 +411,7 @@ int vel::tools::toolMain(int argc, char** argv) {
   velFileSetBinaryMode(vel::platform::kStandardOutput, true);
   const vel::tools::ToolTexts texts{kToolName, kTexts[kTitle], kTexts[kUsage], kTexts[kHelp]};
   if (vel::tools::answerStandardSwitches(argc, argv, texts)) return std::cout.good() ? 0 : kExitNotWritten;
-  const std::vector<const char*> arguments = vel::tools::withStandardStream(argc, argv);
-  Tool tool(argc, arguments.data());
+  Tool tool(argc, argv);
   try {
     tool.run();
   } catch (const VelClException& exception) {
