@@ -27,11 +27,10 @@ struct Dialect {
   Continuation continuation = Continuation::None;
   Values values = Values::Plain;
   const char* forbidden = "";       ///< characters that the names of options must not contain before a "["
-  bool hasReservedWords = false;    ///< words such as "on" are not names, and have a meaning as values
   const char* bareValue = nullptr;  ///< the value of an option without a separator; null if there must be one
-  bool hasSubsections = false;  ///< [name "subsection"], options in the line of a header, restricted names
-  bool endsAtLastBracket =
-      false;  ///< the name in a header ends at the last "]" of the line, not at the first
+  bool hasReservedWords = false;    ///< words such as "on" are not names, and have a meaning as values
+  bool hasSubsections = false;     ///< [name "subsection"], options in the line of a header, restricted names
+  bool endsAtLastBracket = false;  ///< the name in a header ends at the last "]", not at the first
   bool hasOptionsBeforeSections = false;
   bool mayRepeat = false;         ///< an option may occur several times in a section, and a section in a file
   bool skipsMark = false;         ///< a byte order mark is allowed

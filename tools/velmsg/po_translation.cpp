@@ -68,11 +68,12 @@ std::string withoutCommentMarks(std::string_view comment) {
   return words;
 }
 
-/// Blanks separate references, so a name with blanks is enclosed in the characters that gettext uses.
+/// Blanks separate references, so a name with blanks is enclosed in the characters that gettext uses: U+2068,
+/// first strong isolate, and U+2069, pop directional isolate, in UTF-8.
 std::string referenceText(const MessageSource& source, const SourcePosition& position) {
   const std::string& file = source.files.at(position.file);
   const bool isEnclosed = file.find_first_of(" \t") != std::string::npos;
-  return (isEnclosed ? "\u2068" + file + "\u2069" : file) + ':' + std::to_string(position.line);
+  return (isEnclosed ? "\xE2\x81\xA8" + file + "\xE2\x81\xA9" : file) + ':' + std::to_string(position.line);
 }
 
 /// Returns the language for the header, "" if it has no name. The language that needs no declaration has a
