@@ -57,9 +57,10 @@ TEST(PoTranslation, ExportsWhatTranslatorsNeed) {
   // English needs no declaration, but its number is that of another language.
   MessageSource source = test::readSource("MessageId=1\nLanguage=English\na\n.\n");
   source.files[0] = "my dir\\a b.mc";
-  EXPECT_THAT(exported(source, 1), testing::AllOf(testing::HasSubstr("Language: en\\n"),
-                                                  testing::HasSubstr("#: \u2068my dir\\a b.mc\u2069:1\n"),
-                                                  testing::HasSubstr("Project-Id-Version: a b.mc\\n")));
+  EXPECT_THAT(exported(source, 1),
+              testing::AllOf(testing::HasSubstr("Language: en\\n"),
+                             testing::HasSubstr("#: \xE2\x81\xA8my dir\\a b.mc\xE2\x81\xA9:1\n"),
+                             testing::HasSubstr("Project-Id-Version: a b.mc\\n")));
 }
 
 TEST(PoTranslation, ImportsAndReports) {
