@@ -45,10 +45,10 @@ void writeDosHeader(ByteWriter& out) {
 }
 
 void writePeHeader(ByteWriter& out) {
-  out.add32(0x4550);    // "PE"
-  out.add16(0x8664);    // machine: x86-64
-  out.add16(1);         // sections
-  out.addZeros(12);  // time, symbol table, symbols
+  out.add32(0x4550);  // "PE"
+  out.add16(0x8664);  // machine: x86-64
+  out.add16(1);       // sections
+  out.addZeros(12);   // time, symbol table, symbols
   out.add16(kOptionalHeaderSize);
   out.add16(0x2022);  // executable, large addresses, library
 }

@@ -7,9 +7,9 @@
 #include <cstring>
 #include <cwchar>
 
+#include "base/language_names.h"
 #include "base/utf.h"
 #include "platform/languages.h"
-#include "base/language_names.h"
 #include "platform/posix/locale_variables.h"
 
 namespace vel::platform {

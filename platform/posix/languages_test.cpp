@@ -4,10 +4,10 @@
 
 #include <clocale>
 
+#include "base/language_names.h"
 #include "platform/clocks.h"
 #include "platform/code_pages.h"
 #include "platform/languages.h"
-#include "base/language_names.h"
 #include "platform/test/test.h"
 
 namespace vel::platform {
