@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/file_identity.h"
 #include "platform/system_error.h"
 
 namespace vel::platform {
@@ -27,6 +28,8 @@ bool entryExists(const char* name) noexcept;
 bool isWritable(const char* name) noexcept;
 std::uint32_t attributesOf(const char* name) noexcept;
 SystemError statusOf(const char* name, EntryStatus& status) noexcept;
+/// Returns zeros if there is no such entry.
+FileIdentity identityOfFile(const char* name) noexcept;
 
 /// Sets or clears write permission and nothing else. Clearing read-only gives write permission to the owner.
 SystemError setReadOnly(const char* name, bool readOnly) noexcept;

@@ -17,6 +17,7 @@
 #include "platform/posix/native_path.h"
 #include "platform/posix/permissions.h"
 #include "platform/posix/rename.h"
+#include "platform/posix/target.h"
 #include "platform/system_error.h"
 
 namespace vel::platform {
@@ -75,6 +76,12 @@ bool isWritable(const char* name) noexcept {
   struct stat status;
   // access() ignores the permission bits for root, so they are checked separately.
   return readStatus(path, status) && !isReadOnly(status) && access(path.get(), W_OK) == 0;
+}
+
+FileIdentity identityOfFile(const char* name) noexcept {
+  const NativePath path(name);
+  struct stat status;
+  return readStatus(path, status) ? identityOf(status) : FileIdentity{};
 }
 
 std::uint32_t attributesOf(const char* name) noexcept {

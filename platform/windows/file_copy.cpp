@@ -4,6 +4,7 @@
 #include <cerrno>
 
 #include "platform/file_copy.h"
+#include "platform/files.h"
 #include "platform/replacing.h"
 #include "platform/windows/beside.h"
 #include "platform/windows/system_errors.h"
@@ -11,11 +12,6 @@
 namespace vel::platform {
 
 namespace {
-
-FileIdentity identityAt(const char* name) noexcept {
-  const FileHandle file(openForQuery(name, 0));
-  return file.isOpen() ? identityOf(file.get()) : FileIdentity{};
-}
 
 /// CopyFile copies the read-only attribute, too.
 void makeWritable(const char* name) noexcept {
@@ -83,8 +79,8 @@ SystemError copyFile(const char* from, const char* to, bool writable) noexcept {
   const bool isThere = attributes != INVALID_FILE_ATTRIBUTES;
   if (isThere && (attributes & kUnwritable) != 0) return EACCES;
   // Copying a file onto itself under another name would destroy it.
-  const FileIdentity source = isThere ? identityAt(from) : FileIdentity{};
-  if (source != FileIdentity{} && source == identityAt(target.target)) return EACCES;
+  const FileIdentity source = isThere ? identityOfFile(from) : FileIdentity{};
+  if (source != FileIdentity{} && source == identityOfFile(target.target)) return EACCES;
   DWORD error = ERROR_ACCESS_DENIED;
   if (!isDevice(target.target)) error = copyBeside(from, target, attributes, writable);
   const bool isLink = isThere && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;

@@ -14,6 +14,7 @@
 
 #include "platform/files.h"
 #include "platform/system_error.h"
+#include "platform/windows/beside.h"
 #include "platform/windows/file_words.h"
 #include "platform/windows/system_errors.h"
 
@@ -41,6 +42,11 @@ std::int64_t secondsOr(FILETIME time, FILETIME modified) noexcept {
 }
 
 }  // namespace
+
+FileIdentity identityOfFile(const char* name) noexcept {
+  const FileHandle file(openForQuery(name, 0));
+  return file.isOpen() ? identityOf(file.get()) : FileIdentity{};
+}
 
 bool entryExists(const char* name) noexcept {
   return _access(name, 0) == 0;

@@ -24,7 +24,7 @@ MessageSource emptySource() {
                        {"Warning", 2, {}, false, {}},
                        {"Error", 3, {}, false, {}}};
   source.facilities = {{"System", 0xFF, {}, false, {}}, {"Application", 0xFFF, {}, false, {}}};
-  source.languages = {{"English", 1, "MSG00001", false, {}}};
+  source.languages = {{"English", 0x409, "MSG00409", false, {}}};
   return source;
 }
 

@@ -78,6 +78,12 @@ struct MessageSource {
   std::vector<std::string> headerComments;
   std::vector<SourceMessage> messages;
   std::vector<std::string> trailingComments;  ///< after the last message
+
+  // What holds for the messages of the next file.
+  std::size_t severity = kNoName;
+  std::size_t facility = kNoName;
+  std::string idTypedef;
+  unsigned outputBase = 16;
 };
 
 /// Something wrong in a source.
@@ -92,7 +98,7 @@ using Diagnostics = std::vector<Diagnostic>;
 inline constexpr std::size_t kMaxDiagnostics = 100;
 
 /// Returns a source without messages that knows the names that need no declaration: the severities Success,
-/// Informational, Warning and Error, the facilities System and Application, and the language English (1).
+/// Informational, Warning and Error, the facilities System and Application, and the language English (0x409).
 MessageSource emptySource();
 
 /// Parses a file and appends its messages to `source`, which emptySource or an earlier call made; the names

@@ -63,16 +63,16 @@ void expectLists(const Rows& rows) {
 TEST(MessageSource, CountsNumbers) {
   const std::string names = "SeverityNames=(Low=0 High=3:HIGH)FacilityNames=(One=1 Two=0x2:TWO)\n";
   expectLists({
-      {message("7") + message("") + message("+3"), "7  1=x/,8  1=x/,b  1=x/,"},
-      {message(""), "1  1=x/,"},
+      {message("7") + message("") + message("+3"), "7  1033=x/,8  1033=x/,b  1033=x/,"},
+      {message(""), "1  1033=x/,"},
       {names + message("5 Facility=One") + message("9 Facility=Two") + message(" Facility=One") + message(""),
-       "10005  1=x/,20009  1=x/,10006  1=x/,10007  1=x/,"},
+       "10005  1033=x/,20009  1033=x/,10006  1033=x/,10007  1033=x/,"},
       {names + message("1 Severity=High Facility=Two") + message("2") + message("3 Severity=Low"),
-       "c0020001  1=x/,c0020002  1=x/,20003  1=x/,"},
+       "c0020001  1033=x/,c0020002  1033=x/,20003  1033=x/,"},
       {message("1 Severity=Error Facility=Application") + message("0xFFFF Facility=System"),
-       "cfff0001  1=x/,c0ffffff  1=x/,"},
-      {message("010") + message("0X1fUL"), "8  1=x/,1f  1=x/,"},
-      {message("0"), "0  1=x/,"},
+       "cfff0001  1033=x/,c0ffffff  1033=x/,"},
+      {message("010") + message("0X1fUL"), "8  1033=x/,1f  1033=x/,"},
+      {message("0"), "0  1033=x/,"},
       {message("65535") + message(""), "5:1 The number is too large: 65536|"},
       {message("65536"), "1:11 The number is too large: 65536|"},
       {message("99999999999999999999"), "1:11 The number is too large: 99999999999999999999|"},
@@ -85,22 +85,22 @@ TEST(MessageSource, CountsNumbers) {
 // Statements may be divided in any way, and keywords and names have no case; texts are lines as they are.
 TEST(MessageSource, ReadsStatementsAndTexts) {
   expectLists({
-      {"messageid\n=\n 1\nsymbolicname = A\nLANGUAGE = ENGLISH \t\nx\n.", "1 A 1=x/,"},
-      {message("1 SymbolicName="), "1  1=x/,"},
+      {"messageid\n=\n 1\nsymbolicname = A\nLANGUAGE = ENGLISH \t\nx\n.", "1 A 1033=x/,"},
+      {message("1 SymbolicName="), "1  1033=x/,"},
       {message("1 SymbolicName=A") + message("2 SymbolicName=A"),
        "5:26 The symbolic name is already used: a.mc:1:26|"},
-      {"MessageIdTypedef=\n" + message("1"), "1  1=x/,"},
-      {message("1", "  a \n\n;b\nMessageId=2\n.c\n. "), "1  1=  a //;b/MessageId=2/.c/. /,"},
-      {"MessageId=1\r\nLanguage=English\r\na\r\n\rb\r\n.\r\n", "1  1=a/\rb/,"},
-      {"MessageId=1\nLanguage=English\n.\n", "1  1=,"},
+      {"MessageIdTypedef=\n" + message("1"), "1  1033=x/,"},
+      {message("1", "  a \n\n;b\nMessageId=2\n.c\n. "), "1  1033=  a //;b/MessageId=2/.c/. /,"},
+      {"MessageId=1\r\nLanguage=English\r\na\r\n\rb\r\n.\r\n", "1  1033=a/\rb/,"},
+      {"MessageId=1\nLanguage=English\n.\n", "1  1033=,"},
       {"MessageId=1\nLanguage=English\nx\n", "2:1 The text is not ended by a line with a single full stop|"},
       {message("1", std::string("a\0b", 3)), "3:1 The text contains a NUL|"},
       {"MessageId=1\nLanguage=English x\ny\n.\n", "2:17 The end of the line is expected|"},
       {"LanguageNames=(German=0x407:G)\nMessageId=1\nLanguage=German\nja\n.\nLanguage=English ; c\nyes\n.\n",
-       "1  1031=ja/ 1=yes/,"},
+       "1  1031=ja/ 1033=yes/,"},
       {message("1") + "Language=English\nz\n.\n",
        "5:1 The message already has a text in this language: English|"},
-      {"LanguageNames=(US=1:A)\n" + message("1") + "Language=US\nz\n.\n",
+      {"LanguageNames=(US=0x409:A)\n" + message("1") + "Language=US\nz\n.\n",
        "6:1 The message already has a text in this language: US|"},
       {"Language=English\nx\n.\n", "1:1 A MessageId statement is expected before|"},
       {"MessageId=1\nLanguage=Welsh\nx\n.\n" + message("2"), "2:10 Unknown language: Welsh|"},
@@ -139,13 +139,13 @@ TEST(MessageSource, ReadsEveryEncoding) {
     little += {low, high};
     big += {high, low};
   }
-  const std::string expected = "1  1=\xC3\xA4\xF0\x9F\x98\x80/,";
+  const std::string expected = "1  1033=\xC3\xA4\xF0\x9F\x98\x80/,";
   for (const std::string& bytes : {source, "\xEF\xBB\xBF" + source, little, big})
     EXPECT_EQ(list(read(bytes)), expected);
   EXPECT_EQ(list(read(little + '\xD8')),
             "5:1 The source is ill-formed in its code page at these bytes: D8|5:1 Unknown statement: "
             "\xEF\xBF\xBD|");
-  EXPECT_EQ(list(read(message("1", "\xE4"), VelClCCSID::CCSID_819)), "1  1=\xC3\xA4/,");
+  EXPECT_EQ(list(read(message("1", "\xE4"), VelClCCSID::CCSID_819)), "1  1033=\xC3\xA4/,");
   EXPECT_EQ(list(read(source, VelClCCSID(9))),
             "0:0 There is no conversion from the code page of the source|");
 }
@@ -165,11 +165,11 @@ TEST(MessageSource, FilesAreOneSource) {
   const auto add = [&](const char* name, const std::string& text) {
     return readMessageSource(name, text, VelClCCSID::CCSID_UTF8, source, diagnostics);
   };
-  EXPECT_TRUE(add("a.mc", "LanguageNames=(German=7:G)FacilityNames=(F=5)" + message("3 Facility=F")));
-  // Names and numbers go on, the facility of the last message does not.
-  EXPECT_TRUE(add("b.mc", message("") + message(" Facility=F")));
+  EXPECT_TRUE(add("a.mc", "LanguageNames=(German=7:G)FacilityNames=(F=5)" + message("3 Facility=F") + ";a"));
+  EXPECT_TRUE(add("b.mc", message("")));
   EXPECT_EQ(source.messages.back().id, 0x50004U);
-  EXPECT_FALSE(add("c.mc", "\n" + message("1")));
+  EXPECT_THAT(source.messages.back().comments, testing::ElementsAre("a"));
+  EXPECT_FALSE(add("c.mc", "\n" + message("4")));
   EXPECT_EQ(positionText(source, diagnostics.at(0).position), "c.mc:2:1");
   EXPECT_EQ(diagnostics.at(0).argument, "b.mc:1:1");
 }
@@ -233,11 +233,12 @@ TEST(TableText, ConvertsEscapes) {
 }
 
 TEST(StringTable, HasAnEntryForEachId) {
-  const MessageSource source = read(
-                                   "LanguageNames=(US=1033:A)MessageId=4\nLanguage=English\nneutral%0\n.\n"
-                                   "Language=US\n\"a\\?\xC3\xA4\"1%0\n.\n" +
-                                   message("2", "b%0"))
-                                   .source;
+  const MessageSource source =
+      read(
+          "LanguageNames=(US=1033:A Neutral=9:B)MessageId=4\nLanguage=Neutral\nneutral%0\n.\n"
+          "Language=US\n\"a\\?\xC3\xA4\"1%0\n.\n" +
+          message("2", "b%0"))
+          .source;
   Diagnostics diagnostics;
   EXPECT_EQ(languageOfTable(source), 1033);
   const std::string table = stringTable(source, "t", 1033, diagnostics);
@@ -245,7 +246,7 @@ TEST(StringTable, HasAnEntryForEachId) {
               testing::HasSubstr(
                   "    \"[VEL_MSGTAB_SIGNATURE] 5\",\n    \"[t]\",\n    \"b\",\n    \"\\?\",\n"
                   "    \"\\\"a\\\\\\?\\303\\244\\\"1\",\n};\nconst unsigned long t_text_count = 5;\n"));
-  EXPECT_THAT(stringTable(source, "t", 1, diagnostics), testing::HasSubstr("\"neutral\""));
+  EXPECT_THAT(stringTable(source, "t", 9, diagnostics), testing::HasSubstr("\"neutral\""));
   EXPECT_EQ(diagnostics.size(), 0U);
 }
 

@@ -76,13 +76,10 @@ std::string referenceText(const MessageSource& source, const SourcePosition& pos
   return (isEnclosed ? "\xE2\x81\xA8" + file + "\xE2\x81\xA9" : file) + ':' + std::to_string(position.line);
 }
 
-/// Returns the language for the header, "" if it has no name. The language that needs no declaration has a
-/// number of another one.
-std::string languageName(const MessageSource& source, std::uint16_t number) {
-  const std::size_t index = findLanguage(source, number);
-  const bool isPredefined = index != kNoName && !source.languages[index].declared;
+/// Returns the language for the header, "" if it has no name.
+std::string languageName(std::uint16_t number) {
   char name[kMaxLocaleName + 1];
-  return localeNameOfLanguageId(isPredefined ? 9 : number, name) ? name : "";
+  return localeNameOfLanguageId(number, name) ? name : "";
 }
 
 PoEntry headerOf(const MessageSource& source, std::uint16_t language) {
@@ -92,7 +89,7 @@ PoEntry headerOf(const MessageSource& source, std::uint16_t language) {
   // Without the fields that are empty, checkers warn.
   header.text = "Project-Id-Version: " + project +
                 "\nPO-Revision-Date: \nLast-Translator: \nLanguage-Team: \n" +
-                "Language: " + languageName(source, language) +
+                "Language: " + languageName(language) +
                 "\nMIME-Version: 1.0\nContent-Type: text/plain; charset=UTF-8\n"
                 "Content-Transfer-Encoding: 8bit\nX-Generator: velmsg\n" +
                 std::string(kPoLanguageField) + ": " + std::to_string(language) + '\n';
@@ -223,7 +220,7 @@ std::uint16_t languageOfPo(const MessageSource& source, const PoFile& po) {
   const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), language);
   if (error == std::errc() && end == number.data() + number.size()) return language;
   for (const SourceLanguage& known : source.languages)
-    if (!name.empty() && languageName(source, known.number) == name) return known.number;
+    if (!name.empty() && languageName(known.number) == name) return known.number;
   return static_cast<std::uint16_t>(languageIdOfLocaleName(name.c_str()));
 }
 
@@ -231,7 +228,7 @@ namespace {
 
 /// Returns a name for a language that no other one has: that of its ISO code, else its number.
 std::string newLanguageName(const MessageSource& source, std::uint16_t number) {
-  const std::string code = languageName(source, number);
+  const std::string code = languageName(number);
   const VelClLanguage language(code.c_str());
   std::string name;
   for (const char* c = VelClLanguage::getLanguageName(language.getLanguage()); *c != '\0'; ++c)

@@ -54,10 +54,10 @@ TEST(PoTranslation, ExportsWhatTranslatorsNeed) {
       "\"%1 records\\n\"\n\"from %2%0\"\nmsgstr \"\"\n\"%1 Sätze\\n\"\n\"aus %2%0\"\n\n"
       "#: a.mc:16\nmsgctxt \"MSG_BLANK\"\nmsgid \"\\n\"\nmsgstr \"\"\n\n"
       "#: a.mc:24\nmsgctxt \"7\"\nmsgid \"Yes\"\nmsgstr \"\"\n");
-  // English needs no declaration, but its number is that of another language.
+  // English needs no declaration.
   MessageSource source = test::readSource("MessageId=1\nLanguage=English\na\n.\n");
   source.files[0] = "my dir\\a b.mc";
-  EXPECT_THAT(exported(source, 1),
+  EXPECT_THAT(exported(source, 0x409),
               testing::AllOf(testing::HasSubstr("Language: en\\n"),
                              testing::HasSubstr("#: \xE2\x81\xA8my dir\\a b.mc\xE2\x81\xA9:1\n"),
                              testing::HasSubstr("Project-Id-Version: a b.mc\\n")));

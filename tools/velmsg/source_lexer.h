@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/velmsg/message_source.h"
@@ -42,6 +43,8 @@ class SourceLexer {
 
   /// Returns the comments since the last call, without their ";".
   std::vector<std::string> takeComments();
+  /// Puts comments before those that takeComments returns next.
+  void keepComments(std::vector<std::string> comments) { comments_ = std::move(comments); }
 
  private:
   std::string_view consumeUntil(std::size_t end);

@@ -93,6 +93,7 @@ SourceReader::SourceReader(std::string_view text, MessageSource& source, Diagnos
       lastMessageOfLang_(kMaxLanguage + 1) {
   for (const SourceMessage& message : source.messages)
     lastNumbers_[message.facility == kNoName ? 0 : message.facility + 1] = message.id & kMaxNumber;
+  lexer_.keepComments(std::exchange(source.trailingComments, {}));
 }
 
 void SourceReader::fault(const SourcePosition& position, TextId text, std::string_view argument) {
@@ -226,7 +227,7 @@ std::string_view SourceReader::readOptionalWord() {
 
 void SourceReader::readMessageIdTypedef(const SourcePosition&) {
   keepHeaderComments();
-  idTypedef_ = readOptionalWord();
+  source_.idTypedef = readOptionalWord();
 }
 
 void SourceReader::readOutputBase(const SourcePosition& position) {
@@ -234,7 +235,7 @@ void SourceReader::readOutputBase(const SourcePosition& position) {
   const auto base = readNumber(kMax32Bits);
   if (!base) return;
   if (*base != 10 && *base != 16) return fault(position, kWrongOutputBase);
-  outputBase_ = *base;
+  source_.outputBase = *base;
 }
 
 void SourceReader::readMessageId(const SourcePosition& position) {
@@ -274,13 +275,13 @@ std::optional<std::size_t> SourceReader::readKnownName(const NameIndex& index, T
 void SourceReader::readSeverity(const SourcePosition& position) {
   const bool isAllowed = isInHead(position);
   if (const auto severity = readKnownName(severities_, kUnknownSeverity); severity && isAllowed)
-    severity_ = *severity;
+    source_.severity = *severity;
 }
 
 void SourceReader::readFacility(const SourcePosition& position) {
   const bool isAllowed = isInHead(position);
   if (const auto facility = readKnownName(facilities_, kUnknownFacility); facility && isAllowed)
-    facility_ = *facility;
+    source_.facility = *facility;
 }
 
 void SourceReader::readSymbolicName(const SourcePosition& position) {
@@ -296,19 +297,19 @@ void SourceReader::resolveId() {
   if (isResolved_) return;
   isResolved_ = true;
   // The last place is for messages without a facility.
-  std::uint32_t& last = lastNumbers_[facility_ == kNoName ? 0 : facility_ + 1];
+  std::uint32_t& last = lastNumbers_[source_.facility == kNoName ? 0 : source_.facility + 1];
   const std::uint32_t number = isRelative_ ? last + number_ : number_;
   if (number > kMaxNumber) {
     fault(message_.position, kNumberTooLarge, std::to_string(number));
     isFaulty_ = true;
   }
   last = number & kMaxNumber;
-  message_.severity = severity_;
-  message_.facility = facility_;
-  message_.id =
-      numberOf(source_.severities, severity_) << 30 | numberOf(source_.facilities, facility_) << 16 | last;
-  message_.idTypedef = idTypedef_;
-  message_.outputBase = outputBase_;
+  message_.severity = source_.severity;
+  message_.facility = source_.facility;
+  message_.id = numberOf(source_.severities, source_.severity) << 30 |
+                numberOf(source_.facilities, source_.facility) << 16 | last;
+  message_.idTypedef = source_.idTypedef;
+  message_.outputBase = source_.outputBase;
 }
 
 void SourceReader::readLanguage(const SourcePosition& position) {

@@ -72,11 +72,6 @@ class SourceReader {
   /// By LANGID: one more than the index of the last message with a text in it.
   std::vector<std::size_t> lastMessageOfLang_;
 
-  std::string idTypedef_;
-  unsigned outputBase_ = 16;
-  std::size_t severity_ = kNoName;
-  std::size_t facility_ = kNoName;
-
   // The message under way.
   SourceMessage message_;
   bool isInMessage_ = false;

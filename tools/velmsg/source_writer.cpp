@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "base/ascii.h"
 #include "base/digits.h"
 
 namespace vel::velmsg {
@@ -38,8 +37,6 @@ class SourceWriter {
   void writeMessage(const SourceMessage& message);
   void writeKind(std::string_view keyword, const std::vector<NamedNumber>& names, std::size_t name,
                  std::size_t& current);
-  void writeZeroName(std::string_view keyword, const std::vector<NamedNumber>& names,
-                     std::size_t SourceMessage::*kind);
   void writeSettings(const SourceMessage& message);
   void writeText(const SourceText& text);
   void writeComments(const std::vector<std::string>& comments) {
@@ -98,33 +95,10 @@ void SourceWriter::writeHeader() {
   if (!source_.messages.empty()) writeSettings(source_.messages[0]);
   writeDeclarations("SeverityNames", source_.severities, &NamedNumber::symbol);
   writeDeclarations("FacilityNames", source_.facilities, &NamedNumber::symbol);
-  writeZeroName("SeverityNames", source_.severities, &SourceMessage::severity);
-  writeZeroName("FacilityNames", source_.facilities, &SourceMessage::facility);
   writeDeclarations(kLanguageNames, source_.languages, &SourceLanguage::file);
   // A statement has to follow the comments, or they would belong to the first message.
   if (!source_.headerComments.empty() && out_.size() == start)
     writeStatement("OutputBase", std::to_string(outputBase_));
-}
-
-/// Returns the name that a message without severity or facility gets after one with it: one for 0, or a new
-/// one, which is longer than any that begins alike.
-std::string zeroName(const std::vector<NamedNumber>& names) {
-  const auto zero = std::ranges::find(names, 0U, &NamedNumber::number);
-  if (zero != names.end()) return zero->name;
-  std::string name = "None";
-  for (const NamedNumber& other : names)
-    if (equalsIgnoringAsciiCase(other.name.substr(0, name.size()).c_str(), name.c_str()))
-      name.resize(std::max(name.size(), other.name.size() + 1), '_');
-  return name;
-}
-
-void SourceWriter::writeZeroName(std::string_view keyword, const std::vector<NamedNumber>& names,
-                                 std::size_t SourceMessage::*kind) {
-  if (std::ranges::find(names, 0U, &NamedNumber::number) != names.end()) return;
-  const auto isNamed = [kind](const SourceMessage& message) { return message.*kind != kNoName; };
-  const auto first = std::ranges::find_if(source_.messages, isNamed);
-  if (std::all_of(first, source_.messages.end(), isNamed)) return;
-  writeStatement(keyword, '(' + zeroName(names) + "=0x0)");
 }
 
 void SourceWriter::writeSettings(const SourceMessage& message) {
@@ -137,7 +111,7 @@ void SourceWriter::writeSettings(const SourceMessage& message) {
 void SourceWriter::writeKind(std::string_view keyword, const std::vector<NamedNumber>& names,
                              std::size_t name, std::size_t& current) {
   if (name == current) return;
-  writeStatement(keyword, name == kNoName ? zeroName(names) : names.at(name).name);
+  writeStatement(keyword, names.at(name).name);
   current = name;
 }
 

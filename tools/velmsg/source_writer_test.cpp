@@ -31,18 +31,5 @@ TEST(SourceWriter, HasOneLayout) {
             ";/* of b */\nMessageId=1\nSeverity=Error\nFacility=System\nLanguage=German\n.\n\n;end\n");
 }
 
-TEST(SourceWriter, NamesZeroAfterOtherFiles) {
-  MessageSource source = test::readSource(
-      "FacilityNames=(None=1 none_x=2)\nMessageId=1\nFacility=None\n"
-      "Severity=Error\nLanguage=English\na\n.\n");
-  Diagnostics diagnostics;
-  ASSERT_TRUE(readMessageSource("b.mc", "MessageId=2\nLanguage=English\nb\n.\n",
-                                VelClCCSID(VelClCCSID::CCSID_UTF8), source, diagnostics));
-  const MessageSource read = test::readSource(writeMessageSource(source));
-  ASSERT_EQ(read.messages.size(), 2U);
-  EXPECT_EQ(read.messages[0].id, 0xC0010001U);
-  EXPECT_EQ(read.messages[1].id, 2U);
-}
-
 }  // namespace
 }  // namespace vel::velmsg

@@ -75,6 +75,7 @@ enum TextId : unsigned long {
   kUnknownEscape,
   kTextAfterEnd,
   kNotForTask,
+  kOutputIsInput,
   kSourcesOnly,
   kSourceFileRequired,
   kLangRequired,
@@ -85,7 +86,7 @@ enum TextId : unsigned long {
 };
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 77",
+    "[VEL_MSGTAB_SIGNATURE] 78",
     "[VELMSG]",
     "Message catalog inspector",
     "shows the contents of a message catalog",
@@ -211,6 +212,7 @@ inline constexpr const char* kTexts[] = {
     "The percent sign is not shown here",
     "Text after %%0 is not shown",
     "This switch is not for the task",
+    "The output would replace the input",
     "This is possible for message sources only, not for catalogs",
     "A message source is required",
     "-export po requires -lang",

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "platform/descriptors.h"
+#include "platform/files.h"
 #include "tools/catalog_tool.h"
 #include "tools/ccsids.h"
 #include "tools/spooled_input.h"
@@ -75,6 +76,7 @@ class Tool : public vel::tools::CatalogTool {
   void importTexts() const;
   void check() const;
   bool compareSources(const char* first) const;
+  void refuseInputAsOutput(const std::vector<const char*>& inputs, const char* output) const;
   void writeOutput(const std::string& bytes) const;
 };
 
@@ -238,9 +240,12 @@ void Tool::compileSources() const {
   compilation.sources = valuesOf("compile");
   refuseRepeatedInput(compilation.sources);
   compilation.languages = valuesOf("languages");
+  if (compilation.sources.empty()) refuse(kSourceFileRequired);
   hasArgString("out", compilation.catalog);
   hasArgString("header", compilation.header);
   hasArgString("table", compilation.table);
+  for (const char* const output : {compilation.catalog, compilation.header, compilation.table})
+    refuseInputAsOutput(compilation.sources, output);
   const char* value = nullptr;
   if (hasArgString("codepage", value)) compilation.codepage = requireCcsid(value);
   if (hasArgString("ansi", value)) compilation.ansi = requireCcsid(value);
@@ -295,7 +300,13 @@ SourceTask Tool::sourceTask() const {
   task.language = languageNumber("lang");
   task.reference = languageNumber("reference");
   hasArgString("merge", task.older);
+  // An import may change its source in place, and an export with -merge the older file.
   std::vector<const char*> inputs = task.files;
+  if (hasArgSwitch("import")) std::erase_if(inputs, [](const char* name) { return !isPoFile(name); });
+  const char* output = nullptr;
+  hasArgString("out", output);
+  refuseInputAsOutput(inputs, output);
+  inputs = task.files;
   inputs.push_back(task.older);
   if (hasArgString("diff", value)) inputs.push_back(value);
   refuseRepeatedInput(inputs);
@@ -390,6 +401,15 @@ bool Tool::compareSources(const char* first) const {
   task.files = {first};
   endUnlessDone(readSources(task, report), report);
   return writeDifferences(std::cout, listingOf(report.source), listingOf(second.source));
+}
+
+/// Refuses an output, or null for none, that is the same file as an input.
+void Tool::refuseInputAsOutput(const std::vector<const char*>& inputs, const char* output) const {
+  using vel::platform::FileIdentity, vel::platform::identityOfFile;
+  const FileIdentity replaced = output != nullptr ? identityOfFile(output) : FileIdentity{};
+  if (replaced == FileIdentity{}) return;
+  if (std::ranges::any_of(inputs, [&](const char* input) { return identityOfFile(input) == replaced; }))
+    refuse(kOutputIsInput, output);
 }
 
 void Tool::writeOutput(const std::string& bytes) const {
