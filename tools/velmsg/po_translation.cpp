@@ -68,12 +68,16 @@ std::string withoutCommentMarks(std::string_view comment) {
   return words;
 }
 
-/// Blanks separate references, so a name with blanks is enclosed in the characters that gettext uses: U+2068,
-/// first strong isolate, and U+2069, pop directional isolate, in UTF-8.
+/// Characters that gettext encloses names with blanks in, in UTF-8.
+constexpr char kFirstStrongIsolate[] = {'\xE2', '\x81', '\xA8', '\0'};
+constexpr char kPopDirectionalIsolate[] = {'\xE2', '\x81', '\xA9', '\0'};
+
+/// Blanks separate references, so a name with blanks is enclosed.
 std::string referenceText(const MessageSource& source, const SourcePosition& position) {
   const std::string& file = source.files.at(position.file);
   const bool isEnclosed = file.find_first_of(" \t") != std::string::npos;
-  return (isEnclosed ? "\xE2\x81\xA8" + file + "\xE2\x81\xA9" : file) + ':' + std::to_string(position.line);
+  return (isEnclosed ? kFirstStrongIsolate + file + kPopDirectionalIsolate : file) + ':' +
+         std::to_string(position.line);
 }
 
 /// Returns the language for the header, "" if it has no name.
