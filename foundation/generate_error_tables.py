@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Generates the C++ tables of errors from errors.tsv and platform_errors.tsv.
+"""Generates the C++ tables of errors from errors.tsv, status_errors.tsv and platform_errors.tsv.
 
-generate_error_tables.py --errors errors.tsv --platform platform_errors.tsv --out DIRECTORY
+generate_error_tables.py --errors errors.tsv --status status_errors.tsv --platform platform_errors.tsv --out DIRECTORY
 
 Writes error_messages.inc (for each kind a sorted table of {value, message number}, and a static assertion for the value
-of each enumerator) and platform_errors.inc ({code, name}, sorted by the signed code). Stops if the data violate an
-assumption of the searches.
+of each enumerator), error_names.inc ({value, name} of all identifiers and of the classes, sorted by value) and
+platform_errors.inc ({code, name}, sorted by the signed code). Stops if the data violate an assumption of the searches.
 """
 import argparse
 import csv
@@ -48,6 +48,19 @@ def message_tables(rows):
     return lines
 
 
+def name_rows(title, rows):
+    require_ascending([int(row["value"]) for row in rows], f"values of {title}")
+    return [f"constexpr NameRow {title}[] = {{", *[f'    {{{row["value"]}, "{row["name"]}"}},' for row in rows], "};"]
+
+
+def name_tables(rows, status_rows):
+    identifiers = [row for row in rows if row["kind"] == "identifier"] + status_rows
+    lines = name_rows("kIdentifierNames", identifiers)
+    lines += name_rows("kClassNames", [row for row in rows if row["kind"] == "class"])
+    lines += [f"static_assert(static_cast<int>({row['name']}) == {row['value']});" for row in status_rows]
+    return lines
+
+
 def platform_table(rows):
     require(len(rows) == 576, f"{len(rows)} platform errors instead of 576")
     require_ascending([int(row["code"]) for row in rows], "platform error codes")
@@ -61,10 +74,13 @@ def write(path, lines):
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--errors", required=True)
+    parser.add_argument("--status", required=True)
     parser.add_argument("--platform", required=True)
     parser.add_argument("--out", required=True, type=pathlib.Path)
     arguments = parser.parse_args()
-    write(arguments.out / "error_messages.inc", message_tables(read(arguments.errors)))
+    errors = read(arguments.errors)
+    write(arguments.out / "error_messages.inc", message_tables(errors))
+    write(arguments.out / "error_names.inc", name_tables(errors, read(arguments.status)))
     write(arguments.out / "platform_errors.inc", platform_table(read(arguments.platform)))
 
 

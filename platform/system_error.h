@@ -3,6 +3,7 @@
 // a question ("exists", "is writable") returns the answer.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace vel::platform {
@@ -12,5 +13,11 @@ using SystemError = int;
 
 /// The system's own error code, for results that programs see: the last error on Windows, an errno elsewhere.
 using NativeError = std::uint32_t;
+
+/// Returns the errno that says the same; EIO for an error without one.
+SystemError preciseErrno(NativeError error) noexcept;
+/// Writes the system's text for an error in the user's language, without a line break, NUL-terminated; cut if
+/// it does not fit. On Windows it is UTF-8. Returns its length; 0 if the system has no text.
+std::size_t systemErrorText(NativeError error, char* out, std::size_t capacity) noexcept;
 
 }  // namespace vel::platform

@@ -15,6 +15,7 @@
 #include "vel_messages.h"
 #include "vel_process.h"
 #include "vel_quoting.h"
+#include "vel_status.h"
 #include "vel_trace.h"
 #include "vel_util.h"
 

@@ -15,14 +15,6 @@
 #undef NO_ERROR
 #undef IGNORE
 
-#if defined(__cplusplus)
-/// Declares the underlying type of enumerations that C programs also see; undefined at the end of this
-/// header.
-#define VEL_ENUM_TYPE(type) : type
-#else
-#define VEL_ENUM_TYPE(type)
-#endif
-
 /// Identifies a failure. The console user interface uses 201 to 205, which are also exit codes of programs;
 /// every other component has a block of one hundred, from 1000001 on. Functions pass identifiers as unsigned
 /// 32-bit numbers, so programs can add their own.
@@ -318,7 +310,6 @@ class VEL_API VelClExceptionFatal : public VelClException {
 
 #endif
 
-#undef VEL_ENUM_TYPE
 #pragma pop_macro("IGNORE")
 #pragma pop_macro("NO_ERROR")
 

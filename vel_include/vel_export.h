@@ -23,6 +23,8 @@
 #if defined(__cplusplus)
 /// Declares a plain function: exported under its own, undecorated name, with types that a C program knows.
 #define VEL_C_API extern "C" VEL_API
+/// Declares the underlying type of an enumeration that C programs also see.
+#define VEL_ENUM_TYPE(type) : type
 #if !defined(VEL_PLAIN_FUNCTIONS_ONLY)
 /// Defined if the C++ classes are declared. A C++ program whose ABI differs from the library's defines
 /// VEL_PLAIN_FUNCTIONS_ONLY, or includes vel_c.h first, and gets the plain functions only.
@@ -30,6 +32,7 @@
 #endif
 #else
 #define VEL_C_API VEL_API
+#define VEL_ENUM_TYPE(type)
 #include <stdbool.h>
 #endif
 

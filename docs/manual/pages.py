@@ -7,7 +7,7 @@
   {{value HEADER: NAME}}       the value of a constant
   {{count FILE}}               the number of rows of a data file
   {{tool NAME}}                the title, usage string and help text of a tool
-  {{code-pages}}, {{code-page-names}}, {{code-page-differences}}, {{errors}}, {{classes}}, {{icu-errors}},
+  {{code-pages}}, {{code-page-names}}, {{code-page-differences}}, {{errors}}, {{status-errors}}, {{classes}}, {{icu-errors}},
   {{trace-types}}              tables of the data files
   {{rooms}}                    the table of rooms and their dependencies, from the build files
   {{ratios}}                   the table of ratios that a whole run of the benchmarks wrote
@@ -176,6 +176,12 @@ class Page:
         rows = [row for row in rows_of(self.root / "foundation/errors.tsv") if row["kind"] == "identifier"]
         return table(("Identifier", "Number", "Message", "Means"),
                      [(f"`{row['name']}`", row["value"], row["message_id"], comments[row["name"]]) for row in rows])
+
+    def status_errors(self, _):
+        comments = dict(re.findall(r"(\w+) = \d+,?\s+///< (.*)", self.header("vel_status.h")))
+        return table(("Identifier", "Number", "Means"),
+                     [(f"`{row['name']}`", row["value"], comments[row["name"]])
+                      for row in rows_of(self.root / "foundation/status_errors.tsv")])
 
     def classes(self, _):
         rows = [row for row in rows_of(self.root / "foundation/errors.tsv") if row["kind"] != "identifier"]
