@@ -225,7 +225,7 @@ std::uint16_t languageOfPo(const MessageSource& source, const PoFile& po) {
   if (error == std::errc() && end == number.data() + number.size()) return language;
   for (const SourceLanguage& known : source.languages)
     if (!name.empty() && languageName(known.number) == name) return known.number;
-  return static_cast<std::uint16_t>(languageIdOfLocaleName(name.c_str()));
+  return static_cast<std::uint16_t>(languageIdOfExactLocaleName(name));
 }
 
 namespace {

@@ -168,6 +168,8 @@ TEST(PoTranslation, KnowsTheLanguageOfAFile) {
       {"Language: de\\n", kGerman},
       {"Language: de_AT\\n", 0xC07},
       {"Language: fr_FR\\n", kFrench},
+      {"Language: zh_Hant\\n", 0x404},
+      {"Language: de_IT\\n", 0},
       {"Language: tlh\\n", 0},
       {"", 0},
       {"X-Language-Number: 99999\\nLanguage: de\\n", kGerman}};
