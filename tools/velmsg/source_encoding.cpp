@@ -92,8 +92,11 @@ class FaultReport : public VelClConversionFaultHandler {
   Diagnostics& diagnostics_;
 };
 
-std::string convert(std::string_view bytes, const VelClCCSID& codepage, std::size_t file,
-                    Diagnostics& diagnostics) {
+}  // namespace
+
+std::string convertToUtf8(std::string_view bytes, const VelClCCSID& codepage, std::size_t file,
+                          Diagnostics& diagnostics) {
+  if (codepage == VelClCCSID(VelClCCSID::CCSID_UTF8)) return checkUtf8(bytes, file, diagnostics);
   VelClStrictConversion conversion(codepage, VelClCCSID::CCSID_UTF8);
   conversion.setNextLineFolding(true);
   Text text;
@@ -106,8 +109,6 @@ std::string convert(std::string_view bytes, const VelClCCSID& codepage, std::siz
   conversion.finish(text, report);
   return text.take();
 }
-
-}  // namespace
 
 void addDiagnostic(Diagnostics& diagnostics, Diagnostic diagnostic) {
   if (diagnostics.size() == kMaxDiagnostics) return;
@@ -124,11 +125,11 @@ std::string toUtf8(std::string_view bytes, const VelClCCSID& codepage, std::size
                    Diagnostics& diagnostics) {
   if (bytes.starts_with(kUtf8Mark)) return checkUtf8(bytes.substr(kUtf8Mark.size()), file, diagnostics);
   if (bytes.starts_with("\xFF\xFE"sv))
-    return convert(bytes.substr(2), VelClCCSID(VelClCCSID::CCSID_UCS2_LITTLE_ENDIAN), file, diagnostics);
+    return convertToUtf8(bytes.substr(2), VelClCCSID(VelClCCSID::CCSID_UCS2_LITTLE_ENDIAN), file,
+                         diagnostics);
   if (bytes.starts_with("\xFE\xFF"sv))
-    return convert(bytes.substr(2), VelClCCSID(VelClCCSID::CCSID_UCS2_BIG_ENDIAN), file, diagnostics);
-  if (codepage == VelClCCSID(VelClCCSID::CCSID_UTF8)) return checkUtf8(bytes, file, diagnostics);
-  return convert(bytes, codepage, file, diagnostics);
+    return convertToUtf8(bytes.substr(2), VelClCCSID(VelClCCSID::CCSID_UCS2_BIG_ENDIAN), file, diagnostics);
+  return convertToUtf8(bytes, codepage, file, diagnostics);
 }
 
 }  // namespace vel::velmsg

@@ -13,6 +13,10 @@ namespace vel::velmsg {
 std::string toUtf8(std::string_view bytes, const VelClCCSID& codepage, std::size_t file,
                    Diagnostics& diagnostics);
 
+/// Same for text of `codepage` without a byte order mark.
+std::string convertToUtf8(std::string_view bytes, const VelClCCSID& codepage, std::size_t file,
+                          Diagnostics& diagnostics);
+
 /// Appends a diagnostic unless there are kMaxDiagnostics already.
 void addDiagnostic(Diagnostics& diagnostics, Diagnostic diagnostic);
 
