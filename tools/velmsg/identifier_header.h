@@ -12,7 +12,8 @@ namespace vel::velmsg {
 /// is the name of its file, of which the include guard is made.
 std::string identifierHeader(const MessageSource& source, std::string_view name);
 
-/// Returns an identifier made of the last component of a file name, without its extension.
+/// Returns an identifier made of the last component of a file name, without its extension; "messages" for a
+/// name without letters and digits.
 std::string identifierOf(std::string_view fileName);
 
 }  // namespace vel::velmsg

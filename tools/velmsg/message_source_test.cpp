@@ -122,6 +122,9 @@ TEST(MessageSource, ReadsNames) {
       {message("1 Severity=Huge Facility=Lost"), "1:22 Unknown severity: Huge|1:36 Unknown facility: Lost|"},
       {message("1") + "Severity=Error", "5:1 A MessageId statement is expected before|"},
       {"OutputBase=8", "1:1 OutputBase must be 10 or 16|"},
+      {"OutputBase=\n" + message("1 Severity= Facility=System"),
+       "1:12 A number is expected|2:22 Unknown severity|"},
+      {"SeverityNames=(A= B=2) OutputBase =", "1:18 A number is expected|1:36 A number is expected|"},
       {"Sprache=x\nMessageId 1\n", "1:1 Unknown statement: Sprache|2:11 A \"=\" is expected: 1|"},
       {"\xC3\xA4 \xF0\x9F\x98\x80 = 1\n\xFF\xC3\n",
        "1:1 Unknown statement: \xC3\xA4|2:1 The source is ill-formed in its code page at these bytes: FF|2:1 "
@@ -146,8 +149,7 @@ TEST(MessageSource, ReadsEveryEncoding) {
             "5:1 The source is ill-formed in its code page at these bytes: D8|5:1 Unknown statement: "
             "\xEF\xBF\xBD|");
   EXPECT_EQ(list(read(message("1", "\xE4"), VelClCCSID::CCSID_819)), "1  1033=\xC3\xA4/,");
-  EXPECT_EQ(list(read(source, VelClCCSID(9))),
-            "0:0 There is no conversion from the code page of the source|");
+  EXPECT_EQ(list(read(source, VelClCCSID(9))), "0:0 There is no conversion for the code page: 9|");
 }
 
 TEST(MessageSource, BoundsItsDiagnosticsAndTheirSize) {
@@ -197,10 +199,12 @@ TEST(MessageSource, StoresLineBreaksAsMessageCompilersDo) {
 }
 
 TEST(IdentifierHeader, TextsCannotLeaveTheirComments) {
-  const std::string header = identifierHeader(
-      read(message("1 SymbolicName=A", "one\\\n*/ #error\rtwo\\ \t\n\n\x1B")).source, "dir/3 a-b.c.h");
+  const std::string header =
+      identifierHeader(read(message("1 SymbolicName=A", "one\\\n*/ #error\rtwo\\ \t\na/*/*b\n\n\x1B")).source,
+                       "dir/3 a-b.c.h");
   EXPECT_THAT(header,
-              testing::HasSubstr("\n// one\\.\n// */ #error two\\  .\n//\n//  \n//\n#define A 0x00000001\n"));
+              testing::HasSubstr(
+                  "\n * one\\\n * * / #error two\\  \n * a/ * / *b\n *\n *  \n */\n#define A 0x00000001\n"));
   EXPECT_THAT(header, testing::HasSubstr("#ifndef M3_A_B_C_H_\n"));
 }
 

@@ -297,8 +297,8 @@ std::string charsetOf(std::string_view bytes) {
   PoFile po;
   Diagnostics ignored;
   PoReader(0, PoCharset(), po, ignored).run(bytes);
-  const auto header = std::ranges::find_if(po.entries, &PoEntry::isHeader);
-  return header == po.entries.end() ? std::string() : std::string(charsetIn(header->text));
+  const PoEntry* const header = po.header();
+  return header == nullptr ? std::string() : std::string(charsetIn(header->text));
 }
 
 /// What has been read is in UTF-8.

@@ -102,7 +102,7 @@ std::string convertToUtf8(std::string_view bytes, const VelClCCSID& codepage, st
   Text text;
   FaultReport report(file, diagnostics);
   if (!conversion.isSupported()) {
-    addDiagnostic(diagnostics, {{file, 0, 0}, kNoConversion, {}});
+    addDiagnostic(diagnostics, {{file, 0, 0}, kNoConversion, std::to_string(codepage.getAsInt())});
     return {};
   }
   conversion.convert(bytes.data(), bytes.size(), text, report);

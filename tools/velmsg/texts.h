@@ -62,6 +62,8 @@ enum TextId : unsigned long {
   kPoChangedText,
   kPoUnusableText,
   kPoUnknownLanguage,
+  kPoOtherLanguage,
+  kPoLanguageNumber,
   kNoTranslation,
   kUnusedLanguage,
   kDifferentInserts,
@@ -74,8 +76,13 @@ enum TextId : unsigned long {
   kInsertAboveMaximum,
   kUnknownEscape,
   kTextAfterEnd,
+  kControlCharacter,
+  kMessageZero,
   kNotForTask,
   kOutputIsInput,
+  kOutputTwice,
+  kCatalogToTerminal,
+  kAnsiCodepage,
   kSourcesOnly,
   kSourceFileRequired,
   kLangRequired,
@@ -86,7 +93,7 @@ enum TextId : unsigned long {
 };
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 78",
+    "[VEL_MSGTAB_SIGNATURE] 85",
     "[VELMSG]",
     "Message catalog inspector",
     "shows the contents of a message catalog",
@@ -115,13 +122,13 @@ inline constexpr const char* kTexts[] = {
     "-diff <file>     compare with a second catalog: ids that are only in the first (<)\n"
     "                 or only in the second (>), and ids whose inserts differ (!); - is\n"
     "                 standard input. Without -cat and -builtin, compare the source <file>\n"
-    "                 with the sources after it: the same signs, for each language, and ~\n"
-    "                 for other words\n"
+    "                 with the sources after it: the same signs, for each language, ~ for\n"
+    "                 other words, and @ for other symbolic names\n"
     "-error <number>  print all names of a number: identifier, class, severity, action, and\n"
     "                 Windows error code\n"
     "-compile <source> ...  compile message sources to one catalog; - is standard input\n"
     "-out <file>      the catalog to write, a resource-only DLL for 64 bits; for -export and\n"
-    "                 -import the file to write instead of standard output\n"
+    "                 -import the file to write instead of standard output, which is -\n"
     "-header <file>   write a C header with a macro for each symbolic name\n"
     "-table <file>    write a C++ file with the texts as a string table, in the language of\n"
     "                 -lang, or in English\n"
@@ -155,7 +162,7 @@ inline constexpr const char* kTexts[] = {
     "-cat and -builtin cannot be combined",
     "A message catalog is required: -cat or -builtin",
     "The source is ill-formed in its code page at these bytes",
-    "There is no conversion from the code page of the source",
+    "There is no conversion for the code page",
     "Unknown statement",
     "A \"=\" is expected",
     "A \"(\" is expected",
@@ -199,6 +206,8 @@ inline constexpr const char* kTexts[] = {
     "The msgid is not the text of the source",
     "A message cannot have this text",
     "The language of the file is unknown; give it with -lang",
+    "The file is of another language",
+    "X-Language-Number must be a number from 1 to 65535",
     "There is no text in this language",
     "No message has a text in this language",
     "The inserts differ",
@@ -211,8 +220,13 @@ inline constexpr const char* kTexts[] = {
     "There are ten inserts; this one is shown as ???",
     "The percent sign is not shown here",
     "Text after %%0 is not shown",
+    "The text has a control character",
+    "Programs cannot load a message of the number 0",
     "This switch is not for the task",
     "The output would replace the input",
+    "Two outputs have the same name",
+    "A catalog is not written to a terminal",
+    "-ansi requires a single-byte or multi-byte code page based on ASCII, such as 1252",
     "This is possible for message sources only, not for catalogs",
     "A message source is required",
     "-export po requires -lang",

@@ -62,6 +62,7 @@ class Tool : public vel::tools::CatalogTool {
   void showErrorNames(const char* number) const;
   VelClCCSID requireCcsid(const char* text) const;
   void compileSources() const;
+  void checkOutputs(const Compilation& compilation) const;
   void showDiagnostics(const MessageSource& source, const Diagnostics& diagnostics) const;
   void writeDiagnostics(std::ostream& out, const MessageSource& source, const Diagnostics& diagnostics) const;
 
@@ -79,6 +80,10 @@ class Tool : public vel::tools::CatalogTool {
   void refuseInputAsOutput(const std::vector<const char*>& inputs, const char* output) const;
   void writeOutput(const std::string& bytes) const;
 };
+
+void writeToStandardOutput(const std::string& bytes) {
+  std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
 
 void Tool::end(TextId id, const char* argument, int exitCode) const {
   std::cout.flush();
@@ -244,11 +249,12 @@ void Tool::compileSources() const {
   hasArgString("out", compilation.catalog);
   hasArgString("header", compilation.header);
   hasArgString("table", compilation.table);
-  for (const char* const output : {compilation.catalog, compilation.header, compilation.table})
-    refuseInputAsOutput(compilation.sources, output);
+  checkOutputs(compilation);
   const char* value = nullptr;
   if (hasArgString("codepage", value)) compilation.codepage = requireCcsid(value);
   if (hasArgString("ansi", value)) compilation.ansi = requireCcsid(value);
+  if (compilation.ansi && !isAsciiBased(*compilation.ansi))
+    end(kAnsiCodepage, value, CONUI_ARG_VALUE_TYPE_MISMATCH);
   if (hasArgString("lang", value)) compilation.tableLanguage = requireNumber(value);
   MessageSource source;
   Diagnostics diagnostics;
@@ -258,6 +264,21 @@ void Tool::compileSources() const {
   if (outcome.result == CompileResult::NotRead) end(kSourceNotRead, outcome.file, kExitNoCatalog);
   if (outcome.result == CompileResult::NotWritten) end(kOutputNotWritten, outcome.file, kExitNotWritten);
   if (outcome.result == CompileResult::Faulty) processExit(kExitNotFound);
+  writeToStandardOutput(outcome.standardOutput);
+}
+
+/// Refuses outputs that would replace an input or each other.
+void Tool::checkOutputs(const Compilation& compilation) const {
+  std::vector<const char*> outputs = {compilation.catalog, compilation.header, compilation.table};
+  std::erase(outputs, nullptr);
+  for (const char* const output : outputs) {
+    refuseInputAsOutput(compilation.sources, output);
+    const auto isSame = [output](const char* other) { return std::strcmp(output, other) == 0; };
+    if (std::ranges::count_if(outputs, isSame) > 1) refuse(kOutputTwice, output);
+  }
+  const bool isShown = compilation.catalog != nullptr && std::strcmp(compilation.catalog, "-") == 0 &&
+                       vel::platform::isTerminal(vel::platform::kStandardOutput);
+  if (isShown) refuse(kCatalogToTerminal);
 }
 
 /// Writes a line for each diagnostic in the form that editors and build logs know.
@@ -415,7 +436,7 @@ void Tool::refuseInputAsOutput(const std::vector<const char*>& inputs, const cha
 void Tool::writeOutput(const std::string& bytes) const {
   const char* name = nullptr;
   if (!hasArgString("out", name) || std::strcmp(name, "-") == 0) {
-    std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    writeToStandardOutput(bytes);
     return;
   }
   std::vector<const char*> changedRights;
