@@ -2,7 +2,8 @@
 #
 # qamc5032_add_catalog(<target> NAME <name> SOURCES <file.mc>... [LANGUAGES <language>...] [HEADER <file.h>])
 #
-# Compiles message sources to the catalog <name>.DLL as a part of every build, and puts it beside the program <target>.
+# Compiles message sources to the catalog <name>.DLL whenever the program <target> is built, and puts it beside that. No
+# other call in the project may have the same name.
 # LANGUAGES selects languages of the sources by name or number; the default is all. HEADER is a C header with the
 # identifiers of the messages, which the sources of <target> can include by this name. The variable <name>_CATALOG is set
 # to the file, to install it with the program:
@@ -70,6 +71,10 @@ function(qamc5032_add_catalog target)
     message(FATAL_ERROR "qamc5032_add_catalog(<target> NAME <name> SOURCES <file.mc>... [LANGUAGES <language>...] "
                         "[HEADER <file.h>])")
   endif()
+  if(TARGET ${ARG_NAME}_catalog)
+    message(FATAL_ERROR "qamc5032_add_catalog: the project has a catalog, or a target, ${ARG_NAME}_catalog already: "
+                        "choose another NAME for that of ${target}")
+  endif()
   set(directory ${CMAKE_CURRENT_BINARY_DIR}/${target}_catalogs)
   set(catalog ${directory}/${ARG_NAME}.DLL)
   set(header)
@@ -86,11 +91,12 @@ function(qamc5032_add_catalog target)
     set(arguments -languages ${ARG_LANGUAGES})
   endif()
   _qamc5032_compile_catalog(${catalog} SOURCES ${ARG_SOURCES} HEADER ${header} ARGUMENTS ${arguments})
-  # The directory of the program may depend on the configuration, so the catalog is copied there.
-  add_custom_target(${ARG_NAME}_catalog ALL
-    COMMAND ${CMAKE_COMMAND} -E copy_if_different ${catalog} $<TARGET_FILE_DIR:${target}>/${ARG_NAME}.DLL
-    DEPENDS ${catalog}
-    VERBATIM)
-  add_dependencies(${ARG_NAME}_catalog ${target})
+  # The catalog is copied before its program is built, so that a build of the program alone makes both. The directory
+  # of the program, which may depend on the configuration, is in a script: in a command it would depend on the program.
+  set(copy ${directory}/${ARG_NAME}-$<CONFIG>.cmake)
+  file(GENERATE OUTPUT ${copy}
+       CONTENT "configure_file([[${catalog}]] [[$<TARGET_FILE_DIR:${target}>/${ARG_NAME}.DLL]] COPYONLY)\n")
+  add_custom_target(${ARG_NAME}_catalog ALL COMMAND ${CMAKE_COMMAND} -P ${copy} DEPENDS ${catalog} VERBATIM)
+  add_dependencies(${target} ${ARG_NAME}_catalog)
   set(${ARG_NAME}_CATALOG ${catalog} PARENT_SCOPE)
 endfunction()
