@@ -190,7 +190,7 @@ inline constexpr const char* kTexts[] = {
     "The text is longer than a catalog can hold",
     "Further faults",
     "The file could not be read",
-    "The file could not be written",
+    "The output could not be written",
     "The file was written, but its owner or permissions could not be kept",
     "-compile requires -out, -header or -table",
     "Unknown CCSID",

@@ -17,6 +17,13 @@ void Tool::end(TextId id, const char* argument, int exitCode) const {
   fatal(exitCode, text(id).c_str(), argument);
 }
 
+void Tool::exitAfterOutput(int exitCode) const {
+  // A full disk may show only now.
+  if (std::cout.flush()) processExit(exitCode);
+  report(kOutputNotWritten);
+  processExit(kExitNotWritten);
+}
+
 /// Returns the values of a switch that may have several. The usage string has to allow free arguments for
 /// them, so a free argument after any other switch is refused here.
 std::vector<const char*> Tool::valuesOf(const char* name) const {

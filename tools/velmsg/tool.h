@@ -29,6 +29,8 @@ class Tool : public tools::CatalogTool {
   Tool(int argc, const char* const* argv) : CatalogTool(argc, argv, kTexts, kTextEnd) {}
 
   void run();
+  /// Ends the process, with another exit code if the output could not be written.
+  [[noreturn]] void exitAfterOutput(int exitCode) const;
 
  private:
   using Catalog = std::unique_ptr<VelClMessageCatalog>;

@@ -60,8 +60,7 @@ void Tool::runSourceTask() const {
   if (hasArgSwitch("check")) return check();
   hasArgString("diff", value);
   if (compareSources(value)) return;
-  std::cout.flush();
-  processExit(kExitNotFound);
+  exitAfterOutput(kExitNotFound);
 }
 
 /// Shows the diagnostics of a task. Ends the process if it has no result.
@@ -90,8 +89,7 @@ void Tool::exportMessages(const char* form) const {
   isJson ? writeJson(out, listing) : writeTsv(out, listing);
   writeOutput(out.str());
   if (!listing.empty()) return;
-  std::cout.flush();
-  processExit(kExitNotFound);
+  exitAfterOutput(kExitNotFound);
 }
 
 /// Lists the sources or the catalog of the command line.
@@ -115,8 +113,7 @@ void Tool::importTexts() const {
   const TaskResult result = importPoFiles(task, report, source);
   endUnlessDone(result, report);
   writeOutput(source);
-  std::cout.flush();
-  if (result == TaskResult::Found) processExit(kExitNotFound);
+  if (result == TaskResult::Found) exitAfterOutput(kExitNotFound);
 }
 
 void Tool::check() const {
@@ -124,8 +121,7 @@ void Tool::check() const {
   const TaskResult result = checkSources(sourceTask(), report);
   if (result == TaskResult::NotRead) end(kSourceNotRead, report.notRead, kExitNoCatalog);
   writeDiagnostics(std::cout, report.source, report.diagnostics);
-  std::cout.flush();
-  if (result == TaskResult::Found) processExit(kExitNotFound);
+  if (result == TaskResult::Found) exitAfterOutput(kExitNotFound);
 }
 
 /// Returns false if the sources differ.

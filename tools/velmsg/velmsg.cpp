@@ -30,10 +30,7 @@ void Tool::run() {
     runSourceTask();
     return;
   }
-  if (!runTask(*openSource())) {
-    std::cout.flush();
-    processExit(kExitNotFound);
-  }
+  if (!runTask(*openSource())) exitAfterOutput(kExitNotFound);
 }
 
 namespace {
@@ -91,7 +88,6 @@ int vel::tools::toolMain(int argc, char** argv) {
     tool.exception(exception, tool.text(kTitle).c_str());
     tool.processExit(CONUI_USAGE);
   }
-  // A full disk may show only now.
-  std::cout.flush();
-  return std::cout.good() ? 0 : kExitNotWritten;
+  if (!std::cout.flush()) tool.exitAfterOutput(0);
+  return 0;
 }
