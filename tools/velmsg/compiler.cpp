@@ -10,6 +10,7 @@
 #include "tools/velmsg/error_names.h"
 #include "tools/velmsg/files.h"
 #include "tools/velmsg/identifier_header.h"
+#include "tools/velmsg/message_functions.h"
 #include "tools/velmsg/source_encoding.h"
 #include "tools/velmsg/table_writer.h"
 #include "tools/velmsg/texts.h"
@@ -142,6 +143,10 @@ std::vector<Output> makeOutputs(const Compilation& compilation, const MessageSou
     outputs.push_back(
         {compilation.table, stringTable(source, identifierOf(nameInside(compilation, compilation.table)),
                                         chooseTableLanguage(compilation, source, diagnostics), diagnostics)});
+  if (compilation.functions != nullptr)
+    outputs.push_back(
+        {compilation.functions,
+         messageFunctions(source, nameInside(compilation, compilation.functions), diagnostics)});
   return outputs;
 }
 

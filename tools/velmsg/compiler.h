@@ -22,6 +22,7 @@ struct Compilation {
   const char* catalog = nullptr;
   const char* header = nullptr;
   const char* table = nullptr;
+  const char* functions = nullptr;
 };
 
 enum class CompileResult {

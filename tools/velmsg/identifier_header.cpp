@@ -73,6 +73,16 @@ void addNumbers(std::string& out, const std::vector<NamedNumber>& numbers) {
 
 }  // namespace
 
+std::string guardOf(std::string_view fileName) {
+  return upperCase(identifierOf(fileName)) + "_H_";
+}
+
+std::string commentOf(std::string_view text) {
+  std::string comment = "/*\n";
+  addText(comment, text);
+  return comment + " */\n";
+}
+
 std::string identifierOf(std::string_view fileName) {
   fileName.remove_prefix(fileName.find_last_of("/\\:") + 1);
   fileName = fileName.substr(0, fileName.rfind('.'));
@@ -84,7 +94,7 @@ std::string identifierOf(std::string_view fileName) {
 }
 
 std::string identifierHeader(const MessageSource& source, std::string_view name) {
-  const std::string guard = upperCase(identifierOf(name)) + "_H_";
+  const std::string guard = guardOf(name);
   std::string out = "/* Made by velmsg. Changes are lost when the messages are compiled again. */\n";
   out += "#ifndef " + guard + "\n#define " + guard + "\n\n";
   addLines(out, source.headerComments);

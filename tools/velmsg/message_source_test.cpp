@@ -3,6 +3,7 @@
 
 #include "platform/test/test.h"
 #include "tools/velmsg/identifier_header.h"
+#include "tools/velmsg/message_functions.h"
 #include "tools/velmsg/table_writer.h"
 #include "tools/velmsg/texts.h"
 
@@ -218,6 +219,38 @@ TEST(IdentifierHeader, WritesNumbersAndTypes) {
   for (const char* const line : {"#define SEV_S 0x3\n", "#define FAC_F 0xABC\n", "#define A ((DWORD)1)\n",
                                  "#define B ((DWORD)3401318402U)\n", "#define C 0xCABC0003\n"})
     EXPECT_THAT(header, testing::HasSubstr(std::string("\n") + line));
+}
+
+TEST(MessageFunctions, HaveAParameterForEachInsert) {
+  const std::string names = "LanguageNames=(German=0x407:G)\n";
+  Diagnostics diagnostics;
+  const auto functions = [&diagnostics](const std::string& text) {
+    return messageFunctions(read(text).source, "a/my msgs.h", diagnostics);
+  };
+  const std::string none = functions(message("1"));
+  EXPECT_EQ(none.substr(none.find('#')),
+            "#ifndef MY_MSGS_H_\n#define MY_MSGS_H_\n\n#include <vel_messages.h>\n\n#include <string>\n\n"
+            "namespace my_msgs {\n\n}  // namespace my_msgs\n#endif\n");
+  EXPECT_THAT(
+      functions(names + message("1 SymbolicName=MSG_NEW", "%%1") + "Language=German\n%2 */ %1\n.\n"),
+      testing::HasSubstr("{\n\n/*\n * %%1\n */\n"
+                         "inline VelClMessage msgNewMessage(const VelClMessageCatalog& catalog, const "
+                         "std::string& insert1, const std::string& insert2) {\n"
+                         "  return VelClMessage(catalog, 1UL, insert1.c_str(), insert2.c_str());\n}\n"));
+  const std::pair<const char*, const char*> rows[] = {{"NEW", "newMessage"},
+                                                      {"_1x", "m1xMessage"},
+                                                      {"RecordsRead", "recordsReadMessage"},
+                                                      {"a$B_", "aBMessage"},
+                                                      {"READ_BAD_Utf8", "readBadUtf8Message"},
+                                                      {"__", "mMessage"}};
+  for (const auto& [symbol, name] : rows)
+    EXPECT_THAT(
+        functions(message(std::string("1 SymbolicName=") + symbol, "%99")),
+        testing::HasSubstr(std::string("VelClMessage ") + name + "(const VelClMessageCatalog& catalog, "));
+  EXPECT_THAT(diagnostics, testing::IsEmpty());
+  functions(message("1 SymbolicName=A_B") + message("2 SymbolicName=a_b"));
+  ASSERT_EQ(diagnostics.size(), 1U);
+  EXPECT_EQ(diagnostics[0].argument, "aBMessage");
 }
 
 TEST(TableText, ConvertsEscapes) {

@@ -83,6 +83,7 @@ enum TextId : unsigned long {
   kOutputTwice,
   kCatalogToTerminal,
   kAnsiCodepage,
+  kFunctionTwice,
   kSourcesOnly,
   kSourceFileRequired,
   kLangRequired,
@@ -93,7 +94,7 @@ enum TextId : unsigned long {
 };
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 85",
+    "[VEL_MSGTAB_SIGNATURE] 86",
     "[VELMSG]",
     "Message catalog inspector",
     "shows the contents of a message catalog",
@@ -103,6 +104,7 @@ inline constexpr const char* kTexts[] = {
     "[(-diff <file>)] [(-error <number>)]\n"
     "[(-compile <source>) [<source> ...]]\n"
     "[(-out <file>)] [(-header <file>)] [(-table <file>)]\n"
+    "[(-functions <file>)]\n"
     "[(-codepage <ccsid>)] [(-ansi <ccsid>)]\n"
     "[(-languages <name>) [<name> ...]]\n"
     "[(-export <po|tsv|json>)] [(-import <po>)] [-check] [<file> ...]\n"
@@ -132,6 +134,8 @@ inline constexpr const char* kTexts[] = {
     "-header <file>   write a C header with a macro for each symbolic name\n"
     "-table <file>    write a C++ file with the texts as a string table, in the language of\n"
     "                 -lang, or in English\n"
+    "-functions <file>  write a C++ header with a function for each symbolic name, which has a\n"
+    "                 parameter for each insert\n"
     "-codepage <ccsid>  code page of sources without byte order mark; UTF-8 by default\n"
     "-ansi <ccsid>    store texts in this code page instead of UTF-16\n"
     "-languages <name> ...  compile only these languages, by their names or numbers\n"
@@ -192,7 +196,7 @@ inline constexpr const char* kTexts[] = {
     "The file could not be read",
     "The output could not be written",
     "The file was written, but its owner or permissions could not be kept",
-    "-compile requires -out, -header or -table",
+    "-compile requires -out, -header, -table or -functions",
     "Unknown CCSID",
     "msgctxt, msgid, msgstr or a string is expected",
     "The string is not ended in its line",
@@ -227,6 +231,7 @@ inline constexpr const char* kTexts[] = {
     "Two outputs have the same name",
     "A catalog is not written to a terminal",
     "-ansi requires a single-byte or multi-byte code page based on ASCII, such as 1252",
+    "Another message gives the same function",
     "This is possible for message sources only, not for catalogs",
     "A message source is required",
     "-export po requires -lang",

@@ -17,6 +17,7 @@ void Tool::compileSources() const {
   hasArgString("out", compilation.catalog);
   hasArgString("header", compilation.header);
   hasArgString("table", compilation.table);
+  hasArgString("functions", compilation.functions);
   checkOutputs(compilation);
   const char* value = nullptr;
   if (hasArgString("codepage", value)) compilation.codepage = requireCcsid(value);
@@ -37,7 +38,8 @@ void Tool::compileSources() const {
 
 /// Refuses outputs that would replace an input or each other.
 void Tool::checkOutputs(const Compilation& compilation) const {
-  std::vector<const char*> outputs = {compilation.catalog, compilation.header, compilation.table};
+  std::vector<const char*> outputs = {compilation.catalog, compilation.header, compilation.table,
+                                      compilation.functions};
   std::erase(outputs, nullptr);
   for (const char* const output : outputs) {
     refuseInputAsOutput(compilation.sources, output);

@@ -50,6 +50,7 @@ const SwitchRule kRules[] = {
     {"fuzzy", {"import"}},
     {"header", {"compile"}},
     {"table", {"compile"}},
+    {"functions", {"compile"}},
     {"ansi", {"compile"}},
     {"languages", {"compile"}},
 };
@@ -66,7 +67,7 @@ void Tool::checkTasks() const {
   for (const SwitchRule& rule : kRules)
     if (hasArgSwitch(rule.name) && count(rule.tasks) == 0)
       refuse(kNotForTask, (std::string("-") + rule.name).c_str());
-  if (hasArgSwitch("compile") && count({"out", "header", "table"}) == 0) refuse(kOutputRequired);
+  if (hasArgSwitch("compile") && count({"out", "header", "table", "functions"}) == 0) refuse(kOutputRequired);
   if (count({"import", "check"}) != 0 && count({"cat", "builtin"}) != 0) refuse(kSourcesOnly);
   if (!hasSources()) readInserts();
 }
