@@ -97,6 +97,8 @@ TEST(PoFile, ReportsEveryMistake) {
       {"msgid \"\\377\"\nmsgstr \"b\"\n", 1, 1, kPoIllFormedText},
       {"msgid \"\xFF\"\nmsgstr \"b\"\n", 1, 8, kIllFormedSource},
       {"msgid \"\"\nmsgstr \"charset=UTF-88\\n\"\n", 0, 0, kPoUnknownCharset},
+      // The charset is searched in bytes that are not UTF-8.
+      {"msgid \"\"\nmsgstr \"charset=ISO-8859-1\\n\"\n" + std::string(100, '\xA8'), 3, 1, kPoKeywordExpected},
   };
   for (const Row& row : rows) {
     PoFile po;

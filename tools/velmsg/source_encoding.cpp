@@ -115,7 +115,7 @@ void addDiagnostic(Diagnostics& diagnostics, Diagnostic diagnostic) {
   std::string& argument = diagnostic.argument;
   if (argument.size() > kMaxArgument) {
     std::size_t end = kMaxArgument;
-    while ((static_cast<unsigned char>(argument[end]) & 0xC0) == 0x80) --end;
+    while (end > 0 && (static_cast<unsigned char>(argument[end]) & 0xC0) == 0x80) --end;
     argument.replace(end, std::string::npos, "...");
   }
   diagnostics.push_back(std::move(diagnostic));

@@ -17,7 +17,8 @@ std::string toUtf8(std::string_view bytes, const VelClCCSID& codepage, std::size
 std::string convertToUtf8(std::string_view bytes, const VelClCCSID& codepage, std::size_t file,
                           Diagnostics& diagnostics);
 
-/// Appends a diagnostic unless there are kMaxDiagnostics already.
+/// Appends a diagnostic unless there are kMaxDiagnostics already. A long argument, which need not be
+/// well-formed, is cut.
 void addDiagnostic(Diagnostics& diagnostics, Diagnostic diagnostic);
 
 }  // namespace vel::velmsg
