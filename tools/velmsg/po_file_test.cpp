@@ -98,7 +98,8 @@ TEST(PoFile, ReportsEveryMistake) {
       {"msgid \"\xFF\"\nmsgstr \"b\"\n", 1, 8, kIllFormedSource},
       {"msgid \"\"\nmsgstr \"charset=UTF-88\\n\"\n", 0, 0, kPoUnknownCharset},
       // The charset is searched in bytes that are not UTF-8.
-      {"msgid \"\"\nmsgstr \"charset=ISO-8859-1\\n\"\n" + std::string(100, '\xA8'), 3, 1, kPoKeywordExpected},
+      {"msgid \"\"\nmsgstr \"charset=ISO-8859-1\\n\"\n" + entry + std::string(100, '\xA8'), 5, 1,
+       kPoKeywordExpected},
   };
   for (const Row& row : rows) {
     PoFile po;
