@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace vel {
 
@@ -11,6 +12,11 @@ namespace vel {
 /// not have its own LANGID, gets the LANGID of its main territory. 0 for null, "", "C", "POSIX" and unknown
 /// languages.
 std::uint32_t languageIdOfLocaleName(const char* localeName) noexcept;
+
+/// Returns the LANGID of a name that says exactly one of Windows: "de", "de_DE", "zh_Hant_HK", "sr_RS@latin",
+/// "es-419". 0 for any other name, such as one with a territory that does not have its own LANGID, so that no
+/// text is taken for one of another language.
+std::uint32_t languageIdOfExactLocaleName(std::string_view localeName) noexcept;
 
 /// The maximum length of the names below.
 inline constexpr std::size_t kMaxLocaleName = 6;

@@ -25,5 +25,41 @@ TEST(LanguageNames, AreThoseOfTheirNumbers) {
   }
 }
 
+TEST(LanguageNames, AreExact) {
+  const std::pair<const char*, std::uint32_t> rows[] = {{"zh", 0x804},
+                                                        {"zh_Hant", 0x404},
+                                                        {"zh_Hant_TW", 0x404},
+                                                        {"zh-hant-hk", 0xC04},
+                                                        {"zh_TW.Big5", 0x404},
+                                                        {"zh_HK", 0xC04},
+                                                        {"zh_Hans_CN", 0x804},
+                                                        {"zh_Hans_HK", 0},
+                                                        {"zh_Hant_CN", 0},
+                                                        {"sr", 0x281A},
+                                                        {"sr_Latn", 0x241A},
+                                                        {"sr_RS@latin", 0x241A},
+                                                        {"sr_ME@latin", 0x2C1A},
+                                                        {"sr_Cyrl_RS", 0x281A},
+                                                        {"sr@cyrillic", 0x281A},
+                                                        {"sr_XX", 0},
+                                                        {"pt_BR", 0x416},
+                                                        {"pt_PT", 0x816},
+                                                        {"pt_AO", 0},
+                                                        {"es_419", 0x580A},
+                                                        {"es_ES", 0xC0A},
+                                                        {"es_GQ", 0},
+                                                        {"ca_ES@valencia", 0x803},
+                                                        {"de_DE@euro", 0x407},
+                                                        {"de_DE@other", 0},
+                                                        {"de_", 0},
+                                                        {"_DE", 0},
+                                                        {"de_at_DE", 0},
+                                                        {"tlh", 0},
+                                                        {"C", 0},
+                                                        {"", 0},
+                                                        {"zh_Hant_TW_and_more_text", 0}};
+  for (const auto& [name, number] : rows) EXPECT_EQ(languageIdOfExactLocaleName(name), number) << name;
+}
+
 }  // namespace
 }  // namespace vel

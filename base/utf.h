@@ -91,4 +91,13 @@ constexpr Utf8Sequence utf8SequenceAt(const unsigned char* text, std::size_t siz
   return {length, true, false};
 }
 
+/// Decodes a whole character of `size` bytes, as utf8SequenceAt finds it.
+constexpr char32_t decodeUtf8(const unsigned char* text, std::size_t size) noexcept {
+  // The bits of the lead byte that belong to the character, by length; index 0 is unused.
+  constexpr unsigned char kLeadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
+  char32_t character = text[0] & kLeadBits[size];
+  for (std::size_t i = 1; i < size; ++i) character = character << 6 | (text[i] & 0x3F);
+  return character;
+}
+
 }  // namespace vel

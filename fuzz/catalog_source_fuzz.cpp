@@ -2,6 +2,7 @@
 // the same from a source that is written and from .po files.
 #include "fuzz/bytes.h"
 #include "tools/velmsg/identifier_header.h"
+#include "tools/velmsg/message_functions.h"
 #include "tools/velmsg/message_source.h"
 #include "tools/velmsg/po_translation.h"
 #include "tools/velmsg/source_check.h"
@@ -15,7 +16,8 @@ namespace {
 
 using namespace vel::velmsg;
 
-/// A header line is a comment, empty, or a directive unless comments of the source bring others.
+/// A header line is a line of a comment, empty, or a directive unless comments of the source bring others.
+/// Comments end where they should.
 void requireSoundHeader(const MessageSource& source) {
   const std::string header = identifierHeader(source, "a.h");
   bool hasComments = !source.headerComments.empty() || !source.trailingComments.empty();
@@ -23,7 +25,9 @@ void requireSoundHeader(const MessageSource& source) {
   for (std::size_t begin = 0; begin < header.size() && !hasComments;) {
     const std::size_t end = header.find('\n', begin);
     const std::string_view line = std::string_view(header).substr(begin, end - begin);
-    require({line.empty() || line[0] == '#' || line.starts_with("//"), !line.ends_with('\\')});
+    const bool isFirst = begin == 0;
+    require(line.empty() || line[0] == '#' || line == "/*" || line.starts_with(" *") || isFirst);
+    require(line == " */" || isFirst || line.find("*/") == std::string_view::npos);
     begin = end + 1;
   }
 }
@@ -60,7 +64,8 @@ void translate(const MessageSource& source) {
     PoFile po;
     require(readPo(writePo(exportPo(source, reference, language)), 0, po, diagnostics));
     const bool isChanged = importPo(again, po, {reference, language, true}, diagnostics);
-    require({!isChanged, diagnostics.empty(), languageOfPo(source, po) == language});
+    Diagnostics noNumber;
+    require({!isChanged, diagnostics.empty(), languageOfPo(source, po, noNumber) == language});
   }
   checkSource(source, reference, diagnostics);
 }
@@ -72,9 +77,10 @@ void run(Bytes input) {
   require({isSound == diagnostics.empty(), diagnostics.size() <= kMaxDiagnostics});
   for (const Diagnostic& diagnostic : diagnostics)
     require({diagnostic.position.file == 0, diagnostic.text != 0});
-  if (!isSound) return;
-  requireSoundHeader(source);
   Diagnostics faults;
+  if (!isSound) return checkSource(source, referenceLanguage(source), faults);
+  requireSoundHeader(source);
+  messageFunctions(source, "a.h", faults);
   stringTable(source, "a", languageOfTable(source), faults);
   compile(source);
   translate(source);

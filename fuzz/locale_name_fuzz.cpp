@@ -31,6 +31,8 @@ void readNumber(const Text& name) {
   const std::string bare = other.substr(0, other.find_first_of("_-"));
   const std::uint32_t main = languageIdOfLocaleName(Text(bare));
   require({(main == 0) == (number == 0), (main & kPrimaryLanguage) == (number & kPrimaryLanguage)});
+  const std::uint32_t exact = vel::languageIdOfExactLocaleName(name.view());
+  require(exact == 0 || (exact & kPrimaryLanguage) == (number & kPrimaryLanguage));
 }
 
 /// Expects a tag to be used if it has less than 16 characters and a language of two or three; otherwise US

@@ -118,7 +118,7 @@ void run(Bytes input) {
   std::string whole;
   const bool isComplete = resourceText(text.data(), variables, whole) && whole.size() <= room;
   const auto result =
-      vel::messages::expandResourceText(text, text.size(), variables.data(), out.get(), room + 1);
+      vel::messages::expandResourceText(text, text.view().size(), variables.data(), out.get(), room + 1);
   require({result.complete == isComplete, result.length == (isComplete ? whole.size() : 0),
            out.get() == (isComplete ? whole : "")});
   requireMessage(text, variables);

@@ -52,6 +52,7 @@ void run(Bytes input) {
   importInto(source, po, false);
   importInto(source, po, true);
   PoFile merged = exportPo(source, referenceLanguage(source), 0x407);
+  checkOlderPo(source, po, 0x407, diagnostics);
   mergePo(merged, po);
   poOf(writePo(merged));
 }

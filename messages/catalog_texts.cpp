@@ -27,15 +27,6 @@ void put16(std::uint8_t* out, std::size_t value) noexcept {
   out[1] = static_cast<std::uint8_t>(value >> 8);
 }
 
-/// Decodes a well-formed sequence.
-char32_t decodeSequence(const unsigned char* text, std::size_t size) noexcept {
-  // The bits of the lead byte that belong to the character, by length; index 0 is unused.
-  constexpr unsigned char kLeadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
-  char32_t character = text[0] & kLeadBits[size];
-  for (std::size_t i = 1; i < size; ++i) character = character << 6 | (text[i] & 0x3F);
-  return character;
-}
-
 std::uint8_t* putUtf16(std::uint8_t* out, char32_t character) noexcept {
   if (character < kFirstSupplementary) {
     put16(out, character);
@@ -53,7 +44,7 @@ std::uint8_t* convert(const unsigned char* text, std::size_t size, std::uint8_t*
     if (*text == 0) return nullptr;
     const Utf8Sequence sequence = utf8SequenceAt(text, static_cast<std::size_t>(end - text));
     if (!sequence.isValid) return nullptr;
-    out = putUtf16(out, decodeSequence(text, sequence.size));
+    out = putUtf16(out, decodeUtf8(text, sequence.size));
     text += sequence.size;
   }
   return out;

@@ -134,7 +134,7 @@ class TableTextExpander {
 FormatResult expandResourceText(const char* text, std::size_t length, const char* const inserts[10],
                                 char* out, std::size_t capacity) noexcept {
   if (capacity == 0) return {false, 0};
-  const TextReader reader(text, boundedLength(text, length));
+  const TextReader reader(text, length);
   const FormatResult result = ResourceTextExpander(reader, inserts, TextWriter(out, capacity - 1)).expand();
   out[result.length] = '\0';
   return result;

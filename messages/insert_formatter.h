@@ -13,7 +13,7 @@ struct FormatResult {
   std::size_t length;  ///< bytes written, without the terminating NUL; 0 when not complete
 };
 
-/// Expands a text of a catalog library (single bytes, up to `length` or its first NUL) as the Windows message
+/// Expands a text of a catalog library (`length` single bytes without a NUL) as the Windows message
 /// formatter does without a line width:
 ///
 /// | Text | Result |

@@ -6,8 +6,8 @@
 
 namespace vel::messages {
 
-/// A message's text in the process's ANSI code page, which may be UTF-8. Text that is not stored as Unicode
-/// is neither converted nor copied: the entry's bytes must outlive this object.
+/// A message's text, without a NUL, in the process's ANSI code page, which may be UTF-8. Text that is not
+/// stored as Unicode is neither converted nor copied: the entry's bytes must outlive this object.
 class AnsiText {
  public:
   explicit AnsiText(const MessageResource::Entry& entry);

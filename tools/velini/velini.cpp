@@ -244,6 +244,8 @@ template <typename Write>
 int Tool::show(Write write) const {
   ShellNames names(prefix_);
   std::ostringstream out;
+  // Otherwise lack of memory would cut the output silently.
+  out.exceptions(std::ios::badbit);
   write(out, names);
   if (!names.refused().empty()) return fail(kExitUnsafeName, kUnsafeName, names.refused().c_str());
   std::cout << out.str();
@@ -370,6 +372,7 @@ int vel::tools::toolMain(int argc, char** argv) {
     tool.processExit(CONUI_USAGE);
   }
   // A full disk may show only now.
-  std::cout.flush();
-  return std::cout.good() ? exitCode : kExitNotWritten;
+  if (std::cout.flush()) return exitCode;
+  tool.report(kNotWritten);
+  return kExitNotWritten;
 }

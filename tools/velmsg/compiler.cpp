@@ -10,6 +10,7 @@
 #include "tools/velmsg/error_names.h"
 #include "tools/velmsg/files.h"
 #include "tools/velmsg/identifier_header.h"
+#include "tools/velmsg/message_functions.h"
 #include "tools/velmsg/source_encoding.h"
 #include "tools/velmsg/table_writer.h"
 #include "tools/velmsg/texts.h"
@@ -44,13 +45,13 @@ class AnsiConverter : private VelClConversionSink {
 class CatalogBuilder {
  public:
   CatalogBuilder(const MessageSource& source, const std::optional<VelClCCSID>& ansi, Diagnostics& diagnostics)
-      : source_(source), diagnostics_(diagnostics), writer_(VelClFilename()) {
+      : source_(source), diagnostics_(diagnostics), writer_(VelClFilename()), ansi_(ansi) {
     if (ansi) converter_.emplace(*ansi);
   }
 
   std::string build() {
     if (converter_ && !converter_->isSupported()) {
-      addDiagnostic(diagnostics_, {{}, kNoConversion, {}});
+      addDiagnostic(diagnostics_, {{}, kNoConversion, std::to_string(ansi_->getAsInt())});
       return {};
     }
     for (const SourceMessage& message : source_.messages)
@@ -58,7 +59,9 @@ class CatalogBuilder {
     const unsigned char* bytes = nullptr;
     std::size_t size = 0;
     if (writer_.getBytes(bytes, size)) return {bytes, bytes + size};
-    addDiagnostic(diagnostics_, {{}, source_.messages.empty() ? kNoMessages : kCatalogTooLarge, {}});
+    // After another mistake there may be no text left.
+    if (diagnostics_.empty())
+      addDiagnostic(diagnostics_, {{}, hasText() ? kCatalogTooLarge : kNoMessages, {}});
     return {};
   }
 
@@ -72,11 +75,15 @@ class CatalogBuilder {
                                   : writer_.setText(language, id, bytes.data(), bytes.size());
     if (!isSet) report(text, kTextTooLong);
   }
+  bool hasText() const {
+    return std::ranges::any_of(source_.messages, [](const auto& message) { return !message.texts.empty(); });
+  }
   void report(const SourceText& text, TextId id) { addDiagnostic(diagnostics_, {text.position, id, {}}); }
 
   const MessageSource& source_;
   Diagnostics& diagnostics_;
   VelClMessageCatalogWriter writer_;
+  std::optional<VelClCCSID> ansi_;
   std::optional<AnsiConverter> converter_;
 };
 
@@ -115,17 +122,31 @@ std::uint16_t chooseTableLanguage(const Compilation& compilation, const MessageS
   return static_cast<std::uint16_t>(number);
 }
 
+bool isStandardOutput(const char* name) {
+  return std::strcmp(name, "-") == 0;
+}
+
+/// Returns the file name that identifiers are made of.
+const char* nameInside(const Compilation& compilation, const char* output) {
+  return isStandardOutput(output) ? compilation.sources[0] : output;
+}
+
 std::vector<Output> makeOutputs(const Compilation& compilation, const MessageSource& source,
                                 Diagnostics& diagnostics) {
   std::vector<Output> outputs;
   if (compilation.catalog != nullptr)
     outputs.push_back({compilation.catalog, CatalogBuilder(source, compilation.ansi, diagnostics).build()});
   if (compilation.header != nullptr)
-    outputs.push_back({compilation.header, identifierHeader(source, compilation.header)});
+    outputs.push_back(
+        {compilation.header, identifierHeader(source, nameInside(compilation, compilation.header))});
   if (compilation.table != nullptr)
     outputs.push_back(
-        {compilation.table, stringTable(source, identifierOf(compilation.table),
+        {compilation.table, stringTable(source, identifierOf(nameInside(compilation, compilation.table)),
                                         chooseTableLanguage(compilation, source, diagnostics), diagnostics)});
+  if (compilation.functions != nullptr)
+    outputs.push_back(
+        {compilation.functions,
+         messageFunctions(source, nameInside(compilation, compilation.functions), diagnostics)});
   return outputs;
 }
 
@@ -146,14 +167,26 @@ bool readMessageSources(const std::vector<const char*>& files, const VelClCCSID&
   return diagnostics.empty();
 }
 
+bool isAsciiBased(const VelClCCSID& codepage) {
+  const std::string ascii = "\r\n !%019AZaz";
+  AnsiConverter converter(codepage);
+  return !converter.isSupported() || (converter.convert(ascii) && converter.bytes() == ascii);
+}
+
 CompileOutcome compile(const Compilation& compilation, MessageSource& source, Diagnostics& diagnostics) {
   const char* file = nullptr;
   if (!readMessageSources(compilation.sources, compilation.codepage, source, diagnostics, file))
     return {file != nullptr ? CompileResult::NotRead : CompileResult::Faulty, file};
   selectLanguages(compilation.languages, source, diagnostics);
-  const auto outputs = makeOutputs(compilation, source, diagnostics);
+  auto outputs = makeOutputs(compilation, source, diagnostics);
   if (!diagnostics.empty()) return {CompileResult::Faulty, nullptr};
   CompileOutcome outcome{CompileResult::Written, nullptr};
+  const auto standard =
+      std::ranges::find_if(outputs, [](const Output& output) { return isStandardOutput(output.name); });
+  if (standard != outputs.end()) {
+    outcome.standardOutput = std::move(standard->bytes);
+    outputs.erase(standard);
+  }
   outcome.file = writeOutputs(outputs, outcome.changedRights);
   if (outcome.file != nullptr) outcome.result = CompileResult::NotWritten;
   return outcome;

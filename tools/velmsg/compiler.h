@@ -10,7 +10,7 @@
 
 namespace vel::velmsg {
 
-/// What to compile. The outputs are names of files, null for none.
+/// What to compile. The outputs are names of files, null for none, "-" for standard output.
 struct Compilation {
   std::vector<const char*> sources;  ///< "-" is standard input
   VelClCCSID codepage = VelClCCSID(VelClCCSID::CCSID_UTF8);
@@ -22,6 +22,7 @@ struct Compilation {
   const char* catalog = nullptr;
   const char* header = nullptr;
   const char* table = nullptr;
+  const char* functions = nullptr;
 };
 
 enum class CompileResult {
@@ -41,7 +42,12 @@ struct CompileOutcome {
   const char* file;  ///< the one that could not be read or written, or null
   /// The outputs that do not have the owner or permissions of the file that they replaced.
   std::vector<const char*> changedRights = {};
+  std::string standardOutput{};  ///< what the caller has to write there
 };
+
+/// Returns whether texts can be stored in a code page: the loader takes their escapes and line breaks for
+/// ASCII. True if there is no conversion, which compile reports.
+bool isAsciiBased(const VelClCCSID& codepage);
 
 /// Writes all outputs or, if anything fails before the first one is in place, none.
 CompileOutcome compile(const Compilation& compilation, MessageSource& source, Diagnostics& diagnostics);

@@ -31,13 +31,14 @@ void addLines(std::string& out, const std::vector<std::string>& lines) {
   for (const std::string& line : lines) (out += line) += '\n';
 }
 
-/// Adds a line of a comment. Control characters could end it, and a backslash at its end would continue it.
+/// Adds a line of a comment, which C89 compilers have to read as well. The marks of comments are divided by a
+/// blank, so that none ends in the text, or seems to begin there.
 void addCommentLine(std::string& out, std::string_view line) {
-  out += "//";
-  if (!line.empty()) out += ' ';
-  for (const char c : line) out += static_cast<unsigned char>(c) < ' ' || c == '\x7F' ? ' ' : c;
-  const std::size_t last = line.find_last_not_of(" \t\r\v\f");
-  if (last != std::string_view::npos && line[last] == '\\') out += '.';
+  out += line.empty() ? " *" : " * ";
+  for (const char c : line) {
+    if ((c == '/' && out.back() == '*') || (c == '*' && out.back() == '/')) out += ' ';
+    out += static_cast<unsigned char>(c) < ' ' || c == '\x7F' ? ' ' : c;
+  }
   out += '\n';
 }
 
@@ -52,11 +53,12 @@ void addText(std::string& out, std::string_view text) {
 void addMessage(std::string& out, const SourceMessage& message) {
   addLines(out, message.comments);
   if (message.symbolicName.empty()) return;
-  out += "//\n// MessageId: " + message.symbolicName + "\n//\n";
-  if (!message.texts.empty()) {
+  out += "/*\n * MessageId: " + message.symbolicName + '\n';
+  if (!message.texts.empty() && !message.texts.front().text.empty()) {
+    out += " *\n";
     addText(out, message.texts.front().text);
-    out += "//\n";
   }
+  out += " */\n";
   const std::string id = idText(message);
   out += "#define " + message.symbolicName + ' ';
   out += message.idTypedef.empty() ? id : "((" + message.idTypedef + ')' + id + ')';
@@ -71,18 +73,29 @@ void addNumbers(std::string& out, const std::vector<NamedNumber>& numbers) {
 
 }  // namespace
 
+std::string guardOf(std::string_view fileName) {
+  return upperCase(identifierOf(fileName)) + "_H_";
+}
+
+std::string commentOf(std::string_view text) {
+  std::string comment = "/*\n";
+  addText(comment, text);
+  return comment + " */\n";
+}
+
 std::string identifierOf(std::string_view fileName) {
   fileName.remove_prefix(fileName.find_last_of("/\\:") + 1);
   fileName = fileName.substr(0, fileName.rfind('.'));
   std::string identifier;
+  if (std::ranges::none_of(fileName, isAsciiAlnum)) return "messages";
   for (const char c : fileName) identifier += isAsciiAlnum(c) ? c : '_';
-  if (identifier.empty() || isAsciiDigit(identifier[0])) identifier.insert(0, "m");
+  if (isAsciiDigit(identifier[0])) identifier.insert(0, "m");
   return identifier;
 }
 
 std::string identifierHeader(const MessageSource& source, std::string_view name) {
-  const std::string guard = upperCase(identifierOf(name)) + "_H_";
-  std::string out = "// Made by velmsg. Changes are lost when the messages are compiled again.\n";
+  const std::string guard = guardOf(name);
+  std::string out = "/* Made by velmsg. Changes are lost when the messages are compiled again. */\n";
   out += "#ifndef " + guard + "\n#define " + guard + "\n\n";
   addLines(out, source.headerComments);
   addNumbers(out, source.severities);

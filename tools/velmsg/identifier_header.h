@@ -12,7 +12,14 @@ namespace vel::velmsg {
 /// is the name of its file, of which the include guard is made.
 std::string identifierHeader(const MessageSource& source, std::string_view name);
 
-/// Returns an identifier made of the last component of a file name, without its extension.
+/// Returns the include guard of a file.
+std::string guardOf(std::string_view fileName);
+
+/// Returns a text of a message as a comment of C.
+std::string commentOf(std::string_view text);
+
+/// Returns an identifier made of the last component of a file name, without its extension; "messages" for a
+/// name without letters and digits.
 std::string identifierOf(std::string_view fileName);
 
 }  // namespace vel::velmsg

@@ -112,6 +112,10 @@ bool writeDifferences(std::ostream& out, const MessageListing& first, const Mess
       out << (b == nullptr ? "<" : ">") << '\t' << id << '\n';
       return;
     }
+    if (a->symbolicName != b->symbolicName) {
+      isSame = false;
+      out << "@\t" << id << '\t' << a->symbolicName << '\t' << b->symbolicName << '\n';
+    }
     visitBoth(a->texts, b->texts, [&](unsigned int language, const std::string* x, const std::string* y) {
       if (x != nullptr && y != nullptr && *x == *y) return;
       isSame = false;

@@ -32,8 +32,8 @@ void writeTsv(std::ostream& out, const MessageListing& listing);
 void writeJson(std::ostream& out, const MessageListing& listing);
 
 /// Writes a line for each difference: "<" or ">" and an id, or an id and a LANGID, that only one of them has;
-/// "!", id, LANGID and both inserts where those differ; "~", id, LANGID and both texts where only the words
-/// differ. Returns true if there is no difference.
+/// "@", id and both symbolic names where those differ; "!", id, LANGID and both inserts where those differ;
+/// "~", id, LANGID and both texts where only the words differ. Returns true if there is no difference.
 bool writeDifferences(std::ostream& out, const MessageListing& first, const MessageListing& second);
 
 }  // namespace vel::velmsg

@@ -3,6 +3,7 @@
 
 #include "platform/test/test.h"
 #include "tools/velmsg/identifier_header.h"
+#include "tools/velmsg/message_functions.h"
 #include "tools/velmsg/table_writer.h"
 #include "tools/velmsg/texts.h"
 
@@ -122,6 +123,9 @@ TEST(MessageSource, ReadsNames) {
       {message("1 Severity=Huge Facility=Lost"), "1:22 Unknown severity: Huge|1:36 Unknown facility: Lost|"},
       {message("1") + "Severity=Error", "5:1 A MessageId statement is expected before|"},
       {"OutputBase=8", "1:1 OutputBase must be 10 or 16|"},
+      {"OutputBase=\n" + message("1 Severity= Facility=System"),
+       "1:12 A number is expected|2:22 Unknown severity|"},
+      {"SeverityNames=(A= B=2) OutputBase =", "1:18 A number is expected|1:36 A number is expected|"},
       {"Sprache=x\nMessageId 1\n", "1:1 Unknown statement: Sprache|2:11 A \"=\" is expected: 1|"},
       {"\xC3\xA4 \xF0\x9F\x98\x80 = 1\n\xFF\xC3\n",
        "1:1 Unknown statement: \xC3\xA4|2:1 The source is ill-formed in its code page at these bytes: FF|2:1 "
@@ -146,8 +150,7 @@ TEST(MessageSource, ReadsEveryEncoding) {
             "5:1 The source is ill-formed in its code page at these bytes: D8|5:1 Unknown statement: "
             "\xEF\xBF\xBD|");
   EXPECT_EQ(list(read(message("1", "\xE4"), VelClCCSID::CCSID_819)), "1  1033=\xC3\xA4/,");
-  EXPECT_EQ(list(read(source, VelClCCSID(9))),
-            "0:0 There is no conversion from the code page of the source|");
+  EXPECT_EQ(list(read(source, VelClCCSID(9))), "0:0 There is no conversion for the code page: 9|");
 }
 
 TEST(MessageSource, BoundsItsDiagnosticsAndTheirSize) {
@@ -197,10 +200,12 @@ TEST(MessageSource, StoresLineBreaksAsMessageCompilersDo) {
 }
 
 TEST(IdentifierHeader, TextsCannotLeaveTheirComments) {
-  const std::string header = identifierHeader(
-      read(message("1 SymbolicName=A", "one\\\n*/ #error\rtwo\\ \t\n\n\x1B")).source, "dir/3 a-b.c.h");
+  const std::string header =
+      identifierHeader(read(message("1 SymbolicName=A", "one\\\n*/ #error\rtwo\\ \t\na/*/*b\n\n\x1B")).source,
+                       "dir/3 a-b.c.h");
   EXPECT_THAT(header,
-              testing::HasSubstr("\n// one\\.\n// */ #error two\\  .\n//\n//  \n//\n#define A 0x00000001\n"));
+              testing::HasSubstr(
+                  "\n * one\\\n * * / #error two\\  \n * a/ * / *b\n *\n *  \n */\n#define A 0x00000001\n"));
   EXPECT_THAT(header, testing::HasSubstr("#ifndef M3_A_B_C_H_\n"));
 }
 
@@ -214,6 +219,38 @@ TEST(IdentifierHeader, WritesNumbersAndTypes) {
   for (const char* const line : {"#define SEV_S 0x3\n", "#define FAC_F 0xABC\n", "#define A ((DWORD)1)\n",
                                  "#define B ((DWORD)3401318402U)\n", "#define C 0xCABC0003\n"})
     EXPECT_THAT(header, testing::HasSubstr(std::string("\n") + line));
+}
+
+TEST(MessageFunctions, HaveAParameterForEachInsert) {
+  const std::string names = "LanguageNames=(German=0x407:G)\n";
+  Diagnostics diagnostics;
+  const auto functions = [&diagnostics](const std::string& text) {
+    return messageFunctions(read(text).source, "a/my msgs.h", diagnostics);
+  };
+  const std::string none = functions(message("1"));
+  EXPECT_EQ(none.substr(none.find('#')),
+            "#ifndef MY_MSGS_H_\n#define MY_MSGS_H_\n\n#include <vel_messages.h>\n\n#include <string>\n\n"
+            "namespace my_msgs {\n\n}  // namespace my_msgs\n#endif\n");
+  EXPECT_THAT(
+      functions(names + message("1 SymbolicName=MSG_NEW", "%%1") + "Language=German\n%2 */ %1\n.\n"),
+      testing::HasSubstr("{\n\n/*\n * %%1\n */\n"
+                         "inline VelClMessage msgNewMessage(const VelClMessageCatalog& catalog, const "
+                         "std::string& insert1, const std::string& insert2) {\n"
+                         "  return VelClMessage(catalog, 1UL, insert1.c_str(), insert2.c_str());\n}\n"));
+  const std::pair<const char*, const char*> rows[] = {{"NEW", "newMessage"},
+                                                      {"_1x", "m1xMessage"},
+                                                      {"RecordsRead", "recordsReadMessage"},
+                                                      {"a$B_", "aBMessage"},
+                                                      {"READ_BAD_Utf8", "readBadUtf8Message"},
+                                                      {"__", "mMessage"}};
+  for (const auto& [symbol, name] : rows)
+    EXPECT_THAT(
+        functions(message(std::string("1 SymbolicName=") + symbol, "%99")),
+        testing::HasSubstr(std::string("VelClMessage ") + name + "(const VelClMessageCatalog& catalog, "));
+  EXPECT_THAT(diagnostics, testing::IsEmpty());
+  functions(message("1 SymbolicName=A_B") + message("2 SymbolicName=a_b"));
+  ASSERT_EQ(diagnostics.size(), 1U);
+  EXPECT_EQ(diagnostics[0].argument, "aBMessage");
 }
 
 TEST(TableText, ConvertsEscapes) {

@@ -33,6 +33,8 @@ struct PoEntry {
 struct PoFile {
   std::vector<PoEntry> entries;  ///< the header, if there is one, is one of them
 
+  /// Returns null if there is none.
+  const PoEntry* header() const;
   /// Returns the value of a field of the header, "" if it is missing.
   std::string headerField(std::string_view name) const;
 };

@@ -47,6 +47,27 @@ TEST(PoFile, HasAHeader) {
   EXPECT_FALSE(po.entries[1].isHeader());
 }
 
+TEST(PoFile, TakesEscapesForBytesOfItsCharset) {
+  const std::tuple<const char*, std::string, const char*> rows[] = {
+      {"UTF-8", "S\xC3\\244tze \\xE6\\227\\245\\xe6", nullptr},
+      {"UTF-8", "Sätze \\xE6\\227\\245\\\\ä", "Sätze 日\\ä"},
+      {"UTF-8", "\\357\\273\\277x", "\uFEFFx"},
+      {"ISO-8859-1", "S\xE4tze S\\344t\"\n\"ze \xE4\\377\\376", "Sätze Sätze äÿþ"},
+      {"EUC-JP", "\\306\\374\xCB\xDC", "日本"},
+      {"EUC-JP", "\\306x", nullptr},
+      {"EUC-KR", "\xC7\xD1\\n\\261\\333~", "한\n글~"},
+      {"Shift_JIS", "\\203A\\203\\\\\x83\x5C x", "アソソ x"},
+  };
+  for (const auto& [charset, text, expected] : rows) {
+    PoFile po;
+    Diagnostics diagnostics;
+    const std::string file = std::string("msgid \"\"\nmsgstr \"charset=") + charset +
+                             "\\n\"\n\nmsgid \"a\"\nmsgstr \"" + text + "\"\n";
+    EXPECT_EQ(readPo(file, 0, po, diagnostics), expected != nullptr) << file;
+    EXPECT_EQ(po.entries.back().text, expected != nullptr ? expected : "charset=UTF-8\n") << file;
+  }
+}
+
 TEST(PoFile, ReportsEveryMistake) {
   struct Row {
     std::string text;
@@ -76,6 +97,9 @@ TEST(PoFile, ReportsEveryMistake) {
       {"msgid \"\\377\"\nmsgstr \"b\"\n", 1, 1, kPoIllFormedText},
       {"msgid \"\xFF\"\nmsgstr \"b\"\n", 1, 8, kIllFormedSource},
       {"msgid \"\"\nmsgstr \"charset=UTF-88\\n\"\n", 0, 0, kPoUnknownCharset},
+      // The charset is searched in bytes that are not UTF-8.
+      {"msgid \"\"\nmsgstr \"charset=ISO-8859-1\\n\"\n" + entry + std::string(100, '\xA8'), 5, 1,
+       kPoKeywordExpected},
   };
   for (const Row& row : rows) {
     PoFile po;

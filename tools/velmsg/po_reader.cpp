@@ -1,11 +1,15 @@
 // Reads .po files line by line: comments, and keywords with strings. After a mistake it goes on with the next
 // line, so that all of them are reported; the entry with the mistake is left out.
+//
+// The text of the file is UTF-8 here, but numeric escapes are bytes of the file's code page. A character may
+// consist of escapes and plain ASCII characters, as "\203A" in Shift-JIS, so from an escaped byte of a string
+// on everything that is ASCII is collected as bytes and then converted.
 #include <algorithm>
 #include <utility>
 
 #include "base/ascii.h"
 #include "base/digits.h"
-#include "base/utf.h"
+#include "tools/velmsg/po_charset.h"
 #include "tools/velmsg/po_file.h"
 #include "tools/velmsg/source_encoding.h"
 #include "tools/velmsg/texts.h"
@@ -59,20 +63,14 @@ std::string commentText(std::string_view text) {
   return std::string(text);
 }
 
-bool isWellFormed(std::string_view text) {
-  for (std::size_t i = 0; i < text.size();) {
-    const auto sequence =
-        utf8SequenceAt(reinterpret_cast<const unsigned char*>(text.data()) + i, text.size() - i);
-    if (!sequence.isValid) return false;
-    i += sequence.size;
-  }
-  return true;
+bool isAscii(char c) {
+  return static_cast<unsigned char>(c) < 0x80;
 }
 
 class PoReader {
  public:
-  PoReader(std::size_t file, PoFile& po, Diagnostics& diagnostics)
-      : file_(file), po_(po), diagnostics_(diagnostics) {}
+  PoReader(std::size_t file, const PoCharset& charset, PoFile& po, Diagnostics& diagnostics)
+      : file_(file), charset_(charset), po_(po), diagnostics_(diagnostics) {}
 
   void run(std::string_view text);
 
@@ -84,20 +82,25 @@ class PoReader {
   void readComment(std::string_view comment);
   bool readKeyword(Line& line, bool isObsolete);
   bool readString(Line& line);
-  bool readEscape(Line& line, std::string& text);
+  bool readEscape(Line& line);
+  std::string* currentText();
+  void append(std::string_view text);
+  void appendEscaped(char byte);
+  void convertBytes();
   void begin(Part part, const SourcePosition& position, bool isObsolete);
   void finish();
   void finishString();
   void fault(const SourcePosition& position, TextId text, std::string_view argument = {});
 
   std::size_t file_;
+  const PoCharset& charset_;
   PoFile& po_;
   Diagnostics& diagnostics_;
   PoEntry entry_;
   Part part_ = Part::None;
   bool hasString_ = true;  ///< the part has a string
-  bool hasBytes_ = false;  ///< an escape made a byte that may be ill-formed
   bool isFaulty_ = false;  ///< the entry has been reported
+  std::string bytes_;      ///< the end of the part that is still to be converted
 };
 
 void PoReader::fault(const SourcePosition& position, TextId text, std::string_view argument) {
@@ -183,8 +186,9 @@ void PoReader::begin(Part part, const SourcePosition& position, bool isObsolete)
   hasString_ = false;
 }
 
-/// Reports a keyword without string.
+/// Ends a part: converts its last bytes, and reports a keyword without string.
 void PoReader::finishString() {
+  convertBytes();
   if (!hasString_ && !isFaulty_) fault(entry_.position, kPoIncomplete);
   hasString_ = true;
 }
@@ -192,31 +196,57 @@ void PoReader::finishString() {
 void PoReader::finish() {
   finishString();
   if (part_ != Part::None && part_ != Part::Text && !isFaulty_) fault(entry_.position, kPoIncomplete);
-  if (hasBytes_ && !isFaulty_ &&
-      !(isWellFormed(entry_.id) && isWellFormed(entry_.text) && isWellFormed(entry_.context.value_or(""))))
-    fault(entry_.position, kPoIllFormedText);
   if (part_ == Part::Text && !isFaulty_) po_.entries.push_back(std::move(entry_));
   entry_ = PoEntry();
   part_ = Part::None;
-  isFaulty_ = hasBytes_ = false;
+  isFaulty_ = false;
+}
+
+/// Returns null outside of an entry.
+std::string* PoReader::currentText() {
+  std::string* const parts[] = {nullptr, entry_.context ? &*entry_.context : nullptr, &entry_.id,
+                                &entry_.text};
+  return parts[static_cast<std::size_t>(part_)];
+}
+
+void PoReader::append(std::string_view text) {
+  if (!bytes_.empty()) {
+    const auto length = static_cast<std::size_t>(std::ranges::find_if_not(text, isAscii) - text.begin());
+    bytes_ += text.substr(0, length);
+    text.remove_prefix(length);
+    if (text.empty()) return;
+    convertBytes();
+  }
+  currentText()->append(text);
+}
+
+void PoReader::appendEscaped(char byte) {
+  if (bytes_.empty() && isAscii(byte))
+    *currentText() += byte;
+  else
+    bytes_ += byte;
+}
+
+void PoReader::convertBytes() {
+  if (bytes_.empty()) return;
+  Diagnostics faults;
+  currentText()->append(charset_.decode(std::exchange(bytes_, {}), file_, faults));
+  if (!faults.empty() && !isFaulty_) fault(entry_.position, kPoIllFormedText);
 }
 
 bool PoReader::readString(Line& line) {
   const SourcePosition position = line.position();
-  std::string* const parts[] = {nullptr, entry_.context ? &*entry_.context : nullptr, &entry_.id,
-                                &entry_.text};
-  std::string* const part = parts[static_cast<std::size_t>(part_)];
-  if (part == nullptr) {
+  if (currentText() == nullptr) {
     if (!isFaulty_) fault(position, kPoKeywordExpected, line.rest());
     return false;
   }
   hasString_ = true;
   line.accept("\"");
   for (;;) {
-    part->append(line.take(std::min(line.rest().find_first_of("\"\\"), line.rest().size())));
+    append(line.take(std::min(line.rest().find_first_of("\"\\"), line.rest().size())));
     if (line.accept("\"")) return true;
     if (line.atEnd()) break;
-    if (!readEscape(line, *part)) return false;
+    if (!readEscape(line)) return false;
   }
   fault(position, kPoStringNotEnded);
   return false;
@@ -231,13 +261,13 @@ bool readDigit(Line& line, unsigned base, unsigned& value) {
   return true;
 }
 
-bool PoReader::readEscape(Line& line, std::string& text) {
+bool PoReader::readEscape(Line& line) {
   constexpr std::string_view kNames = "abtnvfr\"\\", kCharacters = "\a\b\t\n\v\f\r\"\\";
   const SourcePosition position = line.position();
   line.accept("\\");
   if (const std::size_t found = kNames.find(line.peek()); !line.atEnd() && found != std::string_view::npos) {
     line.take(1);
-    text += kCharacters[found];
+    appendEscaped(kCharacters[found]);
     return true;
   }
   unsigned value = 0, digits = 0;
@@ -247,8 +277,7 @@ bool PoReader::readEscape(Line& line, std::string& text) {
     fault(position, kPoWrongEscape);
     return false;
   }
-  hasBytes_ = hasBytes_ || value >= 0x80;
-  text += static_cast<char>(value);
+  appendEscaped(static_cast<char>(value));
   return true;
 }
 
@@ -267,9 +296,9 @@ std::string charsetOf(std::string_view bytes) {
   if (bytes.find(kCharsetField) == std::string_view::npos) return {};
   PoFile po;
   Diagnostics ignored;
-  PoReader(0, po, ignored).run(bytes);
-  const auto header = std::ranges::find_if(po.entries, &PoEntry::isHeader);
-  return header == po.entries.end() ? std::string() : std::string(charsetIn(header->text));
+  PoReader(0, PoCharset(), po, ignored).run(bytes);
+  const PoEntry* const header = po.header();
+  return header == nullptr ? std::string() : std::string(charsetIn(header->text));
 }
 
 /// What has been read is in UTF-8.
@@ -284,18 +313,14 @@ void stateUtf8(PoFile& po) {
 }  // namespace
 
 bool readPo(std::string_view bytes, std::size_t file, PoFile& po, Diagnostics& diagnostics) {
-  constexpr int kAscii = 367;
-  const std::string charset = charsetOf(bytes);
-  VelClCCSID codepage(VelClCCSID::CCSID_UTF8);
-  // "CHARSET" is the placeholder of templates.
-  if (!charset.empty() && charset != "CHARSET") codepage = VelClCCSID::fromName(charset.c_str());
-  if (codepage.getAsInt() == kAscii) codepage = VelClCCSID::CCSID_UTF8;
-  if (codepage.getAsInt() == 0) {
-    addDiagnostic(diagnostics, {{file, 0, 0}, kPoUnknownCharset, charset});
+  const std::string name = charsetOf(bytes);
+  const PoCharset charset(name);
+  if (!charset.isKnown()) {
+    addDiagnostic(diagnostics, {{file, 0, 0}, kPoUnknownCharset, name});
     return false;
   }
   Diagnostics found;
-  PoReader(file, po, found).run(toUtf8(bytes, codepage, file, found));
+  PoReader(file, charset, po, found).run(charset.decodeFile(bytes, file, found));
   stateUtf8(po);
   for (const Diagnostic& diagnostic : found) addDiagnostic(diagnostics, diagnostic);
   return found.empty();

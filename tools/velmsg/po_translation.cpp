@@ -4,7 +4,6 @@
 #include "tools/velmsg/po_translation.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdio>
 #include <map>
 #include <optional>
@@ -14,7 +13,9 @@
 
 #include "base/ascii.h"
 #include "base/language_names.h"
+#include "tools/velmsg/error_names.h"
 #include "tools/velmsg/source_encoding.h"
+#include "tools/velmsg/source_text.h"
 #include "tools/velmsg/texts.h"
 #include "vel_include/vel_messages.h"
 
@@ -26,16 +27,28 @@ std::string poText(std::string_view text) {
   return std::string(text);
 }
 
+/// Returns a text with "\n" for every line break: some tools write "\r\n".
+std::string withPlainBreaks(std::string_view text) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i)
+    if (!text.substr(i).starts_with("\r\n")) result += text[i];
+  return result;
+}
+
 std::string sourceText(std::string_view text) {
-  std::string result(text);
+  std::string result = withPlainBreaks(text);
   if (text.find_first_not_of('\n') != std::string_view::npos) result += '\n';
   return result;
 }
 
-/// Whether a text cannot be in a source: a line with only a full stop would end it.
-bool isUnusable(std::string_view text) {
-  return text.find('\0') != std::string_view::npos || text.starts_with(".\n") ||
-         text.find("\n.\n") != std::string_view::npos;
+/// Returns what is wrong with a text for a source. A line with only a full stop would end it.
+std::optional<TextId> mistakeIn(std::string_view text) {
+  if (text.find('\0') != std::string_view::npos || text.starts_with(".\n") ||
+      text.find("\n.\n") != std::string_view::npos)
+    return kPoUnusableText;
+  const SourceTextFacts facts = readSourceText(text);
+  if (facts.control) return kControlCharacter;
+  return facts.storedUnits > kMaxStoredUnits ? std::optional(kTextTooLong) : std::nullopt;
 }
 
 /// Returns the context of each message: its symbolic name or, where another message has that, its number.
@@ -173,6 +186,18 @@ std::string mergedHeader(std::string_view older, std::string_view current) {
   return header.append(current.substr(current.find(kPoLanguageField)));
 }
 
+/// Keeps the flags that translators and their tools have set. A later "c-format" counts instead of
+/// "no-c-format", and the other way round.
+void mergeFlags(PoEntry& entry, const PoEntry& older) {
+  constexpr std::string_view kNo = "no-";
+  for (const std::string& flag : older.flags) {
+    if (flag == kFuzzy || entry.hasFlag(flag)) continue;
+    const std::string opposite = flag.starts_with(kNo) ? flag.substr(kNo.size()) : std::string(kNo) + flag;
+    std::erase(entry.flags, opposite);
+    entry.flags.push_back(flag);
+  }
+}
+
 /// Decides on the text of an entry that both files have.
 void mergeText(PoEntry& entry, const PoEntry& older) {
   const bool isSame = entry.text == older.text, isNew = entry.text.empty();
@@ -199,11 +224,11 @@ void mergePo(PoFile& po, const PoFile& older) {
     const auto found = rest.find(*entry.context);
     if (found == rest.end()) continue;
     entry.comments = found->second->comments;
+    mergeFlags(entry, *found->second);
     mergeText(entry, *found->second);
     rest.erase(found);
   }
-  const auto header = std::ranges::find_if(older.entries, &PoEntry::isHeader);
-  if (header != older.entries.end()) {
+  if (const PoEntry* const header = older.header()) {
     po.entries[0].comments = header->comments;
     po.entries[0].text = mergedHeader(header->text, po.entries[0].text);
   }
@@ -218,14 +243,30 @@ void mergePo(PoFile& po, const PoFile& older) {
   }
 }
 
-std::uint16_t languageOfPo(const MessageSource& source, const PoFile& po) {
-  const std::string number = po.headerField(kPoLanguageField), name = po.headerField("Language");
-  std::uint16_t language = 0;
-  const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), language);
-  if (error == std::errc() && end == number.data() + number.size()) return language;
+void checkOlderPo(const MessageSource& source, const PoFile& older, std::uint16_t language,
+                  Diagnostics& diagnostics) {
+  const std::uint16_t other = languageOfPo(source, older, diagnostics);
+  if (other != 0 && other != language)
+    addDiagnostic(diagnostics, {older.header()->textPosition, kPoOtherLanguage, std::to_string(other)});
+  std::set<std::string_view> contexts;
+  for (const PoEntry& entry : older.entries)
+    if (entry.context && !entry.isObsolete && !contexts.insert(*entry.context).second)
+      addDiagnostic(diagnostics, {entry.position, kPoRepeatedContext, *entry.context});
+}
+
+std::uint16_t languageOfPo(const MessageSource& source, const PoFile& po, Diagnostics& diagnostics) {
+  constexpr std::uint32_t kMaxLanguage = 0xFFFF;
+  const std::string digits = po.headerField(kPoLanguageField), name = po.headerField("Language");
+  std::uint32_t number = 0;
+  const bool isNumber = parseNumber(digits.c_str(), number) && number != 0 && number <= kMaxLanguage;
+  if (isNumber) return static_cast<std::uint16_t>(number);
+  if (!digits.empty()) {
+    addDiagnostic(diagnostics, {po.header()->textPosition, kPoLanguageNumber, digits});
+    return 0;
+  }
   for (const SourceLanguage& known : source.languages)
     if (!name.empty() && languageName(known.number) == name) return known.number;
-  return static_cast<std::uint16_t>(languageIdOfLocaleName(name.c_str()));
+  return static_cast<std::uint16_t>(languageIdOfExactLocaleName(name));
 }
 
 namespace {
@@ -253,17 +294,15 @@ std::size_t addLanguage(MessageSource& source, std::uint16_t number) {
   return source.languages.size() - 1;
 }
 
-/// Languages keep the order that the source declares them in, as far as the message follows it. Returns
-/// whether the text is another one than before.
-bool setText(const MessageSource& source, SourceMessage& message, std::size_t language, std::string text) {
+/// Languages keep the order that the source declares them in, as far as the message follows it.
+void setText(const MessageSource& source, SourceMessage& message, std::size_t language, std::string text) {
   if (const SourceText* const found = findText(source, message, language)) {
-    SourceText& changed = message.texts[static_cast<std::size_t>(found - message.texts.data())];
-    return std::exchange(changed.text, text) != text;
+    message.texts[static_cast<std::size_t>(found - message.texts.data())].text = std::move(text);
+    return;
   }
   const auto isLater = [language](const SourceText& other) { return other.language > language; };
   const auto next = std::ranges::find_if(message.texts, isLater);
   message.texts.insert(next, {language, std::move(text), {}});
-  return true;
 }
 
 class Importer {
@@ -274,7 +313,7 @@ class Importer {
         language_(findLanguage(source, options.language)),
         diagnostics_(diagnostics) {
     const std::vector<std::string> contexts = contextsOf(source);
-    for (std::size_t i = 0; i < contexts.size(); ++i) messages_.emplace(contexts[i], State{i, false});
+    for (std::size_t i = 0; i < contexts.size(); ++i) messages_.emplace(contexts[i], State{i});
   }
 
   bool hasChanged() const { return hasChanged_; }
@@ -284,26 +323,35 @@ class Importer {
     const auto found = messages_.find(entry.context.value_or(""));
     if (found == messages_.end())
       return report(entry.position, kPoUnknownContext, entry.context.value_or(""));
-    if (std::exchange(found->second.isSeen, true))
+    if (std::exchange(found->second.file, entry.position.file) == entry.position.file)
       return report(entry.position, kPoRepeatedContext, *entry.context);
-    translate(source_.messages[found->second.message], entry);
+    translate(found->second, entry);
   }
 
  private:
   struct State {
     std::size_t message;
-    bool isSeen;
+    std::optional<std::size_t> file{};  ///< that has an entry for the message
+    bool isTranslated = false;
   };
 
-  void translate(SourceMessage& message, const PoEntry& entry) {
+  void translate(State& state, const PoEntry& entry) {
+    SourceMessage& message = source_.messages[state.message];
     const SourceText* const original = translatedText(source_, message, options_.reference);
-    const bool isChanged = original == nullptr || poText(original->text) != entry.id;
+    const bool isChanged =
+        original == nullptr || withPlainBreaks(poText(original->text)) != withPlainBreaks(entry.id);
     if (isChanged) report(entry.idPosition, kPoChangedText, *entry.context);
     if (entry.text.empty() || ((isChanged || entry.hasFlag(kFuzzy)) && !options_.usesFuzzy)) return;
     std::string text = sourceText(entry.text);
-    if (isUnusable(text)) return report(entry.textPosition, kPoUnusableText, *entry.context);
+    const SourceText* const before = findText(source_, message, language_);
+    const bool isSame = before != nullptr && sourceText(poText(before->text)) == text;
+    if (std::exchange(state.isTranslated, true) && !isSame)
+      return report(entry.position, kPoRepeatedContext, *entry.context);
+    if (isSame) return;
+    if (const auto mistake = mistakeIn(text)) return report(entry.textPosition, *mistake, *entry.context);
     if (language_ == kNoName) language_ = addLanguage(source_, options_.language);
-    hasChanged_ = setText(source_, message, language_, std::move(text)) || hasChanged_;
+    setText(source_, message, language_, std::move(text));
+    hasChanged_ = true;
   }
 
   void report(const SourcePosition& position, TextId text, const std::string& argument) {

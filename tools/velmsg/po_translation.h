@@ -36,8 +36,13 @@ PoFile exportPo(const MessageSource& source, std::size_t reference, std::uint16_
 /// whose msgid has changed since, but not its msgstr, becomes fuzzy.
 void mergePo(PoFile& po, const PoFile& older);
 
-/// Returns the LANGID of a file by its header, 0 if it has none that is known.
-std::uint16_t languageOfPo(const MessageSource& source, const PoFile& po);
+/// Reports what keeps an older file from being merged: another language, and entries of the same context.
+void checkOlderPo(const MessageSource& source, const PoFile& older, std::uint16_t language,
+                  Diagnostics& diagnostics);
+
+/// Returns the LANGID of a file by its header, 0 if it has none that is known. Reports a field that should
+/// have the number, but does not.
+std::uint16_t languageOfPo(const MessageSource& source, const PoFile& po, Diagnostics& diagnostics);
 
 struct PoImport {
   std::size_t reference = 0;
@@ -48,7 +53,8 @@ struct PoImport {
 /// Puts the texts of a file into a source, which gets the language if it does not have it. An entry without
 /// text or, unless asked for, a fuzzy one leaves the text of the source as it is; so does one that is
 /// reported: without message, repeated, with a text that a message cannot have, or for another text of the
-/// reference language. Returns whether the source has changed.
+/// reference language. The entries may come from several files: then contexts are repeated only if their
+/// texts differ. Returns whether the source has changed.
 bool importPo(MessageSource& source, const PoFile& po, const PoImport& options, Diagnostics& diagnostics);
 
 }  // namespace vel::velmsg

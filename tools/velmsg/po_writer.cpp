@@ -89,10 +89,15 @@ bool PoEntry::hasFlag(std::string_view flag) const {
   return std::ranges::find(flags, flag) != flags.end();
 }
 
+const PoEntry* PoFile::header() const {
+  const auto found = std::ranges::find_if(entries, &PoEntry::isHeader);
+  return found == entries.end() ? nullptr : &*found;
+}
+
 std::string PoFile::headerField(std::string_view name) const {
-  const auto header = std::ranges::find_if(entries, &PoEntry::isHeader);
-  if (header == entries.end()) return {};
-  for (std::string_view rest = header->text; !rest.empty();) {
+  const PoEntry* const found = header();
+  if (found == nullptr) return {};
+  for (std::string_view rest = found->text; !rest.empty();) {
     const std::size_t end = std::min(rest.find('\n'), rest.size());
     std::string_view line = rest.substr(0, end);
     rest.remove_prefix(std::min(end + 1, rest.size()));

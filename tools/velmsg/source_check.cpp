@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/digits.h"
 #include "tools/velmsg/po_translation.h"
 #include "tools/velmsg/source_text.h"
 #include "tools/velmsg/texts.h"
@@ -15,10 +16,6 @@
 
 namespace vel::velmsg {
 namespace {
-
-/// An entry of a catalog has a length of 16 bits, in bytes, a multiple of 4, with a header of 4 bytes and a
-/// NUL.
-constexpr std::size_t kMaxStoredUnits = (0xFFFC - 4) / 2 - 1;
 
 class SourceCheck {
  public:
@@ -71,10 +68,17 @@ SourcePosition positionIn(const SourceText& text, std::size_t offset) {
   return position;
 }
 
+/// Returns "0x1B", since a terminal must not get the character.
+std::string hexNumber(char c) {
+  const auto digits = hexPair(static_cast<unsigned char>(c));
+  return "0x" + std::string(digits.data(), digits.size());
+}
+
 /// Returns the percent sign at an offset and a few characters after it, for a report.
 std::string excerpt(const SourceText& text, std::size_t offset) {
   constexpr std::size_t kMaxLength = 12;
   std::string rest = text.text.substr(offset, text.text.find('\n', offset) - offset);
+  std::ranges::replace_if(rest, isControlCharacter, ' ');
   std::size_t length = std::min(rest.size(), kMaxLength);
   // Not a part of a character.
   while (length < rest.size() && (static_cast<unsigned char>(rest[length]) & 0xC0) == 0x80) --length;
@@ -83,15 +87,18 @@ std::string excerpt(const SourceText& text, std::size_t offset) {
   return rest;
 }
 
+std::string argumentOf(TextId id, const SourceText& text, std::size_t offset) {
+  return id == kControlCharacter ? hexNumber(text.text[offset]) : excerpt(text, offset);
+}
+
 void SourceCheck::checkText(const SourceText& text, const SourceTextFacts& facts) {
-  std::pair<std::optional<std::size_t>, TextId> rows[] = {{facts.malformed, kEscapeNotEnded},
-                                                          {facts.number, kInsertNotText},
-                                                          {facts.aboveMaximum, kInsertAboveMaximum},
-                                                          {facts.unknown, kUnknownEscape},
-                                                          {facts.afterEnd, kTextAfterEnd}};
+  std::pair<std::optional<std::size_t>, TextId> rows[] = {
+      {facts.malformed, kEscapeNotEnded},        {facts.number, kInsertNotText},
+      {facts.aboveMaximum, kInsertAboveMaximum}, {facts.unknown, kUnknownEscape},
+      {facts.afterEnd, kTextAfterEnd},           {facts.control, kControlCharacter}};
   std::ranges::sort(rows);
   for (const auto& [offset, id] : rows)
-    if (offset) find(positionIn(text, *offset), id, excerpt(text, *offset));
+    if (offset) find(positionIn(text, *offset), id, argumentOf(id, text, *offset));
   if (facts.length == 0 && facts.inserts.empty() && !facts.malformed)
     find(text.position, kEmptyText, nameOf(text.language));
   if (facts.length > VEL_MAX_MESSAGE_LENGTH)
@@ -122,8 +129,10 @@ void SourceCheck::compare(const SourceText& original, const SourceTextFacts& ori
 }
 
 void SourceCheck::checkMessage(const SourceMessage& message) {
+  if (!VelClMessageCatalog::isValidMessageId(message.id)) find(message.position, kMessageZero, "");
+  // The reader has reported a message without any text.
   for (const std::size_t language : languages_)
-    if (findText(source_, message, language) == nullptr)
+    if (!message.texts.empty() && findText(source_, message, language) == nullptr)
       find(message.position, kNoTranslation, nameOf(language));
   const SourceText* const original = findText(source_, message, reference_);
   const SourceTextFacts originalFacts =

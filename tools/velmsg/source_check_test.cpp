@@ -46,6 +46,8 @@ TEST(SourceCheck, FindsWhatProgramsCannotShow) {
       {"a %1!s", {found("5:3", kEscapeNotEnded, "%1!s")}},
       {"a%0b", {found("5:4", kTextAfterEnd, "b")}},
       {"a%0\n \nb", {found("7:1", kTextAfterEnd, "b")}},
+      {"a\tb\n\xC3\xA4%q\x1B\r",
+       {found("6:2", kUnknownEscape, "%q"), found("6:4", kControlCharacter, "0x1B")}},
       {"%0", {found("5:1", kEmptyText, "English")}},
       {std::string(4094, 'x'), {}},
       {std::string(4095, 'x'), {found("5:1", kExpandedTooLong, "4097")}},

@@ -92,14 +92,17 @@ class FaultReport : public VelClConversionFaultHandler {
   Diagnostics& diagnostics_;
 };
 
-std::string convert(std::string_view bytes, const VelClCCSID& codepage, std::size_t file,
-                    Diagnostics& diagnostics) {
+}  // namespace
+
+std::string convertToUtf8(std::string_view bytes, const VelClCCSID& codepage, std::size_t file,
+                          Diagnostics& diagnostics) {
+  if (codepage == VelClCCSID(VelClCCSID::CCSID_UTF8)) return checkUtf8(bytes, file, diagnostics);
   VelClStrictConversion conversion(codepage, VelClCCSID::CCSID_UTF8);
   conversion.setNextLineFolding(true);
   Text text;
   FaultReport report(file, diagnostics);
   if (!conversion.isSupported()) {
-    addDiagnostic(diagnostics, {{file, 0, 0}, kNoConversion, {}});
+    addDiagnostic(diagnostics, {{file, 0, 0}, kNoConversion, std::to_string(codepage.getAsInt())});
     return {};
   }
   conversion.convert(bytes.data(), bytes.size(), text, report);
@@ -107,14 +110,12 @@ std::string convert(std::string_view bytes, const VelClCCSID& codepage, std::siz
   return text.take();
 }
 
-}  // namespace
-
 void addDiagnostic(Diagnostics& diagnostics, Diagnostic diagnostic) {
   if (diagnostics.size() == kMaxDiagnostics) return;
   std::string& argument = diagnostic.argument;
   if (argument.size() > kMaxArgument) {
     std::size_t end = kMaxArgument;
-    while ((static_cast<unsigned char>(argument[end]) & 0xC0) == 0x80) --end;
+    while (end > 0 && (static_cast<unsigned char>(argument[end]) & 0xC0) == 0x80) --end;
     argument.replace(end, std::string::npos, "...");
   }
   diagnostics.push_back(std::move(diagnostic));
@@ -124,11 +125,11 @@ std::string toUtf8(std::string_view bytes, const VelClCCSID& codepage, std::size
                    Diagnostics& diagnostics) {
   if (bytes.starts_with(kUtf8Mark)) return checkUtf8(bytes.substr(kUtf8Mark.size()), file, diagnostics);
   if (bytes.starts_with("\xFF\xFE"sv))
-    return convert(bytes.substr(2), VelClCCSID(VelClCCSID::CCSID_UCS2_LITTLE_ENDIAN), file, diagnostics);
+    return convertToUtf8(bytes.substr(2), VelClCCSID(VelClCCSID::CCSID_UCS2_LITTLE_ENDIAN), file,
+                         diagnostics);
   if (bytes.starts_with("\xFE\xFF"sv))
-    return convert(bytes.substr(2), VelClCCSID(VelClCCSID::CCSID_UCS2_BIG_ENDIAN), file, diagnostics);
-  if (codepage == VelClCCSID(VelClCCSID::CCSID_UTF8)) return checkUtf8(bytes, file, diagnostics);
-  return convert(bytes, codepage, file, diagnostics);
+    return convertToUtf8(bytes.substr(2), VelClCCSID(VelClCCSID::CCSID_UCS2_BIG_ENDIAN), file, diagnostics);
+  return convertToUtf8(bytes, codepage, file, diagnostics);
 }
 
 }  // namespace vel::velmsg

@@ -13,7 +13,12 @@ namespace vel::velmsg {
 std::string toUtf8(std::string_view bytes, const VelClCCSID& codepage, std::size_t file,
                    Diagnostics& diagnostics);
 
-/// Appends a diagnostic unless there are kMaxDiagnostics already.
+/// Same for text of `codepage` without a byte order mark.
+std::string convertToUtf8(std::string_view bytes, const VelClCCSID& codepage, std::size_t file,
+                          Diagnostics& diagnostics);
+
+/// Appends a diagnostic unless there are kMaxDiagnostics already. A long argument, which need not be
+/// well-formed, is cut.
 void addDiagnostic(Diagnostics& diagnostics, Diagnostic diagnostic);
 
 }  // namespace vel::velmsg

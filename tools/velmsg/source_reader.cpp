@@ -155,8 +155,18 @@ void SourceReader::readNames(ReadName readName) {
   }
 }
 
-std::optional<std::uint32_t> SourceReader::readNumber(std::uint32_t maximum) {
+/// Skips blanks before a value. Returns false, and reports the place after "=", if the next statement comes
+/// instead, which stays.
+bool SourceReader::isValueNext(TextId missing) {
+  const SourcePosition position = lexer_.position();
   lexer_.skipBlanks();
+  const bool isValue = isAsciiDigit(lexer_.peek()) || (!lexer_.atEnd() && !lexer_.isAssignmentNext());
+  if (!isValue) fault(position, missing);
+  return isValue;
+}
+
+std::optional<std::uint32_t> SourceReader::readNumber(std::uint32_t maximum) {
+  if (!isValueNext(kNumberExpected)) return std::nullopt;
   const SourcePosition position = lexer_.position();
   const std::string_view digits = lexer_.number();
   const auto number = parseNumber(digits);
@@ -263,7 +273,7 @@ bool SourceReader::isInHead(const SourcePosition& position) {
 }
 
 std::optional<std::size_t> SourceReader::readKnownName(const NameIndex& index, TextId unknown) {
-  lexer_.skipBlanks();
+  if (!isValueNext(unknown)) return std::nullopt;
   const SourcePosition position = lexer_.position();
   const std::string_view name = lexer_.word();
   const std::size_t found = index.find(name);

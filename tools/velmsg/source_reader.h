@@ -48,6 +48,7 @@ class SourceReader {
   template <typename Entries, typename Entry>
   void declare(Entries& entries, NameIndex& index, Entry entry);
   void readNumbers(std::vector<NamedNumber>& numbers, NameIndex& index, std::uint32_t maximum);
+  bool isValueNext(TextId missing);
   std::optional<std::uint32_t> readNumber(std::uint32_t maximum);
   std::optional<std::size_t> readKnownName(const NameIndex& index, TextId unknown);
   std::string_view readOptionalWord();

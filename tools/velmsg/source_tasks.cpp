@@ -1,8 +1,10 @@
 #include "tools/velmsg/source_tasks.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include "base/ascii.h"
@@ -73,16 +75,42 @@ struct Translation {
   std::uint16_t language;
 };
 
-/// Reads a translation and finds out its language; one that is given counts for all files.
+/// Returns 0 and a report if the header says nothing of use. Without a header, a mistake has been reported.
+std::uint16_t requireLanguage(const PoFile& po, bool isSound, TaskReport& report) {
+  const std::size_t before = report.diagnostics.size();
+  const std::uint16_t language = languageOfPo(report.source, po, report.diagnostics);
+  const PoEntry* const header = po.header();
+  if (language != 0 || report.diagnostics.size() != before || (header == nullptr && !isSound))
+    return language;
+  const SourcePosition file{report.source.files.size() - 1, 0, 0};
+  addDiagnostic(report.diagnostics, {header != nullptr ? header->textPosition : file, kPoUnknownLanguage,
+                                     po.headerField("Language")});
+  return 0;
+}
+
+/// Reads a translation and finds out its language; one that is given counts for all files. Files of the same
+/// language become one.
 TaskResult addTranslation(const char* name, const SourceTask& task, TaskReport& report,
                           std::vector<Translation>& translations) {
   PoFile po;
-  if (const TaskResult result = readPoFile(name, report, po); result == TaskResult::NotRead) return result;
-  const std::uint16_t language = task.language != 0 ? task.language : languageOfPo(report.source, po);
-  if (language == 0)
-    addDiagnostic(report.diagnostics, {{report.source.files.size() - 1, 0, 0}, kPoUnknownLanguage, {}});
-  translations.push_back({std::move(po), language});
+  const TaskResult result = readPoFile(name, report, po);
+  if (result == TaskResult::NotRead) return result;
+  const std::uint16_t language =
+      task.language != 0 ? task.language : requireLanguage(po, result == TaskResult::Done, report);
+  const auto same = std::ranges::find(translations, language, &Translation::language);
+  if (same == translations.end())
+    translations.push_back({std::move(po), language});
+  else
+    std::ranges::move(po.entries, std::back_inserter(same->po.entries));
   return TaskResult::Done;
+}
+
+void sortByPosition(Diagnostics& diagnostics) {
+  const auto place = [](const Diagnostic& diagnostic) {
+    const SourcePosition& at = diagnostic.position;
+    return std::tuple(at.file, at.line, at.column);
+  };
+  std::ranges::stable_sort(diagnostics, {}, place);
 }
 
 }  // namespace
@@ -105,6 +133,7 @@ TaskResult exportPoFile(const SourceTask& task, TaskReport& report, std::string&
   PoFile exported = exportPo(report.source, reference, task.language), older;
   if (task.older != nullptr) {
     if (readPoFile(task.older, report, older) == TaskResult::NotRead) return TaskResult::NotRead;
+    checkOlderPo(report.source, older, task.language, report.diagnostics);
     mergePo(exported, older);
   }
   if (!report.diagnostics.empty()) return TaskResult::Faulty;
@@ -137,10 +166,13 @@ TaskResult importPoFiles(const SourceTask& task, TaskReport& report, std::string
 }
 
 TaskResult checkSources(const SourceTask& task, TaskReport& report) {
-  if (const TaskResult result = readSources(task, report); result != TaskResult::Done)
-    return result == TaskResult::Faulty ? TaskResult::Found : result;
-  const std::size_t reference = requireReference(task, report);
+  const TaskResult result = readSources(task, report);
+  if (result == TaskResult::NotRead) return result;
+  // After mistakes the source has the messages that are not affected. A reference may be among the others.
+  const std::size_t reference = result == TaskResult::Done ? requireReference(task, report)
+                                                           : referenceLanguage(report.source, task.reference);
   checkSource(report.source, reference, report.diagnostics);
+  if (result == TaskResult::Faulty) sortByPosition(report.diagnostics);
   return report.diagnostics.empty() ? TaskResult::Done : TaskResult::Found;
 }
 

@@ -18,6 +18,8 @@ class TextScan {
 
   SourceTextFacts run() {
     countUnits();
+    const auto* const control = std::ranges::find_if(text_, isControlCharacter);
+    if (control != text_.end()) facts_.control = static_cast<std::size_t>(control - text_.begin());
     while (at_ < text_.size() && !facts_.hasEnd && !facts_.malformed) {
       const std::size_t percent = std::min(text_.find('%', at_), text_.size());
       countPlain(text_.substr(at_, percent - at_));

@@ -26,7 +26,18 @@ struct SourceTextFacts {
   std::optional<std::size_t> aboveMaximum;  ///< an insert after the last one that programs can pass
   std::optional<std::size_t> unknown;       ///< a percent sign before any other character, which is not shown
   std::optional<std::size_t> afterEnd;      ///< text after "%0", which is not shown
+  std::optional<std::size_t> control;       ///< a control character other than a tab or line break
 };
+
+/// An entry of a catalog has a length of 16 bits, in bytes, a multiple of 4, with a header of 4 bytes and a
+/// NUL.
+inline constexpr std::size_t kMaxStoredUnits = (0xFFFC - 4) / 2 - 1;
+
+/// Returns false for tab and line feed.
+constexpr bool isControlCharacter(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return (byte < ' ' && c != '\t' && c != '\n') || byte == 0x7F;
+}
 
 /// Takes time linear in the size of the text.
 SourceTextFacts readSourceText(std::string_view text);

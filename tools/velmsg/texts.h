@@ -62,6 +62,8 @@ enum TextId : unsigned long {
   kPoChangedText,
   kPoUnusableText,
   kPoUnknownLanguage,
+  kPoOtherLanguage,
+  kPoLanguageNumber,
   kNoTranslation,
   kUnusedLanguage,
   kDifferentInserts,
@@ -74,8 +76,14 @@ enum TextId : unsigned long {
   kInsertAboveMaximum,
   kUnknownEscape,
   kTextAfterEnd,
+  kControlCharacter,
+  kMessageZero,
   kNotForTask,
   kOutputIsInput,
+  kOutputTwice,
+  kCatalogToTerminal,
+  kAnsiCodepage,
+  kFunctionTwice,
   kSourcesOnly,
   kSourceFileRequired,
   kLangRequired,
@@ -86,7 +94,7 @@ enum TextId : unsigned long {
 };
 
 inline constexpr const char* kTexts[] = {
-    "[VEL_MSGTAB_SIGNATURE] 78",
+    "[VEL_MSGTAB_SIGNATURE] 86",
     "[VELMSG]",
     "Message catalog inspector",
     "shows the contents of a message catalog",
@@ -96,6 +104,7 @@ inline constexpr const char* kTexts[] = {
     "[(-diff <file>)] [(-error <number>)]\n"
     "[(-compile <source>) [<source> ...]]\n"
     "[(-out <file>)] [(-header <file>)] [(-table <file>)]\n"
+    "[(-functions <file>)]\n"
     "[(-codepage <ccsid>)] [(-ansi <ccsid>)]\n"
     "[(-languages <name>) [<name> ...]]\n"
     "[(-export <po|tsv|json>)] [(-import <po>)] [-check] [<file> ...]\n"
@@ -115,16 +124,18 @@ inline constexpr const char* kTexts[] = {
     "-diff <file>     compare with a second catalog: ids that are only in the first (<)\n"
     "                 or only in the second (>), and ids whose inserts differ (!); - is\n"
     "                 standard input. Without -cat and -builtin, compare the source <file>\n"
-    "                 with the sources after it: the same signs, for each language, and ~\n"
-    "                 for other words\n"
+    "                 with the sources after it: the same signs, for each language, ~ for\n"
+    "                 other words, and @ for other symbolic names\n"
     "-error <number>  print all names of a number: identifier, class, severity, action, and\n"
     "                 Windows error code\n"
     "-compile <source> ...  compile message sources to one catalog; - is standard input\n"
     "-out <file>      the catalog to write, a resource-only DLL for 64 bits; for -export and\n"
-    "                 -import the file to write instead of standard output\n"
+    "                 -import the file to write instead of standard output, which is -\n"
     "-header <file>   write a C header with a macro for each symbolic name\n"
     "-table <file>    write a C++ file with the texts as a string table, in the language of\n"
     "                 -lang, or in English\n"
+    "-functions <file>  write a C++ header with a function for each symbolic name, which has a\n"
+    "                 parameter for each insert\n"
     "-codepage <ccsid>  code page of sources without byte order mark; UTF-8 by default\n"
     "-ansi <ccsid>    store texts in this code page instead of UTF-16\n"
     "-languages <name> ...  compile only these languages, by their names or numbers\n"
@@ -155,7 +166,7 @@ inline constexpr const char* kTexts[] = {
     "-cat and -builtin cannot be combined",
     "A message catalog is required: -cat or -builtin",
     "The source is ill-formed in its code page at these bytes",
-    "There is no conversion from the code page of the source",
+    "There is no conversion for the code page",
     "Unknown statement",
     "A \"=\" is expected",
     "A \"(\" is expected",
@@ -183,9 +194,9 @@ inline constexpr const char* kTexts[] = {
     "The text is longer than a catalog can hold",
     "Further faults",
     "The file could not be read",
-    "The file could not be written",
+    "The output could not be written",
     "The file was written, but its owner or permissions could not be kept",
-    "-compile requires -out, -header or -table",
+    "-compile requires -out, -header, -table or -functions",
     "Unknown CCSID",
     "msgctxt, msgid, msgstr or a string is expected",
     "The string is not ended in its line",
@@ -199,6 +210,8 @@ inline constexpr const char* kTexts[] = {
     "The msgid is not the text of the source",
     "A message cannot have this text",
     "The language of the file is unknown; give it with -lang",
+    "The file is of another language",
+    "X-Language-Number must be a number from 1 to 65535",
     "There is no text in this language",
     "No message has a text in this language",
     "The inserts differ",
@@ -211,8 +224,14 @@ inline constexpr const char* kTexts[] = {
     "There are ten inserts; this one is shown as ???",
     "The percent sign is not shown here",
     "Text after %%0 is not shown",
+    "The text has a control character",
+    "Programs cannot load a message of the number 0",
     "This switch is not for the task",
     "The output would replace the input",
+    "Two outputs have the same name",
+    "A catalog is not written to a terminal",
+    "-ansi requires a single-byte or multi-byte code page based on ASCII, such as 1252",
+    "Another message gives the same function",
     "This is possible for message sources only, not for catalogs",
     "A message source is required",
     "-export po requires -lang",

@@ -1,6 +1,8 @@
 // Runs velmsg as its users do and reads what it prints.
 #include "messages/test/catalog_builder.h"
 #include "platform/test/test.h"
+#include "velmsg_functions.h"
+#include "velmsg_identifiers.h"
 
 namespace {
 
@@ -54,6 +56,13 @@ TEST(Velmsg, WritesEachTextOnOneLine) {
   const auto missing = runTool("velmsg", {"-cat", directory.path("missing.mui"), "-list"});
   EXPECT_THAT(missing.errors, testing::HasSubstr("could not be loaded"));
   EXPECT_EQ(missing.exitCode, 2);
+}
+
+TEST(Velmsg, MakesHeadersForPrograms) {
+  const VelClMessageCatalog catalog(VelClFilename("velmsg_functions"));
+  const VelClMessage message = velmsg_functions::textWithInsertsMessage(catalog, "one", "two");
+  EXPECT_STREQ(message.getAsCString(), "one and two");
+  EXPECT_EQ(message.getId(), TEXT_WITH_INSERTS);
 }
 
 TEST(Velmsg, FollowsTheSession) {
