@@ -16,6 +16,7 @@
 #include "vel_process.h"
 #include "vel_quoting.h"
 #include "vel_trace.h"
+#include "vel_utf8.h"
 #include "vel_util.h"
 
 #endif
