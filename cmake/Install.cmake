@@ -53,9 +53,10 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/qamc5032ConfigVersion.cma
 install(FILES ${PROJECT_BINARY_DIR}/qamc5032Config.cmake ${PROJECT_BINARY_DIR}/qamc5032ConfigVersion.cmake
         DESTINATION ${package_dir} COMPONENT development)
 
-# The functions for catalogs, manual pages and completions of programs, and the scripts that they run.
-install(FILES ${PROJECT_SOURCE_DIR}/cmake/qamc5032Catalogs.cmake ${PROJECT_SOURCE_DIR}/cmake/qamc5032Pages.cmake
-        DESTINATION ${package_dir} COMPONENT development)
+# The functions for catalogs, manual pages, completions and manifests of programs, and the scripts that they run.
+foreach(functions Catalogs Pages Utf8)
+  install(FILES ${PROJECT_SOURCE_DIR}/cmake/qamc5032${functions}.cmake DESTINATION ${package_dir} COMPONENT development)
+endforeach()
 foreach(script completions make_tool_pages page_sections program_texts tool_texts)
   install(FILES ${PROJECT_SOURCE_DIR}/tools/${script}.py DESTINATION ${package_dir}/pages COMPONENT development)
 endforeach()

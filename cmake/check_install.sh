@@ -116,6 +116,12 @@ catalogs_of_programs() {
   cmp "$programs/import_records.DLL" "$work/catalogs/bin/import_records.DLL"
 }
 
+# With this locale the code page is 1252 without the manifest.
+manifest_of_programs() {
+  grep -aq 'UTF-8</activeCodePage>' "$work/cmake/consumer.exe" || return
+  LC_ALL=C.UTF-8 run "$work/cmake/consumer" -name пример
+}
+
 # The pages that the project of a user generates and installs.
 pages_of_programs() {
   "$cmake" --install "$work/cmake" --prefix "$work/programs" >/dev/null
@@ -150,6 +156,7 @@ expect "1033" run "$prefix/bin/velmsg" -cat qammsg50.DLL -langs
 catalogs_of_programs
 pages_of_programs
 if [ -n "$emulator" ]; then
+  expect "Hello, пример!" manifest_of_programs
   expect "linked and ran" through_other_linker
 else
   completions_of_tools

@@ -11,6 +11,7 @@
 #include "consoleui/console_settings.h"
 #include "consoleui/console_ui_format.h"
 #include "consoleui/console_ui_words.h"
+#include "environment/utf8_arguments.h"
 #include "foundation/allocator.h"
 #include "vel_include/vel_helpers.h"
 
@@ -35,21 +36,29 @@ class OptionalMessage {
   VelClMessage message_;
 };
 
+int countIn(int argc, const char* const* argv) {
+  return argv != nullptr ? vel::environment::inUtf8(argc, argv).count : 0;
+}
+
+const char* const* textsIn(int argc, const char* const* argv) {
+  return vel::environment::inUtf8(argc, argv).texts;
+}
+
 }  // namespace
 
 VelClConsoleUI::VelClConsoleUI(int argc, const char* const* argv)
     : messageBase_(0),
-      argc_(argv != nullptr ? argc : 0),
-      argv_(argv),
-      params_(vel::create<ConsoleSettings>(VelClArgvCursor(argc, argv).getArgv0())) {}
+      argc_(countIn(argc, argv)),
+      argv_(textsIn(argc, argv)),
+      params_(vel::create<ConsoleSettings>(VelClArgvCursor(argc_, argv_).getArgv0())) {}
 
 VelClConsoleUI::VelClConsoleUI(int argc, const char* const* argv, const VelClFilename& catalogFile,
                                unsigned long messageBase, const char* const* table, unsigned long size)
     : catalog_(catalogFile),
       messageBase_(static_cast<uint32_t>(messageBase)),
-      argc_(argv != nullptr ? argc : 0),
-      argv_(argv),
-      params_(vel::create<ConsoleSettings>(VelClArgvCursor(argc, argv).getArgv0())) {
+      argc_(countIn(argc, argv)),
+      argv_(textsIn(argc, argv)),
+      params_(vel::create<ConsoleSettings>(VelClArgvCursor(argc_, argv_).getArgv0())) {
   if (!catalog_.isValid()) catalog_.useStringTable(table, size);
 }
 

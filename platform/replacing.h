@@ -25,6 +25,7 @@ struct Replacement {
   int directory =
       -1;  ///< the directory of both names, held open; -1 where the system does not support such descriptors
   int heldTarget = -1;  ///< the old file, held open so that no other file can get its identity meanwhile
+  // On Windows both names are UTF-8, whatever the encoding of the process's names is.
   char temporary[kTemporaryCapacity] = "";  ///< the system's own spelling; "" while the new file has no name
   char target[kFullNameCapacity];
 };

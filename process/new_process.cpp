@@ -6,9 +6,9 @@
 #include <string_view>
 #include <utility>
 
+#include "environment/command_line.h"
 #include "foundation/allocator.h"
 #include "platform/launching.h"
-#include "process/command_line.h"
 #include "vel_include/vel_helpers.h"
 #include "vel_include/vel_process.h"
 
@@ -107,7 +107,7 @@ VelClNewSyncProcess::~VelClNewSyncProcess() = default;
 
 bool VelClNewSyncProcess::launch() {
   prepareLaunch();
-  const vel::process::Arguments arguments(getArgs());
+  const vel::environment::Arguments arguments(getArgs());
   std::uint32_t exitCode = 0;
   const std::uint32_t error =
       platform::launchAndWait({getArgs(), arguments.get(), hasNewConsole()}, exitCode);
@@ -120,7 +120,7 @@ VelClNewAsyncProcess::~VelClNewAsyncProcess() = default;
 
 bool VelClNewAsyncProcess::launch() {
   prepareLaunch();
-  const vel::process::Arguments arguments(getArgs());
+  const vel::environment::Arguments arguments(getArgs());
   std::uint32_t processId = 0;
   const std::uint32_t error =
       platform::launchDetached({getArgs(), arguments.get(), hasNewConsole()}, processId);

@@ -1,7 +1,7 @@
 // Tests how command lines are built, and the arguments that real children receive.
 #include "platform/test/test.h"
 #include "platform/test/watched_memory.h"
-#include "process/command_line.h"
+#include "environment/command_line.h"
 #include "vel_include/vel_process.h"
 
 namespace {
@@ -84,7 +84,7 @@ TEST(CommandLine, HasQuotesAroundArgumentsWithBlanks) {
 
 TEST(CommandLine, IsSplitIntoArguments) {
   for (const auto& row : readTexts(VEL_TEST_DATA "test/command_lines.tsv")) {
-    const vel::process::Arguments arguments(row[0].c_str());
+    const vel::environment::Arguments arguments(row[0].c_str());
     ASSERT_EQ(arguments.get()[arguments.count()], nullptr) << row[0];
     EXPECT_EQ(Texts(arguments.get(), arguments.get() + arguments.count()), Texts(row.begin() + 1, row.end()))
         << row[0];

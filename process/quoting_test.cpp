@@ -2,7 +2,7 @@
 #include "vel_include/vel_quoting.h"
 
 #include "platform/test/test.h"
-#include "process/command_line.h"
+#include "environment/command_line.h"
 #include "vel_include/vel_helpers.h"
 #include "vel_include/vel_process.h"
 
@@ -50,7 +50,7 @@ TEST(Quoting, EveryTextRoundTripsThroughAddArgument) {
     process.addArgument(velQuotedForAddArgument(text).c_str());
     line += " " + velQuotedForWindows(text);
   }
-  const vel::process::Arguments split(line.c_str());
+  const vel::environment::Arguments split(line.c_str());
   EXPECT_EQ(Texts(split.get() + 1, split.get() + split.count()), texts);
   ASSERT_TRUE(process.launch());
   std::string expected;

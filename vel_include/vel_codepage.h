@@ -195,9 +195,10 @@ class VEL_API VelClCCSID {
   /// Returns 65500 or 65501 for a text of at least two bytes that begins with FE FF or FF FE, else 0.
   static VelEnCCSID getCCSIDForUCS2EndianId(const char* mark);
   /// Returns the single-byte code page of the process (Windows: ANSI; elsewhere that of the locale), queried
-  /// on every call. The code page number is used as the CCSID. Returns 0 if the system does not report one.
+  /// on every call. The code page number is used as the CCSID; for UTF-8 the result is 1208, on every system.
+  /// Returns 0 if the system does not report one.
   static VelEnCCSID getSystemCCSID();
-  /// Returns the code page of the console (Windows: OEM), queried once per process.
+  /// Returns the code page of the console (Windows: OEM, or 1208 if velIsUtf8Used), queried once per process.
   static VelEnCCSID getConsoleCCSID();
 
  private:

@@ -346,7 +346,8 @@ class VelClUIText {
 /// that the tool passes (titles, switch names, labels) are used without the base, in getMessageCatalog.
 class VEL_API VelClConsoleUI {
  public:
-  /// Uses the library's catalog. The argument vector is not copied.
+  /// Uses the library's catalog. The argument vector is not copied. On Windows the arguments of main are
+  /// replaced by those of velUtf8Arguments if velIsUtf8Used; a vector that the program made itself is not.
   VelClConsoleUI(int argc, const char* const* argv);
   /// Uses the tool's catalog, which contains the library's messages from number `messageBase` on. If its
   /// library cannot be loaded, a string table of `size` entries is used instead, unless `table` is null; the

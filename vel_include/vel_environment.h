@@ -18,8 +18,8 @@ class VEL_API VelClEnvironmentVariableABase {
 
   /// Returns the name, of at most kMaxNameLength characters.
   const char* getName() const { return name_; }
-  /// Returns the value, or null if the variable is not set. The C runtime owns the text, which is valid until
-  /// the variable changes.
+  /// Returns the value, or null if the variable is not set. The C runtime or the library owns the text, which
+  /// is valid until the variable changes. On Windows characters that the ANSI code page lacks are "?".
   const char* getValue() const;
   /// True if the variable is set, even to an empty value.
   bool hasValue() const;

@@ -3,6 +3,12 @@
 // Backslash names work on every system. On Linux the drive is dropped, "\\" becomes "/", and a component that
 // does not exist as written is looked up again ignoring ASCII case; the server and share of a network name
 // become directories. Names in slash style are passed to the system unchanged.
+//
+// On Windows names are in the ANSI code page of the process, or in UTF-8 (see vel_utf8.h), and are converted
+// without loss: an operation on a name that cannot be converted fails, and never affects another file. A
+// directory can have entries whose names the code page cannot spell. They are listed with "?", which no name
+// of a file contains, for each character that it lacks: such an entry cannot be opened by the listed name.
+// Removing a directory with its contents removes these entries, too.
 #ifndef VEL_FILESYS_H_
 #define VEL_FILESYS_H_
 

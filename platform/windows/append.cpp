@@ -12,6 +12,7 @@
 
 #include "platform/append.h"
 #include "platform/system_error.h"
+#include "platform/windows/native_text.h"
 #include "platform/windows/system_errors.h"
 
 namespace vel::platform {
@@ -60,9 +61,11 @@ LastErrorsKept::~LastErrorsKept() {
 }
 
 SystemError openForAppending(const char* name, AppendTo, int& descriptor) noexcept {
-  descriptor = _open(name, _O_WRONLY | _O_APPEND | _O_CREAT | _O_BINARY | _O_SEQUENTIAL | _O_NOINHERIT,
-                     _S_IREAD | _S_IWRITE);
-  return descriptor == -1 ? errno : 0;
+  constexpr int kFlags = _O_WRONLY | _O_APPEND | _O_CREAT | _O_BINARY | _O_SEQUENTIAL | _O_NOINHERIT;
+  return withWideName(name, [&descriptor](const wchar_t* path) {
+    descriptor = _wopen(path, kFlags, _S_IREAD | _S_IWRITE);
+    return descriptor == -1 ? errno : 0;
+  });
 }
 
 SystemError appendBytes(int descriptor, const Bytes& first, const Bytes& second,

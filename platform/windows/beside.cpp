@@ -11,19 +11,30 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <cwchar>
 
 #include "platform/windows/file_words.h"
 
 namespace vel::platform {
 
-bool isDevice(const char* fullName) noexcept {
+bool isDevice(const wchar_t* fullName) noexcept {
   // GetFullPathName puts the names of devices into the device namespace.
-  return std::strncmp(fullName, "\\\\.\\", 4) == 0;
+  return std::wcsncmp(fullName, L"\\\\.\\", 4) == 0;
 }
 
-HANDLE openForQuery(const char* name, DWORD access) noexcept {
-  return CreateFileA(name, FILE_READ_ATTRIBUTES | access, kShareAll, nullptr, OPEN_EXISTING,
+HANDLE openForQuery(const wchar_t* name, DWORD access) noexcept {
+  return CreateFileW(name, FILE_READ_ATTRIBUTES | access, kShareAll, nullptr, OPEN_EXISTING,
                      FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+SystemError setTarget(const char* name, Replacement& replacement) noexcept {
+  const WideName wide(name);
+  if (!wide.isValid()) return errnoOf(wide.error());
+  WideBuffer full;
+  const DWORD length = fullName(wide.get(), full);
+  if (length == 0) return errnoOf(GetLastError());
+  const DWORD error = setOwnName({full.get(), length}, replacement.target);
+  return error == ERROR_INSUFFICIENT_BUFFER ? ENAMETOOLONG : errnoOf(error);
 }
 
 FileIdentity identityOf(HANDLE file) noexcept {

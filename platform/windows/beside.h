@@ -4,11 +4,13 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
+#include <string_view>
 #include <utility>
 
 #include "platform/file_identity.h"
 #include "platform/replacing.h"
 #include "platform/system_error.h"
+#include "platform/windows/native_text.h"
 
 namespace vel::platform {
 
@@ -31,11 +33,24 @@ class FileHandle {
 };
 
 /// Whether a full name is a device's: "nul", "con" and their like, which cannot be replaced.
-bool isDevice(const char* fullName) noexcept;
+bool isDevice(const wchar_t* fullName) noexcept;
 
 /// Opens a file to query it or to change its rights, sharing it with everybody who has it open. A link is
 /// followed.
-HANDLE openForQuery(const char* name, DWORD access) noexcept;
+HANDLE openForQuery(const wchar_t* name, DWORD access) noexcept;
+
+/// The names in a Replacement, which are UTF-8 whatever the process's encoding is, so that every full name
+/// fits.
+class OwnName : public WideText {
+ public:
+  explicit OwnName(const char* name) noexcept : WideText(name, CP_UTF8) {}
+};
+inline DWORD setOwnName(std::wstring_view name, char (&out)[kFullNameCapacity]) noexcept {
+  return narrowText(name, CP_UTF8, out, sizeof out);
+}
+
+/// Sets the target to the full name of a file name.
+SystemError setTarget(const char* name, Replacement& replacement) noexcept;
 
 /// Returns all zeros if the system cannot tell.
 FileIdentity identityOf(HANDLE file) noexcept;

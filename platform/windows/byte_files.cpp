@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "platform/windows/native_text.h"
+
 namespace vel::platform {
 
 namespace {
@@ -25,8 +27,10 @@ unsigned int stepOf(std::size_t size) noexcept {
 
 // PipeWithoutWriter needs no check: a pipe exists only as long as its server does.
 SystemError openForReading(const char* name, PipeWithoutWriter, int& descriptor) noexcept {
-  descriptor = _open(name, _O_RDONLY | _O_BINARY | _O_NOINHERIT);
-  return descriptor == -1 ? errno : 0;
+  return withWideName(name, [&descriptor](const wchar_t* path) {
+    descriptor = _wopen(path, _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+    return descriptor == -1 ? errno : 0;
+  });
 }
 
 void closeDescriptor(int descriptor) noexcept {

@@ -23,6 +23,7 @@
 #include "platform/byte_files.h"
 #include "platform/catalogs.h"
 #include "platform/windows/file_words.h"
+#include "platform/windows/native_text.h"
 
 namespace vel::platform {
 
@@ -89,27 +90,26 @@ HANDLE openFileOf(HMODULE module) noexcept {
 }
 
 /// Lets the loader find the file. It is mapped as data, so that none of its code runs.
-int openWhereLoaderFinds(const char* fileName) noexcept {
-  const HMODULE module = LoadLibraryExA(fileName, nullptr, LOAD_LIBRARY_AS_DATAFILE);
+int openWhereLoaderFinds(const wchar_t* fileName) noexcept {
+  const HMODULE module = LoadLibraryExW(fileName, nullptr, LOAD_LIBRARY_AS_DATAFILE);
   if (module == nullptr) return -1;
   const int descriptor = adoptAsDescriptor(openFileOf(module));
   FreeLibrary(module);
   return descriptor;
 }
 
-int openIn(std::wstring_view directory, const char* fileName) noexcept {
+int openIn(std::wstring_view directory, std::wstring_view fileName) noexcept {
   PathBuffer path;
-  if (directory.empty() || directory.size() + 1 >= kPathCapacity) return -1;
+  if (directory.empty() || directory.size() + fileName.size() + 2 > kPathCapacity) return -1;
   wchar_t* const name = std::copy(directory.begin(), directory.end(), path.data());
   *name = L'\\';
-  const int room = static_cast<int>(path.data() + kPathCapacity - (name + 1));
-  if (MultiByteToWideChar(CP_ACP, 0, fileName, -1, name + 1, room) == 0) return -1;
+  *std::copy(fileName.begin(), fileName.end(), name + 1) = L'\0';
   return adoptAsDescriptor(CreateFileW(path.data(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
                                        FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
 /// Opens the catalog in the directory of a module; a null module is the program.
-int openBeside(HMODULE module, const char* fileName) noexcept {
+int openBeside(HMODULE module, const wchar_t* fileName) noexcept {
   PathBuffer path;
   const DWORD length = GetModuleFileNameW(module, path.data(), kPathCapacity);
   if (length == 0 || length == kPathCapacity) return -1;
@@ -118,9 +118,10 @@ int openBeside(HMODULE module, const char* fileName) noexcept {
   return separator == std::wstring_view::npos ? -1 : openIn(full.substr(0, separator), fileName);
 }
 
-int openAlongPath(const char* fileName) noexcept {
-  const wchar_t* const variable = _wgetenv(L"PATH");
-  std::wstring_view rest = variable == nullptr ? L"" : variable;
+int openAlongPath(const wchar_t* fileName) noexcept {
+  WideBuffer variable;
+  const DWORD size = systemVariable(L"PATH", variable);
+  std::wstring_view rest(variable.get(), size);
   while (!rest.empty()) {
     const std::size_t length = std::min(rest.find(L';'), rest.size());
     const int descriptor = openIn(rest.substr(0, length), fileName);
@@ -141,7 +142,7 @@ HMODULE thisLibrary() noexcept {
 
 /// Opens this library's own catalog beside the library, beside the program, or along PATH. Called before the
 /// loader's search, which has the current directory, where another user may have put a file, before PATH.
-int openOwnCatalog(const char* fileName) noexcept {
+int openOwnCatalog(const wchar_t* fileName) noexcept {
   int descriptor = openBeside(thisLibrary(), fileName);
   if (descriptor == -1) descriptor = openBeside(nullptr, fileName);
   return descriptor != -1 ? descriptor : openAlongPath(fileName);
@@ -150,9 +151,11 @@ int openOwnCatalog(const char* fileName) noexcept {
 }  // namespace
 
 SystemError openCatalog(const char* fileName, CatalogOwner owner, int& descriptor) noexcept {
+  const WideName name(fileName);
+  if (!name.isValid()) return errnoOf(name.error());
   const QuietErrors quiet;
-  descriptor = owner == CatalogOwner::ThisLibrary ? openOwnCatalog(fileName) : -1;
-  if (descriptor == -1) descriptor = openWhereLoaderFinds(fileName);
+  descriptor = owner == CatalogOwner::ThisLibrary ? openOwnCatalog(name.get()) : -1;
+  if (descriptor == -1) descriptor = openWhereLoaderFinds(name.get());
   return descriptor != -1 ? 0 : ENOENT;
 }
 

@@ -6,15 +6,23 @@
 #include <windows.h>
 
 #include "platform/code_pages.h"
+#include "platform/windows/native_text.h"
 
 namespace vel::platform {
 
+namespace {
+
+/// The numbers of the other code pages are CCSIDs themselves; that of UTF-8, 65001, is not.
+constexpr std::uint32_t kCcsidOfUtf8 = 1208;
+
+}  // namespace
+
 std::uint32_t ansiCodePage() noexcept {
-  return GetACP();
+  return textCodePage() == CP_UTF8 ? kCcsidOfUtf8 : GetACP();
 }
 
 std::uint32_t oemCodePage() noexcept {
-  return GetOEMCP();
+  return textCodePage() == CP_UTF8 ? kCcsidOfUtf8 : GetOEMCP();
 }
 
 std::size_t utf16ToCodePage(std::uint32_t codePage, const char16_t* text, std::size_t length, char* out,

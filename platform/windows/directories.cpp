@@ -26,6 +26,7 @@
 #include "platform/files.h"
 #include "platform/system_error.h"
 #include "platform/windows/file_words.h"
+#include "platform/windows/native_text.h"
 #include "platform/windows/system_errors.h"
 
 // This function of ntdll is documented, but mingw-w64 declares it only in its headers for drivers.
@@ -65,31 +66,23 @@ bool isDirectory(HANDLE file, DirectoryLink link) noexcept {
 
 /// A path without final separators, except a root's: with one, the system would follow a link. `kept` final
 /// separators stay, for functions that require one.
-class PathWithoutFinalSeparators {
+class PathWithoutFinalSeparators : public WideName {
  public:
-  explicit PathWithoutFinalSeparators(const char* name, std::size_t kept = 0) noexcept
-      : fits_(false), text_{} {
-    const std::size_t whole = std::strlen(name);
+  explicit PathWithoutFinalSeparators(const char* name, std::size_t kept = 0) noexcept : WideName(name) {
+    wchar_t* const text = get();
+    const std::size_t whole = std::wcslen(text);
     std::size_t length = whole;
-    const auto isSeparator = [](char c) { return c == '\\' || c == '/'; };
-    while (length > 3 && isSeparator(name[length - 1])) --length;
-    length = std::min(length + kept, whole);
-    fits_ = length < text_.size();
-    if (fits_) std::memcpy(text_.data(), name, length);
+    const auto isSeparator = [](wchar_t c) { return c == L'\\' || c == L'/'; };
+    while (length > 3 && isSeparator(text[length - 1])) --length;
+    text[std::min(length + kept, whole)] = L'\0';
   }
-  bool fits() const noexcept { return fits_; }
-  const char* get() const noexcept { return text_.data(); }
-
- private:
-  bool fits_;
-  std::array<char, 1024> text_;
 };
 
 /// Looks at the path, for systems that open a link's target despite FILE_FLAG_OPEN_REPARSE_POINT: their
 /// handle does not show the link.
-bool isLinkByPath(const char* path) noexcept {
-  WIN32_FIND_DATAA found{};
-  const HANDLE search = FindFirstFileA(path, &found);
+bool isLinkByPath(const wchar_t* path) noexcept {
+  WIN32_FIND_DATAW found{};
+  const HANDLE search = FindFirstFileW(path, &found);
   if (search == INVALID_HANDLE_VALUE) return false;
   FindClose(search);
   return isLink(found.dwFileAttributes, found.dwReserved0);
@@ -97,9 +90,9 @@ bool isLinkByPath(const char* path) noexcept {
 
 /// Whether removing this path would remove a link's target instead of the link: the path is a link, but the
 /// handle opened with FILE_FLAG_OPEN_REPARSE_POINT is an ordinary directory's. True if it cannot be opened.
-bool leadsElsewhere(const char* path) noexcept {
+bool leadsElsewhere(const wchar_t* path) noexcept {
   if (!isLinkByPath(path)) return false;
-  const HANDLE opened = CreateFileA(path, FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
+  const HANDLE opened = CreateFileW(path, FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
   if (opened == INVALID_HANDLE_VALUE) return true;
   const bool isTarget = isDirectory(opened, DirectoryLink::Refuse);
@@ -127,8 +120,8 @@ SystemError identityOf(HANDLE file, FileIdentity& identity) noexcept {
 
 /// Opens a directory and reads its identity. Returns the system's error; ERROR_DIRECTORY if it is not a
 /// directory.
-DWORD identityOfDirectory(const char* path, FileIdentity& identity) noexcept {
-  const HANDLE opened = CreateFileA(path, FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
+DWORD identityOfDirectory(const wchar_t* path, FileIdentity& identity) noexcept {
+  const HANDLE opened = CreateFileW(path, FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS, nullptr);
   if (opened == INVALID_HANDLE_VALUE) return GetLastError();
   const bool isKnown = isDirectory(opened, DirectoryLink::Follow) && identityOf(opened, identity) == 0;
@@ -142,13 +135,13 @@ DWORD identityOfDirectory(const char* path, FileIdentity& identity) noexcept {
 ///   C:\dir               ends after  C:
 ///   \\server\share\dir   ends after  \\server\share
 ///   \\?\C:\dir           ends after  \\?
-char* endOfFirstRoot(char* path) noexcept {
-  const std::string_view start(path, 4);
-  char* end = std::strchr(path, '\\');
-  if (!start.starts_with("\\\\")) return end;
-  end = std::strchr(path + 2, '\\');
-  if (start == "\\\\?\\" || start == "\\\\.\\" || end == nullptr) return end;
-  return std::strchr(end + 1, '\\');
+wchar_t* endOfFirstRoot(wchar_t* path) noexcept {
+  const std::wstring_view start(path, 4);
+  wchar_t* end = std::wcschr(path, L'\\');
+  if (!start.starts_with(L"\\\\")) return end;
+  end = std::wcschr(path + 2, L'\\');
+  if (start == L"\\\\?\\" || start == L"\\\\.\\" || end == nullptr) return end;
+  return std::wcschr(end + 1, L'\\');
 }
 
 DWORD openAt(HANDLE place, const DirectoryEntry& entry, ACCESS_MASK access, ULONG options,
@@ -180,14 +173,12 @@ SystemError markRemoved(HANDLE file) noexcept {
   return done != FALSE ? 0 : errnoOf(GetLastError());
 }
 
-/// Converts the name to the code page of file names. A name that is too long is shortened until it fits.
-void setShownName(DirectoryEntry& entry, const WCHAR* name, int length) noexcept {
-  const UINT codePage = AreFileApisANSI() != FALSE ? CP_ACP : CP_OEMCP;
-  int shown = 0;
-  for (; length > 0 && shown == 0; --length)
-    shown =
-        WideCharToMultiByte(codePage, 0, name, length, entry.name, sizeof entry.name - 1, nullptr, nullptr);
-  entry.name[shown] = '\0';
+/// Converts the name to the code page of file names. Characters that it lacks become "?", and a name that is
+/// too long is cut.
+void setShownName(DirectoryEntry& entry, std::wstring_view name) noexcept {
+  const UINT codePage = fileNameCodePage();
+  if (narrowText(name, codePage, entry.name, sizeof entry.name) == ERROR_SUCCESS) return;
+  entry.name[readableText(name, codePage, Similar::Refuse, entry.name, sizeof entry.name - 1)] = '\0';
 }
 
 void describe(const FILE_FULL_DIR_INFORMATION& found, DirectoryEntry& entry) noexcept {
@@ -195,7 +186,7 @@ void describe(const FILE_FULL_DIR_INFORMATION& found, DirectoryEntry& entry) noe
   const std::size_t length = std::min(found.FileNameLength / sizeof(WCHAR), name.size() - 1);
   std::memcpy(name.data(), &found.FileName[0], length * sizeof(WCHAR));
   std::memcpy(entry.systemName, name.data(), sizeof entry.systemName);
-  setShownName(entry, name.data(), static_cast<int>(length));
+  setShownName(entry, {name.data(), length});
   entry.attributes = found.FileAttributes & kKnownAttributes;
   // For a reparse point, this field holds the tag instead of the size of the extended attributes.
   if (isLink(found.FileAttributes, found.EaSize)) entry.attributes &= ~kAttributeDirectory;
@@ -206,12 +197,12 @@ void describe(const FILE_FULL_DIR_INFORMATION& found, DirectoryEntry& entry) noe
 SystemError openDirectory(const char* name, DirectoryLink link, DirectoryHandle& directory) noexcept {
   directory = {};
   const PathWithoutFinalSeparators path(name);
-  if (!path.fits()) return ENAMETOOLONG;
+  if (!path.isValid()) return errnoOf(path.error());
   // Both checks are needed: this one for systems whose handles do not show links, keepIfDirectory for a link
   // that is put in place between the two.
   if (link == DirectoryLink::Refuse && isLinkByPath(path.get())) return ENOTDIR;
   const DWORD flags = link == DirectoryLink::Refuse ? FILE_FLAG_OPEN_REPARSE_POINT : 0;
-  const HANDLE opened = CreateFileA(path.get(), kListing, kShareAll, nullptr, OPEN_EXISTING,
+  const HANDLE opened = CreateFileW(path.get(), kListing, kShareAll, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr);
   if (opened == INVALID_HANDLE_VALUE) return errnoOf(GetLastError());
   return keepIfDirectory(opened, link, directory);
@@ -229,13 +220,16 @@ SystemError identityOf(const DirectoryHandle& directory, FileIdentity& identity)
 // Tries longer and longer prefixes of the path: the first directory that can be opened is the root, since
 // whatever precedes it (a device namespace, a server) only leads there.
 SystemError identityOfRoot(const char* name, FileIdentity& identity) noexcept {
-  std::array<char, 1024> path{};
-  const DWORD length = GetFullPathNameA(name, static_cast<DWORD>(path.size() - 1), path.data(), nullptr);
-  if (length == 0 || length >= path.size() - 1) return ENAMETOOLONG;
-  if (path[length - 1] != '\\') std::strcpy(path.data() + length, "\\");
-  for (char* end = endOfFirstRoot(path.data()); end != nullptr; end = std::strchr(end + 1, '\\')) {
-    const char next = std::exchange(end[1], '\0');
-    const DWORD error = identityOfDirectory(path.data(), identity);
+  const WideName wide(name);
+  if (!wide.isValid()) return errnoOf(wide.error());
+  WideBuffer path;
+  const DWORD length = fullName(wide.get(), path);
+  if (length == 0) return errnoOf(GetLastError());
+  wchar_t* const last = path.get() + length - 1;
+  if (*last != L'\\') std::wcscpy(last + 1, L"\\");
+  for (wchar_t* end = endOfFirstRoot(path.get()); end != nullptr; end = std::wcschr(end + 1, L'\\')) {
+    const wchar_t next = std::exchange(end[1], L'\0');
+    const DWORD error = identityOfDirectory(path.get(), identity);
     end[1] = next;
     if (error == ERROR_SUCCESS) return 0;
     if (error == ERROR_ACCESS_DENIED) return EACCES;
@@ -282,18 +276,18 @@ SystemError removeEntry(const DirectoryHandle& directory, const DirectoryEntry& 
 }
 
 SystemError makeDirectory(const char* name) noexcept {
-  return _mkdir(name) == 0 ? 0 : errno;
+  return withWideName(name, [](const wchar_t* path) { return _wmkdir(path) == 0 ? 0 : errno; });
 }
 
 SystemError removeDirectory(const char* name) noexcept {
   const PathWithoutFinalSeparators path(name, 1);
-  if (!path.fits()) return ENAMETOOLONG;
+  if (!path.isValid()) return errnoOf(path.error());
   if (leadsElsewhere(PathWithoutFinalSeparators(name).get())) return ENOTDIR;
-  return _rmdir(path.get()) == 0 ? 0 : errno;
+  return _wrmdir(path.get()) == 0 ? 0 : errno;
 }
 
 SystemError changeDirectory(const char* name) noexcept {
-  return _chdir(name) == 0 ? 0 : errno;
+  return withWideName(name, [](const wchar_t* path) { return _wchdir(path) == 0 ? 0 : errno; });
 }
 
 }  // namespace vel::platform

@@ -7,6 +7,7 @@
 
 #include "platform/dynamic_libraries.h"
 #include "platform/launching.h"
+#include "platform/windows/native_text.h"
 
 namespace vel::platform {
 
@@ -30,7 +31,7 @@ class PathBesideThisLibrary {
     constexpr DWORD kThisModule =
         GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
     HMODULE self = nullptr;
-    GetModuleHandleExA(kThisModule, reinterpret_cast<LPCSTR>(&freeLibrary), &self);
+    GetModuleHandleExW(kThisModule, reinterpret_cast<LPCWSTR>(&freeLibrary), &self);
     std::size_t length = GetModuleFileNameW(self, text_.data(), static_cast<DWORD>(text_.size()));
     while (length > 0 && text_[length - 1] != L'\\') --length;
     fits_ = length > 0 && length + std::strlen(name) < text_.size();
@@ -56,18 +57,21 @@ bool searchLibrary(const char* name, char* out, std::size_t capacity) noexcept {
 }
 
 NativeError loadLibrary(const char* name, void*& library) noexcept {
-  return loadQuietly([name] { return LoadLibraryA(name); }, library);
+  const WideName wide(name);
+  if (!wide.isValid()) return wide.error();
+  return loadQuietly([&wide] { return LoadLibraryW(wide.get()); }, library);
 }
 
 NativeError loadInstalledLibrary(const char* name, void*& library) noexcept {
   constexpr DWORD kFolders = LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32;
   const PathBesideThisLibrary beside(name);
+  const WideName wide(name);
   const auto load = [&]() noexcept {
     // The library's own dependencies are searched in the same folders.
     const HMODULE found =
         beside.fits() ? LoadLibraryExW(beside.get(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | kFolders)
                       : nullptr;
-    return found != nullptr ? found : LoadLibraryExA(name, nullptr, kFolders);
+    return found != nullptr ? found : LoadLibraryExW(wide.get(), nullptr, kFolders);
   };
   return loadQuietly(load, library);
 }

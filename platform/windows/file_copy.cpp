@@ -4,7 +4,6 @@
 #include <cerrno>
 
 #include "platform/file_copy.h"
-#include "platform/files.h"
 #include "platform/replacing.h"
 #include "platform/windows/beside.h"
 #include "platform/windows/system_errors.h"
@@ -14,23 +13,23 @@ namespace vel::platform {
 namespace {
 
 /// CopyFile copies the read-only attribute, too.
-void makeWritable(const char* name) noexcept {
-  const DWORD attributes = GetFileAttributesA(name);
+void makeWritable(const wchar_t* name) noexcept {
+  const DWORD attributes = GetFileAttributesW(name);
   if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0)
-    SetFileAttributesA(name, attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
+    SetFileAttributesW(name, attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
 }
 
 /// Read-only files cannot be deleted.
-void removeCopy(const char* name) noexcept {
+void removeCopy(const wchar_t* name) noexcept {
   makeWritable(name);
-  DeleteFileA(name);
+  DeleteFileW(name);
 }
 
-DWORD makeCopy(const char* from, Replacement& target) noexcept {
+DWORD makeCopy(const wchar_t* from, Replacement& target) noexcept {
   DWORD error = ERROR_FILE_EXISTS;
   while (error == ERROR_FILE_EXISTS) {
     if (makeTemporaryName(target) != 0) return ERROR_FILENAME_EXCED_RANGE;
-    error = CopyFileA(from, target.temporary, TRUE) != FALSE ? ERROR_SUCCESS : GetLastError();
+    error = CopyFileW(from, OwnName(target.temporary).get(), TRUE) != FALSE ? ERROR_SUCCESS : GetLastError();
   }
   return error;
 }
@@ -38,18 +37,20 @@ DWORD makeCopy(const char* from, Replacement& target) noexcept {
 /// Copies the rights of the file that is replaced. A link's own rights do not count.
 void copyOldRights(const Replacement& target, DWORD attributes) noexcept {
   if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) return;
-  const FileHandle old(openForQuery(target.target, READ_CONTROL));
-  const FileHandle copy(openForQuery(target.temporary, WRITE_DAC));
+  const FileHandle old(openForQuery(OwnName(target.target).get(), READ_CONTROL));
+  const FileHandle copy(openForQuery(OwnName(target.temporary).get(), WRITE_DAC));
   if (old.isOpen() && copy.isOpen()) copyRights(old.get(), copy.get());
 }
 
-DWORD copyBeside(const char* from, Replacement& target, DWORD attributes, bool writable) noexcept {
+DWORD copyBeside(const wchar_t* from, Replacement& target, DWORD attributes, bool writable) noexcept {
   if (const DWORD error = makeCopy(from, target); error != ERROR_SUCCESS) return error;
-  if (writable) makeWritable(target.temporary);
+  const OwnName temporary(target.temporary);
+  if (writable) makeWritable(temporary.get());
   if (attributes != INVALID_FILE_ATTRIBUTES) copyOldRights(target, attributes);
-  if (MoveFileExA(target.temporary, target.target, MOVEFILE_REPLACE_EXISTING) != FALSE) return ERROR_SUCCESS;
+  if (MoveFileExW(temporary.get(), OwnName(target.target).get(), MOVEFILE_REPLACE_EXISTING) != FALSE)
+    return ERROR_SUCCESS;
   const DWORD error = GetLastError();
-  removeCopy(target.temporary);
+  removeCopy(temporary.get());
   return error;
 }
 
@@ -60,31 +61,37 @@ bool isFixed(DWORD error) noexcept {
          error == ERROR_FILENAME_EXCED_RANGE;
 }
 
-DWORD copyInPlace(const char* from, const char* to, bool writable) noexcept {
-  if (CopyFileA(from, to, FALSE) == FALSE) return GetLastError();
+DWORD copyInPlace(const wchar_t* from, const wchar_t* to, bool writable) noexcept {
+  if (CopyFileW(from, to, FALSE) == FALSE) return GetLastError();
   if (writable) makeWritable(to);
   return ERROR_SUCCESS;
+}
+
+bool areSameFile(const wchar_t* first, const wchar_t* second) noexcept {
+  const FileHandle one(openForQuery(first, 0)), other(openForQuery(second, 0));
+  return one.isOpen() && other.isOpen() && identityOf(one.get()) != FileIdentity{} &&
+         identityOf(one.get()) == identityOf(other.get());
 }
 
 }  // namespace
 
 SystemError copyFile(const char* from, const char* to, bool writable) noexcept {
   Replacement target;
-  const DWORD length = GetFullPathNameA(to, sizeof target.target, target.target, nullptr);
-  if (length == 0) return errnoOf(GetLastError());
-  if (length >= sizeof target.target) return ENAMETOOLONG;
-  const DWORD attributes = GetFileAttributesA(target.target);
+  if (const SystemError error = setTarget(to, target); error != 0) return error;
+  const WideName source(from);
+  if (!source.isValid()) return errnoOf(source.error());
+  const OwnName targetName(target.target);
+  const DWORD attributes = GetFileAttributesW(targetName.get());
   // Windows itself refuses a read-only target, but Wine as root overwrites it.
   constexpr DWORD kUnwritable = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY;
   const bool isThere = attributes != INVALID_FILE_ATTRIBUTES;
   if (isThere && (attributes & kUnwritable) != 0) return EACCES;
   // Copying a file onto itself under another name would destroy it.
-  const FileIdentity source = isThere ? identityOfFile(from) : FileIdentity{};
-  if (source != FileIdentity{} && source == identityOfFile(target.target)) return EACCES;
+  if (isThere && areSameFile(source.get(), targetName.get())) return EACCES;
   DWORD error = ERROR_ACCESS_DENIED;
-  if (!isDevice(target.target)) error = copyBeside(from, target, attributes, writable);
+  if (!isDevice(targetName.get())) error = copyBeside(source.get(), target, attributes, writable);
   const bool isLink = isThere && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-  if (isFixed(error) && !isLink) error = copyInPlace(from, target.target, writable);
+  if (isFixed(error) && !isLink) error = copyInPlace(source.get(), targetName.get(), writable);
   return error == ERROR_SUCCESS ? 0 : errnoOf(error);
 }
 

@@ -9,17 +9,18 @@
 #include <fcntl.h>
 #include <io.h>
 
-#include <cstdio>
-#include <cstring>
+#include <cwchar>
+#include <iterator>
 #include <string_view>
+#include <utility>
 
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
 #include "platform/file_lock.h"
-#include "platform/path_length.h"
 #include "platform/windows/beside.h"
 #include "platform/windows/file_words.h"
+#include "platform/windows/native_text.h"
 #include "platform/windows/system_errors.h"
 
 namespace vel::platform {
@@ -27,8 +28,8 @@ namespace vel::platform {
 namespace {
 
 /// Opens a file or directory to query it. Returns null if it does not exist.
-HANDLE openAttributes(const char* name) noexcept {
-  const HANDLE file = CreateFileA(name, FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
+HANDLE openAttributes(const wchar_t* name) noexcept {
+  const HANDLE file = CreateFileW(name, FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
                                   FILE_FLAG_BACKUP_SEMANTICS, nullptr);
   return file != INVALID_HANDLE_VALUE ? file : nullptr;
 }
@@ -45,52 +46,65 @@ bool isMissing(DWORD error) noexcept {
   return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
 }
 
-/// Returns the name with all links resolved; false if the entry does not exist.
-bool findFinalName(const char* name, char (&found)[kFullNameCapacity]) noexcept {
+/// Returns the length of the name with all links resolved; 0 if the entry does not exist.
+DWORD findFinalName(const wchar_t* name, WideBuffer& found) noexcept {
   const HANDLE entry = openAttributes(name);
-  if (entry == nullptr) return false;
-  const DWORD length = GetFinalPathNameByHandleA(entry, found, kFullNameCapacity, FILE_NAME_NORMALIZED);
+  if (entry == nullptr) return 0;
+  const DWORD length = finalName(entry, found);
   CloseHandle(entry);
-  return length > 0 && length < kFullNameCapacity;
+  return length;
 }
 
-/// Finds one name for all paths to a file: links resolved and the name completed. Opens the file only if it
+/// Hashes a part of a file's full name in upper case: file names ignore case, object names do not. The
+/// invariant locale gives every process the same spelling, and so does UTF-16, whatever the encoding of its
+/// narrow texts. Returns false if memory runs out.
+bool hashUpperCase(std::wstring_view name, std::uint64_t& hash) noexcept {
+  WideBuffer upperCase;
+  if (name.empty()) return true;
+  const auto length = static_cast<int>(name.size());
+  if (!upperCase.reserve(name.size()) ||
+      LCMapStringW(LOCALE_INVARIANT, LCMAP_UPPERCASE, name.data(), length, upperCase.get(), length) != length)
+    return false;
+  hash = hashOf(std::wstring_view(upperCase.get(), name.size()), hash);
+  return true;
+}
+
+/// Finds one hash for all paths to a file: links resolved and the name completed. Opens the file only if it
 /// is a link, because a process that waits for the lock must not keep its holder from replacing the file;
 /// otherwise opens only the directory, which a missing file has, too.
-bool findCommonName(const char* name, char (&common)[kFullNameCapacity]) noexcept {
-  const DWORD attributes = GetFileAttributesA(name);
-  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
-    return findFinalName(name, common);
-  char full[kFullNameCapacity];
-  char* last = nullptr;
-  const DWORD length = GetFullPathNameA(name, sizeof full, full, &last);
-  if (length == 0 || length >= sizeof full || last == nullptr) return false;
-  char component[kFullNameCapacity];
-  std::snprintf(component, sizeof component, "%s", last);
-  *last = '\0';
-  if (!findFinalName(full, common)) return false;
-  const std::size_t size = std::strlen(common);
-  const char* const separator = size > 0 && common[size - 1] == '\\' ? "" : "\\";
-  const int added = std::snprintf(common + size, sizeof common - size, "%s%s", separator, component);
-  return added > 0 && size + static_cast<std::size_t>(added) < sizeof common;
+bool findCommonHash(const wchar_t* name, std::uint64_t& hash) noexcept {
+  hash = kEmptyHash;
+  const DWORD attributes = GetFileAttributesW(name);
+  WideBuffer common;
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
+    const DWORD length = findFinalName(name, common);
+    return length != 0 && hashUpperCase({common.get(), length}, hash);
+  }
+  WideBuffer full;
+  if (fullName(name, full) == 0) return false;
+  wchar_t* const separator = std::wcsrchr(full.get(), L'\\');
+  if (separator == nullptr || separator[1] == L'\0') return false;
+  const wchar_t first = std::exchange(separator[1], L'\0');
+  const DWORD length = findFinalName(full.get(), common);
+  separator[1] = first;
+  if (length == 0) return false;
+  const std::wstring_view end = common.get()[length - 1] == L'\\' ? L"" : L"\\";
+  return hashUpperCase({common.get(), length}, hash) && hashUpperCase(end, hash) &&
+         hashUpperCase(separator + 1, hash);
 }
 
 /// Creates the named object and returns it; null if it existed already (`isBusy`) or cannot be created. Its
 /// existence is the lock, it is never waited for. Its null access list lets every user find it.
-HANDLE makeObject(const char* commonName, bool& isBusy) noexcept {
-  char upperCase[kFullNameCapacity];
-  // File names ignore case, object names do not. The invariant locale gives every process the same spelling.
-  if (LCMapStringA(LOCALE_INVARIANT, LCMAP_UPPERCASE, commonName, -1, upperCase, sizeof upperCase) == 0)
-    return nullptr;
+HANDLE makeObject(std::uint64_t hash, bool& isBusy) noexcept {
   // Two files with the same hash exclude each other, which is harmless.
-  char name[64];
-  std::snprintf(name, sizeof name, "Global\\qamc5032-file-%016llx",
-                static_cast<unsigned long long>(hashOf(std::string_view(upperCase))));
+  wchar_t name[64];
+  std::swprintf(name, std::size(name), L"Global\\qamc5032-file-%016llx",
+                static_cast<unsigned long long>(hash));
   SECURITY_DESCRIPTOR everyone;
   InitializeSecurityDescriptor(&everyone, SECURITY_DESCRIPTOR_REVISION);
   SetSecurityDescriptorDacl(&everyone, TRUE, nullptr, FALSE);
   SECURITY_ATTRIBUTES attributes{sizeof attributes, &everyone, FALSE};
-  const HANDLE object = CreateMutexA(&attributes, FALSE, name);
+  const HANDLE object = CreateMutexW(&attributes, FALSE, name);
   // Access is denied if somebody created the object for themselves alone.
   const DWORD error = GetLastError();
   isBusy = error == ERROR_ALREADY_EXISTS || error == ERROR_ACCESS_DENIED;
@@ -99,15 +113,24 @@ HANDLE makeObject(const char* commonName, bool& isBusy) noexcept {
 }
 
 /// Whether the full name of `name` is a device's.
-bool namesDevice(const char* name) noexcept {
-  char full[kFullNameCapacity];
-  const DWORD length = GetFullPathNameA(name, sizeof full, full, nullptr);
-  return length > 0 && length < sizeof full && isDevice(full);
+bool namesDevice(const wchar_t* name) noexcept {
+  WideBuffer full;
+  return fullName(name, full) != 0 && isDevice(full.get());
 }
 
-bool isDirectory(const char* name) noexcept {
-  const DWORD attributes = GetFileAttributesA(name);
+bool isDirectory(const wchar_t* name) noexcept {
+  const DWORD attributes = GetFileAttributesW(name);
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+SystemError stateAt(const wchar_t* name, FileState& state) noexcept {
+  state = {};
+  if (namesDevice(name)) return 0;
+  const HANDLE file = openAttributes(name);
+  if (file == nullptr) return isMissing(GetLastError()) ? 0 : errnoOf(GetLastError());
+  const SystemError error = stateIn(file, state);
+  CloseHandle(file);
+  return error;
 }
 
 }  // namespace
@@ -121,25 +144,21 @@ SystemError stateOf(int descriptor, FileState& state) noexcept {
 }
 
 SystemError stateAt(const char* name, FileState& state) noexcept {
-  state = {};
-  if (namesDevice(name)) return 0;
-  const HANDLE file = openAttributes(name);
-  if (file == nullptr) return isMissing(GetLastError()) ? 0 : errnoOf(GetLastError());
-  const SystemError error = stateIn(file, state);
-  CloseHandle(file);
-  return error;
+  return withWideName(name, [&state](const wchar_t* path) { return stateAt(path, state); });
 }
 
 LockResult tryLockFile(const char* name, FileLock& lock) noexcept {
   lock = {};
-  if (namesDevice(name)) return LockResult::Locked;
-  char commonName[kFullNameCapacity];
-  if (isDirectory(name) || !findCommonName(name, commonName)) return LockResult::Failed;
+  const WideName wide(name);
+  if (!wide.isValid()) return LockResult::Failed;
+  if (namesDevice(wide.get())) return LockResult::Locked;
+  std::uint64_t hash = 0;
+  if (isDirectory(wide.get()) || !findCommonHash(wide.get(), hash)) return LockResult::Failed;
   bool isBusy = false;
-  lock.system = makeObject(commonName, isBusy);
+  lock.system = makeObject(hash, isBusy);
   if (lock.system == nullptr) return isBusy ? LockResult::Busy : LockResult::Failed;
   // The state is read under the lock; one read before could be an older file's.
-  if (stateAt(name, lock.file) == 0) return LockResult::Locked;
+  if (stateAt(wide.get(), lock.file) == 0) return LockResult::Locked;
   unlockFile(lock);
   return LockResult::Failed;
 }

@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <string_view>
-#include <type_traits>
 
 #include "platform/file_identity.h"
 
@@ -26,11 +25,12 @@ inline FileIdentity identityIn(const BY_HANDLE_FILE_INFORMATION& info) noexcept 
   return {info.dwVolumeSerialNumber, joined(info.nFileIndexHigh, info.nFileIndexLow)};
 }
 
-/// FNV-1a over the units of a text.
-template <typename Char>
-std::uint64_t hashOf(std::basic_string_view<Char> text) noexcept {
-  std::uint64_t hash = 0xCBF29CE484222325;
-  for (const Char unit : text) hash = (hash ^ static_cast<std::make_unsigned_t<Char>>(unit)) * 0x100000001B3;
+inline constexpr std::uint64_t kEmptyHash = 0xCBF29CE484222325;
+
+/// FNV-1a over the units of a text, which continues the hash of a text before it.
+inline std::uint64_t hashOf(std::wstring_view text, std::uint64_t before = kEmptyHash) noexcept {
+  std::uint64_t hash = before;
+  for (const wchar_t unit : text) hash = (hash ^ unit) * 0x100000001B3;
   return hash;
 }
 

@@ -16,6 +16,7 @@
 #include "platform/system_error.h"
 #include "platform/windows/beside.h"
 #include "platform/windows/file_words.h"
+#include "platform/windows/native_text.h"
 #include "platform/windows/system_errors.h"
 
 namespace vel::platform {
@@ -23,7 +24,7 @@ namespace vel::platform {
 namespace {
 
 constexpr std::uint32_t kKnownAttributes = kAttributeReadOnly | kAttributeHidden | kAttributeDirectory;
-/// The mode of _access that asks for write permission.
+/// The mode of _waccess that asks for write permission.
 constexpr int kTestForWriting = 2;
 
 /// FILETIME counts ticks of 100 ns since 1601.
@@ -41,29 +42,39 @@ std::int64_t secondsOr(FILETIME time, FILETIME modified) noexcept {
   return secondsSince1970(isKept ? time : modified);
 }
 
+bool mayAccess(const char* name, int mode) noexcept {
+  const WideName wide(name);
+  return wide.isValid() && _waccess(wide.get(), mode) == 0;
+}
+
 }  // namespace
 
 FileIdentity identityOfFile(const char* name) noexcept {
-  const FileHandle file(openForQuery(name, 0));
+  const WideName wide(name);
+  if (!wide.isValid()) return {};
+  const FileHandle file(openForQuery(wide.get(), 0));
   return file.isOpen() ? identityOf(file.get()) : FileIdentity{};
 }
 
 bool entryExists(const char* name) noexcept {
-  return _access(name, 0) == 0;
+  return mayAccess(name, 0);
 }
 
 bool isWritable(const char* name) noexcept {
-  return _access(name, kTestForWriting) == 0;
+  return mayAccess(name, kTestForWriting);
 }
 
 std::uint32_t attributesOf(const char* name) noexcept {
-  const DWORD attributes = GetFileAttributesA(name);
+  const WideName wide(name);
+  const DWORD attributes = wide.isValid() ? GetFileAttributesW(wide.get()) : INVALID_FILE_ATTRIBUTES;
   return attributes == INVALID_FILE_ATTRIBUTES ? kAttributesUnreadable : attributes & kKnownAttributes;
 }
 
 SystemError statusOf(const char* name, EntryStatus& out) noexcept {
+  const WideName wide(name);
+  if (!wide.isValid()) return errnoOf(wide.error());
   WIN32_FILE_ATTRIBUTE_DATA data;
-  if (GetFileAttributesExA(name, GetFileExInfoStandard, &data) == FALSE) return errnoOf(GetLastError());
+  if (GetFileAttributesExW(wide.get(), GetFileExInfoStandard, &data) == FALSE) return errnoOf(GetLastError());
   out.sizeInBytes = joined(data.nFileSizeHigh, data.nFileSizeLow);
   out.changed = secondsOr(data.ftCreationTime, data.ftLastWriteTime);
   out.accessed = secondsOr(data.ftLastAccessTime, data.ftLastWriteTime);
@@ -72,7 +83,9 @@ SystemError statusOf(const char* name, EntryStatus& out) noexcept {
 }
 
 SystemError setReadOnly(const char* name, bool readOnly) noexcept {
-  return _chmod(name, readOnly ? _S_IREAD : _S_IREAD | _S_IWRITE) == 0 ? 0 : errno;
+  return withWideName(name, [readOnly](const wchar_t* path) {
+    return _wchmod(path, readOnly ? _S_IREAD : _S_IREAD | _S_IWRITE) == 0 ? 0 : errno;
+  });
 }
 
 SystemError removeFile(const char* name) noexcept {
@@ -80,22 +93,26 @@ SystemError removeFile(const char* name) noexcept {
   const bool isReadOnly = attributes != kAttributesUnreadable && (attributes & kAttributeReadOnly) != 0;
   // Windows refuses to delete read-only files.
   if (isReadOnly) static_cast<void>(setReadOnly(name, false));
-  if (_unlink(name) == 0) return 0;
-  const SystemError error = errno;
-  if (isReadOnly) static_cast<void>(setReadOnly(name, true));
+  const SystemError error =
+      withWideName(name, [](const wchar_t* path) { return _wunlink(path) == 0 ? 0 : errno; });
+  if (error != 0 && isReadOnly) static_cast<void>(setReadOnly(name, true));
   return error;
 }
 
 SystemError renameFile(const char* from, const char* to) noexcept {
   // The runtime reports success for a rename to the very same name, but the target exists.
   if (std::strcmp(from, to) == 0 && entryExists(to)) return EEXIST;
-  return std::rename(from, to) == 0 ? 0 : errno;
+  const WideName target(to);
+  if (!target.isValid()) return errnoOf(target.error());
+  return withWideName(
+      from, [&target](const wchar_t* source) { return _wrename(source, target.get()) == 0 ? 0 : errno; });
 }
 
 SystemError currentDirectory(char* out, std::size_t capacity) noexcept {
-  const DWORD length = GetCurrentDirectoryA(static_cast<DWORD>(capacity), out);
+  WideBuffer path;
+  const DWORD length = path.fill([](wchar_t* text, DWORD room) { return GetCurrentDirectoryW(room, text); });
   if (length == 0) return errnoOf(GetLastError());
-  return length < capacity ? 0 : ERANGE;
+  return errnoOf(narrowText({path.get(), length}, fileNameCodePage(), out, capacity));
 }
 
 const char* fallbackTmpDirectory() noexcept {
@@ -107,8 +124,10 @@ const char* driveOfSlashNames() noexcept {
 }
 
 SystemError createExclusively(const char* name, int& descriptor) noexcept {
-  descriptor = _open(name, _O_RDWR | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
-  return descriptor < 0 ? errno : 0;
+  return withWideName(name, [&descriptor](const wchar_t* path) {
+    descriptor = _wopen(path, _O_RDWR | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
+    return descriptor < 0 ? errno : 0;
+  });
 }
 
 }  // namespace vel::platform

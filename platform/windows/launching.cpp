@@ -4,13 +4,16 @@
 
 #include "platform/files.h"
 #include "platform/launching.h"
+#include "platform/windows/native_text.h"
 
 namespace vel::platform {
 
 namespace {
 
 DWORD createProcess(const Launch& launch, DWORD otherwise, PROCESS_INFORMATION& process) noexcept {
-  STARTUPINFOA startUp{};
+  WideText commandLine(launch.commandLine, textCodePage());
+  if (!commandLine.isValid()) return commandLine.error();
+  STARTUPINFOW startUp{};
   startUp.cb = sizeof startUp;
   // The size of a new console's buffer, in characters.
   startUp.dwFlags = STARTF_USECOUNTCHARS;
@@ -18,7 +21,7 @@ DWORD createProcess(const Launch& launch, DWORD otherwise, PROCESS_INFORMATION& 
   startUp.dwYCountChars = 256;
   const DWORD flags = CREATE_DEFAULT_ERROR_MODE | NORMAL_PRIORITY_CLASS |
                       (launch.newConsole ? DWORD{CREATE_NEW_CONSOLE} : otherwise);
-  const BOOL created = CreateProcessA(nullptr, launch.commandLine, nullptr, nullptr, FALSE, flags, nullptr,
+  const BOOL created = CreateProcessW(nullptr, commandLine.get(), nullptr, nullptr, FALSE, flags, nullptr,
                                       nullptr, &startUp, &process);
   return created != FALSE ? DWORD{ERROR_SUCCESS} : GetLastError();
 }
@@ -65,8 +68,13 @@ bool programExists(const char* name) noexcept {
 }
 
 bool searchProgram(const char* name, char* out, std::size_t capacity) noexcept {
-  const DWORD length = SearchPathA(nullptr, name, nullptr, static_cast<DWORD>(capacity), out, nullptr);
-  return length != 0 && length < capacity;
+  const WideName wide(name);
+  if (!wide.isValid()) return false;
+  WideBuffer found;
+  const DWORD length = found.fill([&wide](wchar_t* text, DWORD room) {
+    return SearchPathW(nullptr, wide.get(), nullptr, room, text, nullptr);
+  });
+  return length != 0 && narrowText({found.get(), length}, fileNameCodePage(), out, capacity) == ERROR_SUCCESS;
 }
 
 }  // namespace vel::platform

@@ -35,8 +35,8 @@ bool markForDeletion(HANDLE file, bool isMarked) noexcept {
 }
 
 /// Creates the file without sharing, so that nobody reads it while it is written.
-HANDLE createFile(const char* name) noexcept {
-  return CreateFileA(name, GENERIC_WRITE | DELETE | WRITE_DAC, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL,
+HANDLE createFile(const wchar_t* name) noexcept {
+  return CreateFileW(name, GENERIC_WRITE | DELETE | WRITE_DAC, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL,
                      nullptr);
 }
 
@@ -44,7 +44,7 @@ SystemError openBeside(Replacement& replacement) noexcept {
   replacement.isBeside = true;
   for (int attempt = 0; attempt < kMaxNames; ++attempt) {
     if (const SystemError error = makeTemporaryName(replacement); error != 0) return error;
-    FileHandle file(createFile(replacement.temporary));
+    FileHandle file(createFile(OwnName(replacement.temporary).get()));
     if (!file.isOpen() && GetLastError() == ERROR_FILE_EXISTS) continue;
     if (!file.isOpen()) return errnoOf(GetLastError());
     markForDeletion(file.get(), true);
@@ -61,17 +61,26 @@ SystemError openBeside(Replacement& replacement) noexcept {
 /// Copies the rights of the old file, if its name still leads to it (else ECANCELED).
 SystemError copyOldRights(Replacement& replacement) noexcept {
   if (replacement.old == FileIdentity{}) return 0;
-  const FileHandle old(openForQuery(replacement.target, READ_CONTROL));
+  const FileHandle old(openForQuery(OwnName(replacement.target).get(), READ_CONTROL));
   if (!old.isOpen()) return errnoOf(GetLastError());
   if (identityOf(old.get()) != replacement.old) return ECANCELED;
   replacement.keepsRights = copyRights(old.get(), handleOf(replacement));
   return 0;
 }
 
+DWORD attributesOfTarget(const Replacement& replacement) noexcept {
+  return GetFileAttributesW(OwnName(replacement.target).get());
+}
+
+void removeTemporary(const Replacement& replacement) noexcept {
+  DeleteFileW(OwnName(replacement.temporary).get());
+}
+
 /// Copies the attributes. Done last, because writing sets some of them.
 void copyAttributes(const Replacement& replacement) noexcept {
-  const DWORD attributes = GetFileAttributesA(replacement.target);
-  if (attributes != INVALID_FILE_ATTRIBUTES) SetFileAttributesA(replacement.temporary, attributes);
+  const DWORD attributes = attributesOfTarget(replacement);
+  if (attributes != INVALID_FILE_ATTRIBUTES)
+    SetFileAttributesW(OwnName(replacement.temporary).get(), attributes);
 }
 
 /// Renames in one step. ReplaceFile would keep more of the old file's properties, but does so in several
@@ -80,32 +89,33 @@ SystemError moveIntoPlace(const Replacement& replacement) noexcept {
   copyAttributes(replacement);
   const bool isNew = replacement.old == FileIdentity{};
   const DWORD flags = MOVEFILE_WRITE_THROUGH | (isNew ? DWORD{0} : DWORD{MOVEFILE_REPLACE_EXISTING});
-  return MoveFileExA(replacement.temporary, replacement.target, flags) != FALSE ? 0 : errnoOf(GetLastError());
+  const OwnName temporary(replacement.temporary), target(replacement.target);
+  return MoveFileExW(temporary.get(), target.get(), flags) != FALSE ? 0 : errnoOf(GetLastError());
 }
 
-/// Resolves links: gives the full name of the file that a name leads to; false if the system cannot tell.
-bool resolveLink(const char* name, char (&linked)[sizeof Replacement::target]) noexcept {
-  const FileHandle file(openForQuery(name, 0));
-  if (!file.isOpen()) return false;
-  const DWORD length = GetFinalPathNameByHandleA(file.get(), linked, sizeof linked, FILE_NAME_NORMALIZED);
-  // Characters unmappable to the code page become others, so the converted name may lead nowhere.
-  return length > 0 && length < sizeof linked && GetFileAttributesA(linked) != INVALID_FILE_ATTRIBUTES;
+/// Resolves links: sets the target to the full name of the file that it leads to. Returns false, with the
+/// target unchanged, if the system cannot tell.
+bool resolveLink(Replacement& replacement) noexcept {
+  const FileHandle file(openForQuery(OwnName(replacement.target).get(), 0));
+  WideBuffer linked;
+  if (!file.isOpen() || finalName(file.get(), linked) == 0) return false;
+  if (GetFileAttributesW(linked.get()) == INVALID_FILE_ATTRIBUTES) return false;
+  char target[sizeof replacement.target];
+  if (setOwnName(linked.get(), target) != ERROR_SUCCESS) return false;
+  std::memcpy(replacement.target, target, sizeof target);
+  return true;
 }
 
 /// Continues with the link's target, so that the link stays. A dangling link is an error: its target is not
 /// created.
 SystemError followLink(Replacement& replacement, DWORD attributes) noexcept {
-  char linked[sizeof replacement.target];
-  if (resolveLink(replacement.target, linked)) {
-    std::memcpy(replacement.target, linked, std::strlen(linked) + 1);
-    return 0;
-  }
+  if (resolveLink(replacement)) return 0;
   return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 ? ENOENT : 0;
 }
 
 /// Opens a device for writing, which cannot be replaced.
 SystemError openInPlace(Replacement& replacement) noexcept {
-  replacement.descriptor = _open(replacement.target, _O_WRONLY | _O_BINARY | _O_NOINHERIT);
+  replacement.descriptor = _wopen(OwnName(replacement.target).get(), _O_WRONLY | _O_BINARY | _O_NOINHERIT);
   return replacement.descriptor >= 0 ? 0 : errno;
 }
 
@@ -114,8 +124,8 @@ SystemError startBesideExisting(Replacement& replacement, DWORD attributes) noex
   if ((attributes & kUnwritable) != 0) return EACCES;
   if (const SystemError error = followLink(replacement, attributes); error != 0) return error;
   // The attributes before were the link's own.
-  if ((GetFileAttributesA(replacement.target) & kUnwritable) != 0) return EACCES;
-  const FileHandle old(openForQuery(replacement.target, 0));
+  if ((attributesOfTarget(replacement) & kUnwritable) != 0) return EACCES;
+  const FileHandle old(openForQuery(OwnName(replacement.target).get(), 0));
   if (!old.isOpen()) return errnoOf(GetLastError());
   replacement.old = identityOf(old.get());
   return openBeside(replacement);
@@ -132,7 +142,7 @@ SystemError finishBeside(Replacement& replacement) noexcept {
   if (error == 0) markForDeletion(handleOf(replacement), false);
   if (const SystemError failed = closeWritten(replacement); error == 0) error = failed;
   if (error == 0) error = moveIntoPlace(replacement);
-  if (error != 0) DeleteFileA(replacement.temporary);
+  if (error != 0) removeTemporary(replacement);
   return error;
 }
 
@@ -143,11 +153,9 @@ SystemError startReplacement(const char* name, Replacement& replacement) noexcep
   replacement.isBeside = false;
   replacement.keepsRights = true;
   replacement.old = {};
-  const DWORD length = GetFullPathNameA(name, sizeof replacement.target, replacement.target, nullptr);
-  if (length == 0) return errnoOf(GetLastError());
-  if (length >= sizeof replacement.target) return ENAMETOOLONG;
-  if (isDevice(replacement.target)) return openInPlace(replacement);
-  const DWORD attributes = GetFileAttributesA(replacement.target);
+  if (const SystemError error = setTarget(name, replacement); error != 0) return error;
+  if (isDevice(OwnName(replacement.target).get())) return openInPlace(replacement);
+  const DWORD attributes = attributesOfTarget(replacement);
   return attributes == INVALID_FILE_ATTRIBUTES ? openBeside(replacement)
                                                : startBesideExisting(replacement, attributes);
 }
@@ -158,7 +166,7 @@ SystemError finishReplacement(Replacement& replacement) noexcept {
 
 void dropReplacement(Replacement& replacement) noexcept {
   static_cast<void>(closeWritten(replacement));
-  if (replacement.isBeside) DeleteFileA(replacement.temporary);
+  if (replacement.isBeside) removeTemporary(replacement);
 }
 
 void removeUnfinishedOnSignals() noexcept {}

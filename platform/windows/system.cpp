@@ -7,15 +7,16 @@
 #include <windows.h>
 
 #include "platform/system.h"
+#include "platform/windows/native_text.h"
 
 namespace vel::platform {
 
 int windowsPlatformId() noexcept {
-  OSVERSIONINFOA version{};
+  OSVERSIONINFOW version{};
   // GetVersionEx recognises the structure by its size.
-  static_assert(sizeof version == 148);
+  static_assert(sizeof version == 276);
   version.dwOSVersionInfoSize = sizeof version;
-  return GetVersionExA(&version) != FALSE ? static_cast<int>(version.dwPlatformId) : -1;
+  return GetVersionExW(&version) != FALSE ? static_cast<int>(version.dwPlatformId) : -1;
 }
 
 // The address that a program has of another library's function may be that of a thunk, a jump through the
@@ -38,6 +39,19 @@ const void* resolveImportThunk(const void* function) noexcept {
   return function;
 }
 
+namespace {
+
+/// A text that is not in the process's encoding is shown as well as it can be.
+void showBox(const char* text, const char* title) noexcept {
+  const WideText wideText(text, textCodePage()), wideTitle(title, textCodePage());
+  if (wideText.isValid() && wideTitle.isValid())
+    MessageBoxW(nullptr, wideText.get(), wideTitle.get(), MB_ICONSTOP);
+  else
+    MessageBoxA(nullptr, text, title, MB_ICONSTOP);
+}
+
+}  // namespace
+
 void showStopMessage(const char* title, const char* const* pieces, std::size_t count) noexcept {
   std::size_t length = 0;
   for (std::size_t i = 0; i < count; ++i) length += std::strlen(pieces[i]);
@@ -57,7 +71,7 @@ void showStopMessage(const char* title, const char* const* pieces, std::size_t c
     out += size;
   }
   *out = '\0';
-  MessageBoxA(nullptr, text, title, MB_ICONSTOP);
+  showBox(text, title);
   if (text != cut) VirtualFree(text, 0, MEM_RELEASE);
 }
 

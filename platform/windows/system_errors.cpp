@@ -34,6 +34,12 @@ SystemError errnoOf(std::uint32_t error) noexcept {
       return ENOSPC;
     case ERROR_FILENAME_EXCED_RANGE:
       return ENAMETOOLONG;
+    case ERROR_NO_UNICODE_TRANSLATION:
+      return EILSEQ;
+    case ERROR_NOT_ENOUGH_MEMORY:
+      return ENOMEM;
+    case ERROR_INSUFFICIENT_BUFFER:
+      return ERANGE;
     default:
       return EACCES;
   }

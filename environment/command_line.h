@@ -5,7 +5,7 @@
 
 #include "foundation/allocator.h"
 
-namespace vel::process {
+namespace vel::environment {
 
 /// The arguments of one command line. The first one is the program's name, in which quotes protect blanks and
 /// backslashes are ordinary. The other arguments are separated by blanks and tabs outside quotes. 2n
@@ -25,4 +25,4 @@ class Arguments {
   Vector<char*> pointers_;
 };
 
-}  // namespace vel::process
+}  // namespace vel::environment

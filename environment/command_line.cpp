@@ -1,5 +1,5 @@
-// Splits a command line into arguments by the rules that command_line.h states. new_process.cpp builds
-// command lines.
+// Splits a command line into arguments by the rules that command_line.h states. process/new_process.cpp
+// builds command lines.
 //
 // The arguments are written over the copy of the line that they are parsed from. Removing quotes and
 // backslashes only shortens them, so the write position never passes the read position, and one allocation
@@ -7,11 +7,11 @@
 //
 //   line        prog "b c" d
 //   arguments   prog0b c0d0      (0 is a NUL)
-#include "process/command_line.h"
+#include "environment/command_line.h"
 
 #include <cstring>
 
-namespace vel::process {
+namespace vel::environment {
 
 namespace {
 
@@ -115,4 +115,4 @@ Arguments::Arguments(const char* commandLine) : texts_(copyText(commandLine, std
   pointers_.push_back(nullptr);
 }
 
-}  // namespace vel::process
+}  // namespace vel::environment
