@@ -2,6 +2,7 @@
 // part of the name itself, so a joined name is built in a separate buffer before it replaces the old one.
 #include <cstring>
 
+#include "filesys/path_rules.h"
 #include "filesys/path_text.h"
 #include "vel_include/vel_filesys.h"
 
@@ -45,12 +46,13 @@ void VelClFilename::setNewBaseName(const char* base) {
 // Replaces only the text from the old extension on, without splitting the name again: after setting "tar.gz",
 // both dots belong to the extension.
 void VelClFilename::setNewExtension(const char* extension) {
-  extension = textOrEmpty(extension);
+  const std::string_view text = textOrEmpty(extension);
   PathText<> changed;
   changed.append(name_, static_cast<std::size_t>(extension_ - name_));
-  if (*extension != '\0') {
+  if (!text.empty()) {
+    const std::string_view characters = vel::filesys::withoutDot(text);
     changed.append('.');
-    changed.append(*extension == '.' ? extension + 1 : extension);
+    changed.append(characters.data(), characters.size());
   }
   length_ = vel::filesys::copyBounded(name_, changed.text(), changed.length());
 }

@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "base/ascii.h"
+#include "filesys/path_rules.h"
 #include "filesys/path_text.h"
 #include "platform/files.h"
 #include "vel_include/vel_filesys.h"
@@ -21,11 +22,10 @@ using vel::filesys::PathText;
 
 namespace {
 
-const char* startOfLastComponent(const char* path) {
-  // Intentional: one backslash makes every "/" an ordinary character, as the name is then in backslash style.
-  const char* separator = std::strrchr(path, '\\');
-  if (separator == nullptr) separator = std::strrchr(path, '/');
-  return separator != nullptr ? separator + 1 : path;
+// Intentional: one backslash makes every "/" an ordinary character, as the name is then in backslash style.
+vel::filesys::Separators separatorsOf(std::string_view path) {
+  using vel::filesys::Separators;
+  return path.find('\\') != std::string_view::npos ? Separators::Backslash : Separators::Slash;
 }
 
 // Case is folded in ASCII only, so that the result does not depend on the process's locale. A NUL in only one
@@ -112,9 +112,10 @@ void VelClFilenameABase::init(const char* path, const char* name, const char* ex
 }
 
 void VelClFilenameABase::determineParts() {
-  base_ = name_ + (startOfLastComponent(getPtrToPath()) - name_);
-  char* dot = std::strrchr(base_, '.');
-  extension_ = dot != nullptr ? dot : name_ + length_;
+  const std::string_view path = getPtrToPath();
+  const std::size_t start = vel::filesys::startOfLastComponent(path, separatorsOf(path));
+  base_ = name_ + (path.data() - name_) + start;
+  extension_ = base_ + vel::filesys::startOfExtension(path.substr(start));
 }
 
 bool VelClFilenameABase::operator==(const VelClFilenameABase& other) const {

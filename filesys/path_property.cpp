@@ -1,34 +1,20 @@
 // Determines the properties of a name from its text alone: style, network server and share, drive, absolute
-// or relative. Splitting into directory, base name and extension is filename_base.cpp's work. These rules are
-// the same on every system; the file system is never asked.
+// or relative, by the rules of path_rules.h. Splitting into directory, base name and extension is
+// filename_base.cpp's work.
 #include <algorithm>
 #include <cstring>
 
-#include "base/ascii.h"
-#include "filesys/path_text.h"
+#include "base/short_text.h"
+#include "filesys/path_rules.h"
 #include "vel_include/vel_filesys.h"
+
+using vel::filesys::Separators;
 
 namespace {
 
-bool beginsAsNetworkName(const char* text) {
-  return text[0] == '\\' && text[1] == '\\';
-}
-
-// Returns the position after server and share ("\\\\server\\share"), or the start of a text without them. The
-// server has at least one character; a share is what follows the next backslash, even if it is empty.
-const char* pathProperOf(const char* text) {
-  if (!beginsAsNetworkName(text) || text[2] == '\0') return text;
-  const char* share = std::strchr(text + 3, '\\');
-  if (share == nullptr) return text;
-  const char* path = std::strchr(share + 1, '\\');
-  return path != nullptr ? path : share + std::strlen(share);
-}
-
-// A drive or a single backslash decides for the backslash style, since neither occurs in ordinary names of
-// the slash style.
-bool isSlashStyle(const char* path) {
-  if (vel::isAsciiLetter(path[0]) && path[1] == ':') return false;
-  return std::strchr(path, '\\') == nullptr && std::strchr(path, '/') != nullptr;
+/// As many characters of a path as its drive and the separator after it can have.
+std::string_view headOf(const char* path) {
+  return {path, vel::boundedLength(path, 3)};
 }
 
 }  // namespace
@@ -41,8 +27,10 @@ VelClPathProperty::VelClPathProperty(const char* text) : VelClPathProperty() {
 
 void VelClPathProperty::init(const char* text) {
   text_ = vel::textOrEmpty(text);
-  path_ = pathProperOf(text_);
-  style_ = isSlashStyle(path_) ? UNIX : MSDOS;
+  const std::string_view whole = text_;
+  const std::size_t server = vel::filesys::lengthOfServerAndShare(whole, Separators::Backslash);
+  path_ = text_ + server;
+  style_ = vel::filesys::isSlashStyle(whole.substr(server)) ? UNIX : MSDOS;
 }
 
 // `text` is a copy of the other object's text at another address, so only the offset of the path is kept.
@@ -53,14 +41,11 @@ void VelClPathProperty::rebase(const VelClPathProperty& other, const char* text)
 }
 
 bool VelClPathProperty::hasDrive() const {
-  return path_[0] != '\0' && path_[1] == ':';
+  return vel::filesys::hasDrive(headOf(path_));
 }
 
 bool VelClPathProperty::isAbsolute() const {
-  if (isUNC()) return true;
-  if (isStyleUNIX()) return path_[0] == '/';
-  // Intentional: "\\dir" counts as relative, since it depends on the current drive.
-  return hasDrive() && path_[2] == '\\';
+  return isUNC() || vel::filesys::isAbsolutePath(headOf(path_), isStyleUNIX(), Separators::Backslash);
 }
 
 bool VelClPathProperty::isNormalized() const {

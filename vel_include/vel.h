@@ -13,6 +13,7 @@
 #include "vel_inifile.h"
 #include "vel_memmgr.h"
 #include "vel_messages.h"
+#include "vel_path.h"
 #include "vel_process.h"
 #include "vel_quoting.h"
 #include "vel_status.h"
