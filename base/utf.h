@@ -63,13 +63,6 @@ constexpr std::size_t encodeUtf8(char32_t character, char* out) noexcept {
   return size;
 }
 
-/// Decodes a whole, valid character of `size` bytes.
-constexpr char32_t decodeUtf8(const unsigned char* text, std::size_t size) noexcept {
-  char32_t character = size == 1 ? text[0] : text[0] & (0x7FU >> size);
-  for (std::size_t i = 1; i < size; ++i) character = character << 6 | (text[i] & 0x3F);
-  return character;
-}
-
 /// The first sequence of some UTF-8 bytes: a whole character, the longest prefix of one (Unicode: maximal
 /// subpart), or one byte that cannot begin a character.
 struct Utf8Sequence {

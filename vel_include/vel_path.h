@@ -57,6 +57,12 @@ enum VelEnPathPart VEL_ENUM_TYPE(uint32_t){
     PATH_PART_EXTENSIONS = 6  ///< the last component from its first "." on: ".tar.gz"
 };
 
+#if !defined(__cplusplus)
+/// The names of the enumerations in C.
+typedef enum VelEnPathSyntax VelEnPathSyntax;
+typedef enum VelEnPathPart VelEnPathPart;
+#endif
+
 /// A path. Functions that change it leave it as it was if they fail. They fail with PATH_INVALID, or for lack
 /// of memory. In all functions a null text counts as "", and a text may be part of the path itself.
 /// Several threads may read one path.

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <utility>
 
 #include "base/utf.h"
 #include "platform/windows/system_errors.h"
