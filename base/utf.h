@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 namespace vel {
 
@@ -89,6 +90,15 @@ constexpr Utf8Sequence utf8SequenceAt(const unsigned char* text, std::size_t siz
     last = 0xBF;
   }
   return {length, true, false};
+}
+
+/// Decodes the bytes of one valid character.
+constexpr char32_t decodeUtf8(std::string_view bytes) noexcept {
+  const std::size_t size = bytes.size();
+  const auto byteAt = [bytes](std::size_t i) { return static_cast<char32_t>(bytes[i]) & 0xFF; };
+  char32_t character = size == 1 ? byteAt(0) : byteAt(0) & (0x3FU >> (size - 1));
+  for (std::size_t i = 1; i < size; ++i) character = character << 6 | (byteAt(i) & 0x3F);
+  return character;
 }
 
 }  // namespace vel

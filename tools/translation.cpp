@@ -2,7 +2,6 @@
 // and looks up each once, so the search is linear.
 #include "tools/translation.h"
 
-#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -31,9 +30,7 @@ std::u16string utf16Of(std::string_view text) {
   while (!text.empty()) {
     const auto* const bytes = reinterpret_cast<const unsigned char*>(text.data());
     const std::size_t size = utf8SequenceAt(bytes, text.size()).size;
-    std::uint32_t character = size == 1 ? bytes[0] : bytes[0] & (0x3FU >> (size - 1));
-    for (std::size_t i = 1; i < size; ++i) character = character << 6 | (bytes[i] & 0x3FU);
-    units += static_cast<char16_t>(character);
+    units += static_cast<char16_t>(decodeUtf8(text.substr(0, size)));
     text.remove_prefix(size);
   }
   return units;
