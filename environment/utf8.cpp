@@ -2,10 +2,12 @@
 #include "vel_include/vel_utf8.h"
 
 #include <cstddef>
+#include <ios>
 
 #include "environment/command_line.h"
 #include "environment/utf8_arguments.h"
 #include "foundation/allocator.h"
+#include "platform/console_text.h"
 #include "platform/languages.h"
 #include "platform/own_command_line.h"
 #include "platform/text_encoding.h"
@@ -32,7 +34,10 @@ const Arguments* ownArguments() {
 }  // namespace
 
 ArgumentVector inUtf8(int count, const char* const* arguments) {
-  if (!velIsUtf8Used() || !platform::areArgumentsOfMain(count, arguments)) return {count, arguments};
+  if (!velIsUtf8Used()) return {count, arguments};
+  // A program with the manifest need not call velUseUtf8.
+  platform::useConsoleStreams();
+  if (!platform::areArgumentsOfMain(count, arguments)) return {count, arguments};
   const Arguments* const own = ownArguments();
   // The runtime counts otherwise if it has expanded wildcards. Its arguments are kept then.
   if (own == nullptr || own->count() != static_cast<std::size_t>(count)) return {count, arguments};
@@ -43,6 +48,11 @@ ArgumentVector inUtf8(int count, const char* const* arguments) {
 
 void velUseUtf8(void) {
   vel::platform::useUtf8();
+  try {
+    vel::platform::useConsoleStreams();
+  } catch (const std::ios::failure&) {
+    // A stream that throws when its state is set has lost nothing but the console's characters.
+  }
 }
 
 bool velIsUtf8Used(void) {

@@ -15,15 +15,8 @@ constexpr const char* kTexts[] = {"Jürgen", "пример", "日本", "😀", "
 constexpr char kSeparator = static_cast<char>(std::filesystem::path::preferred_separator);
 constexpr bool kIsWindows = kSeparator == '\\';
 
-/// The standard library's name, which it passes to the system by itself.
-std::filesystem::path pathOf(const std::string& name) {
-  return {std::u8string(name.begin(), name.end())};
-}
-
-std::string bytesOf(const std::string& name) {
-  std::ifstream stream(pathOf(name), std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
+using vel::test::readFile;
+using vel::test::utf8Path;
 
 class Utf8 : public testing::Test {
  protected:
@@ -48,22 +41,22 @@ TEST_F(Utf8, NamesReachTheFileSystem) {
     const VelClDirectory start(path(text).c_str());
     VelClDirectory directory(start);
     ASSERT_TRUE(directory.create());
-    EXPECT_TRUE(std::filesystem::is_directory(pathOf(path(text))));
+    EXPECT_TRUE(std::filesystem::is_directory(utf8Path(path(text))));
     const std::string name = path(text + kSeparator + text + ".ini"),
                       copied = path(text + kSeparator + "copy " + text);
-    std::ofstream(pathOf(name), std::ios::binary) << "[a]\nb=1\n";
+    std::ofstream(utf8Path(name), std::ios::binary) << "[a]\nb=1\n";
     VelClIniFileEditor editor(name.c_str()), other(name.c_str());
     EXPECT_EQ(editor.lock(0), VelEnIniFileLock::LOCKED);
     EXPECT_EQ(other.lock(0), VelEnIniFileLock::TIMED_OUT);
     ASSERT_TRUE(editor.load(false));
     EXPECT_TRUE(editor.setValue("a", "b", text.c_str()));
     EXPECT_TRUE(editor.save());
-    EXPECT_EQ(bytesOf(name), "[a]\nb=" + text + "\n");
+    EXPECT_EQ(readFile(name), "[a]\nb=" + text + "\n");
     VelClFile file(name.c_str(), "");
     EXPECT_TRUE(file.isFile());
-    EXPECT_EQ(file.getFileSize(), bytesOf(name).size());
+    EXPECT_EQ(file.getFileSize(), readFile(name).size());
     EXPECT_TRUE(file.copyTo(copied.c_str(), true));
-    EXPECT_EQ(bytesOf(copied), bytesOf(name));
+    EXPECT_EQ(readFile(copied), readFile(name));
     EXPECT_TRUE(file.renameAs(path(text + kSeparator + text + text).c_str()));
     std::set<std::string> listed;
     for (VelClDirectoryWalk walk(directory); walk.isValid(); walk.setToNext())
@@ -71,7 +64,7 @@ TEST_F(Utf8, NamesReachTheFileSystem) {
     EXPECT_EQ(listed, (std::set<std::string>{"copy " + text, text + text}));
     EXPECT_TRUE(VelClFile(copied.c_str(), "").remove());
     EXPECT_TRUE(directory.removeAll(true));
-    EXPECT_FALSE(std::filesystem::exists(pathOf(path(text))));
+    EXPECT_FALSE(std::filesystem::exists(utf8Path(path(text))));
   }
 }
 
@@ -95,7 +88,7 @@ TEST_F(Utf8, TheDirectoryOfTemporaryFilesIsFound) {
   const int descriptor = velTmpFileCreate(nullptr, "é", name.data());
   ASSERT_GE(descriptor, 0);
   vel::test::closeDescriptor(descriptor);
-  EXPECT_TRUE(std::filesystem::exists(pathOf(name.data())));
+  EXPECT_TRUE(std::filesystem::exists(utf8Path(name.data())));
   EXPECT_THAT(name.data(), testing::StartsWith(directory));
 }
 
@@ -135,7 +128,7 @@ std::string reportOf(const char* child, const char* task, const std::string& rep
     if (passesTexts) process.addArgument(text);
   EXPECT_TRUE(process.launch());
   EXPECT_EQ(process.getResult(), 0);
-  return bytesOf(report);
+  return readFile(report);
 }
 
 TEST_F(Utf8, ChildrenReceiveArgumentsAndVariables) {

@@ -8,6 +8,8 @@
 
 #include "base/enabled_rule.h"
 #include "base/short_text.h"
+#include "platform/console_text.h"
+#include "platform/descriptors.h"
 #include "platform/environment.h"
 #include "platform/processes.h"
 #include "platform/system.h"
@@ -71,8 +73,13 @@ class ErrorOutput {
 
  private:
   void flush() noexcept {
-    std::fwrite(buffer_, 1, used_, stderr);
-    std::fflush(stderr);
+    using namespace vel::platform;
+    if (isConsoleInUtf8(kStandardError)) {
+      static_cast<void>(writeConsole(kStandardError, buffer_, used_));
+    } else {
+      std::fwrite(buffer_, 1, used_, stderr);
+      std::fflush(stderr);
+    }
     used_ = 0;
   }
 

@@ -65,7 +65,7 @@ Texts split(std::string_view line) {
 }
 
 Texts argumentsOf(const char* line) {
-  const vel::process::Arguments arguments(line);
+  const vel::environment::Arguments arguments(line);
   require(arguments.get()[arguments.count()] == nullptr);
   return {arguments.get(), arguments.get() + arguments.count()};
 }

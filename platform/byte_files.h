@@ -43,7 +43,8 @@ class ReadableFile {
   int descriptor_ = -1;
 };
 
-/// Reads at most `capacity` bytes and sets `size` to the number read, 0 at the end.
+/// Reads at most `capacity` bytes and sets `size` to the number read, 0 at the end. Standard input and output
+/// that are a Windows console get and give UTF-8, see console_text.h.
 SystemError readBytes(int descriptor, void* buffer, std::size_t capacity, std::size_t& size) noexcept;
 /// Writes all bytes, or fails.
 SystemError writeBytes(int descriptor, const void* data, std::size_t size) noexcept;

@@ -5,14 +5,17 @@
 // whatever ran. Both ways give the same message and exit code, so that scripts need to know one only.
 #include "tools/tool_main.h"
 
-#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <new>
 
+#include "platform/byte_files.h"
 #include "platform/signals.h"
+#include "platform/text_encoding.h"
 #include "tools/safe_terminal.h"
 #include "tools/translation.h"
+#include "vel_include/vel_utf8.h"
 
 namespace vel::tools {
 namespace {
@@ -23,12 +26,10 @@ bool isOutOfMemory(const VelClException& exception) {
   return exception.getClass() == VelEnErrorClass::OUT_OF_MEMORY;
 }
 
-/// Allocates nothing; neither does standard error, because the C library does not buffer standard error.
+/// Allocates nothing.
 void reportOutOfMemory() noexcept {
-  std::fputs(kToolName, stderr);
-  std::fputs(": ", stderr);
-  std::fputs(translated("out of memory"), stderr);
-  std::fputs("\n", stderr);
+  for (const char* const text : {kToolName, ": ", translated("out of memory"), "\n"})
+    static_cast<void>(platform::writeBytes(platform::kStandardError, text, std::strlen(text)));
 }
 
 /// Whether the process ends for lack of memory. If not even the exception object could be allocated, there is
@@ -56,7 +57,15 @@ bool endsForLackOfMemory() noexcept {
 }
 
 int runTool(int argc, char** argv) {
+  // A tool has a copy of the seam in addition to that of the library.
+  velUseUtf8();
+  platform::useUtf8();
+  argv = velUtf8Arguments(&argc, argv);
   previousHandler = std::set_terminate(terminate);
+  if (argv == nullptr) {
+    reportOutOfMemory();
+    return kExitOutOfMemory;
+  }
   // A tool reports a failure to write, and ends with the exit code for that.
   platform::ignoreFileSizeSignal();
   useTranslations(kTranslations);

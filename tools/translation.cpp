@@ -2,7 +2,6 @@
 // and looks up each once, so the search is linear.
 #include "tools/translation.h"
 
-#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <string>

@@ -8,6 +8,7 @@
 //                                        (abbreviations), "n" (no colours) and "t" (set twice)
 //   UI_FULL                              standard output cannot be written, as on a full disk
 //   UI_USAGE, UI_HELP                    for handleUsageHelp; numbers with UI_CATALOG
+//   UI_UTF8                              calls velUseUtf8
 //   UI_ACTION, UI_PARAM                  a row of kActions, and its parameter: a switch's name, its one
 //                                        letter as "'x", or its message number as "#10"
 #include <chrono>
@@ -19,11 +20,13 @@
 #include <thread>
 
 #include "vel_include/vel_consoleui.h"
+#include "vel_include/vel_environment.h"
+#include "vel_include/vel_utf8.h"
 
 namespace {
 
 const char* variable(const char* name) {
-  return std::getenv(name);
+  return VelClEnvironmentVariableQueryOnly(name).getValue();
 }
 
 unsigned long number(const char* name) {
@@ -178,6 +181,7 @@ int run(VelClConsoleUI& ui, Words words) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (variable("UI_UTF8") != nullptr) velUseUtf8();
   if (variable("UI_FULL") != nullptr) std::cout.setstate(std::ios::badbit);
   if (variable("UI_DIRECTORY") != nullptr) std::filesystem::current_path(variable("UI_DIRECTORY"));
   if (const char* catalog = variable("UI_CATALOG")) {

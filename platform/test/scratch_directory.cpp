@@ -30,15 +30,15 @@ ScratchDirectory::~ScratchDirectory() {
 
 std::string ScratchDirectory::write(const std::string& entry, const std::string& bytes) const {
   std::string name = path(entry);
-  fs::create_directories(fs::path(name).parent_path());
-  if (!(std::ofstream(name, std::ios::binary) << bytes).flush())
+  fs::create_directories(utf8Path(name).parent_path());
+  if (!(std::ofstream(utf8Path(name), std::ios::binary) << bytes).flush())
     throw std::runtime_error("cannot write " + name);
   return name;
 }
 
 std::string readFile(const std::string& path) {
   std::ostringstream bytes;
-  bytes << std::ifstream(path, std::ios::binary).rdbuf();
+  bytes << std::ifstream(utf8Path(path), std::ios::binary).rdbuf();
   return bytes.str();
 }
 

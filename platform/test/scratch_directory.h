@@ -38,7 +38,12 @@ class CurrentDirectory {
   std::filesystem::path before_ = std::filesystem::current_path();
 };
 
-/// Returns the bytes of a file, or "" if it cannot be read.
+/// Returns a name in UTF-8 as a path, whatever the encoding of narrow names is on this system.
+inline std::filesystem::path utf8Path(const std::string& name) {
+  return {std::u8string(name.begin(), name.end())};
+}
+
+/// Returns the bytes of a file with a name in UTF-8, or "" if it cannot be read.
 std::string readFile(const std::string& path);
 
 /// Returns an absolute path as a backslash name, with a drive.

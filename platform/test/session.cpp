@@ -86,7 +86,7 @@ void addLine(Run& run, const std::string& line) {
   else if (sign == '!')
     run.errors += lineOf(run, text);
   else if (sign == '+')
-    std::ofstream(fileOf(run, text).first, std::ios::binary) << fileOf(run, text).second;
+    std::ofstream(utf8Path(fileOf(run, text).first), std::ios::binary) << fileOf(run, text).second;
   else if (sign == '=')
     run.exitCode = std::stoi(text);
   else

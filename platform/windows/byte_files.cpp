@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "platform/console_text.h"
 #include "platform/windows/native_text.h"
 
 namespace vel::platform {
@@ -38,6 +39,8 @@ void closeDescriptor(int descriptor) noexcept {
 }
 
 SystemError readBytes(int descriptor, void* buffer, std::size_t capacity, std::size_t& size) noexcept {
+  if (descriptor == kStandardInput && isConsoleInUtf8(descriptor))
+    return readConsole(static_cast<char*>(buffer), capacity, size);
   const int count = _read(descriptor, buffer, stepOf(capacity));
   if (count < 0) return errno;
   size = static_cast<std::size_t>(count);
@@ -46,6 +49,7 @@ SystemError readBytes(int descriptor, void* buffer, std::size_t capacity, std::s
 
 SystemError writeBytes(int descriptor, const void* data, std::size_t size) noexcept {
   const char* bytes = static_cast<const char*>(data);
+  if (isConsoleInUtf8(descriptor)) return writeConsole(descriptor, bytes, size);
   while (size > 0) {
     const int count = _write(descriptor, bytes, stepOf(size));
     if (count <= 0) return count < 0 ? errno : EIO;

@@ -40,7 +40,6 @@ namespace vel::platform {
 
 namespace {
 
-constexpr std::uint32_t kKnownAttributes = kAttributeReadOnly | kAttributeHidden | kAttributeDirectory;
 constexpr ULONG kListing = FILE_LIST_DIRECTORY | FILE_READ_ATTRIBUTES | SYNCHRONIZE;
 constexpr ULONG kLinkItself = FILE_OPEN_REPARSE_POINT | FILE_OPEN_FOR_BACKUP_INTENT;
 
@@ -110,7 +109,7 @@ std::uint64_t hashOfName(HANDLE file) noexcept {
   return hashOf(std::wstring_view(name.info.FileName, name.info.FileNameLength / sizeof(WCHAR)));
 }
 
-SystemError identityOf(HANDLE file, FileIdentity& identity) noexcept {
+SystemError readIdentity(HANDLE file, FileIdentity& identity) noexcept {
   BY_HANDLE_FILE_INFORMATION info;
   if (GetFileInformationByHandle(file, &info) == FALSE) return errnoOf(GetLastError());
   identity = identityIn(info);
@@ -124,7 +123,7 @@ DWORD identityOfDirectory(const wchar_t* path, FileIdentity& identity) noexcept 
   const HANDLE opened = CreateFileW(path, FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS, nullptr);
   if (opened == INVALID_HANDLE_VALUE) return GetLastError();
-  const bool isKnown = isDirectory(opened, DirectoryLink::Follow) && identityOf(opened, identity) == 0;
+  const bool isKnown = isDirectory(opened, DirectoryLink::Follow) && readIdentity(opened, identity) == 0;
   CloseHandle(opened);
   return isKnown ? ERROR_SUCCESS : ERROR_DIRECTORY;
 }
@@ -214,7 +213,7 @@ void closeDirectory(DirectoryHandle& directory) noexcept {
 }
 
 SystemError identityOf(const DirectoryHandle& directory, FileIdentity& identity) noexcept {
-  return identityOf(static_cast<HANDLE>(directory.system), identity);
+  return readIdentity(static_cast<HANDLE>(directory.system), identity);
 }
 
 // Tries longer and longer prefixes of the path: the first directory that can be opened is the root, since

@@ -8,12 +8,16 @@
 #include <string_view>
 
 #include "platform/file_identity.h"
+#include "platform/files.h"
 
 namespace vel::platform {
 
 /// The sharing mode of whoever only looks at a file: everybody else may go on reading, writing and removing
 /// it.
 inline constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// The attributes that the seam reports.
+inline constexpr std::uint32_t kKnownAttributes = kAttributeReadOnly | kAttributeHidden | kAttributeDirectory;
 
 /// Joins the high and low 32 bits in which Windows gives sizes, file indexes and times.
 constexpr std::uint64_t joined(DWORD high, DWORD low) noexcept {

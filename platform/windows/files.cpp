@@ -23,7 +23,6 @@ namespace vel::platform {
 
 namespace {
 
-constexpr std::uint32_t kKnownAttributes = kAttributeReadOnly | kAttributeHidden | kAttributeDirectory;
 /// The mode of _waccess that asks for write permission.
 constexpr int kTestForWriting = 2;
 

@@ -25,7 +25,7 @@ UINT fileNameCodePage() noexcept;
 /// UTF-16 text that is on the stack if it has a usual size.
 class WideBuffer {
  public:
-  WideBuffer() noexcept = default;
+  WideBuffer() noexcept { usual_[0] = L'\0'; }
   WideBuffer(const WideBuffer&) = delete;
   WideBuffer& operator=(const WideBuffer&) = delete;
   ~WideBuffer() { release(); }
@@ -59,7 +59,7 @@ class WideBuffer {
 
   void release() noexcept;
 
-  wchar_t usual_[kUsualSize] = L"";
+  wchar_t usual_[kUsualSize];
   wchar_t* text_ = usual_;
   std::size_t capacity_ = kUsualSize;
 };

@@ -18,6 +18,16 @@ constexpr DWORD kAbortExitCode = 3;
 /// Exit codes from here on are those of unhandled exceptions.
 constexpr DWORD kFirstExceptionCode = 0xC0000000;
 
+/// Converts UTF-8. A text that is ill-formed is taken for one in the ANSI code page.
+std::wstring wide(const std::string& text) {
+  const auto size = static_cast<int>(text.size());
+  std::wstring result(text.size(), L'\0');
+  int length = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), size, result.data(), size);
+  if (length == 0) length = MultiByteToWideChar(CP_ACP, 0, text.data(), size, result.data(), size);
+  result.resize(static_cast<std::size_t>(length));
+  return result;
+}
+
 /// Quotes an argument for the run-time library of the child. Only backslashes before a quote are doubled.
 std::string quoted(const std::string& argument) {
   std::string result = "\"";
@@ -33,31 +43,32 @@ std::string quoted(const std::string& argument) {
 /// Opens a file as a standard stream of the child.
 HANDLE openStream(const std::string& path, DWORD access) {
   SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-  return CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+  return CreateFileW(wide(path).c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                      &inheritable, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
 }  // namespace
 
 void runPlan(ChildPlan plan, ChildResult& result) {
-  STARTUPINFOA startUp{};
+  STARTUPINFOW startUp{};
   startUp.cb = sizeof startUp;
   startUp.dwFlags = STARTF_USESTDHANDLES;
   startUp.hStdInput = openStream(plan.streams[0], GENERIC_READ);
   startUp.hStdOutput = openStream(plan.streams[1], FILE_APPEND_DATA | SYNCHRONIZE);
   startUp.hStdError = openStream(plan.streams[2], FILE_APPEND_DATA | SYNCHRONIZE);
   const std::string program = plan.program + (plan.program.ends_with(".exe") ? "" : ".exe");
-  std::string line = quoted(program), environment;
-  for (const std::string& argument : plan.arguments) line += " " + quoted(argument);
-  for (const std::string& entry : plan.environment) environment += entry + '\0';
+  std::wstring line = wide(quoted(program)), environment;
+  for (const std::string& argument : plan.arguments) line += L' ' + wide(quoted(argument));
+  for (const std::string& entry : plan.environment) environment += wide(entry) + L'\0';
   // The child inherits this mode, so that no window waits for somebody to confirm a crash.
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
   PROCESS_INFORMATION process{};
   // Without a console a child cannot wait for keys.
   // On a busy machine, Wine sometimes fails with this error before the child has run any of its code.
   for (int attempts = 5; !result.started && attempts > 0; --attempts) {
-    result.started = CreateProcessA(program.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS,
-                                    environment.data(), nullptr, &startUp, &process);
+    result.started = CreateProcessW(wide(program).c_str(), line.data(), nullptr, nullptr, TRUE,
+                                    DETACHED_PROCESS | CREATE_UNICODE_ENVIRONMENT, environment.data(),
+                                    nullptr, &startUp, &process);
     if (GetLastError() != ERROR_INTERNAL_ERROR) break;
   }
   for (HANDLE stream : {startUp.hStdInput, startUp.hStdOutput, startUp.hStdError}) CloseHandle(stream);
@@ -74,12 +85,8 @@ void runPlan(ChildPlan plan, ChildResult& result) {
 }
 
 std::vector<std::string> splitBySystem(const std::string& arguments) {
-  const std::string line = "program " + arguments;
-  std::wstring wide(line.size(), L' ');
-  wide.resize(static_cast<std::size_t>(MultiByteToWideChar(
-      CP_UTF8, 0, line.data(), static_cast<int>(line.size()), wide.data(), static_cast<int>(wide.size()))));
   int count = 0;
-  wchar_t** const found = CommandLineToArgvW(wide.c_str(), &count);
+  wchar_t** const found = CommandLineToArgvW(wide("program " + arguments).c_str(), &count);
   std::vector<std::string> texts;
   for (int i = 1; i < count; ++i) {
     std::string text(3 * std::wcslen(found[i]) + 1, ' ');
