@@ -31,31 +31,33 @@
 #include "vel_filesys.h"
 #endif
 
+// clang-format off
 /// The rules by which a text is read as a path.
-enum VelEnPathSyntax VEL_ENUM_TYPE(uint32_t){
-    /// Backslash style on Windows, otherwise slash style.
-    PATH_SYNTAX_SYSTEM = 0,
-    /// "/" separates components, and every other byte is an ordinary character.
-    PATH_SYNTAX_SLASH = 1,
-    /// "\\" and "/" separate components. A path can begin with a drive, with a server and share, or with the
-    /// prefix of a device ("\\\\.\\COM1"). After "\\\\?\\" only "\\" separates, and "." and ".." are ordinary
-    /// names, as Windows reads such paths.
-    PATH_SYNTAX_BACKSLASH = 2,
-    /// The style that VelClFilename sees in the text: slash style if it contains "/", but neither "\\" nor a
-    /// drive letter, otherwise backslash style.
-    PATH_SYNTAX_AS_FILENAME = 3};
+enum VelEnPathSyntax VEL_ENUM_TYPE(uint32_t) {
+  /// Backslash style on Windows, otherwise slash style.
+  PATH_SYNTAX_SYSTEM = 0,
+  /// "/" separates components, and every other byte is an ordinary character.
+  PATH_SYNTAX_SLASH = 1,
+  /// "\\" and "/" separate components. A path can begin with a drive, with a server and share, or with the
+  /// prefix of a device ("\\\\.\\COM1"). After the prefixes "\\\\?\\" and "\\??\\" only "\\" separates, and
+  /// components such as ".." are ordinary names, as Windows reads such paths.
+  PATH_SYNTAX_BACKSLASH = 2,
+  /// The style that VelClFilename sees in the text: slash style if it contains "/", but neither "\\" nor a
+  /// drive letter, otherwise backslash style.
+  PATH_SYNTAX_AS_FILENAME = 3
+};
 
 /// The parts of a path: each is some adjacent characters of its text, and may be empty.
-enum VelEnPathPart VEL_ENUM_TYPE(uint32_t){
-    PATH_PART_ROOT_NAME =
-        0,  ///< "C:", "\\\\server\\share", "\\\\?\\C:", "\\\\?\\UNC\\server\\share", "\\\\.\\COM1"
-    PATH_PART_ROOT = 1,       ///< the name of the root, and the separator after it: "C:\\", "C:", "\\", "/"
-    PATH_PART_PARENT = 2,     ///< what is before the last component, without separators at its end: "C:\\d"
-    PATH_PART_NAME = 3,       ///< the last component, "" if the path ends with a separator: "x.tar.gz"
-    PATH_PART_STEM = 4,       ///< the last component without its extension: "x.tar"
-    PATH_PART_EXTENSION = 5,  ///< the last component from its last "." on: ".gz"
-    PATH_PART_EXTENSIONS = 6  ///< the last component from its first "." on: ".tar.gz"
+enum VelEnPathPart VEL_ENUM_TYPE(uint32_t) {
+  PATH_PART_ROOT_NAME = 0,  ///< "C:", "\\\\server\\share", "\\\\?\\UNC\\server\\share", "\\\\.\\COM1"
+  PATH_PART_ROOT = 1,       ///< the name of the root, and the separator after it: "C:\\", "C:", "\\", "/"
+  PATH_PART_PARENT = 2,     ///< what is before the last component, without separators at its end: "C:\\d"
+  PATH_PART_NAME = 3,       ///< the last component, "" if the path ends with a separator: "x.tar.gz"
+  PATH_PART_STEM = 4,       ///< the last component without its extension: "x.tar"
+  PATH_PART_EXTENSION = 5,  ///< the last component from its last "." on: ".gz"
+  PATH_PART_EXTENSIONS = 6  ///< the last component from its first "." on: ".tar.gz"
 };
+// clang-format on
 
 /// A path. Functions that change it leave it as it was if they fail. They fail with PATH_INVALID, or for lack
 /// of memory. In all functions a null text counts as "", and a text may be part of the path itself.
@@ -121,6 +123,8 @@ class VEL_API VelClPath {
       : VelClPath(text.data(), text.size(), syntax) {}
   VelClPath(const char* text, VelEnPathSyntax syntax = PATH_SYNTAX_SYSTEM)
       : VelClPath(text, text != nullptr ? std::char_traits<char>::length(text) : 0, syntax) {}
+  VelClPath(const std::string& text, VelEnPathSyntax syntax = PATH_SYNTAX_SYSTEM)
+      : VelClPath(text.data(), text.size(), syntax) {}
   VelClPath(const char* text, size_t size, VelEnPathSyntax syntax);
   VelClPath(const VelClPath& other);
   /// Leaves an empty path in the system's syntax behind.
@@ -203,8 +207,8 @@ class VEL_API VelClPath {
   /// which depends on the current directory of the drive, are relative.
   bool isAbsolute() const noexcept;
   bool isRelative() const noexcept { return !isAbsolute(); }
-  /// True if the last component is the name of a device on some version of Windows: "NUL", "com1.txt", "aux
-  /// ". In slash style, and after "\\\\?\\", no name is reserved.
+  /// True if the last component is the name of a device on some version of Windows, such as "NUL" or
+  /// "com1.txt". In slash style, and after "\\\\?\\", no name is reserved.
   bool isReserved() const noexcept;
 
   /// Appends a text as VelClFilename joins a directory and a name: after a separator, unless the path is
@@ -214,7 +218,8 @@ class VEL_API VelClPath {
   /// Finds `text` from this path as from a current directory, as std::filesystem::path does. An absolute text
   /// replaces the path; so does one with another drive. "\\dir" keeps the name of the root; "C:dir" continues
   /// in a path of the same drive. "" changes nothing. In a path that begins with "\\\\?\\", "." and ".." of
-  /// the text are resolved, because they would be ordinary names there.
+  /// the text are resolved, because they would be ordinary names there. The text is read in the syntax of
+  /// this path.
   VelClPath& join(const char* text, size_t size);
   VelClPath& join(std::string_view text) { return join(text.data(), text.size()); }
   VelClPath& operator/=(std::string_view text) { return join(text); }
@@ -278,8 +283,8 @@ class VEL_API VelClPath {
   VelClStatus check() const;
   /// Changes the syntax, and the text so that it names the same file there. To slash style the drive is
   /// dropped, as the file functions do outside of Windows: "C:\\d\\x" becomes "/d/x". Fails with
-  /// PATH_INVALID if the new style has no such name: "\\\\.\\COM1" in slash style, or a component with "\\"
-  /// or with a colon as its second character in backslash style.
+  /// PATH_INVALID if the new style has no such name: "\\\\.\\COM1" in slash style; in backslash style a
+  /// component with "\\", and a path that begins like one with a drive, such as "a:b".
   VelClStatus convertTo(VelEnPathSyntax syntax);
 
   /// Sets `name` to the same file. On Windows the text is converted to the encoding of the process. Fails
