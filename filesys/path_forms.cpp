@@ -85,7 +85,7 @@ String joinedVerbatim(PathView path, const PathRoot& root, bool isRooted, std::s
   if (!isRooted) addPlain(path, root, components);
   addResolved(text, Separators::Both, true, components);
   String result(path.text.substr(0, root.nameLength));
-  result += '\\';
+  if (isRooted || root.hasSeparator() || !components.empty()) result += '\\';
   appendAll(result, '\\', components.begin(), components.end());
   return result;
 }

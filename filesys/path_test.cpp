@@ -93,6 +93,11 @@ TEST(Path, IsComparedByComponents) {
     EXPECT_EQ(a.compare(b), -b.compare(a)) << row[1];
     EXPECT_EQ(a.compareAsSystem(b) < 0, b.compareAsSystem(a) > 0) << row[1];
     EXPECT_EQ(a < b, row[3][0] == '<');
+    // A text is compared in the syntax of the path.
+    const std::string_view text = row[2];
+    EXPECT_EQ(a == row[2], a == b);
+    EXPECT_EQ(text == a, a == b);
+    EXPECT_EQ(a < row[2].c_str(), a < b);
   }
 }
 

@@ -26,6 +26,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "vel_filesys.h"
@@ -46,6 +47,8 @@ enum VelEnPathSyntax VEL_ENUM_TYPE(uint32_t) {
   /// drive letter, otherwise backslash style.
   PATH_SYNTAX_AS_FILENAME = 3
 };
+/// For C programs.
+typedef enum VelEnPathSyntax VelEnPathSyntax;
 
 /// The parts of a path: each is some adjacent characters of its text, and may be empty.
 enum VelEnPathPart VEL_ENUM_TYPE(uint32_t) {
@@ -57,6 +60,8 @@ enum VelEnPathPart VEL_ENUM_TYPE(uint32_t) {
   PATH_PART_EXTENSION = 5,  ///< the last component from its last "." on: ".gz"
   PATH_PART_EXTENSIONS = 6  ///< the last component from its first "." on: ".tar.gz"
 };
+/// For C programs.
+typedef enum VelEnPathPart VelEnPathPart;
 // clang-format on
 
 /// A path. Functions that change it leave it as it was if they fail. They fail with PATH_INVALID, or for lack
@@ -88,6 +93,7 @@ VEL_C_API int velPathCompare(const VelStPath* path, const VelStPath* other);
 VEL_C_API int velPathCompareAsSystem(const VelStPath* path, const VelStPath* other);
 VEL_C_API VelStStatus* velPathCheck(const VelStPath* path);
 
+/// Change a path; see the methods of VelClPath with the same names.
 VEL_C_API VelStStatus* velPathAppend(VelStPath* path, const char* text, size_t size);
 VEL_C_API VelStStatus* velPathJoin(VelStPath* path, const char* text, size_t size);
 VEL_C_API VelStStatus* velPathSetNewName(VelStPath* path, const char* name, size_t size);
@@ -171,13 +177,17 @@ class VEL_API VelClPath {
   /// Iterates over the root and the components. An iterator is valid until the path changes.
   class Iterator {
    public:
+    /// For the algorithms of the standard library.
     using value_type = std::string_view;
     using difference_type = std::ptrdiff_t;
     using iterator_category = std::input_iterator_tag;
 
+    /// Construct an iterator at the end, and one at the start of a path.
     Iterator() noexcept = default;
     explicit Iterator(const VelClPath& path) noexcept : path_(&path) { ++*this; }
+    /// The root or a component.
     std::string_view operator*() const noexcept { return component_; }
+    /// Move to the next component.
     Iterator& operator++() noexcept {
       size_t size = 0;
       const char* const text = path_->getComponent(position_, size);
@@ -190,6 +200,7 @@ class VEL_API VelClPath {
       ++*this;
       return before;
     }
+    /// Compares the positions of iterators over one path.
     bool operator==(const Iterator& other) const noexcept {
       return path_ == other.path_ && (path_ == nullptr || position_ == other.position_);
     }
@@ -199,6 +210,7 @@ class VEL_API VelClPath {
     size_t position_ = 0;
     std::string_view component_;
   };
+  /// Begin and end a loop over the components.
   Iterator begin() const noexcept { return Iterator(*this); }
   Iterator end() const noexcept { return {}; }
 
@@ -271,6 +283,17 @@ class VEL_API VelClPath {
   friend std::strong_ordering operator<=>(const VelClPath& a, const VelClPath& b) noexcept {
     return a.compare(b) <=> 0;
   }
+  /// Compare with a text, which is read in the syntax of the path.
+  template <typename Text>
+  requires std::is_convertible_v<const Text&, std::string_view>
+  friend bool operator==(const VelClPath& path, const Text& text) noexcept {
+    return path.compareWithText(text) == 0;
+  }
+  template <typename Text>
+  requires std::is_convertible_v<const Text&, std::string_view>
+  friend std::strong_ordering operator<=>(const VelClPath& path, const Text& text) noexcept {
+    return path.compareWithText(text) <=> 0;
+  }
   /// Same, but as the system compares the names of files, by the syntax of this path. In slash style they are
   /// bytes. In backslash style Windows ignores case by its own table of upper-case letters, the same in every
   /// locale; elsewhere ASCII case is ignored, as the library does when it finds the file of a
@@ -323,6 +346,11 @@ class VEL_API VelClPath {
 
  private:
   struct Content;
+  int compareWithText(const char* text, size_t size) const noexcept;
+  int compareWithText(std::string_view text) const noexcept {
+    return compareWithText(text.data(), text.size());
+  }
+
   Content* content_;  ///< null for the empty path in the system's syntax
 };
 
