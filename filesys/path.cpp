@@ -124,6 +124,11 @@ int VelClPath::compare(const VelClPath& other) const noexcept {
   return filesys::compareComponents(Content::viewOf(*this), Content::viewOf(other), filesys::compareBytes);
 }
 
+int VelClPath::compareWithText(const char* text, size_t size) const noexcept {
+  return filesys::compareComponents(Content::viewOf(*this), {filesys::textOrEmpty(text, size), getSyntax()},
+                                    filesys::compareBytes);
+}
+
 int VelClPath::compareAsSystem(const VelClPath& other) const noexcept {
   return filesys::compareComponents(Content::viewOf(*this), Content::viewOf(other),
                                     filesys::systemComparison(getSyntax()));

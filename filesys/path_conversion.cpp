@@ -53,12 +53,24 @@ bool convertToSlash(PathView path, String& converted) {
 }
 
 bool convertToBackslash(PathView path, String& converted) {
-  if (path.text.find('\\') != std::string_view::npos || filesys::hasDrive(path.text)) return false;
+  if (path.text.find('\\') != std::string_view::npos) return false;
   // Two separators at the start would begin the name of a server.
   const std::size_t slashes = std::min(path.text.find_first_not_of('/'), path.text.size());
   converted = path.text.substr(slashes > 1 ? slashes - 1 : 0);
   std::replace(converted.begin(), converted.end(), '/', '\\');
-  return true;
+  return filesys::rootOf({converted, PATH_SYNTAX_BACKSLASH}).kind == PathRoot::Kind::None;
+}
+
+/// Returns the text in which VelClFilename sees the same file, or false if there is none.
+bool makeTextForFilename(PathView path, String& text) {
+  text = path.text;
+  if (syntaxOfFileName(text) == PATH_SYNTAX_SLASH) return true;
+  if (path.isSlash()) return text.find('\\') == String::npos && !filesys::hasDriveLetter(text);
+  const PathRoot::Kind kind = filesys::rootOf(path).kind;
+  if (kind == PathRoot::Kind::Verbatim) return true;
+  // Beside a backslash, "/" would be an ordinary character.
+  std::replace(text.begin(), text.end(), '/', '\\');
+  return filesys::rootOf({text, path.syntax}).kind == kind;
 }
 
 /// Calls `write` with more and more room until the result fits.
@@ -145,14 +157,8 @@ VelClStatus VelClPath::toFilename(VelClFilename& name) const {
   if (status.isOk() && platform::usesBackslashNames()) status = converted.convertTo(PATH_SYNTAX_SYSTEM);
   if (!status.isOk()) return status;
   const PathView view = Content::viewOf(converted);
-  String text(view.text);
-  if (syntaxOfFileName(text) == PATH_SYNTAX_BACKSLASH) {
-    const bool isOtherName = text.find('\\') != String::npos || filesys::hasDriveLetter(text);
-    if (view.isSlash() && isOtherName) return invalid(view.text);
-    // Beside a backslash, "/" would be an ordinary character.
-    if (!view.isSlash() && filesys::rootOf(view).kind != PathRoot::Kind::Verbatim)
-      std::replace(text.begin(), text.end(), '/', '\\');
-  }
+  String text;
+  if (!makeTextForFilename(view, text)) return invalid(view.text);
   char narrow[filesys::kMaxLength + 1];
   std::size_t size = 0;
   const platform::SystemError error = platform::narrowName(text, narrow, filesys::kMaxLength, size);
@@ -172,7 +178,7 @@ VelClStatus VelClPath::fromFilename(const VelClPathProperty& name, VelClPath& pa
     return failure;
   });
   if (error != 0) return invalid(narrow);
-  VelClPath converted(text, syntaxOfFileName(text));
+  VelClPath converted(text, platform::usesBackslashNames() ? PATH_SYNTAX_BACKSLASH : syntaxOfFileName(text));
   VelClStatus status = converted.convertTo(PATH_SYNTAX_SYSTEM);
   if (status.isOk()) path = std::move(converted);
   return status;

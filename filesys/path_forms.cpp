@@ -64,26 +64,28 @@ String rootNameOf(PathView path, const PathRoot& root) {
   return name;
 }
 
-/// Returns ".\" if a path would be read as another kind of path without it, because its first component,
-/// which follows other components in the original text, would be read as a root: "C:x" of "a\..\C:x" as a
-/// drive, or "??" after a single separator as the prefix of the system's own names.
-std::string_view guardOf(PathView path, const PathRoot& root, const Components& components) noexcept {
-  if (path.isSlash() || root.kind != Kind::None || components.empty()) return {};
-  const std::string_view first = components.front();
-  if (!root.hasSeparator()) return hasDrive(first) ? ".\\" : "";
-  const bool wasFirst =
-      afterRoot(path, root).substr(0, findSeparator(path.text, 1, root.separators) - 1) == "??";
-  return first == "??" && !wasFirst ? ".\\" : "";
+/// Whether a component at the start of a path, or after a single separator, would be read as a root.
+bool looksLikeRoot(std::string_view component) noexcept {
+  return hasDrive(component) || component == "??";
 }
 
-/// Returns a path that begins with "\\?\", continued by a text, whose "." and ".." are resolved. `isRooted`:
-/// from the root.
+/// Returns ".\" if a path would be read as another kind of path without it, because its first component
+/// follows other components in the original text: "a\..\C:x" does not begin with a drive, nor "\a\..\??\C:\x"
+/// with "\??\".
+std::string_view guardOf(PathView path, const PathRoot& root, const Components& components) noexcept {
+  const bool needsGuard =
+      !path.isSlash() && root.kind == Kind::None && !components.empty() && looksLikeRoot(components.front());
+  return needsGuard ? ".\\" : "";
+}
+
+/// Returns a path that has a prefix such as "\\?\", continued by a text, whose "." and ".." are resolved.
+/// `isRooted`: from the root.
 String joinedVerbatim(PathView path, const PathRoot& root, bool isRooted, std::string_view text) {
   Components components;
   if (!isRooted) addPlain(path, root, components);
   addResolved(text, Separators::Both, true, components);
   String result(path.text.substr(0, root.nameLength));
-  result += '\\';
+  if (isRooted || root.hasSeparator() || !components.empty()) result += '\\';
   appendAll(result, '\\', components.begin(), components.end());
   return result;
 }
@@ -161,6 +163,7 @@ bool makeRelative(PathView path, PathView base, NameComparison compareNames, Str
   const PathView roots[] = {{partOf(path, PATH_PART_ROOT), path.syntax},
                             {partOf(base, PATH_PART_ROOT), base.syntax}};
   if (compareComponents(roots[0], roots[1], compareNames) != 0) return false;
+  if (rootOf(path).kind == Kind::IncompleteNetwork) return false;
   Components target, start;
   if (!componentsOf(path, target) || !componentsOf(base, start)) return false;
   const auto [rest, left] =
@@ -171,7 +174,7 @@ bool makeRelative(PathView path, PathView base, NameComparison compareNames, Str
   components.insert(components.end(), rest, target.cend());
   result.clear();
   if (components.empty()) components.push_back(".");
-  if (!path.isSlash() && hasDrive(components.front())) result = ".\\";
+  if (!path.isSlash() && looksLikeRoot(components.front())) result = ".\\";
   appendAll(result, separatorOf(path), components.begin(), components.end());
   return true;
 }

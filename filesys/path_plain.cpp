@@ -5,6 +5,8 @@
 #include "vel_include/vel_path.h"
 
 struct VelStPath {
+  explicit VelStPath(VelClPath&& itsPath) noexcept : path(std::move(itsPath)) {}
+
   VelClPath path;
 };
 

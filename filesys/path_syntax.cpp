@@ -10,7 +10,12 @@ namespace vel::filesys {
 
 namespace {
 
-constexpr std::string_view kVerbatimPrefix = "\\\\?\\";
+/// Both prefixes have this length.
+constexpr std::size_t kPrefixLength = 4;
+
+bool hasVerbatimPrefix(std::string_view text) noexcept {
+  return text.starts_with("\\\\?\\") || text.starts_with("\\??\\");
+}
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) noexcept {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
@@ -19,16 +24,24 @@ bool equalsIgnoringCase(std::string_view a, std::string_view b) noexcept {
 
 /// Whether a network name has "." or "?" as its server, which are prefixes of devices.
 bool hasDevicePrefix(std::string_view text, Separators separators) noexcept {
-  return text.size() >= 4 && (text[2] == '.' || text[2] == '?') && isSeparator(text[3], separators);
+  return (text[2] == '.' || text[2] == '?') && isSeparator(text[3], separators);
 }
 
 /// Returns the length of "\\?\UNC\server\share", or 0 for a text without them.
 std::size_t lengthOfLongNetworkName(std::string_view text, Separators separators) noexcept {
   constexpr std::size_t kServer = 8;
   if (text.size() < kServer || !isSeparator(text[kServer - 1], separators)) return 0;
-  if (!equalsIgnoringCase(text.substr(4, 3), "UNC")) return 0;
+  if (!equalsIgnoringCase(text.substr(kPrefixLength, 3), "UNC")) return 0;
   const std::size_t share = findSeparator(text, kServer, separators);
   return share == text.size() ? share : findSeparator(text, share + 1, separators);
+}
+
+/// Finds the root of a path with a prefix of four characters: the next component, or server and share.
+void findDeviceRoot(std::string_view text, PathRoot::Kind kind, PathRoot& root) noexcept {
+  const std::size_t networkLength = lengthOfLongNetworkName(text, root.separators);
+  root.kind = kind;
+  root.hasServer = networkLength != 0;
+  root.nameLength = root.hasServer ? networkLength : findSeparator(text, kPrefixLength, root.separators);
 }
 
 void findNetworkRoot(std::string_view text, PathRoot& root) noexcept {
@@ -38,17 +51,16 @@ void findNetworkRoot(std::string_view text, PathRoot& root) noexcept {
     root.kind = PathRoot::Kind::IncompleteNetwork;
     root.nameLength = text.size();
   } else if (hasDevicePrefix(text, root.separators)) {
-    const bool isVerbatim = root.separators == Separators::Backslash;
-    root.kind = isVerbatim ? PathRoot::Kind::Verbatim : PathRoot::Kind::Device;
-    const std::size_t networkLength = lengthOfLongNetworkName(text, root.separators);
-    root.hasServer = networkLength != 0;
-    if (root.hasServer) root.nameLength = networkLength;
+    findDeviceRoot(text, PathRoot::Kind::Device, root);
   }
 }
 
 void findBackslashRoot(std::string_view text, PathRoot& root) noexcept {
-  root.separators = text.starts_with(kVerbatimPrefix) ? Separators::Backslash : Separators::Both;
-  if (beginsAsNetworkName(text, root.separators)) {
+  root.separators = Separators::Both;
+  if (hasVerbatimPrefix(text)) {
+    root.separators = Separators::Backslash;
+    findDeviceRoot(text, PathRoot::Kind::Verbatim, root);
+  } else if (beginsAsNetworkName(text, root.separators)) {
     findNetworkRoot(text, root);
   } else if (hasDrive(text) && !isSeparator(text[0], root.separators)) {
     root.kind = PathRoot::Kind::Drive;

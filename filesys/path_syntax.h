@@ -23,7 +23,7 @@ struct PathRoot {
     Network,            ///< "\\server\share"
     IncompleteNetwork,  ///< two separators without server and share; the whole text counts as the name
     Device,             ///< "\\.\name", also with "/"
-    Verbatim            ///< "\\?\name": what follows is not interpreted
+    Verbatim            ///< "\\?\name" or "\??\name": what follows is not interpreted
   };
 
   Kind kind = Kind::None;

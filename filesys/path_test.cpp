@@ -93,6 +93,11 @@ TEST(Path, IsComparedByComponents) {
     EXPECT_EQ(a.compare(b), -b.compare(a)) << row[1];
     EXPECT_EQ(a.compareAsSystem(b) < 0, b.compareAsSystem(a) > 0) << row[1];
     EXPECT_EQ(a < b, row[3][0] == '<');
+    // A text is compared in the syntax of the path.
+    const std::string_view text = row[2];
+    EXPECT_EQ(a == row[2], a == b);
+    EXPECT_EQ(text == a, a == b);
+    EXPECT_EQ(a < row[2].c_str(), a < b);
   }
 }
 
@@ -111,8 +116,9 @@ bool hasOtherRoot(const VelClPath& path) {
   const bool isBackslash = path.getSyntax() == PATH_SYNTAX_BACKSLASH;
   const VelClFilename name(path.getAsCString());
   const bool isIncomplete = isBackslash && path.getText().starts_with("\\\\") && !name.isUNC();
-  const bool hasPrefix = path.getRootName().starts_with("\\\\") && path.getText().find_first_of(".?") == 2;
-  return isIncomplete || hasPrefix || path.getRootName() == ".:";
+  const std::string_view root = path.getRootName();
+  const bool hasPrefix = root.starts_with("\\\\") && root.find_first_of(".?") == 2;
+  return isIncomplete || hasPrefix || root.starts_with("\\??") || root == ".:";
 }
 
 TEST(Path, FollowsTheRulesOfFileNames) {
@@ -259,6 +265,61 @@ TEST(Path, IsMadeAbsoluteFromTheCurrentDirectory) {
     ASSERT_TRUE(name.makeAbsolute().isOk());
     EXPECT_EQ(name.getText(), device);
   }
+}
+
+void* noMemory(std::size_t) {
+  return nullptr;
+}
+
+TEST(PlainPath, DoesWhatTheClassDoes) {
+  const auto succeeded = [](VelStStatus* status) { return VelClStatus(status).isOk(); };
+  VelStPath *path = nullptr, *base = nullptr, *none = nullptr;
+  ASSERT_TRUE(succeeded(velPathCreate("C:/d/./x.txt#", 12, PATH_SYNTAX_BACKSLASH, &path)));
+  ASSERT_TRUE(succeeded(velPathCopy(path, &base)));
+  EXPECT_EQ(velPathCompare(path, base), 0);
+  EXPECT_TRUE(velPathSetToParent(base));
+  EXPECT_TRUE(succeeded(velPathSetNewStem(path, "Y", 1)) &&
+              succeeded(velPathSetNewExtension(path, ".c", 2)) && succeeded(velPathMakeNormal(path)));
+  EXPECT_STREQ(velPathGetText(path, nullptr), "C:\\d\\Y.c");
+  EXPECT_TRUE(succeeded(velPathMakeRelative(path, base)) && succeeded(velPathMakeAbsolute(path, base)));
+  std::size_t size = 0, position = 0;
+  EXPECT_STREQ(velPathGetText(path, &size), "C:/d/.\\Y.c");
+  EXPECT_EQ(size, 10U);
+  const char* const part = velPathGetPart(path, PATH_PART_NAME, &size);
+  EXPECT_EQ(std::string(part, size), "Y.c");
+  std::string components;
+  while (const char* component = velPathGetComponent(path, &position, &size))
+    components += std::string(component, size) + "|";
+  EXPECT_EQ(components, "C:/|d|.|Y.c|");
+  EXPECT_TRUE(velPathIsAbsolute(path) && !velPathIsReserved(path) && succeeded(velPathCheck(path)));
+  EXPECT_TRUE(succeeded(velPathSetNewName(path, nullptr, 7)) && succeeded(velPathAppend(path, "a", 1)) &&
+              succeeded(velPathJoin(path, "B", 1)));
+  EXPECT_TRUE(succeeded(velPathAppend(base, "a/b", 3)));
+  EXPECT_EQ(velPathCompareAsSystem(base, path), 0);
+  EXPECT_NE(velPathCompare(base, path), 0);
+  EXPECT_TRUE(succeeded(velPathConvert(path, PATH_SYNTAX_SLASH)));
+  EXPECT_EQ(velPathGetSyntax(path), PATH_SYNTAX_SLASH);
+  char name[VEL_MAX_PATH_LENGTH + 1] = "";
+  ASSERT_TRUE(succeeded(velPathFromFilename("a", &none)) && succeeded(velPathToFilename(none, name)));
+  EXPECT_STREQ(name, "a");
+  EXPECT_TRUE(succeeded(velPathAppend(none, std::string(300, 'x').c_str(), 300)));
+  EXPECT_EQ(VelClStatus(velPathToFilename(none, name)).getErrorId(),
+            static_cast<unsigned long>(PATH_TOO_LONG));
+  EXPECT_STREQ(name, "");
+  velPathFree(none);
+
+  // No exception leaves a plain function.
+  const std::string before = velPathGetText(path, nullptr), text(100, 'x');
+  VelClMemoryManager::setNewMemoryManager(noMemory, nullptr, std::free);
+  for (VelStStatus* status : {velPathCopy(path, &none), velPathAppend(path, text.data(), text.size()),
+                              velPathMakeNormal(base), velPathMakeRelative(path, base)})
+    EXPECT_EQ(VelClStatus(status).getClass(), VelEnErrorClass::OUT_OF_MEMORY);
+  VelClMemoryManager::setNewMemoryManager(std::malloc, std::realloc, std::free);
+  EXPECT_EQ(none, nullptr);
+  EXPECT_EQ(velPathGetText(path, nullptr), before);
+  velPathFree(path);
+  velPathFree(base);
+  velPathFree(nullptr);
 }
 
 }  // namespace

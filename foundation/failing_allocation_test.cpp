@@ -260,6 +260,45 @@ TEST_F(FailingAllocation, KeepsIniFiles) {
   });
 }
 
+TEST_F(FailingAllocation, KeepsPaths) {
+  const std::pair<const char*, void (*)(VelClPath&)> changes[] = {
+      {"copied path", [](VelClPath& path) { path = VelClPath(path); }},
+      {"appended path", [](VelClPath& path) { path.append(kLong); }},
+      {"joined path", [](VelClPath& path) { path /= kLong; }},
+      {"new name", [](VelClPath& path) { path.setNewName(kLong); }},
+      {"new stem", [](VelClPath& path) { path.setNewStem(kLong); }},
+      {"new extension", [](VelClPath& path) { path.setNewExtension(kLong); }},
+      {"normal path", [](VelClPath& path) { path.makeNormal(); }},
+      {"absolute path",
+       [](VelClPath& path) {
+         EXPECT_TRUE(path.makeAbsolute({"/d", PATH_SYNTAX_SLASH}).isOk());
+       }},
+      {"relative path",
+       [](VelClPath& path) {
+         EXPECT_TRUE(path.makeRelative({"../" + kLong, PATH_SYNTAX_SLASH}).isOk());
+       }},
+      {"other syntax", [](VelClPath& path) { EXPECT_TRUE(path.convertTo(PATH_SYNTAX_BACKSLASH).isOk()); }},
+  };
+  const std::string text = "../" + kLong + "/./" + kLong + ".txt";
+  for (const auto& [name, change] : changes)
+    exhaust(name, [&, change = change] {
+      VelClPath path(text, PATH_SYNTAX_SLASH);
+      const bool done = attempt([&] { change(path); });
+      if (!done) {
+        EXPECT_EQ(path.getText(), text);
+      }
+    });
+  exhaust("names", [&] {
+    VelClPath path;
+    VelClFilename name;
+    if (!attempt([&] { EXPECT_TRUE(VelClPath::fromFilename(VelClFilename(text.c_str()), path).isOk()); })) {
+      EXPECT_TRUE(path.isEmpty());
+    }
+    attempt([&] { EXPECT_TRUE(VelClPath(text).toFilename(name).isOk()); });
+    attempt([&] { EXPECT_TRUE(VelClPath(text).makeAbsolute().isOk()); });
+  });
+}
+
 unsigned long builtInMessageCount() {
   unsigned long count = 0;
   velMsgCatGetBuiltInTable(&count);

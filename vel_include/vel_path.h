@@ -26,36 +26,43 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "vel_filesys.h"
 #endif
 
+// clang-format off
 /// The rules by which a text is read as a path.
-enum VelEnPathSyntax VEL_ENUM_TYPE(uint32_t){
-    /// Backslash style on Windows, otherwise slash style.
-    PATH_SYNTAX_SYSTEM = 0,
-    /// "/" separates components, and every other byte is an ordinary character.
-    PATH_SYNTAX_SLASH = 1,
-    /// "\\" and "/" separate components. A path can begin with a drive, with a server and share, or with the
-    /// prefix of a device ("\\\\.\\COM1"). After "\\\\?\\" only "\\" separates, and "." and ".." are ordinary
-    /// names, as Windows reads such paths.
-    PATH_SYNTAX_BACKSLASH = 2,
-    /// The style that VelClFilename sees in the text: slash style if it contains "/", but neither "\\" nor a
-    /// drive letter, otherwise backslash style.
-    PATH_SYNTAX_AS_FILENAME = 3};
+enum VelEnPathSyntax VEL_ENUM_TYPE(uint32_t) {
+  /// Backslash style on Windows, otherwise slash style.
+  PATH_SYNTAX_SYSTEM = 0,
+  /// "/" separates components, and every other byte is an ordinary character.
+  PATH_SYNTAX_SLASH = 1,
+  /// "\\" and "/" separate components. A path can begin with a drive, with a server and share, or with the
+  /// prefix of a device ("\\\\.\\COM1"). After the prefixes "\\\\?\\" and "\\??\\" only "\\" separates, and
+  /// components such as ".." are ordinary names, as Windows reads such paths.
+  PATH_SYNTAX_BACKSLASH = 2,
+  /// The style that VelClFilename sees in the text: slash style if it contains "/", but neither "\\" nor a
+  /// drive letter, otherwise backslash style.
+  PATH_SYNTAX_AS_FILENAME = 3
+};
+/// For C programs.
+typedef enum VelEnPathSyntax VelEnPathSyntax;
 
 /// The parts of a path: each is some adjacent characters of its text, and may be empty.
-enum VelEnPathPart VEL_ENUM_TYPE(uint32_t){
-    PATH_PART_ROOT_NAME =
-        0,  ///< "C:", "\\\\server\\share", "\\\\?\\C:", "\\\\?\\UNC\\server\\share", "\\\\.\\COM1"
-    PATH_PART_ROOT = 1,       ///< the name of the root, and the separator after it: "C:\\", "C:", "\\", "/"
-    PATH_PART_PARENT = 2,     ///< what is before the last component, without separators at its end: "C:\\d"
-    PATH_PART_NAME = 3,       ///< the last component, "" if the path ends with a separator: "x.tar.gz"
-    PATH_PART_STEM = 4,       ///< the last component without its extension: "x.tar"
-    PATH_PART_EXTENSION = 5,  ///< the last component from its last "." on: ".gz"
-    PATH_PART_EXTENSIONS = 6  ///< the last component from its first "." on: ".tar.gz"
+enum VelEnPathPart VEL_ENUM_TYPE(uint32_t) {
+  PATH_PART_ROOT_NAME = 0,  ///< "C:", "\\\\server\\share", "\\\\?\\UNC\\server\\share", "\\\\.\\COM1"
+  PATH_PART_ROOT = 1,       ///< the name of the root, and the separator after it: "C:\\", "C:", "\\", "/"
+  PATH_PART_PARENT = 2,     ///< what is before the last component, without separators at its end: "C:\\d"
+  PATH_PART_NAME = 3,       ///< the last component, "" if the path ends with a separator: "x.tar.gz"
+  PATH_PART_STEM = 4,       ///< the last component without its extension: "x.tar"
+  PATH_PART_EXTENSION = 5,  ///< the last component from its last "." on: ".gz"
+  PATH_PART_EXTENSIONS = 6  ///< the last component from its first "." on: ".tar.gz"
 };
+/// For C programs.
+typedef enum VelEnPathPart VelEnPathPart;
+// clang-format on
 
 #if !defined(__cplusplus)
 /// The names of the enumerations in C.
@@ -92,6 +99,7 @@ VEL_C_API int velPathCompare(const VelStPath* path, const VelStPath* other);
 VEL_C_API int velPathCompareAsSystem(const VelStPath* path, const VelStPath* other);
 VEL_C_API VelStStatus* velPathCheck(const VelStPath* path);
 
+/// Change a path; see the methods of VelClPath with the same names.
 VEL_C_API VelStStatus* velPathAppend(VelStPath* path, const char* text, size_t size);
 VEL_C_API VelStStatus* velPathJoin(VelStPath* path, const char* text, size_t size);
 VEL_C_API VelStStatus* velPathSetNewName(VelStPath* path, const char* name, size_t size);
@@ -127,6 +135,8 @@ class VEL_API VelClPath {
       : VelClPath(text.data(), text.size(), syntax) {}
   VelClPath(const char* text, VelEnPathSyntax syntax = PATH_SYNTAX_SYSTEM)
       : VelClPath(text, text != nullptr ? std::char_traits<char>::length(text) : 0, syntax) {}
+  VelClPath(const std::string& text, VelEnPathSyntax syntax = PATH_SYNTAX_SYSTEM)
+      : VelClPath(text.data(), text.size(), syntax) {}
   VelClPath(const char* text, size_t size, VelEnPathSyntax syntax);
   VelClPath(const VelClPath& other);
   /// Leaves an empty path in the system's syntax behind.
@@ -173,13 +183,17 @@ class VEL_API VelClPath {
   /// Iterates over the root and the components. An iterator is valid until the path changes.
   class Iterator {
    public:
+    /// For the algorithms of the standard library.
     using value_type = std::string_view;
     using difference_type = std::ptrdiff_t;
     using iterator_category = std::input_iterator_tag;
 
+    /// Construct an iterator at the end, and one at the start of a path.
     Iterator() noexcept = default;
     explicit Iterator(const VelClPath& path) noexcept : path_(&path) { ++*this; }
+    /// The root or a component.
     std::string_view operator*() const noexcept { return component_; }
+    /// Move to the next component.
     Iterator& operator++() noexcept {
       size_t size = 0;
       const char* const text = path_->getComponent(position_, size);
@@ -192,6 +206,7 @@ class VEL_API VelClPath {
       ++*this;
       return before;
     }
+    /// Compares the positions of iterators over one path.
     bool operator==(const Iterator& other) const noexcept {
       return path_ == other.path_ && (path_ == nullptr || position_ == other.position_);
     }
@@ -201,6 +216,7 @@ class VEL_API VelClPath {
     size_t position_ = 0;
     std::string_view component_;
   };
+  /// Begin and end a loop over the components.
   Iterator begin() const noexcept { return Iterator(*this); }
   Iterator end() const noexcept { return {}; }
 
@@ -209,8 +225,8 @@ class VEL_API VelClPath {
   /// which depends on the current directory of the drive, are relative.
   bool isAbsolute() const noexcept;
   bool isRelative() const noexcept { return !isAbsolute(); }
-  /// True if the last component is the name of a device on some version of Windows: "NUL", "com1.txt", "aux
-  /// ". In slash style, and after "\\\\?\\", no name is reserved.
+  /// True if the last component is the name of a device on some version of Windows, such as "NUL" or
+  /// "com1.txt". In slash style, and after "\\\\?\\", no name is reserved.
   bool isReserved() const noexcept;
 
   /// Appends a text as VelClFilename joins a directory and a name: after a separator, unless the path is
@@ -220,7 +236,8 @@ class VEL_API VelClPath {
   /// Finds `text` from this path as from a current directory, as std::filesystem::path does. An absolute text
   /// replaces the path; so does one with another drive. "\\dir" keeps the name of the root; "C:dir" continues
   /// in a path of the same drive. "" changes nothing. In a path that begins with "\\\\?\\", "." and ".." of
-  /// the text are resolved, because they would be ordinary names there.
+  /// the text are resolved, because they would be ordinary names there. The text is read in the syntax of
+  /// this path.
   VelClPath& join(const char* text, size_t size);
   VelClPath& join(std::string_view text) { return join(text.data(), text.size()); }
   VelClPath& operator/=(std::string_view text) { return join(text); }
@@ -272,6 +289,17 @@ class VEL_API VelClPath {
   friend std::strong_ordering operator<=>(const VelClPath& a, const VelClPath& b) noexcept {
     return a.compare(b) <=> 0;
   }
+  /// Compare with a text, which is read in the syntax of the path.
+  template <typename Text>
+  requires std::is_convertible_v<const Text&, std::string_view>
+  friend bool operator==(const VelClPath& path, const Text& text) noexcept {
+    return path.compareWithText(text) == 0;
+  }
+  template <typename Text>
+  requires std::is_convertible_v<const Text&, std::string_view>
+  friend std::strong_ordering operator<=>(const VelClPath& path, const Text& text) noexcept {
+    return path.compareWithText(text) <=> 0;
+  }
   /// Same, but as the system compares the names of files, by the syntax of this path. In slash style they are
   /// bytes. In backslash style Windows ignores case by its own table of upper-case letters, the same in every
   /// locale; elsewhere ASCII case is ignored, as the library does when it finds the file of a
@@ -284,8 +312,8 @@ class VEL_API VelClPath {
   VelClStatus check() const;
   /// Changes the syntax, and the text so that it names the same file there. To slash style the drive is
   /// dropped, as the file functions do outside of Windows: "C:\\d\\x" becomes "/d/x". Fails with
-  /// PATH_INVALID if the new style has no such name: "\\\\.\\COM1" in slash style, or a component with "\\"
-  /// or with a colon as its second character in backslash style.
+  /// PATH_INVALID if the new style has no such name: "\\\\.\\COM1" in slash style; in backslash style a
+  /// component with "\\", and a path that begins like one with a drive, such as "a:b".
   VelClStatus convertTo(VelEnPathSyntax syntax);
 
   /// Sets `name` to the same file. On Windows the text is converted to the encoding of the process. Fails
@@ -324,6 +352,11 @@ class VEL_API VelClPath {
 
  private:
   struct Content;
+  int compareWithText(const char* text, size_t size) const noexcept;
+  int compareWithText(std::string_view text) const noexcept {
+    return compareWithText(text.data(), text.size());
+  }
+
   Content* content_;  ///< null for the empty path in the system's syntax
 };
 
