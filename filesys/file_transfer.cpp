@@ -2,6 +2,7 @@
 // then removed from where it was.
 #include <cerrno>
 
+#include "filesys/directory_move.h"
 #include "filesys/path_argument.h"
 #include "platform/file_contents.h"
 #include "platform/named_files.h"
@@ -39,6 +40,8 @@ VelClStatus moveByCopy(const PathArgument& from, const PathArgument& to, bool re
     moved = copyFile(from, to, FILE_COULD_NOT_MOVE, {replaces, true, true});
   else if (status.kind == platform::EntryKind::Link)
     moved = statusOfCall(FILE_COULD_NOT_MOVE, platform::copyLink(from.get(), to.get(), replaces), to.view());
+  else if (status.kind == platform::EntryKind::Directory)
+    return vel::filesys::moveDirectoryByCopy(from, to);
   else
     return statusOfCall(FILE_COULD_NOT_MOVE, otherFileSystem, to.view());
   if (!moved.isOk()) return moved;

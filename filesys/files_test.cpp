@@ -283,6 +283,43 @@ TEST_F(Files, RelativeNamesFollowTheCurrentDirectory) {
   EXPECT_EQ(contentsOf(path("copy of one3")), "one");
 }
 
+/// A directory on another file system than that of temporary files; "" if there is none.
+std::string otherFileSystem(const std::string& own) {
+  VelStFileStatus here, there;
+  for (const char* candidate : {"/dev/shm", "Z:\\dev\\shm", "/var/tmp"})
+    if (velFileGetStatus(own, here).isOk() && velFileGetStatus(candidate, there).isOk() &&
+        here.volume != there.volume)
+      return candidate;
+  return "";
+}
+
+TEST_F(Files, MoveToAnotherFileSystem) {
+  const std::string other = otherFileSystem(scratch_);
+  VelClReturnedText place;
+  if (other.empty() || !velTemporaryDirectoryCreate(other, "move ", place).isOk())
+    GTEST_SKIP() << "only one file system here";
+  const std::string there = place.str() + "/";
+  const std::string file = write("file", "contents"), tree = path("tree ä");
+  EXPECT_OK(velDirectoryCreate(tree + "/a/b", true));
+  EXPECT_OK(velFileAppend(tree + "/a/b/日本", "x"));
+  VelStFileStatus before, after;
+  EXPECT_OK(velFileGetStatus(file, before));
+  EXPECT_OK(velFileAppend(there + "taken", "old"));
+  EXPECT_EQ(velFileMove(file, there + "taken").getClass(), VelEnErrorClass::IO_ALREADY_IN_USE);
+  EXPECT_EQ(velFileMove(tree, there + "taken").getClass(), VelEnErrorClass::IO_ALREADY_IN_USE);
+  EXPECT_EQ(velFileMove(tree, there + "none/x").getClass(), VelEnErrorClass::IO_NOT_EXISTENT);
+  EXPECT_EQ(contentsOf(there + "taken"), "old");
+  EXPECT_OK(velFileMove(file, there + "taken", VEL_OVERWRITE_ALWAYS));
+  EXPECT_OK(velFileMove(tree, there + "tree"));
+  EXPECT_EQ(contentsOf(there + "taken"), "contents");
+  EXPECT_OK(velFileGetStatus(there + "taken", after));
+  EXPECT_EQ(before.modified / 1'000'000, after.modified / 1'000'000);
+  EXPECT_THAT(listed(place.str()),
+              testing::ElementsAre("taken", "tree/", "tree/a/", "tree/a/b/", "tree/a/b/日本"));
+  EXPECT_THAT(listed(scratch_), testing::ElementsAre());
+  EXPECT_OK(velTreeRemove(place));
+}
+
 TEST_F(Files, ReadExactlyUpToTheLimit) {
   for (const std::size_t size : {0U, 1U, 4095U, 4096U, 4097U, 70000U, 3000000U}) {
     SCOPED_TRACE(size);

@@ -4,9 +4,9 @@
 #include <cstring>
 #include <string_view>
 
-#include "base/digits.h"
 #include "filesys/path_argument.h"
 #include "filesys/public_status.h"
+#include "filesys/random_name.h"
 #include "foundation/allocator.h"
 #include "platform/file_contents.h"
 #include "platform/named_files.h"
@@ -120,20 +120,6 @@ VelClStatus readAll(platform::SourceFile& file, const PathArgument& name, Conten
   return {};
 }
 
-/// Directory, separator, prefix and random characters.
-vel::String temporaryName(std::string_view directory, std::string_view prefix) {
-  constexpr std::string_view kLetters = "0123456789abcdefghijklmnopqrstuv";
-  vel::String name(directory);
-  vel::filesys::endWithSeparator(name);
-  name += prefix;
-  for (int half = 0; half < 2; ++half) {
-    std::uint64_t number = 0;
-    if (platform::unpredictableNumber(number) != 0) return {};
-    for (int letter = 0; letter < 12; ++letter, number >>= 5) name += kLetters[number & 31];
-  }
-  return name;
-}
-
 vel::String temporaryDirectory() {
   vel::String directory(512, '\0');
   std::size_t size = platform::temporaryDirectory(directory.data(), directory.size());
@@ -150,8 +136,11 @@ VelClStatus createTemporary(const vel::String& directory, std::string_view prefi
   const unsigned long id = isDirectory ? +DIRECTORY_COULD_NOT_CREATE : +FILE_COULD_NOT_OPEN;
   // With 120 random bits, one collision is a sign of something else.
   for (int attempt = 0;; ++attempt) {
-    const vel::String name = temporaryName(directory, prefix);
-    if (name.empty()) return VelClStatus(id, VelEnErrorClass::RESOURCE_EXHAUSTED, 0, directory);
+    vel::String name(directory);
+    vel::filesys::endWithSeparator(name);
+    name += prefix;
+    if (!vel::filesys::appendRandomCharacters(name))
+      return VelClStatus(id, VelEnErrorClass::RESOURCE_EXHAUSTED, 0, directory);
     const platform::NativeError error = platform::createPrivately(name.c_str(), isDirectory);
     if (platform::preciseErrno(error) == EEXIST && attempt < 100) continue;
     if (error != 0) return statusOfCall(id, error, name);

@@ -45,6 +45,8 @@ NativeError createPrivately(const char* name, bool isDirectory) noexcept;
 NativeError removeNamed(const char* name) noexcept;
 /// Renames. Without `replaces`, an existing target is an error. `from` and `to` may differ in case only.
 NativeError renameNamed(const char* from, const char* to, bool replaces) noexcept;
+/// Gives a directory the permissions and times of another one.
+NativeError copyRightsNamed(const char* from, const char* to) noexcept;
 /// Makes a link like the link `from`. Without `replaces`, an existing target is an error.
 NativeError copyLink(const char* from, const char* to, bool replaces) noexcept;
 

@@ -125,6 +125,17 @@ NativeError copyLink(const char* from, const char* to, bool replaces) noexcept {
   return replaceByLink(text.data(), target);
 }
 
+NativeError copyRightsNamed(const char* from, const char* to) noexcept {
+  const Place source(from), target(to);
+  for (const Place* place : {&source, &target})
+    if (place->error() != 0) return nativeFrom(place->error());
+  struct stat status;
+  if (fstatat(source.directory(), source.name(), &status, 0) != 0) return nativeFrom(errno);
+  const timespec times[] = {status.st_atim, status.st_mtim};
+  if (fchmodat(target.directory(), target.name(), status.st_mode & 0777, 0) != 0) return nativeFrom(errno);
+  return nativeOf(utimensat(target.directory(), target.name(), times, 0));
+}
+
 std::size_t temporaryDirectory(char* out, std::size_t capacity) noexcept {
   const char* found = nullptr;
   for (const char* variable : {"TMP", "TEMP"})

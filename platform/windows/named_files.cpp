@@ -205,6 +205,20 @@ NativeError copyLink(const char*, const char*, bool) noexcept {
   return ERROR_NOT_SAME_DEVICE;
 }
 
+NativeError copyRightsNamed(const char* from, const char* to) noexcept {
+  return withWide(from, [&](const WidePath& source) {
+    return withWide(to, [&](const WidePath& target) -> NativeError {
+      const FileHandle old(openToQuery(source.get(), 0)),
+          copy(openToQuery(target.get(), FILE_WRITE_ATTRIBUTES));
+      FILE_BASIC_INFO status;
+      if (!old.isOpen() || !copy.isOpen() ||
+          GetFileInformationByHandleEx(old.get(), FileBasicInfo, &status, sizeof status) == FALSE)
+        return GetLastError();
+      return errorUnless(SetFileInformationByHandle(copy.get(), FileBasicInfo, &status, sizeof status));
+    });
+  });
+}
+
 std::size_t temporaryDirectory(char* out, std::size_t capacity) noexcept {
   GrowingText path;
   if (!path.appendBy([](wchar_t* text, DWORD room) { return GetTempPathW(room, text); })) return 0;
