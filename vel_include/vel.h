@@ -8,6 +8,7 @@
 #include "vel_cursor.h"
 #include "vel_environment.h"
 #include "vel_error.h"
+#include "vel_files.h"
 #include "vel_filesys.h"
 #include "vel_helpers.h"
 #include "vel_inifile.h"

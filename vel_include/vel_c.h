@@ -9,6 +9,7 @@
 
 #include "vel_codepage.h"
 #include "vel_error.h"
+#include "vel_files.h"
 #include "vel_filesys.h"
 #include "vel_helpers.h"
 #include "vel_memmgr.h"

@@ -26,6 +26,7 @@ enum VelEnStatusId VEL_ENUM_TYPE(uint32_t) {
   FILE_COULD_NOT_WRITE = 1001205,     ///< a file could not be written
   FILE_COULD_NOT_MOVE = 1001206,      ///< a file could not be moved; it is where it was
   FILE_COULD_NOT_QUERY = 1001207,     ///< the status of an entry could not be read
+  FILE_TOO_LARGE = 1001208,           ///< a file has more bytes than the caller accepts
   PROCESS_COULD_NOT_START = 1001301,  ///< a program was not started
   PROCESS_COULD_NOT_WAIT = 1001302,   ///< the end of a process, or its output, could not be awaited
   PROCESS_COULD_NOT_END = 1001303     ///< a process could not be ended

@@ -8,25 +8,14 @@
 #include <unistd.h>
 
 #include <climits>
-#include <cstddef>
-#include <cstdint>
 #include <cstring>
 
 #include "base/ascii.h"
+#include "platform/linux/kernel_entry.h"
 
 namespace vel::platform {
 
 namespace {
-
-/// The start of linux_dirent64, which getdents64 returns; the NUL-terminated name follows.
-struct KernelEntry {
-  std::uint64_t inode;
-  std::int64_t offset;
-  std::uint16_t length;
-  std::uint8_t type;
-};
-/// The name follows without padding, before sizeof(KernelEntry).
-constexpr std::size_t kNameOffset = 19;
 
 /// Parses a descriptor; returns -1 for "." and "..".
 int descriptorIn(const char* name) noexcept {

@@ -10,10 +10,11 @@
 
 namespace vel::platform {
 
-SystemError renameWithoutReplacing(int directory, const char* from, const char* to) noexcept {
-  if (syscall(SYS_renameat2, directory, from, directory, to, RENAME_NOREPLACE) == 0) return 0;
+SystemError renameWithoutReplacing(int fromDirectory, const char* from, int toDirectory,
+                                   const char* to) noexcept {
+  if (syscall(SYS_renameat2, fromDirectory, from, toDirectory, to, RENAME_NOREPLACE) == 0) return 0;
   if (errno != ENOSYS && errno != EINVAL) return errno;
-  return renameByLink(directory, from, to);
+  return renameByLink(fromDirectory, from, toDirectory, to);
 }
 
 }  // namespace vel::platform

@@ -35,7 +35,7 @@ TEST(RenameByLink, RenamesWithoutReplacingWhereThereAreNoHardLinks) {
   for (const auto& [refusal, result] : rows) {
     const auto rename = [&, refusal = refusal](const std::string& to) {
       return test::exitCodeOf([&] { return refuseLinks(refusal); },
-                              [&] { return renameByLink(AT_FDCWD, from.c_str(), to.c_str()); });
+                              [&] { return renameByLink(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str()); });
     };
     SCOPED_TRACE(refusal);
     EXPECT_EQ(rename(taken), result == 0 ? EEXIST : result);

@@ -13,6 +13,7 @@
 #include "platform/append.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/opening.h"
 #include "platform/system_error.h"
 
 namespace vel::platform {
@@ -76,18 +77,25 @@ LastErrorsKept::~LastErrorsKept() {
   errno = runtime_;
 }
 
-SystemError openForAppending(const char* name, AppendTo target, int& descriptor) noexcept {
-  const NativePath path(name);
-  if (!path.fits()) return ENAMETOOLONG;
+SystemError openForAppendingAt(int directory, const char* path, AppendTo target, Descriptor& file) noexcept {
   // Without O_NONBLOCK, opening a pipe would wait for a reader.
   constexpr int kFlags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
   const int flags = target == AppendTo::OwnFile ? kFlags | O_NOFOLLOW : kFlags;
-  Descriptor file(retrying([&] { return open(path.get(), flags, S_IRUSR | S_IWUSR); }));
+  constexpr mode_t kShared = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+  const mode_t mode = target == AppendTo::SharedFile ? kShared : S_IRUSR | S_IWUSR;
+  file = Descriptor(retrying([&] { return openat(directory, path, flags, mode); }));
   if (!file.isOpen()) return errno;
   // Checked on the descriptor: the name may lead to another file since the open.
-  if (target == AppendTo::OwnFile && !isOwnFile(file.get())) return EPERM;
-  descriptor = file.release();
-  return 0;
+  return target == AppendTo::OwnFile && !isOwnFile(file.get()) ? EPERM : 0;
+}
+
+SystemError openForAppending(const char* name, AppendTo target, int& descriptor) noexcept {
+  const NativePath path(name);
+  if (!path.fits()) return ENAMETOOLONG;
+  Descriptor file;
+  const SystemError error = openForAppendingAt(AT_FDCWD, path.get(), target, file);
+  if (error == 0) descriptor = file.release();
+  return error;
 }
 
 SystemError appendBytes(int descriptor, const Bytes& first, const Bytes& second,

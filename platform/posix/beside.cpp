@@ -18,10 +18,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <utility>
 
+#include "platform/byte_files.h"
 #include "platform/posix/access_list.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/rename.h"
@@ -106,7 +108,8 @@ void removeTemporary(Replacement& replacement) noexcept {
 SystemError moveToNewName(Replacement& replacement) noexcept {
   if (replacement.temporary[0] == '\0')
     return nameUnnamed(replacement.descriptor, replacement.directory, replacement.target);
-  return renameWithoutReplacing(replacement.directory, replacement.temporary, replacement.target);
+  const int directory = replacement.directory;
+  return renameWithoutReplacing(directory, replacement.temporary, directory, replacement.target);
 }
 
 /// Replaces the target. The check just before the rename narrows the moment in which a file that somebody
@@ -134,6 +137,15 @@ SystemError createBeside(mode_t mode, BesideName name, Replacement& replacement)
     if (replacement.descriptor >= 0) return 0;
   }
   return createNamed(mode, replacement);
+}
+
+SystemError linkBeside(const char* text, Replacement& replacement) noexcept {
+  replacement.isBeside = true;
+  const EndingSignalsHeld held;
+  const SystemError error = makeUnderNewName(
+      replacement, [&] { return symlinkat(text, replacement.directory, replacement.temporary) == 0; });
+  if (error == 0) unfinished = &replacement;
+  return error;
 }
 
 // Only root can give files away; otherwise try to keep the group. Permissions must not pass to somebody else
@@ -199,6 +211,24 @@ void closeReplacement(Replacement& replacement) noexcept {
   unfinished.compare_exchange_strong(mine, nullptr);
   for (int* const descriptor : {&replacement.descriptor, &replacement.heldTarget, &replacement.directory})
     if (*descriptor >= 0) close(std::exchange(*descriptor, -1));
+}
+
+SystemError statusOfRegularFile(int descriptor, struct stat& status) noexcept {
+  status = {};
+  if (descriptor < 0 || fstat(descriptor, &status) != 0) return errno;
+  if (S_ISDIR(status.st_mode)) return EISDIR;
+  return S_ISREG(status.st_mode) ? 0 : EINVAL;
+}
+
+SystemError copyByReading(int source, int target) noexcept {
+  std::array<char, 65536> buffer;
+  for (;;) {
+    std::size_t size = 0;
+    if (const SystemError error = readBytes(source, buffer.data(), buffer.size(), size); error != 0)
+      return error;
+    if (size == 0) return 0;
+    if (const SystemError error = writeBytes(target, buffer.data(), size); error != 0) return error;
+  }
 }
 
 void removeUnfinished() noexcept {

@@ -11,43 +11,54 @@
 
 #include "platform/posix/descriptor.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/opening.h"
 #include "platform/posix/pipes.h"
 
 namespace vel::platform {
 
 namespace {
 
-int openRetrying(const char* path, int flags) noexcept {
-  return retrying([&] { return open(path, flags | O_RDONLY | O_CLOEXEC | O_NOCTTY); });
+int openRetrying(int directory, const char* path, int flags) noexcept {
+  return retrying([&] { return openat(directory, path, flags | O_RDONLY | O_CLOEXEC | O_NOCTTY); });
 }
 
 /// Opens without waiting for the other end of a pipe. Opening a file that somebody holds a lease on, a file
 /// server for example, fails with EWOULDBLOCK until the kernel has broken the lease, after up to 45 seconds;
 /// so this tries for 50 seconds.
-int openWithoutWaiting(const char* path) noexcept {
+int openWithoutWaiting(int directory, const char* path) noexcept {
   constexpr timespec kPause{0, 50'000'000};
-  int descriptor = openRetrying(path, O_NONBLOCK);
+  int descriptor = openRetrying(directory, path, O_NONBLOCK);
   for (int left = 1000; descriptor == -1 && errno == EWOULDBLOCK && left > 0; --left) {
     nanosleep(&kPause, nullptr);
-    descriptor = openRetrying(path, O_NONBLOCK);
+    descriptor = openRetrying(directory, path, O_NONBLOCK);
   }
   return descriptor;
 }
 
 }  // namespace
 
-SystemError openForReading(const char* name, PipeWithoutWriter pipe, int& descriptor) noexcept {
-  const NativePath path(name);
-  if (!path.fits()) return ENAMETOOLONG;
+SystemError openForReadingAt(int directory, const char* path, PipeWithoutWriter pipe,
+                             Descriptor& file) noexcept {
   const bool waits = pipe == PipeWithoutWriter::Wait;
-  Descriptor file(waits ? openRetrying(path.get(), 0) : openWithoutWaiting(path.get()));
+  file = Descriptor(waits ? openRetrying(directory, path, 0) : openWithoutWaiting(directory, path));
   if (!file.isOpen()) return errno;
   // A pipe without writer opens for reading, but reads as empty: refuse it like a missing file.
   if (!waits && isNamedPipe(file.get()) && !hasWriter(file.get())) return ENXIO;
   // Only the open must not wait; reads from a pipe wait for its writers.
-  if (!waits && fcntl(file.get(), F_SETFL, fcntl(file.get(), F_GETFL) & ~O_NONBLOCK) != 0) return errno;
-  descriptor = file.release();
-  return 0;
+  return waits ? 0 : letWait(file.get());
+}
+
+SystemError letWait(int descriptor) noexcept {
+  return fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) & ~O_NONBLOCK) == 0 ? 0 : errno;
+}
+
+SystemError openForReading(const char* name, PipeWithoutWriter pipe, int& descriptor) noexcept {
+  const NativePath path(name);
+  if (!path.fits()) return ENAMETOOLONG;
+  Descriptor file;
+  const SystemError error = openForReadingAt(AT_FDCWD, path.get(), pipe, file);
+  if (error == 0) descriptor = file.release();
+  return error;
 }
 
 void closeDescriptor(int descriptor) noexcept {

@@ -6,10 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 
-#include "platform/byte_files.h"
 #include "platform/file_copy.h"
 #include "platform/posix/beside.h"
 #include "platform/posix/descriptor.h"
@@ -29,22 +27,6 @@ constexpr int kMaxAttempts = 16;
 /// Opens without waiting for a pipe's writer; pipes are refused afterwards.
 Descriptor openSource(const char* path) noexcept {
   return Descriptor(retrying([&] { return open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
-}
-
-/// Closes everything and removes an unfinished copy when it goes out of scope.
-class Target : public Replacement {
- public:
-  Target() = default;
-  Target(const Target&) = delete;
-  Target& operator=(const Target&) = delete;
-  ~Target() { closeReplacement(*this); }
-};
-
-SystemError statusOfRegularFile(int descriptor, struct stat& status) noexcept {
-  status = {};
-  if (descriptor < 0 || fstat(descriptor, &status) != 0) return errno;
-  if (S_ISDIR(status.st_mode)) return EISDIR;
-  return S_ISREG(status.st_mode) ? 0 : EINVAL;
 }
 
 /// A link itself is replaced, unless it leads to the source (EACCES), a directory or a special file.
@@ -67,17 +49,6 @@ SystemError checkExisting(const Replacement& target, const struct stat& source) 
   return isSource || isReadOnly(status) ? EACCES : 0;
 }
 
-SystemError copyContents(int source, int target) noexcept {
-  std::array<char, 65536> buffer;
-  for (;;) {
-    const ssize_t count = retrying([&] { return read(source, buffer.data(), buffer.size()); });
-    if (count <= 0) return count == 0 ? 0 : errno;
-    if (const SystemError error = writeBytes(target, buffer.data(), static_cast<std::size_t>(count));
-        error != 0)
-      return error;
-  }
-}
-
 struct Copy {
   int source;
   mode_t mode;
@@ -86,7 +57,7 @@ struct Copy {
 SystemError fill(int target, const Copy& copy) noexcept {
   // A failed earlier attempt may have read some of it.
   if (lseek(copy.source, 0, SEEK_SET) == -1) return errno;
-  return copyContents(copy.source, target);
+  return copyByReading(copy.source, target);
 }
 
 bool isFile(int descriptor) noexcept {
@@ -132,7 +103,7 @@ SystemError copyBeside(Replacement& target, const Copy& copy) noexcept {
 }
 
 SystemError copyOnce(const char* path, const struct stat& source, const Copy& copy) noexcept {
-  Target target;
+  BesideTarget target;
   if (const SystemError error = findTarget(path, LastLink::Hold, target); error != 0) return error;
   if (target.heldTarget >= 0)
     if (const SystemError error = checkExisting(target, source); error != 0) return error;

@@ -135,11 +135,11 @@ SystemError renameFile(const char* from, const char* to) noexcept {
   const NativePath target(to);
   if (!source.fits() || !target.fits()) return ENAMETOOLONG;
   if (std::strcmp(source.get(), target.get()) != 0)
-    return renameWithoutReplacing(AT_FDCWD, source.get(), target.get());
+    return renameWithoutReplacing(AT_FDCWD, source.get(), AT_FDCWD, target.get());
   // Both names lead to the same entry, found ignoring case: "name" is to become "Name". Match only the
   // parents of the new name then, so that its spelling is kept as typed.
   const NativePath typed(to, NativePath::Match::AllButLast);
-  return renameWithoutReplacing(AT_FDCWD, source.get(), typed.get());
+  return renameWithoutReplacing(AT_FDCWD, source.get(), AT_FDCWD, typed.get());
 }
 
 SystemError currentDirectory(char* out, std::size_t capacity) noexcept {

@@ -205,7 +205,9 @@ TEST_F(PosixFiles, AFileThatCannotBeRemovedKeepsItsPermissions) {
 TEST_F(PosixFiles, RenamingNeverReplaces) {
   // renameByLink is for file systems that cannot refuse to replace.
   using Function = SystemError (*)(const char*, const char*);
-  const Function byLink = [](const char* from, const char* to) { return renameByLink(AT_FDCWD, from, to); };
+  const Function byLink = [](const char* from, const char* to) {
+    return renameByLink(AT_FDCWD, from, AT_FDCWD, to);
+  };
   for (const Function function : {Function{renameFile}, byLink}) {
     const test::ScratchDirectory scratch;
     const auto rename = [&](const char* from, const char* to) {

@@ -14,23 +14,23 @@ namespace vel::platform {
 namespace {
 
 /// Not atomic: an entry that appears between the two calls is replaced.
-SystemError renameAfterCheck(int directory, const char* from, const char* to) noexcept {
+SystemError renameAfterCheck(int fromDirectory, const char* from, int toDirectory, const char* to) noexcept {
   struct stat status;
-  if (fstatat(directory, to, &status, AT_SYMLINK_NOFOLLOW) == 0) return EEXIST;
-  return renameat(directory, from, directory, to) == 0 ? 0 : errno;
+  if (fstatat(toDirectory, to, &status, AT_SYMLINK_NOFOLLOW) == 0) return EEXIST;
+  return renameat(fromDirectory, from, toDirectory, to) == 0 ? 0 : errno;
 }
 
 }  // namespace
 
-SystemError renameByLink(int directory, const char* from, const char* to) noexcept {
-  if (linkat(directory, from, directory, to, 0) != 0) {
+SystemError renameByLink(int fromDirectory, const char* from, int toDirectory, const char* to) noexcept {
+  if (linkat(fromDirectory, from, toDirectory, to, 0) != 0) {
     const bool hasNoLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS || errno == EMLINK;
-    return hasNoLinks ? renameAfterCheck(directory, from, to) : errno;
+    return hasNoLinks ? renameAfterCheck(fromDirectory, from, toDirectory, to) : errno;
   }
-  if (unlinkat(directory, from, 0) == 0) return 0;
+  if (unlinkat(fromDirectory, from, 0) == 0) return 0;
   const SystemError error = errno;
   // The old name could not be removed, and the file must not keep two.
-  unlinkat(directory, to, 0);
+  unlinkat(toDirectory, to, 0);
   return error;
 }
 

@@ -14,6 +14,7 @@
 #include "platform/posix/beside.h"
 #include "platform/posix/native_path.h"
 #include "platform/posix/permissions.h"
+#include "platform/posix/replacing_at.h"
 #include "platform/posix/target.h"
 #include "platform/replacing.h"
 
@@ -73,19 +74,22 @@ void removeAndEnd(int signal) {
 
 }  // namespace
 
-SystemError startReplacement(const char* name, Replacement& replacement) noexcept {
+SystemError startReplacementAt(int directory, const char* path, Replacement& replacement) noexcept {
   // Field by field: `Replacement{}` would clear both name buffers, 8 KiB for each save.
   replacement.descriptor = replacement.directory = replacement.heldTarget = -1;
   replacement.isBeside = false;
   replacement.keepsRights = true;
   replacement.old = {};
   replacement.temporary[0] = '\0';
-  const NativePath path(name);
-  if (!path.fits()) return ENAMETOOLONG;
-  SystemError error = findTarget(path.get(), LastLink::Follow, replacement);
+  SystemError error = findTargetAt(directory, path, LastLink::Follow, replacement);
   if (error == 0) error = startFound(replacement);
   if (error != 0) closeReplacement(replacement);
   return error;
+}
+
+SystemError startReplacement(const char* name, Replacement& replacement) noexcept {
+  const NativePath path(name);
+  return path.fits() ? startReplacementAt(AT_FDCWD, path.get(), replacement) : ENAMETOOLONG;
 }
 
 SystemError finishReplacement(Replacement& replacement) noexcept {

@@ -35,8 +35,8 @@ int openTarget(const Replacement& replacement, int flags) noexcept {
 }
 
 /// Holds the directory of `path` and stores its last component as the target. A relative path starts at the
-/// directory held before, or at the current one.
-SystemError enterDirectoryOf(const char* path, Replacement& replacement) noexcept {
+/// directory `start`.
+SystemError enterDirectoryOf(int start, const char* path, Replacement& replacement) noexcept {
   const char* const separator = std::strrchr(path, '/');
   const char* name = separator != nullptr ? separator + 1 : path;
   // A path that ends in a separator names a directory.
@@ -44,7 +44,6 @@ SystemError enterDirectoryOf(const char* path, Replacement& replacement) noexcep
   PathBuffer directory;
   if (!copyDirectoryOf(path, directory) || std::strlen(name) >= sizeof replacement.target)
     return ENAMETOOLONG;
-  const int start = replacement.directory >= 0 ? replacement.directory : AT_FDCWD;
   const int next = openat(start, directory.data(), kOpenAsPlace | O_DIRECTORY | O_CLOEXEC);
   if (next < 0) return errno;
   if (replacement.directory >= 0) close(replacement.directory);
@@ -76,7 +75,7 @@ SystemError follow(Replacement& replacement) noexcept {
   if (length < 0) return errno == EINVAL ? ECANCELED : errno;
   if (static_cast<std::size_t>(length) == sizeof path) return ENAMETOOLONG;
   path[length] = '\0';
-  return enterDirectoryOf(path, replacement);
+  return enterDirectoryOf(replacement.directory, path, replacement);
 }
 
 SystemError holdLink(Replacement& replacement) noexcept {
@@ -87,7 +86,11 @@ SystemError holdLink(Replacement& replacement) noexcept {
 }  // namespace
 
 SystemError findTarget(const char* path, LastLink links, Replacement& replacement) noexcept {
-  SystemError error = enterDirectoryOf(path, replacement);
+  return findTargetAt(AT_FDCWD, path, links, replacement);
+}
+
+SystemError findTargetAt(int directory, const char* path, LastLink links, Replacement& replacement) noexcept {
+  SystemError error = enterDirectoryOf(directory, path, replacement);
   for (int followed = 0; error == 0 && replacement.heldTarget < 0; ++followed) {
     replacement.heldTarget = openTarget(replacement, kForWriting | O_NOFOLLOW);
     if (replacement.heldTarget >= 0) return 0;

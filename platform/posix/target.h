@@ -17,6 +17,8 @@ enum class LastLink { Follow, Hold };
 /// -1 if the file does not exist. Never waits for the reader of a pipe. LastLink::Follow leads to an existing
 /// target or fails with ENOENT; LastLink::Hold makes the link itself the target.
 SystemError findTarget(const char* path, LastLink links, Replacement& replacement) noexcept;
+/// As findTarget, for a path relative to an open directory, which stays open.
+SystemError findTargetAt(int directory, const char* path, LastLink links, Replacement& replacement) noexcept;
 
 /// Whether the target's name still leads to the held entry.
 bool isStillTarget(const Replacement& replacement) noexcept;
