@@ -11,11 +11,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 namespace vel {
 
 constexpr const char* textOrEmpty(const char* text) noexcept {
   return text != nullptr ? text : "";
+}
+constexpr std::string_view textOrEmpty(const char* text, std::size_t size) noexcept {
+  return {text, text != nullptr ? size : 0};
 }
 
 #if defined(__SSE2__) && !defined(VEL_SANITIZED)

@@ -1,5 +1,6 @@
 // Owns the text of a path, and changes it: every change builds a new text, which then replaces the old one.
 // The rules are those of path_syntax.h; what depends on the system is path_conversion.cpp's work.
+#include "base/short_text.h"
 #include "filesys/path_content.h"
 #include "foundation/status.h"
 
@@ -7,7 +8,7 @@ namespace filesys = vel::filesys;
 using vel::String;
 
 VelClPath::VelClPath(const char* characters, size_t size, VelEnPathSyntax syntax) : content_(nullptr) {
-  const std::string_view text = filesys::textOrEmpty(characters, size);
+  const std::string_view text = textOrEmpty(characters, size);
   const VelEnPathSyntax resolved = filesys::resolvedSyntax(syntax, text);
   // The empty path needs no memory, unless its syntax has to be remembered.
   if (!text.empty() || resolved != getSyntax()) content_ = vel::create<Content>(text, resolved);
@@ -56,17 +57,17 @@ bool VelClPath::isReserved() const noexcept {
 }
 
 VelClPath& VelClPath::append(const char* text, size_t size) {
-  Content::replace(*this, filesys::appended(Content::viewOf(*this), filesys::textOrEmpty(text, size)));
+  Content::replace(*this, filesys::appended(Content::viewOf(*this), textOrEmpty(text, size)));
   return *this;
 }
 
 VelClPath& VelClPath::join(const char* text, size_t size) {
-  Content::replace(*this, filesys::joined(Content::viewOf(*this), filesys::textOrEmpty(text, size)));
+  Content::replace(*this, filesys::joined(Content::viewOf(*this), textOrEmpty(text, size)));
   return *this;
 }
 
 void VelClPath::setNewName(const char* characters, size_t size) {
-  const std::string_view name = filesys::textOrEmpty(characters, size);
+  const std::string_view name = textOrEmpty(characters, size);
   const std::string_view text = getText();
   const filesys::PathView directory{text.substr(0, text.size() - getName().size()), getSyntax()};
   // A server and share can be there without a separator, which has to be between them and a name.
@@ -83,13 +84,13 @@ void VelClPath::setNewName(const char* characters, size_t size) {
 }
 
 void VelClPath::setNewStem(const char* stem, size_t size) {
-  String name(filesys::textOrEmpty(stem, size));
+  String name(textOrEmpty(stem, size));
   name += getExtension();
   setNewName(name);
 }
 
 void VelClPath::setNewExtension(const char* characters, size_t size) {
-  const std::string_view extension = filesys::textOrEmpty(characters, size);
+  const std::string_view extension = textOrEmpty(characters, size);
   String name(getStem());
   if (!extension.empty()) {
     name += '.';
@@ -125,7 +126,7 @@ int VelClPath::compare(const VelClPath& other) const noexcept {
 }
 
 int VelClPath::compareWithText(const char* text, size_t size) const noexcept {
-  return filesys::compareComponents(Content::viewOf(*this), {filesys::textOrEmpty(text, size), getSyntax()},
+  return filesys::compareComponents(Content::viewOf(*this), {textOrEmpty(text, size), getSyntax()},
                                     filesys::compareBytes);
 }
 

@@ -45,10 +45,6 @@ struct PathView {
   bool isSlash() const noexcept { return syntax == PATH_SYNTAX_SLASH; }
 };
 
-constexpr std::string_view textOrEmpty(const char* text, std::size_t size) noexcept {
-  return {text, text != nullptr ? size : 0};
-}
-
 /// Returns the style that a syntax means for a text.
 VelEnPathSyntax resolvedSyntax(VelEnPathSyntax syntax, std::string_view text) noexcept;
 
