@@ -73,31 +73,29 @@ bool makeTextForFilename(PathView path, String& text) {
   return filesys::rootOf({text, path.syntax}).kind == kind;
 }
 
-/// Calls `write` with more and more room until the result fits.
-template <typename Write>
-platform::SystemError writeAll(String& text, Write write) {
+/// Sets `text` to the current directory, or that of a drive, in the system's style.
+platform::NativeError getWorkingDirectory(std::string_view drive, String& text) {
   std::size_t size = 256;
-  platform::SystemError error = ERANGE;
-  while (error == ERANGE) {
+  platform::NativeError error = 0;
+  do {
     text.resize(size);
-    error = write(text.data(), text.size(), size);
-  }
+    error = platform::workingDirectory(drive.empty() ? '\0' : drive[0], text.data(), text.size(), size);
+  } while (error == 0 && size > text.size());
   text.resize(error == 0 ? size : 0);
   return error;
 }
 
-/// Sets `directory` to the current directory, in backslash style of the given drive.
-VelClStatus workingDirectory(VelEnPathSyntax syntax, std::string_view drive, VelClPath& directory) {
+/// Sets `directory` to the directory from which `path` starts, in the syntax of the path.
+VelClStatus findWorkingDirectory(PathView path, VelClPath& directory) {
+  const PathRoot root = filesys::rootOf(path);
+  if (root.kind == PathRoot::Kind::IncompleteNetwork) return invalid(path.text);
+  const std::string_view drive = path.text.substr(0, root.nameLength);
   String text;
-  const bool isOwnStyle = (syntax == PATH_SYNTAX_BACKSLASH) == platform::usesBackslashNames();
-  const char driveLetter = drive.empty() ? '\0' : drive[0];
-  const platform::SystemError error = writeAll(text, [&](char* out, std::size_t capacity, std::size_t& size) {
-    return platform::workingDirectory(driveLetter, out, capacity, size);
-  });
-  if (error != 0) return vel::systemFailure(PATH_INVALID, static_cast<platform::NativeError>(error), {});
+  const platform::NativeError error = getWorkingDirectory(drive, text);
+  if (error != 0) return vel::systemFailure(PATH_INVALID, error, path.text);
   directory = VelClPath(text);
-  if (isOwnStyle) return {};
-  if (syntax == PATH_SYNTAX_SLASH) return invalid(text);
+  if (directory.getSyntax() == path.syntax) return {};
+  if (path.isSlash()) return invalid(path.text);
   VelClStatus status = directory.convertTo(PATH_SYNTAX_BACKSLASH);
   if (!status.isOk()) return status;
   String withDrive(drive.empty() ? platform::driveOfSlashNames() : drive);
@@ -140,13 +138,12 @@ VelClStatus VelClPath::makeAbsolute(const VelClPath& base) {
 VelClStatus VelClPath::makeAbsolute() {
   VelClStatus status = check();
   if (!status.isOk() || isAbsolute()) return status;
-  const std::string_view device = filesys::deviceIn(getText());
   if (isReserved() && getText().find_first_of("/\\.") == std::string_view::npos) {
-    *this = VelClPath("\\\\.\\", getSyntax()).append(device);
+    *this = VelClPath("\\\\.\\", getSyntax()).append(filesys::deviceIn(getName()));
     return {};
   }
   VelClPath directory;
-  status = workingDirectory(getSyntax(), getRootName(), directory);
+  status = findWorkingDirectory(Content::viewOf(*this), directory);
   return status.isOk() ? makeAbsolute(directory) : status;
 }
 
@@ -172,12 +169,12 @@ VelClStatus VelClPath::toFilename(VelClFilename& name) const {
 VelClStatus VelClPath::fromFilename(const VelClPathProperty& name, VelClPath& path) {
   const std::string_view narrow = name.getAsCString();
   String text;
-  const platform::SystemError error = writeAll(text, [&](char* out, std::size_t capacity, std::size_t& size) {
-    const platform::SystemError failure = platform::utf8Name(narrow, out, capacity, size);
-    if (failure == ERANGE) size = 4 * std::max(capacity, narrow.size());
-    return failure;
-  });
+  // No character has more bytes in UTF-8 than this for each byte of another encoding.
+  text.resize(narrow.size() * 4);
+  std::size_t size = 0;
+  const platform::SystemError error = platform::utf8Name(narrow, text.data(), text.size(), size);
   if (error != 0) return invalid(narrow);
+  text.resize(size);
   VelClPath converted(text, platform::usesBackslashNames() ? PATH_SYNTAX_BACKSLASH : syntaxOfFileName(text));
   VelClStatus status = converted.convertTo(PATH_SYNTAX_SYSTEM);
   if (status.isOk()) path = std::move(converted);

@@ -260,7 +260,8 @@ TEST(Path, IsMadeAbsoluteFromTheCurrentDirectory) {
         text[0] == '\\' ? expected.getAsCString() + std::string() : expected.getAsCString();
     EXPECT_EQ(backslash.getText(), text[0] == '\\' ? directory.substr(0, 3) + "x" : directory + "x");
   }
-  for (const auto& [text, device] : {std::pair{"nul", "\\\\.\\nul"}, {"COM1: ", "\\\\.\\COM1"}}) {
+  for (const auto& [text, device] :
+       {std::pair{"nul", "\\\\.\\nul"}, {"COM1: ", "\\\\.\\COM1"}, {"c:PRN", "\\\\.\\PRN"}}) {
     VelClPath name(text, PATH_SYNTAX_BACKSLASH);
     ASSERT_TRUE(name.makeAbsolute().isOk());
     EXPECT_EQ(name.getText(), device);

@@ -20,11 +20,11 @@ std::size_t findUnusableByte(std::string_view name) noexcept;
 /// is negative, 0 or positive.
 int compareBackslashNames(std::string_view a, std::string_view b) noexcept;
 
-/// Writes the current directory of the process in the system's style, not terminated. Where drives have
-/// directories of their own, `drive` selects one, unless it is NUL. Sets `size` to the size of the directory;
-/// fails with ERANGE if that exceeds the capacity, then `size` is a capacity to try next. Fails with EILSEQ
-/// if the directory's name is not Unicode.
-SystemError workingDirectory(char drive, char* out, std::size_t capacity, std::size_t& size) noexcept;
+/// Writes the current directory of the process in the system's style, not terminated, and sets `size` to its
+/// size. Where drives have directories of their own, `drive` selects one, unless it is NUL. If `size` exceeds
+/// the capacity, nothing useful was written, and `size` is a capacity to try next. Returns the system's own
+/// error, or 0.
+NativeError workingDirectory(char drive, char* out, std::size_t capacity, std::size_t& size) noexcept;
 
 /// Convert a name to the encoding of the process's narrow texts, and from it. They write no terminator, set
 /// `size` to the number of bytes written, and fail with ERANGE if the result does not fit, EILSEQ if a

@@ -29,10 +29,10 @@ int compareBackslashNames(std::string_view a, std::string_view b) noexcept {
   return int{a.size() > length} - int{b.size() > length};
 }
 
-SystemError workingDirectory(char, char* out, std::size_t capacity, std::size_t& size) noexcept {
+NativeError workingDirectory(char, char* out, std::size_t capacity, std::size_t& size) noexcept {
   size = std::max<std::size_t>(2 * capacity, 256);
-  if (capacity == 0) return ERANGE;
-  if (getcwd(out, capacity) == nullptr) return errno;
+  if (capacity == 0) return 0;
+  if (getcwd(out, capacity) == nullptr) return errno == ERANGE ? 0 : static_cast<NativeError>(errno);
   size = std::strlen(out);
   // getcwd may give "(unreachable)..." for a directory outside this process's root.
   return out[0] == '/' ? 0 : ENOENT;

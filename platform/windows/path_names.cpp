@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "base/utf.h"
-#include "platform/windows/system_errors.h"
 
 namespace vel::platform {
 
@@ -109,17 +108,17 @@ int compareBackslashNames(std::string_view a, std::string_view b) noexcept {
   }
 }
 
-SystemError workingDirectory(char drive, char* out, std::size_t capacity, std::size_t& size) noexcept {
+NativeError workingDirectory(char drive, char* out, std::size_t capacity, std::size_t& size) noexcept {
   std::array<wchar_t, kMaxUnits> units;
   const wchar_t wanted[] = {static_cast<unsigned char>(drive), L':', L'\0'};
   const DWORD count = drive != '\0' ? GetFullPathNameW(wanted, kMaxUnits, units.data(), nullptr)
                                     : GetCurrentDirectoryW(kMaxUnits, units.data());
-  if (count == 0 || count >= kMaxUnits) return count == 0 ? errnoOf(GetLastError()) : ENAMETOOLONG;
+  if (count == 0 || count >= kMaxUnits) return count == 0 ? GetLastError() : ERROR_FILENAME_EXCED_RANGE;
   const int needed = WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, units.data(), static_cast<int>(count),
                                          nullptr, 0, nullptr, nullptr);
-  if (needed == 0) return EILSEQ;
+  if (needed == 0) return ERROR_NO_UNICODE_TRANSLATION;
   size = static_cast<std::size_t>(needed);
-  if (size > capacity) return ERANGE;
+  if (size > capacity) return 0;
   WideCharToMultiByte(CP_UTF8, 0, units.data(), static_cast<int>(count), out, needed, nullptr, nullptr);
   return 0;
 }
