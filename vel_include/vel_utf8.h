@@ -1,8 +1,8 @@
 // UTF-8 for all texts that a program exchanges with the system.
 //
-// Windows passes texts in the ANSI code page of the process unless a program asks for more, so that names
-// like "пример.txt" cannot be opened, and arguments arrive with question marks. A program that calls
-// velUseUtf8, or whose manifest sets the active code page to UTF-8 (see the CMake function
+// Windows passes texts in the ANSI code page of the process unless a program asks for more. In Western Europe
+// a file with a Cyrillic name cannot be opened then, and arguments arrive with question marks. A program that
+// calls velUseUtf8, or whose manifest sets the active code page to UTF-8 (see the CMake function
 // qamc5032_utf8_manifest), has all characters:
 //
 //   int main(int argc, char** argv) {
