@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "base/utf.h"
+#include "platform/windows/native_text.h"
 
 namespace vel::platform {
 
@@ -72,7 +73,7 @@ SystemError convert(UINT from, std::string_view text, UINT to, char* out, std::s
                                         static_cast<int>(text.size()), units.data(), kMaxUnits);
   if (count == 0) return GetLastError() == ERROR_INSUFFICIENT_BUFFER ? ERANGE : EILSEQ;
   // The two flags exclude each other: UTF-8 has every character, so nothing can be replaced there.
-  const bool isUtf8 = to == CP_UTF8 || GetACP() == CP_UTF8;
+  const bool isUtf8 = to == CP_UTF8;
   BOOL isReplaced = FALSE;
   const int written = WideCharToMultiByte(
       to, isUtf8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS, units.data(), count, out,
@@ -124,11 +125,11 @@ NativeError workingDirectory(char drive, char* out, std::size_t capacity, std::s
 }
 
 SystemError narrowName(std::string_view name, char* out, std::size_t capacity, std::size_t& size) noexcept {
-  return convert(CP_UTF8, name, CP_ACP, out, capacity, size);
+  return convert(CP_UTF8, name, fileNameCodePage(), out, capacity, size);
 }
 
 SystemError utf8Name(std::string_view narrow, char* out, std::size_t capacity, std::size_t& size) noexcept {
-  return convert(CP_ACP, narrow, CP_UTF8, out, capacity, size);
+  return convert(fileNameCodePage(), narrow, CP_UTF8, out, capacity, size);
 }
 
 }  // namespace vel::platform
