@@ -3,41 +3,19 @@
 #include <benchmark/benchmark.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "bench/posix_peers.h"
+#include "bench/tree.h"
 #include "vel_include/vel_filesys.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-/// Directories with this number of files each, removed at the end.
-class Tree {
- public:
-  Tree(int directories, int files) : path_(fs::temp_directory_path() / "bench_tree") {
-    fs::remove_all(path_);
-    for (int directory = 0; directory < directories; ++directory) {
-      const fs::path place = path_ / ("directory" + std::to_string(directory));
-      fs::create_directories(place);
-      for (int file = 0; file < files; ++file) std::ofstream(place / ("file" + std::to_string(file)));
-    }
-  }
-  Tree(const Tree&) = delete;
-  Tree& operator=(const Tree&) = delete;
-  ~Tree() { fs::remove_all(path_); }
-
-  std::string path() const { return path_.string(); }
-  std::string first() const { return (path_ / "directory0").string(); }
-
- private:
-  fs::path path_;
-};
-
 template <typename Walk>
 void walkOver(benchmark::State& state, Walk walk) {
-  const Tree tree(1, 2000);
+  const bench::Tree tree(1, 2000);
   const std::string path = tree.first();
   for ([[maybe_unused]] auto round : state)
     if (walk(path.c_str()) != 2000) state.SkipWithError("not all files");
@@ -70,29 +48,18 @@ void standardWalk(benchmark::State& state) {
 }
 BENCHMARK(standardWalk)->Name("directory walk/std filesystem");
 
-template <typename Remove>
-void removeTrees(benchmark::State& state, Remove remove) {
-  for ([[maybe_unused]] auto round : state) {
-    const Tree tree(10, 50);
-    const double start = bench::processorTime();
-    remove(tree.path());
-    state.SetIterationTime(bench::processorTime() - start);
-    if (fs::exists(tree.path())) state.SkipWithError("not removed");
-  }
-}
-
 void removeTree(benchmark::State& state) {
-  removeTrees(state, [](const std::string& path) { VelClDirectory(path.c_str()).removeAll(true); });
+  bench::removeTrees(state, [](const std::string& path) { VelClDirectory(path.c_str()).removeAll(true); });
 }
 BENCHMARK(removeTree)->Name("tree removal/own")->UseManualTime()->Iterations(5);
 
 void bareRemoval(benchmark::State& state) {
-  removeTrees(state, [](const std::string& path) { bench::removeTreeByCalls(path.c_str()); });
+  bench::removeTrees(state, [](const std::string& path) { bench::removeTreeByCalls(path.c_str()); });
 }
 BENCHMARK(bareRemoval)->Name("tree removal/bare calls")->UseManualTime()->Iterations(5);
 
 void standardRemoval(benchmark::State& state) {
-  removeTrees(state, [](const std::string& path) { fs::remove_all(path); });
+  bench::removeTrees(state, [](const std::string& path) { fs::remove_all(path); });
 }
 BENCHMARK(standardRemoval)->Name("tree removal/std filesystem")->UseManualTime()->Iterations(5);
 

@@ -11,6 +11,7 @@
 
 #include <cstring>
 #include <initializer_list>
+#include <vector>
 
 namespace bench {
 
@@ -28,6 +29,20 @@ void removeEntries(int place, const char* name) {
   }
   closedir(directory);
   unlinkat(place, name, AT_REMOVEDIR);
+}
+
+int countEntries(int place, const char* name) {
+  int files = 0;
+  DIR* const directory = fdopendir(openat(place, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  while (const dirent* const entry = readdir(directory)) {
+    if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0) continue;
+    if (entry->d_type == DT_DIR)
+      files += countEntries(dirfd(directory), entry->d_name);
+    else
+      files += entry->d_type == DT_REG ? 1 : 0;
+  }
+  closedir(directory);
+  return files;
 }
 
 }  // namespace
@@ -59,6 +74,15 @@ int countWritableFiles(const char* path) {
   return files;
 }
 
+int countFiles(const char* directory) {
+  return countEntries(AT_FDCWD, directory);
+}
+
+bool isRegularFile(const char* name) {
+  struct statx status {};
+  return statx(AT_FDCWD, name, 0, STATX_BASIC_STATS | STATX_BTIME, &status) == 0 && S_ISREG(status.stx_mode);
+}
+
 void removeTreeByCalls(const char* path) {
   removeEntries(AT_FDCWD, path);
 }
@@ -70,6 +94,16 @@ bool spawnAndWait(const char* program) {
   int status = 0;
   waitpid(child, &status, 0);
   return true;
+}
+
+bool runTool(std::initializer_list<const char*> arguments) {
+  std::vector<char*> pointers;
+  for (const char* argument : arguments) pointers.push_back(const_cast<char*>(argument));
+  pointers.push_back(nullptr);
+  pid_t child = 0;
+  int status = 0;
+  if (posix_spawnp(&child, pointers[0], nullptr, nullptr, pointers.data(), environ) != 0) return false;
+  return waitpid(child, &status, 0) == child && status == 0;
 }
 
 }  // namespace bench

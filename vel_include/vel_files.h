@@ -16,15 +16,15 @@
 #include <utility>
 #endif
 
-/// Names are UTF-8 on Windows and plain bytes on Linux. They need no NUL after them, and must not contain
-/// one. They mean what they mean to the system, without the translation of VelClFilename: a backslash is an
-/// ordinary character on Linux. Relative names start at the current directory. Names may have any length: on
-/// Linux, names of more than 4,095 bytes are resolved in steps; on Windows, long names are made absolute and
-/// get the prefix of the system that lifts its limit of 260 characters.
-///
-/// The plain functions return null for success, or a failure that the caller frees by velStatusFree. Failures
-/// have the number of the system and the name concerned. All of them report PATH_INVALID for a name that is
-/// empty, contains a NUL, or on Windows is not well-formed UTF-8; nothing was done then.
+// Names are UTF-8 on Windows and plain bytes on Linux. They need no NUL after them, and must not contain
+// one. They mean what they mean to the system, without the translation of VelClFilename: a backslash is an
+// ordinary character on Linux. Relative names start at the current directory. Names may have any length: on
+// Linux, names of more than 4,095 bytes are resolved in steps; on Windows, long names are made absolute and
+// get the prefix of the system that lifts its limit of 260 characters.
+//
+// The plain functions return null for success, or a failure that the caller frees by velStatusFree. Failures
+// have the number of the system and the name concerned. All of them report PATH_INVALID for a name that is
+// empty, contains a NUL, or on Windows is not well-formed UTF-8; nothing was done then.
 
 /// The kind of an entry. OTHER is a device, a pipe, a socket, or unknown. A junction of Windows is a link.
 enum VelEnFileKind VEL_ENUM_TYPE(uint32_t){VEL_FILE_KIND_OTHER = 0, VEL_FILE_KIND_FILE = 1,
@@ -150,7 +150,7 @@ VEL_C_API bool velFileWalkNext(VelStFileWalk* walk);
 /// Do not enter the directory that is the current entry.
 VEL_C_API void velFileWalkSkip(VelStFileWalk* walk);
 
-/// The functions below describe the current entry; their results are valid until the walk moves.
+/// This and the functions below describe the current entry; their results are valid until the walk moves.
 /// Returns null if nothing is wrong; otherwise a failure with FILE_COULD_NOT_READ that belongs to the walk.
 VEL_C_API const VelStStatus* velFileWalkGetFailure(const VelStFileWalk* walk);
 /// Return the path, which begins with the name that was given to velFileWalkOpen, or the name without its
@@ -167,6 +167,7 @@ VEL_C_API VelStStatus* velFileWalkGetStatus(VelStFileWalk* walk, enum VelEnLinks
 
 #if defined(VEL_HAS_CLASSES)
 
+/// The functions below do what the plain functions of the same name do.
 inline VelClStatus velFileExists(std::string_view path, bool& exists) {
   return VelClStatus(velFileExists(path.data(), path.size(), &exists));
 }
@@ -206,6 +207,7 @@ inline VelClStatus velFileAppend(std::string_view path, std::string_view data) {
 /// A text or bytes that a plain function has returned; frees them by velFree.
 class VelClReturnedText {
  public:
+  /// Constructs an empty text.
   VelClReturnedText() noexcept = default;
   VelClReturnedText(VelClReturnedText&& other) noexcept
       : data_(std::exchange(other.data_, nullptr)), size_(std::exchange(other.size_, 0)) {}
@@ -218,11 +220,13 @@ class VelClReturnedText {
     if (data_ != nullptr) velFree(data_);
   }
 
+  /// Return the text.
   std::string_view view() const noexcept { return {data_ != nullptr ? data_ : "", size_}; }
   operator std::string_view() const noexcept { return view(); }
   std::string str() const { return std::string(view()); }
   /// NUL-terminated.
   const char* c_str() const noexcept { return data_ != nullptr ? data_ : ""; }
+  /// Returns the size in bytes.
   size_t size() const noexcept { return size_; }
 
   /// For the functions that return such a text: free what was there, and return where to put the result.
@@ -237,6 +241,7 @@ class VelClReturnedText {
   size_t size_ = 0;
 };
 
+/// The functions below do what the plain functions of the same name do.
 inline VelClStatus velTemporaryFileCreate(std::string_view directory, std::string_view prefix,
                                           VelClReturnedText& path) {
   char** const result = path.receiveData();
@@ -263,6 +268,7 @@ inline VelClStatus velFileRead(std::string_view path, size_t limit, VelClReturne
 /// A walk that is not open has no entries.
 class VelClFileWalk {
  public:
+  /// Constructs a walk that is not open.
   VelClFileWalk() noexcept = default;
   VelClFileWalk(VelClFileWalk&& other) noexcept : walk_(std::exchange(other.walk_, nullptr)) {}
   VelClFileWalk& operator=(VelClFileWalk&& other) noexcept {
@@ -276,14 +282,17 @@ class VelClFileWalk {
     velFileWalkClose(std::exchange(walk_, nullptr));
     return VelClStatus(velFileWalkOpen(directory.data(), directory.size(), &options, &walk_));
   }
+  /// The functions below do what the plain functions do.
   bool next() { return velFileWalkNext(walk_); }
   void skip() { velFileWalkSkip(walk_); }
 
   /// Whether the current entry could be read; getFailure tells why not.
   bool isOk() const { return velFileWalkGetFailure(walk_) == nullptr; }
+  /// Returns why not.
   VelClStatus getFailure() const {
     return VelClStatus(velStatusShare(const_cast<VelStStatus*>(velFileWalkGetFailure(walk_))));
   }
+  /// Return path and name of the entry; valid until the walk moves.
   std::string_view getPath() const {
     size_t size = 0;
     const char* const path = velFileWalkGetPath(walk_, &size);
@@ -294,6 +303,7 @@ class VelClFileWalk {
     const char* const name = velFileWalkGetName(walk_, &size);
     return {name, size};
   }
+  /// Return what the plain functions return.
   VelEnFileKind getKind() const { return velFileWalkGetKind(walk_); }
   uint32_t getDepth() const { return velFileWalkGetDepth(walk_); }
   VelClStatus getStatus(VelStFileStatus& status, VelEnLinks links = VEL_LINKS_KEEP) const {

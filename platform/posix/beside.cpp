@@ -192,7 +192,7 @@ SystemError flushWrites(int descriptor) noexcept {
 
 SystemError store(int descriptor) noexcept {
   // EINVAL and ENOSYS: the file system cannot synchronise this kind of file.
-  return fsync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS ? 0 : errno;
+  return retrying([&] { return fsync(descriptor); }) == 0 || errno == EINVAL || errno == ENOSYS ? 0 : errno;
 }
 
 SystemError storeDirectory(const Replacement& replacement) noexcept {

@@ -119,7 +119,11 @@ SystemError placeWritten(Replacement& target, const Job& job) noexcept {
   SystemError error = job.options.waitsForDisk ? store(target.descriptor) : 0;
   if (error == 0) error = flushWrites(target.descriptor);
   if (error == 0) error = moveIntoPlace(target);
-  return error == 0 && job.options.waitsForDisk ? storeDirectory(target) : error;
+  if (error != 0 || !job.options.waitsForDisk) return error;
+  error = storeDirectory(target);
+  // The caller keeps the source then, so the copy is too many, unless it has replaced something.
+  if (error != 0 && target.heldTarget < 0) unlinkat(target.directory, target.target, 0);
+  return error;
 }
 
 SystemError copyOnce(const Place& place, const Job& job, CopySide& failed) noexcept {

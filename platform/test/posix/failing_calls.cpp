@@ -28,10 +28,28 @@ const std::map<std::uint64_t, std::string> kNames = {
     {SYS_fchown, "fchown"}, {SYS_fchmod, "fchmod"},   {SYS_linkat, "link"},     {SYS_close, "close"},
     {SYS_rename, "rename"}, {SYS_renameat, "rename"}, {SYS_renameat2, "rename"}};
 
+const std::map<std::uint64_t, std::string> kOtherNames = {{SYS_copy_file_range, "copy_file_range"},
+                                                          {SYS_faccessat2, "access"},
+                                                          {SYS_fcntl, "fcntl"},
+                                                          {SYS_fstat, "status"},
+                                                          {SYS_ftruncate, "truncate"},
+                                                          {SYS_getdents64, "list"},
+                                                          {SYS_getrandom, "random"},
+                                                          {SYS_ioctl, "clone"},
+                                                          {SYS_lseek, "seek"},
+                                                          {SYS_mkdirat, "create directory"},
+                                                          {SYS_newfstatat, "status"},
+                                                          {SYS_openat, "open"},
+                                                          {SYS_statx, "status"},
+                                                          {SYS_symlinkat, "create link"},
+                                                          {SYS_unlinkat, "remove"},
+                                                          {SYS_utimensat, "set times"}};
+
 /// Tracks the descriptors that a child writes to, and selects the calls that count.
 class CallWatch {
  public:
-  CallWatch(pid_t child, const std::string& directory) : child_(child), directory_(directory) {}
+  CallWatch(pid_t child, const std::string& directory, bool countsAny)
+      : child_(child), directory_(directory), countsAny_(countsAny) {}
 
   /// Returns the name of the call, or "" for one that does not count.
   std::string begin(std::uint64_t number, const std::uint64_t* arguments) {
@@ -45,7 +63,8 @@ class CallWatch {
                         : name_ == "read" ? isRead()
                                           : isWritten || (name_ != "write" && name_ != "close");
     if (!counts) name_.clear();
-    return name_;
+    const auto other = kOtherNames.find(number);
+    return name_.empty() && countsAny_ && other != kOtherNames.end() ? other->second : name_;
   }
   void end(std::int64_t result) {
     if (name_ == "open" && result >= 0) descriptors_.insert(static_cast<std::uint64_t>(result));
@@ -62,6 +81,7 @@ class CallWatch {
 
   pid_t child_;
   std::string directory_, name_;
+  bool countsAny_;
   std::uint64_t descriptor_ = 0;
   std::set<std::uint64_t> descriptors_{STDOUT_FILENO};
 };
@@ -96,18 +116,19 @@ class ShortWrite {
 };
 
 /// The kernel rejects the number -1, so the call is not made.
-void replaceCall(pid_t child, bool isEntry) {
+void replaceCall(pid_t child, bool isEntry, long error) {
   ptrace(PTRACE_POKEUSER, child, isEntry ? offsetof(user, regs.orig_rax) : offsetof(user, regs.rax),
-         isEntry ? -1L : -long{EIO});
+         isEntry ? -1L : -error);
 }
 
 }  // namespace
 
-int waitFailingCall(pid_t child, int number, const std::string& directory, std::string& name) {
+int waitFailingCall(pid_t child, int number, const std::string& directory, std::string& name,
+                    const FailureKind& kind) {
   int status = 0;
   waitpid(child, &status, 0);
   ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
-  CallWatch watch(child, directory);
+  CallWatch watch(child, directory, kind.isOfAnyCall);
   ShortWrite shortWrite;
   const bool isShort = number < 0;
   int remaining = std::abs(number);
@@ -127,10 +148,10 @@ int waitFailingCall(pid_t child, int number, const std::string& directory, std::
               (!isShort || shortWrite.begin(child, call.entry.nr, call.entry.args));
       if (fails) name = begun;
     } else {
-      watch.end(fails && !isShort ? -EIO : call.exit.rval);
+      watch.end(fails && !isShort ? -kind.error : call.exit.rval);
       if (fails && isShort) shortWrite.end();
     }
-    if (fails && !isShort) replaceCall(child, isEntry);
+    if (fails && !isShort) replaceCall(child, isEntry, kind.error);
     if (fails && !isEntry) {
       // The rest runs faster without being watched.
       ptrace(PTRACE_DETACH, child, nullptr, 0);
@@ -143,7 +164,7 @@ int waitFailingCall(pid_t child, int number, const std::string& directory, std::
 
 #else
 
-int waitFailingCall(pid_t child, int, const std::string&, std::string&) {
+int waitFailingCall(pid_t child, int, const std::string&, std::string&, const FailureKind&) {
   int status = 0;
   do {
     waitpid(child, &status, 0);
