@@ -21,6 +21,7 @@
 #include "vel_trace.h"
 #include "vel_trace_entry.h"
 #include "vel_trace_formatter.h"
+#include "vel_trace_reader.h"
 #include "vel_util.h"
 
 #endif

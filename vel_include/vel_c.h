@@ -17,6 +17,7 @@
 #include "vel_quoting.h"
 #include "vel_status.h"
 #include "vel_trace.h"
+#include "vel_trace_reader.h"
 #include "vel_util.h"
 
 #endif

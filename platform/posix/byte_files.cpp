@@ -50,6 +50,10 @@ SystemError openForReading(const char* name, PipeWithoutWriter pipe, int& descri
   return 0;
 }
 
+SystemError openForSharedReading(const char* name, int& descriptor) noexcept {
+  return openForReading(name, PipeWithoutWriter::Refuse, descriptor);
+}
+
 void closeDescriptor(int descriptor) noexcept {
   close(descriptor);
 }

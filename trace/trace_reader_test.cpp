@@ -1,0 +1,174 @@
+// Reads traces: fields, texts and values, failures and where they are, large records, and files that grow.
+#include "vel_include/vel_trace_reader.h"
+
+#include "platform/test/test.h"
+#include "trace/test/random_trace.h"
+#include "vel_include/vel_helpers.h"
+
+namespace {
+
+using vel::test::RandomTrace;
+using vel::test::RecordHead;
+
+class TraceReader : public vel::test::TraceTest {
+ protected:
+  /// Reads all records, each as "function: message", and the failure as "identifier at position".
+  static std::string read(VelClTraceReader& reader) {
+    std::string text;
+    for ([[maybe_unused]] const VelStTraceRecord& record : reader)
+      text += std::string(reader.getFunction()) + ": " + std::string(reader.getMessage()) + '\n';
+    const VelClStatus& status = reader.getStatus();
+    if (!status.isOk())
+      text += std::string(velStatusGetIdName(status.getErrorId())) + " at " +
+              std::to_string(status.getPosition());
+    return text;
+  }
+  static std::string read(const std::string& bytes, std::uint32_t reading = TRACE_READ_PLAIN) {
+    VelClTraceReader reader;
+    EXPECT_TRUE(reader.openBytes(bytes.data(), bytes.size(), reading).isOk());
+    return read(reader);
+  }
+  void append(const std::string& bytes) const {
+    std::ofstream(file_, std::ios::binary | std::ios::app) << bytes;
+  }
+};
+
+TEST_F(TraceReader, ReturnsWhatWasTraced) {
+  for (const char* const compress : {"yes", "no"}) {
+    VelClTraceInstance* const instance = start({{"DETAIL", "HIGH"}, {"COMPRESS", compress}});
+    if (std::string(compress) == "no") instance->getEnvironment().getSettings().enableCompression(false);
+    instance->enable();
+    velTraceValue(VelEnTraceDetail::HIGH, 7, "run", "answer", std::int16_t{-42});
+    instance->dump(VelEnTraceDetail::LOW, 0, VelEnTraceDataType::C_STRING, "2nd \xE4", "", "text", 4);
+    velTraceDeleteInstance();
+    VelClTraceReader reader;
+    ASSERT_TRUE(reader.open(file_).isOk());
+    ASSERT_TRUE(reader.next());
+    const VelStTraceRecord first = *reader.getRecord();
+    EXPECT_EQ(first.isCompressed, std::string(compress) == "yes" ? 1U : 0U);
+    EXPECT_EQ(first.offset, 0U);
+    EXPECT_EQ(first.componentId, 7U);
+    EXPECT_EQ(first.detail, VelEnTraceDetail::HIGH);
+    EXPECT_EQ(first.type, VelEnTraceDataType::SIGNED_16);
+    EXPECT_STREQ(velTraceGetTypeName(first.type), "signed integer (16 bits)");
+    EXPECT_LT(velGetTimeStamp() - first.timeStamp, 60'000U);
+    EXPECT_EQ(reader.getFunction(), "run");
+    EXPECT_EQ(reader.getMessage(), "answer");
+    char value[32];
+    EXPECT_EQ(velTraceRecordGetValueText(reader.getRecord(), value, sizeof value), 10U);
+    EXPECT_STREQ(value, "0xFFD6/-42");
+    EXPECT_EQ(velTraceRecordGetValueText(reader.getRecord(), value, 4), 10U);
+    EXPECT_STREQ(value, "0xF");
+    ASSERT_TRUE(reader.next());
+    EXPECT_EQ(reader.getRecord()->offset, first.size);
+    EXPECT_EQ(reader.getRecord()->processId, first.processId);
+    EXPECT_EQ(reader.getFunction(), "2nd \xE4");
+    EXPECT_EQ(std::string_view(reinterpret_cast<const char*>(reader.getRecord()->data), 4), "text");
+    EXPECT_EQ(velTraceRecordGetValueText(reader.getRecord(), value, sizeof value), 0U);
+    EXPECT_FALSE(reader.next());
+    EXPECT_EQ(reader.getFunction(), "");
+    EXPECT_TRUE(reader.getStatus().isOk());
+    std::filesystem::remove(file_);
+  }
+}
+
+TEST_F(TraceReader, ReportsDamageAndItsPlace) {
+  RandomTrace trace(1);
+  const RecordHead head = RandomTrace::headOf(1);
+  trace.add(head, "", "f", "0123");
+  trace.add(head, "", "g", "0123");
+  const std::string good = trace.bytes();
+  EXPECT_EQ(read(good), "f: \ng: \n");
+  for (std::size_t size = 26; size < good.size(); ++size)
+    EXPECT_EQ(read(good.substr(0, size)), "f: \nTRACEFORMAT_UNEXPECTED_EOF at 26") << size;
+  std::string bad = good;
+  bad[25] = 22;
+  EXPECT_EQ(read(bad), "f: \nTRACEFORMAT_FILE_CORRUPTED at 26");
+  // Data longer than a ring can be.
+  bad[25] = 4;
+  bad[44] = 2;
+  EXPECT_EQ(read(bad), "f: \nTRACEFORMAT_FILE_CORRUPTED at 26");
+  EXPECT_EQ(read(""), "");
+  VelClTraceReader reader;
+  const VelClStatus missing = reader.open(directory_.path("absent"));
+  EXPECT_EQ(missing.getErrorId(), static_cast<unsigned long>(FILE_COULD_NOT_OPEN));
+  EXPECT_EQ(missing.getClass(), VelEnErrorClass::IO_NOT_EXISTENT);
+  EXPECT_FALSE(reader.open(directory_.path()).isOk());
+  EXPECT_FALSE(reader.open(std::string_view("a\0b", 3)).isOk());
+  EXPECT_FALSE(reader.next());
+}
+
+/// The window moves over the file, and grows for the records that are larger.
+TEST_F(TraceReader, ReadsFilesOfAnySize) {
+  RandomTrace trace(2);
+  const RecordHead head = RandomTrace::headOf(0x24);
+  for (const unsigned int size : {300'000U, 1U, 5'000'000U, 262'144U}) {
+    trace.add(3000);
+    trace.add(head, "large", "run", std::string(size, 'x'));
+  }
+  append(trace.bytes());
+  for (const std::uint32_t reading : {TRACE_READ_PLAIN, TRACE_READ_RECOVER}) {
+    VelClTraceReader reader;
+    ASSERT_TRUE(reader.open(file_, reading).isOk());
+    auto expected = trace.records().begin();
+    for (const VelStTraceRecord& record : reader) {
+      ASSERT_EQ(record.offset, expected->offset);
+      ASSERT_EQ(record.size, expected->size);
+      ASSERT_TRUE(std::equal(record.data, record.data + record.dataSize,
+                             reinterpret_cast<const unsigned char*>(trace.bytes().data()) + record.offset +
+                                 record.size - record.dataSize));
+      ++expected;
+    }
+    EXPECT_EQ(expected, trace.records().end());
+    EXPECT_TRUE(reader.getStatus().isOk());
+  }
+}
+
+TEST_F(TraceReader, FollowsAFileThatIsWritten) {
+  RandomTrace trace(3);
+  trace.add(5);
+  for (const std::uint32_t recover : {TRACE_READ_PLAIN, TRACE_READ_RECOVER}) {
+    std::filesystem::remove(file_);
+    VelClTraceReader reader;
+    ASSERT_TRUE(reader.open(file_, recover | TRACE_READ_FOLLOW).isOk());
+    EXPECT_FALSE(reader.next());
+    EXPECT_FALSE(reader.wait(0));
+    // Byte by byte: a record that is not complete is held back.
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < trace.bytes().size(); ++i) {
+      append(trace.bytes().substr(i, 1));
+      ASSERT_TRUE(reader.wait(10'000));
+      const bool isComplete = i + 1 == trace.records()[count].offset + trace.records()[count].size;
+      ASSERT_EQ(reader.next(), isComplete) << i;
+      count += isComplete ? 1 : 0;
+    }
+    EXPECT_EQ(count, 5U);
+    // Truncated in place, with less in it than before.
+    const std::string rest = trace.bytes().substr(trace.records()[3].offset);
+    { std::ofstream(file_, std::ios::binary | std::ios::trunc) << rest; }
+    ASSERT_TRUE(reader.wait(10'000));
+    ASSERT_TRUE(reader.next());
+    EXPECT_EQ(reader.getRecord()->offset, 0U);
+    EXPECT_EQ(reader.getRecord()->size, trace.records()[3].size);
+    ASSERT_TRUE(reader.next());
+    // Rotated: what is left in the old file comes first, and its incomplete end is skipped.
+    append(trace.bytes().substr(0, trace.records()[0].size) + "half");
+    std::filesystem::remove(file_ + ".1");
+    std::filesystem::rename(file_, file_ + ".1");
+    append(trace.bytes());
+    ASSERT_TRUE(reader.wait(10'000));
+    ASSERT_TRUE(reader.next());
+    EXPECT_EQ(reader.getRecord()->size, trace.records()[0].size);
+    EXPECT_FALSE(reader.next());
+    ASSERT_TRUE(reader.wait(10'000));
+    for (const auto& record : trace.records()) {
+      ASSERT_TRUE(reader.next());
+      EXPECT_EQ(reader.getRecord()->offset, record.offset);
+    }
+    EXPECT_EQ(reader.getRestarts(), 2U);
+    EXPECT_EQ(reader.getSkippedBytes(), 4U);
+    EXPECT_TRUE(reader.getStatus().isOk());
+  }
+}
+
+}  // namespace
