@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "base/short_text.h"
 #include "foundation/allocator.h"
 #include "foundation/status.h"
 #include "platform/clocks.h"
@@ -14,6 +15,7 @@
 #include "trace/trace_recovery.h"
 #include "trace/trace_type_names.h"
 #include "trace/trace_window.h"
+#include "vel_include/vel_util.h"
 
 using vel::trace::RecordHead;
 using vel::trace::Recovery;
@@ -23,36 +25,74 @@ static_assert(sizeof(VelStTraceRecord) == 64, "programs are compiled with this l
 
 namespace vel::trace {
 
-/// A text of the current record, decoded when it is asked for.
-struct DecodedText {
-  const unsigned char* stored = nullptr;
-  std::size_t storedSize = 0;
-  bool isDecoded = false;
-  std::size_t size = 0;
-  char text[kMaxPlainSize + 2 * kSlack] = "";
+/// Decodes texts, and remembers them: a program records the same few texts over and over.
+class TextDecoder {
+ public:
+  struct Text {
+    std::size_t storedSize = 0;
+    std::size_t size = 0;
+    unsigned char stored[kMaxCompressedSize + 1];
+    char text[kMaxPlainSize + 2 * kSlack] = "";
+  };
 
-  void set(const unsigned char* bytes, std::size_t count) {
-    stored = bytes;
-    storedSize = count;
-    isDecoded = false;
-  }
-  const char* get(bool isCompressed, size_t* length) {
-    if (!isDecoded) decode(isCompressed);
-    if (length != nullptr) *length = size;
-    return text;
+  /// The result is valid until the next call for a text of the same slot.
+  const Text& decode(const unsigned char* stored, std::size_t size) {
+    Text& known = texts_[slotOf(stored, size)];
+    if (known.storedSize == size && std::memcmp(known.stored, stored, size) == 0) return known;
+    known.storedSize = size;
+    copyShort(known.stored, stored, size);
+    known.size = decompress(stored, size, known.text);
+    return known;
   }
 
  private:
-  void decode(bool isCompressed) {
-    isDecoded = true;
-    size = storedSize;
-    if (isCompressed) {
-      size = decompress(stored, storedSize, text);
+  static constexpr std::size_t kSlots = 64;
+  /// Differs for most texts of different call sites: their beginnings, their ends, or their sizes differ.
+  static std::size_t slotOf(const unsigned char* stored, std::size_t size) {
+    std::uint32_t first = 0, last = 0;
+    if (size >= sizeof first) {
+      std::memcpy(&first, stored, sizeof first);
+      std::memcpy(&last, stored + size - sizeof last, sizeof last);
+    }
+    return (first * 0x9E3779B1U + last * 0x85EBCA77U + static_cast<std::uint32_t>(size)) >> 26;
+  }
+
+  Text texts_[kSlots];
+};
+
+/// A text of the current record.
+class RecordText {
+ public:
+  void set(const unsigned char* bytes, std::size_t count) {
+    stored_ = bytes;
+    storedSize_ = count;
+    text_ = nullptr;
+  }
+  const char* get(bool isCompressed, TextDecoder& decoder, size_t* length) {
+    if (text_ == nullptr) fetch(isCompressed, decoder);
+    if (length != nullptr) *length = size_;
+    return text_;
+  }
+
+ private:
+  void fetch(bool isCompressed, TextDecoder& decoder) {
+    text_ = plain_;
+    size_ = storedSize_;
+    if (isCompressed && storedSize_ != 0) {
+      const TextDecoder::Text& known = decoder.decode(stored_, storedSize_);
+      text_ = known.text;
+      size_ = known.size;
       return;
     }
-    if (storedSize != 0) std::memcpy(text, stored, storedSize);
-    text[storedSize] = '\0';
+    if (storedSize_ != 0) std::memcpy(plain_, stored_, storedSize_);
+    plain_[storedSize_] = '\0';
   }
+
+  const unsigned char* stored_ = nullptr;
+  std::size_t storedSize_ = 0;
+  const char* text_ = nullptr;
+  std::size_t size_ = 0;
+  char plain_[kMaxCompressedSize + 1] = "";
 };
 
 /// How often a followed file is looked at.
@@ -68,8 +108,8 @@ struct VelStTraceReader {
   /// Returns null after the last record and after a failure.
   const VelStTraceRecord* next();
   const VelClStatus& failure() const { return failure_; }
-  const char* getFunction(size_t* size) { return function_.get(record_.isCompressed != 0, size); }
-  const char* getMessage(size_t* size) { return message_.get(record_.isCompressed != 0, size); }
+  const char* getFunction(size_t* size) { return function_.get(record_.isCompressed != 0, functions_, size); }
+  const char* getMessage(size_t* size) { return message_.get(record_.isCompressed != 0, messages_, size); }
   std::uint64_t getSkippedBytes(std::uint64_t* places) const;
   std::uint64_t getOffset(std::uint64_t* skipped) const;
   bool wait(std::uint32_t milliseconds);
@@ -86,7 +126,8 @@ struct VelStTraceReader {
   TraceWindow window_;
   Recovery recovery_{window_};
   VelStTraceRecord record_{};
-  vel::trace::DecodedText function_, message_;
+  vel::trace::RecordText function_, message_;
+  vel::trace::TextDecoder functions_, messages_;
   VelClStatus failure_;
   std::uint64_t place_ = 0;     ///< the end of the last record
   std::uint64_t position_ = 0;  ///< what has been read, or searched for records; not below place_
@@ -213,6 +254,13 @@ namespace {
 
 using OwnedReader = vel::OwnedObject<VelStTraceReader>;
 
+void writeAddress(vel::trace::TextBuffer& out, const VelStTraceRecord& record) {
+  const void* address = nullptr;
+  if (record.dataSize != sizeof address) return;
+  std::memcpy(&address, record.data, sizeof address);
+  out.append(VelClStrepAddress(address).getAsCString());
+}
+
 }  // namespace
 
 VelStStatus* velTraceReaderOpen(const char* name, size_t nameSize, uint32_t reading,
@@ -259,6 +307,7 @@ const char* velTraceReaderGetMessage(VelStTraceReader* reader, size_t* size) {
 size_t velTraceRecordGetValueText(const VelStTraceRecord* record, char* out, size_t capacity) {
   const auto type = static_cast<unsigned int>(record->type);
   vel::trace::TextBuffer value;
+  if (record->type == VelEnTraceDataType::ADDRESS) writeAddress(value, *record);
   if (vel::trace::isValueType(type) && vel::trace::fitsValue(type, record->dataSize))
     vel::trace::writeValue(value, type, record->data, record->dataSize);
   const std::string_view text = value.text();

@@ -101,7 +101,7 @@ TEST_F(TraceReader, ReportsDamageAndItsPlace) {
 /// The window moves over the file, and grows for the records that are larger.
 TEST_F(TraceReader, ReadsFilesOfAnySize) {
   RandomTrace trace(2);
-  const RecordHead head = RandomTrace::headOf(0x24);
+  const RecordHead head = RandomTrace::headOf(0x24, 1'010'000);
   for (const unsigned int size : {300'000U, 1U, 5'000'000U, 262'144U}) {
     trace.add(3000);
     trace.add(head, "large", "run", std::string(size, 'x'));

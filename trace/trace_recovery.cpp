@@ -57,6 +57,7 @@ Recovery::Result Recovery::find(std::uint64_t place, std::uint64_t& offset, Reco
     if (isBelieved(offset, offset == place, head)) {
       known_.add(head);
       claim_ = {};
+      last_ = {offset, offset + head.size(), head.time};
       return Result::Found;
     }
     if (isWaiting_ || (offset == place && window_.isFollowed() && isCutOff(offset))) return Result::Waiting;
@@ -103,7 +104,8 @@ bool Recovery::isBelieved(std::uint64_t offset, bool isInPlace, RecordHead& head
   if (!isPlausible(offset, head)) return false;
   const std::uint64_t end = offset + head.size();
   if (isInPlace) {
-    if ((isConfirmed(end, head) || resemblesHead(end, head)) && !swallowsRecord(offset, head)) return true;
+    if ((isConfirmed(end, head) || resemblesHead(end, head)) && !swallowsRecord(offset, head))
+      return !isOutOfTime(end, head);
     if (known_.isEmpty() || knows(head)) claim_ = {offset, end, head.time};
     return false;
   }
@@ -111,6 +113,15 @@ bool Recovery::isBelieved(std::uint64_t offset, bool isInPlace, RecordHead& head
   const bool isFound =
       knows(head) ? isConfirmed(end, head) || resemblesHead(end, head) : hasChainOfProcess(end, head);
   return isFound && !swallowsRecord(offset, head);
+}
+
+/// Whether the time of a record in its place must be damaged: the records before and after it are close in
+/// time, but it is not.
+bool Recovery::isOutOfTime(std::uint64_t end, const RecordHead& head) {
+  RecordHead after{};
+  if (last_.end != end - head.size() || last_.end == 0 || !isPlausible(end, after)) return false;
+  const std::uint32_t between = after.time - last_.time;
+  return between < kCloseMs && head.time - (last_.time - kCloseMs) > between + 2 * kCloseMs;
 }
 
 /// Whether what is at the end of a record shows that its length is right.

@@ -35,7 +35,7 @@ class Recovery {
   /// Offsets begin at 0 again, in a file of the same processes.
   void restart() {
     plausibleAt_ = failedNext_ = kNowhere;
-    claim_ = {};
+    claim_ = last_ = {};
   }
 
  private:
@@ -67,7 +67,6 @@ class Recovery {
     bool isEmpty_ = true;
   };
 
-  /// A plausible record that was not confirmed.
   struct Claim {
     std::uint64_t start = 0;
     std::uint64_t end = 0;
@@ -81,6 +80,7 @@ class Recovery {
     return known_.hasProcess(head.process) && known_.hasThread(head.process, head.thread);
   }
   bool isBelieved(std::uint64_t offset, bool isInPlace, RecordHead& head);
+  bool isOutOfTime(std::uint64_t end, const RecordHead& head);
   bool isConfirmed(std::uint64_t end, const RecordHead& before);
   bool resemblesHead(std::uint64_t offset, const RecordHead& before);
   bool hasChain(std::uint64_t offset, unsigned int count);
@@ -96,9 +96,10 @@ class Recovery {
   TraceWindow& window_;
   Known known_;
   std::uint64_t plausibleAt_ = kNowhere;  ///< the last offset that was found plausible
-  Claim claim_;
-  std::uint64_t failedNext_ = kNowhere;  ///< the next record of a chain that failed, which fails, too
-  bool isWaiting_ = false;               ///< a decision depends on bytes that a followed file does not have
+  Claim claim_;                           ///< a plausible record that was not confirmed
+  Claim last_;                            ///< the record found last
+  std::uint64_t failedNext_ = kNowhere;   ///< the next record of a chain that failed, which fails, too
+  bool isWaiting_ = false;                ///< a decision depends on bytes that a followed file does not have
 };
 
 }  // namespace vel::trace

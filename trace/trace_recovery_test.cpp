@@ -81,7 +81,7 @@ struct Score {
 TEST(TraceRecovery, FindsTheRecordsAroundAnyDamage) {
   Score score;
   std::mt19937 random(7);
-  for (std::uint32_t round = 0; round < 400; ++round) {
+  for (std::uint32_t round = 0; round < 150; ++round) {
     RandomTrace trace(round);
     trace.add(600);
     for (const Damage damage : {Damage::Overwrite, Damage::Zero, Damage::Delete, Damage::Insert}) {
