@@ -165,15 +165,17 @@ bool Recovery::hasChainOfProcess(std::uint64_t offset, const RecordHead& before)
   return isSame;
 }
 
-/// Whether a damaged or incomplete head follows: its process and thread, or its time, are right.
+/// Whether a damaged or incomplete head follows: its thread is right, or its process and its time or thread.
 bool Recovery::resemblesHead(std::uint64_t offset, const RecordHead& before) {
   if (window_.ensure(offset, kProcessEnd)) {
     const unsigned char* const bytes = window_.at(offset);
     const std::uint32_t process = numberAt(bytes + kProcessAt);
     const std::uint32_t thread = numberAt(bytes + kProcessAt + 4);
     const bool isClose = numberAt(bytes + kTimeAt) - before.time < kCloseMs;
+    // Zeros are what damaged disks and sparse files have.
+    if (thread == before.thread && thread != 0) return true;
     if (process != before.process && !known_.hasProcess(process)) return isClose && isCutOff(offset);
-    return isClose || thread == before.thread || known_.hasThread(process, thread);
+    return isClose || known_.hasThread(process, thread);
   }
   // The input ends within the head.
   const auto rest = static_cast<std::size_t>(window_.end() - offset);
