@@ -32,16 +32,17 @@ typedef struct VelStTraceRecord {
   const unsigned char* data;  ///< the data, not aligned; not null, even if its size is 0
 } VelStTraceRecord;
 
-/// How a trace is read. The values are bits, which may be combined.
-enum VelEnTraceReading VEL_ENUM_TYPE(uint32_t){
-    TRACE_READ_PLAIN = 0,  ///< damage ends reading with a failure
-    /// Damaged bytes are skipped. A record is returned only if what follows confirms it, so no record is made
-    /// up from bytes that were none. Damage within the texts, the data, or the numbers of a record cannot be
-    /// detected in general, because records have no checksum.
-    TRACE_READ_RECOVER = 1,
-    /// The end of the file is not the end of the trace: more is read when the file has grown. See
-    /// velTraceReaderWait.
-    TRACE_READ_FOLLOW = 2};
+/// Ways to read a trace, bits that may be combined. With recovery, damaged bytes are skipped, and a record is
+/// returned only if what follows confirms it, so that no record is made up from bytes that were none. Damage
+/// within the texts, the data, or a single number of a record cannot be detected in general, because records
+/// have no checksum.
+// clang-format off
+enum VelEnTraceReading VEL_ENUM_TYPE(uint32_t) {
+  TRACE_READ_PLAIN = 0,    ///< damage ends reading with a failure
+  TRACE_READ_RECOVER = 1,  ///< damaged bytes are skipped
+  TRACE_READ_FOLLOW = 2    ///< the end of the file is not the end of the trace, see velTraceReaderWait
+};
+// clang-format on
 
 /// Reads one trace. Several threads may use several readers, but only one at a time may use the same reader.
 typedef struct VelStTraceReader VelStTraceReader;
@@ -110,11 +111,14 @@ VEL_C_API uint64_t velTraceReaderGetRestarts(const VelStTraceReader* reader);
 /// failure to read ends the loop and is kept.
 class VelClTraceReader {
  public:
+  /// Constructs a reader without input.
   VelClTraceReader() noexcept = default;
+  /// Moves the input, with its place, to another reader.
   VelClTraceReader(VelClTraceReader&& other) noexcept
       : reader_(std::exchange(other.reader_, nullptr)),
         record_(std::exchange(other.record_, nullptr)),
         status_(std::move(other.status_)) {}
+  /// Same; closes what was open.
   VelClTraceReader& operator=(VelClTraceReader other) noexcept {
     std::swap(reader_, other.reader_);
     std::swap(record_, other.record_);
@@ -172,20 +176,25 @@ class VelClTraceReader {
   /// Visits the records that are left, one after another.
   class Iterator {
    public:
+    /// What the standard library asks of an iterator.
     using iterator_category = std::input_iterator_tag;
-    using value_type = VelStTraceRecord;
-    using difference_type = ptrdiff_t;
-    using pointer = const VelStTraceRecord*;
-    using reference = const VelStTraceRecord&;
+    using value_type = VelStTraceRecord;        ///< the type of records
+    using difference_type = ptrdiff_t;          ///< not used
+    using pointer = const VelStTraceRecord*;    ///< a record
+    using reference = const VelStTraceRecord&;  ///< a record
 
+    /// Null is the end.
     explicit Iterator(VelClTraceReader* reader = nullptr) noexcept : reader_(reader) {}
+    /// Return the current record.
     reference operator*() const noexcept { return *reader_->getRecord(); }
     pointer operator->() const noexcept { return reader_->getRecord(); }
+    /// Read the next record.
     Iterator& operator++() noexcept {
       if (!reader_->next()) reader_ = nullptr;
       return *this;
     }
     void operator++(int) noexcept { ++*this; }
+    /// True if both are at the end, or both are not.
     bool operator==(const Iterator& other) const noexcept { return reader_ == other.reader_; }
 
    private:
