@@ -32,4 +32,14 @@ DataFault dataFaultOf(unsigned int type, std::uint32_t length) {
   }
 }
 
+DataLengths::DataLengths() {
+  for (unsigned int type = 0; type < kTypes; ++type) {
+    Row& row = rows_[type];
+    for (std::uint32_t length = 0; length <= kMaxShortDataSize; ++length)
+      if (dataFaultOf(type, length) == DataFault::None)
+        row.suits[length / 64] |= std::uint64_t{1} << length % 64;
+    row.hasAnyLength = dataFaultOf(type, kMaxShortDataSize + 1) == DataFault::None;
+  }
+}
+
 }  // namespace vel::trace

@@ -19,4 +19,22 @@ enum class DataFault { None, AddressSize, TooLong, LevelSize, NotEmpty, ValueSiz
 /// any short length.
 DataFault dataFaultOf(unsigned int type, std::uint32_t length);
 
+/// The same rule as a table, for those who check very many records.
+class DataLengths {
+ public:
+  DataLengths();
+  bool suit(unsigned int type, std::uint32_t length) const {
+    const Row& row = rows_[type % kTypes];
+    return length <= kMaxShortDataSize ? (row.suits[length / 64] >> length % 64 & 1) != 0 : row.hasAnyLength;
+  }
+
+ private:
+  static constexpr std::size_t kTypes = 32;  ///< as many as a record has bits for
+  struct Row {
+    std::uint64_t suits[2] = {};  ///< a bit for each short length
+    bool hasAnyLength = false;
+  };
+  Row rows_[kTypes];
+};
+
 }  // namespace vel::trace

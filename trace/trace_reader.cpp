@@ -108,6 +108,10 @@ struct VelStTraceReader {
   /// Returns null after the last record and after a failure.
   const VelStTraceRecord* next();
   const VelClStatus& failure() const { return failure_; }
+  void select(const VelStTraceSelection* selection) {
+    hasSelection_ = selection != nullptr;
+    if (hasSelection_) selection_ = *selection;
+  }
   const char* getFunction(size_t* size) { return function_.get(record_.isCompressed != 0, functions_, size); }
   const char* getMessage(size_t* size) { return message_.get(record_.isCompressed != 0, messages_, size); }
   std::uint64_t getSkippedBytes(std::uint64_t* places) const;
@@ -119,12 +123,17 @@ struct VelStTraceReader {
   bool readNext(RecordHead& head);
   bool recoverNext(RecordHead& head);
   void setRecord(const RecordHead& head);
+  bool isSelected(const RecordHead& head) const;
+  void countSkipped();
   bool fail(unsigned long id, VelEnErrorClass errorClass);
   bool failUnlessAtEnd();
   bool refresh();
 
   TraceWindow window_;
-  Recovery recovery_{window_};
+  vel::trace::DataLengths lengths_;
+  Recovery recovery_{window_, lengths_};
+  VelStTraceSelection selection_{};
+  bool hasSelection_ = false;
   VelStTraceRecord record_{};
   vel::trace::RecordText function_, message_;
   vel::trace::TextDecoder functions_, messages_;
@@ -161,18 +170,47 @@ const VelStTraceRecord* VelStTraceReader::next() {
   return &record_;
 }
 
-/// Reads the record at the position. Returns false at the end, and if there is a failure.
+/// Reads the next selected record from the position on. Returns false at the end, and if there is a failure.
 bool VelStTraceReader::readNext(RecordHead& head) {
-  if (!window_.ensure(position_, vel::trace::kHeadLength)) return failUnlessAtEnd();
-  head = RecordHead::at(window_.at(position_));
-  if (!head.isPossible()) return fail(TRACEFORMAT_FILE_CORRUPTED, VelEnErrorClass::INVALID_DATA);
-  return window_.ensure(position_, head.size()) || failUnlessAtEnd();
+  while (window_.ensure(position_, vel::trace::kHeadLength)) {
+    head = RecordHead::at(window_.at(position_));
+    if (!head.isPossible(lengths_)) return fail(TRACEFORMAT_FILE_CORRUPTED, VelEnErrorClass::INVALID_DATA);
+    if (!window_.ensure(position_, head.size())) break;
+    if (isSelected(head)) return true;
+    position_ += head.size();
+    place_ = position_;
+    window_.drop(position_);
+  }
+  return failUnlessAtEnd();
 }
 
+/// A record that is not selected counts as found, so that damage after it is reported with the next one.
 bool VelStTraceReader::recoverNext(RecordHead& head) {
-  const auto result = recovery_.find(place_, position_, head);
-  if (result == Recovery::Result::Found) return true;
+  while (recovery_.find(place_, position_, head) == Recovery::Result::Found) {
+    if (isSelected(head)) return true;
+    countSkipped();
+    position_ += head.size();
+    place_ = position_;
+    window_.drop(position_);
+  }
   return window_.error() != 0 && failUnlessAtEnd();
+}
+
+bool VelStTraceReader::isSelected(const RecordHead& head) const {
+  if (!hasSelection_) return true;
+  const VelStTraceSelection& wanted = selection_;
+  if (wanted.keepsFunctions != 0 && head.type() - 1 < 2) return true;
+  return head.process - wanted.firstProcess <= wanted.lastProcess - wanted.firstProcess &&
+         head.thread - wanted.firstThread <= wanted.lastThread - wanted.firstThread &&
+         head.time - wanted.firstTime <= wanted.lastTime - wanted.firstTime &&
+         static_cast<VelEnTraceDetail>(head.detail()) <= wanted.detail &&
+         (wanted.components[head.component / 8] >> head.component % 8 & 1) != 0;
+}
+
+void VelStTraceReader::countSkipped() {
+  if (position_ == place_) return;
+  skippedBytes_ += position_ - place_;
+  ++skippedPlaces_;
 }
 
 bool VelStTraceReader::fail(unsigned long id, VelEnErrorClass errorClass) {
@@ -203,10 +241,7 @@ void VelStTraceReader::setRecord(const RecordHead& head) {
              .data = texts + head.textLength()};
   message_.set(texts, head.messageLength);
   function_.set(texts + head.messageLength, head.originLength);
-  if (record_.skipped != 0) {
-    skippedBytes_ += record_.skipped;
-    ++skippedPlaces_;
-  }
+  countSkipped();
   position_ += head.size();
   place_ = position_;
 }
@@ -294,6 +329,10 @@ VelStStatus* velTraceReaderNext(VelStTraceReader* reader, const VelStTraceRecord
     *record = reader->next();
     return *record != nullptr ? VelClStatus() : reader->failure();
   });
+}
+
+void velTraceReaderSelect(VelStTraceReader* reader, const VelStTraceSelection* selection) {
+  reader->select(selection);
 }
 
 const char* velTraceReaderGetFunction(VelStTraceReader* reader, size_t* size) {

@@ -98,6 +98,41 @@ TEST_F(TraceReader, ReportsDamageAndItsPlace) {
   EXPECT_FALSE(reader.next());
 }
 
+TEST_F(TraceReader, PassesOverWhatIsNotSelected) {
+  RandomTrace trace(4);
+  trace.add(2000);
+  VelStTraceSelection all{0, UINT32_MAX, 0, UINT32_MAX, 0, UINT32_MAX, VelEnTraceDetail::HIGH, 0, {}};
+  std::fill(std::begin(all.components), std::end(all.components), 0xFF);
+  VelStTraceSelection some = all;
+  some.firstThread = some.lastThread = 4714;
+  some.detail = VelEnTraceDetail::LOW;
+  some.firstTime = 1'000'500;
+  some.lastTime = 1'002'000;
+  some.components[0] = 0x0F;
+  some.components[1] = 0;
+  for (const std::uint32_t reading : {TRACE_READ_PLAIN, TRACE_READ_RECOVER})
+    for (const std::uint32_t keepsFunctions : {0U, 1U}) {
+      some.keepsFunctions = keepsFunctions;
+      std::vector<std::uint64_t> expected, found;
+      VelClTraceReader reader;
+      ASSERT_TRUE(reader.openBytes(trace.bytes().data(), trace.bytes().size(), reading).isOk());
+      for (const VelStTraceRecord& record : reader) {
+        const bool isFunction = record.type == VelEnTraceDataType::FUNCTION_ENTRY ||
+                                record.type == VelEnTraceDataType::FUNCTION_EXIT;
+        if ((isFunction && keepsFunctions != 0) ||
+            (record.threadId == 4714 && record.detail <= VelEnTraceDetail::LOW &&
+             record.timeStamp >= 1'000'500 && record.timeStamp <= 1'002'000 && record.componentId < 4))
+          expected.push_back(record.offset);
+      }
+      ASSERT_TRUE(reader.openBytes(trace.bytes().data(), trace.bytes().size(), reading).isOk());
+      reader.select(&some);
+      for (const VelStTraceRecord& record : reader) found.push_back(record.offset);
+      EXPECT_EQ(found, expected);
+      EXPECT_GT(found.size(), 10U);
+      EXPECT_EQ(reader.getSkippedBytes(), 0U);
+    }
+}
+
 /// The window moves over the file, and grows for the records that are larger.
 TEST_F(TraceReader, ReadsFilesOfAnySize) {
   RandomTrace trace(2);

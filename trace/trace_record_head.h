@@ -32,8 +32,8 @@ struct RecordHead {
   /// The size of the whole record.
   std::uint64_t size() const { return std::uint64_t{kHeadLength} + textLength() + dataLength; }
   /// Whether the length of the data suits the type. Other fields may have any value.
-  bool isPossible() const {
-    return dataLength <= kMaxDataSize && dataFaultOf(type(), dataLength) == DataFault::None;
+  bool isPossible(const DataLengths& lengths) const {
+    return dataLength <= kMaxDataSize && lengths.suit(type(), dataLength);
   }
 };
 

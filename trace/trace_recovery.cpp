@@ -79,7 +79,7 @@ bool Recovery::headAt(std::uint64_t offset, RecordHead& head) {
     return false;
   }
   head = RecordHead::at(window_.at(offset));
-  if (!head.isPossible()) return false;
+  if (!head.isPossible(lengths_)) return false;
   if (window_.ensure(offset, head.size())) return true;
   // A false length would keep the search waiting for bytes that never come.
   isWaiting_ = isWaiting_ || (window_.isFollowed() && (known_.isEmpty() || knows(head)));
@@ -148,7 +148,7 @@ bool Recovery::hasChain(std::uint64_t offset, unsigned int count) {
 bool Recovery::isCutOff(std::uint64_t offset) {
   if (!window_.ensure(offset, kHeadLength)) return isFirstByte(*window_.at(offset));
   const RecordHead head = RecordHead::at(window_.at(offset));
-  return head.isPossible() && !window_.ensure(offset, head.size());
+  return head.isPossible(lengths_) && !window_.ensure(offset, head.size());
 }
 
 /// Whether a chain of records follows a record whose thread is unknown: one of them is of the same process,

@@ -25,7 +25,7 @@ namespace vel::trace {
 
 class Recovery {
  public:
-  explicit Recovery(TraceWindow& window) : window_(window) {}
+  Recovery(TraceWindow& window, const DataLengths& lengths) : window_(window), lengths_(lengths) {}
 
   enum class Result { Found, End, Waiting };
   /// Finds the next record at or after `offset`, which is set to its offset, or to the end of the input.
@@ -94,6 +94,7 @@ class Recovery {
   static constexpr std::uint64_t kNowhere = UINT64_MAX;
 
   TraceWindow& window_;
+  const DataLengths& lengths_;
   Known known_;
   std::uint64_t plausibleAt_ = kNowhere;  ///< the last offset that was found plausible
   Claim claim_;                           ///< a plausible record that was not confirmed

@@ -1,6 +1,7 @@
 #include "tools/veltrace/record_filter.h"
 
 #include <charconv>
+#include <tuple>
 
 namespace vel::veltrace {
 namespace {
@@ -61,6 +62,20 @@ bool parseTime(std::string_view text, std::uint32_t& milliseconds, std::size_t& 
   }
   position = text.size() - rest.size() + 1;
   return rest.empty();
+}
+
+VelStTraceSelection RecordFilter::selection() const {
+  VelStTraceSelection selection{};
+  std::tie(selection.firstProcess, selection.lastProcess) = processes.bounds();
+  std::tie(selection.firstThread, selection.lastThread) = threads.bounds();
+  selection.firstTime = fromMs;
+  selection.lastTime = std::max(fromMs, toMs);
+  selection.detail = detail;
+  selection.keepsFunctions = 1;
+  for (std::uint32_t component = 0; component < 256; ++component)
+    if (components.matches(component))
+      selection.components[component / 8] |= static_cast<std::uint8_t>(1U << component % 8);
+  return selection;
 }
 
 bool RecordFilter::containsData(const VelStTraceRecord& record) const {

@@ -2,6 +2,7 @@
 // must be decoded before they can be compared.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -18,6 +19,14 @@ class NumberList {
  public:
   /// Returns false for an invalid list, with the position from 1. Numbers are decimal and at most `largest`.
   bool parse(std::string_view text, std::uint32_t largest, std::size_t& position);
+  /// The smallest number and the largest one of the list.
+  std::pair<std::uint32_t, std::uint32_t> bounds() const {
+    if (ranges_.empty()) return {0, UINT32_MAX};
+    auto bounds = ranges_[0];
+    for (const auto& [low, high] : ranges_)
+      bounds = {std::min(bounds.first, low), std::max(bounds.second, high)};
+    return bounds;
+  }
   bool matches(std::uint32_t number) const {
     if (ranges_.empty()) return true;
     for (const auto& [low, high] : ranges_)
@@ -46,6 +55,8 @@ struct RecordFilter {
   std::uint32_t longerMs = 0;  ///< only calls that take longer
   bool onlyLonger = false;
 
+  /// Contains all records that match, and others.
+  VelStTraceSelection selection() const;
   /// What can be decided without texts and levels.
   bool matches(const VelStTraceRecord& record) const {
     return record.detail <= detail && record.timeStamp >= fromMs && record.timeStamp <= toMs &&

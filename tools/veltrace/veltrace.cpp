@@ -233,7 +233,13 @@ bool Tool::openTraces() {
     if (isInput && isFollowing_) refuse(kFollowFile);
     const VelClStatus status =
         traces_.open(isInput ? nullptr : file, isInput ? vel::tools::kStandardStream : file, reading);
-    if (status.isOk()) continue;
+    if (status.isOk()) {
+      // Others are passed over by the reader, unless they may be context. Recovery reports what it skips with
+      // the record after it.
+      const VelStTraceSelection selection = filter_.selection();
+      if (context_ == 0 && (reading & TRACE_READ_RECOVER) == 0) traces_.all().back().reader.select(&selection);
+      continue;
+    }
     throwIfOutOfMemory(status);
     report(kNotOpened, file);
     fail(kExitNotRead);
