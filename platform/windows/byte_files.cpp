@@ -2,18 +2,13 @@
 // mode; the mode of a standard stream is the caller's matter.
 #include "platform/byte_files.h"
 
-#include <windows.h>
-
 #include <fcntl.h>
 #include <io.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdint>
 #include <cstdio>
-
-#include "platform/windows/system_errors.h"
 
 namespace vel::platform {
 
@@ -32,19 +27,6 @@ unsigned int stepOf(std::size_t size) noexcept {
 SystemError openForReading(const char* name, PipeWithoutWriter, int& descriptor) noexcept {
   descriptor = _open(name, _O_RDONLY | _O_BINARY | _O_NOINHERIT);
   return descriptor == -1 ? errno : 0;
-}
-
-// The runtime's own functions open without FILE_SHARE_DELETE, which would keep others from renaming the file.
-SystemError openForSharedReading(const char* name, int& descriptor) noexcept {
-  const HANDLE file =
-      CreateFileA(name, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return errnoOf(GetLastError());
-  descriptor = _open_osfhandle(reinterpret_cast<std::intptr_t>(file), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
-  if (descriptor != -1) return 0;
-  const SystemError error = errno;
-  CloseHandle(file);
-  return error;
 }
 
 void closeDescriptor(int descriptor) noexcept {
