@@ -13,6 +13,7 @@
 #include "trace/text_compression.h"
 #include "trace/trace_data_text.h"
 #include "trace/trace_recovery.h"
+#include "trace/trace_ring_image.h"
 #include "trace/trace_type_names.h"
 #include "trace/trace_window.h"
 #include "vel_include/vel_util.h"
@@ -104,7 +105,7 @@ struct VelStTraceReader {
   explicit VelStTraceReader(std::uint32_t reading) : recovers_((reading & TRACE_READ_RECOVER) != 0) {}
 
   VelClStatus open(std::string_view name, bool isFollowed);
-  void openBytes(const void* bytes, std::size_t size) { window_.openBytes(bytes, size); }
+  VelClStatus openBytes(const void* bytes, std::size_t size);
   /// Returns null after the last record and after a failure.
   const VelStTraceRecord* next();
   const VelClStatus& failure() const { return failure_; }
@@ -120,6 +121,7 @@ struct VelStTraceReader {
   std::uint64_t getRestarts() const { return restarts_; }
 
  private:
+  VelClStatus openRing();
   bool readNext(RecordHead& head);
   bool recoverNext(RecordHead& head);
   void setRecord(const RecordHead& head);
@@ -130,6 +132,7 @@ struct VelStTraceReader {
   bool refresh();
 
   TraceWindow window_;
+  vel::trace::RingImage ring_;
   vel::trace::DataLengths lengths_;
   Recovery recovery_{window_, lengths_};
   VelStTraceSelection selection_{};
@@ -143,20 +146,35 @@ struct VelStTraceReader {
   std::uint64_t skippedBytes_ = 0;
   std::uint64_t skippedPlaces_ = 0;
   std::uint64_t restarts_ = 0;
-  const bool recovers_;
+  bool recovers_;
 };
 
 VelClStatus VelStTraceReader::open(std::string_view name, bool isFollowed) {
   if (name == "-") {
     window_.openStandardInput();
-    return {};
+    return openRing();
   }
   const vel::platform::SystemError error = window_.open(name, isFollowed);
-  if (error == 0) return {};
+  if (error == 0) return isFollowed ? VelClStatus() : openRing();
   const VelEnErrorClass errorClass = error == ENOENT   ? VelEnErrorClass::IO_NOT_EXISTENT
                                      : error == EACCES ? VelEnErrorClass::IO_PERMISSION_DENIED
                                                        : VelEnErrorClass::IO_PROBLEM;
   return {FILE_COULD_NOT_OPEN, errorClass, static_cast<std::uint32_t>(error), name};
+}
+
+VelClStatus VelStTraceReader::openBytes(const void* bytes, std::size_t size) {
+  window_.openBytes(bytes, size);
+  return openRing();
+}
+
+/// If the input is a ring, reads its bytes from memory instead. Where a record begins, recovery finds out.
+VelClStatus VelStTraceReader::openRing() {
+  if (!vel::trace::isRing(window_)) return {};
+  if (!vel::trace::readRing(window_, ring_))
+    return {TRACEFORMAT_FILE_CORRUPTED, VelEnErrorClass::INVALID_DATA, 0, window_.name(), 1};
+  window_.openBytes(ring_.bytes.get(), ring_.size);
+  recovers_ = true;
+  return {};
 }
 
 const VelStTraceRecord* VelStTraceReader::next() {
@@ -313,9 +331,10 @@ VelStStatus* velTraceReaderOpenBytes(const void* bytes, size_t size, uint32_t re
                                      VelStTraceReader** reader) {
   *reader = nullptr;
   return vel::plainStatus([&] {
-    *reader = vel::create<VelStTraceReader>(reading);
-    (*reader)->openBytes(bytes, size);
-    return VelClStatus();
+    OwnedReader opened(vel::create<VelStTraceReader>(reading));
+    VelClStatus status = opened->openBytes(bytes, size);
+    if (status.isOk()) *reader = opened.release();
+    return status;
   });
 }
 

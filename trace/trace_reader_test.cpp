@@ -133,6 +133,36 @@ TEST_F(TraceReader, PassesOverWhatIsNotSelected) {
     }
 }
 
+/// A ring that another process has mapped: its pointers are those of that process.
+TEST_F(TraceReader, ReadsTheMemoryOfARing) {
+  for (const std::size_t written : {10U, 100U, 1000U}) {
+    std::vector<char> memory(4096);
+    const VelClResourceKeySemaphore key("unit", nullptr);
+    const auto environmentOfRing = environment();
+    VelClTraceBufferManager manager(key, memory.data(), memory.size());
+    for (std::size_t i = 0; i < written; ++i) {
+      const std::string message = "number " + std::to_string(i);
+      manager.write(VelClTraceEntry(*environmentOfRing, VelEnTraceDetail::LOW, 1,
+                                    VelEnTraceDataType::UNSIGNED_64, "f", message.c_str(), &i, sizeof i));
+    }
+    const std::vector<char> copy = memory;
+    VelClTraceReader reader;
+    ASSERT_TRUE(reader.openBytes(copy.data(), copy.size()).isOk());
+    std::size_t count = 0;
+    std::string last;
+    for ([[maybe_unused]] const VelStTraceRecord& record : reader) {
+      last = reader.getMessage();
+      ++count;
+    }
+    EXPECT_EQ(last, "number " + std::to_string(written - 1));
+    EXPECT_EQ(reader.getSkippedBytes() < 60, true);
+    EXPECT_GE(count, std::min<std::size_t>(written, 90));
+    memory[8] = 1;
+    EXPECT_EQ(reader.openBytes(memory.data(), memory.size()).getErrorId(),
+              static_cast<unsigned long>(TRACEFORMAT_FILE_CORRUPTED));
+  }
+}
+
 /// The window moves over the file, and grows for the records that are larger.
 TEST_F(TraceReader, ReadsFilesOfAnySize) {
   RandomTrace trace(2);

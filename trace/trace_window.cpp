@@ -34,7 +34,9 @@ void TraceWindow::openStandardInput() {
 void TraceWindow::openBytes(const void* bytes, std::size_t size) {
   static constexpr unsigned char kNothing = 0;
   first_ = size != 0 ? static_cast<const unsigned char*>(bytes) : &kNothing;
+  start_ = keep_ = 0;
   end_ = size;
+  isAtEnd_ = true;
 }
 
 bool TraceWindow::read(std::uint64_t end) {

@@ -64,12 +64,15 @@ typedef struct VelStTraceReader VelStTraceReader;
 /// is. `reading` is a combination of VelEnTraceReading. A file that is followed need not exist yet. Returns
 /// FILE_COULD_NOT_OPEN and sets `reader` to null if the file cannot be opened, or is a directory.
 ///
+/// Instead of a trace, the input may be the memory of a ring, header included, also one that is being
+/// written: its records are found by recovery, and offsets count from its oldest byte. A ring is not
+/// followed. One whose header contradicts itself is refused: TRACEFORMAT_FILE_CORRUPTED.
+///
 /// A file is read in blocks of 256 KiB. Memory is bounded: a record whose data is longer than 16 MiB, the
 /// largest size of a ring, counts as damaged. Records cost no allocation.
 VEL_C_API VelStStatus* velTraceReaderOpen(const char* name, size_t nameSize, uint32_t reading,
                                           VelStTraceReader** reader);
-/// Opens a trace in memory, which is not copied and must outlive the reader. Never fails but for lack of
-/// memory.
+/// Opens a trace or a ring in memory, which must outlive the reader; only a ring is copied.
 VEL_C_API VelStStatus* velTraceReaderOpenBytes(const void* bytes, size_t size, uint32_t reading,
                                                VelStTraceReader** reader);
 /// Closes a reader; null is ignored.
