@@ -32,6 +32,11 @@ DataFault dataFaultOf(unsigned int type, std::uint32_t length) {
   }
 }
 
+const DataLengths& DataLengths::table() {
+  static const DataLengths lengths;
+  return lengths;
+}
+
 DataLengths::DataLengths() {
   for (unsigned int type = 0; type < kTypes; ++type) {
     Row& row = rows_[type];

@@ -22,13 +22,16 @@ DataFault dataFaultOf(unsigned int type, std::uint32_t length);
 /// The same rule as a table, for those who check very many records.
 class DataLengths {
  public:
-  DataLengths();
+  /// The table, which is made once.
+  static const DataLengths& table();
   bool suit(unsigned int type, std::uint32_t length) const {
     const Row& row = rows_[type % kTypes];
     return length <= kMaxShortDataSize ? (row.suits[length / 64] >> length % 64 & 1) != 0 : row.hasAnyLength;
   }
 
  private:
+  DataLengths();
+
   static constexpr std::size_t kTypes = 32;  ///< as many as a record has bits for
   struct Row {
     std::uint64_t suits[2] = {};  ///< a bit for each short length

@@ -33,7 +33,7 @@ class TextDecoder {
     std::size_t storedSize = 0;
     std::size_t size = 0;
     unsigned char stored[kMaxCompressedSize + 1];
-    char text[kMaxPlainSize + 2 * kSlack] = "";
+    char text[kMaxPlainSize + 2 * kSlack];
   };
 
   /// The result is valid until the next call for a text of the same slot.
@@ -133,7 +133,7 @@ struct VelStTraceReader {
 
   TraceWindow window_;
   vel::trace::RingImage ring_;
-  vel::trace::DataLengths lengths_;
+  const vel::trace::DataLengths& lengths_ = vel::trace::DataLengths::table();
   Recovery recovery_{window_, lengths_};
   VelStTraceSelection selection_{};
   bool hasSelection_ = false;
