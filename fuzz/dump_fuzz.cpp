@@ -10,7 +10,7 @@ namespace fuzz::dump {
 namespace {
 
 using vel::veldump::DumpParser;
-using vel::veldump::OutputBuffer;
+using vel::tools::OutputBuffer;
 
 constexpr std::uint64_t kMaxRepeated = 100'000;
 constexpr std::size_t kManyBytes = 24'000;

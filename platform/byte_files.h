@@ -16,6 +16,8 @@ enum class PipeWithoutWriter { Refuse, Wait };
 /// Wait, waits until a pipe has a writer; with Refuse, fails with ENXIO if nobody has it open for writing.
 /// Reading from a pipe waits for what its writers send.
 SystemError openForReading(const char* name, PipeWithoutWriter pipe, int& descriptor) noexcept;
+/// As openForReading with Refuse. Others may remove and rename the file while it is open, on Windows too.
+SystemError openForSharedReading(const char* name, int& descriptor) noexcept;
 void closeDescriptor(int descriptor) noexcept;
 
 /// A file open for reading, which closes itself.
@@ -33,6 +35,12 @@ class ReadableFile {
   /// Call at most once, on a closed file: a descriptor that is open would leak.
   SystemError open(const char* name, PipeWithoutWriter pipe) noexcept {
     const SystemError error = openForReading(name, pipe, descriptor_);
+    if (error != 0) descriptor_ = -1;
+    return error;
+  }
+  /// As open, by openForSharedReading.
+  SystemError openShared(const char* name) noexcept {
+    const SystemError error = openForSharedReading(name, descriptor_);
     if (error != 0) descriptor_ = -1;
     return error;
   }

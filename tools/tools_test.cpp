@@ -27,6 +27,7 @@ TEST(Tools, ReadStandardInputAsAnyFile) {
       {"velmsg", {"-list", "-cat"}, "qammsg50.DLL"},
       {"velmsg", {"-builtin", "-diff"}, "velmsg_first.DLL"},
       {"trcctl", {"-key", "tour", "-display", "-file"}, trace},
+      {"veltrace", {"-component", "7"}, trace},
   };
   for (const auto& [tool, arguments, file] : rows) {
     Texts named = arguments, input = arguments;
@@ -47,7 +48,8 @@ TEST(Tools, ShowTheTitleUnlessTheyAreQuiet) {
               {"veldump", {"-"}},
               {"velconv", {"-from", "850", "-to", "1208", "-"}},
               {"velmsg", {"-builtin", "-id", "3"}},
-              {"trcctl", {"-key", "tour"}}};
+              {"trcctl", {"-key", "tour"}},
+              {"veltrace", {"-stats", VEL_TEST_DATA "../trace/test/tour.trc"}}};
   for (const auto& [tool, arguments] : rows) {
     const auto shown = run(tool, arguments, "[a]\n", false), quiet = run(tool, arguments, "[a]\n", true);
     EXPECT_NE(shown.errors.find(" - "), std::string::npos) << tool;
@@ -75,6 +77,9 @@ TEST(Tools, ReportErrorsInTheCommandLineOnStandardError) {
       {"velmsg", {"-list"}},
       {"velmsg", {"-cat", "-", "-diff", "-"}},
       {"trcctl", {"-key", "tour", "-nonsense"}},
+      {"veltrace", {"-nonsense"}},
+      {"veltrace", {"-follow", "-"}},
+      {"veltrace", {"-stats", "-format", "json"}},
       {"trcctl", {}},
   };
   for (const auto& [tool, arguments] : rows) {
@@ -89,7 +94,7 @@ TEST(Tools, ReportErrorsInTheCommandLineOnStandardError) {
 
 // The manual pages show these runs.
 TEST(Tools, BehaveAsInTheExamplesOfTheirPages) {
-  for (const char* const tool : {"trcctl", "velconv", "veldump", "velini", "velmsg"})
+  for (const char* const tool : {"trcctl", "velconv", "veldump", "velini", "velmsg", "veltrace"})
     vel::test::expectSession(std::string(VEL_TEST_DATA) + tool + "/test/examples.session");
 }
 
@@ -113,6 +118,8 @@ TEST(ToolsInUsersLanguage, ShowNothingInAnother) {
       {"velconv", {"-from", "1208", "-to", "850", "-count"}, "Standardeingabe: 2 Bytes, 0 ung\u00FCltig"},
       {"velmsg", {"--help"}, "Exit-Codes: 0 Erfolg"},
       {"velmsg", {"-lang", "5"}, "Genau eine der Angaben -list"},
+      {"veltrace", {"--help"}, "Exit-Codes: 0 Erfolg"},
+      {"veltrace", {"-detail", "x"}, "-detail muss OFF, LOW, MED oder HIGH sein"},
       {"trcctl", {"--help"}, "Aufruf: trcctl -key"},
       {"trcctl", {"-key", "tour", "-file", "absent"}, "Angegebene Trace-Datei nicht gefunden"},
       {"trcctl", {"-key", "tour", "-file", "-", "-display"}, "Keine Trace-Datei: "},

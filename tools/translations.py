@@ -23,7 +23,7 @@ sys.dont_write_bytecode = True
 from generate_messages import TableError, c_literal, check_row  # noqa: E402
 
 CATALOG = ROOT / "tools/german.po"
-TOOLS = ["trcctl", "velconv", "veldump", "velini", "velmsg"]
+TOOLS = ["trcctl", "velconv", "veldump", "velini", "velmsg", "veltrace"]
 # Texts that are not in the tables of texts.h.
 SHARED = ["Usage", "did you mean", "out of memory", "standard input", "Standard input can be read only once",
           "The output could not be written", "Not a trace file: it does not begin with a complete entry",

@@ -8,13 +8,14 @@ namespace vel::trace {
 
 TraceFileInput::~TraceFileInput() = default;
 
+bool isDirectory(const char* name) {
+  const std::uint32_t attributes = platform::attributesOf(name);
+  return attributes != platform::kAttributesUnreadable && (attributes & platform::kAttributeDirectory) != 0;
+}
+
 bool TraceFileInput::open(const char* name) {
   buffer_.reset(static_cast<char*>(VelClMemoryManager::malloc(kCapacity)));
-  // POSIX systems open directories for reading, too, and only fail to read them.
-  const std::uint32_t attributes = platform::attributesOf(name);
-  if (attributes != platform::kAttributesUnreadable && (attributes & platform::kAttributeDirectory) != 0)
-    return false;
-  return file_.open(name, platform::PipeWithoutWriter::Refuse) == 0;
+  return !isDirectory(name) && file_.open(name, platform::PipeWithoutWriter::Refuse) == 0;
 }
 
 // Skips by reading: most data is short and in the buffer already, and a pipe cannot seek.

@@ -13,6 +13,9 @@
 
 namespace vel::trace {
 
+/// Whether the name is that of a directory, which POSIX systems open for reading, too, and only fail to read.
+bool isDirectory(const char* name);
+
 /// Owns the file's descriptor and buffer.
 class TraceFileInput final : public std::streambuf {
  public:

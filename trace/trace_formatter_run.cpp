@@ -19,11 +19,13 @@
 #include <iterator>
 
 #include "base/short_text.h"
+#include "trace/trace_data_rules.h"
 #include "trace/trace_data_text.h"
 #include "util/dump_line.h"
 #include "vel_include/vel_messages.h"
 #include "vel_include/vel_util.h"
 
+using vel::trace::DataFault;
 using vel::trace::FormatStep;
 using vel::trace::TextBuffer;
 using vel::trace::TraceTypeNames;
@@ -54,10 +56,6 @@ constexpr unsigned int numberOf(VelEnTraceDataType type) {
   return static_cast<unsigned int>(type);
 }
 
-/// Data of values, function records and the like, in bytes. Types whose data may
-/// be longer are shown as a dump or as text.
-constexpr std::size_t kMaxShortDataSize = 127;
-constexpr std::uint32_t kNestingLevelSize = 4;
 constexpr std::size_t kMaxValueSize = 16;
 /// Literal texts up to this length are copied in blocks.
 constexpr std::size_t kShortText = 64;
@@ -81,19 +79,23 @@ std::string_view builtInText(unsigned long id) {
   return velMsgCatGetBuiltInTable(nullptr)[id];
 }
 
-/// Throws if data of `length` bytes is damaged or its type is unknown. Intentional: a type without data to
-/// show (DATA_NULL) may have any length.
-void checkShortData(unsigned int type, std::uint32_t length) {
-  if (type == numberOf(VelEnTraceDataType::FUNCTION_ENTRY) ||
-      type == numberOf(VelEnTraceDataType::FUNCTION_EXIT)) {
-    if (length != kNestingLevelSize) throwCorrupted("VelClTraceFormatter::formatData, line 405", 405);
-  } else if (type == numberOf(VelEnTraceDataType::DATA_NONE)) {
-    if (length != 0) throwCorrupted("VelClTraceFormatter::formatData, line 433", 433);
-  } else if (vel::trace::isValueType(type)) {
-    if (!vel::trace::fitsValue(type, length))
+/// Throws if data of `length` bytes is damaged or its type is unknown.
+void checkData(unsigned int type, std::uint32_t length) {
+  switch (vel::trace::dataFaultOf(type, length)) {
+    case DataFault::None:
+      return;
+    case DataFault::AddressSize:
+      throwCorrupted("VelClTraceFormatter::formatData, line 364", 364);
+    case DataFault::TooLong:
+      throwCorrupted("VelClTraceFormatter::formatData, line 377", 377);
+    case DataFault::LevelSize:
+      throwCorrupted("VelClTraceFormatter::formatData, line 405", 405);
+    case DataFault::NotEmpty:
+      throwCorrupted("VelClTraceFormatter::formatData, line 433", 433);
+    case DataFault::ValueSize:
       throwCorrupted("VelClTraceFormatter::formatData, line 502", 502);
-  } else if (type != numberOf(VelEnTraceDataType::DATA_NULL)) {
-    throwCorrupted("VelClTraceFormatter::formatData, line 541", 541);
+    case DataFault::UnknownType:
+      throwCorrupted("VelClTraceFormatter::formatData, line 541", 541);
   }
 }
 
@@ -289,8 +291,10 @@ void VelClTraceFormatter::Run::skipEntry(std::uint32_t length) {
   if (!input_.skip(length)) throwUnexpectedEnd("VelClTraceFormatter::skipEntry, line 186", 186);
 }
 
+/// If data is both unsuitable for its type and cut off, the unsuitable type is reported.
 void VelClTraceFormatter::Run::formatData() {
   const std::uint32_t length = entry_.getDumpDataLength();
+  checkData(numberOf(entry_.getType()), length);
   switch (entry_.getType()) {
     case VelEnTraceDataType::DATA:
     case VelEnTraceDataType::DATA_CLIPPED:
@@ -299,20 +303,16 @@ void VelClTraceFormatter::Run::formatData() {
     case VelEnTraceDataType::C_STRING:
       return formatCString(length);
     case VelEnTraceDataType::ADDRESS:
-      if (length != sizeof(std::uint64_t)) throwCorrupted("VelClTraceFormatter::formatData, line 364", 364);
       return formatAdrs();
     default:
-      if (length > kMaxShortDataSize) throwCorrupted("VelClTraceFormatter::formatData, line 377", 377);
       return formatShortData(length);
   }
 }
 
-/// If data is both unsuitable for its type and cut off, the unsuitable type is reported.
 void VelClTraceFormatter::Run::formatShortData(std::uint32_t length) {
-  std::uint8_t bytes[kMaxShortDataSize];
-  const bool complete = input_.read(bytes, length) == length;
-  checkShortData(numberOf(entry_.getType()), length);
-  if (!complete) throwUnexpectedEnd("VelClTraceFormatter::formatEntry, line 644", 644);
+  std::uint8_t bytes[vel::trace::kMaxShortDataSize];
+  if (input_.read(bytes, length) < length)
+    throwUnexpectedEnd("VelClTraceFormatter::formatEntry, line 644", 644);
   switch (entry_.getType()) {
     case VelEnTraceDataType::FUNCTION_ENTRY:
     case VelEnTraceDataType::FUNCTION_EXIT:

@@ -24,6 +24,9 @@ class TextBuffer {
         floatFormat_(formatOf(stream.flags() & std::ios::floatfield)),
         precision_(static_cast<int>(
             std::clamp(stream.precision(), std::streamsize{0}, std::streamsize{kMaxPrecision}))) {}
+  /// Collects a single value, of less than kCapacity characters, with the number format of a new stream. Do
+  /// not flush it; see text().
+  TextBuffer() : stream_(nullptr), floatFormat_(std::chars_format::general), precision_(6) {}
   TextBuffer(const TextBuffer&) = delete;
   TextBuffer& operator=(const TextBuffer&) = delete;
 
@@ -62,6 +65,9 @@ class TextBuffer {
     char* const out = reserve(room);
     commit(std::to_chars(out, out + room, number, floatFormat_, precision_).ptr);
   }
+
+  /// What has not been flushed.
+  std::string_view text() const { return {text_, used_}; }
 
   void flush() {
     const std::size_t size = used_;

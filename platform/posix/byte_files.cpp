@@ -61,6 +61,10 @@ SystemError openForReading(const char* name, PipeWithoutWriter pipe, int& descri
   return error;
 }
 
+SystemError openForSharedReading(const char* name, int& descriptor) noexcept {
+  return openForReading(name, PipeWithoutWriter::Refuse, descriptor);
+}
+
 void closeDescriptor(int descriptor) noexcept {
   close(descriptor);
 }

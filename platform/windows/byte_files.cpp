@@ -43,6 +43,8 @@ SystemError readBytes(int descriptor, void* buffer, std::size_t capacity, std::s
     return readConsole(static_cast<char*>(buffer), capacity, size);
   const int count = _read(descriptor, buffer, stepOf(capacity));
   if (count < 0) return errno;
+  // Runtimes remember the end of a file until the position is set; it may grow, though.
+  if (count == 0) _lseeki64(descriptor, 0, SEEK_CUR);
   size = static_cast<std::size_t>(count);
   return 0;
 }

@@ -8,9 +8,11 @@
 
 #include "tools/veldump/byte_source.h"
 #include "tools/veldump/line_painter.h"
-#include "tools/veldump/output_buffer.h"
+#include "tools/output_buffer.h"
 
 namespace vel::veldump {
+
+using tools::OutputBuffer;
 
 /// `Form` is util::HexForm or util::BinaryForm.
 template <typename Form>

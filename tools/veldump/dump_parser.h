@@ -6,10 +6,12 @@
 #include <cstdint>
 #include <string_view>
 
-#include "tools/veldump/output_buffer.h"
+#include "tools/output_buffer.h"
 #include "tools/veldump/peer_dumps.h"
 
 namespace vel::veldump {
+
+using tools::OutputBuffer;
 
 class DumpParser {
  public:

@@ -6,10 +6,12 @@
 #include <cstring>
 
 #include "tools/veldump/line_painter.h"
-#include "tools/veldump/output_buffer.h"
+#include "tools/output_buffer.h"
 #include "util/dump_line.h"
 
 namespace vel::veldump {
+
+using tools::OutputBuffer;
 
 /// `Form` is util::HexForm or util::BinaryForm.
 template <typename Form>

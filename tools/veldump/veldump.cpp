@@ -322,7 +322,7 @@ int vel::tools::toolMain(int argc, char** argv) {
   Tool tool(argc, argv);
   try {
     return tool.run();
-  } catch (const OutputFailure&) {
+  } catch (const vel::tools::OutputFailure&) {
     tool.report(kNotWritten);
     return kExitNotWritten;
   } catch (const VelClException& exception) {

@@ -1,11 +1,11 @@
 // Collects output. Lines are formatted directly in the buffer, between reserve and commit, so that no line is
 // copied; a stream would copy each one. The destructor does not flush, because it could not report a failure.
-#include "tools/veldump/output_buffer.h"
+#include "tools/output_buffer.h"
 
 #include <algorithm>
 #include <cstring>
 
-namespace vel::veldump {
+namespace vel::tools {
 
 OutputBuffer::OutputBuffer(Sink sink) : sink_(sink), buffer_(std::make_unique<char[]>(kCapacity)) {}
 
@@ -32,4 +32,4 @@ void OutputBuffer::flush() {
   if (!sink_(buffer_.get(), size)) throw OutputFailure();
 }
 
-}  // namespace vel::veldump
+}  // namespace vel::tools

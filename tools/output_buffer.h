@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <memory>
 
-namespace vel::veldump {
+namespace vel::tools {
 
 /// Thrown when the output cannot be written. The tool reports it and ends.
 struct OutputFailure {};
@@ -31,4 +31,4 @@ class OutputBuffer {
   std::size_t used_ = 0;
 };
 
-}  // namespace vel::veldump
+}  // namespace vel::tools
