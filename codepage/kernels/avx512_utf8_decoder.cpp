@@ -9,7 +9,7 @@
 // Characters of four bytes become two units, the surrogates, in the lanes of their first and second byte.
 // Sums and constants are those of utf8_decoder.cpp. For a published algorithm of this kind see R. Clausecker
 // and D. Lemire, "Transcoding Unicode Characters with AVX-512 Instructions" (2023).
-#include "codepage/kernels/vectors.h"
+#include "codepage/kernels/avx512_vectors.h"
 
 #if defined(__x86_64__)
 
@@ -133,7 +133,7 @@ VEL_VECTOR void decodeUtf8Blocks(Cursor& cursor) noexcept {
 
 void vectors::decodeUtf8(Cursor& cursor) noexcept {
   decodeUtf8Blocks(cursor);
-  convertTail(cursor, {&decodeUtf8Blocks, kBlock + 2, 1, kUnitSize});
+  convertTail<kBlock + 3>(cursor, {&decodeUtf8Blocks, kBlock + 2, 1, kUnitSize});
 }
 
 }  // namespace vel::codepage

@@ -1,7 +1,7 @@
 // Single bytes to UCS-2 by vectors. The whole table is kept in registers: its 256 units are split into a
 // plane of low bytes and one of high bytes, four vectors each. Two look-ups give the low and the high bytes
 // of 64 units, which are interleaved when they are stored; memory is read for the source alone.
-#include "codepage/kernels/vectors.h"
+#include "codepage/kernels/avx512_vectors.h"
 
 #if defined(__x86_64__)
 

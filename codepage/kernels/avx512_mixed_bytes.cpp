@@ -6,7 +6,7 @@
 // 2. Which entry of the table has each character? Two vectors have page numbers and bytes within the page for
 //    every byte of the block; those of bytes that begin a character are compressed.
 // 3. The units are read from the table one by one. Gathering them by a vector instruction is not faster.
-#include "codepage/kernels/vectors.h"
+#include "codepage/kernels/avx512_vectors.h"
 
 #if defined(__x86_64__)
 

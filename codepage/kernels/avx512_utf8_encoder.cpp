@@ -7,7 +7,7 @@
 //   compressed 41 C3 A9 E2 82 AC
 //
 // Each lane is computed for every length, and masks select one, which avoids a branch per character.
-#include "codepage/kernels/vectors.h"
+#include "codepage/kernels/avx512_vectors.h"
 
 #if defined(__x86_64__)
 
@@ -127,7 +127,7 @@ VEL_VECTOR void encodeUtf8Blocks(Cursor& cursor) noexcept {
 
 void vectors::encodeUtf8(Cursor& cursor) noexcept {
   encodeUtf8Blocks(cursor);
-  convertTail(
+  convertTail<kBlock + 3>(
       cursor,
       {.convert = &encodeUtf8Blocks, .maxTail = kBlock - 1, .sourceNulSize = kUnitSize, .targetNulSize = 1});
 }
