@@ -17,6 +17,7 @@
 #include "codepage/kernels/kernels.h"
 #include "codepage/kernels/tail.h"
 
+#define VEL_VECTOR_BMI2
 #define VEL_VECTOR __attribute__((target("avx512f,avx512bw,avx512vl,avx512vbmi,avx512vbmi2,bmi2,pclmul")))
 
 namespace vel::codepage::vectors {
@@ -31,6 +32,7 @@ void decodeUtf8(Cursor& cursor) noexcept;
 void encodeUtf8(Cursor& cursor) noexcept;
 void decodeMixed(Cursor& cursor, const VelStDoubleByteTable& table) noexcept;
 void decodeShifted(Cursor& cursor, const VelStDoubleByteTable& table, bool& isDouble) noexcept;
+void mapUnits(char* target, const char* source, std::size_t count, const unsigned char* table) noexcept;
 
 inline constexpr std::size_t kBlock = 64;
 
@@ -62,6 +64,15 @@ VEL_VECTOR inline __m512i lookUp(const __m512i (&plane)[4], __m512i index) {
   const __m512i lower = _mm512_permutex2var_epi8(plane[0], index, plane[1]);
   const __m512i upper = _mm512_permutex2var_epi8(plane[2], index, plane[3]);
   return _mm512_mask_mov_epi8(lower, _mm512_movepi8_mask(index), upper);
+}
+
+/// A table of 256 bytes.
+struct ByteTable {
+  __m512i part[4];
+};
+
+VEL_VECTOR inline ByteTable loadBytes(const std::uint8_t* values) {
+  return {{load(values), load(values + 64), load(values + 128), load(values + 192)}};
 }
 
 /// Stores 64 units, whose low and high bytes are in two vectors. Unpacking interleaves them within 16-byte

@@ -57,7 +57,8 @@ template <typename V>
 VEL_VECTOR inline Planes<V> decodeUpToTwo(const Utf8Window<V>& at) {
   const auto isAscii = reinterpret_cast<typename V::SignedBytes>(at.x) >= 0;
   const typename V::Bytes zero{};
-  return {isAscii ? at.x : (at.x << 6) | (at.y & 0x3F), isAscii ? zero : (at.x >> 2) & 7};
+  return {isAscii ? at.x : (at.x << 6) | (at.y & bytes<V, 0x3F>()),
+          isAscii ? zero : (at.x >> 2) & bytes<V, 7>()};
 }
 
 /// Decodes characters of up to three bytes, and the low surrogates.
@@ -65,9 +66,10 @@ template <typename V>
 VEL_VECTOR inline Planes<V> decodeUpToThree(const Utf8Window<V>& at) {
   const typename V::Bytes zero{};
   const auto isAscii = reinterpret_cast<typename V::SignedBytes>(at.x) >= 0;
-  const auto isTwo = (at.x & 0xE0) == 0xC0;
-  const typename V::Bytes low = ((isTwo ? at.x : at.y) << 6) | ((isTwo ? at.y : at.z) & 0x3F);
-  const typename V::Bytes high = isTwo ? (at.x >> 2) & 7 : (at.x << 4) | ((at.y >> 2) & 0xF);
+  const auto isTwo = (at.x & bytes<V, 0xE0>()) == bytes<V, 0xC0>();
+  const typename V::Bytes low = ((isTwo ? at.x : at.y) << 6) | ((isTwo ? at.y : at.z) & bytes<V, 0x3F>());
+  const typename V::Bytes high =
+      isTwo ? (at.x >> 2) & bytes<V, 7>() : (at.x << 4) | ((at.y >> 2) & bytes<V, 0xF>());
   return {isAscii ? at.x : low, isAscii ? zero : high};
 }
 
@@ -75,19 +77,22 @@ VEL_VECTOR inline Planes<V> decodeUpToThree(const Utf8Window<V>& at) {
 /// because D7C0 is D800 - (10000 >> 10): UTF-16 subtracts 10000 from the character. Its low byte may carry.
 template <typename V>
 VEL_VECTOR inline void addSurrogates(const Utf8Window<V>& at, Planes<V>& planes) {
-  const auto isFour = at.x >= 0xF0;
-  const auto isTrail = (at.x & 0xC0) == 0x80;
-  const typename V::Bytes middle = (at.y << 2) | ((at.z >> 4) & 3);
-  const typename V::Bytes carry = reinterpret_cast<typename V::Bytes>(middle >= 0x40);
-  planes.low = isFour ? middle + 0xC0 : planes.low;
-  planes.high = isFour ? (at.x & 7) + 0xD7 - carry : isTrail ? ((at.y >> 2) & 3) | 0xDC : planes.high;
+  const auto isFour = at.x >= bytes<V, 0xF0>();
+  const auto isTrail = (at.x & bytes<V, 0xC0>()) == bytes<V, 0x80>();
+  const typename V::Bytes middle = (at.y << 2) | ((at.z >> 4) & bytes<V, 3>());
+  const typename V::Bytes carry = reinterpret_cast<typename V::Bytes>(middle >= bytes<V, 0x40>());
+  planes.low = isFour ? middle + bytes<V, 0xC0>() : planes.low;
+  planes.high = isFour    ? (at.x & bytes<V, 7>()) + bytes<V, 0xD7>() - carry
+                : isTrail ? ((at.y >> 2) & bytes<V, 3>()) | bytes<V, 0xDC>()
+                          : planes.high;
 }
 
 /// Whether characters begin with F0 to F7 and are not overlong. Others are left to the portable decoder.
 template <typename V>
 VEL_VECTOR inline bool areFourBytes(const Utf8Window<V>& at) {
-  const typename V::Bytes isLong = reinterpret_cast<typename V::Bytes>(at.x >= 0xF8);
-  const typename V::Bytes isOverlong = reinterpret_cast<typename V::Bytes>((at.x == 0xF0) & (at.y < 0x90));
+  const typename V::Bytes isLong = reinterpret_cast<typename V::Bytes>(at.x >= bytes<V, 0xF8>());
+  const typename V::Bytes isOverlong =
+      reinterpret_cast<typename V::Bytes>((at.x == bytes<V, 0xF0>()) & (at.y < bytes<V, 0x90>()));
   return V::signs(isLong | isOverlong) == 0;
 }
 
@@ -127,6 +132,19 @@ inline void dropLast(Cursor& cursor) {
   cursor.target -= isPair ? 2 * kUnitSize : kUnitSize;
 }
 
+/// Decodes pairs of blocks as long as they are ASCII.
+template <typename V>
+VEL_VECTOR inline void decodeAsciiRun(Cursor& cursor) {
+  while (cursor.sourceSize() >= 2 * V::kSize && cursor.targetSize() >= 2 * V::kSize * kUnitSize) {
+    const typename V::Bytes first = V::load(cursor.source), second = V::load(cursor.source + V::kSize);
+    if (V::signs(first | second) != 0) return;
+    V::widen(cursor.target, first);
+    V::widen(cursor.target + V::kSize * kUnitSize, second);
+    cursor.source += 2 * V::kSize;
+    cursor.target += 2 * V::kSize * kUnitSize;
+  }
+}
+
 /// Decodes whole blocks. The last two bytes of the source are looked at, but begin no character.
 template <typename V>
 VEL_VECTOR inline void decodeBlocks(Cursor& cursor) noexcept {
@@ -137,11 +155,14 @@ VEL_VECTOR inline void decodeBlocks(Cursor& cursor) noexcept {
     const std::uint32_t any = V::signs(block);
     if ((any | carry.trails) == 0) {
       V::widen(local.target, block);
+      local.source += V::kSize;
       local.target += V::kSize * kUnitSize;
-    } else if (!decodeBlock<V>({block, V::load(local.source + 1), V::load(local.source + 2)}, any, carry,
-                               local.target)) {
-      break;
+      decodeAsciiRun<V>(local);
+      continue;
     }
+    if (!decodeBlock<V>({block, V::load(local.source + 1), V::load(local.source + 2)}, any, carry,
+                        local.target))
+      break;
     local.source += V::kSize;
   }
   if (carry.trails != 0) dropLast(local);

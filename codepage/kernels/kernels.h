@@ -51,6 +51,9 @@ struct Kernels {
   /// Converts a prefix of text with shifts, converting NEL (U+0085) to LF. `isDouble` is the mode at its
   /// start and is set to the one at its end.
   void (*decodeShifted)(Cursor& cursor, const VelStDoubleByteTable& table, bool& isDouble) noexcept;
+  /// Maps `count` units to bytes by a table with the layout of velGetUCS2toSBCSTable: the first 256 bytes map
+  /// the high byte of a unit to the number of the 256-byte page in which its low byte is looked up.
+  void (*mapUnits)(char* target, const char* source, std::size_t count, const unsigned char* table) noexcept;
 };
 
 struct KernelLevel {

@@ -52,6 +52,48 @@ TEST(Kernels, LookUpBytesOfLongTextsForAnyAlignmentOfTheTarget) {
     }
 }
 
+/// Returns what `kernel(target, source, size)` writes to a target of `room` bytes and some more.
+template <typename Kernel>
+std::string written(Kernel kernel, const std::string& source, std::size_t size, std::size_t room) {
+  std::string target(room + kBlock, 'Z');
+  kernel(target.data(), source.data(), size);
+  return target;
+}
+
+// Above some size, kernels look up halves of a table differently, and of these only those that are not all 0.
+TEST(Kernels, LookUpLikeThePortableOnes) {
+  constexpr std::size_t kMaxSize = 600;
+  std::uint16_t tables[3][256] = {};
+  for (std::size_t i = 0; i < 256; ++i) {
+    tables[0][i] = static_cast<std::uint16_t>(i * 40503);
+    tables[1][i] = static_cast<std::uint16_t>(i * 167 % 256);
+    tables[2][i] = static_cast<std::uint16_t>(i < 0x80 ? i : 0x2500 + i);
+  }
+  std::string bytes, units;
+  for (std::size_t i = 0; i < kMaxSize; ++i) {
+    bytes += static_cast<char>(i * 37);
+    // Rarely a unit above FF, so that there are blocks with and without.
+    units += unitBytes({static_cast<char16_t>(i % 150 == 149 ? 0x2592 : i * 37 % 256)});
+  }
+  const auto lookUp = [](const Kernels& kernels, const std::uint16_t* table) {
+    return [=, &kernels](auto... arguments) { kernels.lookUpBytes(arguments..., table); };
+  };
+  const auto map = [](const Kernels& kernels, unsigned int page) {
+    return [=, &kernels](auto... arguments) { kernels.mapUnits(arguments..., velGetUCS2toSBCSTable(page)); };
+  };
+  for (const KernelLevel& level : supportedLevels())
+    for (std::size_t size = 0; size <= kMaxSize; ++size) {
+      for (const auto& table : tables)
+        ASSERT_EQ(written(lookUp(*level.kernels, table), bytes, size, 2 * size),
+                  written(lookUp(kPortableKernels, table), bytes, size, 2 * size))
+            << level.name << ' ' << size;
+      for (const unsigned int page : {850U, 500U})
+        ASSERT_EQ(written(map(*level.kernels, page), units, size, size),
+                  written(map(kPortableKernels, page), units, size, size))
+            << level.name << ' ' << size;
+    }
+}
+
 /// Returns UTF-8 with all characters from `first` on, 4096 of them; surrogates are included.
 std::string characters(char32_t first) {
   std::string text;

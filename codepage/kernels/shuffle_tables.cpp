@@ -33,13 +33,13 @@ constinit const ShuffleTable kCompressUnits = makeTable(8, [](std::size_t lane, 
 constinit const ShuffleTable kCompressTwoBytes =
     makeTable(8, [](std::size_t lane, std::size_t mask, auto add) {
       add(2 * lane);
-      if (mask % 2 != 0) add(2 * lane + 1);
+      if (mask % 2 == 0) add(2 * lane + 1);
     });
 
 constinit const ShuffleTable kCompressThreeBytes =
     makeTable(4, [](std::size_t lane, std::size_t mask, auto add) {
-      if ((mask >> 4) % 2 != 0) add(4 * lane + 2);
-      if (mask % 2 != 0) add(4 * lane + 3);
+      if ((mask >> 4) % 2 == 0) add(4 * lane + 2);
+      if (mask % 2 == 0) add(4 * lane + 3);
       add(4 * lane);
     });
 

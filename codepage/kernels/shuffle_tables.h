@@ -15,11 +15,20 @@ using ShuffleTable = std::array<Shuffle, 256>;
 
 /// Moves the units whose bits are set to the front. The mask has a bit for each of 8 units.
 alignas(64) extern const ShuffleTable kCompressUnits;
-/// Drops the high byte of the units whose bits are not set. The mask has a bit for each of 8 units.
+/// Drops the high byte of the units whose bits are set. The mask has a bit for each of 8 units.
 alignas(64) extern const ShuffleTable kCompressTwoBytes;
 /// Encoded characters of one to three bytes, from four lanes of four bytes: last byte, unused byte, first of
-/// three bytes, last but one. The mask has a bit for each character of more than one byte, then one for each
-/// of three bytes.
+/// three bytes, last but one. The mask has a bit for each character of one byte, then one for each of at most
+/// two bytes.
 alignas(64) extern const ShuffleTable kCompressThreeBytes;
+
+/// A vector of equal lanes, in memory and not constant: g++ would build a constant in general registers, and
+/// that anew for each block where vector registers are few.
+template <auto value>
+alignas(32) inline constinit auto kLanes = [] {
+  std::array<decltype(value), 32 / sizeof value> lanes;
+  lanes.fill(value);
+  return lanes;
+}();
 
 }  // namespace vel::codepage

@@ -12,8 +12,8 @@
 
 namespace vel::codepage {
 
-constinit const Kernels kSse4Kernels{&widen,      &narrow,     &swap,        &lookUpBytes,
-                                     &decodeUtf8, &encodeUtf8, &decodeMixed, &decodeShifted};
+constinit const Kernels kSse4Kernels{&widen,      &narrow,      &swap,          &lookUpBytes, &decodeUtf8,
+                                     &encodeUtf8, &decodeMixed, &decodeShifted, &mapUnits};
 
 }  // namespace vel::codepage
 

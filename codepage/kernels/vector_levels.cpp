@@ -10,9 +10,9 @@ namespace vel::codepage {
 
 namespace {
 
-constexpr Kernels kAvx512Kernels{&vectors::widen,       &vectors::narrow,       &vectors::swap,
-                                 &vectors::lookUpBytes, &vectors::decodeUtf8,   &vectors::encodeUtf8,
-                                 &vectors::decodeMixed, &vectors::decodeShifted};
+constexpr Kernels kAvx512Kernels{&vectors::widen,       &vectors::narrow,        &vectors::swap,
+                                 &vectors::lookUpBytes, &vectors::decodeUtf8,    &vectors::encodeUtf8,
+                                 &vectors::decodeMixed, &vectors::decodeShifted, &vectors::mapUnits};
 
 bool supportsAvx512() noexcept {
   __builtin_cpu_init();
@@ -24,7 +24,8 @@ bool supportsAvx512() noexcept {
 
 bool supportsAvx2() noexcept {
   __builtin_cpu_init();
-  return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2") && __builtin_cpu_supports("popcnt");
+  return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2") &&
+         __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("popcnt");
 }
 
 bool supportsSse4() noexcept {
