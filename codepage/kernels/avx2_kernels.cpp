@@ -3,7 +3,7 @@
 
 #define VEL_VECTOR __attribute__((target("avx2,bmi,bmi2,pclmul,popcnt")))
 #define VEL_VECTOR_32
-#define VEL_VECTOR_BMI2
+#define VEL_VECTOR_CLMUL
 
 #include "codepage/kernels/block_mixed_bytes.h"
 #include "codepage/kernels/block_moves.h"

@@ -17,7 +17,7 @@
 #include "codepage/kernels/kernels.h"
 #include "codepage/kernels/tail.h"
 
-#define VEL_VECTOR_BMI2
+#define VEL_VECTOR_CLMUL
 #define VEL_VECTOR __attribute__((target("avx512f,avx512bw,avx512vl,avx512vbmi,avx512vbmi2,bmi2,pclmul")))
 
 namespace vel::codepage::vectors {

@@ -89,62 +89,79 @@ inline void writeUnits(char* target, const LeadPages& pages, const char* charact
   }
 }
 
-/// Decodes the characters that begin in a block.
-VEL_VECTOR inline void decodeMixedBlock(Cursor& cursor, const LeadPages& pages, const Starts& starts,
-                                        std::uint64_t nextLines) {
+/// The characters of a block, and those of its bytes that are to become line feeds.
+struct MixedBlock {
+  Starts starts;
+  std::uint64_t nextLines;
+};
+
+/// Appends the characters that begin in a block to `end`, for writeUnits.
+VEL_VECTOR inline void appendCharacters(char*& end, const char* source, std::uint8_t singleLead,
+                                        const MixedBlock& block) {
   using V = Widest;
-  // A step writes up to 16 bytes, and no step begins behind the last character.
-  alignas(32) char characters[kMaskBits * kUnitSize + 16];
-  char* end = characters;
-  const V::Bytes single = V::Bytes{} + pages.single;
+  const V::Bytes single = V::Bytes{} + singleLead;
   for (std::size_t i = 0; i < kMaskBits; i += V::kSize) {
-    const V::Bytes block = V::load(cursor.source + i);
-    const V::Bytes folded = V::expand(nextLines >> i);
-    const V::Bytes isPair = V::expand(starts.pairs >> i);
-    const V::Bytes byte = (block & ~folded) | (folded & bytes<V, kLineFeedByte>());
-    const V::Bytes last = (isPair & V::load(cursor.source + i + 1)) | (byte & ~isPair);
-    const V::Bytes lead = (isPair & block) | (single & ~isPair);
-    V::appendLanes(end, last, lead, static_cast<std::uint32_t>(starts.all >> i));
+    const V::Bytes bytesHere = V::load(source + i);
+    const V::Bytes folded = V::expand(block.nextLines >> i);
+    const V::Bytes isPair = V::expand(block.starts.pairs >> i);
+    const V::Bytes byte = (bytesHere & ~folded) | (folded & bytes<V, kLineFeedByte>());
+    const V::Bytes last = (isPair & V::load(source + i + 1)) | (byte & ~isPair);
+    const V::Bytes lead = (isPair & bytesHere) | (single & ~isPair);
+    V::appendLanes(end, last, lead, static_cast<std::uint32_t>(block.starts.all >> i));
   }
-  const auto count = static_cast<std::size_t>(end - characters) / kUnitSize;
-  writeUnits(cursor.target, pages, characters, count);
-  cursor.source += kMaskBits;
-  cursor.target += count * kUnitSize;
 }
 
-VEL_VECTOR inline bool hasMixedBlock(const Cursor& cursor) {
-  return cursor.sourceSize() > kMaskBits && cursor.targetSize() >= kMaskBits * kUnitSize;
+/// Reading back what was just written with other sizes would wait for the stores, so this many blocks are
+/// written before they are read.
+constexpr std::size_t kBlocksAtOnce = 8;
+
+VEL_VECTOR inline std::size_t mixedBlocks(const Cursor& cursor) {
+  // The byte after the last block may be needed.
+  const std::size_t source = cursor.sourceSize() == 0 ? 0 : (cursor.sourceSize() - 1) / kMaskBits;
+  return std::min({kBlocksAtOnce, source, cursor.targetSize() / (kMaskBits * kUnitSize)});
+}
+
+/// Decodes blocks, whose characters `find(source)` returns.
+template <typename Find>
+VEL_VECTOR inline void decodeMixedBlocks(Cursor& cursor, const LeadPages& pages, Find find) {
+  // A step writes 16 bytes, and none begins after the last character.
+  alignas(32) char characters[kBlocksAtOnce * kMaskBits * kUnitSize + 16];
+  Cursor local = cursor;
+  while (std::size_t blocks = mixedBlocks(local)) {
+    char* end = characters;
+    for (; blocks > 0; --blocks, local.source += kMaskBits)
+      appendCharacters(end, local.source, pages.single, find(local.source));
+    const auto count = static_cast<std::size_t>(end - characters) / kUnitSize;
+    writeUnits(local.target, pages, characters, count);
+    local.target += count * kUnitSize;
+  }
+  cursor = local;
 }
 
 VEL_VECTOR void decodeMixed(Cursor& cursor, const DoubleByteTable& table) noexcept {
   // 0 marks single bytes, so it must not be a lead byte.
-  if (!hasMixedBlock(cursor) || table.leadBytes[0] != 0) return;
+  if (mixedBlocks(cursor) == 0 || table.leadBytes[0] != 0) return;
   LeadPages pages;
   setPages(pages, table, 0);
   const ByteSet leads = setOf(table.leadBytes);
-  Cursor local = cursor;
   Carry carry{};
-  while (hasMixedBlock(local))
-    decodeMixedBlock(local, pages, findPairs(findAll(local.source, leads), carry), 0);
-  local.source += carry.trail;
-  cursor = local;
+  decodeMixedBlocks(cursor, pages, [&](const char* source) VEL_VECTOR {
+    return MixedBlock{findPairs(findAll(source, leads), carry), 0};
+  });
+  cursor.source += carry.trail;
 }
 
 VEL_VECTOR void decodeShifted(Cursor& cursor, const DoubleByteTable& table, bool& isDouble) noexcept {
-  if (!hasMixedBlock(cursor)) return;
+  if (mixedBlocks(cursor) == 0) return;
   LeadPages pages;
   // In the place of a lead byte, shift-in ends the pairs.
   setPages(pages, table, kShiftIn);
-  Cursor local = cursor;
   Carry carry{isDouble, 0};
-  while (hasMixedBlock(local)) {
-    const Starts starts =
-        findAlternatingRuns(findAll<kShiftOut>(local.source), findAll<kShiftIn>(local.source), carry);
-    const std::uint64_t nextLines = findAll<kNextLineByte>(local.source) & starts.all & ~starts.pairs;
-    decodeMixedBlock(local, pages, starts, nextLines);
-  }
-  local.source += carry.trail;
-  cursor = local;
+  decodeMixedBlocks(cursor, pages, [&](const char* source) VEL_VECTOR {
+    const Starts starts = findAlternatingRuns(findAll<kShiftOut>(source), findAll<kShiftIn>(source), carry);
+    return MixedBlock{starts, findAll<kNextLineByte>(source) & starts.all & ~starts.pairs};
+  });
+  cursor.source += carry.trail;
   isDouble = carry.isDouble != 0;
 }
 

@@ -54,31 +54,46 @@ VEL_VECTOR inline void split(const std::uint16_t* table, UnitRows& rows) {
   }
 }
 
-/// Adds the bytes of the rows of half a table to `sums`. Two vectors share the loads of rows.
+/// Adds the bytes of the rows of half a table to `low`, and of half another one to `high` unless that is
+/// null. Two vectors share the loads of rows.
 template <typename V>
-VEL_VECTOR inline void addRows(const std::uint8_t (*rows)[kRow], const typename V::Bytes (&index)[2],
-                               typename V::Bytes (&sums)[2]) {
-  typename V::Bytes at[2] = {index[0], index[1]};
-#pragma GCC unroll 8
+VEL_VECTOR inline void addRows(const std::uint8_t (*lowRows)[kRow], const std::uint8_t (*highRows)[kRow],
+                               typename V::Bytes first, typename V::Bytes second, typename V::Bytes (&low)[2],
+                               typename V::Bytes (&high)[2]) {
+// Unrolled, the loop would keep indexes of many rows in memory.
+#pragma GCC unroll 1
   for (std::size_t row = 0; row < kHalf; ++row) {
-    const typename V::Bytes bytes = V::repeat(rows[row]);
-    for (std::size_t i = 0; i < 2; ++i) {
-      sums[i] ^= V::shuffleHalves(bytes, at[i]);
-      // Saturation keeps negative indexes, which are those of the other half, negative.
-      at[i] = V::subtractSaturated(at[i], codepage::bytes<V, kRow>());
+    const typename V::Bytes bytes = V::repeat(lowRows[row]);
+    low[0] ^= V::shuffleHalves(bytes, first);
+    low[1] ^= V::shuffleHalves(bytes, second);
+    if (highRows != nullptr) {
+      const typename V::Bytes highBytes = V::repeat(highRows[row]);
+      high[0] ^= V::shuffleHalves(highBytes, first);
+      high[1] ^= V::shuffleHalves(highBytes, second);
     }
+    // Saturation keeps negative indexes, which are those of the other half, negative.
+    first = V::subtractSaturated(first, codepage::bytes<V, kRow>());
+    second = V::subtractSaturated(second, codepage::bytes<V, kRow>());
   }
 }
 
-/// Looks up two vectors of bytes. `hasLower` and `hasUpper` tell which half of the table is not all 0.
+/// Looks up two vectors of bytes in one or two tables, of which null stands for halves that are all 0.
 template <typename V>
-VEL_VECTOR inline void lookUpRows(const ByteRows& table, const typename V::Bytes (&index)[2], bool hasLower,
-                                  bool hasUpper, typename V::Bytes (&sums)[2]) {
-  sums[0] = sums[1] = typename V::Bytes{};
-  if (hasLower) addRows<V>(table.rows, index, sums);
-  const typename V::Bytes upper[2] = {index[0] ^ codepage::bytes<V, 0x80>(),
-                                      index[1] ^ codepage::bytes<V, 0x80>()};
-  if (hasUpper) addRows<V>(table.rows + kHalf, upper, sums);
+VEL_VECTOR inline void lookUpRows(const ByteRows& lowRows, const std::uint8_t (*lowerHigh)[kRow],
+                                  const std::uint8_t (*upperHigh)[kRow], typename V::Bytes first,
+                                  typename V::Bytes second, typename V::Bytes (&low)[2],
+                                  typename V::Bytes (&high)[2]) {
+  low[0] = low[1] = high[0] = high[1] = typename V::Bytes{};
+  const auto add = [&](std::size_t row, const std::uint8_t(*highRows)[kRow]) VEL_VECTOR {
+    if (highRows == nullptr)
+      addRows<V>(lowRows.rows + row, nullptr, first, second, low, high);
+    else
+      addRows<V>(lowRows.rows + row, highRows, first, second, low, high);
+  };
+  add(0, lowerHigh);
+  first ^= codepage::bytes<V, 0x80>();
+  second ^= codepage::bytes<V, 0x80>();
+  add(kHalf, upperHigh);
 }
 
 /// Below this size, preparing the rows costs more than they save.
@@ -89,15 +104,16 @@ VEL_VECTOR void lookUpBytes(char* target, const char* source, std::size_t size,
   using V = Widest;
   constexpr std::size_t kStep = 2 * V::kSize;
   // With 16 bytes at a time, looking up single bytes is as fast.
-  if (V::kSize < 32 || size < kRowsFrom) return kPortableKernels.lookUpBytes(target, source, size, table);
+  if (!kHasVector32 || size < kRowsFrom) return kPortableKernels.lookUpBytes(target, source, size, table);
   UnitRows rows;
   split(table, rows);
+  const auto* const lowerHigh = rows.hasHigh[0] ? rows.high.rows : nullptr;
+  const auto* const upperHigh = rows.hasHigh[1] ? rows.high.rows + kHalf : nullptr;
   std::size_t i = 0;
   for (; i + kStep <= size; i += kStep) {
-    const V::Bytes index[2] = {V::load(source + i), V::load(source + i + V::kSize)};
     V::Bytes low[2], high[2];
-    lookUpRows<V>(rows.low, index, true, true, low);
-    lookUpRows<V>(rows.high, index, rows.hasHigh[0], rows.hasHigh[1], high);
+    lookUpRows<V>(rows.low, lowerHigh, upperHigh, V::load(source + i), V::load(source + i + V::kSize), low,
+                  high);
     for (std::size_t k = 0; k < 2; ++k)
       V::interleave(target + (i + k * V::kSize) * kUnitSize, low[k], high[k]);
   }
@@ -109,7 +125,7 @@ VEL_VECTOR void mapUnits(char* target, const char* source, std::size_t count,
                          const unsigned char* table) noexcept {
   using V = Widest;
   constexpr std::size_t kStep = 2 * V::kSize;
-  if (V::kSize < 32 || count < kRowsFrom) return kPortableKernels.mapUnits(target, source, count, table);
+  if (!kHasVector32 || count < kRowsFrom) return kPortableKernels.mapUnits(target, source, count, table);
   ByteRows rows;
   __m128i previous = _mm_setzero_si128();
   const unsigned char* const page = table + table[0] * 256U;
@@ -126,9 +142,9 @@ VEL_VECTOR void mapUnits(char* target, const char* source, std::size_t count,
       kPortableKernels.mapUnits(target + i, source + i * kUnitSize, kStep, table);
       continue;
     }
-    const V::Bytes index[2] = {V::pack(units[0], units[1]), V::pack(units[2], units[3])};
-    V::Bytes mapped[2];
-    lookUpRows<V>(rows, index, true, true, mapped);
+    V::Bytes mapped[2], none[2];
+    lookUpRows<V>(rows, nullptr, nullptr, V::pack(units[0], units[1]), V::pack(units[2], units[3]), mapped,
+                  none);
     store(target + i, mapped[0]);
     store(target + i + V::kSize, mapped[1]);
   }

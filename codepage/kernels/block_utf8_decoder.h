@@ -171,7 +171,7 @@ VEL_VECTOR inline void decodeBlocks(Cursor& cursor) noexcept {
 
 VEL_VECTOR void decodeUtf8(Cursor& cursor) noexcept {
   decodeBlocks<Widest>(cursor);
-  if constexpr (Widest::kSize != Vector16::kSize) decodeBlocks<Vector16>(cursor);
+  if constexpr (kHasVector32) decodeBlocks<Vector16>(cursor);
   constexpr std::size_t kMaxTail = Vector16::kSize + 4;
   convertTail<kMaxTail>(cursor, {&decodeBlocks<Vector16>, Vector16::kSize + 1, 1, kUnitSize});
 }

@@ -169,7 +169,7 @@ VEL_VECTOR inline void encodeBlocks(Cursor& cursor) noexcept {
 
 VEL_VECTOR void encodeUtf8(Cursor& cursor) noexcept {
   encodeBlocks<Widest>(cursor);
-  if constexpr (Widest::kSize != Vector16::kSize) encodeBlocks<Vector16>(cursor);
+  if constexpr (kHasVector32) encodeBlocks<Vector16>(cursor);
   constexpr std::size_t kMaxTail = Vector16::kSize + 4;
   convertTail<kMaxTail>(cursor, {&encodeBlocks<Vector16>, Vector16::kSize, kUnitSize, 1});
 }

@@ -246,8 +246,10 @@ struct Vector32 {
   }
 };
 
+constexpr bool kHasVector32 = true;
 using Widest = Vector32;
 #else
+constexpr bool kHasVector32 = false;
 using Widest = Vector16;
 #endif
 

@@ -71,14 +71,25 @@ inline Starts findRuns(std::uint64_t shiftOut, std::uint64_t shiftIn, Carry& car
   return starts;
 }
 
-#if defined(VEL_VECTOR_BMI2)
-
 /// Returns in each bit the exclusive or of all bits up to it. Carry-less multiplication by all ones computes
 /// that, as simdjson does to find what is inside quotes.
 VEL_VECTOR inline std::uint64_t prefixXor(std::uint64_t bits) {
+#if defined(VEL_VECTOR_CLMUL)
   const __m128i product =
       _mm_clmulepi64_si128(_mm_set_epi64x(0, static_cast<long long>(bits)), _mm_set1_epi8(-1), 0);
   return static_cast<std::uint64_t>(_mm_cvtsi128_si64(product));
+#else
+  for (unsigned int distance = 1; distance < kMaskBits; distance *= 2) bits ^= bits << distance;
+  return bits;
+#endif
+}
+
+/// Returns every second bit of each run of ones, from its first one on. A run that begins at an even position
+/// has its even bits, others have their odd ones. Adding the first bit of a run carries through all of it.
+inline std::uint64_t everySecond(std::uint64_t runs) {
+  const std::uint64_t evenStarts = runs & ~(runs << 1) & kEven;
+  const std::uint64_t evenRuns = runs & ~(runs + evenStarts);
+  return (evenRuns & kEven) | (runs & ~evenRuns & ~kEven);
 }
 
 /// Returns the same result as findRuns, without a loop. That requires that shift-out and shift-in alternate
@@ -95,9 +106,7 @@ VEL_VECTOR inline Starts findAlternatingRuns(std::uint64_t shiftOut, std::uint64
   const std::uint64_t isDoubleAfter = prefixXor(in | out) ^ (0 - carry.isDouble);
   const std::uint64_t isDouble = isDoubleAfter << 1 | carry.isDouble;
   const std::uint64_t pairBytes = isDouble & ~in & ~carry.trail;
-  // If no pair is divided, runs are of even length, and every second byte of all runs together is a lead
-  // byte.
-  const std::uint64_t pairs = _pdep_u64(kEven, pairBytes);
+  const std::uint64_t pairs = everySecond(pairBytes);
   const std::uint64_t trails = (pairBytes & ~pairs) | carry.trail;
   const std::uint64_t mayEnd = (trails | out) << 1 | carry.isDouble;
   if (((in & ~mayEnd) | (out & isDouble)) != 0) [[unlikely]]
@@ -105,14 +114,6 @@ VEL_VECTOR inline Starts findAlternatingRuns(std::uint64_t shiftOut, std::uint64
   carry = {isDoubleAfter >> 63, pairs >> 63};
   return {pairs | ~(isDouble | out), pairs};
 }
-
-#else
-
-inline Starts findAlternatingRuns(std::uint64_t shiftOut, std::uint64_t shiftIn, Carry& carry) {
-  return findRuns(shiftOut, shiftIn, carry);
-}
-
-#endif
 
 }  // namespace
 

@@ -24,23 +24,24 @@ consteval ShuffleTable makeTable(std::size_t lanes, Append append) {
 
 }  // namespace
 
-constinit const ShuffleTable kCompressUnits = makeTable(8, [](std::size_t lane, std::size_t mask, auto add) {
+alignas(64) constinit const ShuffleTable kCompressUnits = makeTable(8, [](std::size_t lane, std::size_t mask,
+                                                                          auto add) {
   if (mask % 2 == 0) return;
   add(2 * lane);
   add(2 * lane + 1);
 });
 
-constinit const ShuffleTable kCompressTwoBytes =
-    makeTable(8, [](std::size_t lane, std::size_t mask, auto add) {
-      add(2 * lane);
-      if (mask % 2 == 0) add(2 * lane + 1);
-    });
+alignas(64) constinit const ShuffleTable kCompressTwoBytes = makeTable(8, [](std::size_t lane,
+                                                                             std::size_t mask, auto add) {
+  add(2 * lane);
+  if (mask % 2 == 0) add(2 * lane + 1);
+});
 
-constinit const ShuffleTable kCompressThreeBytes =
-    makeTable(4, [](std::size_t lane, std::size_t mask, auto add) {
-      if ((mask >> 4) % 2 == 0) add(4 * lane + 2);
-      if (mask % 2 == 0) add(4 * lane + 3);
-      add(4 * lane);
-    });
+alignas(64) constinit const ShuffleTable kCompressThreeBytes = makeTable(4, [](std::size_t lane,
+                                                                               std::size_t mask, auto add) {
+  if ((mask >> 4) % 2 == 0) add(4 * lane + 2);
+  if (mask % 2 == 0) add(4 * lane + 3);
+  add(4 * lane);
+});
 
 }  // namespace vel::codepage
