@@ -128,7 +128,7 @@ struct Vector16 {
   }
   /// Whether all units are below 0x80.
   static VEL_VECTOR bool areAscii(Words units) {
-    const Words other = units & loadWords(kLanes<std::uint16_t{0xFF80}>.data());
+    const Words other = units & loadWords(Lanes<std::uint16_t{0xFF80}>::vector.data());
     return _mm_testz_si128(reinterpret_cast<__m128i>(other), reinterpret_cast<__m128i>(other)) != 0;
   }
   /// Returns the masks of kCompressThreeBytes for all units.
@@ -222,7 +222,7 @@ struct Vector32 {
     appendUnits(target, _mm256_extracti128_si256(odd, 1), lanes >> 24);
   }
   static VEL_VECTOR bool areAscii(Words units) {
-    const Words other = units & loadWords(kLanes<std::uint16_t{0xFF80}>.data());
+    const Words other = units & loadWords(Lanes<std::uint16_t{0xFF80}>::vector.data());
     return _mm256_testz_si256(reinterpret_cast<__m256i>(other), reinterpret_cast<__m256i>(other)) != 0;
   }
   static VEL_VECTOR std::uint32_t lengthsOf(Choice one, Choice upToTwo) {
@@ -256,11 +256,11 @@ using Widest = Vector16;
 /// A vector with the same value in all bytes, or in all words.
 template <typename V, std::uint8_t value>
 VEL_VECTOR inline typename V::Bytes bytes() {
-  return V::load(kLanes<value>.data());
+  return V::load(Lanes<value>::vector.data());
 }
 template <typename V, std::uint16_t value>
 VEL_VECTOR inline typename V::Words words() {
-  return V::loadWords(kLanes<value>.data());
+  return V::loadWords(Lanes<value>::vector.data());
 }
 
 }  // namespace

@@ -25,10 +25,14 @@ alignas(64) extern const ShuffleTable kCompressThreeBytes;
 /// A vector of equal lanes, in memory and not constant: g++ would build a constant in general registers, and
 /// that anew for each block where vector registers are few.
 template <auto value>
-alignas(32) inline constinit auto kLanes = [] {
-  std::array<decltype(value), 32 / sizeof value> lanes;
-  lanes.fill(value);
-  return lanes;
-}();
+struct Lanes {
+  using Vector = std::array<decltype(value), 32 / sizeof value>;
+
+  alignas(32) static inline constinit Vector vector = [] {
+    Vector lanes;
+    lanes.fill(value);
+    return lanes;
+  }();
+};
 
 }  // namespace vel::codepage
