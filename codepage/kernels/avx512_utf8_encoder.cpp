@@ -1,12 +1,13 @@
-// UCS-2 to UTF-8 by vectors. Every unit is encoded in a lane of its own, which is as wide as the longest
-// result: two bytes for 32 units below U+0800, four bytes for 16 units otherwise. Then the bytes that belong
-// to a result are compressed:
+// UCS-2 to UTF-8 by vectors, 32 units at a time. Every unit is encoded in a lane of its own, which is as wide
+// as the longest result: two bytes below U+0800, four bytes otherwise. Then the bytes that belong to a result
+// are compressed:
 //
 //   unit       0041         00E9         20AC
-//   lane       41 .. .. ..  C3 A9 .. ..  E2 82 AC ..
+//   lane       .. .. 41 ..  .. C3 A9 ..  E2 82 AC ..
 //   compressed 41 C3 A9 E2 82 AC
 //
-// Each lane is computed for every length, and masks select one, which avoids a branch per character.
+// A surrogate pair needs no other lane: its first unit has the first two bytes of the character, its second
+// one the last two.
 #include "codepage/kernels/avx512_vectors.h"
 
 #if defined(__x86_64__)
@@ -17,78 +18,97 @@ using namespace vectors;
 
 namespace {
 
-constexpr std::size_t kDwordLanes = 16;
-
-/// 16 encoded characters, one in each lane, the first byte lowest; and a mask of bytes with FF for each byte
-/// that the characters use.
-struct Encoded {
-  __m512i bytes;
-  __m512i usedBytes;
+/// The units of a block by the bytes that they have.
+struct Lengths {
+  __mmask32 two;  ///< two or three
+  __mmask32 three;
 };
 
-/// Returns six bits of `value`, from bit `from` on, moved to byte `place`.
-VEL_VECTOR inline __m512i sixBits(__m512i value, unsigned int from, unsigned int place) {
-  return _mm512_slli_epi32(_mm512_and_si512(_mm512_srli_epi32(value, from), dwords(0x3F)), place * 8);
+/// The first and second units of surrogate pairs.
+struct Pairs {
+  __mmask32 first, second;
+};
+
+VEL_VECTOR inline __mmask32 matches(__m512i units, int mask, int value) {
+  return _mm512_cmpeq_epi16_mask(_mm512_and_si512(units, words(mask)), words(value));
 }
 
-/// Encodes the character in each lane. `pairs` selects the lanes whose character comes from a surrogate pair
-/// and so has four bytes.
-VEL_VECTOR inline Encoded encodeLanes(__m512i value, __mmask16 pairs) {
-  const __mmask16 two = _mm512_cmpge_epu32_mask(value, dwords(0x80));
-  const __mmask16 three = _mm512_cmpge_epu32_mask(value, dwords(0x800));
-  const __m512i tail = sixBits(value, 0, 0);
-  Encoded encoded{value, dwords(0xFF)};
-  const __m512i asTwo = _mm512_or_si512(_mm512_srli_epi32(value, 6), _mm512_slli_epi32(tail, 8));
-  encoded.bytes = _mm512_mask_or_epi32(encoded.bytes, two, asTwo, dwords(0x80C0));
-  encoded.usedBytes = _mm512_mask_mov_epi32(encoded.usedBytes, two, dwords(0xFFFF));
-  const __m512i middle = sixBits(value, 6, 1);
-  const __m512i asThree =
-      _mm512_or_si512(_mm512_srli_epi32(value, 12), _mm512_or_si512(middle, _mm512_slli_epi32(tail, 16)));
-  encoded.bytes = _mm512_mask_or_epi32(encoded.bytes, three, asThree, dwords(0x8080E0));
-  encoded.usedBytes = _mm512_mask_mov_epi32(encoded.usedBytes, three, dwords(0xFFFFFF));
-  if (pairs == 0) return encoded;
-  const __m512i asFour =
-      _mm512_or_si512(_mm512_or_si512(_mm512_srli_epi32(value, 18), sixBits(value, 12, 1)),
-                      _mm512_or_si512(_mm512_slli_epi32(middle, 8), _mm512_slli_epi32(tail, 24)));
-  encoded.bytes = _mm512_mask_or_epi32(encoded.bytes, pairs, asFour, dwords(0x808080F0));
-  encoded.usedBytes = _mm512_mask_mov_epi32(encoded.usedBytes, pairs, dwords(0xFFFFFFFF));
-  return encoded;
+/// Returns which units are noncharacters, which the caller replaces: U+FDD0 to U+FDEF, U+FFFE and U+FFFF.
+VEL_VECTOR inline __mmask32 noncharacters(__m512i units) {
+  const __mmask32 arabic = _mm512_cmplt_epu16_mask(_mm512_sub_epi16(units, words(0xFDD0)), words(0x20));
+  return arabic | _mm512_cmpge_epu16_mask(units, words(0xFFFE));
 }
 
-/// Returns which of 16 units are noncharacters, which the caller replaces: U+FDD0 to U+FDEF, U+FFFE and
-/// U+FFFF.
-VEL_VECTOR inline __mmask16 noncharacters(__m512i units) {
-  const __mmask16 arabic = _mm512_cmplt_epu32_mask(_mm512_sub_epi32(units, dwords(0xFDD0)), dwords(0x20));
-  return static_cast<__mmask16>(arabic | _mm512_cmpge_epu32_mask(units, dwords(0xFFFE)));
+/// The bytes of encoded characters: the first of three bytes (low) with the last but one (high), and the
+/// last.
+struct EncodedUnits {
+  __m512i first, last;
+};
+
+VEL_VECTOR inline EncodedUnits encodeUnits(__m512i units, const Lengths& lengths) {
+  const __m512i middle = _mm512_and_si512(_mm512_slli_epi16(units, 2), words(0x3F00));
+  // The markers of three bytes, or C0 in the last but one.
+  const __m512i markers = _mm512_mask_mov_epi16(words(0xC000), lengths.three, words(0x80E0));
+  const __m512i tail = _mm512_or_si512(_mm512_and_si512(units, words(0x3F)), words(0x80));
+  return {_mm512_or_si512(_mm512_or_si512(_mm512_srli_epi16(units, 12), middle), markers),
+          _mm512_mask_mov_epi16(units, lengths.two, tail)};
 }
 
-/// Loads 16 units, each into a lane of four bytes.
-VEL_VECTOR inline __m512i loadUnits(const char* source) {
-  return _mm512_cvtepu16_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(source)));
+/// Replaces the bytes of surrogate pairs.
+VEL_VECTOR inline void encodePairs(EncodedUnits& encoded, __m512i units, const Pairs& pairs) {
+  // The bits of the character from 2^10 on.
+  const __m512i bits = _mm512_add_epi16(_mm512_and_si512(units, words(0x3FF)), words(0x40));
+  const __m512i lead = _mm512_and_si512(bits, words(0x700));
+  const __m512i second = _mm512_and_si512(_mm512_srli_epi16(bits, 2), words(0x3F));
+  encoded.first = _mm512_mask_mov_epi16(encoded.first, pairs.first, _mm512_or_si512(lead, words(0xF000)));
+  encoded.last = _mm512_mask_mov_epi16(encoded.last, pairs.first, _mm512_or_si512(second, words(0x80)));
+  const __m512i previous = _mm512_maskz_expand_epi16(~__mmask32{1}, units);
+  const __m512i upper = _mm512_slli_epi16(_mm512_and_si512(previous, words(3)), 12);
+  const __m512i lower = _mm512_and_si512(_mm512_slli_epi16(units, 2), words(0xF00));
+  const __m512i third = _mm512_or_si512(_mm512_or_si512(upper, lower), words(0x8000));
+  encoded.first = _mm512_mask_mov_epi16(encoded.first, pairs.second, third);
 }
 
-/// Encodes 16 units, and one more if the last of them begins a pair. A pair is encoded in the lane of its
-/// first unit; the lane of the second one gets no bytes.
-VEL_VECTOR inline void encodeBlock(Cursor& cursor) {
-  const __m512i units = loadUnits(cursor.source);
-  const __m512i next = loadUnits(cursor.source + kUnitSize);
-  const auto matches = [](__m512i of, std::uint32_t mask, std::uint32_t value) VEL_VECTOR {
-    return _mm512_cmpeq_epi32_mask(_mm512_and_si512(of, dwords(mask)), dwords(value));
-  };
-  const __mmask16 surrogates = matches(units, 0xF800, 0xD800);
-  const auto pairs = static_cast<__mmask16>(matches(units, 0xFC00, 0xD800) & matches(next, 0xFC00, 0xDC00));
-  const auto seconds = static_cast<__mmask16>(pairs << 1);
-  const auto invalid = static_cast<__mmask16>((surrogates & ~pairs & ~seconds) | noncharacters(units));
-  __m512i values = _mm512_mask_mov_epi32(units, invalid, dwords(kUtf8Replacement));
-  values = _mm512_mask_sub_epi32(values, pairs, _mm512_add_epi32(_mm512_slli_epi32(units, 10), next),
-                                 dwords(kPairOffset));
-  const Encoded encoded = encodeLanes(values, pairs);
-  const __m512i usedBytes = _mm512_mask_mov_epi32(encoded.usedBytes, seconds, _mm512_setzero_si512());
-  const __mmask64 usedMask = _mm512_test_epi8_mask(usedBytes, usedBytes);
-  store(cursor.target, _mm512_maskz_compress_epi8(usedMask, encoded.bytes));
-  cursor.target += std::popcount(static_cast<std::uint64_t>(usedMask));
-  // The last pair ends in the next block.
-  cursor.source += kUnitSize * (kDwordLanes + (pairs >> 15));
+/// Writes those of 64 bytes whose `used` has the top bit.
+VEL_VECTOR inline void appendBytes(Cursor& cursor, __m512i bytes, __m512i used) {
+  const __mmask64 mask = _mm512_movepi8_mask(used);
+  store(cursor.target, _mm512_maskz_compress_epi8(mask, bytes));
+  cursor.target += std::popcount(std::uint64_t{mask});
+}
+
+/// Puts the quarters of lanes into the order in which unpacking takes them.
+VEL_VECTOR inline __m512i forUnpacking(__m512i units) {
+  return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7), units);
+}
+
+VEL_VECTOR inline void appendEncoded(Cursor& cursor, const EncodedUnits& encoded, const Lengths& lengths) {
+  const __m512i first = forUnpacking(encoded.first), last = forUnpacking(encoded.last);
+  const __m512i used = forUnpacking(_mm512_or_si512(_mm512_maskz_mov_epi16(lengths.two, words(0xFF00)),
+                                                    _mm512_maskz_mov_epi16(lengths.three, words(0xFF))));
+  const __m512i one = words(0xFF);
+  appendBytes(cursor, _mm512_unpacklo_epi16(first, last), _mm512_unpacklo_epi16(used, one));
+  appendBytes(cursor, _mm512_unpackhi_epi16(first, last), _mm512_unpackhi_epi16(used, one));
+}
+
+/// Encodes 32 units. If the last one begins a pair, it is left to the next block.
+VEL_VECTOR inline void encodeBlock(Cursor& cursor, __m512i units) {
+  Lengths lengths{_mm512_cmpge_epu16_mask(units, words(0x80)), _mm512_cmpge_epu16_mask(units, words(0x800))};
+  const __mmask32 surrogates = matches(units, 0xF800, 0xD800);
+  units = _mm512_mask_mov_epi16(units, noncharacters(units), words(kUtf8Replacement));
+  cursor.source += kBlock;
+  if (surrogates == 0) return appendEncoded(cursor, encodeUnits(units, lengths), lengths);
+  const __m512i next = load(cursor.source - kBlock + kUnitSize);
+  Pairs pairs{matches(units, 0xFC00, 0xD800) & matches(next, 0xFC00, 0xDC00), 0};
+  pairs.second = pairs.first << 1;
+  const __mmask32 inPair = pairs.first | pairs.second;
+  units = _mm512_mask_mov_epi16(units, surrogates & ~inPair, words(kUtf8Replacement));
+  lengths.three &= ~inPair;
+  EncodedUnits encoded = encodeUnits(units, lengths);
+  encodePairs(encoded, units, pairs);
+  appendEncoded(cursor, encoded, lengths);
+  const std::size_t isBegun = pairs.first >> 31;
+  cursor.source -= isBegun * kUnitSize;
+  cursor.target -= isBegun * 2;
 }
 
 VEL_VECTOR inline void encodeAscii(Cursor& cursor, __m512i units) {
@@ -111,14 +131,17 @@ VEL_VECTOR inline void encodeUpToTwoBytes(Cursor& cursor, __m512i units) {
 
 VEL_VECTOR void encodeUtf8Blocks(Cursor& cursor) noexcept {
   Cursor local = cursor;
-  while (local.sourceSize() >= kBlock && local.targetSize() >= kBlock) {
+  // The unit after a block is looked at.
+  while (local.sourceSize() >= kBlock + kUnitSize && local.targetSize() >= kBlock) {
     const __m512i units = load(local.source);
     if (_mm512_test_epi16_mask(units, words(0xFF80)) == 0)
       encodeAscii(local, units);
     else if (_mm512_test_epi16_mask(units, words(0xF800)) == 0)
       encodeUpToTwoBytes(local, units);
+    else if (local.targetSize() >= 2 * kBlock)
+      encodeBlock(local, units);
     else
-      encodeBlock(local);
+      break;
   }
   cursor = local;
 }
@@ -129,7 +152,7 @@ void vectors::encodeUtf8(Cursor& cursor) noexcept {
   encodeUtf8Blocks(cursor);
   convertTail<kBlock + 3>(
       cursor,
-      {.convert = &encodeUtf8Blocks, .maxTail = kBlock - 1, .sourceNulSize = kUnitSize, .targetNulSize = 1});
+      {.convert = &encodeUtf8Blocks, .maxTail = kBlock + 1, .sourceNulSize = kUnitSize, .targetNulSize = 1});
 }
 
 }  // namespace vel::codepage
