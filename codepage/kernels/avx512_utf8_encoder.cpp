@@ -69,11 +69,17 @@ VEL_VECTOR inline void encodePairs(EncodedUnits& encoded, __m512i units, const P
   encoded.first = _mm512_mask_mov_epi16(encoded.first, pairs.second, third);
 }
 
-/// Writes those of 64 bytes whose `used` has the top bit.
+/// Writes those of 64 bytes whose `used` has the top bit, and clobbers the others unless this is the tail.
+template <bool isTail>
 VEL_VECTOR inline void appendBytes(Cursor& cursor, __m512i bytes, __m512i used) {
   const __mmask64 mask = _mm512_movepi8_mask(used);
-  store(cursor.target, _mm512_maskz_compress_epi8(mask, bytes));
-  cursor.target += std::popcount(std::uint64_t{mask});
+  const auto count = static_cast<std::size_t>(std::popcount(std::uint64_t{mask}));
+  const __m512i compressed = _mm512_maskz_compress_epi8(mask, bytes);
+  if constexpr (isTail)
+    _mm512_mask_storeu_epi8(cursor.target, lowest(count), compressed);
+  else
+    store(cursor.target, compressed);
+  cursor.target += count;
 }
 
 /// Puts the quarters of lanes into the order in which unpacking takes them.
@@ -81,34 +87,55 @@ VEL_VECTOR inline __m512i forUnpacking(__m512i units) {
   return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7), units);
 }
 
-VEL_VECTOR inline void appendEncoded(Cursor& cursor, const EncodedUnits& encoded, const Lengths& lengths) {
+/// Appends the characters of the lanes `inside`.
+template <bool isTail>
+VEL_VECTOR inline void appendEncoded(Cursor& cursor, const EncodedUnits& encoded, const Lengths& lengths,
+                                     __mmask32 inside) {
   const __m512i first = forUnpacking(encoded.first), last = forUnpacking(encoded.last);
   const __m512i used = forUnpacking(_mm512_or_si512(_mm512_maskz_mov_epi16(lengths.two, words(0xFF00)),
                                                     _mm512_maskz_mov_epi16(lengths.three, words(0xFF))));
-  const __m512i one = words(0xFF);
-  appendBytes(cursor, _mm512_unpacklo_epi16(first, last), _mm512_unpacklo_epi16(used, one));
-  appendBytes(cursor, _mm512_unpackhi_epi16(first, last), _mm512_unpackhi_epi16(used, one));
+  const __m512i one = forUnpacking(_mm512_maskz_mov_epi16(inside, words(0xFF)));
+  appendBytes<isTail>(cursor, _mm512_unpacklo_epi16(first, last), _mm512_unpacklo_epi16(used, one));
+  appendBytes<isTail>(cursor, _mm512_unpackhi_epi16(first, last), _mm512_unpackhi_epi16(used, one));
 }
 
-/// Encodes 32 units. If the last one begins a pair, it is left to the next block.
-VEL_VECTOR inline void encodeBlock(Cursor& cursor, __m512i units) {
+/// Encodes the units of the lanes `inside`, all 32 unless this is the tail. `next` has the unit after each.
+/// If the last one begins a pair, it is left to the next block. Returns false, with nothing done, if the tail
+/// does not fit.
+template <bool isTail>
+VEL_VECTOR inline bool encodeBlock(Cursor& cursor, __m512i units, __m512i next, __mmask32 inside) {
   Lengths lengths{_mm512_cmpge_epu16_mask(units, words(0x80)), _mm512_cmpge_epu16_mask(units, words(0x800))};
   const __mmask32 surrogates = matches(units, 0xF800, 0xD800);
   units = _mm512_mask_mov_epi16(units, noncharacters(units), words(kUtf8Replacement));
-  cursor.source += kBlock;
-  if (surrogates == 0) return appendEncoded(cursor, encodeUnits(units, lengths), lengths);
-  const __m512i next = load(cursor.source - kBlock + kUnitSize);
-  Pairs pairs{matches(units, 0xFC00, 0xD800) & matches(next, 0xFC00, 0xDC00), 0};
-  pairs.second = pairs.first << 1;
-  const __mmask32 inPair = pairs.first | pairs.second;
-  units = _mm512_mask_mov_epi16(units, surrogates & ~inPair, words(kUtf8Replacement));
-  lengths.three &= ~inPair;
+  Pairs pairs{};
+  if (surrogates != 0) {
+    pairs.first = matches(units, 0xFC00, 0xD800) & matches(next, 0xFC00, 0xDC00);
+    pairs.second = pairs.first << 1;
+    const __mmask32 inPair = pairs.first | pairs.second;
+    units = _mm512_mask_mov_epi16(units, surrogates & ~inPair, words(kUtf8Replacement));
+    lengths.three &= ~inPair;
+  }
+  if constexpr (isTail) {
+    const int size = std::popcount(inside) + std::popcount(lengths.two) + std::popcount(lengths.three);
+    if (static_cast<std::size_t>(size) > cursor.targetSize()) return false;
+  }
   EncodedUnits encoded = encodeUnits(units, lengths);
-  encodePairs(encoded, units, pairs);
-  appendEncoded(cursor, encoded, lengths);
+  if (pairs.first != 0) encodePairs(encoded, units, pairs);
+  appendEncoded<isTail>(cursor, encoded, lengths, inside);
   const std::size_t isBegun = pairs.first >> 31;
-  cursor.source -= isBegun * kUnitSize;
+  cursor.source += (static_cast<std::size_t>(std::popcount(inside)) - isBegun) * kUnitSize;
   cursor.target -= isBegun * 2;
+  return true;
+}
+
+/// Encodes up to a block at the end of the source. Units after the end count as NULs.
+VEL_VECTOR inline void encodeTail(Cursor& cursor) {
+  const std::size_t size = cursor.sourceSize();
+  if (size == 0 || size > kBlock) return;
+  const auto inside = static_cast<__mmask32>(lowest(size / kUnitSize));
+  const __m512i units = _mm512_maskz_loadu_epi16(inside, cursor.source);
+  const __m512i next = _mm512_maskz_loadu_epi16(inside >> 1, cursor.source + kUnitSize);
+  encodeBlock<true>(cursor, units, next, inside);
 }
 
 VEL_VECTOR inline void encodeAscii(Cursor& cursor, __m512i units) {
@@ -139,7 +166,7 @@ VEL_VECTOR void encodeUtf8Blocks(Cursor& cursor) noexcept {
     else if (_mm512_test_epi16_mask(units, words(0xF800)) == 0)
       encodeUpToTwoBytes(local, units);
     else if (local.targetSize() >= 2 * kBlock)
-      encodeBlock(local, units);
+      encodeBlock<false>(local, units, load(local.source + kUnitSize), ~__mmask32{0});
     else
       break;
   }
@@ -148,11 +175,9 @@ VEL_VECTOR void encodeUtf8Blocks(Cursor& cursor) noexcept {
 
 }  // namespace
 
-void vectors::encodeUtf8(Cursor& cursor) noexcept {
+VEL_VECTOR void vectors::encodeUtf8(Cursor& cursor) noexcept {
   encodeUtf8Blocks(cursor);
-  convertTail<kBlock + 3>(
-      cursor,
-      {.convert = &encodeUtf8Blocks, .maxTail = kBlock + 1, .sourceNulSize = kUnitSize, .targetNulSize = 1});
+  encodeTail(cursor);
 }
 
 }  // namespace vel::codepage

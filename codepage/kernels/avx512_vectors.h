@@ -15,7 +15,6 @@
 
 #include "codepage/conversion.h"
 #include "codepage/kernels/kernels.h"
-#include "codepage/kernels/tail.h"
 
 #define VEL_VECTOR_CLMUL
 #define VEL_VECTOR __attribute__((target("avx512f,avx512bw,avx512vl,avx512vbmi,avx512vbmi2,bmi2,pclmul")))

@@ -30,6 +30,11 @@ inline Cursor cursorOf(const VelClConverterABase::_VelStConverter& call) noexcep
   return {*call.source, *call.source + call.sourceSize, call.target, call.target + call.targetSize};
 }
 
+/// Returns a mask of the lowest `count` of 64 bits; more are all of them.
+constexpr std::uint64_t lowest(std::size_t count) noexcept {
+  return count < 64 ? (1ULL << count) - 1 : ~0ULL;
+}
+
 struct Kernels {
   /// Zero-extends `count` bytes to units.
   void (*widen)(char* target, const char* source, std::size_t count) noexcept;

@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "codepage/kernels/kernels.h"
+
 namespace vel::codepage {
 
 namespace {
@@ -48,11 +50,6 @@ inline Starts findPairs(std::uint64_t canLead, Carry& carry) {
   const Starts starts{~(ends ^ (rows | carry.trail)), ends & rows};
   carry.trail = starts.pairs >> 63;
   return starts;
-}
-
-/// Returns a mask of the lowest `count` bits.
-inline std::uint64_t lowest(std::size_t count) {
-  return count < kMaskBits ? (1ULL << count) - 1 : ~0ULL;
 }
 
 /// Finds the characters in text with shifts, run by run. Within a run of pairs, shift-in counts only in the
