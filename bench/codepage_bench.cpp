@@ -1,6 +1,6 @@
-// Measures conversions between code pages, compared with ICU, with iconv and with merely moving the bytes. If
-// the environment variable VEL_KERNELS is "portable", the library does not use its vector kernels; the names
-// of the jobs then say so, and only the large texts are converted.
+// Measures conversions between code pages, compared with ICU, with iconv, with simdutf if the build has it,
+// and with merely moving the bytes. If the environment variable VEL_KERNELS selects a level of kernels, the
+// names of the jobs begin with it, and simdutf uses the same level.
 #include <benchmark/benchmark.h>
 #include <iconv.h>
 #include <unicode/ucnv.h>
@@ -13,6 +13,9 @@
 
 #include "bench/sample_text.h"
 #include "vel_include/vel_codepage.h"
+#if defined(BENCH_SIMDUTF)
+#include <simdutf.h>
+#endif
 
 namespace {
 
@@ -53,8 +56,7 @@ constexpr Job kJobs[] = {{850, kUcs2, &kScripts[1], "850", "CP850"},
                          {930, kUcs2, nullptr, "930", "CP930"},
                          {939, kUcs2, nullptr, "939", "CP939"},
                          {948, kUcs2, nullptr, "950", ""}};
-constexpr std::size_t kSizes[] = {64, 4 << 10, 64 << 10, 4 << 20, 16 << 20};
-constexpr std::size_t kPortableSize = 4 << 20;
+constexpr std::size_t kSizes[] = {16, 64, 256, 4 << 10, 64 << 10, 4 << 20, 16 << 20};
 
 class Converter {
  public:
@@ -121,6 +123,37 @@ class Iconv : public Converter {
  private:
   iconv_t handle_;
 };
+
+/// Returns the level that VEL_KERNELS selects; null if it has no effect.
+const char* selectedLevel() {
+  const char* const wanted = std::getenv("VEL_KERNELS");
+  return wanted != nullptr && std::strcmp(wanted, velGetKernelLevel()) == 0 ? wanted : nullptr;
+}
+
+#if defined(BENCH_SIMDUTF)
+
+/// simdutf's code for the level of kernels that the library uses.
+const simdutf::implementation& simdutfOfLevel() {
+  const std::map<std::string, const char*> names = {
+      {"avx512", "icelake"}, {"avx2", "haswell"}, {"sse4", "westmere"}, {"portable", "fallback"}};
+  return *simdutf::get_available_implementations()[names.at(velGetKernelLevel())];
+}
+
+class Simdutf : public Converter {
+ public:
+  explicit Simdutf(const Job& job) : toUnicode_(job.to == kUcs2), level_(simdutfOfLevel()) {}
+  std::size_t convert(char* target, std::size_t, const char* source, std::size_t size) override {
+    if (toUnicode_)
+      return level_.convert_utf8_to_utf16le(source, size, reinterpret_cast<char16_t*>(target)) * 2;
+    return level_.convert_utf16le_to_utf8(reinterpret_cast<const char16_t*>(source), size / 2, target);
+  }
+
+ private:
+  bool toUnicode_;
+  const simdutf::implementation& level_;
+};
+
+#endif
 
 /// Widens bytes to units, or narrows units to bytes, with the processor's widest vectors.
 class Mover : public Converter {
@@ -221,13 +254,9 @@ void run(benchmark::State& state, const Job& job) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(source.size()));
 }
 
-bool arePortable() {
-  const char* const kernels = std::getenv("VEL_KERNELS");
-  return kernels != nullptr && std::strcmp(kernels, "portable") == 0;
-}
-
 std::string nameOf(const Job& job) {
-  return (arePortable() ? "portable " : "codepage ") + std::to_string(job.from) + " to " +
+  const char* const level = selectedLevel();
+  return std::string(level != nullptr ? level : "codepage") + ' ' + std::to_string(job.from) + " to " +
          std::to_string(job.to) + ' ' + (job.script == nullptr ? "mixed" : job.script->name);
 }
 
@@ -240,11 +269,16 @@ void add(const Job& job, const char* peer, std::size_t size) {
 void addAll() {
   for (const Job& job : kJobs)
     for (const std::size_t size : kSizes) {
-      if (arePortable() && size != kPortableSize) continue;
+      // Mixed text of 16 bytes would have no pair.
+      if (job.script == nullptr && size < 64) continue;
       add<Own>(job, "own", size);
       add<Icu>(job, "ICU", size);
       if (*job.iconv != '\0') add<Iconv>(job, "iconv", size);
-      const bool isWide = job.script != &kScripts[0] && (job.from == 1208 || job.to == 1208);
+      const bool isUtf8 = job.from == 1208 || job.to == 1208;
+#if defined(BENCH_SIMDUTF)
+      if (isUtf8) add<Simdutf>(job, "simdutf", size);
+#endif
+      const bool isWide = job.script != &kScripts[0] && isUtf8;
       if (job.script != nullptr && !isWide) add<Mover>(job, "moving", size);
     }
 }

@@ -1,6 +1,5 @@
 // Code pages, named by their coded character set identifiers (CCSIDs), and the conversion of text between
-// them. On processors with wide vectors (AVX-512 with VBMI2) conversions use vector kernels, with the same
-// results. VEL_KERNELS=portable in the environment at the time of the first conversion disables them.
+// them. Conversions use the vector instructions that the processor has; see velGetKernelLevel.
 #ifndef VEL_CODEPAGE_H_
 #define VEL_CODEPAGE_H_
 
@@ -31,6 +30,12 @@ VEL_C_API unsigned int velGetCCSIDOfName(const char* name);
 /// Returns the names that velGetCCSIDOfName knows for a CCSID: the preferred one at index 0, then the others.
 /// Returns null after the last one, and for a CCSID without a name.
 VEL_C_API const char* velGetNameOfCCSID(unsigned int ccsid, size_t index);
+
+/// Returns the name of the instructions that conversions use: "avx512" (with VBMI2), "avx2", "sse4" (SSE4.1)
+/// or "portable". All have the same results. The best one that processor and operating system support is
+/// chosen when this, or the first conversion, is called. The environment variable VEL_KERNELS can then name a
+/// lower one; a name that is unknown, or not supported here, has no effect.
+VEL_C_API const char* velGetKernelLevel(void);
 
 /// Closes a converter that velGetICUConverter opened; null is ignored.
 VEL_C_API void velDeleteICUConverter(const void* converter);

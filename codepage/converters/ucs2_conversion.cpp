@@ -19,16 +19,6 @@ std::size_t wholeUnitsOfBothSides(const Call& call) {
   return size - size % kUnitSize;
 }
 
-/// Maps units to bytes by a table with the layout of velGetUCS2toSBCSTable: the first 256 bytes map the high
-/// byte of a unit to the number of the 256-byte page in which its low byte is looked up.
-void mapUnits(char* __restrict target, const char* __restrict source, std::size_t units,
-              const unsigned char* __restrict table) {
-  for (std::size_t i = 0; i < units; ++i) {
-    const std::uint16_t unit = vel::codepage::readUnit(source + i * kUnitSize);
-    target[i] = static_cast<char>(table[table[unit >> 8] * 256U + (unit & 0xFFU)]);
-  }
-}
-
 }  // namespace
 
 size_t velConvertByCopying(VelClConverterABase::_VelStConverter& call) {
@@ -50,7 +40,8 @@ size_t velConvertByTablesUCS2toSBCS(VelClConverterABase::_VelStConverter& call) 
   const std::size_t units = vel::codepage::countWholeUnits(call);
   // Converters guarantee this: they check requiredTargetSize() before the call.
   assert(units <= call.targetSize);
-  mapUnits(call.target, *call.source, units, static_cast<const unsigned char*>(call.getConversionData()));
+  vel::codepage::kernels().mapUnits(call.target, *call.source, units,
+                                    static_cast<const unsigned char*>(call.getConversionData()));
   *call.source += units * kUnitSize;
   return units;
 }

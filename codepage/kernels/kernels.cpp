@@ -1,4 +1,4 @@
-// The choice between the portable and the vector kernels, made once in a process.
+// The choice of a level of kernels, made once in a process.
 #include "codepage/kernels/kernels.h"
 
 #include <cstring>
@@ -9,23 +9,38 @@ namespace vel::codepage {
 
 namespace {
 
-/// Tests and benchmarks compare the two sets on one processor by this variable.
-bool isPortableForced() {
-  const char* const wanted = platform::settingValue("VEL_KERNELS");
-  return wanted != nullptr && std::strcmp(wanted, "portable") == 0;
+constexpr KernelLevel kPortableLevel{"portable", &kPortableKernels, []() noexcept { return true; }};
+
+/// Returns the supported level of this name, or the best one if `name` is null; null if there is none.
+const KernelLevel* find(const char* name) {
+  const auto matches = [name](const KernelLevel& level) {
+    return (name == nullptr || std::strcmp(name, level.name) == 0) && level.isSupported();
+  };
+  for (const KernelLevel& level : vectorLevels())
+    if (matches(level)) return &level;
+  return matches(kPortableLevel) ? &kPortableLevel : nullptr;
 }
 
-const Kernels& choose() {
-  const Kernels* const vector = vectorKernels();
-  return vector != nullptr && !isPortableForced() ? *vector : kPortableKernels;
+const KernelLevel& choose() {
+  const KernelLevel* const wanted = find(platform::settingValue("VEL_KERNELS"));
+  return wanted != nullptr ? *wanted : *find(nullptr);
 }
 
 }  // namespace
 
-const Kernels& kernels() noexcept {
+const KernelLevel& kernelLevel() noexcept {
   // Chosen once: all conversions of a process use the same kernels.
-  static const Kernels& best = choose();
+  static const KernelLevel& best = choose();
+  return best;
+}
+
+const Kernels& kernels() noexcept {
+  static const Kernels& best = *kernelLevel().kernels;
   return best;
 }
 
 }  // namespace vel::codepage
+
+const char* velGetKernelLevel() {
+  return vel::codepage::kernelLevel().name;
+}

@@ -1,6 +1,7 @@
-// Kernels: the inner loops of conversions, which wide vectors make faster. There are two sets with the same
-// results, one of portable C++ and one for AVX-512. kernels() chooses once per process: AVX-512 where the
-// processor has it, unless the variable VEL_KERNELS is "portable".
+// Kernels: the inner loops of conversions, which vectors make faster. There is a set for each level of
+// instructions, all with the same results: portable C++, SSE4.1, AVX2, and AVX-512 with VBMI2. kernels()
+// chooses the best level that the processor and the operating system support, once per process; the variable
+// VEL_KERNELS can name a lower one.
 //
 // The kernels that convert only a prefix report no errors. They convert what is easy and fast, with the
 // results that the caller's own code defines, and the caller converts the rest character by character.
@@ -8,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "vel_include/vel_codepage.h"
 
@@ -26,6 +28,11 @@ struct Cursor {
 
 inline Cursor cursorOf(const VelClConverterABase::_VelStConverter& call) noexcept {
   return {*call.source, *call.source + call.sourceSize, call.target, call.target + call.targetSize};
+}
+
+/// Returns a mask of the lowest `count` of 64 bits; more are all of them.
+constexpr std::uint64_t lowest(std::size_t count) noexcept {
+  return count < 64 ? (1ULL << count) - 1 : ~0ULL;
 }
 
 struct Kernels {
@@ -49,17 +56,28 @@ struct Kernels {
   /// Converts a prefix of text with shifts, converting NEL (U+0085) to LF. `isDouble` is the mode at its
   /// start and is set to the one at its end.
   void (*decodeShifted)(Cursor& cursor, const VelStDoubleByteTable& table, bool& isDouble) noexcept;
+  /// Maps `count` units to bytes by a table with the layout of velGetUCS2toSBCSTable: the first 256 bytes map
+  /// the high byte of a unit to the number of the 256-byte page in which its low byte is looked up.
+  void (*mapUnits)(char* target, const char* source, std::size_t count, const unsigned char* table) noexcept;
+};
+
+struct KernelLevel {
+  const char* name;
+  const Kernels* kernels;
+  bool (*isSupported)() noexcept;  ///< by the processor and the operating system
 };
 
 /// The kernels of portable C++, for every processor.
 extern const Kernels kPortableKernels;
 
-/// Returns the kernels with AVX-512 (VBMI2), or null where the processor or the operating system does not
-/// support it.
-const Kernels* vectorKernels() noexcept;
+/// Returns the levels with vectors that this processor's architecture has, the best one first.
+std::span<const KernelLevel> vectorLevels() noexcept;
 
-/// Returns the kernels to use: the vector ones where they are supported, unless VEL_KERNELS=portable is set
-/// when this is first called.
+/// Returns the level that is in use: of those that are supported, the one that VEL_KERNELS names when this is
+/// first called, or the best one if there is no such level.
+const KernelLevel& kernelLevel() noexcept;
+
+/// Returns the kernels of that level.
 const Kernels& kernels() noexcept;
 
 }  // namespace vel::codepage

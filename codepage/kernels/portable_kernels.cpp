@@ -47,6 +47,14 @@ void lookUpBytes(char* target, const char* source, std::size_t size, const std::
   for (; i < size; ++i) writeUnit(target + i * kUnitSize, table[static_cast<unsigned char>(source[i])]);
 }
 
+void mapUnits(char* __restrict target, const char* __restrict source, std::size_t count,
+              const unsigned char* __restrict table) noexcept {
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::uint16_t unit = readUnit(source + i * kUnitSize);
+    target[i] = static_cast<char>(table[table[unit >> 8] * 256U + (unit & 0xFFU)]);
+  }
+}
+
 // ---- UTF-8 to UCS-2 --------------------------------------------------------------------------
 
 /// The kernels below read up to a block of source and write up to a block of target in each step, and then
@@ -263,7 +271,7 @@ void decodeShifted(Cursor&, const VelStDoubleByteTable&, bool&) noexcept {}
 
 }  // namespace
 
-constinit const Kernels kPortableKernels{&widen,      &narrow,     &swap,        &lookUpBytes,
-                                         &decodeUtf8, &encodeUtf8, &decodeMixed, &decodeShifted};
+constinit const Kernels kPortableKernels{&widen,      &narrow,      &swap,          &lookUpBytes, &decodeUtf8,
+                                         &encodeUtf8, &decodeMixed, &decodeShifted, &mapUnits};
 
 }  // namespace vel::codepage

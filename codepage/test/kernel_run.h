@@ -6,11 +6,13 @@
 #include "codepage/kernels/kernels.h"
 #include "codepage/test/outcome.h"
 
-/// Returns the kernels that this processor can run.
-inline std::vector<const vel::codepage::Kernels*> kernelTables() {
-  std::vector<const vel::codepage::Kernels*> tables{&vel::codepage::kPortableKernels};
-  if (vel::codepage::vectorKernels() != nullptr) tables.push_back(vel::codepage::vectorKernels());
-  return tables;
+/// Returns the levels that this processor supports, the best one first and the portable one last.
+inline std::vector<vel::codepage::KernelLevel> supportedLevels() {
+  std::vector<vel::codepage::KernelLevel> levels;
+  for (const vel::codepage::KernelLevel& level : vel::codepage::vectorLevels())
+    if (level.isSupported()) levels.push_back(level);
+  levels.push_back({"portable", &vel::codepage::kPortableKernels, nullptr});
+  return levels;
 }
 
 template <typename Loop>

@@ -74,4 +74,8 @@ void listNames(std::ostream& out) {
   });
 }
 
+void showKernels(std::ostream& out) {
+  out << velGetKernelLevel() << '\n';
+}
+
 }  // namespace vel::velconv

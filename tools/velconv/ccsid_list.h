@@ -12,4 +12,7 @@ void listCcsids(std::ostream& out);
 /// Writes everything that tools::parseCcsid accepts without a prefix, each with its CCSID after a tab.
 void listNames(std::ostream& out);
 
+/// Writes the level of kernels, see velGetKernelLevel.
+void showKernels(std::ostream& out);
+
 }  // namespace vel::velconv

@@ -34,7 +34,7 @@ inline constexpr const char* kUsageText =
     "[(-from <ccsid>)] [(-to <ccsid>)]\n"
     "[(-out <file>)] [(-policy <policy>)]\n"
     "[(-faults <number>)] [-count] [-foldnel]\n"
-    "[-list] [-names] [<file> ...]";
+    "[-list] [-names] [-kernels] [<file> ...]";
 
 inline constexpr const char* kTexts[] = {
     "[VEL_MSGTAB_SIGNATURE] 23",
@@ -62,6 +62,8 @@ inline constexpr const char* kTexts[] = {
     "                  know. If ICU, which most code pages need, is not installed, a warning\n"
     "                  says so\n"
     "-names            list these names and the numbers, each with its CCSID\n"
+    "-kernels          show the vector instructions that conversions use: avx512, avx2, sse4 or\n"
+    "                  portable. The environment variable VEL_KERNELS can select a lower one\n"
     "<file> ...        files to convert, one after the other; - is standard input, which is\n"
     "                  also the default\n"
     "@\n"
@@ -78,7 +80,7 @@ inline constexpr const char* kTexts[] = {
     "Unknown CCSID",
     "The policy must be stop, skip, replace or escape",
     "A number is expected",
-    "-list and -names cannot be combined with other arguments",
+    "-list, -names and -kernels cannot be combined with other arguments",
     "There is no conversion between these code pages",
     "Most code pages need ICU, which is not installed",
     "The file could not be opened",

@@ -79,6 +79,7 @@ int Tool::run() {
   begin();
   if (hasArgSwitch("list")) return list(&listCcsids);
   if (hasArgSwitch("names")) return list(&listNames);
+  if (hasArgSwitch("kernels")) return list(&showKernels);
   readSwitches();
   if (conversion_->isSupported()) return convertAll();
   report(kNoWay);
@@ -97,12 +98,13 @@ void Tool::warnWithoutIcu() const {
 
 int Tool::list(void (*write)(std::ostream& out)) const {
   int switches = 0;
-  for (const char* each : {"from", "to", "out", "policy", "faults", "count", "foldnel", "list", "names"})
+  for (const char* each :
+       {"from", "to", "out", "policy", "faults", "count", "foldnel", "list", "names", "kernels"})
     switches += hasArgSwitch(each) ? 1 : 0;
   if (switches > 1 || !freeArguments().empty()) refuse(kListAlone);
   write(std::cout);
   std::cout.flush();
-  warnWithoutIcu();
+  if (write != &showKernels) warnWithoutIcu();
   return std::cout.good() ? 0 : fail(kNotWritten);
 }
 

@@ -37,6 +37,17 @@ TEST_F(VelconvFiles, ListsEveryCcsidWithItsRoutes) {
   EXPECT_THAT(list.errors, hasIcu ? testing::Not(kWarning) : kWarning);
 }
 
+/// The lowest level is always supported; an unknown one has no effect.
+TEST(Velconv, ShowsTheKernelsInUse) {
+  const Variable level("VEL_KERNELS", "");
+  const std::string best = runTool("velconv", {"-kernels"}).output;
+  EXPECT_THAT(best, testing::AnyOf("avx512\n", "avx2\n", "sse4\n", "portable\n"));
+  level.set("portable");
+  EXPECT_EQ(runTool("velconv", {"-kernels"}).output, "portable\n");
+  level.set("PORTABLE");
+  EXPECT_EQ(runTool("velconv", {"-kernels"}).output, best);
+}
+
 /// The numbers and names are those that -list shows.
 TEST_F(VelconvFiles, ListsTheNamesOfEveryCcsid) {
   std::map<std::string, std::string> numbers;

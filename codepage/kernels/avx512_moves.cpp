@@ -1,5 +1,5 @@
 // Widening, narrowing and swapping bytes by vectors, 32 units at a time.
-#include "codepage/kernels/vectors.h"
+#include "codepage/kernels/avx512_vectors.h"
 
 #if defined(__x86_64__)
 

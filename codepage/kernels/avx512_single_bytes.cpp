@@ -1,7 +1,7 @@
-// Single bytes to UCS-2 by vectors. The whole table is kept in registers: its 256 units are split into a
-// plane of low bytes and one of high bytes, four vectors each. Two look-ups give the low and the high bytes
-// of 64 units, which are interleaved when they are stored; memory is read for the source alone.
-#include "codepage/kernels/vectors.h"
+// Single bytes to UCS-2, and back, by vectors. The whole table is kept in registers: its 256 units are split
+// into a plane of low bytes and one of high bytes, four vectors each. Two look-ups give the low and the high
+// bytes of 64 units, which are interleaved when they are stored; memory is read for the source alone.
+#include "codepage/kernels/avx512_vectors.h"
 
 #if defined(__x86_64__)
 
@@ -72,6 +72,26 @@ VEL_VECTOR void vectors::lookUpBytes(char* target, const char* source, std::size
     // The last block may overlap the one before, which writes the same units again.
     if (size - i < kBlock) i = size - kBlock;
     lookUpBlock(target + i * kUnitSize, source + i, planes, store);
+  }
+}
+
+/// Blocks of units below 100 are looked up in the page that the table has for them, others one by one.
+VEL_VECTOR void vectors::mapUnits(char* target, const char* source, std::size_t count,
+                                  const unsigned char* table) noexcept {
+  if (count < kBlock) return kPortableKernels.mapUnits(target, source, count, table);
+  const ByteTable page = loadBytes(table + table[0] * 256U);
+  for (std::size_t i = 0; i < count; i += kBlock) {
+    // The last block may overlap the one before.
+    if (count - i < kBlock) i = count - kBlock;
+    const char* const units = source + i * kUnitSize;
+    const __m512i first = load(units), second = load(units + kBlock);
+    if (_mm512_test_epi16_mask(_mm512_or_si512(first, second), words(0xFF00)) != 0) {
+      kPortableKernels.mapUnits(target + i, units, kBlock, table);
+      continue;
+    }
+    const __m512i low = _mm512_inserti64x4(_mm512_castsi256_si512(_mm512_cvtepi16_epi8(first)),
+                                           _mm512_cvtepi16_epi8(second), 1);
+    store(target + i, lookUp(page.part, low));
   }
 }
 

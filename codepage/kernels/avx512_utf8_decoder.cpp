@@ -9,9 +9,11 @@
 // Characters of four bytes become two units, the surrogates, in the lanes of their first and second byte.
 // Sums and constants are those of utf8_decoder.cpp. For a published algorithm of this kind see R. Clausecker
 // and D. Lemire, "Transcoding Unicode Characters with AVX-512 Instructions" (2023).
-#include "codepage/kernels/vectors.h"
+#include "codepage/kernels/avx512_vectors.h"
 
 #if defined(__x86_64__)
+
+#include <algorithm>
 
 namespace vel::codepage {
 
@@ -83,9 +85,16 @@ VEL_VECTOR inline bool isWellFormed(const Window& window, const Leads& leads, un
   return (isLong | _mm512_mask_cmplt_epu8_mask(isF0, window.at[1], bytes(0x90))) == 0;
 }
 
+/// Writes the units whose bits are set, and clobbers the rest of 64 bytes unless this is the tail.
+template <bool isTail>
 VEL_VECTOR inline void storeUnits(Cursor& cursor, __m512i units, __mmask32 lanes) {
-  store(cursor.target, _mm512_maskz_compress_epi16(lanes, units));
-  cursor.target += kUnitSize * static_cast<std::size_t>(std::popcount(lanes));
+  const auto count = static_cast<unsigned int>(std::popcount(lanes));
+  const __m512i compressed = _mm512_maskz_compress_epi16(lanes, units);
+  if constexpr (isTail)
+    _mm512_mask_storeu_epi16(cursor.target, static_cast<__mmask32>(lowest(count)), compressed);
+  else
+    store(cursor.target, compressed);
+  cursor.target += kUnitSize * count;
 }
 
 VEL_VECTOR inline void decodeAscii(Cursor& cursor, __m512i block) {
@@ -95,15 +104,17 @@ VEL_VECTOR inline void decodeAscii(Cursor& cursor, __m512i block) {
   cursor.target += kBlock * kUnitSize;
 }
 
-/// Decodes the characters that begin in the block, and returns true; returns false, with nothing done, if a
-/// sequence is ill-formed.
-VEL_VECTOR inline bool decodeBlock(Cursor& cursor, __m512i block) {
-  const Window window{{block, load(cursor.source + 1), load(cursor.source + 2)}};
+/// Decodes the characters that begin in the first `count` bytes of the block, and returns true; returns
+/// false, with nothing done, if a sequence is ill-formed or the target too small. `third` has the bytes from
+/// the block's fourth on.
+template <bool isTail>
+VEL_VECTOR inline bool decodeBlock(Cursor& cursor, const Window& window, __m512i third, std::size_t count) {
+  const __m512i block = window.at[0];
   Leads leads{_mm512_cmplt_epi8_mask(block, bytes(0xC0)), _mm512_cmpge_epu8_mask(block, bytes(0xC0)),
               _mm512_cmpge_epu8_mask(block, bytes(0xE0)), _mm512_cmpge_epu8_mask(block, bytes(0xF0))};
   const unsigned int trailsAfter = trailsAfterBlock(leads);
-  if (!isWellFormed(window, leads, trailsAfter, load(cursor.source + 3))) return false;
-  std::size_t size = kBlock + static_cast<std::size_t>(std::popcount(trailsAfter));
+  if (!isWellFormed(window, leads, trailsAfter, third)) return false;
+  std::size_t size = count + static_cast<std::size_t>(std::popcount(trailsAfter));
   __mmask64 lanes = ~leads.trail | (leads.four << 1);
   // If a character of four bytes begins with the last byte, its low surrogate does not have a lane in this
   // block. The next block decodes the character.
@@ -111,10 +122,26 @@ VEL_VECTOR inline bool decodeBlock(Cursor& cursor, __m512i block) {
     size = kBlock - 1;
     lanes &= ~(1ULL << 63);
   }
-  storeUnits(cursor, decodeHalf(window, leads, 0), static_cast<__mmask32>(lanes));
-  storeUnits(cursor, decodeHalf(window, leads, 1), static_cast<__mmask32>(lanes >> 32));
+  if constexpr (isTail) {
+    lanes &= lowest(count);
+    if (static_cast<std::size_t>(std::popcount(lanes)) * kUnitSize > cursor.targetSize()) return false;
+  }
+  storeUnits<isTail>(cursor, decodeHalf(window, leads, 0), static_cast<__mmask32>(lanes));
+  storeUnits<isTail>(cursor, decodeHalf(window, leads, 1), static_cast<__mmask32>(lanes >> 32));
   cursor.source += size;
   return true;
+}
+
+/// Decodes what the blocks leave at the end of the source. Bytes after the end count as NULs.
+VEL_VECTOR inline void decodeTail(Cursor& cursor) {
+  const auto from = [&cursor](std::size_t place) VEL_VECTOR {
+    const std::size_t size = cursor.sourceSize();
+    return _mm512_maskz_loadu_epi8(size > place ? lowest(size - place) : 0, cursor.source + place);
+  };
+  while (cursor.sourceSize() != 0 && cursor.sourceSize() < kBlock + 3)
+    if (!decodeBlock<true>(cursor, {{from(0), from(1), from(2)}}, from(3),
+                           std::min(cursor.sourceSize(), kBlock)))
+      return;
 }
 
 VEL_VECTOR void decodeUtf8Blocks(Cursor& cursor) noexcept {
@@ -123,7 +150,8 @@ VEL_VECTOR void decodeUtf8Blocks(Cursor& cursor) noexcept {
     const __m512i block = load(local.source);
     if (_mm512_movepi8_mask(block) == 0)
       decodeAscii(local, block);
-    else if (!decodeBlock(local, block))
+    else if (!decodeBlock<false>(local, {{block, load(local.source + 1), load(local.source + 2)}},
+                                 load(local.source + 3), kBlock))
       break;
   }
   cursor = local;
@@ -131,9 +159,9 @@ VEL_VECTOR void decodeUtf8Blocks(Cursor& cursor) noexcept {
 
 }  // namespace
 
-void vectors::decodeUtf8(Cursor& cursor) noexcept {
+VEL_VECTOR void vectors::decodeUtf8(Cursor& cursor) noexcept {
   decodeUtf8Blocks(cursor);
-  convertTail(cursor, {&decodeUtf8Blocks, kBlock + 2, 1, kUnitSize});
+  decodeTail(cursor);
 }
 
 }  // namespace vel::codepage

@@ -1,10 +1,10 @@
-// Shared by the vector kernels: helpers around AVX-512 on blocks of 64 bytes. Empty for processors other
+// Shared by the AVX-512 kernels: helpers around AVX-512 on blocks of 64 bytes. Empty for processors other
 // than x86-64.
 //
 // Every function with vectors carries VEL_VECTOR, which compiles it for AVX-512 whatever the rest of the
-// library is compiled for; vectorKernels() keeps processors without it from getting there. Vocabulary: a
-// vector has lanes, of one, two or four bytes; a mask has a bit for each lane; "compress" moves the lanes of
-// a mask together at the start.
+// library is compiled for; the check of the level keeps processors without it from getting there. Vocabulary:
+// a vector has lanes, of one, two or four bytes; a mask has a bit for each lane; "compress" moves the lanes
+// of a mask together at the start.
 #pragma once
 
 #if defined(__x86_64__)
@@ -16,12 +16,13 @@
 #include "codepage/conversion.h"
 #include "codepage/kernels/kernels.h"
 
+#define VEL_VECTOR_CLMUL
 #define VEL_VECTOR __attribute__((target("avx512f,avx512bw,avx512vl,avx512vbmi,avx512vbmi2,bmi2,pclmul")))
 
 namespace vel::codepage::vectors {
 
-// The members of Kernels, in vector_moves.cpp, vector_single_bytes.cpp, vector_utf8_decoder.cpp,
-// vector_utf8_encoder.cpp and vector_mixed_bytes.cpp.
+// The members of Kernels, in avx512_moves.cpp, avx512_single_bytes.cpp, avx512_utf8_decoder.cpp,
+// avx512_utf8_encoder.cpp and avx512_mixed_bytes.cpp.
 void widen(char* target, const char* source, std::size_t count) noexcept;
 void narrow(char* target, const char* source, std::size_t count) noexcept;
 void swap(char* target, const char* source, std::size_t count) noexcept;
@@ -30,6 +31,7 @@ void decodeUtf8(Cursor& cursor) noexcept;
 void encodeUtf8(Cursor& cursor) noexcept;
 void decodeMixed(Cursor& cursor, const VelStDoubleByteTable& table) noexcept;
 void decodeShifted(Cursor& cursor, const VelStDoubleByteTable& table, bool& isDouble) noexcept;
+void mapUnits(char* target, const char* source, std::size_t count, const unsigned char* table) noexcept;
 
 inline constexpr std::size_t kBlock = 64;
 
@@ -63,6 +65,15 @@ VEL_VECTOR inline __m512i lookUp(const __m512i (&plane)[4], __m512i index) {
   return _mm512_mask_mov_epi8(lower, _mm512_movepi8_mask(index), upper);
 }
 
+/// A table of 256 bytes.
+struct ByteTable {
+  __m512i part[4];
+};
+
+VEL_VECTOR inline ByteTable loadBytes(const std::uint8_t* values) {
+  return {{load(values), load(values + 64), load(values + 128), load(values + 192)}};
+}
+
 /// Stores 64 units, whose low and high bytes are in two vectors. Unpacking interleaves them within 16-byte
 /// lanes only, so a permutation puts these into order.
 VEL_VECTOR inline void storeUnits(char* target, __m512i low, __m512i high, StoreVector put = store) {
@@ -70,38 +81,6 @@ VEL_VECTOR inline void storeUnits(char* target, __m512i low, __m512i high, Store
   const __m512i odd = _mm512_unpackhi_epi8(low, high);
   put(target, _mm512_permutex2var_epi64(even, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), odd));
   put(target + kBlock, _mm512_permutex2var_epi64(even, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), odd));
-}
-
-/// A kernel, the most source bytes it may leave unconverted, and the size of an encoded NUL on either side.
-struct BlockKernel {
-  void (*convert)(Cursor& cursor) noexcept;
-  std::size_t maxTail;
-  std::size_t sourceNulSize;
-  std::size_t targetNulSize;
-};
-
-/// Converts a tail shorter than one block by running the kernel on a copy that is padded with NULs, and drops
-/// the characters that the NULs became. Short texts would otherwise never reach a vector. Does nothing if the
-/// target may be too small.
-inline void convertTail(Cursor& cursor, const BlockKernel& kernel) {
-  constexpr std::size_t kMaxSize = kBlock + 3;
-  char source[kMaxSize * 2] = {};
-  char target[sizeof source * 3];
-  const std::size_t size = cursor.sourceSize();
-  if (size == 0 || size > kMaxSize) return;
-  std::memcpy(source, cursor.source, size);
-  Cursor end{source, source + size + kernel.maxTail, target, target + sizeof target};
-  kernel.convert(end);
-  auto consumed = static_cast<std::size_t>(end.source - source);
-  auto written = static_cast<std::size_t>(end.target - target);
-  if (consumed > size) {
-    written -= (consumed - size) / kernel.sourceNulSize * kernel.targetNulSize;
-    consumed = size;
-  }
-  if (written > cursor.targetSize()) return;
-  std::memcpy(cursor.target, target, written);
-  cursor.source += consumed;
-  cursor.target += written;
 }
 
 }  // namespace vel::codepage::vectors

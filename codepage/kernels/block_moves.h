@@ -1,0 +1,30 @@
+// Widening, narrowing and swapping for SSE4.1 and AVX2: loops that the compiler vectorises with the level's
+// instructions.
+#pragma once
+
+#include "codepage/conversion.h"
+#include "codepage/kernels/kernels.h"
+
+namespace vel::codepage {
+
+namespace {
+
+VEL_VECTOR void widen(char* __restrict target, const char* __restrict source, std::size_t count) noexcept {
+  for (std::size_t i = 0; i < count; ++i)
+    writeUnit(target + i * kUnitSize, static_cast<unsigned char>(source[i]));
+}
+
+VEL_VECTOR void narrow(char* __restrict target, const char* __restrict source, std::size_t count) noexcept {
+  for (std::size_t i = 0; i < count; ++i) target[i] = static_cast<char>(readUnit(source + i * kUnitSize));
+}
+
+VEL_VECTOR void swap(char* __restrict target, const char* __restrict source, std::size_t count) noexcept {
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::uint16_t unit = readUnit(source + i * kUnitSize);
+    writeUnit(target + i * kUnitSize, static_cast<std::uint16_t>(unit << 8 | unit >> 8));
+  }
+}
+
+}  // namespace
+
+}  // namespace vel::codepage
