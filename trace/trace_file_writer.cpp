@@ -3,6 +3,7 @@
 //
 // The file is opened for each save and closed after it, so that it can be moved or removed while the program
 // runs.
+#include <atomic>
 #include <cstdint>
 
 #include "platform/append.h"
@@ -58,6 +59,6 @@ void VelClTraceEnvironment::append(const _VelStTraceBufferCallBackInfo& info) {
       written = 0;
     }
   }
-  lostBytes_ += size - written;
-  if (error != 0) lastSystemError_ = error;
+  countLost(size - written);
+  if (error != 0) std::atomic_ref(lastSystemError_).store(error, std::memory_order_relaxed);
 }
