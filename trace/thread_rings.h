@@ -20,6 +20,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "trace/file_name.h"
 #include "vel_include/vel_trace.h"
 
 namespace vel::trace {
@@ -83,6 +84,7 @@ class ThreadRings final : public VelClTraceBufferManager {
   /// Saves the unsaved bytes of all threads, unless this thread is just doing so.
   void flush();
 
+  FileName& fileName() { return fileName_; }
   /// The nesting level of the calling thread; `substitute` if it has none here.
   std::int32_t& nestingLevel(std::int32_t& substitute);
   /// Whether threads other than the calling one may be tracing.
@@ -109,6 +111,7 @@ class ThreadRings final : public VelClTraceBufferManager {
   ThreadRings* next_;    ///< of all environments
   ThreadShare* shares_;  ///< the owner's is the last
   ThreadShare* ofOwner_;
+  FileName fileName_;
   /// Every thread reads what is below for each entry, so it is kept off the cache line that the owner writes.
   [[maybe_unused]] char unused_[64];
   std::atomic<std::uint32_t> owner_;  ///< the ID of the thread that writes to the ring, or 0

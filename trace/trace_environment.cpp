@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <memory>
 
@@ -13,8 +12,8 @@
 #include "foundation/allocator.h"
 #include "platform/environment.h"
 #include "platform/processes.h"
+#include "trace/file_name.h"
 #include "trace/record.h"
-#include "trace/save_lock.h"
 #include "trace/thread_rings.h"
 #include "trace/verbose_line.h"
 #include "vel_include/vel_environment.h"
@@ -95,6 +94,8 @@ VelClTraceEnvironment::VelClTraceEnvironment(const char* key, const char* instan
   static_cast<void>(settings.release());
   // Autosave is always on here: it is on by default, and no variable can switch it off.
   rings->attach(&save, this);
+  // The settings have been read, and with them the name, before there was a place for it.
+  if (!isDefaultFile_) rings->fileName().setPattern(Variables(vel::textOrEmpty(key)).value("_TRACE_FILE"));
   if (!controllerMode_ && settings_->usesAutoclear()) VelClFile(filename_, nullptr).remove();
 }
 
@@ -150,23 +151,6 @@ void VelClTraceEnvironment::setFormatString(const char* format) {
   std::strncpy(format_, vel::textOrEmpty(format), sizeof format_ - 1);
 }
 
-void VelClTraceEnvironment::setFilename(const char* name) {
-  const vel::trace::SaveLock lock;
-  filename_ = name;
-  isDefaultFile_ = false;
-}
-
-void VelClTraceEnvironment::continueInChild(bool hasTraced) {
-  processId_ = vel::platform::currentProcessId();
-  // A controller that has not traced goes on reading its parent's file.
-  if (controllerMode_ && !hasTraced) return;
-  char suffix[sizeof ".4294967295"] = {};
-  const int length = std::snprintf(suffix, sizeof suffix, ".%u", processId_);
-  vel::String name(filename_.getAsCString());
-  name.resize(std::min(name.size(), VEL_MAX_PATH_LENGTH - static_cast<std::size_t>(length)));
-  filename_ = name.append(suffix).c_str();
-}
-
 void VelClTraceEnvironment::countLost(uint64_t bytes) {
   std::atomic_ref(lostBytes_).fetch_add(bytes, std::memory_order_relaxed);
 }
@@ -211,7 +195,7 @@ void VelClTraceEnvironment::determineSettingsFromEnvVars(const char* key) {
   if (isDefaultFile_)
     filename_.setNew(velGetTmpDirectory(), vel::String(key).append("trace.trc").c_str());
   else
-    filename_ = file;
+    filename_ = vel::trace::FileName::expanded(file, processId_);
   const char* format = variables.value("_TRACE_FORMAT");
   setFormatString(format == nullptr ? kDefaultFormat : format);
   if (!variables.isEnabled("_TRACE_VERBOSE")) return;

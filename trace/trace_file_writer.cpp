@@ -9,6 +9,8 @@
 #include "platform/append.h"
 #include "platform/files.h"
 #include "platform/system_error.h"
+#include "trace/thread_rings.h"
+#include "trace/torn_tail.h"
 #include "trace/verbose_line.h"
 #include "vel_include/vel_trace.h"
 
@@ -35,6 +37,10 @@ void VelClTraceEnvironment::append(const _VelStTraceBufferCallBackInfo& info) {
   // Preserved, because the program may trace between a failed call and reading errno.
   const vel::platform::LastErrorsKept errorsOfProgram;
   const bool verbose = settings_->isVerbose();
+  // Behind a part of a record nothing could be read.
+  if (vel::trace::ThreadRings::of(*this).fileName().isToBeExamined() &&
+      vel::trace::endsWithinRecord(filename_.getAsCString()))
+    filename_ = vel::trace::FileName::ofProcess(filename_, processId_);
   const char* const name = filename_.getAsCString();
   const std::uint64_t size = info.firstLength + info.secondLength;
   const AppendTo target = isDefaultFile_ ? AppendTo::OwnFile : AppendTo::AnyFile;

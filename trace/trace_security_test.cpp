@@ -163,6 +163,21 @@ TEST_F(TraceOfForks, SavesEveryEntryOnce) {
   for (const auto& [name, ofProcess] : files) EXPECT_TRUE(name.ends_with(ofProcess.substr(8))) << name;
 }
 
+TEST_F(TraceOfForks, PutTheirNumbersInThePlaceOfTheParents) {
+  set("FILE", directory_.path("%p.trc"));
+  start();
+  trace("parent");
+  inChild([this] {
+    trace("child");
+    velTraceFlush();
+    file_ = directory_.path(std::to_string(getpid()) + ".trc");
+    if (entries() != entriesOf({"child"})) _exit(2);
+  });
+  velTraceDeleteInstance();
+  file_ = directory_.path(std::to_string(getpid()) + ".trc");
+  EXPECT_EQ(entries(), entriesOf({"parent"}));
+}
+
 TEST_F(TraceOfForks, ChildrenOfThreadsGoOnAfterAWrapOfTheRing) {
   start({{"BUFSIZE", "4"}});
   const std::vector<std::string> traced(1000, "child");

@@ -336,7 +336,8 @@ class VEL_API VelClTraceBufferManager {
 ///   <KEY>_TRACE_COMPRESS   yes: pack texts; on at first
 ///   <KEY>_TRACE_COMPSET    components, see VelClTraceFilter::enableComponentIds; all at first
 ///   <KEY>_TRACE_BUFSIZE    the ring's size in kilobytes, 4 to 16384; 65535 bytes at first
-///   <KEY>_TRACE_FILE       the trace file's name; <key>trace.trc in the directory for scratch files at first
+///   <KEY>_TRACE_FILE       the trace file's name, in which "%p" stands for the number of the process;
+///                          <key>trace.trc in the directory for scratch files at first
 ///   <KEY>_TRACE_FORMAT     the formatter's format string
 ///   <KEY>_TRACE_VERBOSE    yes: report these settings, and every save, on standard output
 ///
@@ -350,8 +351,12 @@ class VEL_API VelClTraceBufferManager {
 ///
 /// The trace file does not begin with a header and is only appended to, so processes can share it. However, a
 /// record that wraps around the end of the ring is saved in two parts, and another process may write between
-/// them. Give each process its own file where that matters. A failed save may leave part of a record in the
-/// file; remove the file in that case.
+/// them. Give each process its own file where that matters, by "%p" in its name. A failed save may leave part
+/// of a record in the file; remove the file in that case.
+///
+/// If the file ends within a record when the environment first saves to it, because a program was killed, the
+/// environment leaves that file as it is and goes on in one whose name has a dot and the number of the
+/// process added. The child of a fork() does the same.
 class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
  public:
   /// A null key counts as ""; a null instance means "VELTRACEINSTANCE0". In controller mode, used to read a
