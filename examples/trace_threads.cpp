@@ -1,32 +1,18 @@
-// Traces from several threads. The ring of the trace instance supports only one thread at a time, so a
-// callback locks a mutex and stores the entries in the program's own environment.
+// Traces from several threads, and counts the entries of each in the file.
 #include <vel_trace.h>
 
 #include <cstdio>
-#include <mutex>
 #include <sstream>
 #include <thread>
 #include <vector>
 
 namespace {
 
-/// Stores the entries of all threads.
-struct BackEnd {
-  std::mutex mutex;
-  VelClTraceEnvironment environment{"demo", "callback", true};
-};
-
-void record(void* context, VelEnTraceDetail detail, unsigned short componentId, VelEnTraceDataType type,
-            const char* origin, const char* message, const void* data, size_t size) {
-  auto& backEnd = *static_cast<BackEnd*>(context);
-  const std::lock_guard lock(backEnd.mutex);
-  backEnd.environment.add(detail, componentId, type, origin, message, data, size);
-}
-
 void work(unsigned int worker) {
-  // Threads do not trace functions, because dumpFunction counts the nesting level without a lock.
-  for (unsigned int step = 0; step < 1000; ++step)
+  for (unsigned int step = 0; step < 500; ++step) {
+    const VelClTraceFunction function(VelEnTraceDetail::LOW, 7, "work");
     velTraceValue(VelEnTraceDetail::LOW, 7, "work", "step", worker * 1000 + step);
+  }
 }
 
 }  // namespace
@@ -34,24 +20,21 @@ void work(unsigned int worker) {
 int main() {
   const char file[] = "demo_threads.trc";
   std::remove(file);
-  {
-    BackEnd backEnd;
-    backEnd.environment.setFilename(file);
-    VelClTraceInstance* const instance = VelClTraceInstance::createInstance("demo", nullptr);
-    instance->registerUserCallback(&record, &backEnd);
-    instance->activate();
-    instance->enable();
-    std::vector<std::thread> threads;
-    for (unsigned int worker = 0; worker < 4; ++worker) threads.emplace_back(work, worker);
-    for (std::thread& thread : threads) thread.join();
-    VelClTraceInstance::deleteInstance();
-    backEnd.environment.flush();
-    std::ostringstream text;
-    VelClTraceFormatter formatter(backEnd.environment, nullptr);
-    formatter.setFormatString("%d%n");
-    formatter.format(text);
-    std::printf("%u entries, %lu bytes lost\n", formatter.getNumOfEntries(),
-                static_cast<unsigned long>(backEnd.environment.getLostBytes()));
-  }
+  VelClTraceInstance* const instance = VelClTraceInstance::createInstance("demo", nullptr);
+  VelClTraceEnvironment& environment = instance->getEnvironment();
+  environment.setFilename(file);
+  instance->activate();
+  instance->enable();
+  std::vector<std::thread> threads;
+  for (unsigned int worker = 0; worker < 4; ++worker) threads.emplace_back(work, worker);
+  for (std::thread& thread : threads) thread.join();
+  instance->flush();
+  std::ostringstream text;
+  VelClTraceFormatter formatter(environment, nullptr);
+  formatter.setFormatString("%d%n");
+  formatter.format(text);
+  std::printf("%u entries, %lu bytes lost\n", formatter.getNumOfEntries(),
+              static_cast<unsigned long>(velTraceGetLostBytes()));
+  VelClTraceInstance::deleteInstance();
   std::remove(file);
 }

@@ -17,4 +17,14 @@ inline std::uint32_t forkCount() noexcept {
   return detail::forks;
 }
 
+/// What to do when the process forks: before the fork, and after it in either process. The child has its own
+/// IDs by then.
+struct ForkHandlers {
+  void (*before)();
+  void (*inParent)();
+  void (*inChild)();
+};
+/// Sets the handlers. There is one set of them; Windows never calls them.
+void setForkHandlers(const ForkHandlers& handlers) noexcept;
+
 }  // namespace vel::platform

@@ -19,7 +19,6 @@
 
 #include "base/short_text.h"
 #include "platform/clocks.h"
-#include "platform/processes.h"
 #include "trace/text_compression.h"
 #include "vel_include/vel_trace.h"
 
@@ -78,7 +77,7 @@ inline void storeNumber(unsigned char* out, std::uint32_t number) {
 /// Builds a record without its data and returns its length. `out` must have room for kMaxRecordSize + kSlack
 /// bytes.
 inline std::size_t buildRecord(const VelClTraceEnvironment& environment, const Event& event,
-                               unsigned char* out) {
+                               std::uint32_t thread, unsigned char* out) {
   const bool compressed = environment.getSettings().usesCompression();
   unsigned char* const texts = out + kHeadLength;
   const std::size_t messageLength = storeText(event.message, compressed, texts);
@@ -91,7 +90,7 @@ inline std::size_t buildRecord(const VelClTraceEnvironment& environment, const E
                        static_cast<std::uint32_t>(originLength) << 24);
   storeNumber(out + 4, platform::tickCount());
   storeNumber(out + 8, environment.getProcessId());
-  storeNumber(out + 12, platform::currentThreadId());
+  storeNumber(out + 12, thread);
   storeNumber(out + 16, static_cast<std::uint32_t>(event.size));
   return kHeadLength + messageLength + originLength;
 }

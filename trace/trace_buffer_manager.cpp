@@ -24,9 +24,9 @@
 #include "platform/processes.h"
 #include "vel_include/vel_trace.h"
 
-/// The first bytes of the ring's memory. Nothing is locked: threads that trace at the same time may damage
-/// entries, but must never write outside the ring. So each position is read once, checked, and then used;
-/// reading it a second time could yield a value that was not checked.
+/// The first bytes of the ring's memory. One thread writes to a ring; another one may save it meanwhile, see
+/// thread_rings.h. So the writer moves the write position over bytes that are complete, and the saver moves
+/// the save position over bytes that are saved; each reads the other's position once.
 struct VelClTraceBufferManager::Header {
   char signature[4];
   uint32_t unused;
@@ -36,11 +36,12 @@ struct VelClTraceBufferManager::Header {
   char* save;     ///< the first unsaved byte; one past the last byte after a wrap
   char* write;    ///< where the next byte goes
 
-  /// An atomic load keeps the compiler from reading the position again where it is used.
-  static char* readOnce(char*& position) { return std::atomic_ref(position).load(std::memory_order_relaxed); }
-  char* writePosition() { return readOnce(write); }
-  /// Bytes from `place` to the end of the ring. 0 past the end, where two threads that reserve the same place
-  /// and both commit can leave the write position.
+  char* savePosition() { return std::atomic_ref(save).load(std::memory_order_acquire); }
+  char* writePosition() { return std::atomic_ref(write).load(std::memory_order_acquire); }
+  void setSavePosition(char* position) { std::atomic_ref(save).store(position, std::memory_order_release); }
+  void setWritePosition(char* position) { std::atomic_ref(write).store(position, std::memory_order_release); }
+  /// Bytes from `place` to the end of the ring. 0 past the end, where threads that use one manager without a
+  /// lock can leave the write position: they may damage entries, but must never write outside the ring.
   size_t roomAt(const char* place) const {
     return place <= dataEnd ? static_cast<size_t>(dataEnd + 1 - place) : 0;
   }
@@ -49,7 +50,7 @@ struct VelClTraceBufferManager::Header {
   void dropBytesOfParent(uint32_t& forkCount, bool& dirty) {
     if (forkCount == vel::platform::forkCount()) return;
     forkCount = vel::platform::forkCount();
-    save = write;
+    setSavePosition(write);
     dirty = false;
   }
 };
@@ -98,9 +99,9 @@ void VelClTraceBufferManager::attachOverflowHandler(VelTraceOverflowHandler hand
 void VelClTraceBufferManager::write(const VelClTraceEntry& entry) {
   const VelClTraceBufferAccessSemaphore access(*key_);
   header_->dropBytesOfParent(forkCount_, dirty_);
-  dirty_ = true;
   write(entry.getEntryData(), entry.getSizeOfEntryData());
   write(static_cast<const char*>(entry.getDumpData()), entry.getDumpDataLength());
+  std::atomic_ref(dirty_).store(true, std::memory_order_release);
 }
 
 // With a handler, the bytes after the write position are saved and may be overwritten. After a time without
@@ -109,22 +110,22 @@ void VelClTraceBufferManager::write(const VelClTraceEntry& entry) {
 unsigned char* VelClTraceBufferManager::reserve(size_t size) {
   header_->dropBytesOfParent(forkCount_, dirty_);
   char* const place = header_->writePosition();
-  const bool free = handler_ != nullptr && (header_->save < place || header_->save > header_->dataEnd);
+  const char* const save = header_->savePosition();
+  const bool free = handler_ != nullptr && (save < place || save > header_->dataEnd);
   return free && size < header_->roomAt(place) ? reinterpret_cast<unsigned char*>(place) : nullptr;
 }
 
 void VelClTraceBufferManager::commit(size_t size) {
   const VelClTraceBufferAccessSemaphore access(*key_);
-  dirty_ = true;
-  header_->write += size;
+  header_->setWritePosition(header_->write + size);
+  std::atomic_ref(dirty_).store(true, std::memory_order_release);
 }
 
 void VelClTraceBufferManager::flush() {
   const VelClTraceBufferAccessSemaphore access(*key_);
   header_->dropBytesOfParent(forkCount_, dirty_);
-  if (!dirty_) return;
-  callHandler();
-  dirty_ = false;
+  // Cleared before the write position is read: an entry that its thread adds meanwhile sets it again.
+  if (std::atomic_ref(dirty_).exchange(false, std::memory_order_acquire)) callHandler();
 }
 
 void VelClTraceBufferManager::write(const char* data, size_t length) {
@@ -146,13 +147,13 @@ void VelClTraceBufferManager::append(const char* data, size_t length) {
   // Another thread may have moved the position since the caller computed the room.
   length = std::min(length, header_->roomAt(place));
   std::memcpy(place, data, length);
-  header_->write = place + length;
+  header_->setWritePosition(place + length);
 }
 
 void VelClTraceBufferManager::fill(const char* data, size_t length) {
   append(data, length);
   overflow();
-  header_->write = header_->dataStart;
+  header_->setWritePosition(header_->dataStart);
 }
 
 /// Passes the unsaved bytes to the handler and then counts them as saved, whether or not it could save them:
@@ -161,7 +162,7 @@ void VelClTraceBufferManager::callHandler() {
   if (handler_ == nullptr) return;
   // Clipped to the end, since threads that trace concurrently without a lock may have left positions past it.
   char* const end = header_->dataEnd + 1;
-  char* const save = std::min(Header::readOnce(header_->save), end);
+  char* const save = std::min(header_->savePosition(), end);
   char* const write = std::min(header_->writePosition(), end);
   _VelStTraceBufferCallBackInfo info{context_, save, 0, nullptr, 0};
   if (save >= write) {
@@ -172,5 +173,5 @@ void VelClTraceBufferManager::callHandler() {
     info.firstLength = static_cast<uint64_t>(write - save);
   }
   handler_(info);
-  header_->save = write;
+  header_->setSavePosition(write);
 }

@@ -1,5 +1,6 @@
 // An entry that owns its record. How records are built is in record.h; how they are
 // read from a file, in trace_file_entry.cpp.
+#include "platform/processes.h"
 #include "trace/record.h"
 
 using vel::trace::kDetailShift;
@@ -18,7 +19,7 @@ VelClTraceEntry::VelClTraceEntry(const VelClTraceEnvironment& environment, VelEn
                 sizeof record_ >= vel::trace::kMaxRecordSize + vel::trace::kSlack);
   vel::trace::Event event{detail, componentId, type, origin, message, data, size};
   fitData(event, environment.getBufferSize());
-  entrySize_ = buildRecord(environment, event, record_);
+  entrySize_ = buildRecord(environment, event, vel::platform::currentThreadId(), record_);
 }
 
 VelClTraceEntry::~VelClTraceEntry() = default;

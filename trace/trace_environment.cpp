@@ -1,6 +1,7 @@
 // The environment of a trace key: owns the settings and the ring, and initialises them from environment
 // variables. Saving the ring's bytes to the file is trace_file_writer.cpp's work.
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -11,7 +12,9 @@
 #include "foundation/allocator.h"
 #include "platform/environment.h"
 #include "platform/processes.h"
+#include "trace/file_name.h"
 #include "trace/record.h"
+#include "trace/thread_rings.h"
 #include "trace/verbose_line.h"
 #include "vel_include/vel_environment.h"
 #include "vel_include/vel_helpers.h"
@@ -19,6 +22,7 @@
 
 namespace {
 
+using vel::trace::ThreadRings;
 using vel::trace::VerboseLine;
 
 constexpr char kDefaultInstance[] = "VELTRACEINSTANCE0";
@@ -84,52 +88,79 @@ VelClTraceEnvironment::VelClTraceEnvironment(const char* key, const char* instan
   determineSettingsFromEnvVars(vel::textOrEmpty(key));
   vel::OwnedText buffer(static_cast<char*>(VelClMemoryManager::malloc(bufferSize_)));
   std::memset(buffer.get(), 0, bufferSize_);
-  manager_ = vel::create<VelClTraceBufferManager>(*this, buffer.get(), bufferSize_);
+  auto* const rings = vel::create<ThreadRings>(*this, buffer.get(), bufferSize_);
+  manager_ = rings;
   buffer_ = buffer.release();
   static_cast<void>(settings.release());
   // Autosave is always on here: it is on by default, and no variable can switch it off.
-  manager_->attachOverflowHandler(&save, this);
+  rings->attach(&save, this);
+  // The settings have been read, and with them the name, before there was a place for it.
+  if (!isDefaultFile_) rings->fileName().setPattern(Variables(vel::textOrEmpty(key)).value("_TRACE_FILE"));
   if (!controllerMode_ && settings_->usesAutoclear()) VelClFile(filename_, nullptr).remove();
 }
 
-// The manager's destructor does not touch the ring, so the ring's memory may be freed before it.
 VelClTraceEnvironment::~VelClTraceEnvironment() {
-  manager_->flush();
+  flush();
+  vel::destroy(&ThreadRings::of(*this));
   VelClMemoryManager::free(buffer_);
-  vel::destroy(manager_);
   vel::destroy(settings_);
 }
 
 void VelClTraceEnvironment::add(const VelClTraceEntry& entry) {
-  manager_->write(entry);
-  if (settings_->usesAutoflush()) manager_->flush();
+  ThreadRings& rings = ThreadRings::of(*this);
+  const std::size_t length = entry.getSizeOfEntryData();
+  const std::size_t dataLength = entry.getDumpDataLength();
+  const std::uint32_t thread = vel::platform::currentThreadId();
+  const vel::trace::Place place = rings.reserve(thread, length + dataLength);
+  if (place.bytes != nullptr) {
+    std::memcpy(place.bytes, entry.getEntryData(), length);
+    if (dataLength != 0) std::memcpy(place.bytes + length, entry.getDumpData(), dataLength);
+    rings.commit(place, length + dataLength);
+  } else if (!rings.write(thread, entry)) {
+    countLost(length + dataLength);
+  }
+  if (settings_->usesAutoflush()) rings.flush();
 }
 
 void VelClTraceEnvironment::add(VelEnTraceDetail detail, unsigned short componentId, VelEnTraceDataType type,
                                 const char* origin, const char* message, const void* data, size_t size) {
   // The length of the record is not known before its texts are compressed. If the longest one fits, the
-  // record is built in the ring; otherwise an entry is built outside and copied, wrapping where it has to.
+  // record is built in place; otherwise an entry is built outside and copied, wrapping where it has to.
   vel::trace::Event event{detail, componentId, type, origin, message, data, size};
   fitData(event, getBufferSize());
-  unsigned char* const place =
-      manager_->reserve(vel::trace::kMaxRecordSize + vel::trace::kSlack + event.size);
-  if (place == nullptr) {
+  ThreadRings& rings = ThreadRings::of(*this);
+  const std::uint32_t thread = vel::platform::currentThreadId();
+  const vel::trace::Place place =
+      rings.reserve(thread, vel::trace::kMaxRecordSize + vel::trace::kSlack + event.size);
+  if (place.bytes == nullptr) [[unlikely]] {
     add(VelClTraceEntry(*this, detail, componentId, type, origin, message, data, size));
     return;
   }
-  const std::size_t length = buildRecord(*this, event, place);
-  vel::trace::copyData(place + length, event);
-  manager_->commit(length + event.size);
-  if (settings_->usesAutoflush()) manager_->flush();
+  const std::size_t length = buildRecord(*this, event, thread, place.bytes);
+  vel::trace::copyData(place.bytes + length, event);
+  rings.commit(place, length + event.size);
+  if (settings_->usesAutoflush()) rings.flush();
 }
 
 void VelClTraceEnvironment::flush() {
-  manager_->flush();
+  ThreadRings::of(*this).flush();
 }
 
 void VelClTraceEnvironment::setFormatString(const char* format) {
   // The last byte of format_ is never written and stays NUL.
   std::strncpy(format_, vel::textOrEmpty(format), sizeof format_ - 1);
+}
+
+void VelClTraceEnvironment::countLost(uint64_t bytes) {
+  std::atomic_ref(lostBytes_).fetch_add(bytes, std::memory_order_relaxed);
+}
+
+uint64_t VelClTraceEnvironment::getLostBytes() const {
+  return std::atomic_ref(const_cast<uint64_t&>(lostBytes_)).load(std::memory_order_relaxed);
+}
+
+int VelClTraceEnvironment::getLastSystemError() const {
+  return std::atomic_ref(const_cast<int&>(lastSystemError_)).load(std::memory_order_relaxed);
 }
 
 unsigned long VelClTraceEnvironment::getTimeStamp() const {
@@ -164,7 +195,7 @@ void VelClTraceEnvironment::determineSettingsFromEnvVars(const char* key) {
   if (isDefaultFile_)
     filename_.setNew(velGetTmpDirectory(), vel::String(key).append("trace.trc").c_str());
   else
-    filename_ = file;
+    filename_ = vel::trace::FileName::expanded(file, processId_);
   const char* format = variables.value("_TRACE_FORMAT");
   setFormatString(format == nullptr ? kDefaultFormat : format);
   if (!variables.isEnabled("_TRACE_VERBOSE")) return;

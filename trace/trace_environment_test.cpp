@@ -126,6 +126,46 @@ TEST_F(TraceEnvironment, AddWritesTheSameBytesFromValuesAsFromAnEntry) {
   EXPECT_TRUE(written == expected);
 }
 
+TEST_F(TraceEnvironment, GoesOnInAnotherFileIfARecordIsTorn) {
+  const std::string first = SizedEntry(*environment(), 50, 'x').bytes();
+  const std::string second = SizedEntry(*environment(), 60, 'y').bytes();
+  std::string damaged = first + second;
+  damaged[first.size()] = 0;  // an invalid type
+  const std::pair<std::string, bool> rows[] = {{first, false},
+                                               {first + second, false},
+                                               {first + second.substr(0, 1), true},
+                                               {first + second.substr(0, 20), true},
+                                               {first + second.substr(0, 59), true},
+                                               {first.substr(0, 40), false},
+                                               {"some other text in this file", false},
+                                               {damaged.substr(0, 90), false}};
+  for (const auto& [before, torn] : rows) {
+    directory_.write("unit.trc", before);
+    const auto writer = environment();
+    const SizedEntry entry(*writer, 70, 'z');
+    for (int save = 0; save < 2; ++save) {
+      writer->add(entry.get());
+      writer->flush();
+    }
+    const std::string other = file_ + "." + std::to_string(VelClProcessProperty().getProcessId());
+    EXPECT_EQ(saved(), torn ? before : before + entry.bytes() + entry.bytes());
+    EXPECT_EQ(std::string(writer->getFilename().getAsCString()), torn ? other : file_) << before.size();
+    if (torn) {
+      EXPECT_EQ(readFile(other), entry.bytes() + entry.bytes());
+      std::filesystem::remove(other);
+    }
+  }
+}
+
+TEST_F(TraceEnvironment, ProcessNumberIsPartOfTheName) {
+  const std::string number = std::to_string(VelClProcessProperty().getProcessId());
+  set("FILE", directory_.path("%p-%%p%q%"));
+  const auto writer = environment();
+  EXPECT_STREQ(writer->getFilename().getName(), (number + "-%" + number + "%q%").c_str());
+  writer->setFilename("%p");
+  EXPECT_STREQ(writer->getFilename().getName(), "%p") << "only the variable has marks";
+}
+
 TEST_F(TraceEnvironment, AutoclearRemovesAnOldFileUnlessItIsAController) {
   set("AUTOCLEAR", "yes");
   directory_.write("unit.trc", "old");

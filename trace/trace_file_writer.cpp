@@ -3,11 +3,14 @@
 //
 // The file is opened for each save and closed after it, so that it can be moved or removed while the program
 // runs.
+#include <atomic>
 #include <cstdint>
 
 #include "platform/append.h"
 #include "platform/files.h"
 #include "platform/system_error.h"
+#include "trace/thread_rings.h"
+#include "trace/torn_tail.h"
 #include "trace/verbose_line.h"
 #include "vel_include/vel_trace.h"
 
@@ -34,6 +37,10 @@ void VelClTraceEnvironment::append(const _VelStTraceBufferCallBackInfo& info) {
   // Preserved, because the program may trace between a failed call and reading errno.
   const vel::platform::LastErrorsKept errorsOfProgram;
   const bool verbose = settings_->isVerbose();
+  // Behind a part of a record nothing could be read.
+  if (vel::trace::ThreadRings::of(*this).fileName().isToBeExamined() &&
+      vel::trace::endsWithinRecord(filename_.getAsCString()))
+    filename_ = vel::trace::FileName::ofProcess(filename_, processId_);
   const char* const name = filename_.getAsCString();
   const std::uint64_t size = info.firstLength + info.secondLength;
   const AppendTo target = isDefaultFile_ ? AppendTo::OwnFile : AppendTo::AnyFile;
@@ -58,6 +65,6 @@ void VelClTraceEnvironment::append(const _VelStTraceBufferCallBackInfo& info) {
       written = 0;
     }
   }
-  lostBytes_ += size - written;
-  if (error != 0) lastSystemError_ = error;
+  countLost(size - written);
+  if (error != 0) std::atomic_ref(lastSystemError_).store(error, std::memory_order_relaxed);
 }

@@ -16,20 +16,20 @@ void velTraceDeleteInstance(void) {
 }
 
 bool velTraceIsEnabled(void) {
-  return gs_pclVelTraceInstance != nullptr;
+  return VelClTraceInstance::getInstance() != nullptr;
 }
 
 VelClTraceInstance* VelClTraceInstance_getInstance(void) {
-  return gs_pclVelTraceInstance;
+  return VelClTraceInstance::getInstance();
 }
 
 void velTraceFlush(void) {
-  if (gs_pclVelTraceInstance != nullptr) gs_pclVelTraceInstance->flush();
+  if (VelClTraceInstance* const instance = VelClTraceInstance::getInstance()) instance->flush();
 }
 
 void velTraceDump(VelEnTraceDetail detail, unsigned short componentId, VelEnTraceDataType type,
                   const char* origin, const char* message, const void* data, size_t size) {
-  VelClTraceInstance* const instance = gs_pclVelTraceInstance;
+  VelClTraceInstance* const instance = VelClTraceInstance::getInstance();
   if (instance == nullptr) return;
   if (type == VelEnTraceDataType::FUNCTION_ENTRY || type == VelEnTraceDataType::FUNCTION_EXIT)
     instance->dumpFunction(detail, componentId, type, origin);

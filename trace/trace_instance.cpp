@@ -4,10 +4,13 @@
 // Two pointers tell the states apart. cv_pclSingletonInstance is the instance; gs_pclVelTraceInstance is the
 // same instance while it is enabled and null otherwise, so that a trace call in a program that is not traced
 // costs one load and one branch.
+#include <atomic>
 #include <new>
 #include <utility>
 
 #include "foundation/allocator.h"
+#include "trace/save_lock.h"
+#include "trace/thread_rings.h"
 #include "vel_include/vel_trace.h"
 
 VelClTraceInstance* gs_pclVelTraceInstance = nullptr;
@@ -15,8 +18,31 @@ VelClTraceInstance* VelClTraceInstance::cv_pclSingletonInstance = nullptr;
 
 namespace {
 
-// Saves the last entries when the process ends or the library is unloaded.
-const VelClTraceAutomaticInstanceDestructor destroyedAtUnload;
+using vel::trace::ThreadRings;
+
+/// Threads may trace while another one switches tracing on and off.
+std::atomic_ref<VelClTraceInstance*> enabledInstance() {
+  return std::atomic_ref(gs_pclVelTraceInstance);
+}
+
+/// Saves the last entries when the process ends or the library is unloaded. Threads that still trace then
+/// keep the instance's memory.
+class AtUnload {
+ public:
+  AtUnload() { ThreadRings::prepare(); }
+  AtUnload(const AtUnload&) = delete;
+  AtUnload& operator=(const AtUnload&) = delete;
+  ~AtUnload() {
+    vel::trace::SaveLock::processEnds();
+    VelClTraceInstance* const instance = VelClTraceInstance::getSingletonInstance();
+    if (instance == nullptr) return;
+    enabledInstance().store(nullptr);
+    instance->getEnvironment().flush();
+    if (!ThreadRings::of(instance->getEnvironment()).isUsedByOthers()) VelClTraceInstance::deleteInstance();
+  }
+};
+
+const AtUnload atUnload;
 
 }  // namespace
 
@@ -31,7 +57,7 @@ VelClTraceInstance::VelClTraceInstance(const char* key, const char* instance, bo
 
 VelClTraceInstance::~VelClTraceInstance() {
   flush();
-  gs_pclVelTraceInstance = nullptr;
+  enabledInstance().store(nullptr);
   vel::destroy(environment_);
 }
 
@@ -66,12 +92,12 @@ void VelClTraceInstance::deleteInstance() {
 }
 
 void VelClTraceInstance::enable() {
-  if (isActive()) gs_pclVelTraceInstance = this;
+  if (isActive()) enabledInstance().store(this);
 }
 
 void VelClTraceInstance::disable() {
   flush();
-  gs_pclVelTraceInstance = nullptr;
+  enabledInstance().store(nullptr);
 }
 
 void VelClTraceInstance::activate() {
@@ -94,10 +120,11 @@ void VelClTraceInstance::registerUserCallback(VelTraceCallback callback, void* c
 void VelClTraceInstance::dumpFunction(VelEnTraceDetail detail, unsigned short componentId,
                                       VelEnTraceDataType type, const char* origin) {
   // An exit without its entry makes the level negative; the formatter then shows no indentation.
-  nestingLevel_ += type == VelEnTraceDataType::FUNCTION_ENTRY ? 1 : -1;
+  int32_t& level = ThreadRings::of(*environment_).nestingLevel(nestingLevel_);
+  level += type == VelEnTraceDataType::FUNCTION_ENTRY ? 1 : -1;
   // Intentional: only LOW is lowered. Function records of level LOW then pass every filter of details.
   if (detail == VelEnTraceDetail::LOW) detail = VelEnTraceDetail::OFF;
-  dump(detail, componentId, type, origin, "", &nestingLevel_, sizeof nestingLevel_);
+  dump(detail, componentId, type, origin, "", &level, sizeof level);
 }
 
 // Intentional: does not test whether the instance is active. Callers of

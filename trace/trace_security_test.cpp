@@ -106,9 +106,10 @@ TEST_F(DefaultTraceFile, CanBeAPipeWithoutBlockingTheFormatter) {
   EXPECT_THROW(VelClTraceFormatter(environment, nullptr).format(text), VelClException);
 }
 
+/// A child goes on in a file of its own: its name ends in the number of the child.
 class TraceOfForks : public vel::test::TraceTest {
  protected:
-  void trace(const char* origin) const {
+  static void trace(const char* origin) {
     velTraceDump(VelEnTraceDetail::LOW, 1, VelEnTraceDataType::DATA_NONE, origin, "", "", 0);
   }
   /// Runs the action in a child, which then deletes its trace instance and exits.
@@ -128,6 +129,18 @@ class TraceOfForks : public vel::test::TraceTest {
       all += line(function, VelEnTraceDetail::LOW, VelEnTraceDataType::DATA_NONE);
     return all;
   }
+  /// Returns the names of the files of children, each with the first process number in the file.
+  std::map<std::string, std::string> filesOfChildren() {
+    std::map<std::string, std::string> files;
+    for (const fs::directory_entry& entry : fs::directory_iterator(directory_.path())) {
+      const std::string name = entry.path().filename().string();
+      if (!name.starts_with("unit.trc.")) continue;
+      vel::test::RecordHead head{};
+      std::memcpy(&head, vel::test::readFile(entry.path().string()).data(), sizeof head);
+      files[name] = "unit.trc." + std::to_string(head.process);
+    }
+    return files;
+  }
 };
 
 TEST_F(TraceOfForks, SavesEveryEntryOnce) {
@@ -136,25 +149,52 @@ TEST_F(TraceOfForks, SavesEveryEntryOnce) {
   inChild([] {});
   inChild([this] {
     trace("child1");
-    inChild([this] { trace("grandchild"); });
+    inChild([] { trace("grandchild"); });
     trace("child2");
+    velTraceFlush();
+    file_ = VelClTraceInstance::getSingletonInstance()->getEnvironment().getFilename().getAsCString();
+    if (entries() != entriesOf({"child1", "child2"})) _exit(2);
   });
   trace("parent2");
   velTraceDeleteInstance();
-  EXPECT_EQ(entries(), entriesOf({"grandchild", "child1", "child2", "parent1", "parent2"}));
+  EXPECT_EQ(entries(), entriesOf({"parent1", "parent2"}));
+  const auto files = filesOfChildren();
+  EXPECT_THAT(files, testing::SizeIs(2));
+  for (const auto& [name, ofProcess] : files) EXPECT_TRUE(name.ends_with(ofProcess.substr(8))) << name;
 }
 
-TEST_F(TraceOfForks, SavesOnOverflowOnlyWhatTheChildHasTraced) {
-  start({{"BUFSIZE", "4"}});
+TEST_F(TraceOfForks, PutTheirNumbersInThePlaceOfTheParents) {
+  set("FILE", directory_.path("%p.trc"));
+  start();
   trace("parent");
-  std::vector<std::string> traced(1000, "child");
-  inChild([&] {
-    for (const std::string& function : traced) trace(function.c_str());
+  inChild([this] {
+    trace("child");
+    velTraceFlush();
+    file_ = directory_.path(std::to_string(getpid()) + ".trc");
+    if (entries() != entriesOf({"child"})) _exit(2);
   });
-  EXPECT_EQ(entries(), entriesOf(traced));
   velTraceDeleteInstance();
-  traced.emplace_back("parent");
-  EXPECT_EQ(entries(), entriesOf(traced));
+  file_ = directory_.path(std::to_string(getpid()) + ".trc");
+  EXPECT_EQ(entries(), entriesOf({"parent"}));
+}
+
+TEST_F(TraceOfForks, ChildrenOfThreadsGoOnAfterAWrapOfTheRing) {
+  start({{"BUFSIZE", "4"}});
+  const std::vector<std::string> traced(1000, "child");
+  std::vector<std::string> expected(150, "parent");
+  for (const std::string& function : expected) trace(function.c_str());  // wraps within an entry
+  std::thread([&] {
+    trace("other");
+    inChild([&] {
+      for (const std::string& function : traced) trace(function.c_str());
+      velTraceFlush();
+      file_ = VelClTraceInstance::getSingletonInstance()->getEnvironment().getFilename().getAsCString();
+      if (entries() != entriesOf(traced)) _exit(2);
+    });
+  }).join();
+  velTraceDeleteInstance();
+  expected.emplace_back("other");
+  EXPECT_EQ(entries(), entriesOf(expected));
 }
 
 }  // namespace

@@ -23,8 +23,8 @@
 #include "vel_trace.h"
 #include "vel_trace_entry.h"
 #include "vel_trace_formatter.h"
-#include "vel_utf8.h"
 #include "vel_trace_reader.h"
+#include "vel_utf8.h"
 #include "vel_util.h"
 
 #endif

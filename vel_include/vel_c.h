@@ -19,8 +19,8 @@
 #include "vel_quoting.h"
 #include "vel_status.h"
 #include "vel_trace.h"
-#include "vel_utf8.h"
 #include "vel_trace_reader.h"
+#include "vel_utf8.h"
 #include "vel_util.h"
 
 #endif

@@ -8,9 +8,11 @@
 //     velTraceDump(VelEnTraceDetail::LOW, 3, VelEnTraceDataType::C_STRING, "main", "file", name,
 //     strlen(name));
 //
-// Trace calls must come from one thread, or from threads that synchronise with each other: nothing here
-// locks. Tracing never disturbs the program: bytes that cannot be saved are lost and counted, and saving
-// preserves errno.
+// Any number of threads may trace at the same time. No entry is lost or mixed with another one; the entries
+// of each thread are in the file in the order in which it traced them. Enabling, disabling and flushing are
+// possible at any time; create and delete the instance, and change settings, while no other thread traces.
+// Tracing never disturbs the program: bytes that cannot be saved are lost and counted, and saving preserves
+// errno.
 //
 // vel_trace_entry.h describes a single entry, and vel_trace_formatter.h renders a trace file; this header
 // includes both.
@@ -24,6 +26,7 @@
 #include "vel_trace_entry.h"
 
 #if defined(VEL_HAS_CLASSES)
+#include <atomic>
 #include <iosfwd>
 #include <type_traits>
 
@@ -33,6 +36,9 @@
 
 #if defined(__cplusplus)
 class VelClTraceInstance;
+namespace vel::trace {
+class ThreadRings;
+}
 #else
 typedef struct VelClTraceInstance VelClTraceInstance;
 #endif
@@ -241,8 +247,8 @@ class VEL_API VelClResourceKeySemaphore : public VelClResourceKeyABase {
   ~VelClResourceKeySemaphore() override;
 };
 
-/// Placeholder for a lock around the ring. It does nothing, because the ring belongs to one process and one
-/// thread at a time.
+/// Placeholder for a lock around the ring. It does nothing, because one process and one thread at a time
+/// write to a ring.
 class VEL_API VelClTraceBufferAccessSemaphore {
  public:
   /// The key is ignored.
@@ -272,6 +278,8 @@ typedef void (*VelTraceOverflowHandler)(const _VelStTraceBufferCallBackInfo& inf
 ///
 /// In the child of a fork() the bytes that its parent has not saved yet count as saved, because the parent
 /// saves them.
+///
+/// Use a manager in one thread at a time. VelClTraceEnvironment gives each thread memory of its own.
 class VEL_API VelClTraceBufferManager {
  public:
   /// `buffer` has `size` bytes, of which 48 are the header; it needs at least 49 and the alignment of a
@@ -328,7 +336,8 @@ class VEL_API VelClTraceBufferManager {
 ///   <KEY>_TRACE_COMPRESS   yes: pack texts; on at first
 ///   <KEY>_TRACE_COMPSET    components, see VelClTraceFilter::enableComponentIds; all at first
 ///   <KEY>_TRACE_BUFSIZE    the ring's size in kilobytes, 4 to 16384; 65535 bytes at first
-///   <KEY>_TRACE_FILE       the trace file's name; <key>trace.trc in the directory for scratch files at first
+///   <KEY>_TRACE_FILE       the trace file's name, in which "%p" stands for the number of the process;
+///                          <key>trace.trc in the directory for scratch files at first
 ///   <KEY>_TRACE_FORMAT     the formatter's format string
 ///   <KEY>_TRACE_VERBOSE    yes: report these settings, and every save, on standard output
 ///
@@ -342,8 +351,12 @@ class VEL_API VelClTraceBufferManager {
 ///
 /// The trace file does not begin with a header and is only appended to, so processes can share it. However, a
 /// record that wraps around the end of the ring is saved in two parts, and another process may write between
-/// them. Give each process its own file where that matters. A failed save may leave part of a record in the
-/// file; remove the file in that case.
+/// them. Give each process its own file where that matters, by "%p" in its name. A failed save may leave part
+/// of a record in the file; remove the file in that case.
+///
+/// If the file ends within a record when the environment first saves to it, because a program was killed, the
+/// environment leaves that file as it is and goes on in one whose name has a dot and the number of the
+/// process added. The child of a fork() does the same.
 class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
  public:
   /// A null key counts as ""; a null instance means "VELTRACEINSTANCE0". In controller mode, used to read a
@@ -371,10 +384,7 @@ class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
   /// Returns the name of the trace file.
   const VelClFilename& getFilename() const { return filename_; }
   /// Sets the file for saving and formatting from now on. A name of more than 260 characters is cut.
-  void setFilename(const char* name) {
-    filename_ = name;
-    isDefaultFile_ = false;
-  }
+  void setFilename(const char* name);
   /// Returns the text of setFormatString or <KEY>_TRACE_FORMAT; if neither was set, a format that shows
   /// everything.
   const char* getFormatString() const { return format_; }
@@ -382,7 +392,7 @@ class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
   void setFormatString(const char* format);
   /// Returns the settings, for reading and changing.
   VelClTraceSettings& getSettings() const { return *settings_; }
-  /// Returns the identifier of the process that constructed the environment.
+  /// Returns the identifier of the process.
   unsigned int getProcessId() const { return processId_; }
   /// Returns velGetTimeStamp().
   unsigned long getTimeStamp() const;
@@ -399,10 +409,13 @@ class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
 
   /// Return the number of bytes that could not be written to the trace file, and the errno of the last
   /// failure.
-  uint64_t getLostBytes() const { return lostBytes_; }
-  int getLastSystemError() const { return lastSystemError_; }
+  uint64_t getLostBytes() const;
+  int getLastSystemError() const;
 
  private:
+  friend class vel::trace::ThreadRings;
+  VEL_LOCAL void continueInChild(bool hasTraced);
+  VEL_LOCAL void countLost(uint64_t bytes);
   void determineSettingsFromEnvVars(const char* key);
   void report(const char* key) const;
   static void save(const _VelStTraceBufferCallBackInfo& info);
@@ -425,8 +438,8 @@ class VEL_API VelClTraceEnvironment : public VelClResourceKeySemaphore {
   bool isDefaultFile_;  ///< the name is the default one: no variable and no call has set it
 };
 
-/// Receives entries. `context` is the value registered with the callback; the other arguments are those of
-/// velTraceDump.
+/// Receives entries, from several threads at the same time if the program has them. `context` is the value
+/// registered with the callback; the other arguments are those of velTraceDump.
 typedef void (*VelTraceCallback)(void* context, VelEnTraceDetail detail, unsigned short componentId,
                                  VelEnTraceDataType type, const char* origin, const char* message,
                                  const void* data, size_t size);
@@ -449,7 +462,9 @@ class VEL_API VelClTraceInstance {
   /// Returns the instance, enabled or not, or null if it has not been created.
   static VelClTraceInstance* getSingletonInstance();
   /// Returns the enabled instance, or null.
-  static VelClTraceInstance* getInstance() { return gs_pclVelTraceInstance; }
+  static VelClTraceInstance* getInstance() {
+    return std::atomic_ref(gs_pclVelTraceInstance).load(std::memory_order_acquire);
+  }
 
   /// Switch recording on, which requires an active environment, and off. Switching off saves the unsaved
   /// bytes first.
@@ -460,7 +475,7 @@ class VEL_API VelClTraceInstance {
   /// True if the environment is active.
   bool isActive() const;
   /// True if any instance is enabled.
-  bool isEnabled() const { return gs_pclVelTraceInstance != nullptr; }
+  bool isEnabled() const { return getInstance() != nullptr; }
   /// Saves the unsaved bytes, if the environment is active.
   void flush();
   /// Returns the environment of the key; the instance owns it.
@@ -478,7 +493,7 @@ class VEL_API VelClTraceInstance {
     callback_(context_, detail, componentId, type, origin, message, data, size);
   }
   /// Records a function's entry (FUNCTION_ENTRY) or exit (any other type), with the resulting nesting level
-  /// as data.
+  /// of the calling thread as data.
   // Intentional: only LOW is lowered; MEDIUM and HIGH are filtered as usual.
   /// The detail LOW becomes OFF, so that such records pass every filter of details.
   void dumpFunction(VelEnTraceDetail detail, unsigned short componentId, VelEnTraceDataType type,

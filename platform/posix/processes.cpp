@@ -15,11 +15,15 @@ namespace {
 /// general-dynamic model costs nearly as much as the call.
 thread_local std::uint32_t threadId __attribute__((tls_model("initial-exec"))) = 0;
 
+constinit ForkHandlers forkHandlers = {[] {}, [] {}, [] {}};
+
 /// A forked child is another process with another thread: it must not use the cached ID.
-const int registered = pthread_atfork(nullptr, nullptr, [] {
-  ++detail::forks;
-  threadId = 0;
-});
+const int registered = pthread_atfork([] { forkHandlers.before(); }, [] { forkHandlers.inParent(); },
+                                      [] {
+                                        ++detail::forks;
+                                        threadId = 0;
+                                        forkHandlers.inChild();
+                                      });
 
 /// Caches the ID only if the fork handler is registered; without it a child could report its parent's thread.
 std::uint32_t queryAndCacheThreadId() noexcept {
@@ -36,6 +40,10 @@ std::uint32_t currentProcessId() noexcept {
 
 std::uint32_t currentThreadId() noexcept {
   return threadId != 0 ? threadId : queryAndCacheThreadId();
+}
+
+void setForkHandlers(const ForkHandlers& handlers) noexcept {
+  forkHandlers = handlers;
 }
 
 }  // namespace vel::platform

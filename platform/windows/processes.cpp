@@ -16,4 +16,6 @@ std::uint32_t currentThreadId() noexcept {
   return GetCurrentThreadId();
 }
 
+void setForkHandlers(const ForkHandlers&) noexcept {}
+
 }  // namespace vel::platform
