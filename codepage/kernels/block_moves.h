@@ -1,5 +1,5 @@
-// Widening, narrowing and swapping for SSE4.1 and AVX2: loops that the compiler vectorises with the level's
-// instructions.
+// Widening, narrowing and swapping: loops that the compiler vectorises with the instructions of the level
+// that VEL_VECTOR stands for. AVX-512 has its own in avx512_moves.cpp.
 #pragma once
 
 #include "codepage/conversion.h"

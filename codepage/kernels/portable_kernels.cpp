@@ -9,6 +9,10 @@
 #include "codepage/conversion.h"
 #include "codepage/kernels/kernels.h"
 
+// Compiled for every processor.
+#define VEL_VECTOR
+#include "codepage/kernels/block_moves.h"
+
 namespace vel::codepage {
 
 namespace {
@@ -17,22 +21,6 @@ std::uint64_t readWord(const char* from) {
   std::uint64_t word;
   std::memcpy(&word, from, sizeof word);
   return word;
-}
-
-void widen(char* __restrict target, const char* __restrict source, std::size_t count) noexcept {
-  for (std::size_t i = 0; i < count; ++i)
-    writeUnit(target + i * kUnitSize, static_cast<unsigned char>(source[i]));
-}
-
-void narrow(char* __restrict target, const char* __restrict source, std::size_t count) noexcept {
-  for (std::size_t i = 0; i < count; ++i) target[i] = static_cast<char>(readUnit(source + i * kUnitSize));
-}
-
-void swap(char* __restrict target, const char* __restrict source, std::size_t count) noexcept {
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::uint16_t unit = readUnit(source + i * kUnitSize);
-    writeUnit(target + i * kUnitSize, static_cast<std::uint16_t>(unit << 8 | unit >> 8));
-  }
 }
 
 /// Reads eight bytes as one word: one load and shifts are faster than eight loads.
