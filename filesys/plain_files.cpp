@@ -183,12 +183,13 @@ VelStStatus* velFileExists(const char* path, size_t pathSize, bool* exists) {
 
 VelStStatus* velFileGetStatus(const char* path, size_t pathSize, enum VelEnLinks links,
                               VelStFileStatus* status) {
-  *status = {};
-  return vel::filesys::withPath(path, pathSize, [&](const PathArgument& name) {
+  VelStStatus* const failure = vel::filesys::withPath(path, pathSize, [&](const PathArgument& name) {
     platform::FullStatus found;
     const auto error = platform::statusOfName(name.get(), vel::filesys::meaningOf(links), found);
     return vel::filesys::giveStatus(error, found, name.view(), *status);
   });
+  if (failure != nullptr) *status = {};
+  return failure;
 }
 
 VelStStatus* velDirectoryCreate(const char* path, size_t pathSize, bool parents) {

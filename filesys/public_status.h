@@ -1,6 +1,7 @@
 // Converts the status of an entry to that of vel_files.h.
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 #include "filesys/path_argument.h"
@@ -32,8 +33,10 @@ static_assert(VEL_TIME_UNKNOWN == platform::kUnknownTime);
 /// Fills `status`, with zeros after an error.
 inline VelClStatus giveStatus(platform::NativeError error, const platform::FullStatus& found,
                               std::string_view name, VelStFileStatus& status) noexcept {
-  status = {};
-  if (error != 0) return statusOfCall(FILE_COULD_NOT_QUERY, error, name);
+  if (error != 0) {
+    status = {};
+    return statusOfCall(FILE_COULD_NOT_QUERY, error, name);
+  }
   status.size = found.sizeInBytes;
   status.modified = found.modified;
   status.accessed = found.accessed;
@@ -44,6 +47,7 @@ inline VelClStatus giveStatus(platform::NativeError error, const platform::FullS
   status.number = found.identity.number;
   status.kind = publicKind(found.kind);
   status.ownerPermissions = found.ownerPermissions;
+  for (std::uint64_t& field : status.reserved) field = 0;
   return {};
 }
 

@@ -26,7 +26,7 @@ class TreeRemover {
   VelClStatus removeContents() {
     platform::NativeError error = directories_.openTop(name_.get(), platform::DirectoryLink::Refuse);
     if (error != 0) return failure(error);
-    if (platform::isRoot(directories_.current())) return isRoot();
+    if (isAtRoot()) return isRoot();
     for (;;) {
       platform::ListedEntry entry;
       platform::ListingStep step;
@@ -46,7 +46,7 @@ class TreeRemover {
     platform::NativeError error = 0;
     if (entry.kind == platform::EntryKind::Directory) {
       error = directories_.enter(entry.systemName);
-      if (error == 0) return platform::isRoot(directories_.current()) ? isRoot() : VelClStatus();
+      if (error == 0) return isAtRoot() ? isRoot() : VelClStatus();
       const platform::SystemError kind = platform::preciseErrno(error);
       if (kind == ENOENT) return {};
       // It was exchanged since it was listed, perhaps for a link, which is removed itself.
@@ -64,6 +64,7 @@ class TreeRemover {
     return unlessGone(platform::removeListed(directories_.current(), name, true));
   }
 
+  bool isAtRoot() const noexcept { return platform::isRoot(directories_.current(), processRoot_); }
   VelClStatus isRoot() const {
     return {FILE_COULD_NOT_REMOVE, VelEnErrorClass::IO_PERMISSION_DENIED, 0, path({})};
   }
@@ -89,6 +90,7 @@ class TreeRemover {
   }
 
   const PathArgument& name_;
+  const platform::FileIdentity processRoot_ = platform::identityOfProcessRoot();
   vel::filesys::OpenDirectories directories_;
 };
 

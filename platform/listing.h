@@ -17,6 +17,9 @@ namespace vel::platform {
 struct Listing {
   static constexpr std::size_t kBufferSize = 32768;
 
+  // Not defaulted: that would clear the buffer.
+  Listing() noexcept {}
+
   std::intptr_t handle = -1;
   std::size_t at = 0;    ///< the next entry in the buffer
   std::size_t size = 0;  ///< the bytes in the buffer
@@ -47,8 +50,11 @@ NativeError nextListed(Listing& listing, ListedEntry& entry, ListingStep& step) 
 
 NativeError identityOfListing(const Listing& listing, FileIdentity& identity) noexcept;
 /// Whether the directory is a root: that of the process, of a drive, or of a share. True if the system cannot
-/// tell.
-bool isRoot(const Listing& listing) noexcept;
+/// tell. `processRoot` is what identityOfProcessRoot has returned.
+bool isRoot(const Listing& listing, const FileIdentity& processRoot) noexcept;
+/// Zeros where that is no help, or if this process may not examine it: then it cannot be a directory that the
+/// process opened.
+FileIdentity identityOfProcessRoot() noexcept;
 NativeError statusOfListed(const Listing& parent, std::string_view systemName, LinkMeans links,
                            FullStatus& status) noexcept;
 /// Removes a file, read-only or not, a link itself, or with `isDirectory` an empty directory.

@@ -26,17 +26,29 @@
 // have the number of the system and the name concerned. All of them report PATH_INVALID for a name that is
 // empty, contains a NUL, or on Windows is not well-formed UTF-8; nothing was done then.
 
-/// The kind of an entry. OTHER is a device, a pipe, a socket, or unknown. A junction of Windows is a link.
-enum VelEnFileKind VEL_ENUM_TYPE(uint32_t){VEL_FILE_KIND_OTHER = 0, VEL_FILE_KIND_FILE = 1,
-                                           VEL_FILE_KIND_DIRECTORY = 2, VEL_FILE_KIND_LINK = 3};
+// clang-format off
+/// The kind of an entry.
+enum VelEnFileKind VEL_ENUM_TYPE(uint32_t) {
+  VEL_FILE_KIND_OTHER = 0,      ///< a device, a pipe, a socket, or unknown
+  VEL_FILE_KIND_FILE = 1,       ///< a regular file
+  VEL_FILE_KIND_DIRECTORY = 2,  ///< a directory
+  VEL_FILE_KIND_LINK = 3        ///< a symbolic link, or a junction of Windows
+};
 
-/// Whether a link stands for the entry that it leads to, or for itself.
-enum VelEnLinks VEL_ENUM_TYPE(uint32_t){VEL_LINKS_FOLLOW = 0, VEL_LINKS_KEEP = 1};
+/// What a link stands for.
+enum VelEnLinks VEL_ENUM_TYPE(uint32_t) {
+  VEL_LINKS_FOLLOW = 0,  ///< the entry that it leads to
+  VEL_LINKS_KEEP = 1     ///< itself
+};
 
-/// What happens to a target that exists. OLDER: it is replaced if it was modified before the source;
-/// otherwise nothing happens, which counts as success.
-enum VelEnOverwrite VEL_ENUM_TYPE(uint32_t){VEL_OVERWRITE_NEVER = 0, VEL_OVERWRITE_ALWAYS = 1,
-                                            VEL_OVERWRITE_OLDER = 2};
+/// What happens to a target that exists. With OLDER, a target that is not older than the source stays, which
+/// counts as success.
+enum VelEnOverwrite VEL_ENUM_TYPE(uint32_t) {
+  VEL_OVERWRITE_NEVER = 0,   ///< it stays, and the function fails
+  VEL_OVERWRITE_ALWAYS = 1,  ///< it is replaced
+  VEL_OVERWRITE_OLDER = 2    ///< it is replaced if it was modified before the source
+};
+// clang-format on
 
 /// A time that the system does not keep.
 #define VEL_TIME_UNKNOWN INT64_MIN

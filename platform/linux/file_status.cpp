@@ -26,7 +26,7 @@ std::int64_t timeOf(const struct statx& found, unsigned mask, const statx_timest
 }  // namespace
 
 SystemError statusAt(int directory, const char* name, LinkMeans links, FullStatus& status) noexcept {
-  const int flags = AT_EMPTY_PATH | (links == LinkMeans::Itself ? AT_SYMLINK_NOFOLLOW : 0);
+  const int flags = links == LinkMeans::Itself ? AT_SYMLINK_NOFOLLOW : 0;
   struct statx found;
   if (statx(directory, name, flags, STATX_BASIC_STATS | STATX_BTIME, &found) != 0) return errno;
   status.kind = kindOfMode(found.stx_mode);

@@ -111,13 +111,14 @@ NativeError identityOfListing(const Listing& listing, FileIdentity& identity) no
   return 0;
 }
 
-bool isRoot(const Listing& listing) noexcept {
-  struct stat own, parent, root;
-  const int descriptor = descriptorOf(listing);
-  if (fstat(descriptor, &own) != 0 || fstatat(descriptor, "..", &parent, 0) != 0) return true;
-  // A root that this process may not examine cannot be a directory that it opened.
-  const bool isOwnRoot = stat("/", &root) == 0 && identityOf(root) == identityOf(own);
-  return isOwnRoot || identityOf(parent) == identityOf(own);
+bool isRoot(const Listing& listing, const FileIdentity& processRoot) noexcept {
+  FileIdentity own;
+  return identityOfListing(listing, own) != 0 || own == processRoot;
+}
+
+FileIdentity identityOfProcessRoot() noexcept {
+  struct stat root;
+  return stat("/", &root) == 0 ? identityOf(root) : FileIdentity{};
 }
 
 NativeError statusOfListed(const Listing& parent, std::string_view systemName, LinkMeans links,

@@ -6,7 +6,7 @@
 
 namespace vel::platform {
 
-/// `name` is relative to the open directory; "" stands for the directory itself.
+/// `name` is relative to the open directory, or to AT_FDCWD.
 SystemError statusAt(int directory, const char* name, LinkMeans links, FullStatus& status) noexcept;
 
 }  // namespace vel::platform

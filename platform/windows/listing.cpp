@@ -154,7 +154,11 @@ NativeError identityOfListing(const Listing& listing, FileIdentity& identity) no
   return error;
 }
 
-bool isRoot(const Listing& listing) noexcept {
+FileIdentity identityOfProcessRoot() noexcept {
+  return {};
+}
+
+bool isRoot(const Listing& listing, const FileIdentity&) noexcept {
   struct {
     FILE_NAME_INFO info;
     std::array<WCHAR, 1024> rest;
