@@ -1,5 +1,5 @@
-// Writes, copies, moves, walks and removes files whose names have characters of several scripts, and more than
-// 260 of them. Every failure has a reason.
+// Writes, copies, moves, walks and removes files whose names have characters of several scripts, and more
+// than 260 of them. Every failure has a reason.
 #include <vel.h>
 
 #include <iostream>

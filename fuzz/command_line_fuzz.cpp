@@ -1,7 +1,7 @@
 // Command lines, compared with a slow splitter that first classifies every character. The input is a
 // NUL-terminated command line, and texts to build another one from.
-#include "fuzz/bytes.h"
 #include "environment/command_line.h"
+#include "fuzz/bytes.h"
 #include "vel_include/vel_process.h"
 #include "vel_include/vel_quoting.h"
 

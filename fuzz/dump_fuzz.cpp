@@ -9,8 +9,8 @@ namespace fuzz::dump {
 
 namespace {
 
-using vel::veldump::DumpParser;
 using vel::tools::OutputBuffer;
+using vel::veldump::DumpParser;
 
 constexpr std::uint64_t kMaxRepeated = 100'000;
 constexpr std::size_t kManyBytes = 24'000;

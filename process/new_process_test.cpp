@@ -1,7 +1,7 @@
 // Tests how command lines are built, and the arguments that real children receive.
+#include "environment/command_line.h"
 #include "platform/test/test.h"
 #include "platform/test/watched_memory.h"
-#include "environment/command_line.h"
 #include "vel_include/vel_process.h"
 
 namespace {

@@ -1,8 +1,8 @@
 // Tests quoting against the splitters: the library's own, the system's, and that of a real child.
 #include "vel_include/vel_quoting.h"
 
-#include "platform/test/test.h"
 #include "environment/command_line.h"
+#include "platform/test/test.h"
 #include "vel_include/vel_helpers.h"
 #include "vel_include/vel_process.h"
 

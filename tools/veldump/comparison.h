@@ -6,9 +6,9 @@
 #include <cstring>
 #include <vector>
 
+#include "tools/output_buffer.h"
 #include "tools/veldump/byte_source.h"
 #include "tools/veldump/line_painter.h"
-#include "tools/output_buffer.h"
 
 namespace vel::veldump {
 

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "tools/veldump/line_painter.h"
 #include "tools/output_buffer.h"
+#include "tools/veldump/line_painter.h"
 #include "util/dump_line.h"
 
 namespace vel::veldump {

@@ -237,7 +237,8 @@ bool Tool::openTraces() {
       // Others are passed over by the reader, unless they may be context. Recovery reports what it skips with
       // the record after it.
       const VelStTraceSelection selection = filter_.selection();
-      if (context_ == 0 && (reading & TRACE_READ_RECOVER) == 0) traces_.all().back().reader.select(&selection);
+      if (context_ == 0 && (reading & TRACE_READ_RECOVER) == 0)
+        traces_.all().back().reader.select(&selection);
       continue;
     }
     throwIfOutOfMemory(status);
