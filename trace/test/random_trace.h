@@ -64,9 +64,7 @@ class RandomTrace {
     static constexpr std::size_t kSizes[] = {0, 4, 4, 0, 0, 0, 0, 8, 0, 0, 1,
                                              1, 1, 2, 2, 4, 4, 8, 8, 4, 8, 16};
     static constexpr const char* kMessages[] = {"", "opened", "connection accepted from 10.0.0.7",
-                                                "size of the buffer: 4096",
-                                                "Gr\xC3\xB6\xC3\x9F"
-                                                "e"};
+                                                "size of the buffer: 4096", "Gr\xC3\xB6\xC3\x9F\x65"};
     static constexpr const char* kOrigins[] = {"run", "Service::accept", "settings", "Parser::nextToken"};
     time_ += below(4);
     const std::uint32_t thread = below(5);
