@@ -74,7 +74,7 @@ TEST(Status, CutsItsTextBetweenCharacters) {
     EXPECT_EQ(out[capacity], '#');
     const std::string cut = out.c_str();
     EXPECT_EQ(cut, whole.substr(0, cut.size()));
-    EXPECT_NE(cut.back(), '\xC3');
+    EXPECT_THAT(cut, testing::Not(testing::EndsWith("\xC3")));
     EXPECT_GE(cut.size() + 4, std::min(capacity - 1, whole.size()));
   }
   velStatusFree(plain);

@@ -27,6 +27,11 @@ struct Damaged {
   bool isIntact(const Extent& record) const {
     return record.offset + record.size <= from || record.offset >= to;
   }
+  /// Whether bytes were deleted within these: the start of one record and the end of another can have a
+  /// fitting size, which cannot be told without a checksum.
+  bool isJoint(std::size_t offset, std::size_t size) const {
+    return added == 0 && to > from && offset < from && from < offset + size;
+  }
   /// Where the end of a record is now; `from` if it is gone.
   std::size_t endOf(const Extent& record) const {
     const std::size_t end = record.offset + record.size;
@@ -74,7 +79,7 @@ struct Score {
       intact += isIntact ? 1 : 0;
       missing += isIntact && !isShown ? 1 : 0;
     }
-    wrong += found.size();
+    for (const auto& [offset, size] : found) wrong += damaged.isJoint(offset, size) ? 0U : 1U;
   }
 };
 
